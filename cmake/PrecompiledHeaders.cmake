@@ -1,0 +1,23 @@
+# Compiles Qt's headers once for every target that has a window; the rooms below the window stay without, as they
+# must not see it.
+add_library(harrowby_pch OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
+target_link_libraries(harrowby_pch PRIVATE harrowby_build Qt6::Widgets)
+target_precompile_headers(harrowby_pch PRIVATE <QtCore> <QtGui> <QtWidgets> <memory> <optional> <string> <vector>)
+
+function(harrowby_reuse_precompiled directory)
+    if(directory MATCHES "/(basic|store)$")
+        return()
+    endif()
+    get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target ${targets})
+        get_target_property(type ${target} TYPE)
+        if(type MATCHES "^(STATIC_LIBRARY|SHARED_LIBRARY|EXECUTABLE)$" AND NOT target STREQUAL "harrowby_slot")
+            target_precompile_headers(${target} REUSE_FROM harrowby_pch)
+        endif()
+    endforeach()
+    get_property(subdirectories DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
+    foreach(subdirectory ${subdirectories})
+        harrowby_reuse_precompiled(${subdirectory})
+    endforeach()
+endfunction()
+harrowby_reuse_precompiled(${PROJECT_SOURCE_DIR})

@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: MIT
+// Nothing of its own: carries the precompiled headers.
