@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <harrowby/db_connection.h>
+
+struct sqlite3;
+
+namespace harrowby {
+
+/// DbConnection over a `sqlite3 *` that the host has opened.
+///
+/// The handle stays the host's: it must outlive this object, and this object never closes or configures it
+/// (no pragma, no busy handler). Use it on the thread that runs the user interface.
+class HARROWBY_EXPORT SqliteConnection final : public DbConnection
+{
+public:
+    /// `location` is the host's installation folder, as location() returns it.
+    explicit SqliteConnection(sqlite3 *database, QString location = {});
+    ~SqliteConnection() override;
+
+    bool Execute(const QString &statement) override;
+    [[nodiscard]] std::unique_ptr<DbCursor> query(const QString &select) override;
+    [[nodiscard]] std::optional<std::int64_t> countRows(const QString &select) override;
+    [[nodiscard]] std::optional<std::vector<DbRowId>> rowIds(const QString &select) override;
+    bool insertRow(const QString &table, const DbAssignments &values) override;
+    bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
+    [[nodiscard]] QString location() const override;
+
+private:
+    sqlite3 *m_database;
+    QString m_location;
+};
+
+} // namespace harrowby

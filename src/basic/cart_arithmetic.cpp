@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "basic/cart_arithmetic.h"
+
+#include "basic/numbers.h"
+#include "basic/text.h"
+
+#include <cmath>
+#include <limits>
+
+namespace harrowby {
+
+std::optional<float> toSingle(double value)
+{
+    if (!std::isfinite(value) || std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+        return std::nullopt;
+    return static_cast<float>(value);
+}
+
+float unitCost(const QString &storedCost)
+{
+    return toSingle(leadingNumber(trimBlanks(storedCost))).value_or(0.0F);
+}
+
+float newLineCost(float unitCost, std::int16_t quantity)
+{
+    return unitCost * static_cast<float>(quantity);
+}
+
+double mergedLineCost(float unitCost, double quantity)
+{
+    return static_cast<double>(unitCost) * quantity;
+}
+
+void CostTotal::add(const QString &shownCost)
+{
+    m_total = toSingle(static_cast<double>(m_total) + leadingNumberWithoutCommas(shownCost)).value_or(m_total);
+}
+
+} // namespace harrowby

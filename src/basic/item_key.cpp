@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+
+#include "basic/text.h"
+
+namespace harrowby {
+
+namespace {
+
+constexpr QLatin1StringView separator("  |  ");
+constexpr QLatin1StringView narrowSeparator(" | ");
+
+} // namespace
+
+QString itemKey(const QString &stockId, const QString &stockName)
+{
+    return stockId + separator + stockName;
+}
+
+QString GetIDName(const QString &key, KeyPiece piece)
+{
+    if (piece != KeyPiece::Name) {
+        const qsizetype end = key.indexOf(separator);
+        return end < 0 ? QString() : trimBlanks(QStringView(key).first(end));
+    }
+    const qsizetype found = key.indexOf(narrowSeparator);
+    // One character more than the separator is dropped: a key has two blanks after its bar.
+    return found < 0 ? QString() : trimmedUpper(key.mid(found + narrowSeparator.size() + 1));
+}
+
+QString costLookupId(const QString &key)
+{
+    const qsizetype end = key.indexOf(narrowSeparator);
+    return trimBlanks(end < 0 ? QStringView(key) : QStringView(key).first(end));
+}
+
+} // namespace harrowby

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+namespace harrowby {
+
+/// "ID  |  NAME": how one stock item shows in combo boxes, cart lines, receipts and messages.
+[[nodiscard]] QString itemKey(const QString &stockId, const QString &stockName);
+
+enum class KeyPiece : short {
+    Id = 0,
+    Name = 1,
+};
+
+/// Piece of an item key: the ID is what stands before the first "  |  ", trimmed, its case kept; the name is
+/// what stands after the first " | " and one character more (the key's second blank), trimmed and upper-cased.
+/// Empty when the separator is missing.
+[[nodiscard]] QString GetIDName(const QString &key, KeyPiece piece);
+
+/// The ID by which a cart line's price is looked up: what stands before the first " | ", trimmed, or the whole
+/// trimmed text when there is no such separator.
+[[nodiscard]] QString costLookupId(const QString &key);
+
+} // namespace harrowby

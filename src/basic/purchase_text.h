@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <vector>
+
+/// The texts of a purchase: what is asked, stored, shown and logged of it.
+namespace harrowby {
+
+/// A cart line as its cells show it, commas included.
+struct PurchaseLine
+{
+    QString quantity;
+    QString key; ///< the item key
+    QString amount;
+};
+
+/// "HV" (or "HE", when the first is taken) + yyMMddHHmmss + the minute once more. One second's resolution.
+[[nodiscard]] QString purchaseId(const QDateTime &time);
+[[nodiscard]] QString secondPurchaseId(const QDateTime &time);
+
+/// quantity " x " key " = " amount: an element of the stored text, and an item line of the receipt.
+[[nodiscard]] QString purchaseElement(const PurchaseLine &line);
+/// The elements joined by ", ". The joint is not escaped: an undo splits at every ", ".
+[[nodiscard]] QString purchasedItems(const std::vector<PurchaseLine> &lines);
+
+/// The question before a commit, with the numbered lines.
+[[nodiscard]] QString checkoutQuestion(const std::vector<PurchaseLine> &lines);
+/// What a confirmed commit leaves in the activity log.
+[[nodiscard]] QString checkoutLogLine(int lineCount, float total);
+/// The box after a commit.
+[[nodiscard]] QString purchaseSummary(const QString &purchaseId, const QString &purchasedItems, float lineCount,
+                                      float total, const QDateTime &time);
+
+} // namespace harrowby

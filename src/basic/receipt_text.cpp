@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "basic/receipt_text.h"
+
+#include "basic/dates.h"
+#include "basic/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+QString receiptSeparator()
+{
+    return QString(63, u'-');
+}
+
+std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address)
+{
+    return {
+        {title.toUpper(), 12, true},   {address.toUpper(), 7, {}},   {receiptSeparator(), 10, {}},
+        {u"Payment Receipt"_s, 8, {}}, {receiptSeparator(), 10, {}}, {{}, 8, false},
+    };
+}
+
+std::vector<ReceiptStep> receiptTotals(float lineCount, const QString &currency, float total)
+{
+    return {
+        {QString(), {}, {}},
+        {receiptSeparator(), 10, {}},
+        {u"Total Type of Item(s):"_s + plainText(lineCount), 8, true},
+        {u"Total Cost ("_s + currency + u"): "_s + plainText(total), {}, {}},
+        {receiptSeparator(), 10, false},
+        {QString(), 8, false},
+    };
+}
+
+std::vector<ReceiptStep> receiptFooter(const QString &purchaseId, const QDateTime &time)
+{
+    return {
+        {QString(), {}, {}},
+        {u"Purchase ID: "_s + purchaseId, {}, {}},
+        {QString(), {}, {}},
+        {QString(), {}, {}},
+        {QString(), {}, {}},
+        {receiptSeparator(), {}, {}},
+        {u"Print Date: "_s + receiptTime(time), 8, {}},
+    };
+}
+
+} // namespace harrowby

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// What a receipt says, line by line, and in which font. Wrapping and paging are the printer's.
+namespace harrowby {
+
+/// One step of a receipt: font settings to change, then the line to print.
+struct ReceiptStep
+{
+    std::optional<QString> text; ///< none: only the font changes
+    std::optional<int> fontSize; ///< points; none: as it was
+    std::optional<bool> bold;    ///< none: as it was
+};
+
+/// 63 hyphens: the width of a receipt.
+[[nodiscard]] QString receiptSeparator();
+
+/// Title, address and heading, before the item lines.
+[[nodiscard]] std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address);
+/// After the item lines: number of cart lines and total, both in plain decimal form.
+[[nodiscard]] std::vector<ReceiptStep> receiptTotals(float lineCount, const QString &currency, float total);
+/// At the end, once the purchase ID is final.
+[[nodiscard]] std::vector<ReceiptStep> receiptFooter(const QString &purchaseId, const QDateTime &time);
+
+} // namespace harrowby

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "basic/text.h"
+
+namespace harrowby {
+
+QString trimBlanks(QStringView text)
+{
+    while (text.startsWith(u' '))
+        text = text.sliced(1);
+    while (text.endsWith(u' '))
+        text.chop(1);
+    return text.toString();
+}
+
+QString trimmedUpper(QStringView text)
+{
+    return trimBlanks(text).toUpper();
+}
+
+} // namespace harrowby

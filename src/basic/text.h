@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+namespace harrowby {
+
+inline constexpr QLatin1StringView crLf("\r\n");
+
+/// Without leading and trailing blanks (spaces; other white space is data).
+[[nodiscard]] QString trimBlanks(QStringView text);
+/// Trimmed and upper-cased, as names are compared.
+[[nodiscard]] QString trimmedUpper(QStringView text);
+
+} // namespace harrowby

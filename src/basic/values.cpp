@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "basic/values.h"
+
+#include "basic/numbers.h"
+
+namespace harrowby {
+
+namespace {
+
+constexpr QLatin1StringView trueText("True");
+constexpr QLatin1StringView falseText("False");
+
+/// The value as the whole number-like thing that it is; empty for bytes and for text that is no number.
+std::optional<double> converted(const DbValue &value)
+{
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*integer);
+    if (const auto *real = std::get_if<double>(&value))
+        return *real;
+    if (const auto *text = std::get_if<QString>(&value)) {
+        if (*text == trueText)
+            return -1.0;
+        if (*text == falseText)
+            return 0.0;
+        return wholeNumber(*text);
+    }
+    if (std::holds_alternative<std::monostate>(value))
+        return 0.0;
+    return {};
+}
+
+} // namespace
+
+QString valueText(const DbValue &value)
+{
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return QString::number(*integer);
+    if (const auto *real = std::get_if<double>(&value))
+        return plainText(*real);
+    if (const auto *text = std::get_if<QString>(&value))
+        return *text;
+    if (const auto *bytes = std::get_if<QByteArray>(&value))
+        return QString::fromUtf8(*bytes);
+    return {};
+}
+
+double valueNumber(const DbValue &value)
+{
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*integer);
+    if (const auto *real = std::get_if<double>(&value))
+        return *real;
+    return leadingNumber(valueText(value));
+}
+
+std::optional<std::int16_t> valueInt16(const DbValue &value)
+{
+    const std::optional<double> number = converted(value);
+    return number ? toInt16(*number) : std::nullopt;
+}
+
+bool valueIsTrue(const DbValue &value)
+{
+    return converted(value).value_or(0.0) != 0.0;
+}
+
+bool valueEqualsTrue(const DbValue &value)
+{
+    return converted(value) == -1.0;
+}
+
+} // namespace harrowby

@@ -1,0 +1,6 @@
+# Empties the folder below which the tests keep their homes.
+if(NOT HOMES MATCHES "/tests/homes$")
+    message(FATAL_ERROR "Not a folder of test homes: '${HOMES}'")
+endif()
+file(REMOVE_RECURSE ${HOMES})
+file(MAKE_DIRECTORY ${HOMES})
