@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include <harrowby/sqlite_connection.h>
+
+#include "store/sqlite_statement.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace harrowby {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using Kind = DbFailure::Kind;
+using Purpose = SqliteStatement::Purpose;
+using Step = DbCursor::Step;
+
+void reportError(const DbConnection &connection, Kind kind, const QString &what, const SqliteStatement &statement)
+{
+    connection.reportFailure({kind, what, statement.error(), statement.errorCode()});
+}
+
+/// Must not outlive its connection.
+class SqliteCursor final : public DbCursor
+{
+public:
+    SqliteCursor(const DbConnection &connection, QString select, SqliteStatement statement) :
+        m_connection(connection), m_select(std::move(select)), m_statement(std::move(statement))
+    {
+    }
+
+    [[nodiscard]] QStringList columnNames() const override { return m_statement.columnNames(); }
+
+    [[nodiscard]] Step next() override
+    {
+        const bool hadFailed = m_statement.hasFailed();
+        const Step step = m_statement.step();
+        if (step == Step::Failed && !hadFailed)
+            reportError(m_connection, Kind::Read, m_select, m_statement);
+        return step;
+    }
+
+    [[nodiscard]] DbValue value(int column) const override { return m_statement.value(column); }
+
+private:
+    const DbConnection &m_connection;
+    QString m_select;
+    SqliteStatement m_statement;
+};
+
+QString quoted(QString identifier)
+{
+    return u'"' + identifier.replace(u'"', u"\"\""_s) + u'"';
+}
+
+/// A name of a table's row identity that none of its columns has taken; empty when there is none.
+QString rowIdName(const QStringList &columns)
+{
+    for (const QString &name : {u"_rowid_"_s, u"rowid"_s, u"oid"_s}) {
+        if (!columns.contains(name, Qt::CaseInsensitive))
+            return name;
+    }
+    return {};
+}
+
+/// Steps to the end and counts the rows.
+std::int64_t countSteps(SqliteStatement &statement)
+{
+    std::int64_t rows = 0;
+    while (statement.step() == Step::Row)
+        ++rows;
+    return rows;
+}
+
+/// The single number that a statement yields.
+std::int64_t oneNumber(SqliteStatement &statement)
+{
+    if (statement.step() != Step::Row)
+        return 0;
+    const DbValue value = statement.value(0);
+    const auto *number = std::get_if<std::int64_t>(&value);
+    return number ? *number : 0;
+}
+
+/// The identities that a "Select <row id>,* from …" yields in its first column.
+std::vector<DbRowId> identities(SqliteStatement &statement)
+{
+    std::vector<DbRowId> ids;
+    while (statement.step() == Step::Row) {
+        const DbValue value = statement.value(0);
+        if (const auto *id = std::get_if<std::int64_t>(&value))
+            ids.push_back(*id);
+        else
+            statement.refuse(u"the rows have no identity"_s);
+    }
+    return ids;
+}
+
+/// Binds the values and steps to the end. Reports what fails.
+bool change(const DbConnection &connection, const QString &what, SqliteStatement statement, const DbAssignments &values)
+{
+    int parameter = 0;
+    for (const auto &[column, value] : values)
+        statement.bind(++parameter, value);
+    while (statement.step() == Step::Row) {
+    }
+    if (statement.hasFailed())
+        reportError(connection, Kind::Write, what, statement);
+    return !statement.hasFailed();
+}
+
+QString insertText(const QString &table, const DbAssignments &values)
+{
+    QStringList columns;
+    for (const auto &[column, value] : values)
+        columns.append(quoted(column));
+    if (columns.isEmpty())
+        return u"INSERT INTO "_s + quoted(table) + u" DEFAULT VALUES"_s;
+    const QStringList marks(columns.size(), u"?"_s);
+    return u"INSERT INTO "_s + quoted(table) + u" ("_s + columns.join(u',') + u") VALUES ("_s + marks.join(u',') + u')';
+}
+
+QString updateText(const QString &table, DbRowId row, const QString &rowId, const DbAssignments &values)
+{
+    QStringList columns;
+    for (const auto &[column, value] : values)
+        columns.append(quoted(column) + u" = ?"_s);
+    return u"UPDATE "_s + quoted(table) + u" SET "_s + columns.join(u", ") + u" WHERE "_s + rowId + u" = "_s +
+           QString::number(row);
+}
+
+} // namespace
+
+SqliteConnection::SqliteConnection(sqlite3 *database, QString location) :
+    m_database(database), m_location(std::move(location))
+{
+}
+
+SqliteConnection::~SqliteConnection() = default;
+
+bool SqliteConnection::Execute(const QString &statement)
+{
+    return change(*this, statement, SqliteStatement(m_database, statement, Purpose::Change), {});
+}
+
+std::unique_ptr<DbCursor> SqliteConnection::query(const QString &select)
+{
+    SqliteStatement statement(m_database, select, Purpose::Select);
+    if (!statement.hasFailed())
+        return std::make_unique<SqliteCursor>(*this, select, std::move(statement));
+    reportError(*this, Kind::Read, select, statement);
+    return nullptr;
+}
+
+std::optional<std::int64_t> SqliteConnection::countRows(const QString &select)
+{
+    // An order of its own makes SQLite drop the order of the statement within, and count in an index alone.
+    SqliteStatement counting =
+        SqliteStatement(m_database, u"Select count(*) from ("_s + select + u") order by 1"_s, Purpose::Select);
+    const bool counts = !counting.hasFailed();
+    SqliteStatement statement = counts ? std::move(counting) : SqliteStatement(m_database, select, Purpose::Select);
+    const std::int64_t rows = counts ? oneNumber(statement) : countSteps(statement);
+    if (!statement.hasFailed())
+        return rows;
+    reportError(*this, Kind::Read, select, statement);
+    return {};
+}
+
+std::optional<std::vector<DbRowId>> SqliteConnection::rowIds(const QString &select)
+{
+    constexpr auto all = "Select *"_L1;
+    SqliteStatement statement(m_database, select, Purpose::Select);
+    const QString rowId = statement.hasFailed() ? QString() : rowIdName(statement.columnNames());
+    std::vector<DbRowId> ids;
+    if (select.startsWith(all, Qt::CaseInsensitive) && !rowId.isEmpty()) {
+        // All columns stand in it still, so that SQLite takes the same way through the table as for the rows.
+        const QString withIds = u"Select "_s + rowId + u",*"_s + select.sliced(all.size());
+        statement = SqliteStatement(m_database, withIds, Purpose::Select);
+        ids = identities(statement);
+    } else if (!statement.hasFailed()) {
+        statement.refuse(u"the rows have no identity"_s);
+    }
+    if (!statement.hasFailed())
+        return ids;
+    reportError(*this, Kind::Read, select, statement);
+    return {};
+}
+
+bool SqliteConnection::insertRow(const QString &table, const DbAssignments &values)
+{
+    return change(*this, u"INSERT "_s + table, SqliteStatement(m_database, insertText(table, values), Purpose::Change),
+                  values);
+}
+
+bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssignments &values)
+{
+    const QString what = u"UPDATE "_s + table;
+    SqliteStatement statement(m_database, u"Select * from "_s + quoted(table), Purpose::Select);
+    const QString rowId = statement.hasFailed() ? QString() : rowIdName(statement.columnNames());
+    if (!rowId.isEmpty())
+        statement = SqliteStatement(m_database, updateText(table, row, rowId, values), Purpose::Change);
+    else if (!statement.hasFailed())
+        statement.refuse(u"the rows have no identity"_s);
+    return change(*this, what, std::move(statement), values);
+}
+
+QString SqliteConnection::location() const
+{
+    return m_location;
+}
+
+} // namespace harrowby

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "store/statements.h"
+
+namespace harrowby::statements {
+
+namespace {
+
+/// The common part of a quick-sale page and its count. `where` differs in a blank between the two.
+Statement quickSales(FixedText allItems, FixedText availableItems, bool hideFinished, const QString &category)
+{
+    Statement select(hideFinished ? availableItems : allItems);
+    if (category != allCategories)
+        select.fixed("StockCategory = ").text(category).fixed(" and ");
+    return select.fixed("StockUse = 'Enabled' order by StockName ASC");
+}
+
+Statement ofDay(Statement select, const QString &day)
+{
+    return select.fixed("substr(PurchasedDate,1,6) = ").text(day);
+}
+
+Statement ofUser(Statement select, const QString &user, const QString &day)
+{
+    return ofDay(select.fixed("Users = ").text(user).fixed(" and "), day);
+}
+
+Statement countSales()
+{
+    return Statement("Select count(*) as totals from PurchaseCart where ");
+}
+
+Statement sumSales()
+{
+    return Statement("Select sum(PurchasedItemsCost) as Counts from PurchaseCart where ");
+}
+
+} // namespace
+
+Statement login(const QString &name, const QString &password)
+{
+    return Statement("Select * from Users where Type <> 'VIEWER' and UPPER(Username) = ")
+        .text(name)
+        .fixed(" and UPPER(Password) = ")
+        .text(password);
+}
+
+Statement storeSettings()
+{
+    return Statement("Select * from StoreSettings");
+}
+
+Statement updateSettings(const StoreSettings &settings)
+{
+    return Statement("Update StoreSettings SET Email = ")
+        .number(settings.email)
+        .fixed(", ShowDetails = ")
+        .number(settings.showDetails)
+        .fixed(", EmailAddress = ")
+        .text(settings.emailAddress)
+        .fixed(", Promptreorder = ")
+        .number(settings.promptReorder)
+        .fixed(", AutoPurchaseCart = ")
+        .number(settings.hideFinished);
+}
+
+Statement usage(const QString &message, const QString &times, const QString &dates)
+{
+    QString stripped = message;
+    stripped.remove(u'\'');
+    return Statement("INSERT INTO SysUsage (SystemUsage,Times,Dates) Values (")
+        .text(stripped)
+        .fixed(",")
+        .text(times)
+        .fixed(",")
+        .text(dates)
+        .fixed(")");
+}
+
+Statement categories()
+{
+    return Statement("Select * from InventoryCategory");
+}
+
+Statement categoriesByName()
+{
+    return Statement("Select * from InventoryCategory Order By CategoryName ASC");
+}
+
+Statement stockById(const QString &id)
+{
+    return Statement("Select * from StockList where StockID = ").text(id);
+}
+
+Statement availableStock(const QString &id, const QString &name)
+{
+    return Statement("Select * from Stocklist where StockUse = 'Enabled' and StockID = ")
+        .text(id)
+        .fixed("  and StockName = ")
+        .text(name);
+}
+
+Statement quickSalesPage(bool hideFinished, const QString &category, std::int64_t offset)
+{
+    return quickSales("Select * from Stocklist where ", "Select * from Stocklist where stockAvailable > 0 and ",
+                      hideFinished, category)
+        .fixed("  Limit ")
+        .number(offset)
+        .fixed(", 9");
+}
+
+Statement quickSalesCount(bool hideFinished, const QString &category)
+{
+    if (category == allCategories)
+        return quickSales("Select * from Stocklist where ", "Select * from Stocklist where stockAvailable > 0 and ",
+                          hideFinished, category);
+    return quickSales("Select * from Stocklist where ", "Select * from Stocklist where  stockAvailable > 0 and ",
+                      hideFinished, category);
+}
+
+Statement lowerStock(double quantity, const QString &id, const QString &upperName)
+{
+    return Statement("Update Stocklist Set StockAvailable = StockAvailable - ")
+        .number(quantity)
+        .fixed(" where StockID = ")
+        .text(id)
+        .fixed(" and UPPER(StockName) = ")
+        .text(upperName);
+}
+
+Statement lowStock()
+{
+    return Statement("Select * from Stocklist where StockReorderlevel >= stockavailable and StockUse = 'Enabled'");
+}
+
+Statement stockTotal()
+{
+    return Statement("Select Total(StockAvailable) as Totals from Stocklist where StockUse = 'Enabled'");
+}
+
+Statement purchase(const QString &id)
+{
+    return Statement("Select * from PurchaseCart where PurchaseID = ").text(id);
+}
+
+Statement salesCount(const QString &day)
+{
+    return ofDay(countSales(), day);
+}
+
+Statement salesCount(const QString &user, const QString &day)
+{
+    return ofUser(countSales(), user, day);
+}
+
+Statement salesAmount(const QString &day)
+{
+    return ofDay(sumSales(), day);
+}
+
+Statement salesAmount(const QString &user, const QString &day)
+{
+    return ofUser(sumSales(), user, day);
+}
+
+} // namespace harrowby::statements

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "store/recordset.h"
+#include "store/statements.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace harrowby;
+using namespace Qt::StringLiterals;
+
+/// The rooms below the window must do without its libraries.
+class TestNoWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void loadsNoWindowLibrary();
+};
+
+void TestNoWindow::loadsNoWindowLibrary()
+{
+    DbRecordset rows;
+    rows.Open(statements::storeSettings(), nullptr);
+    QCOMPARE(rows.RecordCount(), 0);
+
+    QFile maps(u"/proc/self/maps"_s);
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    const QByteArray mapped = maps.readAll();
+    QVERIFY(mapped.contains("libQt6Core"));
+    for (const char *library : {"libQt6Gui", "libQt6Widgets", "libQt6PrintSupport", "libQt6Svg", "libQt6Sql"})
+        QVERIFY2(!mapped.contains(library), library);
+}
+
+QTEST_GUILESS_MAIN(TestNoWindow)
+#include "no_window_test.moc"

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <harrowby/db_connection.h>
+
+#include <QHash>
+
+#include <functional>
+#include <vector>
+
+namespace harrowby {
+
+/// A connection without an engine: one result for every SELECT, and a tally of what is asked of it.
+class ScriptedConnection final : public DbConnection
+{
+public:
+    enum class Fault { None, Failure, Exception, Oddity };
+
+    QStringList columns{QStringLiteral("ID"), QStringLiteral("Name")};
+    std::vector<std::vector<DbValue>> rows;
+    std::vector<DbRowId> ids;
+
+    /// What goes wrong, by operation: "Execute", "query", "next" (with its number from 1 on, as in "next 3"), "value",
+    /// "columnNames", "countRows", "rowIds", "insertRow", "updateRow".
+    QHash<QString, Fault> faults;
+
+    QHash<QString, int> calls;
+    int liveCursors = 0;
+    bool idsAskedOnFirstRow = false;
+    std::vector<DbFailure> failures; ///< as the failure handler was told
+    QStringList statements;          ///< as they came in
+    QString table;
+    DbRowId row = 0;
+    DbAssignments written;
+
+    ScriptedConnection();
+    /// Fills in `count` rows (0, "row 0"), (1, "row 1"), …
+    void fill(int count);
+
+    bool Execute(const QString &statement) override;
+    [[nodiscard]] std::unique_ptr<DbCursor> query(const QString &select) override;
+    [[nodiscard]] std::optional<std::int64_t> countRows(const QString &select) override;
+    [[nodiscard]] std::optional<std::vector<DbRowId>> rowIds(const QString &select) override;
+    bool insertRow(const QString &intoTable, const DbAssignments &values) override;
+    bool updateRow(const QString &inTable, DbRowId changedRow, const DbAssignments &values) override;
+    [[nodiscard]] QString location() const override;
+
+    /// Counts a call and lets it fail as scripted; false when it is to fail.
+    bool comesThrough(const QString &operation, DbFailure::Kind kind);
+
+    std::size_t position = 0; ///< rows that the last cursor has reached
+};
+
+} // namespace harrowby
