@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/print_options.h"
+
+#include <QObject>
+
+#include <vector>
+
+namespace harrowby {
+
+class HelperProcess;
+
+/// Gives stored receipts to the print service, in the background. The file is removed only when the service has
+/// said that it has taken it; else it stays and a line with printer, file and reason goes to "harrowby.print".
+class HandOver final : public QObject
+{
+public:
+    explicit HandOver(PrintOptions options);
+    ~HandOver() override;
+
+    /// Never waits.
+    void start(const QString &queue, const QString &file);
+    /// Gives the running ones a short while and then up: for the end of the program.
+    void finish();
+
+private:
+    PrintOptions m_options;
+    std::vector<HelperProcess *> m_running; ///< children of this object
+};
+
+} // namespace harrowby

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+#include <QTimer>
+
+#include <chrono>
+#include <functional>
+
+namespace harrowby {
+
+/// A program that is run in the background, with a deadline, and tells once how it ended.
+class HelperProcess final : public QObject
+{
+public:
+    struct Outcome
+    {
+        bool succeeded = false;
+        QByteArray output; ///< also of a failed one
+        QString reason;    ///< why it failed
+    };
+    using Done = std::function<void(const Outcome &)>;
+
+    explicit HelperProcess(QObject *parent);
+    /// Kills the program when it still runs. Tells nothing.
+    ~HelperProcess() override;
+
+    /// Never waits. `done` is called exactly once, unless this object is destroyed before. It may destroy this
+    /// object by deleteLater().
+    void start(const QString &program, const QStringList &arguments, std::chrono::milliseconds deadline, Done done);
+    /// Waits for the end without handling any other event.
+    void wait(std::chrono::milliseconds time);
+    /// True when `done` has been called.
+    [[nodiscard]] bool isSettled() const { return !m_done; }
+    /// Gives it up for the reason.
+    void abandon(const QString &reason);
+
+private:
+    void onError(QProcess::ProcessError error);
+    void onFinished(int exitCode, QProcess::ExitStatus status);
+    void settle(const Outcome &outcome);
+
+    QProcess m_process;
+    QTimer m_deadline;
+    Done m_done;
+};
+
+} // namespace harrowby

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include "platform/printers.h"
+
+namespace harrowby {
+
+Printer::~Printer() = default;
+
+Printers::~Printers() = default;
+
+} // namespace harrowby

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/print_options.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+
+namespace harrowby {
+
+class HelperProcess;
+
+/// The print service's queues, as far as it has told. Asks in the background; what is known stays known while the
+/// service is dead or hangs.
+class QueueList final : public QObject
+{
+public:
+    explicit QueueList(PrintOptions options);
+    ~QueueList() override;
+
+    /// Asks again, in the background, unless the last answer is fresh or a query is running.
+    void refresh();
+    /// Waits for a running query as long as the caller's patience lasts. Once it is used up nobody waits any more,
+    /// until the service has answered.
+    void wait();
+
+    [[nodiscard]] bool hasAnswered() const { return m_answered; }
+    [[nodiscard]] QStringList names() const;
+    /// Empty when there is none.
+    [[nodiscard]] QString defaultName() const;
+
+private:
+    void onInstalled(const QString &answer, const QString &failure);
+    void onReachable(const QString &answer);
+    [[nodiscard]] bool isFresh() const;
+
+    PrintOptions m_options;
+    // Two questions, as the second one also looks around in the network, which takes its time.
+    std::unique_ptr<HelperProcess> m_installedQuery;
+    std::unique_ptr<HelperProcess> m_reachableQuery;
+    QStringList m_installed;
+    QStringList m_reachable;
+    QString m_default;
+    QElapsedTimer m_sinceAnswer;
+    std::chrono::milliseconds m_patience;
+    bool m_answered = false;
+};
+
+} // namespace harrowby

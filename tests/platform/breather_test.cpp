@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "platform/breather.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+using namespace harrowby;
+
+namespace {
+
+/// Counts the rounds of event handling: each one handles the event and queues it for the next.
+class RoundCounter : public QObject
+{
+public:
+    RoundCounter() { requeue(); }
+    int rounds = 0;
+
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        ++rounds;
+        QTimer::singleShot(0, this, [this] { requeue(); });
+        return true;
+    }
+
+private:
+    void requeue() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+};
+
+} // namespace
+
+class BreatherTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void doesNotHandleEventsAtEveryRow()
+    {
+        RoundCounter counter;
+        Breather breather;
+        QElapsedTimer timer;
+        timer.start();
+        for (int row = 0; row < 10'000; ++row)
+            breather.breathe();
+        // Two rounds of the counter's at most in one breath, and a breath at most every 8 ms.
+        QVERIFY2(counter.rounds <= 2 * (timer.elapsed() / 8 + 1), qPrintable(QString::number(counter.rounds)));
+    }
+
+    void handlesAnEventDuringALongLoop()
+    {
+        bool handled = false;
+        QObject context;
+        QTimer::singleShot(0, &context, [&handled] { handled = true; });
+        Breather breather;
+        QElapsedTimer timer;
+        timer.start();
+        while (!handled && timer.elapsed() < 10'000)
+            breather.breathe();
+        QVERIFY(handled);
+    }
+
+    void aSlowEventIsNotFollowedByAnotherAtOnce()
+    {
+        Breather breather;
+        QObject events; // ends what is queued, also when the test fails
+        int slowEvents = 0;
+        std::function<void()> slow = [&] {
+            ++slowEvents;
+            QTest::qSleep(20);
+            QTimer::singleShot(0, &events, slow);
+        };
+        QTimer::singleShot(0, &events, slow);
+        while (slowEvents == 0)
+            breather.breathe();
+        const int before = slowEvents;
+        breather.breathe();
+        QCOMPARE(slowEvents, before);
+    }
+
+    void anEventMayDestroyIt()
+    {
+        auto breather = std::make_unique<Breather>();
+        QObject context;
+        QTimer::singleShot(0, &context, [&breather] { breather.reset(); });
+        QElapsedTimer timer;
+        timer.start();
+        while (breather && timer.elapsed() < 10'000)
+            breather->breathe();
+        QVERIFY(!breather);
+    }
+};
+
+QTEST_GUILESS_MAIN(BreatherTest)
+#include "breather_test.moc"
