@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "basic/dates.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTextCursor>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Inventory::LogActivity(const QString &message, int buttons, bool plainBox, bool quiet)
+{
+    // With "Show Details On Purchase" off, nothing that is reported here shows a box.
+    if (m_state.ShowDetailsFlag != 0 && !quiet)
+        ask(message, plainBox ? box::OkOnly : buttons);
+    m_controls.StatusBar1_2->setText(message);
+    const QString time = activityLogTime(m_platform.clock->now());
+    // Inserted in front rather than set as a whole, so that a long day's log costs nothing.
+    QTextCursor(m_controls.Text1->document()).insertText(u"["_s + time + u"] -- "_s + message + u"\n\n"_s);
+    // The clock is read once for each column, as the two stand for themselves.
+    const QString times = usageTime(m_platform.clock->now());
+    const QString dates = usageTime(m_platform.clock->now());
+    Execute(connection(), statements::usage(message, times, dates));
+}
+
+void Inventory::clearActivityLog()
+{
+    if (ask(u"Clear Activity Log!"_s, box::AskDefaultNo) != Answer::Yes)
+        return;
+    m_controls.Text1->clear();
+    LogActivity(u"Activity Cleared!"_s, box::Information, false, true);
+}
+
+} // namespace harrowby

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "ui/controls.h"
+
+#include "ui/style/till_style.h"
+#include "ui/widget_factory.h"
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/panel.h"
+#include "ui/widgets/tab_strip.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QScreen>
+#include <QStatusBar>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+constexpr QSize kUsualSize(1280, 860);
+constexpr QSize kSmallestSize(1016, 700); // holds the panels of every work area
+
+Panel *makePanel(QWidget &stage, const QString &name)
+{
+    auto *panel = new Panel(Panel::Look::Card, &stage);
+    panel->setObjectName(name);
+    panel->hide();
+    return panel;
+}
+
+} // namespace
+
+Controls::Controls(QMainWindow &form)
+{
+    createWindowFrame(form);
+    auto *stage = new QWidget;
+    form.centralWidget()->layout()->addWidget(stage);
+    createWorkPanels(*stage);
+    createSideArea();
+    createLogin(form);
+    layOut(*stage);
+    setTabOrder();
+    applyTillStyle(form);
+    form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));
+}
+
+void Controls::createWindowFrame(QMainWindow &form)
+{
+    form.setWindowTitle(u"Sales Inventory"_s);
+    form.setMinimumSize(kSmallestSize);
+    auto *whole = new QWidget(&form);
+    form.setCentralWidget(whole);
+
+    Command19 = makeButton(whole, u"Command19"_s, u"Sales &Report"_s);
+    Command27 = makeButton(whole, u"Command27"_s, u"Log out User"_s);
+    Command20 = makePictureButton(whole, u"Command20"_s, u"help"_s, QObject::tr("Help"));
+    Command10 = makeButton(whole, u"Command10"_s, u"Clo&se Inventory"_s);
+    TabStrip1 = new TabStrip(whole);
+    TabStrip1->setObjectName(u"TabStrip1"_s);
+    TabStrip1->setAccessibleName(QObject::tr("Work areas"));
+    for (const QString &caption :
+         {u"Quick Sales"_s, u"Custom Sales"_s, u"Add/Edit Stock"_s, u"Reorder Stock"_s, u"Settings"_s})
+        TabStrip1->addTab(caption);
+
+    auto *rows = new QVBoxLayout(whole);
+    rows->setContentsMargins(6, 8, 6, 0);
+    rows->setSpacing(kGap);
+    QBoxLayout *actions = makeRow();
+    actions->setContentsMargins(8, 0, 6, 0);
+    actions->addWidget(makeText(whole, u"Harrowby Inventory"_s, u"title"_s), 1);
+    for (QPushButton *button : {Command19, Command27, Command20, Command10})
+        actions->addWidget(button);
+    rows->addLayout(actions);
+    QBoxLayout *tabs = makeRow();
+    tabs->setContentsMargins(2, 0, 2, 0);
+    tabs->addWidget(TabStrip1);
+    rows->addLayout(tabs);
+    createStatusBar(form);
+}
+
+void Controls::createStatusBar(QMainWindow &form)
+{
+    StatusBar1 = new QStatusBar(&form);
+    StatusBar1->setObjectName(u"StatusBar1"_s);
+    StatusBar1->setSizeGripEnabled(false);
+    StatusBar1_1 = new ElidedLabel;
+    StatusBar1_1->setObjectName(u"StatusBar1_1"_s);
+    StatusBar1_1->setAccessibleDescription(QObject::tr("Login"));
+    StatusBar1_2 = new ElidedLabel;
+    StatusBar1_2->setObjectName(u"StatusBar1_2"_s);
+    StatusBar1_2->setAccessibleDescription(QObject::tr("Last activity"));
+    // Permanent ones are not hidden by the status tips of a host's actions.
+    StatusBar1->addPermanentWidget(StatusBar1_1, 1);
+    StatusBar1->addPermanentWidget(StatusBar1_2, 3);
+    form.setStatusBar(StatusBar1);
+}
+
+void Controls::createWorkPanels(QWidget &stage)
+{
+    for (auto [panel, name] :
+         {std::pair(&Frame1, u"Frame1"_s), std::pair(&Frame3, u"Frame3"_s), std::pair(&Frame9, u"Frame9"_s),
+          std::pair(&Frame2, u"Frame2"_s), std::pair(&Frame7, u"Frame7"_s), std::pair(&Frame8, u"Frame8"_s),
+          std::pair(&Frame10, u"Frame10"_s), std::pair(&Frame11, u"Frame11"_s), std::pair(&Frame13, u"Frame13"_s)})
+        *panel = makePanel(stage, name);
+    Frame1->show();
+    createQuickSales();
+    createCustomSale();
+    createSearchResult();
+    createKeypad();
+    createStockFields();
+    createStockList();
+    createReorder();
+    createSettings();
+}
+
+} // namespace harrowby

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "ui/controls.h"
+#include "ui/widget_factory.h"
+#include "ui/widgets/entry_edit.h"
+#include "ui/widgets/pick_list.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Controls::createSettings()
+{
+    Check1 = makeCheckBox(Frame9, u"Check1"_s, u"&Prompt on Load when Item(s) need to be Reordered"_s);
+    Check2 = makeCheckBox(Frame9, u"Check2"_s, u"Don't List Finished Item(s)"_s);
+    Check3 = makeCheckBox(Frame9, u"Check3"_s, u"Show Details On Purchase"_s);
+    Check4 = makeCheckBox(Frame9, u"Check4"_s, u"Email Daily Report"_s);
+    Check5 = makeCheckBox(Frame9, u"Check5"_s, u"Print Receipt on POS"_s);
+    Text2 = makeEntry(Frame9, u"Text2"_s, QObject::tr("Report e-mail address"));
+    Combo9 = makePickList(Frame9, u"Combo9"_s, QObject::tr("Receipt printer"));
+    Command18 = makePrimaryButton(Frame9, u"Command18"_s, u"Save Settings"_s);
+
+    List2 = new QListWidget(Frame9);
+    List2->setObjectName(u"List2"_s);
+    List2->setAccessibleName(QObject::tr("Categories"));
+    List2->setMinimumHeight(100);
+    List2->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    List2->setTextElideMode(Qt::ElideRight);
+    List2->setUniformItemSizes(true);
+    Combo16 = makePickList(Frame9, u"Combo16"_s, QObject::tr("Name of the new category"));
+    Command2 = makeButton(Frame9, u"Command2"_s, QObject::tr("Add"));
+    Command2->setAccessibleName(QObject::tr("Add category"));
+    Command22 = makeButton(Frame9, u"Command22"_s, u"Change"_s);
+    Command22->setAccessibleName(QObject::tr("Change category"));
+    Command3 = makeButton(Frame9, u"Command3"_s, u"Delete"_s);
+    Command3->setAccessibleName(QObject::tr("Delete category"));
+    Combo17 = makePickList(Frame9, u"Combo17"_s, QObject::tr("Purchase to delete"));
+    Command4 = makeButton(Frame9, u"Command4"_s, QObject::tr("Delete Purchase"));
+
+    QGridLayout *grid = makeGrid(Frame9);
+    grid->addWidget(Check1, 0, 0, 1, 4);
+    grid->addWidget(Check2, 1, 0, 1, 2);
+    grid->addWidget(Check3, 1, 2, 1, 2);
+    grid->addWidget(Check4, 2, 0, 1, 2);
+    grid->addWidget(Text2, 2, 2, 1, 2);
+    grid->addWidget(Check5, 3, 0, 1, 2);
+    grid->addWidget(Combo9, 3, 2, 1, 2);
+    grid->addWidget(Command18, 4, 2, 1, 2);
+    grid->addWidget(makeText(Frame9, QObject::tr("Categories"), u"heading"_s), 5, 0, 1, 2);
+    grid->addWidget(List2, 6, 0, 5, 2);
+    grid->addWidget(Combo16, 6, 2);
+    grid->addWidget(Command2, 6, 3);
+    grid->addWidget(Command22, 7, 2);
+    grid->addWidget(Command3, 7, 3);
+    grid->addWidget(makeText(Frame9, QObject::tr("Purchases"), u"heading"_s), 8, 2, 1, 2, Qt::AlignBottom);
+    grid->addWidget(Combo17, 9, 2);
+    grid->addWidget(Command4, 9, 3);
+    for (int column = 0; column < 4; ++column)
+        grid->setColumnStretch(column, 1);
+    grid->setRowStretch(10, 1);
+}
+
+} // namespace harrowby

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// The right-hand area: cart, sales activity and dashboard.
+#include "ui/controls.h"
+#include "ui/widget_factory.h"
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/panel.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+Panel *makeSidePanel(QWidget *parent, const QString &name)
+{
+    auto *panel = new Panel(Panel::Look::Plain, parent);
+    panel->setObjectName(name);
+    return panel;
+}
+
+QLabel *makeElement(QWidget *parent, int index, const QString &text)
+{
+    QLabel *label = makeText(parent, text, u"element"_s);
+    label->setObjectName(elementName(u"Label6"_s, index));
+    return label;
+}
+
+ElidedLabel *makeFigure(QWidget *parent, int index, const QString &text, const QLabel &caption)
+{
+    auto *figure = new ElidedLabel(parent);
+    figure->setObjectName(elementName(u"Label6"_s, index));
+    figure->setText(text);
+    figure->setAccessibleDescription(caption.text());
+    setLook(figure, u"figure"_s);
+    return figure;
+}
+
+/// A tile of the dashboard: a caption over its figure, and what belongs beside it.
+QFrame *makeTile(QLabel *caption, QLabel *figure, QLabel *hint = nullptr)
+{
+    auto *tile = new QFrame(caption->parentWidget());
+    setLook(tile, u"tile"_s);
+    auto *rows = new QVBoxLayout(tile);
+    rows->setContentsMargins(8, 5, 6, 4);
+    rows->setSpacing(0);
+    caption->setWordWrap(true);
+    rows->addWidget(caption);
+    rows->addStretch();
+    QBoxLayout *foot = makeRow();
+    foot->addWidget(figure, 1);
+    if (hint) {
+        hint->setWordWrap(true);
+        hint->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        foot->addWidget(hint, 2);
+    }
+    rows->addLayout(foot);
+    return tile;
+}
+
+} // namespace
+
+void Controls::createSideArea()
+{
+    TabStrip2 = new TabStrip(Frame2);
+    TabStrip2->setObjectName(u"TabStrip2"_s);
+    TabStrip2->setAccessibleName(QObject::tr("Side panels"));
+    TabStrip2->addTab(u"Cart"_s);
+    TabStrip2->addTab(u"Sales Activity"_s);
+    Frame4 = makeSidePanel(Frame2, u"Frame4"_s);
+    Frame5 = makeSidePanel(Frame2, u"Frame5"_s);
+    Frame5->hide();
+    createCart();
+    createActivity();
+
+    auto *shared = new QGridLayout;
+    shared->addWidget(Frame4, 0, 0);
+    shared->addWidget(Frame5, 0, 0);
+    QBoxLayout *column = makeColumn(Frame2);
+    column->addWidget(TabStrip2);
+    column->addLayout(shared, 1);
+    createDashboard();
+    Frame2->show();
+}
+
+void Controls::createCart()
+{
+    LV3 = new RowList({u"Item"_s, u"Qty"_s, u"Cost"_s}, Frame4);
+    LV3->setObjectName(u"LV3"_s);
+    LV3->setAccessibleName(QObject::tr("Cart"));
+    LV3->setColumnShares({10, 1, 2});
+    LV3->setColumnSamples({{}, u"999"_s, u"99,999.00"_s});
+    LV3->setFigureColumns({1, 2});
+    Label5 = new TotalLabel(Frame4);
+    Label5->setObjectName(u"Label5"_s);
+    Label5->setText(u"Total: 0.00"_s);
+    Command14 = makePrimaryButton(Frame4, u"Command14"_s, u"Purchase Cart"_s);
+    Command12 = makeButton(Frame4, u"Command12"_s, u"Delete"_s);
+    Command12->setAccessibleName(QObject::tr("Delete the selected item from the cart"));
+    Command13 = makeButton(Frame4, u"Command13"_s, u"Clear Cart"_s);
+    Command25 = makeButton(Frame4, u"Command25"_s, u"Undo"_s);
+    Command25->setAccessibleName(QObject::tr("Undo the last purchase"));
+
+    QBoxLayout *column = makeColumn(Frame4);
+    column->addWidget(LV3, 1);
+    column->addWidget(Label5);
+    column->addWidget(Command14);
+    QBoxLayout *buttons = makeRow();
+    for (QPushButton *button : {Command12, Command13, Command25})
+        buttons->addWidget(button, 1);
+    column->addLayout(buttons);
+}
+
+void Controls::createActivity()
+{
+    Text1 = new QPlainTextEdit(Frame5);
+    Text1->setObjectName(u"Text1"_s);
+    Text1->setAccessibleName(QObject::tr("Activity log"));
+    Text1->setReadOnly(true);
+    Text1->setUndoRedoEnabled(false);
+    Text1->setTabChangesFocus(true);
+    Text1->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    Text1->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    Command11 = makeButton(Frame5, u"Command11"_s, u"Clear Activity Log"_s);
+
+    QBoxLayout *column = makeColumn(Frame5);
+    column->addWidget(Text1, 1);
+    column->addWidget(Command11);
+}
+
+void Controls::createDashboard()
+{
+    const std::pair<int, QString> captions[] = {{0, u"Dashboard"_s},           {1, u"Today's Sales"_s},
+                                                {2, u"Today's Sales Total"_s}, {5, u"Total Available Item(s):"_s},
+                                                {6, u"Low Reorder Level:"_s},  {7, u"Click to See Reorder List"_s}};
+    for (const auto &[index, text] : captions)
+        Label6[size_t(index)] = makeElement(Frame2, index, text);
+    setLook(Label6[0], u"heading"_s);
+    Label6[3] = makeFigure(Frame2, 3, u"0"_s, *Label6[1]);
+    Label6[4] = makeFigure(Frame2, 4, u"0.00"_s, *Label6[2]);
+    Label6[8] = makeFigure(Frame2, 8, u"0"_s, *Label6[5]);
+    Label6[9] = makeFigure(Frame2, 9, u"0"_s, *Label6[6]);
+    Label6[9]->setFocusPolicy(Qt::StrongFocus);
+    Label6[9]->setCursor(Qt::PointingHandCursor);
+    Label6[9]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
+
+    auto *tiles = new QGridLayout;
+    tiles->setSpacing(kGap);
+    tiles->addWidget(Label6[0], 0, 0, 1, 2);
+    tiles->addWidget(makeTile(Label6[1], Label6[3]), 1, 0);
+    tiles->addWidget(makeTile(Label6[2], Label6[4]), 1, 1);
+    tiles->addWidget(makeTile(Label6[5], Label6[8]), 2, 0);
+    tiles->addWidget(makeTile(Label6[6], Label6[9], Label6[7]), 2, 1);
+    tiles->setColumnStretch(0, 1);
+    tiles->setColumnStretch(1, 1);
+    static_cast<QBoxLayout *>(Frame2->layout())->addLayout(tiles);
+}
+
+} // namespace harrowby

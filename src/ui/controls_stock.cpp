@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Panels of the stock catalogue: add/edit fields, existing stock and reorder.
+#include "ui/controls.h"
+#include "ui/widget_factory.h"
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &caption)
+{
+    auto *level = new LevelLabel(parent);
+    level->setObjectName(name);
+    level->setText(u"0"_s);
+    level->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    level->setMinimumHeight(44);
+    level->setAccessibleDescription(caption);
+    setLook(level, u"value"_s);
+    return level;
+}
+
+} // namespace
+
+void Controls::createStockFields()
+{
+    Combo6 = makePickList(Frame7, u"Combo6"_s, QObject::tr("Stock ID"));
+    Combo5 = makePickList(Frame7, u"Combo5"_s, QObject::tr("Category"));
+    Combo7 = makePickList(Frame7, u"Combo7"_s, QObject::tr("Item name"));
+    Combo8 = makePickList(Frame7, u"Combo8"_s, QObject::tr("Unit cost"));
+    Combo13 = makePickList(Frame7, u"Combo13"_s, QObject::tr("Reorder level"));
+    Combo14 = makePickList(Frame7, u"Combo14"_s, QObject::tr("Available stock"));
+    Combo15 = makePickList(Frame7, u"Combo15"_s, QObject::tr("Stock use"));
+    Command16 = makePrimaryButton(Frame7, u"Command16"_s, u"Add/Edit New Stock"_s);
+    Command26 = makeButton(Frame7, u"Command26"_s, QObject::tr("New Item"));
+
+    QGridLayout *grid = makeGrid(Frame7);
+    grid->addLayout(captioned(QObject::tr("Category"), Combo5), 0, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("Stock ID"), Combo6), 1, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("Item Name"), Combo7), 2, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("Unit Cost"), Combo8), 3, 0);
+    grid->addLayout(captioned(QObject::tr("Reorder Level"), Combo13), 3, 1);
+    grid->addLayout(captioned(QObject::tr("Available Stock"), Combo14), 4, 0);
+    grid->addLayout(captioned(QObject::tr("Stock Use"), Combo15), 4, 1);
+    grid->addWidget(Command16, 5, 0, 1, 2);
+    grid->addWidget(Command26, 6, 0, 1, 2);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(7, 1);
+}
+
+void Controls::createStockList()
+{
+    LV = new RowList({u"Stock ID"_s, u"Stock Name"_s, u"Category"_s, u"Unit Cost"_s, u"R. Level"_s, u"Avail."_s,
+                      u"Use"_s, u"Last Updated"_s},
+                     Frame10);
+    LV->setObjectName(u"LV"_s);
+    LV->setAccessibleName(QObject::tr("Existing stock"));
+    LV->setColumnShares({1, 10, 4, 1, 1, 1, 1, 5});
+    LV->setColumnSamples({u"BEV-0000"_s, {}, {}, u"9,999.00"_s, {}, {}, u"Disabled"_s, {}});
+    LV->setFigureColumns({3, 4, 5});
+    Command5 = makeButton(Frame10, u"Command5"_s, u"Edit Stock"_s);
+    Command6 = makeButton(Frame10, u"Command6"_s, u"Delete Stock"_s);
+    Command7 = makePictureButton(Frame10, u"Command7"_s, u"refresh"_s, QObject::tr("Read the stock list again"));
+
+    QBoxLayout *column = makeColumn(Frame10);
+    QBoxLayout *top = makeRow();
+    top->addWidget(makeText(Frame10, u"Existing Stock"_s, u"heading"_s), 1);
+    for (QPushButton *button : {Command5, Command6, Command7})
+        top->addWidget(button);
+    column->addLayout(top);
+    column->addWidget(LV, 1);
+}
+
+void Controls::createReorder()
+{
+    Combo12 = makePickList(Frame8, u"Combo12"_s, QObject::tr("Category"));
+    Combo11 = makePickList(Frame8, u"Combo11"_s, QObject::tr("Item"));
+    Combo10 = makePickList(Frame8, u"Combo10"_s, QObject::tr("New units"));
+    Label12 = makeLevel(Frame8, u"Label12"_s, u"Current Reorder Level:"_s);
+    Label13 = makeLevel(Frame8, u"Label13"_s, u"Current Available Stock:"_s);
+    Command17 = makePrimaryButton(Frame8, u"Command17"_s, u"Reorder Stock"_s);
+    Command23 = makeButton(Frame8, u"Command23"_s, u"Undo"_s);
+    Command24 = makePictureButton(Frame8, u"Command24"_s, u"dashboard"_s, QObject::tr("Refresh the dashboard"));
+
+    QGridLayout *grid = makeGrid(Frame8);
+    grid->addLayout(captioned(QObject::tr("Category"), Combo12), 0, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("Item"), Combo11), 1, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("New Units"), Combo10), 2, 0, 1, 2);
+    grid->addLayout(captioned(u"Current Reorder Level:"_s, Label12), 3, 0, 1, 2);
+    grid->addLayout(captioned(u"Current Available Stock:"_s, Label13), 4, 0, 1, 2);
+    grid->addWidget(Command17, 5, 0, 1, 2);
+    grid->addWidget(Command23, 6, 0);
+    grid->addWidget(Command24, 6, 1);
+    grid->setColumnStretch(0, 1);
+    grid->setRowStretch(7, 1);
+}
+
+} // namespace harrowby

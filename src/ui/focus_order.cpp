@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "ui/focus_order.h"
+
+#include <QMainWindow>
+
+#include <algorithm>
+#include <array>
+
+namespace harrowby {
+
+namespace {
+
+bool takesTab(const QWidget &widget, const QMainWindow &window)
+{
+    return (widget.focusPolicy() & Qt::TabFocus) && widget.isEnabled() && widget.isVisible() && !widget.focusProxy() &&
+           widget.window() == &window && !isCovered(widget, window);
+}
+
+} // namespace
+
+bool isCovered(const QWidget &widget, const QWidget &window)
+{
+    const QRect inner = widget.rect().adjusted(1, 1, -1, -1);
+    const std::array<QPoint, 5> points{inner.center(), inner.topLeft(), inner.topRight(), inner.bottomLeft(),
+                                       inner.bottomRight()};
+    return std::all_of(points.begin(), points.end(), [&](const QPoint &point) {
+        const QWidget *top = window.childAt(widget.mapTo(&window, point));
+        return top && top != &widget && !widget.isAncestorOf(top) && !top->isAncestorOf(&widget);
+    });
+}
+
+bool focusNextUncovered(QMainWindow &window, bool next)
+{
+    QWidget *const start = window.focusWidget() ? window.focusWidget() : &window;
+    const auto step = [next](QWidget *from) { return next ? from->nextInFocusChain() : from->previousInFocusChain(); };
+    for (QWidget *widget = step(start); widget && widget != start; widget = step(widget)) {
+        if (!takesTab(*widget, window))
+            continue;
+        widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    }
+    return false;
+}
+
+} // namespace harrowby

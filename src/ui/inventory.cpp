@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: MIT
+#include "ui/inventory.h"
+
+#include "basic/logging.h"
+#include "basic/numbers.h"
+#include "basic/values.h"
+#include "host/inv_basic.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/focus_order.h"
+#include "ui/unbuilt.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/quick_sale_button.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/upper_case_validator.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+
+#include <exception>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+/// Shown until a shop enters its own address for the daily report.
+constexpr auto placeholderEmail = "reports@example.com"_L1;
+
+/// A Boolean saved setting; empty when the text is none.
+std::optional<bool> savedBoolean(const QString &text)
+{
+    const std::optional<std::int16_t> value = valueInt16(DbValue(text));
+    return value ? std::optional<bool>(*value != 0) : std::nullopt;
+}
+
+void readFlag(DbRecordset &settings, const QString &column, std::int16_t &flag)
+{
+    if (const std::optional<DbValue> value = settings.Field(column).value())
+        flag = valueInt16(*value).value_or(flag);
+}
+
+} // namespace
+
+class Inventory::HandlerScope
+{
+public:
+    explicit HandlerScope(Inventory &form) : m_form(form) { ++m_form.m_runningHandlers; }
+    ~HandlerScope()
+    {
+        --m_form.m_runningHandlers;
+        m_form.releaseIfClosed();
+    }
+    HandlerScope(const HandlerScope &) = delete;
+    HandlerScope &operator=(const HandlerScope &) = delete;
+
+private:
+    Inventory &m_form;
+};
+
+template <typename Handler>
+void Inventory::run(Handler &&handler) noexcept
+{
+    const HandlerScope scope(*this);
+    try {
+        std::forward<Handler>(handler)();
+    } catch (const std::exception &error) {
+        qCWarning(lcWindow, "A handler ended early: %s", error.what());
+    } catch (...) {
+        qCWarning(lcWindow, "A handler ended early");
+    }
+}
+
+Inventory::Inventory(const Platform &platform, QWidget *parent) :
+    QMainWindow(parent), m_platform(platform), m_controls(*this)
+{
+    disableUnbuilt(m_controls);
+    connectControls();
+}
+
+Inventory::~Inventory() = default;
+
+Inventory *Inventory::defaultInstance()
+{
+    static QPointer<Inventory> instance;
+    if (!instance || instance->m_closed) {
+        instance = new Inventory(Platform::native());
+        instance->load();
+    }
+    return instance;
+}
+
+void Inventory::load()
+{
+    run([this] { loadForm(); });
+}
+
+void Inventory::connectControls()
+{
+    connectWindow();
+    connectLogin();
+    connectSelling();
+    connectSettings();
+}
+
+void Inventory::connectWindow()
+{
+    m_controls.TabStrip1->beforeClick = [this] {
+        bool mayChange = false;
+        run([&] { mayChange = mayChangeWorkArea(); });
+        return mayChange;
+    };
+    connect(m_controls.TabStrip1, &TabStrip::tabClicked, this, [this] { run([this] { chooseWorkArea(); }); });
+    connect(m_controls.TabStrip2, &TabStrip::tabClicked, this, [this] { run([this] { chooseSidePanel(); }); });
+    onClick(m_controls.Command10, [this] { close(); });
+    onClick(m_controls.Command20, [this] { showHelp(); });
+    onClick(m_controls.Command11, [this] { clearActivityLog(); });
+    // The whole text is rewritten by every entry; nobody undoes in it.
+    m_controls.Text1->setUndoRedoEnabled(false);
+    for (QLabel *figure : m_controls.Label6)
+        figure->installEventFilter(this);
+}
+
+void Inventory::connectLogin()
+{
+    m_controls.Text3->setValidator(new UpperCaseValidator(m_controls.Text3));
+    connect(m_controls.Text3, &QLineEdit::returnPressed, m_controls.Text4, qOverload<>(&QWidget::setFocus));
+    connect(m_controls.Text4, &QLineEdit::returnPressed, this, [this] { run([this] { logIn(); }); });
+    onClick(m_controls.Command28, [this] { logIn(); });
+    onClick(m_controls.Command29, [this] { clearLogin(); });
+    onClick(m_controls.Command27, [this] { logOut(); });
+}
+
+void Inventory::connectSelling()
+{
+    for (std::size_t i = 0; i < m_controls.Command1.size(); ++i)
+        onClick(m_controls.Command1.at(i), [this, i] { sellQuickly(static_cast<int>(i)); });
+    onClick(m_controls.CmdNext, [this] { nextQuickSales(); });
+    onClick(m_controls.CmdPrev, [this] { previousQuickSales(); });
+    // Change and click of the category do the same work; a pick that changed the text has done it already.
+    const auto categoryChanged = [this] { run([this] { quickSaleCategoryChanged(); }); };
+    connect(m_controls.Combo1, &PickList::entryTextChanged, this, categoryChanged);
+    connect(m_controls.Combo1, &PickList::pickedAgain, this, categoryChanged);
+    connect(m_controls.LV3, &RowList::rowOpened, this, [this] { run([this] { changeLinePrice(); }); });
+    onClick(m_controls.Command12, [this] { deleteCartLine(); });
+    onClick(m_controls.Command13, [this] { clearCart(); });
+    onClick(m_controls.Command14, [this] { purchaseCart(); });
+}
+
+void Inventory::connectSettings()
+{
+    onClick(m_controls.Command18, [this] { saveSettings(); });
+    onClick(m_controls.Check5, [this] { receiptChoiceChanged(); });
+}
+
+template <typename Handler>
+void Inventory::onClick(QAbstractButton *button, Handler handler)
+{
+    connect(button, &QAbstractButton::clicked, this, [this, handler] { run(handler); });
+}
+
+void Inventory::loadForm()
+{
+    m_controls.StatusBar1_1->setText(u"Login: No User"_s);
+    m_state.IsLoggedIn = true; // on purpose: the tab handlers below must not be refused
+    m_controls.Frame11->hide();
+    m_controls.Frame12->show();
+    m_controls.Frame12->raise();
+    m_state.CartCount = 0;
+    fillPickLists();
+    LoadCategory();
+    LoadCategories();
+    LoadPrinter();
+    chooseWorkArea();
+    chooseSidePanel();
+    UpdateCart();
+    RefreshDashboard();
+    m_controls.Combo1->setEntryText(statements::allCategories);
+    m_controls.Combo2->setEntryText(statements::allCategories);
+    m_controls.Combo12->setEntryText(statements::allCategories);
+    readStoreSettings();
+    showSettings();
+    m_state.IsLoggedIn = false;
+    m_controls.Text3->setFocus();
+}
+
+void Inventory::fillPickLists()
+{
+    for (int number = 0; number <= 100; ++number) {
+        for (PickList *list :
+             {m_controls.Combo4, m_controls.Combo8, m_controls.Combo10, m_controls.Combo13, m_controls.Combo14})
+            list->addEntry(QString::number(number));
+        m_breather.breathe();
+    }
+    m_controls.Combo4->setEntryText(u"0"_s);
+    m_controls.Combo15->addEntry(u"Enabled"_s);
+    m_controls.Combo15->addEntry(u"Disabled"_s);
+    m_controls.Combo15->setEntryText(u"Enabled"_s);
+    m_controls.Combo6->addEntry(u"(Auto ID)"_s);
+    m_controls.Combo6->setEntryText(u"(Auto ID)"_s);
+}
+
+void Inventory::readStoreSettings()
+{
+    DbRecordset settings;
+    settings.Open(statements::storeSettings(), connection(), DbRecordset::Access::Edit);
+    if (settings.RecordCount() == 0) {
+        settings.AddNew();
+        settings.Field(u"EmailAddress"_s).assign(QString(placeholderEmail));
+        settings.Field(u"Email"_s).assign(std::int64_t{0});
+        settings.Field(u"ShowDetails"_s).assign(std::int64_t{1});
+        settings.Field(u"Promptreorder"_s).assign(std::int64_t{1});
+        settings.Field(u"AutoPurchaseCart"_s).assign(std::int64_t{0});
+        settings.Update();
+    }
+    // The column "Email" is never read back: the check box follows the user's own saved setting.
+    readEmailReportFlag();
+    readFlag(settings, u"ShowDetails"_s, m_state.ShowDetailsFlag);
+    const std::optional<DbValue> address = settings.Field(u"EmailAddress"_s).value();
+    const bool noAddress = !address || std::holds_alternative<std::monostate>(*address);
+    m_state.ReportEmailAddress = noAddress ? QString(placeholderEmail) : valueText(*address);
+    readFlag(settings, u"Promptreorder"_s, m_state.PromptReorderFlag);
+    readFlag(settings, u"AutoPurchaseCart"_s, m_state.HideFinishedFlag);
+}
+
+void Inventory::readEmailReportFlag()
+{
+    const QString saved = m_platform.settings->get(u"Option"_s, u"Emailreport"_s, u"1"_s);
+    m_state.EmailReportFlag = valueInt16(DbValue(saved)).value_or(m_state.EmailReportFlag);
+}
+
+void Inventory::showSettings()
+{
+    m_controls.Check4->setChecked(m_state.EmailReportFlag != 0);
+    m_controls.Check3->setChecked(m_state.ShowDetailsFlag != 0);
+    m_controls.Text2->setText(m_state.ReportEmailAddress);
+    m_controls.Check1->setChecked(m_state.PromptReorderFlag != 0);
+    m_controls.Check2->setChecked(m_state.HideFinishedFlag != 0);
+    const QString saved = m_platform.settings->get(u"Option"_s, u"UsePOSforReceipt"_s, u"1"_s);
+    if (const std::optional<bool> useReceipts = savedBoolean(saved)) {
+        m_controls.Check5->setChecked(*useReceipts);
+        m_controls.Combo9->setEnabled(*useReceipts);
+    }
+}
+
+void Inventory::closeEvent(QCloseEvent *event)
+{
+    if (!m_closed && (m_askingToClose || !confirmClose())) {
+        event->ignore();
+        return;
+    }
+    m_closed = true;
+    event->accept();
+    releaseIfClosed();
+}
+
+bool Inventory::confirmClose()
+{
+    m_askingToClose = true;
+    bool confirmed = false;
+    run([&] {
+        // The cart never counts itself into CartCount, so the first text is what a full cart gets too.
+        confirmed =
+            ask(m_state.CartCount >= 1 ? u"There are item(s) in the cart, do you still want to Close Inventory?"_s
+                                       : u"Close Inventory?"_s,
+                box::Ask) == Answer::Yes;
+    });
+    m_askingToClose = false;
+    return confirmed;
+}
+
+void Inventory::releaseIfClosed()
+{
+    if (m_closed && m_runningHandlers == 0)
+        deleteLater();
+}
+
+void Inventory::showHelp()
+{
+    ask(u"To Start using Harrowby Inventory Tool, kindly login and enter Stock Category in Settings. Afterwards, "
+        "Add/Edit Stock before purchases can be made. To Login you must have the priviledge to use Inventory Tool "
+        "under "
+        "Harrowby Option > User Tab. \r\n\r\nFor more information, kindly visit https://harrowby.example/inventory or "
+        "email us at support@harrowby.example."_s,
+        box::Information);
+}
+
+bool Inventory::eventFilter(QObject *watched, QEvent *event)
+{
+    for (std::size_t i = 0; i < m_controls.Label6.size(); ++i) {
+        if (watched == m_controls.Label6.at(i) && isClick(*event)) {
+            run([this, i] { openReorderList(static_cast<int>(i)); });
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+bool Inventory::isClick(const QEvent &event)
+{
+    if (event.type() == QEvent::MouseButtonRelease)
+        return static_cast<const QMouseEvent &>(event).button() == Qt::LeftButton;
+    if (event.type() != QEvent::KeyPress)
+        return false;
+    const int key = static_cast<const QKeyEvent &>(event).key();
+    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+}
+
+bool Inventory::focusNextPrevChild(bool next)
+{
+    return focusNextUncovered(*this, next);
+}
+
+const std::shared_ptr<DbConnection> &Inventory::connection() const
+{
+    return InvBasic::connection();
+}
+
+Answer Inventory::ask(const QString &text, int style)
+{
+    return m_platform.boxes->message(this, text, style, m_state.MsgTitle);
+}
+
+void Inventory::warn(const QString &text)
+{
+    ask(text, box::Exclamation);
+}
+
+void Inventory::refusePrivilege()
+{
+    warn(u"User ["_s + m_state.LoggedUser + u"] doesn't have this privilege!"_s);
+}
+
+void Inventory::showForeignWindow(const QString &classId)
+{
+    // The component has no such window itself; where a host has registered none, nothing happens.
+    const std::unique_ptr<QObject> window = m_platform.objects->create(classId);
+    if (!window)
+        return;
+    constexpr int modal = 1;
+    QWidget *owner = this;
+    if (!QMetaObject::invokeMethod(window.get(), "Show", Q_ARG(int, modal), Q_ARG(QWidget *, owner)))
+        qCWarning(lcWindow, "%s cannot be shown", qPrintable(classId));
+}
+
+} // namespace harrowby

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "basic/item_key.h"
+#include "platform/breather.h"
+#include "platform/platform.h"
+#include "ui/controls.h"
+#include "ui/form_state.h"
+
+#include <QMainWindow>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class QAbstractButton;
+
+namespace harrowby {
+
+class DbConnection;
+class DbRecordset;
+struct PurchaseLine;
+struct ReceiptStep;
+
+/// The component's one window, "Sales Inventory". Its handlers and shared procedures stand in one source file per
+/// subject; all of them are members here because they share the controls and the form-level state.
+///
+/// Any handler can be entered while another one's loop lets the window breathe, and the window can be closed in the
+/// middle of one. A closed window is destroyed once its last handler has returned.
+class Inventory : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit Inventory(const Platform &platform, QWidget *parent = nullptr);
+    ~Inventory() override;
+
+    /// The instance that LoadInventory shows: the open one, or a new one that has been loaded.
+    static Inventory *defaultInstance();
+
+    /// Fills the window from the database and the saved settings, and ends with nobody logged in. Once, before it is
+    /// shown.
+    void load();
+
+    [[nodiscard]] const Controls &controls() const { return m_controls; }
+    [[nodiscard]] const FormState &state() const { return m_state; }
+
+    /// Setter of the flag behind "Prompt on Load when Item(s) need to be Reordered".
+    void UpdatePromptReorder(const std::int16_t &flag);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    /// Marks a handler as running, so that the window outlives it; see run().
+    class HandlerScope;
+    /// Runs a handler: nothing it throws leaves it, and the window stays alive until it is done.
+    template <typename Handler>
+    void run(Handler &&handler) noexcept;
+
+    // inventory.cpp: life of the window
+    void connectControls();
+    void connectWindow();
+    void connectLogin();
+    void connectSelling();
+    void connectSettings();
+    template <typename Handler>
+    void onClick(QAbstractButton *button, Handler handler);
+    static bool isClick(const QEvent &event);
+    void loadForm();
+    void fillPickLists();
+    void readStoreSettings();
+    void readEmailReportFlag();
+    void showSettings();
+    bool confirmClose();
+    void showHelp();
+    void releaseIfClosed();
+
+    // What every handler leans on
+    [[nodiscard]] const std::shared_ptr<DbConnection> &connection() const;
+    Answer ask(const QString &text, int style);
+    void warn(const QString &text);
+    void refusePrivilege();
+    void showForeignWindow(const QString &classId);
+
+    // login.cpp
+    bool RequireLogin();
+    void logIn();
+    void readPrivileges(DbRecordset &user, bool everyRight);
+    void enter(const QString &name);
+    void logOut();
+    bool settleCartBeforeLogout();
+    void clearLogin();
+    void showReorderNotice();
+
+    // activity_log.cpp
+    void LogActivity(const QString &message, int buttons, bool plainBox, bool quiet);
+    void clearActivityLog();
+
+    // tabs.cpp
+    bool mayChangeWorkArea();
+    void chooseWorkArea();
+    void chooseSidePanel();
+    void showSettingsTab();
+    void showReorderTab();
+    void showStockTab();
+    void showCustomSalesTab();
+    void showQuickSalesTab();
+    void refuseWorkArea();
+
+    // stock/categories.cpp
+    void LoadCategory();
+    void LoadCategories();
+
+    // sales/cart.cpp
+    void FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting);
+    [[nodiscard]] int FindCartLine(const QString &itemKey) const;
+    [[nodiscard]] std::vector<PurchaseLine> cartLines() const;
+    float FindCost(const QString &itemKey);
+    void addCartLine(const QString &itemKey, std::int16_t qty, float cost);
+    void updateCartLine(int row, std::int16_t qty, float cost, bool addToExisting);
+    void UpdateCart();
+    void showCartTotal(const QString &total, int lines);
+    void deleteCartLine();
+    void clearCart();
+    void changeLinePrice();
+
+    // sales/availability.cpp
+    bool StockAvailable(const QString &itemKey, std::int16_t qty);
+
+    // sales/quick_sales.cpp
+    void LoadQuickSales(bool movedForward);
+    bool moreQuickSales(bool hideFinished, const QString &category, int offset);
+    void nextQuickSales();
+    void previousQuickSales();
+    void quickSaleCategoryChanged();
+    void sellQuickly(int button);
+
+    // sales/purchase.cpp
+    void purchaseCart();
+    void CheckoutCart(bool skipConfirm);
+    void SaveCart();
+    QString savePurchase(const QString &firstId, const QString &items, float lineCount, float total);
+    void resetSalePanels();
+
+    // sales/receipt.cpp
+    void PRINTS(const QString &text, bool newReceipt);
+    void printReceiptHeader();
+    void printReceiptTotals(float lineCount, float total);
+    void printReceiptFooter(const QString &purchaseId);
+    void printReceiptBlock(const std::vector<ReceiptStep> &steps);
+    std::shared_ptr<Printer> UsePrinter();
+    bool LoadPrinter();
+    void reprintReceipt();
+
+    // dashboard/dashboard.cpp
+    void RefreshDashboard();
+    void showTodaysSales();
+    void showStockFigures();
+    void openReorderList(int element);
+
+    // settings/settings.cpp
+    void saveSettings();
+    void receiptChoiceChanged();
+
+    Platform m_platform;
+    Controls m_controls;
+    FormState m_state;
+    Breather m_breather;
+    int m_runningHandlers = 0;
+    unsigned m_pageLoads = 0; ///< quick-sale pages begun: an earlier one gives way to a later one
+    bool m_askingToClose = false;
+    bool m_closed = false; ///< closed, and waiting for its last handler to return
+};
+
+} // namespace harrowby

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "basic/text.h"
+#include "basic/values.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/widgets/quick_sale_button.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+/// This name has every right, whatever its row's flags say. It is the name that counts, not the user's type.
+constexpr auto administrator = "ADMINISTRATOR"_L1;
+
+bool flag(DbRecordset &user, const QString &column)
+{
+    const std::optional<DbValue> value = user.Field(column).value();
+    return value && valueIsTrue(*value);
+}
+
+bool mayUseTheTool(DbRecordset &user, const QString &name)
+{
+    const std::optional<DbValue> value = user.Field(u"InventoryUse"_s).value();
+    return (value && valueEqualsTrue(*value)) || name == administrator;
+}
+
+} // namespace
+
+bool Inventory::RequireLogin()
+{
+    if (m_state.IsLoggedIn)
+        return true;
+    warn(u"You must Login in First!"_s);
+    m_controls.Text3->setFocus();
+    return false;
+}
+
+void Inventory::logIn()
+{
+    m_state.IsLoggedIn = false;
+    const QString name = trimmedUpper(m_controls.Text3->text());
+    const QString password = trimmedUpper(m_controls.Text4->text());
+    if (name.isEmpty() || password.isEmpty()) {
+        warn(u"You have entered a blank entry!"_s);
+        m_controls.Text3->setFocus();
+        m_controls.Text3->selectAll();
+        return;
+    }
+    DbRecordset user;
+    user.Open(statements::login(name, password), connection());
+    if (user.RecordCount() < 1) {
+        warn(u"Username or Password Incorrect!"_s);
+        return;
+    }
+    if (!mayUseTheTool(user, name)) {
+        warn(u"User not Enabled to use this tool!"_s);
+        return;
+    }
+    readPrivileges(user, name == administrator);
+    enter(name);
+    showReorderNotice();
+}
+
+void Inventory::readPrivileges(DbRecordset &user, bool everyRight)
+{
+    m_state.CanSell = everyRight || flag(user, u"InventorySales"_s);
+    m_state.CanReport = everyRight || flag(user, u"InventoryReport"_s);
+    m_state.CanUndo = everyRight || flag(user, u"InventoryUndo"_s);
+    m_state.CanDelete = everyRight || flag(user, u"InventoryDelete"_s);
+    m_state.CanSettings = everyRight || flag(user, u"InventorySettings"_s);
+    m_state.CanReorder = everyRight || flag(user, u"InventoryReorder"_s);
+    m_state.CanEditStock = everyRight || flag(user, u"InventoryReorder"_s); // one column, two rights
+}
+
+void Inventory::enter(const QString &name)
+{
+    m_state.LoggedUser = name;
+    m_controls.StatusBar1_1->setText(u"User: "_s + name);
+    m_state.IsLoggedIn = true;
+    m_controls.Frame12->hide();
+    m_controls.Frame12->lower();
+    m_controls.Text3->clear();
+    m_controls.Text4->clear();
+    m_controls.TabStrip1->selectTab(1);
+    m_controls.Command1.front()->setFocus();
+    LogActivity(name + u" successfully logged in!"_s, box::Information, false, true);
+}
+
+void Inventory::showReorderNotice()
+{
+    if (!m_state.CanReorder || m_state.PromptReorderFlag == 0)
+        return;
+    DbRecordset low;
+    low.Open(statements::lowStock(), connection());
+    if (low.RecordCount() > 0)
+        showForeignWindow(u"Harrowby.ReorderNotice"_s); // no host has one: nothing is shown
+}
+
+void Inventory::logOut()
+{
+    if (!m_state.IsLoggedIn)
+        return;
+    if (ask(u"Log out User["_s + m_state.LoggedUser + u"]?"_s, box::AskDefaultNo) != Answer::Yes)
+        return;
+    if (m_controls.LV3->rows().rowCount() > 0 && !settleCartBeforeLogout())
+        return;
+    m_controls.Frame12->show();
+    m_controls.Frame12->raise();
+    m_controls.Frame11->hide();
+    m_controls.Frame13->hide();
+    // The next user can undo neither the last reorder nor the last purchase. The quantity becomes 1, not 0, on
+    // purpose; the empty item is what says that there is nothing to undo.
+    m_state.LastReorderQty = 1;
+    m_state.LastReorderItem.clear();
+    m_state.LastPurchaseID.clear();
+    LogActivity(m_state.LoggedUser + u" logged out successfully!"_s, box::Information, false, true);
+    m_state.LoggedUser.clear();
+    m_controls.TabStrip1->selectTab(1);
+    m_state.IsLoggedIn = false;
+    m_controls.StatusBar1_1->setText(u"User: None"_s);
+    m_controls.Text3->setFocus();
+}
+
+bool Inventory::settleCartBeforeLogout()
+{
+    switch (ask(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel)) {
+    case Answer::Yes:
+        CheckoutCart(true);
+        return true;
+    case Answer::No:
+        m_controls.LV3->rows().clear();
+        UpdateCart();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void Inventory::clearLogin()
+{
+    m_controls.Text3->clear();
+    m_controls.Text4->clear();
+}
+
+} // namespace harrowby

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "basic/cart_arithmetic.h"
+#include "basic/numbers.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/cart_columns.h"
+#include "ui/inventory.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/text_table_model.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+bool Inventory::StockAvailable(const QString &itemKey, std::int16_t qty)
+{
+    DbRecordset item;
+    item.Open(statements::availableStock(GetIDName(itemKey, KeyPiece::Id), GetIDName(itemKey, KeyPiece::Name)),
+              connection());
+    if (item.RecordCount() < 1)
+        return false; // disabled, deleted, renamed or stored in mixed case: refused without a word
+    const int line = FindCartLine(itemKey);
+    const float available = toSingle(item.Field(u"StockAvailable"_s).number()).value_or(0.0F);
+    if (available <= 0.0F) {
+        ask(u"There is no available stock item(s) for "_s + itemKey + u". Kindly reorder Stock!"_s, box::Information);
+        return false;
+    }
+    const QString only = u"There are only "_s + plainText(available) + u" item(s) in stock for "_s + itemKey;
+    if (line < 0) {
+        if (available >= static_cast<float>(qty))
+            return true;
+        ask(only + u". Kindly reorder Stock!"_s, box::Information);
+        return false;
+    }
+    const double inCart = leadingNumber(m_controls.LV3->rows().text(line - 1, CartColumn::Qty));
+    const std::optional<float> wanted = toSingle(qty + inCart);
+    if (wanted && *wanted <= available)
+        return true;
+    ask(only + u" and have already of "_s + plainText(inCart) + u" this item(s) in cart."_s, box::Information);
+    return false;
+}
+
+} // namespace harrowby

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "basic/cart_arithmetic.h"
+#include "basic/numbers.h"
+#include "basic/purchase_text.h"
+#include "basic/text.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/cart_columns.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+
+#include <QLabel>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+int Inventory::FindCartLine(const QString &itemKey) const
+{
+    const int row = m_controls.LV3->rows().findRow(itemKey);
+    return row < 0 ? -1 : row + 1;
+}
+
+float Inventory::FindCost(const QString &itemKey)
+{
+    DbRecordset item;
+    // Also for disabled items, on purpose: what is in the cart has its price.
+    item.Open(statements::stockById(costLookupId(itemKey)), connection());
+    return item.RecordCount() > 0 ? unitCost(item.Field(u"StockCost"_s).text()) : 0.0F;
+}
+
+void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting)
+{
+    const int line = FindCartLine(itemKey);
+    const float cost = FindCost(itemKey);
+    if (line < 0)
+        addCartLine(itemKey, qty, cost);
+    else
+        updateCartLine(line - 1, qty, cost, addToExisting);
+    // The last line is selected, on purpose also when an earlier one was updated.
+    m_controls.LV3->selectRow(m_controls.LV3->rows().rowCount() - 1);
+    UpdateCart();
+}
+
+void Inventory::addCartLine(const QString &itemKey, std::int16_t qty, float cost)
+{
+    const QString quantity = QString::number(qty);
+    m_controls.LV3->rows().appendRow({itemKey, quantity, formatMoney(newLineCost(cost, qty))});
+    LogActivity(quantity + u" of "_s + itemKey + u" Added to Cart!"_s, box::Information, false, true);
+}
+
+void Inventory::updateCartLine(int row, std::int16_t qty, float cost, bool addToExisting)
+{
+    TextTableModel &cart = m_controls.LV3->rows();
+    const bool merge =
+        addToExisting ||
+        ask(u"Item Already Exist in Cart."_s + crLf + u"To Update - YES, To Replace - NO"_s, box::Ask) == Answer::Yes;
+    if (merge) {
+        // Not a 16-bit value: 20000 and 20000 make 40000.
+        const double quantity = qty + leadingNumber(cart.text(row, CartColumn::Qty));
+        cart.setText(row, CartColumn::Qty, plainText(quantity));
+        cart.setText(row, CartColumn::Cost, formatMoney(mergedLineCost(cost, quantity)));
+    } else {
+        cart.setText(row, CartColumn::Qty, QString::number(qty));
+        cart.setText(row, CartColumn::Cost, formatMoney(newLineCost(cost, qty)));
+    }
+    LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + cart.text(row, CartColumn::Item) + u" Added!"_s,
+                box::Information, false, true);
+}
+
+void Inventory::UpdateCart()
+{
+    const TextTableModel &cart = m_controls.LV3->rows();
+    const int lines = cart.rowCount();
+    CostTotal total;
+    for (int row = 0; row < lines; ++row)
+        total.add(cart.text(row, CartColumn::Cost));
+    showCartTotal(formatMoney(total.value()), lines);
+}
+
+void Inventory::showCartTotal(const QString &total, int lines)
+{
+    m_controls.Label5->setText(u"Total: "_s + total);
+    m_controls.TabStrip2->setTabText(0, u"Cart("_s + QString::number(lines) + u")"_s);
+}
+
+std::vector<PurchaseLine> Inventory::cartLines() const
+{
+    const TextTableModel &cart = m_controls.LV3->rows();
+    std::vector<PurchaseLine> lines;
+    lines.reserve(static_cast<std::size_t>(cart.rowCount()));
+    for (int row = 0; row < cart.rowCount(); ++row)
+        lines.push_back(
+            {cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item), cart.text(row, CartColumn::Cost)});
+    return lines;
+}
+
+void Inventory::deleteCartLine()
+{
+    if (!RequireLogin())
+        return;
+    RowList &list = *m_controls.LV3;
+    const int row = list.selectedRow();
+    const QString item = trimBlanks(list.rows().text(row, CartColumn::Item));
+    if (item.isEmpty() || ask(u"Delete ["_s + item + u"] from Cart?"_s, box::Ask) != Answer::Yes)
+        return;
+    list.rows().removeRowAt(row);
+    list.selectRow(qMin(row, list.rows().rowCount() - 1));
+    UpdateCart();
+    // Names the line that is selected now, not the deleted one, on purpose.
+    const QString selected = trimBlanks(list.rows().text(list.selectedRow(), CartColumn::Item));
+    LogActivity(u"Item ["_s + selected + u"] deleted!"_s, box::Information, false, true);
+}
+
+void Inventory::clearCart()
+{
+    if (!RequireLogin())
+        return;
+    if (m_controls.LV3->rows().rowCount() == 0) {
+        warn(u"Cart is Empty!"_s);
+        return;
+    }
+    if (ask(u"Clear Cart?"_s, box::Ask) != Answer::Yes)
+        return;
+    m_controls.LV3->rows().clear();
+    UpdateCart();
+}
+
+void Inventory::changeLinePrice()
+{
+    if (!m_state.IsLoggedIn) {
+        warn(u"You must login first!"_s);
+        return;
+    }
+    TextTableModel &cart = m_controls.LV3->rows();
+    const int row = m_controls.LV3->selectedRow();
+    const QString item = cart.text(row, CartColumn::Item);
+    const QString cost = trimBlanks(cart.text(row, CartColumn::Cost));
+    if (row < 0 || trimBlanks(item).isEmpty() || cost.isEmpty())
+        return;
+    const QString answer = trimBlanks(m_platform.boxes->input(
+        this, u"Enter new price for item ["_s + trimBlanks(item) + u"]?"_s, m_state.MsgTitle, cost));
+    if (answer.isEmpty())
+        return;
+    const std::optional<double> price = wholeNumber(answer);
+    if (!price) {
+        warn(u"Non-numeric Entry for Cost"_s);
+        return;
+    }
+    // The line's price, not the unit's. The total keeps the old sum until the cart changes, on purpose.
+    cart.setText(row, CartColumn::Cost, formatFixed(*price));
+    LogActivity(u"Cost of Item "_s + item + u" changed to "_s + formatFixed(*price) + u"!"_s, box::Information, false,
+                true);
+}
+
+} // namespace harrowby

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "basic/numbers.h"
+#include "basic/text.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/quick_sale_button.h"
+#include "ui/widgets/tab_strip.h"
+
+#include <QPushButton>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+constexpr int pageSize = 9;
+constexpr auto emptyCaption = "(empty)"_L1;
+
+void blank(QuickSaleButton &button)
+{
+    button.setText(emptyCaption);
+    button.setToolTip(QString());
+    button.setOutOfStock(false);
+}
+
+void fill(QuickSaleButton &button, DbRecordset &item)
+{
+    const QString caption = item.Field(u"StockID"_s).text() + crLf + item.Field(u"StockName"_s).text() + crLf +
+                            formatMoney(item.Field(u"Stockcost"_s).number());
+    button.setText(caption);
+    button.setToolTip(QString(caption).replace(crLf, "  |  "_L1));
+    if (const std::optional<DbValue> available = item.Field(u"StockAvailable"_s).value())
+        button.setOutOfStock(valueNumber(*available) <= 0.0);
+}
+
+} // namespace
+
+void Inventory::LoadQuickSales(bool movedForward)
+{
+    const unsigned load = ++m_pageLoads;
+    const bool hideFinished = m_state.HideFinishedFlag != 0;
+    const QString category = m_controls.Combo1->entryText();
+    const int offset = m_state.QuickSalesOffset;
+    DbRecordset page;
+    page.Open(statements::quickSalesPage(hideFinished, category, offset), connection());
+    const int rows = page.RecordCount();
+    if (rows == 0) {
+        // The buttons keep what they showed, and the offset is not corrected, on purpose.
+        m_controls.CmdNext->setEnabled(offset != 0 && !movedForward);
+        m_controls.CmdPrev->setEnabled(offset != 0 && movedForward);
+        return;
+    }
+    std::size_t shown = 0;
+    forEachRow(page, [&] {
+        if (load == m_pageLoads && shown < m_controls.Command1.size())
+            fill(*m_controls.Command1.at(shown++), page);
+        m_breather.breathe();
+    });
+    if (load != m_pageLoads)
+        return; // a later page was filled meanwhile
+    for (; shown < m_controls.Command1.size(); ++shown)
+        blank(*m_controls.Command1.at(shown));
+    m_controls.CmdNext->setEnabled(rows >= pageSize && moreQuickSales(hideFinished, category, offset));
+    m_controls.CmdPrev->setEnabled(offset != 0);
+}
+
+bool Inventory::moreQuickSales(bool hideFinished, const QString &category, int offset)
+{
+    DbRecordset items;
+    items.Open(statements::quickSalesCount(hideFinished, category), connection());
+    return items.RecordCount() != offset + pageSize;
+}
+
+void Inventory::nextQuickSales()
+{
+    if (!RequireLogin())
+        return;
+    if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - pageSize)
+        return; // the page number has 16 bits: its overflow ends the step with nothing changed
+    m_controls.CmdPrev->setEnabled(true);
+    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset + pageSize);
+    LoadQuickSales(true);
+}
+
+void Inventory::previousQuickSales()
+{
+    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset - pageSize);
+    if (m_state.QuickSalesOffset < 1) {
+        m_state.QuickSalesOffset = 0;
+        m_controls.CmdPrev->setEnabled(false);
+    }
+    m_controls.CmdNext->setEnabled(false);
+    LoadQuickSales(false);
+}
+
+void Inventory::quickSaleCategoryChanged()
+{
+    if (!m_state.IsLoggedIn) {
+        if (m_controls.Combo1->entryText() != statements::allCategories) {
+            m_controls.Combo1->setEntryText(statements::allCategories);
+            RequireLogin();
+        }
+        return;
+    }
+    m_state.QuickSalesOffset = 0;
+    LoadQuickSales(false);
+}
+
+void Inventory::sellQuickly(int button)
+{
+    if (!RequireLogin())
+        return;
+    QuickSaleButton &pressed = *m_controls.Command1.at(static_cast<std::size_t>(button));
+    if (pressed.text() == emptyCaption) {
+        ask(u"Item is empty!"_s + crLf + u"You can add a new Item from Add/Edit Stock"_s, box::Information);
+        return;
+    }
+    m_controls.Command14->setEnabled(false);
+    const QStringList caption = pressed.text().split(crLf);
+    const QString key = itemKey(caption.value(0), caption.value(1));
+    if (StockAvailable(key, 1)) {
+        pressed.setOutOfStock(false);
+        FindandUpdateCart(key, 1, true);
+        LogActivity(key + u" Added to Cart!"_s, box::Information, false, true);
+        m_controls.TabStrip2->selectTab(1);
+    }
+    m_controls.Command14->setEnabled(true);
+}
+
+} // namespace harrowby

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QIcon;
+class QString;
+class QWidget;
+
+namespace harrowby {
+
+/// Gives the window, and the boxes that open over it, the look of the till, and keeps it in step with the
+/// application's palette. The rest of the host's windows stay as they are.
+void applyTillStyle(QWidget &window);
+
+/// A drawing of the till's own ("help", "refresh", "dashboard", "keypad", "search") in the colour that text has
+/// when it is painted.
+[[nodiscard]] QIcon tillIcon(const QString &name);
+
+} // namespace harrowby

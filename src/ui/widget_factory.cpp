@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widget_factory.h"
+
+#include "ui/style/till_style.h"
+#include "ui/widgets/entry_edit.h"
+#include "ui/widgets/panel.h"
+#include "ui/widgets/pick_list.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+constexpr int kIconSize = 24;
+constexpr int kCaptionGap = 2;
+
+int marginOf(const QFrame &frame)
+{
+    const auto *panel = qobject_cast<const Panel *>(&frame);
+    return panel ? panel->margin() : 0;
+}
+
+} // namespace
+
+QString elementName(const QString &array, int index)
+{
+    return array + u'_' + QString::number(index);
+}
+
+QPushButton *makeButton(QWidget *parent, const QString &name, const QString &caption)
+{
+    auto *button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    return button;
+}
+
+QPushButton *makePrimaryButton(QWidget *parent, const QString &name, const QString &caption)
+{
+    QPushButton *button = makeButton(parent, name, caption);
+    setLook(button, u"primary"_s);
+    return button;
+}
+
+QPushButton *makePictureButton(QWidget *parent, const QString &name, const QString &icon, const QString &purpose)
+{
+    QPushButton *button = makeButton(parent, name, {});
+    setLook(button, u"picture"_s);
+    button->setIcon(tillIcon(icon));
+    button->setIconSize({kIconSize, kIconSize});
+    button->setToolTip(purpose);
+    button->setAccessibleName(purpose);
+    return button;
+}
+
+PickList *makePickList(QWidget *parent, const QString &name, const QString &purpose)
+{
+    auto *list = new PickList(parent);
+    list->setObjectName(name);
+    list->setAccessibleName(purpose);
+    list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return list;
+}
+
+EntryEdit *makeEntry(QWidget *parent, const QString &name, const QString &purpose)
+{
+    auto *entry = new EntryEdit(parent);
+    entry->setObjectName(name);
+    entry->setAccessibleName(purpose);
+    return entry;
+}
+
+QCheckBox *makeCheckBox(QWidget *parent, const QString &name, const QString &caption)
+{
+    auto *box = new QCheckBox(caption, parent);
+    box->setObjectName(name);
+    return box;
+}
+
+QLabel *makeText(QWidget *parent, const QString &text, const QString &look)
+{
+    auto *label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    setLook(label, look);
+    return label;
+}
+
+void setLook(QWidget *widget, const QString &look)
+{
+    widget->setProperty("look", look);
+}
+
+QBoxLayout *captioned(const QString &caption, QWidget *control)
+{
+    auto *column = new QVBoxLayout;
+    column->setSpacing(kCaptionGap);
+    QLabel *label = makeText(control->parentWidget(), caption, u"caption"_s);
+    label->setBuddy(control);
+    column->addWidget(label);
+    column->addWidget(control);
+    return column;
+}
+
+QGridLayout *makeGrid(QFrame *panel)
+{
+    auto *grid = new QGridLayout(panel);
+    const int margin = marginOf(*panel);
+    grid->setContentsMargins(margin, margin, margin, margin);
+    grid->setSpacing(kGap);
+    return grid;
+}
+
+QBoxLayout *makeColumn(QFrame *panel)
+{
+    auto *column = new QVBoxLayout(panel);
+    const int margin = marginOf(*panel);
+    column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(kGap);
+    return column;
+}
+
+QBoxLayout *makeRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(kGap);
+    return row;
+}
+
+} // namespace harrowby

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/pick_list.h"
+
+#include "ui/widgets/entry_edit.h"
+#include "ui/widgets/entry_model.h"
+#include "ui/widgets/plain_tool_tip.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QListView>
+#include <QPointer>
+#include <QScopedValueRollback>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
+#include <QWheelEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+constexpr int kFewestCharacters = 6;
+
+} // namespace
+
+PickList::PickList(QWidget *parent) : QComboBox(parent), m_entries(new EntryModel(this))
+{
+    setPlaceholderText(u" "_s); // keeps the first entry from selecting itself
+    setInsertPolicy(NoInsert);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(kFewestCharacters);
+    setModel(m_entries);
+    setLineEdit(new EntryEdit(this));
+    setCompleter(nullptr);
+    connect(this, &QComboBox::editTextChanged, this, [this](const QString &text) {
+        m_textChanged = true;
+        Q_EMIT entryTextChanged(text);
+    });
+    connect(this, &QComboBox::activated, this, &PickList::entryActivated);
+}
+
+void PickList::setEntryText(const QString &text)
+{
+    const bool changedBefore = m_textChanged;
+    const QPointer<PickList> alive(this);
+    dropSelection();
+    if (text != currentText())
+        setEditText(text);
+    if (alive)
+        m_textChanged = changedBefore;
+}
+
+void PickList::clearEntries()
+{
+    dropSelection();
+    m_entries->clear();
+    setEntryText({});
+}
+
+void PickList::addEntry(const QString &text)
+{
+    m_entries->append(text);
+}
+
+void PickList::showPopup()
+{
+    beginPick();
+    if (!m_popupDressed) {
+        m_popupDressed = true;
+        auto *list = qobject_cast<QListView *>(view());
+        list->setUniformItemSizes(true);
+        list->setTextElideMode(Qt::ElideRight);
+        list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        list->setItemDelegate(new QStyledItemDelegate(list)); // the one that heeds the style sheet's item height
+        list->viewport()->installEventFilter(this);
+    }
+    QComboBox::showPopup();
+}
+
+bool PickList::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const bool tooLong = static_cast<EntryEdit *>(lineEdit())->isTooLong();
+        showPlainToolTip(static_cast<QHelpEvent *>(event)->globalPos(), tooLong ? currentText() : toolTip(), this);
+        return true;
+    }
+    return QComboBox::event(event);
+}
+
+bool PickList::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QComboBox::eventFilter(watched, event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    showEntryTip(help->globalPos(), help->pos());
+    return true;
+}
+
+void PickList::focusOutEvent(QFocusEvent *event)
+{
+    const QScopedValueRollback leaving(m_picking, false);
+    QComboBox::focusOutEvent(event);
+}
+
+void PickList::keyPressEvent(QKeyEvent *event)
+{
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QScopedValueRollback typing(m_picking, !enter);
+    if (!enter)
+        beginPick();
+    QComboBox::keyPressEvent(event);
+}
+
+void PickList::wheelEvent(QWheelEvent *event)
+{
+    if (!hasFocus()) {
+        event->ignore();
+        return;
+    }
+    beginPick();
+    QComboBox::wheelEvent(event);
+}
+
+/// Starts a pick at the entry whose text stands there, however it came there.
+void PickList::beginPick()
+{
+    m_textChanged = false;
+    if (currentIndex() >= 0 && itemText(currentIndex()) == currentText())
+        return;
+    const int index = m_entries->find(currentText());
+    if (index < 0) {
+        dropSelection();
+        return;
+    }
+    const QSignalBlocker quietly(this);
+    setCurrentIndex(index);
+}
+
+/// Forgets which entry was picked and keeps the text.
+void PickList::dropSelection()
+{
+    if (currentIndex() < 0)
+        return;
+    const QSignalBlocker quietly(this);
+    const QSignalBlocker quietEdit(lineEdit());
+    const QString text = currentText();
+    const int cursor = lineEdit()->cursorPosition();
+    setCurrentIndex(-1);
+    lineEdit()->setText(text);
+    lineEdit()->setCursorPosition(cursor);
+}
+
+void PickList::entryActivated(int index)
+{
+    if (!m_picking || index < 0)
+        return;
+    const bool again = !m_textChanged;
+    const QPointer<PickList> alive(this);
+    Q_EMIT picked(index);
+    if (again && alive)
+        Q_EMIT pickedAgain(index);
+}
+
+void PickList::showEntryTip(const QPoint &globalPosition, const QPoint &position)
+{
+    showPlainToolTip(globalPosition, view()->indexAt(position).data(Qt::ToolTipRole).toString(), view()->viewport());
+}
+
+} // namespace harrowby

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QComboBox>
+
+namespace harrowby {
+
+class EntryModel;
+
+/// A list to pick from that also takes typed text. No completer, no entry that selects itself, nothing inserted on
+/// Enter; entries show as plain text, long ones elided with the whole in their tool tip; opening one with 100,000
+/// entries takes no longer than with ten.
+class PickList : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    explicit PickList(QWidget *parent = nullptr);
+
+    [[nodiscard]] QString entryText() const { return currentText(); }
+    /// Changes the text and leaves the entries alone; selects nothing.
+    void setEntryText(const QString &text);
+    /// Removes the entries and the text.
+    void clearEntries();
+    /// Appends an entry; text and selection stay as they are.
+    void addEntry(const QString &text);
+
+    void showPopup() override;
+
+Q_SIGNALS:
+    /// The text changed, by typing, by picking or from code.
+    void entryTextChanged(const QString &text);
+    /// The user picked an entry with the mouse, the wheel or the arrow keys, after entryTextChanged() if the text
+    /// changed by it.
+    void picked(int index);
+    /// The user picked the entry whose text stood there already, so entryTextChanged() did not come; follows
+    /// picked().
+    void pickedAgain(int index);
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    void beginPick();
+    void dropSelection();
+    void entryActivated(int index);
+    void showEntryTip(const QPoint &globalPosition, const QPoint &position);
+
+    EntryModel *m_entries;
+    bool m_textChanged = false;  ///< since the user's last action began, and not by code
+    bool m_picking = true;       ///< an activation is the user's choice, and not merely Enter or the focus leaving
+    bool m_popupDressed = false; ///< the list that drops down has been given its looks
+};
+
+} // namespace harrowby

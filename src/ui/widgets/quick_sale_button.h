@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QAbstractButton>
+
+namespace harrowby {
+
+struct Colours;
+
+/// One quick-sale button. text() is its caption: ID, name and unit price on three lines (CR LF between them), or
+/// "(empty)"; each line is painted in its own way. The caption is data: no accelerator, no markup, and the tool tip
+/// is shown as plain text.
+class QuickSaleButton : public QAbstractButton
+{
+    Q_OBJECT
+    Q_PROPERTY(bool outOfStock READ isOutOfStock WRITE setOutOfStock)
+
+public:
+    explicit QuickSaleButton(QWidget *parent = nullptr);
+
+    /// Hides QAbstractButton::setText(), which would turn an "&" of the data into a shortcut.
+    void setText(const QString &caption);
+    [[nodiscard]] bool isOutOfStock() const { return m_outOfStock; }
+    void setOutOfStock(bool outOfStock);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    /// The caption's lines and what is painted how large.
+    struct Face;
+
+    [[nodiscard]] Face face() const;
+    [[nodiscard]] bool isBlank() const;
+    [[nodiscard]] QFont sized(double pixels, bool bold) const;
+    void paintCard(QPainter &painter, const QRectF &card, const Colours &colours) const;
+    void paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const;
+    void paintBand(QPainter &painter, const QRectF &card, const Face &face, const Colours &colours) const;
+    void paintName(QPainter &painter, const QRect &area, const Face &face) const;
+    void describe();
+
+    bool m_outOfStock = false;
+};
+
+} // namespace harrowby

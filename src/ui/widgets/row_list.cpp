@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/row_list.h"
+
+#include "ui/widgets/plain_tool_tip.h"
+#include "ui/widgets/text_table_model.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace harrowby {
+
+namespace {
+
+constexpr int kCellPadding = 14; ///< left and right of a text together
+
+} // namespace
+
+RowList::RowList(const QStringList &headers, QWidget *parent) :
+    QTreeView(parent), m_rows(new TextTableModel(headers, this)), m_shares(size_t(headers.size()), 1)
+{
+    setModel(m_rows);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setTabKeyNavigation(false);
+    setEditTriggers(NoEditTriggers);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setTextElideMode(Qt::ElideRight);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(ScrollPerPixel);
+    header()->setSectionsMovable(false);
+    header()->setSectionsClickable(false);
+    header()->setSectionResizeMode(QHeaderView::Fixed);
+    header()->setStretchLastSection(false);
+    header()->setMinimumSectionSize(1);
+    connect(this, &QTreeView::doubleClicked, this, [this](const QModelIndex &index) { Q_EMIT rowOpened(index.row()); });
+}
+
+int RowList::selectedRow() const
+{
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    return selected.isEmpty() ? -1 : selected.first().row();
+}
+
+void RowList::selectRow(int row)
+{
+    const QModelIndex index = m_rows->index(row, 0);
+    if (!index.isValid()) {
+        selectionModel()->clear();
+        return;
+    }
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+}
+
+void RowList::setColumnShares(std::vector<int> shares)
+{
+    m_shares = std::move(shares);
+    m_shares.resize(size_t(m_rows->columnCount()), 1);
+    shareWidth();
+}
+
+void RowList::setColumnSamples(QStringList samples)
+{
+    m_samples = std::move(samples);
+    shareWidth();
+}
+
+void RowList::setFigureColumns(std::set<int> columns)
+{
+    m_rows->setFigureColumns(std::move(columns));
+}
+
+QSize RowList::minimumSizeHint() const
+{
+    return {160, 120};
+}
+
+QSize RowList::sizeHint() const
+{
+    return {320, 200};
+}
+
+void RowList::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->accept();
+        if (const int row = selectedRow(); row >= 0)
+            Q_EMIT rowOpened(row);
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void RowList::resizeEvent(QResizeEvent *event)
+{
+    QTreeView::resizeEvent(event);
+    shareWidth();
+}
+
+void RowList::showEvent(QShowEvent *event)
+{
+    QTreeView::showEvent(event);
+    shareWidth();
+}
+
+bool RowList::viewportEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QTreeView::viewportEvent(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    showPlainToolTip(help->globalPos(), indexAt(help->pos()).data(Qt::ToolTipRole).toString(), viewport());
+    return true;
+}
+
+/// What the header and the sample of a column need to be read whole.
+int RowList::neededWidth(int column) const
+{
+    const QString caption = m_rows->headerData(column, Qt::Horizontal).toString();
+    return std::max(header()->fontMetrics().horizontalAdvance(caption),
+                    fontMetrics().horizontalAdvance(m_samples.value(column))) +
+           kCellPadding;
+}
+
+void RowList::shareWidth()
+{
+    const int columns = m_rows->columnCount();
+    std::vector<int> widths(static_cast<size_t>(columns));
+    for (int column = 0; column < columns; ++column)
+        widths[size_t(column)] = neededWidth(column);
+    int rest = viewport()->width() - std::accumulate(widths.begin(), widths.end(), 0);
+    int shares = std::accumulate(m_shares.begin(), m_shares.end(), 0);
+    for (size_t column = 0; column < widths.size(); ++column) {
+        const int extra = shares > 0 ? rest * m_shares[column] / shares : 0;
+        widths[column] += extra;
+        rest -= extra;
+        shares -= m_shares[column];
+        header()->resizeSection(int(column), widths[column]);
+    }
+}
+
+} // namespace harrowby

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTreeView>
+
+#include <set>
+#include <vector>
+
+namespace harrowby {
+
+class TextTableModel;
+
+/// Report-style list: whole rows, one selected at a time, columns under headers, texts elided with the whole in
+/// their tool tip (always plain text). The columns share the width that there is, so that nothing scrolls sideways.
+/// Enter on a row does what a double click does.
+class RowList : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit RowList(const QStringList &headers, QWidget *parent = nullptr);
+
+    [[nodiscard]] TextTableModel &rows() const { return *m_rows; }
+    /// 0-based; -1 when no row is selected.
+    [[nodiscard]] int selectedRow() const;
+    /// Selects a row and scrolls to it; a row that does not exist leaves none selected.
+    void selectRow(int row);
+
+    /// How the width is shared out: every column gets what its header and its sample text need, and its share of
+    /// the rest. Columns without a share count as 1.
+    void setColumnShares(std::vector<int> shares);
+    /// A text of each column that should fit whole.
+    void setColumnSamples(QStringList samples);
+    /// Columns of money and quantities, which stand flush right.
+    void setFigureColumns(std::set<int> columns);
+
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override;
+
+Q_SIGNALS:
+    /// A row was double-clicked, or Enter was pressed on it.
+    void rowOpened(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+
+private:
+    void shareWidth();
+    [[nodiscard]] int neededWidth(int column) const;
+
+    TextTableModel *m_rows;
+    std::vector<int> m_shares;
+    QStringList m_samples;
+};
+
+} // namespace harrowby

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/tab_strip.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointer>
+
+namespace harrowby {
+
+TabStrip::TabStrip(QWidget *parent) : QTabBar(parent)
+{
+    setUsesScrollButtons(false);
+    setElideMode(Qt::ElideNone);
+    setDrawBase(false);
+    setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QTabBar::currentChanged, this, &TabStrip::currentTabChanged);
+}
+
+void TabStrip::selectTab(int number)
+{
+    const int index = number - 1;
+    if (index < 0 || index >= count())
+        return;
+    showTab(index);
+    Q_EMIT tabClicked(number);
+}
+
+void TabStrip::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        choose(currentIndex());
+        break;
+    default:
+        QTabBar::keyPressEvent(event);
+    }
+}
+
+void TabStrip::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        choose(tabAt(event->position().toPoint()));
+}
+
+void TabStrip::tabInserted(int index)
+{
+    QTabBar::tabInserted(index);
+    m_accepted = currentIndex();
+}
+
+/// The user chose a tab. The question may open a box, behind which the window may go away.
+void TabStrip::choose(int index)
+{
+    if (index < 0 || !isTabEnabled(index))
+        return;
+    const QPointer<TabStrip> alive(this);
+    if (beforeClick && !beforeClick())
+        return;
+    if (!alive)
+        return;
+    showTab(index);
+    Q_EMIT tabClicked(index + 1);
+}
+
+void TabStrip::showTab(int index)
+{
+    m_accepted = index;
+    setCurrentIndex(index);
+}
+
+/// Every way of the base class to another tab (arrow keys, wheel, assistive technology) comes through here: the
+/// change is taken back and becomes a choice of the user.
+void TabStrip::currentTabChanged(int index)
+{
+    if (index == m_accepted || m_accepted < 0)
+        return;
+    setCurrentIndex(m_accepted);
+    choose(index);
+}
+
+} // namespace harrowby

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTabBar>
+
+#include <functional>
+
+namespace harrowby {
+
+/// Row of tabs numbered from 1. Captions are plain text.
+class TabStrip : public QTabBar
+{
+    Q_OBJECT
+
+public:
+    explicit TabStrip(QWidget *parent = nullptr);
+
+    /// Asked before a tab that the user chose (mouse, wheel, keyboard or assistive technology) is selected; false
+    /// cancels the choice. Not asked when selectTab() selects a tab.
+    std::function<bool()> beforeClick;
+
+    [[nodiscard]] int selectedTab() const { return currentIndex() + 1; }
+    /// Selects a tab from code; tabClicked() follows also when it was selected already.
+    void selectTab(int number);
+
+Q_SIGNALS:
+    /// A tab was chosen, by the user or by selectTab(); the same tab again counts too.
+    void tabClicked(int number);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void tabInserted(int index) override;
+
+private:
+    void choose(int index);
+    void showTab(int index);
+    void currentTabChanged(int index);
+
+    int m_accepted = -1; ///< the tab that is selected as far as the program knows
+};
+
+} // namespace harrowby
