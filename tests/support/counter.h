@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/box_queue.h"
+#include "support/doubles.h"
+#include "ui/inventory.h"
+
+#include <harrowby/sqlite_connection.h>
+
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWidget>
+
+#include <memory>
+
+struct sqlite3;
+
+namespace harrowby::test {
+
+/// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them.
+class ShopFile
+{
+public:
+    ShopFile();
+    ~ShopFile();
+    ShopFile(const ShopFile &) = delete;
+    ShopFile &operator=(const ShopFile &) = delete;
+
+    [[nodiscard]] sqlite3 *handle() const { return m_handle; }
+    [[nodiscard]] QString path() const;
+    /// Runs statements; a failing one ends the test program with its message.
+    void sql(const QString &statements) const;
+    /// First column of the first row, as text; "(no row)" when there is none.
+    [[nodiscard]] QString cell(const QString &select) const;
+    /// All rows, columns joined by "|".
+    [[nodiscard]] QStringList rows(const QString &select) const;
+
+    void addItem(const QString &id, const QString &name, double cost, double available,
+                 const QString &category = QStringLiteral("DRINKS"), const QString &use = QStringLiteral("Enabled"),
+                 double reorderLevel = 2) const;
+    /// A user with the rights named in `rights` ("Sales", "Report", "Undo", "Delete", "Settings", "Reorder"), who may
+    /// use the tool.
+    void addUser(const QString &name, const QString &password, const QStringList &rights = {},
+                 const QString &type = QStringLiteral("STAFF")) const;
+
+private:
+    QTemporaryDir m_folder;
+    sqlite3 *m_handle = nullptr;
+};
+
+/// The real window on a real file, with everything outside the database at a test's command. Boxes are the real ones,
+/// answered through one queue; a wrong, missing or left-over one fails the test at the end. Receipts, boxes that report
+/// outcomes and the other settings are off, and nobody is logged in; the user ADMINISTRATOR has the password PASS.
+class Counter
+{
+public:
+    Counter();
+    ~Counter();
+    Counter(const Counter &) = delete;
+    Counter &operator=(const Counter &) = delete;
+
+    ShopFile file;
+    std::shared_ptr<RecordingConnection> connection;
+    std::shared_ptr<QtBoxes> qtBoxes = std::make_shared<QtBoxes>();
+    BoxQueue boxes{*qtBoxes};
+    std::shared_ptr<FrozenClock> clock = std::make_shared<FrozenClock>();
+    std::shared_ptr<MemorySettings> settings = std::make_shared<MemorySettings>();
+    std::shared_ptr<PaperPrinters> printers = std::make_shared<PaperPrinters>();
+    std::shared_ptr<ObjectRegistry> objects = std::make_shared<ObjectRegistry>();
+
+    /// Builds, loads and shows the window.
+    void open();
+    /// Closes it, answering Yes, and waits until it is gone.
+    void close();
+    [[nodiscard]] Inventory &window() const { return *m_window; }
+    [[nodiscard]] const FormState &state() const { return m_window->state(); }
+    [[nodiscard]] bool isOpen() const { return !m_window.isNull(); }
+
+    /// A control by its name; a missing one ends the test program with the names there are.
+    template <typename T = QWidget>
+    [[nodiscard]] T *find(const char *name) const
+    {
+        T *found = qobject_cast<T *>(control(name));
+        if (found == nullptr)
+            qFatal("%s is of another type", name);
+        return found;
+    }
+    /// text() of a label, button or line edit, entryText() of a pick list.
+    [[nodiscard]] QString text(const char *name) const;
+    void setText(const char *name, const QString &text) const;
+    void click(const char *name) const;
+    /// Whether the window's keyboard focus is there (whether or not the window is the active one).
+    [[nodiscard]] bool hasFocus(const char *name) const;
+    /// Chooses a tab as a user does, by the mouse.
+    void chooseTab(const char *strip, int number) const;
+    [[nodiscard]] int selectedTab(const char *strip) const;
+    /// Types a name and a password and presses "&Login!".
+    void logIn(const QString &name = QStringLiteral("ADMINISTRATOR"), const QString &password = QStringLiteral("PASS"));
+
+    /// Lines of the cart, columns joined by "|".
+    [[nodiscard]] QStringList cart() const;
+
+private:
+    [[nodiscard]] QWidget *control(const char *name) const;
+    QPointer<Inventory> m_window;
+};
+
+} // namespace harrowby::test

@@ -1,0 +1,556 @@
+// SPDX-License-Identifier: MIT
+// What can be measured of the window's looks, for each work area, in several sizes, in a light and a dark palette.
+#include "ui/controls.h"
+#include "ui/focus_order.h"
+#include "ui/style/colours.h"
+#include "ui/unbuilt.h"
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/quick_sale_button.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QFrame>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStyle>
+#include <QStyleFactory>
+#include <QStyleOptionButton>
+#include <QTest>
+
+#include <set>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+
+namespace {
+
+constexpr int kTouch = 44;
+constexpr int kGap = 8;
+
+QPalette darkPalette()
+{
+    QPalette palette(QColor(53, 53, 53));
+    palette.setColor(QPalette::Window, QColor(53, 53, 53));
+    palette.setColor(QPalette::WindowText, Qt::white);
+    palette.setColor(QPalette::Base, QColor(35, 35, 35));
+    palette.setColor(QPalette::Text, Qt::white);
+    return palette;
+}
+
+QPalette lightPalette()
+{
+    return QApplication::style()->standardPalette();
+}
+
+/// The window with texts of a busy day.
+class BusyWindow : public QMainWindow
+{
+public:
+    BusyWindow() : controls(*this)
+    {
+        for (QuickSaleButton *card : controls.Command1)
+            card->setText(u"BEV-0001\r\nARABICA COFFEE BEANS 1KG\r\n12,345.00"_s);
+        controls.Command1[3]->setOutOfStock(true);
+        controls.Command1[8]->setText(u"(empty)"_s);
+        controls.TabStrip2->setTabText(0, u"Cart(100)"_s);
+        controls.Label5->setText(u"Total: 1,234,567.00"_s);
+        controls.StatusBar1_1->setText(u"User: ADMINISTRATOR"_s);
+        controls.StatusBar1_2->setText(QString(500, u'W'));
+        for (RowList *list : {controls.LV, controls.LV2, controls.LV3})
+            for (int row = 0; row < 30; ++row)
+                list->rows().appendRow(QStringList(list->rows().columnCount(), u"LONG TEXT OF A CELL 1,234.00"_s));
+    }
+
+    void showWorkArea(int number)
+    {
+        for (QFrame *frame : allPanels())
+            frame->hide();
+        for (QFrame *frame : panelsOf(number)) {
+            frame->show();
+            frame->raise();
+        }
+        controls.TabStrip1->selectTab(number);
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+
+    const Controls controls;
+
+private:
+    [[nodiscard]] std::vector<QFrame *> allPanels() const
+    {
+        const Controls &c = controls;
+        return {c.Frame1, c.Frame2, c.Frame3, c.Frame7, c.Frame8, c.Frame9, c.Frame10, c.Frame11, c.Frame12, c.Frame13};
+    }
+
+    /// In stacking order; 6 is the search result and 7 the keypad over the custom sale, 8 the login panel.
+    [[nodiscard]] std::vector<QFrame *> panelsOf(int number) const
+    {
+        const Controls &c = controls;
+        switch (number) {
+        case 2:
+            return {c.Frame3, c.Frame2};
+        case 3:
+            return {c.Frame2, c.Frame10, c.Frame7};
+        case 4:
+            return {c.Frame10, c.Frame8};
+        case 5:
+            return {c.Frame9, c.Frame2};
+        case 6:
+            return {c.Frame3, c.Frame2, c.Frame11};
+        case 7:
+            return {c.Frame3, c.Frame2, c.Frame13};
+        case 8:
+            return {c.Frame1, c.Frame2, c.Frame12};
+        default:
+            return {c.Frame1, c.Frame2};
+        }
+    }
+};
+
+bool isControl(const QWidget &widget)
+{
+    if (widget.inherits("QComboBox") || widget.inherits("QAbstractButton"))
+        return true;
+    return widget.inherits("QLineEdit") && !widget.parentWidget()->inherits("QComboBox");
+}
+
+/// Controls that a person sees, and the rectangles of the tabs, by name.
+std::vector<std::pair<QString, QRect>> touchTargets(const QMainWindow &window)
+{
+    std::vector<std::pair<QString, QRect>> targets;
+    for (const QWidget *widget : window.findChildren<QWidget *>()) {
+        if (!widget->isVisible() || !isControl(*widget) || widget->objectName().isEmpty() || isCovered(*widget, window))
+            continue;
+        targets.emplace_back(widget->objectName(), QRect(widget->mapTo(&window, QPoint()), widget->size()));
+    }
+    return targets;
+}
+
+int distance(const QRect &one, const QRect &other)
+{
+    const int across = std::max(one.left() - other.right(), other.left() - one.right()) - 1;
+    const int down = std::max(one.top() - other.bottom(), other.top() - one.bottom()) - 1;
+    return std::max(across, down);
+}
+
+QString nameOf(QWidget *widget)
+{
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(widget);
+    return interface ? interface->text(QAccessible::Name) : QString();
+}
+
+/// Width that the widget's style leaves for a button's caption.
+int captionRoom(const QAbstractButton &button)
+{
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    option.rect = button.rect();
+    const auto element = button.inherits("QCheckBox") ? QStyle::SE_CheckBoxContents : QStyle::SE_PushButtonContents;
+    return button.style()->subElementRect(element, &option, &button).width();
+}
+
+QString withoutMnemonic(QString caption)
+{
+    return caption.remove(u'&');
+}
+
+} // namespace
+
+class LookTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void fits_data();
+    void fits();
+    void isLargeEnoughToTouch_data() { fits_data(); }
+    void isLargeEnoughToTouch();
+    void cutsNoCaption_data() { fits_data(); }
+    void cutsNoCaption();
+    void namesEveryControl_data() { fits_data(); }
+    void namesEveryControl();
+    void reachesEveryControlByTab_data() { fits_data(); }
+    void reachesEveryControlByTab();
+    void contrasts_data();
+    void contrasts();
+    void keepsTheFixedColours();
+    void followsThePalette();
+    void totalIsTheLargestText();
+    void purchaseIsTheMostProminentButton();
+    void cardsAreLarge();
+    void loginIsCentredAndBlocksNothing();
+    void boxesAreLargeEnoughToTouch();
+    void acceleratorsAreUnique();
+    void unbuiltControlsAreDisabled();
+    void coveredControlsAreSkipped();
+    void startsWithItsFirstPanels();
+};
+
+void LookTest::init()
+{
+    QApplication::setPalette(lightPalette());
+}
+
+void LookTest::fits_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<int>("area");
+    for (const QSize size : {QSize(1024, 768), QSize(1920, 1080)})
+        for (const bool dark : {false, true})
+            for (int area = 1; area <= 8; ++area)
+                QTest::addRow("%d, %s, area %d", size.width(), dark ? "dark" : "light", area) << size << dark << area;
+}
+
+/// Shows the window as the data row says.
+#define SHOW_WINDOW(window)                                                                                            \
+    QFETCH(QSize, size);                                                                                               \
+    QFETCH(bool, dark);                                                                                                \
+    QFETCH(int, area);                                                                                                 \
+    QApplication::setPalette(dark ? darkPalette() : lightPalette());                                                   \
+    BusyWindow window;                                                                                                 \
+    window.resize(size);                                                                                               \
+    window.show();                                                                                                     \
+    QVERIFY(QTest::qWaitForWindowExposed(&window));                                                                    \
+    window.showWorkArea(area)
+
+void LookTest::fits()
+{
+    SHOW_WINDOW(window);
+    QCOMPARE(window.size(), size);
+    for (QWidget *widget : window.findChildren<QWidget *>()) {
+        if (!widget->isVisible() || widget->objectName().isEmpty() || !widget->parentWidget() ||
+            widget->objectName().startsWith(u"qt_"_s))
+            continue;
+        const QRect place(widget->mapTo(&window, QPoint()), widget->size());
+        QVERIFY2(window.rect().contains(place), qPrintable(widget->objectName()));
+    }
+    for (const auto *list : window.findChildren<QAbstractScrollArea *>())
+        QVERIFY2(!list->horizontalScrollBar()->isVisible(), qPrintable(list->objectName()));
+}
+
+void LookTest::isLargeEnoughToTouch()
+{
+    SHOW_WINDOW(window);
+    const auto targets = touchTargets(window);
+    QVERIFY(targets.size() >= 10);
+    for (const auto &[name, place] : targets) {
+        QVERIFY2(place.height() >= kTouch, qPrintable(u"%1 is %2 high"_s.arg(name).arg(place.height())));
+        QVERIFY2(place.width() >= kTouch, qPrintable(u"%1 is %2 wide"_s.arg(name).arg(place.width())));
+        for (const auto &[otherName, other] : targets)
+            if (name < otherName && area != 8) // the login panel lies over others
+                QVERIFY2(distance(place, other) >= kGap,
+                         qPrintable(u"%1 is %2 from %3"_s.arg(name).arg(distance(place, other)).arg(otherName)));
+    }
+    for (const TabStrip *strip : {window.controls.TabStrip1, window.controls.TabStrip2})
+        for (int tab = 0; strip->isVisible() && tab < strip->count(); ++tab)
+            QVERIFY(strip->tabRect(tab).height() >= kTouch);
+    for (const RowList *list : {window.controls.LV, window.controls.LV2, window.controls.LV3})
+        QVERIFY(!list->isVisible() || list->visualRect(list->rows().index(0, 0)).height() >= 32);
+}
+
+void LookTest::cutsNoCaption()
+{
+    SHOW_WINDOW(window);
+    for (const auto *button : window.findChildren<QAbstractButton *>()) {
+        if (!button->isVisible() || button->inherits("harrowby::QuickSaleButton"))
+            continue;
+        const int needed = button->fontMetrics().horizontalAdvance(withoutMnemonic(button->text()));
+        QVERIFY2(captionRoom(*button) >= needed, qPrintable(button->objectName()));
+    }
+    for (const auto *label : window.findChildren<QLabel *>()) {
+        if (!label->isVisible() || label->inherits("harrowby::ElidedLabel"))
+            continue;
+        const QRect needed = label->fontMetrics().boundingRect(
+            QRect(0, 0, label->width(), 1000), label->wordWrap() ? int(Qt::TextWordWrap) : 0, label->text());
+        QVERIFY2(needed.width() <= label->width(), qPrintable(label->text()));
+        QVERIFY2(needed.height() <= label->height() + 2, qPrintable(label->text()));
+    }
+    for (const TabStrip *strip : {window.controls.TabStrip1, window.controls.TabStrip2}) {
+        QFont bold = strip->font();
+        bold.setBold(true); // as the selected tab shows it
+        for (int tab = 0; tab < strip->count(); ++tab)
+            QVERIFY(strip->tabRect(tab).width() - kGap >= QFontMetrics(bold).horizontalAdvance(strip->tabText(tab)));
+    }
+    for (const RowList *list : {window.controls.LV, window.controls.LV2, window.controls.LV3}) {
+        if (!list->isVisible())
+            continue;
+        QVERIFY(list->header()->length() <= list->viewport()->width());
+        for (int column = 0; column < list->rows().columnCount(); ++column)
+            QVERIFY(list->columnWidth(column) >= list->header()->fontMetrics().horizontalAdvance(
+                                                     list->rows().headerData(column, Qt::Horizontal).toString()));
+    }
+}
+
+void LookTest::namesEveryControl()
+{
+    SHOW_WINDOW(window);
+    for (QWidget *widget : window.findChildren<QWidget *>()) {
+        if (!widget->isVisible() || widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_"_s))
+            continue;
+        if (isControl(*widget) || (widget->focusPolicy() & Qt::TabFocus))
+            QVERIFY2(!nameOf(widget).isEmpty(), qPrintable(widget->objectName()));
+    }
+}
+
+void LookTest::reachesEveryControlByTab()
+{
+    SHOW_WINDOW(window);
+    window.activateWindow();
+    window.controls.TabStrip1->setFocus();
+    QTRY_VERIFY(window.controls.TabStrip1->hasFocus());
+    std::set<QWidget *> reached;
+    while (reached.insert(window.focusWidget()).second)
+        QVERIFY(focusNextUncovered(window, true));
+    for (QWidget *widget : window.findChildren<QWidget *>()) {
+        if (!widget->isVisible() || !widget->isEnabled() || !isControl(*widget) || widget->objectName().isEmpty() ||
+            isCovered(*widget, window) || widget->objectName().startsWith(u"qt_"_s))
+            continue;
+        QVERIFY2(reached.contains(widget), qPrintable(widget->objectName()));
+    }
+    const size_t count = reached.size();
+    reached.clear();
+    while (reached.insert(window.focusWidget()).second)
+        QVERIFY(focusNextUncovered(window, false));
+    QCOMPARE(reached.size(), count);
+}
+
+void LookTest::contrasts_data()
+{
+    QTest::addColumn<QPalette>("palette");
+    QPalette tinted = lightPalette();
+    tinted.setColor(QPalette::Window, QColor(214, 208, 200));
+    tinted.setColor(QPalette::WindowText, QColor(70, 70, 70));
+    QPalette black = darkPalette();
+    black.setColor(QPalette::Window, Qt::black);
+    black.setColor(QPalette::Base, Qt::black);
+    QTest::newRow("light") << lightPalette();
+    QTest::newRow("tinted") << tinted;
+    QTest::newRow("dark") << darkPalette();
+    QTest::newRow("black") << black;
+}
+
+void LookTest::contrasts()
+{
+    QFETCH(QPalette, palette);
+    const Colours c = Colours::from(palette);
+    for (const QColor &ground : {c.background, c.card, c.tile, c.field}) {
+        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
+        QVERIFY(contrastRatio(c.muted, ground) >= 4.5);
+        QVERIFY(contrastRatio(c.link, ground) >= 4.5);
+    }
+    for (const QColor &ground : {c.card, c.tile, c.selection}) {
+        QVERIFY(contrastRatio(c.price, ground) >= 7.0);
+        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
+    }
+    QVERIFY(contrastRatio(c.accentText, c.background) >= 4.5);
+    for (const QColor &ground : {c.accent, c.accentHover, c.accentPressed})
+        QVERIFY(contrastRatio(c.onAccent, ground) >= 4.5);
+    QVERIFY(contrastRatio(c.onDanger, c.danger) >= 4.5);
+    QVERIFY(contrastRatio(c.onLevel, c.level) >= 4.5);
+    QVERIFY(contrastRatio(c.onLowLevel, c.lowLevel) >= 4.5);
+    QVERIFY(contrastRatio(c.enoughRow, c.field) >= 4.5);
+    if (c.dark)
+        QVERIFY(contrastRatio(c.lowRow, c.field) >= 4.5);
+    QVERIFY(contrastRatio(c.fieldBorder, c.card) >= 3.0);
+    QVERIFY(contrastRatio(c.accent, c.card) >= 3.0);
+}
+
+void LookTest::keepsTheFixedColours()
+{
+    const Colours c = Colours::from(lightPalette());
+    QVERIFY(!c.dark);
+    QCOMPARE(c.link, QColor(0, 0, 255));
+    QCOMPARE(c.lowRow, QColor(255, 0, 0));
+    QCOMPARE(c.enoughRow, QColor(0, 0, 0));
+    QCOMPARE(c.lowLevel, QColor(255, 0, 0));
+    QCOMPARE(c.level, QColor(255, 255, 255));
+    QVERIFY(Colours::from(darkPalette()).dark);
+    QCOMPARE(contrastRatio(Qt::black, Qt::white), 21.0);
+    QCOMPARE(contrastRatio(Qt::red, Qt::red), 1.0);
+}
+
+void LookTest::followsThePalette()
+{
+    BusyWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto colourOf = [](const QLabel *label) { return label->palette().color(label->foregroundRole()); };
+    QCOMPARE(colourOf(window.controls.Label6[9]), QColor(0, 0, 255));
+    const QPoint corner(2, window.height() - 2);
+    QCOMPARE(window.grab().toImage().pixelColor(corner), Colours::current().background);
+    QApplication::setPalette(darkPalette());
+    QCoreApplication::processEvents();
+    QVERIFY(Colours::current().dark);
+    QCOMPARE(colourOf(window.controls.Label6[9]), Colours::current().link);
+    QCOMPARE(window.grab().toImage().pixelColor(corner), Colours::current().background);
+}
+
+void LookTest::totalIsTheLargestText()
+{
+    BusyWindow window;
+    window.resize(1024, 768);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCoreApplication::processEvents();
+    const auto height = [](const QWidget *widget) { return QFontMetrics(widget->font()).height(); };
+    for (const QWidget *widget : window.findChildren<QWidget *>())
+        if (widget != window.controls.Label5)
+            QVERIFY2(height(widget) < height(window.controls.Label5), qPrintable(widget->objectName()));
+    window.controls.Label5->grab();
+    QCOMPARE(window.controls.Label5->toolTip(), QString()); // a million still fits
+}
+
+void LookTest::purchaseIsTheMostProminentButton()
+{
+    BusyWindow window;
+    window.resize(1024, 768);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QPushButton *purchase = window.controls.Command14;
+    QVERIFY(purchase->height() >= 64);
+    for (const auto *button : window.findChildren<QPushButton *>()) {
+        if (button == purchase || !button->isVisible())
+            continue;
+        QVERIFY2(button->width() * button->height() < purchase->width() * purchase->height(),
+                 qPrintable(button->objectName()));
+    }
+    QCOMPARE(window.controls.Command14->grab().toImage().pixelColor(30, 10), Colours::current().accent);
+}
+
+void LookTest::cardsAreLarge()
+{
+    BusyWindow window;
+    window.resize(1024, 768);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    for (const QuickSaleButton *card : window.controls.Command1) {
+        QVERIFY(card->width() >= 190);
+        QVERIFY(card->height() >= 130);
+    }
+}
+
+void LookTest::loginIsCentredAndBlocksNothing()
+{
+    BusyWindow window;
+    window.show();
+    window.showWorkArea(8);
+    for (const QSize size : {QSize(1024, 768), QSize(1600, 900)}) {
+        window.resize(size);
+        QCoreApplication::processEvents();
+        const QPoint off = window.controls.Frame12->geometry().center() - window.rect().center();
+        QVERIFY(off.manhattanLength() <= 2);
+    }
+    QVERIFY(!window.controls.Frame12->isModal());
+    QVERIFY(!window.controls.Frame12->isWindow());
+    QVERIFY(window.controls.Command14->isEnabled());
+    QVERIFY(window.controls.TabStrip1->isEnabled());
+    QCOMPARE(window.controls.Text4->echoMode(), QLineEdit::Password);
+}
+
+void LookTest::boxesAreLargeEnoughToTouch()
+{
+    BusyWindow window;
+    window.show();
+    QMessageBox question(QMessageBox::Question, {}, u"Clear Cart?"_s, QMessageBox::Yes | QMessageBox::No, &window);
+    question.show();
+    QInputDialog input(&window);
+    input.show();
+    for (const QDialog *box : std::initializer_list<QDialog *>{&question, &input}) {
+        const auto buttons = box->findChildren<QPushButton *>();
+        QCOMPARE(buttons.size(), 2);
+        for (const QPushButton *button : buttons)
+            QVERIFY(button->height() >= kTouch);
+    }
+}
+
+void LookTest::acceleratorsAreUnique()
+{
+    BusyWindow window;
+    std::set<QString> keys;
+    for (const auto *button : window.findChildren<QAbstractButton *>()) {
+        const QString key = button->shortcut().toString();
+        QVERIFY2(key.isEmpty() || keys.insert(key).second, qPrintable(button->objectName()));
+    }
+    const std::set<QString> expected{u"Alt+C"_s, u"Alt+L"_s, u"Alt+P"_s, u"Alt+R"_s, u"Alt+S"_s};
+    QVERIFY(keys == expected);
+}
+
+void LookTest::unbuiltControlsAreDisabled()
+{
+    BusyWindow window;
+    disableUnbuilt(window.controls);
+    const Controls &c = window.controls;
+    for (const QWidget *widget :
+         std::initializer_list<QWidget *>{c.Combo3, c.Command15, c.Command30[11], c.Combo5, c.Command7, c.Combo11,
+                                          c.Command24, c.List2, c.Command4, c.Command25, c.Command19})
+        QVERIFY2(!widget->isEnabled(), qPrintable(widget->objectName()));
+    for (const QWidget *widget :
+         std::initializer_list<QWidget *>{c.TabStrip1, c.TabStrip2, c.Command14, c.Combo1, c.Combo9, c.Command18, c.LV,
+                                          c.LV2, c.LV3, c.Check5, c.Command10, c.Command20, c.Command27, c.Command28})
+        QVERIFY2(widget->isEnabled(), qPrintable(widget->objectName()));
+    for (int tab = 0; tab < c.TabStrip1->count(); ++tab)
+        QVERIFY(c.TabStrip1->isTabEnabled(tab));
+}
+
+void LookTest::coveredControlsAreSkipped()
+{
+    BusyWindow window;
+    window.resize(1024, 768);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.showWorkArea(3);
+    QVERIFY(window.controls.Command14->isVisible());
+    QVERIFY(isCovered(*window.controls.Command14, window));
+    QVERIFY(!isCovered(*window.controls.Command5, window));
+    window.activateWindow();
+    window.controls.TabStrip1->setFocus();
+    std::set<QWidget *> reached;
+    while (reached.insert(window.focusWidget()).second)
+        QVERIFY(focusNextUncovered(window, true));
+    QVERIFY(!reached.contains(window.controls.Command14));
+    QVERIFY(reached.contains(window.controls.Combo5));
+    QVERIFY(reached.contains(window.controls.LV));
+}
+
+void LookTest::startsWithItsFirstPanels()
+{
+    QMainWindow window;
+    const Controls c(window);
+    QCOMPARE(window.windowTitle(), u"Sales Inventory"_s);
+    for (const QFrame *frame : {c.Frame1, c.Frame2, c.Frame4})
+        QVERIFY2(!frame->isHidden(), qPrintable(frame->objectName()));
+    for (const QFrame *frame :
+         {c.Frame3, c.Frame5, c.Frame7, c.Frame8, c.Frame9, c.Frame10, c.Frame11, c.Frame12, c.Frame13})
+        QVERIFY2(frame->isHidden(), qPrintable(frame->objectName()));
+    QStringList tabs;
+    for (int tab = 0; tab < c.TabStrip1->count(); ++tab)
+        tabs += c.TabStrip1->tabText(tab);
+    QCOMPARE(tabs, QStringList(
+                       {u"Quick Sales"_s, u"Custom Sales"_s, u"Add/Edit Stock"_s, u"Reorder Stock"_s, u"Settings"_s}));
+    QCOMPARE(c.TabStrip2->tabText(0), u"Cart"_s);
+    QCOMPARE(c.TabStrip2->tabText(1), u"Sales Activity"_s);
+    QCOMPARE(c.Combo4->entryText(), u"0"_s);
+    QCOMPARE(c.Label15->text(), u"Nil"_s);
+    QCOMPARE(c.StatusBar1_2->text(), QString());
+    QCOMPARE(c.Label6[7]->text(), u"Click to See Reorder List"_s);
+    QCOMPARE(c.Command1[8]->objectName(), u"Command1_8"_s);
+}
+
+QTEST_MAIN(LookTest)
+#include "look_test.moc"
