@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+#include <chrono>
+#include <functional>
+
+struct sqlite3;
+
+namespace harrowby::app {
+
+/// How long the till waits for a store file that another program keeps locked: a budget for each action of the
+/// user, however many statements the action runs. Once it is used up, further statements fail at once; it is
+/// filled up again when the event loop has nothing left to do and waits for the next action.
+class BusyWait final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Sleeper = std::function<void(std::chrono::milliseconds)>;
+
+    /// `sleeper` stands in for a real sleep.
+    explicit BusyWait(std::chrono::milliseconds budget = std::chrono::seconds(10), Sleeper sleeper = {});
+
+    /// Becomes the database's busy handler. It must outlive the database's last statement.
+    void attach(sqlite3 *database);
+    /// Fills up whenever this thread's event loop is about to wait.
+    void followEventLoop();
+    void refill();
+    [[nodiscard]] std::chrono::milliseconds remaining() const { return m_remaining; }
+
+private:
+    static int onBusy(void *self, int attempt) noexcept;
+    bool waitStep(int attempt);
+
+    std::chrono::milliseconds m_budget;
+    std::chrono::milliseconds m_remaining;
+    Sleeper m_sleeper;
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace harrowby::app {
+
+struct CommandLine
+{
+    bool help = false;
+    bool version = false;
+    bool demo = false;
+    bool verbose = false;
+    QString database; ///< absolute path; empty when the option was not given
+    QString platform; ///< what Qt's own option -platform names; empty when it was not given
+    QString display;  ///< what Qt's own option -display names
+    QString error;    ///< why the command line is refused; empty when it is good
+};
+
+/// Reads the arguments (without the program's name). Needs no application object, so that --help works without a
+/// display. Qt's own options are let through.
+[[nodiscard]] CommandLine readCommandLine(const QStringList &arguments);
+
+[[nodiscard]] QString helpText();
+[[nodiscard]] QString versionText();
+
+} // namespace harrowby::app

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "store_program.h"
+
+int main(int argc, char **argv)
+{
+    return harrowby::app::runStoreProgram(argc, argv);
+}

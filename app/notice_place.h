@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+class QWidget;
+
+namespace harrowby::app {
+
+/// Where a notice stands so that it covers nothing that must be seen: beside the window when the screen has room,
+/// else inside, as near to the lower left corner as `keepFree` allows. All in screen coordinates.
+[[nodiscard]] QPoint noticePlace(const QSize &notice, const QRect &window, const QRect &screen,
+                                 const QList<QRect> &keepFree);
+
+/// The component's window; null while there is none.
+[[nodiscard]] QWidget *salesWindow();
+
+/// The visible totals of the window, the button that takes the money, and the status bar, in screen coordinates.
+[[nodiscard]] QList<QRect> visibleTotals(const QWidget &window);
+
+} // namespace harrowby::app

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "store_create.h"
+
+#include "file_facts.h"
+#include "password_rules.h"
+#include "schema.h"
+#include "store_judge.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Error = std::optional<SqlError>;
+using Problem = std::optional<StoreProblem>;
+
+Error fillInOneGo(sqlite3 *database, const StoreFiller &fill)
+{
+    if (auto error = runSql(database, u"BEGIN"_s))
+        return error;
+    if (auto error = createTables(database))
+        return error;
+    if (auto error = fill(database))
+        return error;
+    return runSql(database, u"COMMIT"_s);
+}
+
+Error build(sqlite3 *database, const StoreFiller &fill)
+{
+    if (auto error = runSql(database, u"PRAGMA application_id = %1"_s.arg(storeApplicationId)))
+        return error;
+    if (auto error = runSql(database, u"PRAGMA user_version = %1"_s.arg(storeSchemaVersion)))
+        return error;
+    if (auto error = fillInOneGo(database, fill))
+        return error;
+    if (auto error = createMissingIndexes(database))
+        return error;
+    return runSql(database, u"PRAGMA journal_mode = WAL"_s);
+}
+
+Problem buildFile(const QString &file, const QString &path, const StoreFiller &fill)
+{
+    Database database;
+    auto error = openDatabase(file, OpenMode::Create, database);
+    if (!error)
+        error = build(database.get(), fill);
+    return error ? std::optional(engineProblem(*error, path)) : std::nullopt;
+}
+
+/// Makes the new name outlast a power cut.
+void syncFolder(const QString &folder)
+{
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+/// Gives the file its name without ever replacing another one. 0, or the system's error.
+int nameFile(const QByteArray &file, const QByteArray &path)
+{
+    if (::renameat2(AT_FDCWD, file.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // The file system cannot promise it; a second name for the same file can.
+    return ::link(file.constData(), path.constData()) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, const StoreFiller &fill)
+{
+    if (auto problem = judgeNewStore(path, makeFolder))
+        return problem;
+    const QString folder = QFileInfo(path).absolutePath();
+    if (makeFolder && !QDir().mkpath(folder))
+        return storeProblem(ProblemKind::FolderLocked, path);
+    const QTemporaryDir workshop(folder + u"/.harrowby-new-XXXXXX"_s);
+    if (!workshop.isValid())
+        return storeProblem(ProblemKind::Other, path, workshop.errorString());
+
+    const QString file = workshop.filePath(u"store.sqlite"_s);
+    if (auto problem = buildFile(file, path, fill))
+        return problem;
+    const int error = nameFile(QFile::encodeName(file), QFile::encodeName(path));
+    if (error != 0 && error != EEXIST)
+        return storeProblem(ProblemKind::Other, path, QString::fromLocal8Bit(std::strerror(error)));
+    syncFolder(folder);
+    return {};
+}
+
+std::optional<SqlError> addAdministrator(sqlite3 *database, const QString &password)
+{
+    return runSql(database,
+                  u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales, InventoryReport, "
+                  "InventoryUndo, InventoryDelete, InventorySettings, InventoryReorder) "
+                  "VALUES ('ADMINISTRATOR', ?1, 'ADMINISTRATOR', -1, -1, -1, -1, -1, -1, -1)"_s,
+                  {storedPassword(password)});
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "store_program.h"
+
+#include "busy_wait.h"
+#include "command_line.h"
+#include "demo_shop.h"
+#include "display.h"
+#include "failure_notice.h"
+#include "file_facts.h"
+#include "first_user_dialog.h"
+#include "log_file.h"
+#include "notice_place.h"
+#include "start_message.h"
+#include "store_create.h"
+#include "store_judge.h"
+#include "store_open.h"
+#include "store_paths.h"
+
+#include <harrowby/init.h>
+#include <harrowby/sqlite_connection.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QIcon>
+
+#include <exception>
+#include <memory>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// Ends the start with a code; what has to be said has been said.
+struct StartEnds
+{
+    ExitCode code;
+};
+
+[[noreturn]] void refuse(const StoreProblem &problem)
+{
+    tellProblem(problem.text);
+    throw StartEnds{ExitCode::StoreRefused};
+}
+
+CommandLine readArguments(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QFile::decodeName(argv[i]);
+    return readCommandLine(arguments);
+}
+
+/// What can be answered without a window.
+void answerCommandLine(const CommandLine &line)
+{
+    if (!line.error.isEmpty()) {
+        printError(u"harrowby: %1\nTry \"harrowby --help\".\n"_s.arg(line.error));
+        throw StartEnds{ExitCode::WrongUsage};
+    }
+    if (line.help || line.version) {
+        printOut(line.help ? helpText() : versionText());
+        throw StartEnds{ExitCode::Done};
+    }
+}
+
+DisplayProbe findDisplay(const CommandLine &line)
+{
+    DisplayProbe probe(line.platform, line.display);
+    if (probe.problem().isEmpty())
+        return probe;
+    printError(u"harrowby: %1\n"_s.arg(probe.problem()));
+    throw StartEnds{ExitCode::NoDisplay};
+}
+
+void createNewStore(const QString &path, bool makeFolder)
+{
+    if (auto problem = judgeNewStore(path, makeFolder))
+        refuse(*problem);
+    if (!canShowBoxes()) {
+        tellProblem(u"The new store \"%1\" needs a password, and there is no screen to ask for it.\n"
+                    "Start the program once on a screen."_s.arg(path));
+        throw StartEnds{ExitCode::StoreRefused};
+    }
+    FirstUserDialog dialog(path);
+    if (dialog.exec() != QDialog::Accepted)
+        throw StartEnds{ExitCode::StoreDeclined};
+    const auto fill = [&](sqlite3 *database) { return addAdministrator(database, dialog.password()); };
+    if (auto problem = createStore(path, makeFolder, fill))
+        refuse(*problem);
+}
+
+QString prepareStore(const QString &given)
+{
+    const QString path = given.isEmpty() ? defaultStorePath() : given;
+    if (!nameIsTaken(path))
+        createNewStore(path, given.isEmpty());
+    return path;
+}
+
+QString prepareDemo()
+{
+    const QString path = demoStorePath();
+    printOut(demoLoginText());
+    if (nameIsTaken(path))
+        return path;
+    const auto fill = [](sqlite3 *database) { return fillDemoShop(database, QDateTime::currentDateTime()); };
+    if (auto problem = createStore(path, true, fill))
+        refuse(*problem);
+    showMessage(demoLoginText());
+    return path;
+}
+
+Database openOrRefuse(const QString &path, BusyWait &wait)
+{
+    Database database;
+    if (auto problem = openStore(path, wait, database))
+        refuse(*problem);
+    return database;
+}
+
+void setUpApplication()
+{
+    QApplication::setApplicationName(u"Harrowby"_s);
+    QApplication::setApplicationVersion(QLatin1StringView(HARROWBY_VERSION));
+    QApplication::setDesktopFileName(u"harrowby"_s);
+    QApplication::setWindowIcon(QIcon(u":/harrowby/harrowby.svg"_s));
+    // The boxes before the window are windows too, and closing one must not end the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+int sell(sqlite3 *database, BusyWait &wait)
+{
+    FailureNotice notice;
+    const auto connection = std::make_shared<SqliteConnection>(database, QApplication::applicationDirPath());
+    connection->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
+    wait.followEventLoop();
+    Init().LoadInventory(connection, {});
+    int code = static_cast<int>(ExitCode::Failed);
+    if (salesWindow() != nullptr) {
+        QApplication::setQuitOnLastWindowClosed(true);
+        code = QApplication::exec();
+    } else {
+        tellProblem(u"The window could not be opened. The log file may say why:\n"_s + logPath());
+    }
+    // The component keeps the connection; the notice goes first.
+    connection->setFailureHandler({});
+    return code;
+}
+
+int run(int argc, char **argv)
+{
+    const CommandLine line = readArguments(argc, argv);
+    answerCommandLine(line);
+    std::optional<DisplayProbe> probe(findDisplay(line));
+    const QApplication application(argc, argv);
+    probe.reset();
+    setUpApplication();
+    LogFile log(logPath());
+    const LogRouting routing(log, line.verbose);
+    const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
+    BusyWait wait;
+    const Database database = openOrRefuse(path, wait);
+    return sell(database.get(), wait);
+}
+
+} // namespace
+
+int runStoreProgram(int argc, char **argv) noexcept
+{
+    try {
+        return run(argc, argv);
+    } catch (const StartEnds &end) {
+        return static_cast<int>(end.code);
+    } catch (const std::exception &error) {
+        printError(u"harrowby: %1\n"_s.arg(QString::fromLocal8Bit(error.what())));
+    }
+    return static_cast<int>(ExitCode::Failed);
+}
+
+} // namespace harrowby::app

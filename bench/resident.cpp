@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "bench/resident.h"
+
+#include "bench/paint_watch.h"
+#include "bench/shop_file.h"
+#include "bench/till.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QMainWindow>
+#include <QProcess>
+#include <QTextStream>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::bench {
+
+namespace {
+
+/// 0 when the system does not tell.
+qint64 residentKilobytes()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).simplified().split(' ').constFirst().toLongLong();
+    }
+    return 0;
+}
+
+double megabytesOf(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), arguments);
+    const bool finished = process.waitForFinished(60'000) && process.exitCode() == 0;
+    const double kilobytes = process.readAllStandardOutput().trimmed().toDouble();
+    if (!finished || kilobytes <= 0.0)
+        throw std::runtime_error("A process did not tell its memory: " + process.readAllStandardError().toStdString());
+    return kilobytes / 1024.0;
+}
+
+bool tell()
+{
+    QTextStream(stdout) << residentKilobytes() << Qt::endl;
+    return true;
+}
+
+bool tellOfTill(const QString &shopFile)
+{
+    const ShopFile shop(shopFile);
+    Till till(shop.database(), benchTime());
+    return till.open() && till.logIn() && tell();
+}
+
+bool tellOfEmptyWindow()
+{
+    QMainWindow window;
+    window.resize(1024, 768);
+    PaintWatch watch{&window};
+    window.show();
+    return watch.wait() && tell();
+}
+
+} // namespace
+
+double residentMegabytesOverEmptyWindow(const QString &shopFile)
+{
+    return megabytesOf({u"--resident"_s, u"till"_s, shopFile}) - megabytesOf({u"--resident"_s, u"empty"_s});
+}
+
+int printResident(const QString &window, const QString &shopFile)
+{
+    const bool told = window == "till"_L1 ? tellOfTill(shopFile) : tellOfEmptyWindow();
+    return told ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace harrowby::bench

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/doubles.h"
+#include "ui/inventory.h"
+
+#include <memory>
+
+struct sqlite3;
+
+namespace harrowby::bench {
+
+/// The real window over one database, driven through its controls. Everything but the database is a double.
+class Till
+{
+public:
+    /// Loads nothing yet. The database must outlive the till.
+    Till(sqlite3 *database, const QDateTime &now);
+    ~Till();
+    Till(const Till &) = delete;
+    Till &operator=(const Till &) = delete;
+
+    /// Loads a window and shows it; ends when it is painted.
+    bool open();
+    void close();
+    bool logIn();
+
+    /// Each ends when what changes has been painted; false when that did not happen.
+    bool press(int button);
+    bool nextPage();
+    bool previousPage();
+    bool chooseCategory(const QString &category);
+    /// The dashboard refreshes when its tab is chosen, be it the one that stands in front already.
+    bool refreshDashboard();
+    /// Commits the cart. Returns the time from the Yes to the painted dashboard; below 0 when it failed.
+    double commit();
+
+    /// Puts `lines` different items into the cart, from the first page on; ends on the page of the last one.
+    bool fillCart(int lines);
+    /// The button of the cart's last line, when fillCart() has filled it.
+    [[nodiscard]] int lastButton() const;
+    bool firstPage();
+    void emptyCart();
+    [[nodiscard]] int cartLines() const;
+
+    [[nodiscard]] Inventory &window() const { return *m_window; }
+    [[nodiscard]] QDateTime now() const { return m_clock->now(); }
+    void nextSecond() { m_clock->nextSecond(); }
+
+private:
+    std::shared_ptr<YesBoxes> m_boxes;
+    std::shared_ptr<SteppedClock> m_clock;
+    Platform m_platform;
+    std::unique_ptr<Inventory> m_window;
+};
+
+} // namespace harrowby::bench

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+// Loaded by Qt into the real program (QT_QPA_GENERIC_PLUGINS), this tells a test on the other end of stdin and stdout
+// where things are on the screen and what they say. The program itself knows nothing of it, and the test presses and
+// types through the X server.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QGenericPlugin>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSocketNotifier>
+#include <QWidget>
+
+#include <unistd.h>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What a caption says without its accelerator.
+QString plain(QString caption)
+{
+    return caption.remove(u'&');
+}
+
+bool answersTo(const QWidget &widget, const QString &name)
+{
+    const auto *button = qobject_cast<const QAbstractButton *>(&widget);
+    return widget.objectName() == name || (button != nullptr && plain(button->text()) == name);
+}
+
+/// The widget of that name or caption that can be seen and pressed; a box in front hides all others.
+QWidget *find(const QString &name)
+{
+    QWidget *front = QApplication::activeModalWidget();
+    for (QWidget *widget : QApplication::allWidgets()) {
+        const bool reachable = front == nullptr || widget->window() == front;
+        if (reachable && widget->isVisible() && answersTo(*widget, name))
+            return widget;
+    }
+    return nullptr;
+}
+
+QString where(const QString &name)
+{
+    const QWidget *widget = find(name);
+    if (widget == nullptr || !widget->isEnabled())
+        return u"-"_s;
+    const QPoint middle = widget->mapToGlobal(widget->rect().center());
+    return u"%1 %2"_s.arg(middle.x()).arg(middle.y());
+}
+
+QString textOf(const QString &name)
+{
+    const QWidget *widget = find(name);
+    const QVariant text = widget != nullptr ? widget->property("text") : QVariant();
+    return text.isValid() ? text.toString() : u"-"_s;
+}
+
+QString boxText()
+{
+    const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    return box != nullptr ? box->text() : u"-"_s;
+}
+
+QString focused()
+{
+    const QWidget *widget = QApplication::focusWidget();
+    return widget != nullptr ? widget->objectName() : u"-"_s;
+}
+
+QString answer(const QString &line)
+{
+    const QString verb = line.section(u' ', 0, 0);
+    const QString name = line.section(u' ', 1);
+    if (verb == u"where"_s)
+        return where(name);
+    if (verb == u"text"_s)
+        return textOf(name);
+    if (verb == u"box"_s)
+        return boxText();
+    return verb == u"focus"_s ? focused() : u"?"_s;
+}
+
+class Driver : public QObject
+{
+    Q_OBJECT
+
+public:
+    Driver() : m_input(STDIN_FILENO, QSocketNotifier::Read)
+    {
+        connect(&m_input, &QSocketNotifier::activated, this, &Driver::readLines);
+    }
+
+private:
+    void readLines()
+    {
+        char bytes[4096];
+        const ssize_t count = ::read(STDIN_FILENO, bytes, sizeof(bytes));
+        if (count <= 0)
+            return m_input.setEnabled(false);
+        m_pending.append(bytes, count);
+        for (qsizetype end = m_pending.indexOf('\n'); end >= 0; end = m_pending.indexOf('\n')) {
+            reply(answer(QString::fromUtf8(m_pending.left(end))));
+            m_pending.remove(0, end + 1);
+        }
+    }
+
+    static void reply(QString text)
+    {
+        const QByteArray line = text.replace(u"\r\n"_s, u"\n"_s).replace(u'\n', u'\t').toUtf8();
+        std::printf("> %s\n", line.constData());
+        std::fflush(stdout);
+    }
+
+    QSocketNotifier m_input;
+    QByteArray m_pending;
+};
+
+} // namespace
+
+class DriverPlugin : public QGenericPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "driver_plugin.json")
+
+public:
+    QObject *create(const QString &, const QString &) override { return new Driver; }
+};
+
+#include "driver_plugin.moc"

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "screen.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcessEnvironment>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app::test {
+
+namespace {
+
+constexpr int patience = 30000; // milliseconds; a loaded machine under the sanitizers is slow
+
+void end(QProcess &process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(5000))
+        process.kill();
+    process.waitForFinished();
+}
+
+} // namespace
+
+Screen::~Screen()
+{
+    end(m_manager);
+    end(m_server);
+}
+
+bool Screen::start(const QString &size)
+{
+    m_server.start(u"Xvfb"_s,
+                   {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, size + u"x24"_s, u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
+    QByteArray number;
+    while (!number.contains('\n')) {
+        if (!m_server.waitForReadyRead(patience))
+            return false;
+        number += m_server.readAllStandardOutput();
+    }
+    m_display = u':' + QString::fromLatin1(number.trimmed());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"DISPLAY"_s, m_display);
+    m_manager.setProcessEnvironment(environment);
+    m_manager.start(u"openbox"_s, {});
+    return m_manager.waitForStarted(patience);
+}
+
+void Screen::input(const QStringList &arguments) const
+{
+    QProcess tool;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"DISPLAY"_s, m_display);
+    tool.setProcessEnvironment(environment);
+    tool.start(u"xdotool"_s, arguments);
+    QVERIFY2(tool.waitForFinished(patience), qPrintable(arguments.join(u' ')));
+    QCOMPARE(tool.exitCode(), 0);
+}
+
+void Screen::press(const QPoint &place) const
+{
+    input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y()), u"click"_s, u"1"_s});
+}
+
+void Screen::type(const QString &text) const
+{
+    input({u"type"_s, u"--delay"_s, u"20"_s, text});
+}
+
+void Screen::key(const QString &name) const
+{
+    input({u"key"_s, name});
+}
+
+RunningProgram::RunningProgram(const Screen &screen, const QString &home) : m_screen(screen)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"DISPLAY"_s, screen.display());
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+    environment.insert(u"QT_PLUGIN_PATH"_s, QStringLiteral(HARROWBY_DRIVER_FOLDER));
+    environment.insert(u"QT_QPA_GENERIC_PLUGINS"_s, u"harrowbydriver"_s);
+    environment.insert(u"HOME"_s, home);
+    environment.insert(u"XDG_DATA_HOME"_s, home + u"/data"_s);
+    environment.insert(u"XDG_CONFIG_HOME"_s, home + u"/config"_s);
+    environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:1"_s); // nobody prints there
+    environment.insert(u"XDG_SESSION_TYPE"_s, u"x11"_s);
+    environment.remove(u"WAYLAND_DISPLAY"_s);
+    m_process.setProcessEnvironment(environment);
+}
+
+RunningProgram::~RunningProgram()
+{
+    end(m_process);
+}
+
+bool RunningProgram::start(const QStringList &arguments)
+{
+    m_process.start(QStringLiteral(HARROWBY_PROGRAM), arguments);
+    return m_process.waitForStarted(patience);
+}
+
+int RunningProgram::waitForEnd()
+{
+    m_process.closeWriteChannel();
+    if (!m_process.waitForFinished(patience) || m_process.exitStatus() != QProcess::NormalExit)
+        return -1;
+    return m_process.exitCode();
+}
+
+QString RunningProgram::ask(const QString &question)
+{
+    m_process.write(question.toUtf8() + '\n');
+    QElapsedTimer time;
+    time.start();
+    while (time.elapsed() < patience) {
+        while (m_process.canReadLine()) {
+            const QString line = QString::fromUtf8(m_process.readLine()).chopped(1);
+            if (line.startsWith(u"> "_s))
+                return line.mid(2);
+        }
+        if (!m_process.waitForReadyRead(patience))
+            break;
+    }
+    return u"?"_s;
+}
+
+bool RunningProgram::press(const QString &name)
+{
+    QElapsedTimer time;
+    time.start();
+    QString before;
+    while (time.elapsed() < patience && m_process.state() == QProcess::Running) {
+        // Twice at the same place: a window that has just come may still be moved by the window manager.
+        const QString place = ask(u"where "_s + name);
+        if (place.contains(u' ') && place == before) {
+            m_screen.press({place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt()});
+            return true;
+        }
+        before = place;
+        QTest::qWait(100);
+    }
+    return false;
+}
+
+} // namespace harrowby::app::test

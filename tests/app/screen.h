@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace harrowby::app::test {
+
+/// A screen of the test's own, with a small window manager. Ends with the object.
+class Screen
+{
+public:
+    Screen() = default;
+    ~Screen();
+    Screen(const Screen &) = delete;
+    Screen &operator=(const Screen &) = delete;
+
+    /// False when it cannot be had.
+    [[nodiscard]] bool start(const QString &size);
+    [[nodiscard]] const QString &display() const { return m_display; }
+
+    /// Real input, through the X server.
+    void press(const QPoint &place) const;
+    void type(const QString &text) const;
+    void key(const QString &name) const;
+
+private:
+    void input(const QStringList &arguments) const;
+
+    QProcess m_server;
+    QProcess m_manager;
+    QString m_display;
+};
+
+/// The real program, running on a screen, with a home of its own.
+class RunningProgram
+{
+public:
+    RunningProgram(const Screen &screen, const QString &home);
+    ~RunningProgram();
+
+    [[nodiscard]] bool start(const QStringList &arguments);
+    /// Waits for the end and gives the exit code; -1 when there is none.
+    [[nodiscard]] int waitForEnd();
+    [[nodiscard]] QString errors() { return QString::fromUtf8(m_process.readAllStandardError()); }
+
+    /// Presses the control (object name or caption) as soon as it is there. False when it does not come.
+    [[nodiscard]] bool press(const QString &name);
+    /// True when the control is there now.
+    [[nodiscard]] bool has(const QString &name) { return ask(QStringLiteral("where ") + name) != QLatin1String("-"); }
+    [[nodiscard]] QString text(const QString &name) { return ask(QStringLiteral("text ") + name); }
+    /// Text of the message box in front, its line breaks as tabs; "-" when there is none.
+    [[nodiscard]] QString box() { return ask(QStringLiteral("box ")); }
+    [[nodiscard]] QString focus() { return ask(QStringLiteral("focus ")); }
+
+private:
+    [[nodiscard]] QString ask(const QString &question);
+
+    const Screen &m_screen;
+    QProcess m_process;
+};
+
+} // namespace harrowby::app::test

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "store_files.h"
+
+#include "file_facts.h"
+#include "store_create.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app::test {
+
+namespace {
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+std::optional<SqlError> fillStore(sqlite3 *database)
+{
+    if (auto error = addAdministrator(database, u"secret"_s))
+        return error;
+    return runSql(database,
+                  u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
+                  "StockAvailable, StockUse) VALUES ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s);
+}
+
+void copyIfThere(const QString &from, const QString &to)
+{
+    QFile::remove(to);
+    if (QFile::exists(from))
+        QVERIFY2(QFile::copy(from, to), qPrintable(to));
+}
+
+} // namespace
+
+void makeStore(const QString &path)
+{
+    const auto problem = createStore(path, false, fillStore);
+    QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
+}
+
+void runAll(const QString &path, const QStringList &statements)
+{
+    Database database;
+    QVERIFY(!openDatabase(path, OpenMode::Create, database));
+    for (const QString &statement : statements) {
+        const auto error = runSql(database.get(), statement);
+        QVERIFY2(!error, qPrintable(statement + u": "_s + (error ? error->reason : QString())));
+    }
+}
+
+QStringList column(const QString &path, const QString &select)
+{
+    Database database;
+    if (openDatabase(path, OpenMode::Write, database))
+        return {u"cannot be opened"_s};
+    QStringList values;
+    SqlQuery query(database.get(), select);
+    while (query.next())
+        values << query.text(0);
+    return query.error() ? QStringList{query.error()->reason} : values;
+}
+
+Bytes bytesOf(const QString &path)
+{
+    return {contentOf(path), contentOf(logFileOf(path)), contentOf(journalOf(path))};
+}
+
+void copyAsAfterCrash(const QString &from, const QString &to)
+{
+    copyIfThere(from, to);
+    copyIfThere(logFileOf(from), to + u"-wal"_s);
+    copyIfThere(journalOf(from), to + u"-journal"_s);
+}
+
+void spoil(const QString &path, qint64 offset, qsizetype length)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.size() >= offset + length);
+    QVERIFY(file.seek(offset));
+    QCOMPARE(file.write(QByteArray(length, '\x5a')), length);
+}
+
+DropRights::DropRights() : m_user(::geteuid())
+{
+    constexpr uid_t nobody = 65534;
+    if (m_user == 0 && ::seteuid(nobody) != 0)
+        QFAIL("The test cannot drop its rights");
+}
+
+DropRights::~DropRights()
+{
+    if (::geteuid() != m_user && ::seteuid(m_user) != 0)
+        qFatal("The test cannot have its rights back");
+}
+
+} // namespace harrowby::app::test

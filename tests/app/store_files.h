@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "sql.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <sys/types.h>
+
+/// Store files for tests: made, spoilt, copied as after a crash, and compared byte for byte.
+namespace harrowby::app::test {
+
+/// A new store in the usual way, with one item of stock. Fails the test when it cannot be made.
+void makeStore(const QString &path);
+
+/// Opens the file, runs the statements and closes it. Fails the test when one fails.
+void runAll(const QString &path, const QStringList &statements);
+
+/// First column of every row.
+[[nodiscard]] QStringList column(const QString &path, const QString &select);
+
+/// What lies there now: the bytes of the file, its log and its journal.
+struct Bytes
+{
+    QByteArray file, log, journal;
+    bool operator==(const Bytes &) const = default;
+};
+[[nodiscard]] Bytes bytesOf(const QString &path);
+
+/// Copies a file with its log or journal, while it is open: what a crash would leave.
+void copyAsAfterCrash(const QString &from, const QString &to);
+
+/// Overwrites bytes in the middle of a file.
+void spoil(const QString &path, qint64 offset, qsizetype length);
+
+/// Runs as nobody as long as it lives, so that missing rights hold for root too.
+class DropRights
+{
+public:
+    DropRights();
+    ~DropRights();
+    DropRights(const DropRights &) = delete;
+    DropRights &operator=(const DropRights &) = delete;
+
+private:
+    uid_t m_user;
+};
+
+} // namespace harrowby::app::test

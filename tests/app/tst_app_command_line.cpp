@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "command_line.h"
+
+#include <QDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nothingGiven();
+    void switches();
+    void databaseBecomesAbsolute_data();
+    void databaseBecomesAbsolute();
+    void refused_data();
+    void refused();
+    void optionsOfQtPass();
+    void helpNamesEveryOption();
+};
+
+void CommandLineTest::nothingGiven()
+{
+    const CommandLine line = readCommandLine({});
+    QVERIFY(line.error.isEmpty() && line.database.isEmpty() && line.platform.isEmpty());
+    QVERIFY(!line.demo && !line.help && !line.version && !line.verbose);
+}
+
+void CommandLineTest::switches()
+{
+    QVERIFY(readCommandLine({u"--demo"_s}).demo);
+    QVERIFY(readCommandLine({u"--verbose"_s}).verbose);
+    QVERIFY(readCommandLine({u"--help"_s}).help);
+    QVERIFY(readCommandLine({u"-h"_s}).help);
+    QVERIFY(readCommandLine({u"--version"_s}).version);
+    QVERIFY(readCommandLine({u"-v"_s}).version);
+}
+
+void CommandLineTest::databaseBecomesAbsolute_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("path");
+    QTest::newRow("two words") << QStringList{u"--database"_s, u"/a/b"_s} << u"/a/b"_s;
+    QTest::newRow("one word") << QStringList{u"--database=/a=b"_s} << u"/a=b"_s;
+    QTest::newRow("relative") << QStringList{u"--database"_s, u"x y"_s} << QDir::current().filePath(u"x y"_s);
+    QTest::newRow("like an option") << QStringList{u"--database"_s, u"--demo"_s}
+                                    << QDir::current().filePath(u"--demo"_s);
+}
+
+void CommandLineTest::databaseBecomesAbsolute()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, path);
+    const CommandLine line = readCommandLine(arguments);
+    QCOMPARE(line.error, QString());
+    QCOMPARE(line.database, path);
+}
+
+void CommandLineTest::refused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("named");
+    QTest::newRow("unknown") << QStringList{u"--demmo"_s} << u"--demmo"_s;
+    QTest::newRow("a bare file") << QStringList{u"shop.sqlite"_s} << u"shop.sqlite"_s;
+    QTest::newRow("a value for a switch") << QStringList{u"--demo=yes"_s} << u"--demo=yes"_s;
+    QTest::newRow("empty") << QStringList{QString()} << u"\"\""_s;
+    QTest::newRow("no file") << QStringList{u"--database"_s} << u"--database"_s;
+    QTest::newRow("empty file") << QStringList{u"--database="_s} << u"--database"_s;
+    QTest::newRow("two files") << QStringList{u"--database=a"_s, u"--database=b"_s} << u"twice"_s;
+    QTest::newRow("demo and file") << QStringList{u"--demo"_s, u"--database"_s, u"a"_s} << u"--demo"_s;
+}
+
+void CommandLineTest::refused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, named);
+    const QString error = readCommandLine(arguments).error;
+    QVERIFY2(error.contains(named), qPrintable(error));
+}
+
+void CommandLineTest::optionsOfQtPass()
+{
+    const CommandLine line = readCommandLine(
+        {u"-platform"_s, u"offscreen"_s, u"--style=fusion"_s, u"-reverse"_s, u"-display"_s, u":7"_s, u"--demo"_s});
+    QCOMPARE(line.error, QString());
+    QCOMPARE(line.platform, u"offscreen"_s);
+    QCOMPARE(line.display, u":7"_s);
+    QVERIFY(line.demo);
+}
+
+void CommandLineTest::helpNamesEveryOption()
+{
+    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+        QVERIFY(helpText().contains(option));
+    QVERIFY(versionText().startsWith(u"harrowby 1."_s));
+}
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "tst_app_command_line.moc"

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "store_create.h"
+#include "store_files.h"
+#include "store_judge.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+class CreateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_path = m_folder->filePath(u"shop.sqlite"_s);
+    }
+
+    void newStoreIsOneFile();
+    void newStoreHasOneUserWhoMayDoEverything();
+    void failureLeavesNothing();
+    void fileThatAppearsMeanwhileIsLeftAlone();
+    void missingFolder();
+    void missingFoldersAreMade();
+    void logWithoutItsFileIsNotTouched_data();
+    void logWithoutItsFileIsNotTouched();
+
+private:
+    [[nodiscard]] QStringList names() const
+    {
+        return QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_path;
+};
+
+namespace {
+
+std::optional<SqlError> addSecret(sqlite3 *database)
+{
+    return addAdministrator(database, u"secret"_s);
+}
+
+} // namespace
+
+void CreateTest::newStoreIsOneFile()
+{
+    QVERIFY(!createStore(m_path, false, addSecret));
+    QCOMPARE(names(), QStringList{u"shop.sqlite"_s});
+    QCOMPARE(column(m_path, u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+}
+
+void CreateTest::newStoreHasOneUserWhoMayDoEverything()
+{
+    QVERIFY(!createStore(m_path, false, addSecret));
+    QCOMPARE(column(m_path, u"SELECT Username || '/' || Password || '/' || Type FROM Users"_s),
+             QStringList{u"ADMINISTRATOR/SECRET/ADMINISTRATOR"_s});
+    QCOMPARE(column(m_path, u"SELECT count(*) FROM Users WHERE InventoryUse = -1 AND InventorySales = -1 AND "
+                            "InventoryReport = -1 AND InventoryUndo = -1 AND InventoryDelete = -1 AND "
+                            "InventorySettings = -1 AND InventoryReorder = -1"_s),
+             QStringList{u"1"_s});
+}
+
+void CreateTest::failureLeavesNothing()
+{
+    const auto fail = [](sqlite3 *database) { return runSql(database, u"INSERT INTO Nowhere VALUES (1)"_s); };
+    const auto problem = createStore(m_path, false, fail);
+    QVERIFY(problem);
+    QVERIFY(problem->text.contains(m_path));
+    QCOMPARE(names(), QStringList());
+}
+
+void CreateTest::fileThatAppearsMeanwhileIsLeftAlone()
+{
+    const auto makeOther = [this](sqlite3 *) -> std::optional<SqlError> {
+        QFile other(m_path);
+        if (!other.open(QIODevice::WriteOnly) || other.write("other") != 5)
+            return SqlError{SQLITE_ERROR, other.errorString()};
+        return {};
+    };
+    QVERIFY(!createStore(m_path, false, makeOther));
+    QCOMPARE(bytesOf(m_path).file, QByteArray("other"));
+    QCOMPARE(names(), QStringList{u"shop.sqlite"_s});
+}
+
+void CreateTest::missingFolder()
+{
+    const QString path = m_folder->filePath(u"missing/shop.sqlite"_s);
+    const auto problem = createStore(path, false, addSecret);
+    QVERIFY(problem);
+    QVERIFY(problem->kind == ProblemKind::NoFolder);
+    QVERIFY(problem->text.contains(path));
+    QCOMPARE(names(), QStringList());
+}
+
+void CreateTest::missingFoldersAreMade()
+{
+    const QString path = m_folder->filePath(u"a/b/shop.sqlite"_s);
+    QVERIFY(!judgeNewStore(path, true));
+    QCOMPARE(names(), QStringList());
+    QVERIFY(!createStore(path, true, addSecret));
+    QVERIFY(QFile::exists(path));
+}
+
+void CreateTest::logWithoutItsFileIsNotTouched_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("log") << u"-wal"_s;
+    QTest::newRow("journal") << u"-journal"_s;
+}
+
+void CreateTest::logWithoutItsFileIsNotTouched()
+{
+    QFETCH(QString, suffix);
+    QFile log(m_path + suffix);
+    QVERIFY(log.open(QIODevice::WriteOnly));
+    log.write("the last sales");
+    log.close();
+    const auto problem = createStore(m_path, false, addSecret);
+    QVERIFY(problem);
+    QVERIFY(problem->kind == ProblemKind::LeftOverLog);
+    QVERIFY2(problem->text.contains(m_path + suffix), qPrintable(problem->text));
+    QCOMPARE(names(), QStringList{u"shop.sqlite"_s + suffix});
+}
+
+QTEST_GUILESS_MAIN(CreateTest)
+#include "tst_app_create.moc"

@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: MIT
+#include "failure_notice.h"
+#include "failure_text.h"
+#include "notice_place.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+#include <QTimer>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::app;
+
+namespace {
+
+DbFailure writeFailure(const QString &statement, int code = SQLITE_FULL, const QString &reason = u"reason"_s)
+{
+    return {DbFailure::Kind::Write, statement, reason, code};
+}
+
+const QString lowerStock = u"Update Stocklist Set StockAvailable = StockAvailable - 1 where StockID = 'A'"_s;
+
+/// The totals of a till in a bare window.
+class BareTill : public QWidget
+{
+public:
+    BareTill() : entry(new QLineEdit(this)), total(new QLabel(u"Total: 5.00"_s, this))
+    {
+        setWindowTitle(u"Sales Inventory"_s);
+        total->setObjectName(u"Label5"_s);
+        setGeometry(0, 0, 800, 600);
+    }
+    QLineEdit *entry;
+    QLabel *total;
+};
+
+QRect onScreen(const QWidget &widget)
+{
+    return {widget.mapToGlobal(QPoint(0, 0)), widget.size()};
+}
+
+} // namespace
+
+class FailureNoticeTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void words_data();
+    void words();
+    void advice_data();
+    void advice();
+    void longReasonIsCutShort();
+    void firstFailureShowsTheWindow();
+    void readsAreNotShown();
+    void failuresAreCounted();
+    void dismissingForgets();
+    void takesNoFocus();
+    void doesNotKeepTheProgramAlive();
+    void textIsPlain();
+    void keepsClearOfTheTotal();
+    void movesAsideWhenATotalComes();
+    void place_data();
+    void place();
+
+private:
+    static QString text(const FailureNotice &notice, const QString &name)
+    {
+        return notice.findChild<QLabel *>(name)->text();
+    }
+};
+
+void FailureNoticeTest::words_data()
+{
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<QString>("work");
+    const auto row = [](const char *name, const QString &statement, const QString &work) {
+        QTest::newRow(name) << statement << work;
+    };
+    row("sale", lowerStock, u"The stock of an item was not changed."_s);
+    row("purchase", u"INSERT PurchaseCart"_s, u"The purchase was not recorded."_s);
+    row("purchase gone", u"Delete from PurchaseCart where PurchaseID = 'A'"_s, u"The purchase was not deleted."_s);
+    row("item", u"INSERT StockList"_s, u"The new stock item was not saved."_s);
+    row("item gone", u"Delete from StockList where Upper(StockID) = 'A'"_s, u"The stock item was not deleted."_s);
+    row("category", u"Insert Into InventoryCategory (CategoryName) Values ('A')"_s, u"The category was not added."_s);
+    row("category name", u"Update InventoryCategory SET CategoryName = 'A'"_s, u"The category was not renamed."_s);
+    row("category gone", u"Delete from InventoryCategory where CategoryName = 'A'"_s,
+        u"The category was not deleted."_s);
+    row("settings", u"Update StoreSettings SET Email = 1"_s, u"The store settings were not saved."_s);
+    row("activity", u"INSERT INTO SysUsage (SystemUsage) Values ('A')"_s, u"The activity was not recorded."_s);
+    row("quoted", u"UPDATE \"StockList\" SET x = 1"_s, u"The stock of an item was not changed."_s);
+    row("another table", u"UPDATE Birds"_s, u"A change was not saved."_s);
+    row("nothing", QString(), u"A change was not saved."_s);
+}
+
+void FailureNoticeTest::words()
+{
+    QFETCH(QString, statement);
+    QTEST(failedWork(writeFailure(statement)), "work");
+}
+
+void FailureNoticeTest::advice_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("word");
+    QTest::newRow("full") << SQLITE_FULL << u"Free some space"_s;
+    QTest::newRow("busy") << SQLITE_BUSY << u"locked"_s;
+    QTest::newRow("extended busy") << SQLITE_BUSY_SNAPSHOT << u"locked"_s;
+    QTest::newRow("read-only") << SQLITE_READONLY_DBMOVED << u"cannot be written"_s;
+    QTest::newRow("damaged") << SQLITE_CORRUPT << u"backup"_s;
+    QTest::newRow("disk") << SQLITE_IOERR_FSYNC << u"Check the disk"_s;
+    QTest::newRow("lost table") << SQLITE_ERROR << u"missing"_s;
+    QTest::newRow("rule") << SQLITE_CONSTRAINT_UNIQUE << u"rule"_s;
+    QTest::newRow("refused before the engine") << 0 << u"single quote"_s;
+}
+
+void FailureNoticeTest::advice()
+{
+    QFETCH(int, code);
+    QFETCH(QString, word);
+    const QString found = failureAdvice(writeFailure(lowerStock, code));
+    QVERIFY2(found.contains(word), qPrintable(found));
+}
+
+void FailureNoticeTest::longReasonIsCutShort()
+{
+    const QString reason = failureReason(writeFailure(lowerStock, SQLITE_ERROR, QString(10000, u'x') + u"\nmore"_s));
+    QVERIFY(reason.size() < 200);
+    QVERIFY(reason.endsWith(u'\u2026'));
+}
+
+void FailureNoticeTest::firstFailureShowsTheWindow()
+{
+    FailureNotice notice;
+    QVERIFY(!notice.isVisible());
+    notice.add(writeFailure(lowerStock, SQLITE_FULL, u"database or disk is full"_s));
+    QVERIFY(notice.isVisible());
+    QVERIFY(text(notice, u"failureHeading"_s).contains(QDateTime::currentDateTime().toString(u"HH:"_s)));
+    QCOMPARE(text(notice, u"failureWork"_s), u"The stock of an item was not changed."_s);
+    QCOMPARE(text(notice, u"failureReason"_s), u"Reason: database or disk is full"_s);
+    QVERIFY(text(notice, u"failureAdvice"_s).contains(u"Free some space"_s));
+    const auto *button = notice.findChild<QPushButton *>(u"failureDismiss"_s);
+    QVERIFY(button->height() >= 44);
+    for (const auto *label : notice.findChildren<QLabel *>())
+        QVERIFY(label->height() >= label->heightForWidth(label->width()));
+}
+
+void FailureNoticeTest::readsAreNotShown()
+{
+    FailureNotice notice;
+    notice.add({DbFailure::Kind::Read, u"Select * from StockList"_s, u"no such table"_s, SQLITE_ERROR});
+    QVERIFY(!notice.isVisible());
+}
+
+void FailureNoticeTest::failuresAreCounted()
+{
+    FailureNotice notice;
+    for (int i = 0; i < 3; ++i)
+        notice.add(writeFailure(lowerStock));
+    notice.add(writeFailure(u"INSERT PurchaseCart"_s));
+    QCOMPARE(text(notice, u"failureWork"_s),
+             u"The stock of an item was not changed. (3 times)\nThe purchase was not recorded."_s);
+}
+
+void FailureNoticeTest::dismissingForgets()
+{
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QTest::mouseClick(notice.findChild<QPushButton *>(u"failureDismiss"_s), Qt::LeftButton);
+    QVERIFY(!notice.isVisible());
+    notice.add(writeFailure(u"INSERT PurchaseCart"_s));
+    QVERIFY(notice.isVisible());
+    QCOMPARE(text(notice, u"failureWork"_s), u"The purchase was not recorded."_s);
+}
+
+void FailureNoticeTest::takesNoFocus()
+{
+    BareTill till;
+    till.show();
+    QApplication::setActiveWindow(&till);
+    till.entry->setFocus();
+    QVERIFY(till.entry->hasFocus());
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(notice.testAttribute(Qt::WA_ShowWithoutActivating));
+    QVERIFY(notice.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+    QTest::mouseClick(&notice, Qt::LeftButton);
+    QVERIFY(till.entry->hasFocus());
+    for (const auto *child : notice.findChildren<QWidget *>())
+        QCOMPARE(child->focusPolicy(), Qt::NoFocus);
+}
+
+void FailureNoticeTest::doesNotKeepTheProgramAlive()
+{
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(!notice.testAttribute(Qt::WA_QuitOnClose));
+    BareTill till;
+    till.show();
+    QTimer::singleShot(0, &till, &QWidget::close);
+    QTimer::singleShot(std::chrono::seconds(20), &till, [] { QApplication::exit(1); });
+    QVERIFY(notice.isVisible());
+    QCOMPARE(QApplication::exec(), 0);
+}
+
+void FailureNoticeTest::textIsPlain()
+{
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock, SQLITE_ERROR, u"<b>M & M</b>"_s));
+    for (const auto *label : notice.findChildren<QLabel *>())
+        QCOMPARE(label->textFormat(), Qt::PlainText);
+}
+
+void FailureNoticeTest::keepsClearOfTheTotal()
+{
+    BareTill till;
+    till.setGeometry(till.screen()->availableGeometry());
+    till.total->setGeometry(0, till.height() - 60, 500, 60); // where the notice would stand otherwise
+    till.show();
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(!onScreen(notice).intersects(onScreen(*till.total)));
+    QVERIFY(onScreen(till).contains(onScreen(notice)));
+}
+
+void FailureNoticeTest::movesAsideWhenATotalComes()
+{
+    BareTill till;
+    till.setGeometry(till.screen()->availableGeometry());
+    till.total->hide();
+    till.total->setGeometry(0, till.height() - 200, 500, 200);
+    till.show();
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(onScreen(notice).intersects(onScreen(*till.total)));
+    till.total->show();
+    QTRY_VERIFY(!onScreen(notice).intersects(onScreen(*till.total)));
+}
+
+void FailureNoticeTest::place_data()
+{
+    QTest::addColumn<QRect>("window");
+    QTest::addColumn<QList<QRect>>("keepFree");
+    QTest::addColumn<QPoint>("expected");
+    const QRect whole(0, 0, 1024, 768);
+    QTest::newRow("below the window") << QRect(0, 0, 1024, 500) << QList<QRect>() << QPoint(0, 507);
+    QTest::newRow("left of the window") << QRect(500, 0, 524, 768) << QList<QRect>() << QPoint(92, 618);
+    QTest::newRow("lower left corner") << whole << QList<QRect>() << QPoint(8, 609);
+    QTest::newRow("above a status bar") << whole << QList<QRect>{{0, 740, 1024, 28}} << QPoint(8, 585);
+    QTest::newRow("beside a total") << whole << QList<QRect>{{0, 700, 100, 68}} << QPoint(104, 609);
+    QTest::newRow("no place at all") << whole << QList<QRect>{whole} << QPoint(8, 609);
+}
+
+void FailureNoticeTest::place()
+{
+    QFETCH(QRect, window);
+    QFETCH(QList<QRect>, keepFree);
+    QTEST(noticePlace(QSize(400, 150), window, QRect(0, 0, 1024, 768), keepFree), "expected");
+}
+
+QTEST_MAIN(FailureNoticeTest)
+#include "tst_app_failure_notice.moc"

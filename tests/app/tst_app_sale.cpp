@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "screen.h"
+#include "store_files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app::test;
+
+/// From a new file to a committed sale: the real program, on a real X server, pressed and typed at.
+class SaleTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cancelledFirstStartLeavesNothing();
+    void newStoreIsCreatedAndClosed();
+    void itemIsSold();
+    void failedWriteIsShownAtOnce();
+    void demoShopTellsHowToLogIn();
+
+private:
+    [[nodiscard]] QString store() const { return m_home.filePath(u"data/Harrowby/store.sqlite"_s); }
+    void logIn(RunningProgram &program, const QString &name, const QString &password);
+    void closeWindow(RunningProgram &program);
+    [[nodiscard]] QString receiptText() const;
+
+    QTemporaryDir m_home;
+    Screen m_screen;
+};
+
+void SaleTest::initTestCase()
+{
+    for (const QString &tool : {u"Xvfb"_s, u"openbox"_s, u"xdotool"_s, u"pdftotext"_s})
+        QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
+    QVERIFY(m_screen.start(u"1280x1024"_s));
+}
+
+void SaleTest::logIn(RunningProgram &program, const QString &name, const QString &password)
+{
+    QVERIFY2(program.press(u"Text3"_s), qPrintable(program.errors()));
+    m_screen.type(name);
+    QVERIFY(program.press(u"Text4"_s));
+    m_screen.type(password);
+    m_screen.key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: "_s + name.toUpper(), 30000);
+}
+
+void SaleTest::closeWindow(RunningProgram &program)
+{
+    QVERIFY(program.press(u"Command10"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.box(), u"Close Inventory?"_s, 30000);
+    QVERIFY(program.press(u"Yes"_s));
+    QCOMPARE(program.waitForEnd(), 0);
+}
+
+QString SaleTest::receiptText() const
+{
+    const QDir folder(m_home.filePath(u"Documents/Harrowby Receipts"_s));
+    const QStringList receipts = folder.entryList({u"*.pdf"_s}, QDir::Files);
+    if (receipts.size() != 1)
+        return u"%1 receipts"_s.arg(receipts.size());
+    QProcess reader;
+    reader.start(u"pdftotext"_s, {u"-layout"_s, folder.filePath(receipts.constFirst()), u"-"_s});
+    return reader.waitForFinished() ? QString::fromUtf8(reader.readAllStandardOutput()) : QString();
+}
+
+void SaleTest::cancelledFirstStartLeavesNothing()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    QVERIFY2(program.press(u"Cancel"_s), qPrintable(program.errors()));
+    QCOMPARE(program.waitForEnd(), 5);
+    QVERIFY(!QDir(m_home.filePath(u"data/Harrowby"_s)).exists(u"store.sqlite"_s));
+    QCOMPARE(QDir(m_home.filePath(u"data/Harrowby"_s)).entryList({u".harrowby*"_s}, QDir::AllEntries | QDir::Hidden),
+             QStringList());
+}
+
+void SaleTest::newStoreIsCreatedAndClosed()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    QVERIFY2(program.press(u"password"_s), qPrintable(program.errors()));
+    m_screen.type(u"pass1"_s);
+    QVERIFY(program.press(u"passwordAgain"_s));
+    m_screen.type(u"pass1"_s);
+    QVERIFY(program.press(u"Create Store"_s));
+    logIn(program, u"administrator"_s, u"PASS1"_s);
+    closeWindow(program);
+    QVERIFY(!QFile::exists(store() + u"-wal"_s));
+    QCOMPARE(column(store(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+    QCOMPARE(column(store(), u"SELECT count(*) FROM StoreSettings"_s), QStringList{u"1"_s});
+}
+
+void SaleTest::itemIsSold()
+{
+    runAll(store(), {u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
+                     "StockAvailable, StockUse) VALUES ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s});
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    logIn(program, u"administrator"_s, u"pass1"_s);
+    QVERIFY(program.press(u"Command1_0"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
+    QVERIFY(program.press(u"Command1_0"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 5.00"_s, 30000);
+
+    QVERIFY(program.press(u"Command14"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(program.box().contains(u"1. 2 x TEA-0001  |  TEA = 5.00"_s), 30000);
+    QVERIFY(program.press(u"Yes"_s));
+    qDebug() << program.box();QTest::qWait(1500);qDebug() << program.box() << program.errors();
+    QTRY_VERIFY_WITH_TIMEOUT(program.box().startsWith(u"Items have been purchased!"_s), 30000);
+    QVERIFY(program.press(u"OK"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 0.00"_s, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label6_4"_s), u"5.00"_s, 30000);
+    closeWindow(program);
+
+    QCOMPARE(column(store(), u"SELECT StockAvailable FROM StockList"_s), QStringList{u"18"_s});
+    QCOMPARE(column(store(),
+                    u"SELECT PurchasedItems || '/' || PurchasedItemsTotal || '/' || PurchasedItemsCost || '/' || "
+                    "Users FROM PurchaseCart"_s),
+             QStringList{u"2 x TEA-0001  |  TEA = 5.00/1/5/ADMINISTRATOR"_s});
+    const QString receipt = receiptText();
+    QVERIFY2(receipt.contains(u"Payment Receipt"_s), qPrintable(receipt));
+    QVERIFY2(receipt.contains(column(store(), u"SELECT PurchaseID FROM PurchaseCart"_s).constFirst()),
+             qPrintable(receipt));
+}
+
+void SaleTest::failedWriteIsShownAtOnce()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    logIn(program, u"administrator"_s, u"pass1"_s);
+    QVERIFY(!program.has(u"failureNotice"_s));
+    runAll(store(), {u"ALTER TABLE SysUsage RENAME TO Lost"_s});
+    QVERIFY(program.press(u"Command27"_s));
+    QVERIFY(program.press(u"Yes"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"The activity was not recorded."_s, 30000);
+    QVERIFY(program.text(u"failureReason"_s).contains(u"no such table: SysUsage"_s));
+
+    // The notice has taken no focus: what is typed still goes to the till.
+    QVERIFY(program.press(u"Text3"_s));
+    m_screen.type(u"anna"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ANNA"_s, 30000);
+    QVERIFY(program.press(u"failureDismiss"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(!program.has(u"failureNotice"_s), 30000);
+    m_screen.type(u"b"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ANNAB"_s, 30000);
+    closeWindow(program);
+
+    QFile log(m_home.filePath(u"data/Harrowby/harrowby.log"_s));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QVERIFY(log.readAll().contains("no such table: SysUsage"));
+}
+
+void SaleTest::demoShopTellsHowToLogIn()
+{
+    {
+        RunningProgram program(m_screen, m_home.path());
+        QVERIFY(program.start({u"--demo"_s}));
+        QTRY_VERIFY_WITH_TIMEOUT(program.box().contains(u"MANAGER"_s), 30000);
+        QVERIFY(program.press(u"OK"_s));
+        logIn(program, u"cashier"_s, u"cashier"_s);
+        closeWindow(program);
+    }
+    // The second time it opens at once, and is the same shop.
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({u"--demo"_s}));
+    logIn(program, u"manager"_s, u"manager"_s);
+    closeWindow(program);
+    QCOMPARE(
+        column(m_home.filePath(u"data/Harrowby/demo.sqlite"_s), u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s),
+        (QStringList{u"CASHIER successfully logged in!"_s, u"MANAGER successfully logged in!"_s}));
+}
+
+QTEST_GUILESS_MAIN(SaleTest)
+#include "tst_app_sale.moc"

@@ -1,0 +1,45 @@
+# Installs the package to a prefix of its own, moves that prefix (a package must not depend on where it was built),
+# then configures, builds and runs the consumer project against it.
+set(first_prefix ${WORK_DIR}/prefix.new)
+set(prefix ${WORK_DIR}/prefix)
+set(consumer_build ${WORK_DIR}/consumer)
+file(REMOVE_RECURSE ${first_prefix} ${prefix} ${consumer_build})
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT result EQUAL 0)
+        list(JOIN ARGN " " command)
+        message(FATAL_ERROR "Failed (${result}): ${command}\n${output}")
+    endif()
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --config ${BUILD_TYPE} --prefix ${first_prefix})
+file(RENAME ${first_prefix} ${prefix})
+
+foreach(file
+        include/harrowby/init.h include/harrowby/db_connection.h include/harrowby/db_value.h
+        include/harrowby/sqlite_connection.h include/harrowby/export.h
+        ${LIBDIR}/libharrowby-inventory.so ${LIBDIR}/libharrowby-inventory.so.${VERSION})
+    if(NOT EXISTS ${prefix}/${file})
+        message(FATAL_ERROR "Not installed: ${file}")
+    endif()
+endforeach()
+
+file(GLOB package_files ${prefix}/${LIBDIR}/cmake/HarrowbyInventory/*.cmake)
+foreach(file ${package_files})
+    file(READ ${file} text)
+    string(FIND "${text}" "${BUILD_DIR}" mentions_build)
+    if(NOT mentions_build EQUAL -1 OR text MATCHES "harrowby_(basic|store|platform|ui|slot|build)")
+        message(FATAL_ERROR "The installed package leans on the build tree: ${file}")
+    endif()
+endforeach()
+
+run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${consumer_build} -G ${GENERATOR}
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${consumer_build})
+run(${consumer_build}/consumer)
+
+# The installed program finds the installed library.
+if(EXISTS ${prefix}/bin/harrowby)
+    run(${prefix}/bin/harrowby --version)
+endif()

@@ -1,0 +1,40 @@
+# The library's dynamic symbols are the public classes, and all of them.
+execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX REPLACE "\n$" "" listing "${listing}")
+string(REPLACE ";" "," listing "${listing}")
+string(REPLACE "\n" ";" symbols "${listing}")
+
+set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection)")
+set(wrong)
+foreach(symbol ${symbols})
+    string(REGEX REPLACE "^[0-9a-f]* +[A-Za-z] " "" name "${symbol}")
+    string(REGEX REPLACE "@@?HARROWBY_[0-9]+$" "" name "${name}")
+    if(NOT name MATCHES "^((vtable|typeinfo|typeinfo name) for )?${public}(::|$)" AND NOT name MATCHES "^HARROWBY_[0-9]+$")
+        list(APPEND wrong "${symbol}")
+    endif()
+endforeach()
+if(wrong)
+    list(JOIN wrong "\n  " text)
+    message(FATAL_ERROR "Exported without being public:\n  ${text}")
+endif()
+
+foreach(needed
+        "harrowby::Init::LoadInventory("
+        "harrowby::DbConnection::setFailureHandler("
+        "harrowby::DbConnection::reportFailure("
+        "harrowby::DbConnection::~DbConnection("
+        "harrowby::DbCursor::~DbCursor("
+        "harrowby::SqliteConnection::SqliteConnection("
+        "harrowby::SqliteConnection::Execute("
+        "vtable for harrowby::SqliteConnection"
+        "typeinfo for harrowby::DbConnection")
+    string(FIND "${listing}" "${needed}" found)
+    if(found EQUAL -1)
+        message(FATAL_ERROR "Public, but not exported: ${needed}\n${listing}")
+    endif()
+endforeach()
+
+execute_process(COMMAND ${READELF} -d ${LIBRARY} OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
+if(NOT dynamic MATCHES "\\[libharrowby-inventory\\.so\\.${MAJOR}\\]")
+    message(FATAL_ERROR "The library's name lacks its major version:\n${dynamic}")
+endif()
