@@ -139,7 +139,8 @@ int sell(sqlite3 *database, BusyWait &wait)
     wait.followEventLoop();
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
-    if (salesWindow() != nullptr) {
+    if (QWidget *window = salesWindow()) {
+        window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till has the screen to itself
         QApplication::setQuitOnLastWindowClosed(true);
         code = QApplication::exec();
     } else {

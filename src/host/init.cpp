@@ -16,10 +16,7 @@ try {
     static_cast<void>(userText);
     InvBasic::setConnection(std::move(connection));
     Inventory *form = Inventory::defaultInstance();
-    form->setWindowState(form->windowState() & ~Qt::WindowMinimized);
-    form->show();
-    form->raise();
-    form->activateWindow();
+    form->present();
 } catch (const std::exception &error) {
     qCWarning(lcWindow, "The window could not be shown: %s", error.what());
 } catch (...) {

@@ -25,6 +25,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 
 #include <exception>
 #include <utility>
@@ -104,6 +105,19 @@ Inventory *Inventory::defaultInstance()
 void Inventory::load()
 {
     run([this] { loadForm(); });
+}
+
+void Inventory::present()
+{
+    Qt::WindowStates wanted = windowState() & ~Qt::WindowMinimized;
+    const QSize room = screen()->availableSize();
+    // A window of the screen's own size would hang over its edge by the height of the title bar.
+    if (width() >= room.width() || height() >= room.height())
+        wanted |= Qt::WindowMaximized;
+    setWindowState(wanted);
+    show();
+    raise();
+    activateWindow();
 }
 
 void Inventory::connectControls()

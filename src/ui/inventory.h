@@ -41,6 +41,8 @@ public:
     /// Fills the window from the database and the saved settings, and ends with nobody logged in. Once, before it is
     /// shown.
     void load();
+    /// Shows the window modeless, in front, and not minimized; maximized where the screen leaves no room around it.
+    void present();
 
     [[nodiscard]] const Controls &controls() const { return m_controls; }
     [[nodiscard]] const FormState &state() const { return m_state; }

@@ -130,9 +130,9 @@ QuickSaleButton::Face QuickSaleButton::face() const
     face.id = lines.first();
     face.price = lines.size() > 1 ? lines.last() : QString();
     face.name = lines.mid(1, std::max<qsizetype>(0, lines.size() - 2)).join(u' ').simplified();
-    face.idPixels = fitting(height * 0.085, unit * 0.80, unit * 0.95);
-    face.namePixels = fitting(height * 0.115, unit * 1.05, unit * 1.70);
-    face.pricePixels = fitting(height * 0.135, unit * 1.25, unit * 1.80);
+    face.idPixels = fitting(height * 0.085, unit * 0.80, unit * 1.20);
+    face.namePixels = fitting(height * 0.115, unit * 1.05, unit * 2.20);
+    face.pricePixels = fitting(height * 0.135, unit * 1.25, unit * 2.60);
     face.bandHeight = int(unit * 1.75);
     return face;
 }
