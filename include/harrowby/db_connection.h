@@ -24,7 +24,8 @@ struct DbFailure
     };
 
     Kind kind = Kind::Read;
-    QString statement;  ///< the statement's text, or for a row written by column "INSERT <table>" / "UPDATE <table>"
+    QString statement;  ///< the statement's text, or for a row written by column "INSERT <table>" / "UPDATE <table>";
+                        ///< a typed password is left out
     QString reason;     ///< the engine's own message, or why the statement was refused before it got there
     int engineCode = 0; ///< the engine's (extended) result code; 0 when the statement never reached it
 };

@@ -23,7 +23,8 @@ float unitCost(const QString &storedCost)
 
 float newLineCost(float unitCost, std::int16_t quantity)
 {
-    return unitCost * static_cast<float>(quantity);
+    // The product of a 32-bit float and a 16-bit integer is exact in 64 bits, so this rounds once.
+    return toSingle(static_cast<double>(unitCost) * quantity).value_or(0.0F);
 }
 
 double mergedLineCost(float unitCost, double quantity)

@@ -15,7 +15,7 @@ namespace harrowby {
 /// Price of a stock row, from its text: the leading number as a 32-bit float, 0 when it does not fit.
 [[nodiscard]] float unitCost(const QString &storedCost);
 
-/// Cost of a new or replaced line: single precision.
+/// Cost of a new or replaced line: single precision; 0 when it does not fit.
 [[nodiscard]] float newLineCost(float unitCost, std::int16_t quantity);
 /// Cost of a line that grew by merging: double precision.
 [[nodiscard]] double mergedLineCost(float unitCost, double quantity);

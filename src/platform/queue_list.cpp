@@ -74,6 +74,7 @@ void QueueList::refresh()
     m_installedQuery->start(
         m_options.listProgram, {u"-a"_s, u"-d"_s}, m_options.listDeadline,
         [this](const Outcome &outcome) { onInstalled(QString::fromUtf8(outcome.output), outcome.reason); });
+    m_reachablePatience = reachableWait; // once a query, so that three callers in a row do not wait three times
     m_reachableQuery = std::make_unique<HelperProcess>(nullptr);
     m_reachableQuery->start(m_options.listProgram, {u"-e"_s}, m_options.listDeadline, [this](const Outcome &outcome) {
         if (outcome.succeeded)
@@ -87,7 +88,7 @@ void QueueList::wait()
         return;
     spend(m_patience, *m_installedQuery, m_options.listWait);
     if (m_answered)
-        spend(m_patience, *m_reachableQuery, reachableWait);
+        spend(m_reachablePatience, *m_reachableQuery, reachableWait);
 }
 
 void QueueList::onInstalled(const QString &answer, const QString &failure)

@@ -46,6 +46,7 @@ private:
     QString m_default;
     QElapsedTimer m_sinceAnswer;
     std::chrono::milliseconds m_patience;
+    std::chrono::milliseconds m_reachablePatience{0};
     bool m_answered = false;
 };
 

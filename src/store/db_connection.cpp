@@ -7,6 +7,18 @@
 
 namespace harrowby {
 
+namespace {
+
+/// A login's statement ends with what was typed as the password; nobody needs to read that in a log.
+QString withoutPassword(const QString &statement)
+{
+    constexpr QLatin1StringView condition("UPPER(Password) = ");
+    const qsizetype found = statement.indexOf(condition);
+    return found < 0 ? statement : statement.left(found + condition.size()) + QLatin1StringView("'...'");
+}
+
+} // namespace
+
 DbCursor::~DbCursor() = default;
 DbConnection::~DbConnection() = default;
 
@@ -18,10 +30,12 @@ void DbConnection::setFailureHandler(FailureHandler handler)
 void DbConnection::reportFailure(const DbFailure &failure) const noexcept
 {
     try {
-        qCWarning(lcStore).noquote() << failure.reason << failure.engineCode << failure.statement;
+        DbFailure told = failure;
+        told.statement = withoutPassword(failure.statement);
+        qCWarning(lcStore).noquote() << told.reason << told.engineCode << told.statement;
         // A copy, as the handler may replace itself or drop the host's last reference to this connection.
         if (const FailureHandler handler = m_failureHandler)
-            handler(failure);
+            handler(told);
     } catch (...) {
         // Whatever the host's handler does, the statement's caller goes on.
     }

@@ -284,6 +284,10 @@ double DbField::number(double fallback) const
 void DbField::assign(DbValue value)
 {
     DbRecordset::Private &d = *m_recordset.d;
+    // Skipped alone, so that a row is not lost for one column that a table lacks. After a refused SELECT the columns
+    // are not known, and the engine judges.
+    if (!d.hasFailed && d.rows.columns() > 0 && d.rows.column(m_name) < 0)
+        return d.fail(DbFailure::Kind::Write, u"UPDATE "_s + d.table, u"there is no column "_s + m_name);
     if (d.standing != DbRecordset::Private::Standing::Found || d.hasRow())
         put(d.assigned, m_name, std::move(value));
 }

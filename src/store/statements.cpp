@@ -86,6 +86,41 @@ Statement categoriesByName()
     return Statement("Select * from InventoryCategory Order By CategoryName ASC");
 }
 
+Statement addCategory(const QString &name, const QString &entryDate)
+{
+    return Statement("Insert Into InventoryCategory (CategoryName, EntryDate) Values (")
+        .text(name)
+        .fixed(", ")
+        .text(entryDate)
+        .fixed(")");
+}
+
+Statement renameCategory(const QString &newName, const QString &oldName)
+{
+    return Statement("Update InventoryCategory SET CategoryName = ")
+        .text(newName)
+        .fixed(" where CategoryName = ")
+        .text(oldName);
+}
+
+Statement deleteCategory(const QString &name)
+{
+    return Statement("Delete from InventoryCategory where CategoryName = ").text(name);
+}
+
+Statement moveStock(const QString &newCategory, const QString &oldCategory)
+{
+    return Statement("Update StockList SET StockCategory = ")
+        .text(newCategory)
+        .fixed(" where StockCategory = ")
+        .text(oldCategory);
+}
+
+Statement moveStockToOther(const QString &category)
+{
+    return Statement("Update StockList Set StockCategory = 'OTHER CATEGORY' where StockCategory = ").text(category);
+}
+
 Statement stockById(const QString &id)
 {
     return Statement("Select * from StockList where StockID = ").text(id);

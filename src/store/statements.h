@@ -13,6 +13,8 @@ namespace harrowby::statements {
 
 /// The text of the category filters that stands for no category condition.
 inline constexpr QLatin1StringView allCategories("(ALL CATEGORY)");
+/// The catch-all category: never stored in InventoryCategory, offered by every list.
+inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 
 // Login, settings and the activity log
 
@@ -38,6 +40,13 @@ struct StoreSettings
 
 [[nodiscard]] Statement categories();
 [[nodiscard]] Statement categoriesByName();
+[[nodiscard]] Statement addCategory(const QString &name, const QString &entryDate);
+[[nodiscard]] Statement renameCategory(const QString &newName, const QString &oldName);
+[[nodiscard]] Statement deleteCategory(const QString &name);
+/// Items follow their category's new name, compared as it stands.
+[[nodiscard]] Statement moveStock(const QString &newCategory, const QString &oldCategory);
+/// Items of a deleted category go to the one that every list offers.
+[[nodiscard]] Statement moveStockToOther(const QString &category);
 
 // Stock
 

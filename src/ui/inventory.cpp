@@ -39,11 +39,11 @@ namespace {
 /// Shown until a shop enters its own address for the daily report.
 constexpr auto placeholderEmail = "reports@example.com"_L1;
 
-/// A Boolean saved setting; empty when the text is none.
-std::optional<bool> savedBoolean(const QString &text)
+/// Whether a saved setting is the Boolean false: a number equal to 0, or "False".
+bool isFalse(const QString &saved)
 {
-    const std::optional<std::int16_t> value = valueInt16(DbValue(text));
-    return value ? std::optional<bool>(*value != 0) : std::nullopt;
+    const std::optional<double> number = wholeNumber(saved);
+    return number ? *number == 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) == 0;
 }
 
 void readFlag(DbRecordset &settings, const QString &column, std::int16_t &flag)
@@ -104,11 +104,17 @@ Inventory *Inventory::defaultInstance()
 
 void Inventory::load()
 {
+    m_loading = true;
     run([this] { loadForm(); });
+    // Also when a step of loading ended early: nobody has logged in.
+    m_state.IsLoggedIn = false;
+    m_loading = false;
 }
 
 void Inventory::present()
 {
+    if (m_loading)
+        return; // asked for in the middle of loading: whoever loads it shows it
     Qt::WindowStates wanted = windowState() & ~Qt::WindowMinimized;
     const QSize room = screen()->availableSize();
     // A window of the screen's own size would hang over its edge by the height of the title bar.
@@ -149,6 +155,7 @@ void Inventory::connectWindow()
 void Inventory::connectLogin()
 {
     m_controls.Text3->setValidator(new UpperCaseValidator(m_controls.Text3));
+    m_controls.Combo16->setValidator(new UpperCaseValidator(m_controls.Combo16));
     connect(m_controls.Text3, &QLineEdit::returnPressed, m_controls.Text4, qOverload<>(&QWidget::setFocus));
     connect(m_controls.Text4, &QLineEdit::returnPressed, this, [this] { run([this] { logIn(); }); });
     onClick(m_controls.Command28, [this] { logIn(); });
@@ -176,6 +183,9 @@ void Inventory::connectSettings()
 {
     onClick(m_controls.Command18, [this] { saveSettings(); });
     onClick(m_controls.Check5, [this] { receiptChoiceChanged(); });
+    onClick(m_controls.Command2, [this] { addCategory(); });
+    onClick(m_controls.Command22, [this] { renameCategory(); });
+    onClick(m_controls.Command3, [this] { deleteCategory(); });
 }
 
 template <typename Handler>
@@ -205,7 +215,6 @@ void Inventory::loadForm()
     m_controls.Combo12->setEntryText(statements::allCategories);
     readStoreSettings();
     showSettings();
-    m_state.IsLoggedIn = false;
     m_controls.Text3->setFocus();
 }
 
@@ -228,7 +237,7 @@ void Inventory::fillPickLists()
 void Inventory::readStoreSettings()
 {
     DbRecordset settings;
-    settings.Open(statements::storeSettings(), connection(), DbRecordset::Access::Edit);
+    settings.Open(statements::storeSettings(), connection());
     if (settings.RecordCount() == 0) {
         settings.AddNew();
         settings.Field(u"EmailAddress"_s).assign(QString(placeholderEmail));
@@ -262,10 +271,9 @@ void Inventory::showSettings()
     m_controls.Check1->setChecked(m_state.PromptReorderFlag != 0);
     m_controls.Check2->setChecked(m_state.HideFinishedFlag != 0);
     const QString saved = m_platform.settings->get(u"Option"_s, u"UsePOSforReceipt"_s, u"1"_s);
-    if (const std::optional<bool> useReceipts = savedBoolean(saved)) {
-        m_controls.Check5->setChecked(*useReceipts);
-        m_controls.Combo9->setEnabled(*useReceipts);
-    }
+    const bool useReceipts = !isFalse(saved);
+    m_controls.Check5->setChecked(useReceipts);
+    m_controls.Combo9->setEnabled(useReceipts);
 }
 
 void Inventory::closeEvent(QCloseEvent *event)
@@ -336,7 +344,7 @@ bool Inventory::focusNextPrevChild(bool next)
     return focusNextUncovered(*this, next);
 }
 
-const std::shared_ptr<DbConnection> &Inventory::connection() const
+std::shared_ptr<DbConnection> Inventory::connection() const
 {
     return InvBasic::connection();
 }

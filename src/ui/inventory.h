@@ -14,6 +14,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QListWidgetItem;
 
 namespace harrowby {
 
@@ -56,6 +57,9 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    /// Tests call shared procedures through it that no control reaches with such arguments.
+    friend struct InventoryProbe;
+
     /// Marks a handler as running, so that the window outlives it; see run().
     class HandlerScope;
     /// Runs a handler: nothing it throws leaves it, and the window stays alive until it is done.
@@ -81,7 +85,7 @@ private:
     void releaseIfClosed();
 
     // What every handler leans on
-    [[nodiscard]] const std::shared_ptr<DbConnection> &connection() const;
+    [[nodiscard]] std::shared_ptr<DbConnection> connection() const;
     Answer ask(const QString &text, int style);
     void warn(const QString &text);
     void refusePrivilege();
@@ -115,6 +119,10 @@ private:
     // stock/categories.cpp
     void LoadCategory();
     void LoadCategories();
+    void addCategory();
+    void renameCategory();
+    void deleteCategory();
+    QListWidgetItem *selectedCategory(const QString &noneThere, const QString &noneSelected);
 
     // sales/cart.cpp
     void FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting);
@@ -122,7 +130,7 @@ private:
     [[nodiscard]] std::vector<PurchaseLine> cartLines() const;
     float FindCost(const QString &itemKey);
     void addCartLine(const QString &itemKey, std::int16_t qty, float cost);
-    void updateCartLine(int row, std::int16_t qty, float cost, bool addToExisting);
+    void updateCartLine(const QString &itemKey, int row, std::int16_t qty, float cost, bool addToExisting);
     void UpdateCart();
     void showCartTotal(const QString &total, int lines);
     void deleteCartLine();
@@ -173,6 +181,7 @@ private:
     Breather m_breather;
     int m_runningHandlers = 0;
     unsigned m_pageLoads = 0; ///< quick-sale pages begun: an earlier one gives way to a later one
+    bool m_loading = false;
     bool m_askingToClose = false;
     bool m_closed = false; ///< closed, and waiting for its last handler to return
 };

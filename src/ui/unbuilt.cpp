@@ -3,8 +3,8 @@
 
 #include "ui/controls.h"
 #include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
 
-#include <QListWidget>
 #include <QPushButton>
 
 namespace harrowby {
@@ -20,8 +20,9 @@ void disableUnbuilt(const Controls &controls)
     disable(c.Combo5, c.Combo6, c.Combo7, c.Combo8, c.Combo13, c.Combo14, c.Combo15, c.Command16, c.Command26);
     disable(c.Command5, c.Command6, c.Command7);
     disable(c.Combo10, c.Combo11, c.Combo12, c.Command17, c.Command23, c.Command24);
-    disable(c.List2, c.Combo16, c.Command2, c.Command22, c.Command3, c.Combo17, c.Command4);
+    disable(c.Combo17, c.Command4);
     disable(c.Command25, c.Command19);
+    disable(c.LV, c.LV2);
 }
 
 } // namespace harrowby

@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <QWidget>
+#include <QWindow>
 
 #include <unistd.h>
 
@@ -43,10 +44,18 @@ QWidget *find(const QString &name)
     return nullptr;
 }
 
+/// True once the window manager has put the window where it stays and has given it the focus, if it takes any.
+bool isReady(const QWidget &window)
+{
+    const QWindow *handle = window.windowHandle();
+    const bool focuses = !window.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
+    return handle != nullptr && handle->isExposed() && (window.isActiveWindow() || !focuses);
+}
+
 QString where(const QString &name)
 {
     const QWidget *widget = find(name);
-    if (widget == nullptr || !widget->isEnabled())
+    if (widget == nullptr || !widget->isEnabled() || !isReady(*widget->window()))
         return u"-"_s;
     const QPoint middle = widget->mapToGlobal(widget->rect().center());
     return u"%1 %2"_s.arg(middle.x()).arg(middle.y());

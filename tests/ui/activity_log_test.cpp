@@ -75,10 +75,13 @@ void ActivityLogTest::boxOnlyWithShowDetails()
     Counter counter;
     counter.open();
     counter.logIn();
-    counter.click("Command18"); // "Show Details On Purchase" is off: no box
+    counter.setText("Combo16", u"FOOD"_s);
+    counter.click("Command2"); // "Show Details On Purchase" is off: no box
     counter.find<QCheckBox>("Check3")->setChecked(true);
-    counter.boxes.expect(u"Setting Saved!"_s, box::Information);
     counter.click("Command18");
+    counter.setText("Combo16", u"DRINKS"_s);
+    counter.boxes.expect(u"Category [DRINKS] Added!"_s, box::Information);
+    counter.click("Command2");
 }
 
 void ActivityLogTest::quietNeverShowsABox()

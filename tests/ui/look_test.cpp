@@ -498,11 +498,11 @@ void LookTest::unbuiltControlsAreDisabled()
     const Controls &c = window.controls;
     for (const QWidget *widget :
          std::initializer_list<QWidget *>{c.Combo3, c.Command15, c.Command30[11], c.Combo5, c.Command7, c.Combo11,
-                                          c.Command24, c.List2, c.Command4, c.Command25, c.Command19})
+                                          c.Command24, c.LV, c.LV2, c.Command4, c.Command25, c.Command19})
         QVERIFY2(!widget->isEnabled(), qPrintable(widget->objectName()));
-    for (const QWidget *widget :
-         std::initializer_list<QWidget *>{c.TabStrip1, c.TabStrip2, c.Command14, c.Combo1, c.Combo9, c.Command18, c.LV,
-                                          c.LV2, c.LV3, c.Check5, c.Command10, c.Command20, c.Command27, c.Command28})
+    for (const QWidget *widget : std::initializer_list<QWidget *>{
+             c.TabStrip1, c.TabStrip2, c.Command14, c.Combo1, c.Combo9, c.Command18, c.List2, c.Command2, c.LV3,
+             c.Check5, c.Command10, c.Command20, c.Command27, c.Command28})
         QVERIFY2(widget->isEnabled(), qPrintable(widget->objectName()));
     for (int tab = 0; tab < c.TabStrip1->count(); ++tab)
         QVERIFY(c.TabStrip1->isTabEnabled(tab));

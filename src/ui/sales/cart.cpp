@@ -39,7 +39,7 @@ void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool
     if (line < 0)
         addCartLine(itemKey, qty, cost);
     else
-        updateCartLine(line - 1, qty, cost, addToExisting);
+        updateCartLine(itemKey, line - 1, qty, cost, addToExisting);
     // The last line is selected, on purpose also when an earlier one was updated.
     m_controls.LV3->selectRow(m_controls.LV3->rows().rowCount() - 1);
     UpdateCart();
@@ -52,7 +52,7 @@ void Inventory::addCartLine(const QString &itemKey, std::int16_t qty, float cost
     LogActivity(quantity + u" of "_s + itemKey + u" Added to Cart!"_s, box::Information, false, true);
 }
 
-void Inventory::updateCartLine(int row, std::int16_t qty, float cost, bool addToExisting)
+void Inventory::updateCartLine(const QString &itemKey, int row, std::int16_t qty, float cost, bool addToExisting)
 {
     TextTableModel &cart = m_controls.LV3->rows();
     const bool merge =
@@ -67,8 +67,7 @@ void Inventory::updateCartLine(int row, std::int16_t qty, float cost, bool addTo
         cart.setText(row, CartColumn::Qty, QString::number(qty));
         cart.setText(row, CartColumn::Cost, formatMoney(newLineCost(cost, qty)));
     }
-    LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + cart.text(row, CartColumn::Item) + u" Added!"_s,
-                box::Information, false, true);
+    LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + itemKey + u" Added!"_s, box::Information, false, true);
 }
 
 void Inventory::UpdateCart()
@@ -145,11 +144,13 @@ void Inventory::changeLinePrice()
         this, u"Enter new price for item ["_s + trimBlanks(item) + u"]?"_s, m_state.MsgTitle, cost));
     if (answer.isEmpty())
         return;
-    const std::optional<double> price = wholeNumber(answer);
-    if (!price) {
+    if (!isNumeric(answer)) {
         warn(u"Non-numeric Entry for Cost"_s);
         return;
     }
+    const std::optional<double> price = wholeNumber(answer);
+    if (!price)
+        return; // a number, but none that fits
     // The line's price, not the unit's. The total keeps the old sum until the cart changes, on purpose.
     cart.setText(row, CartColumn::Cost, formatFixed(*price));
     LogActivity(u"Cost of Item "_s + item + u" changed to "_s + formatFixed(*price) + u"!"_s, box::Information, false,

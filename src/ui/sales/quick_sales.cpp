@@ -10,6 +10,7 @@
 #include "ui/widgets/tab_strip.h"
 
 #include <QPushButton>
+#include <QScopeGuard>
 
 #include <limits>
 
@@ -122,6 +123,7 @@ void Inventory::sellQuickly(int button)
         return;
     }
     m_controls.Command14->setEnabled(false);
+    const auto enableAgain = qScopeGuard([this] { m_controls.Command14->setEnabled(true); });
     const QStringList caption = pressed.text().split(crLf);
     const QString key = itemKey(caption.value(0), caption.value(1));
     if (StockAvailable(key, 1)) {
@@ -130,7 +132,6 @@ void Inventory::sellQuickly(int button)
         LogActivity(key + u" Added to Cart!"_s, box::Information, false, true);
         m_controls.TabStrip2->selectTab(1);
     }
-    m_controls.Command14->setEnabled(true);
 }
 
 } // namespace harrowby

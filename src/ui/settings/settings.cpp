@@ -47,7 +47,7 @@ void Inventory::saveSettings()
     m_state.ReportEmailAddress = address;
     m_state.PromptReorderFlag = prompt;
     m_state.HideFinishedFlag = hideFinished;
-    LogActivity(u"Setting Saved!"_s, box::Information, false, false);
+    LogActivity(u"Setting Saved!"_s, box::Information, false, true);
 }
 
 void Inventory::receiptChoiceChanged()

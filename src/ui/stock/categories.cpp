@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "basic/dates.h"
+#include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
@@ -6,6 +8,7 @@
 #include "ui/widgets/pick_list.h"
 
 #include <QListWidget>
+#include <QPersistentModelIndex>
 
 #include <array>
 
@@ -34,7 +37,7 @@ void Inventory::LoadCategory()
         m_breather.breathe();
     });
     for (PickList *list : lists)
-        list->addEntry(u"OTHER CATEGORY"_s);
+        list->addEntry(statements::otherCategory);
     for (std::size_t i = 0; i < lists.size(); ++i)
         lists.at(i)->setEntryText(texts.at(i));
 }
@@ -49,6 +52,89 @@ void Inventory::LoadCategories()
             m_controls.List2->addItem(*name);
         m_breather.breathe();
     });
+}
+
+void Inventory::addCategory()
+{
+    const QString name = trimmedUpper(m_controls.Combo16->entryText());
+    if (name == statements::allCategories || name == statements::otherCategory) {
+        warn(u"Category Name Entry can't be Used!"_s);
+        return;
+    }
+    if (name.isEmpty()) {
+        warn(u"Category Name Entry is Blank!"_s);
+        return;
+    }
+    // The list on screen is asked, not the table, and to the letter: FOOD goes in beside Food.
+    if (!m_controls.List2->findItems(name, Qt::MatchExactly | Qt::MatchCaseSensitive).isEmpty()) {
+        warn(u"Category Already Added!"_s);
+        return;
+    }
+    Execute(connection(), statements::addCategory(name, usageTime(m_platform.clock->now())));
+    LoadCategory();
+    m_controls.List2->addItem(name);
+    m_controls.Combo16->setEntryText(QString());
+    LogActivity(u"Category ["_s + name + u"] Added!"_s, box::Information, false, false);
+}
+
+void Inventory::renameCategory()
+{
+    QListWidgetItem *selected =
+        selectedCategory(u"There are no Category to Change"_s, u"Please First Select a Category!"_s);
+    if (selected == nullptr)
+        return;
+    const QString oldName = selected->text();
+    const QPersistentModelIndex entry = m_controls.List2->indexFromItem(selected);
+    const QString answer = m_platform.boxes->input(this, u"Change Category["_s + oldName + u"] to what new name?"_s,
+                                                   u"Change Category - "_s + m_state.MsgTitle, QString());
+    const QString newName = trimmedUpper(answer);
+    constexpr qsizetype shortest = 3; // counted with the blanks around it, on purpose
+    if (answer.toUpper().size() < shortest || newName.isEmpty()) {
+        warn(u"Category Name too short!"_s);
+        return;
+    }
+    // Neither reserved names nor existing ones are refused here; only adding guards them.
+    Execute(connection(), statements::renameCategory(newName, oldName));
+    Execute(connection(), statements::moveStock(newName, oldName));
+    m_controls.List2->model()->setData(entry, newName);
+    LoadCategory();
+    LogActivity(u"Category Name Changed!"_s, box::Information, false, false);
+}
+
+void Inventory::deleteCategory()
+{
+    QListWidgetItem *selected =
+        selectedCategory(u"There are no Category to Delete."_s, u"Please First Select a Category to Delete!"_s);
+    if (selected == nullptr)
+        return;
+    const QString name = selected->text();
+    // Other handlers may change the list before the entry is removed.
+    const QPersistentModelIndex entry = m_controls.List2->indexFromItem(selected);
+    if (ask(u"Please note that any Stock item under this category will be moved to 'OTHER CATEGORY. Do you want to "
+            "continue to delete Category ["_s +
+                name + u"]?"_s,
+            box::AskDefaultNo) != Answer::Yes)
+        return;
+    Execute(connection(), statements::deleteCategory(name));
+    Execute(connection(), statements::moveStockToOther(name));
+    LoadCategory();
+    if (entry.isValid())
+        m_controls.List2->model()->removeRow(entry.row());
+    LogActivity(u"Category ["_s + name + u"] Deleted!"_s, box::Information, false, false);
+}
+
+QListWidgetItem *Inventory::selectedCategory(const QString &noneThere, const QString &noneSelected)
+{
+    if (m_controls.List2->count() == 0) {
+        warn(noneThere);
+        return nullptr;
+    }
+    const QList<QListWidgetItem *> selected = m_controls.List2->selectedItems();
+    if (selected.isEmpty()) {
+        warn(noneSelected);
+        return nullptr;
+    }
+    return selected.first();
 }
 
 } // namespace harrowby

@@ -106,7 +106,7 @@ void setStockSigns(Colours &colours)
 
 double contrastRatio(const QColor &one, const QColor &other)
 {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 

@@ -6,12 +6,18 @@
 #include "ui/widgets/plain_tool_tip.h"
 
 #include <QAbstractItemView>
+#include <QCompleter>
+#include <QCoreApplication>
+#include <QFrame>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QListView>
 #include <QPointer>
+#include <QResizeEvent>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOption>
 #include <QStyledItemDelegate>
 #include <QWheelEvent>
 
@@ -23,16 +29,26 @@ namespace {
 
 constexpr int kFewestCharacters = 6;
 
+/// An edit that has a completer already gets none of the combo box's making, which costs more to make and to throw
+/// away than the rest of the list.
+QCompleter *noCompleter()
+{
+    static QPointer<QCompleter> completer;
+    if (!completer)
+        completer = new QCompleter(QCoreApplication::instance());
+    return completer;
+}
+
 } // namespace
 
 PickList::PickList(QWidget *parent) : QComboBox(parent), m_entries(new EntryModel(this))
 {
     setPlaceholderText(u" "_s); // keeps the first entry from selecting itself
     setInsertPolicy(NoInsert);
-    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
-    setMinimumContentsLength(kFewestCharacters);
     setModel(m_entries);
-    setLineEdit(new EntryEdit(this));
+    auto *entry = new EntryEdit(this);
+    entry->setCompleter(noCompleter());
+    setLineEdit(entry);
     setCompleter(nullptr);
     connect(this, &QComboBox::editTextChanged, this, [this](const QString &text) {
         m_textChanged = true;
@@ -64,6 +80,24 @@ void PickList::addEntry(const QString &text)
     m_entries->append(text);
 }
 
+/// The same for any entries. The base class would make the list that drops down to find out that it need not ask it.
+QSize PickList::sizeHint() const
+{
+    if (!m_sizeHint.isValid()) {
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        const QFontMetrics metrics = fontMetrics();
+        const int width = kFewestCharacters * metrics.horizontalAdvance(u'X') + iconSize().width() + 4;
+        m_sizeHint = style()->sizeFromContents(QStyle::CT_ComboBox, &option, {width, metrics.height() + 2}, this);
+    }
+    return m_sizeHint;
+}
+
+QSize PickList::minimumSizeHint() const
+{
+    return sizeHint();
+}
+
 void PickList::showPopup()
 {
     beginPick();
@@ -77,6 +111,32 @@ void PickList::showPopup()
         list->viewport()->installEventFilter(this);
     }
     QComboBox::showPopup();
+}
+
+void PickList::changeEvent(QEvent *event)
+{
+    m_sizeHint = QSize();
+    if (hasPopup()) {
+        QComboBox::changeEvent(event);
+        return;
+    }
+    // The base class would make the list that drops down, to tell it what changed. It takes its looks from here when
+    // it is made.
+    QWidget::changeEvent(event);
+    if (!testAttribute(Qt::WA_PendingResizeEvent))
+        placeEdit();
+}
+
+/// Whether the list that drops down has been made.
+bool PickList::hasPopup() const
+{
+    return findChild<QFrame *>({}, Qt::FindDirectChildrenOnly);
+}
+
+void PickList::placeEdit()
+{
+    QResizeEvent same(size(), size());
+    QComboBox::resizeEvent(&same);
 }
 
 bool PickList::event(QEvent *event)

@@ -26,6 +26,8 @@ public:
     void addEntry(const QString &text);
 
     void showPopup() override;
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     /// The text changed, by typing, by picking or from code.
@@ -38,6 +40,7 @@ Q_SIGNALS:
     void pickedAgain(int index);
 
 protected:
+    void changeEvent(QEvent *event) override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
@@ -48,9 +51,12 @@ private:
     void beginPick();
     void dropSelection();
     void entryActivated(int index);
+    [[nodiscard]] bool hasPopup() const;
+    void placeEdit();
     void showEntryTip(const QPoint &globalPosition, const QPoint &position);
 
     EntryModel *m_entries;
+    mutable QSize m_sizeHint;    ///< invalid until it is asked for
     bool m_textChanged = false;  ///< since the user's last action began, and not by code
     bool m_picking = true;       ///< an activation is the user's choice, and not merely Enter or the focus leaving
     bool m_popupDressed = false; ///< the list that drops down has been given its looks

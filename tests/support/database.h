@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+struct sqlite3;
+
+namespace harrowby::test {
+
+/// A further connection to a shop's file: the back office, another till, or a look from outside. Its statements may
+/// fail, as those of any other connection may.
+class Database
+{
+public:
+    /// Opens for reading and writing, or for reading only; what cannot be opened fails every statement.
+    explicit Database(const QString &path, bool readOnly = false);
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    [[nodiscard]] sqlite3 *handle() const { return m_handle; }
+    /// Runs statements; false when one failed.
+    bool run(const QString &statements);
+    /// All rows, columns joined by "|"; "(failed)" in place of what could not be read.
+    [[nodiscard]] QStringList rows(const QString &select) const;
+    /// Every row of every table, with the types of its values.
+    [[nodiscard]] QStringList everything() const;
+    [[nodiscard]] QString integrity() const { return rows(QStringLiteral("PRAGMA integrity_check")).join(u' '); }
+    /// Becomes a copy of another one.
+    bool copy(const Database &from);
+
+private:
+    sqlite3 *m_handle = nullptr;
+};
+
+/// As a literal of a statement.
+[[nodiscard]] QString quoted(QString text);
+
+} // namespace harrowby::test

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "support/known_boxes.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::test {
+
+namespace {
+
+/// "*" stands for data.
+const QStringList &knownTexts()
+{
+    static const QStringList texts{
+        u"Close Inventory?"_s,
+        u"There are item(s) in the cart, do you still want to Close Inventory?"_s,
+        u"To Start using Harrowby Inventory Tool, *"_s,
+        u"You have entered a blank entry!"_s,
+        u"Username or Password Incorrect!"_s,
+        u"User not Enabled to use this tool!"_s,
+        u"You must Login in First!"_s,
+        u"You must login first!"_s,
+        u"User [*] doesn't have this privilege!"_s,
+        u"Log out User[*]?"_s,
+        u"Cart is not empty, Purchase Cart?"_s,
+        u"Clear Activity Log!"_s,
+        u"Setting Saved!"_s,
+        u"Item Already Exist in Cart.\nTo Update - YES, To Replace - NO"_s,
+        u"Delete [*] from Cart?"_s,
+        u"Cart is Empty!"_s,
+        u"Clear Cart?"_s,
+        u"Enter new price for item [*]?"_s,
+        u"Non-numeric Entry for Cost"_s,
+        u"Reprint Last Purchase?"_s,
+        u"Item List:\n\n1. *\n\n\n\nPurchased Cart?"_s,
+        u"Items have been purchased!\n\nPurchase ID: *"_s,
+        u"Item is empty!\nYou can add a new Item from Add/Edit Stock"_s,
+        u"There is no available stock item(s) for *. Kindly reorder Stock!"_s,
+        u"There are only * item(s) in stock for *. Kindly reorder Stock!"_s,
+        u"There are only * item(s) in stock for * and have already of * this item(s) in cart."_s,
+    };
+    return texts;
+}
+
+bool matches(const QString &pattern, const QString &text)
+{
+    const QString expression = QRegularExpression::escape(pattern).replace(u"\\*"_s, u".*"_s);
+    return QRegularExpression(QRegularExpression::anchoredPattern(expression),
+                              QRegularExpression::DotMatchesEverythingOption)
+        .match(text)
+        .hasMatch();
+}
+
+} // namespace
+
+bool isKnownBox(const QString &text)
+{
+    return std::ranges::any_of(knownTexts(), [&text](const QString &pattern) { return matches(pattern, text); });
+}
+
+} // namespace harrowby::test

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "support/till.h"
+
+#include "host/inv_basic.h"
+
+#include <harrowby/sqlite_connection.h>
+
+#include <QAbstractButton>
+#include <QLineEdit>
+
+#include <sqlite3.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::test {
+
+namespace {
+
+constexpr int lockWaitMs = 20000;
+
+std::shared_ptr<MemorySettings> quietSettings()
+{
+    auto settings = std::make_shared<MemorySettings>();
+    settings->save(u"Option"_s, u"UsePOSforReceipt"_s, u"0"_s);
+    return settings;
+}
+
+} // namespace
+
+Till::Till(const QString &path) : m_database(path)
+{
+    sqlite3_busy_timeout(m_database.handle(), lockWaitMs);
+    m_database.run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL"_s);
+    m_connection = std::make_shared<ReportingConnection>(std::make_shared<SqliteConnection>(m_database.handle()));
+    m_answers.answerTheRest([](const QString &) { return Answer::Yes; });
+    InvBasic::setConnection(m_connection);
+    m_window = std::make_unique<Inventory>(Platform{m_boxes, quietSettings(), std::make_shared<PaperPrinters>(),
+                                                    m_clock, std::make_shared<ObjectRegistry>()});
+    m_window->load();
+    m_window->show();
+}
+
+Till::~Till()
+{
+    m_window.reset();
+    InvBasic::setConnection(nullptr);
+}
+
+void Till::reportStatements()
+{
+    m_connection->before = [](const QString &statement) { say(u"B "_s + statement); };
+    m_connection->after = [](const QString &statement, bool done) { say((done ? u"A1 "_s : u"A0 "_s) + statement); };
+}
+
+void Till::logIn(const QString &name, const QString &password)
+{
+    m_window->controls().Text3->setText(name);
+    m_window->controls().Text4->setText(password);
+    click(u"Command28"_s);
+}
+
+void Till::sell(QRandomGenerator &random)
+{
+    for (int units = random.bounded(1, 7); units > 0; --units)
+        click(u"Command1_%1"_s.arg(random.bounded(9)));
+    click(u"Command14"_s);
+    m_clock->time = m_clock->time.addSecs(1);
+}
+
+void Till::click(const QString &name) const
+{
+    m_window->findChild<QAbstractButton *>(name)->click();
+}
+
+void say(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    if (::write(STDOUT_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size())) != bytes.size())
+        ::_exit(1); // nobody listens any more
+}
+
+void TillReport::read(const QByteArray &lines)
+{
+    // A line that was cut off is none.
+    for (const QByteArray &bytes : lines.first(lines.lastIndexOf('\n') + 1).split('\n')) {
+        const QString line = QString::fromUtf8(bytes);
+        if (line.startsWith(u"B "_s)) {
+            underWay = line.sliced(2);
+        } else if (line.startsWith(u"A1 "_s) || line.startsWith(u"A0 "_s)) {
+            (line.at(1) == u'1' ? done : failed) << line.sliced(3);
+            underWay.clear();
+        } else if (!line.isEmpty()) {
+            messages << line;
+        }
+    }
+}
+
+} // namespace harrowby::test

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/box_queue.h"
+#include "support/database.h"
+#include "support/doubles.h"
+#include "support/reporting_connection.h"
+#include "ui/inventory.h"
+
+#include <QRandomGenerator>
+#include <QStringList>
+
+#include <memory>
+
+namespace harrowby::test {
+
+/// One store's till at a file that others use too: the real window, in a process of its own. The connection is set as
+/// a shop's is: write-ahead log, synchronous FULL, a bounded wait for a lock. Every question is answered with Yes.
+class Till
+{
+public:
+    explicit Till(const QString &path);
+    ~Till();
+    Till(const Till &) = delete;
+    Till &operator=(const Till &) = delete;
+
+    /// Tells the process at the other end of the standard output of every statement that writes: "B" and the
+    /// statement before it is begun, "A1" or "A0" and the statement after it.
+    void reportStatements();
+    void logIn(const QString &name, const QString &password);
+    /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
+    void sell(QRandomGenerator &random);
+    [[nodiscard]] const FormState &state() const { return m_window->state(); }
+
+private:
+    void click(const QString &name) const;
+
+    Database m_database;
+    std::shared_ptr<ReportingConnection> m_connection;
+    std::shared_ptr<QtBoxes> m_boxes = std::make_shared<QtBoxes>();
+    BoxQueue m_answers{*m_boxes};
+    std::shared_ptr<FrozenClock> m_clock = std::make_shared<FrozenClock>();
+    std::unique_ptr<Inventory> m_window;
+};
+
+/// Writes a line to the standard output, unbuffered.
+void say(const QString &line);
+
+/// What a till's process said, taken apart.
+struct TillReport
+{
+    QStringList done;     ///< statements that had been done, in order
+    QStringList failed;   ///< statements that had failed
+    QString underWay;     ///< the one that was begun and of which nothing more was heard
+    QStringList messages; ///< the other lines
+
+    void read(const QByteArray &lines);
+};
+
+} // namespace harrowby::test

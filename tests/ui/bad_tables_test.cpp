@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "support/counter.h"
+#include "support/database.h"
+#include "support/known_boxes.h"
+
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+
+#include <QCheckBox>
+#include <QLabel>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::test;
+
+namespace {
+
+const QStringList tables{u"StockList"_s, u"InventoryCategory"_s, u"PurchaseCart"_s, u"StoreSettings"_s,
+                         u"Users"_s,     u"SysUsage"_s};
+
+void fillShop(const ShopFile &shop)
+{
+    for (int i = 0; i < 12; ++i)
+        shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1250.5, 10 + i, i % 2 == 0 ? u"TEA"_s : u"SNACKS"_s);
+    shop.addItem(u"B1"_s, u"BREAD, FINISHED"_s, 1, 0);
+    shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA',''),('SNACKS','');"
+             "INSERT INTO PurchaseCart VALUES ('HV1','1 x A1  |  ITEM 11 = 3.00',1,3,'180305080000','ADMINISTRATOR');"
+             "UPDATE StoreSettings SET ShowDetails = 1, Promptreorder = 1"_s);
+}
+
+/// What stands in a column where something else belongs.
+const QList<std::pair<const char *, QString>> &oddValues()
+{
+    static const QList<std::pair<const char *, QString>> values{
+        {"text", u"'a few, or more'"_s},
+        {"empty", u"''"_s},
+        {"null", u"NULL"_s},
+        {"blob", u"X'00FF27C3280D0A'"_s},
+        {"NUL inside", u"CAST(X'4100420D0A43' AS TEXT)"_s},
+        {"10,000 characters", u"replace(hex(zeroblob(5000)), '0', 'W')"_s},
+        {"10,000 words", u"replace(hex(zeroblob(5000)), '00', 'tea ')"_s},
+        {"emoji", u"'🍎👩‍👩‍👧‍👦🇬🇧'"_s},
+        {"right to left", u"'שלום ABC مرحبا 12'"_s},
+        {"markup", u"'<b>M & M</b>|  |'"_s},
+        {"quote", u"'x'' or ''a''=''a'"_s},
+        {"infinite", u"9e999"_s},
+        {"huge", u"1e300"_s},
+        {"huge negative", u"-1e300"_s},
+        {"largest integer", u"9223372036854775807"_s},
+    };
+    return values;
+}
+
+} // namespace
+
+/// Whatever a table is missing or holds: the window loads, sells what can be sold, and says nothing of it.
+class BadTablesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void day_data();
+    void day();
+
+private:
+    void addRows(const QString &table, const QStringList &columns);
+    void sell(Counter &counter);
+    void lookAround(Counter &counter);
+    void checkWhatWorks(const Counter &counter, const QString &table) const;
+
+    QStringList m_strangeBoxes;
+};
+
+void BadTablesTest::day_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QString>("damage");
+    QTest::newRow("none") << QString() << QString();
+    const ShopFile shop;
+    for (const QString &table : tables) {
+        QTest::addRow("no %s", qPrintable(table)) << table << u"DROP TABLE "_s + table;
+        QTest::addRow("empty %s", qPrintable(table)) << table << u"DELETE FROM "_s + table;
+        addRows(table, shop.rows(u"SELECT name FROM pragma_table_info('%1')"_s.arg(table)));
+    }
+}
+
+void BadTablesTest::addRows(const QString &table, const QStringList &columns)
+{
+    for (const QString &column : columns) {
+        const QString name = table + u'.' + column;
+        QTest::addRow("no %s", qPrintable(name)) << table << u"ALTER TABLE %1 DROP COLUMN %2"_s.arg(table, column);
+        for (const auto &[what, value] : oddValues())
+            QTest::addRow("%s in %s", what, qPrintable(name))
+                << table << u"UPDATE %1 SET %2 = %3"_s.arg(table, column, value);
+    }
+    for (const auto &[what, value] : oddValues()) {
+        QStringList all;
+        for (const QString &column : columns)
+            all << column + u" = "_s + value;
+        QTest::addRow("%s in all of %s", what, qPrintable(table))
+            << table << u"UPDATE "_s + table + u" SET "_s + all.join(u", "_s);
+    }
+}
+
+void BadTablesTest::sell(Counter &counter)
+{
+    for (const char *button : {"Command1_0", "Command1_1", "Command1_1", "Command1_8"})
+        counter.click(button);
+    auto *cart = counter.find<RowList>("LV3");
+    cart->selectRow(0);
+    QTest::keyClick(cart, Qt::Key_Return);
+    counter.click("Command12");
+    counter.click("Command1_2");
+    counter.click("Command14");
+    counter.click("Command14");
+}
+
+void BadTablesTest::lookAround(Counter &counter)
+{
+    for (const char *page : {"CmdNext", "CmdNext", "CmdPrev", "CmdPrev"})
+        counter.click(page);
+    for (const char *category : {"TEA", "no such", "(ALL CATEGORY)"})
+        counter.setText("Combo1", QString::fromLatin1(category));
+    auto *categories = counter.find<PickList>("Combo1");
+    for (int key = 0; key < 3; ++key)
+        QTest::keyClick(categories, Qt::Key_Down);
+    for (int tab = 5; tab >= 1; --tab)
+        counter.chooseTab("TabStrip1", tab);
+    for (int tab = 2; tab >= 1; --tab)
+        counter.chooseTab("TabStrip2", tab);
+    QTest::mouseClick(counter.find<QLabel>("Label6_9"), Qt::LeftButton);
+    for (const char *button : {"Command20", "Command11", "Command18"})
+        counter.click(button);
+    counter.window().grab(); // painting too
+}
+
+void BadTablesTest::checkWhatWorks(const Counter &counter, const QString &table) const
+{
+    const ShopFile &shop = counter.file;
+    if (table != "Users"_L1)
+        QCOMPARE(counter.text("StatusBar1_1"), u"User: ADMINISTRATOR"_s);
+    if (table == "Users"_L1 || table == "StockList"_L1)
+        return;
+    QCOMPARE(shop.cell(u"SELECT sum(StockAvailable) FROM StockList"_s), u"183"_s); // 186, and three were sold
+    if (table != "PurchaseCart"_L1)
+        QCOMPARE(shop.cell(u"SELECT PurchasedItemsTotal FROM PurchaseCart WHERE PurchaseID <> 'HV1'"_s), u"2"_s);
+    if (table != "SysUsage"_L1)
+        QVERIFY(shop.cell(u"SELECT count(*) FROM SysUsage"_s).toInt() > 4);
+}
+
+void BadTablesTest::day()
+{
+    QFETCH(QString, table);
+    QFETCH(QString, damage);
+    m_strangeBoxes.clear();
+    Counter counter;
+    counter.settings->values.clear(); // receipts too
+    fillShop(counter.file);
+    counter.file.sql(damage);
+    counter.boxes.answerTheRest([this](const QString &text) {
+        if (!isKnownBox(text))
+            m_strangeBoxes << text;
+        return text.startsWith(u"Close"_s) ? Answer::No : Answer::Yes;
+    });
+    counter.open();
+    counter.click("Command1_0"); // refused
+    counter.logIn();
+    sell(counter);
+    checkWhatWorks(counter, table);
+    lookAround(counter);
+    counter.chooseTab("TabStrip1", 1);
+    counter.click("Command1_3");
+    counter.click("Command27");
+    counter.window().close();
+    QCOMPARE(m_strangeBoxes, QStringList());
+    QCOMPARE(counter.file.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
+    counter.close();
+    QVERIFY(!counter.isOpen());
+}
+
+QTEST_MAIN(BadTablesTest)
+#include "bad_tables_test.moc"
