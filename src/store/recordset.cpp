@@ -71,6 +71,8 @@ struct DbRecordset::Private
     void addRow() noexcept;
     void changeRow() noexcept;
     void fail(DbFailure::Kind kind, const QString &statement, const QString &reason) const noexcept;
+    /// What the next Update() does to the table, for its failures.
+    [[nodiscard]] QString verb() const { return standing == Standing::Adding ? u"INSERT "_s : u"UPDATE "_s; }
 };
 
 /// Replaces the rows. What fails leaves none.
@@ -287,7 +289,7 @@ void DbField::assign(DbValue value)
     // Skipped alone, so that a row is not lost for one column that a table lacks. After a refused SELECT the columns
     // are not known, and the engine judges.
     if (!d.hasFailed && d.rows.columns() > 0 && d.rows.column(m_name) < 0)
-        return d.fail(DbFailure::Kind::Write, u"UPDATE "_s + d.table, u"there is no column "_s + m_name);
+        return d.fail(DbFailure::Kind::Write, d.verb() + d.table, u"there is no column "_s + m_name);
     if (d.standing != DbRecordset::Private::Standing::Found || d.hasRow())
         put(d.assigned, m_name, std::move(value));
 }

@@ -2,6 +2,7 @@
 #include "scripted_connection.h"
 
 #include "store/recordset.h"
+#include "store/statements.h"
 
 #include <QTest>
 
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void faultOfWriting_data();
     void faultOfWriting();
     void handlerMayThrow();
+    void passwordsAreNotTold();
     void handlerMayReplaceItself();
     void executes();
 
@@ -209,6 +211,18 @@ void TestRecordsetFaults::handlerMayThrow()
     m_connection->setFailureHandler([](const DbFailure &) { throw 42; }); // NOLINT: hosts may throw anything
     rows.Open(everything, m_connection);
     QCOMPARE(rows.RecordCount(), 0);
+}
+
+void TestRecordsetFaults::passwordsAreNotTold()
+{
+    DbRecordset rows;
+    rows.Open(statements::login(u"ANN"_s, u"SEC'RET"_s), m_connection);
+    m_connection->faults[u"query"_s] = Fault::Failure;
+    rows.Open(statements::login(u"ANN"_s, u"SECRET"_s), m_connection);
+    QCOMPARE(m_connection->failures.size(), 2u);
+    for (const DbFailure &failure : m_connection->failures)
+        QVERIFY(!failure.statement.contains(u"SEC"_s));
+    QVERIFY(m_connection->failures.front().statement.contains(u"'ANN'"_s));
 }
 
 void TestRecordsetFaults::handlerMayReplaceItself()

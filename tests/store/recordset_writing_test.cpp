@@ -55,12 +55,12 @@ void TestRecordsetWriting::assignsInOrderAndOnlyAssigned()
     DbRecordset rows;
     rows.Open(everything, m_connection);
     rows.AddNew();
-    rows.Field(u"Z"_s).assign(u"1"_s);
-    rows.Field(u"A"_s).assign(2.5);
-    rows.Field(u"z"_s).assign(std::int64_t(3));
+    rows.Field(u"Name"_s).assign(u"1"_s);
+    rows.Field(u"ID"_s).assign(2.5);
+    rows.Field(u"name"_s).assign(std::int64_t(3));
     rows.Update();
     QCOMPARE(m_connection->table, u"StockList"_s);
-    const DbAssignments expected{{u"Z"_s, std::int64_t(3)}, {u"A"_s, 2.5}};
+    const DbAssignments expected{{u"Name"_s, std::int64_t(3)}, {u"ID"_s, 2.5}};
     QVERIFY(m_connection->written == expected);
 }
 

@@ -41,6 +41,16 @@ void TestStatements::hasExactText_data()
     row("categories", categories(), "Select * from InventoryCategory");
     row("categories by name", categoriesByName(), "Select * from InventoryCategory Order By CategoryName ASC");
 
+    row("add category", addCategory(u"FOOD"_s, u"2026-11-15 05:31:00"_s),
+        "Insert Into InventoryCategory (CategoryName, EntryDate) Values ('FOOD', '2026-11-15 05:31:00')");
+    row("rename category", renameCategory(u"BREAD"_s, u"Food"_s),
+        "Update InventoryCategory SET CategoryName = 'BREAD' where CategoryName = 'Food'");
+    row("delete category", deleteCategory(u"Food"_s), "Delete from InventoryCategory where CategoryName = 'Food'");
+    row("move stock", moveStock(u"BREAD"_s, u"Food"_s),
+        "Update StockList SET StockCategory = 'BREAD' where StockCategory = 'Food'");
+    row("move stock to other", moveStockToOther(u"Food"_s),
+        "Update StockList Set StockCategory = 'OTHER CATEGORY' where StockCategory = 'Food'");
+
     row("stock by ID", stockById(u"BEV-0001"_s), "Select * from StockList where StockID = 'BEV-0001'");
     row("available stock", availableStock(u"12"_s, u"MILK"_s),
         "Select * from Stocklist where StockUse = 'Enabled' and StockID = '12'  and StockName = 'MILK'");
