@@ -7,7 +7,7 @@
 #include "notice_place.h"
 
 #include <QAccessible>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -135,7 +135,10 @@ void FailureNotice::keepClear()
     if (screen == nullptr)
         return;
     const QRect area = screen->availableGeometry();
-    const QList<QRect> totals = window != nullptr ? visibleTotals(*window) : QList<QRect>();
+    QList<QRect> totals = window != nullptr ? visibleTotals(*window) : QList<QRect>();
+    // A box waits for its answer, and the notice cannot be dismissed meanwhile.
+    if (const QWidget *box = QApplication::activeModalWidget())
+        totals << box->frameGeometry();
     const QRect frame = window != nullptr ? window->frameGeometry() : area;
     const QPoint place = noticePlace(size(), frame, area, totals);
     if (place == m_askedFor)

@@ -66,9 +66,9 @@ QString failureReason(const DbFailure &failure)
 
 QString failureAdvice(const DbFailure &failure)
 {
-    switch (failure.engineCode & 0xff) {
-    case 0:
+    if (failure.engineCode == 0 && failure.reason.contains(u"text value"_s))
         return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
+    switch (failure.engineCode & 0xff) {
     case SQLITE_FULL:
         return u"The disk is full. Free some space, then do the step again."_s;
     case SQLITE_BUSY:

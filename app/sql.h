@@ -29,7 +29,7 @@ using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 
 enum class OpenMode {
     Read,       ///< never writes
-    ReadFrozen, ///< never writes, takes no lock, makes no helper file; only for a file that nobody has open
+    ReadFrozen, ///< never writes, takes no lock, puts no file beside it; only for a file that nobody has open
     Write,
     Create, ///< as Write, and makes the file when it is missing
 };

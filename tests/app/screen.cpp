@@ -46,8 +46,9 @@ bool Screen::start(const QString &size)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DISPLAY"_s, m_display);
     m_manager.setProcessEnvironment(environment);
-    m_manager.start(u"openbox"_s, {});
-    return m_manager.waitForStarted(patience);
+    // It says so when it is ready: a window that comes before it is never given the focus.
+    m_manager.start(u"openbox"_s, {u"--startup"_s, u"echo ready"_s});
+    return m_manager.waitForReadyRead(patience);
 }
 
 void Screen::input(const QStringList &arguments) const

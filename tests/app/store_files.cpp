@@ -55,6 +55,14 @@ void runAll(const QString &path, const QStringList &statements)
     }
 }
 
+void makeBigStore(const QString &path)
+{
+    makeStore(path);
+    runAll(path,
+           {u"INSERT INTO SysUsage WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 4000) "
+            "SELECT printf('line %d of many, long enough to fill pages', i), '', '' FROM n"_s});
+}
+
 QStringList column(const QString &path, const QString &select)
 {
     Database database;

@@ -15,6 +15,9 @@ namespace harrowby::app::test {
 /// A new store in the usual way, with one item of stock. Fails the test when it cannot be made.
 void makeStore(const QString &path);
 
+/// The same, with enough rows to have many pages.
+void makeBigStore(const QString &path);
+
 /// Opens the file, runs the statements and closes it. Fails the test when one fails.
 void runAll(const QString &path, const QStringList &statements);
 

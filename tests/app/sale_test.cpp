@@ -180,4 +180,4 @@ void SaleTest::demoShopTellsHowToLogIn()
 }
 
 QTEST_GUILESS_MAIN(SaleTest)
-#include "tst_app_sale.moc"
+#include "sale_test.moc"

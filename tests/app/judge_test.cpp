@@ -9,7 +9,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -35,15 +34,6 @@ void writeFile(const QString &path, const QByteArray &content)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(content), content.size());
-}
-
-/// A store with enough rows to have many pages.
-void makeBigStore(const QString &path)
-{
-    makeStore(path);
-    runAll(path,
-           {u"INSERT INTO SysUsage WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 4000) "
-            "SELECT printf('line %d of many, long enough to fill pages', i), '', '' FROM n"_s});
 }
 
 /// Drops a table, and leaves the change in the log.
@@ -91,23 +81,15 @@ private Q_SLOTS:
     void everyTableAndColumnIsMissed_data();
     void everyTableAndColumnIsMissed();
     void goodFileIsOpenedAndUntouchedByJudging();
-    void cleanStoreIsJudgedWithoutHelperFiles();
+    void cleanStoreIsJudgedWithoutNewFiles();
     void folderInsteadOfFile();
     void linkToNothing();
     void readOnlyFile();
     void readOnlyLog();
     void unreadableFile();
     void folderThatCannotBeWritten();
-    void lockedByAnotherProgram_data();
-    void lockedByAnotherProgram();
-    void logOfACrashIsRecovered();
-    void journalOfACrashIsRecovered();
-    void foreignFileKeepsItsIdentityAndGetsIndexes();
-    void newerSchemaVersionOpens();
     void rowsThatBreakARuleAreNoDamage();
     void checkOfABigFileIsBounded();
-    void openStoreIsSetToLoseNothing();
-    void readerInRollbackModeMeansExtra();
     void linkedStoreIsJudgedWhereItLies();
 
 private:
@@ -243,7 +225,7 @@ void JudgeTest::goodFileIsOpenedAndUntouchedByJudging()
     QCOMPARE(readText(database.get(), u"SELECT StockName FROM StockList"_s), u"TEA"_s);
 }
 
-void JudgeTest::cleanStoreIsJudgedWithoutHelperFiles()
+void JudgeTest::cleanStoreIsJudgedWithoutNewFiles()
 {
     makeStore(path());
     QVERIFY(!judge(path()));
@@ -307,127 +289,6 @@ void JudgeTest::folderThatCannotBeWritten()
     QCOMPARE(::chmod(QFile::encodeName(m_folder->path()).constData(), 0755), 0);
 }
 
-void JudgeTest::lockedByAnotherProgram_data()
-{
-    QTest::addColumn<QString>("lock");
-    QTest::newRow("log, kept exclusively")
-        << u"PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; UPDATE StockList SET StockAvailable = 1;"_s;
-    QTest::newRow("log, a long change") << u"BEGIN IMMEDIATE; UPDATE StockList SET StockAvailable = 1;"_s;
-    QTest::newRow("journal, kept exclusively")
-        << u"PRAGMA journal_mode = DELETE; BEGIN EXCLUSIVE; UPDATE StockList SET StockAvailable = 1;"_s;
-    QTest::newRow("journal, a long change")
-        << u"PRAGMA journal_mode = DELETE; BEGIN IMMEDIATE; UPDATE StockList SET StockAvailable = 1;"_s;
-}
-
-void JudgeTest::lockedByAnotherProgram()
-{
-    QFETCH(QString, lock);
-    makeStore(path());
-    QProcess other;
-    other.start(u"sqlite3"_s, {path()});
-    other.write(lock.toUtf8() + "\nSELECT 'held';\n");
-    QByteArray heard;
-    while (!heard.contains("held")) {
-        QVERIFY(other.waitForReadyRead());
-        heard += other.readAllStandardOutput();
-    }
-
-    const QByteArray before = bytesOf(path()).file;
-    BusyWait wait(shortWait);
-    Database database;
-    const auto problem = openStore(path(), wait, database);
-    QVERIFY(problem);
-    QVERIFY2(problem->kind == ProblemKind::Locked, qPrintable(problem->text));
-    QVERIFY(problem->text.contains(path()));
-    QVERIFY(bytesOf(path()).file == before);
-
-    other.kill();
-    QVERIFY(other.waitForFinished());
-    wait.refill();
-    const auto later = openStore(path(), wait, database);
-    QVERIFY2(!later, later ? qPrintable(later->text) : "");
-    QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"20"_s);
-}
-
-void JudgeTest::logOfACrashIsRecovered()
-{
-    const QString live = path(u"live.sqlite"_s);
-    makeStore(live);
-    {
-        Database database;
-        QVERIFY(!openDatabase(live, OpenMode::Write, database));
-        QVERIFY(!runSql(database.get(), u"UPDATE StockList SET StockAvailable = 7"_s));
-        copyAsAfterCrash(live, path());
-    }
-    QVERIFY(QFile(logFileOf(path())).size() > 0);
-    const Bytes before = bytesOf(path());
-    QVERIFY(!judge(path()));
-    QVERIFY(bytesOf(path()) == before);
-    BusyWait wait(shortWait);
-    Database database;
-    QVERIFY(!openStore(path(), wait, database));
-    QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"7"_s);
-}
-
-void JudgeTest::journalOfACrashIsRecovered()
-{
-    const QString live = path(u"live.sqlite"_s);
-    makeBigStore(live);
-    {
-        Database database;
-        QVERIFY(!openDatabase(live, OpenMode::Write, database));
-        QVERIFY(!runSql(database.get(), u"PRAGMA journal_mode = DELETE"_s));
-        QVERIFY(!runSql(database.get(), u"PRAGMA cache_size = 5"_s)); // the change spills into the file
-        QVERIFY(!runSql(database.get(), u"BEGIN"_s));
-        QVERIFY(!runSql(database.get(), u"UPDATE SysUsage SET SystemUsage = SystemUsage || 'half done'"_s));
-        copyAsAfterCrash(live, path());
-    }
-    QVERIFY(QFile(journalOf(path())).size() > 0);
-    BusyWait wait(shortWait);
-    Database database;
-    const auto problem = openStore(path(), wait, database);
-    QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
-    QCOMPARE(readText(database.get(), u"SELECT count(*) FROM SysUsage WHERE SystemUsage LIKE '%half done'"_s), u"0"_s);
-    QCOMPARE(readText(database.get(), u"PRAGMA integrity_check"_s), u"ok"_s);
-}
-
-void JudgeTest::foreignFileKeepsItsIdentityAndGetsIndexes()
-{
-    QStringList statements = {u"PRAGMA application_id = 77"_s, u"PRAGMA user_version = 42"_s};
-    for (const StoreTable &table : storeTables()) {
-        // Another order, other types, other capitals, and columns of its own.
-        QStringList columns = {u"Extra INTEGER PRIMARY KEY"_s};
-        for (qsizetype i = table.columns.size(); i > 0; --i)
-            columns << table.columns.at(i - 1).toUpper() + u" VARCHAR(50)"_s;
-        statements << u"CREATE TABLE %1 (%2)"_s.arg(table.name.toLower(), columns.join(u','));
-    }
-    statements << u"CREATE UNIQUE INDEX their_own ON [stocklist] ( \"stockid\" )"_s
-               << u"CREATE INDEX harrowby_purchase_id ON PurchaseCart (Users)"_s;
-    runAll(path(), statements);
-
-    BusyWait wait(shortWait);
-    Database database;
-    const auto problem = openStore(path(), wait, database);
-    QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
-    QCOMPARE(readText(database.get(), u"PRAGMA application_id"_s), u"77"_s);
-    QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"42"_s);
-    // One of ours is theirs already; the old one that bears our name is made anew.
-    QCOMPARE(readText(database.get(), u"SELECT count(*) FROM sqlite_master WHERE name LIKE 'harrowby_%'"_s).toInt(),
-             storeIndexes().size() - 1);
-    QVERIFY(readText(database.get(), u"SELECT sql FROM sqlite_master WHERE name = 'harrowby_purchase_id'"_s)
-                .contains(u"(PurchaseID)"_s));
-}
-
-void JudgeTest::newerSchemaVersionOpens()
-{
-    makeStore(path());
-    runAll(path(), {u"PRAGMA user_version = 900"_s, u"ALTER TABLE StockList ADD COLUMN Shelf"_s});
-    BusyWait wait(shortWait);
-    Database database;
-    QVERIFY(!openStore(path(), wait, database));
-    QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"900"_s);
-}
-
 void JudgeTest::rowsThatBreakARuleAreNoDamage()
 {
     makeStore(path());
@@ -447,34 +308,6 @@ void JudgeTest::checkOfABigFileIsBounded()
     QVERIFY(!judgeStore(path(), wait, 0ms));
 }
 
-void JudgeTest::openStoreIsSetToLoseNothing()
-{
-    makeStore(path());
-    runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
-    BusyWait wait(shortWait);
-    Database database;
-    QVERIFY(!openStore(path(), wait, database));
-    QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"wal"_s);
-    QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"2"_s);
-}
-
-void JudgeTest::readerInRollbackModeMeansExtra()
-{
-    makeStore(path());
-    runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
-    Database reader;
-    QVERIFY(!openDatabase(path(), OpenMode::Read, reader));
-    SqlQuery reading(reader.get(), u"SELECT * FROM StockList"_s);
-    QVERIFY(reading.next());
-
-    BusyWait wait(shortWait);
-    Database database;
-    const auto problem = openStore(path(), wait, database);
-    QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
-    QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"delete"_s);
-    QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"3"_s);
-}
-
 void JudgeTest::linkedStoreIsJudgedWhereItLies()
 {
     QVERIFY(QDir().mkdir(path(u"real"_s)));
@@ -487,4 +320,4 @@ void JudgeTest::linkedStoreIsJudgedWhereItLies()
 }
 
 QTEST_GUILESS_MAIN(JudgeTest)
-#include "tst_app_judge.moc"
+#include "judge_test.moc"

@@ -136,4 +136,4 @@ void BusyWaitTest::sleeperThatThrowsEndsTheWait()
 }
 
 QTEST_GUILESS_MAIN(BusyWaitTest)
-#include "tst_app_busy_wait.moc"
+#include "busy_wait_test.moc"

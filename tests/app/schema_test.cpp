@@ -207,4 +207,4 @@ void SchemaTest::indexesAreMadeOnce()
 }
 
 QTEST_GUILESS_MAIN(SchemaTest)
-#include "tst_app_schema.moc"
+#include "schema_test.moc"

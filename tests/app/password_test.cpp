@@ -80,4 +80,4 @@ void PasswordTest::refusedPassword()
 }
 
 QTEST_GUILESS_MAIN(PasswordTest)
-#include "tst_app_password.moc"
+#include "password_test.moc"

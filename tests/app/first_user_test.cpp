@@ -122,4 +122,4 @@ void FirstUserTest::namesTheFile()
 }
 
 QTEST_MAIN(FirstUserTest)
-#include "tst_app_first_user.moc"
+#include "first_user_test.moc"

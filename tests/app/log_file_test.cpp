@@ -132,4 +132,4 @@ void LogFileTest::otherMessagesGoWhereTheyWent()
 }
 
 QTEST_GUILESS_MAIN(LogFileTest)
-#include "tst_app_log_file.moc"
+#include "log_file_test.moc"

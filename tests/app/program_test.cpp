@@ -196,4 +196,4 @@ void ProgramTest::readOnlyStoreOfAnotherUser()
 }
 
 QTEST_GUILESS_MAIN(ProgramTest)
-#include "tst_app_program.moc"
+#include "program_test.moc"

@@ -99,4 +99,4 @@ void CommandLineTest::helpNamesEveryOption()
 }
 
 QTEST_GUILESS_MAIN(CommandLineTest)
-#include "tst_app_command_line.moc"
+#include "command_line_test.moc"

@@ -190,4 +190,4 @@ void DemoTest::loginTextNamesEveryUser()
 }
 
 QTEST_GUILESS_MAIN(DemoTest)
-#include "tst_app_demo.moc"
+#include "demo_test.moc"

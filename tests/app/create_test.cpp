@@ -134,4 +134,4 @@ void CreateTest::logWithoutItsFileIsNotTouched()
 }
 
 QTEST_GUILESS_MAIN(CreateTest)
-#include "tst_app_create.moc"
+#include "create_test.moc"

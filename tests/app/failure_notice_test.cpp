@@ -4,6 +4,7 @@
 #include "notice_place.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void words();
     void advice_data();
     void advice();
+    void adviceOnAQuoteInAName();
     void longReasonIsCutShort();
     void firstFailureShowsTheWindow();
     void readsAreNotShown();
@@ -66,6 +68,7 @@ private Q_SLOTS:
     void textIsPlain();
     void keepsClearOfTheTotal();
     void movesAsideWhenATotalComes();
+    void keepsClearOfABoxInFront();
     void place_data();
     void place();
 
@@ -117,7 +120,7 @@ void FailureNoticeTest::advice_data()
     QTest::newRow("disk") << SQLITE_IOERR_FSYNC << u"Check the disk"_s;
     QTest::newRow("lost table") << SQLITE_ERROR << u"missing"_s;
     QTest::newRow("rule") << SQLITE_CONSTRAINT_UNIQUE << u"rule"_s;
-    QTest::newRow("refused before the engine") << 0 << u"single quote"_s;
+    QTest::newRow("lost column") << 0 << u"missing"_s;
 }
 
 void FailureNoticeTest::advice()
@@ -126,6 +129,12 @@ void FailureNoticeTest::advice()
     QFETCH(QString, word);
     const QString found = failureAdvice(writeFailure(lowerStock, code));
     QVERIFY2(found.contains(word), qPrintable(found));
+}
+
+void FailureNoticeTest::adviceOnAQuoteInAName()
+{
+    const DbFailure refused = writeFailure(lowerStock, 0, u"a text value contains a single quote"_s);
+    QVERIFY(failureAdvice(refused).contains(u"Change the name"_s));
 }
 
 void FailureNoticeTest::longReasonIsCutShort()
@@ -243,6 +252,18 @@ void FailureNoticeTest::movesAsideWhenATotalComes()
     QTRY_VERIFY(!onScreen(notice).intersects(onScreen(*till.total)));
 }
 
+void FailureNoticeTest::keepsClearOfABoxInFront()
+{
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    const QRect before = onScreen(notice);
+    QDialog box;
+    box.setModal(true);
+    box.setGeometry(before);
+    box.show();
+    QTRY_VERIFY(!onScreen(notice).intersects(box.frameGeometry()));
+}
+
 void FailureNoticeTest::place_data()
 {
     QTest::addColumn<QRect>("window");
@@ -265,4 +286,4 @@ void FailureNoticeTest::place()
 }
 
 QTEST_MAIN(FailureNoticeTest)
-#include "tst_app_failure_notice.moc"
+#include "failure_notice_test.moc"
