@@ -45,8 +45,21 @@ Controls::Controls(QMainWindow &form)
     createLogin(form);
     layOut(*stage);
     setTabOrder();
-    applyTillStyle(form);
+    dress(form);
     form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));
+}
+
+/// After all else: a control that is made under a style sheet reads it before it has the name by which the sheet
+/// knows it, and one that is shown before it has a style sheet is dressed twice.
+void Controls::dress(QMainWindow &form)
+{
+    for (Panel *panel : form.findChildren<Panel *>()) {
+        if (panel != Frame1 && panel != Frame2 && panel != Frame4)
+            panel->dressWhenShown();
+    }
+    applyTillStyle(form);
+    Frame1->show();
+    Frame2->show();
 }
 
 void Controls::createWindowFrame(QMainWindow &form)
@@ -107,7 +120,6 @@ void Controls::createWorkPanels(QWidget &stage)
           std::pair(&Frame2, u"Frame2"_s), std::pair(&Frame7, u"Frame7"_s), std::pair(&Frame8, u"Frame8"_s),
           std::pair(&Frame10, u"Frame10"_s), std::pair(&Frame11, u"Frame11"_s), std::pair(&Frame13, u"Frame13"_s)})
         *panel = makePanel(stage, name);
-    Frame1->show();
     createQuickSales();
     createCustomSale();
     createSearchResult();

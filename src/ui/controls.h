@@ -167,6 +167,7 @@ private:
     void createLogin(QMainWindow &form);
     void layOut(QWidget &stage);
     void setTabOrder();
+    void dress(QMainWindow &form);
 };
 
 } // namespace harrowby

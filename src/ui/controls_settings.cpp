@@ -2,18 +2,36 @@
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/entry_edit.h"
+#include "ui/widgets/name_list.h"
 #include "ui/widgets/pick_list.h"
 
 #include <QCheckBox>
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
+
+namespace {
+
+constexpr int kWidestPage = 960; ///< on a wide screen the fields stay as long as what is entered in them
+
+/// The grid of a page that leaves free what room its panel has beyond that.
+QGridLayout *makePage(QFrame *panel)
+{
+    auto *page = new QWidget(panel);
+    page->setMaximumWidth(kWidestPage);
+    makeColumn(panel)->addWidget(page);
+    auto *grid = new QGridLayout(page);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(kGap);
+    return grid;
+}
+
+} // namespace
 
 void Controls::createSettings()
 {
@@ -26,13 +44,10 @@ void Controls::createSettings()
     Combo9 = makePickList(Frame9, u"Combo9"_s, QObject::tr("Receipt printer"));
     Command18 = makePrimaryButton(Frame9, u"Command18"_s, u"Save Settings"_s);
 
-    List2 = new QListWidget(Frame9);
+    List2 = new NameList(Frame9);
     List2->setObjectName(u"List2"_s);
     List2->setAccessibleName(QObject::tr("Categories"));
     List2->setMinimumHeight(100);
-    List2->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    List2->setTextElideMode(Qt::ElideRight);
-    List2->setUniformItemSizes(true);
     Combo16 = makePickList(Frame9, u"Combo16"_s, QObject::tr("Name of the new category"));
     Command2 = makeButton(Frame9, u"Command2"_s, QObject::tr("Add"));
     Command2->setAccessibleName(QObject::tr("Add category"));
@@ -43,7 +58,7 @@ void Controls::createSettings()
     Combo17 = makePickList(Frame9, u"Combo17"_s, QObject::tr("Purchase to delete"));
     Command4 = makeButton(Frame9, u"Command4"_s, QObject::tr("Delete Purchase"));
 
-    QGridLayout *grid = makeGrid(Frame9);
+    QGridLayout *grid = makePage(Frame9);
     grid->addWidget(Check1, 0, 0, 1, 4);
     grid->addWidget(Check2, 1, 0, 1, 2);
     grid->addWidget(Check3, 1, 2, 1, 2);

@@ -3,6 +3,7 @@
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/link_label.h"
 #include "ui/widgets/panel.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
@@ -32,9 +33,10 @@ QLabel *makeElement(QWidget *parent, int index, const QString &text)
     return label;
 }
 
-ElidedLabel *makeFigure(QWidget *parent, int index, const QString &text, const QLabel &caption)
+template <typename Figure = ElidedLabel>
+Figure *makeFigure(QWidget *parent, int index, const QString &text, const QLabel &caption)
 {
-    auto *figure = new ElidedLabel(parent);
+    auto *figure = new Figure(parent);
     figure->setObjectName(elementName(u"Label6"_s, index));
     figure->setText(text);
     figure->setAccessibleDescription(caption.text());
@@ -86,7 +88,6 @@ void Controls::createSideArea()
     column->addWidget(TabStrip2);
     column->addLayout(shared, 1);
     createDashboard();
-    Frame2->show();
 }
 
 void Controls::createCart()
@@ -145,9 +146,7 @@ void Controls::createDashboard()
     Label6[3] = makeFigure(Frame2, 3, u"0"_s, *Label6[1]);
     Label6[4] = makeFigure(Frame2, 4, u"0.00"_s, *Label6[2]);
     Label6[8] = makeFigure(Frame2, 8, u"0"_s, *Label6[5]);
-    Label6[9] = makeFigure(Frame2, 9, u"0"_s, *Label6[6]);
-    Label6[9]->setFocusPolicy(Qt::StrongFocus);
-    Label6[9]->setCursor(Qt::PointingHandCursor);
+    Label6[9] = makeFigure<LinkLabel>(Frame2, 9, u"0"_s, *Label6[6]);
     Label6[9]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
 
     auto *tiles = new QGridLayout;

@@ -9,6 +9,7 @@
 #include "store/statements.h"
 #include "ui/focus_order.h"
 #include "ui/unbuilt.h"
+#include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
@@ -18,10 +19,8 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QFrame>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -148,8 +147,9 @@ void Inventory::connectWindow()
     onClick(m_controls.Command11, [this] { clearActivityLog(); });
     // The whole text is rewritten by every entry; nobody undoes in it.
     m_controls.Text1->setUndoRedoEnabled(false);
-    for (QLabel *figure : m_controls.Label6)
-        figure->installEventFilter(this);
+    // Of the dashboard's elements only this one does anything when it is clicked.
+    connect(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, this,
+            [this] { run([this] { openReorderList(9); }); });
 }
 
 void Inventory::connectLogin()
@@ -316,27 +316,6 @@ void Inventory::showHelp()
         "Harrowby Option > User Tab. \r\n\r\nFor more information, kindly visit https://harrowby.example/inventory or "
         "email us at support@harrowby.example."_s,
         box::Information);
-}
-
-bool Inventory::eventFilter(QObject *watched, QEvent *event)
-{
-    for (std::size_t i = 0; i < m_controls.Label6.size(); ++i) {
-        if (watched == m_controls.Label6.at(i) && isClick(*event)) {
-            run([this, i] { openReorderList(static_cast<int>(i)); });
-            return true;
-        }
-    }
-    return QMainWindow::eventFilter(watched, event);
-}
-
-bool Inventory::isClick(const QEvent &event)
-{
-    if (event.type() == QEvent::MouseButtonRelease)
-        return static_cast<const QMouseEvent &>(event).button() == Qt::LeftButton;
-    if (event.type() != QEvent::KeyPress)
-        return false;
-    const int key = static_cast<const QKeyEvent &>(event).key();
-    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
 }
 
 bool Inventory::focusNextPrevChild(bool next)

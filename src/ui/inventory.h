@@ -53,7 +53,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
@@ -74,7 +73,6 @@ private:
     void connectSettings();
     template <typename Handler>
     void onClick(QAbstractButton *button, Handler handler);
-    static bool isClick(const QEvent &event);
     void loadForm();
     void fillPickLists();
     void readStoreSettings();
@@ -180,7 +178,8 @@ private:
     FormState m_state;
     Breather m_breather;
     int m_runningHandlers = 0;
-    unsigned m_pageLoads = 0; ///< quick-sale pages begun: an earlier one gives way to a later one
+    unsigned m_pageLoads = 0;     ///< quick-sale pages begun: an earlier one gives way to a later one
+    unsigned m_categoryLoads = 0; ///< the same for the category lists
     bool m_loading = false;
     bool m_askingToClose = false;
     bool m_closed = false; ///< closed, and waiting for its last handler to return

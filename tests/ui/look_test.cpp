@@ -178,6 +178,8 @@ private Q_SLOTS:
     void init();
     void fits_data();
     void fits();
+    void fitsUnderATitleBar();
+    void fieldsStayReadable();
     void isLargeEnoughToTouch_data() { fits_data(); }
     void isLargeEnoughToTouch();
     void cutsNoCaption_data() { fits_data(); }
@@ -199,6 +201,7 @@ private Q_SLOTS:
     void unbuiltControlsAreDisabled();
     void coveredControlsAreSkipped();
     void startsWithItsFirstPanels();
+    void hiddenPanelsAreDressedWhenShown();
 };
 
 void LookTest::init()
@@ -242,6 +245,33 @@ void LookTest::fits()
     }
     for (const auto *list : window.findChildren<QAbstractScrollArea *>())
         QVERIFY2(!list->horizontalScrollBar()->isVisible(), qPrintable(list->objectName()));
+}
+
+void LookTest::fitsUnderATitleBar()
+{
+    const QSize room(1024, 748);
+    BusyWindow window;
+    window.resize(room);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    for (int area = 1; area <= 8; ++area) {
+        window.showWorkArea(area);
+        QCOMPARE(window.size(), room);
+        QVERIFY(window.minimumSizeHint().height() <= room.height());
+        QVERIFY(window.minimumSizeHint().width() <= room.width());
+    }
+}
+
+void LookTest::fieldsStayReadable()
+{
+    BusyWindow window;
+    window.resize(1920, 1080);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.showWorkArea(5);
+    for (const QWidget *field : std::initializer_list<QWidget *>{window.controls.Text2, window.controls.Combo9,
+                                                                 window.controls.Command18, window.controls.List2})
+        QVERIFY2(field->width() >= 400 && field->width() <= 500, qPrintable(field->objectName()));
 }
 
 void LookTest::isLargeEnoughToTouch()
@@ -550,6 +580,27 @@ void LookTest::startsWithItsFirstPanels()
     QCOMPARE(c.StatusBar1_2->text(), QString());
     QCOMPARE(c.Label6[7]->text(), u"Click to See Reorder List"_s);
     QCOMPARE(c.Command1[8]->objectName(), u"Command1_8"_s);
+}
+
+void LookTest::hiddenPanelsAreDressedWhenShown()
+{
+    BusyWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCoreApplication::processEvents();
+    QPushButton *button = window.controls.Command17;
+    const QLabel *level = window.controls.Label12;
+    QVERIFY(!button->testAttribute(Qt::WA_WState_Polished));
+    QApplication::setPalette(darkPalette());
+    window.showWorkArea(4);
+    QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
+    QVERIFY(button->height() >= kTouch);
+    QVERIFY(button->font().bold());
+    QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
+    QCOMPARE(level->palette().color(level->foregroundRole()), Colours::current().price);
+    window.showWorkArea(1);
+    window.showWorkArea(4);
+    QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
 }
 
 QTEST_MAIN(LookTest)

@@ -4,6 +4,8 @@
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/entry_model.h"
+#include "ui/widgets/link_label.h"
+#include "ui/widgets/name_list.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/plain_tool_tip.h"
 #include "ui/widgets/quick_sale_button.h"
@@ -17,6 +19,7 @@
 #include <QCompleter>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextDocumentFragment>
@@ -74,6 +77,9 @@ private Q_SLOTS:
     void rowListOpensRows();
     void rowListNeverScrollsSideways();
     void rowListShowsToolTipsAsPlainText();
+    void nameListShowsToolTipsAsPlainText();
+    void typingReplacesWhatIsMarked();
+    void linkIsPressedEveryWay();
     void entryModelKeepsItsEntries();
     void pickListLeavesTheTextAlone();
     void pickListSetsTextFromCode();
@@ -86,6 +92,8 @@ private Q_SLOTS:
     void pickListDoesNotTakeTypingForAPick();
     void pickListTurnsOnlyWithFocus();
     void pickListIsCheapWithManyEntries();
+    void pickListMakesItsPopupLate();
+    void pickListIsAsLargeAsAnyOther();
     void tabStripClicks();
     void tabStripAsksBeforeAChoice_data();
     void tabStripAsksBeforeAChoice();
@@ -229,6 +237,54 @@ void WidgetsTest::rowListNeverScrollsSideways()
         QVERIFY(list.columnWidth(2) > list.fontMetrics().horizontalAdvance(u"99,999.00"_s));
     }
     QVERIFY(list.columnWidth(0) > list.columnWidth(1));
+}
+
+void WidgetsTest::nameListShowsToolTipsAsPlainText()
+{
+    NameList list;
+    list.addItem(u"<b>M & M</b>"_s);
+    list.show();
+    QToolTip::hideText();
+    const QPoint cell = list.visualItemRect(list.item(0)).center();
+    QHelpEvent event(QEvent::ToolTip, cell, list.viewport()->mapToGlobal(cell));
+    QCoreApplication::sendEvent(list.viewport(), &event);
+    QCOMPARE(QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText().remove(QChar(0x200B)), u"<b>M & M</b>"_s);
+}
+
+void WidgetsTest::typingReplacesWhatIsMarked()
+{
+    PickList list;
+    for (const QString &entry : {u"DRINKS"_s, u"FOOD"_s})
+        list.addEntry(entry);
+    list.show();
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_Down);
+    list.lineEdit()->end(false);
+    QTest::keyClicks(&list, u"X"_s);
+    QCOMPARE(list.entryText(), u"DRINKSX"_s);
+    list.lineEdit()->selectAll();
+    QTest::keyClicks(&list, u"F"_s);
+    QCOMPARE(list.entryText(), u"F"_s);
+}
+
+void WidgetsTest::linkIsPressedEveryWay()
+{
+    LinkLabel link;
+    link.setText(u"  7"_s);
+    link.show();
+    QSignalSpy clicked(&link, &LinkLabel::clicked);
+    QTest::mouseClick(&link, Qt::LeftButton);
+    QTest::keyClick(&link, Qt::Key_Return);
+    QTest::keyClick(&link, Qt::Key_Space);
+    QTest::keyClick(&link, Qt::Key_A);
+    QTest::mouseClick(&link, Qt::RightButton);
+    QCOMPARE(clicked.size(), 3);
+    QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(&link);
+    QCOMPARE(reader->role(), QAccessible::Link);
+    QCOMPARE(reader->text(QAccessible::Name), u"  7"_s);
+    QVERIFY(reader->actionInterface()->actionNames().contains(QAccessibleActionInterface::pressAction()));
+    reader->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCOMPARE(clicked.size(), 4);
 }
 
 void WidgetsTest::rowListShowsToolTipsAsPlainText()
@@ -468,6 +524,53 @@ void WidgetsTest::pickListIsCheapWithManyEntries()
     list.hidePopup();
     list.clearEntries();
     QCOMPARE(list.count(), 0);
+}
+
+void WidgetsTest::pickListMakesItsPopupLate()
+{
+    QWidget window;
+    auto *list = new PickList(&window);
+    for (const auto &entry : {u"A"_s, u"B"_s})
+        list->addEntry(entry);
+    list->resize(200, 44);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto madePopup = [list] { return list->findChild<QAbstractItemView *>() != nullptr; };
+    list->setEnabled(false);
+    list->setEnabled(true);
+    QFont large = list->font();
+    large.setPointSize(20);
+    list->setFont(large);
+    window.setStyleSheet(u"QComboBox { padding-left: 50px; }"_s);
+    list->setEntryText(u"B"_s);
+    QVERIFY(list->sizeHint().width() > 50);
+    QVERIFY(!madePopup());
+    QVERIFY2(list->lineEdit()->x() >= 50, "the edit follows the style sheet");
+    window.setStyleSheet({});
+    QVERIFY(!madePopup());
+    list->showPopup();
+    QVERIFY(madePopup());
+    QTRY_VERIFY(list->view()->isVisible());
+    QCOMPARE(list->view()->font().pointSize(), 20);
+    large.setPointSize(24);
+    list->setFont(large);
+    QCOMPARE(list->view()->font().pointSize(), 24);
+}
+
+void WidgetsTest::pickListIsAsLargeAsAnyOther()
+{
+    QComboBox plain;
+    plain.setEditable(true);
+    plain.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    plain.setMinimumContentsLength(6);
+    PickList list;
+    QCOMPARE(list.sizeHint(), plain.sizeHint());
+    QCOMPARE(list.minimumSizeHint(), plain.minimumSizeHint());
+    QFont large = list.font();
+    large.setPointSize(30);
+    list.setFont(large);
+    plain.setFont(large);
+    QCOMPARE(list.sizeHint(), plain.sizeHint());
 }
 
 void WidgetsTest::tabStripClicks()

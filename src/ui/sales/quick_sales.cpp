@@ -44,7 +44,6 @@ void fill(QuickSaleButton &button, DbRecordset &item)
 
 void Inventory::LoadQuickSales(bool movedForward)
 {
-    const unsigned load = ++m_pageLoads;
     const bool hideFinished = m_state.HideFinishedFlag != 0;
     const QString category = m_controls.Combo1->entryText();
     const int offset = m_state.QuickSalesOffset;
@@ -57,6 +56,7 @@ void Inventory::LoadQuickSales(bool movedForward)
         m_controls.CmdPrev->setEnabled(offset != 0 && movedForward);
         return;
     }
+    const unsigned load = ++m_pageLoads; // not before: an empty page does not stand in another one's way
     std::size_t shown = 0;
     forEachRow(page, [&] {
         if (load == m_pageLoads && shown < m_controls.Command1.size())

@@ -18,6 +18,7 @@ namespace harrowby {
 
 void Inventory::LoadCategory()
 {
+    const unsigned load = ++m_categoryLoads;
     const std::array lists{m_controls.Combo1, m_controls.Combo2, m_controls.Combo5, m_controls.Combo12};
     std::array<QString, lists.size()> texts;
     for (std::size_t i = 0; i < lists.size(); ++i)
@@ -30,16 +31,21 @@ void Inventory::LoadCategory()
     DbRecordset categories;
     categories.Open(statements::categories(), connection());
     forEachRow(categories, [&] {
-        if (const std::optional<QString> name = fieldText(categories, u"CategoryName"_s)) {
+        const std::optional<QString> name = fieldText(categories, u"CategoryName"_s);
+        if (name && load == m_categoryLoads) {
             for (PickList *list : lists)
                 list->addEntry(name->toUpper());
         }
         m_breather.breathe();
     });
-    for (PickList *list : lists)
-        list->addEntry(statements::otherCategory);
-    for (std::size_t i = 0; i < lists.size(); ++i)
-        lists.at(i)->setEntryText(texts.at(i));
+    if (load == m_categoryLoads) { // else the lists were filled afresh meanwhile
+        for (PickList *list : lists)
+            list->addEntry(statements::otherCategory);
+    }
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        if (lists.at(i)->entryText().isEmpty()) // else it was chosen meanwhile
+            lists.at(i)->setEntryText(texts.at(i));
+    }
 }
 
 void Inventory::LoadCategories()

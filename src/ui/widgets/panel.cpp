@@ -3,7 +3,19 @@
 
 #include "ui/style/colours.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+#include <QLayout>
 #include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
+
+#include <qdrawutil.h>
+
+#include <cmath>
+#include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
@@ -15,14 +27,52 @@ constexpr int kShadowStep = 5; ///< opacity of each of the rings that make the s
 constexpr int kPadding = 12;
 constexpr int kRadius = 14;
 
-void paintShadow(QPainter &painter, const QRectF &card)
+QRectF cardWithin(const QRectF &panel, int edge)
 {
+    return panel.adjusted(edge + 0.5, edge + 0.5, -edge - 0.5, -edge - 0.5);
+}
+
+void paintRings(QPainter &painter, const QRectF &panel)
+{
+    const QRectF card = cardWithin(panel, kShadow);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    for (int distance = kShadow; distance > 0; --distance) {
-        painter.setBrush(QColor(0, 0, 0, kShadowStep));
+    painter.setBrush(QColor(0, 0, 0, kShadowStep));
+    for (int distance = kShadow; distance > 0; --distance)
         painter.drawRoundedRect(card.adjusted(-distance, -distance, distance, distance), kRadius + distance,
                                 kRadius + distance);
+}
+
+/// The shadow of a card so small that it is nothing but corners, in pixels of the screen.
+QPixmap smallShadow(int side, qreal ratio)
+{
+    const QString key = u"harrowby panel shadow %1"_s.arg(ratio);
+    QPixmap shadow;
+    if (QPixmapCache::find(key, &shadow))
+        return shadow;
+    shadow = QPixmap(QSize(side, side) * ratio);
+    shadow.fill(Qt::transparent);
+    QPainter painter(&shadow);
+    painter.scale(ratio, ratio);
+    paintRings(painter, QRectF(0, 0, side, side));
+    painter.end();
+    QPixmapCache::insert(key, shadow);
+    return shadow;
+}
+
+/// Stretches a small shadow over the panel: rings as large as the panel take longer to fill than the rest of the
+/// window to paint. At a broken scale the parts would not meet on whole pixels.
+void paintShadow(QPainter &painter, const QRect &panel)
+{
+    const qreal ratio = painter.device()->devicePixelRatioF();
+    if (ratio != std::floor(ratio)) {
+        paintRings(painter, panel);
+        return;
     }
+    constexpr int corner = kShadow + kRadius + 1;
+    const QMargins corners(corner, corner, corner, corner);
+    const QPixmap shadow = smallShadow(2 * corner + 1, ratio);
+    qDrawBorderPixmap(&painter, panel, corners, shadow, shadow.rect(), corners * ratio);
 }
 
 } // namespace
@@ -42,6 +92,51 @@ int Panel::margin() const
     return 0;
 }
 
+void Panel::dressWhenShown()
+{
+    if (layout())
+        layout()->setEnabled(false); // no control is asked for its size before it is dressed
+    for (QWidget *widget : findChildren<QWidget *>()) {
+        widget->installEventFilter(this);
+        m_undressed.emplace_back(widget);
+    }
+}
+
+void Panel::setVisible(bool visible)
+{
+    if (visible)
+        dress();
+    QFrame::setVisible(visible);
+}
+
+/// Qt dresses a widget ("polishes" it) once, with its window and whether it is hidden or not.
+bool Panel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Polish)
+        return QFrame::eventFilter(watched, event);
+    m_waiting.emplace_back(static_cast<QWidget *>(watched));
+    return true;
+}
+
+void Panel::dress()
+{
+    if (m_undressed.empty())
+        return;
+    if (layout())
+        layout()->setEnabled(true);
+    for (const QPointer<QWidget> &widget : std::exchange(m_undressed, {})) {
+        if (widget)
+            widget->removeEventFilter(this);
+    }
+    for (const QPointer<QWidget> &widget : std::exchange(m_waiting, {})) {
+        QEvent polish(QEvent::Polish);
+        if (!widget)
+            continue;
+        QCoreApplication::sendEvent(widget, &polish);
+        widget->updateGeometry();
+    }
+}
+
 void Panel::paintEvent(QPaintEvent *)
 {
     const Colours &colours = Colours::current();
@@ -52,11 +147,11 @@ void Panel::paintEvent(QPaintEvent *)
     }
     painter.setRenderHint(QPainter::Antialiasing);
     const int edge = m_look == Look::Card ? kGutter : kShadow;
-    const QRectF card = QRectF(rect()).adjusted(edge + 0.5, edge + 0.5, -edge - 0.5, -edge - 0.5);
+    const QRectF card = cardWithin(rect(), edge);
     if (m_look == Look::Card)
         painter.fillRect(rect(), colours.background);
     else
-        paintShadow(painter, card);
+        paintShadow(painter, rect());
     painter.setPen(m_look == Look::Card ? colours.border : colours.accent);
     painter.setBrush(colours.card);
     painter.drawRoundedRect(card, kRadius, kRadius);

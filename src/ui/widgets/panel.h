@@ -2,6 +2,9 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
+
+#include <vector>
 
 namespace harrowby {
 
@@ -22,11 +25,22 @@ public:
     /// What the panel's layout leaves free on each side: gutter or shadow, and the padding of the card.
     [[nodiscard]] int margin() const;
 
+    /// Leaves all that stands in the panel undressed until the panel is first shown. The style sheet's work on a
+    /// control takes longer than making it, and a window opens with most of its panels hidden.
+    void dressWhenShown();
+
+    void setVisible(bool visible) override;
+
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void dress();
+
     Look m_look;
+    std::vector<QPointer<QWidget>> m_undressed; ///< whose events are filtered
+    std::vector<QPointer<QWidget>> m_waiting;   ///< those of them that Qt believes to be dressed
 };
 
 } // namespace harrowby

@@ -20,6 +20,9 @@
 #include <QStyleOption>
 #include <QStyledItemDelegate>
 #include <QWheelEvent>
+#include <QtMath>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -37,6 +40,12 @@ QCompleter *noCompleter()
     if (!completer)
         completer = new QCompleter(QCoreApplication::instance());
     return completer;
+}
+
+bool walksTheEntries(int key)
+{
+    return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp || key == Qt::Key_PageDown ||
+           key == Qt::Key_F4;
 }
 
 } // namespace
@@ -87,8 +96,10 @@ QSize PickList::sizeHint() const
         QStyleOptionComboBox option;
         initStyleOption(&option);
         const QFontMetrics metrics = fontMetrics();
-        const int width = kFewestCharacters * metrics.horizontalAdvance(u'X') + iconSize().width() + 4;
-        m_sizeHint = style()->sizeFromContents(QStyle::CT_ComboBox, &option, {width, metrics.height() + 2}, this);
+        const QSize icon = iconSize();
+        const QSize contents(kFewestCharacters * metrics.horizontalAdvance(u'X') + icon.width() + 4,
+                             std::max(qCeil(QFontMetricsF(font()).height()), icon.height()) + 2);
+        m_sizeHint = style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
     }
     return m_sizeHint;
 }
@@ -104,6 +115,7 @@ void PickList::showPopup()
     if (!m_popupDressed) {
         m_popupDressed = true;
         auto *list = qobject_cast<QListView *>(view());
+        list->parentWidget()->setFont(font()); // as the base class does at a change of font
         list->setUniformItemSizes(true);
         list->setTextElideMode(Qt::ElideRight);
         list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -168,8 +180,10 @@ void PickList::keyPressEvent(QKeyEvent *event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const QScopedValueRollback typing(m_picking, !enter);
-    if (!enter)
-        beginPick();
+    if (walksTheEntries(event->key()))
+        beginPick(); // not before typing: it would drop what is marked in the text, and is to be typed over
+    else
+        m_textChanged = false;
     QComboBox::keyPressEvent(event);
 }
 

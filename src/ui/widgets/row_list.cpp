@@ -34,7 +34,6 @@ RowList::RowList(const QStringList &headers, QWidget *parent) :
     setSelectionMode(SingleSelection);
     setTextElideMode(Qt::ElideRight);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollMode(ScrollPerPixel);
     header()->setSectionsMovable(false);
     header()->setSectionsClickable(false);
     header()->setSectionResizeMode(QHeaderView::Fixed);
@@ -108,6 +107,7 @@ void RowList::resizeEvent(QResizeEvent *event)
 void RowList::showEvent(QShowEvent *event)
 {
     QTreeView::showEvent(event);
+    setVerticalScrollMode(ScrollPerPixel); // not before, as it lays the list out
     shareWidth();
 }
 
