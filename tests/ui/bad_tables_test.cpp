@@ -18,8 +18,13 @@ namespace {
 const QStringList tables{u"StockList"_s, u"InventoryCategory"_s, u"PurchaseCart"_s, u"StoreSettings"_s,
                          u"Users"_s,     u"SysUsage"_s};
 
+/// Without their values no row of the table is found, and nothing of it is seen.
+const QStringList lookedFor{u"StockUse"_s, u"Username"_s,     u"Password"_s,
+                            u"Type"_s,     u"InventoryUse"_s, u"PurchasedDate"_s};
+
 void fillShop(const ShopFile &shop)
 {
+    shop.sql(u"PRAGMA synchronous = OFF; PRAGMA journal_mode = MEMORY"_s); // no power cut is waited for
     for (int i = 0; i < 12; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1250.5, 10 + i, i % 2 == 0 ? u"TEA"_s : u"SNACKS"_s);
     shop.addItem(u"B1"_s, u"BREAD, FINISHED"_s, 1, 0);
@@ -27,6 +32,8 @@ void fillShop(const ShopFile &shop)
              "INSERT INTO PurchaseCart VALUES ('HV1','1 x A1  |  ITEM 11 = 3.00',1,3,'180305080000','ADMINISTRATOR');"
              "UPDATE StoreSettings SET ShowDetails = 1, Promptreorder = 1"_s);
 }
+
+constexpr qsizetype valuesForEachColumn = 5; ///< the others come in all columns of a table at once
 
 /// What stands in a column where something else belongs.
 const QList<std::pair<const char *, QString>> &oddValues()
@@ -36,6 +43,7 @@ const QList<std::pair<const char *, QString>> &oddValues()
         {"empty", u"''"_s},
         {"null", u"NULL"_s},
         {"blob", u"X'00FF27C3280D0A'"_s},
+        {"infinite", u"9e999"_s},
         {"NUL inside", u"CAST(X'4100420D0A43' AS TEXT)"_s},
         {"10,000 characters", u"replace(hex(zeroblob(5000)), '0', 'W')"_s},
         {"10,000 words", u"replace(hex(zeroblob(5000)), '00', 'tea ')"_s},
@@ -43,7 +51,6 @@ const QList<std::pair<const char *, QString>> &oddValues()
         {"right to left", u"'שלום ABC مرحبا 12'"_s},
         {"markup", u"'<b>M & M</b>|  |'"_s},
         {"quote", u"'x'' or ''a''=''a'"_s},
-        {"infinite", u"9e999"_s},
         {"huge", u"1e300"_s},
         {"huge negative", u"-1e300"_s},
         {"largest integer", u"9223372036854775807"_s},
@@ -89,15 +96,17 @@ void BadTablesTest::addRows(const QString &table, const QStringList &columns)
     for (const QString &column : columns) {
         const QString name = table + u'.' + column;
         QTest::addRow("no %s", qPrintable(name)) << table << u"ALTER TABLE %1 DROP COLUMN %2"_s.arg(table, column);
-        for (const auto &[what, value] : oddValues())
+        for (const auto &[what, value] : oddValues().first(valuesForEachColumn))
             QTest::addRow("%s in %s", what, qPrintable(name))
                 << table << u"UPDATE %1 SET %2 = %3"_s.arg(table, column, value);
     }
     for (const auto &[what, value] : oddValues()) {
         QStringList all;
-        for (const QString &column : columns)
-            all << column + u" = "_s + value;
-        QTest::addRow("%s in all of %s", what, qPrintable(table))
+        for (const QString &column : columns) {
+            if (!lookedFor.contains(column))
+                all << column + u" = "_s + value;
+        }
+        QTest::addRow("%s in %s", what, qPrintable(table))
             << table << u"UPDATE "_s + table + u" SET "_s + all.join(u", "_s);
     }
 }
@@ -141,7 +150,7 @@ void BadTablesTest::checkWhatWorks(const Counter &counter, const QString &table)
         QCOMPARE(counter.text("StatusBar1_1"), u"User: ADMINISTRATOR"_s);
     if (table == "Users"_L1 || table == "StockList"_L1)
         return;
-    QCOMPARE(shop.cell(u"SELECT sum(StockAvailable) FROM StockList"_s), u"183"_s); // 186, and three were sold
+    QCOMPARE(shop.cell(u"SELECT sum(StockAvailable) FROM StockList"_s), u"184"_s); // 186, and two were sold
     if (table != "PurchaseCart"_L1)
         QCOMPARE(shop.cell(u"SELECT PurchasedItemsTotal FROM PurchaseCart WHERE PurchaseID <> 'HV1'"_s), u"2"_s);
     if (table != "SysUsage"_L1)

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "support/counter.h"
+#include "ui/interruption.h"
+
+#include "host/inv_basic.h"
+#include "ui/widgets/pick_list.h"
+
+#include <harrowby/init.h>
+
+#include <QApplication>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::test;
+
+/// The host asks for the window while it is still being loaded.
+class LoadAgainTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void loadedAgainWhileLoading_data();
+    void loadedAgainWhileLoading();
+};
+
+void LoadAgainTest::loadedAgainWhileLoading_data()
+{
+    QTest::addColumn<bool>("closedFirst");
+    QTest::newRow("the same window") << false;
+    QTest::newRow("a new window") << true;
+}
+
+void LoadAgainTest::loadedAgainWhileLoading()
+{
+    QFETCH(bool, closedFirst);
+    ShopFile shop;
+    shop.addUser(u"ADMINISTRATOR"_s, u"PASS"_s);
+    shop.addItem(u"A1"_s, u"TEA"_s, 1.5, 10);
+    shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA','')"_s);
+    const auto first = std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(shop.handle()));
+    const auto second = std::make_shared<SqliteConnection>(shop.handle());
+    bool isDone = false;
+    const auto inventory = [] {
+        QList<Inventory *> open;
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *window = qobject_cast<Inventory *>(widget))
+                open << window;
+        }
+        return open;
+    };
+    const auto close = [](Inventory *window) {
+        QTimer::singleShot(0, window, [] {
+            qobject_cast<QMessageBox *>(QApplication::activeModalWidget())->button(QMessageBox::Yes)->click();
+        });
+        window->close();
+    };
+    first->before = [&](const QString &) {
+        passRest();
+        QTimer::singleShot(0, this, [&] {
+            if (std::exchange(isDone, true))
+                return;
+            if (closedFirst)
+                close(inventory().constFirst());
+            Init().LoadInventory(second, {});
+        });
+    };
+    Init().LoadInventory(first, {});
+    QVERIFY(isDone);
+    first->before = [](const QString &) {};
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(InvBasic::connection(), second);
+    QCOMPARE(inventory().size(), 1);
+    Inventory *window = inventory().constFirst();
+    QVERIFY(window->isVisible());
+    QCOMPARE(window->controls().List2->count(), 1);
+    QCOMPARE(window->controls().Combo1->count(), 3);
+    QVERIFY(!window->state().IsLoggedIn);
+    close(window);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(inventory().isEmpty());
+    InvBasic::setConnection(nullptr);
+}
+
+int main(int argc, char *argv[])
+{
+    // The one window that is not made by the test reads its user's settings: nobody's here.
+    QTemporaryDir home;
+    for (const char *folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
+        qputenv(folder, home.path().toLocal8Bit());
+    QApplication application(argc, argv);
+    application.setQuitOnLastWindowClosed(false);
+    LoadAgainTest test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "load_again_test.moc"

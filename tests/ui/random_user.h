@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/counter.h"
+#include "support/database.h"
+
+#include <QObject>
+#include <QRandomGenerator>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+class QDialog;
+class QInputDialog;
+class QMessageBox;
+
+namespace harrowby::test {
+
+/// Does anything to the window that a user, the host or another program may do, at random; the same seed does the
+/// same. What it starts in the middle of something else has a seed of its own, so that a breath more or less does not
+/// change what comes later.
+class RandomUser : public QObject
+{
+    Q_OBJECT
+
+public:
+    RandomUser(Counter &counter, quint32 seed);
+
+    /// One action at an open window.
+    void act();
+    /// Ends what may outlast an action: a lock, an open list.
+    void calmDown();
+
+    /// Boxes that the window does not have.
+    [[nodiscard]] QStringList strangeBoxes() const { return m_strangeBoxes; }
+    /// Actions that were entered in the middle of another one.
+    [[nodiscard]] int nested() const { return m_nested; }
+    [[nodiscard]] int boxes() const { return m_boxes; }
+
+private:
+    struct Action
+    {
+        int weight = 1;
+        const char *name = "";
+        void (RandomUser::*act)(QRandomGenerator &random);
+    };
+    [[nodiscard]] static const std::vector<Action> &actions();
+    void choose(QRandomGenerator &random);
+    void tell(const char *action) const;
+    void actLater(QRandomGenerator &random);
+    void breathe();
+
+    // At the window
+    void logIn(QRandomGenerator &random);
+    void sell(QRandomGenerator &random);
+    void commit(QRandomGenerator &random);
+    void clickAnything(QRandomGenerator &random);
+    void typeSomewhere(QRandomGenerator &random);
+    void pressKey(QRandomGenerator &random);
+    void pickEntry(QRandomGenerator &random);
+    void chooseTab(QRandomGenerator &random);
+    void openRow(QRandomGenerator &random);
+    void clickLabel(QRandomGenerator &random);
+    void close(QRandomGenerator &random);
+    void resize(QRandomGenerator &random);
+    void interrupt(QRandomGenerator &random);
+
+    // Behind its back
+    void changeData(QRandomGenerator &random);
+    void lock(QRandomGenerator &random);
+    void printReceipts(QRandomGenerator &random);
+
+    // Boxes
+    void meet(QDialog &dialog);
+    void answer(QMessageBox &message, quint32 seed);
+    void answer(QInputDialog &input, quint32 seed);
+
+    template <typename Widget>
+    Widget *any(QRandomGenerator &random) const;
+
+    Counter &m_counter;
+    Database m_other;
+    QRandomGenerator m_random;
+    QRandomGenerator m_boxSeeds;
+    QStringList m_strangeBoxes;
+    bool m_tells;
+    int m_depth = 0;
+    int m_nested = 0;
+    int m_boxes = 0;
+    int m_slowStatements = 0; ///< statements that are followed by a breath
+    int m_lockedFor = 0;      ///< actions
+};
+
+/// Something to type: numbers, quotes, every script, and very much of it.
+[[nodiscard]] QString randomText(QRandomGenerator &random);
+
+} // namespace harrowby::test
