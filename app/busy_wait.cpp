@@ -2,6 +2,7 @@
 #include "busy_wait.h"
 
 #include <QAbstractEventDispatcher>
+#include <QThread>
 
 #include <sqlite3.h>
 
@@ -44,7 +45,16 @@ void BusyWait::attach(sqlite3 *database)
 void BusyWait::followEventLoop()
 {
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
-        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &BusyWait::refill, Qt::UniqueConnection);
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &BusyWait::onIdle, Qt::UniqueConnection);
+}
+
+void BusyWait::onIdle()
+{
+    // A box that waits for its answer belongs to the action that asks: a sale waits once, also when a box stands
+    // between its statements.
+    constexpr int outermost = 1;
+    if (QThread::currentThread()->loopLevel() <= outermost)
+        refill();
 }
 
 void BusyWait::refill()

@@ -12,7 +12,8 @@ namespace harrowby::app {
 
 /// How long the till waits for a store file that another program keeps locked: a budget for each action of the
 /// user, however many statements the action runs. Once it is used up, further statements fail at once; it is
-/// filled up again when the event loop has nothing left to do and waits for the next action.
+/// filled up again when the event loop has nothing left to do and waits for the next action; a box's own loop does
+/// not count.
 class BusyWait final : public QObject
 {
     Q_OBJECT
@@ -25,12 +26,13 @@ public:
 
     /// Becomes the database's busy handler. It must outlive the database's last statement.
     void attach(sqlite3 *database);
-    /// Fills up whenever this thread's event loop is about to wait.
+    /// Fills up whenever this thread's outermost event loop is about to wait.
     void followEventLoop();
     void refill();
     [[nodiscard]] std::chrono::milliseconds remaining() const { return m_remaining; }
 
 private:
+    void onIdle();
     static int onBusy(void *self, int attempt) noexcept;
     bool waitStep(int attempt);
 

@@ -140,6 +140,9 @@ int main(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What the platform without a screen cannot do is no news here.
+    if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES"))
+        qputenv("QT_LOGGING_RULES", "default.warning=false");
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser options;

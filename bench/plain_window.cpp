@@ -7,6 +7,8 @@
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGridLayout>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -19,6 +21,8 @@ namespace harrowby::bench {
 
 namespace {
 
+constexpr int ControlsPerRow = 3;
+
 bool isPartOfControl(const QWidget &widget)
 {
     for (const QWidget *parent = widget.parentWidget(); parent; parent = parent->parentWidget()) {
@@ -29,16 +33,38 @@ bool isPartOfControl(const QWidget &widget)
     return false;
 }
 
+int panelOf(const QWidget &widget, const QHash<const QWidget *, int> &panels)
+{
+    for (const QWidget *parent = widget.parentWidget(); parent; parent = parent->parentWidget()) {
+        if (const auto panel = panels.constFind(parent); panel != panels.cend())
+            return *panel;
+    }
+    return -1;
+}
+
+/// Into the panel's layout, a few controls a row.
+void place(QWidget &widget, QWidget &panel)
+{
+    auto *layout = qobject_cast<QGridLayout *>(panel.layout());
+    if (!layout)
+        layout = new QGridLayout(&panel);
+    const int place = layout->count();
+    layout->addWidget(&widget, place / ControlsPerRow, place % ControlsPerRow);
+}
+
 } // namespace
 
 PlainWindow::PlainWindow(const QMainWindow &model) : m_size(model.size())
 {
+    QHash<const QWidget *, int> panels;
+    // Parents come before their children.
     for (const QWidget *widget : model.findChildren<QWidget *>()) {
         Control control{};
         if (isPartOfControl(*widget) || !kindOf(*widget, control.kind, control.text))
             continue;
-        control.place = QRect(widget->mapTo(&model, QPoint()), widget->size());
-        control.visible = widget->isVisibleTo(&model);
+        control.panel = panelOf(*widget, panels);
+        if (control.kind == Kind::Frame)
+            panels.insert(widget, static_cast<int>(m_controls.size()));
         m_controls.push_back(control);
     }
 }
@@ -107,16 +133,15 @@ double PlainWindow::show() const
     const Stopwatch watch;
     QMainWindow window;
     window.resize(m_size);
-    QWidget *lastVisible = &window;
+    auto *stage = new QWidget(&window);
+    window.setCentralWidget(stage);
+    std::vector<QWidget *> widgets;
     for (const Control &control : m_controls) {
-        QWidget *widget = create(control, &window);
-        widget->setGeometry(control.place);
-        widget->setVisible(control.visible);
-        // An item view paints on its viewport, and a tab bar may lie under another panel.
-        if (control.visible && control.kind == Kind::Button)
-            lastVisible = widget;
+        QWidget *panel = control.panel < 0 ? stage : widgets.at(static_cast<std::size_t>(control.panel));
+        widgets.push_back(create(control, panel));
+        place(*widgets.back(), *panel);
     }
-    PaintWatch paint{&window, lastVisible};
+    PaintWatch paint{&window, stage};
     window.show();
     return paint.wait() ? watch.milliseconds() : -1.0;
 }

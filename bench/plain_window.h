@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QRect>
 #include <QSize>
 #include <QString>
 
@@ -12,8 +11,8 @@ class QWidget;
 
 namespace harrowby::bench {
 
-/// As many plain Qt controls as a given window has, of the same kinds and with the same texts, in the same places;
-/// what is hidden there is hidden here. What it takes to show it is what any window of that size takes.
+/// As many plain Qt controls as a given window has, of the same kinds and with the same texts, in layouts on as
+/// many panels. What it takes to show it is what any window of that size takes.
 class PlainWindow
 {
 public:
@@ -27,8 +26,7 @@ private:
     struct Control
     {
         Kind kind;
-        QRect place;
-        bool visible;
+        int panel; ///< index of the panel that it stands on; -1 for the window itself
         QString text;
     };
 

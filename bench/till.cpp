@@ -57,6 +57,12 @@ void Till::close()
     m_window.reset();
 }
 
+void Till::repaint()
+{
+    m_window->repaint();
+    QCoreApplication::processEvents();
+}
+
 bool Till::logIn()
 {
     const Controls &controls = m_window->controls();
@@ -99,11 +105,13 @@ bool Till::chooseCategory(const QString &category)
     return watch.wait();
 }
 
-bool Till::refreshDashboard()
+double Till::refreshDashboard()
 {
+    const Stopwatch watch;
     m_window->controls().TabStrip1->selectTab(CustomSales);
+    const double time = watch.milliseconds();
     QCoreApplication::processEvents();
-    return m_window->controls().TabStrip1->selectedTab() == CustomSales;
+    return m_window->controls().TabStrip1->selectedTab() == CustomSales ? time : -1.0;
 }
 
 double Till::commit()

@@ -23,6 +23,8 @@ public:
     /// Loads a window and shows it; ends when it is painted.
     bool open();
     void close();
+    /// Paints the whole window, so that whatever is measured next finds the processor's caches in the same state.
+    void repaint();
     bool logIn();
 
     /// Each ends when what changes has been painted; false when that did not happen.
@@ -30,8 +32,9 @@ public:
     bool nextPage();
     bool previousPage();
     bool chooseCategory(const QString &category);
-    /// The dashboard refreshes when its tab is chosen, be it the one that stands in front already.
-    bool refreshDashboard();
+    /// The dashboard refreshes when the tab of the custom sale is chosen, be it in front already. Returns the time of
+    /// that, without the painting that follows; below 0 when it failed.
+    double refreshDashboard();
     /// Commits the cart. Returns the time from the Yes to the painted dashboard; below 0 when it failed.
     double commit();
 

@@ -3,6 +3,8 @@
 
 #include "basic/numbers.h"
 
+#include <cmath>
+
 namespace harrowby {
 
 namespace {
@@ -30,6 +32,14 @@ std::optional<double> converted(const DbValue &value)
 }
 
 } // namespace
+
+DbValue storedFigure(float value)
+{
+    constexpr float exactIntegers = 16777216.0F; // beyond, every value is whole, and its text is long either way
+    if (std::trunc(value) == value && std::abs(value) <= exactIntegers)
+        return static_cast<std::int64_t>(value);
+    return asStored(value);
+}
 
 QString valueText(const DbValue &value)
 {

@@ -5,6 +5,7 @@
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/panel.h"
+#include "ui/widgets/pick_list.h"
 #include "ui/widgets/tab_strip.h"
 
 #include <QBoxLayout>
@@ -45,6 +46,8 @@ Controls::Controls(QMainWindow &form)
     createLogin(form);
     layOut(*stage);
     setTabOrder();
+    for (PickList *list : {Combo1, Combo2, Combo3, Combo5, Combo9, Combo11, Combo12, Combo15})
+        list->setDropsOnPress(true);
     dress(form);
     form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));
 }

@@ -3,6 +3,7 @@
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/item_key_delegate.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/panel.h"
 #include "ui/widgets/row_list.h"
@@ -98,6 +99,7 @@ void Controls::createCart()
     LV3->setColumnShares({10, 1, 2});
     LV3->setColumnSamples({{}, u"999"_s, u"99,999.00"_s});
     LV3->setFigureColumns({1, 2});
+    LV3->setItemDelegateForColumn(0, new ItemKeyDelegate(LV3));
     Label5 = new TotalLabel(Frame4);
     Label5->setObjectName(u"Label5"_s);
     Label5->setText(u"Total: 0.00"_s);

@@ -9,6 +9,7 @@
 #include "store/statements.h"
 #include "ui/focus_order.h"
 #include "ui/unbuilt.h"
+#include "ui/widgets/enter_presses.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
@@ -145,6 +146,9 @@ void Inventory::connectWindow()
     onClick(m_controls.Command10, [this] { close(); });
     onClick(m_controls.Command20, [this] { showHelp(); });
     onClick(m_controls.Command11, [this] { clearActivityLog(); });
+    auto *enter = new EnterPresses(this);
+    for (QAbstractButton *button : findChildren<QAbstractButton *>())
+        button->installEventFilter(enter);
     // The whole text is rewritten by every entry; nobody undoes in it.
     m_controls.Text1->setUndoRedoEnabled(false);
     // Of the dashboard's elements only this one does anything when it is clicked.

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void stepsAreShortAndEndWithTheBudget();
     void lockThatGoesLetsTheStatementThrough();
     void idleEventLoopFillsUp();
+    void boxWithinAnActionDoesNotFillUp();
     void yieldingWithinAnActionDoesNotFillUp();
     void sleeperThatThrowsEndsTheWait();
 
@@ -113,6 +114,24 @@ void BusyWaitTest::idleEventLoopFillsUp()
     QTimer::singleShot(1, &loop, &QEventLoop::quit);
     loop.exec(); // has nothing to do until the timer: the action is over
     QCOMPARE(wait.remaining().count(), 100);
+}
+
+void BusyWaitTest::boxWithinAnActionDoesNotFillUp()
+{
+    BusyWait wait(100ms, [](auto) {});
+    wait.attach(m_till.get());
+    wait.followEventLoop();
+    lock();
+    QEventLoop action;
+    QTimer::singleShot(1, &action, [&] {
+        QVERIFY(isRefused());
+        QEventLoop box; // waits for its answer in the middle of the action
+        QTimer::singleShot(1, &box, &QEventLoop::quit);
+        box.exec();
+        QCOMPARE(wait.remaining().count(), 0);
+        action.quit();
+    });
+    action.exec();
 }
 
 void BusyWaitTest::yieldingWithinAnActionDoesNotFillUp()

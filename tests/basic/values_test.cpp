@@ -43,6 +43,7 @@ class TestValues : public QObject
 private Q_SLOTS:
     void reads_data();
     void reads();
+    void storesFigures();
 };
 
 void TestValues::reads_data()
@@ -92,6 +93,14 @@ void TestValues::reads()
     QTEST(valueEqualsTrue(value), "equalsTrue");
     const std::optional<std::int16_t> converted = valueInt16(value);
     QCOMPARE(converted ? int(*converted) : none, int16);
+}
+
+void TestValues::storesFigures()
+{
+    QCOMPARE(std::get<std::int64_t>(storedFigure(2.0F)), std::int64_t(2));
+    QCOMPARE(std::get<std::int64_t>(storedFigure(-16777216.0F)), std::int64_t(-16777216));
+    QCOMPARE(std::get<double>(storedFigure(99.99F)), 99.99);
+    QCOMPARE(std::get<double>(storedFigure(1e30F)), 1e30);
 }
 
 QTEST_GUILESS_MAIN(TestValues)

@@ -307,6 +307,7 @@ void CategoriesTest::remove()
              (QStringList{u"Delete from InventoryCategory where CategoryName = 'FOOD'"_s,
                           u"Update StockList Set StockCategory = 'OTHER CATEGORY' where StockCategory = 'FOOD'"_s}));
     QCOMPARE(shown(counter), QStringList{u"DRINKS"_s});
+    QVERIFY(counter.find<QListWidget>("List2")->selectedItems().isEmpty()); // nobody chose another one
     QVERIFY(!entries(counter, "Combo12").contains(u"FOOD"_s));
     QCOMPARE(counter.file.cell(u"SELECT StockCategory FROM StockList"_s), u"OTHER CATEGORY"_s);
     QCOMPARE(counter.text("StatusBar1_2"), u"Category [FOOD] Deleted!"_s);

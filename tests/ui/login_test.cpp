@@ -230,6 +230,7 @@ void LoginTest::enterMovesOnAndLogsIn()
     QTest::keyClicks(counter.find("Text4"), u"pass"_s);
     QTest::keyClick(counter.find("Text4"), Qt::Key_Enter);
     QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.hasFocus("Command1_0")); // which the same Enter does not press: no box, nothing sold
 }
 
 void LoginTest::clearEmptiesBoth()

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void categoryWithoutLogin();
     void pickingACategory();
     void emptyButton();
+    void enterPresses();
     void pressLogsTwice();
     void pressShowsTheCart();
     void pressClearsTheMark();
@@ -293,6 +294,19 @@ void QuickSalesTest::emptyButton()
     openShop(counter);
     counter.boxes.expect(u"Item is empty!\r\nYou can add a new Item from Add/Edit Stock"_s, box::Information);
     counter.click("Command1_4");
+    QVERIFY(counter.cart().isEmpty());
+}
+
+void QuickSalesTest::enterPresses()
+{
+    Counter counter;
+    counter.file.addItem(u"A1"_s, u"TEA"_s, 1, 9);
+    openShop(counter);
+    QTest::keyClick(counter.find("Command1_0"), Qt::Key_Return);
+    QTest::keyClick(counter.find("Command1_0"), Qt::Key_Space);
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  TEA|2|2.00"_s});
+    counter.boxes.expect(u"Clear Cart?"_s, box::Ask, Answer::Yes);
+    QTest::keyClick(counter.find("Command13"), Qt::Key_Enter);
     QVERIFY(counter.cart().isEmpty());
 }
 

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void rowListShowsToolTipsAsPlainText();
     void nameListShowsToolTipsAsPlainText();
     void typingReplacesWhatIsMarked();
+    void pressOnTheTextDropsTheList();
     void linkIsPressedEveryWay();
     void entryModelKeepsItsEntries();
     void pickListLeavesTheTextAlone();
@@ -265,6 +266,20 @@ void WidgetsTest::typingReplacesWhatIsMarked()
     list.lineEdit()->selectAll();
     QTest::keyClicks(&list, u"F"_s);
     QCOMPARE(list.entryText(), u"F"_s);
+}
+
+void WidgetsTest::pressOnTheTextDropsTheList()
+{
+    PickList list;
+    list.addEntry(u"DRINKS"_s);
+    list.setDropsOnPress(true);
+    list.show();
+    QTest::mouseClick(list.lineEdit(), Qt::LeftButton);
+    QVERIFY(list.view()->isVisible());
+    list.hidePopup();
+    list.setDropsOnPress(false);
+    QTest::mouseClick(list.lineEdit(), Qt::LeftButton);
+    QVERIFY(!list.view()->isVisible());
 }
 
 void WidgetsTest::linkIsPressedEveryWay()

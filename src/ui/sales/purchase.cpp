@@ -4,6 +4,7 @@
 #include "basic/numbers.h"
 #include "basic/purchase_text.h"
 #include "basic/receipt_text.h"
+#include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
@@ -96,8 +97,8 @@ QString Inventory::savePurchase(const QString &firstId, const QString &items, fl
     purchase.AddNew();
     purchase.Field(u"PurchaseID"_s).assign(id);
     purchase.Field(u"PurchasedItems"_s).assign(items);
-    purchase.Field(u"PurchasedItemsTotal"_s).assign(asStored(lineCount));
-    purchase.Field(u"PurchasedItemsCost"_s).assign(asStored(total));
+    purchase.Field(u"PurchasedItemsTotal"_s).assign(storedFigure(lineCount));
+    purchase.Field(u"PurchasedItemsCost"_s).assign(storedFigure(total));
     purchase.Field(u"PurchasedDate"_s).assign(purchasedDate(m_platform.clock->now()));
     purchase.Field(u"Users"_s).assign(m_state.LoggedUser);
     purchase.Update();

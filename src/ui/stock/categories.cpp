@@ -126,6 +126,8 @@ void Inventory::deleteCategory()
     LoadCategory();
     if (entry.isValid())
         m_controls.List2->model()->removeRow(entry.row());
+    // Nobody chose the entry that took its place; the next "Delete" is not to be about it.
+    m_controls.List2->setCurrentRow(-1);
     LogActivity(u"Category ["_s + name + u"] Deleted!"_s, box::Information, false, false);
 }
 

@@ -161,8 +161,20 @@ bool PickList::event(QEvent *event)
     return QComboBox::event(event);
 }
 
+void PickList::setDropsOnPress(bool drops)
+{
+    m_dropsOnPress = drops;
+    lineEdit()->installEventFilter(this);
+}
+
 bool PickList::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress && m_dropsOnPress && count() > 0) {
+        showPopup();
+        return true;
+    }
+    if (watched == lineEdit())
+        return QComboBox::eventFilter(watched, event);
     if (event->type() != QEvent::ToolTip)
         return QComboBox::eventFilter(watched, event);
     const auto *help = static_cast<QHelpEvent *>(event);

@@ -25,6 +25,9 @@ public:
     /// Appends an entry; text and selection stay as they are.
     void addEntry(const QString &text);
 
+    /// A press on the text drops the list down too: for lists that are picked from far more often than typed into.
+    void setDropsOnPress(bool drops);
+
     void showPopup() override;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -56,9 +59,10 @@ private:
     void showEntryTip(const QPoint &globalPosition, const QPoint &position);
 
     EntryModel *m_entries;
-    mutable QSize m_sizeHint;    ///< invalid until it is asked for
-    bool m_textChanged = false;  ///< since the user's last action began, and not by code
-    bool m_picking = true;       ///< an activation is the user's choice, and not merely Enter or the focus leaving
+    mutable QSize m_sizeHint;   ///< invalid until it is asked for
+    bool m_textChanged = false; ///< since the user's last action began, and not by code
+    bool m_picking = true;      ///< an activation is the user's choice, and not merely Enter or the focus leaving
+    bool m_dropsOnPress = false;
     bool m_popupDressed = false; ///< the list that drops down has been given its looks
 };
 

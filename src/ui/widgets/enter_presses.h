@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+namespace harrowby {
+
+/// Event filter for buttons: Enter presses the one that has the focus, as the space bar does. Qt leaves that to
+/// dialogs.
+class EnterPresses final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+};
+
+} // namespace harrowby
