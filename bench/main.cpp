@@ -57,44 +57,26 @@ Line residentLine(const QString &file, qint64 items)
             residentMegabytesOverEmptyWindow(file)};
 }
 
-/// How a press grows from the smallest shop to the one that the limits are for.
-void addGrowth(std::vector<Line> &lines, const Plan &plan)
-{
-    const auto pressAt = [&](qint64 items) {
-        for (const Line &line : lines) {
-            if (line.work == QLatin1StringView(PressWork) && line.items == items)
-                return line.medianMs.value_or(0.0);
-        }
-        return 0.0;
-    };
-    const double small = pressAt(plan.sizes.front().items);
-    const double big = pressAt(plan.residentAt);
-    if (small > 0.0)
-        lines.push_back({u"that press, over the same at %1 items"_s.arg(plan.sizes.front().items),
-                         plan.residentAt,
-                         big,
-                         {},
-                         big / small,
-                         GrowthLimit,
-                         {}});
-}
-
 std::vector<Line> measureAll(const Plan &plan, const QString &folder)
 {
     std::vector<Line> lines;
+    std::vector<std::unique_ptr<ShopFile>> shops;
+    const QDateTime now = benchTime();
     for (const CatalogueSize &size : plan.sizes) {
-        const QDateTime now = benchTime();
         const QString file = folder + u"/shop-%1.sqlite"_s.arg(size.items);
         say(u"Making a shop of %1 items and %2 purchases ..."_s.arg(size.items).arg(size.purchases));
-        const ShopFile shop(file);
+        const ShopFile &shop = *shops.emplace_back(std::make_unique<ShopFile>(file));
         shop.fill(size, now.date());
         say(u"Measuring, %1 runs each ..."_s.arg(plan.runs));
         const std::vector<Line> measured = measureWorks(shop.database(), {size.items, plan.runs, now});
         lines.insert(lines.end(), measured.begin(), measured.end());
-        if (size.items == plan.residentAt)
+        if (size.items == plan.residentAt) {
             lines.push_back(residentLine(file, size.items));
+            lines.push_back(
+                measurePressGrowth(shops.front()->database(), shop.database(), {size.items, plan.runs, now}));
+            lines.back().limit = GrowthLimit;
+        }
     }
-    addGrowth(lines, plan);
     return lines;
 }
 

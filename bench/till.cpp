@@ -34,7 +34,13 @@ Till::Till(sqlite3 *database, const QDateTime &now) :
                                                              std::make_shared<NoPrinters>(), m_clock,
                                                              std::make_shared<ObjectRegistry>()}
 {
-    InvBasic::setConnection(std::make_shared<SqliteConnection>(database));
+    m_connection = std::make_shared<SqliteConnection>(database);
+    use();
+}
+
+void Till::use()
+{
+    InvBasic::setConnection(m_connection);
 }
 
 Till::~Till()

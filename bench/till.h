@@ -20,6 +20,8 @@ public:
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
 
+    /// Makes this the till that statements go through, where there are several.
+    void use();
     /// Loads a window and shows it; ends when it is painted.
     bool open();
     void close();
@@ -54,6 +56,7 @@ private:
     std::shared_ptr<YesBoxes> m_boxes;
     std::shared_ptr<SteppedClock> m_clock;
     Platform m_platform;
+    std::shared_ptr<DbConnection> m_connection;
     std::unique_ptr<Inventory> m_window;
 };
 

@@ -235,4 +235,30 @@ std::vector<Line> measureWorks(sqlite3 *database, const WorksOptions &options)
     return Bench(database, options).run();
 }
 
+Line measurePressGrowth(sqlite3 *small, sqlite3 *big, const WorksOptions &options)
+{
+    const QString name = u"that press, over the same in the smallest shop"_s;
+    Till tills[] = {{small, options.now}, {big, options.now}};
+    std::vector<double> samples[2];
+    for (Till &till : tills) {
+        till.use();
+        const bool ready = till.open() && till.logIn() && till.fillCart(1);
+        static_cast<void>(checked(ready ? 0.0 : -1.0, name));
+    }
+    for (int i = -WarmUpRuns; i < options.runs; ++i) {
+        for (std::size_t which : {0U, 1U}) {
+            Till &till = tills[which];
+            till.use();
+            till.nextSecond();
+            till.repaint();
+            const double ms = checked(timed([&till] { return till.press(till.lastButton()); }), name);
+            if (i >= 0)
+                samples[which].push_back(ms);
+        }
+    }
+    const double smallMs = median(samples[0]);
+    const double bigMs = median(samples[1]);
+    return {name, options.items, bigMs, smallMs, bigMs / smallMs, {}, {}};
+}
+
 } // namespace harrowby::bench
