@@ -16,7 +16,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// Rows that opening reads at most. Most results end before; a longer one is counted or read when it comes to that.
-constexpr qsizetype firstRows = 32;
+constexpr qsizetype firstRows = 10;
 constexpr qsizetype allRows = std::numeric_limits<qsizetype>::max();
 
 DbAssignments::iterator find(DbAssignments &values, const QString &name)

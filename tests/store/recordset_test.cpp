@@ -72,7 +72,7 @@ void TestRecordset::init()
 void TestRecordset::walksEveryRow_data()
 {
     QTest::addColumn<int>("count");
-    for (const int count : {0, 1, 2, 31, 32, 33, 34, 100, 5000})
+    for (const int count : {0, 1, 2, 9, 10, 11, 12, 33, 100, 5000})
         QTest::addRow("%d", count) << count;
 }
 
