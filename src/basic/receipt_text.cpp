@@ -8,10 +8,15 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
+namespace {
+
+/// 63 hyphens: the width of a receipt.
 QString receiptSeparator()
 {
     return QString(63, u'-');
 }
+
+} // namespace
 
 std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address)
 {

@@ -18,9 +18,6 @@ struct ReceiptStep
     std::optional<bool> bold;    ///< none: as it was
 };
 
-/// 63 hyphens: the width of a receipt.
-[[nodiscard]] QString receiptSeparator();
-
 /// Title, address and heading, before the item lines.
 [[nodiscard]] std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address);
 /// After the item lines: number of cart lines and total, both in plain decimal form.

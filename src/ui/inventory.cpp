@@ -149,7 +149,7 @@ void Inventory::connectWindow()
     auto *enter = new EnterPresses(this);
     for (QAbstractButton *button : findChildren<QAbstractButton *>())
         button->installEventFilter(enter);
-    // The whole text is rewritten by every entry; nobody undoes in it.
+    // Nobody undoes in the log, and the history would grow with it.
     m_controls.Text1->setUndoRedoEnabled(false);
     // Of the dashboard's elements only this one does anything when it is clicked.
     connect(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, this,
