@@ -4,6 +4,7 @@
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/entry_model.h"
+#include "ui/widgets/item_key_delegate.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/name_list.h"
 #include "ui/widgets/pick_list.h"
@@ -19,7 +20,9 @@
 #include <QCompleter>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QImage>
 #include <QLineEdit>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextDocumentFragment>
@@ -80,6 +83,7 @@ private Q_SLOTS:
     void nameListShowsToolTipsAsPlainText();
     void typingReplacesWhatIsMarked();
     void pressOnTheTextDropsTheList();
+    void itemKeyIsPaintedNameOverId();
     void linkIsPressedEveryWay();
     void entryModelKeepsItsEntries();
     void pickListLeavesTheTextAlone();
@@ -280,6 +284,32 @@ void WidgetsTest::pressOnTheTextDropsTheList()
     list.setDropsOnPress(false);
     QTest::mouseClick(list.lineEdit(), Qt::LeftButton);
     QVERIFY(!list.view()->isVisible());
+}
+
+void WidgetsTest::itemKeyIsPaintedNameOverId()
+{
+    const auto painted = [](const QString &key) {
+        RowList list({u"Item"_s});
+        list.setItemDelegate(new ItemKeyDelegate(&list));
+        list.rows().appendRow({key});
+        QStyleOptionViewItem option;
+        option.initFrom(&list);
+        option.rect = QRect(0, 0, 200, 44);
+        QImage image(option.rect.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        list.itemDelegate()->paint(&painter, option, list.model()->index(0, 0));
+        return image;
+    };
+    const auto upper = [](const QImage &image) { return image.copy(0, 0, 200, 18); };
+    const auto lower = [](const QImage &image) { return image.copy(0, 28, 200, 16); };
+    const QImage tea = painted(u"A1  |  TEA"_s);
+    const QImage otherId = painted(u"B2  |  TEA"_s);
+    const QImage otherName = painted(u"A1  |  JAM"_s);
+    QCOMPARE(upper(tea), upper(otherId));
+    QVERIFY(lower(tea) != lower(otherId));
+    QCOMPARE(lower(tea), lower(otherName));
+    QVERIFY(upper(tea) != upper(otherName));
 }
 
 void WidgetsTest::linkIsPressedEveryWay()
