@@ -4,6 +4,7 @@
 #include <harrowby/db_value.h>
 #include <harrowby/export.h>
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 
@@ -52,6 +53,9 @@ public:
     [[nodiscard]] virtual Step next() = 0;
     /// Value of a column (0-based) of the row the cursor stands on.
     [[nodiscard]] virtual DbValue value(int column) const = 0;
+    /// The same of a text, as UTF-8 in the engine's own memory, good until the next step: long lists are filled from
+    /// it without a copy. Empty for every other value, and from an engine that cannot offer it.
+    [[nodiscard]] virtual std::optional<QByteArrayView> text(int /*column*/) const { return {}; }
 };
 
 /// The host's open database connection, as the component uses it.

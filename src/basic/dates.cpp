@@ -41,6 +41,11 @@ QString usageTime(const QDateTime &time)
     return formatted(time, u"yyyy-MM-dd HH:mm:ss"_s);
 }
 
+QString stockTime(const QDateTime &time)
+{
+    return formatted(time, u"dd-MMM-yy HH:mm:ss"_s);
+}
+
 QString receiptTime(const QDateTime &time)
 {
     return formatted(time, u"dd/MMM/yyyy HH:mm:ss"_s);

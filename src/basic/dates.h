@@ -18,6 +18,8 @@ namespace harrowby {
 [[nodiscard]] QString activityLogTime(const QDateTime &time);
 /// "yyyy-MM-dd HH:mm:ss", in SysUsage.
 [[nodiscard]] QString usageTime(const QDateTime &time);
+/// "dd-MMM-yy HH:mm:ss", of a stock item's last change.
+[[nodiscard]] QString stockTime(const QDateTime &time);
 /// "dd/MMM/yyyy HH:mm:ss", on receipts.
 [[nodiscard]] QString receiptTime(const QDateTime &time);
 /// "yyyy/MMM/dd HH:mm:ss", in the summary of a purchase.

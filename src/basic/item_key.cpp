@@ -17,6 +17,15 @@ QString itemKey(const QString &stockId, const QString &stockName)
     return stockId + separator + stockName;
 }
 
+void putItemKey(QByteArray &key, QUtf8StringView stockId, QUtf8StringView stockName)
+{
+    const auto bytes = [](QUtf8StringView text) {
+        return QByteArrayView(reinterpret_cast<const char *>(text.data()), text.size());
+    };
+    key.resize(0); // clear() would give its memory back
+    key.append(bytes(stockId)).append(separator.data(), separator.size()).append(bytes(stockName));
+}
+
 QString GetIDName(const QString &key, KeyPiece piece)
 {
     if (piece != KeyPiece::Name) {

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QUtf8StringView>
 
 namespace harrowby {
 
 /// "ID  |  NAME": how one stock item shows in combo boxes, cart lines, receipts and messages.
 [[nodiscard]] QString itemKey(const QString &stockId, const QString &stockName);
+
+/// The same of UTF-8, written into `key`, whose memory serves again: for lists of very many items.
+void putItemKey(QByteArray &key, QUtf8StringView stockId, QUtf8StringView stockName);
 
 enum class KeyPiece : short {
     Id = 0,

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <type_traits>
 
 namespace harrowby {
 
@@ -192,11 +193,51 @@ QString plain(Float value)
 
 enum class Grouping { None, Thousands };
 
+/// The hundredths that the number is a whole count of, as nearly every amount is; empty for any other number, and for
+/// one so large that a double does not tell hundredths apart.
+std::optional<std::int64_t> wholeHundredths(double value)
+{
+    constexpr double largest = 1e12;
+    if (!(std::abs(value) <= largest))
+        return {};
+    const double hundredths = std::round(value * 100.0);
+    return hundredths / 100.0 == value ? std::optional(static_cast<std::int64_t>(hundredths)) : std::nullopt;
+}
+
+/// Lists show amounts by the hundred thousand: no digit is moved twice here.
+QString hundredthsText(std::int64_t hundredths, Grouping grouping)
+{
+    std::array<char, 32> buffer{};
+    std::size_t at = buffer.size();
+    const auto put = [&](char c) { buffer[--at] = c; };
+    std::int64_t left = std::abs(hundredths);
+    const auto putDigit = [&] {
+        put(static_cast<char>('0' + left % 10));
+        left /= 10;
+    };
+    putDigit();
+    putDigit();
+    put('.');
+    putDigit();
+    for (int digits = 1; left > 0; ++digits) {
+        if (grouping == Grouping::Thousands && digits % 3 == 0)
+            put(',');
+        putDigit();
+    }
+    if (hundredths < 0)
+        put('-');
+    return QString::fromLatin1(buffer.data() + at, static_cast<qsizetype>(buffer.size() - at));
+}
+
 template <typename Float>
 QString displayed(Float value, qsizetype places, Grouping grouping)
 {
     if (!std::isfinite(value))
         return notFinite(value);
+    if constexpr (std::is_same_v<Float, double>) {
+        if (const std::optional<std::int64_t> hundredths = wholeHundredths(value); hundredths && places == 2)
+            return hundredthsText(*hundredths, grouping);
+    }
     const Decimal decimal = rounded(decimalOf(value), places);
     QString text = integerPart(decimal);
     if (grouping == Grouping::Thousands)

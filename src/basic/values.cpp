@@ -41,6 +41,14 @@ DbValue storedFigure(float value)
     return asStored(value);
 }
 
+DbValue storedFigure(double value)
+{
+    constexpr double exactIntegers = 9007199254740992.0;
+    if (std::trunc(value) == value && std::abs(value) <= exactIntegers)
+        return static_cast<std::int64_t>(value);
+    return value;
+}
+
 QString valueText(const DbValue &value)
 {
     if (const auto *integer = std::get_if<std::int64_t>(&value))

@@ -12,6 +12,8 @@ namespace harrowby {
 /// What to store of a 32-bit figure: the number that its shortest decimal text names; a whole one as an integer, so
 /// that a text column holds "2" and not "2.0".
 [[nodiscard]] DbValue storedFigure(float value);
+/// The same of a 64-bit figure.
+[[nodiscard]] DbValue storedFigure(double value);
 /// As text: null is empty, a real 5.0 is "5", bytes are read as UTF-8.
 [[nodiscard]] QString valueText(const DbValue &value);
 /// As a number: the number itself, or the leading number of the text; null and bytes without one are 0.

@@ -39,6 +39,14 @@ void put(DbAssignments &values, const QString &name, DbValue value)
 
 struct DbRecordset::Private
 {
+    /// The walks that are under way, those of entered handlers after those of the handlers they were entered from.
+    static std::vector<Private *> &walks();
+
+    Private() = default;
+    Private(const Private &) = delete;
+    Private &operator=(const Private &) = delete;
+    ~Private() { endWalk(); }
+
     enum class Standing {
         Found,  ///< on a row of the result, or past the last one
         Adding, ///< on a row that Update() will add
@@ -55,6 +63,8 @@ struct DbRecordset::Private
     bool isWhole = true;    ///< `rows` holds the whole result, not only its first rows
     std::optional<std::int32_t> count;
     std::vector<DbRowId> rowIds;
+    std::unique_ptr<DbCursor> walk; ///< stands on the current row; null when this is no walk, or one read to its end
+    std::int64_t passed = 0;        ///< rows that the walk has left behind; `rows` never holds them
 
     Standing standing = Standing::Found;
     DbAssignments assigned; ///< for the next Update()
@@ -62,11 +72,19 @@ struct DbRecordset::Private
 
     void read(qsizetype limit) noexcept;
     void fill(qsizetype limit);
+    void readForEditing() noexcept;
     void readRowIds() noexcept;
+    void beginWalk() noexcept;
+    void stepWalk() noexcept;
+    void finishWalk() noexcept;
+    void endWalk() noexcept;
+    void appendRow(const DbCursor &cursor);
     std::int32_t counted() noexcept;
     void forgetRows() noexcept;
     bool hasRow() noexcept;
+    [[nodiscard]] bool atEnd() const noexcept { return !walk && rows.atEnd(); }
     std::optional<DbValue> value(const QString &name);
+    std::optional<QByteArrayView> text(const QString &name);
 
     void addRow() noexcept;
     void changeRow() noexcept;
@@ -75,6 +93,12 @@ struct DbRecordset::Private
     [[nodiscard]] QString verb() const { return standing == Standing::Adding ? u"INSERT "_s : u"UPDATE "_s; }
 };
 
+std::vector<DbRecordset::Private *> &DbRecordset::Private::walks()
+{
+    static std::vector<Private *> underWay;
+    return underWay;
+}
+
 /// Replaces the rows. What fails leaves none.
 void DbRecordset::Private::read(qsizetype limit) noexcept
 {
@@ -82,6 +106,13 @@ void DbRecordset::Private::read(qsizetype limit) noexcept
     hasFailed = true;
     if (!guarded(connection, DbFailure::Kind::Read, select, [&] { fill(limit); }))
         forgetRows();
+}
+
+/// What is computed from these values is written back: they must not be as old as a walk that is under way.
+void DbRecordset::Private::readForEditing() noexcept
+{
+    DbRecordset::finishAllWalks();
+    read(allRows);
 }
 
 void DbRecordset::Private::fill(qsizetype limit)
@@ -93,16 +124,70 @@ void DbRecordset::Private::fill(qsizetype limit)
     rows.reset(cursor->columnNames());
     if (access == Access::Edit && step == DbCursor::Step::Row)
         readRowIds();
-    for (; step == DbCursor::Step::Row && rows.count() < limit; step = cursor->next()) {
-        for (qsizetype i = 0; i < rows.columns(); ++i)
-            rows.append(cursor->value(static_cast<int>(i)));
-        rows.endRow();
-    }
+    for (; step == DbCursor::Step::Row && rows.count() < limit; step = cursor->next())
+        appendRow(*cursor);
     hasFailed = step == DbCursor::Step::Failed;
     if (hasFailed)
         forgetRows();
     isWhole = step != DbCursor::Step::Row;
     rows.squeeze();
+}
+
+void DbRecordset::Private::appendRow(const DbCursor &cursor)
+{
+    for (qsizetype i = 0; i < rows.columns(); ++i)
+        rows.append(cursor.value(static_cast<int>(i)));
+    rows.endRow();
+}
+
+void DbRecordset::Private::beginWalk() noexcept
+{
+    hasFailed = true;
+    guarded(connection, DbFailure::Kind::Read, select, [this] {
+        std::unique_ptr<DbCursor> cursor = connection->query(select);
+        if (!cursor)
+            return;
+        const DbCursor::Step step = cursor->next();
+        rows.reset(cursor->columnNames());
+        hasFailed = step == DbCursor::Step::Failed;
+        isWhole = step != DbCursor::Step::Row;
+        if (isWhole)
+            return;
+        walks().push_back(this);
+        walk = std::move(cursor);
+    });
+}
+
+void DbRecordset::Private::stepWalk() noexcept
+{
+    auto step = DbCursor::Step::Failed;
+    guarded(connection, DbFailure::Kind::Read, select, [&] { step = walk->next(); });
+    ++passed;
+    hasFailed = step == DbCursor::Step::Failed;
+    if (step != DbCursor::Step::Row)
+        endWalk();
+}
+
+/// Goes on from memory.
+void DbRecordset::Private::finishWalk() noexcept
+{
+    auto step = DbCursor::Step::Row;
+    const bool read = guarded(connection, DbFailure::Kind::Read, select, [&] {
+        for (; step == DbCursor::Step::Row; step = walk->next())
+            appendRow(*walk);
+        rows.squeeze();
+    });
+    hasFailed = !read || step == DbCursor::Step::Failed;
+    endWalk();
+}
+
+void DbRecordset::Private::endWalk() noexcept
+{
+    if (!walk)
+        return;
+    std::erase(walks(), this);
+    walk.reset();
+    isWhole = true;
 }
 
 void DbRecordset::Private::readRowIds() noexcept
@@ -113,7 +198,7 @@ void DbRecordset::Private::readRowIds() noexcept
 
 std::int32_t DbRecordset::Private::counted() noexcept
 {
-    std::int64_t result = rows.count();
+    std::int64_t result = passed + rows.count();
     if (!isWhole) {
         std::optional<std::int64_t> found;
         guarded(connection, DbFailure::Kind::Read, select, [&] { found = connection->countRows(select); });
@@ -128,8 +213,10 @@ std::int32_t DbRecordset::Private::counted() noexcept
 
 void DbRecordset::Private::forgetRows() noexcept
 {
+    endWalk();
     rows = RowBuffer();
     rowIds.clear();
+    passed = 0;
     isWhole = true;
 }
 
@@ -137,9 +224,9 @@ void DbRecordset::Private::forgetRows() noexcept
 /// all of it in one state of the table.
 bool DbRecordset::Private::hasRow() noexcept
 {
-    if (!isWhole)
+    if (!isWhole && !walk)
         read(allRows);
-    return !rows.atEnd();
+    return !atEnd();
 }
 
 std::optional<DbValue> DbRecordset::Private::value(const QString &name)
@@ -151,7 +238,20 @@ std::optional<DbValue> DbRecordset::Private::value(const QString &name)
     if (standing != Standing::Found || !hasRow())
         return {};
     const qsizetype column = rows.column(name);
-    return column < 0 ? std::nullopt : std::optional(rows.value(column));
+    if (column < 0)
+        return {};
+    return walk ? walk->value(static_cast<int>(column)) : rows.value(column);
+}
+
+/// A text that stands in the row as it was read; empty for every other value, and in a row that is written.
+std::optional<QByteArrayView> DbRecordset::Private::text(const QString &name)
+{
+    if (!assigned.empty() || !written.empty() || standing != Standing::Found || !hasRow())
+        return {};
+    const qsizetype column = rows.column(name);
+    if (column < 0)
+        return {};
+    return walk ? walk->text(static_cast<int>(column)) : rows.text(column);
 }
 
 void DbRecordset::Private::addRow() noexcept
@@ -199,7 +299,7 @@ DbRecordset::~DbRecordset() = default;
 
 void DbRecordset::Open(const Statement &select, const std::shared_ptr<DbConnection> &connection, Access access) noexcept
 {
-    *d = Private{};
+    d = std::make_unique<Private>();
     d->connection = connection;
     d->select = select.sql();
     d->table = select.table();
@@ -207,8 +307,12 @@ void DbRecordset::Open(const Statement &select, const std::shared_ptr<DbConnecti
     d->hasFailed = select.isRefused();
     if (d->hasFailed)
         d->fail(DbFailure::Kind::Read, d->select, select.refusal());
+    else if (access == Access::Walk)
+        d->beginWalk();
+    else if (access == Access::Read)
+        d->read(firstRows);
     else
-        d->read(access == Access::Edit ? allRows : firstRows);
+        d->readForEditing();
 }
 
 bool DbRecordset::HasFailed() const noexcept
@@ -225,7 +329,7 @@ std::int32_t DbRecordset::RecordCount() noexcept
 
 bool DbRecordset::IsEof() noexcept
 {
-    return d->standing == Private::Standing::Found && d->rows.atEnd();
+    return d->standing == Private::Standing::Found && d->atEnd();
 }
 
 void DbRecordset::MoveNext() noexcept
@@ -234,7 +338,10 @@ void DbRecordset::MoveNext() noexcept
     d->written.clear();
     if (std::exchange(d->standing, Private::Standing::Found) != Private::Standing::Found) {
         d->hasRow();
+        d->endWalk();
         d->rows.moveToEnd();
+    } else if (d->walk) {
+        d->stepWalk();
     } else if (d->hasRow()) {
         d->rows.moveNext();
     }
@@ -254,6 +361,7 @@ void DbRecordset::AddNew() noexcept
 
 void DbRecordset::Update() noexcept
 {
+    finishWalks();
     if (d->standing == Private::Standing::Adding)
         d->addRow();
     else
@@ -283,6 +391,21 @@ double DbField::number(double fallback) const
     return found ? valueNumber(*found) : fallback;
 }
 
+std::optional<QUtf8StringView> DbField::utf8(QByteArray &buffer) const
+{
+    try {
+        if (const std::optional<QByteArrayView> stored = m_recordset.d->text(m_name))
+            return QUtf8StringView(stored->data(), stored->size());
+        const std::optional<DbValue> found = m_recordset.d->value(m_name);
+        if (!found)
+            return {};
+        buffer = valueText(*found).toUtf8();
+        return QUtf8StringView(buffer);
+    } catch (...) {
+        return {}; // a value too large for the memory that is left
+    }
+}
+
 void DbField::assign(DbValue value)
 {
     DbRecordset::Private &d = *m_recordset.d;
@@ -294,8 +417,20 @@ void DbField::assign(DbValue value)
         put(d.assigned, m_name, std::move(value));
 }
 
+void DbRecordset::finishAllWalks() noexcept
+{
+    while (!Private::walks().empty())
+        Private::walks().back()->finishWalk();
+}
+
+void finishWalks() noexcept
+{
+    DbRecordset::finishAllWalks();
+}
+
 bool Execute(const std::shared_ptr<DbConnection> &connection, const Statement &statement) noexcept
 {
+    finishWalks();
     if (statement.isRefused()) {
         report(connection, {DbFailure::Kind::Write, statement.sql(), statement.refusal(), 0});
         return false;

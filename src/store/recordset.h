@@ -6,6 +6,8 @@
 
 #include <harrowby/db_connection.h>
 
+#include <QUtf8StringView>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -24,6 +26,9 @@ public:
     [[nodiscard]] QString text(const QString &fallback = {}) const;
     /// The value's leading number, or `fallback` when there is none to read.
     [[nodiscard]] double number(double fallback = 0.0) const;
+    /// The same text as text() gives, in UTF-8, without a copy where that can be: in the engine's memory, or in
+    /// `buffer`. Good until the recordset or the buffer is used again. Empty when there is none to read.
+    [[nodiscard]] std::optional<QUtf8StringView> utf8(QByteArray &buffer) const;
 
     /// Notes the value for the next Update(). Without a row to write to, nothing happens.
     void assign(DbValue value);
@@ -41,13 +46,15 @@ private:
 /// No operation throws or shows anything: what fails is skipped, reported through the connection's
 /// reportFailure(), and reads as an empty result. Rows are held compactly once they are read, and are read
 /// only when a row is asked for: opening and counting alone never reads a whole result.
-/// Opening again replaces the rows. Nothing is kept open in the engine between two calls.
+/// Opening again replaces the rows. Nothing is kept open in the engine between two calls, but for a walk.
 class DbRecordset
 {
 public:
     enum class Access {
         Read, ///< rows are only looked at
         Edit, ///< a row may be written back: its identity is read together with it
+        Walk, ///< a long result, walked once from front to back while the window breathes: rows are fetched as the
+              ///< walk goes, and what is left of them is read at once when finishWalks() asks for it
     };
 
     DbRecordset();
@@ -77,9 +84,16 @@ public:
 
 private:
     friend class DbField;
+    friend void finishWalks() noexcept;
+    static void finishAllWalks() noexcept;
     struct Private;
     std::unique_ptr<Private> d;
 };
+
+/// Reads what is left of every walk and closes it in the engine. Before every change, which would fail under a walk
+/// that began before another program's change; before a row is read to be changed; and before whatever may keep a walk
+/// waiting for long, such as a box: it would keep other programs from the file.
+void finishWalks() noexcept;
 
 /// Executes a change on the connection. Refused statements, failing ones and a null connection are reported
 /// and skipped; what the connection throws counts as a failure.

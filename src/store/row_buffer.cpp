@@ -63,6 +63,14 @@ public:
         }
     }
 
+    std::optional<QByteArrayView> text()
+    {
+        const std::uint64_t head = number();
+        if ((head & ((1 << typeBits) - 1)) != Text)
+            return {};
+        return QByteArrayView(m_bytes).sliced(m_at, length(head));
+    }
+
 private:
     static qsizetype length(std::uint64_t head) { return static_cast<qsizetype>(head >> typeBits); }
 
@@ -159,13 +167,19 @@ void RowBuffer::moveNext()
 
 qsizetype RowBuffer::column(const QString &name)
 {
-    if (const auto known = m_index.constFind(name); known != m_index.cend())
-        return *known;
+    // A loop asks for the same columns row by row.
+    for (std::size_t i = 0; i < m_asked.size(); ++i) {
+        const auto &[asked, position] = m_asked[m_nextAsked];
+        m_nextAsked = (m_nextAsked + 1) % m_asked.size();
+        if (asked == name)
+            return position;
+    }
     const auto found = std::find_if(m_columns.cbegin(), m_columns.cend(), [&name](const QString &column) {
         return column.compare(name, Qt::CaseInsensitive) == 0;
     });
     const qsizetype position = found == m_columns.cend() ? -1 : found - m_columns.cbegin();
-    m_index.insert(name, position);
+    m_asked.emplace_back(name, position);
+    m_nextAsked = 0;
     return position;
 }
 
@@ -175,6 +189,14 @@ DbValue RowBuffer::value(qsizetype column) const
     for (qsizetype i = 0; i < column; ++i)
         reader.skip();
     return reader.value();
+}
+
+std::optional<QByteArrayView> RowBuffer::text(qsizetype column) const
+{
+    Reader reader(m_bytes, m_rowBegin);
+    for (qsizetype i = 0; i < column; ++i)
+        reader.skip();
+    return reader.text();
 }
 
 } // namespace harrowby

@@ -4,10 +4,12 @@
 #include <harrowby/db_value.h>
 
 #include <QByteArray>
-#include <QHash>
 #include <QStringList>
 
 #include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace harrowby {
 
@@ -40,6 +42,8 @@ public:
     [[nodiscard]] qsizetype column(const QString &name);
     /// Value in the current row, which must exist, of a column that exists.
     [[nodiscard]] DbValue value(qsizetype column) const;
+    /// UTF-8 of a text in the current row, good as long as the buffer is left alone; empty for every other value.
+    [[nodiscard]] std::optional<QByteArrayView> text(qsizetype column) const;
 
 private:
     void putText(const QString &text);
@@ -47,7 +51,8 @@ private:
     void putNumber(std::uint64_t number);
 
     QStringList m_columns;
-    QHash<QString, qsizetype> m_index; ///< by the names as they were asked for
+    std::vector<std::pair<QString, qsizetype>> m_asked; ///< the names as they were asked for, and their columns
+    std::size_t m_nextAsked = 0;                        ///< where to look first
     QByteArray m_bytes;
     qsizetype m_count = 0;
     qsizetype m_row = 0;

@@ -44,6 +44,7 @@ public:
     }
 
     [[nodiscard]] DbValue value(int column) const override { return m_statement.value(column); }
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_statement.text(column); }
 
 private:
     const DbConnection &m_connection;

@@ -36,6 +36,34 @@ bool endsThere(const char *tail, const char *end)
     return std::all_of(tail, end, [](char c) { return QByteArrayView(" \t\r\n\f;").contains(c); });
 }
 
+/// A column of the current row. The connection is held meanwhile: that locks it once, where asking for type, value and
+/// length one after the other locks it each time, which a long list feels.
+class HeldColumn
+{
+public:
+    HeldColumn(sqlite3 *database, sqlite3_stmt *statement, int column) : m_mutex(sqlite3_db_mutex(database))
+    {
+        sqlite3_mutex_enter(m_mutex);
+        m_value = sqlite3_column_value(statement, column);
+    }
+    ~HeldColumn() { sqlite3_mutex_leave(m_mutex); }
+    HeldColumn(const HeldColumn &) = delete;
+    HeldColumn &operator=(const HeldColumn &) = delete;
+
+    [[nodiscard]] sqlite3_value *value() const { return m_value; }
+    [[nodiscard]] int type() const { return sqlite3_value_type(m_value); }
+    [[nodiscard]] QByteArrayView text() const
+    {
+        // Text first: asking for it may convert, and the length is that of the converted text.
+        const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(m_value));
+        return {text, text ? sqlite3_value_bytes(m_value) : 0};
+    }
+
+private:
+    sqlite3_mutex *m_mutex;
+    sqlite3_value *m_value;
+};
+
 /// Bytes of any length: SQLite itself refuses what is too long for it. They are copied.
 int bindBytes(sqlite3_stmt *statement, int parameter, const QByteArray &bytes)
 {
@@ -140,24 +168,27 @@ QStringList SqliteStatement::columnNames() const
 
 DbValue SqliteStatement::value(int column) const
 {
-    sqlite3_stmt *statement = m_statement.get();
-    switch (sqlite3_column_type(statement, column)) {
+    const HeldColumn held(m_database, m_statement.get(), column);
+    switch (held.type()) {
     case SQLITE_INTEGER:
-        return std::int64_t(sqlite3_column_int64(statement, column));
+        return std::int64_t(sqlite3_value_int64(held.value()));
     case SQLITE_FLOAT:
-        return sqlite3_column_double(statement, column);
-    case SQLITE_TEXT: {
-        // Text first: asking for it may convert, and the length is that of the converted text.
-        const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
-        return QString::fromUtf8(text, text ? sqlite3_column_bytes(statement, column) : 0);
-    }
+        return sqlite3_value_double(held.value());
+    case SQLITE_TEXT:
+        return QString::fromUtf8(held.text());
     case SQLITE_BLOB: {
-        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(statement, column));
-        return bytes ? QByteArray(bytes, sqlite3_column_bytes(statement, column)) : QByteArray("");
+        const auto *bytes = static_cast<const char *>(sqlite3_value_blob(held.value()));
+        return bytes ? QByteArray(bytes, sqlite3_value_bytes(held.value())) : QByteArray("");
     }
     default:
         return {};
     }
+}
+
+std::optional<QByteArrayView> SqliteStatement::text(int column) const
+{
+    const HeldColumn held(m_database, m_statement.get(), column);
+    return held.type() == SQLITE_TEXT ? std::optional(held.text()) : std::nullopt;
 }
 
 void SqliteStatement::fail(const QString &reason, int code)

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] QStringList columnNames() const;
     /// Value of a column (0-based) of the row that step() has reached; null when there is none.
     [[nodiscard]] DbValue value(int column) const;
+    /// UTF-8 of a text, good until the next step; empty for every other value.
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const;
 
 private:
     struct Finalize

@@ -126,6 +126,55 @@ Statement stockById(const QString &id)
     return Statement("Select * from StockList where StockID = ").text(id);
 }
 
+Statement allStock()
+{
+    return Statement("Select * from StockList");
+}
+
+Statement automaticIdCount(const QString &prefix)
+{
+    return Statement("Select count(*) as counts from StockList where StockID like ").text("", prefix, "-*");
+}
+
+Statement sameStock(const QString &id, const QString &upperName)
+{
+    return stockById(id).fixed(" or UPPER(StockName) = ").text(upperName);
+}
+
+Statement sameStockName(const QString &upperName)
+{
+    return Statement("Select * from StockList where UPPER(StockName) = ").text(upperName);
+}
+
+Statement deleteStock(const QString &upperId)
+{
+    return Statement("Delete from StockList where Upper(StockID) = ").text(upperId);
+}
+
+Statement stockItems(bool hideFinished, const QString &category)
+{
+    Statement select(hideFinished ? FixedText("Select * from StockList where stockAvailable > 0 and ")
+                                  : FixedText("Select * from StockList where "));
+    if (category != allCategories)
+        select.fixed("StockCategory = ").text(category).fixed(" and ");
+    return select.fixed("StockUse = 'Enabled'");
+}
+
+Statement searchStock(const QString &upperText)
+{
+    return Statement("Select StockID, StockName, StockCategory from StockList where UPPER(StockID) like ")
+        .text("*", upperText, "*")
+        .fixed(" or UPPER(StockName) like ")
+        .text("*", upperText, "*")
+        .fixed("  and StockUse = 'Enabled'");
+}
+
+Statement stockLevels(const QString &id)
+{
+    return Statement("Select StockName, StockID, StockReorderLevel,StockAvailable from StockList where StockID = ")
+        .text(id);
+}
+
 Statement availableStock(const QString &id, const QString &name)
 {
     return Statement("Select * from Stocklist where StockUse = 'Enabled' and StockID = ")
@@ -152,6 +201,14 @@ Statement quickSalesCount(bool hideFinished, const QString &category)
                       hideFinished, category);
 }
 
+Statement raiseStock(std::int64_t quantity, const QString &id)
+{
+    return Statement("Update StockList Set StockAvailable = StockAvailable + ")
+        .number(quantity)
+        .fixed(" where StockID = ")
+        .text(id);
+}
+
 Statement lowerStock(double quantity, const QString &id, const QString &upperName)
 {
     return Statement("Update Stocklist Set StockAvailable = StockAvailable - ")
@@ -175,6 +232,16 @@ Statement stockTotal()
 Statement purchase(const QString &id)
 {
     return Statement("Select * from PurchaseCart where PurchaseID = ").text(id);
+}
+
+Statement deletePurchase(const QString &id)
+{
+    return Statement("Delete from PurchaseCart where PurchaseID = ").text(id);
+}
+
+Statement purchaseIds()
+{
+    return Statement("Select PurchaseID from PurchaseCart Order by PurchaseID DESC");
 }
 
 Statement salesCount(const QString &day)

@@ -51,12 +51,30 @@ struct StoreSettings
 // Stock
 
 [[nodiscard]] Statement stockById(const QString &id);
+/// Every item, disabled and finished ones too, in the table's order.
+[[nodiscard]] Statement allStock();
+/// The asterisk is no wildcard to the engine: one row, column "counts", of the IDs that end in "-*" literally.
+[[nodiscard]] Statement automaticIdCount(const QString &prefix);
+/// Items that have the ID or the name; `upperName` is upper-cased by the caller.
+[[nodiscard]] Statement sameStock(const QString &id, const QString &upperName);
+/// Items that have the name.
+[[nodiscard]] Statement sameStockName(const QString &upperName);
+/// Deletes every item whose ID is this one, whatever its capitals; the list shows IDs upper-cased.
+[[nodiscard]] Statement deleteStock(const QString &upperId);
+/// The enabled items of a category, in the table's order. `category` may be allCategories.
+[[nodiscard]] Statement stockItems(bool hideFinished, const QString &category);
+/// The asterisks are no wildcards to the engine, and the condition on StockUse binds to the name alone.
+[[nodiscard]] Statement searchStock(const QString &upperText);
+/// What the reorder panel shows of an item.
+[[nodiscard]] Statement stockLevels(const QString &id);
 /// `name` is compared with the stored name as it is: upper-cased by the caller, it finds upper-case names only.
 [[nodiscard]] Statement availableStock(const QString &id, const QString &name);
 /// One page of nine items, `offset` items skipped. `category` may be allCategories.
 [[nodiscard]] Statement quickSalesPage(bool hideFinished, const QString &category, std::int64_t offset);
 /// The rows of all pages, to be counted.
 [[nodiscard]] Statement quickSalesCount(bool hideFinished, const QString &category);
+/// Gives units back, by the ID alone.
+[[nodiscard]] Statement raiseStock(std::int64_t quantity, const QString &id);
 [[nodiscard]] Statement lowerStock(double quantity, const QString &id, const QString &upperName);
 /// Enabled items at or below their reorder level.
 [[nodiscard]] Statement lowStock();
@@ -66,6 +84,9 @@ struct StoreSettings
 // Purchases; `day` is a dayKey()
 
 [[nodiscard]] Statement purchase(const QString &id);
+[[nodiscard]] Statement deletePurchase(const QString &id);
+/// Newest first within each prefix.
+[[nodiscard]] Statement purchaseIds();
 /// One row, column "totals": how many; of everyone, or of one user.
 [[nodiscard]] Statement salesCount(const QString &day);
 [[nodiscard]] Statement salesCount(const QString &user, const QString &day);

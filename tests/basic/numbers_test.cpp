@@ -2,6 +2,7 @@
 #include "basic/numbers.h"
 
 #include <QLocale>
+#include <QRandomGenerator>
 #include <QTest>
 
 #include <cmath>
@@ -53,6 +54,7 @@ private Q_SLOTS:
     void storesSinglesAsTheirText();
     void formatsMoney_data();
     void formatsMoney();
+    void formatsAnyHundredths();
     void formatsSingleMoney_data();
     void formatsSingleMoney();
     void formatsFixed_data();
@@ -318,6 +320,21 @@ void TestNumbers::formatsMoney()
     QFETCH(const double, value);
     QFETCH(const QString, expected);
     QCOMPARE(formatMoney(value), expected);
+}
+
+void TestNumbers::formatsAnyHundredths()
+{
+    // The text is made from whole numbers here; the last ones are too large for a double to hold hundredths.
+    QRandomGenerator random(5);
+    for (int i = 0; i < 100'000; ++i) {
+        const qint64 hundredths = qint64(random.generate64() >> (8 + i % 56)) % 100'000'000'000'000;
+        const QString units = QLocale(QLocale::English).toString(hundredths / 100);
+        const QString expected = units + u'.' + QString::number(hundredths % 100).rightJustified(2, u'0');
+        QCOMPARE(formatMoney(double(hundredths) / 100.0), expected);
+        QCOMPARE(formatFixed(double(hundredths) / 100.0), QString(expected).remove(u','));
+        if (hundredths > 0)
+            QCOMPARE(formatMoney(-double(hundredths) / 100.0), u'-' + expected);
+    }
 }
 
 void TestNumbers::formatsSingleMoney_data()

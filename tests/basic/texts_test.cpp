@@ -43,6 +43,11 @@ void TestTexts::joinsKey()
 {
     QCOMPARE(itemKey(u"12"_s, u"Milk"_s), u"12  |  Milk"_s);
     QCOMPARE(itemKey({}, {}), u"  |  "_s);
+    QByteArray key("what stood there before, and was longer");
+    putItemKey(key, u8"12", u8"Cr\u00e8me");
+    QCOMPARE(QString::fromUtf8(key), itemKey(u"12"_s, u"Cr\u00e8me"_s));
+    putItemKey(key, {}, {});
+    QCOMPARE(key, QByteArray("  |  "));
 }
 
 void TestTexts::splitsKey_data()

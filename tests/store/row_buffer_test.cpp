@@ -14,6 +14,7 @@ class TestRowBuffer : public QObject
 
 private Q_SLOTS:
     void keepsValues();
+    void showsTextsInPlace();
     void walksOnce();
     void findsColumnsWhateverTheCase();
     void isCompact();
@@ -56,6 +57,19 @@ void TestRowBuffer::keepsValues()
         for (std::size_t i = 0; i < values.size(); ++i)
             QVERIFY2(rows.value(qsizetype(i)) == values[i], qPrintable(columns[qsizetype(i)]));
     }
+}
+
+void TestRowBuffer::showsTextsInPlace()
+{
+    RowBuffer rows;
+    rows.reset({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
+    for (const DbValue &value :
+         {DbValue(), DbValue(std::int64_t(7)), DbValue(1.5), DbValue(u"cr\u00e8me"_s), DbValue(QByteArray("bytes"))})
+        rows.append(value);
+    rows.endRow();
+    for (const qsizetype column : {0, 1, 2, 4})
+        QVERIFY(!rows.text(column));
+    QCOMPARE(rows.text(3)->toByteArray(), QByteArray("cr\xc3\xa8me"));
 }
 
 void TestRowBuffer::walksOnce()

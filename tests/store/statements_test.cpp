@@ -52,6 +52,32 @@ void TestStatements::hasExactText_data()
         "Update StockList Set StockCategory = 'OTHER CATEGORY' where StockCategory = 'Food'");
 
     row("stock by ID", stockById(u"BEV-0001"_s), "Select * from StockList where StockID = 'BEV-0001'");
+    row("all stock", allStock(), "Select * from StockList");
+    row("automatic ID count", automaticIdCount(u"BEV"_s),
+        "Select count(*) as counts from StockList where StockID like 'BEV-*'");
+    row("automatic ID count without a prefix", automaticIdCount({}),
+        "Select count(*) as counts from StockList where StockID like '-*'");
+    row("same stock", sameStock(u"BEV-0001"_s, u"GREEN TEA"_s),
+        "Select * from StockList where StockID = 'BEV-0001' or UPPER(StockName) = 'GREEN TEA'");
+    row("same stock name", sameStockName(u"GREEN TEA"_s),
+        "Select * from StockList where UPPER(StockName) = 'GREEN TEA'");
+    row("delete stock", deleteStock(u"BEV-0001"_s), "Delete from StockList where Upper(StockID) = 'BEV-0001'");
+    row("stock levels", stockLevels(u"BEV-0001"_s),
+        "Select StockName, StockID, StockReorderLevel,StockAvailable from StockList where StockID = 'BEV-0001'");
+    row("items, available, all", stockItems(true, allCategories),
+        "Select * from StockList where stockAvailable > 0 and StockUse = 'Enabled'");
+    row("items, available, category", stockItems(true, u"FOOD"_s),
+        "Select * from StockList where stockAvailable > 0 and StockCategory = 'FOOD' and StockUse = 'Enabled'");
+    row("items, every, all", stockItems(false, allCategories), "Select * from StockList where StockUse = 'Enabled'");
+    row("items, every, category", stockItems(false, u"FOOD"_s),
+        "Select * from StockList where StockCategory = 'FOOD' and StockUse = 'Enabled'");
+    row("search", searchStock(u"TEA"_s),
+        "Select StockID, StockName, StockCategory from StockList where UPPER(StockID) like '*TEA*' or UPPER(StockName) "
+        "like '*TEA*'  and StockUse = 'Enabled'");
+    row("raise stock", raiseStock(3, u"0012"_s),
+        "Update StockList Set StockAvailable = StockAvailable + 3 where StockID = '0012'");
+    row("raise stock by less than nothing", raiseStock(-3, u"0012"_s),
+        "Update StockList Set StockAvailable = StockAvailable + -3 where StockID = '0012'");
     row("available stock", availableStock(u"12"_s, u"MILK"_s),
         "Select * from Stocklist where StockUse = 'Enabled' and StockID = '12'  and StockName = 'MILK'");
     row("lower stock", lowerStock(2, u"12"_s, u"MILK"_s),
@@ -89,6 +115,9 @@ void TestStatements::hasExactText_data()
 
     row("purchase", purchase(u"HV18030514070907"_s),
         "Select * from PurchaseCart where PurchaseID = 'HV18030514070907'");
+    row("delete purchase", deletePurchase(u"HV18030514070907"_s),
+        "Delete from PurchaseCart where PurchaseID = 'HV18030514070907'");
+    row("purchase IDs", purchaseIds(), "Select PurchaseID from PurchaseCart Order by PurchaseID DESC");
     row("sales count", salesCount(u"261115"_s),
         "Select count(*) as totals from PurchaseCart where substr(PurchasedDate,1,6) = '261115'");
     row("sales count of a user", salesCount(u"MARY"_s, u"261115"_s),
@@ -126,11 +155,21 @@ void TestStatements::refusesQuotes_data()
     row("stock by ID", stockById(bad), u"StockList"_s);
     row("available stock", availableStock(bad, {}), u"Stocklist"_s);
     row("available stock name", availableStock({}, bad), u"Stocklist"_s);
+    row("automatic ID count", automaticIdCount(bad), u"StockList"_s);
+    row("same stock ID", sameStock(bad, {}), u"StockList"_s);
+    row("same stock", sameStock({}, bad), u"StockList"_s);
+    row("same stock name", sameStockName(bad), u"StockList"_s);
+    row("delete stock", deleteStock(bad), u"StockList"_s);
+    row("stock levels", stockLevels(bad), u"StockList"_s);
+    row("items", stockItems(true, bad), u"StockList"_s);
+    row("search", searchStock(bad), u"StockList"_s);
+    row("raise stock", raiseStock(1, bad), QString());
     row("page", quickSalesPage(false, bad, 0), u"Stocklist"_s);
     row("count", quickSalesCount(true, bad), u"Stocklist"_s);
     row("lower stock", lowerStock(1, bad, {}), QString());
     row("lower stock name", lowerStock(1, {}, bad), QString());
     row("purchase", purchase(bad), u"PurchaseCart"_s);
+    row("delete purchase", deletePurchase(bad), u"PurchaseCart"_s);
     row("sales count", salesCount(bad, {}), u"PurchaseCart"_s);
     row("sales amount", salesAmount(bad, {}), u"PurchaseCart"_s);
 }

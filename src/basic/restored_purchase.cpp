@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "basic/restored_purchase.h"
+
+#include "basic/numbers.h"
+#include "basic/text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+QStringList purchaseElements(const QString &purchasedItems)
+{
+    return purchasedItems.split(u", "_s);
+}
+
+std::optional<RestoredLine> restoredLine(const QString &element)
+{
+    const QString separator = u"  |  "_s;
+    QString uniform = element;
+    uniform.replace(u" x "_s, separator).replace(u" = "_s, separator);
+    const QStringList parts = uniform.split(separator);
+    constexpr qsizetype needed = 3; // the amount is not: the price is looked up anew
+    const std::optional<std::int16_t> quantity = toInt16(leadingNumber(parts.first()));
+    if (parts.size() < needed || !quantity)
+        return {};
+    return RestoredLine{*quantity, trimBlanks(parts.at(1)), parts.at(2)};
+}
+
+} // namespace harrowby

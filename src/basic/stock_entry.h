@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <harrowby/db_value.h>
+
+#include <QString>
+
+#include <cstdint>
+
+/// A stock item as it is entered, checked and stored.
+namespace harrowby {
+
+/// The text of the ID field that asks for an automatic ID.
+inline constexpr QLatin1StringView automaticIdText("(Auto ID)");
+
+/// The entry fields' texts, trimmed.
+struct StockEntry
+{
+    QString id;
+    QString category;
+    QString name;
+    QString cost;
+    QString reorderLevel;
+    QString available;
+    QString use;
+};
+
+/// What is wrong with an entry, in the order in which it is looked for.
+enum class StockFault { None, Id, Category, Name, Cost, ReorderLevel, Available, Use };
+
+/// The first one.
+[[nodiscard]] StockFault findFault(const StockEntry &entry);
+/// What the user is told of it. The one about the ID speaks of a category, and always has.
+[[nodiscard]] QString faultText(StockFault fault);
+
+/// A faultless entry as it is stored.
+struct StockItem
+{
+    QString id;
+    QString category;
+    QString name;
+    QString cost; ///< "#0.00"
+    double reorderLevel = 0.0;
+    double available = 0.0;
+    QString use; ///< exactly "Enabled" or "Disabled", which is what sales look for
+};
+[[nodiscard]] StockItem stockItem(const StockEntry &faultless);
+
+/// First three characters of the category, upper-cased; a shorter category gives fewer.
+[[nodiscard]] QString automaticIdPrefix(const QString &category);
+/// prefix "-" number, which has four digits at least.
+[[nodiscard]] QString automaticId(const QString &prefix, std::int16_t number);
+
+/// "Update Stock [item as it is listed] with new values?"
+[[nodiscard]] QString updateQuestion(const QString &listedKey, const StockItem &item);
+[[nodiscard]] QString multipleEntriesText(const StockItem &item);
+
+/// Whether an item is at or below its reorder level. A missing figure is neither.
+[[nodiscard]] bool needsReorder(const DbValue &reorderLevel, const DbValue &available);
+
+} // namespace harrowby

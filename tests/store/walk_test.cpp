@@ -1,0 +1,540 @@
+// SPDX-License-Identifier: MIT
+#include "scripted_connection.h"
+
+#include "store/recordset.h"
+
+#include <QTest>
+
+#include <functional>
+#include <optional>
+
+using namespace harrowby;
+using namespace Qt::StringLiterals;
+using Access = DbRecordset::Access;
+using Fault = ScriptedConnection::Fault;
+
+Q_DECLARE_METATYPE(ScriptedConnection::Fault)
+
+namespace {
+
+const Statement everything("Select * from StockList");
+
+/// The names of the rows from the current one on.
+QStringList rest(DbRecordset &rows)
+{
+    QStringList names;
+    for (; !rows.IsEof(); rows.MoveNext())
+        names.append(rows.Field(u"name"_s).text());
+    return names;
+}
+
+QStringList namesFrom(int first, int end)
+{
+    QStringList names;
+    for (int i = first; i < end; ++i)
+        names.append(u"row "_s + QString::number(i));
+    return names;
+}
+
+void skip(DbRecordset &rows, int count)
+{
+    for (; count > 0; --count)
+        rows.MoveNext();
+}
+
+} // namespace
+
+/// A long result whose rows are fetched as its loop goes.
+class TestWalk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_connection = std::make_shared<ScriptedConnection>(); }
+    void cleanup();
+
+    void yieldsEveryRow_data() { addCounts(); }
+    void yieldsEveryRow();
+    void fetchesAsTheLoopGoes();
+    void counts_data() { addCounts(); }
+    void counts();
+    void readsOnlyTheColumnsAskedFor();
+    void closesAtTheEnd();
+    void closesWhenDestroyed();
+    void closesWhenOpenedAgain();
+    void finishesInTheMiddle_data() { addCounts(); }
+    void finishesInTheMiddle();
+    void finishesBeforeAChange_data();
+    void finishesBeforeAChange();
+    void finishesOnlyOnce();
+    void walksNest();
+    void failsInTheMiddle_data();
+    void failsInTheMiddle();
+    void failsWhileFinishing_data();
+    void failsWhileFinishing();
+    void failsAtOpening_data();
+    void failsAtOpening();
+    void countFails_data();
+    void countFails();
+    void valueThrows();
+    void otherWalksSurviveAFailingOne();
+    void addsARow();
+    void leavesTheRowsForAnAddedOne();
+    void writesNoRowBack();
+    void refusedAndNull();
+
+private:
+    static void addCounts();
+    static void addFaults();
+    void open(DbRecordset &rows) { rows.Open(everything, m_connection, Access::Walk); }
+
+    std::shared_ptr<ScriptedConnection> m_connection;
+};
+
+/// Whatever a test did, the engine holds nothing for it afterwards.
+void TestWalk::cleanup()
+{
+    QCOMPARE(m_connection->liveCursors, 0);
+    finishWalks();
+}
+
+void TestWalk::addCounts()
+{
+    QTest::addColumn<int>("count");
+    for (const int count : {0, 1, 2, 9, 10, 11, 100})
+        QTest::addRow("%d", count) << count;
+}
+
+void TestWalk::addFaults()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::newRow("failure") << Fault::Failure;
+    QTest::newRow("exception") << Fault::Exception;
+    QTest::newRow("oddity") << Fault::Oddity;
+}
+
+void TestWalk::yieldsEveryRow()
+{
+    QFETCH(const int, count);
+    m_connection->fill(count);
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(rest(rows), namesFrom(0, count));
+    QVERIFY(rows.IsEof());
+    QVERIFY(!rows.HasFailed());
+    QVERIFY(!rows.Field(u"name"_s).value());
+    rows.MoveNext();
+    QVERIFY(rows.IsEof());
+    QCOMPARE(m_connection->statements, QStringList{everything.sql()});
+    QVERIFY(m_connection->failures.empty());
+}
+
+void TestWalk::fetchesAsTheLoopGoes()
+{
+    m_connection->fill(100'000);
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(m_connection->position, 1u);
+    QCOMPARE(rows.RecordCount(), 100'000);
+    skip(rows, 10);
+    QCOMPARE(rows.Field(u"name"_s).text(), u"row 10"_s);
+    QCOMPARE(m_connection->position, 11u);
+    QCOMPARE(m_connection->liveCursors, 1);
+}
+
+void TestWalk::counts()
+{
+    QFETCH(const int, count);
+    m_connection->fill(count);
+    for (int passed = 0; passed <= count; passed += 5) {
+        for (const bool finish : {false, true}) {
+            DbRecordset rows;
+            open(rows);
+            skip(rows, passed);
+            if (finish)
+                finishWalks();
+            QCOMPARE(rows.RecordCount(), count);
+            QCOMPARE(rest(rows), namesFrom(passed, count));
+            QCOMPARE(rows.RecordCount(), count);
+        }
+    }
+}
+
+void TestWalk::readsOnlyTheColumnsAskedFor()
+{
+    m_connection->fill(50);
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(rows.RecordCount(), 50);
+    QCOMPARE(rest(rows).size(), 50);
+    QCOMPARE(m_connection->calls.value(u"value"_s), 50);
+    QCOMPARE(m_connection->calls.value(u"query"_s), 1);
+    QCOMPARE(m_connection->calls.value(u"rowIds"_s), 0);
+    QVERIFY(!rows.Field(u"price"_s).value());
+}
+
+void TestWalk::closesAtTheEnd()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(m_connection->liveCursors, 1);
+    skip(rows, 2);
+    QCOMPARE(m_connection->liveCursors, 1);
+    skip(rows, 1);
+    QCOMPARE(m_connection->liveCursors, 0);
+    // And one that holds nothing is not kept open at all.
+    m_connection->rows.clear();
+    open(rows);
+    QCOMPARE(m_connection->liveCursors, 0);
+}
+
+void TestWalk::closesWhenDestroyed()
+{
+    m_connection->fill(3);
+    {
+        DbRecordset rows;
+        open(rows);
+        rows.MoveNext();
+        QCOMPARE(m_connection->liveCursors, 1);
+    }
+    QCOMPARE(m_connection->liveCursors, 0);
+    finishWalks(); // which must not look at the one that is gone
+    QCOMPARE(m_connection->calls.value(u"value"_s), 0);
+}
+
+void TestWalk::closesWhenOpenedAgain()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    rows.MoveNext();
+    open(rows);
+    QCOMPARE(m_connection->liveCursors, 1);
+    QCOMPARE(rest(rows), namesFrom(0, 3));
+    open(rows);
+    rows.Open(everything, m_connection);
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(rest(rows), namesFrom(0, 3));
+}
+
+void TestWalk::finishesInTheMiddle()
+{
+    QFETCH(const int, count);
+    m_connection->fill(count);
+    for (int passed = 0; passed <= count; ++passed) {
+        DbRecordset rows;
+        open(rows);
+        skip(rows, passed);
+        finishWalks();
+        QCOMPARE(m_connection->liveCursors, 0);
+        QCOMPARE(rows.IsEof(), passed == count);
+        m_connection->rows.clear(); // too late for it
+        if (passed < count) {
+            QCOMPARE(rows.Field(u"NAME"_s).text(), u"row %1"_s.arg(passed));
+            QCOMPARE(rows.Field(u"id"_s).number(), double(passed));
+        }
+        QCOMPARE(rest(rows), namesFrom(passed, count));
+        QVERIFY(!rows.HasFailed());
+        m_connection->fill(count);
+    }
+}
+
+void TestWalk::finishesBeforeAChange_data()
+{
+    using Change = std::function<void(const std::shared_ptr<DbConnection> &)>;
+    QTest::addColumn<Change>("change");
+    QTest::newRow("statement") << Change([](const std::shared_ptr<DbConnection> &connection) {
+        (void)Execute(connection, Statement("Delete from StockList"));
+    });
+    QTest::newRow("new row") << Change([](const std::shared_ptr<DbConnection> &connection) {
+        DbRecordset other;
+        other.Open(everything, connection);
+        other.AddNew();
+        other.Field(u"name"_s).assign(u"new"_s);
+        other.Update();
+    });
+    QTest::newRow("changed row") << Change([](const std::shared_ptr<DbConnection> &connection) {
+        DbRecordset other;
+        other.Open(everything, connection, Access::Edit);
+        other.Field(u"name"_s).assign(u"new"_s);
+        other.Update();
+    });
+}
+
+void TestWalk::finishesBeforeAChange()
+{
+    using Change = std::function<void(const std::shared_ptr<DbConnection> &)>;
+    QFETCH(const Change, change);
+    /// Notes at a change, and at a look for one, how many walks another connection has open.
+    class Watch final : public DbConnection
+    {
+    public:
+        explicit Watch(const ScriptedConnection &watched) : m_watched(watched) { m_scripted.fill(1); }
+        QList<int> openAtChange;
+        bool Execute(const QString &statement) override { return note(), m_scripted.Execute(statement); }
+        std::unique_ptr<DbCursor> query(const QString &select) override { return m_scripted.query(select); }
+        std::optional<std::int64_t> countRows(const QString &select) override { return m_scripted.countRows(select); }
+        std::optional<std::vector<DbRowId>> rowIds(const QString &select) override
+        {
+            return note(), m_scripted.rowIds(select);
+        }
+        bool insertRow(const QString &table, const DbAssignments &values) override
+        {
+            return note(), m_scripted.insertRow(table, values);
+        }
+        bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override
+        {
+            return note(), m_scripted.updateRow(table, row, values);
+        }
+        [[nodiscard]] QString location() const override { return {}; }
+
+    private:
+        void note() { openAtChange << m_watched.liveCursors; }
+        const ScriptedConnection &m_watched;
+        ScriptedConnection m_scripted;
+    };
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    rows.MoveNext();
+    const auto watch = std::make_shared<Watch>(*m_connection);
+    change(watch);
+    QVERIFY(!watch->openAtChange.isEmpty());
+    for (const int open : watch->openAtChange)
+        QCOMPARE(open, 0);
+    QCOMPARE(rest(rows), namesFrom(1, 3));
+}
+
+void TestWalk::finishesOnlyOnce()
+{
+    m_connection->fill(5);
+    DbRecordset rows;
+    open(rows);
+    finishWalks();
+    const int read = m_connection->calls.value(u"value"_s);
+    QCOMPARE(read, 10);
+    finishWalks();
+    QCOMPARE(m_connection->calls.value(u"value"_s), read);
+    QCOMPARE(rest(rows), namesFrom(0, 5));
+}
+
+void TestWalk::walksNest()
+{
+    // Each over rows of its own: the scripted connection has one result at a time.
+    const auto other = std::make_shared<ScriptedConnection>();
+    m_connection->fill(4);
+    other->fill(6);
+    DbRecordset outer;
+    open(outer);
+    outer.MoveNext();
+    {
+        DbRecordset inner;
+        inner.Open(everything, other, Access::Walk);
+        skip(inner, 2);
+        QCOMPARE(inner.RecordCount(), 6);
+        finishWalks();
+        QCOMPARE(other->liveCursors, 0);
+        QCOMPARE(m_connection->liveCursors, 0);
+        QCOMPARE(rest(inner), namesFrom(2, 6));
+    }
+    QCOMPARE(rest(outer), namesFrom(1, 4));
+    {
+        DbRecordset inner;
+        open(outer);
+        inner.Open(everything, other, Access::Walk);
+    }
+    finishWalks(); // the inner one is gone, the outer one is not
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(rest(outer), namesFrom(0, 4));
+}
+
+void TestWalk::failsInTheMiddle_data()
+{
+    addFaults();
+}
+
+void TestWalk::failsInTheMiddle()
+{
+    QFETCH(const Fault, fault);
+    m_connection->fill(10);
+    m_connection->faults[u"next 5"_s] = fault;
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(rows.RecordCount(), 10);
+    QCOMPARE(rest(rows), namesFrom(0, 4)); // those that came before
+    QVERIFY(rows.HasFailed());
+    QVERIFY(rows.IsEof());
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(m_connection->failures.size(), 1u);
+    QCOMPARE(rows.RecordCount(), 10); // bounds a loop no more than IsEof() does
+}
+
+void TestWalk::failsWhileFinishing_data()
+{
+    addFaults();
+}
+
+void TestWalk::failsWhileFinishing()
+{
+    QFETCH(const Fault, fault);
+    m_connection->fill(10);
+    m_connection->faults[u"next 5"_s] = fault;
+    DbRecordset rows;
+    open(rows);
+    rows.MoveNext();
+    finishWalks();
+    QVERIFY(rows.HasFailed());
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(rest(rows), namesFrom(1, 4));
+    QCOMPARE(m_connection->failures.size(), 1u);
+}
+
+void TestWalk::failsAtOpening_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<Fault>("fault");
+    for (const char *operation : {"query", "next", "columnNames"}) {
+        QTest::addRow("%s throws", operation) << QString::fromLatin1(operation) << Fault::Exception;
+        QTest::addRow("%s throws an oddity", operation) << QString::fromLatin1(operation) << Fault::Oddity;
+        if (qstrcmp(operation, "columnNames") != 0)
+            QTest::addRow("%s fails", operation) << QString::fromLatin1(operation) << Fault::Failure;
+    }
+}
+
+void TestWalk::failsAtOpening()
+{
+    QFETCH(const QString, operation);
+    QFETCH(const Fault, fault);
+    m_connection->fill(10);
+    m_connection->faults[operation] = fault;
+    DbRecordset rows;
+    open(rows);
+    QVERIFY(rows.HasFailed());
+    QVERIFY(rows.IsEof());
+    QCOMPARE(rows.RecordCount(), 0);
+    QVERIFY(!rows.Field(u"name"_s).value());
+    rows.MoveNext();
+    QCOMPARE(m_connection->failures.size(), 1u);
+    QCOMPARE(m_connection->liveCursors, 0);
+    // It knows its table all the same.
+    m_connection->faults.clear();
+    rows.AddNew();
+    rows.Update();
+    QCOMPARE(m_connection->table, u"StockList"_s);
+}
+
+void TestWalk::countFails_data()
+{
+    addFaults();
+}
+
+void TestWalk::countFails()
+{
+    QFETCH(const Fault, fault);
+    m_connection->fill(10);
+    m_connection->faults[u"countRows"_s] = fault;
+    DbRecordset rows;
+    open(rows);
+    QCOMPARE(rows.RecordCount(), 0);
+    QVERIFY(rows.HasFailed());
+    QVERIFY(rows.IsEof());
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(m_connection->failures.size(), 1u);
+}
+
+void TestWalk::valueThrows()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    m_connection->faults[u"value"_s] = Fault::Exception;
+    QCOMPARE(rows.Field(u"name"_s).text(u"kept"_s), u"kept"_s);
+    m_connection->faults.clear();
+    QCOMPARE(rest(rows), namesFrom(0, 3)); // one value alone was lost
+    open(rows);
+    rows.MoveNext();
+    m_connection->faults[u"value"_s] = Fault::Exception;
+    finishWalks();
+    QVERIFY(rows.HasFailed());
+    QVERIFY(rows.IsEof());
+    QCOMPARE(rest(rows), QStringList());
+}
+
+void TestWalk::otherWalksSurviveAFailingOne()
+{
+    const auto other = std::make_shared<ScriptedConnection>();
+    m_connection->fill(4);
+    other->fill(6);
+    other->faults[u"next 2"_s] = Fault::Exception;
+    DbRecordset outer;
+    DbRecordset inner;
+    open(outer);
+    inner.Open(everything, other, Access::Walk);
+    finishWalks();
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(other->liveCursors, 0);
+    QCOMPARE(rest(outer), namesFrom(0, 4));
+    QCOMPARE(rest(inner), namesFrom(0, 1));
+}
+
+void TestWalk::addsARow()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    rows.MoveNext();
+    rows.AddNew();
+    rows.Field(u"name"_s).assign(u"new"_s);
+    rows.Update();
+    QCOMPARE(m_connection->table, u"StockList"_s);
+    QCOMPARE(m_connection->written, (DbAssignments{{u"name"_s, u"new"_s}}));
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(rows.Field(u"name"_s).text(), u"new"_s);
+    QVERIFY(!rows.IsEof());
+    rows.MoveNext();
+    QVERIFY(rows.IsEof());
+}
+
+void TestWalk::leavesTheRowsForAnAddedOne()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    rows.AddNew();
+    rows.Field(u"name"_s).assign(u"unwritten"_s);
+    rows.MoveNext();
+    QVERIFY(rows.IsEof());
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(m_connection->calls.value(u"insertRow"_s), 0);
+}
+
+void TestWalk::writesNoRowBack()
+{
+    m_connection->fill(3);
+    DbRecordset rows;
+    open(rows);
+    rows.Field(u"name"_s).assign(u"other"_s);
+    QCOMPARE(rows.Field(u"name"_s).text(), u"other"_s);
+    rows.Update();
+    QCOMPARE(m_connection->calls.value(u"updateRow"_s), 0);
+    QCOMPARE(m_connection->failures.size(), 1u);
+    QCOMPARE(m_connection->failures[0].reason, u"the result was opened for reading only"_s);
+    QCOMPARE(rest(rows), namesFrom(0, 3));
+}
+
+void TestWalk::refusedAndNull()
+{
+    DbRecordset rows;
+    rows.Open(Statement("Select * from StockList where StockID = ").text(u"'"_s), m_connection, Access::Walk);
+    QVERIFY(rows.HasFailed());
+    QCOMPARE(rows.RecordCount(), 0);
+    QVERIFY(m_connection->statements.isEmpty());
+    rows.Open(everything, nullptr, Access::Walk);
+    QVERIFY(rows.HasFailed());
+    QVERIFY(rows.IsEof());
+    QCOMPARE(rows.RecordCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestWalk)
+#include "walk_test.moc"
