@@ -4,24 +4,66 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
+#include <utility>
+
 namespace harrowby {
+
 namespace {
-constexpr qint64 restMs = 8;
+
+constexpr qint64 shortestRestMs = 16; // a frame: what takes no longer is painted once, when it is done
+constexpr qint64 longestRestMs = 40;
+/// How much longer than the events the rest after them is.
+constexpr qint64 restPerEvents = 4;
+constexpr int manyRows = 32;
+constexpr int mostUnseenRows = 8;
+
 } // namespace
 
-Breather::Breather() : m_sinceLast(std::make_shared<QElapsedTimer>())
+struct Breather::Pulse
 {
-    m_sinceLast->start();
+    QElapsedTimer clock;
+    qint64 dueMs = shortestRestMs;
+    qint64 lookedMs = 0;
+    int quickLooks = 0; ///< one after the other in that millisecond
+    int unseenRows = 0; ///< since the clock was looked at
+};
+
+Breather::Breather() : m_pulse(std::make_shared<Pulse>())
+{
+    m_pulse->clock.start();
 }
 
-void Breather::breathe()
+void Breather::rest()
 {
-    if (m_sinceLast->elapsed() < restMs)
-        return;
-    const auto timer = m_sinceLast;
-    timer->restart(); // a handler that is entered now rests as long as everybody else
+    m_pulse->dueMs = m_pulse->clock.elapsed() + shortestRestMs;
+}
+
+/// A row may take no longer than the look at the clock. While many go by within a millisecond, not each of them looks;
+/// few enough go by unseen that a slow one among them is no harm.
+bool Breather::isDue() const
+{
+    if (m_pulse->quickLooks >= manyRows && m_pulse->unseenRows < mostUnseenRows) {
+        ++m_pulse->unseenRows;
+        return false;
+    }
+    m_pulse->unseenRows = 0;
+    const qint64 now = m_pulse->clock.elapsed();
+    m_pulse->quickLooks = std::exchange(m_pulse->lookedMs, now) == now ? m_pulse->quickLooks + 1 : 0;
+    return now >= m_pulse->dueMs;
+}
+
+Breather::Breath::Breath(const Breather &breather) : m_pulse(breather.m_pulse), m_begun(m_pulse->clock.elapsed())
+{
+    m_pulse->dueMs = m_begun + shortestRestMs; // a handler that is entered now rests as long as everybody else
+}
+
+void Breather::Breath::handleEvents() const
+{
     QCoreApplication::processEvents();
-    timer->restart(); // a slow repaint must not be followed by the next one at once
+    const qint64 now = m_pulse->clock.elapsed();
+    // From now on: a slow repaint must not be followed by the next one at once.
+    m_pulse->dueMs = now + std::clamp(restPerEvents * (now - m_begun), shortestRestMs, longestRestMs);
 }
 
 } // namespace harrowby

@@ -13,7 +13,7 @@ Platform makeNative()
     platform.settings = std::make_shared<IniSettings>();
     platform.clock = std::make_shared<SystemClock>();
     platform.printers = std::make_shared<NativePrinters>(platform.clock);
-    platform.objects = std::make_shared<ObjectRegistry>();
+    platform.objects = ObjectRegistry::native();
     return platform;
 }
 

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A host of the smallest kind: opens a database, loads the component, and looks whether its window is there.
+// A host of the smallest kind: opens a database, supplies a class, loads the component, and looks whether its window
+// is there.
 #include <harrowby/init.h>
+#include <harrowby/objects.h>
+#include <harrowby/report_component.h>
+#include <harrowby/saved_settings.h>
 #include <harrowby/sqlite_connection.h>
 
 #include <QApplication>
@@ -44,6 +48,12 @@ int main(int argc, char **argv)
     if (sqlite3_open(":memory:", &database) != SQLITE_OK ||
         sqlite3_exec(database, Tables, nullptr, nullptr, nullptr) != SQLITE_OK)
         return 2;
+    harrowby::setPluginFolders({});
+    harrowby::registerClass(harrowby::ReportClassId, [] { return std::make_unique<QObject>(); });
+    const QString title = QStringLiteral("Corner Shop");
+    if (!harrowby::saveSetting(QStringLiteral("option"), QStringLiteral("Title"), title) ||
+        harrowby::savedSetting(QStringLiteral("Option"), QStringLiteral("title")) != title)
+        return 3;
     harrowby::Init().LoadInventory(std::make_shared<harrowby::SqliteConnection>(database), {});
     QTimer::singleShot(0, &app, [] { QApplication::exit(windowIsThere() ? 0 : 1); });
     return app.exec();

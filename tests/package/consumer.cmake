@@ -18,12 +18,26 @@ file(RENAME ${first_prefix} ${prefix})
 
 foreach(file
         include/harrowby/init.h include/harrowby/db_connection.h include/harrowby/db_value.h
-        include/harrowby/sqlite_connection.h include/harrowby/export.h
+        include/harrowby/sqlite_connection.h include/harrowby/export.h include/harrowby/objects.h
+        include/harrowby/report_component.h include/harrowby/saved_settings.h
         ${LIBDIR}/libharrowby-inventory.so ${LIBDIR}/libharrowby-inventory.so.${VERSION})
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "Not installed: ${file}")
     endif()
 endforeach()
+
+# The report lies where the library looks for it, and finds the library from there.
+if(EXISTS ${prefix}/${LIBDIR}/harrowby/plugins/harrowby-report.so)
+    if(NOT EXISTS ${prefix}/${LIBDIR}/harrowby/plugins/harrowby-report.README.md)
+        message(FATAL_ERROR "The report is installed without the words on its licence")
+    endif()
+    execute_process(COMMAND ldd ${prefix}/${LIBDIR}/harrowby/plugins/harrowby-report.so
+        OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)
+    string(FIND "${needed}" "${prefix}/${LIBDIR}/harrowby/plugins/../../libharrowby-inventory.so" beside)
+    if(beside EQUAL -1 OR needed MATCHES "not found")
+        message(FATAL_ERROR "The report does not find the installed library:\n${needed}")
+    endif()
+endif()
 
 file(GLOB package_files ${prefix}/${LIBDIR}/cmake/HarrowbyInventory/*.cmake)
 foreach(file ${package_files})

@@ -1,15 +1,15 @@
-# The library's dynamic symbols are the public classes, and all of them.
+# The library's dynamic symbols are the public classes and functions, and all of them.
 execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE ";" "," listing "${listing}")
 string(REPLACE "\n" ";" symbols "${listing}")
 
-set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection)")
+set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection|registerClass|setPluginFolders|savedSetting|saveSetting)")
 set(wrong)
 foreach(symbol ${symbols})
     string(REGEX REPLACE "^[0-9a-f]* +[A-Za-z] " "" name "${symbol}")
     string(REGEX REPLACE "@@?HARROWBY_[0-9]+$" "" name "${name}")
-    if(NOT name MATCHES "^((vtable|typeinfo|typeinfo name) for )?${public}(::|$)" AND NOT name MATCHES "^HARROWBY_[0-9]+$")
+    if(NOT name MATCHES "^((vtable|typeinfo|typeinfo name) for )?${public}(::|\\(|$)" AND NOT name MATCHES "^HARROWBY_[0-9]+$")
         list(APPEND wrong "${symbol}")
     endif()
 endforeach()
@@ -26,6 +26,10 @@ foreach(needed
         "harrowby::DbCursor::~DbCursor("
         "harrowby::SqliteConnection::SqliteConnection("
         "harrowby::SqliteConnection::Execute("
+        "harrowby::registerClass("
+        "harrowby::setPluginFolders("
+        "harrowby::savedSetting("
+        "harrowby::saveSetting("
         "vtable for harrowby::SqliteConnection"
         "typeinfo for harrowby::DbConnection")
     string(FIND "${listing}" "${needed}" found)

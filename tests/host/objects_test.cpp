@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include <harrowby/init.h>
+#include <harrowby/objects.h>
+#include <harrowby/saved_settings.h>
+#include <harrowby/sqlite_connection.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QPointer>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+
+/// What a host finds beside LoadInventory: classes to supply, folders of plugins, saved settings.
+class ObjectsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void aSuppliedWindowIsShown();
+    void settingsAreTheComponents();
+    void aFileThatCannotBeWrittenIsTold();
+};
+
+namespace {
+
+/// Notes how it is shown.
+class ListWindow : public QObject
+{
+    Q_OBJECT
+
+public:
+    inline static int shown = 0;
+    inline static QPointer<QWidget> owner;
+
+public Q_SLOTS:
+    void Show(int modal, QWidget *over)
+    {
+        shown += modal;
+        owner = over;
+    }
+};
+
+QWidget *salesWindow()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->windowTitle() == u"Sales Inventory"_s)
+            return window;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void ObjectsTest::aSuppliedWindowIsShown()
+{
+    setPluginFolders({});
+    registerClass(u"harrowby.reorderlist"_s, [] { return std::make_unique<ListWindow>(); });
+    sqlite3 *database = nullptr;
+    sqlite3_open(":memory:", &database);
+    sqlite3_exec(database,
+                 "CREATE TABLE StockList (StockReorderLevel, StockAvailable, StockUse);"
+                 "INSERT INTO StockList VALUES (5, 1, 'Enabled')",
+                 nullptr, nullptr, nullptr);
+    Init().LoadInventory(std::make_shared<SqliteConnection>(database), {});
+    auto *link = salesWindow()->findChild<QLabel *>(u"Label6_9"_s);
+    QVERIFY(link != nullptr);
+    QCOMPARE(link->text(), u"  1"_s);
+    QTest::mouseClick(link, Qt::LeftButton);
+    QCOMPARE(ListWindow::shown, 1);
+    QCOMPARE(ListWindow::owner.data(), salesWindow());
+    registerClass(u"Harrowby.ReorderList"_s, {}); // taken away again
+    QTest::mouseClick(link, Qt::LeftButton);
+    QCOMPARE(ListWindow::shown, 1);
+    Init().LoadInventory(nullptr, {});
+    delete salesWindow();
+    sqlite3_close(database);
+}
+
+void ObjectsTest::settingsAreTheComponents()
+{
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
+    QFile::remove(config + u"/Harrowby/Harrowby.ini"_s);
+    QCOMPARE(savedSetting(u"Option"_s, u"EmailReport"_s, u"1"_s), u"1"_s);
+    QVERIFY(saveSetting(u"Option"_s, u"EmailReport"_s, u"0"_s));
+    QCOMPARE(savedSetting(u"option"_s, u"Emailreport"_s, u"1"_s), u"0"_s);
+    QVERIFY(saveSetting(u"option"_s, u"Title"_s, QString()));
+    QCOMPARE(savedSetting(u"option"_s, u"Title"_s, u"x"_s), QString());
+    QVERIFY(QFile::exists(config + u"/Harrowby/Harrowby.ini"_s));
+    QVERIFY(QFile::remove(config + u"/Harrowby/Harrowby.ini"_s));
+}
+
+void ObjectsTest::aFileThatCannotBeWrittenIsTold()
+{
+    // Something else lies where the folder should be, which no right overrules.
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation) + u"/Harrowby"_s;
+    QVERIFY(QDir(folder).removeRecursively());
+    QFile obstacle(folder);
+    QVERIFY(obstacle.open(QIODevice::WriteOnly));
+    QVERIFY(!saveSetting(u"Option"_s, u"EmailReport"_s, u"0"_s));
+    QVERIFY(obstacle.remove());
+    QVERIFY(!saveSetting(u"Option"_s, u"two\nlines"_s, u"0"_s)); // no name for a setting
+}
+
+QTEST_MAIN(ObjectsTest)
+#include "objects_test.moc"
