@@ -76,6 +76,9 @@ void Controls::createWindowFrame(QMainWindow &form)
     Command27 = makeButton(whole, u"Command27"_s, u"Log out User"_s);
     Command20 = makePictureButton(whole, u"Command20"_s, u"help"_s, QObject::tr("Help"));
     Command10 = makeButton(whole, u"Command10"_s, u"Clo&se Inventory"_s);
+    Command8 = makeButton(whole, u"Command8"_s, QObject::tr("Search"));
+    Command8->setAccessibleName(QObject::tr("Search for a stock item"));
+    Command8->setIcon(tillIcon(u"search"_s));
     TabStrip1 = new TabStrip(whole);
     TabStrip1->setObjectName(u"TabStrip1"_s);
     TabStrip1->setAccessibleName(QObject::tr("Work areas"));
@@ -93,8 +96,9 @@ void Controls::createWindowFrame(QMainWindow &form)
         actions->addWidget(button);
     rows->addLayout(actions);
     QBoxLayout *tabs = makeRow();
-    tabs->setContentsMargins(2, 0, 2, 0);
-    tabs->addWidget(TabStrip1);
+    tabs->setContentsMargins(2, 0, 6, 0);
+    tabs->addWidget(TabStrip1, 1);
+    tabs->addWidget(Command8, 0, Qt::AlignBottom);
     rows->addLayout(tabs);
     createStatusBar(form);
 }

@@ -30,9 +30,14 @@ struct Controls
     /// sets the tab order. Connects nothing that acts on data.
     explicit Controls(QMainWindow &form);
 
+    /// The search result shares its place with the keypad; beside entry fields it lies over the list instead, so that
+    /// what it is taken into can be seen.
+    void placeSearchResult(bool besideFields) const;
+
     // Window frame
     TabStrip *TabStrip1;    ///< work areas: Quick Sales, Custom Sales, Add/Edit Stock, Reorder Stock, Settings
     TabStrip *TabStrip2;    ///< side panels: Cart, Sales Activity
+    QPushButton *Command8;  ///< search for a stock item; serves two work areas, so it stands beside their tabs
     QStatusBar *StatusBar1; ///< two panels:
     QLabel *StatusBar1_1;   ///< who is logged in
     QLabel *StatusBar1_2;   ///< the last logged outcome
@@ -75,7 +80,6 @@ struct Controls
     QLabel *Label7;         ///< "Item Unit Cost:"
     QLabel *Label9;         ///< "Total Item Cost:"
     QLabel *Label15;        ///< "Total Available Item(s):" stock on hand
-    QPushButton *Command8;  ///< search for a stock item
     QPushButton *Command15; ///< "Add Item"
     QPushButton *Command31; ///< opens and closes the keypad (picture button)
 

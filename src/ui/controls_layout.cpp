@@ -63,13 +63,20 @@ void Controls::layOut(QWidget &stage)
     static_cast<QBoxLayout *>(stage.parentWidget()->layout())->setStretchFactor(&stage, 1);
 }
 
+void Controls::placeSearchResult(bool besideFields) const
+{
+    auto *grid = static_cast<QGridLayout *>(Frame11->parentWidget()->layout());
+    grid->removeWidget(Frame11);
+    grid->addWidget(Frame11, LowerRow, besideFields ? MiddleColumn : FieldsColumn, 1, 2);
+}
+
 void Controls::setTabOrder()
 {
     std::vector<QWidget *> order;
-    append(order, Text3, Text4, Command28, Command29, TabStrip1);
+    append(order, Text3, Text4, Command28, Command29, TabStrip1, Command8);
     append(order, Combo1, CmdPrev, CmdNext);
     order.insert(order.end(), Command1.begin(), Command1.end());
-    append(order, Combo2, Command8, Combo3, Combo4, Command31, Command15);
+    append(order, Combo2, Combo3, Combo4, Command31, Command15);
     for (const size_t key : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0, 11})
         order.push_back(Command30[key]);
     append(order, LV2, Command21, Command9);

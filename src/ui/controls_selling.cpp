@@ -6,10 +6,12 @@
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
+#include "ui/widgets/two_line_delegate.h"
 
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -60,9 +62,9 @@ void Controls::createCustomSale()
 {
     Combo2 = makePickList(Frame3, u"Combo2"_s, QObject::tr("Category"));
     Combo3 = makePickList(Frame3, u"Combo3"_s, QObject::tr("Item"));
+    Combo3->lineEdit()->setPlaceholderText(QObject::tr("Category first, then an item"));
     Combo4 = makePickList(Frame3, u"Combo4"_s, QObject::tr("Quantity"));
     Combo4->setEntryText(u"0"_s);
-    Command8 = makeButton(Frame3, u"Command8"_s, QObject::tr("Search Item"));
     Command31 = makePictureButton(Frame3, u"Command31"_s, u"keypad"_s, QObject::tr("Keypad"));
     Command15 = makePrimaryButton(Frame3, u"Command15"_s, u"Add Item"_s);
     Label14 = makeValue(Frame3, u"Label14"_s, {}, u"Item:"_s);
@@ -71,17 +73,16 @@ void Controls::createCustomSale()
     Label15 = makeValue(Frame3, u"Label15"_s, u"Nil"_s, u"Total Available Item(s):"_s);
 
     QGridLayout *grid = makeGrid(Frame3);
-    grid->addLayout(captioned(QObject::tr("Category"), Combo2), 0, 0, 1, 3);
-    grid->addWidget(Command8, 0, 3, 1, 3, Qt::AlignBottom);
-    grid->addLayout(captioned(QObject::tr("Item"), Combo3), 1, 0, 1, 3);
-    grid->addLayout(captioned(QObject::tr("Quantity"), Combo4), 1, 3, 1, 2);
-    grid->addWidget(Command31, 1, 5, Qt::AlignBottom);
-    grid->addLayout(captioned(u"Item:"_s, Label14), 2, 0, 1, 3);
-    grid->addLayout(captioned(u"Total Available Item(s):"_s, Label15), 2, 3, 1, 3);
-    grid->addLayout(captioned(u"Item Unit Cost:"_s, Label7), 3, 0, 1, 1);
-    grid->addLayout(captioned(u"Total Item Cost:"_s, Label9), 3, 1, 1, 2);
-    grid->addWidget(Command15, 3, 3, 1, 3, Qt::AlignBottom);
-    for (int column = 0; column < 5; ++column)
+    grid->addLayout(captioned(QObject::tr("Category"), Combo2), 0, 0, 1, 2);
+    grid->addLayout(captioned(QObject::tr("Item"), Combo3), 0, 2, 1, 4);
+    grid->addLayout(captioned(QObject::tr("Quantity"), Combo4), 1, 0);
+    grid->addWidget(Command31, 1, 1, Qt::AlignBottom | Qt::AlignLeft);
+    grid->addWidget(Command15, 1, 2, 1, 4, Qt::AlignBottom);
+    grid->addLayout(captioned(u"Item:"_s, Label14), 2, 0, 1, 6);
+    grid->addLayout(captioned(u"Item Unit Cost:"_s, Label7), 3, 0, 1, 2);
+    grid->addLayout(captioned(u"Total Item Cost:"_s, Label9), 3, 2, 1, 2);
+    grid->addLayout(captioned(u"Total Available Item(s):"_s, Label15), 3, 4, 1, 2);
+    for (int column = 0; column < 6; ++column)
         grid->setColumnStretch(column, 1);
     grid->setRowStretch(4, 1);
 }
@@ -91,6 +92,7 @@ void Controls::createSearchResult()
     LV2 = new RowList({QString(), u"Stock ID"_s, u"Stock Name"_s, u"Stock Category"_s}, Frame11);
     LV2->setObjectName(u"LV2"_s);
     LV2->setAccessibleName(QObject::tr("Search result"));
+    LV2->setItemDelegate(new TwoLineDelegate(LV2));
     LV2->setColumnShares({1, 2, 5, 3});
     Command9 = makeButton(Frame11, u"Command9"_s, u"Close Search Result"_s);
     Command21 = makePrimaryButton(Frame11, u"Command21"_s, u"Select ..."_s);

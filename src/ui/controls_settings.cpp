@@ -42,6 +42,7 @@ void Controls::createSettings()
     Check5 = makeCheckBox(Frame9, u"Check5"_s, u"Print Receipt on POS"_s);
     Text2 = makeEntry(Frame9, u"Text2"_s, QObject::tr("Report e-mail address"));
     Combo9 = makePickList(Frame9, u"Combo9"_s, QObject::tr("Receipt printer"));
+    Combo9->lineEdit()->setPlaceholderText(QObject::tr("Receipt printer"));
     Command18 = makePrimaryButton(Frame9, u"Command18"_s, u"Save Settings"_s);
 
     List2 = new NameList(Frame9);
@@ -49,6 +50,7 @@ void Controls::createSettings()
     List2->setAccessibleName(QObject::tr("Categories"));
     List2->setMinimumHeight(100);
     Combo16 = makePickList(Frame9, u"Combo16"_s, QObject::tr("Name of the new category"));
+    Combo16->lineEdit()->setPlaceholderText(QObject::tr("New category"));
     Command2 = makeButton(Frame9, u"Command2"_s, QObject::tr("Add"));
     Command2->setAccessibleName(QObject::tr("Add category"));
     Command22 = makeButton(Frame9, u"Command22"_s, u"Change"_s);
@@ -56,6 +58,7 @@ void Controls::createSettings()
     Command3 = makeButton(Frame9, u"Command3"_s, u"Delete"_s);
     Command3->setAccessibleName(QObject::tr("Delete category"));
     Combo17 = makePickList(Frame9, u"Combo17"_s, QObject::tr("Purchase to delete"));
+    Combo17->lineEdit()->setPlaceholderText(QObject::tr("Purchase ID"));
     Command4 = makeButton(Frame9, u"Command4"_s, QObject::tr("Delete Purchase"));
 
     QGridLayout *grid = makePage(Frame9);
@@ -68,17 +71,18 @@ void Controls::createSettings()
     grid->addWidget(Combo9, 3, 2, 1, 2);
     grid->addWidget(Command18, 4, 2, 1, 2);
     grid->addWidget(makeText(Frame9, QObject::tr("Categories"), u"heading"_s), 5, 0, 1, 2);
-    grid->addWidget(List2, 6, 0, 5, 2);
-    grid->addWidget(Combo16, 6, 2);
-    grid->addWidget(Command2, 6, 3);
-    grid->addWidget(Command22, 7, 2);
-    grid->addWidget(Command3, 7, 3);
+    grid->addWidget(List2, 6, 0, 6, 2);
+    grid->addWidget(Combo16, 6, 2, 1, 2);
+    QBoxLayout *category = makeRow();
+    for (QPushButton *button : {Command2, Command22, Command3})
+        category->addWidget(button, 1);
+    grid->addLayout(category, 7, 2, 1, 2);
     grid->addWidget(makeText(Frame9, QObject::tr("Purchases"), u"heading"_s), 8, 2, 1, 2, Qt::AlignBottom);
-    grid->addWidget(Combo17, 9, 2);
-    grid->addWidget(Command4, 9, 3);
+    grid->addWidget(Combo17, 9, 2, 1, 2);
+    grid->addWidget(Command4, 10, 2, 1, 2);
     for (int column = 0; column < 4; ++column)
         grid->setColumnStretch(column, 1);
-    grid->setRowStretch(10, 1);
+    grid->setRowStretch(11, 1);
 }
 
 } // namespace harrowby

@@ -5,10 +5,12 @@
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
+#include "ui/widgets/two_line_delegate.h"
 
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -65,8 +67,9 @@ void Controls::createStockList()
                      Frame10);
     LV->setObjectName(u"LV"_s);
     LV->setAccessibleName(QObject::tr("Existing stock"));
-    LV->setColumnShares({1, 10, 4, 1, 1, 1, 1, 5});
-    LV->setColumnSamples({u"BEV-0000"_s, {}, {}, u"9,999.00"_s, {}, {}, u"Disabled"_s, {}});
+    LV->setItemDelegate(new TwoLineDelegate(LV));
+    LV->setColumnShares({1, 10, 4, 1, 1, 1, 1, 1});
+    LV->setColumnSamples({u"BEV-0000"_s, {}, u"BEVERAGES"_s, u"9,999.00"_s, {}, {}, u"Disabled"_s, u"22-Oct-26 "_s});
     LV->setFigureColumns({3, 4, 5});
     Command5 = makeButton(Frame10, u"Command5"_s, u"Edit Stock"_s);
     Command6 = makeButton(Frame10, u"Command6"_s, u"Delete Stock"_s);
@@ -85,6 +88,7 @@ void Controls::createReorder()
 {
     Combo12 = makePickList(Frame8, u"Combo12"_s, QObject::tr("Category"));
     Combo11 = makePickList(Frame8, u"Combo11"_s, QObject::tr("Item"));
+    Combo11->lineEdit()->setPlaceholderText(QObject::tr("Category first, or a row of the list"));
     Combo10 = makePickList(Frame8, u"Combo10"_s, QObject::tr("New units"));
     Label12 = makeLevel(Frame8, u"Label12"_s, u"Current Reorder Level:"_s);
     Label13 = makeLevel(Frame8, u"Label13"_s, u"Current Available Stock:"_s);

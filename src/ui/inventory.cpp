@@ -8,14 +8,13 @@
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/focus_order.h"
-#include "ui/unbuilt.h"
 #include "ui/widgets/enter_presses.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
-#include "ui/widgets/upper_case_validator.h"
+#include "ui/widgets/upper_case_typing.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -57,7 +56,11 @@ void readFlag(DbRecordset &settings, const QString &column, std::int16_t &flag)
 class Inventory::HandlerScope
 {
 public:
-    explicit HandlerScope(Inventory &form) : m_form(form) { ++m_form.m_runningHandlers; }
+    explicit HandlerScope(Inventory &form) : m_form(form)
+    {
+        if (m_form.m_runningHandlers++ == 0)
+            m_form.m_breather.rest();
+    }
     ~HandlerScope()
     {
         --m_form.m_runningHandlers;
@@ -86,11 +89,15 @@ void Inventory::run(Handler &&handler) noexcept
 Inventory::Inventory(const Platform &platform, QWidget *parent) :
     QMainWindow(parent), m_platform(platform), m_controls(*this)
 {
-    disableUnbuilt(m_controls);
     connectControls();
 }
 
-Inventory::~Inventory() = default;
+Inventory::~Inventory()
+{
+    // Controls that lose the focus while they are taken down must not enter a handler any more.
+    for (QObject *control : findChildren<QObject *>())
+        control->disconnect(this);
+}
 
 Inventory *Inventory::defaultInstance()
 {
@@ -131,6 +138,9 @@ void Inventory::connectControls()
     connectWindow();
     connectLogin();
     connectSelling();
+    connectCustomSale();
+    connectStock();
+    connectReorder();
     connectSettings();
 }
 
@@ -158,8 +168,8 @@ void Inventory::connectWindow()
 
 void Inventory::connectLogin()
 {
-    m_controls.Text3->setValidator(new UpperCaseValidator(m_controls.Text3));
-    m_controls.Combo16->setValidator(new UpperCaseValidator(m_controls.Combo16));
+    new UpperCaseTyping(m_controls.Text3);
+    new UpperCaseTyping(m_controls.Combo16);
     connect(m_controls.Text3, &QLineEdit::returnPressed, m_controls.Text4, qOverload<>(&QWidget::setFocus));
     connect(m_controls.Text4, &QLineEdit::returnPressed, this, [this] { run([this] { logIn(); }); });
     onClick(m_controls.Command28, [this] { logIn(); });
@@ -173,14 +183,49 @@ void Inventory::connectSelling()
         onClick(m_controls.Command1.at(i), [this, i] { sellQuickly(static_cast<int>(i)); });
     onClick(m_controls.CmdNext, [this] { nextQuickSales(); });
     onClick(m_controls.CmdPrev, [this] { previousQuickSales(); });
-    // Change and click of the category do the same work; a pick that changed the text has done it already.
-    const auto categoryChanged = [this] { run([this] { quickSaleCategoryChanged(); }); };
-    connect(m_controls.Combo1, &PickList::entryTextChanged, this, categoryChanged);
-    connect(m_controls.Combo1, &PickList::pickedAgain, this, categoryChanged);
+    onChangeAndClick(m_controls.Combo1, [this] { quickSaleCategoryChanged(); });
     connect(m_controls.LV3, &RowList::rowOpened, this, [this] { run([this] { changeLinePrice(); }); });
     onClick(m_controls.Command12, [this] { deleteCartLine(); });
     onClick(m_controls.Command13, [this] { clearCart(); });
     onClick(m_controls.Command14, [this] { purchaseCart(); });
+    onClick(m_controls.Command25, [this] { undoLastPurchase(); });
+    onClick(m_controls.Command19, [this] { openSalesReport(); });
+}
+
+void Inventory::connectCustomSale()
+{
+    connect(m_controls.Combo2, &PickList::picked, this, [this] { run([this] { customSaleCategoryChosen(); }); });
+    connect(m_controls.Combo3, &PickList::picked, this, [this] { run([this] { customSaleItemChosen(); }); });
+    onChangeAndClick(m_controls.Combo4, [this] { customSaleQuantityChanged(); });
+    onClick(m_controls.Command15, [this] { addCustomItem(); });
+    onClick(m_controls.Command8, [this] { searchStock(); });
+    onClick(m_controls.Command9, [this] { m_controls.Frame11->hide(); });
+    onClick(m_controls.Command21, [this] { selectSearchResult(); });
+    connect(m_controls.LV2, &RowList::rowOpened, this, [this] { run([this] { selectSearchResult(); }); });
+    for (std::size_t i = 0; i < m_controls.Command30.size(); ++i)
+        onClick(m_controls.Command30.at(i), [this, i] { pressKey(static_cast<int>(i)); });
+    onClick(m_controls.Command31, [this] { toggleKeypad(); });
+}
+
+void Inventory::connectStock()
+{
+    new UpperCaseTyping(m_controls.Combo7);
+    connect(m_controls.Combo8, &PickList::left, this, [this] { run([this] { formatStockCost(); }); });
+    onClick(m_controls.Command16, [this] { saveStock(); });
+    onClick(m_controls.Command26, [this] { startNewStock(); });
+    onClick(m_controls.Command5, [this] { editSelectedStock(); });
+    onClick(m_controls.Command6, [this] { deleteStock(); });
+    onClick(m_controls.Command7, [this] { refreshStock(); });
+    connect(m_controls.LV, &RowList::rowChosen, this, [this] { run([this] { chooseStockRow(); }); });
+}
+
+void Inventory::connectReorder()
+{
+    connect(m_controls.Combo12, &PickList::picked, this, [this] { run([this] { reorderCategoryChosen(); }); });
+    onChangeAndClick(m_controls.Combo11, [this] { showReorderItem(); });
+    onClick(m_controls.Command17, [this] { reorderStock(); });
+    onClick(m_controls.Command23, [this] { undoReorder(); });
+    onClick(m_controls.Command24, [this] { RefreshDashboard(); });
 }
 
 void Inventory::connectSettings()
@@ -190,12 +235,22 @@ void Inventory::connectSettings()
     onClick(m_controls.Command2, [this] { addCategory(); });
     onClick(m_controls.Command22, [this] { renameCategory(); });
     onClick(m_controls.Command3, [this] { deleteCategory(); });
+    onClick(m_controls.Command4, [this] { deletePurchase(); });
 }
 
 template <typename Handler>
 void Inventory::onClick(QAbstractButton *button, Handler handler)
 {
     connect(button, &QAbstractButton::clicked, this, [this, handler] { run(handler); });
+}
+
+template <typename Handler>
+void Inventory::onChangeAndClick(PickList *list, Handler handler)
+{
+    const auto entered = [this, handler] { run(handler); };
+    connect(list, &PickList::entryTextChanged, this, entered);
+    // A pick that changed the text has done the work already.
+    connect(list, &PickList::pickedAgain, this, entered);
 }
 
 void Inventory::loadForm()
@@ -334,7 +389,16 @@ std::shared_ptr<DbConnection> Inventory::connection() const
 
 Answer Inventory::ask(const QString &text, int style)
 {
-    return m_platform.boxes->message(this, text, style, m_state.MsgTitle);
+    finishWalks(); // a box may stay open for long
+    const Answer answer = m_platform.boxes->message(this, text, style, m_state.MsgTitle);
+    m_breather.rest();
+    return answer;
+}
+
+QString Inventory::askForText(const QString &prompt, const QString &title, const QString &initial)
+{
+    finishWalks();
+    return m_platform.boxes->input(this, prompt, title, initial);
 }
 
 void Inventory::warn(const QString &text)
@@ -350,6 +414,7 @@ void Inventory::refusePrivilege()
 void Inventory::showForeignWindow(const QString &classId)
 {
     // The component has no such window itself; where a host has registered none, nothing happens.
+    finishWalks();
     const std::unique_ptr<QObject> window = m_platform.objects->create(classId);
     if (!window)
         return;

@@ -2,15 +2,18 @@
 #pragma once
 
 #include "basic/item_key.h"
+#include "basic/stock_entry.h"
 #include "platform/breather.h"
 #include "platform/platform.h"
 #include "ui/controls.h"
 #include "ui/form_state.h"
+#include "ui/stock_columns.h"
 
 #include <QMainWindow>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QAbstractButton;
@@ -70,9 +73,14 @@ private:
     void connectWindow();
     void connectLogin();
     void connectSelling();
+    void connectCustomSale();
+    void connectStock();
+    void connectReorder();
     void connectSettings();
     template <typename Handler>
     void onClick(QAbstractButton *button, Handler handler);
+    template <typename Handler>
+    void onChangeAndClick(PickList *list, Handler handler);
     void loadForm();
     void fillPickLists();
     void readStoreSettings();
@@ -85,6 +93,7 @@ private:
     // What every handler leans on
     [[nodiscard]] std::shared_ptr<DbConnection> connection() const;
     Answer ask(const QString &text, int style);
+    QString askForText(const QString &prompt, const QString &title, const QString &initial);
     void warn(const QString &text);
     void refusePrivilege();
     void showForeignWindow(const QString &classId);
@@ -113,6 +122,11 @@ private:
     void showCustomSalesTab();
     void showQuickSalesTab();
     void refuseWorkArea();
+    bool loadStockForTab();
+
+    // keypad.cpp
+    void pressKey(int key);
+    void toggleKeypad();
 
     // stock/categories.cpp
     void LoadCategory();
@@ -121,6 +135,38 @@ private:
     void renameCategory();
     void deleteCategory();
     QListWidgetItem *selectedCategory(const QString &noneThere, const QString &noneSelected);
+
+    // stock/stock_list.cpp
+    void LoadStock(bool keepRows);
+    void FindandUpdateStock(const ListedStock &stock, const QString &editedId);
+    [[nodiscard]] int FindStockRow(const QString &id) const;
+    int placeStockRow(const ListedStock &stock, const QString &editedId);
+    static ListedStock listedStock(DbRecordset &stock);
+    void refreshStock();
+    void chooseStockRow();
+    void deleteStock();
+
+    // stock/stock_entry.cpp
+    void resetStockFields();
+    void startNewStock();
+    void editSelectedStock();
+    void EditStock();
+    void formatStockCost();
+    void saveStock();
+    [[nodiscard]] StockEntry enteredStock() const;
+    void refuseStockEntry(StockFault fault);
+    QString freeStockId(const QString &prefix);
+    void storeStock(const StockItem &item, bool automaticId);
+    void writeStock(DbRecordset &stock, const StockItem &item, const QString &time, bool isNew);
+
+    // stock/reorder.cpp
+    void reorderCategoryChosen();
+    void showReorderItem();
+    void showLowLevel(bool low);
+    void reorderStock();
+    void addUnits(DbRecordset &stock, double units);
+    void undoReorder();
+    void takeUnitsBack(DbRecordset &stock);
 
     // sales/cart.cpp
     void FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting);
@@ -146,12 +192,35 @@ private:
     void quickSaleCategoryChanged();
     void sellQuickly(int button);
 
+    // sales/custom_sale.cpp
+    void LoadStockItem(PickList &list, const QString &category);
+    void customSaleCategoryChosen();
+    void customSaleItemChosen();
+    void customSaleQuantityChanged();
+    void showItemTotal(double unitCost);
+    [[nodiscard]] double customSaleQuantity() const;
+    void addCustomItem();
+    [[nodiscard]] std::optional<std::int16_t> enteredQuantity() const;
+    void resetCustomSale();
+
+    // sales/search.cpp
+    void searchStock();
+    void SearchLoad(const QString &text);
+    void selectSearchResult();
+
     // sales/purchase.cpp
     void purchaseCart();
     void CheckoutCart(bool skipConfirm);
     void SaveCart();
     QString savePurchase(const QString &firstId, const QString &items, float lineCount, float total);
     void resetSalePanels();
+
+    // sales/purchase_undo.cpp
+    void UndoPurchase(const QString &purchaseId, bool mergeIntoCart);
+    void restoreLine(const QString &element, bool mergeIntoCart);
+    void undoLastPurchase();
+    void deletePurchase();
+    void LoadPurchaseIDs();
 
     // sales/receipt.cpp
     void PRINTS(const QString &text, bool newReceipt);
@@ -169,6 +238,11 @@ private:
     void showStockFigures();
     void openReorderList(int element);
 
+    // dashboard/sales_report.cpp
+    void openSalesReport();
+    bool callSalesReport();
+    bool takeEmailReportFlag();
+
     // settings/settings.cpp
     void saveSettings();
     void receiptChoiceChanged();
@@ -180,6 +254,7 @@ private:
     int m_runningHandlers = 0;
     unsigned m_pageLoads = 0;     ///< quick-sale pages begun: an earlier one gives way to a later one
     unsigned m_categoryLoads = 0; ///< the same for the category lists
+    bool m_undoing = false;       ///< a second undo meanwhile would give the same stock back twice
     bool m_loading = false;
     bool m_askingToClose = false;
     bool m_closed = false; ///< closed, and waiting for its last handler to return

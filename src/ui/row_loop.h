@@ -5,17 +5,23 @@
 #include "store/recordset.h"
 
 #include <optional>
+#include <type_traits>
 
 namespace harrowby {
 
-/// Runs `row` for each row of an opened recordset. Bounded by the count read before the loop, as other handlers may
-/// change the table while one of the rows lets the window breathe.
+/// Runs `row` for each row of an opened recordset, until it returns false if it returns anything. Bounded by the count
+/// read before the loop, as other handlers may change the table while one of the rows lets the window breathe.
 template <typename Row>
 void forEachRow(DbRecordset &rows, Row &&row)
 {
     const std::int32_t count = rows.RecordCount();
     for (std::int32_t i = 1; i <= count && !rows.IsEof(); ++i) {
-        row();
+        if constexpr (std::is_same_v<std::invoke_result_t<Row>, bool>) {
+            if (!row())
+                return;
+        } else {
+            row();
+        }
         rows.MoveNext();
     }
 }

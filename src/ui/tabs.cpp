@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/inventory.h"
-#include "ui/widgets/pick_list.h"
 #include "ui/widgets/tab_strip.h"
+#include "ui/work_areas.h"
 
 #include <QFrame>
 #include <QPushButton>
@@ -11,9 +11,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 
 namespace {
-
-enum WorkArea { QuickSales = 1, CustomSales, EditStock, ReorderStock, Settings };
-enum SidePanel { Cart = 1, SalesActivity };
 
 void bringForward(QFrame *frame)
 {
@@ -37,15 +34,15 @@ bool Inventory::mayChangeWorkArea()
 void Inventory::chooseWorkArea()
 {
     switch (m_controls.TabStrip1->selectedTab()) {
-    case Settings:
+    case WorkArea::Settings:
         return m_state.CanSettings ? showSettingsTab() : refuseWorkArea();
-    case ReorderStock:
+    case WorkArea::ReorderStock:
         return m_state.CanReorder ? showReorderTab() : refuseWorkArea();
-    case EditStock:
+    case WorkArea::EditStock:
         return m_state.CanEditStock ? showStockTab() : refuseWorkArea();
-    case CustomSales:
+    case WorkArea::CustomSales:
         return m_state.CanSell ? showCustomSalesTab() : refuseWorkArea();
-    case QuickSales: // needs no right: a user without the right to sell still sells here
+    case WorkArea::QuickSales: // needs no right: a user without the right to sell still sells here
         return showQuickSalesTab();
     default:
         return;
@@ -55,11 +52,23 @@ void Inventory::chooseWorkArea()
 void Inventory::refuseWorkArea()
 {
     refusePrivilege();
-    m_controls.TabStrip1->selectTab(QuickSales);
+    m_controls.TabStrip1->selectTab(WorkArea::QuickSales);
+}
+
+/// False when the user chose another tab while the list was filling: that tab has the panels now.
+bool Inventory::loadStockForTab()
+{
+    const int tab = m_controls.TabStrip1->selectedTab();
+    if (m_controls.Frame10->isHidden())
+        LoadStock(false);
+    return m_controls.TabStrip1->selectedTab() == tab;
 }
 
 void Inventory::showSettingsTab()
 {
+    LoadPurchaseIDs();
+    if (m_controls.TabStrip1->selectedTab() != WorkArea::Settings)
+        return; // another tab was chosen while the list was filling
     hidePanels({m_controls.Frame1, m_controls.Frame3, m_controls.Frame7, m_controls.Frame8});
     bringForward(m_controls.Frame9);
     bringForward(m_controls.Frame2);
@@ -68,6 +77,8 @@ void Inventory::showSettingsTab()
 
 void Inventory::showReorderTab()
 {
+    if (!loadStockForTab())
+        return;
     bringForward(m_controls.Frame10);
     m_controls.Command5->setEnabled(false);
     m_controls.Command6->setEnabled(false);
@@ -78,21 +89,21 @@ void Inventory::showReorderTab()
 
 void Inventory::showStockTab()
 {
+    if (!loadStockForTab())
+        return;
     bringForward(m_controls.Frame10);
+    m_controls.Command5->setEnabled(true);
+    m_controls.Command6->setEnabled(true);
     m_controls.Command26->setEnabled(false);
     bringForward(m_controls.Frame7);
     // Unfinished input is dropped on purpose, also when coming back to the tab.
-    m_controls.Combo5->setEntryText(u"OTHER CATEGORY"_s);
-    m_controls.Combo6->setEntryText(u"(Auto ID)"_s);
-    for (PickList *field : {m_controls.Combo7, m_controls.Combo8, m_controls.Combo13, m_controls.Combo14})
-        field->setEntryText(QString());
-    m_controls.Combo15->setEntryText(u"Enabled"_s);
+    resetStockFields();
     hidePanels({m_controls.Frame1, m_controls.Frame3, m_controls.Frame8, m_controls.Frame9, m_controls.Frame13});
 }
 
 void Inventory::showCustomSalesTab()
 {
-    m_controls.TabStrip2->selectTab(Cart);
+    m_controls.TabStrip2->selectTab(SidePanel::Cart);
     hidePanels({m_controls.Frame1, m_controls.Frame7, m_controls.Frame8, m_controls.Frame9});
     bringForward(m_controls.Frame3);
     bringForward(m_controls.Frame2);
@@ -102,8 +113,10 @@ void Inventory::showCustomSalesTab()
 
 void Inventory::showQuickSalesTab()
 {
-    m_controls.TabStrip2->selectTab(Cart);
+    m_controls.TabStrip2->selectTab(SidePanel::Cart);
     quickSaleCategoryChanged();
+    if (m_controls.TabStrip1->selectedTab() != WorkArea::QuickSales)
+        return; // another tab was chosen while the page was filling
     RefreshDashboard();
     hidePanels({m_controls.Frame3, m_controls.Frame7, m_controls.Frame8, m_controls.Frame9});
     bringForward(m_controls.Frame1);
@@ -113,10 +126,10 @@ void Inventory::showQuickSalesTab()
 
 void Inventory::chooseSidePanel()
 {
-    if (m_controls.TabStrip2->selectedTab() == SalesActivity) {
+    if (m_controls.TabStrip2->selectedTab() == SidePanel::SalesActivity) {
         if (!m_state.IsLoggedIn || !m_state.CanSettings) {
             m_state.IsLoggedIn ? refusePrivilege() : warn(u"You must login first!"_s);
-            m_controls.TabStrip2->selectTab(Cart);
+            m_controls.TabStrip2->selectTab(SidePanel::Cart);
             return;
         }
         m_controls.Frame4->hide();

@@ -9,6 +9,7 @@
 #include "ui/widgets/text_table_model.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -52,6 +53,7 @@ ShopFile::ShopFile()
 {
     if (sqlite3_open(path().toUtf8().constData(), &m_handle) != SQLITE_OK)
         qFatal("the file cannot be opened");
+    sql(u"PRAGMA synchronous = OFF"_s); // no power cut is waited for
     sql(tables);
 }
 
@@ -180,6 +182,23 @@ void Counter::click(const char *name) const
     find<QAbstractButton>(name)->click();
 }
 
+void Counter::pick(const char *name, int entry) const
+{
+    auto *list = find<PickList>(name);
+    list->showPopup();
+    list->view()->setCurrentIndex(list->model()->index(entry, 0));
+    QTest::keyClick(list->view(), Qt::Key_Return);
+}
+
+QStringList Counter::entries(const char *name) const
+{
+    const auto *list = find<PickList>(name);
+    QStringList all;
+    for (int entry = 0; entry < list->count(); ++entry)
+        all << list->itemText(entry);
+    return all;
+}
+
 bool Counter::hasFocus(const char *name) const
 {
     return m_window->focusWidget() == control(name);
@@ -203,12 +222,16 @@ void Counter::logIn(const QString &name, const QString &password)
     click("Command28");
 }
 
-QStringList Counter::cart() const
+QStringList Counter::rows(const char *name) const
 {
-    const TextTableModel &lines = find<RowList>("LV3")->rows();
+    const TextTableModel &list = find<RowList>(name)->rows();
     QStringList all;
-    for (int row = 0; row < lines.rowCount(); ++row)
-        all << lines.text(row, 0) + u'|' + lines.text(row, 1) + u'|' + lines.text(row, 2);
+    for (int row = 0; row < list.rowCount(); ++row) {
+        QStringList texts;
+        for (int column = 0; column < list.columnCount(); ++column)
+            texts << list.text(row, column);
+        all << texts.join(u'|');
+    }
     return all;
 }
 

@@ -89,6 +89,9 @@ public:
     [[nodiscard]] QString text(const char *name) const;
     void setText(const char *name, const QString &text) const;
     void click(const char *name) const;
+    /// Picks an entry of a pick list (0-based) as a user does, from the list that drops down.
+    void pick(const char *name, int entry) const;
+    [[nodiscard]] QStringList entries(const char *name) const;
     /// Whether the window's keyboard focus is there (whether or not the window is the active one).
     [[nodiscard]] bool hasFocus(const char *name) const;
     /// Chooses a tab as a user does, by the mouse.
@@ -98,7 +101,9 @@ public:
     void logIn(const QString &name = QStringLiteral("ADMINISTRATOR"), const QString &password = QStringLiteral("PASS"));
 
     /// Lines of the cart, columns joined by "|".
-    [[nodiscard]] QStringList cart() const;
+    [[nodiscard]] QStringList cart() const { return rows("LV3"); }
+    /// Rows of a list, columns joined by "|".
+    [[nodiscard]] QStringList rows(const char *name) const;
 
 private:
     [[nodiscard]] QWidget *control(const char *name) const;

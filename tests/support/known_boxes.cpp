@@ -55,6 +55,36 @@ const QStringList &knownTexts()
         u"There is no available stock item(s) for *. Kindly reorder Stock!"_s,
         u"There are only * item(s) in stock for *. Kindly reorder Stock!"_s,
         u"There are only * item(s) in stock for * and have already of * this item(s) in cart."_s,
+        u"No Stock Item Selected!"_s,
+        u"Delete Stock [*] with *?"_s,
+        u"Stock [*] with * has been deleted!"_s,
+        u"Invalid Category ID Entry!"_s,
+        u"Invalid Category Name Selection!"_s,
+        u"Invalid Item Name Entry!"_s,
+        u"Non-numeric or Invalid Stock Cost!"_s,
+        u"Non-numeric or Invalid Reorder Level!"_s,
+        u"Non-numeric or Invalid Available Stock!"_s,
+        u"Stock must either be Enabled or Disabled!"_s,
+        u"Update Stock [*] with *, *, Unit Cost *, R. Level *, Avail. *, *?"_s,
+        u"Stock [*] with ID [*] cannot be updated because multiple entries already exist. "
+        "Change Stock ID or Item Name and try again!"_s,
+        u"Stock [*] with ID [*] has been added successfully."_s,
+        u"Stock [*] with ID [*] has been updated successfully."_s,
+        u"New Stock Number is invalid or less than 1!"_s,
+        u"Add * New item(s) to Stock [*]?"_s,
+        u"Undo last added value of * from Stock [*]?"_s,
+        u"You have selected an item!"_s,
+        u"You have entered an invalid quantity. Quantity must be greater than 0!"_s,
+        u"Please Enter Search item name or ID?"_s,
+        u"Invalid Search Entry?"_s,
+        u"No Search Found for *!"_s,
+        u"Nothing to Undo!"_s,
+        u"Undo last Purchased Cart with ID [*]?"_s,
+        u"Nothing to Delete!"_s,
+        u"Delete Purchased Cart with ID [*].\nAll purchased items will br restored (Y/N)?"_s,
+        u"Error loading report, Please restart Harrowby Server or the System!\n"
+        "If this problem persist, please run a Scandisk and replace to replace missing files or reinstall Harrowby. "
+        "See *"_s,
     };
     return texts;
 }

@@ -2,11 +2,13 @@
 #include "support/till.h"
 
 #include "host/inv_basic.h"
+#include "ui/widgets/pick_list.h"
 
 #include <harrowby/sqlite_connection.h>
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QListWidget>
 
 #include <sqlite3.h>
 #include <unistd.h>
@@ -66,6 +68,32 @@ void Till::sell(QRandomGenerator &random)
         click(u"Command1_%1"_s.arg(random.bounded(9)));
     click(u"Command14"_s);
     m_clock->time = m_clock->time.addSecs(1);
+}
+
+void Till::saveItem(const QString &id, const QString &category, int figure) const
+{
+    const Controls &controls = m_window->controls();
+    const QString number = QString::number(figure);
+    controls.Combo6->setEntryText(id);
+    controls.Combo5->setEntryText(category);
+    controls.Combo7->setEntryText(u"NAME OF "_s + id);
+    for (PickList *field : {controls.Combo8, controls.Combo13, controls.Combo14})
+        field->setEntryText(number);
+    controls.Combo15->setEntryText(u"Enabled"_s);
+    click(u"Command16"_s);
+}
+
+void Till::addCategory(const QString &name) const
+{
+    m_window->controls().Combo16->setEntryText(name);
+    click(u"Command2"_s);
+}
+
+void Till::deleteCategory() const
+{
+    QListWidget &list = *m_window->controls().List2;
+    list.setCurrentRow(list.count() - 1);
+    click(u"Command3"_s);
 }
 
 void Till::click(const QString &name) const

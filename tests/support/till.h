@@ -30,6 +30,13 @@ public:
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
     void sell(QRandomGenerator &random);
+    /// Takes the last purchase back into the cart.
+    void undo() const { click(QStringLiteral("Command25")); }
+    /// Saves a stock item: an added one, or one that has the ID already.
+    void saveItem(const QString &id, const QString &category, int figure) const;
+    void addCategory(const QString &name) const;
+    /// Deletes the one that was added last.
+    void deleteCategory() const;
     [[nodiscard]] const FormState &state() const { return m_window->state(); }
 
 private:

@@ -5,9 +5,11 @@
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
+#include "ui/widgets/text_table_model.h"
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QListWidget>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -28,6 +30,7 @@ void fillShop(const ShopFile &shop)
     for (int i = 0; i < 12; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1250.5, 10 + i, i % 2 == 0 ? u"TEA"_s : u"SNACKS"_s);
     shop.addItem(u"B1"_s, u"BREAD, FINISHED"_s, 1, 0);
+    shop.addItem(u"*STAR*"_s, u"STAR"_s, 1, 0);
     shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA',''),('SNACKS','');"
              "INSERT INTO PurchaseCart VALUES ('HV1','1 x A1  |  ITEM 11 = 3.00',1,3,'180305080000','ADMINISTRATOR');"
              "UPDATE StoreSettings SET ShowDetails = 1, Promptreorder = 1"_s);
@@ -72,6 +75,9 @@ private Q_SLOTS:
 private:
     void addRows(const QString &table, const QStringList &columns);
     void sell(Counter &counter);
+    void sellOtherwise(Counter &counter);
+    void keepStock(Counter &counter);
+    void takeBack(Counter &counter);
     void lookAround(Counter &counter);
     void checkWhatWorks(const Counter &counter, const QString &table) const;
 
@@ -122,6 +128,65 @@ void BadTablesTest::sell(Counter &counter)
     counter.click("Command1_2");
     counter.click("Command14");
     counter.click("Command14");
+}
+
+/// By category and item, and from the search.
+void BadTablesTest::sellOtherwise(Counter &counter)
+{
+    counter.chooseTab("TabStrip1", 2);
+    counter.pick("Combo2", 0);
+    for (const char *item : {"A1  |  ITEM 11", "no such"}) {
+        counter.setText("Combo3", QString::fromLatin1(item));
+        Q_EMIT counter.find<PickList>("Combo3")->picked(0);
+        counter.setText("Combo4", u"2"_s);
+        counter.click("Command15");
+    }
+    if (counter.find<PickList>("Combo3")->count() > 0)
+        counter.pick("Combo3", 0);
+    if (counter.state().IsLoggedIn)
+        counter.boxes.expectInput(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString(),
+                                  u"star"_s);
+    counter.click("Command8");
+    counter.click("Command21");
+    for (const char *key : {"Command31", "Command30_1", "Command30_10", "Command30_11"})
+        counter.click(key);
+}
+
+void BadTablesTest::keepStock(Counter &counter)
+{
+    auto *list = counter.find<RowList>("LV");
+    for (const int tab : {4, 3}) {
+        counter.chooseTab("TabStrip1", tab);
+        list->selectRow(0);
+        QTest::keyClick(list, Qt::Key_Return);
+        counter.setText("Combo10", u"5"_s);
+        for (const char *button : {"Command17", "Command23", "Command24", "Command5", "Command16"})
+            counter.click(button);
+    }
+    counter.click("Command26");
+    counter.setText("Combo7", u"NEW"_s);
+    for (const char *figure : {"Combo8", "Combo13", "Combo14"})
+        counter.setText(figure, u"3"_s);
+    for (const char *button : {"Command16", "Command7"})
+        counter.click(button);
+    list->selectRow(list->rows().rowCount() - 1);
+    counter.click("Command6");
+}
+
+void BadTablesTest::takeBack(Counter &counter)
+{
+    counter.click("Command25");
+    counter.chooseTab("TabStrip1", 5);
+    if (auto *purchases = counter.find<PickList>("Combo17"); purchases->count() > 0)
+        counter.pick("Combo17", purchases->count() - 1);
+    for (const char *button : {"Command4", "Command19"})
+        counter.click(button);
+    counter.setText("Combo16", u"BREAD"_s);
+    auto *categories = counter.find<QListWidget>("List2");
+    for (const char *button : {"Command2", "Command22", "Command3"}) {
+        categories->setCurrentRow(categories->count() - 1);
+        counter.click(button);
+    }
 }
 
 void BadTablesTest::lookAround(Counter &counter)
@@ -176,6 +241,9 @@ void BadTablesTest::day()
     counter.logIn();
     sell(counter);
     checkWhatWorks(counter, table);
+    sellOtherwise(counter);
+    keepStock(counter);
+    takeBack(counter);
     lookAround(counter);
     counter.chooseTab("TabStrip1", 1);
     counter.click("Command1_3");

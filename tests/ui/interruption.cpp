@@ -33,9 +33,9 @@ void Interruption::rowFilled()
 {
     if (m_row <= 0)
         return;
-    passRest();
     if (--m_row > 0)
         return;
+    passRest();
     QTimer::singleShot(0, this, [this] {
         m_isDone = true;
         m_action();
@@ -44,7 +44,7 @@ void Interruption::rowFilled()
 
 void passRest()
 {
-    constexpr qint64 longerThanTheRestMs = 10;
+    constexpr qint64 longerThanTheRestMs = 45;
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < longerThanTheRestMs) {

@@ -9,8 +9,7 @@ class QAbstractItemModel;
 
 namespace harrowby::test {
 
-/// Makes a filling list slow, so that the window breathes at each of its rows, and does something in one of those
-/// breaths.
+/// Makes a filling list slow at one of its rows, so that the window breathes there, and does something in that breath.
 class Interruption : public QObject
 {
     Q_OBJECT

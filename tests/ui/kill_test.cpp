@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -12,6 +13,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -19,10 +21,46 @@ using namespace harrowby::test;
 
 namespace {
 
-constexpr int kills = 60;
 constexpr qint64 longestDelayUs = 4000;
 
-/// Sells until it is killed.
+/// What a till does again and again.
+struct Work
+{
+    void (*work)(Till &till, QRandomGenerator &random);
+    const char *wholeOnce; ///< how a statement begins by which one round is done
+    int kills;
+};
+
+const QMap<QString, Work> &works()
+{
+    static const QMap<QString, Work> all{
+        {u"sell"_s, {[](Till &till, QRandomGenerator &random) { till.sell(random); }, "INSERT INTO PurchaseCart", 60}},
+        {u"undo"_s,
+         {[](Till &till, QRandomGenerator &random) {
+              till.sell(random);
+              till.undo();
+          },
+          "Delete from PurchaseCart", 30}},
+        {u"save"_s,
+         {[](Till &till, QRandomGenerator &random) {
+              const QString id = u"N%1"_s.arg(random.bounded(1'000'000));
+              till.saveItem(id, u"NEW"_s, random.bounded(1000));
+              till.saveItem(id, u"CHANGED"_s, random.bounded(1000));
+          },
+          "UPDATE StockList SET StockID", 30}},
+        {u"delete a category"_s,
+         {[](Till &till, QRandomGenerator &random) {
+              const QString name = u"C%1"_s.arg(random.bounded(1'000'000));
+              till.addCategory(name);
+              till.saveItem(u"A%1"_s.arg(random.bounded(9)), name, 1000);
+              till.deleteCategory();
+          },
+          "Update StockList Set StockCategory = 'OTHER CATEGORY'", 30}},
+    };
+    return all;
+}
+
+/// Works until it is killed.
 int runTill(const QStringList &arguments)
 {
     Till till(arguments.at(2));
@@ -30,9 +68,10 @@ int runTill(const QStringList &arguments)
     till.logIn(u"JACK"_s, u"PASS"_s);
     if (!till.state().IsLoggedIn)
         return 1;
+    const Work &work = works()[arguments.at(4)];
     QRandomGenerator random(arguments.at(3).toUInt());
     for (;;)
-        till.sell(random);
+        work.work(till, random);
 }
 
 quint32 seed()
@@ -50,11 +89,6 @@ void wait(qint64 microseconds)
     }
 }
 
-bool isPurchase(const QString &statement)
-{
-    return statement.startsWith(u"INSERT INTO PurchaseCart"_s);
-}
-
 } // namespace
 
 /// The process is killed at random points, again and again, on one file.
@@ -64,16 +98,17 @@ class KillTest : public QObject
 
 private Q_SLOTS:
     void init();
+    void theFileHoldsWhatWasDone_data();
     void theFileHoldsWhatWasDone();
 
 private:
-    TillReport sellUntilKilled();
+    TillReport workUntilKilled(const QString &name);
     void checkFile(const TillReport &report);
 
-    [[nodiscard]] QString path() const { return m_folder.filePath(u"shop.sqlite"_s); }
+    [[nodiscard]] QString path() const { return m_folder->filePath(u"shop.sqlite"_s); }
 
-    QTemporaryDir m_folder;             ///< of a file that nobody has open between two tills
-    Database m_expected{u":memory:"_s}; ///< what the file must hold
+    std::unique_ptr<QTemporaryDir> m_folder; ///< of a file that nobody has open between two tills
+    std::unique_ptr<Database> m_expected;    ///< what the file must hold
     QRandomGenerator m_random;
 };
 
@@ -83,26 +118,30 @@ void KillTest::init()
     qInfo("HARROWBY_SEED=%u", seed());
     const ShopFile shop;
     shop.sql(u"INSERT INTO StoreSettings VALUES (0, 0, '', 0, 0)"_s);
-    shop.addUser(u"JACK"_s, u"PASS"_s, {u"Sales"_s});
+    shop.addUser(u"JACK"_s, u"PASS"_s, {u"Sales"_s, u"Undo"_s, u"Settings"_s, u"Reorder"_s});
     for (int i = 0; i < 9; ++i)
-        shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(i), 1.25, 100000);
-    QVERIFY(m_expected.copy(Database(shop.path())));
-    QVERIFY(Database(path()).copy(m_expected));
+        shop.addItem(u"A%1"_s.arg(i), u"NAME OF A%1"_s.arg(i), 1.25, 100000);
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_expected = std::make_unique<Database>(u":memory:"_s);
+    QVERIFY(m_expected->copy(Database(shop.path())));
+    QVERIFY(Database(path()).copy(*m_expected));
 }
 
-/// Lets a till make at least one whole sale, and kills it at a random point of a later one.
-TillReport KillTest::sellUntilKilled()
+/// Lets a till do its work once at least, and kills it at a random point of a later time.
+TillReport KillTest::workUntilKilled(const QString &name)
 {
+    const QByteArray wholeOnce = QByteArray("\nA1 ") + works()[name].wholeOnce;
     QProcess till;
     till.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    till.start(QCoreApplication::applicationFilePath(), {u"--till"_s, path(), QString::number(m_random.generate())});
+    till.start(QCoreApplication::applicationFilePath(),
+               {u"--till"_s, path(), QString::number(m_random.generate()), name});
     const int moreLines = m_random.bounded(1, 60);
     QByteArray heard;
-    qsizetype sold = -1;
-    while ((sold < 0 || heard.count('\n') < heard.first(sold).count('\n') + moreLines) &&
+    qsizetype done = -1;
+    while ((done < 0 || heard.count('\n') < heard.first(done).count('\n') + moreLines) &&
            till.waitForReadyRead(60000)) {
         heard += till.readAllStandardOutput();
-        sold = heard.indexOf("\nA1 INSERT INTO PurchaseCart");
+        done = heard.indexOf(wholeOnce);
     }
     wait(m_random.bounded(longestDelayUs));
     till.kill();
@@ -120,33 +159,45 @@ void KillTest::checkFile(const TillReport &report)
     sqlite3_db_config(file.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     QCOMPARE(file.integrity(), u"ok"_s);
     for (const QString &statement : report.done)
-        QVERIFY2(m_expected.run(statement), qPrintable(statement));
+        QVERIFY2(m_expected->run(statement), qPrintable(statement));
     const QStringList found = file.everything();
-    if (found != m_expected.everything() && !report.underWay.isEmpty())
-        QVERIFY2(m_expected.run(report.underWay), qPrintable(report.underWay));
-    QCOMPARE(found, m_expected.everything());
+    if (found != m_expected->everything() && !report.underWay.isEmpty())
+        QVERIFY2(m_expected->run(report.underWay), qPrintable(report.underWay));
+    QCOMPARE(found, m_expected->everything());
+}
+
+void KillTest::theFileHoldsWhatWasDone_data()
+{
+    QTest::addColumn<QString>("name");
+    for (auto work = works().cbegin(); work != works().cend(); ++work)
+        QTest::newRow(qPrintable(work.key())) << work.key();
 }
 
 void KillTest::theFileHoldsWhatWasDone()
 {
+    QFETCH(const QString, name);
+    const Work &work = works()[name];
+    const auto wasWholeOnce = [&work](const QString &statement) {
+        return statement.startsWith(QLatin1StringView(work.wholeOnce));
+    };
     int underWay = 0;
-    for (int kill = 0; kill < kills; ++kill) {
-        const TillReport report = sellUntilKilled();
+    for (int kill = 0; kill < work.kills; ++kill) {
+        const TillReport report = workUntilKilled(name);
         QCOMPARE(report.failed, QStringList());
-        QVERIFY(std::ranges::any_of(report.done, isPurchase)); // it sold, whatever the one before it left behind
+        QVERIFY(std::ranges::any_of(report.done, wasWholeOnce)); // whatever the one before it left behind
         checkFile(report);
         if (QTest::currentTestFailed())
             return;
         underWay += report.underWay.isEmpty() ? 0 : 1;
     }
-    qInfo("%d of %d were killed within a statement", underWay, kills);
+    qInfo("%d of %d were killed within a statement", underWay, work.kills);
     QVERIFY(underWay > 0);
 }
 
 int main(int argc, char *argv[])
 {
     const QApplication application(argc, argv);
-    if (argc == 4 && qstrcmp(argv[1], "--till") == 0)
+    if (argc == 5 && qstrcmp(argv[1], "--till") == 0)
         return runTill(QCoreApplication::arguments());
     KillTest test;
     QTEST_SET_MAIN_SOURCE_PATH

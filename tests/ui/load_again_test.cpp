@@ -42,7 +42,9 @@ void LoadAgainTest::loadedAgainWhileLoading()
     ShopFile shop;
     shop.addUser(u"ADMINISTRATOR"_s, u"PASS"_s);
     shop.addItem(u"A1"_s, u"TEA"_s, 1.5, 10);
-    shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA','')"_s);
+    constexpr int categories = 40; // so many that the window breathes among them
+    for (int i = 0; i < categories; ++i)
+        shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA %1','')"_s.arg(i));
     const auto first = std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(shop.handle()));
     const auto second = std::make_shared<SqliteConnection>(shop.handle());
     bool isDone = false;
@@ -78,8 +80,8 @@ void LoadAgainTest::loadedAgainWhileLoading()
     QCOMPARE(inventory().size(), 1);
     Inventory *window = inventory().constFirst();
     QVERIFY(window->isVisible());
-    QCOMPARE(window->controls().List2->count(), 1);
-    QCOMPARE(window->controls().Combo1->count(), 3);
+    QCOMPARE(window->controls().List2->count(), categories);
+    QCOMPARE(window->controls().Combo1->count(), categories + 2);
     QVERIFY(!window->state().IsLoggedIn);
     close(window);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -38,11 +38,15 @@ class RandomPressTest : public QObject
 private Q_SLOTS:
     void anything_data();
     void anything();
+    void cleanupTestCase();
 
 private:
     static void fillShop(const ShopFile &shop);
     static void reopen(Counter &counter);
     static void check(Counter &counter, RandomUser &user);
+
+    int m_days = 0;
+    int m_windows = 0; ///< the host's that were opened on all days
 };
 
 void RandomPressTest::anything_data()
@@ -58,8 +62,13 @@ void RandomPressTest::fillShop(const ShopFile &shop)
 {
     shop.sql(u"PRAGMA synchronous = OFF; UPDATE StoreSettings SET ShowDetails = 1, Promptreorder = 1"_s);
     shop.addUser(u"JANE"_s, u"PASS"_s, {u"Sales"_s, u"Reorder"_s});
+    shop.addUser(u"JOHN"_s, u"PASS"_s, {u"Sales"_s, u"Report"_s, u"Undo"_s, u"Delete"_s, u"Settings"_s});
     for (int i = 0; i < 30; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1.5 * i, i, i % 3 == 0 ? u"SNACKS"_s : u"TEA"_s);
+    shop.addItem(u"*STAR*"_s, u"*STAR*"_s, 2, 20, u"TEA"_s);
+    shop.sql(u"INSERT INTO PurchaseCart VALUES "
+             "('HV1', '1 x A1  |  ITEM 11 = 1.50, 2 x A20  |  ITEM 30 = 60.00', 2, 61.5, '180301', 'JANE'), "
+             "('HV2', 'ITEM x , ', 30000, 'few', NULL, NULL)"_s);
     for (const char *category : {"TEA", "SNACKS", "OTHER"})
         shop.sql(u"INSERT INTO InventoryCategory VALUES (%1, '')"_s.arg(quoted(QString::fromLatin1(category))));
 }
@@ -118,6 +127,14 @@ void RandomPressTest::anything()
     // A day on which nothing happens proves nothing.
     QVERIFY(user.boxes() * 10 > actions);
     QVERIFY(user.nested() * 20 > actions);
+    ++m_days;
+    m_windows += user.windows();
+}
+
+void RandomPressTest::cleanupTestCase()
+{
+    if (m_days == int(seeds))
+        QVERIFY(m_windows > m_days);
 }
 
 QTEST_MAIN(RandomPressTest)

@@ -33,17 +33,6 @@ namespace {
 constexpr int deepest = 3;
 constexpr int items = 30;
 
-bool chance(QRandomGenerator &random, int percent)
-{
-    return random.bounded(100) < percent;
-}
-
-template <typename List>
-auto &oneOf(List &list, QRandomGenerator &random)
-{
-    return list[static_cast<std::size_t>(random.bounded(static_cast<int>(list.size())))];
-}
-
 void type(QWidget &widget, const QString &text)
 {
     for (const QChar character : text) {
@@ -77,7 +66,13 @@ QString randomChange(QRandomGenerator &random)
         u"UPDATE StoreSettings SET ShowDetails = 1 - ShowDetails"_s,
         u"DELETE FROM StoreSettings"_s,
         u"UPDATE PurchaseCart SET PurchasedItemsCost = "_s + text,
-        u"DELETE FROM PurchaseCart"_s,
+        u"UPDATE PurchaseCart SET PurchasedItems = "_s + text,
+        u"UPDATE PurchaseCart SET PurchasedItemsTotal = "_s + text,
+        u"INSERT INTO PurchaseCart VALUES ('HV%1', '2 x A%1  |  ITEM 11 = 3.00, %2 x A1  |  ITEM 11 = 1', %2, 3, "
+        "'180305', 'JANE')"_s.arg(random.bounded(20))
+            .arg(random.bounded(5)),
+        u"DELETE FROM PurchaseCart WHERE rowid % 2 = 0"_s,
+        u"UPDATE StockList SET StockReorderLevel = "_s + text + item,
         u"UPDATE Users SET InventorySettings = - 1 - InventorySettings WHERE Username = 'JANE'"_s,
     };
     return oneOf(changes, random);
@@ -118,6 +113,10 @@ RandomUser::RandomUser(Counter &counter, quint32 seed) :
     m_other.run(u"PRAGMA synchronous = OFF"_s);
     counter.qtBoxes->setObserver([this](QDialog &dialog) { meet(dialog); });
     counter.connection->before = [this](const QString &) { breathe(); };
+    m_windows.settings = counter.settings;
+    m_windows.meanwhile = [this](QRandomGenerator &random) { actLater(random); };
+    m_windows.seeds.seed(seed + 2);
+    registerWindows(*counter.objects, m_windows);
 }
 
 const std::vector<RandomUser::Action> &RandomUser::actions()
@@ -131,6 +130,14 @@ const std::vector<RandomUser::Action> &RandomUser::actions()
         {10, "pick", &RandomUser::pickEntry},
         {10, "tab", &RandomUser::chooseTab},
         {6, "row", &RandomUser::openRow},
+        {6, "stock", &RandomUser::enterStock},
+        {5, "reorder", &RandomUser::reorder},
+        {5, "sell by hand", &RandomUser::sellByHand},
+        {4, "search", &RandomUser::search},
+        {4, "undo", &RandomUser::undoPurchase},
+        {3, "categories", &RandomUser::changeCategories},
+        {3, "keypad", &RandomUser::pressKeypad},
+        {3, "window", &RandomUser::openForeignWindow},
         {2, "label", &RandomUser::clickLabel},
         {4, "close", &RandomUser::close},
         {1, "resize", &RandomUser::resize},
@@ -220,7 +227,8 @@ Widget *RandomUser::any(QRandomGenerator &random) const
 
 void RandomUser::logIn(QRandomGenerator &random)
 {
-    m_counter.logIn(chance(random, 70) ? u"ADMINISTRATOR"_s : u"JANE"_s, chance(random, 90) ? u"PASS"_s : u"wrong"_s);
+    const std::array users{u"ADMINISTRATOR"_s, u"ADMINISTRATOR"_s, u"JANE"_s, u"JOHN"_s};
+    m_counter.logIn(oneOf(users, random), chance(random, 90) ? u"PASS"_s : u"wrong"_s);
 }
 
 void RandomUser::sell(QRandomGenerator &random)
@@ -290,7 +298,9 @@ void RandomUser::chooseTab(QRandomGenerator &random)
 
 void RandomUser::openRow(QRandomGenerator &random)
 {
-    auto *list = m_counter.find<RowList>("LV3");
+    auto *list = any<RowList>(random);
+    if (list == nullptr)
+        return;
     const int rows = list->rows().rowCount();
     if (rows == 0)
         return;

@@ -3,6 +3,8 @@
 
 #include "support/counter.h"
 #include "support/database.h"
+#include "ui/random_choice.h"
+#include "ui/random_windows.h"
 
 #include <QObject>
 #include <QRandomGenerator>
@@ -37,6 +39,8 @@ public:
     /// Actions that were entered in the middle of another one.
     [[nodiscard]] int nested() const { return m_nested; }
     [[nodiscard]] int boxes() const { return m_boxes; }
+    /// Windows of the host's that were opened.
+    [[nodiscard]] int windows() const { return m_windows.opened; }
 
 private:
     struct Action
@@ -66,6 +70,16 @@ private:
     void resize(QRandomGenerator &random);
     void interrupt(QRandomGenerator &random);
 
+    // In the other work areas (random_office.cpp)
+    void enterStock(QRandomGenerator &random);
+    void reorder(QRandomGenerator &random);
+    void sellByHand(QRandomGenerator &random);
+    void search(QRandomGenerator &random);
+    void undoPurchase(QRandomGenerator &random);
+    void changeCategories(QRandomGenerator &random);
+    void pressKeypad(QRandomGenerator &random);
+    void openForeignWindow(QRandomGenerator &random);
+
     // Behind its back
     void changeData(QRandomGenerator &random);
     void lock(QRandomGenerator &random);
@@ -83,6 +97,7 @@ private:
     Database m_other;
     QRandomGenerator m_random;
     QRandomGenerator m_boxSeeds;
+    HostWindows m_windows;
     QStringList m_strangeBoxes;
     bool m_tells;
     int m_depth = 0;
@@ -91,8 +106,5 @@ private:
     int m_slowStatements = 0; ///< statements that are followed by a breath
     int m_lockedFor = 0;      ///< actions
 };
-
-/// Something to type: numbers, quotes, every script, and very much of it.
-[[nodiscard]] QString randomText(QRandomGenerator &random);
 
 } // namespace harrowby::test

@@ -25,6 +25,41 @@ constexpr int categories = 40;
 using Action = void (*)(Counter &);
 using NamedAction = std::pair<const char *, Action>;
 
+void chooseCategory(Counter &counter, const char *list)
+{
+    counter.setText(list, u"(ALL CATEGORY)"_s);
+    Q_EMIT counter.find<PickList>(list)->picked(0);
+}
+
+void search(Counter &counter)
+{
+    if (!counter.state().IsLoggedIn)
+        return counter.click("Command8");
+    counter.boxes.expectInput(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString(),
+                              u"star"_s);
+    counter.click("Command8");
+}
+
+void sellSome(Counter &counter)
+{
+    counter.setText("Combo3", u"A1  |  ITEM 11"_s);
+    counter.setText("Combo4", u"2"_s);
+    counter.click("Command15");
+}
+
+void reorderSome(Counter &counter)
+{
+    counter.setText("Combo11", u"A1  |  ITEM 11"_s);
+    counter.setText("Combo10", u"2"_s);
+    counter.click("Command17");
+}
+
+void deletePurchase(Counter &counter)
+{
+    counter.setText("Combo17", counter.file.cell(u"SELECT PurchaseID FROM PurchaseCart"_s));
+    counter.click("Command4");
+}
+
 /// What a user can do while a list fills.
 const QList<NamedAction> &actions()
 {
@@ -41,6 +76,18 @@ const QList<NamedAction> &actions()
         {"custom sales", [](Counter &c) { c.chooseTab("TabStrip1", 2); }},
         {"quick sales", [](Counter &c) { c.chooseTab("TabStrip1", 1); }},
         {"settings", [](Counter &c) { c.chooseTab("TabStrip1", 5); }},
+        {"stock", [](Counter &c) { c.chooseTab("TabStrip1", 3); }},
+        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", 4); }},
+        {"custom category", [](Counter &c) { chooseCategory(c, "Combo2"); }},
+        {"reorder category", [](Counter &c) { chooseCategory(c, "Combo12"); }},
+        {"search", search},
+        {"select a result", [](Counter &c) { c.click("Command21"); }},
+        {"keypad", [](Counter &c) { c.click("Command31"); }},
+        {"sell some", sellSome},
+        {"reorder some", reorderSome},
+        {"take a reorder back", [](Counter &c) { c.click("Command23"); }},
+        {"undo the purchase", [](Counter &c) { c.click("Command25"); }},
+        {"delete a purchase", deletePurchase},
         {"activity", [](Counter &c) { c.chooseTab("TabStrip2", 2); }},
         {"save settings", [](Counter &c) { c.click("Command18"); }},
         {"clear the log", [](Counter &c) { c.click("Command11"); }},
@@ -65,6 +112,19 @@ const QList<NamedAction> &fillers()
     return all;
 }
 
+/// What fills the other lists, and more of them than one.
+const QList<NamedAction> &listFillers()
+{
+    static const QList<NamedAction> all{
+        {"custom category", [](Counter &c) { chooseCategory(c, "Combo2"); }},
+        {"reorder category", [](Counter &c) { chooseCategory(c, "Combo12"); }},
+        {"search", search},
+        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", 4); }},
+        {"delete a purchase", deletePurchase},
+    };
+    return all;
+}
+
 /// What opens a box.
 const QList<NamedAction> &askers()
 {
@@ -73,6 +133,8 @@ const QList<NamedAction> &askers()
         {"delete a line", [](Counter &c) { c.click("Command12"); }},
         {"clear the cart", [](Counter &c) { c.click("Command13"); }},
         {"price of a line", [](Counter &c) { QTest::keyClick(c.find("LV3"), Qt::Key_Return); }},
+        {"search", search},
+        {"reorder some", reorderSome},
         {"log out", [](Counter &c) { c.click("Command27"); }},
         {"clear the log", [](Counter &c) { c.click("Command11"); }},
         {"help", [](Counter &c) { c.click("Command20"); }},
@@ -128,6 +190,8 @@ private Q_SLOTS:
     void duringLoading();
     void whilePageFills_data() { addPairs(fillers()); }
     void whilePageFills();
+    void whileListFills_data() { addPairs(listFillers()); }
+    void whileListFills();
     void whileBoxIsOpen_data() { addPairs(askers()); }
     void whileBoxIsOpen();
     void closedWindowLivesUntilItsHandlerReturns();
@@ -137,6 +201,7 @@ private Q_SLOTS:
 
 private:
     void prepare(Counter &counter);
+    void fillPast(Counter &counter);
     void fillCart(Counter &counter);
     void checkWindow(Counter &counter);
 
@@ -156,6 +221,16 @@ void ReentryTest::prepare(Counter &counter)
             m_strangeBoxes << text;
         return Answer::Yes;
     });
+}
+
+/// Purchases of other days, and what the search finds.
+void ReentryTest::fillPast(Counter &counter)
+{
+    for (int i = 0; i < items; ++i) {
+        counter.file.sql(u"INSERT INTO PurchaseCart VALUES ('HV%1', '1 x A1  |  ITEM 11 = 1.50, 2 x A2  |  ITEM 12 = "
+                         "3.00', 2, 4.5, '180101080000', 'BOB')"_s.arg(1000 + i));
+        counter.file.addItem(u"*STAR*"_s, u"ITEM %1"_s.arg(100 + i), 1.5, 100, u"STARS"_s);
+    }
 }
 
 void ReentryTest::fillCart(Counter &counter)
@@ -240,6 +315,41 @@ void ReentryTest::whilePageFills()
     QVERIFY(interruption.isDone());
     if (counter.isOpen())
         QVERIFY2(isOnePage(shownItems(counter), counter.file), qPrintable(shownItems(counter).join(u"; "_s)));
+    checkWindow(counter);
+}
+
+/// At the first row that is read.
+void ReentryTest::whileListFills()
+{
+    QFETCH(Action, begun);
+    QFETCH(Action, meanwhile);
+    Counter counter;
+    prepare(counter);
+    fillPast(counter);
+    fillCart(counter);
+    bool isBegun = false;
+    bool isDone = false;
+    counter.connection->before = [&](const QString &statement) {
+        if (!statement.startsWith(u"Select "_s) || std::exchange(isBegun, true))
+            return;
+        passRest(); // so that the window breathes soon
+        QTimer::singleShot(0, &counter.window(), [&] {
+            isDone = true;
+            meanwhile(counter);
+        });
+    };
+    begun(counter);
+    QCoreApplication::processEvents();
+    QVERIFY(isDone);
+    if (counter.isOpen()) {
+        for (const char *list : {"Combo3", "Combo11", "Combo17"}) {
+            const QStringList entries = counter.entries(list);
+            QCOMPARE(QSet<QString>(entries.begin(), entries.end()).size(), entries.size());
+        }
+        const QStringList results = counter.rows("LV2");
+        for (int row = 0; row < results.size(); ++row)
+            QVERIFY2(results.at(row).startsWith(u"%1.|"_s.arg(row + 1)), qPrintable(results.at(row)));
+    }
     checkWindow(counter);
 }
 

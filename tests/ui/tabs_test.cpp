@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "support/counter.h"
 
+#include "ui/interruption.h"
 #include "ui/widgets/tab_strip.h"
+
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -28,6 +31,24 @@ private Q_SLOTS:
     void activityNeedsSettingsRight();
     void activityShowsTheLog();
     void sameTabAgainRunsItsHandler();
+    void raisedPanels_data();
+    void raisedPanels();
+    void stockIsReadWhenItsPanelWasHidden_data();
+    void stockIsReadWhenItsPanelWasHidden();
+    void buttonsOfTheStockList();
+    void newItemButtonIsSwitchedOff();
+    void settingsListThePurchases();
+    void loadsComeBeforeThePanels_data();
+    void loadsComeBeforeThePanels();
+    void dashboardIsRefreshed_data();
+    void dashboardIsRefreshed();
+    void refusalTouchesNothing_data();
+    void refusalTouchesNothing();
+    void stockAreaLeavesTheSearchResult();
+    void tabChosenWhileAListFills_data();
+    void tabChosenWhileAListFills();
+    void logoutWhileAListFills_data();
+    void logoutWhileAListFills();
     void keyboardIsGatedToo();
 };
 
@@ -45,6 +66,63 @@ QStringList visibleFrames(const Counter &counter)
     }
     return visible;
 }
+
+/// What is visible on a work area that was reached from "Quick Sales".
+QStringList framesOf(int tab)
+{
+    switch (tab) {
+    case 2:
+        return {u"Frame2"_s, u"Frame3"_s};
+    case 3: // the cart's area stays as it is under the stock list
+        return {u"Frame2"_s, u"Frame7"_s, u"Frame10"_s};
+    case 4:
+        return {u"Frame8"_s, u"Frame10"_s};
+    case 5:
+        return {u"Frame2"_s, u"Frame9"_s};
+    default:
+        return {u"Frame1"_s, u"Frame2"_s};
+    }
+}
+
+const QString allStock = u"Select * from StockList"_s;
+const QString allPurchases = u"Select PurchaseID from PurchaseCart Order by PurchaseID DESC"_s;
+const QString dashboard = u"Select Total(StockAvailable) as Totals from Stocklist where StockUse = 'Enabled'"_s;
+
+void fillShop(const Counter &counter)
+{
+    constexpr int items = 300;
+    for (int i = 0; i < items; ++i)
+        counter.file.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(i), 1.5, 100);
+    counter.file.sql(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300) "
+                     "INSERT INTO PurchaseCart (PurchaseID) SELECT 'HV' || (1000 + i) FROM n"_s);
+}
+
+/// Does something at the first row that fills a work area's list.
+class InTheMiddle
+{
+public:
+    InTheMiddle(Counter &counter, int tab, std::function<void()> action)
+    {
+        counter.connection->before = [this, tab, action, window = &counter.window()](const QString &statement) {
+            if (!fills(tab, statement) || std::exchange(m_isBegun, true))
+                return;
+            passRest(); // so that the window breathes after that row
+            QTimer::singleShot(0, window, [this, action] {
+                m_isDone = true;
+                action();
+            });
+        };
+    }
+    [[nodiscard]] bool isDone() const { return m_isDone; }
+
+private:
+    static bool fills(int tab, const QString &statement)
+    {
+        return tab == 1 ? statement.contains(u" Limit "_s) : statement == (tab == 5 ? allPurchases : allStock);
+    }
+    bool m_isBegun = false;
+    bool m_isDone = false;
+};
 
 } // namespace
 
@@ -81,12 +159,8 @@ void TabsTest::panelsOfEachArea_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<QStringList>("visible");
-    QTest::newRow("quick sales") << 1 << QStringList{u"Frame1"_s, u"Frame2"_s};
-    QTest::newRow("custom sales") << 2 << QStringList{u"Frame2"_s, u"Frame3"_s};
-    // The cart's area stays as it is under the stock list.
-    QTest::newRow("stock") << 3 << QStringList{u"Frame2"_s, u"Frame7"_s, u"Frame10"_s};
-    QTest::newRow("reorder") << 4 << QStringList{u"Frame8"_s, u"Frame10"_s};
-    QTest::newRow("settings") << 5 << QStringList{u"Frame2"_s, u"Frame9"_s};
+    for (int tab = 1; tab <= 5; ++tab)
+        QTest::addRow("%d", tab) << tab << framesOf(tab);
 }
 
 void TabsTest::panelsOfEachArea()
@@ -228,6 +302,255 @@ void TabsTest::sameTabAgainRunsItsHandler()
     counter.chooseTab("TabStrip1", 1);
     QVERIFY(counter.connection->statements.contains(
         u"Select Total(StockAvailable) as Totals from Stocklist where StockUse = 'Enabled'"_s));
+}
+
+void TabsTest::raisedPanels_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QStringList>("raised"); ///< the last one uppermost
+    QTest::newRow("quick sales") << 1 << QStringList{u"Frame1"_s, u"Frame2"_s};
+    QTest::newRow("custom sales") << 2 << QStringList{u"Frame3"_s, u"Frame2"_s};
+    QTest::newRow("stock") << 3 << QStringList{u"Frame10"_s, u"Frame7"_s};
+    QTest::newRow("reorder") << 4 << QStringList{u"Frame10"_s, u"Frame8"_s};
+    QTest::newRow("settings") << 5 << QStringList{u"Frame9"_s, u"Frame2"_s};
+}
+
+void TabsTest::raisedPanels()
+{
+    QFETCH(int, tab);
+    QFETCH(QStringList, raised);
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    for (int other = 5; other >= 1; --other)
+        counter.chooseTab("TabStrip1", other);
+    counter.chooseTab("TabStrip1", tab);
+    QStringList stack;
+    for (const QObject *child : counter.find("Frame1")->parent()->children())
+        stack << child->objectName();
+    QCOMPARE(stack.mid(stack.size() - 2), raised);
+}
+
+void TabsTest::stockIsReadWhenItsPanelWasHidden_data()
+{
+    QTest::addColumn<QList<int>>("tabs");
+    QTest::addColumn<int>("reads");
+    QTest::newRow("stock") << QList{3} << 1;
+    QTest::newRow("reorder") << QList{4} << 1;
+    QTest::newRow("stock, reorder") << QList{3, 4} << 1;
+    QTest::newRow("reorder, stock, reorder") << QList{4, 3, 4} << 1;
+    QTest::newRow("stock twice") << QList{3, 3} << 1;
+    QTest::newRow("stock, quick sales, stock") << QList{3, 1, 3} << 2;
+    QTest::newRow("stock, custom sales, reorder") << QList{3, 2, 4} << 2;
+    QTest::newRow("reorder, settings, reorder") << QList{4, 5, 4} << 2;
+    QTest::newRow("the others") << QList{1, 2, 5, 1} << 0;
+}
+
+void TabsTest::stockIsReadWhenItsPanelWasHidden()
+{
+    QFETCH(QList<int>, tabs);
+    QFETCH(int, reads);
+    Counter counter;
+    counter.file.addItem(u"A1"_s, u"TEA"_s, 1, 9);
+    counter.open();
+    counter.logIn();
+    counter.connection->statements.clear();
+    for (const int tab : tabs)
+        counter.chooseTab("TabStrip1", tab);
+    QCOMPARE(counter.connection->statements.count(allStock), reads);
+    QCOMPARE(counter.rows("LV").size(), reads > 0 ? 1 : 0);
+}
+
+void TabsTest::buttonsOfTheStockList()
+{
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    for (const auto &[tab, enabled] : {std::pair(3, true), std::pair(4, false), std::pair(1, false), std::pair(3, true),
+                                       std::pair(2, true), std::pair(5, true), std::pair(4, false)}) {
+        counter.chooseTab("TabStrip1", tab);
+        QCOMPARE(counter.find("Command5")->isEnabled(), enabled);
+        QCOMPARE(counter.find("Command6")->isEnabled(), enabled);
+        QVERIFY(counter.find("Command7")->isEnabled());
+    }
+}
+
+void TabsTest::newItemButtonIsSwitchedOff()
+{
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    counter.find("Command26")->setEnabled(true);
+    for (const int tab : {1, 2, 4, 5})
+        counter.chooseTab("TabStrip1", tab);
+    QVERIFY(counter.find("Command26")->isEnabled());
+    counter.chooseTab("TabStrip1", 3);
+    QVERIFY(!counter.find("Command26")->isEnabled());
+}
+
+void TabsTest::settingsListThePurchases()
+{
+    Counter counter;
+    counter.file.sql(u"INSERT INTO PurchaseCart (PurchaseID) VALUES ('HE2'),('HV1'),('HV3'),('HE1')"_s);
+    counter.open();
+    counter.logIn();
+    QCOMPARE(counter.entries("Combo17"), QStringList());
+    counter.chooseTab("TabStrip1", 5);
+    QCOMPARE(counter.entries("Combo17"), (QStringList{u"HV3"_s, u"HV1"_s, u"HE2"_s, u"HE1"_s}));
+    counter.connection->statements.clear();
+    for (const int tab : {1, 2, 3, 4})
+        counter.chooseTab("TabStrip1", tab);
+    QVERIFY(!counter.connection->statements.contains(allPurchases));
+    counter.chooseTab("TabStrip1", 5);
+    QCOMPARE(counter.connection->statements.count(allPurchases), 1);
+}
+
+void TabsTest::loadsComeBeforeThePanels_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<QStringList>("shown"); ///< from the custom sale
+    const QStringList custom{u"Frame2"_s, u"Frame3"_s};
+    QTest::newRow("quick sales") << 1 << dashboard << custom;
+    QTest::newRow("custom sales") << 2 << dashboard << custom; // its dashboard comes last
+    QTest::newRow("stock") << 3 << allStock << custom;
+    QTest::newRow("reorder") << 4 << allStock << custom;
+    QTest::newRow("settings") << 5 << allPurchases << custom;
+}
+
+void TabsTest::loadsComeBeforeThePanels()
+{
+    QFETCH(int, tab);
+    QFETCH(QString, statement);
+    QFETCH(QStringList, shown);
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    if (tab != 2)
+        counter.chooseTab("TabStrip1", 2);
+    QStringList then;
+    counter.connection->before = [&](const QString &begun) {
+        if (begun == statement)
+            then = visibleFrames(counter);
+    };
+    counter.chooseTab("TabStrip1", tab);
+    QCOMPARE(then, shown);
+}
+
+void TabsTest::dashboardIsRefreshed_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<int>("times");
+    for (int tab = 1; tab <= 5; ++tab)
+        QTest::addRow("%d", tab) << tab << (tab <= 2 ? 1 : 0);
+}
+
+void TabsTest::dashboardIsRefreshed()
+{
+    QFETCH(int, tab);
+    QFETCH(int, times);
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    counter.connection->statements.clear();
+    counter.chooseTab("TabStrip1", tab);
+    QCOMPARE(counter.connection->statements.count(dashboard), times);
+}
+
+void TabsTest::refusalTouchesNothing_data()
+{
+    refusedAreas_data();
+}
+
+void TabsTest::refusalTouchesNothing()
+{
+    QFETCH(int, tab);
+    Counter counter;
+    counter.file.addUser(u"ANN"_s, u"PW"_s);
+    counter.open();
+    counter.logIn(u"ANN"_s, u"PW"_s);
+    for (const char *field : {"Combo5", "Combo7"})
+        counter.setText(field, u"half done"_s);
+    counter.find("Command26")->setEnabled(true);
+    counter.connection->statements.clear();
+    counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation, Answer::Ok, [&] {
+        QCOMPARE(counter.connection->statements, QStringList());
+        QCOMPARE(visibleFrames(counter), framesOf(1));
+    });
+    counter.chooseTab("TabStrip1", tab);
+    QVERIFY(!counter.connection->statements.contains(allStock));
+    QVERIFY(!counter.connection->statements.contains(allPurchases));
+    QCOMPARE(counter.connection->statements.count(dashboard), 1); // of the first tab
+    QCOMPARE(counter.text("Combo5"), u"half done"_s);
+    QCOMPARE(counter.text("Combo7"), u"half done"_s);
+    QVERIFY(counter.find("Command26")->isEnabled());
+}
+
+void TabsTest::stockAreaLeavesTheSearchResult()
+{
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    counter.find("Frame11")->show();
+    counter.find("Frame13")->show();
+    counter.find("Frame2")->hide();
+    counter.chooseTab("TabStrip1", 3);
+    QCOMPARE(visibleFrames(counter), (QStringList{u"Frame7"_s, u"Frame10"_s, u"Frame11"_s}));
+}
+
+void TabsTest::tabChosenWhileAListFills_data()
+{
+    QTest::addColumn<int>("begun");
+    QTest::addColumn<int>("meanwhile");
+    for (const int begun : {1, 3, 4, 5}) {
+        for (int meanwhile = 1; meanwhile <= 5; ++meanwhile)
+            QTest::addRow("%d in the middle of %d", meanwhile, begun) << begun << meanwhile;
+    }
+}
+
+/// The one that was chosen last is the one that is shown.
+void TabsTest::tabChosenWhileAListFills()
+{
+    QFETCH(int, begun);
+    QFETCH(int, meanwhile);
+    Counter counter;
+    fillShop(counter);
+    counter.open();
+    counter.logIn();
+    const InTheMiddle interruption(counter, begun, [&] { counter.chooseTab("TabStrip1", meanwhile); });
+    counter.chooseTab("TabStrip1", begun);
+    QVERIFY(interruption.isDone());
+    QCOMPARE(counter.selectedTab("TabStrip1"), meanwhile);
+    QCOMPARE(visibleFrames(counter), framesOf(meanwhile));
+    if (meanwhile == 3 || meanwhile == 4)
+        QCOMPARE(counter.rows("LV").size(), 300);
+    if (meanwhile == 5)
+        QCOMPARE(counter.entries("Combo17").size(), 300);
+    QCOMPARE(counter.find("Command5")->isEnabled(), meanwhile != 4);
+}
+
+void TabsTest::logoutWhileAListFills_data()
+{
+    QTest::addColumn<int>("begun");
+    for (const int begun : {1, 3, 4, 5})
+        QTest::addRow("%d", begun) << begun;
+}
+
+void TabsTest::logoutWhileAListFills()
+{
+    QFETCH(int, begun);
+    Counter counter;
+    fillShop(counter);
+    counter.open();
+    counter.logIn();
+    counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
+    const InTheMiddle interruption(counter, begun, [&] { counter.click("Command27"); });
+    counter.chooseTab("TabStrip1", begun);
+    QVERIFY(interruption.isDone());
+    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(visibleFrames(counter), framesOf(1));
+    QVERIFY(counter.find("Frame12")->isVisible());
+    QVERIFY(!counter.state().IsLoggedIn);
 }
 
 void TabsTest::keyboardIsGatedToo()

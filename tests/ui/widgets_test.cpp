@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What each of the window's own widgets promises, one at a time.
 #include "ui/style/colours.h"
+#include "ui/style/till_style.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/entry_model.h"
@@ -13,6 +14,7 @@
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
+#include "ui/widgets/two_line_delegate.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractItemView>
@@ -84,6 +86,8 @@ private Q_SLOTS:
     void typingReplacesWhatIsMarked();
     void pressOnTheTextDropsTheList();
     void itemKeyIsPaintedNameOverId();
+    void lowRowStaysRedWhenItIsSelected();
+    void longTextTakesTwoLines();
     void linkIsPressedEveryWay();
     void entryModelKeepsItsEntries();
     void pickListLeavesTheTextAlone();
@@ -100,6 +104,7 @@ private Q_SLOTS:
     void pickListMakesItsPopupLate();
     void pickListIsAsLargeAsAnyOther();
     void tabStripClicks();
+    void tabStripGoesToATabByItsKey();
     void tabStripAsksBeforeAChoice_data();
     void tabStripAsksBeforeAChoice();
     void tabStripSelectsFromCode();
@@ -310,6 +315,64 @@ void WidgetsTest::itemKeyIsPaintedNameOverId()
     QVERIFY(lower(tea) != lower(otherId));
     QCOMPARE(lower(tea), lower(otherName));
     QVERIFY(upper(tea) != upper(otherName));
+}
+
+void WidgetsTest::lowRowStaysRedWhenItIsSelected()
+{
+    QWidget window; // dressed like the till: its style has colours of its own for selected rows
+    RowList list({u"Stock ID"_s}, &window);
+    list.setItemDelegate(new TwoLineDelegate(&list));
+    applyTillStyle(window);
+    list.resize(300, 200);
+    window.resize(300, 200);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    list.rows().appendRow({u"BEV-0001"_s});
+    const auto redPixels = [&list] {
+        const QImage image = list.viewport()->grab().toImage();
+        int red = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                red += colour.red() > 200 && colour.green() < 120 && colour.blue() < 120 ? 1 : 0;
+            }
+        }
+        return red;
+    };
+    list.rows().setLow(0, false);
+    QCOMPARE(redPixels(), 0);
+    list.rows().setLow(0, true);
+    QVERIFY(redPixels() > 0);
+    list.selectRow(0);
+    QVERIFY(redPixels() > 0);
+}
+
+void WidgetsTest::longTextTakesTwoLines()
+{
+    RowList list({u"Stock Name"_s});
+    list.setItemDelegate(new TwoLineDelegate(&list));
+    list.rows().appendRow({u"BREAKFAST TEA 80 BAGS"_s});
+    const auto inkOf = [&list](int width, int top, int height) {
+        QStyleOptionViewItem option;
+        option.initFrom(&list);
+        option.rect = QRect(0, 0, width, 44);
+        QImage image(option.rect.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        list.itemDelegate()->paint(&painter, option, list.model()->index(0, 0));
+        const QImage part = image.copy(0, top, width, height);
+        int ink = 0;
+        for (int y = 0; y < part.height(); ++y) {
+            for (int x = 0; x < part.width(); ++x)
+                ink += part.pixelColor(x, y).lightness() < 128 ? 1 : 0;
+        }
+        return ink;
+    };
+    const int middle = 2; // between two lines, and right through a single one
+    QVERIFY(inkOf(400, 22 - middle, 2 * middle) > 0);
+    QVERIFY(inkOf(130, 4, 16) > 0);
+    QVERIFY(inkOf(130, 24, 16) > 0);
+    QVERIFY(inkOf(400, 0, 10) == 0);
 }
 
 void WidgetsTest::linkIsPressedEveryWay()
@@ -650,6 +713,30 @@ void WidgetsTest::tabStripClicks()
     QCOMPARE(clicked.count(), 5);
 }
 
+void WidgetsTest::tabStripGoesToATabByItsKey()
+{
+    TabStrip strip;
+    for (const QString &caption : {u"One"_s, u"Two"_s, u"Three"_s})
+        strip.addTab(caption);
+    QStringList asked;
+    strip.beforeClick = [&] {
+        asked << QString::number(strip.selectedTab());
+        return true;
+    };
+    const auto tabAfter = [&strip](Qt::Key key) {
+        QTest::keyClick(&strip, key);
+        return strip.selectedTab();
+    };
+    QCOMPARE(tabAfter(Qt::Key_3), 3);
+    QCOMPARE(tabAfter(Qt::Key_1), 1);
+    QCOMPARE(tabAfter(Qt::Key_End), 3);
+    QCOMPARE(tabAfter(Qt::Key_Home), 1);
+    QCOMPARE(tabAfter(Qt::Key_2), 2);
+    QCOMPARE(asked, (QStringList{u"1"_s, u"3"_s, u"1"_s, u"3"_s, u"1"_s})); // no tab on the way is entered
+    QCOMPARE(tabAfter(Qt::Key_0), 2);
+    QCOMPARE(tabAfter(Qt::Key_4), 2);
+}
+
 void WidgetsTest::tabStripAsksBeforeAChoice_data()
 {
     using Choose = std::function<void(TabStrip &)>;
@@ -659,6 +746,7 @@ void WidgetsTest::tabStripAsksBeforeAChoice_data()
     QTest::newRow("same tab") << Choose(
         [](TabStrip &strip) { QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(0).center()); });
     QTest::newRow("key") << Choose([](TabStrip &strip) { QTest::keyClick(&strip, Qt::Key_Right); });
+    QTest::newRow("number") << Choose([](TabStrip &strip) { QTest::keyClick(&strip, Qt::Key_2); });
     QTest::newRow("wheel") << Choose([](TabStrip &strip) { turnWheel(strip, -1); });
     QTest::newRow("screen reader") << Choose([](TabStrip &strip) {
         QAccessible::queryAccessibleInterface(&strip)->child(1)->actionInterface()->doAction(

@@ -140,8 +140,8 @@ void Inventory::changeLinePrice()
     const QString cost = trimBlanks(cart.text(row, CartColumn::Cost));
     if (row < 0 || trimBlanks(item).isEmpty() || cost.isEmpty())
         return;
-    const QString answer = trimBlanks(m_platform.boxes->input(
-        this, u"Enter new price for item ["_s + trimBlanks(item) + u"]?"_s, m_state.MsgTitle, cost));
+    const QString answer =
+        trimBlanks(askForText(u"Enter new price for item ["_s + trimBlanks(item) + u"]?"_s, m_state.MsgTitle, cost));
     if (answer.isEmpty())
         return;
     if (!isNumeric(answer)) {

@@ -9,7 +9,9 @@
 #include "store/statements.h"
 #include "ui/inventory.h"
 #include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -48,10 +50,9 @@ void Inventory::CheckoutCart(bool skipConfirm)
 void Inventory::resetSalePanels()
 {
     UpdateCart();
-    m_controls.Label7->setText(u"0.00"_s);
-    m_controls.Label9->setText(u"0.00"_s);
-    m_controls.Label14->setText(QString());
-    m_controls.Label15->setText(u"Nil"_s);
+    if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
+        LoadPurchaseIDs();
+    resetCustomSale();
     m_controls.StatusBar1_2->setText(QString());
 }
 

@@ -91,8 +91,8 @@ void Inventory::renameCategory()
         return;
     const QString oldName = selected->text();
     const QPersistentModelIndex entry = m_controls.List2->indexFromItem(selected);
-    const QString answer = m_platform.boxes->input(this, u"Change Category["_s + oldName + u"] to what new name?"_s,
-                                                   u"Change Category - "_s + m_state.MsgTitle, QString());
+    const QString answer = askForText(u"Change Category["_s + oldName + u"] to what new name?"_s,
+                                      u"Change Category - "_s + m_state.MsgTitle, QString());
     const QString newName = trimmedUpper(answer);
     constexpr qsizetype shortest = 3; // counted with the blanks around it, on purpose
     if (answer.toUpper().size() < shortest || newName.isEmpty()) {

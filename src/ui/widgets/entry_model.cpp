@@ -22,7 +22,8 @@ bool EntryModel::removeRows(int row, int count, const QModelIndex &parent)
     if (parent.isValid() || row < 0 || count <= 0 || row + count > rowCount())
         return false;
     beginRemoveRows({}, row, row + count - 1);
-    m_entries.remove(row, count);
+    for (int i = 0; i < count; ++i)
+        m_entries.removeAt(row);
     endRemoveRows();
     return true;
 }
@@ -32,6 +33,16 @@ void EntryModel::append(const QString &entry)
     const int position = rowCount();
     beginInsertRows({}, position, position);
     m_entries.append(entry);
+    endInsertRows();
+}
+
+void EntryModel::append(const PackedTexts &entries)
+{
+    if (entries.isEmpty())
+        return;
+    const int position = rowCount();
+    beginInsertRows({}, position, position + int(entries.size()) - 1);
+    m_entries.append(entries);
     endInsertRows();
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/widgets/packed_texts.h"
+
 #include <QAbstractListModel>
-#include <QStringList>
 
 namespace harrowby {
 
@@ -19,12 +20,14 @@ public:
     bool removeRows(int row, int count, const QModelIndex &parent = {}) override;
 
     void append(const QString &entry);
+    /// All of them at once.
+    void append(const PackedTexts &entries);
     void clear();
     /// First entry that equals the text; -1 when there is none.
     [[nodiscard]] int find(const QString &text) const { return int(m_entries.indexOf(text)); }
 
 private:
-    QStringList m_entries;
+    PackedTexts m_entries;
 };
 
 } // namespace harrowby

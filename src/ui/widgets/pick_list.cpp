@@ -80,6 +80,7 @@ void PickList::setEntryText(const QString &text)
 void PickList::clearEntries()
 {
     dropSelection();
+    ++m_generation;
     m_entries->clear();
     setEntryText({});
 }
@@ -87,6 +88,29 @@ void PickList::clearEntries()
 void PickList::addEntry(const QString &text)
 {
     m_entries->append(text);
+}
+
+void PickList::takeEntries(PackedTexts &texts)
+{
+    m_entries->append(texts);
+    texts.clear();
+}
+
+int PickList::selectedEntry() const
+{
+    const int index = currentIndex();
+    return index >= 0 && itemText(index) == currentText() ? index : -1;
+}
+
+void PickList::removeEntry(int index)
+{
+    if (index < 0 || index >= count())
+        return;
+    const bool wasSelected = index == currentIndex();
+    dropSelection(); // else the base class would select a neighbour
+    m_entries->removeRows(index, 1);
+    if (wasSelected)
+        setEntryText({});
 }
 
 /// The same for any entries. The base class would make the list that drops down to find out that it need not ask it.
@@ -169,12 +193,16 @@ void PickList::setDropsOnPress(bool drops)
 
 bool PickList::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress && m_dropsOnPress && count() > 0) {
-        showPopup();
-        return true;
-    }
-    if (watched == lineEdit())
+    if (watched == lineEdit()) {
+        const bool press = event->type() == QEvent::MouseButtonPress;
+        // The release drops it: the list that has just come would take one of its own for the end of a choice.
+        if ((press || event->type() == QEvent::MouseButtonRelease) && m_dropsOnPress && count() > 0) {
+            if (!press)
+                showPopup();
+            return true;
+        }
         return QComboBox::eventFilter(watched, event);
+    }
     if (event->type() != QEvent::ToolTip)
         return QComboBox::eventFilter(watched, event);
     const auto *help = static_cast<QHelpEvent *>(event);
@@ -184,8 +212,12 @@ bool PickList::eventFilter(QObject *watched, QEvent *event)
 
 void PickList::focusOutEvent(QFocusEvent *event)
 {
-    const QScopedValueRollback leaving(m_picking, false);
-    QComboBox::focusOutEvent(event);
+    {
+        const QScopedValueRollback leaving(m_picking, false);
+        QComboBox::focusOutEvent(event);
+    }
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        Q_EMIT left();
 }
 
 void PickList::keyPressEvent(QKeyEvent *event)

@@ -6,6 +6,7 @@
 namespace harrowby {
 
 class EntryModel;
+class PackedTexts;
 
 /// A list to pick from that also takes typed text. No completer, no entry that selects itself, nothing inserted on
 /// Enter; entries show as plain text, long ones elided with the whole in their tool tip; opening one with 100,000
@@ -22,10 +23,18 @@ public:
     void setEntryText(const QString &text);
     /// Removes the entries and the text.
     void clearEntries();
+    /// Counts the calls of clearEntries(): a loop that fills the list stops when another one has begun afresh.
+    [[nodiscard]] unsigned generation() const { return m_generation; }
     /// Appends an entry; text and selection stay as they are.
     void addEntry(const QString &text);
+    /// Appends entries all at once, and empties the list they are handed in.
+    void takeEntries(PackedTexts &texts);
+    /// The entry that was picked and whose text stands there still; -1 when the text was typed or set from code.
+    [[nodiscard]] int selectedEntry() const;
+    /// Removes an entry; when it was the selected one, the text goes too and none is selected.
+    void removeEntry(int index);
 
-    /// A press on the text drops the list down too: for lists that are picked from far more often than typed into.
+    /// A click on the text drops the list down too: for lists that are picked from far more often than typed into.
     void setDropsOnPress(bool drops);
 
     void showPopup() override;
@@ -41,6 +50,8 @@ Q_SIGNALS:
     /// The user picked the entry whose text stood there already, so entryTextChanged() did not come; follows
     /// picked().
     void pickedAgain(int index);
+    /// The focus went to another field. Enter does not leave the list, nor does a box or another window in front.
+    void left();
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -59,6 +70,7 @@ private:
     void showEntryTip(const QPoint &globalPosition, const QPoint &position);
 
     EntryModel *m_entries;
+    unsigned m_generation = 0;
     mutable QSize m_sizeHint;   ///< invalid until it is asked for
     bool m_textChanged = false; ///< since the user's last action began, and not by code
     bool m_picking = true;      ///< an activation is the user's choice, and not merely Enter or the focus leaving

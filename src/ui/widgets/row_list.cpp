@@ -7,6 +7,8 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPointer>
+#include <QSignalBlocker>
 
 #include <algorithm>
 #include <numeric>
@@ -40,6 +42,7 @@ RowList::RowList(const QStringList &headers, QWidget *parent) :
     header()->setStretchLastSection(false);
     header()->setMinimumSectionSize(1);
     connect(this, &QTreeView::doubleClicked, this, [this](const QModelIndex &index) { Q_EMIT rowOpened(index.row()); });
+    connect(this, &QTreeView::clicked, this, [this](const QModelIndex &index) { Q_EMIT rowChosen(index.row()); });
 }
 
 int RowList::selectedRow() const
@@ -50,13 +53,25 @@ int RowList::selectedRow() const
 
 void RowList::selectRow(int row)
 {
+    selectInPlace(row);
+    if (const QModelIndex index = m_rows->index(row, 0); index.isValid())
+        scrollTo(index);
+}
+
+void RowList::selectInPlace(int row)
+{
+    m_rows->publishRows();
     const QModelIndex index = m_rows->index(row, 0);
     if (!index.isValid()) {
         selectionModel()->clear();
         return;
     }
+    // A hidden list would lay all its rows out only to learn where this one is.
+    const QSignalBlocker quietly(isVisible() ? nullptr : selectionModel());
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    scrollTo(index);
+    setAutoScroll(scrolls);
 }
 
 void RowList::setColumnShares(std::vector<int> shares)
@@ -77,6 +92,18 @@ void RowList::setFigureColumns(std::set<int> columns)
     m_rows->setFigureColumns(std::move(columns));
 }
 
+void RowList::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles)
+{
+    if (topLeft.row() != bottomRight.row()) {
+        QTreeView::dataChanged(topLeft, bottomRight, roles);
+        return;
+    }
+    for (int column = topLeft.column(); column <= bottomRight.column(); ++column) {
+        const QModelIndex cell = topLeft.siblingAtColumn(column);
+        QTreeView::dataChanged(cell, cell, roles);
+    }
+}
+
 QSize RowList::minimumSizeHint() const
 {
     return {160, 120};
@@ -91,7 +118,12 @@ void RowList::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->accept();
-        if (const int row = selectedRow(); row >= 0)
+        const int row = selectedRow();
+        if (row < 0)
+            return;
+        const QPointer<RowList> alive(this);
+        Q_EMIT rowChosen(row);
+        if (alive)
             Q_EMIT rowOpened(row);
         return;
     }

@@ -25,6 +25,8 @@ public:
     [[nodiscard]] int selectedRow() const;
     /// Selects a row and scrolls to it; a row that does not exist leaves none selected.
     void selectRow(int row);
+    /// The same without scrolling: a list that fills stays where its reader is.
+    void selectInPlace(int row);
 
     /// How the width is shared out: every column gets what its header and its sample text need, and its share of
     /// the rest. Columns without a share count as 1.
@@ -34,12 +36,19 @@ public:
     /// Columns of money and quantities, which stand flush right.
     void setFigureColumns(std::set<int> columns);
 
+    /// Repaints the cells that changed and no more: the base class repaints the whole list for a row.
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles = QList<int>()) override;
+
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] QSize sizeHint() const override;
 
 Q_SIGNALS:
     /// A row was double-clicked, or Enter was pressed on it.
     void rowOpened(int row);
+    /// A row was clicked, or Enter was pressed on it: a touch is enough. Walking the rows with the arrow keys chooses
+    /// none.
+    void rowChosen(int row);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

@@ -27,14 +27,26 @@ void TabStrip::selectTab(int number)
 
 void TabStrip::keyPressEvent(QKeyEvent *event)
 {
-    switch (event->key()) {
+    if (const int index = tabOfKey(event->key()); index >= 0)
+        choose(index);
+    else
+        QTabBar::keyPressEvent(event);
+}
+
+/// The tab that a key stands for by itself; -1 when it is none of these keys.
+int TabStrip::tabOfKey(int key) const
+{
+    switch (key) {
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        choose(currentIndex());
-        break;
+        return currentIndex();
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return count() - 1;
     default:
-        QTabBar::keyPressEvent(event);
+        return key > Qt::Key_0 && key <= Qt::Key_0 + count() ? key - Qt::Key_1 : -1;
     }
 }
 

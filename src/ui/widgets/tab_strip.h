@@ -7,7 +7,8 @@
 
 namespace harrowby {
 
-/// Row of tabs numbered from 1. Captions are plain text.
+/// Row of tabs numbered from 1. Captions are plain text. Besides the arrow keys, a tab's number, Home and End choose a
+/// tab: the way there by the arrows may lead over one that is refused.
 class TabStrip : public QTabBar
 {
     Q_OBJECT
@@ -33,6 +34,7 @@ protected:
     void tabInserted(int index) override;
 
 private:
+    [[nodiscard]] int tabOfKey(int key) const;
     void choose(int index);
     void showTab(int index);
     void currentTabChanged(int index);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/text_table_model.h"
 
-#include <algorithm>
+#include "ui/style/colours.h"
+
 #include <utility>
 
 namespace harrowby {
@@ -13,7 +14,7 @@ TextTableModel::TextTableModel(QStringList headers, QObject *parent) :
 
 int TextTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return parent.isValid() ? 0 : m_published;
 }
 
 int TextTableModel::columnCount(const QModelIndex &parent) const
@@ -31,6 +32,20 @@ QVariant TextTableModel::data(const QModelIndex &index, int role) const
         return text(index.row(), index.column());
     case Qt::TextAlignmentRole:
         return headerData(index.column(), Qt::Horizontal, role);
+    case Qt::ForegroundRole:
+        return index.column() == 0 ? levelColour(index.row()) : QVariant();
+    default:
+        return {};
+    }
+}
+
+QVariant TextTableModel::levelColour(int row) const
+{
+    switch (m_rows[size_t(row)].level) {
+    case Level::Low:
+        return Colours::current().lowRow;
+    case Level::Enough:
+        return Colours::current().enoughRow;
     default:
         return {};
     }
@@ -50,27 +65,45 @@ QVariant TextTableModel::headerData(int section, Qt::Orientation orientation, in
 
 void TextTableModel::setFigureColumns(std::set<int> columns)
 {
-    beginResetModel();
     m_figureColumns = std::move(columns);
-    endResetModel();
+    Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 
 void TextTableModel::appendRow(const QStringList &texts)
 {
-    QStringList row = texts;
-    row.resize(m_headers.size());
-    const int position = rowCount();
-    beginInsertRows({}, position, position);
-    m_rows.push_back(std::move(row));
+    queueRow(texts);
+    publishRows();
+}
+
+void TextTableModel::queueRow(const QStringList &texts)
+{
+    queueRow(PackedRow(texts, m_headers.size()));
+}
+
+void TextTableModel::queueRow(PackedRow row)
+{
+    m_rows.push_back({std::move(row), Level::None});
+}
+
+void TextTableModel::publishRows()
+{
+    const int rows = int(m_rows.size());
+    if (rows == m_published)
+        return;
+    beginInsertRows({}, m_published, rows - 1);
+    m_published = rows;
     endInsertRows();
 }
 
 void TextTableModel::removeRowAt(int row)
 {
-    if (row < 0 || row >= rowCount())
+    if (!has(row))
         return;
+    publishRows();
     beginRemoveRows({}, row, row);
     m_rows.erase(m_rows.begin() + row);
+    --m_published;
+    m_index.clear();
     endRemoveRows();
 }
 
@@ -78,31 +111,69 @@ void TextTableModel::clear()
 {
     beginResetModel();
     m_rows.clear();
+    m_rows.shrink_to_fit();
+    m_published = 0;
+    m_index.clear();
+    ++m_generation;
     endResetModel();
 }
 
 QString TextTableModel::text(int row, int column) const
 {
-    if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount())
+    if (!has(row) || column < 0 || column >= columnCount())
         return {};
-    return m_rows[size_t(row)].at(column);
+    return m_rows[size_t(row)].texts.text(column);
 }
 
 void TextTableModel::setText(int row, int column, const QString &text)
 {
-    if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount())
+    if (!has(row) || column < 0 || column >= columnCount())
         return;
-    m_rows[size_t(row)][column] = text;
-    const QModelIndex changed = index(row, column);
-    Q_EMIT dataChanged(changed, changed, {Qt::DisplayRole, Qt::ToolTipRole});
+    QStringList texts = m_rows[size_t(row)].texts.texts();
+    texts[column] = text;
+    setRow(row, texts);
 }
 
-int TextTableModel::findRow(const QString &text) const
+void TextTableModel::setRow(int row, const QStringList &texts)
 {
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&text](const QStringList &row) {
-        return row.first().compare(text, Qt::CaseInsensitive) == 0;
-    });
-    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
+    setRow(row, PackedRow(texts, m_headers.size()));
+}
+
+void TextTableModel::setRow(int row, PackedRow texts)
+{
+    if (!has(row))
+        return;
+    const PackedRow replaced = std::exchange(m_rows[size_t(row)].texts, std::move(texts));
+    if (replaced.view(0) != m_rows[size_t(row)].texts.view(0))
+        m_index.clear();
+    changed(row, 0, columnCount() - 1, {Qt::DisplayRole, Qt::ToolTipRole});
+}
+
+int TextTableModel::findRow(QStringView text) const
+{
+    for (int row = m_index.count(); row < int(m_rows.size()); ++row)
+        m_index.append(m_rows[size_t(row)].texts.view(0));
+    return m_index.find(
+        text, [&](int row) { return m_rows[size_t(row)].texts.view(0).compare(text, Qt::CaseInsensitive) == 0; });
+}
+
+void TextTableModel::setLow(int row, bool low)
+{
+    const Level level = low ? Level::Low : Level::Enough;
+    if (!has(row) || std::exchange(m_rows[size_t(row)].level, level) == level)
+        return;
+    changed(row, 0, 0, {Qt::ForegroundRole});
+}
+
+bool TextTableModel::isLow(int row) const
+{
+    return has(row) && m_rows[size_t(row)].level == Level::Low;
+}
+
+void TextTableModel::changed(int row, int firstColumn, int lastColumn, const QList<int> &roles)
+{
+    if (row < m_published)
+        Q_EMIT dataChanged(index(row, firstColumn), index(row, lastColumn), roles);
 }
 
 } // namespace harrowby

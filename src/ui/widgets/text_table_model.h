@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/widgets/packed_row.h"
+#include "ui/widgets/row_index.h"
+
 #include <QAbstractTableModel>
 #include <QStringList>
 
@@ -10,7 +13,10 @@
 namespace harrowby {
 
 /// Rows of plain texts under fixed column headers: what a list view of the counter shows. The view's rows are the
-/// only copy of what they show (the cart has no other storage). Rows are 0-based here.
+/// only copy of what they show (the cart has no other storage). Rows are 0-based here, and any number of them.
+///
+/// A long loop queues its rows: they are there for whoever asks for texts or looks for a row, and the views hear of
+/// all that were queued at once, when publishRows() is called. Every other change publishes them first.
 class TextTableModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -18,6 +24,7 @@ class TextTableModel : public QAbstractTableModel
 public:
     explicit TextTableModel(QStringList headers, QObject *parent = nullptr);
 
+    /// Rows that the views know of.
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
@@ -29,18 +36,50 @@ public:
 
     /// Appends a row; missing columns are empty.
     void appendRow(const QStringList &texts);
+    void queueRow(const QStringList &texts);
+    void queueRow(PackedRow row);
+    void publishRows();
+    /// Rows that there are, queued ones too.
+    [[nodiscard]] int lastRow() const { return int(m_rows.size()) - 1; }
+
     void removeRowAt(int row);
     void clear();
+    /// Counts the calls of clear(): a loop that fills the list stops when another one has begun afresh.
+    [[nodiscard]] unsigned generation() const { return m_generation; }
+
     /// Empty outside the table.
     [[nodiscard]] QString text(int row, int column) const;
     void setText(int row, int column, const QString &text);
+    /// Replaces the texts of a row.
+    void setRow(int row, const QStringList &texts);
+    void setRow(int row, PackedRow texts);
     /// First row whose first column equals the text as a whole, without regard to case; -1 when there is none.
-    [[nodiscard]] int findRow(const QString &text) const;
+    [[nodiscard]] int findRow(QStringView text) const;
+    /// Tells that findRow() of the text will follow, to make it quicker.
+    void expectRow(QStringView text) const { m_index.expect(text); }
+
+    /// Draws the first column of a row red, or black; a row that was never told draws in the list's colour.
+    void setLow(int row, bool low);
+    [[nodiscard]] bool isLow(int row) const;
 
 private:
+    enum class Level : char { None, Low, Enough };
+    struct Row
+    {
+        PackedRow texts;
+        Level level = Level::None;
+    };
+
+    [[nodiscard]] bool has(int row) const { return row >= 0 && row < int(m_rows.size()); }
+    [[nodiscard]] QVariant levelColour(int row) const;
+    void changed(int row, int firstColumn, int lastColumn, const QList<int> &roles);
+
     QStringList m_headers;
     std::set<int> m_figureColumns;
-    std::vector<QStringList> m_rows;
+    std::vector<Row> m_rows;
+    int m_published = 0; ///< how many of them the views know of
+    unsigned m_generation = 0;
+    mutable RowIndex m_index; ///< of the first rows, completed when a row is looked for
 };
 
 } // namespace harrowby

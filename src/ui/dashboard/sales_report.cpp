@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "basic/logging.h"
+#include "basic/text.h"
+#include "basic/values.h"
+#include "host/inv_basic.h"
+#include "platform/report_call.h"
+#include "store/recordset.h"
+#include "ui/inventory.h"
+
+#include <QCheckBox>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Inventory::openSalesReport()
+{
+    if (!m_state.IsLoggedIn) {
+        warn(u"You must login first!"_s);
+        return;
+    }
+    if (!m_state.CanReport) {
+        refusePrivilege();
+        return;
+    }
+    bool done = false;
+    try {
+        done = callSalesReport() && takeEmailReportFlag();
+    } catch (const std::exception &error) {
+        qCWarning(lcWindow, "The sales report ended early: %s", error.what());
+    } catch (...) {
+        qCWarning(lcWindow, "The sales report ended early");
+    }
+    if (!done)
+        ask(u"Error loading report, Please restart Harrowby Server or the System!"_s + crLf +
+                u"If this problem persist, please run a Scandisk and replace to replace missing files or reinstall "
+                "Harrowby. See https://harrowby.example/faq"_s,
+            box::Critical);
+}
+
+bool Inventory::callSalesReport()
+{
+    const std::unique_ptr<QObject> report = m_platform.objects->create(u"HarrowReport.ReportDll"_s);
+    if (!report)
+        return false;
+    ReportArguments arguments;
+    arguments.connection = connection();
+    if (!arguments.connection)
+        return false; // no connection, no folder
+    arguments.folder = arguments.connection->location().remove(u"Harrowby.dll"_s);
+    // Copies: a report that fails leaves the login as it was.
+    QString msgTitle = m_state.MsgTitle;
+    bool canSettings = m_state.CanSettings;
+    QString loggedUser = m_state.LoggedUser;
+    arguments.msgTitle = &msgTitle;
+    arguments.mayEditStock = m_state.CanEditStock || m_state.CanReorder;
+    arguments.canSettings = &canSettings;
+    arguments.loggedUser = &loggedUser;
+    const FormState before = m_state;
+    finishWalks(); // the report may stay open for long
+    if (!callAccountPreview(*report, arguments))
+        return false;
+    InvBasic::setConnection(arguments.connection);
+    // What the report changed, and nothing else: another user may have logged in meanwhile.
+    const auto takeOver = [](auto &ours, const auto &passed, const auto &returned) {
+        if (returned != passed)
+            ours = returned;
+    };
+    takeOver(m_state.MsgTitle, before.MsgTitle, msgTitle);
+    takeOver(m_state.CanSettings, before.CanSettings, canSettings);
+    takeOver(m_state.LoggedUser, before.LoggedUser, loggedUser);
+    return true;
+}
+
+bool Inventory::takeEmailReportFlag()
+{
+    const QString saved = m_platform.settings->get(u"Option"_s, u"EmailReport"_s, u"1"_s);
+    const std::optional<std::int16_t> flag = valueInt16(DbValue(saved));
+    if (!flag)
+        return false;
+    m_state.EmailReportFlag = *flag;
+    m_controls.Check4->setChecked(*flag != 0);
+    return true;
+}
+
+} // namespace harrowby

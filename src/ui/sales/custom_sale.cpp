@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+#include "basic/numbers.h"
+#include "basic/text.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/widgets/packed_texts.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/work_areas.h"
+
+#include <QLabel>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Inventory::LoadStockItem(PickList &list, const QString &category)
+{
+    list.clearEntries();
+    const unsigned fill = list.generation();
+    // The reorder panel lists finished items too, whatever the setting.
+    const bool isSale = list.objectName().compare("Combo3"_L1, Qt::CaseInsensitive) == 0;
+    DbRecordset items;
+    items.Open(statements::stockItems(isSale && m_state.HideFinishedFlag != 0, category), connection(),
+               DbRecordset::Access::Walk);
+    PackedTexts keys;
+    QByteArray id;
+    QByteArray name;
+    QByteArray key;
+    forEachRow(items, [&] {
+        putItemKey(key, items.Field(u"StockID"_s).utf8(id).value_or(QUtf8StringView()),
+                   items.Field(u"StockName"_s).utf8(name).value_or(QUtf8StringView()));
+        keys.append(QUtf8StringView(key));
+        m_breather.breathe([&] { list.takeEntries(keys); });
+        return list.generation() == fill; // else the list was filled afresh meanwhile
+    });
+    if (list.generation() == fill)
+        list.takeEntries(keys);
+}
+
+void Inventory::customSaleCategoryChosen()
+{
+    LoadStockItem(*m_controls.Combo3, trimBlanks(m_controls.Combo2->entryText()));
+}
+
+double Inventory::customSaleQuantity() const
+{
+    const QString typed = m_controls.Combo4->entryText();
+    return wholeNumber(typed).value_or(leadingNumberWithoutCommas(typed));
+}
+
+void Inventory::customSaleItemChosen()
+{
+    const QString key = m_controls.Combo3->entryText();
+    m_controls.Label14->setText(key);
+    DbRecordset item;
+    item.Open(statements::stockById(GetIDName(key, KeyPiece::Id)), connection());
+    if (item.RecordCount() == 0) {
+        m_controls.Label7->setText(u"0.00"_s);
+        m_controls.Label9->setText(u"0.00"_s);
+        m_controls.Label15->setText(u"Nil"_s);
+        return;
+    }
+    if (customSaleQuantity() < 1.0)
+        m_controls.Combo4->setEntryText(u"1"_s);
+    if (const std::optional<DbValue> cost = item.Field(u"StockCost"_s).value()) {
+        m_controls.Label7->setText(formatMoney(valueNumber(*cost)));
+        showItemTotal(valueNumber(*cost));
+    }
+    if (const std::optional<QString> available = fieldText(item, u"StockAvailable"_s))
+        m_controls.Label15->setText(*available);
+}
+
+void Inventory::customSaleQuantityChanged()
+{
+    // The unit cost is read up to its first comma, on purpose: of 1,250.00 it is the 1. The cart has the right one.
+    showItemTotal(leadingNumber(m_controls.Label7->text()));
+}
+
+void Inventory::showItemTotal(double unitCost)
+{
+    const double total = unitCost * customSaleQuantity();
+    if (std::isfinite(total)) // else no number holds it, and the old one stays
+        m_controls.Label9->setText(formatMoney(total));
+}
+
+void Inventory::addCustomItem()
+{
+    if (!RequireLogin())
+        return;
+    if (!m_state.CanSell) {
+        refusePrivilege();
+        return;
+    }
+    const QString key = m_controls.Combo3->entryText();
+    if (trimBlanks(key).isEmpty()) {
+        warn(u"You have selected an item!"_s); // the words for none being selected, on purpose
+        m_controls.Combo3->setFocus();
+        return;
+    }
+    const std::optional<std::int16_t> quantity = enteredQuantity();
+    if (!quantity) {
+        warn(u"You have entered an invalid quantity. Quantity must be greater than 0!"_s);
+        m_controls.Combo4->setFocus();
+        return;
+    }
+    if (!StockAvailable(key, *quantity))
+        return;
+    FindandUpdateCart(key, *quantity, false);
+    m_controls.TabStrip2->selectTab(SidePanel::Cart);
+    customSaleCategoryChosen(); // drops the chosen item
+    m_controls.Combo4->setEntryText(QString());
+    resetCustomSale();
+}
+
+/// Empty when it is not numeric, below 1, or more than 16 bits hold.
+std::optional<std::int16_t> Inventory::enteredQuantity() const
+{
+    const std::optional<double> typed = wholeNumber(m_controls.Combo4->entryText());
+    if (!typed || customSaleQuantity() < 1.0)
+        return {};
+    return toInt16(*typed);
+}
+
+void Inventory::resetCustomSale()
+{
+    m_controls.Label7->setText(u"0.00"_s);
+    m_controls.Label9->setText(u"0.00"_s);
+    m_controls.Label14->setText(QString());
+    m_controls.Label15->setText(u"Nil"_s);
+}
+
+} // namespace harrowby

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+#include "basic/restored_purchase.h"
+#include "basic/text.h"
+#include "basic/values.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/widgets/packed_texts.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
+
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
+{
+    const QString id = trimBlanks(purchaseId);
+    DbRecordset purchase;
+    purchase.Open(statements::purchase(id), connection());
+    if (purchase.RecordCount() < 1) {
+        warn(u"Nothing to Undo!"_s);
+        return;
+    }
+    // The stored number of lines bounds the loop, not the elements: what is missing is skipped, what is more is left.
+    std::int16_t count = 0;
+    if (const std::optional<DbValue> stored = purchase.Field(u"PurchasedItemsTotal"_s).value())
+        count = valueInt16(*stored).value_or(count);
+    const QStringList elements = purchaseElements(purchase.Field(u"PurchasedItems"_s).text());
+    m_controls.LV3->rows().clear(); // nothing is given back for what the cart held
+    for (qsizetype i = 0; i < count; ++i) {
+        if (i < elements.size())
+            restoreLine(elements.at(i), mergeIntoCart);
+        m_breather.breathe();
+    }
+    Execute(connection(), statements::deletePurchase(id));
+    RefreshDashboard();
+    m_state.LastPurchaseID.clear(); // whichever purchase it was
+}
+
+void Inventory::restoreLine(const QString &element, bool mergeIntoCart)
+{
+    const std::optional<RestoredLine> line = restoredLine(element);
+    if (!line)
+        return;
+    // By the ID alone, whatever the item is called by now.
+    Execute(connection(), statements::raiseStock(line->quantity, line->stockId));
+    FindandUpdateCart(itemKey(line->stockId, line->stockName), line->quantity, mergeIntoCart);
+}
+
+void Inventory::undoLastPurchase()
+{
+    if (m_undoing || !RequireLogin())
+        return;
+    if (!m_state.CanUndo) {
+        refuseWorkArea();
+        return;
+    }
+    if (m_state.LastPurchaseID.isEmpty()) {
+        warn(u"Nothing to Undo!"_s);
+        return;
+    }
+    if (ask(u"Undo last Purchased Cart with ID ["_s + m_state.LastPurchaseID + u"]?"_s, box::Ask) != Answer::Yes)
+        return;
+    const QScopedValueRollback undoing(m_undoing, true);
+    UndoPurchase(m_state.LastPurchaseID, true);
+    m_state.ReceiptText.clear(); // what was taken back is not to be printed again
+    LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
+    if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
+        LoadPurchaseIDs();
+}
+
+void Inventory::deletePurchase()
+{
+    if (m_undoing || !RequireLogin())
+        return;
+    if (!m_state.CanDelete) {
+        refuseWorkArea();
+        return;
+    }
+    const QString id = trimBlanks(m_controls.Combo17->entryText());
+    if (id.isEmpty()) {
+        warn(u"Nothing to Delete!"_s);
+        return;
+    }
+    if (ask(u"Delete Purchased Cart with ID ["_s + id + u"]."_s + crLf +
+                u"All purchased items will br restored (Y/N)?"_s,
+            box::Ask) != Answer::Yes)
+        return;
+    const QScopedValueRollback undoing(m_undoing, true);
+    UndoPurchase(id, true);
+    m_controls.Combo17->removeEntry(m_controls.Combo17->selectedEntry());
+}
+
+void Inventory::LoadPurchaseIDs()
+{
+    PickList &list = *m_controls.Combo17;
+    DbRecordset purchases;
+    purchases.Open(statements::purchaseIds(), connection(), DbRecordset::Access::Walk);
+    list.clearEntries();
+    const unsigned fill = list.generation();
+    PackedTexts ids;
+    QByteArray buffer;
+    forEachRow(purchases, [&] {
+        ids.append(purchases.Field(u"PurchaseID"_s).utf8(buffer).value_or(QUtf8StringView()));
+        m_breather.breathe([&] { list.takeEntries(ids); });
+        return list.generation() == fill; // else the list was filled afresh meanwhile
+    });
+    if (list.generation() == fill)
+        list.takeEntries(ids);
+}
+
+} // namespace harrowby

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+#include "basic/text.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
+
+#include <QFrame>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+/// Columns of the search result.
+namespace ResultColumn {
+constexpr int Id = 1;
+constexpr int Name = 2;
+constexpr int Category = 3;
+} // namespace ResultColumn
+
+} // namespace
+
+void Inventory::searchStock()
+{
+    if (!RequireLogin())
+        return;
+    const QString text =
+        askForText(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString());
+    constexpr qsizetype shortest = 3;
+    const qsizetype length = trimBlanks(text).size();
+    if (length >= shortest)
+        SearchLoad(text); // as it was entered: a blank before or after the text is looked for too
+    else if (length > 0)
+        warn(u"Invalid Search Entry?"_s);
+}
+
+void Inventory::SearchLoad(const QString &text)
+{
+    DbRecordset found;
+    found.Open(statements::searchStock(text.toUpper()), connection(), DbRecordset::Access::Walk);
+    if (found.RecordCount() == 0) {
+        warn(u"No Search Found for "_s + text + u"!"_s);
+        return;
+    }
+    TextTableModel &results = m_controls.LV2->rows();
+    results.clear();
+    const unsigned fill = results.generation();
+    const int tab = m_controls.TabStrip1->selectedTab();
+    m_controls.placeSearchResult(tab == WorkArea::EditStock || tab == WorkArea::ReorderStock);
+    m_controls.Frame11->show();
+    m_controls.Frame11->raise();
+    m_controls.Frame13->hide();
+    m_controls.LV2->setFocus(); // where the arrow keys choose, and Enter takes what is chosen
+    forEachRow(found, [&] {
+        results.queueRow({QString::number(results.lastRow() + 2) + u'.', found.Field(u"StockID"_s).text(),
+                          found.Field(u"StockName"_s).text(), found.Field(u"StockCategory"_s).text()});
+        m_breather.breathe([&] { results.publishRows(); });
+        return results.generation() == fill; // else another search has begun meanwhile
+    });
+    results.publishRows();
+}
+
+void Inventory::selectSearchResult()
+{
+    const TextTableModel &results = m_controls.LV2->rows();
+    const int row = m_controls.LV2->selectedRow();
+    if (row < 0)
+        return;
+    const QString category = results.text(row, ResultColumn::Category);
+    const QString key = itemKey(results.text(row, ResultColumn::Id), results.text(row, ResultColumn::Name));
+    // The texts alone: the custom sale keeps the cost and the stock that it shows, on purpose. On the other tabs
+    // nothing happens.
+    switch (m_controls.TabStrip1->selectedTab()) {
+    case WorkArea::CustomSales:
+        m_controls.Combo2->setEntryText(category);
+        m_controls.Combo3->setEntryText(key);
+        break;
+    case WorkArea::ReorderStock:
+        m_controls.Combo12->setEntryText(category);
+        m_controls.Combo11->setEntryText(key);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace harrowby

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+#include "basic/numbers.h"
+#include "basic/stock_entry.h"
+#include "basic/text.h"
+#include "basic/values.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/stock_columns.h"
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/work_areas.h"
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+/// What stands before an item key's separator, blanks and all; empty when the key names no item. The text before the
+/// separator may be empty itself, and then it is an ID.
+std::optional<QString> reorderedId(const QString &key)
+{
+    const qsizetype separator = key.indexOf(u"  |  "_s);
+    if (separator < 0 || trimBlanks(key).isEmpty())
+        return {};
+    return key.left(separator);
+}
+
+void addToStock(DbRecordset &stock, double units)
+{
+    const double sum = stock.Field(u"StockAvailable"_s).number() + units;
+    if (std::isfinite(sum)) // else no number holds it, and the old one stays
+        stock.Field(u"StockAvailable"_s).assign(storedFigure(sum));
+}
+
+/// A label keeps its text when a column cannot be read.
+void showField(QLabel &label, DbRecordset &stock, const QString &column)
+{
+    if (const std::optional<QString> text = fieldText(stock, column))
+        label.setText(*text);
+}
+
+bool isLow(DbRecordset &stock)
+{
+    return needsReorder(stock.Field(u"StockReorderLevel"_s).value().value_or(DbValue()),
+                        stock.Field(u"StockAvailable"_s).value().value_or(DbValue()));
+}
+
+} // namespace
+
+void Inventory::reorderCategoryChosen()
+{
+    // The item's text goes first: its change handler shows an item that is not there.
+    m_controls.Combo11->clearEntries();
+    showLowLevel(false);
+    m_controls.Label13->setText(u"0"_s);
+    m_controls.Label12->setText(u"0"_s);
+    m_controls.Combo10->setEntryText(u"0"_s);
+    LoadStockItem(*m_controls.Combo11, trimBlanks(m_controls.Combo12->entryText()));
+}
+
+void Inventory::showReorderItem()
+{
+    DbRecordset stock;
+    stock.Open(statements::stockLevels(GetIDName(m_controls.Combo11->entryText(), KeyPiece::Id)), connection());
+    if (stock.RecordCount() == 0) {
+        m_controls.Label13->setText(u"0"_s);
+        m_controls.Label12->setText(u"0"_s);
+        m_controls.Label12->setLow(true); // this one alone, on purpose
+        return;
+    }
+    if (leadingNumber(m_controls.Combo10->entryText()) < 1.0)
+        m_controls.Combo10->setEntryText(u"1"_s);
+    showField(*m_controls.Label12, stock, u"StockReorderLevel"_s);
+    showField(*m_controls.Label13, stock, u"StockAvailable"_s);
+    showLowLevel(isLow(stock));
+}
+
+void Inventory::reorderStock()
+{
+    if (!RequireLogin())
+        return;
+    if (!m_state.CanReorder) {
+        refuseWorkArea();
+        return;
+    }
+    const double units = leadingNumber(m_controls.Combo10->entryText());
+    if (!(units >= 1.0)) {
+        warn(u"New Stock Number is invalid or less than 1!"_s);
+        return;
+    }
+    if (ask(u"Add "_s + plainText(units) + u" New item(s) to Stock ["_s + m_controls.Combo11->entryText() + u"]?"_s,
+            box::Ask) != Answer::Yes)
+        return;
+    const std::optional<QString> id = reorderedId(m_controls.Combo11->entryText());
+    if (!id)
+        return;
+    DbRecordset stock;
+    stock.Open(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
+    if (stock.RecordCount() > 0)
+        addUnits(stock, units);
+}
+
+void Inventory::addUnits(DbRecordset &stock, double units)
+{
+    const QString key = m_controls.Combo11->entryText();
+    // More than 16 bits hold are added all the same, and cannot be taken back.
+    const std::optional<std::int16_t> undoable = toInt16(units);
+    m_state.LastReorderQty = undoable.value_or(0);
+    m_state.LastReorderItem = undoable ? trimBlanks(key) : QString();
+    // Not rounded here, but in the undo: 1.5 come in, and 2 are taken back.
+    addToStock(stock, units);
+    stock.Field(u"StockReorderUser"_s).assign(m_state.LoggedUser);
+    stock.Update();
+    showField(*m_controls.Label13, stock, u"StockAvailable"_s);
+    LogActivity(plainText(units) + u" New item(s) to Stock ["_s + key + u"]. New Available Stock is "_s +
+                    m_controls.Label13->text() + u'.',
+                box::Information, false, true);
+    m_controls.Combo10->setEntryText(u"0"_s);
+    showLowLevel(isLow(stock));
+    FindandUpdateStock(listedStock(stock), QString());
+    RefreshDashboard();
+}
+
+void Inventory::showLowLevel(bool low)
+{
+    m_controls.Label12->setLow(low);
+    m_controls.Label13->setLow(low);
+}
+
+void Inventory::undoReorder()
+{
+    if (!RequireLogin())
+        return;
+    if (!m_state.CanUndo) {
+        refuseWorkArea();
+        return;
+    }
+    if (m_state.LastReorderItem.isEmpty() || m_state.LastReorderQty < 1) {
+        warn(u"Nothing to Undo!"_s);
+        return;
+    }
+    if (ask(u"Undo last added value of "_s + QString::number(m_state.LastReorderQty) + u" from Stock ["_s +
+                m_state.LastReorderItem + u"]?"_s,
+            box::Ask) != Answer::Yes)
+        return;
+    const std::optional<QString> id = reorderedId(m_state.LastReorderItem);
+    if (!id)
+        return;
+    DbRecordset stock;
+    stock.Open(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
+    if (stock.RecordCount() > 0)
+        takeUnitsBack(stock);
+}
+
+void Inventory::takeUnitsBack(DbRecordset &stock)
+{
+    addToStock(stock, -m_state.LastReorderQty);
+    stock.Update();
+    showField(*m_controls.Label13, stock, u"StockAvailable"_s);
+    // The number of units is not in this line, on purpose. Nor is the dashboard refreshed here.
+    LogActivity(u"Item(s) Removed from Stock ["_s + m_state.LastReorderItem + u"]. New Available Stock is "_s +
+                    m_controls.Label13->text() + u'.',
+                box::Information, false, true);
+    showLowLevel(isLow(stock));
+    m_state.LastReorderItem.clear();
+    FindandUpdateStock(listedStock(stock), QString());
+}
+
+} // namespace harrowby

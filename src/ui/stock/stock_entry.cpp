@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+#include "basic/stock_entry.h"
+
+#include "basic/dates.h"
+#include "basic/item_key.h"
+#include "basic/numbers.h"
+#include "basic/text.h"
+#include "basic/values.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/stock_columns.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/text_table_model.h"
+
+#include <QPushButton>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void Inventory::resetStockFields()
+{
+    m_controls.Combo5->setEntryText(statements::otherCategory);
+    m_controls.Combo6->setEntryText(automaticIdText);
+    for (PickList *field : {m_controls.Combo7, m_controls.Combo8, m_controls.Combo13, m_controls.Combo14})
+        field->setEntryText(QString());
+    m_controls.Combo15->setEntryText(u"Enabled"_s);
+}
+
+void Inventory::startNewStock()
+{
+    resetStockFields();
+    m_controls.Combo5->setFocus(); // before the button goes, as the focus would go with it
+    m_controls.Command26->setEnabled(false);
+}
+
+void Inventory::editSelectedStock()
+{
+    if (m_controls.LV->selectedRow() < 0)
+        warn(u"No Stock Item Selected!"_s);
+    else
+        EditStock();
+}
+
+void Inventory::EditStock()
+{
+    // The list shows IDs upper-cased, so one that is stored otherwise is not found, and the fields keep what they had.
+    const QString id = m_controls.LV->rows().text(m_controls.LV->selectedRow(), StockColumn::Id);
+    DbRecordset stock;
+    stock.Open(statements::stockById(id), connection());
+    const auto show = [&stock](PickList *field, const QString &column, auto &&asText) {
+        if (const std::optional<DbValue> value = stock.Field(column).value())
+            field->setEntryText(asText(*value));
+    };
+    show(m_controls.Combo6, u"StockID"_s, valueText);
+    show(m_controls.Combo7, u"StockName"_s, [](const DbValue &name) { return valueText(name).toUpper(); });
+    show(m_controls.Combo5, u"StockCategory"_s, valueText);
+    show(m_controls.Combo8, u"StockCost"_s, [](const DbValue &cost) { return formatFixed(valueNumber(cost)); });
+    show(m_controls.Combo13, u"StockReorderLevel"_s, valueText);
+    show(m_controls.Combo14, u"StockAvailable"_s, valueText);
+    show(m_controls.Combo15, u"StockUse"_s, valueText);
+    m_breather.breathe();
+    m_controls.Command26->setEnabled(true);
+}
+
+void Inventory::formatStockCost()
+{
+    const QString typed = m_controls.Combo8->entryText();
+    if (const std::optional<double> cost = wholeNumber(typed))
+        m_controls.Combo8->setEntryText(formatMoney(*cost));
+}
+
+void Inventory::saveStock()
+{
+    if (!RequireLogin())
+        return;
+    if (!m_state.CanEditStock) {
+        refusePrivilege();
+        return;
+    }
+    const StockEntry entry = enteredStock();
+    if (const StockFault fault = findFault(entry); fault != StockFault::None) {
+        refuseStockEntry(fault);
+        return;
+    }
+    StockItem item = stockItem(entry);
+    const bool automatic = item.id == automaticIdText;
+    if (automatic) {
+        item.id = freeStockId(automaticIdPrefix(item.category));
+        if (item.id.isEmpty())
+            return;
+    }
+    storeStock(item, automatic);
+}
+
+StockEntry Inventory::enteredStock() const
+{
+    const auto entered = [](const PickList *field) { return trimBlanks(field->entryText()); };
+    return {entered(m_controls.Combo6), entered(m_controls.Combo5),  entered(m_controls.Combo7),
+            entered(m_controls.Combo8), entered(m_controls.Combo13), entered(m_controls.Combo14),
+            entered(m_controls.Combo15)};
+}
+
+void Inventory::refuseStockEntry(StockFault fault)
+{
+    warn(faultText(fault));
+    const auto lead = [](PickList *field) { field->setFocus(); };
+    switch (fault) {
+    case StockFault::Cost:
+        m_controls.Combo8->setEntryText(u"0.00"_s);
+        return lead(m_controls.Combo8);
+    case StockFault::ReorderLevel:
+        m_controls.Combo13->setEntryText(u"0"_s);
+        return lead(m_controls.Combo13);
+    case StockFault::Available:
+        return lead(m_controls.Combo14);
+    default:
+        return;
+    }
+}
+
+QString Inventory::freeStockId(const QString &prefix)
+{
+    DbRecordset stock;
+    // Counts none unless an ID ends in "-*", so that the numbers begin at 1 and the first gap is taken.
+    stock.Open(statements::automaticIdCount(prefix), connection());
+    std::int16_t number = 0;
+    if (const std::optional<DbValue> count = stock.Field(u"Counts"_s).value())
+        number = valueInt16(*count).value_or(number);
+    while (number < std::numeric_limits<std::int16_t>::max()) {
+        const QString id = automaticId(prefix, ++number);
+        stock.Open(statements::stockById(id), connection());
+        m_breather.breathe();
+        if (stock.RecordCount() == 0)
+            return id;
+    }
+    return {}; // the number has 16 bits: its overflow ends the save without a word
+}
+
+void Inventory::storeStock(const StockItem &item, bool automaticId)
+{
+    const QString upperName = item.name.toUpper();
+    DbRecordset stock;
+    stock.Open(automaticId ? statements::sameStockName(upperName) : statements::sameStock(item.id, upperName),
+               connection(), DbRecordset::Access::Edit);
+    const int found = stock.RecordCount(); // 0 also when a quote in the ID or the name made the statement fail
+    if (found > 1) {
+        warn(multipleEntriesText(item));
+        return;
+    }
+    const bool isNew = found == 0;
+    if (!isNew) {
+        const QString listed =
+            itemKey(stock.Field(u"StockID"_s).text().toUpper(), stock.Field(u"StockName"_s).text().toUpper());
+        if (ask(updateQuestion(listed, item), box::AskDefaultNo) != Answer::Yes)
+            return;
+    } else {
+        stock.AddNew();
+    }
+    const QString time = stockTime(m_platform.clock->now());
+    writeStock(stock, item, time, isNew);
+    FindandUpdateStock({item.id, item.name, item.category, item.cost, plainText(item.reorderLevel),
+                        plainText(item.available), item.use, time},
+                       isNew ? QString() : item.id);
+    LogActivity(u"Stock ["_s + item.name + u"] with ID ["_s + item.id + u"] has been "_s +
+                    (isNew ? u"added"_s : u"updated"_s) + u" successfully."_s,
+                box::Information, false, false);
+    customSaleCategoryChosen();
+}
+
+void Inventory::writeStock(DbRecordset &stock, const StockItem &item, const QString &time, bool isNew)
+{
+    stock.Field(u"StockID"_s).assign(item.id);
+    stock.Field(u"StockCategory"_s).assign(item.category);
+    stock.Field(u"StockName"_s).assign(item.name);
+    stock.Field(u"StockCost"_s).assign(item.cost);
+    stock.Field(u"StockReorderLevel"_s).assign(storedFigure(item.reorderLevel));
+    stock.Field(u"StockAvailable"_s).assign(storedFigure(item.available));
+    stock.Field(u"StockLastUpdated"_s).assign(time);
+    if (isNew)
+        stock.Field(u"StockAdded"_s).assign(m_state.LoggedUser);
+    stock.Field(u"StockLastModified"_s).assign(m_state.LoggedUser);
+    stock.Field(u"StockReorderUser"_s).assign(m_state.LoggedUser);
+    stock.Field(u"StockUse"_s).assign(item.use);
+    stock.Update();
+}
+
+} // namespace harrowby

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
+#include "basic/numbers.h"
+#include "basic/stock_entry.h"
+#include "basic/text.h"
+#include "store/recordset.h"
+#include "store/statements.h"
+#include "ui/inventory.h"
+#include "ui/row_loop.h"
+#include "ui/stock/stock_row_reader.h"
+#include "ui/stock_columns.h"
+#include "ui/widgets/packed_texts.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
+
+#include <QPersistentModelIndex>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+QStringList listRow(const ListedStock &stock)
+{
+    return {stock.id.toUpper(), stock.name.toUpper(), stock.category, formatMoney(leadingNumber(stock.cost)),
+            stock.reorderLevel, stock.available,      stock.use,      stock.lastUpdated};
+}
+
+/// Puts a row into the list as an item that was not edited: one that is listed keeps its ID as it stands there.
+int placeRow(TextTableModel &list, PackedRow row)
+{
+    // By the ID as it is listed: a letter may turn into two in upper case.
+    const int listed = list.findRow(row.view(StockColumn::Id));
+    if (listed < 0) {
+        list.queueRow(std::move(row));
+        return list.lastRow();
+    }
+    QStringList texts = row.texts();
+    texts[StockColumn::Id] = list.text(listed, StockColumn::Id);
+    list.setRow(listed, texts);
+    return listed;
+}
+
+} // namespace
+
+ListedStock Inventory::listedStock(DbRecordset &stock)
+{
+    return {stock.Field(u"StockID"_s).text(),           stock.Field(u"StockName"_s).text(),
+            stock.Field(u"StockCategory"_s).text(),     stock.Field(u"StockCost"_s).text(),
+            stock.Field(u"StockReorderLevel"_s).text(), stock.Field(u"StockAvailable"_s).text(),
+            stock.Field(u"StockUse"_s).text(),          stock.Field(u"StockLastUpdated"_s).text()};
+}
+
+void Inventory::LoadStock(bool keepRows)
+{
+    PickList &names = *m_controls.Combo7;
+    TextTableModel &list = m_controls.LV->rows();
+    const QString typedName = names.entryText();
+    if (!keepRows) {
+        list.clear();
+        names.clearEntries();
+    }
+    const unsigned fill = list.generation();
+    DbRecordset stock;
+    stock.Open(statements::allStock(), connection(), DbRecordset::Access::Walk);
+    StockRowReader reader(stock, list.columnCount());
+    PackedTexts newNames;
+    int placed = -1;
+    const auto showRows = [&] {
+        m_controls.LV->selectInPlace(placed);
+        names.takeEntries(newNames);
+    };
+    forEachRow(stock, [&] {
+        list.expectRow(reader.readId());
+        reader.readRest();
+        placed = placeRow(list, reader.row());
+        newNames.append(reader.name());
+        // The colour goes to the last row, on purpose also when an earlier one was updated.
+        list.setLow(list.lastRow(), reader.isLow());
+        m_breather.breathe(showRows);
+        return list.generation() == fill; // else another refresh has filled the list afresh
+    });
+    if (list.generation() == fill && placed >= 0)
+        showRows();
+    if (names.entryText().isEmpty()) // else something was entered meanwhile
+        names.setEntryText(typedName);
+}
+
+int Inventory::FindStockRow(const QString &id) const
+{
+    return m_controls.LV->rows().findRow(id);
+}
+
+int Inventory::placeStockRow(const ListedStock &stock, const QString &editedId)
+{
+    TextTableModel &list = m_controls.LV->rows();
+    QStringList texts = listRow(stock);
+    // By the ID as it is listed: a letter may turn into two in upper case.
+    const int row = FindStockRow(texts.at(StockColumn::Id));
+    if (row < 0) {
+        list.queueRow(texts);
+        return list.lastRow();
+    }
+    if (editedId.isEmpty())
+        texts[StockColumn::Id] = list.text(row, StockColumn::Id);
+    list.setRow(row, texts);
+    return row;
+}
+
+void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &editedId)
+{
+    m_controls.LV->selectRow(placeStockRow(stock, editedId));
+}
+
+void Inventory::refreshStock()
+{
+    LoadStock(false);
+    LogActivity(u"Stock List Refreshed."_s, box::Information, false, true);
+}
+
+void Inventory::chooseStockRow()
+{
+    const TextTableModel &list = m_controls.LV->rows();
+    if (m_controls.TabStrip1->selectedTab() != WorkArea::ReorderStock) {
+        editSelectedStock();
+        return;
+    }
+    const int row = m_controls.LV->selectedRow();
+    m_controls.Combo12->setEntryText(u"(All Category)"_s);
+    m_controls.Combo11->setEntryText(itemKey(list.text(row, StockColumn::Id), list.text(row, StockColumn::Name)));
+}
+
+void Inventory::deleteStock()
+{
+    TextTableModel &list = m_controls.LV->rows();
+    const int row = m_controls.LV->selectedRow();
+    if (row < 0)
+        return;
+    const QString id = list.text(row, StockColumn::Id);
+    const QString name = list.text(row, StockColumn::Name);
+    const QPersistentModelIndex entry = list.index(row, 0); // the list may change while the box is open
+    if (ask(u"Delete Stock ["_s + name + u"] with "_s + id + u"?"_s, box::AskDefaultNo) != Answer::Yes)
+        return;
+    Execute(connection(), statements::deleteStock(trimBlanks(id)));
+    LogActivity(u"Stock ["_s + name + u"] with "_s + id + u" has been deleted!"_s, box::Information, false, false);
+    if (entry.isValid())
+        list.removeRowAt(entry.row());
+    m_controls.LV->selectRow(-1); // nobody chose the row that took its place
+}
+
+} // namespace harrowby

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/two_line_delegate.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QTextLayout>
+
+namespace harrowby {
+
+namespace {
+
+constexpr int padding = 7; ///< what the style leaves beside a text, and a little more
+constexpr int overlap = 3; ///< the lines of one text stand closer than two texts do
+
+/// How much of a text the first line takes.
+qsizetype firstLineLength(const QString &text, const QFont &font, int width)
+{
+    QTextLayout layout(text, font);
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(wrapping);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(width);
+    layout.endLayout();
+    return line.textLength();
+}
+
+} // namespace
+
+void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->palette.setColor(QPalette::HighlightedText, option->palette.color(QPalette::Text));
+}
+
+void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
+    const int lineHeight = cell.fontMetrics.height() - overlap;
+    const bool fits = cell.fontMetrics.horizontalAdvance(cell.text) <= area.width();
+    if (fits || area.width() <= 0 || 2 * lineHeight > area.height()) {
+        QStyledItemDelegate::paint(painter, option, index);
+        return;
+    }
+    const qsizetype end = firstLineLength(cell.text, cell.font, area.width());
+    const QString first = cell.text.left(end).trimmed();
+    const QString second = cell.fontMetrics.elidedText(cell.text.mid(end).trimmed(), Qt::ElideRight, area.width());
+    cell.text.clear();
+    const QStyle *style = cell.widget != nullptr ? cell.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+
+    const int flags =
+        static_cast<int>(cell.displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter | Qt::TextSingleLine;
+    const int top = area.top() + (area.height() - 2 * lineHeight) / 2;
+    painter->save();
+    painter->setFont(cell.font);
+    painter->setPen(cell.palette.color(QPalette::Text));
+    painter->drawText(QRect(area.left(), top, area.width(), lineHeight), flags, first);
+    painter->drawText(QRect(area.left(), top + lineHeight, area.width(), lineHeight), flags, second);
+    painter->restore();
+}
+
+} // namespace harrowby

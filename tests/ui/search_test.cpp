@@ -1,0 +1,572 @@
+// SPDX-License-Identifier: MIT
+#include "support/counter.h"
+
+#include "ui/widgets/elided_label.h"
+#include "ui/widgets/row_list.h"
+
+#include <QAbstractItemModel>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::test;
+
+/// Looking for a stock item, the result panel, and what becomes of the chosen one.
+class SearchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void captions();
+    void needsLogin();
+    void needsNoRight();
+    void cancelled();
+    void blankAnswers_data();
+    void blankAnswers();
+    void shortAnswers_data();
+    void shortAnswers();
+    void looksForLongerAnswers_data();
+    void looksForLongerAnswers();
+    void asteriskIsNoWildcard();
+    void disabledItemsAreFoundByTheirId();
+    void nothingFound();
+    void nothingFoundKeepsThePanel();
+    void quoteFindsNothing();
+    void failedStatementFindsNothing();
+    void fillsItAfresh();
+    void hidesTheKeypad();
+    void liesInFront_data();
+    void liesInFront();
+    void coversNoEntryFieldOfTheStock_data();
+    void coversNoEntryFieldOfTheStock();
+    void noResultIsSelectedAtFirst();
+    void manyResults();
+    void secondSearchWins();
+    void closeHidesThePanel();
+    void selectsForTheCustomSale();
+    void selectsForTheReorder();
+    void selectsNothingElsewhere_data();
+    void selectsNothingElsewhere();
+    void emptyListSelectsNothing();
+    void doubleClickSelects();
+    void enterSelects();
+    void singleClickDoesNot();
+    void tabsHideThePanel_data();
+    void tabsHideThePanel();
+    void logoutHidesThePanel();
+    void selectedItemIsSold();
+    void namesAreShownPlain();
+};
+
+namespace {
+
+const QString prompt = u"Please Enter Search item name or ID?"_s;
+const QString title = u"Searching for Stock Item"_s;
+
+/// The pattern's asterisks are no wildcards, so only what begins and ends with one is found.
+void openShop(Counter &counter, int tab = 2)
+{
+    counter.file.addItem(u"*A1*"_s, u"MILK"_s, 1.25, 20, u"DRINKS"_s, u"Enabled"_s, 25);
+    counter.file.addItem(u"A2"_s, u"*TEA*"_s, 2.5, 100, u"HOT DRINKS"_s);
+    counter.file.addItem(u"A3"_s, u"*tea*"_s, 2.5, 100, u"DRINKS"_s);
+    counter.file.addItem(u"A4"_s, u"TEA"_s, 2.5, 100);
+    counter.open();
+    counter.logIn();
+    counter.chooseTab("TabStrip1", tab);
+}
+
+void search(Counter &counter, const QString &text)
+{
+    counter.boxes.expectInput(prompt, title, QString(), text);
+    counter.click("Command8");
+}
+
+QString statement(const QString &upper)
+{
+    return u"Select StockID, StockName, StockCategory from StockList where UPPER(StockID) like '*"_s + upper +
+           u"*' or UPPER(StockName) like '*"_s + upper + u"*'  and StockUse = 'Enabled'"_s;
+}
+
+bool isOpen(const Counter &counter)
+{
+    return counter.find("Frame11")->isVisible();
+}
+
+QStringList entered(const Counter &counter)
+{
+    return {counter.text("Combo2"), counter.text("Combo3"), counter.text("Combo12"), counter.text("Combo11")};
+}
+
+void selectResult(Counter &counter, int row)
+{
+    counter.find<RowList>("LV2")->selectRow(row);
+    counter.click("Command21");
+}
+
+QPoint centreOf(const Counter &counter, int row)
+{
+    const auto *list = counter.find<RowList>("LV2");
+    return list->visualRect(list->model()->index(row, 1)).center();
+}
+
+} // namespace
+
+void SearchTest::captions()
+{
+    Counter counter;
+    counter.open();
+    QCOMPARE(counter.text("Command9"), u"Close Search Result"_s);
+    QCOMPARE(counter.text("Command21"), u"Select ..."_s);
+    const QAbstractItemModel *list = counter.find<RowList>("LV2")->model();
+    QStringList headers;
+    for (int column = 0; column < list->columnCount(); ++column)
+        headers << list->headerData(column, Qt::Horizontal).toString();
+    QCOMPARE(headers, (QStringList{QString(), u"Stock ID"_s, u"Stock Name"_s, u"Stock Category"_s}));
+}
+
+void SearchTest::needsLogin()
+{
+    Counter counter;
+    counter.open();
+    counter.boxes.expect(u"You must Login in First!"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(counter.hasFocus("Text3"));
+}
+
+void SearchTest::needsNoRight()
+{
+    Counter counter;
+    counter.file.addUser(u"ANN"_s, u"PW"_s);
+    counter.file.addItem(u"A2"_s, u"*TEA*"_s, 1.25, 20);
+    counter.open();
+    counter.logIn(u"ANN"_s, u"PW"_s);
+    search(counter, u"tea"_s);
+    QCOMPARE(counter.rows("LV2"), QStringList{u"1.|A2|*TEA*|DRINKS"_s});
+}
+
+void SearchTest::cancelled()
+{
+    Counter counter;
+    openShop(counter);
+    counter.connection->statements.clear();
+    counter.boxes.expectInput(prompt, title, QString(), {});
+    counter.click("Command8");
+    QCOMPARE(counter.connection->statements, QStringList());
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::blankAnswers_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("nothing") << QString();
+    QTest::newRow("blanks") << u"      "_s;
+}
+
+void SearchTest::blankAnswers()
+{
+    QFETCH(QString, answer);
+    Counter counter;
+    openShop(counter);
+    counter.connection->statements.clear();
+    search(counter, answer);
+    QCOMPARE(counter.connection->statements, QStringList());
+}
+
+void SearchTest::shortAnswers_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("a") << u"a"_s;
+    QTest::newRow("ab") << u"ab"_s;
+    QTest::newRow("ab and blanks") << u"  ab   "_s;
+    QTest::newRow("quote") << u"'"_s;
+}
+
+void SearchTest::shortAnswers()
+{
+    QFETCH(QString, answer);
+    Counter counter;
+    openShop(counter);
+    counter.connection->statements.clear();
+    counter.boxes.expectInput(prompt, title, QString(), answer);
+    counter.boxes.expect(u"Invalid Search Entry?"_s, box::Exclamation);
+    counter.click("Command8");
+    QCOMPARE(counter.connection->statements, QStringList());
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::looksForLongerAnswers_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<QString>("upper");
+    QTest::newRow("abc") << u"abc"_s << u"ABC"_s;
+    QTest::newRow("untrimmed") << u"  abc "_s << u"  ABC "_s;
+    QTest::newRow("a blank inside") << u"a c"_s << u"A C"_s;
+    QTest::newRow("other letters") << u"äß1"_s << u"ÄSS1"_s;
+    QTest::newRow("wildcards") << u"%_%"_s << u"%_%"_s;
+}
+
+void SearchTest::looksForLongerAnswers()
+{
+    QFETCH(QString, answer);
+    QFETCH(QString, upper);
+    Counter counter;
+    openShop(counter);
+    counter.file.sql(u"DELETE FROM StockList"_s);
+    counter.connection->statements.clear();
+    counter.boxes.expectInput(prompt, title, QString(), answer);
+    counter.boxes.expect(u"No Search Found for "_s + answer + u'!', box::Exclamation);
+    counter.click("Command8");
+    QCOMPARE(counter.connection->statements, QStringList{statement(upper)});
+}
+
+void SearchTest::asteriskIsNoWildcard()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    QCOMPARE(counter.rows("LV2"), (QStringList{u"1.|A2|*TEA*|HOT DRINKS"_s, u"2.|A3|*tea*|DRINKS"_s}));
+    counter.boxes.expectInput(prompt, title, QString(), u"milk"_s);
+    counter.boxes.expect(u"No Search Found for milk!"_s, box::Exclamation);
+    counter.click("Command8");
+}
+
+/// The condition on their use goes with the name alone.
+void SearchTest::disabledItemsAreFoundByTheirId()
+{
+    Counter counter;
+    openShop(counter);
+    counter.file.sql(u"UPDATE StockList SET StockUse = 'Disabled'; UPDATE StockList SET StockID = '*TEA*' "
+                     "WHERE StockID = 'A4'"_s);
+    search(counter, u"tea"_s);
+    QCOMPARE(counter.rows("LV2"), QStringList{u"1.|*TEA*|TEA|DRINKS"_s});
+}
+
+void SearchTest::nothingFound()
+{
+    Counter counter;
+    openShop(counter);
+    counter.boxes.expectInput(prompt, title, QString(), u" Nothing like it "_s);
+    counter.boxes.expect(u"No Search Found for  Nothing like it !"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::nothingFoundKeepsThePanel()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    const QStringList before = counter.rows("LV2");
+    counter.boxes.expectInput(prompt, title, QString(), u"nothing"_s);
+    counter.boxes.expect(u"No Search Found for nothing!"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(isOpen(counter));
+    QCOMPARE(counter.rows("LV2"), before);
+    counter.click("Command31"); // the keypad over it
+    counter.boxes.expectInput(prompt, title, QString(), u"nothing"_s);
+    counter.boxes.expect(u"No Search Found for nothing!"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(counter.find("Frame13")->isVisible());
+}
+
+void SearchTest::quoteFindsNothing()
+{
+    Counter counter;
+    openShop(counter);
+    counter.boxes.expectInput(prompt, title, QString(), u"x' or 'a'='a"_s);
+    counter.boxes.expect(u"No Search Found for x' or 'a'='a!"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::failedStatementFindsNothing()
+{
+    Counter counter;
+    openShop(counter);
+    counter.connection->fails = [](const QString &) { return true; };
+    counter.boxes.expectInput(prompt, title, QString(), u"tea"_s);
+    counter.boxes.expect(u"No Search Found for tea!"_s, box::Exclamation);
+    counter.click("Command8");
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::fillsItAfresh()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    counter.file.sql(u"UPDATE StockList SET StockName = '*COFFEE*' WHERE StockID = 'A3'"_s);
+    search(counter, u"coffee"_s);
+    QCOMPARE(counter.rows("LV2"), QStringList{u"1.|A3|*COFFEE*|DRINKS"_s});
+}
+
+void SearchTest::hidesTheKeypad()
+{
+    Counter counter;
+    openShop(counter);
+    counter.click("Command31");
+    search(counter, u"tea"_s);
+    QVERIFY(isOpen(counter));
+    QVERIFY(!counter.find("Frame13")->isVisible());
+}
+
+void SearchTest::liesInFront_data()
+{
+    QTest::addColumn<int>("tab");
+    for (int tab = 1; tab <= 5; ++tab)
+        QTest::addRow("%d", tab) << tab;
+}
+
+void SearchTest::liesInFront()
+{
+    QFETCH(int, tab);
+    Counter counter;
+    openShop(counter, tab);
+    search(counter, u"tea"_s);
+    for (const char *name : {"LV2", "Command9", "Command21"}) {
+        const QWidget *control = counter.find(name);
+        const QPoint centre = control->mapTo(&counter.window(), control->rect().center());
+        const QWidget *there = counter.window().childAt(centre);
+        QVERIFY(there == control || control->isAncestorOf(there));
+    }
+}
+
+void SearchTest::coversNoEntryFieldOfTheStock_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("fields");
+    QTest::newRow("add and edit") << 3 << u"Frame7"_s;
+    QTest::newRow("reorder") << 4 << u"Frame8"_s;
+}
+
+void SearchTest::coversNoEntryFieldOfTheStock()
+{
+    QFETCH(int, tab);
+    QFETCH(QString, fields);
+    Counter counter;
+    openShop(counter, tab);
+    search(counter, u"tea"_s);
+    const auto placeOf = [&counter](const char *name) {
+        const QWidget *frame = counter.find(name);
+        return QRect(frame->mapTo(&counter.window(), QPoint()), frame->size());
+    };
+    const QRect result = placeOf("Frame11");
+    QVERIFY(!result.intersects(placeOf(qPrintable(fields))));
+    QVERIFY(placeOf("Frame10").contains(result));
+    counter.chooseTab("TabStrip1", 2);
+    counter.click("Command31");
+    const QRect keypad = placeOf("Frame13");
+    search(counter, u"tea"_s);
+    QCOMPARE(placeOf("Frame11"), keypad); // they share a place
+}
+
+void SearchTest::noResultIsSelectedAtFirst()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    QCOMPARE(counter.find<RowList>("LV2")->selectedRow(), -1);
+    counter.click("Command21");
+    QCOMPARE(counter.text("Combo3"), QString());
+    QVERIFY(counter.hasFocus("LV2")); // the arrow keys choose
+}
+
+void SearchTest::manyResults()
+{
+    Counter counter;
+    openShop(counter);
+    counter.file.sql(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 40000) "
+                     "INSERT INTO StockList (StockID, StockName, StockCategory, StockUse) "
+                     "SELECT 'N' || i, '*NUTS*', 'FOOD', 'Enabled' FROM n"_s);
+    search(counter, u"nuts"_s);
+    const QStringList rows = counter.rows("LV2");
+    QCOMPARE(rows.size(), 40000);
+    QCOMPARE(rows.first(), u"1.|N1|*NUTS*|FOOD"_s);
+    QCOMPARE(rows.last(), u"40000.|N40000|*NUTS*|FOOD"_s);
+}
+
+/// A second one that is begun while the first one fills its list.
+void SearchTest::secondSearchWins()
+{
+    Counter counter;
+    openShop(counter);
+    counter.file.sql(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
+                     "INSERT INTO StockList (StockID, StockName, StockCategory, StockUse) "
+                     "SELECT 'N' || i, '*NUTS*', 'FOOD', 'Enabled' FROM n"_s);
+    const QAbstractItemModel *list = counter.find<RowList>("LV2")->model();
+    bool entered = false;
+    connect(list, &QAbstractItemModel::rowsInserted, list, [&] {
+        if (std::exchange(entered, true))
+            return;
+        QTimer::singleShot(0, &counter.window(), [&] { search(counter, u"tea"_s); });
+    });
+    counter.boxes.expectInput(prompt, title, QString(), u"nuts"_s);
+    counter.click("Command8");
+    QVERIFY(entered);
+    QCOMPARE(counter.rows("LV2"), (QStringList{u"1.|A2|*TEA*|HOT DRINKS"_s, u"2.|A3|*tea*|DRINKS"_s}));
+}
+
+void SearchTest::closeHidesThePanel()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    counter.connection->statements.clear();
+    counter.click("Command9");
+    QVERIFY(!isOpen(counter));
+    QVERIFY(!counter.find("Frame13")->isVisible());
+    QCOMPARE(counter.rows("LV2").size(), 2);
+    QCOMPARE(counter.connection->statements, QStringList());
+}
+
+void SearchTest::selectsForTheCustomSale()
+{
+    Counter counter;
+    openShop(counter);
+    counter.setText("Combo4", u"3"_s);
+    search(counter, u"tea"_s);
+    counter.connection->statements.clear();
+    selectResult(counter, 0);
+    QCOMPARE(entered(counter), (QStringList{u"HOT DRINKS"_s, u"A2  |  *TEA*"_s, u"(ALL CATEGORY)"_s, QString()}));
+    QCOMPARE(counter.connection->statements, QStringList()); // the texts alone
+    QCOMPARE(counter.text("Label14"), QString());
+    QCOMPARE(counter.text("Label7"), u"0.00"_s);
+    QCOMPARE(counter.text("Label15"), u"Nil"_s);
+    QVERIFY(isOpen(counter));
+    selectResult(counter, 1);
+    QCOMPARE(counter.text("Combo3"), u"A3  |  *tea*"_s);
+}
+
+void SearchTest::selectsForTheReorder()
+{
+    Counter counter;
+    openShop(counter, 4);
+    search(counter, u"tea"_s);
+    selectResult(counter, 0);
+    QCOMPARE(entered(counter), (QStringList{u"(ALL CATEGORY)"_s, QString(), u"HOT DRINKS"_s, u"A2  |  *TEA*"_s}));
+    QCOMPARE(counter.entries("Combo11"), QStringList());
+    QCOMPARE(counter.text("Label13"), u"100"_s); // the item's change handler shows it
+    QVERIFY(isOpen(counter));
+    counter.file.sql(u"UPDATE StockList SET StockName = '*MILK*' WHERE StockName = 'MILK'"_s);
+    search(counter, u"milk"_s);
+    selectResult(counter, 0);
+    QCOMPARE(counter.text("Combo11"), u"*A1*  |  *MILK*"_s);
+    QCOMPARE(counter.text("Label12"), u"25"_s);
+    QCOMPARE(counter.text("Label13"), u"20"_s);
+    QVERIFY(counter.find<LevelLabel>("Label13")->isLow());
+}
+
+void SearchTest::selectsNothingElsewhere_data()
+{
+    QTest::addColumn<int>("tab");
+    for (const int tab : {1, 3, 5})
+        QTest::addRow("%d", tab) << tab;
+}
+
+void SearchTest::selectsNothingElsewhere()
+{
+    QFETCH(int, tab);
+    Counter counter;
+    openShop(counter, tab);
+    search(counter, u"tea"_s);
+    selectResult(counter, 0);
+    QCOMPARE(entered(counter), (QStringList{u"(ALL CATEGORY)"_s, QString(), u"(ALL CATEGORY)"_s, QString()}));
+    QVERIFY(isOpen(counter));
+}
+
+void SearchTest::emptyListSelectsNothing()
+{
+    Counter counter;
+    openShop(counter);
+    counter.find("Frame11")->show();
+    counter.click("Command21");
+    QCOMPARE(counter.text("Combo3"), QString());
+}
+
+void SearchTest::doubleClickSelects()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    QTest::mouseClick(counter.find<RowList>("LV2")->viewport(), Qt::LeftButton, {}, centreOf(counter, 1));
+    QTest::mouseDClick(counter.find<RowList>("LV2")->viewport(), Qt::LeftButton, {}, centreOf(counter, 1));
+    QCOMPARE(counter.text("Combo3"), u"A3  |  *tea*"_s);
+    QVERIFY(isOpen(counter));
+}
+
+void SearchTest::enterSelects()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    counter.find<RowList>("LV2")->selectRow(0);
+    QTest::keyClick(counter.find("LV2"), Qt::Key_Down);
+    QCOMPARE(counter.text("Combo3"), QString());
+    QTest::keyClick(counter.find("LV2"), Qt::Key_Return);
+    QCOMPARE(counter.text("Combo3"), u"A3  |  *tea*"_s);
+}
+
+void SearchTest::singleClickDoesNot()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    QTest::mouseClick(counter.find<RowList>("LV2")->viewport(), Qt::LeftButton, {}, centreOf(counter, 1));
+    QCOMPARE(counter.text("Combo3"), QString());
+    QCOMPARE(counter.find<RowList>("LV2")->selectedRow(), 1);
+}
+
+void SearchTest::tabsHideThePanel_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<bool>("hides");
+    for (int tab = 1; tab <= 5; ++tab)
+        QTest::addRow("%d", tab) << tab << (tab != 3);
+}
+
+void SearchTest::tabsHideThePanel()
+{
+    QFETCH(int, tab);
+    QFETCH(bool, hides);
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    counter.chooseTab("TabStrip1", tab);
+    QCOMPARE(counter.find("Frame11")->isHidden(), hides);
+}
+
+void SearchTest::logoutHidesThePanel()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
+    counter.click("Command27");
+    QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::selectedItemIsSold()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    selectResult(counter, 0);
+    counter.setText("Combo4", u"2"_s);
+    counter.click("Command15");
+    QCOMPARE(counter.cart(), QStringList{u"A2  |  *TEA*|2|5.00"_s});
+}
+
+void SearchTest::namesAreShownPlain()
+{
+    Counter counter;
+    openShop(counter);
+    counter.file.addItem(u"B1"_s, u"*<b>M & M</b>*"_s, 1, 1, u"<i>&FOOD"_s);
+    search(counter, u"<b>m & m</b>"_s);
+    QCOMPARE(counter.rows("LV2"), QStringList{u"1.|B1|*<b>M & M</b>*|<i>&FOOD"_s});
+    counter.boxes.expectInput(prompt, title, QString(), u"<b>&x"_s);
+    counter.boxes.expect(u"No Search Found for <b>&x!"_s, box::Exclamation);
+    counter.click("Command8");
+}
+
+QTEST_MAIN(SearchTest)
+#include "search_test.moc"
