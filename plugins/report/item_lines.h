@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringView>
+
+#include <vector>
+
+namespace harrowby::report {
+
+/// One line of a purchase: "2 x ART-1  |  PEN = 12.80".
+struct ItemLine
+{
+    QStringView key; ///< within the text that was read: "ART-1  |  PEN"
+    double quantity = 0.0;
+    double amount = 0.0;
+};
+
+struct ItemLines
+{
+    std::vector<ItemLine> lines;
+    bool whole = false; ///< every part of the text was a line
+};
+
+/// Takes a purchase's stored text apart. The joints are not escaped there, so a name may hold " x ", " = " and ", ": a
+/// line ends at the first amount that another line, or nothing, follows.
+[[nodiscard]] ItemLines readItemLines(QStringView text);
+
+} // namespace harrowby::report

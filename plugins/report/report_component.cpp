@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "report/report_component.h"
+
+#include "report/report_dialog.h"
+
+#include <harrowby/saved_settings.h>
+
+#include <QApplication>
+#include <QPointer>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::report {
+
+namespace {
+
+const QString section = u"Option"_s;
+const QString emailKey = u"EmailReport"_s;
+
+ReportFrame frameFor(const QString &user, bool canSettings)
+{
+    ReportFrame frame;
+    frame.user = user;
+    frame.canSettings = canSettings;
+    frame.today = [] { return QDate::currentDate(); };
+    frame.emailReport = [] { return savedSetting(section, emailKey, u"1"_s).toInt() != 0; };
+    frame.saveEmailReport = [](bool on) { return saveSetting(section, emailKey, on ? u"1"_s : u"0"_s); };
+    return frame;
+}
+
+} // namespace
+
+void ReportComponent::AccountPreview(std::shared_ptr<harrowby::DbConnection> &connection, const QString &, bool,
+                                     QString &msgTitle, bool, bool, bool &canSettings, QString &loggedUser)
+{
+    if (!connection)
+        throw std::invalid_argument("there is no connection");
+    // The window below may be gone before the report is closed, and takes it along.
+    QWidget *below = QApplication::activeWindow();
+    const QPointer<ReportDialog> dialog(new ReportDialog(connection, frameFor(loggedUser, canSettings), below));
+    if (below != nullptr && below->isMaximized()) // a till has the screen to itself
+        dialog->setWindowState(Qt::WindowMaximized);
+    if (!msgTitle.isEmpty())
+        dialog->setWindowTitle(msgTitle);
+    dialog->exec();
+    delete dialog;
+}
+
+} // namespace harrowby::report

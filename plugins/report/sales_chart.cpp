@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+#include "report/sales_chart.h"
+
+#include "sheet/look.h"
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QGraphicsLayout>
+#include <QGraphicsScene>
+#include <QGuiApplication>
+#include <QtCharts/QBarCategoryAxis>
+#include <QtCharts/QBarSeries>
+#include <QtCharts/QBarSet>
+#include <QtCharts/QHorizontalBarSeries>
+#include <QtCharts/QValueAxis>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::report {
+
+namespace {
+
+constexpr int widestName = 210;
+
+struct Ink
+{
+    QColor bar;
+    QColor text;
+    QColor line;
+    QColor ground;
+};
+
+Ink screenInk()
+{
+    const sheet::Look look(QGuiApplication::palette());
+    return {look.accent, look.text, look.border, look.field};
+}
+
+Ink paperInk()
+{
+    return {QColor(0, 98, 86), Qt::black, QColor(200, 200, 200), Qt::white};
+}
+
+QFont chartFont(double points)
+{
+    QFont font = QGuiApplication::font();
+    font.setPointSizeF(points);
+    return font;
+}
+
+/// Labels that look the same are one to the axis, so each gets a number of signs that have no width.
+QString distinct(const QString &label, int place)
+{
+    return label + QString(place, QChar(0x200b));
+}
+
+QStringList labelsOf(const Bars &bars)
+{
+    const QFontMetrics metrics(chartFont(9));
+    QStringList labels;
+    for (const Bar &bar : bars.bars) {
+        const QString shown = metrics.elidedText(bar.label.simplified(), Qt::ElideRight, widestName);
+        labels << distinct(shown.toHtmlEscaped(), static_cast<int>(labels.size()));
+    }
+    if (bars.across) // the first one on top
+        std::reverse(labels.begin(), labels.end());
+    return labels;
+}
+
+QBarSet *createSet(const Bars &bars, const Ink &ink)
+{
+    auto *set = new QBarSet(u"Amount"_s);
+    for (const Bar &bar : bars.bars)
+        set->append(bar.amount);
+    if (bars.across) {
+        QList<qreal> amounts;
+        for (auto bar = bars.bars.rbegin(); bar != bars.bars.rend(); ++bar)
+            amounts << bar->amount;
+        set->remove(0, set->count());
+        set->append(amounts);
+    }
+    set->setColor(ink.bar);
+    set->setBorderColor(ink.bar);
+    set->setLabelColor(ink.text);
+    return set;
+}
+
+QAbstractBarSeries *createSeries(const Bars &bars, const Ink &ink)
+{
+    QAbstractBarSeries *series = nullptr;
+    if (bars.across)
+        series = new QHorizontalBarSeries;
+    else
+        series = new QBarSeries;
+    series->append(createSet(bars, ink));
+    // A single bar as wide as the window says nothing.
+    series->setBarWidth(std::min(0.7, 0.12 * static_cast<double>(bars.bars.size())));
+    return series;
+}
+
+void paintAxis(QAbstractAxis &axis, const Ink &ink)
+{
+    axis.setLabelsFont(chartFont(9));
+    axis.setLabelsColor(ink.text);
+    axis.setLinePenColor(ink.line);
+    axis.setGridLineColor(ink.line);
+}
+
+QBarCategoryAxis *createNames(const Bars &bars, const Ink &ink)
+{
+    auto *names = new QBarCategoryAxis;
+    names->append(labelsOf(bars));
+    names->setGridLineVisible(false);
+    names->setLabelsAngle(bars.longLabels ? -90 : 0);
+    paintAxis(*names, ink);
+    return names;
+}
+
+QValueAxis *createAmounts(const Bars &bars, const Ink &ink)
+{
+    double least = 0.0;
+    double most = 0.0;
+    for (const Bar &bar : bars.bars) {
+        least = std::min(least, bar.amount);
+        most = std::max(most, bar.amount);
+    }
+    auto *amounts = new QValueAxis;
+    amounts->setRange(least, most > least ? most : least + 1.0);
+    amounts->setTickCount(5);
+    amounts->applyNiceNumbers();
+    amounts->setLabelFormat(most - least < 10.0 ? u"%.2f"_s : u"%.0f"_s);
+    paintAxis(*amounts, ink);
+    return amounts;
+}
+
+void fill(QChart &chart, const Bars &bars, const Ink &ink)
+{
+    chart.removeAllSeries();
+    for (QAbstractAxis *axis : chart.axes()) {
+        chart.removeAxis(axis);
+        delete axis;
+    }
+    chart.setTitle(bars.title.toHtmlEscaped());
+    chart.setTitleFont(chartFont(10.5));
+    chart.setTitleBrush(ink.text);
+    chart.setBackgroundBrush(ink.ground);
+    if (bars.bars.empty())
+        return;
+    QAbstractBarSeries *series = createSeries(bars, ink);
+    chart.addSeries(series);
+    QAbstractAxis *names = createNames(bars, ink);
+    QAbstractAxis *amounts = createAmounts(bars, ink);
+    chart.addAxis(names, bars.across ? Qt::AlignLeft : Qt::AlignBottom);
+    chart.addAxis(amounts, bars.across ? Qt::AlignBottom : Qt::AlignLeft);
+    series->attachAxis(names);
+    series->attachAxis(amounts);
+}
+
+void prepare(QChart &chart)
+{
+    chart.legend()->hide();
+    chart.setAnimationOptions(QChart::NoAnimation);
+    chart.setMargins({6, 2, 6, 2});
+    chart.layout()->setContentsMargins(0, 0, 0, 0);
+}
+
+} // namespace
+
+SalesChart::SalesChart(QWidget *parent) : QChartView(parent)
+{
+    prepare(*chart());
+    chart()->setBackgroundRoundness(9);
+    setRenderHint(QPainter::Antialiasing);
+    setFrameShape(NoFrame);
+    setBackgroundBrush(Qt::NoBrush);
+    setFocusPolicy(Qt::NoFocus); // the table says the same, and can be walked through
+    setMinimumHeight(150);
+    build();
+}
+
+void SalesChart::show(const Bars &bars)
+{
+    m_bars = bars;
+    setAccessibleName(bars.title);
+    setAccessibleDescription(u"A bar chart; the table holds the figures."_s);
+    build();
+}
+
+void SalesChart::build()
+{
+    fill(*chart(), m_bars, screenInk());
+}
+
+void SalesChart::changeEvent(QEvent *event)
+{
+    QChartView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        build();
+}
+
+sheet::Figure paperFigure(const Bars &bars)
+{
+    return [bars](QPainter &painter, const QRectF &place) {
+        constexpr double width = 900.0;
+        QGraphicsScene scene;
+        auto owned = std::make_unique<QChart>();
+        QChart &chart = *owned;
+        scene.addItem(owned.release());
+        prepare(chart);
+        chart.setBackgroundRoundness(0);
+        fill(chart, bars, paperInk());
+        chart.resize(width, width * place.height() / place.width());
+        scene.setSceneRect(chart.geometry());
+        scene.render(&painter, place, chart.geometry());
+    };
+}
+
+} // namespace harrowby::report

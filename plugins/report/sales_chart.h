@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "report/bars.h"
+#include "sheet/paper.h"
+
+#include <QtCharts/QChartView>
+
+namespace harrowby::report {
+
+/// Draws the bars, in the colours of the window that it stands in.
+class SalesChart : public QChartView
+{
+    Q_OBJECT
+
+public:
+    explicit SalesChart(QWidget *parent = nullptr);
+
+    void show(const Bars &bars);
+    [[nodiscard]] const Bars &bars() const { return m_bars; }
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void build();
+
+    Bars m_bars;
+};
+
+/// The bars for paper: dark on white.
+[[nodiscard]] sheet::Figure paperFigure(const Bars &bars);
+
+} // namespace harrowby::report

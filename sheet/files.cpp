@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "sheet/files.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::sheet {
+
+QString saveFile(const QString &path, const QByteArray &bytes)
+{
+    const QFileInfo there(path);
+    if (there.isDir())
+        return u"There is a folder of that name."_s;
+    if (there.exists() && !there.isFile()) // a device would be replaced by the file
+        return u"There is something of that name that is no file."_s;
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return {};
+    return file.errorString();
+}
+
+QString fileNameFor(const QString &words)
+{
+    static const QRegularExpression refused(uR"([/\\:*?"<>|\x00-\x1f]+)"_s);
+    return QString(words).replace(refused, u"-"_s).trimmed();
+}
+
+} // namespace harrowby::sheet

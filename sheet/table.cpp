@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "sheet/table.h"
+
+#include "basic/numbers.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::sheet {
+
+namespace {
+
+template <typename... Cases>
+struct Overloaded : Cases...
+{
+    using Cases::operator()...;
+};
+
+QString countText(double value)
+{
+    return std::floor(value) == value ? formatCount(value) : plainText(value);
+}
+
+QString figureText(double value, Kind kind)
+{
+    return kind == Kind::Money ? formatMoney(value) : countText(value);
+}
+
+/// Whatever the locale, since a file is read back.
+QString plainFigure(double value, Kind kind)
+{
+    return kind == Kind::Money ? formatFixed(value) : plainText(value);
+}
+
+/// Values first, then texts, then nothing.
+int rank(const Cell &cell)
+{
+    if (std::holds_alternative<std::monostate>(cell))
+        return 2;
+    return std::holds_alternative<QString>(cell) ? 1 : 0;
+}
+
+int compareTexts(const QString &one, const QString &other)
+{
+    const int result = one.compare(other, Qt::CaseInsensitive);
+    return result != 0 ? result : one.compare(other);
+}
+
+bool isLess(const Cell &one, const Cell &other)
+{
+    if (one.index() != other.index())
+        return rank(one) < rank(other);
+    if (const auto *text = std::get_if<QString>(&one))
+        return compareTexts(*text, std::get<QString>(other)) < 0;
+    return one < other;
+}
+
+} // namespace
+
+QString shownText(const Cell &cell, Kind kind)
+{
+    return std::visit(Overloaded{[](std::monostate) { return QString(); }, [](const QString &text) { return text; },
+                                 [kind](double value) { return figureText(value, kind); },
+                                 [](const QDate &day) { return QLocale::c().toString(day, u"ddd "_s) + dayText(day); }},
+                      cell);
+}
+
+QString plainCell(const Cell &cell, Kind kind)
+{
+    return std::visit(Overloaded{[](std::monostate) { return QString(); }, [](const QString &text) { return text; },
+                                 [kind](double value) { return plainFigure(value, kind); },
+                                 [](const QDate &day) { return day.toString(Qt::ISODate); }},
+                      cell);
+}
+
+QString totalsText(const Table &table)
+{
+    QStringList parts;
+    for (std::size_t i = 0; i < table.totals.size() && i < table.columns.size(); ++i) {
+        const Column &column = table.columns.at(i);
+        if (isFigure(column.kind) && std::holds_alternative<double>(table.totals.at(i)))
+            parts << u"%1: %2"_s.arg(column.heading, shownText(table.totals.at(i), column.kind));
+    }
+    return parts.join(u"   "_s);
+}
+
+bool isFigure(Kind kind)
+{
+    return kind == Kind::Count || kind == Kind::Money;
+}
+
+QString dayText(const QDate &day)
+{
+    return QLocale::c().toString(day, u"d MMM yyyy"_s);
+}
+
+void sortRows(std::vector<Row> &rows, int column, Qt::SortOrder order)
+{
+    const auto at = static_cast<std::size_t>(column);
+    std::stable_sort(rows.begin(), rows.end(), [&](const Row &one, const Row &other) {
+        const bool ascending = order == Qt::AscendingOrder;
+        return ascending ? isLess(one.at(at), other.at(at)) : isLess(other.at(at), one.at(at));
+    });
+}
+
+} // namespace harrowby::sheet

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "sheet/table_model.h"
+
+#include <QTreeView>
+
+class QComboBox;
+
+namespace harrowby::sheet {
+
+/// A table to read: whole rows, sorted by a press on a heading or with the box that sortBox() makes.
+class TableView : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit TableView(QWidget *parent = nullptr);
+
+    /// Shows the table, sorted as said. The sorting that a person chose stays as long as the columns do.
+    void show(Table table, int column, Qt::SortOrder order);
+    void clear();
+    [[nodiscard]] const Table &table() const { return m_model->table(); }
+
+    /// A box that sorts without a mouse; it follows the headings.
+    [[nodiscard]] QComboBox *createSortBox(QWidget *parent);
+
+private:
+    void fillSortBox();
+    void followHeading(int column, Qt::SortOrder order);
+    void setWidths();
+
+    TableModel *m_model;
+    QComboBox *m_sortBox = nullptr;
+};
+
+} // namespace harrowby::sheet
