@@ -3,6 +3,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -64,17 +66,30 @@ private:
 
     bool readSwitch(const QString &argument)
     {
-        if (argument == u"--demo"_s)
-            m_result.demo = true;
-        else if (argument == u"--verbose"_s)
-            m_result.verbose = true;
-        else if (argument == u"--help"_s || argument == u"-h"_s)
-            m_result.help = true;
-        else if (argument == u"--version"_s || argument == u"-v"_s)
-            m_result.version = true;
-        else
-            return false;
-        return true;
+        bool *const given = switchNamed(argument);
+        if (given != nullptr)
+            *given = true;
+        return given != nullptr;
+    }
+
+    bool *switchNamed(const QString &name)
+    {
+        const std::pair<QString, bool *> switches[] = {
+            {u"--office"_s, &m_result.office},
+            {u"--touch-keyboard"_s, &m_result.touchKeyboard},
+            {u"--no-plugins"_s, &m_result.noPlugins},
+            {u"--demo"_s, &m_result.demo},
+            {u"--verbose"_s, &m_result.verbose},
+            {u"--help"_s, &m_result.help},
+            {u"-h"_s, &m_result.help},
+            {u"--version"_s, &m_result.version},
+            {u"-v"_s, &m_result.version},
+        };
+        for (const auto &[known, given] : switches) {
+            if (name == known)
+                return given;
+        }
+        return nullptr;
     }
 
     void readDatabase(bool hasValue, const QString &value)
@@ -123,6 +138,11 @@ QString helpText()
            "\n"
            "  --database FILE  open this store file; a new one is created when it does not exist\n"
            "  --demo           open the demo shop\n"
+           "  --office         open the store's office instead of the till: users and their rights, the receipt's "
+           "head,\n"
+           "                   and a backup; asks for ADMINISTRATOR's password\n"
+           "  --touch-keyboard show a keyboard on the screen wherever text is typed\n"
+           "  --no-plugins     load no plugins: the till is without its sales report\n"
            "  --verbose        show what goes into the log file in the terminal too\n"
            "  -h, --help       show this help and leave\n"
            "  -v, --version    show the version and leave\n"

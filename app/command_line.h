@@ -12,10 +12,13 @@ struct CommandLine
     bool version = false;
     bool demo = false;
     bool verbose = false;
-    QString database; ///< absolute path; empty when the option was not given
-    QString platform; ///< what Qt's own option -platform names; empty when it was not given
-    QString display;  ///< what Qt's own option -display names
-    QString error;    ///< why the command line is refused; empty when it is good
+    bool office = false;        ///< the store's own windows instead of the till
+    bool touchKeyboard = false; ///< Qt's keyboard on the screen
+    bool noPlugins = false;     ///< no foreign component is loaded
+    QString database;           ///< absolute path; empty when the option was not given
+    QString platform;           ///< what Qt's own option -platform names; empty when it was not given
+    QString display;            ///< what Qt's own option -display names
+    QString error;              ///< why the command line is refused; empty when it is good
 };
 
 /// Reads the arguments (without the program's name). Needs no application object, so that --help works without a

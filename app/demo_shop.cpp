@@ -28,6 +28,8 @@ Error addUser(sqlite3 *database, const QString &name, const QString &type, int m
 
 Error addUsers(sqlite3 *database)
 {
+    if (auto error = addUser(database, u"ADMINISTRATOR"_s, u"ADMINISTRATOR"_s, yes, yes, yes))
+        return error;
     if (auto error = addUser(database, u"MANAGER"_s, u"MANAGER"_s, yes, yes, yes))
         return error;
     if (auto error = addUser(database, u"CASHIER"_s, u"CASHIER"_s, yes, yes, no))
@@ -100,9 +102,10 @@ std::optional<SqlError> fillDemoShop(sqlite3 *database, const QDateTime &now)
 QString demoLoginText()
 {
     return u"Demo shop. Log in with one of these names; the password is the name.\n"
-           "  MANAGER   may do everything\n"
-           "  CASHIER   may sell\n"
-           "  VIEWER    may look at the figures elsewhere, and is refused at the till\n"_s;
+           "  ADMINISTRATOR  may do everything, and open the store's office\n"
+           "  MANAGER        may do everything at the till\n"
+           "  CASHIER        may sell\n"
+           "  VIEWER         may look at the figures elsewhere, and is refused at the till\n"_s;
 }
 
 } // namespace harrowby::app

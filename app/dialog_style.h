@@ -8,7 +8,10 @@ class QWidget;
 /// Looks of the program's own boxes: everything that is touched is at least 44 px high.
 namespace harrowby::app {
 
-/// Makes the buttons and entries within large enough for a thumb.
+/// Letters that are read at arm's length. For a window, before its parts are measured.
+void enlargeFont(QWidget &window);
+
+/// Makes the buttons, entries and lists within large enough for a thumb.
 void makeTouchSized(QWidget &window);
 
 [[nodiscard]] QString failureNoticeStyle();

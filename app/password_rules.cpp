@@ -31,8 +31,7 @@ QString passwordProblem(const QString &password)
         return u"Please enter a password."_s;
     if (password.contains(u'\''))
         return u"A password cannot hold a single quote (')."_s;
-    // Half of a surrogate pair has no UTF-8 form, so it would be stored as something else.
-    if (hasControlCharacter(password) || !password.isValidUtf16())
+    if (hasUntypable(password))
         return u"A password cannot hold characters that cannot be typed."_s;
     return {};
 }
@@ -40,6 +39,12 @@ QString passwordProblem(const QString &password)
 QString storedPassword(const QString &password)
 {
     return trimmedUpper(password);
+}
+
+bool hasUntypable(const QString &text)
+{
+    // Half of a surrogate pair has no UTF-8 form, so it would be stored as something else.
+    return hasControlCharacter(text) || !text.isValidUtf16();
 }
 
 } // namespace harrowby::app

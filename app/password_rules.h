@@ -13,4 +13,7 @@ namespace harrowby::app {
 /// What is stored for it: the entry as the login compares it, already in upper case, so that UPPER changes nothing.
 [[nodiscard]] QString storedPassword(const QString &password);
 
+/// True when the text holds what no keyboard gives: control characters, line breaks, half of a surrogate pair.
+[[nodiscard]] bool hasUntypable(const QString &text);
+
 } // namespace harrowby::app

@@ -116,6 +116,23 @@ qint64 SqlQuery::number(int column) const
     return sqlite3_column_int64(m_statement, column);
 }
 
+DbValue SqlQuery::value(int column) const
+{
+    switch (sqlite3_column_type(m_statement, column)) {
+    case SQLITE_INTEGER:
+        return static_cast<std::int64_t>(number(column));
+    case SQLITE_FLOAT:
+        return sqlite3_column_double(m_statement, column);
+    case SQLITE_TEXT:
+        return text(column);
+    case SQLITE_BLOB:
+        return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_statement, column)),
+                          sqlite3_column_bytes(m_statement, column));
+    default:
+        return {};
+    }
+}
+
 std::optional<SqlError> runSql(sqlite3 *database, const QString &text, const QVariantList &values)
 {
     SqlQuery query(database, text, values);

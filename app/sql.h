@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <harrowby/db_value.h>
+
 #include <QString>
 #include <QVariant>
 #include <QVariantList>
@@ -51,6 +53,8 @@ public:
     [[nodiscard]] bool next();
     [[nodiscard]] QString text(int column) const;
     [[nodiscard]] qint64 number(int column) const;
+    /// As it is stored.
+    [[nodiscard]] DbValue value(int column) const;
     [[nodiscard]] const std::optional<SqlError> &error() const { return m_error; }
 
 private:

@@ -2,20 +2,16 @@
 #include "store_create.h"
 
 #include "file_facts.h"
+#include "file_naming.h"
 #include "password_rules.h"
 #include "schema.h"
 #include "store_judge.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -60,27 +56,6 @@ Problem buildFile(const QString &file, const QString &path, const StoreFiller &f
     return error ? std::optional(engineProblem(*error, path)) : std::nullopt;
 }
 
-/// Makes the new name outlast a power cut.
-void syncFolder(const QString &folder)
-{
-    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    ::fsync(descriptor);
-    ::close(descriptor);
-}
-
-/// Gives the file its name without ever replacing another one. 0, or the system's error.
-int nameFile(const QByteArray &file, const QByteArray &path)
-{
-    if (::renameat2(AT_FDCWD, file.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS)
-        return errno;
-    // The file system cannot promise it; a second name for the same file can.
-    return ::link(file.constData(), path.constData()) == 0 ? 0 : errno;
-}
-
 } // namespace
 
 std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, const StoreFiller &fill)
@@ -97,7 +72,7 @@ std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, co
     const QString file = workshop.filePath(u"store.sqlite"_s);
     if (auto problem = buildFile(file, path, fill))
         return problem;
-    const int error = nameFile(QFile::encodeName(file), QFile::encodeName(path));
+    const int error = nameNewFile(file, path);
     if (error != 0 && error != EEXIST)
         return storeProblem(ProblemKind::Other, path, QString::fromLocal8Bit(std::strerror(error)));
     syncFolder(folder);

@@ -8,15 +8,19 @@
 #include "failure_notice.h"
 #include "file_facts.h"
 #include "first_user_dialog.h"
+#include "foreign_windows.h"
 #include "log_file.h"
 #include "notice_place.h"
+#include "office.h"
 #include "start_message.h"
 #include "store_create.h"
 #include "store_judge.h"
 #include "store_open.h"
 #include "store_paths.h"
+#include "touch_keyboard.h"
 
 #include <harrowby/init.h>
+#include <harrowby/saved_settings.h>
 #include <harrowby/sqlite_connection.h>
 
 #include <QApplication>
@@ -137,6 +141,7 @@ int sell(sqlite3 *database, BusyWait &wait)
     const auto connection = std::make_shared<SqliteConnection>(database, QApplication::applicationDirPath());
     connection->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
     wait.followEventLoop();
+    supplyForeignWindows(connection);
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
     if (QWidget *window = salesWindow()) {
@@ -151,20 +156,39 @@ int sell(sqlite3 *database, BusyWait &wait)
     return code;
 }
 
+int keepOffice(sqlite3 *database, const QString &path, BusyWait &wait)
+{
+    wait.followEventLoop();
+    const OfficeEnd end = runOffice(database, path, {savedSetting, saveSetting});
+    return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
+}
+
+/// Nothing without the option; a keyboard that is not installed is told and does not stop the start.
+std::unique_ptr<TouchKeyboard> startKeyboard(const CommandLine &line, const QString &missing)
+{
+    if (!missing.isEmpty())
+        tellProblem(missing);
+    return line.touchKeyboard && missing.isEmpty() ? std::make_unique<TouchKeyboard>() : nullptr;
+}
+
 int run(int argc, char **argv)
 {
     const CommandLine line = readArguments(argc, argv);
     answerCommandLine(line);
     std::optional<DisplayProbe> probe(findDisplay(line));
+    const QString missingKeyboard = line.touchKeyboard ? chooseTouchKeyboard() : QString();
     const QApplication application(argc, argv);
     probe.reset();
     setUpApplication();
+    if (line.noPlugins)
+        leaveOutPlugins();
+    const auto keyboard = startKeyboard(line, missingKeyboard);
     LogFile log(logPath());
     const LogRouting routing(log, line.verbose);
     const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
     BusyWait wait;
     const Database database = openOrRefuse(path, wait);
-    return sell(database.get(), wait);
+    return line.office ? keepOffice(database.get(), path, wait) : sell(database.get(), wait);
 }
 
 } // namespace

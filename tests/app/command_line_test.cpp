@@ -14,6 +14,7 @@ class CommandLineTest : public QObject
 private Q_SLOTS:
     void nothingGiven();
     void switches();
+    void switchesStandTogether();
     void databaseBecomesAbsolute_data();
     void databaseBecomesAbsolute();
     void refused_data();
@@ -27,16 +28,30 @@ void CommandLineTest::nothingGiven()
     const CommandLine line = readCommandLine({});
     QVERIFY(line.error.isEmpty() && line.database.isEmpty() && line.platform.isEmpty());
     QVERIFY(!line.demo && !line.help && !line.version && !line.verbose);
+    QVERIFY(!line.office && !line.touchKeyboard && !line.noPlugins);
 }
 
 void CommandLineTest::switches()
 {
     QVERIFY(readCommandLine({u"--demo"_s}).demo);
     QVERIFY(readCommandLine({u"--verbose"_s}).verbose);
+    QVERIFY(readCommandLine({u"--office"_s}).office);
+    QVERIFY(readCommandLine({u"--touch-keyboard"_s}).touchKeyboard);
+    QVERIFY(readCommandLine({u"--no-plugins"_s}).noPlugins);
     QVERIFY(readCommandLine({u"--help"_s}).help);
     QVERIFY(readCommandLine({u"-h"_s}).help);
     QVERIFY(readCommandLine({u"--version"_s}).version);
     QVERIFY(readCommandLine({u"-v"_s}).version);
+}
+
+void CommandLineTest::switchesStandTogether()
+{
+    const CommandLine office = readCommandLine({u"--office"_s, u"--touch-keyboard"_s, u"--demo"_s});
+    QCOMPARE(office.error, QString());
+    QVERIFY(office.office && office.touchKeyboard && office.demo && !office.noPlugins);
+    const CommandLine till = readCommandLine({u"--no-plugins"_s, u"--database=/a"_s, u"--office"_s});
+    QCOMPARE(till.error, QString());
+    QVERIFY(till.noPlugins && till.office && !till.touchKeyboard && till.database == u"/a"_s);
 }
 
 void CommandLineTest::databaseBecomesAbsolute_data()
@@ -66,6 +81,7 @@ void CommandLineTest::refused_data()
     QTest::newRow("unknown") << QStringList{u"--demmo"_s} << u"--demmo"_s;
     QTest::newRow("a bare file") << QStringList{u"shop.sqlite"_s} << u"shop.sqlite"_s;
     QTest::newRow("a value for a switch") << QStringList{u"--demo=yes"_s} << u"--demo=yes"_s;
+    QTest::newRow("a value for the office") << QStringList{u"--office=yes"_s} << u"--office=yes"_s;
     QTest::newRow("empty") << QStringList{QString()} << u"\"\""_s;
     QTest::newRow("no file") << QStringList{u"--database"_s} << u"--database"_s;
     QTest::newRow("empty file") << QStringList{u"--database="_s} << u"--database"_s;
@@ -93,7 +109,8 @@ void CommandLineTest::optionsOfQtPass()
 
 void CommandLineTest::helpNamesEveryOption()
 {
-    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--office"_s, u"--touch-keyboard"_s,
+                                  u"--no-plugins"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QVERIFY(versionText().startsWith(u"harrowby 1."_s));
 }

@@ -103,8 +103,8 @@ void DemoTest::usersAndTheirRights()
     QCOMPARE(column(m_path, u"SELECT Username || ' ' || Type || ' ' || InventoryUse || InventorySales || "
                             "InventoryReport || InventoryUndo || InventoryDelete || InventorySettings || "
                             "InventoryReorder FROM Users"_s),
-             (QStringList{u"MANAGER MANAGER -1-1-1-1-1-1-1"_s, u"CASHIER CASHIER -1-100000"_s,
-                          u"VIEWER VIEWER -1000000"_s}));
+             (QStringList{u"ADMINISTRATOR ADMINISTRATOR -1-1-1-1-1-1-1"_s, u"MANAGER MANAGER -1-1-1-1-1-1-1"_s,
+                          u"CASHIER CASHIER -1-100000"_s, u"VIEWER VIEWER -1000000"_s}));
 }
 
 void DemoTest::purchasesAreInTheTillsOwnForm()
@@ -186,7 +186,7 @@ void DemoTest::loginTextNamesEveryUser()
 {
     for (const QString &name : column(m_path, u"SELECT Username FROM Users"_s))
         QVERIFY(demoLoginText().contains(name));
-    QCOMPARE(number(u"SELECT count(*) FROM Users WHERE Username = Password"_s), 3);
+    QCOMPARE(number(u"SELECT count(*) FROM Users WHERE Username = Password"_s), 4);
 }
 
 QTEST_GUILESS_MAIN(DemoTest)

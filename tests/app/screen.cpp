@@ -149,4 +149,11 @@ bool RunningProgram::press(const QString &name)
     return false;
 }
 
+QPoint RunningProgram::place(const QString &name)
+{
+    const QString place = ask(u"where "_s + name);
+    return place.contains(u' ') ? QPoint(place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt())
+                                : QPoint(-1, -1);
+}
+
 } // namespace harrowby::app::test

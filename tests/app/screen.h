@@ -52,6 +52,8 @@ public:
     [[nodiscard]] bool press(const QString &name);
     /// True when the control is there now.
     [[nodiscard]] bool has(const QString &name) { return ask(QStringLiteral("where ") + name) != QLatin1String("-"); }
+    /// The middle of the control on the screen; (-1, -1) while it is not there.
+    [[nodiscard]] QPoint place(const QString &name);
     [[nodiscard]] QString text(const QString &name) { return ask(QStringLiteral("text ") + name); }
     /// Text of the message box in front, its line breaks as tabs; "-" when there is none.
     [[nodiscard]] QString box() { return ask(QStringLiteral("box ")); }

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace harrowby::app {
+
+struct BackupProgress
+{
+    enum class Stage {
+        Copying,
+        Checking,
+    };
+    Stage stage = Stage::Copying;
+    int percent = 0; ///< of the copying
+};
+
+struct BackupResult
+{
+    enum class Outcome {
+        Done,
+        Stopped,
+        Failed,
+    };
+    Outcome outcome = Outcome::Failed;
+    QString problem; ///< in words for a person, when it has failed
+    qint64 bytes = 0;
+};
+
+/// Hears how far it is, and stops it by returning false, from then on every time it is asked. During the check it is
+/// called on a thread of its own.
+using BackupWatch = std::function<bool(const BackupProgress &)>;
+
+/// Copies a store while tills sell from it. The copy holds the store as it was at one moment, is checked, and gets its
+/// name only then: until it is done, and when it fails, nothing is at the target that was not there before. With
+/// `replace` it takes the place of a file of that name, else such a file is a failure.
+[[nodiscard]] BackupResult backUpStore(const QString &store, const QString &target, bool replace,
+                                       const BackupWatch &watch);
+
+} // namespace harrowby::app

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "backup.h"
+#include "sql.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// Rows by table.
+using RowCounts = QHash<QString, qint64>;
+
+/// Of the store's tables; a table that cannot be read is missing.
+[[nodiscard]] RowCounts countRows(sqlite3 *database);
+
+struct CopyEnd
+{
+    bool stopped = false;
+    std::optional<SqlError> error;
+};
+
+/// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till
+/// waits or disturbs it; `counts` are those of that moment. Without a log a till that writes makes the copy begin
+/// anew; after a few times it keeps the tills waiting for the rest, and `counts` stay empty.
+[[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+
+/// In words for a person.
+[[nodiscard]] QString copyProblem(const SqlError &error);
+
+} // namespace harrowby::app

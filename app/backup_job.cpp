@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "backup_job.h"
+
+#include <QMetaObject>
+
+#include <exception>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+BackupJob::~BackupJob()
+{
+    m_stop = true;
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void BackupJob::start(const QString &store, const QString &target, bool replace)
+{
+    if (isRunning())
+        return;
+    m_stop = false;
+    m_lastPercent = -1;
+    m_thread = std::thread([=, this] { run(store, target, replace); });
+}
+
+void BackupJob::run(const QString &store, const QString &target, bool replace)
+{
+    BackupResult result;
+    try {
+        result =
+            backUpStore(store, target, replace, [this](const BackupProgress &progress) { return report(progress); });
+    } catch (const std::exception &error) {
+        result.problem = u"The backup could not be made (%1)."_s.arg(QString::fromLocal8Bit(error.what()));
+    }
+    QMetaObject::invokeMethod(
+        this, [this, result] { end(result); }, Qt::QueuedConnection);
+}
+
+/// Says it only when a person could see a difference.
+bool BackupJob::report(const BackupProgress &progress)
+{
+    const int shown = progress.percent + (progress.stage == BackupProgress::Stage::Checking ? 1 : 0);
+    if (m_lastPercent.exchange(shown) != shown)
+        QMetaObject::invokeMethod(
+            this, [this, progress] { Q_EMIT progressed(progress); }, Qt::QueuedConnection);
+    return !m_stop;
+}
+
+void BackupJob::end(const BackupResult &result)
+{
+    m_thread.join();
+    Q_EMIT finished(result);
+}
+
+} // namespace harrowby::app

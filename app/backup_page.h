@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "backup_job.h"
+#include "office_settings.h"
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QVBoxLayout;
+
+namespace harrowby::app {
+
+/// Makes a backup of the store at a chosen place while tills sell.
+class BackupPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    BackupPage(const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
+
+    [[nodiscard]] bool isRunning() const { return m_job.isRunning(); }
+
+private:
+    void createControls();
+    void layOut();
+    void choosePlace();
+    void start();
+    void showProgress(const BackupProgress &progress);
+    void finish(const BackupResult &result);
+    void setRunning(bool running);
+    void showLast();
+
+    QString m_store;
+    OfficeSettings m_settings;
+    QLineEdit *m_place = nullptr;
+    QPushButton *m_choose = nullptr;
+    QPushButton *m_start = nullptr;
+    QPushButton *m_stop = nullptr;
+    QProgressBar *m_progress = nullptr;
+    QLabel *m_outcome = nullptr;
+    QLabel *m_last = nullptr;
+    BackupJob m_job; ///< the last one: it ends before what it reports to
+};
+
+} // namespace harrowby::app

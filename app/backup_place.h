@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+namespace harrowby::app {
+
+/// The name that is offered for a backup of that day.
+[[nodiscard]] QString usualBackupName(const QDate &day);
+
+/// Why the backup of this store cannot be written there, in words for a person; empty when it can. A file that is
+/// there already is no reason.
+[[nodiscard]] QString backupPlaceProblem(const QString &store, const QString &target);
+
+/// True for an ordinary file of that name, which a backup would replace.
+[[nodiscard]] bool backupWouldReplace(const QString &target);
+
+/// Where the file lies that the name stands for: links are followed.
+[[nodiscard]] QString realTarget(const QString &target);
+
+} // namespace harrowby::app

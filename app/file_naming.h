@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+/// Giving a finished file its name, so that it outlasts a power cut. Each returns 0, or the system's error number.
+namespace harrowby::app {
+
+/// Never replaces another file: the error is EEXIST then.
+[[nodiscard]] int nameNewFile(const QString &file, const QString &path);
+/// Replaces what bears the name, in one step.
+[[nodiscard]] int replaceFile(const QString &file, const QString &path);
+
+/// Waits until the bytes of the file are on the disk.
+[[nodiscard]] int syncFile(const QString &file);
+/// The same for the names in a folder; a file system that cannot do it is not to blame.
+void syncFolder(const QString &folder);
+
+} // namespace harrowby::app

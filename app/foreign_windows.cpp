@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "foreign_windows.h"
+
+#include "reorder_list.h"
+
+#include <harrowby/objects.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+void supplyForeignWindows(const std::shared_ptr<DbConnection> &connection)
+{
+    const std::weak_ptr<DbConnection> held = connection;
+    registerClass(u"Harrowby.ReorderList"_s, [held]() -> std::unique_ptr<QObject> {
+        auto open = held.lock();
+        return open ? std::make_unique<ReorderList>(std::move(open)) : nullptr;
+    });
+}
+
+void leaveOutPlugins()
+{
+    setPluginFolders({});
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QRect>
+
+/// Where a window goes while a keyboard covers the lower part of the screen. All in screen coordinates.
+namespace harrowby::app {
+
+/// How far a window that can be moved goes up, so that it stands above the keyboard; as far as the screen has room
+/// above it, if that is not enough.
+[[nodiscard]] int windowLift(const QRect &frame, int screenTop, int keyboardTop);
+
+/// How far the contents of a window are shifted up, so that the entry can be seen and as much around it as fits.
+/// `around` holds the entry and the panels around it, from the entry outwards, where they lie without any shift;
+/// `windowTop` is where the window begins, and `now` how far it is shifted already: a shift that serves is kept.
+[[nodiscard]] int contentShift(const QList<QRect> &around, int windowTop, int keyboardTop, int now);
+
+} // namespace harrowby::app

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "office.h"
+
+#include "display.h"
+#include "office_door.h"
+#include "office_password_dialog.h"
+#include "office_window.h"
+#include "start_message.h"
+#include "users_store.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Kind = DoorAnswer::Kind;
+
+QString wordsOf(const DoorAnswer &answer)
+{
+    switch (answer.kind) {
+    case Kind::Open:
+        return {};
+    case Kind::Blank:
+        return u"Please enter the password."_s;
+    case Kind::Wrong:
+        return u"This is not the password of ADMINISTRATOR."_s;
+    case Kind::NoAdministrator:
+        return u"The store has no user ADMINISTRATOR who can log in, so nobody can open its office.\n"
+               "Let the program that keeps the users add one; the type must not be VIEWER."_s;
+    default:
+        return engineWords(u"The users could not be read."_s, answer.error);
+    }
+}
+
+} // namespace
+
+OfficeEnd runOffice(sqlite3 *database, const QString &store, const OfficeSettings &settings)
+{
+    if (const DoorAnswer door = findAdministrator(database); door.kind != Kind::Open) {
+        tellProblem(wordsOf(door));
+        return OfficeEnd::Refused;
+    }
+    if (!canShowBoxes()) {
+        tellProblem(u"The store's office asks for a password, and there is no screen to ask for it."_s);
+        return OfficeEnd::Refused;
+    }
+    OfficePasswordDialog password([=](const QString &typed) { return wordsOf(askAtDoor(database, typed)); });
+    if (password.exec() != QDialog::Accepted)
+        return OfficeEnd::Left;
+    OfficeWindow(database, store, settings).exec();
+    return OfficeEnd::Left;
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "office_settings.h"
+
+#include <QString>
+
+struct sqlite3;
+
+/// The store's own windows, for its ADMINISTRATOR. The till knows nothing of them.
+namespace harrowby::app {
+
+enum class OfficeEnd {
+    Left,    ///< the window was closed, or the password was not given
+    Refused, ///< nobody can be let in; what has to be said has been said
+};
+
+/// Asks for the password and shows the window until it is closed.
+[[nodiscard]] OfficeEnd runOffice(sqlite3 *database, const QString &store, const OfficeSettings &settings);
+
+} // namespace harrowby::app

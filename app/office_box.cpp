@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "office_box.h"
+
+#include "dialog_style.h"
+#include "sheet/look.h"
+
+#include <QAccessible>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+void prepare(QMessageBox &box)
+{
+    box.setTextFormat(Qt::PlainText);
+    enlargeFont(box);
+    sheet::dress(box);
+}
+
+} // namespace
+
+void tellInOffice(QWidget *parent, const QString &text)
+{
+    QMessageBox box(QMessageBox::Warning, u"Store"_s, text, QMessageBox::Ok, parent);
+    prepare(box);
+    box.exec();
+}
+
+bool askInOffice(QWidget *parent, const QString &question, const QString &action)
+{
+    QMessageBox box(QMessageBox::Question, u"Store"_s, question, QMessageBox::Cancel, parent);
+    const QPushButton *agree = box.addButton(action, QMessageBox::AcceptRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    prepare(box);
+    box.exec();
+    return box.clickedButton() == agree;
+}
+
+QLabel *makeOfficeText(QWidget *parent, const QString &text)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setText(text);
+    return label;
+}
+
+void showOutcome(QLabel &label, const QString &text)
+{
+    label.setText(text);
+    if (text.isEmpty())
+        return;
+    QAccessibleEvent alert(&label, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+} // namespace harrowby::app

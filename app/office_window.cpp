@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "office_window.h"
+
+#include "backup_page.h"
+#include "dialog_style.h"
+#include "office_box.h"
+#include "receipt_page.h"
+#include "sheet/look.h"
+#include "touch_tab_bar.h"
+#include "users_page.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr QSize usualSize(1000, 680);
+
+} // namespace
+
+OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent) :
+    QDialog(parent)
+{
+    setWindowTitle(u"Store"_s);
+    setWindowFlag(Qt::WindowMinMaxButtonsHint);
+    enlargeFont(*this);
+    m_receipt = new ReceiptPage(settings, this);
+    m_backup = new BackupPage(store, settings, this);
+    layOut(new UsersPage(database, this), store);
+    sheet::dress(*this);
+    resize(usualSize.boundedTo(screen()->availableSize()));
+}
+
+void OfficeWindow::layOut(QWidget *users, const QString &store)
+{
+    auto *tabs = new TouchTabBar(this);
+    tabs->setObjectName(u"officeTabs"_s);
+    tabs->setAccessibleName(u"Pages"_s);
+    auto *pages = new QStackedWidget(this);
+    tabs->addTab(u"&Users"_s);
+    pages->addWidget(users);
+    tabs->addTab(u"&Receipt"_s);
+    pages->addWidget(m_receipt);
+    tabs->addTab(u"Bac&kup"_s);
+    pages->addWidget(m_backup);
+    connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
+
+    auto *close = new QPushButton(u"C&lose"_s, this);
+    close->setObjectName(u"closeOffice"_s);
+    connect(close, &QPushButton::clicked, this, &OfficeWindow::reject);
+    auto *top = new QHBoxLayout;
+    top->addWidget(tabs, 1);
+    top->addWidget(close);
+    auto *rows = new QVBoxLayout(this);
+    rows->addLayout(top);
+    rows->addWidget(pages, 1);
+    rows->addWidget(makeOfficeText(this, store));
+    // Enter in an entry does what stands beside it, and nothing else.
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->setAutoDefault(false);
+}
+
+void OfficeWindow::reject()
+{
+    if (m_backup->isRunning() && !askInOffice(this, u"A backup is being made. Stop it?"_s, u"&Stop It"_s))
+        return;
+    if (m_receipt->hasChanges() &&
+        !askInOffice(this, u"What you have typed for the receipt is not saved. Leave it?"_s, u"&Leave It"_s))
+        return;
+    QDialog::reject();
+}
+
+} // namespace harrowby::app

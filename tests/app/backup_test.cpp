@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: MIT
+#include "backup.h"
+#include "backup_job.h"
+#include "backup_place.h"
+#include "busy_wait.h"
+#include "store_files.h"
+#include "store_judge.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sqlite3.h>
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+using Outcome = BackupResult::Outcome;
+using Stage = BackupProgress::Stage;
+
+namespace {
+
+bool goOn(const BackupProgress &)
+{
+    return true;
+}
+
+QByteArray bytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// No file may grow over the limit as long as it lives: a disk that is full.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t limit)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit full = {limit, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &full);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+    FullDisk(const FullDisk &) = delete;
+    FullDisk &operator=(const FullDisk &) = delete;
+
+private:
+    rlimit m_before = {};
+};
+
+} // namespace
+
+class BackupTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_folder.reset(); }
+
+    void copyHoldsEverythingInOneFile();
+    void copyIsAStore();
+    void tillWritesMeanwhile();
+    void tillWithoutALogWritesMeanwhile();
+    void stopLeavesNothing_data();
+    void stopLeavesNothing();
+    void fileIsReplacedOnlyWhenAsked();
+    void failureKeepsTheOldBackup();
+    void damagedStoreIsTold();
+    void fullDiskIsTold();
+    void badPlaceIsTold_data();
+    void badPlaceIsTold();
+    void storeUnderAnotherNameIsRefused();
+    void readOnlyPlaceIsTold();
+    void linkLeadsToTheRealFile();
+    void usualName();
+    void jobReportsAndEnds();
+    void jobEndsWithItsObject();
+
+private:
+    [[nodiscard]] QString store() const { return m_folder->filePath(u"shop.sqlite"_s); }
+    [[nodiscard]] QString target() const { return m_folder->filePath(u"away/copy.db"_s); }
+    [[nodiscard]] QStringList away() const
+    {
+        return QDir(m_folder->filePath(u"away"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+    void grow();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void BackupTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(QDir(m_folder->path()).mkdir(u"away"_s));
+    makeBigStore(store());
+}
+
+/// To more pages than one step copies.
+void BackupTest::grow()
+{
+    runAll(store(), {u"INSERT INTO SysUsage SELECT SystemUsage || hex(randomblob(500)), '', '' FROM SysUsage"_s});
+    QVERIFY(QFile(store()).size() > 3 * 256 * 4096);
+}
+
+void BackupTest::copyHoldsEverythingInOneFile()
+{
+    QList<int> percents;
+    bool checked = false;
+    const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
+        if (progress.stage == Stage::Copying)
+            percents << progress.percent;
+        checked = checked || progress.stage == Stage::Checking;
+        return true;
+    });
+    QCOMPARE(result.problem, QString());
+    QCOMPARE(result.outcome, Outcome::Done);
+    QCOMPARE(result.bytes, QFile(target()).size());
+    QCOMPARE(away(), QStringList{u"copy.db"_s});
+    QCOMPARE(percents.constLast(), 100);
+    QVERIFY(std::is_sorted(percents.cbegin(), percents.cend()));
+    QVERIFY(checked);
+    QCOMPARE(column(target(), u"PRAGMA journal_mode"_s), QStringList{u"delete"_s});
+    QCOMPARE(column(target(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+    for (const QString &table : {u"StockList"_s, u"Users"_s, u"SysUsage"_s})
+        QCOMPARE(column(target(), u"SELECT * FROM "_s + table), column(store(), u"SELECT * FROM "_s + table));
+    QCOMPARE(away(), QStringList{u"copy.db"_s});
+}
+
+void BackupTest::copyIsAStore()
+{
+    QCOMPARE(backUpStore(store(), target(), false, goOn).outcome, Outcome::Done);
+    BusyWait wait;
+    QVERIFY(!judgeStore(target(), wait));
+}
+
+void BackupTest::tillWritesMeanwhile()
+{
+    grow();
+    Database till;
+    QVERIFY(!openDatabase(store(), OpenMode::Write, till));
+    int written = 0;
+    const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
+        if (progress.stage == Stage::Copying &&
+            !runSql(till.get(), u"INSERT INTO PurchaseCart (PurchaseID) VALUES ('HV1')"_s))
+            ++written;
+        return true;
+    });
+    QCOMPARE(result.problem, QString());
+    QCOMPARE(result.outcome, Outcome::Done);
+    QVERIFY(written >= 3);                                                                   // nobody had to wait
+    QCOMPARE(column(target(), u"SELECT count(*) FROM PurchaseCart"_s), QStringList{u"0"_s}); // one moment: the first
+    QCOMPARE(column(store(), u"SELECT count(*) FROM PurchaseCart"_s), QStringList{QString::number(written)});
+}
+
+void BackupTest::tillWithoutALogWritesMeanwhile()
+{
+    grow();
+    runAll(store(), {u"PRAGMA journal_mode = DELETE"_s});
+    Database till;
+    QVERIFY(!openDatabase(store(), OpenMode::Write, till));
+    int steps = 0;
+    int written = 0;
+    const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
+        if (progress.stage == Stage::Copying && ++steps < 1000 &&
+            !runSql(till.get(), u"INSERT INTO PurchaseCart (PurchaseID) VALUES ('HV1')"_s))
+            ++written;
+        return steps < 1000;
+    });
+    QCOMPARE(result.problem, QString());
+    QCOMPARE(result.outcome, Outcome::Done);
+    QVERIFY(written > 0);
+    QCOMPARE(column(target(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+}
+
+void BackupTest::stopLeavesNothing_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::newRow("copying") << int(Stage::Copying);
+    QTest::newRow("checking") << int(Stage::Checking);
+}
+
+void BackupTest::stopLeavesNothing()
+{
+    QFETCH(int, stage);
+    grow();
+    const auto stopAt = [&](const BackupProgress &progress) { return int(progress.stage) != stage; };
+    QCOMPARE(backUpStore(store(), target(), false, stopAt).outcome, Outcome::Stopped);
+    QCOMPARE(away(), QStringList());
+}
+
+void BackupTest::fileIsReplacedOnlyWhenAsked()
+{
+    runAll(target(), {u"CREATE TABLE Other (x)"_s});
+    const QByteArray before = bytes(target());
+    const BackupResult refused = backUpStore(store(), target(), false, goOn);
+    QCOMPARE(refused.outcome, Outcome::Failed);
+    QVERIFY2(refused.problem.contains(u"meanwhile"_s), qPrintable(refused.problem));
+    QCOMPARE(bytes(target()), before);
+    QCOMPARE(backUpStore(store(), target(), true, goOn).outcome, Outcome::Done);
+    QCOMPARE(column(target(), u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
+    QCOMPARE(away(), QStringList{u"copy.db"_s});
+}
+
+void BackupTest::failureKeepsTheOldBackup()
+{
+    QCOMPARE(backUpStore(store(), target(), false, goOn).outcome, Outcome::Done);
+    const QByteArray before = bytes(target());
+    spoil(store(), 4096, 200000);
+    QCOMPARE(backUpStore(store(), target(), true, goOn).outcome, Outcome::Failed);
+    QCOMPARE(bytes(target()), before);
+    QCOMPARE(away(), QStringList{u"copy.db"_s});
+}
+
+void BackupTest::damagedStoreIsTold()
+{
+    spoil(store(), 40000, 20000);
+    const BackupResult result = backUpStore(store(), target(), false, goOn);
+    QCOMPARE(result.outcome, Outcome::Failed);
+    QVERIFY2(result.problem.contains(u"damaged"_s), qPrintable(result.problem));
+    QCOMPARE(away(), QStringList());
+}
+
+void BackupTest::fullDiskIsTold()
+{
+    grow();
+    BackupResult result;
+    {
+        const FullDisk disk(1000000);
+        result = backUpStore(store(), target(), false, goOn);
+    }
+    QCOMPARE(result.outcome, Outcome::Failed);
+    QVERIFY2(result.problem.contains(u"place of the backup"_s), qPrintable(result.problem));
+    QCOMPARE(away(), QStringList());
+}
+
+void BackupTest::badPlaceIsTold_data()
+{
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("nothing") << QString() << u"choose a place"_s;
+    QTest::newRow("the store") << u"shop.sqlite"_s << u"store file itself"_s;
+    QTest::newRow("the store, written otherwise") << u"away/../shop.sqlite"_s << u"store file itself"_s;
+    QTest::newRow("its log") << u"shop.sqlite-wal"_s << u"store file itself"_s;
+    QTest::newRow("its journal") << u"away/../shop.sqlite-journal"_s << u"store file itself"_s;
+    QTest::newRow("a folder") << u"away"_s << u"is a folder"_s;
+    QTest::newRow("in no folder") << u"gone/copy.db"_s << u"There is no folder"_s;
+    QTest::newRow("a device") << u"/dev/null"_s << u"no ordinary file"_s;
+    QTest::newRow("a used one") << u"away/used.db"_s << u"another program uses"_s;
+}
+
+void BackupTest::badPlaceIsTold()
+{
+    QFETCH(QString, place);
+    QFETCH(QString, said);
+    QFile log(m_folder->filePath(u"away/used.db-wal"_s));
+    QVERIFY(log.open(QIODevice::WriteOnly));
+    const QByteArray before = bytes(store());
+    const QString path = place.isEmpty() || place.startsWith(u'/') ? place : m_folder->path() + u'/' + place;
+    const BackupResult result = backUpStore(store(), path, true, goOn);
+    QCOMPARE(result.outcome, Outcome::Failed);
+    QVERIFY2(result.problem.contains(said), qPrintable(result.problem));
+    QCOMPARE(bytes(store()), before);
+    QCOMPARE(away(), QStringList{u"used.db-wal"_s});
+}
+
+void BackupTest::storeUnderAnotherNameIsRefused()
+{
+    const QString link = m_folder->filePath(u"away/link.db"_s);
+    QVERIFY(QFile::link(store(), link));
+    QVERIFY(backupPlaceProblem(store(), link).contains(u"store file itself"_s));
+    const QString second = m_folder->filePath(u"away/second.db"_s);
+    QCOMPARE(::link(QFile::encodeName(store()).constData(), QFile::encodeName(second).constData()), 0);
+    QVERIFY(backupPlaceProblem(store(), second).contains(u"store file itself"_s));
+    QVERIFY(backupPlaceProblem(link, store()).contains(u"store file itself"_s));
+}
+
+void BackupTest::readOnlyPlaceIsTold()
+{
+    const QString folder = m_folder->filePath(u"away"_s);
+    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7775)));
+    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
+    {
+        const DropRights asNobody;
+        QVERIFY(backupPlaceProblem(store(), target()).contains(u"cannot be written"_s));
+    }
+    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
+void BackupTest::linkLeadsToTheRealFile()
+{
+    const QString real = m_folder->filePath(u"away/real.db"_s);
+    QVERIFY(QFile(real).open(QIODevice::WriteOnly));
+    QVERIFY(QFile::link(real, target()));
+    QCOMPARE(backUpStore(store(), target(), true, goOn).outcome, Outcome::Done);
+    QVERIFY(QFileInfo(target()).isSymLink());
+    QCOMPARE(column(real, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
+}
+
+void BackupTest::usualName()
+{
+    QCOMPARE(usualBackupName(QDate(2026, 3, 5)), u"harrowby-2026-03-05.db"_s);
+}
+
+void BackupTest::jobReportsAndEnds()
+{
+    BackupJob job;
+    QSignalSpy progress(&job, &BackupJob::progressed);
+    BackupResult result;
+    connect(&job, &BackupJob::finished, this, [&](const BackupResult &ended) { result = ended; });
+    job.start(store(), target(), false);
+    QVERIFY(job.isRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(!job.isRunning(), 30000);
+    QCOMPARE(result.outcome, Outcome::Done);
+    QVERIFY(!progress.isEmpty());
+    job.start(store(), m_folder->filePath(u"gone/copy.db"_s), false);
+    QTRY_VERIFY_WITH_TIMEOUT(!job.isRunning(), 30000);
+    QCOMPARE(result.outcome, Outcome::Failed);
+}
+
+void BackupTest::jobEndsWithItsObject()
+{
+    grow();
+    {
+        BackupJob job;
+        job.start(store(), target(), false);
+    }
+    QVERIFY(away().isEmpty() || away() == QStringList{u"copy.db"_s});
+}
+
+QTEST_GUILESS_MAIN(BackupTest)
+#include "backup_test.moc"

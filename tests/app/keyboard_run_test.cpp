@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "screen.h"
+#include "store_files.h"
+#include "touch_keyboard.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QLibraryInfo>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+namespace {
+
+constexpr int width = 1024;
+constexpr int height = 768;
+constexpr int keyboardTop = height - 323; // 42 percent of the screen are the keyboard's
+
+/// Middles of the keys, as the pages of the keyboard lay them out.
+QPoint key(const QString &name)
+{
+    static const QHash<QString, QPoint> wide = {{u"Enter"_s, {932, 606}}, {u"Hide"_s, {932, 732}}};
+    if (wide.contains(name))
+        return wide.value(name);
+    const QStringList rows = {u"1234567890"_s, u"QWERTYUIOP"_s, u"ASDFGHJKL"_s, u"ZXCVBNM"_s};
+    const QList<QPoint> starts = {{47, 479}, {47, 543}, {92, 606}, {180, 669}};
+    for (int row = 0; row < rows.size(); ++row) {
+        if (const auto column = rows.at(row).indexOf(name); column >= 0)
+            return starts.at(row) + QPoint(static_cast<int>(column) * 886 / 10, 0);
+    }
+    return {};
+}
+
+} // namespace
+
+/// A till without a keyboard: the real program on a small screen, and nothing but presses.
+class KeyboardRunTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void firstStartAndLogin();
+    void keyboardGivesTheScreenBack();
+    void withoutTheOptionThereIsNone();
+
+private:
+    void tap(const QString &text);
+    [[nodiscard]] static bool isAbove(RunningProgram &program, const QString &name);
+
+    QTemporaryDir m_home;
+    Screen m_screen;
+};
+
+void KeyboardRunTest::initTestCase()
+{
+    const QStringList missing =
+        missingKeyboardParts(QCoreApplication::libraryPaths(), {QLibraryInfo::path(QLibraryInfo::QmlImportsPath)});
+    QVERIFY2(missing.isEmpty(), qPrintable(missing.join(u", "_s) + u" is needed"_s));
+    for (const QString &tool : {u"Xvfb"_s, u"openbox"_s, u"xdotool"_s})
+        QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
+    QVERIFY(m_screen.start(u"%1x%2"_s.arg(width).arg(height)));
+}
+
+void KeyboardRunTest::tap(const QString &text)
+{
+    for (const QChar c : text)
+        m_screen.press(key(c));
+}
+
+bool KeyboardRunTest::isAbove(RunningProgram &program, const QString &name)
+{
+    const int y = program.place(name).y();
+    return y > 0 && y < keyboardTop;
+}
+
+void KeyboardRunTest::firstStartAndLogin()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({u"--touch-keyboard"_s}));
+    // The keyboard is there without a press, and the box with its buttons stands above it.
+    QTRY_VERIFY2_WITH_TIMEOUT(isAbove(program, u"Create Store"_s), qPrintable(program.errors()), 60000);
+    const auto typeUntilThere = [&](const QString &entry) {
+        m_screen.press(key(u"A"_s)); // nothing happens before the keyboard has been drawn
+        return program.text(entry).size() >= 2;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(typeUntilThere(u"password"_s), 60000);
+    const auto typed = program.text(u"password"_s).size();
+    QVERIFY(program.press(u"passwordAgain"_s));
+    tap(QString(typed, u'A'));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"passwordAgain"_s).size(), typed, 30000);
+    m_screen.press(key(u"Enter"_s));
+
+    QTRY_VERIFY2_WITH_TIMEOUT(isAbove(program, u"Command28"_s), qPrintable(program.errors()), 60000);
+    tap(u"ADMINISTRATOR"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ADMINISTRATOR"_s, 30000);
+    m_screen.press(key(u"Enter"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Text4"_s, 30000);
+    QVERIFY(isAbove(program, u"Text4"_s));
+    tap(QString(typed, u'A'));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text4"_s).size(), typed, 30000);
+    QVERIFY(program.press(u"Command28"_s)); // stays under the finger until it is released
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
+}
+
+void KeyboardRunTest::keyboardGivesTheScreenBack()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({u"--touch-keyboard"_s}));
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Command28"_s), 60000);
+    const int lifted = program.place(u"Command28"_s).y();
+    QTRY_VERIFY_WITH_TIMEOUT((m_screen.press(key(u"Hide"_s)), program.place(u"Command28"_s).y() > lifted), 60000);
+    QVERIFY(program.press(u"Text3"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.place(u"Command28"_s).y(), lifted, 30000);
+}
+
+void KeyboardRunTest::withoutTheOptionThereIsNone()
+{
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    QVERIFY(program.press(u"Text3"_s));
+    m_screen.type(u"anna"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ANNA"_s, 30000);
+    QVERIFY(!isAbove(program, u"Command28"_s));
+}
+
+QTEST_GUILESS_MAIN(KeyboardRunTest)
+#include "keyboard_run_test.moc"

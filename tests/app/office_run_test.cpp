@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "screen.h"
+#include "store_files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app::test;
+
+/// The real office beside a real till, with the same store.
+class OfficeRunTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void wrongPasswordStaysOutside();
+    void newCashierLogsInAtTheOpenTill();
+    void storeWithoutAdministratorIsTold();
+
+private:
+    [[nodiscard]] QString store() const { return m_home.filePath(u"shop.sqlite"_s); }
+    [[nodiscard]] QStringList officeArguments() const { return {u"--office"_s, u"--database"_s, store()}; }
+    void enter(RunningProgram &program, const QString &entry, const QString &text);
+    void openOffice(RunningProgram &office);
+
+    QTemporaryDir m_home;
+    Screen m_screen;
+};
+
+void OfficeRunTest::initTestCase()
+{
+    for (const QString &tool : {u"Xvfb"_s, u"openbox"_s, u"xdotool"_s})
+        QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
+    QVERIFY(m_screen.start(u"1280x1024"_s));
+    makeStore(store());
+}
+
+void OfficeRunTest::enter(RunningProgram &program, const QString &entry, const QString &text)
+{
+    QVERIFY2(program.press(entry), qPrintable(entry + program.errors()));
+    m_screen.type(text);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(entry).toUpper(), text.toUpper(), 30000);
+}
+
+void OfficeRunTest::openOffice(RunningProgram &office)
+{
+    enter(office, u"officePassword"_s, u"secret"_s);
+    m_screen.key(u"Return"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(office.has(u"addUser"_s), 30000);
+}
+
+void OfficeRunTest::wrongPasswordStaysOutside()
+{
+    RunningProgram office(m_screen, m_home.path());
+    QVERIFY(office.start(officeArguments()));
+    enter(office, u"officePassword"_s, u"wrong"_s);
+    m_screen.key(u"Return"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(office.text(u"problem"_s).contains(u"not the password"_s), 30000);
+    QVERIFY(office.press(u"Cancel"_s));
+    const int code = office.waitForEnd();
+    QVERIFY2(code == 0, qPrintable(office.errors()));
+}
+
+void OfficeRunTest::newCashierLogsInAtTheOpenTill()
+{
+    RunningProgram till(m_screen, m_home.path());
+    QVERIFY(till.start({u"--database"_s, store()}));
+    QTRY_VERIFY2_WITH_TIMEOUT(till.has(u"Text3"_s), qPrintable(till.errors()), 60000);
+    {
+        RunningProgram office(m_screen, m_home.path());
+        QVERIFY(office.start(officeArguments()));
+        openOffice(office);
+        QVERIFY(office.press(u"addUser"_s));
+        enter(office, u"userName"_s, u"clara"_s);
+        enter(office, u"userPassword"_s, u"key1"_s);
+        enter(office, u"userPasswordAgain"_s, u"key1"_s);
+        m_screen.key(u"Return"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(office.text(u"chosenUser"_s), u"CLARA"_s, 30000);
+
+        m_screen.key(u"alt+r"_s);
+        enter(office, u"receiptTitle"_s, u"corner shop"_s);
+        QVERIFY(office.press(u"saveReceipt"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(office.text(u"receiptOutcome"_s).startsWith(u"Saved."_s), 30000);
+
+        m_screen.key(u"alt+k"_s);
+        QVERIFY(office.press(u"startBackup"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(office.text(u"backupOutcome"_s).contains(u"made and checked"_s), 30000);
+        QVERIFY(office.press(u"closeOffice"_s));
+        QCOMPARE(office.waitForEnd(), 0);
+    }
+    const QStringList copies = QDir(m_home.path()).entryList({u"harrowby-*.db"_s}) +
+                               QDir(m_home.filePath(u"Documents"_s)).entryList({u"harrowby-*.db"_s});
+    QCOMPARE(copies.size(), 1);
+    QCOMPARE(QSettings(m_home.filePath(u"config/Harrowby/Harrowby.ini"_s), QSettings::IniFormat)
+                 .value(u"option/Title"_s)
+                 .toString(),
+             u"corner shop"_s);
+
+    enter(till, u"Text3"_s, u"clara"_s);
+    enter(till, u"Text4"_s, u"KEY1"_s);
+    m_screen.key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(till.text(u"StatusBar1_1"_s), u"User: CLARA"_s, 30000);
+}
+
+void OfficeRunTest::storeWithoutAdministratorIsTold()
+{
+    runAll(store(), {u"UPDATE Users SET Type = 'VIEWER'"_s});
+    RunningProgram office(m_screen, m_home.path());
+    QVERIFY(office.start(officeArguments()));
+    QTRY_VERIFY_WITH_TIMEOUT(office.box().contains(u"no user ADMINISTRATOR"_s), 60000);
+    QVERIFY(office.press(u"OK"_s));
+    QCOMPARE(office.waitForEnd(), 4);
+}
+
+QTEST_GUILESS_MAIN(OfficeRunTest)
+#include "office_run_test.moc"

@@ -1,0 +1,405 @@
+// SPDX-License-Identifier: MIT
+#include "office_password_dialog.h"
+#include "office_window.h"
+#include "store_files.h"
+#include "user_rules.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QHash>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+class OfficeWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void passwordOpens();
+    void wrongPasswordIsRefusedAndSlowsDown();
+    void usersAreListed();
+    void rightIsSwitchedAndStored();
+    void failedSwitchShowsWhatIsStored();
+    void administratorIsLocked();
+    void userIsAdded();
+    void takenNameKeepsTheDialogOpen();
+    void passwordIsChanged();
+    void typeIsChanged();
+    void strangeTypeStays();
+    void receiptIsSaved();
+    void longTitleIsNotSaved();
+    void unsavedReceiptIsAskedAbout();
+    void backupIsMade();
+    void existingBackupIsAskedAbout();
+    void badPlaceOfBackupIsTold();
+    void everythingIsLargeEnoughForAThumbAndNamed();
+    void fitsASmallScreen();
+
+private:
+    template <class Widget>
+    [[nodiscard]] Widget *part(const char *name) const
+    {
+        return m_window->findChild<Widget *>(QString::fromLatin1(name));
+    }
+    void press(const char *name) { QTest::mouseClick(part<QAbstractButton>(name), Qt::LeftButton); }
+    void choose(const QString &user);
+    void inNextDialog(const std::function<void(QDialog &)> &act);
+    void answerNextBox(QMessageBox::ButtonRole role);
+    static void accept(QDialog &dialog);
+    static void enter(QDialog &dialog, const char *entry, const QString &text);
+    [[nodiscard]] QString read(const QString &select) const { return column(m_path, select).value(0); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_path;
+    Database m_database;
+    QHash<QString, QString> m_saved;
+    QString m_boxText;
+    std::unique_ptr<OfficeWindow> m_window;
+};
+
+void OfficeWindowTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_path = m_folder->filePath(u"shop.sqlite"_s);
+    makeStore(m_path);
+    runAll(m_path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
+                    "VALUES ('ANNA', 'P', 'STAFF', -1, 0), ('BOB', 'P', 'OWNER', 0, -1)"_s});
+    QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
+    m_saved.clear();
+    m_boxText.clear();
+    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &defaultValue) {
+                                         return m_saved.value(section + u'/' + key, defaultValue);
+                                     },
+                                     [this](const QString &section, const QString &key, const QString &value) {
+                                         m_saved.insert(section + u'/' + key, value);
+                                         return true;
+                                     }};
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    m_window->show();
+}
+
+void OfficeWindowTest::cleanup()
+{
+    m_window.reset();
+    m_database.reset();
+    m_folder.reset();
+}
+
+void OfficeWindowTest::choose(const QString &user)
+{
+    auto *list = part<QListWidget>("users");
+    const auto rows = list->findItems(user + u'\n', Qt::MatchStartsWith);
+    QCOMPARE(rows.size(), 1);
+    list->setCurrentItem(rows.constFirst());
+}
+
+void OfficeWindowTest::inNextDialog(const std::function<void(QDialog &)> &act)
+{
+    QTimer::singleShot(0, this, [act] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        act(*dialog);
+    });
+}
+
+void OfficeWindowTest::answerNextBox(QMessageBox::ButtonRole role)
+{
+    inNextDialog([this, role](QDialog &dialog) {
+        auto &box = dynamic_cast<QMessageBox &>(dialog);
+        m_boxText = box.text();
+        for (QAbstractButton *button : box.buttons()) {
+            if (box.buttonRole(button) == role)
+                return button->click();
+        }
+        box.reject();
+    });
+}
+
+void OfficeWindowTest::accept(QDialog &dialog)
+{
+    const auto *box = dialog.findChild<QDialogButtonBox *>();
+    for (QAbstractButton *button : box->buttons()) {
+        if (box->buttonRole(button) == QDialogButtonBox::AcceptRole)
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+}
+
+void OfficeWindowTest::enter(QDialog &dialog, const char *entry, const QString &text)
+{
+    dialog.findChild<QLineEdit *>(QString::fromLatin1(entry))->setText(text);
+}
+
+void OfficeWindowTest::passwordOpens()
+{
+    QString asked;
+    OfficePasswordDialog dialog([&](const QString &password) {
+        asked = password;
+        return QString();
+    });
+    dialog.show();
+    enter(dialog, "officePassword", u"secret"_s);
+    QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(asked, u"secret"_s);
+    QCOMPARE(dialog.findChild<QLineEdit *>()->echoMode(), QLineEdit::Password);
+}
+
+void OfficeWindowTest::wrongPasswordIsRefusedAndSlowsDown()
+{
+    int asked = 0;
+    OfficePasswordDialog dialog([&](const QString &) {
+        ++asked;
+        return u"Not this one."_s;
+    });
+    dialog.show();
+    for (int i = 0; i < 5; ++i)
+        dialog.accept();
+    QCOMPARE(asked, 3);
+    QVERIFY(dialog.isVisible());
+    QVERIFY(dialog.findChild<QLabel *>(u"problem"_s)->text().contains(u"Not this one."_s));
+}
+
+void OfficeWindowTest::usersAreListed()
+{
+    const auto *list = part<QListWidget>("users");
+    QCOMPARE(list->count(), 3);
+    QCOMPARE(list->item(0)->text(), u"ADMINISTRATOR\nADMINISTRATOR"_s);
+    QCOMPARE(list->item(1)->text(), u"ANNA\nSTAFF"_s);
+    QCOMPARE(list->item(2)->text(), u"BOB\nOWNER \u2013 may not use the till"_s);
+}
+
+void OfficeWindowTest::rightIsSwitchedAndStored()
+{
+    choose(u"ANNA"_s);
+    QVERIFY(part<QCheckBox>("InventoryUse")->isChecked());
+    QVERIFY(!part<QCheckBox>("InventorySales")->isChecked());
+    part<QCheckBox>("InventorySales")->click();
+    QCOMPARE(read(u"SELECT InventorySales FROM Users WHERE Username = 'ANNA'"_s), u"-1"_s);
+    QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"ANNA has the right now"_s));
+    part<QCheckBox>("InventoryUse")->click();
+    QCOMPARE(read(u"SELECT InventoryUse FROM Users WHERE Username = 'ANNA'"_s), u"0"_s);
+    QCOMPARE(part<QLabel>("chosenUser")->text(), u"ANNA"_s);
+    QVERIFY(part<QListWidget>("users")->currentItem()->text().contains(u"may not use the till"_s));
+}
+
+void OfficeWindowTest::failedSwitchShowsWhatIsStored()
+{
+    choose(u"ANNA"_s);
+    Database other;
+    QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
+    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
+    answerNextBox(QMessageBox::AcceptRole);
+    part<QCheckBox>("InventorySales")->click();
+    QVERIFY2(m_boxText.contains(u"locked"_s), qPrintable(m_boxText));
+    QVERIFY(!part<QCheckBox>("InventorySales")->isChecked());
+}
+
+void OfficeWindowTest::administratorIsLocked()
+{
+    choose(u"ADMINISTRATOR"_s);
+    for (const Right &right : userRights()) {
+        const auto *box = m_window->findChild<QCheckBox *>(right.column);
+        QVERIFY(box->isChecked() && !box->isEnabled());
+        QVERIFY(box->text().contains(right.words));
+    }
+    QVERIFY(!part<QComboBox>("chosenType")->isEnabled());
+    QVERIFY(part<QPushButton>("changePassword")->isEnabled());
+    choose(u"BOB"_s);
+    QVERIFY(part<QCheckBox>("InventoryUse")->isEnabled() && !part<QCheckBox>("InventoryUse")->isChecked());
+}
+
+void OfficeWindowTest::userIsAdded()
+{
+    inNextDialog([](QDialog &dialog) {
+        enter(dialog, "userName", u" clara "_s);
+        enter(dialog, "userPassword", u"key"_s);
+        enter(dialog, "userPasswordAgain", u"KEY"_s);
+        auto *type = dialog.findChild<QComboBox *>(u"userType"_s);
+        type->setCurrentIndex(type->findData(u"MANAGER"_s));
+        accept(dialog);
+    });
+    press("addUser");
+    QCOMPARE(read(u"SELECT Username || Password || Type || InventoryUse || InventoryReorder FROM Users "
+                  "WHERE Username = 'CLARA'"_s),
+             u"CLARAKEYMANAGER-1-1"_s);
+    QCOMPARE(part<QLabel>("chosenUser")->text(), u"CLARA"_s);
+    QVERIFY(part<QLabel>("usersOutcome")->text().startsWith(u"CLARA was added."_s));
+}
+
+void OfficeWindowTest::takenNameKeepsTheDialogOpen()
+{
+    bool open = false;
+    QString said;
+    inNextDialog([&](QDialog &dialog) {
+        enter(dialog, "userName", u"anna"_s);
+        enter(dialog, "userPassword", u"key"_s);
+        enter(dialog, "userPasswordAgain", u"kay"_s);
+        accept(dialog);
+        QVERIFY(dialog.findChild<QLabel *>(u"problem"_s)->text().contains(u"differ"_s));
+        enter(dialog, "userPasswordAgain", u"key"_s);
+        accept(dialog);
+        open = dialog.isVisible();
+        said = dialog.findChild<QLabel *>(u"problem"_s)->text();
+        dialog.reject();
+    });
+    press("addUser");
+    QVERIFY(open);
+    QVERIFY2(said.contains(u"There is a user \"ANNA\" already"_s), qPrintable(said));
+    QCOMPARE(read(u"SELECT count(*) FROM Users"_s), u"3"_s);
+}
+
+void OfficeWindowTest::passwordIsChanged()
+{
+    choose(u"ANNA"_s);
+    inNextDialog([](QDialog &dialog) {
+        QVERIFY(dialog.findChild<QLineEdit *>(u"userName"_s) == nullptr);
+        enter(dialog, "userPassword", u"new"_s);
+        enter(dialog, "userPasswordAgain", u"new"_s);
+        accept(dialog);
+    });
+    press("changePassword");
+    QCOMPARE(read(u"SELECT group_concat(Username || Password) FROM Users"_s), u"ADMINISTRATORSECRET,ANNANEW,BOBP"_s);
+    QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"password of ANNA"_s));
+}
+
+void OfficeWindowTest::typeIsChanged()
+{
+    choose(u"ANNA"_s);
+    auto *type = part<QComboBox>("chosenType");
+    QCOMPARE(type->currentData().toString(), u"STAFF"_s);
+    type->setCurrentIndex(type->findData(u"VIEWER"_s));
+    Q_EMIT type->activated(type->currentIndex());
+    QCOMPARE(read(u"SELECT Type FROM Users WHERE Username = 'ANNA'"_s), u"VIEWER"_s);
+    QVERIFY(part<QListWidget>("users")->currentItem()->text().contains(u"cannot log in"_s));
+}
+
+void OfficeWindowTest::strangeTypeStays()
+{
+    choose(u"BOB"_s);
+    QCOMPARE(part<QComboBox>("chosenType")->currentData().toString(), u"OWNER"_s);
+    choose(u"ANNA"_s);
+    QCOMPARE(part<QComboBox>("chosenType")->findData(u"OWNER"_s), -1);
+    QCOMPARE(read(u"SELECT Type FROM Users WHERE Username = 'BOB'"_s), u"OWNER"_s);
+}
+
+void OfficeWindowTest::receiptIsSaved()
+{
+    part<QLineEdit>("receiptTitle")->setText(u"Corner Shop"_s);
+    part<QCheckBox>("emailReport")->click();
+    press("saveReceipt");
+    QCOMPARE(m_saved.value(u"option/Title"_s), u"Corner Shop"_s);
+    QCOMPARE(m_saved.value(u"Option/EmailReport"_s), u"0"_s);
+    QVERIFY(!m_saved.contains(u"Option/Currency"_s)); // as it was
+    QVERIFY(part<QLabel>("receiptOutcome")->text().startsWith(u"Saved."_s));
+    m_window->reject();
+    QVERIFY(!m_window->isVisible());
+}
+
+void OfficeWindowTest::longTitleIsNotSaved()
+{
+    part<QLineEdit>("receiptTitle")->setText(QString(80, u'W'));
+    press("saveReceipt");
+    QVERIFY(m_saved.isEmpty());
+    QVERIFY(part<QLabel>("receiptOutcome")->text().contains(u"too long"_s));
+}
+
+void OfficeWindowTest::unsavedReceiptIsAskedAbout()
+{
+    part<QLineEdit>("receiptTitle")->setText(u"Corner Shop"_s);
+    answerNextBox(QMessageBox::RejectRole);
+    m_window->reject();
+    QVERIFY(m_window->isVisible());
+    QVERIFY(m_boxText.contains(u"not saved"_s));
+    answerNextBox(QMessageBox::AcceptRole);
+    m_window->close();
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(m_saved.isEmpty());
+}
+
+void OfficeWindowTest::backupIsMade()
+{
+    const QString target = m_folder->filePath(u"copy.db"_s);
+    QCOMPARE(part<QLabel>("lastBackup")->text(), u"No backup has been made from here yet."_s);
+    part<QLineEdit>("backupPlace")->setText(target);
+    press("startBackup");
+    QVERIFY(!part<QPushButton>("startBackup")->isEnabled() && part<QPushButton>("stopBackup")->isEnabled());
+    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
+    QVERIFY2(part<QLabel>("backupOutcome")->text().contains(u"made and checked"_s),
+             qPrintable(part<QLabel>("backupOutcome")->text()));
+    QCOMPARE(column(target, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
+    QVERIFY(part<QLabel>("lastBackup")->text().contains(target));
+}
+
+void OfficeWindowTest::existingBackupIsAskedAbout()
+{
+    const QString target = m_folder->filePath(u"copy.db"_s);
+    runAll(target, {u"CREATE TABLE Other (x)"_s});
+    part<QLineEdit>("backupPlace")->setText(target);
+    answerNextBox(QMessageBox::RejectRole);
+    press("startBackup");
+    QVERIFY(m_boxText.contains(target));
+    QVERIFY(part<QPushButton>("startBackup")->isEnabled());
+    QCOMPARE(column(target, u"SELECT count(*) FROM Other"_s), QStringList{u"0"_s});
+    answerNextBox(QMessageBox::AcceptRole);
+    press("startBackup");
+    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
+    QCOMPARE(column(target, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
+}
+
+void OfficeWindowTest::badPlaceOfBackupIsTold()
+{
+    part<QLineEdit>("backupPlace")->setText(m_path);
+    press("startBackup");
+    QVERIFY(part<QLabel>("backupOutcome")->text().contains(u"store file itself"_s));
+    QVERIFY(part<QPushButton>("startBackup")->isEnabled());
+}
+
+void OfficeWindowTest::everythingIsLargeEnoughForAThumbAndNamed()
+{
+    constexpr int thumb = 44;
+    auto *tabs = part<QTabBar>("officeTabs");
+    for (int page = 0; page < tabs->count(); ++page) {
+        tabs->setCurrentIndex(page);
+        QVERIFY(tabs->tabRect(page).height() >= thumb);
+        for (QWidget *widget : m_window->findChildren<QWidget *>()) {
+            const bool touched = qobject_cast<QAbstractButton *>(widget) != nullptr ||
+                                 qobject_cast<QComboBox *>(widget) != nullptr ||
+                                 (qobject_cast<QLineEdit *>(widget) != nullptr &&
+                                  qobject_cast<QComboBox *>(widget->parentWidget()) == nullptr);
+            if (!touched || !widget->isVisible())
+                continue;
+            QVERIFY2(widget->height() >= thumb, qPrintable(widget->objectName()));
+            auto *accessible = QAccessible::queryAccessibleInterface(widget);
+            QVERIFY2(!accessible->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
+        }
+    }
+}
+
+void OfficeWindowTest::fitsASmallScreen()
+{
+    QVERIFY(m_window->minimumSizeHint().width() <= 1016);
+    QVERIFY(m_window->minimumSizeHint().height() <= 700);
+}
+
+QTEST_MAIN(OfficeWindowTest)
+#include "office_window_test.moc"

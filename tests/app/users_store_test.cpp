@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+#include "basic/text.h"
+#include "basic/values.h"
+#include "store/statements.h"
+#include "store_files.h"
+#include "user_rules.h"
+#include "users_store.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+class UsersStoreTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_database.reset(); }
+
+    void addedUserIsFoundByTheLogin_data();
+    void addedUserIsFoundByTheLogin();
+    void refusedUser_data();
+    void refusedUser();
+    void flagsAreWhatTheLoginReads();
+    void flagKeepsTheFormOfTheHost();
+    void storedFlagsAreReadAsTheLoginDoes_data();
+    void storedFlagsAreReadAsTheLoginDoes();
+    void administratorKeepsEveryRight();
+    void typeAndPasswordChange();
+    void whatHindersTheLogin_data();
+    void whatHindersTheLogin();
+    void otherColumnsAndUsersStayAsTheyAre();
+    void vanishedUserIsTold();
+    void lockedStoreIsToldAndUnchanged();
+    void ruleOfTheHostIsTold();
+    void usualRightsOfTypes();
+
+private:
+    [[nodiscard]] StoreUser user(const QString &name) const;
+    [[nodiscard]] int foundByLogin(const QString &name, const QString &password) const;
+    void run(const QString &statement) { QVERIFY2(!runSql(m_database.get(), statement), qPrintable(statement)); }
+    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
+    [[nodiscard]] UsersStore store() const { return UsersStore(m_database.get()); }
+
+    QTemporaryDir m_folder;
+    QString m_path;
+    Database m_database;
+};
+
+void UsersStoreTest::init()
+{
+    m_path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u'-' +
+                               QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s);
+    makeStore(m_path);
+    QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
+}
+
+StoreUser UsersStoreTest::user(const QString &name) const
+{
+    QList<StoreUser> users;
+    if (store().list(users))
+        return {};
+    for (const StoreUser &found : users) {
+        if (found.name == name)
+            return found;
+    }
+    return {};
+}
+
+int UsersStoreTest::foundByLogin(const QString &name, const QString &password) const
+{
+    const auto login = harrowby::statements::login(harrowby::trimmedUpper(name), harrowby::trimmedUpper(password));
+    if (login.isRefused())
+        return -1;
+    SqlQuery query(m_database.get(), login.sql());
+    int rows = 0;
+    while (query.next())
+        ++rows;
+    return query.error() ? -1 : rows;
+}
+
+void UsersStoreTest::addedUserIsFoundByTheLogin_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("plain") << u"anna"_s << u"ANNA"_s;
+    QTest::newRow("blanks around") << u"  Anna Lee "_s << u"anna lee"_s;
+    QTest::newRow("umlaut") << u"jürgen"_s << u"JÜRGEN"_s;
+    QTest::newRow("sharp s") << u"strauß"_s << u"STRAUSS"_s;
+    QTest::newRow("double quote and percent") << u"a\"b%_;--"_s << u"A\"B%_;--"_s;
+    QTest::newRow("greek") << u"μάριος"_s << u"ΜΆΡΙΟΣ"_s;
+}
+
+void UsersStoreTest::addedUserIsFoundByTheLogin()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, typed);
+    const auto problem = store().add({name, u"Päss 1"_s, u"STAFF"_s, usualRights(u"STAFF"_s)});
+    QVERIFY2(!problem, problem ? qPrintable(*problem) : "");
+    QCOMPARE(foundByLogin(typed, u"PÄSS 1"_s), 1);
+    QCOMPARE(foundByLogin(typed, u"other"_s), 0);
+    QCOMPARE(loginObstacle(user(storedUserName(name))), QString());
+}
+
+void UsersStoreTest::refusedUser_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("no name") << u"  "_s << u"p"_s << u"Please enter a user name."_s;
+    QTest::newRow("no-break blank") << u"\u00a0"_s << u"p"_s << u"Please enter a user name."_s;
+    QTest::newRow("quote in the name") << u"o'neill"_s << u"p"_s << u"single quote"_s;
+    QTest::newRow("line break") << u"a\nb"_s << u"p"_s << u"cannot be typed"_s;
+    QTest::newRow("half a pair") << (u"a"_s + QChar(0xd83d)) << u"p"_s << u"cannot be typed"_s;
+    QTest::newRow("no password") << u"anna"_s << u" "_s << u"Please enter a password."_s;
+    QTest::newRow("quote in the password") << u"anna"_s << u"a'b"_s << u"single quote"_s;
+    QTest::newRow("taken") << u"ADMINISTRATOR"_s << u"p"_s << u"There is a user \"ADMINISTRATOR\" already."_s;
+    QTest::newRow("taken in other capitals") << u" administrator"_s << u"p"_s << u"already"_s;
+    QTest::newRow("taken by a host's row") << u"bob"_s << u"p"_s << u"already"_s;
+    QTest::newRow("taken by a host's umlaut") << u"JÖRG"_s << u"p"_s << u"already"_s;
+}
+
+void UsersStoreTest::refusedUser()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, password);
+    QFETCH(QString, said);
+    run(u"INSERT INTO Users (Username, Password, Type) VALUES (' Bob ', 'x', 'STAFF'), ('jörg', 'x', 'STAFF')"_s);
+    const auto problem = store().add({name, password, u"STAFF"_s, {}});
+    QVERIFY(problem);
+    QVERIFY2(problem->contains(said), qPrintable(*problem));
+    QCOMPARE(read(u"SELECT count(*) FROM Users"_s), u"3"_s);
+    QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
+}
+
+void UsersStoreTest::flagsAreWhatTheLoginReads()
+{
+    QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {u"InventorySales"_s}}));
+    QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventorySales"_s});
+    for (const Right &right : userRights()) {
+        QVERIFY(!store().setRight(user(u"ANNA"_s), right.column, true));
+        SqlQuery query(m_database.get(), u"SELECT %1 FROM Users WHERE Username = 'ANNA'"_s.arg(right.column));
+        QVERIFY(query.next());
+        QVERIFY(harrowby::valueEqualsTrue(query.value(0)));
+    }
+    QCOMPARE(user(u"ANNA"_s).rights.size(), userRights().size());
+    QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, false));
+    SqlQuery query(m_database.get(), u"SELECT InventoryUndo FROM Users WHERE Username = 'ANNA'"_s);
+    QVERIFY(query.next());
+    QVERIFY(!harrowby::valueIsTrue(query.value(0)));
+    QVERIFY(store().setRight(user(u"ANNA"_s), u"Password"_s, true)); // no right
+}
+
+void UsersStoreTest::flagKeepsTheFormOfTheHost()
+{
+    run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
+        "VALUES ('ANNA', 'P', 'STAFF', 'False', 'True')"_s);
+    QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventorySales"_s});
+    QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUse"_s, true));
+    QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventorySales"_s, false));
+    QCOMPARE(read(u"SELECT InventoryUse || InventorySales FROM Users WHERE Username = 'ANNA'"_s), u"TrueFalse"_s);
+    QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventoryUse"_s});
+}
+
+void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<bool>("mayUse");
+    QTest::addColumn<bool>("maySell");
+    QTest::newRow("minus one") << u"-1"_s << true << true;
+    QTest::newRow("one is not equal to true") << u"1"_s << false << true;
+    QTest::newRow("nought") << u"0"_s << false << false;
+    QTest::newRow("null") << u"NULL"_s << false << false;
+    QTest::newRow("True") << u"'True'"_s << true << true;
+    QTest::newRow("yes") << u"'yes'"_s << false << false;
+}
+
+void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, mayUse);
+    QFETCH(bool, maySell);
+    run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
+        "VALUES ('ANNA', 'P', 'STAFF', %1, %1)"_s.arg(stored));
+    QCOMPARE(user(u"ANNA"_s).rights.contains(u"InventoryUse"_s), mayUse);
+    QCOMPARE(user(u"ANNA"_s).rights.contains(u"InventorySales"_s), maySell);
+    QCOMPARE(loginObstacle(user(u"ANNA"_s)).isEmpty(), mayUse);
+}
+
+void UsersStoreTest::administratorKeepsEveryRight()
+{
+    run(u"UPDATE Users SET InventoryUse = 0, InventorySales = 0"_s);
+    QCOMPARE(user(u"ADMINISTRATOR"_s).rights.size(), userRights().size());
+    QVERIFY(store().setRight(user(u"ADMINISTRATOR"_s), u"InventorySales"_s, false));
+    QVERIFY(store().setType(user(u"ADMINISTRATOR"_s), u"VIEWER"_s));
+    QCOMPARE(read(u"SELECT Type || InventorySales FROM Users"_s), u"ADMINISTRATOR0"_s);
+}
+
+void UsersStoreTest::typeAndPasswordChange()
+{
+    QVERIFY(!store().add({u"anna"_s, u"old"_s, u"STAFF"_s, {}}));
+    QVERIFY(!store().setPassword(user(u"ANNA"_s), u" New one "_s));
+    QCOMPARE(foundByLogin(u"anna"_s, u"new ONE"_s), 1);
+    QCOMPARE(foundByLogin(u"anna"_s, u"old"_s), 0);
+    QVERIFY(store().setPassword(user(u"ANNA"_s), u"a'b"_s));
+    QVERIFY(!store().setType(user(u"ANNA"_s), u"VIEWER"_s));
+    QCOMPARE(foundByLogin(u"anna"_s, u"new one"_s), 0);
+}
+
+void UsersStoreTest::whatHindersTheLogin_data()
+{
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("viewer") << u"'A', 'P', 'VIEWER', -1"_s << u"VIEWER"_s;
+    QTest::newRow("no type") << u"'A', 'P', NULL, -1"_s << u"no type"_s;
+    QTest::newRow("small umlaut") << u"'jörg', 'P', 'STAFF', -1"_s << u"this name"_s;
+    QTest::newRow("blank behind the name") << u"'A ', 'P', 'STAFF', -1"_s << u"this name"_s;
+    QTest::newRow("quote") << u"'O''NEILL', 'P', 'STAFF', -1"_s << u"this name"_s;
+    QTest::newRow("password of a small umlaut") << u"'A', 'ö', 'STAFF', -1"_s << u"password"_s;
+    QTest::newRow("no password") << u"'A', NULL, 'STAFF', -1"_s << u"password"_s;
+    QTest::newRow("switched off") << u"'A', 'P', 'STAFF', 0"_s << u"may not use the till"_s;
+    QTest::newRow("small letters are found") << u"'abe', 'pass', 'STAFF', -1"_s << QString();
+}
+
+void UsersStoreTest::whatHindersTheLogin()
+{
+    QFETCH(QString, row);
+    QFETCH(QString, said);
+    run(u"DELETE FROM Users"_s);
+    run(u"INSERT INTO Users (Username, Password, Type, InventoryUse) VALUES (%1)"_s.arg(row));
+    QList<StoreUser> users;
+    QVERIFY(!store().list(users));
+    QCOMPARE(users.size(), 1);
+    const QString obstacle = loginObstacle(users.constFirst());
+    QVERIFY2(said.isEmpty() ? obstacle.isEmpty() : obstacle.contains(said), qPrintable(obstacle));
+}
+
+void UsersStoreTest::otherColumnsAndUsersStayAsTheyAre()
+{
+    run(u"ALTER TABLE Users ADD COLUMN Telephone TEXT DEFAULT 'none'"_s);
+    run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, Telephone) VALUES ('BOB', 'P', 'STAFF', 1, '42')"_s);
+    QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
+    QVERIFY(!store().setRight(user(u"BOB"_s), u"InventorySales"_s, true));
+    QCOMPARE(column(m_path, u"SELECT Username || Telephone || quote(InventoryUse) FROM Users ORDER BY Username"_s),
+             (QStringList{u"ADMINISTRATORnone-1"_s, u"ANNAnone0"_s, u"BOB421"_s}));
+}
+
+void UsersStoreTest::vanishedUserIsTold()
+{
+    QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
+    const StoreUser anna = user(u"ANNA"_s);
+    run(u"DELETE FROM Users WHERE Username = 'ANNA'"_s);
+    const auto problem = store().setPassword(anna, u"new"_s);
+    QVERIFY(problem && problem->contains(u"no user \"ANNA\" any more"_s));
+    // Its number may have come to be another one's.
+    run(u"INSERT INTO Users (rowid, Username, Password, Type) VALUES (%1, 'BOB', 'P', 'STAFF')"_s.arg(anna.row));
+    QVERIFY(store().setPassword(anna, u"new"_s));
+    QCOMPARE(read(u"SELECT Password FROM Users WHERE Username = 'BOB'"_s), u"P"_s);
+}
+
+void UsersStoreTest::lockedStoreIsToldAndUnchanged()
+{
+    Database other;
+    QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
+    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
+    const auto added = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
+    QVERIFY(added && added->startsWith(u"The user was not added."_s) && added->contains(u"locked"_s));
+    const auto changed = store().setPassword(user(u"ADMINISTRATOR"_s), u"new"_s);
+    QVERIFY(changed && changed->contains(u"locked"_s));
+    QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
+    QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
+}
+
+void UsersStoreTest::ruleOfTheHostIsTold()
+{
+    run(u"CREATE TRIGGER rule BEFORE INSERT ON Users BEGIN SELECT RAISE(ABORT, 'ask the host'); END"_s);
+    const auto problem = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
+    QVERIFY(problem && problem->contains(u"ask the host"_s));
+    QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
+}
+
+void UsersStoreTest::usualRightsOfTypes()
+{
+    QCOMPARE(usualRights(u"STAFF"_s), (QStringList{u"InventoryUse"_s, u"InventorySales"_s}));
+    QCOMPARE(usualRights(u"MANAGER"_s).size(), userRights().size());
+    QCOMPARE(usualRights(u"VIEWER"_s), QStringList());
+}
+
+QTEST_GUILESS_MAIN(UsersStoreTest)
+#include "users_store_test.moc"
