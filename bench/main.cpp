@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue.h"
+#include "bench/counter_works.h"
 #include "bench/report.h"
+#include "bench/report_work.h"
 #include "bench/resident.h"
 #include "bench/shop_file.h"
 #include "bench/works.h"
@@ -14,6 +16,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::bench;
@@ -21,21 +24,26 @@ using namespace harrowby::bench;
 namespace {
 
 constexpr double ResidentLimitMb = 40.0;
-constexpr double GrowthLimit = 2.0;
+constexpr double StockListLimitMb = 120.0;
+constexpr double PressGrowthLimit = 2.0;
+constexpr double ListGrowthLimit = 12.0;
 
 struct Plan
 {
+    CatalogueSize tenth; ///< the shop that the filling of the stock list is compared with
     std::vector<CatalogueSize> sizes;
     int runs = 0;
-    qint64 residentAt = 0; ///< items of the shop in which the memory is measured
+    bool counterOnly = false;
+    qint64 comparedAt = 0; ///< items of the shop in which growth and memory are measured
 };
 
 Plan planFor(const QCommandLineParser &options)
 {
+    const bool counterOnly = options.isSet(u"counter"_s);
     if (options.isSet(u"quick"_s))
-        return {{{1'000, 10'000}, {10'000, 20'000}}, 5, 10'000};
+        return {{1'000, 100}, {{1'000, 10'000}, {10'000, 20'000}}, 5, counterOnly, 10'000};
     const int runs = std::max(1, options.value(u"runs"_s).toInt());
-    Plan plan{{{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, 100'000};
+    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, 100'000};
     if (options.isSet(u"million"_s))
         plan.sizes.push_back({1'000'000, 1'000'000});
     return plan;
@@ -46,38 +54,81 @@ void say(const QString &text)
     QTextStream(stderr) << text << Qt::endl;
 }
 
-Line residentLine(const QString &file, qint64 items)
+/// Makes the shops that a plan needs, and measures in them.
+class Measurement
 {
-    return {u"resident memory, logged in, over an empty Qt window"_s,
-            items,
-            {},
-            {},
-            {},
-            items == 100'000 ? std::optional(ResidentLimitMb) : std::nullopt,
-            residentMegabytesOverEmptyWindow(file)};
+public:
+    Measurement(Plan plan, QString folder) : m_plan(std::move(plan)), m_folder(std::move(folder)) {}
+
+    std::vector<Line> run();
+
+private:
+    std::unique_ptr<ShopFile> makeShop(const CatalogueSize &size) const;
+    [[nodiscard]] QString fileOf(const CatalogueSize &size) const;
+    void add(const std::vector<Line> &lines) { m_lines.insert(m_lines.end(), lines.begin(), lines.end()); }
+    void add(Line line, double limit);
+    void addResident(const QString &name, const char *window, const CatalogueSize &size, double limitMb);
+    void compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size);
+
+    Plan m_plan;
+    QString m_folder;
+    QDateTime m_now = benchTime();
+    std::vector<Line> m_lines;
+};
+
+std::vector<Line> Measurement::run()
+{
+    std::vector<std::unique_ptr<ShopFile>> shops;
+    for (const CatalogueSize &size : m_plan.sizes) {
+        const ShopFile &shop = *shops.emplace_back(makeShop(size));
+        say(u"Measuring, %1 runs each ..."_s.arg(m_plan.runs));
+        const WorksOptions options{size.items, m_plan.runs, m_now};
+        if (!m_plan.counterOnly)
+            add(measureWorks(shop.database(), options));
+        if (size.items == m_plan.comparedAt)
+            compare(*shops.front(), shop, size);
+        add(measureCounter(shop.database(), options));
+        add(measureReport(shop.database(), options));
+    }
+    return m_lines;
 }
 
-std::vector<Line> measureAll(const Plan &plan, const QString &folder)
+QString Measurement::fileOf(const CatalogueSize &size) const
 {
-    std::vector<Line> lines;
-    std::vector<std::unique_ptr<ShopFile>> shops;
-    const QDateTime now = benchTime();
-    for (const CatalogueSize &size : plan.sizes) {
-        const QString file = folder + u"/shop-%1.sqlite"_s.arg(size.items);
-        say(u"Making a shop of %1 items and %2 purchases ..."_s.arg(size.items).arg(size.purchases));
-        const ShopFile &shop = *shops.emplace_back(std::make_unique<ShopFile>(file));
-        shop.fill(size, now.date());
-        say(u"Measuring, %1 runs each ..."_s.arg(plan.runs));
-        const std::vector<Line> measured = measureWorks(shop.database(), {size.items, plan.runs, now});
-        lines.insert(lines.end(), measured.begin(), measured.end());
-        if (size.items == plan.residentAt) {
-            lines.push_back(residentLine(file, size.items));
-            lines.push_back(
-                measurePressGrowth(shops.front()->database(), shop.database(), {size.items, plan.runs, now}));
-            lines.back().limit = GrowthLimit;
-        }
-    }
-    return lines;
+    return m_folder + u"/shop-%1-%2.sqlite"_s.arg(size.items).arg(size.purchases);
+}
+
+std::unique_ptr<ShopFile> Measurement::makeShop(const CatalogueSize &size) const
+{
+    say(u"Making a shop of %1 items and %2 purchases ..."_s.arg(size.items).arg(size.purchases));
+    auto shop = std::make_unique<ShopFile>(fileOf(size));
+    shop->fill(size, m_now.date());
+    return shop;
+}
+
+void Measurement::add(Line line, double limit)
+{
+    line.limit = limit;
+    m_lines.push_back(std::move(line));
+}
+
+void Measurement::addResident(const QString &name, const char *window, const CatalogueSize &size, double limitMb)
+{
+    Line line{name, size.items, {}, {}, {}, {}, {}};
+    line.megabytes = residentMegabytesOverEmptyWindow(QString::fromLatin1(window), fileOf(size));
+    if (size.items == LimitedItems)
+        line.limit = limitMb;
+    m_lines.push_back(std::move(line));
+}
+
+void Measurement::compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size)
+{
+    addResident(u"resident memory, logged in, over an empty Qt window"_s, LoggedInTill, size, ResidentLimitMb);
+    addResident(u"the same with the stock list filled"_s, TillWithStockList, size, StockListLimitMb);
+    const WorksOptions options{size.items, m_plan.runs, m_now};
+    add(measurePressGrowth(smallest.database(), shop.database(), options), PressGrowthLimit);
+    const std::unique_ptr<ShopFile> tenth = makeShop(m_plan.tenth);
+    add(measureListGrowth(tenth->database(), shop.database(), options), ListGrowthLimit);
 }
 
 void writeJson(const QString &path, const std::vector<Line> &lines)
@@ -96,6 +147,7 @@ void addOptions(QCommandLineParser &options)
     options.addOption({u"json"_s, u"Writes the figures to this file too."_s, u"file"_s});
     options.addOption({u"runs"_s, u"Runs of each piece of work."_s, u"number"_s, u"31"_s});
     options.addOption({u"quick"_s, u"Small shops and few runs, to see that it works."_s});
+    options.addOption({u"counter"_s, u"Leaves out what sells: stock, custom sale, undo and deletion alone."_s});
     options.addOption({u"million"_s, u"Measures at 1,000,000 items as well."_s});
     options.addOption({u"keep"_s, u"Makes the shops in this empty folder and leaves them there."_s, u"folder"_s});
     QCommandLineOption resident(u"resident"_s, {}, u"window"_s);
@@ -109,7 +161,7 @@ int measureAndReport(const QCommandLineParser &options)
     if (!folder.isValid())
         throw std::runtime_error(folder.errorString().toStdString());
     const QString kept = options.value(u"keep"_s);
-    const std::vector<Line> lines = measureAll(planFor(options), kept.isEmpty() ? folder.path() : kept);
+    const std::vector<Line> lines = Measurement(planFor(options), kept.isEmpty() ? folder.path() : kept).run();
     QTextStream(stdout) << toText(lines);
     if (options.isSet(u"json"_s))
         writeJson(options.value(u"json"_s), lines);

@@ -44,7 +44,7 @@ QString verdict(const Line &line)
 
 bool Line::isOver() const
 {
-    const std::optional<double> measured = megabytes ? megabytes : ratio;
+    const std::optional<double> measured = megabytes ? megabytes : ratio ? ratio : medianMs;
     return limit && measured && *measured > *limit;
 }
 

@@ -17,7 +17,8 @@ struct Line
     std::optional<double> medianMs;
     std::optional<double> rawMs; ///< the same statements, run by hand
     std::optional<double> ratio;
-    std::optional<double> limit; ///< the largest ratio allowed; for the memory line the largest number of MB
+    std::optional<double> limit; ///< the largest ratio allowed; of memory the largest number of MB, and of a line
+                                 ///< without a ratio the longest time
     std::optional<double> megabytes;
 
     [[nodiscard]] bool isOver() const;

@@ -49,11 +49,11 @@ bool tell()
     return true;
 }
 
-bool tellOfTill(const QString &shopFile)
+bool tellOfTill(const QString &shopFile, bool withStockList)
 {
     const ShopFile shop(shopFile);
     Till till(shop.database(), benchTime());
-    return till.open() && till.logIn() && tell();
+    return till.open() && till.logIn() && (!withStockList || till.loadStockList()) && tell();
 }
 
 bool tellOfEmptyWindow()
@@ -67,14 +67,17 @@ bool tellOfEmptyWindow()
 
 } // namespace
 
-double residentMegabytesOverEmptyWindow(const QString &shopFile)
+double residentMegabytesOverEmptyWindow(const QString &window, const QString &shopFile)
 {
-    return megabytesOf({u"--resident"_s, u"till"_s, shopFile}) - megabytesOf({u"--resident"_s, u"empty"_s});
+    return megabytesOf({u"--resident"_s, window, shopFile}) -
+           megabytesOf({u"--resident"_s, QString::fromLatin1(EmptyWindow)});
 }
 
 int printResident(const QString &window, const QString &shopFile)
 {
-    const bool told = window == "till"_L1 ? tellOfTill(shopFile) : tellOfEmptyWindow();
+    const bool empty = window == QLatin1StringView(EmptyWindow);
+    const bool told =
+        empty ? tellOfEmptyWindow() : tellOfTill(shopFile, window == QLatin1StringView(TillWithStockList));
     return told ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

@@ -5,11 +5,16 @@
 
 namespace harrowby::bench {
 
-/// Resident memory of a process with the loaded, logged-in window over that of a process with an empty one.
-/// Throws std::runtime_error when one of the two does not tell.
-[[nodiscard]] double residentMegabytesOverEmptyWindow(const QString &shopFile);
+/// What is open in the process whose memory is measured.
+inline constexpr auto EmptyWindow = "empty";
+inline constexpr auto LoggedInTill = "till";
+inline constexpr auto TillWithStockList = "stock";
 
-/// What such a process does: shows "empty" or "till", and prints its resident kilobytes. Returns its exit code.
+/// Resident memory of a process with such a window over that of a process with an empty one.
+/// Throws std::runtime_error when one of the two does not tell.
+[[nodiscard]] double residentMegabytesOverEmptyWindow(const QString &window, const QString &shopFile);
+
+/// What such a process does: shows its window, and prints its resident kilobytes. Returns its exit code.
 int printResident(const QString &window, const QString &shopFile);
 
 } // namespace harrowby::bench

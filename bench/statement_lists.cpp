@@ -12,17 +12,6 @@ namespace harrowby::bench {
 
 namespace {
 
-RawStatements operator+(RawStatements left, const RawStatements &right)
-{
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
-}
-
-RawStatement usageRow(const QString &message, const QDateTime &now)
-{
-    return change(statements::usage(message, usageTime(now), usageTime(now)));
-}
-
 RawStatement quickSalesPage(const QString &category, int offset)
 {
     return readRows(statements::quickSalesPage(false, category, offset),
@@ -55,6 +44,17 @@ RawStatement purchaseRow(const QDateTime &now)
 }
 
 } // namespace
+
+RawStatements operator+(RawStatements left, const RawStatements &right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+RawStatement usageRow(const QString &message, const QDateTime &now)
+{
+    return change(statements::usage(message, usageTime(now), usageTime(now)));
+}
 
 RawStatements pressWrites(const QString &key, const QDateTime &now)
 {

@@ -22,4 +22,9 @@ namespace harrowby::bench {
 [[nodiscard]] RawStatements commitStatements(const QStringList &keys, const QDateTime &now, int offset);
 [[nodiscard]] RawStatements loadStatements(const QDateTime &now);
 
+/// Joins two lists.
+[[nodiscard]] RawStatements operator+(RawStatements left, const RawStatements &right);
+/// The line that every reported piece of work leaves in the log's table.
+[[nodiscard]] RawStatement usageRow(const QString &message, const QDateTime &now);
+
 } // namespace harrowby::bench

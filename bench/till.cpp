@@ -9,6 +9,7 @@
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -24,7 +25,6 @@ namespace harrowby::bench {
 namespace {
 
 constexpr int PageSize = 9;
-constexpr int CustomSales = 2;
 
 } // namespace
 
@@ -114,10 +114,10 @@ bool Till::chooseCategory(const QString &category)
 double Till::refreshDashboard()
 {
     const Stopwatch watch;
-    m_window->controls().TabStrip1->selectTab(CustomSales);
+    m_window->controls().TabStrip1->selectTab(WorkArea::CustomSales);
     const double time = watch.milliseconds();
     QCoreApplication::processEvents();
-    return m_window->controls().TabStrip1->selectedTab() == CustomSales ? time : -1.0;
+    return m_window->controls().TabStrip1->selectedTab() == WorkArea::CustomSales ? time : -1.0;
 }
 
 double Till::commit()
@@ -126,6 +126,13 @@ double Till::commit()
     PaintWatch watch{controls.Label6.at(3), controls.Label6.at(4), controls.Label6.at(8)};
     controls.Command14->click();
     return watch.wait() && cartLines() == 0 ? m_boxes->sinceYes().value_or(Stopwatch()).milliseconds() : -1.0;
+}
+
+bool Till::sell()
+{
+    m_window->controls().Command14->click();
+    QCoreApplication::processEvents();
+    return cartLines() == 0;
 }
 
 bool Till::fillCart(int lines)
@@ -159,6 +166,15 @@ void Till::emptyCart()
 int Till::cartLines() const
 {
     return m_window->controls().LV3->rows().rowCount();
+}
+
+QStringList Till::keysInCart() const
+{
+    const TextTableModel &cart = m_window->controls().LV3->rows();
+    QStringList keys;
+    for (int row = 0; row < cart.rowCount(); ++row)
+        keys.append(cart.text(row, 0));
+    return keys;
 }
 
 } // namespace harrowby::bench

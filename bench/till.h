@@ -4,6 +4,8 @@
 #include "bench/doubles.h"
 #include "ui/inventory.h"
 
+#include <QStringList>
+
 #include <memory>
 
 struct sqlite3;
@@ -39,6 +41,8 @@ public:
     double refreshDashboard();
     /// Commits the cart. Returns the time from the Yes to the painted dashboard; below 0 when it failed.
     double commit();
+    /// Commits the cart, whatever of the dashboard changes by it.
+    bool sell();
 
     /// Puts `lines` different items into the cart, from the first page on; ends on the page of the last one.
     bool fillCart(int lines);
@@ -47,6 +51,38 @@ public:
     bool firstPage();
     void emptyCart();
     [[nodiscard]] int cartLines() const;
+    [[nodiscard]] QStringList keysInCart() const;
+
+    /// A new window, logged in: its lists are empty still.
+    bool openAfresh();
+    /// Chooses the tab of the existing stock, or presses the refresh button there. Ends when the list is painted and
+    /// has answered a key press.
+    bool loadStockList();
+    bool refreshStockList();
+    [[nodiscard]] int stockRows() const;
+    /// Texts of a row, in the list's columns.
+    [[nodiscard]] QStringList stockRow(int row) const;
+
+    /// Chooses an item in the stock list, which puts it into the edit fields, and changes its cost there.
+    bool editStock(int row, const QString &cost);
+    /// Saves what was entered; ends when the list and the status bar are painted.
+    bool saveStock();
+    /// Chooses an item in the stock list beside the reorder tab, which puts it there, and enters a number of units.
+    bool enterReorder(int row, int units);
+    bool reorder();
+
+    bool showQuickSales();
+    bool showCustomSales();
+    /// Chooses a category of the custom sale, whose tab must be shown; ends when its items are listed.
+    bool chooseSaleCategory(const QString &category);
+
+    /// Takes the last purchase back; ends when cart, total and dashboard are painted.
+    bool undoPurchase();
+    /// Chooses the tab of the settings; ends when the purchases are listed there.
+    bool loadPurchaseIds();
+    [[nodiscard]] QStringList purchaseIds(int from, int count) const;
+    void pickPurchase(const QString &id);
+    bool deletePurchase();
 
     [[nodiscard]] Inventory &window() const { return *m_window; }
     [[nodiscard]] QDateTime now() const { return m_clock->now(); }
