@@ -130,7 +130,8 @@ void OutputBar::save(const QString &suffix, const std::function<QByteArray()> &c
 {
     const QString name = fileNameFor(m_source.fileWords()) + u'.' + suffix;
     const QPointer<OutputBar> self(this);
-    const QString path = m_chooseFile(this, documents() + u'/' + name, suffix);
+    const FileChooser chooseFile = m_chooseFile; // outlives this bar, should that go while the question is open
+    const QString path = chooseFile(this, documents() + u'/' + name, suffix);
     if (path.isEmpty() || !self)
         return;
     QString problem;
