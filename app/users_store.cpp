@@ -154,10 +154,15 @@ UsersStore::Problem UsersStore::setRight(const StoreUser &user, const QString &c
         return noChange;
     if (isAdministrator(user.name))
         return u"ADMINISTRATOR has every right and keeps it."_s;
-    SqlQuery before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
-    const DbValue stored = before.next() ? before.value(0) : DbValue();
-    if (before.error())
-        return engineWords(noChange, *before.error());
+    DbValue stored;
+    {
+        // Closed before the change: under an open statement the engine would not wait for a till that is writing.
+        SqlQuery before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
+        if (before.next())
+            stored = before.value(0);
+        if (before.error())
+            return engineWords(noChange, *before.error());
+    }
     return change(user, column, flagLike(stored, on));
 }
 

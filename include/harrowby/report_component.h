@@ -12,13 +12,14 @@
 ///                         QString &msgTitle, bool, bool mayEditStockOrReorder, bool &canSettings,
 ///                         QString &loggedUser);
 ///
-/// | argument | what it is |
-/// |---|---|
-/// | connection | the open connection, never null while a store is open; what it holds on return becomes the
-/// component's | | folder | the host's installation folder; may be empty | | (third) | always true | | msgTitle |
-/// caption of message boxes; empty | | (fifth) | always true | | mayEditStockOrReorder | the user may edit or reorder
-/// stock | | canSettings | the user may change settings; what it holds on return becomes the component's | | loggedUser
-/// | name of the user who is logged in, in capitals; what it holds on return becomes the component's |
+/// - connection: the open connection, never null; what it holds on return becomes the component's
+/// - folder: the host's installation folder; may be empty
+/// - the third: always true
+/// - msgTitle: caption of message boxes; empty
+/// - the fifth: always true
+/// - mayEditStockOrReorder: the user may edit or reorder stock
+/// - canSettings: the user may change settings; what it holds on return becomes the component's
+/// - loggedUser: name of the user who is logged in, in capitals; what it holds on return becomes the component's
 ///
 /// It shows the report and returns when that is closed. Methods are found by their signature as moc writes it, so write
 /// the types with their namespaces even inside of one: a method with other arguments counts as missing. A missing

@@ -53,7 +53,8 @@ struct StoreSettings
 [[nodiscard]] Statement stockById(const QString &id);
 /// Every item, disabled and finished ones too, in the table's order.
 [[nodiscard]] Statement allStock();
-/// The asterisk is no wildcard to the engine: one row, column "counts", of the IDs that end in "-*" literally.
+/// The asterisk is no wildcard to the engine, on purpose: one row, column "counts", of the IDs that end in "-*"
+/// literally.
 [[nodiscard]] Statement automaticIdCount(const QString &prefix);
 /// Items that have the ID or the name; `upperName` is upper-cased by the caller.
 [[nodiscard]] Statement sameStock(const QString &id, const QString &upperName);
@@ -63,7 +64,7 @@ struct StoreSettings
 [[nodiscard]] Statement deleteStock(const QString &upperId);
 /// The enabled items of a category, in the table's order. `category` may be allCategories.
 [[nodiscard]] Statement stockItems(bool hideFinished, const QString &category);
-/// The asterisks are no wildcards to the engine, and the condition on StockUse binds to the name alone.
+/// The asterisks are no wildcards to the engine, on purpose, and the condition on StockUse binds to the name alone.
 [[nodiscard]] Statement searchStock(const QString &upperText);
 /// What the reorder panel shows of an item.
 [[nodiscard]] Statement stockLevels(const QString &id);

