@@ -398,7 +398,9 @@ Answer Inventory::ask(const QString &text, int style)
 QString Inventory::askForText(const QString &prompt, const QString &title, const QString &initial)
 {
     finishWalks();
-    return m_platform.boxes->input(this, prompt, title, initial);
+    const QString answer = m_platform.boxes->input(this, prompt, title, initial);
+    m_breather.rest();
+    return answer;
 }
 
 void Inventory::warn(const QString &text)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/counter.h"
 
+#include "ui/stock_form.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
@@ -35,14 +36,6 @@ private Q_SLOTS:
 
 namespace {
 
-const QStringList fields{u"Combo6"_s, u"Combo5"_s, u"Combo7"_s, u"Combo8"_s, u"Combo13"_s, u"Combo14"_s, u"Combo15"_s};
-
-void enter(const Counter &counter, const QStringList &texts)
-{
-    for (qsizetype i = 0; i < fields.size(); ++i)
-        counter.setText(fields.at(i).toLatin1(), texts.at(i));
-}
-
 QStringList entered(const Counter &counter)
 {
     QStringList all;
@@ -51,41 +44,10 @@ QStringList entered(const Counter &counter)
     return all;
 }
 
-const QStringList bun{u"(Auto ID)"_s, u"OTHER CATEGORY"_s, u"BUN"_s, u"1.5"_s, u"3"_s, u"20"_s, u"Enabled"_s};
-
 QStringList withId(const QString &id, QStringList texts = bun)
 {
     texts[0] = id;
     return texts;
-}
-
-void openStock(Counter &counter)
-{
-    counter.file.sql(u"PRAGMA synchronous = OFF"_s);
-    counter.open();
-    counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
-    counter.connection->statements.clear();
-}
-
-void save(const Counter &counter)
-{
-    counter.click("Command16");
-}
-
-QStringList storedIds(const Counter &counter)
-{
-    return counter.file.rows(u"SELECT StockID FROM StockList ORDER BY rowid"_s);
-}
-
-/// What the list shows, its first columns.
-QStringList listed(const Counter &counter)
-{
-    const TextTableModel &rows = counter.find<RowList>("LV")->rows();
-    QStringList all;
-    for (int row = 0; row < rows.rowCount(); ++row)
-        all << rows.text(row, 0) + u'|' + rows.text(row, 1);
-    return all;
 }
 
 const QString updateOfTea = u"Update Stock [A1  |  TEA] with A1  |  BLACK TEA, HOT, Unit Cost 1,250.00, R. Level 3, "
