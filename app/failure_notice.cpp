@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +31,14 @@ constexpr std::chrono::milliseconds placeInterval(250);
 QString clockTime(const QDateTime &time)
 {
     return time.toString(u"HH:mm:ss"_s);
+}
+
+/// Each once, and no more than a small window has room for.
+QString newest(QStringList texts)
+{
+    constexpr qsizetype most = 3;
+    texts.removeDuplicates();
+    return texts.mid(std::max<qsizetype>(0, texts.size() - most)).join(u'\n');
 }
 
 QLabel *createLine(QWidget *parent, const QString &name)
@@ -88,43 +97,83 @@ void FailureNotice::add(const DbFailure &failure) noexcept
     if (failure.kind != DbFailure::Kind::Write)
         return;
     try {
-        note(failure);
-        showLines(failure);
-        keepClear();
-        show();
-        m_place.start();
-        QAccessibleEvent alert(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
+        present({{}, failedWork(failure), failureReason(failure), failureAdvice(failure), true});
     } catch (const std::exception &error) {
         qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
     }
 }
 
-void FailureNotice::note(const DbFailure &failure)
+void FailureNotice::tell(const Notice &notice) noexcept
+try {
+    const std::pair cause(notice.subject, notice.reason);
+    const auto sameWork = [&](const Line &line) { return line.notice.work == notice.work; };
+    const bool isThere = std::any_of(m_lines.cbegin(), m_lines.cend(), sameWork);
+    if (m_told.contains(cause) && !isThere)
+        return;
+    m_told.insert(cause);
+    present(notice);
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
+}
+
+void FailureNotice::add(const FileFailure &failure) noexcept
+try {
+    const QString subject = failureSubject(failure.kind);
+    if (failure.isOver)
+        return tellOver(subject);
+    const bool isCounted = failure.kind == FileFailure::Kind::Receipt;
+    tell({subject, failedWork(failure), failure.reason, failureAdvice(failure), isCounted});
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
+}
+
+void FailureNotice::tellOver(const QString &subject) noexcept
+{
+    m_told.removeIf([&](const auto &cause) { return cause.first == subject; });
+}
+
+void FailureNotice::present(const Notice &notice)
+{
+    note(notice);
+    showLines();
+    keepClear();
+    show();
+    m_place.start();
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+void FailureNotice::note(const Notice &notice)
 {
     if (m_lines.isEmpty())
         m_first = QDateTime::currentDateTime();
-    const QString work = failedWork(failure);
-    const auto same = [&](const Line &line) { return line.work == work; };
+    const auto same = [&](const Line &line) { return line.notice.work == notice.work; };
     const auto line = std::find_if(m_lines.begin(), m_lines.end(), same);
-    if (line != m_lines.end())
-        ++line->count;
+    if (line == m_lines.end())
+        m_lines << Line{notice, 1};
     else
-        m_lines << Line{work, 1};
+        *line = Line{notice, line->count + 1};
 }
 
-void FailureNotice::showLines(const DbFailure &failure)
+void FailureNotice::showLines()
 {
     const QString first = clockTime(m_first);
     const QString last = clockTime(QDateTime::currentDateTime());
     const QString time = first == last ? first : u"%1 to %2"_s.arg(first, last);
     m_heading->setText(u"\u26a0 Not saved (%1)"_s.arg(time));
     QStringList works;
-    for (const Line &line : m_lines)
-        works << (line.count == 1 ? line.work : u"%1 (%2 times)"_s.arg(line.work).arg(line.count));
+    QStringList reasons;
+    QStringList advices;
+    for (const Line &line : std::as_const(m_lines)) {
+        const Notice &notice = line.notice;
+        const bool often = notice.isCounted && line.count > 1;
+        works << (often ? u"%1 (%2 times)"_s.arg(notice.work).arg(line.count) : notice.work);
+        reasons << u"Reason: "_s + notice.reason;
+        advices << notice.advice;
+    }
     m_work->setText(works.join(u'\n'));
-    m_reason->setText(u"Reason: "_s + failureReason(failure));
-    m_advice->setText(failureAdvice(failure));
+    m_reason->setText(newest(reasons));
+    m_advice->setText(newest(advices));
     resize(noticeWidth, heightForWidth(noticeWidth));
 }
 

@@ -2,16 +2,29 @@
 #pragma once
 
 #include <harrowby/db_connection.h>
+#include <harrowby/file_failure.h>
 
 #include <QDateTime>
 #include <QFrame>
 #include <QList>
 #include <QPoint>
+#include <QSet>
+#include <QString>
 #include <QTimer>
 
 class QLabel;
 
 namespace harrowby::app {
+
+/// Something beside the failed statements that a person has to know.
+struct Notice
+{
+    QString subject; ///< what it is about, to know it again; never shown
+    QString work;    ///< what was not done, in one sentence
+    QString reason;
+    QString advice;         ///< what to do about it
+    bool isCounted = false; ///< says how often it has happened
+};
 
 /// A small window that says which changes failed, when, and what to do. It takes no focus, keeps clear of the totals,
 /// and stays until it is dismissed; what fails while it is there is counted in it. Hidden until the first failure.
@@ -26,6 +39,14 @@ public:
     /// loop, so it may be called in the middle of a sale.
     void add(const DbFailure &failure) noexcept;
 
+    /// Shows a notice in the same way, once for each cause: after it was dismissed, another one with the same subject
+    /// and reason is not shown until the subject was over.
+    void tell(const Notice &notice) noexcept;
+    /// A failed step outside the database, or that it is over.
+    void add(const FileFailure &failure) noexcept;
+    /// The subject is over. What the window shows stays, as it has happened.
+    void tellOver(const QString &subject) noexcept;
+
 public Q_SLOTS:
     /// Hides the window and forgets what it showed.
     void dismiss();
@@ -33,16 +54,18 @@ public Q_SLOTS:
 private:
     struct Line
     {
-        QString work;
+        Notice notice;
         int count = 0;
     };
 
     void layOut();
-    void note(const DbFailure &failure);
-    void showLines(const DbFailure &failure);
+    void present(const Notice &notice);
+    void note(const Notice &notice);
+    void showLines();
     void keepClear();
 
     QList<Line> m_lines;
+    QSet<std::pair<QString, QString>> m_told; ///< subject and reason
     QDateTime m_first;
     QLabel *m_heading = nullptr;
     QLabel *m_work = nullptr;

@@ -90,4 +90,50 @@ QString failureAdvice(const DbFailure &failure)
     }
 }
 
+QString failedWork(const FileFailure &failure)
+{
+    switch (failure.kind) {
+    case FileFailure::Kind::Receipt:
+        return u"A receipt was neither printed nor kept."_s;
+    case FileFailure::Kind::SettingsRead:
+        return u"The saved settings cannot be read: the usual ones are used."_s;
+    case FileFailure::Kind::SettingsWrite:
+        return u"The settings of this computer were not saved (printer, receipt, daily report)."_s;
+    }
+    return {};
+}
+
+QString failureAdvice(const FileFailure &failure)
+{
+    switch (failure.kind) {
+    case FileFailure::Kind::Receipt:
+        return u"Check the disk and the folder %1. Until then receipts are lost; the last one can be printed again "
+               u"with "
+               "\"Purchase Cart\" while the cart is empty."_s.arg(wrappingPath(failure.path));
+    case FileFailure::Kind::SettingsRead:
+        return u"Put the file %1 right, or move it away and save the settings anew."_s.arg(wrappingPath(failure.path));
+    case FileFailure::Kind::SettingsWrite:
+        return u"Check the disk and the file %1, then save the settings again."_s.arg(wrappingPath(failure.path));
+    }
+    return {};
+}
+
+QString failureSubject(FileFailure::Kind kind)
+{
+    switch (kind) {
+    case FileFailure::Kind::Receipt:
+        return u"receipt"_s;
+    case FileFailure::Kind::SettingsRead:
+        return u"settings read"_s;
+    case FileFailure::Kind::SettingsWrite:
+        break;
+    }
+    return u"settings"_s;
+}
+
+QString wrappingPath(QString path)
+{
+    return path.replace(u'/', u"/\u200b"_s);
+}
+
 } // namespace harrowby::app

@@ -3,9 +3,11 @@
 
 #include <harrowby/db_connection.h>
 
+#include <harrowby/file_failure.h>
+
 #include <QString>
 
-/// A failed statement in the words of the person at the till.
+/// What failed, in the words of the person at the till. First of all statements.
 namespace harrowby::app {
 
 /// What has not been done, for example "The purchase was not recorded."
@@ -14,5 +16,15 @@ namespace harrowby::app {
 [[nodiscard]] QString failureReason(const DbFailure &failure);
 /// What to do about it.
 [[nodiscard]] QString failureAdvice(const DbFailure &failure);
+
+/// The same of a step outside the database.
+[[nodiscard]] QString failedWork(const FileFailure &failure);
+[[nodiscard]] QString failureAdvice(const FileFailure &failure);
+
+/// One word for what such a failure is about.
+[[nodiscard]] QString failureSubject(FileFailure::Kind kind);
+
+/// A path that can be broken at its slashes, for lines that wrap.
+[[nodiscard]] QString wrappingPath(QString path);
 
 } // namespace harrowby::app

@@ -19,6 +19,7 @@
 #include "store_paths.h"
 #include "touch_keyboard.h"
 
+#include <harrowby/file_failure.h>
 #include <harrowby/init.h>
 #include <harrowby/saved_settings.h>
 #include <harrowby/sqlite_connection.h>
@@ -140,6 +141,7 @@ int sell(sqlite3 *database, BusyWait &wait)
     FailureNotice notice;
     const auto connection = std::make_shared<SqliteConnection>(database, QApplication::applicationDirPath());
     connection->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
+    setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
     wait.followEventLoop();
     supplyForeignWindows(connection);
     Init().LoadInventory(connection, {});
@@ -153,6 +155,7 @@ int sell(sqlite3 *database, BusyWait &wait)
     }
     // The component keeps the connection; the notice goes first.
     connection->setFailureHandler({});
+    setFileFailureHandler({});
     return code;
 }
 

@@ -2,11 +2,14 @@
 #include "platform/receipt_printer.h"
 
 #include "basic/logging.h"
+#include "platform/file_failures.h"
 #include "platform/hand_over.h"
 #include "platform/receipt_pdf.h"
 #include "platform/receipt_store.h"
 
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
@@ -31,6 +34,7 @@ void ReceiptPrinter::endDocument()
     const QByteArray pdf = receiptPdf(lines, receiptTitle(now));
     if (pdf.isEmpty()) {
         qCWarning(lcPrint).noquote() << receiptTitle(now) << "for" << m_deviceName << "cannot be drawn";
+        FileFailures::report(FileFailure::Kind::Receipt, receiptFolders().constFirst(), u"it cannot be drawn"_s);
         return;
     }
     const QString file = storeReceipt(pdf, now);

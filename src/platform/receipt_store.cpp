@@ -2,6 +2,8 @@
 #include "platform/receipt_store.h"
 
 #include "basic/logging.h"
+#include "basic/private_files.h"
+#include "platform/file_failures.h"
 
 #include <QDir>
 #include <QFile>
@@ -34,11 +36,6 @@ void syncFolder(const QDir &folder)
     ::close(handle);
 }
 
-bool writeDurably(QTemporaryFile &file, const QByteArray &bytes)
-{
-    return file.open() && file.write(bytes) == bytes.size() && file.flush() && ::fsync(file.handle()) == 0;
-}
-
 /// Gives the file its first free name; a name that another program takes meanwhile is passed over.
 QString rename(QTemporaryFile &file, const QDir &folder, const QString &title)
 {
@@ -54,22 +51,29 @@ QString rename(QTemporaryFile &file, const QDir &folder, const QString &title)
     return {};
 }
 
-QString storeIn(const QDir &folder, const QByteArray &pdf, const QString &title)
+struct Outcome
 {
-    QString reason = u"the folder cannot be created"_s;
-    if (folder.mkpath(u"."_s)) {
-        QTemporaryFile file(folder.filePath(u".receipt-XXXXXX"_s));
-        if (writeDurably(file, pdf)) {
-            if (const QString path = rename(file, folder, title); !path.isEmpty()) {
-                file.setAutoRemove(false);
-                syncFolder(folder);
-                return path;
-            }
+    QString path; ///< of the stored receipt; empty when it was not stored
+    QString reason;
+};
+
+Outcome storeIn(const QDir &folder, const QByteArray &pdf, const QString &title)
+{
+    QString reason = makePrivateFolder(folder.path());
+    if (reason.isEmpty()) {
+        QTemporaryFile file(folder.filePath(u".receipt-XXXXXX"_s)); // its owner's alone
+        reason = file.open() ? writeToDisk(file.handle(), pdf) : file.errorString();
+        const QString path = reason.isEmpty() ? rename(file, folder, title) : QString();
+        if (!path.isEmpty()) {
+            file.setAutoRemove(false);
+            syncFolder(folder);
+            return {path, {}};
         }
-        reason = file.errorString();
+        if (reason.isEmpty())
+            reason = file.errorString();
     }
     qCWarning(lcPrint).noquote() << "Receipt" << title << "cannot be written into" << folder.path() << "-" << reason;
-    return {};
+    return {{}, reason};
 }
 
 } // namespace
@@ -89,10 +93,17 @@ QString receiptTitle(const QDateTime &time)
 QString storeReceipt(const QByteArray &pdf, const QDateTime &time)
 {
     const QStringList folders = receiptFolders();
+    QStringList reasons;
     for (const QString &folder : folders) {
-        if (const QString path = storeIn(QDir(folder), pdf, receiptTitle(time)); !path.isEmpty())
-            return path;
+        const Outcome outcome = storeIn(QDir(folder), pdf, receiptTitle(time));
+        if (!outcome.path.isEmpty()) {
+            FileFailures::reportSuccess(FileFailure::Kind::Receipt, folder);
+            return outcome.path;
+        }
+        reasons << outcome.reason;
     }
+    reasons.removeDuplicates();
+    FileFailures::report(FileFailure::Kind::Receipt, folders.constFirst(), reasons.join(u"; "_s));
     return {};
 }
 

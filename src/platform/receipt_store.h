@@ -14,7 +14,8 @@ namespace harrowby {
 
 /// Writes a receipt into the first folder that takes it and returns the path of the new file; it is on the disk
 /// by then. The name tells the time ("Receipt 2026-11-20 14-07-09.pdf"); no file is ever overwritten. Failures are
-/// logged; an empty path means that no folder took it.
+/// logged; an empty path means that no folder took it, which the host is told. Receipt and folder are their owner's
+/// alone.
 [[nodiscard]] QString storeReceipt(const QByteArray &pdf, const QDateTime &time);
 
 /// The name of a receipt file without its ending.

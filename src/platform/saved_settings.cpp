@@ -2,12 +2,11 @@
 #include "platform/saved_settings.h"
 
 #include "basic/logging.h"
+#include "basic/private_files.h"
+#include "platform/file_failures.h"
 #include "platform/ini_text.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <optional>
@@ -23,27 +22,41 @@ QString userFile()
     return QStandardPaths::writableLocation(QStandardPaths::ConfigLocation) + u"/Harrowby/Harrowby.ini"_s;
 }
 
+constexpr qint64 largestFile = 1'000'000; // bytes
+
+/// Why the file could not be read; empty when `bytes` are its contents.
+QString readFrom(const QString &path, QByteArray &bytes)
+{
+    QFile file(path);
+    if (const QString reason = openOrdinaryFile(file, QIODevice::ReadOnly); !reason.isEmpty())
+        return reason;
+    bytes = file.read(largestFile + 1);
+    if (file.error() != QFileDevice::NoError)
+        return file.errorString();
+    return bytes.size() > largestFile ? u"it is larger than 1 MB"_s : QString();
+}
+
 /// The contents; empty bytes for a file that does not exist yet, nothing for one that cannot be read.
 std::optional<QByteArray> contentsOf(const QString &path)
 {
-    QFile file(path);
-    if (!file.exists())
-        return QByteArray();
-    if (file.open(QIODevice::ReadOnly)) {
-        const QByteArray bytes = file.readAll();
-        if (file.error() == QFileDevice::NoError)
-            return bytes;
+    QByteArray bytes;
+    const QString reason = QFile::exists(path) ? readFrom(path, bytes) : QString();
+    if (reason.isEmpty()) {
+        FileFailures::reportSuccess(FileFailure::Kind::SettingsRead, path);
+        return bytes;
     }
-    qCWarning(lcSettings).noquote() << "Cannot read" << path << "-" << file.errorString();
+    qCWarning(lcSettings).noquote() << "Cannot read" << path << "-" << reason;
+    FileFailures::report(FileFailure::Kind::SettingsRead, path, reason);
     return {};
 }
 
-void writeTo(const QString &path, const QByteArray &bytes)
+/// What was not written is told with its reason.
+void finishSaving(const QString &path, const QString &reason)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        qCWarning(lcSettings).noquote() << "Cannot write" << path << "-" << file.errorString();
+    if (reason.isEmpty())
+        return FileFailures::reportSuccess(FileFailure::Kind::SettingsWrite, path);
+    qCWarning(lcSettings).noquote() << "Cannot write" << path << "-" << reason;
+    FileFailures::report(FileFailure::Kind::SettingsWrite, path, reason);
 }
 
 } // namespace
@@ -67,10 +80,10 @@ void IniSettings::save(const QString &section, const QString &key, const QString
     // A file that is there but cannot be read is not replaced: it would lose the rest of it.
     const auto bytes = contentsOf(m_path);
     if (!bytes)
-        return;
+        return finishSaving(m_path, u"it cannot be read"_s);
     IniText text(*bytes);
     text.setValue(section, key, value);
-    writeTo(m_path, text.bytes());
+    finishSaving(m_path, writePrivateFile(m_path, text.bytes()));
 }
 
 } // namespace harrowby

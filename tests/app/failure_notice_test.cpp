@@ -63,6 +63,10 @@ private Q_SLOTS:
     void readsAreNotShown();
     void failuresAreCounted();
     void dismissingForgets();
+    void noticesComeOnceForEachCause();
+    void filesThatFail_data();
+    void filesThatFail();
+    void eachReasonIsShown();
     void takesNoFocus();
     void doesNotKeepTheProgramAlive();
     void textIsPlain();
@@ -186,6 +190,79 @@ void FailureNoticeTest::dismissingForgets()
     notice.add(writeFailure(u"INSERT PurchaseCart"_s));
     QVERIFY(notice.isVisible());
     QCOMPARE(text(notice, u"failureWork"_s), u"The purchase was not recorded."_s);
+}
+
+void FailureNoticeTest::noticesComeOnceForEachCause()
+{
+    FailureNotice notice;
+    const Notice log = {u"log"_s, u"The log cannot be written."_s, u"No space left on device"_s, u"Free some."_s};
+    notice.tell(log);
+    QVERIFY(notice.isVisible());
+    QCOMPARE(text(notice, u"failureWork"_s), log.work);
+    QCOMPARE(text(notice, u"failureReason"_s), u"Reason: No space left on device"_s);
+    QCOMPARE(text(notice, u"failureAdvice"_s), log.advice);
+    notice.tell(log);
+    QCOMPARE(text(notice, u"failureWork"_s), log.work); // not "(2 times)"
+    notice.dismiss();
+    notice.tell(log);
+    QVERIFY(!notice.isVisible());
+    notice.tell({log.subject, log.work, u"Permission denied"_s, log.advice});
+    QVERIFY(notice.isVisible()); // another cause
+    notice.dismiss();
+    notice.tellOver(u"another"_s);
+    notice.tell(log);
+    QVERIFY(!notice.isVisible());
+    notice.tellOver(log.subject);
+    notice.tell(log);
+    QVERIFY(notice.isVisible());
+}
+
+void FailureNoticeTest::filesThatFail_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("work");
+    QTest::addColumn<QString>("workAgain");
+    const auto row = [](const char *name, FileFailure::Kind kind, const QString &work, const QString &again) {
+        QTest::newRow(name) << int(kind) << work << again;
+    };
+    const auto receipt = u"A receipt was neither printed nor kept."_s;
+    row("receipt", FileFailure::Kind::Receipt, receipt, receipt + u" (2 times)"_s);
+    const auto unread = u"The saved settings cannot be read: the usual ones are used."_s;
+    row("settings that cannot be read", FileFailure::Kind::SettingsRead, unread, unread);
+    const auto unsaved = u"The settings of this computer were not saved (printer, receipt, daily report)."_s;
+    row("settings that cannot be saved", FileFailure::Kind::SettingsWrite, unsaved, unsaved);
+}
+
+void FailureNoticeTest::filesThatFail()
+{
+    QFETCH(int, kind);
+    FailureNotice notice;
+    const FileFailure failure = {FileFailure::Kind(kind), u"/deep/place"_s, u"No space left on device"_s};
+    notice.add(failure);
+    QVERIFY(notice.isVisible());
+    QTEST(text(notice, u"failureWork"_s), "work");
+    QCOMPARE(text(notice, u"failureReason"_s), u"Reason: No space left on device"_s);
+    QVERIFY(text(notice, u"failureAdvice"_s).contains(wrappingPath(failure.path)));
+    notice.add(failure);
+    QTEST(text(notice, u"failureWork"_s), "workAgain");
+    notice.dismiss();
+    notice.add(failure);
+    QVERIFY(!notice.isVisible());
+    notice.add({failure.kind, failure.path, {}, true});
+    QVERIFY(!notice.isVisible());
+    notice.add(failure);
+    QVERIFY(notice.isVisible());
+    QTEST(text(notice, u"failureWork"_s), "work");
+}
+
+void FailureNoticeTest::eachReasonIsShown()
+{
+    FailureNotice notice;
+    notice.add({FileFailure::Kind::Receipt, u"/place"_s, u"Permission denied"_s});
+    notice.add(writeFailure(lowerStock, SQLITE_FULL, u"database or disk is full"_s));
+    notice.add(writeFailure(u"INSERT PurchaseCart"_s, SQLITE_FULL, u"database or disk is full"_s));
+    QCOMPARE(text(notice, u"failureReason"_s), u"Reason: Permission denied\nReason: database or disk is full"_s);
+    QCOMPARE(text(notice, u"failureAdvice"_s).split(u'\n').size(), 2);
 }
 
 void FailureNoticeTest::takesNoFocus()

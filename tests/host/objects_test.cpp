@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <harrowby/file_failure.h>
 #include <harrowby/init.h>
 #include <harrowby/objects.h>
 #include <harrowby/saved_settings.h>
@@ -105,7 +106,17 @@ void ObjectsTest::aFileThatCannotBeWrittenIsTold()
     QVERIFY(QDir(folder).removeRecursively());
     QFile obstacle(folder);
     QVERIFY(obstacle.open(QIODevice::WriteOnly));
+    QList<FileFailure> failures;
+    setFileFailureHandler([&](const FileFailure &failure) { failures << failure; });
     QVERIFY(!saveSetting(u"Option"_s, u"EmailReport"_s, u"0"_s));
+    QVERIFY(!failures.isEmpty());
+    QVERIFY(failures.constFirst().kind == FileFailure::Kind::SettingsWrite);
+    QCOMPARE(failures.constFirst().path, folder + u"/Harrowby.ini"_s);
+    QVERIFY(!failures.constFirst().reason.isEmpty());
+    setFileFailureHandler({});
+    const qsizetype told = failures.size();
+    QVERIFY(!saveSetting(u"Option"_s, u"EmailReport"_s, u"0"_s));
+    QCOMPARE(failures.size(), told);
     QVERIFY(obstacle.remove());
     QVERIFY(!saveSetting(u"Option"_s, u"two\nlines"_s, u"0"_s)); // no name for a setting
 }

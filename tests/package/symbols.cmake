@@ -4,7 +4,7 @@ string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE ";" "," listing "${listing}")
 string(REPLACE "\n" ";" symbols "${listing}")
 
-set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection|registerClass|setPluginFolders|savedSetting|saveSetting)")
+set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection|registerClass|setPluginFolders|savedSetting|saveSetting|setFileFailureHandler)")
 set(wrong)
 foreach(symbol ${symbols})
     string(REGEX REPLACE "^[0-9a-f]* +[A-Za-z] " "" name "${symbol}")
@@ -30,6 +30,7 @@ foreach(needed
         "harrowby::setPluginFolders("
         "harrowby::savedSetting("
         "harrowby::saveSetting("
+        "harrowby::setFileFailureHandler("
         "vtable for harrowby::SqliteConnection"
         "typeinfo for harrowby::DbConnection")
     string(FIND "${listing}" "${needed}" found)

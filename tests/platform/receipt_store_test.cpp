@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/receipt_store.h"
 
+#include "platform/file_failures.h"
+
 #include "isolated_home.h"
 #include "log_capture.h"
 
@@ -10,6 +12,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace harrowby;
 using namespace harrowby::testing;
@@ -98,14 +101,34 @@ private Q_SLOTS:
         QVERIFY(log.hasLine({u"harrowby.print"_s, m_home.receipts()}));
     }
 
+    void receiptAndFolderAreTheOwnersAlone()
+    {
+        const auto mode = [](const QString &path) {
+            struct stat facts = {};
+            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+        };
+        QCOMPARE(mode(storeReceipt("%PDF", soldAt)), 0600);
+        QCOMPARE(mode(m_home.receipts()), 0700);
+    }
+
     void aFullDiskIsLoggedAndLeavesNoHalfReceipt()
     {
         const LogCapture log;
+        QList<FileFailure> failures;
+        FileFailures::setHandler([&](const FileFailure &failure) { failures << failure; });
         QString path;
         {
             const FullDisk full(1000);
             path = storeReceipt(QByteArray(5'000, 'x'), soldAt);
         }
+        QCOMPARE(failures.size(), 1);
+        QVERIFY(failures.constFirst().kind == FileFailure::Kind::Receipt);
+        QCOMPARE(failures.constFirst().path, m_home.receipts());
+        QCOMPARE(failures.constFirst().reason, u"File too large"_s);
+        QVERIFY(!storeReceipt("x", soldAt).isEmpty());
+        QVERIFY(failures.constLast().isOver);
+        FileFailures::setHandler({});
+        QVERIFY(QFile::remove(m_home.receiptFiles().constFirst()));
         QCOMPARE(path, QString());
         QCOMPARE(m_home.receiptFiles(), QStringList());
         for (const QString &folder : receiptFolders())

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/saved_settings.h"
 
+#include "platform/file_failures.h"
+
 #include "isolated_home.h"
 #include "log_capture.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTest>
+
+#include <sys/stat.h>
 
 using namespace harrowby;
 using namespace harrowby::testing;
@@ -17,7 +21,10 @@ class SavedSettingsTest : public QObject
     Q_OBJECT
 
 private:
+    using Kind = FileFailure::Kind;
+
     IsolatedHome m_home;
+    QList<FileFailure> m_failures;
 
     [[nodiscard]] QString file() const { return m_home.path(u".config/Harrowby/Harrowby.ini"_s); }
 
@@ -36,7 +43,17 @@ private:
     }
 
 private Q_SLOTS:
-    void init() { m_home.clear(); }
+    void init()
+    {
+        m_home.clear();
+        m_failures.clear();
+        FileFailures::setHandler([this](const FileFailure &failure) { m_failures << failure; });
+    }
+    void cleanup()
+    {
+        IniSettings(m_home.path(u"other.ini"_s)).save(u"POS"_s, u"COM"_s, {}); // whatever failed is over
+        FileFailures::setHandler({});
+    }
 
     void livesInTheConfigurationFolder() { QCOMPARE(IniSettings().path(), file()); }
 
@@ -97,6 +114,87 @@ private Q_SLOTS:
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
         QVERIFY(log.hasLine({u"harrowby.settings"_s, u"Cannot write"_s, file()}));
+        QCOMPARE(m_failures.size(), 1);
+        QVERIFY(m_failures.constFirst().kind == Kind::SettingsWrite);
+        QCOMPARE(m_failures.constFirst().path, file());
+        QCOMPARE(m_failures.constFirst().reason, u"Not a directory"_s);
+        QVERIFY(!m_failures.constFirst().isOver);
+    }
+
+    void theEndOfAFailureIsToldOnce()
+    {
+        QFile blocker(m_home.path(u".config"_s));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        QCOMPARE(m_failures.size(), 2);
+        QVERIFY(blocker.remove());
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        QCOMPARE(m_failures.size(), 3);
+        QVERIFY(m_failures.constLast().isOver);
+        QVERIFY(m_failures.constLast().kind == Kind::SettingsWrite);
+    }
+
+    void fileAndFoldersAreTheOwnersAlone()
+    {
+        const auto mode = [](const QString &path) {
+            struct stat facts = {};
+            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+        };
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        QCOMPARE(mode(file()), 0600);
+        QCOMPARE(mode(m_home.path(u".config/Harrowby"_s)), 0700);
+        QCOMPARE(mode(m_home.path(u".config"_s)), 0700);
+        // What somebody has chosen stays.
+        QCOMPARE(::chmod(QFile::encodeName(file()).constData(), 0644), 0);
+        IniSettings().save(u"POS"_s, u"COM"_s, u"kitchen"_s);
+        QCOMPARE(mode(file()), 0644);
+        QCOMPARE(contents(), "[POS]\nCOM=kitchen\n"_ba);
+    }
+
+    void whatIsNoFileIsNeitherWaitedForNorReplaced_data()
+    {
+        QTest::addColumn<bool>("isPipe");
+        QTest::newRow("pipe") << true;
+        QTest::newRow("endless device") << false;
+    }
+
+    void whatIsNoFileIsNeitherWaitedForNorReplaced()
+    {
+        QFETCH(bool, isPipe);
+        const LogCapture log;
+        QVERIFY(QDir().mkpath(m_home.path(u".config/Harrowby"_s)));
+        if (isPipe)
+            QCOMPARE(::mkfifo(QFile::encodeName(file()).constData(), 0600), 0);
+        else
+            QVERIFY(QFile::link(u"/dev/zero"_s, file()));
+        IniSettings settings;
+        QCOMPARE(settings.get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
+        QCOMPARE(m_failures.size(), 1);
+        QVERIFY(m_failures.constFirst().kind == Kind::SettingsRead);
+        QCOMPARE(m_failures.constFirst().reason, u"it is no ordinary file"_s);
+        settings.save(u"POS"_s, u"COM"_s, u"till"_s);
+        QVERIFY(m_failures.constLast().kind == Kind::SettingsWrite);
+        QVERIFY(!QFileInfo(file()).isFile());
+        QVERIFY(log.hasLine({u"harrowby.settings"_s, file()}));
+    }
+
+    void aHugeFileIsNotRead()
+    {
+        QVERIFY(QDir().mkpath(m_home.path(u".config/Harrowby"_s)));
+        const QByteArray line = "[POS]\nCOM=till\n";
+        write(line + QByteArray(1'000'000 - line.size(), ';'));
+        QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"till"_s);
+        QVERIFY(m_failures.isEmpty());
+        write(line + QByteArray(1'000'001 - line.size(), ';'));
+        QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
+        QCOMPARE(m_failures.size(), 1);
+        QCOMPARE(m_failures.constFirst().reason, u"it is larger than 1 MB"_s);
+        IniSettings().save(u"POS"_s, u"COM"_s, u"kitchen"_s);
+        QVERIFY(contents().startsWith(line));            // and not replaced
+        QVERIFY(QFile::resize(file(), qint64(1) << 40)); // sparse: it would fill no disk, but all memory
+        QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
     }
 
     void aNameThatNoLineCanHoldIsLogged()
