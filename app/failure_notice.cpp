@@ -127,6 +127,17 @@ try {
     qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
 }
 
+void FailureNotice::addLog(const QString &path, const QString &reason) noexcept
+try {
+    const auto subject = u"log"_s;
+    if (reason.isEmpty())
+        return tellOver(subject);
+    tell({subject, u"The log file cannot be written; warnings go to the terminal."_s, reason,
+          u"Check the disk and the file %1."_s.arg(wrappingPath(path))});
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
+}
+
 void FailureNotice::tellOver(const QString &subject) noexcept
 {
     m_told.removeIf([&](const auto &cause) { return cause.first == subject; });

@@ -44,6 +44,8 @@ public:
     void tell(const Notice &notice) noexcept;
     /// A failed step outside the database, or that it is over.
     void add(const FileFailure &failure) noexcept;
+    /// Why the log file cannot be written; it is over when that is empty.
+    void addLog(const QString &path, const QString &reason) noexcept;
     /// The subject is over. What the window shows stays, as it has happened.
     void tellOver(const QString &subject) noexcept;
 

@@ -1,36 +1,51 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFile>
+#include <QByteArray>
 #include <QMutex>
 #include <QString>
 #include <QtGlobal>
 
+#include <functional>
+#include <utility>
+
 namespace harrowby::app {
 
 /// A text file that lines are added to, each with the time. At its limit it becomes "<name>.1", in place of the one
-/// before, and a new one is begun. What cannot be written is dropped: a log must not stop a sale.
+/// before, and a new one is begun. Several programs may write the same log. Both files are their owner's alone. What
+/// cannot be written is dropped, as a log must not stop a sale, and its handler hears of it.
 class LogFile
 {
 public:
     static constexpr qint64 defaultLimit = 1024 * 1024;
+    /// Why lines cannot be written, told once for each reason; empty when they can be written again.
+    using Handler = std::function<void(const QString &reason)>;
 
     explicit LogFile(QString path, qint64 limit = defaultLimit);
-    /// May be called on any thread.
-    void add(QtMsgType type, const QString &category, const QString &message);
+    /// False when the line could not be written. May be called on any thread.
+    bool add(QtMsgType type, const QString &category, const QString &message);
+    /// Finds out whether lines can be written, before there are any.
+    void prove();
+    /// Called on the thread that adds a line. To be set before that.
+    void setHandler(Handler handler) { m_handler = std::move(handler); }
+    [[nodiscard]] const QString &path() const { return m_path; }
 
 private:
-    bool open();
+    QString write(const QByteArray &line);
+    QString append(const QByteArray &line, bool &isGone, qint64 &size);
     void rotate();
+    void tell(const QString &reason);
 
     QString m_path;
     qint64 m_limit;
-    QFile m_file;
     QMutex m_mutex;
+    QString m_reason; ///< the last one
+    Handler m_handler;
 };
 
 /// As long as it lives, the component's warnings (categories "harrowby.*") go into the log file, and to the terminal
-/// only when `verbose` is set. All other messages go where they went before. One at a time.
+/// (standard error) only when `verbose` is set or the file does not take them. All other messages go where they went
+/// before. One at a time.
 class LogRouting
 {
 public:

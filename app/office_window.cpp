@@ -30,6 +30,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     QDialog(parent)
 {
     setWindowTitle(u"Store"_s);
+    setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
     setWindowFlag(Qt::WindowMinMaxButtonsHint);
     enlargeFont(*this);
     m_receipt = new ReceiptPage(settings, this);

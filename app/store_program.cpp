@@ -136,9 +136,8 @@ void setUpApplication()
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-int sell(sqlite3 *database, BusyWait &wait)
+int sell(sqlite3 *database, BusyWait &wait, FailureNotice &notice)
 {
-    FailureNotice notice;
     const auto connection = std::make_shared<SqliteConnection>(database, QApplication::applicationDirPath());
     connection->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
     setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
@@ -159,11 +158,25 @@ int sell(sqlite3 *database, BusyWait &wait)
     return code;
 }
 
-int keepOffice(sqlite3 *database, const QString &path, BusyWait &wait)
+int keepOffice(sqlite3 *database, const QString &path, BusyWait &wait, FailureNotice &notice)
 {
+    // What it could not save the office says itself.
+    setFileFailureHandler([&notice](const FileFailure &failure) {
+        if (failure.kind == FileFailure::Kind::SettingsRead)
+            notice.add(failure);
+    });
     wait.followEventLoop();
     const OfficeEnd end = runOffice(database, path, {savedSetting, saveSetting});
+    setFileFailureHandler({});
     return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
+}
+
+/// The log may be written on any thread.
+void tellLogTroubles(LogFile &log, FailureNotice &notice)
+{
+    log.setHandler([&notice, path = log.path()](const QString &reason) {
+        QMetaObject::invokeMethod(&notice, [&notice, path, reason] { notice.addLog(path, reason); });
+    });
 }
 
 /// Nothing without the option; a keyboard that is not installed is told and does not stop the start.
@@ -186,12 +199,15 @@ int run(int argc, char **argv)
     if (line.noPlugins)
         leaveOutPlugins();
     const auto keyboard = startKeyboard(line, missingKeyboard);
+    FailureNotice notice;
     LogFile log(logPath());
+    tellLogTroubles(log, notice);
     const LogRouting routing(log, line.verbose);
     const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
     BusyWait wait;
     const Database database = openOrRefuse(path, wait);
-    return line.office ? keepOffice(database.get(), path, wait) : sell(database.get(), wait);
+    log.prove();
+    return line.office ? keepOffice(database.get(), path, wait, notice) : sell(database.get(), wait, notice);
 }
 
 } // namespace

@@ -86,7 +86,7 @@ QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode)
     return file.errorString();
 }
 
-QString writeToDisk(int descriptor, QByteArrayView bytes)
+QString writeAll(int descriptor, QByteArrayView bytes)
 {
     while (!bytes.isEmpty()) {
         const auto written = ::write(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()));
@@ -94,6 +94,13 @@ QString writeToDisk(int descriptor, QByteArrayView bytes)
             return systemReason();
         bytes = bytes.sliced(std::max<qsizetype>(written, 0));
     }
+    return {};
+}
+
+QString writeToDisk(int descriptor, QByteArrayView bytes)
+{
+    if (const QString reason = writeAll(descriptor, bytes); !reason.isEmpty())
+        return reason;
     // A file system that cannot promise it is not to blame.
     if (::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)
         return {};

@@ -18,7 +18,9 @@ namespace harrowby {
 /// is missing, for its owner alone. What is no ordinary file, a pipe or a device, is refused and never waited for.
 [[nodiscard]] QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode);
 
-/// Writes the bytes to where the descriptor stands, and waits until they are on the disk.
+/// Writes the bytes to where the descriptor stands.
+[[nodiscard]] QString writeAll(int descriptor, QByteArrayView bytes);
+/// The same, and waits until they are on the disk.
 [[nodiscard]] QString writeToDisk(int descriptor, QByteArrayView bytes);
 
 /// Makes or replaces a file in one step, in a folder that is made when it is missing. A new file is its owner's alone;

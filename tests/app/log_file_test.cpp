@@ -2,10 +2,19 @@
 #include "basic/logging.h"
 #include "log_file.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -47,7 +56,14 @@ private Q_SLOTS:
     void lineHasTimeLevelAndCategory();
     void messageIsOneLine();
     void fullFileIsPutAsideOnce();
-    void placeThatCannotBeWrittenIsNoFailure();
+    void twoProgramsRotateOneLog();
+    void manyProgramsLoseNoLine();
+    void hugeFileIsPutAside();
+    void filesAreTheOwnersAlone();
+    void whatIsNoFileIsNotWaitedFor_data();
+    void whatIsNoFileIsNotWaitedFor();
+    void placeThatCannotBeWrittenIsToldOnce();
+    void withoutAFileWarningsGoToTheTerminal();
     void componentsWarningsGoIntoTheFileOnly();
     void verboseShowsThemInTheTerminalToo();
     void otherMessagesGoWhereTheyWent();
@@ -90,10 +106,137 @@ void LogFileTest::fullFileIsPutAsideOnce()
     QVERIFY(all.constLast().contains(u"number 49 "_s));
 }
 
-void LogFileTest::placeThatCannotBeWrittenIsNoFailure()
+void LogFileTest::twoProgramsRotateOneLog()
 {
-    LogFile log(u"/proc/nowhere/harrowby.log"_s);
-    log.add(QtWarningMsg, u"c"_s, u"lost"_s);
+    LogFile one(m_path, 400);
+    LogFile other(m_path, 400);
+    other.add(QtWarningMsg, u"c"_s, u"line 0 of the other"_s);
+    int written = 1;
+    while (!QFile::exists(m_path + u".1"_s))
+        one.add(QtWarningMsg, u"c"_s, u"line %1 of the one"_s.arg(written++));
+    other.add(QtWarningMsg, u"c"_s, u"last line of the other"_s);
+    const QStringList older = linesOf(m_path + u".1"_s);
+    QCOMPARE(older.size(), written);
+    QVERIFY(older.constFirst().endsWith(u"line 0 of the other"_s));
+    QCOMPARE(linesOf(m_path).size(), 1);
+    QVERIFY(linesOf(m_path).constFirst().endsWith(u"last line of the other"_s));
+}
+
+void LogFileTest::manyProgramsLoseNoLine()
+{
+    constexpr int programs = 4;
+    constexpr int lines = 500;
+    constexpr qint64 limit = 120'000; // reached once: a second time would take the oldest lines with it
+    std::vector<std::thread> running;
+    for (int program = 0; program < programs; ++program) {
+        running.emplace_back([this, program] {
+            LogFile log(m_path, limit);
+            for (int i = 0; i < lines; ++i)
+                log.add(QtWarningMsg, u"c"_s, u"program %1 line %2 %3"_s.arg(program).arg(i).arg(QString(20, u'x')));
+        });
+    }
+    for (std::thread &program : running)
+        program.join();
+    const QStringList all = linesOf(m_path + u".1"_s) + linesOf(m_path);
+    QVERIFY(QFile::exists(m_path + u".1"_s));
+    QCOMPARE(all.size(), programs * lines);
+    QCOMPARE(QDir(QFileInfo(m_path).path()).entryList(QDir::Files | QDir::Hidden),
+             (QStringList{u"harrowby.log"_s, u"harrowby.log.1"_s}));
+}
+
+void LogFileTest::hugeFileIsPutAside()
+{
+    QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+    QFile huge(m_path);
+    QVERIFY(huge.open(QIODevice::WriteOnly));
+    QVERIFY(huge.resize(qint64(1) << 40)); // sparse; and full, as the disk says below
+    huge.close();
+    rlimit before = {};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full = {rlim_t(1) << 40, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &full);
+    const bool written = LogFile(m_path).add(QtWarningMsg, u"c"_s, u"the first after it"_s);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    QVERIFY(written);
+    QCOMPARE(linesOf(m_path).size(), 1);
+    QCOMPARE(QFile(m_path + u".1"_s).size(), qint64(1) << 40);
+}
+
+void LogFileTest::filesAreTheOwnersAlone()
+{
+    const auto mode = [](const QString &path) {
+        struct stat facts = {};
+        return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+    };
+    LogFile log(m_path, 100);
+    log.add(QtWarningMsg, u"c"_s, QString(100, u'x'));
+    log.add(QtWarningMsg, u"c"_s, u"x"_s);
+    QCOMPARE(mode(m_path), 0600);
+    QCOMPARE(mode(m_path + u".1"_s), 0600);
+    QCOMPARE(mode(QFileInfo(m_path).path()), 0700);
+}
+
+void LogFileTest::whatIsNoFileIsNotWaitedFor_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::newRow("pipe") << u"pipe"_s;
+    QTest::newRow("device") << u"/dev/null"_s;
+    QTest::newRow("pipe for the lock") << u"lock"_s;
+}
+
+void LogFileTest::whatIsNoFileIsNotWaitedFor()
+{
+    QFETCH(QString, what);
+    QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+    const bool isLock = what == u"lock"_s;
+    const QString name = isLock ? m_path + u".lock"_s : m_path;
+    if (what.startsWith(u'/'))
+        QVERIFY(QFile::link(what, name));
+    else
+        QCOMPARE(::mkfifo(QFile::encodeName(name).constData(), 0600), 0);
+    LogFile log(m_path, 10);
+    QString reason;
+    log.setHandler([&](const QString &told) { reason = told; });
+    QCOMPARE(log.add(QtWarningMsg, u"c"_s, u"a line"_s), isLock);
+    QCOMPARE(reason, isLock ? QString() : u"it is no ordinary file"_s);
+    QVERIFY(!QFile::exists(m_path + u".1"_s));
+}
+
+void LogFileTest::placeThatCannotBeWrittenIsToldOnce()
+{
+    QFile obstacle(m_folder->filePath(u"deep"_s));
+    QVERIFY(obstacle.open(QIODevice::WriteOnly));
+    LogFile log(m_path);
+    QStringList told;
+    log.setHandler([&](const QString &reason) { told << reason; });
+    log.prove();
+    QCOMPARE(told, QStringList{u"Not a directory"_s});
+    QVERIFY(!log.add(QtWarningMsg, u"c"_s, u"lost"_s));
+    QVERIFY(!log.add(QtWarningMsg, u"c"_s, u"lost"_s));
+    QCOMPARE(told.size(), 1);
+    QVERIFY(obstacle.remove());
+    QVERIFY(log.add(QtWarningMsg, u"c"_s, u"kept"_s));
+    QCOMPARE(told, (QStringList{u"Not a directory"_s, QString()}));
+    QCOMPARE(linesOf(m_path).size(), 1);
+}
+
+void LogFileTest::withoutAFileWarningsGoToTheTerminal()
+{
+    QFile terminal(m_folder->filePath(u"terminal"_s));
+    QVERIFY(terminal.open(QIODevice::ReadWrite));
+    const int usual = ::dup(STDERR_FILENO);
+    ::dup2(terminal.handle(), STDERR_FILENO);
+    {
+        LogFile log(u"/proc/nowhere/harrowby.log"_s);
+        const LogRouting routing(log, false);
+        qCWarning(lcPrint) << "nowhere else";
+    }
+    ::dup2(usual, STDERR_FILENO);
+    ::close(usual);
+    const QStringList lines = linesOf(terminal.fileName());
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines.constFirst().endsWith(u"warning harrowby.print: nowhere else"_s), qPrintable(lines.constFirst()));
 }
 
 void LogFileTest::componentsWarningsGoIntoTheFileOnly()

@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace harrowby::app::test;
 
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void newStoreIsCreatedAndClosed();
     void itemIsSold();
     void failedWriteIsShownAtOnce();
+    void whatIsLostOutsideTheDatabaseIsShown();
     void demoShopTellsHowToLogIn();
 
 private:
@@ -157,6 +160,38 @@ void SaleTest::failedWriteIsShownAtOnce()
     QFile log(m_home.filePath(u"data/Harrowby/harrowby.log"_s));
     QVERIFY(log.open(QIODevice::ReadOnly));
     QVERIFY(log.readAll().contains("no such table: SysUsage"));
+}
+
+void SaleTest::whatIsLostOutsideTheDatabaseIsShown()
+{
+    const QTemporaryDir home; // in which nothing but the store can be written
+    const auto block = [&](const QString &name) { return QFile(home.filePath(name)).open(QIODevice::WriteOnly); };
+    QVERIFY(QDir(home.path()).mkpath(u"data/Harrowby/harrowby.log"_s));
+    QVERIFY(QDir(home.path()).mkpath(u"config/Harrowby"_s));
+    QVERIFY(block(u"Documents"_s) && block(u"data/Harrowby/Harrowby Receipts"_s));
+    const QByteArray settings = QFile::encodeName(home.filePath(u"config/Harrowby/Harrowby.ini"_s));
+    QCOMPARE(::mkfifo(settings.constData(), 0600), 0);
+    const QString shop = home.filePath(u"data/Harrowby/shop.sqlite"_s);
+    makeStore(shop);
+
+    RunningProgram program(m_screen, home.path());
+    QVERIFY(program.start({u"--database"_s, shop}));
+    QTRY_VERIFY2_WITH_TIMEOUT(program.has(u"failureNotice"_s), qPrintable(program.errors()), 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(program.text(u"failureWork"_s).contains(u"saved settings cannot be read"_s), 30000);
+    QVERIFY(program.text(u"failureWork"_s).contains(u"log file cannot be written"_s));
+    logIn(program, u"administrator"_s, u"secret"_s);
+    QVERIFY(program.press(u"failureDismiss"_s));
+    QVERIFY(program.press(u"Command1_0"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(program.text(u"Label5"_s) != u"Total: 0.00"_s, 30000);
+    QVERIFY(program.press(u"Command14"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(program.box().contains(u"Purchased Cart?"_s), 30000);
+    QVERIFY(program.press(u"Yes"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(program.box().startsWith(u"Items have been purchased!"_s), 30000);
+    QVERIFY(program.press(u"OK"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"A receipt was neither printed nor kept."_s, 30000);
+    const QString errors = program.errors();
+    QVERIFY2(errors.contains(u"harrowby.print: Receipt"_s), qPrintable(errors));
+    closeWindow(program);
 }
 
 void SaleTest::demoShopTellsHowToLogIn()
