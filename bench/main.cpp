@@ -34,16 +34,18 @@ struct Plan
     std::vector<CatalogueSize> sizes;
     int runs = 0;
     bool counterOnly = false;
+    bool reportOnly = false;
     qint64 comparedAt = 0; ///< items of the shop in which growth and memory are measured
 };
 
 Plan planFor(const QCommandLineParser &options)
 {
     const bool counterOnly = options.isSet(u"counter"_s);
+    const bool reportOnly = options.isSet(u"report"_s);
     if (options.isSet(u"quick"_s))
-        return {{1'000, 100}, {{1'000, 10'000}, {10'000, 20'000}}, 5, counterOnly, 10'000};
+        return {{1'000, 100}, {{1'000, 10'000}, {10'000, 20'000}}, 5, counterOnly, reportOnly, 10'000};
     const int runs = std::max(1, options.value(u"runs"_s).toInt());
-    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, 100'000};
+    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, reportOnly, 100'000};
     if (options.isSet(u"million"_s))
         plan.sizes.push_back({1'000'000, 1'000'000});
     return plan;
@@ -83,11 +85,12 @@ std::vector<Line> Measurement::run()
         const ShopFile &shop = *shops.emplace_back(makeShop(size));
         say(u"Measuring, %1 runs each ..."_s.arg(m_plan.runs));
         const WorksOptions options{size.items, m_plan.runs, m_now};
-        if (!m_plan.counterOnly)
+        if (!m_plan.counterOnly && !m_plan.reportOnly)
             add(measureWorks(shop.database(), options));
-        if (size.items == m_plan.comparedAt)
+        if (size.items == m_plan.comparedAt && !m_plan.reportOnly)
             compare(*shops.front(), shop, size);
-        add(measureCounter(shop.database(), options));
+        if (!m_plan.reportOnly)
+            add(measureCounter(shop.database(), options));
         add(measureReport(shop.database(), options));
     }
     return m_lines;
@@ -148,6 +151,7 @@ void addOptions(QCommandLineParser &options)
     options.addOption({u"runs"_s, u"Runs of each piece of work."_s, u"number"_s, u"31"_s});
     options.addOption({u"quick"_s, u"Small shops and few runs, to see that it works."_s});
     options.addOption({u"counter"_s, u"Leaves out what sells: stock, custom sale, undo and deletion alone."_s});
+    options.addOption({u"report"_s, u"The sales report alone."_s});
     options.addOption({u"million"_s, u"Measures at 1,000,000 items as well."_s});
     options.addOption({u"keep"_s, u"Makes the shops in this empty folder and leaves them there."_s, u"folder"_s});
     QCommandLineOption resident(u"resident"_s, {}, u"window"_s);

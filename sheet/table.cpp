@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +60,29 @@ bool isLess(const Cell &one, const Cell &other)
     return one < other;
 }
 
+/// What a row is sorted by. Rows lie scattered in the memory, and a sort looks at each of them dozens of times, so
+/// figures are taken along.
+struct SortKey
+{
+    const Cell *cell = nullptr;
+    const double *figure = nullptr; ///< the cell's, where it is one
+    double value = 0.0;
+    std::size_t row = 0;
+};
+
+SortKey sortKey(const Cell &cell, std::size_t row)
+{
+    const auto *figure = std::get_if<double>(&cell);
+    return {&cell, figure, figure != nullptr ? *figure : 0.0, row};
+}
+
+bool isLess(const SortKey &one, const SortKey &other)
+{
+    if (one.figure != nullptr && other.figure != nullptr)
+        return one.value < other.value;
+    return isLess(*one.cell, *other.cell);
+}
+
 } // namespace
 
 QString shownText(const Cell &cell, Kind kind)
@@ -101,10 +125,18 @@ QString dayText(const QDate &day)
 void sortRows(std::vector<Row> &rows, int column, Qt::SortOrder order)
 {
     const auto at = static_cast<std::size_t>(column);
-    std::stable_sort(rows.begin(), rows.end(), [&](const Row &one, const Row &other) {
-        const bool ascending = order == Qt::AscendingOrder;
-        return ascending ? isLess(one.at(at), other.at(at)) : isLess(other.at(at), one.at(at));
+    std::vector<SortKey> keys;
+    keys.reserve(rows.size());
+    for (const Row &row : rows)
+        keys.push_back(sortKey(row.at(at), keys.size()));
+    std::stable_sort(keys.begin(), keys.end(), [order](const SortKey &one, const SortKey &other) {
+        return order == Qt::AscendingOrder ? isLess(one, other) : isLess(other, one);
     });
+    std::vector<Row> sorted;
+    sorted.reserve(rows.size());
+    for (const SortKey &key : keys)
+        sorted.push_back(std::move(rows[key.row]));
+    rows = std::move(sorted);
 }
 
 } // namespace harrowby::sheet

@@ -82,41 +82,47 @@ Bars dayBars(const Sales &sales, const Period &period)
     return bars;
 }
 
-/// The largest ones, and the rest as one.
-Bars nameBars(std::vector<Bar> all, const QString &title)
+/// A name where it lies, as there may be a hundred thousand of which seven are shown.
+struct NamedAmount
 {
-    std::sort(all.begin(), all.end(), [](const Bar &one, const Bar &other) {
-        return one.amount != other.amount ? one.amount > other.amount : one.label < other.label;
+    QStringView name;
+    double amount = 0.0;
+};
+
+/// The largest ones, and the rest as one.
+Bars nameBars(std::vector<NamedAmount> all, const QString &title)
+{
+    const std::size_t shown = all.size() > mostNames + 1 ? mostNames : all.size();
+    const auto rest = all.begin() + static_cast<std::ptrdiff_t>(shown);
+    std::partial_sort(all.begin(), rest, all.end(), [](const NamedAmount &one, const NamedAmount &other) {
+        return one.amount != other.amount ? one.amount > other.amount : one.name < other.name;
     });
-    if (all.size() > mostNames + 1) {
-        Bar others{u"%1 others"_s.arg(all.size() - mostNames), 0.0};
-        for (std::size_t i = mostNames; i < all.size(); ++i)
-            others.amount += all.at(i).amount;
-        all.resize(mostNames);
-        all.push_back(others);
+    Bars bars{{}, title, true, false};
+    for (auto one = all.begin(); one != rest; ++one)
+        bars.bars.push_back({one->name.toString(), one->amount});
+    if (rest != all.end()) {
+        Bar others{u"%1 others"_s.arg(all.end() - rest), 0.0};
+        for (auto one = rest; one != all.end(); ++one)
+            others.amount += one->amount;
+        bars.bars.push_back(others);
     }
-    return {std::move(all), title, true, false};
+    return bars;
 }
 
 Bars sellerBars(const Sales &sales)
 {
-    std::vector<Bar> all;
+    std::vector<NamedAmount> all;
     for (const auto &[name, sums] : sales.bySeller)
-        all.push_back({name.trimmed().isEmpty() ? nobodyText : name, sums.amount});
+        all.push_back({QStringView(name).trimmed().isEmpty() ? nobodyText : name, sums.amount});
     return nameBars(std::move(all), u"Amount of each seller"_s);
-}
-
-QString nameOfKey(const QString &key)
-{
-    const qsizetype at = key.indexOf(u"  |  "_s);
-    return at < 0 ? key : key.mid(at + 5).trimmed();
 }
 
 Bars itemBars(const Sales &sales)
 {
-    std::vector<Bar> all;
-    for (const auto &[key, sums] : sales.byItem)
-        all.push_back({nameOfKey(key), sums.amount});
+    std::vector<NamedAmount> all;
+    all.reserve(sales.byItem.entries().size() + 1);
+    for (const auto &[key, sums] : sales.byItem.entries())
+        all.push_back({idAndName(key).name, sums.amount});
     if (sales.unreadable.purchases > 0)
         all.push_back({unreadableText, sales.unreadable.amount});
     return nameBars(std::move(all), u"Items by amount"_s);

@@ -1,16 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "report/item_lines.h"
 
-#include <cmath>
+#include <array>
 #include <optional>
 
 namespace harrowby::report {
 
 namespace {
 
+// All that parts a line from the next, and a name from its figures. A million purchases are taken apart for one report,
+// so the text is looked at sign by sign, and only where its rarest sign has been found.
 constexpr QStringView times = u" x ";
 constexpr QStringView equals = u" = ";
 constexpr QStringView joint = u", ";
+
+constexpr int mostDigits = 17;
+/// Exact, all of them.
+constexpr std::array<double, mostDigits + 1> powersOfTen{1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
+                                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
 
 struct Number
 {
@@ -26,7 +33,6 @@ bool isDigit(QChar sign)
 /// A sign, digits with grouping commas between them, a point and digits. Too many digits for a till are no number.
 std::optional<Number> readNumber(QStringView text, qsizetype start)
 {
-    constexpr int mostDigits = 17;
     const bool negative = start < text.size() && text.at(start) == u'-';
     qsizetype at = start + (negative ? 1 : 0);
     double digits = 0.0;
@@ -47,13 +53,39 @@ std::optional<Number> readNumber(QStringView text, qsizetype start)
     }
     if (count == 0 || count > mostDigits)
         return {};
-    const double value = decimals > 0 ? digits / std::pow(10.0, decimals) : digits;
+    const double value = decimals > 0 ? digits / powersOfTen[static_cast<std::size_t>(decimals)] : digits;
     return Number{negative ? -value : value, at};
 }
 
 bool standsAt(QStringView text, qsizetype at, QStringView what)
 {
-    return text.mid(at).startsWith(what);
+    if (text.size() - at < what.size())
+        return false;
+    for (qsizetype i = 0; i < what.size(); ++i) {
+        if (text[at + i] != what[i])
+            return false;
+    }
+    return true;
+}
+
+/// Where " = " stands next; below 0 when nowhere.
+qsizetype findEquals(QStringView text, qsizetype from)
+{
+    for (qsizetype sign = text.indexOf(u'=', from + 1); sign >= 0; sign = text.indexOf(u'=', sign + 1)) {
+        if (standsAt(text, sign - 1, equals))
+            return sign - 1;
+    }
+    return -1;
+}
+
+/// Where ", " stands next; below 0 when nowhere.
+qsizetype findJoint(QStringView text, qsizetype from)
+{
+    for (qsizetype sign = text.indexOf(u',', from); sign >= 0; sign = text.indexOf(u',', sign + 1)) {
+        if (standsAt(text, sign, joint))
+            return sign;
+    }
+    return -1;
 }
 
 /// The quantity that begins a line, if one begins here; its end lies behind the " x ".
@@ -69,7 +101,7 @@ std::optional<Number> readStart(QStringView text, qsizetype at)
 /// Where the next line begins behind a joint, from `at` on; the text's length when none does.
 qsizetype nextStart(QStringView text, qsizetype at)
 {
-    for (qsizetype found = text.indexOf(joint, at); found >= 0; found = text.indexOf(joint, found + 1)) {
+    for (qsizetype found = findJoint(text, at); found >= 0; found = findJoint(text, found + 1)) {
         if (readStart(text, found + joint.size()))
             return found + joint.size();
     }
@@ -88,7 +120,7 @@ std::optional<LineEnd> findEnd(QStringView text, qsizetype keyStart)
 {
     std::optional<LineEnd> doubtful;
     qsizetype afterDoubt = text.size();
-    for (qsizetype at = text.indexOf(equals, keyStart); at >= 0; at = text.indexOf(equals, at + 1)) {
+    for (qsizetype at = findEquals(text, keyStart); at >= 0; at = findEquals(text, at + 1)) {
         const auto amount = readNumber(text, at + equals.size());
         if (!amount)
             continue;
@@ -117,9 +149,9 @@ void addLine(QStringView text, const Number &start, const LineEnd &end, ItemLine
 
 } // namespace
 
-ItemLines readItemLines(QStringView text)
+void readItemLines(QStringView text, ItemLines &result)
 {
-    ItemLines result;
+    result.lines.clear();
     result.whole = !text.isEmpty();
     qsizetype at = 0;
     while (at < text.size()) {
@@ -137,7 +169,16 @@ ItemLines readItemLines(QStringView text)
         addLine(text, *start, *end, result);
         at = end->amount.end + joint.size();
     }
-    return result;
+}
+
+IdAndName idAndName(QStringView key)
+{
+    constexpr QStringView bar = u"  |  ";
+    for (qsizetype sign = key.indexOf(u'|', 2); sign >= 0; sign = key.indexOf(u'|', sign + 1)) {
+        if (standsAt(key, sign - 2, bar))
+            return {key.first(sign - 2).trimmed(), key.sliced(sign + 3).trimmed()};
+    }
+    return {{}, key};
 }
 
 } // namespace harrowby::report

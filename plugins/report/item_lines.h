@@ -22,7 +22,16 @@ struct ItemLines
 };
 
 /// Takes a purchase's stored text apart. The joints are not escaped there, so a name may hold " x ", " = " and ", ": a
-/// line ends at the first amount that another line, or nothing, follows.
-[[nodiscard]] ItemLines readItemLines(QStringView text);
+/// line ends at the first amount that another line, or nothing, follows. `result` is given for its memory.
+void readItemLines(QStringView text, ItemLines &result);
+
+struct IdAndName
+{
+    QStringView id; ///< empty when the key has no bar
+    QStringView name;
+};
+
+/// Both halves of a key, trimmed; a key without a bar is a name as it is.
+[[nodiscard]] IdAndName idAndName(QStringView key);
 
 } // namespace harrowby::report

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "report/item_lines.h"
+#include "report/item_tally.h"
 #include "report/period.h"
 
-#include <QHash>
 #include <QString>
 
 #include <map>
 #include <optional>
-#include <unordered_map>
 
 namespace harrowby::report {
 
@@ -33,37 +33,20 @@ struct Sums
     }
 };
 
-struct ItemSums
-{
-    qint64 purchases = 0; ///< purchases, each counted once a line
-    double quantity = 0.0;
-    double amount = 0.0;
-};
-
-/// Finds a key by a piece of a longer text, without a copy.
-struct KeyHash
-{
-    using is_transparent = void;
-    [[nodiscard]] std::size_t operator()(QStringView key) const { return qHash(key); }
-};
-struct KeyEqual
-{
-    using is_transparent = void;
-    [[nodiscard]] bool operator()(QStringView one, QStringView other) const { return one == other; }
-};
-using ItemMap = std::unordered_map<QString, ItemSums, KeyHash, KeyEqual>;
-
 /// What a reading has found.
 struct Sales
 {
     Sums total;
     std::map<QString, Sums> byDay;    ///< by dayKey(), or what stands in its place
     std::map<QString, Sums> bySeller; ///< by user name as it is stored
-    ItemMap byItem;                   ///< by item key; only when items are asked for
+    ItemTally byItem;                 ///< only when items are asked for
     Sums unreadable;                  ///< purchases, or parts of them, that name no items
 
     /// A purchase's items as it is stored, and what it cost.
-    void addItems(const QString &purchasedItems, double cost);
+    void addItems(QStringView purchasedItems, double cost);
+
+private:
+    ItemLines m_lines; ///< of the purchase that was added last, for their memory
 };
 
 /// 0 for what is no figure at all, such as infinity.

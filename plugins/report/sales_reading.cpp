@@ -47,7 +47,13 @@ void SalesReading::advance()
     else if (m_query.grouping == Grouping::Item && !m_readingItems)
         openItems();
     else
-        m_state = State::Done;
+        finish();
+}
+
+void SalesReading::finish()
+{
+    m_sales.byItem.settle();
+    m_state = State::Done;
 }
 
 void SalesReading::openSlice()
@@ -101,7 +107,9 @@ void SalesReading::readRow()
 {
     if (m_readingItems) {
         ++m_itemRows;
-        m_sales.addItems(valueText(m_cursor->value(0)), finite(valueNumber(m_cursor->value(1))));
+        const auto items = m_cursor->text(0);
+        m_sales.addItems(items ? QString::fromUtf8(*items) : valueText(m_cursor->value(0)),
+                         finite(valueNumber(m_cursor->value(1))));
         return;
     }
     const auto count = static_cast<qint64>(valueNumber(m_cursor->value(2)));

@@ -33,6 +33,7 @@ public:
 
 private:
     void advance();
+    void finish();
     void openSlice();
     void openItems();
     void open(const QString &select);

@@ -51,13 +51,16 @@ void addSellers(sheet::Table &table, const Sales &sales)
         table.rows.push_back(sumsRow(name.trimmed().isEmpty() ? nobodyText : name, sums));
 }
 
-Row itemRow(const QString &key, const ItemSums &sums)
+Row itemRow(QStringView key, const ItemSums &sums)
 {
-    const QString bar = u"  |  "_s;
-    const qsizetype at = key.indexOf(bar);
-    const QString id = at < 0 ? QString() : key.left(at).trimmed();
-    const QString name = at < 0 ? key : key.mid(at + bar.size()).trimmed();
-    return {id, name, sums.quantity, sums.amount, static_cast<double>(sums.purchases)};
+    const IdAndName item = idAndName(key);
+    Row row;
+    row.reserve(5);
+    row.emplace_back(item.id.toString());
+    row.emplace_back(item.name.toString());
+    for (const double figure : {sums.quantity, sums.amount, static_cast<double>(sums.purchases)})
+        row.emplace_back(figure);
+    return row;
 }
 
 void addItems(sheet::Table &table, const Sales &sales)
@@ -69,7 +72,8 @@ void addItems(sheet::Table &table, const Sales &sales)
                      {u"Times sold"_s, Kind::Count, false}};
     double quantity = 0.0;
     double amount = sales.unreadable.amount;
-    for (const auto &[key, sums] : sales.byItem) {
+    table.rows.reserve(sales.byItem.entries().size() + 1);
+    for (const auto &[key, sums] : sales.byItem.entries()) {
         table.rows.push_back(itemRow(key, sums));
         quantity += sums.quantity;
         amount += sums.amount;

@@ -73,9 +73,10 @@ private Q_SLOTS:
         double all = 0.0;
         for (int i = 0; i < names; ++i) {
             sales.bySeller[u"N%1"_s.arg(i)] = {1, i * 1.0};
-            sales.byItem[u"I%1  |  N%1"_s.arg(i)] = {1, 1.0, i * 1.0};
+            sales.byItem.add(u"I%1  |  N%1"_s.arg(i), 1.0, i * 1.0);
             all += i;
         }
+        sales.byItem.settle();
         for (const Grouping grouping : {Grouping::Seller, Grouping::Item}) {
             const Bars bars = salesBars(sales, {{}, grouping, {}});
             QCOMPARE(static_cast<int>(bars.bars.size()), count);

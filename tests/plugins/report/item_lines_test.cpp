@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "report/item_lines.h"
+#include "report/item_tally.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -11,7 +12,8 @@ namespace {
 
 QString readBack(const QString &text)
 {
-    const ItemLines items = readItemLines(text);
+    ItemLines items;
+    readItemLines(text, items);
     QStringList lines;
     for (const ItemLine &line : items.lines)
         lines << u"%1*%2=%3"_s.arg(line.quantity).arg(line.key.toString()).arg(line.amount);
@@ -82,9 +84,40 @@ private Q_SLOTS:
         const QString text = QStringList(100'000, part).join(u", "_s);
         QElapsedTimer watch;
         watch.start();
-        const ItemLines items = readItemLines(text);
+        ItemLines items;
+        readItemLines(text, items);
         QVERIFY(items.lines.size() <= 100'000);
         QVERIFY2(watch.elapsed() < 20'000, "it hangs");
+    }
+
+    void partsAKey()
+    {
+        QCOMPARE(idAndName(u" A-1   |  PEN ").id, u"A-1");
+        QCOMPARE(idAndName(u" A-1   |  PEN ").name, u"PEN");
+        QCOMPARE(idAndName(u"A | B  |  C  |  D").id, u"A | B");
+        QCOMPARE(idAndName(u"A | B  |  C  |  D").name, u"C  |  D");
+        for (const QString &key : {QString(), u"|"_s, u" | "_s, u"  | "_s, u"PEN "_s}) {
+            QCOMPARE(idAndName(key).id, QString());
+            QCOMPARE(idAndName(key).name, key);
+        }
+    }
+
+    /// Lines are gathered some dozens at a time, and the table grows meanwhile; none may go astray.
+    void tallies()
+    {
+        ItemTally tally;
+        constexpr int keys = 1'000;
+        for (int line = 0; line < 3 * keys; ++line)
+            tally.add(u"KEY %1"_s.arg(line % keys), 2.0, line % keys);
+        tally.settle();
+        QCOMPARE(tally.entries().size(), std::size_t(keys));
+        for (int key = 0; key < keys; ++key) {
+            const ItemEntry &entry = tally.entries().at(static_cast<std::size_t>(key));
+            QCOMPARE(entry.key, u"KEY %1"_s.arg(key));
+            QCOMPARE(entry.sums.purchases, 3);
+            QCOMPARE(entry.sums.quantity, 6.0);
+            QCOMPARE(entry.sums.amount, 3.0 * key);
+        }
     }
 };
 

@@ -42,7 +42,7 @@ QString sumsText(const std::map<QString, Sums> &all)
 QString itemsText(const Sales &sales)
 {
     QStringList parts;
-    for (const auto &[key, sums] : sales.byItem)
+    for (const auto &[key, sums] : sales.byItem.entries())
         parts << u"%1:%2:%3:%4"_s.arg(key).arg(sums.purchases).arg(sums.quantity).arg(sums.amount);
     parts.sort();
     return parts.join(u' ');
@@ -225,8 +225,8 @@ private Q_SLOTS:
         }
         QVERIFY(steps > 100);
         QCOMPARE(reading.progress(), 1.0);
-        QCOMPARE(reading.sales().byItem.size(), std::size_t(50));
-        QCOMPARE(reading.sales().byItem.at(u"ART-7  |  ARTICLE 7"_s).amount, 600.0);
+        QCOMPARE(reading.sales().byItem.entries().size(), std::size_t(50));
+        QVERIFY(itemsText(reading.sales()).contains(u" ART-7  |  ARTICLE 7:400:400:600 "_s));
     }
 
     void aReadingMayBeDroppedAtAnyTime()

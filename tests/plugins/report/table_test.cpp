@@ -38,7 +38,10 @@ private Q_SLOTS:
         m_sales.total = {4, 20.0};
         m_sales.byDay = {{u"261102"_s, {1, 5.0}}, {u"261101"_s, {2, 8.0}}, {u"26110x"_s, {1, 7.0}}};
         m_sales.bySeller = {{u"ANN"_s, {1, 5.0}}, {u" "_s, {1, 7.0}}, {u"BOB"_s, {2, 8.0}}};
-        m_sales.byItem = {{u"A  |  PEN"_s, {2, 3.0, 4.5}}, {u"=NO BAR"_s, {1, 1.0, 8.5}}};
+        m_sales.byItem.add(u"A  |  PEN", 1.0, 1.5);
+        m_sales.byItem.add(u"=NO BAR", 1.0, 8.5);
+        m_sales.byItem.add(u"A  |  PEN", 2.0, 3.0);
+        m_sales.byItem.settle();
         m_sales.unreadable = {1, 7.0};
     }
 

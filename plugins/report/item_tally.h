@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <cstdint>
+#include <vector>
+
+namespace harrowby::report {
+
+struct ItemSums
+{
+    qint64 purchases = 0; ///< purchases, each counted once a line
+    double quantity = 0.0;
+    double amount = 0.0;
+};
+
+struct ItemEntry
+{
+    QString key; ///< as it stands in the purchases
+    ItemSums sums;
+};
+
+/// The sums of each item key, found by a piece of a longer text. A long period has millions of lines over a hundred
+/// thousand keys, far more than the processor's caches hold, and waiting for the memory at each of them took longer
+/// than reading them. So lines are gathered, and what they need is asked for some dozens at a time.
+class ItemTally
+{
+public:
+    /// Adds a line of an item. It is counted by the next settle() at the latest.
+    void add(QStringView key, double quantity, double amount);
+    /// Counts what has been gathered.
+    void settle();
+    /// In the order in which they came; each key once. Settled ones only.
+    [[nodiscard]] const std::vector<ItemEntry> &entries() const { return m_entries; }
+
+private:
+    struct Slot
+    {
+        std::uint32_t hash = 0;
+        std::uint32_t entry = 0; ///< from 1 on; 0 for none
+    };
+    struct Line
+    {
+        std::uint32_t hash = 0;
+        qsizetype begin = 0; ///< of the key in m_keys
+        qsizetype size = 0;
+        double quantity = 0.0;
+        double amount = 0.0;
+    };
+
+    [[nodiscard]] const ItemEntry *likely(std::uint32_t hash) const;
+    void fetch() const;
+    [[nodiscard]] ItemSums &sumsOf(QStringView key, std::uint32_t hash);
+    void grow();
+
+    std::vector<Slot> m_slots; ///< a power of two, at most half of them taken
+    std::vector<ItemEntry> m_entries;
+    std::vector<Line> m_gathered;
+    QString m_keys; ///< of the gathered lines
+};
+
+} // namespace harrowby::report
