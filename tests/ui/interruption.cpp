@@ -2,11 +2,37 @@
 #include "ui/interruption.h"
 
 #include <QAbstractItemModel>
-#include <QElapsedTimer>
 #include <QEvent>
 #include <QTimer>
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <ctime>
 #include <utility>
+
+namespace {
+
+time_t passedSeconds = 0;
+long passedNanoseconds = 0;
+
+} // namespace
+
+/// The clock that everything in the process looks at, so that time passes without being waited for.
+extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
+{
+    constexpr long aSecond = 1'000'000'000;
+    const long result = ::syscall(SYS_clock_gettime, clock, time);
+    if (result == 0 && clock == CLOCK_MONOTONIC) {
+        time->tv_sec += passedSeconds;
+        time->tv_nsec += passedNanoseconds;
+        if (time->tv_nsec >= aSecond) {
+            time->tv_nsec -= aSecond;
+            ++time->tv_sec;
+        }
+    }
+    return static_cast<int>(result);
+}
 
 namespace harrowby::test {
 
@@ -44,10 +70,12 @@ void Interruption::rowFilled()
 
 void passRest()
 {
-    constexpr qint64 longerThanTheRestMs = 45;
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < longerThanTheRestMs) {
+    constexpr long longerThanTheRest = 45'000'000;
+    constexpr long aSecond = 1'000'000'000;
+    passedNanoseconds += longerThanTheRest;
+    if (passedNanoseconds >= aSecond) {
+        passedNanoseconds -= aSecond;
+        ++passedSeconds;
     }
 }
 

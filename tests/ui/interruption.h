@@ -36,7 +36,8 @@ private:
     bool m_isDone = false;
 };
 
-/// Uses up the time after which the window may breathe again.
+/// Lets the time pass after which the window may breathe again. Nobody waits for it: the process's clock is put
+/// forward.
 void passRest();
 
 } // namespace harrowby::test
