@@ -62,8 +62,8 @@ public:
 ///
 /// The host owns the database: the component never opens, configures or closes it, and drops its reference
 /// when the host hands in another one. Everything happens on the user-interface thread, one statement at a
-/// time, without transactions. Implement this interface to run the component over another engine that
-/// speaks SQLite's dialect; SqliteConnection is the ready one.
+/// time, and each stands alone but for a read and its write that are held together (see hold()). Implement this
+/// interface to run the component over another engine that speaks SQLite's dialect; SqliteConnection is the ready one.
 ///
 /// Operations signal failure by their result and report it once through reportFailure(). They should not
 /// throw; what they throw nevertheless is treated as that operation's failure.
@@ -105,6 +105,19 @@ public:
 
     /// Tells the failure handler and the logging category "harrowby.store". Never throws.
     void reportFailure(const DbFailure &failure) const noexcept;
+
+    /// Begins to hold what is read next together with the one write that is computed from it: until settle(), nobody
+    /// else writes. Nothing but that read and that write happens in between, neither a box nor an event loop.
+    /// True when it holds, and only then settle() follows. False, and nothing has changed, when it does not: within a
+    /// transaction of the host's own, when it is refused (for another program keeps the lock, say), or when the engine
+    /// knows no such thing, as here. The read and the write go on all the same. A refusal is not reported as a failure.
+    virtual bool hold();
+
+    /// Ends what hold() began. `write` names the write that was done, as in DbFailure::statement, and it is kept;
+    /// empty when nothing was written or the write failed, and what there is of it is taken back.
+    /// Whether what was held is committed now: the write's result. A commit that fails keeps nothing, and is reported
+    /// as the failure of `write`. Without a hold nothing happens, and it is true.
+    virtual bool settle(const QString &write);
 
 private:
     FailureHandler m_failureHandler;

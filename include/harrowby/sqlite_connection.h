@@ -25,10 +25,16 @@ public:
     bool insertRow(const QString &table, const DbAssignments &values) override;
     bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
     [[nodiscard]] QString location() const override;
+    /// An immediate transaction, so that a process that is killed leaves all of it or nothing.
+    bool hold() override;
+    bool settle(const QString &write) override;
 
 private:
+    bool commit(const QString &write);
+
     sqlite3 *m_database;
     QString m_location;
+    bool m_holds = false;
 };
 
 } // namespace harrowby

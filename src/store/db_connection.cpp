@@ -41,4 +41,14 @@ void DbConnection::reportFailure(const DbFailure &failure) const noexcept
     }
 }
 
+bool DbConnection::hold()
+{
+    return false;
+}
+
+bool DbConnection::settle(const QString & /*write*/)
+{
+    return true;
+}
+
 } // namespace harrowby

@@ -3,6 +3,7 @@
 
 #include "basic/values.h"
 #include "store/guarded.h"
+#include "store/hold.h"
 
 #include <algorithm>
 #include <limits>
@@ -69,6 +70,7 @@ struct DbRecordset::Private
     Standing standing = Standing::Found;
     DbAssignments assigned; ///< for the next Update()
     DbAssignments written;  ///< what Updates have written into the current row
+    std::optional<Hold> hold;
 
     void read(qsizetype limit) noexcept;
     void fill(qsizetype limit);
@@ -88,6 +90,8 @@ struct DbRecordset::Private
 
     void addRow() noexcept;
     void changeRow() noexcept;
+    template <typename Change>
+    bool write(const QString &what, Change &&change) noexcept;
     void fail(DbFailure::Kind kind, const QString &statement, const QString &reason) const noexcept;
     /// What the next Update() does to the table, for its failures.
     [[nodiscard]] QString verb() const { return standing == Standing::Adding ? u"INSERT "_s : u"UPDATE "_s; }
@@ -254,6 +258,18 @@ std::optional<QByteArrayView> DbRecordset::Private::text(const QString &name)
     return walk ? walk->text(static_cast<int>(column)) : rows.text(column);
 }
 
+/// Makes the change; one that is held is done once it is committed.
+template <typename Change>
+bool DbRecordset::Private::write(const QString &what, Change &&change) noexcept
+{
+    bool done = false;
+    guarded(connection, DbFailure::Kind::Write, what, [&] { done = change(); });
+    if (!hold)
+        return done;
+    const bool kept = hold->settle(done ? what : QString());
+    return done && kept;
+}
+
 void DbRecordset::Private::addRow() noexcept
 {
     const DbAssignments values = std::exchange(assigned, {});
@@ -261,9 +277,7 @@ void DbRecordset::Private::addRow() noexcept
     standing = Standing::Found;
     if (table.isEmpty())
         return fail(DbFailure::Kind::Write, what, u"the result is not read from a table"_s);
-    bool done = false;
-    guarded(connection, DbFailure::Kind::Write, what, [&] { done = connection->insertRow(table, values); });
-    if (!done)
+    if (!write(what, [&] { return connection->insertRow(table, values); }))
         return;
     standing = Standing::Added;
     written = values;
@@ -280,9 +294,7 @@ void DbRecordset::Private::changeRow() noexcept
     if (standing == Standing::Added || std::cmp_not_equal(rowIds.size(), rows.count()))
         return fail(DbFailure::Kind::Write, what, u"the row has no identity to find it by"_s);
     const DbRowId row = rowIds[static_cast<std::size_t>(rows.row())];
-    bool done = false;
-    guarded(connection, DbFailure::Kind::Write, what, [&] { done = connection->updateRow(table, row, values); });
-    if (!done)
+    if (!write(what, [&] { return connection->updateRow(table, row, values); }))
         return;
     for (const auto &[name, value] : values)
         put(written, name, value);
@@ -301,6 +313,20 @@ void DbRecordset::Open(const Statement &select, const std::shared_ptr<DbConnecti
 {
     d = std::make_unique<Private>();
     d->connection = connection;
+    open(select, access);
+}
+
+void DbRecordset::OpenHeld(const Statement &select, const std::shared_ptr<DbConnection> &connection,
+                           Access access) noexcept
+{
+    d = std::make_unique<Private>();
+    d->connection = connection;
+    d->hold.emplace(connection);
+    open(select, access);
+}
+
+void DbRecordset::open(const Statement &select, Access access) noexcept
+{
     d->select = select.sql();
     d->table = select.table();
     d->access = access;
@@ -366,6 +392,7 @@ void DbRecordset::Update() noexcept
         d->addRow();
     else
         d->changeRow();
+    d->hold.reset(); // also where nothing was written
 }
 
 DbField::DbField(DbRecordset &recordset, QString name) : m_recordset(recordset), m_name(std::move(name)) {}

@@ -67,6 +67,11 @@ public:
     void Open(const Statement &select, const std::shared_ptr<DbConnection> &connection,
               Access access = Access::Read) noexcept;
 
+    /// The same, and holds what is read together with the next Update(), which no other till's change gets in between
+    /// of. Update() or the next opening ends the hold, whatever becomes of it: no box, no yield and no other statement
+    /// before that.
+    void OpenHeld(const Statement &select, const std::shared_ptr<DbConnection> &connection, Access access) noexcept;
+
     /// Whether the result is empty because the statement was refused or failed, not because it matched no row.
     [[nodiscard]] bool HasFailed() const noexcept;
 
@@ -87,6 +92,7 @@ private:
     friend void finishWalks() noexcept;
     static void finishAllWalks() noexcept;
     struct Private;
+    void open(const Statement &select, Access access) noexcept;
     std::unique_ptr<Private> d;
 };
 

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <harrowby/sqlite_connection.h>
 
+#include "basic/logging.h"
 #include "store/sqlite_statement.h"
 
 #include <QStringList>
+
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
@@ -133,6 +136,18 @@ QString updateText(const QString &table, DbRowId row, const QString &rowId, cons
            QString::number(row);
 }
 
+/// Begins or ends a transaction.
+bool run(sqlite3 *database, const char *statement)
+{
+    return sqlite3_exec(database, statement, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+/// Whether a transaction is open: the host's own, or one that was begun here.
+bool isWithinTransaction(sqlite3 *database)
+{
+    return sqlite3_get_autocommit(database) == 0;
+}
+
 } // namespace
 
 SqliteConnection::SqliteConnection(sqlite3 *database, QString location) :
@@ -211,6 +226,35 @@ bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssi
 QString SqliteConnection::location() const
 {
     return m_location;
+}
+
+bool SqliteConnection::hold()
+{
+    if (!m_database || isWithinTransaction(m_database))
+        return false;
+    m_holds = run(m_database, "BEGIN IMMEDIATE");
+    if (!m_holds)
+        qCWarning(lcStore, "Nothing could be held, so the next write goes on alone: %s", sqlite3_errmsg(m_database));
+    return m_holds;
+}
+
+bool SqliteConnection::settle(const QString &write)
+{
+    if (!std::exchange(m_holds, false))
+        return true;
+    const bool kept = !write.isEmpty() && commit(write);
+    if (!kept && isWithinTransaction(m_database)) // else a failure has ended it already
+        run(m_database, "ROLLBACK");
+    return kept;
+}
+
+bool SqliteConnection::commit(const QString &write)
+{
+    if (run(m_database, "COMMIT"))
+        return true;
+    reportFailure(
+        {Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)), sqlite3_extended_errcode(m_database)});
+    return false;
 }
 
 } // namespace harrowby

@@ -105,4 +105,13 @@ bool RecordingConnection::updateRow(const QString &table, DbRowId row, const DbA
     return passes(u"update "_s + table) && m_below->updateRow(table, row, values);
 }
 
+bool RecordingConnection::settle(const QString &write)
+{
+    if (write.isEmpty() || !losesCommits)
+        return m_below->settle(write);
+    m_below->settle({});
+    reportFailure({DbFailure::Kind::Write, write, u"picked by the test"_s, 0});
+    return false;
+}
+
 } // namespace harrowby::test

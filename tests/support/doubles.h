@@ -97,6 +97,10 @@ public:
     bool insertRow(const QString &table, const DbAssignments &values) override;
     bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
     [[nodiscard]] QString location() const override { return m_below->location(); }
+    bool refusesHolds = false;
+    bool losesCommits = false; ///< of what is held
+    bool hold() override { return !refusesHolds && m_below->hold(); }
+    bool settle(const QString &write) override;
 
 private:
     bool passes(const QString &statement);

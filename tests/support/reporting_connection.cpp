@@ -67,7 +67,7 @@ bool ReportingConnection::insertRow(const QString &table, const DbAssignments &v
     const QString statement = insertText(table, values);
     before(statement);
     const bool done = m_below->insertRow(table, values);
-    after(statement, done);
+    written(statement, done);
     return done;
 }
 
@@ -76,8 +76,32 @@ bool ReportingConnection::updateRow(const QString &table, DbRowId row, const DbA
     const QString statement = updateText(table, row, values);
     before(statement);
     const bool done = m_below->updateRow(table, row, values);
-    after(statement, done);
+    written(statement, done);
     return done;
+}
+
+bool ReportingConnection::hold()
+{
+    m_held.clear();
+    m_holds = m_below->hold();
+    return m_holds;
+}
+
+bool ReportingConnection::settle(const QString &write)
+{
+    m_holds = false;
+    const bool kept = m_below->settle(write);
+    if (!m_held.isEmpty())
+        after(m_held, kept);
+    return kept;
+}
+
+void ReportingConnection::written(const QString &statement, bool done)
+{
+    if (m_holds && done)
+        m_held = statement;
+    else
+        after(statement, done);
 }
 
 } // namespace harrowby::test

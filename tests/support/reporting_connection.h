@@ -10,7 +10,7 @@
 namespace harrowby::test {
 
 /// Passes everything on to another connection, and tells of each statement that writes, as a text that can be run
-/// again, before it is begun and after it is done.
+/// again, before it is begun and after it is done. One that is held is done when it is settled.
 class ReportingConnection final : public DbConnection
 {
 public:
@@ -26,8 +26,14 @@ public:
     bool insertRow(const QString &table, const DbAssignments &values) override;
     bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
     [[nodiscard]] QString location() const override { return m_below->location(); }
+    bool hold() override;
+    bool settle(const QString &write) override;
 
 private:
+    void written(const QString &statement, bool done);
+
+    bool m_holds = false;
+    QString m_held;
     std::shared_ptr<DbConnection> m_below;
 };
 

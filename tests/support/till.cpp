@@ -28,17 +28,34 @@ std::shared_ptr<MemorySettings> quietSettings()
     return settings;
 }
 
+/// Answers Yes without a box.
+class Consent final : public Boxes
+{
+public:
+    Answer message(QWidget *, const QString &, int style, const QString &) override
+    {
+        return (style & box::YesNo) != 0 ? Answer::Yes : Answer::Ok;
+    }
+    QString input(QWidget *, const QString &, const QString &, const QString &) override { return {}; }
+};
+
 } // namespace
 
-Till::Till(const QString &path) : m_database(path)
+Till::Till(const QString &path, Pace pace) : m_database(path)
 {
     sqlite3_busy_timeout(m_database.handle(), lockWaitMs);
-    m_database.run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL"_s);
+    m_database.run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = "_s + (pace == Pace::Shop ? u"FULL"_s : u"OFF"_s));
     m_connection = std::make_shared<ReportingConnection>(std::make_shared<SqliteConnection>(m_database.handle()));
-    m_answers.answerTheRest([](const QString &) { return Answer::Yes; });
+    std::shared_ptr<Boxes> boxes = std::make_shared<Consent>();
+    if (pace == Pace::Shop) {
+        const auto real = std::make_shared<QtBoxes>();
+        m_answers = std::make_unique<BoxQueue>(*real);
+        m_answers->answerTheRest([](const QString &) { return Answer::Yes; });
+        boxes = real;
+    }
     InvBasic::setConnection(m_connection);
-    m_window = std::make_unique<Inventory>(Platform{m_boxes, quietSettings(), std::make_shared<PaperPrinters>(),
-                                                    m_clock, std::make_shared<ObjectRegistry>()});
+    m_window = std::make_unique<Inventory>(Platform{boxes, quietSettings(), std::make_shared<PaperPrinters>(), m_clock,
+                                                    std::make_shared<ObjectRegistry>()});
     m_window->load();
     m_window->show();
 }
@@ -68,6 +85,19 @@ void Till::sell(QRandomGenerator &random)
         click(u"Command1_%1"_s.arg(random.bounded(9)));
     click(u"Command14"_s);
     m_clock->time = m_clock->time.addSecs(1);
+}
+
+void Till::sellOne(int button) const
+{
+    click(u"Command1_%1"_s.arg(button));
+    click(u"Command14"_s);
+}
+
+void Till::reorder(const QString &key, int units) const
+{
+    m_window->controls().Combo11->setEntryText(key);
+    m_window->controls().Combo10->setEntryText(QString::number(units));
+    click(u"Command17"_s);
 }
 
 void Till::saveItem(const QString &id, const QString &category, int figure) const

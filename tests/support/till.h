@@ -19,7 +19,12 @@ namespace harrowby::test {
 class Till
 {
 public:
-    explicit Till(const QString &path);
+    enum class Pace {
+        Shop,
+        Hurried, ///< for some thousand actions: no box is built, and nothing waits for the disk
+    };
+
+    explicit Till(const QString &path, Pace pace = Pace::Shop);
     ~Till();
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
@@ -30,6 +35,11 @@ public:
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
     void sell(QRandomGenerator &random);
+    /// Sells one unit of the item of a button, as a purchase of its own, in the same second as the one before.
+    void sellOne(int button) const;
+    /// Adds units to an item, and takes them back.
+    void reorder(const QString &key, int units) const;
+    void undoReorder() const { click(QStringLiteral("Command23")); }
     /// Takes the last purchase back into the cart.
     void undo() const { click(QStringLiteral("Command25")); }
     /// Saves a stock item: an added one, or one that has the ID already.
@@ -44,8 +54,7 @@ private:
 
     Database m_database;
     std::shared_ptr<ReportingConnection> m_connection;
-    std::shared_ptr<QtBoxes> m_boxes = std::make_shared<QtBoxes>();
-    BoxQueue m_answers{*m_boxes};
+    std::unique_ptr<BoxQueue> m_answers; ///< of the real boxes, where there are any
     std::shared_ptr<FrozenClock> m_clock = std::make_shared<FrozenClock>();
     std::unique_ptr<Inventory> m_window;
 };

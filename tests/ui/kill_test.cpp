@@ -48,6 +48,12 @@ const QMap<QString, Work> &works()
               till.saveItem(id, u"CHANGED"_s, random.bounded(1000));
           },
           "UPDATE StockList SET StockID", 30}},
+        {u"reorder"_s,
+         {[](Till &till, QRandomGenerator &random) {
+              till.reorder(u"A%1  |  NAME"_s.arg(random.bounded(9)), random.bounded(1, 100));
+              till.undoReorder();
+          },
+          "UPDATE StockList SET StockAvailable", 20}},
         {u"delete a category"_s,
          {[](Till &till, QRandomGenerator &random) {
               const QString name = u"C%1"_s.arg(random.bounded(1'000'000));

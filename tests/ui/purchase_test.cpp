@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "support/counter.h"
+#include "support/database.h"
 
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void statementsInOrder();
     void numbersOfTheRow();
     void twoCommitsInOneSecond();
+    void anotherTillInOneSecond();
     void quantitiesWithCommas();
     void stockMayFallBelowZero();
     void renamedItemStillSells();
@@ -156,6 +158,27 @@ void PurchaseTest::twoCommitsInOneSecond()
     QCOMPARE(counter.file.rows(u"SELECT PurchaseID FROM PurchaseCart ORDER BY rowid"_s),
              (QStringList{u"HV18030514070907"_s, u"HE18030514070907"_s, u"HE18030514070907"_s}));
     QCOMPARE(counter.state().LastPurchaseID, u"HE18030514070907"_s);
+}
+
+/// It cannot take the ID between the look for it and the row that bears it.
+void PurchaseTest::anotherTillInOneSecond()
+{
+    Counter counter;
+    openShop(counter);
+    Database other(counter.file.path());
+    const QString row = u"INSERT INTO PurchaseCart (PurchaseID) VALUES ('HV18030514070907')"_s;
+    QList<bool> added;
+    counter.connection->before = [&](const QString &statement) {
+        if (statement == u"insert PurchaseCart"_s)
+            added << other.run(row);
+    };
+    commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
+    QCOMPARE(added, QList<bool>{false});
+    counter.file.sql(u"DELETE FROM PurchaseCart; "_s + row); // the other till was first
+    commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
+    QCOMPARE(added, (QList<bool>{false, false}));
+    QCOMPARE(counter.state().LastPurchaseID, u"HE18030514070907"_s);
+    QVERIFY(other.run(row)); // nothing is held any more
 }
 
 void PurchaseTest::quantitiesWithCommas()

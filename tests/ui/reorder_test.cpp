@@ -58,6 +58,10 @@ private Q_SLOTS:
     void unlistedItemIsListed();
     void changedQuestionText();
     void failedUpdateShowsTheOldFigure();
+    void noSaleGetsInBetween_data();
+    void noSaleGetsInBetween();
+    void refusedHoldIsNotTold();
+    void lostCommitShowsTheOldFigure();
     void failedSelectDoesNothing();
     void sumTooLargeIsNotStored();
     void textInStock();
@@ -690,6 +694,66 @@ void ReorderTest::failedUpdateShowsTheOldFigure()
     QCOMPARE(counter.text("Combo10"), u"0"_s);
     QCOMPARE(counter.state().LastReorderItem, milk); // nothing tells it that the write failed
     QCOMPARE(counter.rows("LV").first().section(u'|', 5, 5), u"20"_s);
+}
+
+void ReorderTest::noSaleGetsInBetween_data()
+{
+    QTest::addColumn<bool>("undo");
+    QTest::newRow("reorder") << false;
+    QTest::newRow("undo") << true;
+}
+
+/// Another till's sale between the stock that is read and the sum that is written would be lost.
+void ReorderTest::noSaleGetsInBetween()
+{
+    QFETCH(bool, undo);
+    Counter counter;
+    openShop(counter);
+    Database other(counter.file.path());
+    const auto sell = [&other] {
+        return other.run(u"Update Stocklist Set StockAvailable = StockAvailable - 1 where StockID = 'A1'"_s);
+    };
+    QList<bool> sold;
+    counter.connection->before = [&](const QString &statement) {
+        if (statement == u"update StockList"_s)
+            sold << sell();
+    };
+    reorder(counter, milk, u"5"_s, u"5"_s);
+    if (undo) {
+        counter.boxes.expect(undoQuestion(u"5"_s, milk), box::Ask, Answer::Yes);
+        counter.click("Command23");
+    }
+    QCOMPARE(sold, QList<bool>(undo ? 2 : 1, false)); // it is locked out
+    QVERIFY(sell());                                  // and lets it in as soon as it is done
+    QCOMPARE(available(counter), undo ? u"19"_s : u"24"_s);
+}
+
+void ReorderTest::refusedHoldIsNotTold()
+{
+    Counter counter;
+    openShop(counter);
+    std::vector<DbFailure> failures;
+    counter.connection->setFailureHandler([&](const DbFailure &failure) { failures.push_back(failure); });
+    counter.connection->refusesHolds = true;
+    reorder(counter, milk, u"5"_s, u"5"_s);
+    QCOMPARE(available(counter), u"25"_s);
+    QCOMPARE(counter.text("Label13"), u"25"_s);
+    QVERIFY(failures.empty());
+}
+
+void ReorderTest::lostCommitShowsTheOldFigure()
+{
+    Counter counter;
+    openShop(counter);
+    std::vector<DbFailure> failures;
+    counter.connection->setFailureHandler([&](const DbFailure &failure) { failures.push_back(failure); });
+    counter.connection->losesCommits = true;
+    reorder(counter, milk, u"5"_s, u"5"_s);
+    QCOMPARE(available(counter), u"20"_s);
+    QCOMPARE(counter.text("Label13"), u"20"_s);
+    QCOMPARE(logged(counter).first(), u"5 New item(s) to Stock [A1  |  MILK]. New Available Stock is 20."_s);
+    QCOMPARE(failures.size(), 1u);
+    QCOMPARE(failures.front().statement, u"UPDATE StockList"_s);
 }
 
 void ReorderTest::failedSelectDoesNothing()

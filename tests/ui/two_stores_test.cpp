@@ -20,21 +20,52 @@ namespace {
 constexpr int cartsOfEach = 60;
 constexpr int items = 9;
 constexpr int startingStock = 100000;
+constexpr int salesAndReorders = 2000;
+constexpr int unitsOfAReorder = 3;
+const QString soldItem = u"A0  |  ITEM 0"_s;
 
-/// A store: waits for the word to start, and sells.
+/// What a store's till does once it hears the word.
+void sellCarts(Till &till, const QString &seed)
+{
+    till.reportStatements();
+    QRandomGenerator random(seed.toUInt());
+    for (int cart = 0; cart < cartsOfEach; ++cart)
+        till.sell(random);
+}
+
+void sellOnes(Till &till)
+{
+    for (int sale = 0; sale < salesAndReorders; ++sale)
+        till.sellOne(0);
+}
+
+/// Every fourth reorder is taken back again, and the next one makes up for it.
+void reorder(Till &till)
+{
+    for (int i = 1; i <= salesAndReorders; ++i) {
+        till.reorder(soldItem, unitsOfAReorder);
+        if (i % 4 == 0) {
+            till.undoReorder();
+            till.reorder(soldItem, unitsOfAReorder);
+        }
+    }
+}
+
 int runTill(const QStringList &arguments)
 {
-    Till till(arguments.at(2));
+    const QString &work = arguments.at(4);
+    const bool carts = work != u"sales"_s && work != u"reorders"_s;
+    Till till(arguments.at(2), carts ? Till::Pace::Shop : Till::Pace::Hurried);
     till.logIn(arguments.at(3), u"PASS"_s);
     if (!till.state().IsLoggedIn)
         return 1;
     say(u"ready"_s);
     std::string word;
     std::getline(std::cin, word);
-    till.reportStatements();
-    QRandomGenerator random(arguments.at(4).toUInt());
-    for (int cart = 0; cart < cartsOfEach; ++cart)
-        till.sell(random);
+    if (carts)
+        sellCarts(till, work);
+    else
+        work == u"sales"_s ? sellOnes(till) : reorder(till);
     return 0;
 }
 
@@ -70,9 +101,12 @@ class TwoStoresTest : public QObject
 
 private Q_SLOTS:
     void noSaleIsLost();
+    void stockIsExactAgainstReorders();
 
 private:
+    static void openShop(const ShopFile &shop, const QStringList &sellers);
     static void start(QProcess &process, const QStringList &arguments);
+    static void letGo(QProcess (&stores)[2]);
     static TillReport finish(QProcess &process);
 };
 
@@ -92,22 +126,32 @@ TillReport TwoStoresTest::finish(QProcess &process)
     return report;
 }
 
-void TwoStoresTest::noSaleIsLost()
+void TwoStoresTest::openShop(const ShopFile &shop, const QStringList &sellers)
 {
-    ShopFile shop;
     for (int i = 0; i < items; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(i), 1.25, startingStock);
+    for (const QString &seller : sellers)
+        shop.addUser(seller, u"PASS"_s, {u"Sales"_s, u"Reorder"_s, u"Undo"_s});
     shop.sql(u"INSERT INTO StoreSettings VALUES (0, 0, '', 0, 0); PRAGMA journal_mode = WAL"_s);
-    const QStringList sellers{u"JACK"_s, u"JILL"_s};
-    QProcess stores[2];
-    for (int i = 0; i < 2; ++i) {
-        shop.addUser(sellers.at(i), u"PASS"_s, {u"Sales"_s});
-        start(stores[i], {shop.path(), sellers.at(i), QString::number(i + 1)});
-    }
+}
+
+void TwoStoresTest::letGo(QProcess (&stores)[2])
+{
     for (QProcess &store : stores) {
         store.write("go\n");
         store.waitForBytesWritten();
     }
+}
+
+void TwoStoresTest::noSaleIsLost()
+{
+    const ShopFile shop;
+    const QStringList sellers{u"JACK"_s, u"JILL"_s};
+    openShop(shop, sellers);
+    QProcess stores[2];
+    for (int i = 0; i < 2; ++i)
+        start(stores[i], {shop.path(), sellers.at(i), QString::number(i + 1)});
+    letGo(stores);
     QStringList done;
     for (int i = 0; i < 2; ++i) {
         const TillReport report = finish(stores[i]);
@@ -134,6 +178,33 @@ void TwoStoresTest::noSaleIsLost()
     const QString alternations = u"SELECT count(*) FROM PurchaseCart a, PurchaseCart b "
                                  "WHERE b.rowid = a.rowid + 1 AND a.Users <> b.Users"_s;
     QVERIFY(shop.cell(alternations).toInt() > 1);
+    // And sold in the same seconds, each with an ID of its own.
+    QCOMPARE(shop.cell(u"SELECT count(DISTINCT PurchaseID) FROM PurchaseCart"_s).toInt(), 2 * cartsOfEach);
+    QCOMPARE(shop.cell(u"SELECT count(*) FROM PurchaseCart WHERE PurchaseID LIKE 'HE%'"_s).toInt(), cartsOfEach);
+    QCOMPARE(shop.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
+}
+
+void TwoStoresTest::stockIsExactAgainstReorders()
+{
+    const ShopFile shop;
+    const QStringList sellers{u"JACK"_s, u"JILL"_s};
+    openShop(shop, sellers);
+    QProcess stores[2];
+    start(stores[0], {shop.path(), sellers.at(0), u"sales"_s});
+    start(stores[1], {shop.path(), sellers.at(1), u"reorders"_s});
+    letGo(stores);
+    for (QProcess &store : stores) {
+        finish(store);
+        QCOMPARE(store.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(store.exitCode(), 0);
+    }
+    QCOMPARE(shop.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(), salesAndReorders);
+    QCOMPARE(shop.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = 'A0'"_s).toInt(),
+             startingStock - salesAndReorders + salesAndReorders * unitsOfAReorder);
+    // They did get in each other's way: between two reorders there were sales.
+    QVERIFY(shop.cell(u"SELECT count(*) FROM SysUsage a, SysUsage b WHERE b.rowid = a.rowid + 1 AND "
+                      "a.SystemUsage LIKE '%Added%' AND b.SystemUsage LIKE '%New Available%'"_s)
+                .toInt() > 1);
     QCOMPARE(shop.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
 }
 

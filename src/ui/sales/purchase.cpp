@@ -93,7 +93,8 @@ void Inventory::SaveCart()
 QString Inventory::savePurchase(const QString &firstId, const QString &items, float lineCount, float total)
 {
     DbRecordset purchase;
-    purchase.Open(statements::purchase(firstId), connection());
+    // Held up to the row that is added: of two tills in one second one finds the other's ID.
+    purchase.OpenHeld(statements::purchase(firstId), connection(), DbRecordset::Access::Read);
     // The second ID is taken as it is, without a further look.
     const QString id = purchase.RecordCount() > 0 ? secondPurchaseId(m_platform.clock->now()) : firstId;
     purchase.AddNew();

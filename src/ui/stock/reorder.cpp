@@ -102,7 +102,7 @@ void Inventory::reorderStock()
     if (!id)
         return;
     DbRecordset stock;
-    stock.Open(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
+    stock.OpenHeld(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
     if (stock.RecordCount() > 0)
         addUnits(stock, units);
 }
@@ -154,7 +154,7 @@ void Inventory::undoReorder()
     if (!id)
         return;
     DbRecordset stock;
-    stock.Open(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
+    stock.OpenHeld(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
     if (stock.RecordCount() > 0)
         takeUnitsBack(stock);
 }

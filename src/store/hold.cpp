@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "store/hold.h"
+
+#include "basic/logging.h"
+#include "store/guarded.h"
+#include "store/recordset.h"
+
+#include <utility>
+
+namespace harrowby {
+
+Hold::Hold(const std::shared_ptr<DbConnection> &connection) noexcept
+{
+    finishWalks();
+    try {
+        if (connection && connection->hold())
+            m_connection = connection;
+    } catch (...) {
+        qCWarning(lcStore, "Nothing could be held, so the next write goes on alone: the connection threw something");
+    }
+}
+
+Hold::~Hold()
+{
+    settle({});
+}
+
+bool Hold::settle(const QString &write) noexcept
+{
+    const std::shared_ptr<DbConnection> connection = std::exchange(m_connection, nullptr);
+    if (!connection)
+        return true;
+    bool kept = false;
+    guarded(connection, DbFailure::Kind::Write, write, [&] { kept = connection->settle(write); });
+    return kept;
+}
+
+} // namespace harrowby
