@@ -96,13 +96,15 @@ BackupResult closeCopy(Database &copy)
     return error ? failed(copyProblem(*error)) : BackupResult{Outcome::Done, {}, 0};
 }
 
-BackupResult makeCopy(const QString &store, const QString &file, const BackupWatch &watch)
+using CopyInto = std::function<CopyEnd(sqlite3 *copy, RowCounts &counts)>;
+
+BackupResult makeCopy(const CopyInto &copyInto, const QString &file, const BackupWatch &watch)
 {
     Database copy;
     if (auto error = openDatabase(file, OpenMode::Create, copy))
         return failed(copyProblem(*error));
     RowCounts counts;
-    const CopyEnd end = copyStore(store, copy.get(), watch, counts);
+    const CopyEnd end = copyInto(copy.get(), counts);
     if (end.stopped)
         return {Outcome::Stopped, {}, 0};
     if (end.error)
@@ -136,20 +138,34 @@ BackupResult giveName(const QString &file, const QString &target, bool replace)
     return {Outcome::Done, {}, QFileInfo(target).size()};
 }
 
+BackupResult copyTo(const QString &target, bool replace, const CopyInto &copyInto, const BackupWatch &watch)
+{
+    const QString place = realTarget(target);
+    const QTemporaryDir workshop(QFileInfo(place).absolutePath() + u"/.harrowby-backup-XXXXXX"_s);
+    if (!workshop.isValid())
+        return failed(u"Nothing can be written there: %1"_s.arg(workshop.errorString()));
+    const QString file = workshop.filePath(u"backup.db"_s);
+    if (auto result = makeCopy(copyInto, file, watch); result.outcome != Outcome::Done)
+        return result;
+    return giveName(file, place, replace);
+}
+
 } // namespace
 
 BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
 {
     if (const QString problem = backupPlaceProblem(store, target); !problem.isEmpty())
         return failed(problem);
-    const QString place = realTarget(target);
-    const QTemporaryDir workshop(QFileInfo(place).absolutePath() + u"/.harrowby-backup-XXXXXX"_s);
-    if (!workshop.isValid())
-        return failed(u"Nothing can be written there: %1"_s.arg(workshop.errorString()));
-    const QString file = workshop.filePath(u"backup.db"_s);
-    if (auto result = makeCopy(store, file, watch); result.outcome != Outcome::Done)
-        return result;
-    return giveName(file, place, replace);
+    const auto copyInto = [&](sqlite3 *copy, RowCounts &counts) { return copyStore(store, copy, watch, counts); };
+    return copyTo(target, replace, copyInto, watch);
+}
+
+BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
+{
+    if (const QString problem = backupPlaceProblem(path, target); !problem.isEmpty())
+        return failed(problem);
+    const auto copyInto = [&](sqlite3 *copy, RowCounts &counts) { return copyOpenStore(store, copy, watch, counts); };
+    return copyTo(target, false, copyInto, watch);
 }
 
 } // namespace harrowby::app

@@ -5,6 +5,8 @@
 
 #include <functional>
 
+struct sqlite3;
+
 namespace harrowby::app {
 
 struct BackupProgress
@@ -37,6 +39,11 @@ using BackupWatch = std::function<bool(const BackupProgress &)>;
 /// name only then: until it is done, and when it fails, nothing is at the target that was not there before. With
 /// `replace` it takes the place of a file of that name, else such a file is a failure.
 [[nodiscard]] BackupResult backUpStore(const QString &store, const QString &target, bool replace,
+                                       const BackupWatch &watch);
+
+/// The same through the open connection of a store whose file has no name any more; `path` is the one that it had. A
+/// file that is at the target stays.
+[[nodiscard]] BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target,
                                        const BackupWatch &watch);
 
 } // namespace harrowby::app

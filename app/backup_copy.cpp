@@ -36,6 +36,14 @@ class Copy
 {
 public:
     Copy(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch) : m_store(store), m_copy(copy), m_watch(watch) {}
+    ~Copy()
+    {
+        m_backup.reset();
+        if (m_held)
+            (void)runSql(m_store, u"ROLLBACK"_s);
+    }
+    Copy(const Copy &) = delete;
+    Copy &operator=(const Copy &) = delete;
 
     CopyEnd run(RowCounts &counts)
     {
@@ -129,6 +137,13 @@ CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch,
     if (auto error = runSql(source.get(), u"PRAGMA query_only = 1"_s))
         return {false, error};
     return Copy(source.get(), copy, watch).run(counts);
+}
+
+CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
+{
+    counts.clear();
+    sqlite3_busy_timeout(store, longestWait);
+    return Copy(store, copy, watch).run(counts);
 }
 
 QString copyProblem(const SqlError &error)

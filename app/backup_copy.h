@@ -28,6 +28,9 @@ struct CopyEnd
 /// anew; after a few times it keeps the tills waiting for the rest, and `counts` stay empty.
 [[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
 
+/// The same through a connection that is open already. Takes the connection's busy handler away.
+[[nodiscard]] CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+
 /// In words for a person.
 [[nodiscard]] QString copyProblem(const SqlError &error);
 

@@ -4,6 +4,7 @@
 #include <QMetaObject>
 
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,19 +19,23 @@ BackupJob::~BackupJob()
 
 void BackupJob::start(const QString &store, const QString &target, bool replace)
 {
+    start([=](const BackupWatch &watch) { return backUpStore(store, target, replace, watch); });
+}
+
+void BackupJob::start(Work work)
+{
     if (isRunning())
         return;
     m_stop = false;
     m_lastPercent = -1;
-    m_thread = std::thread([=, this] { run(store, target, replace); });
+    m_thread = std::thread([this, work = std::move(work)] { run(work); });
 }
 
-void BackupJob::run(const QString &store, const QString &target, bool replace)
+void BackupJob::run(const Work &work)
 {
     BackupResult result;
     try {
-        result =
-            backUpStore(store, target, replace, [this](const BackupProgress &progress) { return report(progress); });
+        result = work([this](const BackupProgress &progress) { return report(progress); });
     } catch (const std::exception &error) {
         result.problem = u"The backup could not be made (%1)."_s.arg(QString::fromLocal8Bit(error.what()));
     }

@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 
 namespace harrowby::app {
@@ -20,7 +21,11 @@ public:
     /// Stops it and waits for the end.
     ~BackupJob() override;
 
+    using Work = std::function<BackupResult(const BackupWatch &watch)>;
+
     void start(const QString &store, const QString &target, bool replace);
+    /// Any other way of making one. `work` runs on the job's thread.
+    void start(Work work);
     void stop() { m_stop = true; }
     [[nodiscard]] bool isRunning() const { return m_thread.joinable(); }
 
@@ -29,7 +34,7 @@ Q_SIGNALS:
     void finished(const harrowby::app::BackupResult &result);
 
 private:
-    void run(const QString &store, const QString &target, bool replace);
+    void run(const Work &work);
     bool report(const BackupProgress &progress);
     void end(const BackupResult &result);
 

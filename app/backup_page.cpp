@@ -129,8 +129,15 @@ void BackupPage::choosePlace()
         m_place->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
 }
 
+QString BackupPage::loss() const
+{
+    return m_loss ? m_loss() : QString();
+}
+
 void BackupPage::start()
 {
+    if (const QString lost = loss(); !lost.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
     const QString target = m_place->text().isEmpty() ? QString() : QDir::cleanPath(m_place->text());
     if (const QString problem = backupPlaceProblem(m_store, target); !problem.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
@@ -158,6 +165,8 @@ void BackupPage::finish(const BackupResult &result)
         return showOutcome(*m_outcome, u"Stopped. Nothing was left behind."_s);
     if (result.outcome == BackupResult::Outcome::Failed)
         return showOutcome(*m_outcome, u"\u26a0 "_s + result.problem);
+    if (const QString lost = loss(); !lost.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + lost + u"\nDo not count on the copy that was being made."_s);
     (void)m_settings.save(lastSection, lastKey, realTarget(m_place->text())); // only for the line below
     showOutcome(*m_outcome, u"\u2713 The backup is made and checked: %1."_s.arg(sizeText(result.bytes)));
     showLast();

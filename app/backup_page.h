@@ -6,6 +6,9 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <utility>
+
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -23,6 +26,8 @@ public:
     BackupPage(const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] bool isRunning() const { return m_job.isRunning(); }
+    /// `loss` says what has happened to the store file once it is lost: no copy counts then.
+    void watchStore(std::function<QString()> loss) { m_loss = std::move(loss); }
 
 private:
     void createControls();
@@ -33,9 +38,11 @@ private:
     void finish(const BackupResult &result);
     void setRunning(bool running);
     void showLast();
+    [[nodiscard]] QString loss() const;
 
     QString m_store;
     OfficeSettings m_settings;
+    std::function<QString()> m_loss;
     QLineEdit *m_place = nullptr;
     QPushButton *m_choose = nullptr;
     QPushButton *m_start = nullptr;

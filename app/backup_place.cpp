@@ -3,8 +3,10 @@
 
 #include "file_facts.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QStorageInfo>
 
 #include <sys/stat.h>
@@ -86,6 +88,16 @@ QString spaceProblem(const QString &store, const QString &target)
 QString usualBackupName(const QDate &day)
 {
     return u"harrowby-%1.db"_s.arg(day.toString(Qt::ISODate));
+}
+
+QString usualRescuePlace(const QString &store, const QDateTime &now)
+{
+    const QString name =
+        QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s) + u".db"_s;
+    QDir folder = QFileInfo(store).absoluteDir();
+    if (judgeNewPlace(folder.filePath(name), false))
+        folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    return folder.filePath(name);
 }
 
 QString backupPlaceProblem(const QString &store, const QString &target)

@@ -2,12 +2,17 @@
 #pragma once
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 
 namespace harrowby::app {
 
 /// The name that is offered for a backup of that day.
 [[nodiscard]] QString usualBackupName(const QDate &day);
+
+/// Where the copy of a store goes whose file was lost: beside its place, or into the documents when nothing can be
+/// written there.
+[[nodiscard]] QString usualRescuePlace(const QString &store, const QDateTime &now);
 
 /// Why the backup of this store cannot be written there, in words for a person; empty when it can. A file that is
 /// there already is no reason.

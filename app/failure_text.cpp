@@ -68,6 +68,8 @@ QString failureAdvice(const DbFailure &failure)
 {
     if (failure.engineCode == 0 && failure.reason.contains(u"text value"_s))
         return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
+    if (failure.engineCode == SQLITE_READONLY_DBMOVED)
+        return u"Nothing is being saved any more. Stop here and follow the box in front."_s;
     switch (failure.engineCode & 0xff) {
     case SQLITE_FULL:
         return u"The disk is full. Free some space, then do the step again."_s;

@@ -6,6 +6,7 @@
 #include "office_password_dialog.h"
 #include "office_window.h"
 #include "start_message.h"
+#include "store_guard.h"
 #include "users_store.h"
 
 using namespace Qt::StringLiterals;
@@ -35,8 +36,9 @@ QString wordsOf(const DoorAnswer &answer)
 
 } // namespace
 
-OfficeEnd runOffice(sqlite3 *database, const QString &store, const OfficeSettings &settings)
+OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings)
 {
+    sqlite3 *database = guard.database();
     if (const DoorAnswer door = findAdministrator(database); door.kind != Kind::Open) {
         tellProblem(wordsOf(door));
         return OfficeEnd::Refused;
@@ -48,7 +50,9 @@ OfficeEnd runOffice(sqlite3 *database, const QString &store, const OfficeSetting
     OfficePasswordDialog password([=](const QString &typed) { return wordsOf(askAtDoor(database, typed)); });
     if (password.exec() != QDialog::Accepted)
         return OfficeEnd::Left;
-    OfficeWindow(database, store, settings).exec();
+    OfficeWindow window(database, store, settings);
+    window.watchStore([&guard] { return guard.check() ? QString() : lossHeadline(guard.loss()); });
+    window.exec();
     return OfficeEnd::Left;
 }
 

@@ -5,10 +5,10 @@
 
 #include <QString>
 
-struct sqlite3;
-
 /// The store's own windows, for its ADMINISTRATOR. The till knows nothing of them.
 namespace harrowby::app {
+
+class StoreGuard;
 
 enum class OfficeEnd {
     Left,    ///< the window was closed, or the password was not given
@@ -16,6 +16,6 @@ enum class OfficeEnd {
 };
 
 /// Asks for the password and shows the window until it is closed.
-[[nodiscard]] OfficeEnd runOffice(sqlite3 *database, const QString &store, const OfficeSettings &settings);
+[[nodiscard]] OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings);
 
 } // namespace harrowby::app

@@ -69,6 +69,11 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
         button->setAutoDefault(false);
 }
 
+void OfficeWindow::watchStore(const std::function<QString()> &loss)
+{
+    m_backup->watchStore(loss);
+}
+
 void OfficeWindow::reject()
 {
     if (m_backup->isRunning() && !askInOffice(this, u"A backup is being made. Stop it?"_s, u"&Stop It"_s))

@@ -5,6 +5,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 struct sqlite3;
 
 namespace harrowby::app {
@@ -20,6 +22,9 @@ class OfficeWindow final : public QDialog
 public:
     /// The database must outlive it; `store` is its file.
     OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent = nullptr);
+
+    /// `loss` says what has happened to the store file once it is lost, and nothing before: no backup counts then.
+    void watchStore(const std::function<QString()> &loss);
 
     /// Asks before a backup is stopped or an entry lost.
     void reject() override;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "sql.h"
 
+#include "store_loss.h"
+
 #include <QUrl>
 
 #include <sqlite3.h>
@@ -13,6 +15,8 @@ namespace {
 
 SqlError lastError(sqlite3 *database)
 {
+    if (const QString loss = lossOf(database); !loss.isEmpty())
+        return {SQLITE_READONLY_DBMOVED, loss};
     return {sqlite3_errcode(database) & 0xff, QString::fromUtf8(sqlite3_errmsg(database))};
 }
 

@@ -19,7 +19,7 @@ namespace harrowby::app {
 
 struct SqlError
 {
-    int code = 0;   ///< the engine's primary result code
+    int code = 0;   ///< the engine's primary result code; SQLITE_READONLY_DBMOVED once the store is lost
     QString reason; ///< the engine's own words
 };
 

@@ -4,6 +4,7 @@
 #include "basic/logging.h"
 #include "busy_wait.h"
 #include "file_facts.h"
+#include "left_log.h"
 #include "quick_check.h"
 #include "schema.h"
 
@@ -44,6 +45,13 @@ OpenMode gentlestMode(const QString &path, const QByteArray &header)
 {
     const bool closed = usesWriteAheadLog(header) && !QFile::exists(logFileOf(path)) && !QFile::exists(journalOf(path));
     return closed ? OpenMode::ReadFrozen : OpenMode::Read;
+}
+
+/// An empty log is nobody's.
+bool hasForeignLog(const QString &path)
+{
+    const QString log = logFileOf(path);
+    return QFile(log).size() > 0 && logIsOfAnotherFile(QFile::encodeName(path), QFile::encodeName(log));
 }
 
 Problem judgeTable(sqlite3 *database, const StoreTable &table, const QString &path)
@@ -110,6 +118,8 @@ std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std:
         return storeProblem(ProblemKind::Empty, path);
     if (!isDatabaseHeader(header))
         return storeProblem(ProblemKind::NoDatabase, path);
+    if (hasForeignLog(path))
+        return storeProblem(ProblemKind::ForeignLog, path, logFileOf(path));
 
     Database database;
     auto error = openForJudging(path, gentlestMode(path, header), wait, database);
@@ -124,7 +134,7 @@ std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std:
 std::optional<StoreProblem> judgeNewStore(const QString &path, bool makeFolder)
 {
     for (const QString &log : {logFileOf(path), journalOf(path)}) {
-        if (QFile::exists(log))
+        if (QFile(log).size() > 0)
             return storeProblem(ProblemKind::LeftOverLog, log, path);
     }
     return judgeNewPlace(path, makeFolder);

@@ -38,6 +38,11 @@ ProblemText placeText(ProblemKind kind)
     case ProblemKind::ReadOnly:
         return {u"The store file \"{file}\" cannot be sold from, because \"{detail}\" is read-only."_s,
                 u"Allow writing to it, or copy the store file to a place where you may write."_s};
+    case ProblemKind::ForeignLog:
+        return {u"Beside the store file \"{file}\" lies the log of another one: \"{detail}\"."_s,
+                u"Another file was put in its place before the log was done with, and the log may hold the last sales "
+                "of the file that was here before. Put that back if it is the right one; else move the log away, and "
+                "keep it."_s};
     default:
         return {u"\"{file}\" is the log of a store file that is gone: there is no \"{detail}\"."_s,
                 u"It may hold the last sales. If the store file was moved, put both together again; if it is not "
@@ -79,7 +84,7 @@ ProblemText contentText(ProblemKind kind)
 
 bool isAboutPlace(ProblemKind kind)
 {
-    return kind <= ProblemKind::ReadOnly || kind == ProblemKind::LeftOverLog;
+    return kind <= ProblemKind::ReadOnly || kind == ProblemKind::LeftOverLog || kind == ProblemKind::ForeignLog;
 }
 
 ProblemKind kindOf(int engineCode)

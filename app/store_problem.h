@@ -22,6 +22,7 @@ enum class ProblemKind {
     MissingTable,  ///< a table is missing
     MissingColumn, ///< a column is missing
     LeftOverLog,   ///< there is no file, but the log of one
+    ForeignLog,    ///< beside the file lies the log of the one that was here before
     DiskFull,      ///< no space to make or prepare it
     Other,         ///< the engine refuses for another reason
 };

@@ -10,10 +10,12 @@
 #include "first_user_dialog.h"
 #include "foreign_windows.h"
 #include "log_file.h"
+#include "lost_store_box.h"
 #include "notice_place.h"
 #include "office.h"
 #include "start_message.h"
 #include "store_create.h"
+#include "store_guard.h"
 #include "store_judge.h"
 #include "store_open.h"
 #include "store_paths.h"
@@ -136,12 +138,14 @@ void setUpApplication()
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-int sell(sqlite3 *database, BusyWait &wait, FailureNotice &notice)
+int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
 {
-    const auto connection = std::make_shared<SqliteConnection>(database, QApplication::applicationDirPath());
-    connection->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
+    const auto connection = std::make_shared<SqliteConnection>(store.database(), QApplication::applicationDirPath());
+    connection->setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
     setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
     wait.followEventLoop();
+    const LostStoreAlarm alarm(store, u"till"_s, closeTill);
+    store.keepWatch();
     supplyForeignWindows(connection);
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
@@ -158,7 +162,7 @@ int sell(sqlite3 *database, BusyWait &wait, FailureNotice &notice)
     return code;
 }
 
-int keepOffice(sqlite3 *database, const QString &path, BusyWait &wait, FailureNotice &notice)
+int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNotice &notice)
 {
     // What it could not save the office says itself.
     setFileFailureHandler([&notice](const FileFailure &failure) {
@@ -166,7 +170,9 @@ int keepOffice(sqlite3 *database, const QString &path, BusyWait &wait, FailureNo
             notice.add(failure);
     });
     wait.followEventLoop();
-    const OfficeEnd end = runOffice(database, path, {savedSetting, saveSetting});
+    const LostStoreAlarm alarm(store, u"office"_s, closeOffice);
+    store.keepWatch();
+    const OfficeEnd end = runOffice(store, path, {savedSetting, saveSetting});
     setFileFailureHandler({});
     return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
 }
@@ -205,9 +211,9 @@ int run(int argc, char **argv)
     const LogRouting routing(log, line.verbose);
     const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
     BusyWait wait;
-    const Database database = openOrRefuse(path, wait);
+    StoreGuard store(openOrRefuse(path, wait), path, wait);
     log.prove();
-    return line.office ? keepOffice(database.get(), path, wait, notice) : sell(database.get(), wait, notice);
+    return line.office ? keepOffice(store, path, wait, notice) : sell(store, wait, notice);
 }
 
 } // namespace

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "guarded_worker.h"
+
+#include "backup.h"
+#include "busy_wait.h"
+#include "store_guard.h"
+#include "store_open.h"
+
+#include <harrowby/sqlite_connection.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app::test {
+
+namespace {
+
+constexpr int patience = 30000;
+
+QString reasonOf(const std::optional<SqlError> &error)
+{
+    return error ? error->reason : u"ok"_s;
+}
+
+/// The worker's own side.
+class Work
+{
+public:
+    Work(const QString &role, Database database, const QString &path) :
+        m_isTill(role == u"till"_s), m_guard(std::move(database), path, m_wait), m_till(m_guard.database())
+    {
+        m_till.setFailureHandler([this](const DbFailure &failure) { m_failure = m_guard.explained(failure).reason; });
+    }
+
+    QString answer(const QString &order)
+    {
+        const QString verb = order.section(u' ', 0, 0);
+        const QString rest = order.section(u' ', 1);
+        if (verb == u"write"_s)
+            return change(u"INSERT INTO SysUsage (SystemUsage) VALUES ('%1')"_s.arg(rest));
+        if (verb == u"touch"_s)
+            return change(u"UPDATE SysUsage SET Dates = 1 WHERE SystemUsage = 'nobody'"_s);
+        if (verb == u"read"_s)
+            return reasonOf(runSql(m_guard.database(), u"SELECT count(*) FROM SysUsage"_s));
+        if (verb == u"rescue"_s)
+            return rescue(rest);
+        if (verb == u"tick"_s)
+            m_guard.tick();
+        if (!m_guard.isLost())
+            return u"fine"_s;
+        if (verb == u"now"_s)
+            return m_guard.loss().nowAt;
+        return verb == u"aside"_s ? m_guard.loss().logAside : QString::number(int(m_guard.loss().kind));
+    }
+
+private:
+    QString change(const QString &statement)
+    {
+        if (!m_isTill)
+            return reasonOf(runSql(m_guard.database(), statement));
+        return m_till.Execute(statement) ? u"ok"_s : m_failure;
+    }
+
+    QString rescue(const QString &file)
+    {
+        const StoreGuard::Pass pass(m_guard);
+        const auto result =
+            rescueStore(m_guard.database(), m_guard.loss().path, file, [](const BackupProgress &) { return true; });
+        return result.outcome == BackupResult::Outcome::Done ? u"ok"_s : result.problem;
+    }
+
+    BusyWait m_wait{std::chrono::seconds(5)};
+    bool m_isTill;
+    StoreGuard m_guard;
+    SqliteConnection m_till;
+    QString m_failure;
+};
+
+void say(const QString &text)
+{
+    std::printf("%s\n", text.toUtf8().replace('\n', '|').constData());
+    std::fflush(stdout);
+}
+
+} // namespace
+
+bool isWorker(int argc, char **argv)
+{
+    return argc == 4 && std::string(argv[1]) == "--work";
+}
+
+int runWorker(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QString path = QString::fromLocal8Bit(argv[3]);
+    BusyWait wait(std::chrono::seconds(5));
+    Database database;
+    if (const auto problem = openStore(path, wait, database)) {
+        say(problem->text);
+        return 4;
+    }
+    Work work(QString::fromLocal8Bit(argv[2]), std::move(database), path);
+    say(u"ready"_s);
+    std::string line;
+    while (std::getline(std::cin, line))
+        say(work.answer(QString::fromStdString(line)));
+    return 0;
+}
+
+Worker::Worker(const QString &role, const QString &store)
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(QCoreApplication::applicationFilePath(), {u"--work"_s, role, store});
+    if (!m_process.waitForReadyRead(patience) || m_process.readLine() != "ready\n")
+        qFatal("The worker does not start");
+}
+
+Worker::~Worker()
+{
+    kill();
+}
+
+QString Worker::ask(const QString &order)
+{
+    m_process.write(order.toUtf8() + '\n');
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patience))
+            return u"no answer"_s;
+    }
+    return QString::fromUtf8(m_process.readLine()).chopped(1);
+}
+
+int Worker::close()
+{
+    m_process.closeWriteChannel();
+    return m_process.waitForFinished(patience) && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                                                                 : -1;
+}
+
+void Worker::kill()
+{
+    m_process.kill();
+    m_process.waitForFinished(patience);
+}
+
+} // namespace harrowby::app::test
