@@ -119,7 +119,8 @@ void FailureNoticeTest::advice_data()
     QTest::newRow("full") << SQLITE_FULL << u"Free some space"_s;
     QTest::newRow("busy") << SQLITE_BUSY << u"locked"_s;
     QTest::newRow("extended busy") << SQLITE_BUSY_SNAPSHOT << u"locked"_s;
-    QTest::newRow("read-only") << SQLITE_READONLY_DBMOVED << u"cannot be written"_s;
+    QTest::newRow("read-only") << SQLITE_READONLY_DIRECTORY << u"cannot be written"_s;
+    QTest::newRow("moved") << SQLITE_READONLY_DBMOVED << u"Nothing is being saved any more"_s;
     QTest::newRow("damaged") << SQLITE_CORRUPT << u"backup"_s;
     QTest::newRow("disk") << SQLITE_IOERR_FSYNC << u"Check the disk"_s;
     QTest::newRow("lost table") << SQLITE_ERROR << u"missing"_s;
