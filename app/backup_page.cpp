@@ -74,6 +74,7 @@ void BackupPage::createControls()
     connect(m_choose, &QPushButton::clicked, this, &BackupPage::choosePlace);
     m_start = new QPushButton(u"&Back Up Now"_s, this);
     m_start->setObjectName(u"startBackup"_s);
+    sheet::makePrimary(*m_start);
     connect(m_start, &QPushButton::clicked, this, &BackupPage::start);
     m_stop = new QPushButton(u"S&top"_s, this);
     m_stop->setObjectName(u"stopBackup"_s);

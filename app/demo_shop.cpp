@@ -102,10 +102,11 @@ std::optional<SqlError> fillDemoShop(sqlite3 *database, const QDateTime &now)
 QString demoLoginText()
 {
     return u"Demo shop. Log in with one of these names; the password is the name.\n"
-           "  ADMINISTRATOR  may do everything, and open the store's office\n"
-           "  MANAGER        may do everything at the till\n"
-           "  CASHIER        may sell\n"
-           "  VIEWER         may look at the figures elsewhere, and is refused at the till\n"_s;
+           "\n"
+           "ADMINISTRATOR: everything, and the store's office\n"
+           "MANAGER: everything at the till\n"
+           "CASHIER: selling\n"
+           "VIEWER: nothing at the till\n"_s;
 }
 
 } // namespace harrowby::app

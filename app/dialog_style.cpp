@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "dialog_style.h"
 
+#include "sheet/look.h"
+
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStyledItemDelegate>
 #include <QWidget>
 
@@ -48,6 +52,15 @@ void makeTouchSized(QWidget &window)
         entry->setMinimumHeight(touchHeight);
     for (auto *list : window.findChildren<QComboBox *>())
         makeListTouchSized(*list);
+}
+
+void dressBox(QMessageBox &box)
+{
+    box.setTextFormat(Qt::PlainText);
+    enlargeFont(box);
+    if (QPushButton *main = box.defaultButton())
+        sheet::makePrimary(*main);
+    sheet::dress(box);
 }
 
 QString failureNoticeStyle()

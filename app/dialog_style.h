@@ -3,6 +3,7 @@
 
 #include <QString>
 
+class QMessageBox;
 class QWidget;
 
 /// Looks of the program's own boxes: everything that is touched is at least 44 px high.
@@ -13,6 +14,10 @@ void enlargeFont(QWidget &window);
 
 /// Makes the buttons, entries and lists within large enough for a thumb.
 void makeTouchSized(QWidget &window);
+
+/// The look of the till for a box of the program's own, whose text is plain. Its default button, if any, becomes its
+/// main one. Once it has its buttons.
+void dressBox(QMessageBox &box);
 
 [[nodiscard]] QString failureNoticeStyle();
 

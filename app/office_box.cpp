@@ -2,7 +2,6 @@
 #include "office_box.h"
 
 #include "dialog_style.h"
-#include "sheet/look.h"
 
 #include <QAccessible>
 #include <QLabel>
@@ -13,21 +12,11 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-namespace {
-
-void prepare(QMessageBox &box)
-{
-    box.setTextFormat(Qt::PlainText);
-    enlargeFont(box);
-    sheet::dress(box);
-}
-
-} // namespace
-
 void tellInOffice(QWidget *parent, const QString &text)
 {
     QMessageBox box(QMessageBox::Warning, u"Store"_s, text, QMessageBox::Ok, parent);
-    prepare(box);
+    box.setDefaultButton(QMessageBox::Ok);
+    dressBox(box);
     box.exec();
 }
 
@@ -36,7 +25,7 @@ bool askInOffice(QWidget *parent, const QString &question, const QString &action
     QMessageBox box(QMessageBox::Question, u"Store"_s, question, QMessageBox::Cancel, parent);
     const QPushButton *agree = box.addButton(action, QMessageBox::AcceptRole);
     box.setDefaultButton(QMessageBox::Cancel);
-    prepare(box);
+    dressBox(box);
     box.exec();
     return box.clickedButton() == agree;
 }

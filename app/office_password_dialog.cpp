@@ -45,11 +45,12 @@ void OfficePasswordDialog::layOut()
     form->addRow(u"User name:"_s, makeOfficeText(this, u"ADMINISTRATOR"_s));
     form->addRow(u"&Password:"_s, m_password);
     form->setVerticalSpacing(12);
-    form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    sheet::centreCaptions(*form);
 
     auto *buttons = new QDialogButtonBox(this);
     m_open = buttons->addButton(u"&Open"_s, QDialogButtonBox::AcceptRole);
     m_open->setDefault(true);
+    sheet::makePrimary(*m_open);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &OfficePasswordDialog::accept);

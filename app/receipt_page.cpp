@@ -2,6 +2,7 @@
 #include "receipt_page.h"
 
 #include "office_box.h"
+#include "sheet/look.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -63,21 +64,22 @@ QVBoxLayout *ReceiptPage::makeForm()
 {
     auto *save = new QPushButton(u"&Save"_s, this);
     save->setObjectName(u"saveReceipt"_s);
+    sheet::makePrimary(*save);
     connect(save, &QPushButton::clicked, this, &ReceiptPage::save);
     for (const QLineEdit *entry : {m_title, m_address, m_currency})
         connect(entry, &QLineEdit::returnPressed, this, &ReceiptPage::save);
 
     auto *form = new QFormLayout;
     form->setVerticalSpacing(12);
-    form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     form->addRow(u"&Title:"_s, m_title);
     form->addRow(u"A&ddress:"_s, m_address);
     form->addRow(u"&Currency:"_s, m_currency);
+    sheet::centreCaptions(*form);
 
     auto *rows = new QVBoxLayout;
     rows->setSpacing(12);
     rows->addWidget(makeOfficeText(this, u"Title and address stand at the top of each receipt, in capitals. They count "
-                                         "for who uses this computer under the same name."_s));
+                                         "for whoever uses this computer under the same name."_s));
     rows->addLayout(form);
     rows->addWidget(m_emailReport);
     rows->addWidget(save);
@@ -93,7 +95,7 @@ QVBoxLayout *ReceiptPage::makePicture()
     m_picture->setFrameShape(QFrame::StyledPanel);
     m_picture->setAccessibleName(u"Picture of a receipt"_s);
     auto *rows = new QVBoxLayout;
-    rows->addWidget(makeOfficeText(this, u"So it looks:"_s));
+    rows->addWidget(makeOfficeText(this, u"How it looks:"_s));
     rows->addWidget(m_picture);
     rows->addStretch(1);
     return rows;
@@ -120,7 +122,7 @@ void ReceiptPage::save()
     const bool saved = saveReceiptHead(m_settings, m_saved, head);
     m_saved = readReceiptHead(m_settings);
     if (saved)
-        showOutcome(*m_outcome, u"Saved. It stands on the next receipt."_s);
+        showOutcome(*m_outcome, u"Saved. It will be on the next receipt."_s);
     else
         tellInOffice(this, u"The settings could not be saved. Check the disk and the folder of the settings file, then "
                            "save again."_s);

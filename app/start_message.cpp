@@ -26,8 +26,8 @@ void showBox(QMessageBox::Icon icon, const QString &text)
     if (!canShowBoxes())
         return;
     QMessageBox box(icon, u"Harrowby Inventory"_s, text, QMessageBox::Ok);
-    box.setTextFormat(Qt::PlainText);
-    makeTouchSized(box);
+    box.setDefaultButton(QMessageBox::Ok);
+    dressBox(box);
     box.exec();
 }
 

@@ -81,13 +81,15 @@ void UserDialog::addPassword(QFormLayout &form)
 void UserDialog::layOut(QFormLayout &form, const QString &action)
 {
     form.setVerticalSpacing(10);
-    form.setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    sheet::centreCaptions(form);
     m_problem = makeOfficeText(this, {});
     m_problem->setObjectName(u"problem"_s);
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
 
     auto *buttons = new QDialogButtonBox(this);
-    buttons->addButton(action, QDialogButtonBox::AcceptRole)->setDefault(true);
+    QPushButton *store = buttons->addButton(action, QDialogButtonBox::AcceptRole);
+    store->setDefault(true);
+    sheet::makePrimary(*store);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &UserDialog::accept);

@@ -2,6 +2,7 @@
 #include "users_page.h"
 
 #include "office_box.h"
+#include "sheet/look.h"
 #include "user_dialog.h"
 #include "user_rules.h"
 
@@ -69,6 +70,7 @@ QVBoxLayout *UsersPage::makeList()
     connect(m_list, &QListWidget::currentRowChanged, this, &UsersPage::showUser);
     auto *add = new QPushButton(u"&Add User \u2026"_s, this);
     add->setObjectName(u"addUser"_s);
+    sheet::makePrimary(*add);
     connect(add, &QPushButton::clicked, this, &UsersPage::addUser);
 
     auto *rows = new QVBoxLayout;
@@ -214,7 +216,7 @@ void UsersPage::switchRight(const QString &column, bool on)
     const StoreUser *user = current();
     if (user == nullptr)
         return;
-    const QString done = on ? u"Saved: %1 has the right now."_s : u"Saved: %1 has the right no more."_s;
+    const QString done = on ? u"Saved: %1 has the right now."_s : u"Saved: %1 no longer has the right."_s;
     finish(m_store.setRight(*user, column, on), done.arg(user->name) + u" It counts from the next login."_s);
 }
 

@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/look.h"
 
+#include "sheet/drop_down.h"
+
+#include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QEvent>
+#include <QFormLayout>
 #include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
 #include <QWidget>
 
 #include <cmath>
@@ -37,6 +44,7 @@ QLabel, QCheckBox, QPushButton, QComboBox, QDateEdit, QLineEdit, QProgressBar, Q
 QLabel { background: transparent; }
 QLabel[look="caption"] { color: @muted@; font-size: 9.5pt; }
 QLabel[look="totals"] { font-size: 12.5pt; font-weight: bold; }
+QLabel[look="field"] { min-height: 46px; } /* as high as an entry */
 QLabel[look="message"] { font-size: 14.5pt; color: @muted@; }
 
 QPushButton { background: @field@; border: 1px solid @edge@; border-radius: 9px; min-height: 42px; padding: 1px 14px; outline: none; }
@@ -44,6 +52,20 @@ QPushButton:hover { border-color: @accent@; background: @tile@; }
 QPushButton:pressed { background: @selection@; border-color: @accent@; }
 QPushButton:focus { border: 3px solid @accent@; padding: 0px 12px; min-height: 40px; }
 QPushButton:disabled { color: @muted@; background: @tile@; border: 1px solid @border@; }
+QPushButton[look="primary"] { background: @accent@; color: @on-accent@; border-color: @accent@; font-weight: bold; }
+QPushButton[look="primary"]:hover, QPushButton[look="primary"]:pressed { background: @accent-pressed@; }
+QPushButton[look="primary"]:focus { border: 3px solid @text@; }
+QPushButton[look="primary"]:disabled { color: @muted@; background: @tile@; border: 1px solid @border@; }
+
+QMessageBox {
+    messagebox-critical-icon: url(:/harrowby/sheet/box-critical-@shade@.svg);
+    messagebox-information-icon: url(:/harrowby/sheet/box-information-@shade@.svg);
+    messagebox-question-icon: url(:/harrowby/sheet/box-question-@shade@.svg);
+    messagebox-warning-icon: url(:/harrowby/sheet/box-warning-@shade@.svg);
+    icon-size: 48px;
+}
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
+QDialogButtonBox QPushButton { min-width: 84px; }
 
 QLineEdit {
     background: @field@; border: 1px solid @edge@; border-radius: 9px; min-height: 42px; padding: 1px 8px;
@@ -51,6 +73,7 @@ QLineEdit {
 }
 QLineEdit:focus { border: 2px solid @accent@; padding: 0px 7px; }
 QLineEdit:disabled, QComboBox:disabled { color: @muted@; background: @tile@; border-color: @border@; }
+QComboBox { combobox-popup: 0; }
 QComboBox, QDateEdit {
     background: @field@; border: 1px solid @edge@; border-radius: 9px; min-height: 42px; padding: 1px 0px 1px 8px;
     selection-background-color: @accent@; selection-color: @on-accent@;
@@ -140,11 +163,17 @@ QToolTip { background: @field@; color: @text@; border: 1px solid @edge@; padding
 
 QString sheetFor(const Look &look)
 {
-    const std::pair<QString, QColor> names[] = {{u"@ground@"_s, look.ground},      {u"@field@"_s, look.field},
-                                                {u"@tile@"_s, look.tile},          {u"@text@"_s, look.text},
-                                                {u"@muted@"_s, look.muted},        {u"@border@"_s, look.border},
-                                                {u"@edge@"_s, look.edge},          {u"@accent@"_s, look.accent},
-                                                {u"@on-accent@"_s, look.onAccent}, {u"@selection@"_s, look.selection}};
+    const std::pair<QString, QColor> names[] = {{u"@ground@"_s, look.ground},
+                                                {u"@field@"_s, look.field},
+                                                {u"@tile@"_s, look.tile},
+                                                {u"@text@"_s, look.text},
+                                                {u"@muted@"_s, look.muted},
+                                                {u"@border@"_s, look.border},
+                                                {u"@edge@"_s, look.edge},
+                                                {u"@accent@"_s, look.accent},
+                                                {u"@on-accent@"_s, look.onAccent},
+                                                {u"@selection@"_s, look.selection},
+                                                {u"@accent-pressed@"_s, look.accentPressed}};
     QString sheet = QString::fromLatin1(sheetTemplate);
     for (const auto &[name, colour] : names)
         sheet.replace(name, colour.name());
@@ -191,6 +220,7 @@ Look::Look(const QPalette &palette)
     dark = window.lightnessF() < 0.5F;
     accent = dark ? QColor(64, 201, 172) : QColor(0, 98, 86);
     onAccent = dark ? QColor(4, 30, 25) : QColor(Qt::white);
+    accentPressed = mixed(accent, dark ? Qt::white : Qt::black, 0.2);
     ground = dark ? mixed(window, Qt::black, 0.3) : mixed(window, accent, 0.05);
     field = dark ? mixed(window, Qt::black, 0.15) : base;
     tile = dark ? mixed(window, Qt::white, 0.04) : mixed(base, accent, 0.05);
@@ -205,6 +235,30 @@ void dress(QWidget &window)
 {
     registerResources();
     new LookKeeper(window);
+    dressDropDowns(window);
+    for (const auto *box : window.findChildren<QDialogButtonBox *>()) {
+        for (QAbstractButton *button : box->buttons())
+            button->setIcon({}); // of another style
+    }
+}
+
+void makePrimary(QPushButton &button)
+{
+    button.setProperty("look", u"primary"_s);
+}
+
+void centreCaptions(QFormLayout &form)
+{
+    for (int row = 0; row < form.rowCount(); ++row) {
+        for (const auto role : {QFormLayout::LabelRole, QFormLayout::FieldRole}) {
+            const QLayoutItem *item = form.itemAt(row, role);
+            auto *label = item != nullptr ? qobject_cast<QLabel *>(item->widget()) : nullptr;
+            if (label == nullptr)
+                continue;
+            label->setProperty("look", u"field"_s);
+            label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        }
+    }
 }
 
 } // namespace harrowby::sheet

@@ -3,6 +3,7 @@
 
 #include "sheet/csv.h"
 #include "sheet/files.h"
+#include "sheet/look.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -41,6 +42,7 @@ QString askForFile(QWidget *parent, const QString &suggestion, const QString &su
     dialog->setDefaultSuffix(suffix);
     dialog->setDirectory(QFileInfo(suggestion).path());
     dialog->selectFile(QFileInfo(suggestion).fileName());
+    dress(*dialog);
     const bool chosen = dialog->exec() == QDialog::Accepted;
     const QString path = chosen && dialog ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
@@ -79,7 +81,9 @@ OutputBar::OutputBar(OutputSource source, QWidget *parent) :
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(8);
-    row->addWidget(addButton(u"P&rint ..."_s, u"print"_s, &OutputBar::print));
+    QPushButton *print = addButton(u"P&rint ..."_s, u"print"_s, &OutputBar::print);
+    makePrimary(*print);
+    row->addWidget(print);
     row->addWidget(addButton(u"Save as P&DF ..."_s, u"savePdf"_s, &OutputBar::savePdf));
     row->addWidget(addButton(u"Save as CS&V ..."_s, u"saveCsv"_s, &OutputBar::saveCsv));
 }
@@ -106,6 +110,7 @@ void OutputBar::print()
     const QPointer<OutputBar> self(this);
     const QPointer<QPrintDialog> dialog(new QPrintDialog(&printer, this));
     dialog->setOption(QAbstractPrintDialog::PrintPageRange);
+    dress(*dialog);
     const bool wanted = dialog->exec() == QDialog::Accepted;
     delete dialog;
     if (!wanted || !self)

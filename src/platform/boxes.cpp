@@ -105,8 +105,10 @@ Answer answerOf(Button button)
 
 void makeTouchable(const QDialog &dialog)
 {
-    for (auto *const button : dialog.findChildren<QAbstractButton *>())
+    for (auto *const button : dialog.findChildren<QAbstractButton *>()) {
         button->setMinimumSize(touchSize);
+        button->setIcon({}); // of another style than the box's own sign
+    }
 }
 
 void fillMessage(QMessageBox &box, const QString &text, int style, const QString &title)

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/controls.h"
+
+#include "platform/receipt_store.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/name_list.h"
@@ -43,6 +45,10 @@ void Controls::createSettings()
     Text2 = makeEntry(Frame9, u"Text2"_s, QObject::tr("Report e-mail address"));
     Combo9 = makePickList(Frame9, u"Combo9"_s, QObject::tr("Receipt printer"));
     Combo9->lineEdit()->setPlaceholderText(QObject::tr("Receipt printer"));
+    const QString receipts = QObject::tr("Without a printer, receipts are saved as PDF files in the folder \"%1\".")
+                                 .arg(receiptFolders().constFirst());
+    Combo9->setToolTip(receipts);
+    Combo9->lineEdit()->setToolTip(receipts);
     Command18 = makePrimaryButton(Frame9, u"Command18"_s, u"Save Settings"_s);
 
     List2 = new NameList(Frame9);

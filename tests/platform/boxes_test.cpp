@@ -2,12 +2,14 @@
 #include "platform/boxes.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
@@ -34,6 +36,18 @@ void whenShown(QtBoxes &boxes, std::function<void(Dialog &)> look)
     });
 }
 
+/// Puts pictures on the buttons of boxes, as some desktops do.
+class StyleWithIcons : public QProxyStyle
+{
+public:
+    StyleWithIcons() : QProxyStyle(u"fusion"_s) {}
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *data) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
 QString cartList(int lines)
 {
     QString text = u"Purchase these items?"_s;
@@ -58,6 +72,7 @@ private Q_SLOTS:
     void textIsPlain_data();
     void textIsPlain();
     void buttonsAreLargeEnoughForAFinger();
+    void buttonsHaveNoIcons();
     void aLongListStaysOnTheScreen_data();
     void aLongListStaysOnTheScreen();
     void aShortTextKeepsItsLabel();
@@ -196,6 +211,31 @@ void BoxesTest::buttonsAreLargeEnoughForAFinger()
         box.reject();
     });
     boxes.message(nullptr, u"Text"_s, box::AskOrCancel, {});
+}
+
+void BoxesTest::buttonsHaveNoIcons()
+{
+    QApplication::setStyle(new StyleWithIcons);
+    QtBoxes boxes;
+    int seen = 0;
+    const auto look = [&seen](const QDialog &box) {
+        for (const auto *const button : box.findChildren<QAbstractButton *>()) {
+            ++seen;
+            QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
+        }
+    };
+    whenShown<QMessageBox>(boxes, [look](QMessageBox &box) {
+        look(box);
+        box.reject();
+    });
+    boxes.message(nullptr, u"Text"_s, box::AskOrCancel, {});
+    whenShown<QInputDialog>(boxes, [look](QInputDialog &box) {
+        look(box);
+        box.reject();
+    });
+    boxes.input(nullptr, u"Text"_s, {}, {});
+    QCOMPARE(seen, 5);
+    QApplication::setStyle(u"fusion"_s);
 }
 
 void BoxesTest::aLongListStaysOnTheScreen_data()

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/table_view.h"
 
+#include "sheet/look.h"
+
 #include <QAbstractItemModelTester>
 #include <QComboBox>
+#include <QDialog>
 #include <QHeaderView>
+#include <QScreen>
 #include <QTest>
 
 using namespace harrowby::sheet;
@@ -60,6 +64,43 @@ private Q_SLOTS:
         QCOMPARE(column(view, 0), u"A B C"_s);
         view.header()->setSortIndicator(0, Qt::DescendingOrder);
         QCOMPARE(box->currentText(), u"Seller, Z to A"_s);
+    }
+
+    void theBoxDropsItsWholeList_data()
+    {
+        QTest::addColumn<int>("columns");
+        QTest::addColumn<bool>("fits");
+        QTest::newRow("short") << 5 << true; // ten entries, on a screen of 800x600
+        QTest::newRow("longer than the screen") << 20 << false;
+    }
+
+    void theBoxDropsItsWholeList()
+    {
+        QFETCH(const int, columns);
+        QFETCH(const bool, fits);
+        Table table;
+        for (int i = 0; i < columns; ++i)
+            table.columns.push_back({u"Column %1"_s.arg(i), Kind::Text, false});
+        QDialog dialog;
+        TableView view(&dialog);
+        QComboBox *box = view.createSortBox(&dialog);
+        view.show(table, 0, Qt::AscendingOrder);
+        dress(dialog);
+        dialog.setGeometry(0, 0, 300, 200);
+        dialog.show();
+        box->setCurrentIndex(box->count() - 1);
+        box->showPopup();
+        QAbstractItemView *list = box->view();
+        QTRY_VERIFY(list->isVisible());
+        QVERIFY(list->screen()->geometry().contains(list->window()->geometry()));
+        const auto entry = [&](int row) { return list->visualRect(list->model()->index(row, 0)); };
+        for (int row = 0; row < box->count(); ++row)
+            QVERIFY(entry(row).height() >= 44);
+        QVERIFY(list->viewport()->rect().contains(entry(box->count() - 1)));
+        QCOMPARE(list->viewport()->rect().contains(entry(0)), fits);
+        list->scrollToTop();
+        QVERIFY(list->viewport()->rect().contains(entry(0)));
+        box->hidePopup();
     }
 
     void aChosenOrderStaysWithItsColumns()

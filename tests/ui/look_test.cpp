@@ -208,6 +208,8 @@ private Q_SLOTS:
     void cardsAreLarge();
     void loginIsCentredAndBlocksNothing();
     void boxesAreLargeEnoughToTouch();
+    void boxesHaveTheTillsSigns_data();
+    void boxesHaveTheTillsSigns();
     void acceleratorsAreUnique();
     void coveredControlsAreSkipped();
     void startsWithItsFirstPanels();
@@ -518,6 +520,42 @@ void LookTest::boxesAreLargeEnoughToTouch()
         for (const QPushButton *button : buttons)
             QVERIFY(button->height() >= kTouch);
     }
+}
+
+void LookTest::boxesHaveTheTillsSigns_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::addColumn<QColor>("colour");
+    for (const bool dark : {false, true}) {
+        const Colours colours = Colours::from(dark ? darkPalette() : lightPalette());
+        const QByteArray shade = dark ? "dark" : "light";
+        QTest::newRow(shade + " question") << dark << QMessageBox::Question << colours.accent;
+        QTest::newRow(shade + " information") << dark << QMessageBox::Information << colours.accent;
+        QTest::newRow(shade + " warning") << dark << QMessageBox::Warning << QColor(dark ? 0xffc14d : 0xb86e00);
+        QTest::newRow(shade + " error") << dark << QMessageBox::Critical << colours.danger;
+    }
+}
+
+void LookTest::boxesHaveTheTillsSigns()
+{
+    QFETCH(const bool, dark);
+    QFETCH(const QMessageBox::Icon, icon);
+    QFETCH(const QColor, colour);
+    BusyWindow window;
+    window.show();
+    QMessageBox box(icon, {}, u"Clear Cart?"_s, QMessageBox::Ok, &window);
+    box.show();
+    QApplication::setPalette(dark ? darkPalette() : lightPalette()); // also while it is open
+    QCoreApplication::processEvents();
+    const QImage sign = box.iconPixmap().toImage();
+    QCOMPARE(sign.size(), QSize(48, 48));
+    int own = 0;
+    for (int y = 0; y < sign.height(); ++y)
+        for (int x = 0; x < sign.width(); ++x)
+            own += sign.pixelColor(x, y) == colour ? 1 : 0;
+    QVERIFY2(own > 100, qPrintable(QString::number(own)));
+    QVERIFY(contrastRatio(colour, Colours::current().card) >= 3.0);
 }
 
 void LookTest::acceleratorsAreUnique()

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "support/counter.h"
 
+#include "platform/receipt_store.h"
 #include "ui/widgets/pick_list.h"
 
 #include <QCheckBox>
+#include <QLineEdit>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void savingNeedsTheRight();
     void quotedAddressFailsQuietly();
     void savedChoiceOfReceiptsSwitchesThePrinterList();
+    void tellsWhereReceiptsGoWithoutAPrinter();
     void listsPrinters();
     void savedPrinterNotInstalled();
     void savingChoosesThePrinter();
@@ -101,6 +104,15 @@ void SettingsTest::savedChoiceOfReceiptsSwitchesThePrinterList()
     QVERIFY(counter.find("Combo9")->isEnabled());
     counter.click("Check5");
     QVERIFY(!counter.find("Combo9")->isEnabled());
+}
+
+void SettingsTest::tellsWhereReceiptsGoWithoutAPrinter()
+{
+    Counter counter;
+    counter.open();
+    const auto *list = counter.find<PickList>("Combo9");
+    QVERIFY2(list->toolTip().contains(receiptFolders().constFirst()), qPrintable(list->toolTip()));
+    QCOMPARE(list->lineEdit()->toolTip(), list->toolTip()); // which answers for itself
 }
 
 void SettingsTest::listsPrinters()
