@@ -80,6 +80,8 @@ bool BusyWait::waitStep(int attempt)
     m_sleeper(step);
     const auto slept = std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - start);
     m_remaining -= std::max(step, slept);
+    if (m_watcher && m_budget - m_remaining >= quietTime)
+        m_watcher();
     return true;
 }
 

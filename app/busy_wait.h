@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <functional>
+#include <utility>
 
 struct sqlite3;
 
@@ -21,11 +22,19 @@ class BusyWait final : public QObject
 public:
     using Sleeper = std::function<void(std::chrono::milliseconds)>;
 
+    using Watcher = std::function<void()>;
+
+    /// A wait that nobody notices.
+    static constexpr std::chrono::milliseconds quietTime{300};
+
     /// `sleeper` stands in for a real sleep.
     explicit BusyWait(std::chrono::milliseconds budget = std::chrono::seconds(10), Sleeper sleeper = {});
 
     /// Becomes the database's busy handler. It must outlive the database's last statement.
     void attach(sqlite3 *database);
+    /// Called again and again while an action waits, from `quietTime` on, on the thread that waits. The database must
+    /// not be used in it.
+    void setWatcher(Watcher watcher) { m_watcher = std::move(watcher); }
     /// Fills up whenever this thread's outermost event loop is about to wait.
     void followEventLoop();
     void refill();
@@ -39,6 +48,7 @@ private:
     std::chrono::milliseconds m_budget;
     std::chrono::milliseconds m_remaining;
     Sleeper m_sleeper;
+    Watcher m_watcher;
 };
 
 } // namespace harrowby::app

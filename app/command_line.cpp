@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "command_line.h"
 
+#include "file_facts.h"
+#include "look_choice.h"
+
 #include <QFileInfo>
 
 #include <utility>
@@ -60,6 +63,8 @@ private:
         const bool hasValue = equals >= 0;
         if (name == u"--database"_s)
             readDatabase(hasValue, argument.mid(equals + 1));
+        else if (name == u"--look"_s)
+            readLook(hasValue ? argument.mid(equals + 1) : takeValue());
         else if (hasValue || !readSwitch(argument))
             readQtOption(argument, name, hasValue ? argument.mid(equals + 1) : QString(), hasValue);
     }
@@ -99,7 +104,14 @@ private:
             return fail(u"--database needs the name of a file."_s);
         if (!m_result.database.isEmpty())
             return fail(u"--database is given twice; a till sells from one store file."_s);
-        m_result.database = QFileInfo(file).absoluteFilePath();
+        m_result.database = file == memoryName ? file : QFileInfo(file).absoluteFilePath();
+    }
+
+    void readLook(const QString &value)
+    {
+        if (!lookNamed(value))
+            return fail(u"--look takes light, dark or system."_s);
+        m_result.look = value.toLower();
     }
 
     void readQtOption(const QString &argument, const QString &dashedName, const QString &givenValue, bool hasValue)
@@ -142,6 +154,7 @@ QString helpText()
            "head,\n"
            "                   and a backup; asks for ADMINISTRATOR's password\n"
            "  --touch-keyboard show a keyboard on the screen wherever text is typed\n"
+           "  --look LOOK      light, dark, or system, which is as the desktop has it; kept for the next start\n"
            "  --no-plugins     load no plugins: the till is without its sales report\n"
            "  --verbose        show what goes into the log file in the terminal too\n"
            "  -h, --help       show this help and leave\n"

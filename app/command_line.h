@@ -15,7 +15,8 @@ struct CommandLine
     bool office = false;        ///< the store's own windows instead of the till
     bool touchKeyboard = false; ///< Qt's keyboard on the screen
     bool noPlugins = false;     ///< no foreign component is loaded
-    QString database;           ///< absolute path; empty when the option was not given
+    QString database;           ///< absolute path, or memoryName; empty when the option was not given
+    QString look;               ///< "light", "dark" or "system"; empty when the option was not given
     QString platform;           ///< what Qt's own option -platform names; empty when it was not given
     QString display;            ///< what Qt's own option -display names
     QString error;              ///< why the command line is refused; empty when it is good

@@ -87,6 +87,11 @@ std::optional<StoreProblem> judgePlace(const QString &path)
 
 std::optional<StoreProblem> judgeNewPlace(const QString &path, bool makeFolder)
 {
+    if (path == memoryName)
+        return storeProblem(ProblemKind::NoFile, path);
+    // What the name's bytes were cannot be told any more, and the file would be made under another name.
+    if (path.contains(QChar::ReplacementCharacter))
+        return storeProblem(ProblemKind::BadName, path);
     QString folder = QFileInfo(path).absolutePath();
     if (makeFolder)
         folder = nearestExisting(folder);

@@ -10,6 +10,9 @@
 /// What the file system says about a store file, before SQLite is asked.
 namespace harrowby::app {
 
+/// What SQLite calls a database that is in no file.
+inline constexpr QStringView memoryName = u":memory:";
+
 /// The write-ahead log, the log's index and the rollback journal that SQLite keeps beside a store file. They lie
 /// where the file itself lies, also when `path` is a link.
 [[nodiscard]] QString logFileOf(const QString &path);

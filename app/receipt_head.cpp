@@ -6,6 +6,7 @@
 #include "password_rules.h"
 #include "platform/receipt_layout.h"
 
+#include <QLocale>
 #include <QPainter>
 
 #include <vector>
@@ -34,6 +35,22 @@ constexpr float samplePrice = 2.5F;
 QString read(const OfficeSettings &settings, const Place &place)
 {
     return settings.get(place.section, place.key, place.defaultValue);
+}
+
+/// Whatever the value is: two defaults cannot both be it.
+bool isSaved(const OfficeSettings &settings, const Place &place)
+{
+    return settings.get(place.section, place.key, u"a"_s) == settings.get(place.section, place.key, u"b"_s);
+}
+
+/// The sign that the user's country has for its money; the till's own default where the country is not known.
+QString usualCurrency()
+{
+    const QLocale locale = QLocale::system();
+    const QString sign = locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C
+                             ? QString()
+                             : locale.currencySymbol();
+    return sign.isEmpty() ? currencyPlace.defaultValue : sign;
 }
 
 std::vector<ReceiptLine> linesOf(const std::vector<ReceiptStep> &steps)
@@ -66,6 +83,29 @@ std::vector<ReceiptLine> sampleLines(const ReceiptHead &head)
 }
 
 } // namespace
+
+ReceiptProposal proposeReceipt(const OfficeSettings &settings)
+{
+    ReceiptProposal proposal;
+    if (!isSaved(settings, titlePlace))
+        proposal.title = u"My Shop"_s;
+    if (!isSaved(settings, currencyPlace))
+        proposal.currency = usualCurrency();
+    return proposal;
+}
+
+bool saveNewShop(const OfficeSettings &settings, const ReceiptProposal &chosen)
+{
+    bool saved = true;
+    const auto save = [&](const Place &place, const std::optional<QString> &value) {
+        if (value && !isSaved(settings, place))
+            saved = settings.save(place.section, place.key, *value) && saved;
+    };
+    save(titlePlace, chosen.title);
+    save(currencyPlace, chosen.currency);
+    save(emailPlace, u"0"_s);
+    return saved;
+}
 
 ReceiptHead readReceiptHead(const OfficeSettings &settings)
 {

@@ -6,6 +6,8 @@
 #include <QPixmap>
 #include <QString>
 
+#include <optional>
+
 namespace harrowby::app {
 
 /// What the saved settings hold for receipts and for the report.
@@ -17,6 +19,21 @@ struct ReceiptHead
     bool emailReport = true;
     bool operator==(const ReceiptHead &) const = default;
 };
+
+/// What a new shop is asked for: each part that this user has not saved yet.
+struct ReceiptProposal
+{
+    std::optional<QString> title;
+    std::optional<QString> currency;
+    bool operator==(const ReceiptProposal &) const = default;
+};
+
+/// Proposes what is not saved yet: a title, and the currency of the user's country.
+[[nodiscard]] ReceiptProposal proposeReceipt(const OfficeSettings &settings);
+
+/// Saves what a new shop was asked for, and that no daily report is mailed from it; only what is not saved yet.
+/// False when something of it could not be saved.
+[[nodiscard]] bool saveNewShop(const OfficeSettings &settings, const ReceiptProposal &chosen);
 
 [[nodiscard]] ReceiptHead readReceiptHead(const OfficeSettings &settings);
 

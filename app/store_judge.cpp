@@ -7,6 +7,7 @@
 #include "left_log.h"
 #include "quick_check.h"
 #include "schema.h"
+#include "store_fit.h"
 
 #include <QFile>
 
@@ -65,7 +66,8 @@ Problem judgeTable(sqlite3 *database, const StoreTable &table, const QString &pa
         return storeProblem(ProblemKind::MissingTable, path, table.name);
 
     QStringList present;
-    SqlQuery columns(database, u"SELECT name FROM pragma_table_info(?1)"_s, {table.name});
+    // Generated columns too: a reader does not mind them.
+    SqlQuery columns(database, u"SELECT name FROM pragma_table_xinfo(?1) WHERE hidden <> 1"_s, {table.name});
     while (columns.next())
         present << columns.text(0);
     if (columns.error())
@@ -95,6 +97,8 @@ Problem judgeContent(sqlite3 *database, const QString &path, std::chrono::millis
         if (auto problem = judgeTable(database, table, path))
             return problem;
     }
+    if (auto problem = judgeFit(database, path))
+        return problem;
     return judgeSoundness(database, path, checkLimit);
 }
 

@@ -43,12 +43,22 @@ ProblemText placeText(ProblemKind kind)
                 u"Another file was put in its place before the log was done with, and the log may hold the last sales "
                 "of the file that was here before. Put that back if it is the right one; else move the log away, and "
                 "keep it."_s};
+    case ProblemKind::NoFile:
+        return {u"\"{file}\" is no file: what is sold would be gone when the till is closed."_s,
+                u"Name a file, for example \"store.sqlite\"."_s};
+    case ProblemKind::BadName:
+        return {u"The name \"{file}\" is not valid UTF-8."_s,
+                u"Give the file, or the folder that it lies in, a name that is, then start again."_s};
     default:
         return {u"\"{file}\" is the log of a store file that is gone: there is no \"{detail}\"."_s,
                 u"It may hold the last sales. If the store file was moved, put both together again; if it is not "
                 "needed any more, move the log away."_s};
     }
 }
+
+/// What is left to do when the store is not as the component needs it.
+const QString ownersWork = u"Let the program that it belongs to change that, or check the name: it has been left as it "
+                           "was."_s;
 
 ProblemText contentText(ProblemKind kind)
 {
@@ -70,6 +80,16 @@ ProblemText contentText(ProblemKind kind)
         return {u"The file \"{file}\" does not fit: it lacks the column {detail}."_s,
                 u"Bring it up to date with the program that it belongs to, or check the name: it has been left as it "
                 "was."_s};
+    case ProblemKind::NoRowIdentity:
+        return {u"The file \"{file}\" does not fit: the table {detail} is WITHOUT ROWID, or its columns have taken "
+                "rowid, _rowid_ and oid, so that one of its rows cannot be found again to change it."_s,
+                ownersWork};
+    case ProblemKind::GeneratedColumn:
+        return {
+            u"The file \"{file}\" does not fit: the column {detail} is generated, so nothing can be stored in it."_s,
+            ownersWork};
+    case ProblemKind::Unfit:
+        return {u"The file \"{file}\" does not fit: {detail}."_s, ownersWork};
     case ProblemKind::Locked:
         return {u"The store file \"{file}\" is locked by another program."_s,
                 u"Close the program that keeps it (a database tool, a backup), then start again."_s};
@@ -84,7 +104,8 @@ ProblemText contentText(ProblemKind kind)
 
 bool isAboutPlace(ProblemKind kind)
 {
-    return kind <= ProblemKind::ReadOnly || kind == ProblemKind::LeftOverLog || kind == ProblemKind::ForeignLog;
+    return kind <= ProblemKind::ReadOnly || kind == ProblemKind::NoFile || kind == ProblemKind::BadName ||
+           kind == ProblemKind::LeftOverLog || kind == ProblemKind::ForeignLog;
 }
 
 ProblemKind kindOf(int engineCode)

@@ -10,6 +10,7 @@
 #include "first_user_dialog.h"
 #include "foreign_windows.h"
 #include "log_file.h"
+#include "look_choice.h"
 #include "lost_store_box.h"
 #include "notice_place.h"
 #include "office.h"
@@ -17,9 +18,10 @@
 #include "store_create.h"
 #include "store_guard.h"
 #include "store_judge.h"
-#include "store_open.h"
+#include "store_opening.h"
 #include "store_paths.h"
 #include "touch_keyboard.h"
+#include "wait_sign.h"
 
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
@@ -91,12 +93,16 @@ void createNewStore(const QString &path, bool makeFolder)
                     "Start the program once on a screen."_s.arg(path));
         throw StartEnds{ExitCode::StoreRefused};
     }
-    FirstUserDialog dialog(path);
+    const OfficeSettings settings = {savedSetting, saveSetting};
+    FirstUserDialog dialog(path, proposeReceipt(settings));
     if (dialog.exec() != QDialog::Accepted)
         throw StartEnds{ExitCode::StoreDeclined};
     const auto fill = [&](sqlite3 *database) { return addAdministrator(database, dialog.password()); };
     if (auto problem = createStore(path, makeFolder, fill))
         refuse(*problem);
+    if (!saveNewShop(settings, dialog.receipt()))
+        tellProblem(u"The title and the currency of the receipts could not be saved.\n"
+                    "Check the disk and the folder of the settings file, then enter them in the store's office."_s);
 }
 
 QString prepareStore(const QString &given)
@@ -123,7 +129,7 @@ QString prepareDemo()
 Database openOrRefuse(const QString &path, BusyWait &wait)
 {
     Database database;
-    if (auto problem = openStore(path, wait, database))
+    if (auto problem = openStoreBeside(path, wait, database))
         refuse(*problem);
     return database;
 }
@@ -193,6 +199,16 @@ std::unique_ptr<TouchKeyboard> startKeyboard(const CommandLine &line, const QStr
     return line.touchKeyboard && missing.isEmpty() ? std::make_unique<TouchKeyboard>() : nullptr;
 }
 
+/// A look that is asked for is kept: a till that starts by itself, without a desktop, has no other way to choose one.
+void dressProgram(const CommandLine &line)
+{
+    const OfficeSettings settings = {savedSetting, saveSetting};
+    const auto asked = lookNamed(line.look);
+    if (asked && !saveLook(settings, *asked))
+        printError(u"harrowby: The look could not be saved; it holds for this time.\n"_s);
+    wearLook(asked.value_or(savedLook(settings)));
+}
+
 int run(int argc, char **argv)
 {
     const CommandLine line = readArguments(argc, argv);
@@ -202,6 +218,7 @@ int run(int argc, char **argv)
     const QApplication application(argc, argv);
     probe.reset();
     setUpApplication();
+    dressProgram(line);
     if (line.noPlugins)
         leaveOutPlugins();
     const auto keyboard = startKeyboard(line, missingKeyboard);
@@ -210,8 +227,10 @@ int run(int argc, char **argv)
     tellLogTroubles(log, notice);
     const LogRouting routing(log, line.verbose);
     const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
+    WaitSign sign(u"Waiting for the store file"_s, u"Another program keeps it locked."_s); // outlives the last wait
     BusyWait wait;
     StoreGuard store(openOrRefuse(path, wait), path, wait);
+    wait.setWatcher([&sign] { sign.show(); });
     log.prove();
     return line.office ? keepOffice(store, path, wait, notice) : sell(store, wait, notice);
 }

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void boxWithinAnActionDoesNotFillUp();
     void yieldingWithinAnActionDoesNotFillUp();
     void sleeperThatThrowsEndsTheWait();
+    void longWaitIsWatched();
 
 private:
     /// Runs a change on the locked file. True when it failed because of the lock.
@@ -151,6 +152,28 @@ void BusyWaitTest::sleeperThatThrowsEndsTheWait()
     BusyWait wait(100ms, [](auto) { throw std::runtime_error("no sleep"); });
     wait.attach(m_till.get());
     lock();
+    QVERIFY(isRefused());
+}
+
+void BusyWaitTest::longWaitIsWatched()
+{
+    BusyWait wait(1s, [this](auto step) { m_steps.push_back(step); });
+    std::vector<std::chrono::milliseconds> seen;
+    wait.setWatcher([&] { seen.push_back(slept()); });
+    wait.attach(m_till.get());
+    lock();
+    QVERIFY(isRefused());
+    QVERIFY(!seen.empty());
+    QVERIFY2(seen.front() >= 300ms && seen.front() < 360ms, qPrintable(QString::number(seen.front().count())));
+    QCOMPARE(seen.back(), slept());
+    // What is waited for in the same action is said at once; in the next one only after a while.
+    seen.clear();
+    m_steps.clear();
+    wait.refill();
+    QVERIFY(isRefused());
+    QVERIFY(seen.front() >= 300ms);
+    wait.setWatcher({});
+    wait.refill();
     QVERIFY(isRefused());
 }
 

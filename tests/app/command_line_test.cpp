@@ -17,6 +17,7 @@ private Q_SLOTS:
     void switchesStandTogether();
     void databaseBecomesAbsolute_data();
     void databaseBecomesAbsolute();
+    void look();
     void refused_data();
     void refused();
     void optionsOfQtPass();
@@ -61,6 +62,7 @@ void CommandLineTest::databaseBecomesAbsolute_data()
     QTest::newRow("two words") << QStringList{u"--database"_s, u"/a/b"_s} << u"/a/b"_s;
     QTest::newRow("one word") << QStringList{u"--database=/a=b"_s} << u"/a=b"_s;
     QTest::newRow("relative") << QStringList{u"--database"_s, u"x y"_s} << QDir::current().filePath(u"x y"_s);
+    QTest::newRow("no file") << QStringList{u"--database"_s, u":memory:"_s} << u":memory:"_s;
     QTest::newRow("like an option") << QStringList{u"--database"_s, u"--demo"_s}
                                     << QDir::current().filePath(u"--demo"_s);
 }
@@ -74,6 +76,14 @@ void CommandLineTest::databaseBecomesAbsolute()
     QCOMPARE(line.database, path);
 }
 
+void CommandLineTest::look()
+{
+    QCOMPARE(readCommandLine({}).look, QString());
+    QCOMPARE(readCommandLine({u"--look"_s, u"dark"_s}).look, u"dark"_s);
+    QCOMPARE(readCommandLine({u"--look=LIGHT"_s, u"--demo"_s}).look, u"light"_s);
+    QCOMPARE(readCommandLine({u"--look"_s, u"system"_s}).look, u"system"_s);
+}
+
 void CommandLineTest::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -85,6 +95,8 @@ void CommandLineTest::refused_data()
     QTest::newRow("empty") << QStringList{QString()} << u"\"\""_s;
     QTest::newRow("no file") << QStringList{u"--database"_s} << u"--database"_s;
     QTest::newRow("empty file") << QStringList{u"--database="_s} << u"--database"_s;
+    QTest::newRow("no look") << QStringList{u"--look"_s} << u"--look"_s;
+    QTest::newRow("unknown look") << QStringList{u"--look=pink"_s} << u"light, dark or system"_s;
     QTest::newRow("two files") << QStringList{u"--database=a"_s, u"--database=b"_s} << u"twice"_s;
     QTest::newRow("demo and file") << QStringList{u"--demo"_s, u"--database"_s, u"a"_s} << u"--demo"_s;
 }
@@ -109,8 +121,9 @@ void CommandLineTest::optionsOfQtPass()
 
 void CommandLineTest::helpNamesEveryOption()
 {
-    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--office"_s, u"--touch-keyboard"_s,
-                                  u"--no-plugins"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+    for (const QString &option :
+         {u"--database FILE"_s, u"--demo"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s,
+          u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QVERIFY(versionText().startsWith(u"harrowby 1."_s));
 }

@@ -2,6 +2,7 @@
 #include "failure_notice.h"
 #include "failure_text.h"
 #include "notice_place.h"
+#include "wait_sign.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void filesThatFail();
     void eachReasonIsShown();
     void takesNoFocus();
+    void signOfAWaitIsPaintedAtOnce();
     void doesNotKeepTheProgramAlive();
     void textIsPlain();
     void keepsClearOfTheTotal();
@@ -264,6 +266,44 @@ void FailureNoticeTest::eachReasonIsShown()
     notice.add(writeFailure(u"INSERT PurchaseCart"_s, SQLITE_FULL, u"database or disk is full"_s));
     QCOMPARE(text(notice, u"failureReason"_s), u"Reason: Permission denied\nReason: database or disk is full"_s);
     QCOMPARE(text(notice, u"failureAdvice"_s).split(u'\n').size(), 2);
+}
+
+void FailureNoticeTest::signOfAWaitIsPaintedAtOnce()
+{
+    WaitSign sign(u"Waiting"_s, u"For a lock."_s);
+    sign.show(); // nowhere
+    BareTill till;
+    till.show();
+    till.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&till));
+    const auto shown = [&till] {
+        const auto *widget = till.findChild<QWidget *>(u"waitSign"_s);
+        return widget != nullptr && widget->isVisible();
+    };
+    QVERIFY(!shown());
+    sign.show();
+    QVERIFY(shown());
+    const auto *widget = till.findChild<QWidget *>(u"waitSign"_s);
+    QVERIFY(till.rect().contains(widget->geometry()));
+    QCOMPARE(widget->accessibleName(), u"Waiting"_s);
+    // The platform holds what was painted, and no event has run.
+    const QPoint place = widget->mapToGlobal(QPoint(6, 6));
+    QCOMPARE(till.screen()->grabWindow(0, place.x(), place.y(), 1, 1).toImage().pixelColor(0, 0), QColor(0, 98, 86));
+    QCOMPARE(QApplication::focusWidget(), till.entry);
+    sign.show(); // again and again, as the wait goes on
+    QCoreApplication::processEvents();
+    QVERIFY(!shown());
+
+    // In front of a box, and gone with its first event, though the action goes on.
+    QDialog box(&till);
+    box.setModal(true);
+    QTimer::singleShot(0, &box, [&] {
+        sign.show();
+        QTimer::singleShot(0, &box, &QDialog::accept);
+    });
+    box.exec();
+    QVERIFY(!shown());
+    QVERIFY(box.findChild<QWidget *>(u"waitSign"_s) != nullptr);
 }
 
 void FailureNoticeTest::takesNoFocus()

@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "first_user_dialog.h"
+#include "look_choice.h"
+#include "sheet/look.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
+
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
@@ -29,6 +35,13 @@ private Q_SLOTS:
     void passwordsAreHiddenAndNamed();
     void everythingIsLargeEnoughForAThumb();
     void namesTheFile();
+    void asksOnlyForWhatIsProposed();
+    void takesTheReceiptAsProposedOrChanged();
+    void refusesWhatNoReceiptTakes();
+    void captionsStandInTheMiddle();
+    void wearsTheTillsLook();
+    void chosenLookIsWorn_data();
+    void chosenLookIsWorn();
 
 private:
     void type(const QString &password, const QString &again)
@@ -119,6 +132,109 @@ void FirstUserTest::namesTheFile()
     for (const auto *label : m_dialog->findChildren<QLabel *>())
         named = named || (label->textFormat() == Qt::PlainText && label->text().contains(u"/shops/a & b.sqlite"_s));
     QVERIFY(named);
+}
+
+void FirstUserTest::asksOnlyForWhatIsProposed()
+{
+    QCOMPARE(m_dialog->receipt(), ReceiptProposal());
+    QCOMPARE(m_dialog->findChildren<QLineEdit *>().size(), 2);
+    const FirstUserDialog half({}, {{}, u"EUR"_s});
+    QCOMPARE(half.findChildren<QLineEdit *>().size(), 3);
+    QCOMPARE(half.receipt(), (ReceiptProposal{{}, u"EUR"_s}));
+}
+
+void FirstUserTest::takesTheReceiptAsProposedOrChanged()
+{
+    m_dialog = std::make_unique<FirstUserDialog>(u"/s"_s, ReceiptProposal{u"My Shop"_s, u"N"_s});
+    QCOMPARE(m_dialog->receipt(), (ReceiptProposal{u"My Shop"_s, u"N"_s}));
+    m_dialog->findChild<QLineEdit *>(u"shopTitle"_s)->setText(u" Corner Shop "_s);
+    m_dialog->findChild<QLineEdit *>(u"shopCurrency"_s)->setText(u"EUR"_s);
+    QCOMPARE(m_dialog->receipt(), (ReceiptProposal{u"Corner Shop"_s, u"EUR"_s}));
+    m_dialog->findChild<QLineEdit *>(u"shopTitle"_s)->clear(); // a receipt without a title is allowed
+    type(u"secret"_s, u"secret"_s);
+    m_dialog->accept();
+    QCOMPARE(m_dialog->result(), int(QDialog::Accepted));
+}
+
+void FirstUserTest::refusesWhatNoReceiptTakes()
+{
+    m_dialog = std::make_unique<FirstUserDialog>(u"/s"_s, ReceiptProposal{u"My Shop"_s, u"N"_s});
+    m_dialog->show();
+    type(u"secret"_s, u"secret"_s);
+    const auto *title = m_dialog->findChild<QLineEdit *>(u"shopTitle"_s);
+    m_dialog->findChild<QLineEdit *>(u"shopTitle"_s)->setText(QString(200, u'W'));
+    m_dialog->accept();
+    QVERIFY2(problem().contains(u"title is too long"_s), qPrintable(problem()));
+    QCOMPARE(m_dialog->focusWidget(), title);
+    m_dialog->findChild<QLineEdit *>(u"shopTitle"_s)->setText(u"My Shop"_s);
+    m_dialog->findChild<QLineEdit *>(u"shopCurrency"_s)->setText(u" "_s);
+    m_dialog->accept();
+    QVERIFY2(problem().contains(u"enter a currency"_s), qPrintable(problem()));
+    QVERIFY(m_dialog->isVisible());
+}
+
+void FirstUserTest::captionsStandInTheMiddle()
+{
+    m_dialog = std::make_unique<FirstUserDialog>(u"/s"_s, ReceiptProposal{u"My Shop"_s, u"N"_s});
+    m_dialog->show();
+    int captions = 0;
+    for (const auto *label : m_dialog->findChildren<QLabel *>()) {
+        if (label->buddy() == nullptr)
+            continue;
+        ++captions;
+        QVERIFY(label->alignment().testFlag(Qt::AlignVCenter));
+        QVERIFY(std::abs(label->geometry().center().y() - label->buddy()->geometry().center().y()) <= 1);
+    }
+    QCOMPARE(captions, 4);
+}
+
+void FirstUserTest::wearsTheTillsLook()
+{
+    QVERIFY(m_dialog->styleSheet().contains(u"QPushButton[look=\"primary\"]"_s));
+    int main = 0;
+    for (const auto *button : m_dialog->findChildren<QPushButton *>()) {
+        QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
+        if (button->property("look") == u"primary"_s) {
+            ++main;
+            QVERIFY(button->isDefault());
+        }
+    }
+    QCOMPARE(main, 1);
+}
+
+void FirstUserTest::chosenLookIsWorn_data()
+{
+    QTest::addColumn<QString>("saved");
+    QTest::addColumn<LookChoice>("look");
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("nothing") << QString() << LookChoice::System << false;
+    QTest::newRow("nonsense") << u"pink"_s << LookChoice::System << false;
+    QTest::newRow("light") << u"light"_s << LookChoice::Light << false;
+    QTest::newRow("dark") << u" Dark"_s << LookChoice::Dark << true;
+}
+
+void FirstUserTest::chosenLookIsWorn()
+{
+    QFETCH(QString, saved);
+    QFETCH(LookChoice, look);
+    QFETCH(bool, dark);
+    const OfficeSettings settings = {
+        [&](const QString &, const QString &, const QString &usual) { return saved.isEmpty() ? usual : saved; },
+        [&](const QString &, const QString &, const QString &value) {
+            saved = value;
+            return true;
+        }};
+    QCOMPARE(savedLook(settings), look);
+    const QPalette before = QApplication::palette();
+    wearLook(look);
+    // Also what is open already follows.
+    QCOMPARE(harrowby::sheet::Look(QApplication::palette()).dark, dark);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_dialog->grab().toImage().pixelColor(2, 2).lightness() < 128, dark);
+    QCOMPARE(before == QApplication::palette(), look == LookChoice::System);
+    QVERIFY(saveLook(settings, look));
+    QCOMPARE(savedLook(settings), look);
+    QApplication::setPalette(before);
 }
 
 QTEST_MAIN(FirstUserTest)

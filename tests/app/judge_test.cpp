@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sqlite3.h>
+
 #include <sys/stat.h>
 
 #include <functional>
@@ -56,6 +58,51 @@ Prepare dropping(const QString &statement)
     };
 }
 
+/// The table anew, with `more` behind its own columns.
+QStringList rebuilt(const QString &table, const QString &more)
+{
+    QStringList columns;
+    for (const StoreTable &known : storeTables()) {
+        if (known.name == table)
+            columns = known.columns;
+    }
+    return {u"DROP TABLE "_s + table, u"CREATE TABLE %1 (%2, %3"_s.arg(table, columns.join(u", "_s), more)};
+}
+
+QStringList generated(const QString &table, const QString &column, const QString &how)
+{
+    QStringList statements = rebuilt(table, u"Other)"_s);
+    statements.last().replace(column + u',', u"%1 AS (0) %2,"_s.arg(column, how));
+    return statements;
+}
+
+/// Run on a connection that knows the function, as the program that the store belongs to has one.
+QStringList withUnknownFunction(const QStringList &statements)
+{
+    return QStringList{u"(with the function)"_s} + statements;
+}
+
+void nothing(sqlite3_context *context, int, sqlite3_value **)
+{
+    sqlite3_result_int(context, 0);
+}
+
+void changeAll(const QString &path, QStringList statements)
+{
+    Database database;
+    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    if (statements.constFirst().startsWith(u'(')) {
+        statements.removeFirst();
+        QCOMPARE(sqlite3_create_function(database.get(), "lost_sound", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                                         nothing, nullptr, nullptr),
+                 SQLITE_OK);
+    }
+    for (const QString &statement : std::as_const(statements)) {
+        const auto error = runSql(database.get(), statement);
+        QVERIFY2(!error, qPrintable(statement + u": "_s + (error ? error->reason : QString())));
+    }
+}
+
 Prepare dropColumn(const QString &table, const QString &renamed)
 {
     return dropping(u"ALTER TABLE %1 RENAME COLUMN %2 TO Other"_s.arg(table, renamed));
@@ -91,6 +138,11 @@ private Q_SLOTS:
     void rowsThatBreakARuleAreNoDamage();
     void checkOfABigFileIsBounded();
     void linkedStoreIsJudgedWhereItLies();
+    void storeThatDoesNotFitIsRefused_data();
+    void storeThatDoesNotFitIsRefused();
+    void storeThatFitsIsTaken_data();
+    void storeThatFitsIsTaken();
+    void namesThatCannotBe();
 
 private:
     QString path(const QString &name = u"shop.sqlite"_s) const { return m_folder->filePath(name); }
@@ -317,6 +369,107 @@ void JudgeTest::linkedStoreIsJudgedWhereItLies()
     const Bytes before = bytesOf(real);
     verifyRefused(path(), ProblemKind::MissingTable);
     QVERIFY(bytesOf(real) == before);
+}
+
+void JudgeTest::storeThatDoesNotFitIsRefused_data()
+{
+    QTest::addColumn<QStringList>("statements");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QStringList>("named");
+    const auto row = [](const char *name, const QStringList &statements, ProblemKind kind, const QStringList &named) {
+        QTest::newRow(name) << statements << static_cast<int>(kind) << named;
+    };
+    row("without row IDs", rebuilt(u"StockList"_s, u"PRIMARY KEY (StockID)) WITHOUT ROWID"_s),
+        ProblemKind::NoRowIdentity, {u"StockList"_s, u"WITHOUT ROWID"_s});
+    row("row ID names taken", rebuilt(u"StockList"_s, u"rowid TEXT, _rowid_ TEXT, OID TEXT)"_s),
+        ProblemKind::NoRowIdentity, {u"StockList"_s, u"rowid"_s});
+    row("generated cost", generated(u"StockList"_s, u"StockCost"_s, u"VIRTUAL"_s), ProblemKind::GeneratedColumn,
+        {u"StockList.StockCost"_s});
+    row("generated day", generated(u"PurchaseCart"_s, u"PurchasedDate"_s, u"STORED"_s), ProblemKind::GeneratedColumn,
+        {u"PurchaseCart.PurchasedDate"_s});
+    row("generated setting", generated(u"StoreSettings"_s, u"Email"_s, u"VIRTUAL"_s), ProblemKind::GeneratedColumn,
+        {u"StoreSettings.Email"_s});
+    row("index over an unknown function",
+        withUnknownFunction({u"CREATE INDEX by_sound ON StockList (lost_sound(StockName))"_s}), ProblemKind::Unfit,
+        {u"index by_sound"_s, u"function: lost_sound"_s});
+    row("index of purchases over an unknown function",
+        withUnknownFunction({u"CREATE INDEX by_day ON PurchaseCart (\"lost_sound\" (PurchasedDate))"_s}),
+        ProblemKind::Unfit, {u"index by_day"_s});
+    row("trigger over an unknown function",
+        withUnknownFunction({u"CREATE TRIGGER heard AFTER INSERT ON SysUsage BEGIN SELECT lost_sound(1); END"_s}),
+        ProblemKind::Unfit, {u"trigger heard"_s});
+    row("trigger into a lost table",
+        {u"CREATE TRIGGER copy AFTER UPDATE ON StockList BEGIN INSERT INTO Lost VALUES (1); END"_s}, ProblemKind::Unfit,
+        {u"StockList"_s, u"no such table: main.Lost"_s});
+    row("column that must be filled", rebuilt(u"PurchaseCart"_s, u"Shift TEXT NOT NULL)"_s), ProblemKind::Unfit,
+        {u"PurchaseCart.Shift"_s});
+    row("key that must be filled", rebuilt(u"SysUsage"_s, u"Number INTEGER PRIMARY KEY) WITHOUT ROWID"_s),
+        ProblemKind::Unfit, {u"SysUsage.Number"_s});
+}
+
+void JudgeTest::storeThatDoesNotFitIsRefused()
+{
+    QFETCH(QStringList, statements);
+    QFETCH(int, kind);
+    QFETCH(QStringList, named);
+    makeStore(path());
+    changeAll(path(), statements);
+    const Bytes before = bytesOf(path());
+    BusyWait wait(shortWait);
+    Database database;
+    const auto problem = openStore(path(), wait, database);
+    QVERIFY(problem);
+    QVERIFY2(static_cast<int>(problem->kind) == kind, qPrintable(problem->text));
+    for (const QString &name : named + QStringList{path(), u"\n"_s})
+        QVERIFY2(problem->text.contains(name), qPrintable(problem->text));
+    QVERIFY(bytesOf(path()) == before);
+}
+
+void JudgeTest::storeThatFitsIsTaken_data()
+{
+    QTest::addColumn<QStringList>("statements");
+    QTest::newRow("triggers") << QStringList{
+        u"CREATE TABLE Changes (Item)"_s,
+        u"CREATE TRIGGER noted AFTER UPDATE OF StockAvailable ON StockList BEGIN INSERT INTO Changes VALUES "
+        "(new.StockID); END"_s,
+        u"CREATE TRIGGER kept BEFORE DELETE ON StockList BEGIN SELECT RAISE(ABORT, 'kept'); END"_s};
+    QTest::newRow("generated beside") << QStringList{
+        u"ALTER TABLE StockList ADD COLUMN Value AS (StockCost * StockAvailable)"_s,
+        u"ALTER TABLE PurchaseCart ADD COLUMN Year AS (substr(PurchasedDate, 1, 2))"_s};
+    QTest::newRow("generated for the login") << generated(u"Users"_s, u"InventoryUse"_s, u"VIRTUAL"_s);
+    QTest::newRow("an unused row ID") << rebuilt(u"PurchaseCart"_s, u"PRIMARY KEY (PurchaseID)) WITHOUT ROWID"_s);
+    QTest::newRow("one row ID name left") << rebuilt(u"StockList"_s, u"rowid TEXT, _rowid_ TEXT)"_s);
+    QTest::newRow("number of its own") << rebuilt(u"SysUsage"_s, u"Number INTEGER PRIMARY KEY NOT NULL)"_s);
+    QTest::newRow("filled by itself") << rebuilt(u"PurchaseCart"_s, u"Shift TEXT NOT NULL DEFAULT 'day')"_s);
+    QTest::newRow("settings that are there")
+        << rebuilt(u"StoreSettings"_s, u"Shift TEXT NOT NULL)"_s) +
+               QStringList{u"INSERT INTO StoreSettings VALUES (0, 1, 'a', 1, 0, 'day')"_s};
+    QTest::newRow("strange index elsewhere")
+        << QStringList{u"CREATE TABLE Birds (Name)"_s, u"CREATE UNIQUE INDEX by_name ON Birds (lower(Name))"_s};
+}
+
+void JudgeTest::storeThatFitsIsTaken()
+{
+    QFETCH(QStringList, statements);
+    makeStore(path());
+    changeAll(path(), statements);
+    const auto problem = judge(path());
+    QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
+}
+
+void JudgeTest::namesThatCannotBe()
+{
+    const auto kindOf = [](const QString &name) {
+        const auto problem = judgeNewStore(name, false);
+        return problem ? std::optional(problem->kind) : std::nullopt;
+    };
+    QVERIFY(kindOf(u":memory:"_s) == ProblemKind::NoFile);
+    QVERIFY(kindOf(path(u"st\ufffdre.sqlite"_s)) == ProblemKind::BadName);
+    QVERIFY(!kindOf(path(u"st\u00f6re.sqlite"_s)));
+    // One that is there under just this name is as good as any.
+    makeStore(path());
+    QVERIFY(QFile::rename(path(), path(u"st\ufffdre.sqlite"_s)));
+    QVERIFY(!judge(path(u"st\ufffdre.sqlite"_s)));
 }
 
 QTEST_GUILESS_MAIN(JudgeTest)

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -43,18 +44,22 @@ private Q_SLOTS:
     void noDisplayIsFoundOutFirst();
     void refusedFileIsNamed_data();
     void refusedFileIsNamed();
+    void nameThatIsNoStoreIsRefused_data();
+    void nameThatIsNoStoreIsRefused();
+    void lookIsKept();
     void newStoreNeedsAScreen();
     void readOnlyStore();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
     Outcome run(const QStringList &arguments, const QMap<QString, QString> &variables = {},
-                bool boundByPermissions = false);
+                bool boundByPermissions = false, const QString &program = QStringLiteral(HARROWBY_PROGRAM));
 
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
-Outcome ProgramTest::run(const QStringList &arguments, const QMap<QString, QString> &variables, bool boundByPermissions)
+Outcome ProgramTest::run(const QStringList &arguments, const QMap<QString, QString> &variables, bool boundByPermissions,
+                         const QString &program)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s, u"XDG_SESSION_TYPE"_s})
@@ -73,7 +78,8 @@ Outcome ProgramTest::run(const QStringList &arguments, const QMap<QString, QStri
                 ::_exit(99);
         });
     }
-    process.start(QStringLiteral(HARROWBY_PROGRAM), arguments);
+    process.setWorkingDirectory(m_home->path());
+    process.start(program, arguments);
     if (!process.waitForFinished(60000))
         return {};
     const int code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
@@ -175,6 +181,49 @@ void ProgramTest::refusedFileIsNamed()
     QCOMPARE(outcome.code, 4);
     QVERIFY2(outcome.errors.contains(path(name)) && outcome.errors.contains(said), qPrintable(outcome.errors));
     QVERIFY(bytesOf(path(name)) == before);
+}
+
+void ProgramTest::nameThatIsNoStoreIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("memory") << QByteArray(":memory:") << u"\":memory:\" is no file"_s;
+    QTest::newRow("not UTF-8") << QByteArray("st\xf6re.sqlite") << u"not valid UTF-8"_s;
+}
+
+void ProgramTest::nameThatIsNoStoreIsRefused()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, said);
+    // Through a shell, as Qt would make valid text of the name. The file is there, so nothing else is wrong with it.
+    makeStore(path(u"shop.sqlite"_s));
+    QCOMPARE(::chdir(QFile::encodeName(m_home->path()).constData()), 0);
+    QCOMPARE(::rename("shop.sqlite", name.constData()), 0);
+    const QStringList before = QDir(m_home->path()).entryList(QDir::Files | QDir::Hidden);
+    QFile script(path(u"script"_s));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("exec \"$1\" -platform offscreen --database '" + name + "'\n");
+    script.close();
+    const Outcome outcome = run({path(u"script"_s), QStringLiteral(HARROWBY_PROGRAM)}, {}, false, u"sh"_s);
+    QCOMPARE(outcome.code, 4);
+    QVERIFY2(outcome.errors.contains(said), qPrintable(outcome.errors));
+    QVERIFY(script.remove());
+    QCOMPARE(QDir(m_home->path()).entryList(QDir::Files | QDir::Hidden), before);
+}
+
+void ProgramTest::lookIsKept()
+{
+    const QStringList start = {u"-platform"_s, u"offscreen"_s, u"--database"_s, path(u"missing/store"_s)};
+    const QString settings = path(u"config/Harrowby/Harrowby.ini"_s);
+    const auto kept = [&] { return QSettings(settings, QSettings::IniFormat).value(u"Program/Look"_s).toString(); };
+    QCOMPARE(run(start).code, 4);
+    QVERIFY(!QFile::exists(settings));
+    QCOMPARE(run(start + QStringList{u"--look"_s, u"dark"_s}).code, 4);
+    QCOMPARE(kept(), u"dark"_s);
+    QCOMPARE(run(start).code, 4);
+    QCOMPARE(kept(), u"dark"_s);
+    QCOMPARE(run(start + QStringList{u"--look=system"_s}).code, 4);
+    QCOMPARE(kept(), u"system"_s);
 }
 
 void ProgramTest::newStoreNeedsAScreen()

@@ -21,6 +21,8 @@ private Q_SLOTS:
 
     void defaults();
     void savesWhatChanged();
+    void newShopIsAskedForWhatIsMissing();
+    void newShopSavesOnlyWhatIsMissing();
     void failureIsTold();
     void emailReportAsTheTillReadsIt_data();
     void emailReportAsTheTillReadsIt();
@@ -65,6 +67,33 @@ void ReceiptHeadTest::savesWhatChanged()
     QCOMPARE(m_saved.value(u"option/address"_s), u"12 High Street"_s);
     QCOMPARE(m_saved.value(u"Option/Currency"_s), u"GBP"_s);
     QCOMPARE(m_saved.value(u"Option/EmailReport"_s), u"0"_s);
+}
+
+void ReceiptHeadTest::newShopIsAskedForWhatIsMissing()
+{
+    QCOMPARE(proposeReceipt(settings()).title, u"My Shop"_s);
+    QVERIFY(!proposeReceipt(settings()).currency.value_or(QString()).isEmpty());
+    m_saved = {{u"option/Title"_s, {}}}; // also an empty one is one that the user has saved
+    QVERIFY(!proposeReceipt(settings()).title);
+    QVERIFY(proposeReceipt(settings()).currency);
+    m_saved.insert(u"Option/Currency"_s, u"EUR"_s);
+    QCOMPARE(proposeReceipt(settings()), ReceiptProposal());
+}
+
+void ReceiptHeadTest::newShopSavesOnlyWhatIsMissing()
+{
+    QVERIFY(saveNewShop(settings(), {u"Corner Shop"_s, u"EUR"_s}));
+    QCOMPARE(readReceiptHead(settings()), (ReceiptHead{u"Corner Shop"_s, {}, u"EUR"_s, false}));
+    QVERIFY(saveNewShop(settings(), {u"Other"_s, u"USD"_s}));
+    QCOMPARE(m_writes, 3);
+    QCOMPARE(readReceiptHead(settings()), (ReceiptHead{u"Corner Shop"_s, {}, u"EUR"_s, false}));
+
+    m_saved = {{u"Option/EmailReport"_s, u"1"_s}};
+    QVERIFY(saveNewShop(settings(), {}));
+    QCOMPARE(readReceiptHead(settings()), (ReceiptHead{{}, {}, u"N"_s, true}));
+    m_saved.clear();
+    m_fails = true;
+    QVERIFY(!saveNewShop(settings(), {u"Corner Shop"_s, {}}));
 }
 
 void ReceiptHeadTest::failureIsTold()

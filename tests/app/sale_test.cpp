@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby::app;
 using namespace harrowby::app::test;
 
 /// From a new file to a committed sale: the real program, on a real X server, pressed and typed at.
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void cancelledFirstStartLeavesNothing();
     void newStoreIsCreatedAndClosed();
     void itemIsSold();
+    void waitForALockIsSaid();
     void failedWriteIsShownAtOnce();
     void whatIsLostOutsideTheDatabaseIsShown();
     void demoShopTellsHowToLogIn();
@@ -191,6 +193,33 @@ void SaleTest::whatIsLostOutsideTheDatabaseIsShown()
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"A receipt was neither printed nor kept."_s, 30000);
     const QString errors = program.errors();
     QVERIFY2(errors.contains(u"harrowby.print: Receipt"_s), qPrintable(errors));
+    closeWindow(program);
+}
+
+void SaleTest::waitForALockIsSaid()
+{
+    constexpr QRgb accent = 0x006256;
+    constexpr QRect place(460, 40, 360, 70); // within the sign, at the top of a window that fills the screen
+    constexpr int most = 360 * 70 / 2;
+    Database other;
+    QVERIFY(!openDatabase(store(), OpenMode::Write, other));
+    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({u"--look"_s, u"light"_s}));
+    QTRY_VERIFY_WITH_TIMEOUT(program.text(u"openingText"_s).contains(u"keeps the store \"store.sqlite\" locked"_s),
+                             30000);
+    QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
+    logIn(program, u"administrator"_s, u"pass1"_s);
+    QVERIFY(!program.has(u"openingText"_s));
+
+    const QPoint card = program.place(u"Command1_0"_s);
+    QVERIFY(m_screen.count(accent, place) >= 0 && m_screen.count(accent, place) < most / 4);
+    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
+    m_screen.press(card);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) > most, 9000);
+    QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) < most / 4, 30000);
     closeWindow(program);
 }
 

@@ -6,6 +6,13 @@
 #include <QProcessEnvironment>
 #include <QTest>
 
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app::test {
@@ -75,6 +82,27 @@ void Screen::type(const QString &text) const
 void Screen::key(const QString &name) const
 {
     input({u"key"_s, name});
+}
+
+int Screen::count(QRgb colour, const QRect &part) const
+{
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> server(
+        xcb_connect(m_display.toLatin1().constData(), nullptr), &xcb_disconnect);
+    if (xcb_connection_has_error(server.get()) != 0)
+        return -1;
+    const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(server.get())).data;
+    const auto asked = xcb_get_image(server.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen->root,
+                                     static_cast<qint16>(part.x()), static_cast<qint16>(part.y()),
+                                     static_cast<quint16>(part.width()), static_cast<quint16>(part.height()), ~0U);
+    const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> image(
+        xcb_get_image_reply(server.get(), asked, nullptr), &std::free);
+    if (!image)
+        return -1;
+    const auto size = static_cast<std::size_t>(xcb_get_image_data_length(image.get()));
+    std::vector<quint32> pixels(size / sizeof(quint32));
+    std::memcpy(pixels.data(), xcb_get_image_data(image.get()), pixels.size() * sizeof(quint32));
+    return static_cast<int>(
+        std::ranges::count_if(pixels, [colour](quint32 pixel) { return (pixel & RGB_MASK) == (colour & RGB_MASK); }));
 }
 
 RunningProgram::RunningProgram(const Screen &screen, const QString &home) : m_screen(screen)

@@ -3,6 +3,8 @@
 
 #include <QPoint>
 #include <QProcess>
+#include <QRect>
+#include <QRgb>
 #include <QString>
 #include <QStringList>
 
@@ -27,6 +29,8 @@ public:
     void press(const QPoint &place) const;
     void type(const QString &text) const;
     void key(const QString &name) const;
+    /// How many pixels of that part of the screen have this colour now; -1 when it cannot be looked at.
+    [[nodiscard]] int count(QRgb colour, const QRect &part) const;
 
 private:
     void input(const QStringList &arguments) const;
