@@ -1,0 +1,332 @@
+// SPDX-License-Identifier: MIT
+#include "backup.h"
+#include "store_create.h"
+#include "store_open.h"
+#include "troubled_till.h"
+
+#include "support/failing_disk.h"
+#include "ui/widgets/pick_list.h"
+
+#include <QCheckBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cerrno>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+using harrowby::test::FailingDisk::Mode;
+namespace FailingDisk = harrowby::test::FailingDisk;
+
+Q_DECLARE_METATYPE(harrowby::test::FailingDisk::Mode)
+
+namespace {
+
+/// More operations than any action takes: whoever gets there hangs.
+constexpr int mostOperations = 2000;
+
+/// The figures by which the whole of an action is known.
+struct Figures
+{
+    int purchases = 0;
+    double units = 0.0; ///< in stock
+    int receipts = 0;
+    QString settings;
+
+    bool operator==(const Figures &) const = default;
+};
+
+Figures figuresOf(const TroubledTill &till)
+{
+    return {till.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(),
+            till.cell(u"SELECT total(StockAvailable) FROM StockList"_s).toDouble(), till.receipts(),
+            till.cell(u"SELECT Email || ' ' || EmailAddress FROM StoreSettings"_s) + u' ' +
+                till.iniValue(u"Option/EmailReport"_s)};
+}
+
+struct Action
+{
+    std::function<void(TroubledTill &, int round)> prepare;
+    std::function<void(TroubledTill &, int round)> act;
+    std::function<void(Figures &, int round)> change; ///< what the whole of it changes
+    int leastOperations = 1;
+};
+
+void saveItem(TroubledTill &till, const QString &id, int available)
+{
+    const Controls &controls = till.controls();
+    controls.Combo6->setEntryText(id);
+    controls.Combo5->setEntryText(u"TEA"_s);
+    controls.Combo7->setEntryText(u"NAME OF "_s + id);
+    controls.Combo8->setEntryText(u"2.50"_s);
+    controls.Combo13->setEntryText(u"1"_s);
+    controls.Combo14->setEntryText(QString::number(available));
+    controls.Combo15->setEntryText(u"Enabled"_s);
+    till.click("Command16");
+}
+
+void reorder(TroubledTill &till, int)
+{
+    till.controls().Combo11->setEntryText(u"A1  |  NAME OF A1"_s);
+    till.controls().Combo10->setEntryText(u"5"_s);
+    till.click("Command17");
+}
+
+void saveSettings(TroubledTill &till, int round)
+{
+    till.controls().Check4->setChecked(round % 2 == 1);
+    till.controls().Text2->setText(u"shop%1@example.com"_s.arg(round));
+    till.click("Command18");
+}
+
+QString settingsOf(int round)
+{
+    return u"%1 shop%2@example.com %1"_s.arg(round % 2).arg(round);
+}
+
+void nothing(TroubledTill &, int) {}
+void sellOnce(TroubledTill &till, int)
+{
+    till.sell();
+}
+
+const QMap<QString, Action> &actions()
+{
+    static const QMap<QString, Action> all{
+        {u"commit"_s,
+         {[](TroubledTill &till, int) { till.fillCart(); }, [](TroubledTill &till, int) { till.click("Command14"); },
+          [](Figures &figures, int) {
+              ++figures.purchases;
+              figures.units -= 2;
+              ++figures.receipts;
+          },
+          20}},
+        {u"undo"_s,
+         {sellOnce, [](TroubledTill &till, int) { till.click("Command25"); },
+          [](Figures &figures, int) {
+              --figures.purchases;
+              figures.units += 2;
+          },
+          10}},
+        {u"deletion"_s,
+         {[](TroubledTill &till, int) {
+              till.sell();
+              till.controls().Combo17->setEntryText(till.state().LastPurchaseID);
+          },
+          [](TroubledTill &till, int) { till.click("Command4"); },
+          [](Figures &figures, int) {
+              --figures.purchases;
+              figures.units += 2;
+          },
+          10}},
+        {u"save a new item"_s,
+         {nothing, [](TroubledTill &till, int round) { saveItem(till, u"N%1"_s.arg(round), 7); },
+          [](Figures &figures, int) { figures.units += 7; }, 4}},
+        {u"save an edited item"_s,
+         {[](TroubledTill &till, int) { saveItem(till, u"EDITED"_s, 50); },
+          [](TroubledTill &till, int) { saveItem(till, u"EDITED"_s, 60); },
+          [](Figures &figures, int) { figures.units += 10; }, 4}},
+        {u"reorder"_s, {nothing, reorder, [](Figures &figures, int) { figures.units += 5; }, 4}},
+        {u"undo of a reorder"_s,
+         {reorder, [](TroubledTill &till, int) { till.click("Command23"); },
+          [](Figures &figures, int) { figures.units -= 5; }, 4}},
+        {u"settings"_s,
+         {nothing, saveSettings, [](Figures &figures, int round) { figures.settings = settingsOf(round); }, 15}},
+    };
+    return all;
+}
+
+QString faultText(int operation)
+{
+    return u"operation %1, %2: "_s.arg(operation).arg(FailingDisk::firstFailure());
+}
+
+} // namespace
+
+/// The N-th operation of the disk fails, for N from 1 on until the action runs through: what was reported done is in
+/// the file, what was not done has been told, and where nothing was told, all of it is done.
+class DiskTroubleTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyOperationOfAnAction_data();
+    void everyOperationOfAnAction();
+    void everyOperationOfABackup_data();
+    void everyOperationOfABackup();
+    void everyOperationOfAFirstStart_data();
+    void everyOperationOfAFirstStart();
+
+private:
+    static void check(TroubledTill &till, qint64 logSize);
+    static int tryOnce(TroubledTill &till, const Action &action, int operation, Mode mode, int error);
+};
+
+namespace {
+
+void addModes()
+{
+    QTest::addColumn<Mode>("mode");
+    QTest::addColumn<int>("error");
+}
+
+void addRows(const QString &name)
+{
+    QTest::addRow("%s, one input/output error", qPrintable(name)) << name << Mode::Once << EIO;
+    QTest::addRow("%s, a disk that stays full", qPrintable(name)) << name << Mode::Forever << ENOSPC;
+}
+
+} // namespace
+
+void DiskTroubleTest::everyOperationOfAnAction_data()
+{
+    QTest::addColumn<QString>("name");
+    addModes();
+    for (auto action = actions().cbegin(); action != actions().cend(); ++action)
+        addRows(action.key());
+}
+
+/// Whatever failed: the file holds what was reported done, and each failure was told, and logged where the log can be
+/// written.
+void DiskTroubleTest::check(TroubledTill &till, qint64 logSize)
+{
+    QCOMPARE(till.differsFromWhatWasDone(), QString());
+    QCOMPARE(till.look().integrity(), u"ok"_s);
+    QVERIFY2(till.told.size() >= till.failedStatements.size(), qPrintable(till.failedStatements.join(u'\n')));
+    QVERIFY(till.told.isEmpty() || till.logSize() > logSize || till.hasLogTrouble);
+    QCOMPARE(till.iniValue(u"Other/Kept"_s), u"kept"_s);
+}
+
+/// The number of operations that failed.
+int DiskTroubleTest::tryOnce(TroubledTill &till, const Action &action, int operation, Mode mode, int error)
+{
+    action.prepare(till, operation);
+    Figures expected = figuresOf(till);
+    action.change(expected, operation);
+    till.forget();
+    const qint64 logSize = till.logSize();
+    FailingDisk::failAt(operation, mode, error);
+    action.act(till, operation);
+    QCoreApplication::processEvents();
+    const int failures = FailingDisk::failures();
+    const QString fault = faultText(operation);
+    FailingDisk::failAt(0, mode, error);
+    check(till, logSize);
+    const bool isWhole = figuresOf(till) == expected;
+    if (!isWhole && till.told.isEmpty())
+        QTest::qFail(qPrintable(fault + u"lost in silence"_s), __FILE__, __LINE__);
+    if (failures == 0 && !(isWhole && till.told.isEmpty()))
+        QTest::qFail(qPrintable(u"without a fault: "_s + till.told.join(u'\n')), __FILE__, __LINE__);
+    if (QTest::currentTestFailed())
+        qWarning().noquote() << fault << till.told;
+    return failures;
+}
+
+void DiskTroubleTest::everyOperationOfAnAction()
+{
+    QFETCH(const QString, name);
+    QFETCH(const Mode, mode);
+    QFETCH(const int, error);
+    const Action &action = actions()[name];
+    TroubledTill till;
+    QVERIFY(till.state().IsLoggedIn);
+    FailingDisk::mount(till.home());
+    int operation = 1;
+    while (operation < mostOperations && tryOnce(till, action, operation, mode, error) > 0 &&
+           !QTest::currentTestFailed())
+        ++operation;
+    QVERIFY(operation < mostOperations);
+    QVERIFY2(operation > action.leastOperations || QTest::currentTestFailed(), qPrintable(QString::number(operation)));
+}
+
+void DiskTroubleTest::everyOperationOfABackup_data()
+{
+    QTest::addColumn<QString>("name");
+    addModes();
+    addRows(u"in a new place"_s);
+    addRows(u"over an older one"_s);
+}
+
+void DiskTroubleTest::everyOperationOfABackup()
+{
+    QFETCH(const QString, name);
+    QFETCH(const Mode, mode);
+    QFETCH(const int, error);
+    TroubledTill till;
+    till.sell();
+    const QStringList whole = till.look().everything();
+    const QString target = till.home() + u"/backup.db"_s;
+    const bool replaces = name.startsWith(u"over"_s);
+    FailingDisk::mount(till.home());
+    int failures = 1;
+    int operation = 1;
+    for (; operation < mostOperations && failures > 0; ++operation) {
+        QFile::remove(target);
+        if (replaces)
+            QVERIFY(QFile(target).open(QIODevice::WriteOnly | QIODevice::NewOnly));
+        till.forget();
+        FailingDisk::failAt(operation, mode, error);
+        const BackupResult result =
+            backUpStore(till.storePath(), target, replaces, [](const BackupProgress &) { return true; });
+        failures = FailingDisk::failures();
+        const QString fault = faultText(operation);
+        FailingDisk::failAt(0, mode, error);
+        if (result.outcome == BackupResult::Outcome::Done) {
+            QCOMPARE(harrowby::test::Database(target, true).everything(), whole);
+        } else {
+            QVERIFY2(failures > 0 && !result.problem.isEmpty(), qPrintable(fault));
+            QCOMPARE(QFile::exists(target), replaces);
+            QCOMPARE(QFile(target).size(), 0);
+        }
+        QVERIFY2(till.differsFromWhatWasDone().isEmpty(), qPrintable(fault));
+    }
+    QVERIFY(operation > 10 && operation < mostOperations);
+}
+
+void DiskTroubleTest::everyOperationOfAFirstStart_data()
+{
+    QTest::addColumn<QString>("name");
+    addModes();
+    addRows(u"a new store"_s);
+}
+
+void DiskTroubleTest::everyOperationOfAFirstStart()
+{
+    QFETCH(const Mode, mode);
+    QFETCH(const int, error);
+    const auto fill = [](sqlite3 *database) { return addAdministrator(database, u"PASS"_s); };
+    int failures = 1;
+    int operation = 1;
+    for (; operation < mostOperations && failures > 0; ++operation) {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"Harrowby/store.sqlite"_s);
+        FailingDisk::mount(folder.path());
+        FailingDisk::failAt(operation, mode, error);
+        auto problem = createStore(path, true, fill);
+        const bool isMade = !problem;
+        BusyWait wait;
+        harrowby::app::Database database;
+        if (isMade)
+            problem = openStore(path, wait, database);
+        failures = FailingDisk::failures();
+        const QString fault = faultText(operation);
+        FailingDisk::failAt(0, mode, error);
+        QVERIFY2(!problem || (failures > 0 && !problem->text.isEmpty() && database == nullptr), qPrintable(fault));
+        QCOMPARE(QFile::exists(path), isMade); // whole or not at all
+        database.reset();
+        if (isMade) {
+            const harrowby::test::Database look(path);
+            QCOMPARE(look.integrity(), u"ok"_s);
+            QCOMPARE(look.rows(u"SELECT Username FROM Users"_s), QStringList{u"ADMINISTRATOR"_s});
+        }
+    }
+    QVERIFY(operation > 20 && operation < mostOperations);
+}
+
+QTEST_MAIN(DiskTroubleTest)
+#include "disk_trouble_test.moc"

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "busy_wait.h"
+#include "log_file.h"
+#include "platform/isolated_home.h"
+#include "sql.h"
+#include "support/database.h"
+#include "support/doubles.h"
+#include "support/reporting_connection.h"
+#include "ui/inventory.h"
+
+#include <QStringList>
+
+#include <memory>
+
+namespace harrowby::app::test {
+
+/// A till whose disk may fail: the real window on a store that the program has made and opened, with its own saved
+/// settings, receipts and log file, all below one home. Every question is answered with Yes. It keeps what the file
+/// must hold by what was reported done, and what was told.
+class TroubledTill
+{
+public:
+    TroubledTill();
+    ~TroubledTill();
+    TroubledTill(const TroubledTill &) = delete;
+    TroubledTill &operator=(const TroubledTill &) = delete;
+
+    [[nodiscard]] const Controls &controls() const { return m_window->controls(); }
+    [[nodiscard]] const FormState &state() const { return m_window->state(); }
+    void click(const char *button) const;
+    /// Puts a unit of each of the first two items into the cart, which holds nothing else then.
+    void fillCart();
+    /// Fills the cart and commits it, a second after the one before.
+    void sell();
+
+    /// First column of the first row.
+    [[nodiscard]] QString cell(const QString &select) const { return m_look->rows(select).value(0); }
+    [[nodiscard]] const harrowby::test::Database &look() const { return *m_look; }
+    [[nodiscard]] QString iniValue(const QString &key) const;
+    /// Whole receipts; a file that bears a receipt's name and is none ends the test.
+    [[nodiscard]] int receipts() const;
+    [[nodiscard]] qint64 logSize() const;
+    [[nodiscard]] QString storePath() const { return m_path; }
+    [[nodiscard]] QString home() const { return m_home.path(); }
+
+    QStringList failedStatements; ///< which the connection said have not been done
+    QStringList told;             ///< to the person at the till
+    bool hasLogTrouble =
+        false; ///< it was told, once, that lines cannot be written into the log, and not that it is over
+    /// Forgets the first two.
+    void forget();
+    /// Why the file does not hold exactly what was reported done; empty when it does.
+    [[nodiscard]] QString differsFromWhatWasDone();
+
+private:
+    void makeStore() const;
+    void connectAll();
+
+    harrowby::testing::IsolatedHome m_home;
+    QString m_path;
+    LogFile m_log;
+    LogRouting m_routing;
+    BusyWait m_wait;
+    Database m_database;
+    std::unique_ptr<harrowby::test::Database> m_look;
+    std::unique_ptr<harrowby::test::Database> m_expected;
+    QStringList m_done; ///< since the last comparison
+    std::shared_ptr<harrowby::test::ReportingConnection> m_connection;
+    std::shared_ptr<harrowby::test::FrozenClock> m_clock = std::make_shared<harrowby::test::FrozenClock>();
+    std::unique_ptr<Inventory> m_window;
+};
+
+} // namespace harrowby::app::test
