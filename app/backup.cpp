@@ -6,9 +6,9 @@
 #include "basic/logging.h"
 #include "file_naming.h"
 #include "quick_check.h"
+#include "workshop.h"
 
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <sqlite3.h>
 
@@ -75,15 +75,52 @@ QuickCheck checkUnlessStopped(sqlite3 *copy, const BackupWatch &watch)
     return quickCheck(copy, std::chrono::hours(1));
 }
 
-BackupResult checkCopy(sqlite3 *copy, const RowCounts &expected, const BackupWatch &watch)
+/// Where a copy comes from.
+struct Source
+{
+    std::function<CopyEnd(sqlite3 *copy, RowCounts &counts)> copyInto;
+    std::function<bool()> isBad;
+};
+
+bool isBad(sqlite3 *store, const BackupWatch &watch)
+{
+    const QuickCheck check = checkUnlessStopped(store, watch);
+    return check.result == QuickCheck::Result::Damaged || check.result == QuickCheck::Result::Failed;
+}
+
+bool isBadFile(const QString &store, const BackupWatch &watch)
+{
+    Database opened;
+    return openToCopy(store, opened) || isBad(opened.get(), watch);
+}
+
+QString damageText(BackupSide side, const QString &reason)
+{
+    if (side == BackupSide::Store)
+        return u"The store file is damaged; the place of the backup is not to blame. Keep the backups that you have."
+               "\n(%1)"_s.arg(reason);
+    return u"The place of the backup does not keep what is written to it; the store is sound. Please choose another "
+           "place.\n(%1)"_s.arg(reason);
+}
+
+BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &expected, const BackupWatch &watch)
 {
     const QuickCheck check = checkUnlessStopped(copy, watch);
     if (!watch({BackupProgress::Stage::Checking, 100}))
         return {Outcome::Stopped, {}, 0};
-    if (check.result != QuickCheck::Result::Sound)
-        return failed(u"The copy is not sound, because the store file is damaged or the place of the backup is. "
-                      "Keep the backups that you have.\n(%1)"_s.arg(check.error.reason));
-    if (!expected.isEmpty() && countRows(copy) != expected)
+    if (check.result == QuickCheck::Result::Failed && check.error.code == SQLITE_IOERR)
+        return failed(copyProblem(check.error, BackupSide::Place));
+    if (check.result != QuickCheck::Result::Sound) {
+        // A sound store whose copy is not sound has been written to a bad place.
+        const BackupSide side = source.isBad() ? BackupSide::Store : BackupSide::Place;
+        if (!watch({BackupProgress::Stage::Checking, 100}))
+            return {Outcome::Stopped, {}, 0};
+        return failed(damageText(side, check.error.reason));
+    }
+    const RowCounts counted = countRows(copy);
+    if (counted.size() < expected.size())
+        return failed(copyProblem({SQLITE_IOERR, u"the copy cannot be read back"_s}, BackupSide::Place));
+    if (!expected.isEmpty() && counted != expected)
         return failed(u"The copy does not hold as many rows as the store. Please try again."_s);
     return {Outcome::Done, {}, 0};
 }
@@ -93,23 +130,21 @@ BackupResult closeCopy(Database &copy)
 {
     const auto error = runSql(copy.get(), u"PRAGMA journal_mode = DELETE"_s);
     copy.reset();
-    return error ? failed(copyProblem(*error)) : BackupResult{Outcome::Done, {}, 0};
+    return error ? failed(copyProblem(*error, BackupSide::Place)) : BackupResult{Outcome::Done, {}, 0};
 }
 
-using CopyInto = std::function<CopyEnd(sqlite3 *copy, RowCounts &counts)>;
-
-BackupResult makeCopy(const CopyInto &copyInto, const QString &file, const BackupWatch &watch)
+BackupResult makeCopy(const Source &source, const QString &file, const BackupWatch &watch)
 {
     Database copy;
     if (auto error = openDatabase(file, OpenMode::Create, copy))
-        return failed(copyProblem(*error));
+        return failed(copyProblem(*error, BackupSide::Place));
     RowCounts counts;
-    const CopyEnd end = copyInto(copy.get(), counts);
+    const CopyEnd end = source.copyInto(copy.get(), counts);
     if (end.stopped)
         return {Outcome::Stopped, {}, 0};
     if (end.error)
-        return failed(copyProblem(*end.error));
-    if (auto result = checkCopy(copy.get(), counts, watch); result.outcome != Outcome::Done)
+        return failed(copyProblem(*end.error, end.side));
+    if (auto result = checkCopy(copy.get(), source, counts, watch); result.outcome != Outcome::Done)
         return result;
     return closeCopy(copy);
 }
@@ -138,14 +173,16 @@ BackupResult giveName(const QString &file, const QString &target, bool replace)
     return {Outcome::Done, {}, QFileInfo(target).size()};
 }
 
-BackupResult copyTo(const QString &target, bool replace, const CopyInto &copyInto, const BackupWatch &watch)
+BackupResult copyTo(const QString &target, bool replace, const Source &source, const BackupWatch &watch)
 {
     const QString place = realTarget(target);
-    const QTemporaryDir workshop(QFileInfo(place).absolutePath() + u"/.harrowby-backup-XXXXXX"_s);
+    const QString folder = QFileInfo(place).absolutePath();
+    removeLeftWorkshops(folder);
+    const Workshop workshop(folder, Workshop::Purpose::Backup);
     if (!workshop.isValid())
         return failed(u"Nothing can be written there: %1"_s.arg(workshop.errorString()));
     const QString file = workshop.filePath(u"backup.db"_s);
-    if (auto result = makeCopy(copyInto, file, watch); result.outcome != Outcome::Done)
+    if (auto result = makeCopy(source, file, watch); result.outcome != Outcome::Done)
         return result;
     return giveName(file, place, replace);
 }
@@ -156,16 +193,22 @@ BackupResult backUpStore(const QString &store, const QString &target, bool repla
 {
     if (const QString problem = backupPlaceProblem(store, target); !problem.isEmpty())
         return failed(problem);
-    const auto copyInto = [&](sqlite3 *copy, RowCounts &counts) { return copyStore(store, copy, watch, counts); };
-    return copyTo(target, replace, copyInto, watch);
+    const Source source = {
+        [&](sqlite3 *copy, RowCounts &counts) { return copyStore(store, copy, watch, counts); },
+        [&] { return isBadFile(store, watch); },
+    };
+    return copyTo(target, replace, source, watch);
 }
 
 BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
 {
     if (const QString problem = backupPlaceProblem(path, target); !problem.isEmpty())
         return failed(problem);
-    const auto copyInto = [&](sqlite3 *copy, RowCounts &counts) { return copyOpenStore(store, copy, watch, counts); };
-    return copyTo(target, false, copyInto, watch);
+    const Source source = {
+        [&](sqlite3 *copy, RowCounts &counts) { return copyOpenStore(store, copy, watch, counts); },
+        [&] { return isBad(store, watch); },
+    };
+    return copyTo(target, false, source, watch);
 }
 
 } // namespace harrowby::app

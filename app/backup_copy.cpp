@@ -3,6 +3,10 @@
 
 #include "schema.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
 #include <sqlite3.h>
 
 #include <chrono>
@@ -32,6 +36,58 @@ SqlError errorOf(sqlite3 *database, int code)
     return {code & 0xff, QString::fromUtf8(sqlite3_errmsg(database))};
 }
 
+QString fileOf(sqlite3 *database)
+{
+    return QString::fromUtf8(sqlite3_db_filename(database, "main"));
+}
+
+bool canBeRead(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    while (!file.atEnd()) {
+        if (file.read(1 << 20).isEmpty())
+            return false;
+    }
+    return true;
+}
+
+bool takesFiles(const QString &folder)
+{
+    QTemporaryFile file(folder + u"/probe"_s);
+    return file.open();
+}
+
+/// The copy goes into a new file that nobody else has; the store is only read. What that does not settle is tried out
+/// on the copy, as the store file must not be opened beside SQLite.
+BackupSide sideOf(int code, const QString &copy)
+{
+    using enum BackupSide;
+    switch (code & 0xff) {
+    case SQLITE_FULL:
+    case SQLITE_READONLY:
+        return Place;
+    case SQLITE_CANTOPEN:
+        return takesFiles(QFileInfo(copy).absolutePath()) ? Store : Place;
+    case SQLITE_IOERR:
+        break;
+    default:
+        return Store;
+    }
+    switch (code) {
+    case SQLITE_IOERR_WRITE:
+    case SQLITE_IOERR_FSYNC:
+    case SQLITE_IOERR_DIR_FSYNC:
+    case SQLITE_IOERR_TRUNCATE:
+    case SQLITE_IOERR_DELETE:
+    case SQLITE_IOERR_DELETE_NOENT:
+        return Place;
+    default:
+        return canBeRead(copy) ? Store : Place;
+    }
+}
+
 class Copy
 {
 public:
@@ -49,12 +105,12 @@ public:
     {
         const bool hasLog = readText(m_store, u"PRAGMA journal_mode"_s) == u"wal"_s;
         if (hasLog && !hold())
-            return {false, m_error};
+            return {false, m_error, BackupSide::Store};
         if (hasLog)
             counts = countRows(m_store);
         m_backup.reset(sqlite3_backup_init(m_copy, "main", m_store, "main"));
         if (!m_backup)
-            return {false, errorOf(m_copy, sqlite3_errcode(m_copy))};
+            return {false, errorOf(m_copy, sqlite3_errcode(m_copy)), BackupSide::Place};
         return copyAll();
     }
 
@@ -75,13 +131,13 @@ private:
         while (code == SQLITE_OK) {
             code = sqlite3_backup_step(m_backup.get(), pagesInOneStep);
             if (code == SQLITE_OK && !m_watch({BackupProgress::Stage::Copying, percent()}))
-                return {true, {}};
+                return {true, {}, {}};
             if (code == SQLITE_OK && !m_held && !giveWay())
-                return {false, m_error};
+                return {false, m_error, BackupSide::Store};
         }
         if (code != SQLITE_DONE)
-            return {false, errorOf(m_copy, code)};
-        return {!m_watch({BackupProgress::Stage::Copying, 100}), {}};
+            return {false, errorOf(m_copy, code), sideOf(code, fileOf(m_copy))};
+        return {!m_watch({BackupProgress::Stage::Copying, 100}), {}, {}};
     }
 
     /// Lets tills write between two steps, unless they have made the copy begin anew too often.
@@ -127,15 +183,20 @@ RowCounts countRows(sqlite3 *database)
     return counts;
 }
 
+std::optional<SqlError> openToCopy(const QString &store, Database &source)
+{
+    if (auto error = openDatabase(store, OpenMode::Write, source))
+        return error;
+    sqlite3_busy_timeout(source.get(), longestWait);
+    return runSql(source.get(), u"PRAGMA query_only = 1"_s);
+}
+
 CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
 {
     counts.clear();
     Database source;
-    if (auto error = openDatabase(store, OpenMode::Write, source))
-        return {false, error};
-    sqlite3_busy_timeout(source.get(), longestWait);
-    if (auto error = runSql(source.get(), u"PRAGMA query_only = 1"_s))
-        return {false, error};
+    if (auto error = openToCopy(store, source))
+        return {false, error, BackupSide::Store};
     return Copy(source.get(), copy, watch).run(counts);
 }
 
@@ -146,11 +207,14 @@ CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, R
     return Copy(store, copy, watch).run(counts);
 }
 
-QString copyProblem(const SqlError &error)
+QString copyProblem(const SqlError &error, BackupSide side)
 {
+    const bool isStore = side == BackupSide::Store;
     switch (error.code) {
     case SQLITE_FULL:
-        return u"There is no space left at the place of the backup. Please free some, or choose another place."_s;
+        return isStore ? u"There is no space left on the disk of the store file. Please free some."_s
+                       : u"There is no space left at the place of the backup. Please free some, or choose another "
+                         "place."_s;
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return u"Another program keeps the store file locked. Please try again."_s;
@@ -160,8 +224,11 @@ QString copyProblem(const SqlError &error)
     case SQLITE_IOERR:
     case SQLITE_CANTOPEN:
     case SQLITE_READONLY:
-        return u"The place of the backup cannot be written any more. If it is a stick, was it taken out?\n(%1)"_s.arg(
-            error.reason);
+        if (isStore)
+            return u"The store file cannot be read; the place of the backup is not to blame. Check the disk of the "
+                   "store, and keep the backups that you have.\n(%1)"_s.arg(error.reason);
+        return u"The place of the backup cannot be written any more; the store is not to blame. If it is a stick, was "
+               "it taken out?\n(%1)"_s.arg(error.reason);
     default:
         return u"The backup could not be made (%1)."_s.arg(error.reason);
     }

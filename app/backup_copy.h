@@ -17,10 +17,17 @@ using RowCounts = QHash<QString, qint64>;
 /// Of the store's tables; a table that cannot be read is missing.
 [[nodiscard]] RowCounts countRows(sqlite3 *database);
 
+/// Which of the two disks a failure is about.
+enum class BackupSide {
+    Store,
+    Place, ///< of the backup
+};
+
 struct CopyEnd
 {
     bool stopped = false;
     std::optional<SqlError> error;
+    BackupSide side = BackupSide::Store; ///< of the error
 };
 
 /// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till
@@ -32,6 +39,9 @@ struct CopyEnd
 [[nodiscard]] CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
 
 /// In words for a person.
-[[nodiscard]] QString copyProblem(const SqlError &error);
+[[nodiscard]] QString copyProblem(const SqlError &error, BackupSide side);
+
+/// Opens the store as the copy reads it: nothing is written to it.
+[[nodiscard]] std::optional<SqlError> openToCopy(const QString &store, Database &source);
 
 } // namespace harrowby::app

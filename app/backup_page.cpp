@@ -4,6 +4,7 @@
 #include "backup_place.h"
 #include "office_box.h"
 #include "sheet/look.h"
+#include "workshop.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -14,7 +15,6 @@
 #include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -30,10 +30,7 @@ const auto lastKey = u"LastBackup"_s;
 
 QString usualPlace()
 {
-    QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    if (!folder.exists())
-        folder = QDir::home();
-    return folder.filePath(usualBackupName(QDate::currentDate()));
+    return QDir(usualBackupFolder()).filePath(usualBackupName(QDate::currentDate()));
 }
 
 QString sizeText(qint64 bytes)
@@ -59,6 +56,9 @@ BackupPage::BackupPage(const QString &store, OfficeSettings settings, QWidget *p
 {
     createControls();
     layOut();
+    removeLeftWorkshops(usualBackupFolder());
+    if (const QString last = m_settings.get(lastSection, lastKey, {}); !last.isEmpty())
+        removeLeftWorkshops(QFileInfo(last).absolutePath());
     connect(&m_job, &BackupJob::progressed, this, &BackupPage::showProgress);
     connect(&m_job, &BackupJob::finished, this, &BackupPage::finish);
     setRunning(false);

@@ -85,6 +85,12 @@ QString spaceProblem(const QString &store, const QString &target)
 
 } // namespace
 
+QString usualBackupFolder()
+{
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
 QString usualBackupName(const QDate &day)
 {
     return u"harrowby-%1.db"_s.arg(day.toString(Qt::ISODate));

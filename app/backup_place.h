@@ -7,6 +7,8 @@
 
 namespace harrowby::app {
 
+/// The folder that is offered for a backup.
+[[nodiscard]] QString usualBackupFolder();
 /// The name that is offered for a backup of that day.
 [[nodiscard]] QString usualBackupName(const QDate &day);
 

@@ -7,6 +7,7 @@
 #include "office_window.h"
 #include "start_message.h"
 #include "store_guard.h"
+#include "store_paths.h"
 #include "users_store.h"
 
 using namespace Qt::StringLiterals;
@@ -47,7 +48,8 @@ OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSetting
         tellProblem(u"The store's office asks for a password, and there is no screen to ask for it."_s);
         return OfficeEnd::Refused;
     }
-    OfficePasswordDialog password([=](const QString &typed) { return wordsOf(askAtDoor(database, typed)); });
+    OfficePasswordDialog password([=](const QString &typed) { return wordsOf(askAtDoor(database, typed)); },
+                                  WrongTries(officeTriesPath(store)));
     if (password.exec() != QDialog::Accepted)
         return OfficeEnd::Left;
     OfficeWindow window(database, store, settings);

@@ -3,9 +3,9 @@
 
 #include "dialog_style.h"
 #include "office_box.h"
-#include "office_door.h"
 #include "sheet/look.h"
 
+#include <QDateTime>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -20,14 +20,16 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-OfficePasswordDialog::OfficePasswordDialog(PasswordCheck check, QWidget *parent) :
-    QDialog(parent), m_check(std::move(check))
+OfficePasswordDialog::OfficePasswordDialog(PasswordCheck check, WrongTries wrongTries, QWidget *parent) :
+    QDialog(parent), m_check(std::move(check)), m_wrongTries(std::move(wrongTries))
 {
     setWindowTitle(u"Store"_s);
     setMinimumWidth(480);
     enlargeFont(*this);
     layOut();
     sheet::dress(*this);
+    if (pause())
+        sayPause();
 }
 
 void OfficePasswordDialog::layOut()
@@ -68,28 +70,38 @@ void OfficePasswordDialog::layOut()
 void OfficePasswordDialog::accept()
 {
     if (!m_open->isEnabled())
-        return; // Enter during the pause
+        return;  // Enter during the pause
+    if (pause()) // after a wrong try in another office
+        return sayPause();
+    m_wrongTries.add(QDateTime::currentDateTimeUtc());
     const QString problem = m_check(m_password->text());
-    if (problem.isEmpty())
-        QDialog::accept();
-    else
-        refuse(problem);
+    if (!problem.isEmpty())
+        return refuse(problem);
+    m_wrongTries.forget();
+    QDialog::accept();
 }
 
 void OfficePasswordDialog::refuse(const QString &problem)
 {
-    ++m_wrongTries;
     showOutcome(*m_problem, u"\u26a0 "_s + problem);
     m_password->setFocus();
     m_password->selectAll();
-    if (pauseAfter(m_wrongTries).count() > 0)
-        pause();
+    pause();
 }
 
-void OfficePasswordDialog::pause()
+bool OfficePasswordDialog::pause()
 {
+    const std::chrono::milliseconds left = m_wrongTries.pause(QDateTime::currentDateTimeUtc());
+    if (left.count() == 0)
+        return false;
     m_open->setEnabled(false);
-    QTimer::singleShot(pauseAfter(m_wrongTries), m_open, [this] { m_open->setEnabled(true); });
+    QTimer::singleShot(left, Qt::PreciseTimer, m_open, [this] { m_open->setEnabled(true); });
+    return true;
+}
+
+void OfficePasswordDialog::sayPause()
+{
+    showOutcome(*m_problem, u"\u26a0 After wrong passwords the next try has to wait a little."_s);
 }
 
 } // namespace harrowby::app

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "wrong_tries.h"
+
 #include <QDialog>
 
 #include <functional>
@@ -15,23 +17,25 @@ namespace harrowby::app {
 using PasswordCheck = std::function<QString(const QString &password)>;
 
 /// Asks for ADMINISTRATOR's password until it is right or the person gives up. After several wrong tries the next one
-/// has to wait a little.
+/// has to wait a little, also when they were made before the program was started.
 class OfficePasswordDialog final : public QDialog
 {
     Q_OBJECT
 
 public:
-    explicit OfficePasswordDialog(PasswordCheck check, QWidget *parent = nullptr);
+    explicit OfficePasswordDialog(PasswordCheck check, WrongTries wrongTries = WrongTries(), QWidget *parent = nullptr);
 
     void accept() override;
 
 private:
     void layOut();
     void refuse(const QString &problem);
-    void pause();
+    /// True when the next try has to wait.
+    bool pause();
+    void sayPause();
 
     PasswordCheck m_check;
-    int m_wrongTries = 0;
+    WrongTries m_wrongTries;
     QLineEdit *m_password = nullptr;
     QLabel *m_problem = nullptr;
     QPushButton *m_open = nullptr;

@@ -6,6 +6,7 @@
 #include "office_box.h"
 #include "receipt_page.h"
 #include "sheet/look.h"
+#include "store_access_line.h"
 #include "touch_tab_bar.h"
 #include "users_page.h"
 
@@ -62,6 +63,7 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     top->addWidget(close);
     auto *rows = new QVBoxLayout(this);
     rows->addLayout(top);
+    rows->addWidget(new StoreAccessLine(store, this));
     rows->addWidget(pages, 1);
     rows->addWidget(makeOfficeText(this, store));
     // Enter in an entry does what stands beside it, and nothing else.

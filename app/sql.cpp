@@ -3,9 +3,14 @@
 
 #include "store_loss.h"
 
+#include <QFile>
 #include <QUrl>
 
 #include <sqlite3.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +47,18 @@ QByteArray openName(const QString &path, OpenMode mode)
     return "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1";
 }
 
+/// SQLite would let others read a new file. What is there already is never opened: closing it again would drop the
+/// locks that this program has on it.
+void makeForOwnerAlone(const QString &path)
+{
+    if (path == u":memory:"_s)
+        return;
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
+
 } // namespace
 
 void CloseDatabase::operator()(sqlite3 *database) const noexcept
@@ -51,6 +68,8 @@ void CloseDatabase::operator()(sqlite3 *database) const noexcept
 
 std::optional<SqlError> openDatabase(const QString &path, OpenMode mode, Database &database)
 {
+    if (mode == OpenMode::Create)
+        makeForOwnerAlone(path);
     sqlite3 *raw = nullptr;
     const int code = sqlite3_open_v2(openName(path, mode).constData(), &raw, openFlags(mode), nullptr);
     database.reset(raw);

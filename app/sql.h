@@ -33,7 +33,7 @@ enum class OpenMode {
     Read,       ///< never writes
     ReadFrozen, ///< never writes, takes no lock, puts no file beside it; only for a file that nobody has open
     Write,
-    Create, ///< as Write, and makes the file when it is missing
+    Create, ///< as Write, and makes the file when it is missing, for its owner alone
 };
 
 /// Opens a database. A file that cannot be opened gives an error; one that turns out to be no database says so

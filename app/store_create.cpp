@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "store_create.h"
 
+#include "basic/private_files.h"
 #include "file_facts.h"
 #include "file_naming.h"
 #include "password_rules.h"
 #include "schema.h"
 #include "store_judge.h"
+#include "workshop.h"
 
-#include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <cerrno>
 #include <cstring>
@@ -63,9 +63,9 @@ std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, co
     if (auto problem = judgeNewStore(path, makeFolder))
         return problem;
     const QString folder = QFileInfo(path).absolutePath();
-    if (makeFolder && !QDir().mkpath(folder))
+    if (makeFolder && !makePrivateFolder(folder).isEmpty())
         return storeProblem(ProblemKind::FolderLocked, path);
-    const QTemporaryDir workshop(folder + u"/.harrowby-new-XXXXXX"_s);
+    const Workshop workshop(folder, Workshop::Purpose::NewStore);
     if (!workshop.isValid())
         return storeProblem(ProblemKind::Other, path, workshop.errorString());
 

@@ -4,6 +4,7 @@
 #include "basic/logging.h"
 #include "busy_wait.h"
 #include "schema.h"
+#include "store_access.h"
 #include "store_judge.h"
 
 #include <sqlite3.h>
@@ -54,6 +55,9 @@ Problem prepare(sqlite3 *database, const QString &path)
         return storeProblem(ProblemKind::ReadOnly, path);
     if (auto error = tryToWrite(database))
         return engineProblem(*error, path);
+    if (isOpenToOthers(path))
+        qCWarning(lcStore).noquote() << "Others may read the store file" << path << "and the passwords in it:"
+                                     << "its permissions are" << permissionsText(path);
     secure(database);
     addMissingIndexes(database);
     return {};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store_paths.h"
 
+#include <QCryptographicHash>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +31,14 @@ QString demoStorePath()
 QString logPath()
 {
     return inDataFolder(u"harrowby.log"_s);
+}
+
+QString officeTriesPath(const QString &store)
+{
+    constexpr qsizetype shortened = 16;
+    const QString real = QFileInfo(store).canonicalFilePath();
+    const QByteArray name = QCryptographicHash::hash(real.toUtf8(), QCryptographicHash::Sha256).toHex();
+    return inDataFolder(u"office-%1.tries"_s.arg(QString::fromLatin1(name.left(shortened))));
 }
 
 } // namespace harrowby::app

@@ -9,5 +9,7 @@ namespace harrowby::app {
 [[nodiscard]] QString defaultStorePath();
 [[nodiscard]] QString demoStorePath();
 [[nodiscard]] QString logPath();
+/// What the office of this store remembers of wrong passwords.
+[[nodiscard]] QString officeTriesPath(const QString &store);
 
 } // namespace harrowby::app

@@ -22,6 +22,7 @@
 #include "store_paths.h"
 #include "touch_keyboard.h"
 #include "wait_sign.h"
+#include "workshop.h"
 
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
@@ -30,6 +31,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QIcon>
 
 #include <exception>
@@ -108,6 +110,7 @@ void createNewStore(const QString &path, bool makeFolder)
 QString prepareStore(const QString &given)
 {
     const QString path = given.isEmpty() ? defaultStorePath() : given;
+    removeLeftWorkshops(QFileInfo(path).absolutePath());
     if (!nameIsTaken(path))
         createNewStore(path, given.isEmpty());
     return path;
@@ -116,6 +119,7 @@ QString prepareStore(const QString &given)
 QString prepareDemo()
 {
     const QString path = demoStorePath();
+    removeLeftWorkshops(QFileInfo(path).absolutePath());
     printOut(demoLoginText());
     if (nameIsTaken(path))
         return path;

@@ -2,9 +2,12 @@
 #include "backup.h"
 #include "backup_job.h"
 #include "backup_place.h"
+#include "bad_disk.h"
 #include "busy_wait.h"
+#include "store_access.h"
 #include "store_files.h"
 #include "store_judge.h"
+#include "workshop.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,6 +20,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
@@ -77,6 +81,11 @@ private Q_SLOTS:
     void failureKeepsTheOldBackup();
     void damagedStoreIsTold();
     void fullDiskIsTold();
+    void failingSideIsTold_data();
+    void failingSideIsTold();
+    void storeThatCannotBeOpenedIsNoFaultOfThePlace();
+    void copyIsTheOwnersAlone();
+    void leftFoldersAreRemoved();
     void badPlaceIsTold_data();
     void badPlaceIsTold();
     void storeUnderAnotherNameIsRefused();
@@ -226,8 +235,82 @@ void BackupTest::damagedStoreIsTold()
     spoil(store(), 40000, 20000);
     const BackupResult result = backUpStore(store(), target(), false, goOn);
     QCOMPARE(result.outcome, Outcome::Failed);
-    QVERIFY2(result.problem.contains(u"damaged"_s), qPrintable(result.problem));
+    QVERIFY2(result.problem.contains(u"store file is damaged"_s), qPrintable(result.problem));
     QCOMPARE(away(), QStringList());
+}
+
+void BackupTest::failingSideIsTold_data()
+{
+    using Fault = BadDisk::Fault;
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<QString>("said");
+    const auto row = [](const char *name, const QByteArray &file, Fault fault, int percent, const QString &said) {
+        QTest::newRow(name) << file << int(fault) << percent << said;
+    };
+    row("store cannot be read", "shop.sqlite", Fault::Read, 1, u"The store file cannot be read"_s);
+    row("copy cannot be written", "backup.db", Fault::Write, 1, u"The place of the backup cannot be"_s);
+    row("copy cannot be read", "backup.db", Fault::Read, 100, u"The place of the backup"_s);
+    row("copy does not keep what is written", "backup.db", Fault::Forget, 1, u"The place of the backup does not"_s);
+}
+
+void BackupTest::failingSideIsTold()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, fault);
+    QFETCH(int, percent);
+    QFETCH(QString, said);
+    grow();
+    std::optional<BadDisk> disk;
+    const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
+        if (!disk && progress.stage == Stage::Copying && progress.percent >= percent)
+            disk.emplace(file, BadDisk::Fault(fault));
+        return true;
+    });
+    QVERIFY(disk);
+    disk.reset();
+    QCOMPARE(result.outcome, Outcome::Failed);
+    QVERIFY2(result.problem.contains(said), qPrintable(result.problem));
+    QCOMPARE(away(), QStringList());
+}
+
+void BackupTest::storeThatCannotBeOpenedIsNoFaultOfThePlace()
+{
+    // Nothing can be opened where the log belongs.
+    QVERIFY(QDir(m_folder->path()).mkdir(u"shop.sqlite-wal"_s));
+    const BackupResult result = backUpStore(store(), target(), false, goOn);
+    QCOMPARE(result.outcome, Outcome::Failed);
+    QVERIFY2(result.problem.contains(u"store file cannot be read"_s), qPrintable(result.problem));
+    QVERIFY(!result.problem.contains(u"stick"_s));
+}
+
+void BackupTest::copyIsTheOwnersAlone()
+{
+    QFile::setPermissions(store(), QFile::Permissions(0x6644));
+    QCOMPARE(backUpStore(store(), target(), false, goOn).outcome, Outcome::Done);
+    QCOMPARE(permissionsText(target()), u"0600"_s);
+}
+
+void BackupTest::leftFoldersAreRemoved()
+{
+    const QDir place(m_folder->filePath(u"away"_s));
+    QVERIFY(place.mkpath(u".harrowby-backup-AbCdEf/deep"_s));
+    QVERIFY(QFile(place.filePath(u".harrowby-backup-AbCdEf/backup.db"_s)).open(QIODevice::WriteOnly));
+    QVERIFY(place.mkdir(u".harrowby-new-AbCdEf"_s));
+    QVERIFY(place.mkdir(u".harrowby-backup-notes of mine"_s));
+    QVERIFY(place.mkdir(u"kept"_s));
+    QVERIFY(QFile::link(place.filePath(u"kept"_s), place.filePath(u".harrowby-backup-LinkTo"_s)));
+    const Workshop alive(place.path(), Workshop::Purpose::Backup);
+    QVERIFY(alive.isValid());
+    const QString name = QFileInfo(alive.filePath(u"x"_s)).dir().dirName();
+    QCOMPARE(backUpStore(store(), target(), false, goOn).outcome, Outcome::Done);
+    QStringList expected = {u".harrowby-backup-LinkTo"_s, u".harrowby-backup-notes of mine"_s, name, u"copy.db"_s,
+                            u"kept"_s};
+    expected.sort();
+    QStringList found = away();
+    found.sort();
+    QCOMPARE(found, expected);
 }
 
 void BackupTest::fullDiskIsTold()

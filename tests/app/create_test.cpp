@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "store_access.h"
 #include "store_create.h"
 #include "store_files.h"
 #include "store_judge.h"
+#include "workshop.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +11,10 @@
 #include <QTest>
 
 #include <sqlite3.h>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
@@ -26,6 +32,8 @@ private Q_SLOTS:
     }
 
     void newStoreIsOneFile();
+    void newStoreIsTheOwnersAlone();
+    void leftFolderOfAKilledStartIsRemoved();
     void newStoreHasOneUserWhoMayDoEverything();
     void failureLeavesNothing();
     void fileThatAppearsMeanwhileIsLeftAlone();
@@ -58,6 +66,42 @@ void CreateTest::newStoreIsOneFile()
     QVERIFY(!createStore(m_path, false, addSecret));
     QCOMPARE(names(), QStringList{u"shop.sqlite"_s});
     QCOMPARE(column(m_path, u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+}
+
+void CreateTest::newStoreIsTheOwnersAlone()
+{
+    const QString path = m_folder->filePath(u"a/b/shop.sqlite"_s);
+    QVERIFY(!createStore(path, true, addSecret));
+    QCOMPARE(permissionsText(path), u"0600"_s);
+    QCOMPARE(permissionsText(m_folder->filePath(u"a"_s)), u"0700"_s);
+    QCOMPARE(permissionsText(m_folder->filePath(u"a/b"_s)), u"0700"_s);
+    // So are the files beside it while it is open.
+    Database database;
+    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
+    QCOMPARE(permissionsText(path + u"-wal"_s), u"0600"_s);
+    QCOMPARE(permissionsText(path + u"-shm"_s), u"0600"_s);
+}
+
+void CreateTest::leftFolderOfAKilledStartIsRemoved()
+{
+    // The owner ends without a chance to tidy up.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const Workshop workshop(m_folder->path(), Workshop::Purpose::NewStore);
+        ::kill(::getpid(), SIGSTOP);
+        ::_exit(0);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, WUNTRACED), child);
+    QVERIFY(WIFSTOPPED(status));
+    QCOMPARE(names().size(), 1);
+    removeLeftWorkshops(m_folder->path());
+    QCOMPARE(names().size(), 1);
+    ::kill(child, SIGKILL);
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    removeLeftWorkshops(m_folder->path());
+    QCOMPARE(names(), QStringList());
 }
 
 void CreateTest::newStoreHasOneUserWhoMayDoEverything()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "office_password_dialog.h"
 #include "office_window.h"
+#include "store_access.h"
 #include "store_files.h"
 #include "user_rules.h"
 
@@ -37,6 +38,8 @@ private Q_SLOTS:
 
     void passwordOpens();
     void wrongPasswordIsRefusedAndSlowsDown();
+    void pauseOutlivesTheDialog();
+    void openStoreIsToldAndClosed();
     void usersAreListed();
     void rightIsSwitchedAndStored();
     void failedSwitchShowsWhatIsStored();
@@ -177,6 +180,53 @@ void OfficeWindowTest::wrongPasswordIsRefusedAndSlowsDown()
     QCOMPARE(asked, 3);
     QVERIFY(dialog.isVisible());
     QVERIFY(dialog.findChild<QLabel *>(u"problem"_s)->text().contains(u"Not this one."_s));
+}
+
+void OfficeWindowTest::pauseOutlivesTheDialog()
+{
+    const QString file = m_folder->filePath(u"tries"_s);
+    int asked = 0;
+    {
+        OfficePasswordDialog dialog([&](const QString &) { return ++asked, u"Not this one."_s; }, WrongTries(file));
+        for (int i = 0; i < 5; ++i)
+            dialog.accept();
+    }
+    QCOMPARE(asked, 3);
+    for (int i = 0; i < 7; ++i) // now the pause outlasts the test on a slow machine too
+        WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    const auto open = [&](const QString &) { return ++asked, QString(); };
+    OfficePasswordDialog later(open, WrongTries(file));
+    later.show();
+    later.accept();
+    QCOMPARE(asked, 3);
+    QVERIFY(later.findChild<QLabel *>(u"problem"_s)->text().contains(u"has to wait"_s));
+
+    WrongTries(file).forget();
+    WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    OfficePasswordDialog right(open, WrongTries(file));
+    right.accept();
+    QCOMPARE(asked, 4);
+    QVERIFY(!QFile::exists(file));
+}
+
+void OfficeWindowTest::openStoreIsToldAndClosed()
+{
+    QVERIFY(!part<QLabel>("storeAccess")->isVisible());
+    QVERIFY(QFile::setPermissions(m_path, QFile::Permissions(0x6644)));
+    m_window = std::make_unique<OfficeWindow>(
+        m_database.get(), m_path,
+        OfficeSettings{[](const QString &, const QString &, const QString &usual) { return usual; }, {}});
+    m_window->show();
+    QVERIFY(part<QLabel>("storeAccess")->isVisible());
+    answerNextBox(QMessageBox::RejectRole);
+    press("closeStoreAccess");
+    QVERIFY(m_boxText.contains(u"Close it to others?"_s));
+    QVERIFY(isOpenToOthers(m_path));
+    answerNextBox(QMessageBox::AcceptRole);
+    press("closeStoreAccess");
+    QVERIFY(!isOpenToOthers(m_path));
+    QVERIFY(part<QLabel>("storeAccess")->text().contains(u"Only you"_s));
+    QVERIFY(!part<QPushButton>("closeStoreAccess")->isVisible());
 }
 
 void OfficeWindowTest::usersAreListed()

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "busy_wait.h"
 #include "file_facts.h"
+#include "log_file.h"
 #include "schema.h"
+#include "store_access.h"
 #include "store_files.h"
 #include "store_judge.h"
 #include "store_open.h"
@@ -41,6 +43,8 @@ private Q_SLOTS:
     void newerSchemaVersionOpens();
     void openStoreIsSetToLoseNothing();
     void readerInRollbackModeMeansExtra();
+    void openStoreIsUsedAsItIsAndLogged_data();
+    void openStoreIsUsedAsItIsAndLogged();
 
 private:
     QString path(const QString &name = u"shop.sqlite"_s) const { return m_folder->filePath(name); }
@@ -200,6 +204,44 @@ void OpenTest::readerInRollbackModeMeansExtra()
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"delete"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"3"_s);
+}
+
+void OpenTest::openStoreIsUsedAsItIsAndLogged_data()
+{
+    QTest::addColumn<int>("permissions");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("owner alone") << 0x6600 << QString();
+    QTest::newRow("group") << 0x6640 << u"0640"_s;
+    QTest::newRow("everybody") << 0x6644 << u"0644"_s;
+    QTest::newRow("everybody may write") << 0x6666 << u"0666"_s;
+}
+
+void OpenTest::openStoreIsUsedAsItIsAndLogged()
+{
+    QFETCH(int, permissions);
+    QFETCH(QString, said);
+    makeStore(path());
+    QVERIFY(QFile::setPermissions(path(), QFile::Permissions(permissions)));
+    const QString before = permissionsText(path());
+    LogFile log(path(u"log"_s));
+    Database database;
+    {
+        const LogRouting routing(log, false);
+        BusyWait wait(shortWait);
+        QVERIFY(!openStore(path(), wait, database));
+    }
+    QCOMPARE(permissionsText(path()), before);
+    QFile file(log.path());
+    const QString lines = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    QCOMPARE(lines.contains(u"Others may read the store file "_s + path()), !said.isEmpty());
+    QVERIFY2(lines.contains(said), qPrintable(lines));
+
+    QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
+    QCOMPARE(closeToOthers(path()), QString());
+    for (const QString &name : {path(), logFileOf(path()), logIndexOf(path())})
+        QCOMPARE(permissionsText(name), u"0600"_s);
+    QVERIFY(!isOpenToOthers(path()));
+    QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
 }
 
 QTEST_GUILESS_MAIN(OpenTest)
