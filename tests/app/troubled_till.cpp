@@ -58,8 +58,10 @@ TroubledTill::TroubledTill() :
     m_log(m_home.path(u".local/share/Harrowby/harrowby.log"_s)), m_routing(m_log, false)
 {
     makeStore();
-    if (const auto problem = openStore(m_path, m_wait, m_database))
+    Database database;
+    if (const auto problem = openStore(m_path, m_wait, database))
         qFatal("%s", qPrintable(problem->text));
+    m_guard = std::make_unique<StoreGuard>(std::move(database), m_path, m_wait);
     m_look = std::make_unique<harrowby::test::Database>(m_path);
     m_expected = std::make_unique<harrowby::test::Database>(u":memory:"_s);
     m_expected->copy(*m_look);
@@ -92,7 +94,7 @@ void TroubledTill::makeStore() const
 
 void TroubledTill::connectAll()
 {
-    const auto engine = std::make_shared<SqliteConnection>(m_database.get());
+    const auto engine = std::make_shared<SqliteConnection>(m_guard->database());
     m_connection = std::make_shared<ReportingConnection>(engine);
     const auto tell = [this](const DbFailure &failure) { told << failure.statement + u": "_s + failure.reason; };
     engine->setFailureHandler(tell);
@@ -171,6 +173,20 @@ QString TroubledTill::differsFromWhatWasDone()
             return u"found "_s + found.value(i) + u", expected "_s + expected.value(i);
     }
     return {};
+}
+
+QStringList openAndClose(sqlite3 *database)
+{
+    QStringList told;
+    const auto connection = std::make_shared<SqliteConnection>(database);
+    connection->setFailureHandler([&told](const DbFailure &failure) { told << failure.statement; });
+    InvBasic::setConnection(connection);
+    Inventory window({std::make_shared<Consent>(), std::make_shared<harrowby::test::MemorySettings>(),
+                      std::make_shared<harrowby::test::PaperPrinters>(), std::make_shared<FrozenClock>(),
+                      std::make_shared<ObjectRegistry>()});
+    window.load();
+    InvBasic::setConnection(nullptr);
+    return told;
 }
 
 } // namespace harrowby::app::test

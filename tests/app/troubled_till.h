@@ -4,7 +4,7 @@
 #include "busy_wait.h"
 #include "log_file.h"
 #include "platform/isolated_home.h"
-#include "sql.h"
+#include "store_guard.h"
 #include "support/database.h"
 #include "support/doubles.h"
 #include "support/reporting_connection.h"
@@ -35,6 +35,10 @@ public:
     /// Fills the cart and commits it, a second after the one before.
     void sell();
 
+    /// What the program does twice a second: moves the log into the file, among others.
+    void tick() { m_guard->tick(); }
+    [[nodiscard]] bool isLost() const { return m_guard->isLost(); }
+
     /// First column of the first row.
     [[nodiscard]] QString cell(const QString &select) const { return m_look->rows(select).value(0); }
     [[nodiscard]] const harrowby::test::Database &look() const { return *m_look; }
@@ -63,7 +67,7 @@ private:
     LogFile m_log;
     LogRouting m_routing;
     BusyWait m_wait;
-    Database m_database;
+    std::unique_ptr<StoreGuard> m_guard;
     std::unique_ptr<harrowby::test::Database> m_look;
     std::unique_ptr<harrowby::test::Database> m_expected;
     QStringList m_done; ///< since the last comparison
@@ -71,5 +75,8 @@ private:
     std::shared_ptr<harrowby::test::FrozenClock> m_clock = std::make_shared<harrowby::test::FrozenClock>();
     std::unique_ptr<Inventory> m_window;
 };
+
+/// Opens the window on a store, lets it load, and closes it. What it was told to have failed.
+[[nodiscard]] QStringList openAndClose(sqlite3 *database);
 
 } // namespace harrowby::app::test

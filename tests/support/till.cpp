@@ -41,11 +41,22 @@ public:
 
 } // namespace
 
-Till::Till(const QString &path, Pace pace) : m_database(path)
+Till::Till(const QString &path, Pace pace) : m_database(std::make_unique<Database>(path))
 {
-    sqlite3_busy_timeout(m_database.handle(), lockWaitMs);
-    m_database.run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = "_s + (pace == Pace::Shop ? u"FULL"_s : u"OFF"_s));
-    m_connection = std::make_shared<ReportingConnection>(std::make_shared<SqliteConnection>(m_database.handle()));
+    sqlite3_busy_timeout(m_database->handle(), lockWaitMs);
+    m_database->run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = "_s +
+                    (pace == Pace::Shop ? u"FULL"_s : u"OFF"_s));
+    open(m_database->handle(), pace);
+}
+
+Till::Till(sqlite3 *database)
+{
+    open(database, Pace::Shop);
+}
+
+void Till::open(sqlite3 *database, Pace pace)
+{
+    m_connection = std::make_shared<ReportingConnection>(std::make_shared<SqliteConnection>(database));
     std::shared_ptr<Boxes> boxes = std::make_shared<Consent>();
     if (pace == Pace::Shop) {
         const auto real = std::make_shared<QtBoxes>();

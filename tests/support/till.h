@@ -25,6 +25,8 @@ public:
     };
 
     explicit Till(const QString &path, Pace pace = Pace::Shop);
+    /// At a store that is open already, as it is set.
+    explicit Till(sqlite3 *database);
     ~Till();
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
@@ -50,9 +52,10 @@ public:
     [[nodiscard]] const FormState &state() const { return m_window->state(); }
 
 private:
+    void open(sqlite3 *database, Pace pace);
     void click(const QString &name) const;
 
-    Database m_database;
+    std::unique_ptr<Database> m_database;
     std::shared_ptr<ReportingConnection> m_connection;
     std::unique_ptr<BoxQueue> m_answers; ///< of the real boxes, where there are any
     std::shared_ptr<FrozenClock> m_clock = std::make_shared<FrozenClock>();

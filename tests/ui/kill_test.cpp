@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "busy_wait.h"
+#include "store_guard.h"
+#include "store_open.h"
+
 #include "support/counter.h"
 #include "support/database.h"
 #include "support/forked_process.h"
@@ -69,10 +73,15 @@ const QMap<QString, Work> &works()
     return all;
 }
 
-/// Works until it is killed.
+/// Opens the store as the store program does, and works until it is killed.
 int runTill(const QString &path, quint32 seed, const Work &work)
 {
-    Till till(path);
+    app::BusyWait wait;
+    app::Database database;
+    if (app::openStore(path, wait, database))
+        return 2;
+    const app::StoreGuard store(std::move(database), path, wait);
+    Till till(store.database());
     till.reportStatements();
     till.logIn(u"JACK"_s, u"PASS"_s);
     if (!till.state().IsLoggedIn)
@@ -119,8 +128,8 @@ private:
 
     [[nodiscard]] QString path() const { return m_folder->filePath(u"shop.sqlite"_s); }
 
-    std::unique_ptr<QTemporaryDir> m_folder; ///< of a file that nobody has open between two tills
-    std::unique_ptr<Database> m_expected;    ///< what the file must hold
+    std::unique_ptr<QTemporaryDir> m_folder;    ///< of a file that nobody has open between two tills
+    std::unique_ptr<test::Database> m_expected; ///< what the file must hold
     QRandomGenerator m_random;
     int m_underWay = 0;   ///< kills within a statement
     qsizetype m_done = 0; ///< statements that had been done
@@ -151,9 +160,9 @@ void KillTest::makeShop()
     for (int i = 0; i < 9; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"NAME OF A%1"_s.arg(i), 1.25, 100000);
     m_folder = std::make_unique<QTemporaryDir>();
-    m_expected = std::make_unique<Database>(u":memory:"_s);
-    QVERIFY(m_expected->copy(Database(shop.path())));
-    QVERIFY(Database(path()).copy(*m_expected));
+    m_expected = std::make_unique<test::Database>(u":memory:"_s);
+    QVERIFY(m_expected->copy(test::Database(shop.path())));
+    QVERIFY(test::Database(path()).copy(*m_expected));
 }
 
 /// Lets a till do its work once at least, and kills it at a random point of a later time.
@@ -183,7 +192,7 @@ TillReport KillTest::workUntilKilled(const Work &work)
 
 void KillTest::checkFile(const TillReport &report)
 {
-    Database file(path());
+    test::Database file(path());
     // What the next till finds is what the killed one left, log and all.
     sqlite3_db_config(file.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     QCOMPARE(file.integrity(), u"ok"_s);
