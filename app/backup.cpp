@@ -165,7 +165,7 @@ BackupResult giveName(const QString &file, const QString &target, bool replace)
     if (error == 0)
         error = nameCopy(file, target, replace);
     if (error == EEXIST)
-        return failed(u"A file \"%1\" has come to be there meanwhile. It was left as it is."_s.arg(target));
+        return failed(u"A file \"%1\" has appeared there in the meantime. It was left as it was."_s.arg(target));
     if (error != 0)
         return failed(
             u"The backup could not be written to its place (%1)."_s.arg(QString::fromLocal8Bit(std::strerror(error))));

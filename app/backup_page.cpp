@@ -143,7 +143,7 @@ void BackupPage::start()
     if (const QString problem = backupPlaceProblem(m_store, target); !problem.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
     const bool replace = backupWouldReplace(target);
-    if (replace && !askInOffice(this, u"There is a file \"%1\" already. Replace it by the new backup?"_s.arg(target),
+    if (replace && !askInOffice(this, u"There is a file \"%1\" already. Replace it with the new backup?"_s.arg(target),
                                 u"&Replace"_s))
         return;
     m_outcome->clear();

@@ -52,7 +52,7 @@ QString nameProblem(const QString &target)
     if (info.isDir())
         return u"\"%1\" is a folder. Please give the backup a name in it."_s.arg(target);
     if (nameIsTaken(target) && !info.isFile())
-        return u"\"%1\" is no ordinary file."_s.arg(target);
+        return u"\"%1\" is not an ordinary file."_s.arg(target);
     // SQLite would take these for the backup's own, and spoil it.
     for (const QString &file : {logFileOf(target), journalOf(target)}) {
         if (nameIsTaken(file))
@@ -66,7 +66,7 @@ QString folderProblem(const QString &target)
 {
     const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
     if (!folder.isDir())
-        return u"There is no folder \"%1\". If it lies on a stick, put that in first."_s.arg(folder.filePath());
+        return u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath());
     if (judgeNewPlace(realTarget(target), false))
         return u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath());
     return {};
@@ -79,8 +79,8 @@ QString spaceProblem(const QString &store, const QString &target)
     if (free < 0 || free >= needed)
         return {};
     const QLocale locale = QLocale::c();
-    return u"There is not enough space: the backup takes %1, and %2 are free."_s.arg(locale.formattedDataSize(needed),
-                                                                                     locale.formattedDataSize(free));
+    return u"There is not enough space: the backup needs %1, and %2 is free."_s.arg(locale.formattedDataSize(needed),
+                                                                                    locale.formattedDataSize(free));
 }
 
 } // namespace

@@ -126,8 +126,8 @@ void FirstUserDialog::layOut(const QString &storePath)
     rows->addWidget(createText(this, u"A new store is created in\n%1"_s.arg(storePath)));
     rows->addWidget(createText(this, u"Choose the password of its first user, ADMINISTRATOR, who may do everything. "
                                      "Capital and small letters make no difference."_s +
-                                         (asksForReceipt ? u" What stands on the receipts can be changed in the "
-                                                           "store's office later."_s
+                                         (asksForReceipt ? u" What is printed on the receipts can be changed later "
+                                                           "in the store's office."_s
                                                          : QString())));
     rows->addLayout(layOutEntries());
     rows->addWidget(m_problem);

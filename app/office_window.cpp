@@ -81,7 +81,7 @@ void OfficeWindow::reject()
     if (m_backup->isRunning() && !askInOffice(this, u"A backup is being made. Stop it?"_s, u"&Stop It"_s))
         return;
     if (m_receipt->hasChanges() &&
-        !askInOffice(this, u"What you have typed for the receipt is not saved. Leave it?"_s, u"&Leave It"_s))
+        !askInOffice(this, u"What you have typed for the receipt is not saved. Discard it?"_s, u"&Discard It"_s))
         return;
     QDialog::reject();
 }

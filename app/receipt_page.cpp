@@ -78,8 +78,9 @@ QVBoxLayout *ReceiptPage::makeForm()
 
     auto *rows = new QVBoxLayout;
     rows->setSpacing(12);
-    rows->addWidget(makeOfficeText(this, u"Title and address stand at the top of each receipt, in capitals. They count "
-                                         "for whoever uses this computer under the same name."_s));
+    rows->addWidget(makeOfficeText(this,
+                                   u"Title and address are printed at the top of each receipt, in capitals. They count "
+                                   "for whoever uses this computer under the same name."_s));
     rows->addLayout(form);
     rows->addWidget(m_emailReport);
     rows->addWidget(save);

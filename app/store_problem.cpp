@@ -24,7 +24,7 @@ ProblemText placeText(ProblemKind kind)
     case ProblemKind::Folder:
         return {u"\"{file}\" is a folder."_s, u"Name a file in it, for example \"{file}/store.sqlite\"."_s};
     case ProblemKind::NotAFile:
-        return {u"\"{file}\" is no ordinary file."_s,
+        return {u"\"{file}\" is not an ordinary file."_s,
                 u"Name an ordinary file. If it is a link, check that what it leads to still exists."_s};
     case ProblemKind::NoFolder:
         return {u"There is no folder \"{folder}\" to make the store file \"{file}\" in."_s,
@@ -57,8 +57,8 @@ ProblemText placeText(ProblemKind kind)
 }
 
 /// What is left to do when the store is not as the component needs it.
-const QString ownersWork = u"Let the program that it belongs to change that, or check the name: it has been left as it "
-                           "was."_s;
+const QString ownersWork = u"Let the program that it belongs to change that, or check the name; the file has been left "
+                           "as it was."_s;
 
 ProblemText contentText(ProblemKind kind)
 {
@@ -68,18 +68,19 @@ ProblemText contentText(ProblemKind kind)
                 u"To start a new store, delete it or choose a name that does not exist yet; otherwise bring back a "
                 "backup."_s};
     case ProblemKind::NoDatabase:
-        return {u"The file \"{file}\" is no SQLite database."_s, u"Check the name: it has been left as it was."_s};
+        return {u"The file \"{file}\" is not an SQLite database."_s,
+                u"Check the name; the file has been left as it was."_s};
     case ProblemKind::Damaged:
         return {
             u"The store file \"{file}\" is damaged ({detail})."_s,
             u"Do not sell from it. Keep a copy of it and of the files beside it, and bring back the last backup."_s};
     case ProblemKind::MissingTable:
-        return {u"The file \"{file}\" is no store file: it lacks the table {detail}."_s,
-                u"Check the name: it has been left as it was."_s};
+        return {u"The file \"{file}\" is not a store file: it lacks the table {detail}."_s,
+                u"Check the name; the file has been left as it was."_s};
     case ProblemKind::MissingColumn:
         return {u"The file \"{file}\" does not fit: it lacks the column {detail}."_s,
-                u"Bring it up to date with the program that it belongs to, or check the name: it has been left as it "
-                "was."_s};
+                u"Bring it up to date with the program that it belongs to, or check the name; the file has been left "
+                "as it was."_s};
     case ProblemKind::NoRowIdentity:
         return {u"The file \"{file}\" does not fit: the table {detail} is WITHOUT ROWID, or its columns have taken "
                 "rowid, _rowid_ and oid, so that one of its rows cannot be found again to change it."_s,

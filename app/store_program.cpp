@@ -209,7 +209,7 @@ void dressProgram(const CommandLine &line)
     const OfficeSettings settings = {savedSetting, saveSetting};
     const auto asked = lookNamed(line.look);
     if (asked && !saveLook(settings, *asked))
-        printError(u"harrowby: The look could not be saved; it holds for this time.\n"_s);
+        printError(u"harrowby: The look could not be saved; it is used this time only.\n"_s);
     wearLook(asked.value_or(savedLook(settings)));
 }
 

@@ -216,8 +216,8 @@ void UsersPage::switchRight(const QString &column, bool on)
     const StoreUser *user = current();
     if (user == nullptr)
         return;
-    const QString done = on ? u"Saved: %1 has the right now."_s : u"Saved: %1 no longer has the right."_s;
-    finish(m_store.setRight(*user, column, on), done.arg(user->name) + u" It counts from the next login."_s);
+    const QString done = on ? u"Saved: %1 now has the right."_s : u"Saved: %1 no longer has the right."_s;
+    finish(m_store.setRight(*user, column, on), done.arg(user->name) + u" It takes effect at the next login."_s);
 }
 
 void UsersPage::changeType()

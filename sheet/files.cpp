@@ -13,9 +13,9 @@ QString saveFile(const QString &path, const QByteArray &bytes)
 {
     const QFileInfo there(path);
     if (there.isDir())
-        return u"There is a folder of that name."_s;
+        return u"A folder has that name."_s;
     if (there.exists() && !there.isFile()) // a device would be replaced by the file
-        return u"There is something of that name that is no file."_s;
+        return u"Something that is not a file has that name."_s;
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
         return {};

@@ -137,6 +137,7 @@ QHeaderView::section {
     background: @tile@; color: @muted@; border: none; border-bottom: 1px solid @border@;
     padding: 0px 22px 0px 6px; min-height: 42px; font-size: 10pt; font-weight: bold;
 }
+QFileDialog QHeaderView::section { min-height: 22px; padding: 0px 6px; }
 QHeaderView::up-arrow, QHeaderView::down-arrow {
     subcontrol-origin: padding; subcontrol-position: center right; width: 16px; height: 16px; right: 4px;
 }

@@ -118,7 +118,7 @@ void OutputBar::print()
     if (printPages(printer, m_source.table(), m_source.figure ? m_source.figure() : Figure()))
         Q_EMIT done(u"Handed to the printer."_s);
     else
-        tellFailure(this, u"It could not be printed. Please see whether the printer is ready, and try again."_s);
+        tellFailure(this, u"It could not be printed. Please check that the printer is ready, and try again."_s);
 }
 
 void OutputBar::savePdf()

@@ -141,7 +141,7 @@ void ReportDialog::createEmailSwitch()
     m_email->setChecked(m_frame.emailReport());
     m_email->setEnabled(seesAll());
     if (!seesAll())
-        m_email->setToolTip(u"Only a user who may change settings can switch it."_s);
+        m_email->setToolTip(u"Only a user who may change settings can change this."_s);
 }
 
 void ReportDialog::createOutput()
@@ -203,7 +203,7 @@ void ReportDialog::connectAll()
     connect(m_runner, &ReadingRunner::progressed, this, &ReportDialog::showProgress);
     connect(m_runner, &ReadingRunner::done, this, &ReportDialog::showSales);
     connect(m_runner, &ReadingRunner::failed, this, [this] {
-        showMessage(u"The sales could not be read. Please try \"Refresh\"; if it goes on, see the log file."_s);
+        showMessage(u"The sales could not be read. Please try \"Refresh\"; if that does not help, see the log file."_s);
     });
 }
 

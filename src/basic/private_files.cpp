@@ -24,7 +24,7 @@ QString systemReason()
 
 QString isNotOrdinary()
 {
-    return u"it is no ordinary file"_s;
+    return u"it is not an ordinary file"_s;
 }
 
 /// Some devices do something when they are opened; what is not there yet may be made.

@@ -15,7 +15,7 @@ namespace harrowby {
 [[nodiscard]] QString makePrivateFolder(const QString &path);
 
 /// Opens an ordinary file to read (QIODevice::ReadOnly) or to add to (QIODevice::Append); to add to, it is made when it
-/// is missing, for its owner alone. What is no ordinary file, a pipe or a device, is refused and never waited for.
+/// is missing, for its owner alone. What is not an ordinary file, a pipe or a device, is refused and never waited for.
 [[nodiscard]] QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode);
 
 /// Writes the bytes to where the descriptor stands.

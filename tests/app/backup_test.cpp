@@ -213,7 +213,7 @@ void BackupTest::fileIsReplacedOnlyWhenAsked()
     const QByteArray before = bytes(target());
     const BackupResult refused = backUpStore(store(), target(), false, goOn);
     QCOMPARE(refused.outcome, Outcome::Failed);
-    QVERIFY2(refused.problem.contains(u"meanwhile"_s), qPrintable(refused.problem));
+    QVERIFY2(refused.problem.contains(u"in the meantime"_s), qPrintable(refused.problem));
     QCOMPARE(bytes(target()), before);
     QCOMPARE(backUpStore(store(), target(), true, goOn).outcome, Outcome::Done);
     QCOMPARE(column(target(), u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
@@ -337,7 +337,7 @@ void BackupTest::badPlaceIsTold_data()
     QTest::newRow("its journal") << u"away/../shop.sqlite-journal"_s << u"store file itself"_s;
     QTest::newRow("a folder") << u"away"_s << u"is a folder"_s;
     QTest::newRow("in no folder") << u"gone/copy.db"_s << u"There is no folder"_s;
-    QTest::newRow("a device") << u"/dev/null"_s << u"no ordinary file"_s;
+    QTest::newRow("a device") << u"/dev/null"_s << u"not an ordinary file"_s;
     QTest::newRow("a used one") << u"away/used.db"_s << u"another program uses"_s;
 }
 

@@ -199,7 +199,7 @@ void LogFileTest::whatIsNoFileIsNotWaitedFor()
     QString reason;
     log.setHandler([&](const QString &told) { reason = told; });
     QCOMPARE(log.add(QtWarningMsg, u"c"_s, u"a line"_s), isLock);
-    QCOMPARE(reason, isLock ? QString() : u"it is no ordinary file"_s);
+    QCOMPARE(reason, isLock ? QString() : u"it is not an ordinary file"_s);
     QVERIFY(!QFile::exists(m_path + u".1"_s));
 }
 

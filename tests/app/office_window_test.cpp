@@ -245,7 +245,7 @@ void OfficeWindowTest::rightIsSwitchedAndStored()
     QVERIFY(!part<QCheckBox>("InventorySales")->isChecked());
     part<QCheckBox>("InventorySales")->click();
     QCOMPARE(read(u"SELECT InventorySales FROM Users WHERE Username = 'ANNA'"_s), u"-1"_s);
-    QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"ANNA has the right now"_s));
+    QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"ANNA now has the right"_s));
     part<QCheckBox>("InventoryUse")->click();
     QCOMPARE(read(u"SELECT InventoryUse FROM Users WHERE Username = 'ANNA'"_s), u"0"_s);
     QCOMPARE(part<QLabel>("chosenUser")->text(), u"ANNA"_s);

@@ -158,7 +158,7 @@ void ProgramTest::refusedFileIsNamed_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("said");
     QTest::newRow("folder") << u"folder"_s << u"is a folder"_s;
-    QTest::newRow("text") << u"text"_s << u"no SQLite database"_s;
+    QTest::newRow("text") << u"text"_s << u"not an SQLite database"_s;
     QTest::newRow("empty") << u"empty"_s << u"is empty"_s;
     QTest::newRow("lacks a table") << u"lacking"_s << u"the table StoreSettings"_s;
     QTest::newRow("missing folder") << u"missing/store.sqlite"_s << u"no folder"_s;

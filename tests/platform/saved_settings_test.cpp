@@ -173,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(settings.get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
         QCOMPARE(m_failures.size(), 1);
         QVERIFY(m_failures.constFirst().kind == Kind::SettingsRead);
-        QCOMPARE(m_failures.constFirst().reason, u"it is no ordinary file"_s);
+        QCOMPARE(m_failures.constFirst().reason, u"it is not an ordinary file"_s);
         settings.save(u"POS"_s, u"COM"_s, u"till"_s);
         QVERIFY(m_failures.constLast().kind == Kind::SettingsWrite);
         QVERIFY(!QFileInfo(file()).isFile());
