@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/files.h"
 
+#include "basic/private_files.h"
+
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
@@ -17,9 +19,12 @@ QString saveFile(const QString &path, const QByteArray &bytes)
     if (there.exists() && !there.isFile()) // a device would be replaced by the file
         return u"Something that is not a file has that name."_s;
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return {};
-    return file.errorString();
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    // Past Qt's buffer: it forgets that writing what was left in it has failed.
+    if (const QString reason = writeToDisk(file.handle(), bytes); !reason.isEmpty())
+        return reason;
+    return file.commit() ? QString() : file.errorString();
 }
 
 QString fileNameFor(const QString &words)

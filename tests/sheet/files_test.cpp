@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/files.h"
+#include "support/failing_disk.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,8 +10,21 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
+
 using namespace harrowby::sheet;
 using namespace Qt::StringLiterals;
+namespace FailingDisk = harrowby::test::FailingDisk;
+
+namespace {
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+}
+
+} // namespace
 
 class FilesTest : public QObject
 {
@@ -23,9 +37,7 @@ private Q_SLOTS:
         const QString path = folder.filePath(u"list.csv"_s);
         QCOMPARE(saveFile(path, "a long one"), QString());
         QCOMPARE(saveFile(path, "short"), QString());
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("short"));
+        QCOMPARE(contentsOf(path), QByteArray("short"));
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1);
     }
 
@@ -42,6 +54,34 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         QVERIFY(!saveFile(folder.filePath(name), "x").isEmpty());
         QVERIFY(QDir(folder.path()).isEmpty());
+    }
+
+    void whateverFailsIsTold_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::newRow("a short list") << 100;
+        QTest::newRow("a long one") << 1'000'000;
+    }
+
+    /// Every operation of the disk fails in turn: the file is whole, or is what it was and that is told.
+    void whateverFailsIsTold()
+    {
+        QFETCH(const int, size);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"list.csv"_s);
+        const QByteArray bytes(size, 'x');
+        FailingDisk::mount(folder.path());
+        int operation = 1;
+        for (int failures = 1; failures > 0 && operation < 100; ++operation) {
+            QCOMPARE(saveFile(path, "older"), QString());
+            FailingDisk::failAt(operation, FailingDisk::Mode::Once, ENOSPC);
+            const QString problem = saveFile(path, bytes);
+            failures = FailingDisk::failures();
+            const QByteArray fault = FailingDisk::firstFailure().toUtf8();
+            FailingDisk::failAt(0, FailingDisk::Mode::Once, 0);
+            QVERIFY2(contentsOf(path) == (problem.isEmpty() ? bytes : "older"), fault.constData());
+        }
+        QVERIFY(operation > 4 && operation < 100);
     }
 
     void aPipeIsLeftAlone()
