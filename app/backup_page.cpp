@@ -156,7 +156,7 @@ void BackupPage::showProgress(const BackupProgress &progress)
     const bool checking = progress.stage == BackupProgress::Stage::Checking;
     m_progress->setRange(0, checking ? 0 : 100);
     m_progress->setValue(progress.percent);
-    m_outcome->setText(checking ? u"The copy is being checked \u2026"_s : u"The store is being copied \u2026"_s);
+    showOutcome(*m_outcome, checking ? u"The copy is being checked \u2026"_s : u"The store is being copied \u2026"_s);
 }
 
 void BackupPage::finish(const BackupResult &result)

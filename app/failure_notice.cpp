@@ -5,8 +5,8 @@
 #include "dialog_style.h"
 #include "failure_text.h"
 #include "notice_place.h"
+#include "spoken/spoken.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -150,8 +150,8 @@ void FailureNotice::present(const Notice &notice)
     keepClear();
     show();
     m_place.start();
-    QAccessibleEvent alert(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
+    for (QLabel *line : {m_heading, m_work, m_advice})
+        reportOutcome(line, line->text());
 }
 
 void FailureNotice::note(const Notice &notice)

@@ -4,8 +4,8 @@
 #include "dialog_style.h"
 #include "password_rules.h"
 #include "sheet/look.h"
+#include "spoken/spoken.h"
 
-#include <QAccessible>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -150,9 +150,7 @@ FirstUserDialog::Problem FirstUserDialog::problem() const
 
 void FirstUserDialog::showProblem(const Problem &problem)
 {
-    m_problem->setText(u"\u26a0 "_s + problem.text);
-    QAccessibleEvent alert(m_problem, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
+    reportOutcome(m_problem, u"\u26a0 "_s + problem.text);
     problem.entry->setFocus();
     problem.entry->selectAll();
 }

@@ -2,8 +2,8 @@
 #include "office_box.h"
 
 #include "dialog_style.h"
+#include "spoken/spoken.h"
 
-#include <QAccessible>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -41,11 +41,7 @@ QLabel *makeOfficeText(QWidget *parent, const QString &text)
 
 void showOutcome(QLabel &label, const QString &text)
 {
-    label.setText(text);
-    if (text.isEmpty())
-        return;
-    QAccessibleEvent alert(&label, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
+    reportOutcome(&label, text);
 }
 
 } // namespace harrowby::app

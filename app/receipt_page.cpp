@@ -112,7 +112,7 @@ void ReceiptPage::showEntered()
     const ReceiptHead head = entered();
     m_picture->setPixmap(receiptPreview(head, pictureWidth, devicePixelRatioF()));
     const QString problem = receiptHeadProblem(head);
-    m_outcome->setText(problem.isEmpty() ? QString() : u"\u26a0 "_s + problem);
+    showOutcome(*m_outcome, problem.isEmpty() ? QString() : u"\u26a0 "_s + problem);
 }
 
 void ReceiptPage::save()

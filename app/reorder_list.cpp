@@ -4,6 +4,7 @@
 #include "sheet/look.h"
 #include "sheet/output_bar.h"
 #include "sheet/table_view.h"
+#include "spoken/spoken.h"
 
 #include <QComboBox>
 #include <QDate>
@@ -57,7 +58,8 @@ ReorderListDialog::ReorderListDialog(std::shared_ptr<DbConnection> connection, Q
     m_timer.setInterval(0);
     connect(&m_timer, &QTimer::timeout, this, &ReorderListDialog::goOn);
     connect(m_refresh, &QPushButton::clicked, this, &ReorderListDialog::read);
-    connect(m_output, &sheet::OutputBar::done, m_status, &QLabel::setText);
+    connect(m_output, &sheet::OutputBar::done, m_status,
+            [this](const QString &text) { reportOutcome(m_status, text); });
     read();
 }
 
@@ -139,7 +141,7 @@ void ReorderListDialog::showList()
     const auto count = table.rows.size();
     table.notes = {sheet::dayText(QDate::currentDate())};
     m_table->show(std::move(table), missingColumn, Qt::DescendingOrder);
-    m_count->setText(count == 1 ? u"1 item to reorder"_s : u"%1 items to reorder"_s.arg(count));
+    reportOutcome(m_count, count == 1 ? u"1 item to reorder"_s : u"%1 items to reorder"_s.arg(count));
     m_pages->setCurrentIndex(0);
     m_output->setReady(true);
 }
@@ -147,8 +149,7 @@ void ReorderListDialog::showList()
 void ReorderListDialog::showMessage(const QString &text)
 {
     m_count->clear();
-    m_message->setText(text);
-    m_message->setAccessibleName(text);
+    reportOutcome(m_message, text);
     m_pages->setCurrentIndex(1);
 }
 

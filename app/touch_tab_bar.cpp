@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "touch_tab_bar.h"
 
+#include "spoken/true_focus.h"
+
 namespace harrowby::app {
+
+bool TouchTabBar::event(QEvent *event)
+{
+    const TrueFocus onlyTrue;
+    return QTabBar::event(event);
+}
 
 QSize TouchTabBar::tabSizeHint(int index) const
 {

@@ -14,6 +14,7 @@ public:
     using QTabBar::QTabBar;
 
 protected:
+    bool event(QEvent *event) override;
     [[nodiscard]] QSize tabSizeHint(int index) const override;
 };
 

@@ -2,6 +2,7 @@
 #include "sheet/look.h"
 
 #include "sheet/drop_down.h"
+#include "spoken/spoken.h"
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
@@ -236,6 +237,7 @@ void dress(QWidget &window)
 {
     registerResources();
     new LookKeeper(window);
+    speakTruly(&window);
     dressDropDowns(window);
     for (const auto *box : window.findChildren<QDialogButtonBox *>()) {
         for (QAbstractButton *button : box->buttons())

@@ -8,8 +8,8 @@
 #include "sheet/look.h"
 #include "sheet/output_bar.h"
 #include "sheet/table_view.h"
+#include "spoken/spoken.h"
 
-#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -265,18 +265,15 @@ void ReportDialog::showMessage(const QString &text)
 {
     m_table->clear();
     m_chart->show({});
-    m_message->setText(text);
-    m_message->setAccessibleName(text);
+    reportOutcome(m_message, text);
     m_pages->setCurrentIndex(1);
     showTotals({});
-    QAccessibleEvent alert(m_message, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
     Q_EMIT shown();
 }
 
 void ReportDialog::showTotals(const QString &text)
 {
-    m_totals->setText(text);
+    reportOutcome(m_totals, text);
     m_line->setCurrentIndex(0);
     say(seesAll() ? QString() : u"Only your own sales are shown (%1)."_s.arg(m_frame.user));
 }
@@ -294,8 +291,7 @@ void ReportDialog::switchEmail(bool on)
 
 void ReportDialog::say(const QString &text)
 {
-    m_status->setText(text);
-    m_status->setAccessibleName(text);
+    reportOutcome(m_status, text);
 }
 
 /// A wide screen has the plot beside the table.

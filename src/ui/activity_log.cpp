@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "basic/dates.h"
+#include "spoken/spoken.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
@@ -17,7 +18,7 @@ void Inventory::LogActivity(const QString &message, int buttons, bool plainBox, 
     // With "Show Details On Purchase" off, nothing that is reported here shows a box.
     if (m_state.ShowDetailsFlag != 0 && !quiet)
         ask(message, plainBox ? box::OkOnly : buttons);
-    m_controls.StatusBar1_2->setText(message);
+    reportOutcome(m_controls.StatusBar1_2, message);
     const QString time = activityLogTime(m_platform.clock->now());
     // Inserted in front rather than set as a whole, so that a long day's log costs nothing.
     QTextCursor(m_controls.Text1->document()).insertText(u"["_s + time + u"] -- "_s + message + u"\n\n"_s);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/controls.h"
 
+#include "spoken/spoken.h"
 #include "ui/style/till_style.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
@@ -38,6 +39,7 @@ Panel *makePanel(QWidget &stage, const QString &name)
 
 Controls::Controls(QMainWindow &form)
 {
+    speakTruly(&form);
     createWindowFrame(form);
     auto *stage = new QWidget;
     form.centralWidget()->layout()->addWidget(stage);
@@ -46,6 +48,7 @@ Controls::Controls(QMainWindow &form)
     createLogin(form);
     layOut(*stage);
     setTabOrder();
+    nameParts();
     for (PickList *list : {Combo1, Combo2, Combo3, Combo5, Combo9, Combo11, Combo12, Combo15})
         list->setDropsOnPress(true);
     dress(form);

@@ -171,6 +171,7 @@ private:
     void createLogin(QMainWindow &form);
     void layOut(QWidget &stage);
     void setTabOrder();
+    void nameParts();
     void dress(QMainWindow &form);
 };
 

@@ -10,6 +10,7 @@
 #include <QGridLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +65,7 @@ PickList *makePickList(QWidget *parent, const QString &name, const QString &purp
     auto *list = new PickList(parent);
     list->setObjectName(name);
     list->setAccessibleName(purpose);
+    list->lineEdit()->setAccessibleName(purpose);
     list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return list;
 }

@@ -17,8 +17,9 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        const QString given = QAccessibleWidget::text(kind);
-        return kind == QAccessible::Name && given.isEmpty() ? label()->text() : given;
+        // The figure, even where a caption is its label.
+        const bool unnamed = kind == QAccessible::Name && label()->accessibleName().isEmpty();
+        return unnamed ? label()->text() : QAccessibleWidget::text(kind);
     }
     QStringList actionNames() const override { return QAccessibleWidget::actionNames() << pressAction(); }
     void doAction(const QString &action) override

@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "spoken/spoken.h"
+
 #include <QListWidget>
 
 namespace harrowby {
 
 /// A list of names: plain text, elided where it is too long, with the whole in the tool tip.
-class NameList : public QListWidget
+class NameList : public QListWidget, public SpokenParts
 {
     Q_OBJECT
 
 public:
     explicit NameList(QWidget *parent = nullptr);
+
+    void pressPart(int row) override { setCurrentRow(row); }
 
 protected:
     bool viewportEvent(QEvent *event) override;

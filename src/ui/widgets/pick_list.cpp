@@ -113,6 +113,19 @@ void PickList::removeEntry(int index)
         setEntryText({});
 }
 
+/// As if the entry had been clicked in the list that dropped down.
+void PickList::pressPart(int index)
+{
+    if (!isEnabled() || index < 0 || index >= count())
+        return;
+    beginPick();
+    hidePopup();
+    const QPointer<PickList> alive(this);
+    setCurrentIndex(index);
+    if (alive)
+        Q_EMIT activated(index);
+}
+
 /// The same for any entries. The base class would make the list that drops down to find out that it need not ask it.
 QSize PickList::sizeHint() const
 {

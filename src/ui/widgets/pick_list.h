@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "spoken/spoken.h"
+
 #include <QComboBox>
 
 namespace harrowby {
@@ -11,7 +13,7 @@ class PackedTexts;
 /// A list to pick from that also takes typed text. No completer, no entry that selects itself, nothing inserted on
 /// Enter; entries show as plain text, long ones elided with the whole in their tool tip; opening one with 100,000
 /// entries takes no longer than with ten.
-class PickList : public QComboBox
+class PickList : public QComboBox, public SpokenParts
 {
     Q_OBJECT
 
@@ -36,6 +38,8 @@ public:
 
     /// A click on the text drops the list down too: for lists that are picked from far more often than typed into.
     void setDropsOnPress(bool drops);
+
+    void pressPart(int index) override;
 
     void showPopup() override;
     [[nodiscard]] QSize sizeHint() const override;

@@ -3,6 +3,7 @@
 
 #include "ui/style/colours.h"
 #include "ui/widgets/plain_tool_tip.h"
+#include "ui/widgets/quick_sale_reader.h"
 
 #include <QFontInfo>
 #include <QHelpEvent>
@@ -47,12 +48,13 @@ QuickSaleButton::QuickSaleButton(QWidget *parent) : QAbstractButton(parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
+    installQuickSaleReader();
     setText(kBlank);
 }
 
 void QuickSaleButton::setText(const QString &caption)
 {
-    if (caption == text() && !accessibleName().isEmpty())
+    if (caption == text())
         return;
     QAbstractButton::setText(caption);
     setShortcut({});
@@ -216,18 +218,19 @@ void QuickSaleButton::paintName(QPainter &painter, const QRect &area, const Face
     }
 }
 
-/// What a screen reader says: name and price; the ID and the state come with the description.
-void QuickSaleButton::describe()
+QString QuickSaleButton::spokenName() const
 {
     const Face face = this->face();
-    if (isBlank()) {
-        setAccessibleName(kBlank);
-        setAccessibleDescription({});
-        return;
-    }
-    setAccessibleName(face.price.isEmpty() ? face.id : face.name + u", "_s + face.price);
-    setAccessibleDescription(m_outOfStock ? tr("Stock ID %1, out of stock").arg(face.id)
-                                          : tr("Stock ID %1").arg(face.id));
+    return isBlank() || face.price.isEmpty() ? face.id : face.name + u", "_s + face.price;
+}
+
+/// The name follows the caption by itself: a name that was set as well would be told twice.
+void QuickSaleButton::describe()
+{
+    const QString id = face().id;
+    setAccessibleDescription(isBlank()      ? QString()
+                             : m_outOfStock ? tr("Stock ID %1, out of stock").arg(id)
+                                            : tr("Stock ID %1").arg(id));
 }
 
 } // namespace harrowby

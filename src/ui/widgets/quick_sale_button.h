@@ -22,6 +22,8 @@ public:
     void setText(const QString &caption);
     [[nodiscard]] bool isOutOfStock() const { return m_outOfStock; }
     void setOutOfStock(bool outOfStock);
+    /// What a screen reader calls it: name and price. The ID and the state come with the description.
+    [[nodiscard]] QString spokenName() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;

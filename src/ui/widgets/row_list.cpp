@@ -74,6 +74,14 @@ void RowList::selectInPlace(int row)
     setAutoScroll(scrolls);
 }
 
+void RowList::pressPart(int row)
+{
+    if (!isEnabled() || row < 0 || row >= m_rows->rowCount())
+        return;
+    selectRow(row);
+    Q_EMIT rowChosen(row);
+}
+
 void RowList::setColumnShares(std::vector<int> shares)
 {
     m_shares = std::move(shares);

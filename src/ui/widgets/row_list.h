@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "spoken/spoken.h"
+
 #include <QTreeView>
 
 #include <set>
@@ -13,7 +15,7 @@ class TextTableModel;
 /// Report-style list: whole rows, one selected at a time, columns under headers, texts elided with the whole in
 /// their tool tip (always plain text). The columns share the width that there is, so that nothing scrolls sideways.
 /// Enter on a row does what a double click does.
-class RowList : public QTreeView
+class RowList : public QTreeView, public SpokenParts
 {
     Q_OBJECT
 
@@ -27,6 +29,8 @@ public:
     void selectRow(int row);
     /// The same without scrolling: a list that fills stays where its reader is.
     void selectInPlace(int row);
+
+    void pressPart(int row) override;
 
     /// How the width is shared out: every column gets what its header and its sample text need, and its share of
     /// the rest. Columns without a share count as 1.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/tab_strip.h"
 
+#include "spoken/true_focus.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
@@ -41,6 +43,9 @@ int TabStrip::tabOfKey(int key) const
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return currentIndex();
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        return neighbour((key == Qt::Key_Right) == isLeftToRight());
     case Qt::Key_Home:
         return 0;
     case Qt::Key_End:
@@ -48,6 +53,16 @@ int TabStrip::tabOfKey(int key) const
     default:
         return key > Qt::Key_0 && key <= Qt::Key_0 + count() ? key - Qt::Key_1 : -1;
     }
+}
+
+/// The next tab that can be chosen, in one direction; -1 when there is none.
+int TabStrip::neighbour(bool next) const
+{
+    const int step = next ? 1 : -1;
+    int index = currentIndex() + step;
+    while (index >= 0 && index < count() && !(isTabEnabled(index) && isTabVisible(index)))
+        index += step;
+    return index >= 0 && index < count() ? index : -1;
 }
 
 void TabStrip::mousePressEvent(QMouseEvent *event)
@@ -78,6 +93,7 @@ void TabStrip::choose(int index)
 
 void TabStrip::showTab(int index)
 {
+    const TrueFocus onlyTrue;
     m_accepted = index;
     setCurrentIndex(index);
 }

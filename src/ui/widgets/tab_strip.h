@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "spoken/spoken.h"
+
 #include <QTabBar>
 
 #include <functional>
@@ -9,7 +11,7 @@ namespace harrowby {
 
 /// Row of tabs numbered from 1. Captions are plain text. Besides the arrow keys, a tab's number, Home and End choose a
 /// tab: the way there by the arrows may lead over one that is refused.
-class TabStrip : public QTabBar
+class TabStrip : public QTabBar, public SpokenParts
 {
     Q_OBJECT
 
@@ -23,6 +25,7 @@ public:
     [[nodiscard]] int selectedTab() const { return currentIndex() + 1; }
     /// Selects a tab from code; tabClicked() follows also when it was selected already.
     void selectTab(int number);
+    void pressPart(int index) override { choose(index); }
 
 Q_SIGNALS:
     /// A tab was chosen, by the user or by selectTab(); the same tab again counts too.
@@ -35,6 +38,7 @@ protected:
 
 private:
     [[nodiscard]] int tabOfKey(int key) const;
+    [[nodiscard]] int neighbour(bool next) const;
     void choose(int index);
     void showTab(int index);
     void currentTabChanged(int index);

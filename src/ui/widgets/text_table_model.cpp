@@ -146,7 +146,16 @@ void TextTableModel::setRow(int row, PackedRow texts)
     const PackedRow replaced = std::exchange(m_rows[size_t(row)].texts, std::move(texts));
     if (replaced.view(0) != m_rows[size_t(row)].texts.view(0))
         m_index.clear();
-    changed(row, 0, columnCount() - 1, {Qt::DisplayRole, Qt::ToolTipRole});
+    // From the first text that is another to the last: a screen reader says each that is told of.
+    const PackedRow &now = m_rows[size_t(row)].texts;
+    int first = 0;
+    int last = columnCount() - 1;
+    while (first <= last && replaced.view(first) == now.view(first))
+        ++first;
+    while (last > first && replaced.view(last) == now.view(last))
+        --last;
+    if (first <= last)
+        changed(row, first, last, {Qt::DisplayRole, Qt::ToolTipRole});
 }
 
 int TextTableModel::findRow(QStringView text) const

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#include "at_spi.h"
+#include "screen.h"
+#include "store_files.h"
+
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app::test;
+
+namespace {
+
+constexpr int patience = 30000;
+
+using Told = ScreenReader::Told;
+
+QStringList tabsThat(int state, const QList<Part> &parts)
+{
+    QStringList names;
+    for (const Part &part : parts) {
+        if (part.role == u"page tab"_s && part.is(state))
+            names << part.name;
+    }
+    return names;
+}
+
+/// What says that it has the keyboard focus; what stands within such a part is left out, as its text or its row.
+QStringList focused(const QList<Part> &parts)
+{
+    QStringList names;
+    for (const Part &part : parts) {
+        const bool within = part.parent >= 0 && parts.at(part.parent).is(Focused);
+        if (part.is(Focused) && !within)
+            names << part.role + u' ' + part.name;
+    }
+    return names;
+}
+
+} // namespace
+
+/// The real program on a real screen, as a person sells with it who sees none of it: read through AT-SPI, used by the
+/// actions that it offers there.
+class ScreenReaderRunTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void whatIsSelectedAndFocused();
+    void whatThingsAreCalled();
+    void pageTurnIsToldOnce();
+    void wholeSaleByActions();
+    void officeIsNamed();
+
+private:
+    [[nodiscard]] QString store() const { return m_home.filePath(u"shop.sqlite"_s); }
+    void logIn();
+    [[nodiscard]] bool sell(const QString &quantity);
+
+    QTemporaryDir m_home;
+    Screen m_screen;
+    ScreenReader m_reader;
+    std::unique_ptr<RunningProgram> m_till;
+};
+
+void ScreenReaderRunTest::initTestCase()
+{
+    for (const QString &tool : {u"Xvfb"_s, u"openbox"_s, u"dbus-daemon"_s})
+        QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
+    QVERIFY(m_screen.start(u"1280x1024"_s));
+    QVERIFY2(m_reader.start(m_screen.display()), "at-spi2-core is needed");
+    makeStore(store());
+    runAll(store(),
+           {u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, StockAvailable, "
+            "StockUse) WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 27) SELECT 'ZIP-00' "
+            "|| i, 'ZIP ' || i, 'SEWING', '1.50', 5, 20, 'Enabled' FROM n"_s});
+    m_till = std::make_unique<RunningProgram>(m_screen, m_home.path());
+    QVERIFY(m_till->start({u"--database"_s, store()}));
+    logIn();
+}
+
+void ScreenReaderRunTest::logIn()
+{
+    QVERIFY2(m_reader.enter(u"text"_s, u"User name"_s, u"ADMINISTRATOR"_s), qPrintable(m_till->errors()));
+    QVERIFY(m_reader.enter(u"text"_s, u"Password"_s, u"SECRET"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Login!"_s));
+    QVERIFY2(m_reader.find(u"label"_s, u"User: ADMINISTRATOR"_s), qPrintable(m_till->errors()));
+}
+
+void ScreenReaderRunTest::whatIsSelectedAndFocused()
+{
+    QVERIFY(m_reader.find(u"page tab list"_s, u"Work areas"_s));
+    QVERIFY(m_reader.find(u"page tab list"_s, u"Side panels"_s));
+    const QList<Part> atFirst = m_reader.everything();
+    QCOMPARE(tabsThat(Selected, atFirst), (QStringList{u"Quick Sales"_s, u"Cart(0)"_s}));
+    QCOMPARE(tabsThat(Focused, atFirst), QStringList());
+    QCOMPARE(focused(atFirst).size(), 1);
+
+    const auto strip = m_reader.find(u"page tab list"_s, u"Work areas"_s);
+    QVERIFY(m_reader.focus(*strip));
+    const auto focusedTabs = [this] { return tabsThat(Focused, m_reader.everything()); };
+    QTRY_COMPARE_WITH_TIMEOUT(focusedTabs(), QStringList{u"Quick Sales"_s}, patience);
+    QCOMPARE(focused(m_reader.everything()), QStringList{u"page tab list Work areas"_s});
+
+    // A press on a tab that has no focus tells of none.
+    QVERIFY(m_reader.press(u"page tab"_s, u"Sales Activity"_s));
+    QVERIFY(m_reader.find(u"text"_s, u"Activity log"_s));
+    QCOMPARE(tabsThat(Selected, m_reader.everything()), (QStringList{u"Quick Sales"_s, u"Sales Activity"_s}));
+    QCOMPARE(focused(m_reader.everything()), QStringList{u"page tab list Work areas"_s});
+    QVERIFY(m_reader.press(u"page tab"_s, u"Cart(0)"_s));
+    QVERIFY(m_reader.find(u"table"_s, u"Cart"_s));
+    for (const Told &told : m_reader.heard()) {
+        const QString name = m_reader.nameOf(told.whom);
+        QVERIFY2(told.what != u"focused"_s || (name != u"Sales Activity"_s && name != u"Cart(0)"_s), qPrintable(name));
+    }
+}
+
+void ScreenReaderRunTest::whatThingsAreCalled()
+{
+    for (const Part &part : m_reader.everything()) {
+        const QString what = part.role + u' ' + part.name + u' ' + part.labelledBy;
+        if (part.role == u"combo box"_s || part.role == u"text"_s)
+            QVERIFY2(!part.name.isEmpty(), qPrintable(what));
+        if (part.role == u"push button"_s || part.role == u"table"_s || part.role == u"page tab list"_s)
+            QVERIFY2(!part.name.isEmpty(), qPrintable(what));
+    }
+    QMap<QString, QString> figures;
+    for (const Part &part : m_reader.everything()) {
+        if (!part.labelledBy.isEmpty())
+            figures.insert(part.labelledBy, part.name.trimmed());
+    }
+    QCOMPARE(figures.value(u"Today's Sales"_s), u"0"_s);
+    QCOMPARE(figures.value(u"Today's Sales Total"_s), u"0.00"_s);
+    QCOMPARE(figures.value(u"Total Available Item(s):"_s), u"380"_s);
+    QCOMPARE(figures.value(u"Low Reorder Level:"_s), u"0"_s);
+
+    QVERIFY(m_reader.press(u"page tab"_s, u"Custom Sales"_s));
+    const auto quantity = m_reader.find(u"combo box"_s, u"Quantity"_s);
+    QVERIFY(quantity);
+    QCOMPARE(quantity->labelledBy, u"Quantity"_s);
+    const auto entry = m_reader.find(u"text"_s, u"Quantity"_s);
+    QVERIFY(entry && entry->is(Editable));
+    QCOMPARE(m_reader.text(*entry), u"0"_s);
+    QVERIFY(m_reader.press(u"page tab"_s, u"Quick Sales"_s));
+}
+
+void ScreenReaderRunTest::pageTurnIsToldOnce()
+{
+    QVERIFY(m_reader.find(u"push button"_s, u"TEA, 2.50"_s));
+    QMap<QString, int> cards;
+    for (const Part &part : m_reader.everything()) {
+        if (part.description.startsWith(u"Stock ID"_s))
+            cards.insert(part.address.path.path(), 0);
+    }
+    QCOMPARE(cards.size(), 9);
+    static_cast<void>(m_reader.heard());
+    QVERIFY(m_reader.press(u"push button"_s, u"Next items"_s));
+    QVERIFY(m_reader.find(u"push button"_s, u"ZIP 18, 1.50"_s));
+    for (const Told &told : m_reader.heard()) {
+        if (told.what == u"accessible-name"_s && cards.contains(told.whom.path.path()))
+            ++cards[told.whom.path.path()];
+    }
+    for (const int count : std::as_const(cards))
+        QCOMPARE(count, 1);
+    QVERIFY(m_reader.press(u"push button"_s, u"Previous items"_s));
+    QVERIFY(m_reader.find(u"push button"_s, u"TEA, 2.50"_s));
+}
+
+bool ScreenReaderRunTest::sell(const QString &quantity)
+{
+    return m_reader.press(u"push button"_s, u"TEA, 2.50"_s) && m_reader.find(u"cell"_s, quantity);
+}
+
+void ScreenReaderRunTest::wholeSaleByActions()
+{
+    QVERIFY(sell(u"1"_s));
+    static_cast<void>(m_reader.heard());
+    QVERIFY(sell(u"2"_s));
+    // The change is told, by the cell that changed and by what reports outcomes.
+    QStringList told;
+    for (const Told &change : m_reader.heard()) {
+        if (change.what == u"accessible-name"_s || (change.what == u"showing"_s && change.detail == 1))
+            told << m_reader.nameOf(change.whom);
+    }
+    QCOMPARE(told.count(u"2"_s), 1);
+    QCOMPARE(told.count(u"5.00"_s), 1);
+    QVERIFY(told.contains(u"Total: 5.00"_s));
+    QVERIFY(told.contains(u"TEA-0001  |  TEA Added to Cart!"_s));
+    QVERIFY(m_reader.sees(u"notification"_s, u"TEA-0001  |  TEA Added to Cart!"_s));
+    QVERIFY(m_reader.sees(u"cell"_s, u"TEA-0001  |  TEA"_s));
+
+    QVERIFY(m_reader.press(u"push button"_s, u"Purchase Cart"_s));
+    QVERIFY(m_reader.find(u"alert message"_s, u"Question"_s));
+    QCOMPARE(focused(m_reader.everything()), QStringList{u"push button Yes"_s});
+    QVERIFY(m_reader.press(u"push button"_s, u"Yes"_s));
+    QVERIFY(m_reader.find(u"alert message"_s, u"Information"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"OK"_s));
+    QVERIFY(m_reader.find(u"page tab"_s, u"Cart(0)"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(column(store(), u"SELECT StockAvailable FROM StockList WHERE StockID = 'TEA-0001'"_s),
+                              QStringList{u"18"_s}, patience);
+    QCOMPARE(column(store(), u"SELECT PurchasedItems || '/' || Users FROM PurchaseCart"_s),
+             QStringList{u"2 x TEA-0001  |  TEA = 5.00/ADMINISTRATOR"_s});
+    QVERIFY(m_reader.find(u"link"_s, u"  0"_s));
+
+    QVERIFY(m_reader.press(u"push button"_s, u"Close Inventory"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Yes"_s));
+    QCOMPARE(m_till->waitForEnd(), 0);
+    m_till.reset();
+}
+
+void ScreenReaderRunTest::officeIsNamed()
+{
+    RunningProgram office(m_screen, m_home.path());
+    QVERIFY(office.start({u"--office"_s, u"--database"_s, store()}));
+    QVERIFY2(m_reader.enter(u"text"_s, u"Password of ADMINISTRATOR"_s, u"SECRET"_s), qPrintable(office.errors()));
+    QVERIFY(m_reader.press(u"push button"_s, u"Open"_s));
+    QVERIFY(m_reader.find(u"list"_s, u"Users"_s));
+    QVERIFY(m_reader.find(u"combo box"_s, u"Type: ADMINISTRATOR"_s));
+    for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Users"_s}) {
+        QVERIFY(m_reader.press(u"page tab"_s, page));
+        QTRY_COMPARE_WITH_TIMEOUT(tabsThat(Selected, m_reader.everything()), QStringList{page}, patience);
+        QCOMPARE(focused(m_reader.everything()).size(), 1);
+        for (const Part &part : m_reader.everything()) {
+            if (part.is(Editable) || part.role == u"push button"_s || part.role == u"list"_s)
+                QVERIFY2(!part.name.isEmpty(), qPrintable(part.role));
+        }
+    }
+    QVERIFY(m_reader.press(u"push button"_s, u"Close"_s));
+    QCOMPARE(office.waitForEnd(), 0);
+}
+
+QTEST_GUILESS_MAIN(ScreenReaderRunTest)
+#include "screen_reader_run_test.moc"
