@@ -265,11 +265,13 @@ void RandomUser::typeSomewhere(QRandomGenerator &random)
 
 void RandomUser::pressKey(QRandomGenerator &random)
 {
-    constexpr std::array keys{Qt::Key_Return, Qt::Key_Space, Qt::Key_Tab,  Qt::Key_Backtab, Qt::Key_Escape,
-                              Qt::Key_Up,     Qt::Key_Down,  Qt::Key_Left, Qt::Key_Right,   Qt::Key_Delete,
-                              Qt::Key_Home,   Qt::Key_End,   Qt::Key_F4,   Qt::Key_PageDown};
+    constexpr std::array keys{Qt::Key_Return, Qt::Key_Space,    Qt::Key_Tab,    Qt::Key_Backtab,
+                              Qt::Key_Escape, Qt::Key_Up,       Qt::Key_Down,   Qt::Key_Left,
+                              Qt::Key_Right,  Qt::Key_Delete,   Qt::Key_Home,   Qt::Key_End,
+                              Qt::Key_F4,     Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_F12};
     auto *focus = m_counter.window().focusWidget();
-    QTest::keyClick(focus != nullptr ? focus : &m_counter.window(), oneOf(keys, random));
+    const auto modifier = chance(random, 10) ? Qt::ControlModifier : Qt::NoModifier;
+    QTest::keyClick(focus != nullptr ? focus : &m_counter.window(), oneOf(keys, random), modifier);
 }
 
 void RandomUser::pickEntry(QRandomGenerator &random)
@@ -309,7 +311,8 @@ void RandomUser::openRow(QRandomGenerator &random)
     if (chance(random, 50))
         return QTest::keyClick(list, Qt::Key_Return);
     const QPoint place = list->visualRect(list->rows().index(row, 0)).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+    const Qt::KeyboardModifiers modifier = chance(random, 20) ? Qt::ControlModifier : Qt::NoModifier;
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, modifier, place);
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, place);
 }
 
