@@ -1,20 +1,51 @@
 // SPDX-License-Identifier: MIT
+#include "backup_page.h"
+#include "dialog_style.h"
 #include "first_user_dialog.h"
 #include "look_choice.h"
+#include "office_password_dialog.h"
+#include "receipt_page.h"
 #include "sheet/look.h"
+#include "user_dialog.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <cstdlib>
+#include <functional>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
+
+using Form = std::function<std::unique_ptr<QDialog>()>;
+Q_DECLARE_METATYPE(Form)
+
+namespace {
+
+/// A page of the office in a window of its own.
+template <class Page, class... Arguments>
+Form pageOf(const Arguments &...arguments)
+{
+    return [=] {
+        auto window = std::make_unique<QDialog>();
+        const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; },
+                                         [](const QString &, const QString &, const QString &) { return true; }};
+        auto *rows = new QVBoxLayout(window.get());
+        rows->addWidget(new Page(arguments..., settings, window.get()));
+        harrowby::sheet::dress(*window);
+        return window;
+    };
+}
+
+} // namespace
 
 class FirstUserTest : public QObject
 {
@@ -40,6 +71,10 @@ private Q_SLOTS:
     void refusesWhatNoReceiptTakes();
     void captionsStandInTheMiddle();
     void wearsTheTillsLook();
+    void formsWearTheTillsLook_data();
+    void formsWearTheTillsLook();
+    void boxesWearTheTillsLook_data();
+    void boxesWearTheTillsLook();
     void chosenLookIsWorn_data();
     void chosenLookIsWorn();
 
@@ -200,6 +235,81 @@ void FirstUserTest::wearsTheTillsLook()
         }
     }
     QCOMPARE(main, 1);
+}
+
+void FirstUserTest::formsWearTheTillsLook_data()
+{
+    QTest::addColumn<Form>("make");
+    QTest::addColumn<int>("captions");
+    QTest::newRow("password of the office")
+        << Form([] { return std::make_unique<OfficePasswordDialog>([](const QString &) { return QString(); }); }) << 2;
+    QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Store()); }) << 4;
+    QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Store()); })
+                                  << 3;
+    QTest::newRow("receipt") << pageOf<ReceiptPage>() << 3;
+    QTest::newRow("backup") << pageOf<BackupPage>(u"/s"_s) << 1;
+}
+
+void FirstUserTest::formsWearTheTillsLook()
+{
+    QFETCH(const Form, make);
+    const std::unique_ptr<QDialog> form = make();
+    form->show();
+    int main = 0;
+    for (const auto *button : form->findChildren<QPushButton *>()) {
+        QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
+        main += button->property("look") == u"primary"_s ? 1 : 0;
+    }
+    QCOMPARE(main, 1);
+    int captions = 0;
+    for (const auto *label : form->findChildren<QLabel *>()) {
+        if (label->buddy() == nullptr)
+            continue;
+        ++captions;
+        QVERIFY(label->alignment().testFlag(Qt::AlignVCenter));
+        const int off = label->geometry().center().y() - label->buddy()->geometry().center().y();
+        QVERIFY2(std::abs(off) <= 1, qPrintable(label->text() + QString::number(off)));
+    }
+    QTEST(captions, "captions");
+}
+
+void FirstUserTest::boxesWearTheTillsLook_data()
+{
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<QColor>("colour");
+    for (const bool dark : {false, true}) {
+        const QColor accent(dark ? 0x40c9ac : 0x006256);
+        const QByteArray shade = dark ? "dark " : "light ";
+        QTest::newRow(shade + "question") << QMessageBox::Question << dark << accent;
+        QTest::newRow(shade + "information") << QMessageBox::Information << dark << accent;
+        QTest::newRow(shade + "warning") << QMessageBox::Warning << dark << QColor(dark ? 0xffc14d : 0xb86e00);
+        QTest::newRow(shade + "error") << QMessageBox::Critical << dark << QColor(dark ? 0xff8076 : 0xba0e0e);
+    }
+}
+
+void FirstUserTest::boxesWearTheTillsLook()
+{
+    QFETCH(const QMessageBox::Icon, icon);
+    QFETCH(const bool, dark);
+    QFETCH(const QColor, colour);
+    const QPalette before = QApplication::palette();
+    wearLook(dark ? LookChoice::Dark : LookChoice::Light);
+    QMessageBox box(icon, u"Store"_s, u"Stop it?"_s, QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::No);
+    dressBox(box);
+    box.show();
+    const QImage sign = box.iconPixmap().toImage();
+    int own = 0;
+    for (int y = 0; y < sign.height(); ++y)
+        for (int x = 0; x < sign.width(); ++x)
+            own += sign.pixelColor(x, y) == colour ? 1 : 0;
+    QVERIFY2(own > 100, qPrintable(QString::number(own)));
+    for (const QAbstractButton *button : box.buttons()) {
+        QVERIFY(button->icon().isNull() && button->height() >= 44);
+        QCOMPARE(button->property("look") == u"primary"_s, button == box.defaultButton());
+    }
+    QApplication::setPalette(before);
 }
 
 void FirstUserTest::chosenLookIsWorn_data()
