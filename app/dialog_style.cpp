@@ -4,13 +4,8 @@
 #include "sheet/look.h"
 
 #include <QAbstractButton>
-#include <QAbstractItemView>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QStyledItemDelegate>
 #include <QWidget>
 
 #include <algorithm>
@@ -23,14 +18,6 @@ namespace {
 
 constexpr int touchHeight = 44;
 constexpr int touchWidth = 112;
-
-/// The entries of the list that drops down are touched too.
-void makeListTouchSized(QComboBox &list)
-{
-    list.setMinimumHeight(touchHeight);
-    list.setItemDelegate(new QStyledItemDelegate(&list)); // the one that heeds the style sheet's item height
-    list.view()->setStyleSheet(u"QAbstractItemView::item { min-height: %1px; }"_s.arg(touchHeight));
-}
 
 } // namespace
 
@@ -46,12 +33,6 @@ void makeTouchSized(QWidget &window)
 {
     for (auto *button : window.findChildren<QAbstractButton *>())
         button->setMinimumSize(touchWidth, touchHeight);
-    for (auto *box : window.findChildren<QCheckBox *>())
-        box->setStyleSheet(u"QCheckBox { spacing: 12px; } QCheckBox::indicator { width: 24px; height: 24px; }"_s);
-    for (auto *entry : window.findChildren<QLineEdit *>())
-        entry->setMinimumHeight(touchHeight);
-    for (auto *list : window.findChildren<QComboBox *>())
-        makeListTouchSized(*list);
 }
 
 void dressBox(QMessageBox &box)

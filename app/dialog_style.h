@@ -12,7 +12,7 @@ namespace harrowby::app {
 /// Letters that are read at arm's length. For a window, before its parts are measured.
 void enlargeFont(QWidget &window);
 
-/// Makes the buttons, entries and lists within large enough for a thumb.
+/// Makes the buttons within large enough for a thumb, in a window that does not wear the till's look.
 void makeTouchSized(QWidget &window);
 
 /// The look of the till for a box of the program's own, whose text is plain. Its default button, if any, becomes its

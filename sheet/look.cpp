@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/look.h"
 
-#include "sheet/drop_down.h"
 #include "spoken/spoken.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFormLayout>
@@ -36,6 +36,9 @@ QColor mixed(const QColor &base, const QColor &other, double share)
     };
     return {channel(base.red(), other.red()), channel(base.green(), other.green()), channel(base.blue(), other.blue())};
 }
+
+/// Of a list that drops down; where the screen has less room, it scrolls.
+constexpr int mostEntries = 24;
 
 constexpr auto sheetTemplate = R"(
 QDialog { background: @ground@; }
@@ -74,7 +77,7 @@ QLineEdit {
 }
 QLineEdit:focus { border: 2px solid @accent@; padding: 0px 7px; }
 QLineEdit:disabled, QComboBox:disabled { color: @muted@; background: @tile@; border-color: @border@; }
-QComboBox { combobox-popup: 0; }
+QComboBox { combobox-popup: 0; } /* below or above the box, from the first entry on, and in rows of the list's style */
 QComboBox, QDateEdit {
     background: @field@; border: 1px solid @edge@; border-radius: 9px; min-height: 42px; padding: 1px 0px 1px 8px;
     selection-background-color: @accent@; selection-color: @on-accent@;
@@ -238,7 +241,8 @@ void dress(QWidget &window)
     registerResources();
     new LookKeeper(window);
     speakTruly(&window);
-    dressDropDowns(window);
+    for (auto *list : window.findChildren<QComboBox *>())
+        list->setMaxVisibleItems(mostEntries);
     for (const auto *box : window.findChildren<QDialogButtonBox *>()) {
         for (QAbstractButton *button : box->buttons())
             button->setIcon({}); // of another style
