@@ -58,23 +58,28 @@ std::int64_t StoreWatch::logSize() const
 
 StoreWatch::Finding StoreWatch::look()
 {
-    if (const Finding finding = lookAtPath(); finding != Finding::Fine)
+    const LogProgress before = logNow();
+    FileFacts facts;
+    if (const Finding finding = lookAtPath(facts); finding != Finding::Fine)
         return finding;
-    if (isWrittenByOthers())
+    if (isForeign(contentSince(before, facts)))
         return Finding::Overwritten;
     if (m_hasLog && (idOf(logPath()) != m_log || idOf(logIndexPath()) != m_logIndex))
         return Finding::LogGone;
     return Finding::Fine;
 }
 
-StoreWatch::Finding StoreWatch::lookAtPath() const
+StoreWatch::Finding StoreWatch::lookAtPath(FileFacts &facts) const
 {
     for (const QByteArray &path : {m_path, m_filePath}) {
-        const auto facts = factsOf(path);
-        if (!facts)
+        const auto found = factsOf(path);
+        if (!found)
             return Finding::PathGone;
-        if (facts->id != m_file)
+        if (found->id != m_file)
             return Finding::PathTaken;
+        facts = *found;
+        if (m_path == m_filePath)
+            break;
     }
     return m_handle.hasMoved() ? Finding::PathGone : Finding::Fine;
 }
@@ -88,21 +93,32 @@ FileFacts StoreWatch::factsOfOpened() const
     return opened ? opened->facts : m_content.facts;
 }
 
+LogProgress StoreWatch::logNow() const
+{
+    return m_hasLog ? m_handle.logProgress().value_or(LogProgress()) : LogProgress();
+}
+
 StoreWatch::Content StoreWatch::contentNow() const
 {
+    const LogProgress before = logNow();
+    return contentSince(before, factsOfOpened());
+}
+
+/// `before` and `facts` were taken just now, in this order: only so can it be told whether the file changed out of the
+/// log.
+StoreWatch::Content StoreWatch::contentSince(const LogProgress &before, const FileFacts &facts) const
+{
     Content now;
-    const LogProgress before = m_hasLog ? m_handle.logProgress().value_or(LogProgress()) : LogProgress();
-    now.facts = factsOfOpened();
+    now.facts = facts;
     now.header = m_handle.header();
-    now.log = m_hasLog ? m_handle.logProgress().value_or(LogProgress()) : LogProgress();
+    now.log = logNow();
     now.isSettled = before == now.log && !now.log.isMoving();
     return now;
 }
 
 /// Everything that SQLite writes into the file while there is a log comes out of that log, and its index tells of it.
-bool StoreWatch::isWrittenByOthers()
+bool StoreWatch::isForeign(Content now)
 {
-    Content now = contentNow();
     if (!bearsOurMarks(now.header))
         return true;
     if (!m_hasLog || !now.isSettled)

@@ -31,7 +31,7 @@ public:
 
     [[nodiscard]] Finding look();
     /// Of the file that was opened, wherever it lies by now: written or cut short past SQLite.
-    [[nodiscard]] bool isWrittenByOthers();
+    [[nodiscard]] bool isWrittenByOthers() { return isForeign(contentNow()); }
     /// To be called after this process has moved the log into the file.
     void accept() { m_content = contentNow(); }
     /// The connection has a write-ahead log open from now on. Nothing when that is known.
@@ -58,9 +58,12 @@ private:
         bool isSettled = false; ///< nobody was moving the log into the file meanwhile
     };
 
-    [[nodiscard]] Finding lookAtPath() const;
+    [[nodiscard]] Finding lookAtPath(FileFacts &facts) const;
     [[nodiscard]] FileFacts factsOfOpened() const;
+    [[nodiscard]] LogProgress logNow() const;
     [[nodiscard]] Content contentNow() const;
+    [[nodiscard]] Content contentSince(const LogProgress &before, const FileFacts &facts) const;
+    [[nodiscard]] bool isForeign(Content now);
     [[nodiscard]] bool bearsOurMarks(const QByteArray &header) const;
     [[nodiscard]] bool isUnchanged(const Content &now) const;
 
