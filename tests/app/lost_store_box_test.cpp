@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+#include "backup_page.h"
+#include "busy_wait.h"
+#include "lost_store_box.h"
+#include "store_files.h"
+#include "store_guard.h"
+#include "store_open.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace harrowby::app::test;
+
+/// The box that stands in front once the store file is gone.
+class LostStoreBoxTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void boxSaysWhatHappened_data();
+    void boxSaysWhatHappened();
+    void enterPressesNothing();
+    void noLeadsBack();
+    void rescueCopyIsMade();
+    void rescueCopyReplacesNothing();
+    void closingWithoutTheCopyIsAskedFor();
+    void allCanBeTouchedAndRead();
+    void officeClosesFromTheFront();
+    void noBackupOfAFileThatIsGone();
+
+private:
+    [[nodiscard]] QString path(const QString &name = u"shop.sqlite"_s) const { return m_folder->filePath(name); }
+    void lose(const QString &how);
+    [[nodiscard]] LostStoreBox *box() const;
+    [[nodiscard]] QString text(const QString &name) const { return box()->findChild<QLabel *>(name)->text(); }
+    void press(const QString &name) const { box()->findChild<QPushButton *>(name)->click(); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    BusyWait m_wait;
+    std::unique_ptr<StoreGuard> m_guard;
+    std::unique_ptr<LostStoreAlarm> m_alarm;
+    int m_closings = 0;
+    bool m_closes = false; ///< what the till's question is answered with
+};
+
+void LostStoreBoxTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    makeStore(path());
+    Database database;
+    QVERIFY(!openStore(path(), m_wait, database));
+    m_guard = std::make_unique<StoreGuard>(std::move(database), path(), m_wait);
+    m_closings = 0;
+    m_closes = false;
+    m_alarm = std::make_unique<LostStoreAlarm>(*m_guard, u"till"_s, [this] {
+        ++m_closings;
+        return m_closes;
+    });
+    QVERIFY(!runSql(m_guard->database(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('one')"_s));
+}
+
+void LostStoreBoxTest::cleanup()
+{
+    m_alarm.reset();
+    m_guard.reset();
+}
+
+/// Moved to "moved.sqlite", or removed.
+void LostStoreBoxTest::lose(const QString &how)
+{
+    QVERIFY(how == u"moved"_s ? QFile::rename(path(), path(u"moved.sqlite"_s)) : QFile::remove(path()));
+    m_guard->tick();
+    QVERIFY(box() != nullptr);
+}
+
+LostStoreBox *LostStoreBoxTest::box() const
+{
+    return qobject_cast<LostStoreBox *>(QApplication::activeModalWidget());
+}
+
+void LostStoreBoxTest::boxSaysWhatHappened_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QString>("advice");
+    QTest::addColumn<bool>("rescues");
+    QTest::newRow("moved") << u"moved"_s << u"was moved or renamed"_s << u"moved.sqlite\""_s << false;
+    QTest::newRow("removed") << u"removed"_s << u"was removed"_s << u"Make a rescue copy now."_s << true;
+}
+
+void LostStoreBoxTest::boxSaysWhatHappened()
+{
+    QFETCH(const QString, how);
+    QVERIFY(box() == nullptr);
+    lose(how);
+    QVERIFY(box()->windowTitle().contains(u"Nothing Is Being Saved"_s));
+    QVERIFY(text(u"lostStoreWhat"_s).contains(u'"' + path() + u'"'));
+    QFETCH(const QString, what);
+    QVERIFY2(text(u"lostStoreWhat"_s).contains(what), qPrintable(text(u"lostStoreWhat"_s)));
+    QFETCH(const QString, advice);
+    QVERIFY2(text(u"lostStoreAdvice"_s).contains(advice), qPrintable(text(u"lostStoreAdvice"_s)));
+    QFETCH(const bool, rescues);
+    QCOMPARE(box()->findChild<QPushButton *>(u"makeRescueCopy"_s)->isVisible(), rescues);
+}
+
+/// A code reader goes on sending codes, each with Enter at its end.
+void LostStoreBoxTest::enterPressesNothing()
+{
+    lose(u"moved"_s);
+    QTest::keyClicks(box(), u"TEA-0001 c"_s);
+    QTest::keyClick(box(), Qt::Key_Return);
+    QTest::keyClick(box(), Qt::Key_Enter);
+    QCOMPARE(m_closings, 0);
+    QVERIFY(box() != nullptr);
+}
+
+void LostStoreBoxTest::noLeadsBack()
+{
+    lose(u"moved"_s);
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 1);
+    QVERIFY(box() != nullptr);
+    QTest::keyClick(box(), Qt::Key_Escape);
+    QCOMPARE(m_closings, 2);
+    QVERIFY(box() != nullptr);
+    m_closes = true;
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 3);
+    QVERIFY(box() == nullptr);
+}
+
+void LostStoreBoxTest::rescueCopyIsMade()
+{
+    lose(u"removed"_s);
+    const QString copy = box()->findChild<QLineEdit *>(u"rescuePlace"_s)->text();
+    QVERIFY2(copy.startsWith(path(u"shop-rescue-"_s)), qPrintable(copy));
+    press(u"makeRescueCopy"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
+    QCOMPARE(column(copy, u"SELECT SystemUsage FROM SysUsage"_s), QStringList{u"one"_s});
+    m_closes = true;
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 1);
+    m_guard.reset();
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
+}
+
+void LostStoreBoxTest::rescueCopyReplacesNothing()
+{
+    lose(u"removed"_s);
+    QFile other(path(u"other.db"_s));
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write("another") > 0);
+    other.close();
+    for (const QString &place : {path(u"other.db"_s), path(u"nowhere/copy.db"_s), path() + u"-wal"_s}) {
+        box()->findChild<QLineEdit *>(u"rescuePlace"_s)->setText(place);
+        press(u"makeRescueCopy"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(!text(u"rescueOutcome"_s).isEmpty(), 30000);
+        QVERIFY2(!text(u"rescueOutcome"_s).contains(u"made and checked"_s), qPrintable(place));
+    }
+    QCOMPARE(other.size(), 7);
+}
+
+void LostStoreBoxTest::closingWithoutTheCopyIsAskedFor()
+{
+    lose(u"removed"_s);
+    const auto answerWith = [](const QString &caption) {
+        QTimer::singleShot(0, [caption] {
+            const auto *question = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QVERIFY(question != nullptr);
+            QVERIFY2(question->text().contains(u"No rescue copy"_s), qPrintable(question->text()));
+            for (QAbstractButton *button : question->buttons()) {
+                if (button->text().remove(u'&') == caption)
+                    return button->click();
+            }
+            QFAIL("no such button");
+        });
+    };
+    answerWith(u"Cancel"_s);
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 0);
+    answerWith(u"Close It"_s);
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 1);
+}
+
+void LostStoreBoxTest::allCanBeTouchedAndRead()
+{
+    lose(u"removed"_s);
+    for (const auto *button : box()->findChildren<QPushButton *>()) {
+        QVERIFY2(button->height() >= 44, qPrintable(button->text()));
+        QVERIFY(button->focusPolicy() & Qt::TabFocus);
+        QVERIFY(button->text().contains(u'&'));
+    }
+    QVERIFY(box()->findChild<QLineEdit *>(u"rescuePlace"_s)->height() >= 44);
+    QVERIFY(!box()->findChild<QLineEdit *>(u"rescuePlace"_s)->accessibleName().isEmpty());
+    QVERIFY2(box()->height() <= 560 && box()->width() <= 780,
+             qPrintable(u"%1x%2"_s.arg(box()->width()).arg(box()->height())));
+}
+
+void LostStoreBoxTest::officeClosesFromTheFront()
+{
+    QDialog office;
+    QDialog user(&office);
+    for (QDialog *dialog : {&office, &user}) {
+        dialog->setModal(true);
+        dialog->show();
+    }
+    QVERIFY(closeOffice());
+    QVERIFY(!office.isVisible() && !user.isVisible());
+}
+
+void LostStoreBoxTest::noBackupOfAFileThatIsGone()
+{
+    BackupPage page(path(), {[](const QString &, const QString &, const QString &) { return QString(); },
+                             [](const QString &, const QString &, const QString &) { return true; }});
+    page.watchStore([this] { return m_guard->check() ? QString() : lossHeadline(m_guard->loss()); });
+    const QString copy = path(u"backup.db"_s);
+    page.findChild<QLineEdit *>(u"backupPlace"_s)->setText(copy);
+    // Another store in its place must not pass for this one.
+    QVERIFY(QFile::rename(path(), path(u"moved.sqlite"_s)));
+    makeStore(path(u"another.sqlite"_s));
+    QVERIFY(QFile::rename(path(u"another.sqlite"_s), path()));
+    page.findChild<QPushButton *>(u"startBackup"_s)->click();
+    QVERIFY(!page.isRunning());
+    QVERIFY(page.findChild<QLabel *>(u"backupOutcome"_s)->text().contains(u"Another file was put in the place"_s));
+    QVERIFY(!QFile::exists(copy));
+}
+
+QTEST_MAIN(LostStoreBoxTest)
+#include "lost_store_box_test.moc"
