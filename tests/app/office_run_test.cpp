@@ -21,6 +21,7 @@ private Q_SLOTS:
     void initTestCase();
     void wrongPasswordStaysOutside();
     void newCashierLogsInAtTheOpenTill();
+    void replacedStoreEndsTheOffice();
     void storeWithoutAdministratorIsTold();
 
 private:
@@ -106,6 +107,27 @@ void OfficeRunTest::newCashierLogsInAtTheOpenTill()
     enter(till, u"Text4"_s, u"KEY1"_s);
     m_screen.key(u"Return"_s);
     QTRY_COMPARE_WITH_TIMEOUT(till.text(u"StatusBar1_1"_s), u"User: CLARA"_s, 30000);
+}
+
+void OfficeRunTest::replacedStoreEndsTheOffice()
+{
+    const QString other = m_home.filePath(u"other.sqlite"_s);
+    makeStore(other);
+    const QString moved = m_home.filePath(u"moved.sqlite"_s);
+    RunningProgram office(m_screen, m_home.path());
+    QVERIFY(office.start(officeArguments()));
+    openOffice(office);
+    QVERIFY(office.press(u"addUser"_s));
+    enter(office, u"userName"_s, u"dora"_s);
+    // Another store takes the place of this one while a box is open.
+    QVERIFY(QFile::rename(store(), moved) && QFile::rename(other, store()));
+    QTRY_VERIFY_WITH_TIMEOUT(office.text(u"lostStoreWhat"_s).contains(u"Another file was put"_s), 30000);
+    QVERIFY(office.text(u"lostStoreAdvice"_s).contains(moved));
+    QVERIFY(office.press(u"Close the Office"_s));
+    QCOMPARE(office.waitForEnd(), 0);
+    QCOMPARE(QDir(m_home.path()).entryList({u"shop.sqlite*"_s}), QStringList{u"shop.sqlite"_s});
+    QCOMPARE(column(store(), u"SELECT Username FROM Users"_s), QStringList{u"ADMINISTRATOR"_s});
+    QCOMPARE(column(moved, u"SELECT Username FROM Users"_s), (QStringList{u"ADMINISTRATOR"_s, u"CLARA"_s}));
 }
 
 void OfficeRunTest::storeWithoutAdministratorIsTold()

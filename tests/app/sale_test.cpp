@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void cancelledFirstStartLeavesNothing();
     void newStoreIsCreatedAndClosed();
     void itemIsSold();
+    void rescuedStoreSellsOn();
     void waitForALockIsSaid();
     void failedWriteIsShownAtOnce();
     void whatIsLostOutsideTheDatabaseIsShown();
@@ -221,6 +223,41 @@ void SaleTest::waitForALockIsSaid()
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
     QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) < most / 4, 30000);
     closeWindow(program);
+}
+
+void SaleTest::rescuedStoreSellsOn()
+{
+    const QStringList before = column(store(), u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s);
+    {
+        RunningProgram program(m_screen, m_home.path());
+        QVERIFY(program.start({}));
+        logIn(program, u"administrator"_s, u"pass1"_s);
+        QVERIFY(QFile::remove(store()));
+        QTRY_VERIFY_WITH_TIMEOUT(program.text(u"lostStoreWhat"_s).contains(u"was removed"_s), 30000);
+        QVERIFY(program.press(u"Make a Rescue Copy"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(program.text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
+        // The till asks as ever, and "No" leads back to the box.
+        QVERIFY(program.press(u"Close the Till"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(program.box(), u"Close Inventory?"_s, 30000);
+        QVERIFY(program.press(u"No"_s));
+        QVERIFY(program.press(u"Close the Till"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(program.box(), u"Close Inventory?"_s, 30000);
+        QVERIFY(program.press(u"Yes"_s));
+        const int code = program.waitForEnd();
+        QVERIFY2(code == 0, qPrintable(u"%1\n%2"_s.arg(code).arg(program.errors())));
+    }
+    const QDir folder = QFileInfo(store()).absoluteDir();
+    const QStringList copies = folder.entryList({u"store-rescue-*.db"_s});
+    QCOMPARE(copies.size(), 1);
+    QCOMPARE(folder.entryList({u"store.sqlite*"_s}), QStringList());
+    QVERIFY(QFile::rename(folder.filePath(copies.constFirst()), store()));
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY(program.start({}));
+    logIn(program, u"administrator"_s, u"pass1"_s);
+    closeWindow(program);
+    const auto login = u"ADMINISTRATOR successfully logged in!"_s;
+    const QStringList after = before + QStringList{login, login};
+    QCOMPARE(column(store(), u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s), after);
 }
 
 void SaleTest::demoShopTellsHowToLogIn()
