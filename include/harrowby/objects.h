@@ -11,12 +11,12 @@
 #include <memory>
 
 /// Objects that the component asks for by class identifier, and works without: the report
-/// (harrowby/report_component.h) and the windows "Harrowby.ReorderList" and "Harrowby.ReorderNotice".
+/// (harrowby/report_component.h) and the window "Harrowby.ReorderList".
 ///
 /// A host supplies them itself with registerClass(), or they come from plugins. Identifiers are compared without regard
 /// to case. Everything happens on the user-interface thread.
 ///
-/// The two windows are QObjects with the late-bound method (a slot or Q_INVOKABLE)
+/// The window is a QObject with the late-bound method (a slot or Q_INVOKABLE)
 ///
 ///     void Show(int modal, QWidget *owner);
 ///

@@ -51,6 +51,15 @@ void readFlag(DbRecordset &settings, const QString &column, std::int16_t &flag)
         flag = valueInt16(*value).value_or(flag);
 }
 
+/// A row without an address, or without a column for it, has the placeholder; what cannot be read changes nothing.
+void readEmailAddress(DbRecordset &settings, QString &address)
+{
+    if (settings.HasFailed() || settings.IsEof())
+        return;
+    const DbValue stored = settings.Field(u"EmailAddress"_s).value().value_or(DbValue());
+    address = std::holds_alternative<std::monostate>(stored) ? QString(placeholderEmail) : valueText(stored);
+}
+
 } // namespace
 
 class Inventory::HandlerScope
@@ -309,9 +318,7 @@ void Inventory::readStoreSettings()
     // The column "Email" is never read back: the check box follows the user's own saved setting.
     readEmailReportFlag();
     readFlag(settings, u"ShowDetails"_s, m_state.ShowDetailsFlag);
-    const std::optional<DbValue> address = settings.Field(u"EmailAddress"_s).value();
-    const bool noAddress = !address || std::holds_alternative<std::monostate>(*address);
-    m_state.ReportEmailAddress = noAddress ? QString(placeholderEmail) : valueText(*address);
+    readEmailAddress(settings, m_state.ReportEmailAddress);
     readFlag(settings, u"Promptreorder"_s, m_state.PromptReorderFlag);
     readFlag(settings, u"AutoPurchaseCart"_s, m_state.HideFinishedFlag);
 }

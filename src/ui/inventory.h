@@ -17,6 +17,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QFrame;
 class QListWidgetItem;
 
 namespace harrowby {
@@ -106,13 +107,14 @@ private:
     void logOut();
     bool settleCartBeforeLogout();
     void clearLogin();
-    void showReorderNotice();
+    void runReorderNotice();
 
     // activity_log.cpp
     void LogActivity(const QString &message, int buttons, bool plainBox, bool quiet);
     void clearActivityLog();
 
     // tabs.cpp
+    void bringForward(QFrame *panel);
     bool mayChangeWorkArea();
     void chooseWorkArea();
     void chooseSidePanel();

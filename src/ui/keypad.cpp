@@ -35,8 +35,7 @@ void Inventory::toggleKeypad()
         return;
     }
     m_controls.Frame11->hide(); // they share a place
-    m_controls.Frame13->show();
-    m_controls.Frame13->raise();
+    bringForward(m_controls.Frame13);
 }
 
 } // namespace harrowby

@@ -4,8 +4,14 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 
+#include <QByteArray>
+#include <QString>
+#include <QUtf8StringView>
+
+#include <array>
 #include <optional>
 #include <type_traits>
+#include <utility>
 
 namespace harrowby {
 
@@ -25,6 +31,46 @@ void forEachRow(DbRecordset &rows, Row &&row)
         rows.MoveNext();
     }
 }
+
+/// The texts of one caption or one entry of a list, from columns of the current row.
+///
+/// This is the one rule for a result that lacks a column: what is made of that column is not made for this row. A
+/// caption stays as it was, and a list gets no entry. fieldText() serves it where there is one column alone.
+template <std::size_t N>
+class NeededTexts
+{
+public:
+    /// `rows` must outlive it.
+    template <typename... Columns>
+    explicit NeededTexts(DbRecordset &rows, Columns &&...columns) :
+        m_rows(rows), m_columns{QString(std::forward<Columns>(columns))...}
+    {
+        static_assert(sizeof...(Columns) == N);
+    }
+
+    /// Reads the current row; false when it lacks one of the columns.
+    [[nodiscard]] bool read()
+    {
+        for (std::size_t i = 0; i < N; ++i) {
+            const std::optional<QUtf8StringView> text = m_rows.Field(m_columns[i]).utf8(m_buffers[i]);
+            if (!text)
+                return false;
+            m_texts[i] = *text;
+        }
+        return true;
+    }
+    /// In the order of the columns; good until the recordset moves or closes its walk.
+    [[nodiscard]] QUtf8StringView operator[](std::size_t column) const { return m_texts[column]; }
+
+private:
+    DbRecordset &m_rows;
+    std::array<QString, N> m_columns;
+    std::array<QByteArray, N> m_buffers;
+    std::array<QUtf8StringView, N> m_texts;
+};
+
+template <typename... Columns>
+NeededTexts(DbRecordset &, Columns &&...) -> NeededTexts<sizeof...(Columns)>;
 
 /// A column's text; empty when it cannot be read, and the step that needs it is skipped.
 [[nodiscard]] inline std::optional<QString> fieldText(DbRecordset &rows, const QString &column)

@@ -12,12 +12,6 @@ namespace harrowby {
 
 namespace {
 
-void bringForward(QFrame *frame)
-{
-    frame->show();
-    frame->raise();
-}
-
 void hidePanels(std::initializer_list<QFrame *> frames)
 {
     for (QFrame *frame : frames)
@@ -25,6 +19,15 @@ void hidePanels(std::initializer_list<QFrame *> frames)
 }
 
 } // namespace
+
+/// In front of every other panel, but for a keypad that is shown: nothing covers that until it is hidden.
+void Inventory::bringForward(QFrame *panel)
+{
+    panel->show();
+    panel->raise();
+    if (!m_controls.Frame13->isHidden())
+        m_controls.Frame13->raise();
+}
 
 bool Inventory::mayChangeWorkArea()
 {

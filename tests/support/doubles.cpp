@@ -64,6 +64,26 @@ PaperPrinter &PaperPrinters::paper()
     return static_cast<PaperPrinter &>(*current());
 }
 
+namespace {
+
+/// Passes a result's first rows on, and breaks.
+class BreakingCursor final : public DbCursor
+{
+public:
+    BreakingCursor(std::unique_ptr<DbCursor> below, int rows) : m_below(std::move(below)), m_rows(rows) {}
+
+    [[nodiscard]] QStringList columnNames() const override { return m_below->columnNames(); }
+    [[nodiscard]] Step next() override { return m_rows-- > 0 ? m_below->next() : Step::Failed; }
+    [[nodiscard]] DbValue value(int column) const override { return m_below->value(column); }
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_below->text(column); }
+
+private:
+    std::unique_ptr<DbCursor> m_below;
+    int m_rows;
+};
+
+} // namespace
+
 bool RecordingConnection::passes(const QString &statement)
 {
     statements << statement;
@@ -81,7 +101,9 @@ bool RecordingConnection::Execute(const QString &statement)
 
 std::unique_ptr<DbCursor> RecordingConnection::query(const QString &select)
 {
-    return passes(select) ? m_below->query(select) : nullptr;
+    std::unique_ptr<DbCursor> cursor = passes(select) ? m_below->query(select) : nullptr;
+    const int rows = rowsUntilBreak(select);
+    return cursor && rows >= 0 ? std::make_unique<BreakingCursor>(std::move(cursor), rows) : std::move(cursor);
 }
 
 std::optional<std::int64_t> RecordingConnection::countRows(const QString &select)

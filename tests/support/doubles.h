@@ -97,6 +97,8 @@ public:
     bool insertRow(const QString &table, const DbAssignments &values) override;
     bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
     [[nodiscard]] QString location() const override { return m_below->location(); }
+    /// Statements that yield this many rows (0 and more) and then break.
+    std::function<int(const QString &select)> rowsUntilBreak = [](const QString &) { return -1; };
     bool refusesHolds = false;
     bool losesCommits = false; ///< of what is held
     bool hold() override { return !refusesHolds && m_below->hold(); }

@@ -80,6 +80,9 @@ private Q_SLOTS:
     void finishedItemsReturnOnTheReorderTab();
     void soldOutItemLeavesTheList();
     void listThatFailsAfterwards();
+    void listThatBreaksInTheMiddle();
+    void itemsWithoutAColumn_data();
+    void itemsWithoutAColumn();
 };
 
 namespace {
@@ -797,6 +800,42 @@ void CustomSaleTest::listThatFailsAfterwards()
     QCOMPARE(counter.entries("Combo3"), QStringList());
     QCOMPARE(figures(counter), (QStringList{QString(), u"0.00"_s, u"0.00"_s, u"Nil"_s}));
     QCOMPARE(counter.text("Combo4"), QString());
+}
+
+void CustomSaleTest::listThatBreaksInTheMiddle()
+{
+    Counter counter;
+    openShop(counter);
+    counter.connection->rowsUntilBreak = [](const QString &select) {
+        return select.endsWith(u"where StockUse = 'Enabled'"_s) ? 2 : -1;
+    };
+    counter.pick("Combo2", 0);
+    QCOMPARE(counter.entries("Combo3"), QStringList());
+    counter.chooseTab("TabStrip1", 4);
+    counter.pick("Combo12", 0);
+    QCOMPARE(counter.entries("Combo11"), QStringList());
+    counter.connection->rowsUntilBreak = [](const QString &) { return -1; };
+    counter.pick("Combo12", 0);
+    QCOMPARE(counter.entries("Combo11").size(), 4);
+}
+
+void CustomSaleTest::itemsWithoutAColumn_data()
+{
+    QTest::addColumn<QString>("column");
+    for (const char *column : {"StockID", "StockName"})
+        QTest::newRow(column) << QString::fromLatin1(column);
+}
+
+void CustomSaleTest::itemsWithoutAColumn()
+{
+    QFETCH(const QString, column);
+    Counter counter;
+    openShop(counter);
+    counter.pick("Combo2", 0);
+    QCOMPARE(counter.entries("Combo3").size(), 4);
+    counter.file.sql(u"ALTER TABLE StockList DROP COLUMN "_s + column);
+    counter.pick("Combo2", 0);
+    QCOMPARE(counter.entries("Combo3"), QStringList());
 }
 
 QTEST_MAIN(CustomSaleTest)

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void openingHidesTheSearchResult();
     void closingLeavesTheSearchResultHidden();
     void liesInFront();
+    void staysInFront();
     void tabsHideIt_data();
     void tabsHideIt();
     void logoutHidesIt();
@@ -58,9 +59,21 @@ void openKeypad(Counter &counter)
     counter.click("Command31");
 }
 
+QByteArray nameOf(int key)
+{
+    return "Command30_" + QByteArray::number(key);
+}
+
 void press(const Counter &counter, int key)
 {
-    counter.click(qPrintable(u"Command30_%1"_s.arg(key)));
+    counter.click(nameOf(key));
+}
+
+/// What a finger would touch in the middle of a key.
+QWidget *widgetAt(const Counter &counter, int key)
+{
+    const QWidget *button = counter.find(nameOf(key));
+    return counter.window().childAt(button->mapTo(&counter.window(), button->rect().center()));
 }
 
 bool isOpen(const Counter &counter)
@@ -285,11 +298,22 @@ void KeypadTest::liesInFront()
 {
     Counter counter;
     openKeypad(counter);
-    for (int key = 0; key <= 11; ++key) {
-        const QWidget *button = counter.find(qPrintable(u"Command30_%1"_s.arg(key)));
-        const QPoint centre = button->mapTo(&counter.window(), button->rect().center());
-        QCOMPARE(counter.window().childAt(centre), button);
-    }
+    for (int key = 0; key <= 11; ++key)
+        QCOMPARE(widgetAt(counter, key), counter.find(nameOf(key)));
+}
+
+/// Whatever panel is shown and raised after it.
+void KeypadTest::staysInFront()
+{
+    Counter counter;
+    openKeypad(counter);
+    counter.chooseTab("TabStrip1", 2);
+    QVERIFY(isOpen(counter));
+    for (int key = 0; key <= 11; ++key)
+        QCOMPARE(widgetAt(counter, key), counter.find(nameOf(key)));
+    counter.chooseTab("TabStrip2", 2);
+    counter.chooseTab("TabStrip2", 1);
+    QCOMPARE(widgetAt(counter, 1), counter.find(nameOf(1)));
 }
 
 void KeypadTest::tabsHideIt_data()

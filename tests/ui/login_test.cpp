@@ -31,7 +31,7 @@ private Q_SLOTS:
     void clearEmptiesBoth();
     void loginShowsTheUser();
     void failedLoginLogsOut();
-    void reorderNoticeOnlyAsksForAWindow();
+    void reorderNoticeIsTheQueryAlone();
     void gateShowsWarning();
     void logoutWithoutUserDoesNothing();
     void logoutRefused();
@@ -272,7 +272,7 @@ void LoginTest::failedLoginLogsOut()
     QVERIFY(!counter.state().IsLoggedIn);
 }
 
-void LoginTest::reorderNoticeOnlyAsksForAWindow()
+void LoginTest::reorderNoticeIsTheQueryAlone()
 {
     const QString query =
         u"Select * from Stocklist where StockReorderlevel >= stockavailable and StockUse = 'Enabled'"_s;
@@ -280,9 +280,15 @@ void LoginTest::reorderNoticeOnlyAsksForAWindow()
     counter.file.sql(u"UPDATE StoreSettings SET Promptreorder = 1"_s);
     counter.file.addItem(u"A1"_s, u"TEA"_s, 1, 1);
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Sales"_s});
+    int made = 0;
+    counter.objects->add(u"Harrowby.ReorderNotice"_s, [&] {
+        ++made;
+        return std::make_unique<QObject>();
+    });
     counter.open();
     counter.logIn();
     QCOMPARE(counter.connection->statements.last(), query);
+    QCOMPARE(made, 0);
     counter.logIn(u"ANN"_s, u"PW"_s); // without the right to reorder, nothing is asked
     QVERIFY(counter.connection->statements.last().startsWith(u"INSERT INTO SysUsage"_s));
 }

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void whileItFills_data();
     void whileItFills();
     void changedWhileItFills();
+    void brokenInTheMiddle();
     void pickedEntryGoes();
     void typedEntryStays();
     void undoneTwiceAtOnce_data();
@@ -311,6 +312,27 @@ void PurchaseListTest::loggedOutWhileUndoing()
     QCOMPARE(counter.file.rows(everyId), QStringList());
     QCOMPARE(counter.file.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = 'A1'"_s), u"10"_s);
     QCOMPARE(counter.state().LastPurchaseID, QString());
+}
+
+void PurchaseListTest::brokenInTheMiddle()
+{
+    Counter counter;
+    openShop(counter);
+    constexpr int purchases = 300;
+    addPurchases(counter, purchases);
+    counter.connection->rowsUntilBreak = [](const QString &select) {
+        return select.startsWith(u"Select PurchaseID"_s) ? purchases - 1 : -1;
+    };
+    int shown = 0;
+    doAfter(counter, u"Select PurchaseID"_s, [&] {
+        shown = counter.find<PickList>("Combo17")->count();
+        counter.setText("Combo17", u"HV000300"_s);
+    });
+    counter.chooseTab("TabStrip1", 5);
+    QVERIFY(shown > 0);
+    QCOMPARE(counter.entries("Combo17"), QStringList());
+    QCOMPARE(counter.text("Combo17"), u"HV000300"_s); // somebody has entered it meanwhile
+    QCOMPARE(counter.find<PickList>("Combo17")->selectedEntry(), -1);
 }
 
 QTEST_MAIN(PurchaseListTest)

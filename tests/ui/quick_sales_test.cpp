@@ -30,6 +30,8 @@ private Q_SLOTS:
     void statements();
     void emptyCategoryKeepsTheButtons();
     void failingPageKeepsTheButtons();
+    void pageWithoutAColumnKeepsTheButtons_data();
+    void pageWithoutAColumnKeepsTheButtons();
     void categoryWithoutLogin();
     void pickingACategory();
     void emptyButton();
@@ -258,6 +260,31 @@ void QuickSalesTest::failingPageKeepsTheButtons()
     const QStringList before = captions(counter);
     counter.setText("Combo1", u"O'DRINKS"_s);
     QCOMPARE(captions(counter), before);
+}
+
+void QuickSalesTest::pageWithoutAColumnKeepsTheButtons_data()
+{
+    QTest::addColumn<QString>("column");
+    for (const char *column : {"StockID", "StockName", "StockCost"})
+        QTest::newRow(column) << QString::fromLatin1(column);
+}
+
+/// Each caption as a whole, not with a hole in it; the mark comes from a column of its own.
+void QuickSalesTest::pageWithoutAColumnKeepsTheButtons()
+{
+    QFETCH(const QString, column);
+    Counter counter;
+    addItems(counter, 2);
+    openShop(counter);
+    const auto *button = counter.find<QuickSaleButton>("Command1_1");
+    const QString caption = button->text();
+    const QString tip = button->toolTip();
+    QCOMPARE(caption, u"I2\r\nITEM 0002\r\n2.00"_s);
+    counter.file.sql(u"ALTER TABLE StockList DROP COLUMN %1; UPDATE StockList SET StockAvailable = 0"_s.arg(column));
+    counter.click("Command24");
+    QCOMPARE(button->text(), caption);
+    QCOMPARE(button->toolTip(), tip);
+    QCOMPARE(button->isOutOfStock(), column != "StockName"_L1); // without the names there is no page at all
 }
 
 void QuickSalesTest::categoryWithoutLogin()

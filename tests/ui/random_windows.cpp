@@ -16,7 +16,7 @@ namespace harrowby::test {
 
 void registerWindows(ObjectRegistry &registry, HostWindows &shared)
 {
-    for (const char *classId : {"HarrowReport.ReportDll", "Harrowby.ReorderList", "Harrowby.ReorderNotice"})
+    for (const char *classId : {"HarrowReport.ReportDll", "Harrowby.ReorderList"})
         registry.add(QString::fromLatin1(classId), [&shared] { return std::make_unique<HostWindow>(shared); });
 }
 

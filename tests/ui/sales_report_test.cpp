@@ -420,11 +420,17 @@ void SalesReportTest::emailReportThatIsNoNumber()
     const auto other = std::make_shared<SqliteConnection>(counter.file.handle());
     supply(counter, [&](Report::Call &call) {
         call.connection = other;
+        call.msgTitle = u"Shop"_s;
+        call.canSettings = false;
+        call.loggedUser = u"JILL"_s;
         counter.settings->save(u"Option"_s, u"EmailReport"_s, saved);
     });
     counter.open();
     counter.logIn();
     openFailingReport(counter);
+    QCOMPARE(counter.state().MsgTitle, QString()); // the last step has not worked
+    QVERIFY(counter.state().CanSettings);
+    QCOMPARE(counter.state().LoggedUser, u"ADMINISTRATOR"_s);
     QCOMPARE(int(counter.state().EmailReportFlag), 1);
     QVERIFY(counter.find<QCheckBox>("Check4")->isChecked());
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other)); // written back before the error

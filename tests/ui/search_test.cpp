@@ -34,6 +34,7 @@ private Q_SLOTS:
     void nothingFoundKeepsThePanel();
     void quoteFindsNothing();
     void failedStatementFindsNothing();
+    void brokenInTheMiddle();
     void fillsItAfresh();
     void hidesTheKeypad();
     void liesInFront_data();
@@ -289,6 +290,18 @@ void SearchTest::failedStatementFindsNothing()
     counter.boxes.expect(u"No Search Found for tea!"_s, box::Exclamation);
     counter.click("Command8");
     QVERIFY(!isOpen(counter));
+}
+
+void SearchTest::brokenInTheMiddle()
+{
+    Counter counter;
+    openShop(counter);
+    search(counter, u"tea"_s);
+    QCOMPARE(counter.rows("LV2").size(), 2);
+    counter.connection->rowsUntilBreak = [](const QString &select) { return select == statement(u"TEA"_s) ? 1 : -1; };
+    search(counter, u"tea"_s); // found, and then lost
+    QVERIFY(isOpen(counter));
+    QCOMPARE(counter.rows("LV2"), QStringList());
 }
 
 void SearchTest::fillsItAfresh()

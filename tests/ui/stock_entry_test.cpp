@@ -24,6 +24,7 @@ private Q_SLOTS:
     void refusals();
     void firstRefusalWins();
     void idsAreStoredTrimmed();
+    void askingForAnAutomaticId();
     void multipleEntries();
     void multipleEntriesOfOneId();
     void updateRefused();
@@ -156,9 +157,22 @@ void StockEntryTest::idsAreStoredTrimmed()
              QStringList{u"x 1|Food|Sweet bun|Enabled"_s});
     QCOMPARE(counter.text("StatusBar1_2"), u"Stock [Sweet bun] with ID [x 1] has been added successfully."_s);
     QCOMPARE(listed(counter), QStringList{u"X 1|SWEET BUN"_s});
+}
+
+/// To the letter: with a blank it is an ID like any other.
+void StockEntryTest::askingForAnAutomaticId()
+{
+    Counter counter;
+    openStock(counter);
     enter(counter, withId(u" (Auto ID) "_s));
     save(counter);
-    QCOMPARE(storedIds(counter).last(), u"OTH-0001"_s);
+    QCOMPARE(counter.connection->statements.first(),
+             u"Select * from StockList where StockID = '(Auto ID)' or UPPER(StockName) = 'BUN'"_s);
+    QCOMPARE(storedIds(counter), QStringList{u"(Auto ID)"_s});
+    counter.connection->statements.clear();
+    enter(counter, {u"(Auto ID)"_s, u"FOOD"_s, u"CAKE"_s, u"1.5"_s, u"3"_s, u"20"_s, u"Enabled"_s});
+    save(counter);
+    QCOMPARE(storedIds(counter).last(), u"FOO-0001"_s);
 }
 
 void StockEntryTest::multipleEntries()

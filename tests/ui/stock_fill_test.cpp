@@ -41,6 +41,7 @@ private Q_SLOTS:
     void logOutInTheMiddle();
     void closeInTheMiddle();
     void failingInTheMiddle();
+    void brokenAfterRowsWereShown();
 };
 
 void StockFillTest::viewsHearOfRowsTogether()
@@ -230,6 +231,19 @@ void StockFillTest::failingInTheMiddle()
     counter.connection->before = [](const QString &) {};
     counter.click("Command7");
     QCOMPARE(listedIds(counter), storedIds(counter));
+}
+
+void StockFillTest::brokenAfterRowsWereShown()
+{
+    Counter counter;
+    openStock(counter);
+    const MidFill fill(counter, [&] { counter.setText("Combo7", u"TYPED"_s); });
+    counter.connection->rowsUntilBreak = [](const QString &) { return stockItems - 1; };
+    counter.click("Command7");
+    QVERIFY(fill.isDone());
+    QCOMPARE(listedIds(counter), QStringList());
+    QCOMPARE(offeredNames(counter), 0);
+    QCOMPARE(counter.text("Combo7"), u"TYPED"_s);
 }
 
 QTEST_MAIN(StockFillTest)

@@ -44,12 +44,17 @@ private Q_SLOTS:
     void coloursOfMissingFigures();
     void valuesOfAnyKind();
     void missingColumn();
+    void rowsWithoutAColumn_data();
+    void rowsWithoutAColumn();
+    void lowRowHasASign();
     void namesKeepTheirTextAndLetters();
     void failingQuery();
+    void brokenInTheMiddle();
     void capitalsShareARow();
     void lettersThatGrowInUpperCase();
     void keptRowsAreUpdatedAndColourTheLast();
     void keptRowsStayWhenTheQueryFails();
+    void keptRowsStayWhenTheQueryBreaks();
     void putAppends();
     void putOverwrites();
     void findMatchesTheWholeId();
@@ -262,6 +267,59 @@ void StockListTest::missingColumn()
     QCOMPARE(listed(counter), QStringList{u"A1|GREEN TEA|Drinks|1,234.50||6|Enabled|05-Mar-18 14:07:09"_s});
 }
 
+void StockListTest::rowsWithoutAColumn_data()
+{
+    QTest::addColumn<QString>("column");
+    QTest::addColumn<QStringList>("rows");
+    QTest::addColumn<QStringList>("offered");
+    QTest::newRow("ID") << u"StockID"_s << QStringList() << QStringList{u"Green Tea"_s};
+    QTest::newRow("name") << u"StockName"_s << QStringList{u"A1||Drinks|1,234.50|5|6|Enabled|05-Mar-18 14:07:09"_s}
+                          << QStringList();
+}
+
+/// What an entry is made of: without it the list gets none. Other columns are merely empty.
+void StockListTest::rowsWithoutAColumn()
+{
+    QFETCH(const QString, column);
+    QFETCH(const QStringList, rows);
+    QFETCH(const QStringList, offered);
+    Counter counter;
+    addRow(counter, teaRow);
+    counter.file.sql(u"ALTER TABLE StockList DROP COLUMN "_s + column);
+    openStock(counter);
+    QCOMPARE(listed(counter), rows);
+    QCOMPARE(names(counter), offered);
+}
+
+/// Colour aside: the dots that are not of the cell's ground.
+int ink(const Counter &counter, int row)
+{
+    const auto *list = counter.find<RowList>("LV");
+    const QRect cell = list->visualRect(list->model()->index(row, 0)).adjusted(2, 2, -2, -2);
+    const QImage image = list->viewport()->grab(cell).toImage();
+    int dots = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            dots += image.pixel(x, y) == image.pixel(0, 0) ? 0 : 1;
+    }
+    return dots;
+}
+
+void StockListTest::lowRowHasASign()
+{
+    Counter counter;
+    addRow(counter, u"('A1','TEA','DRINKS',1,5,5,'Enabled',''),('A1 ','JAM','FOOD',1,5,6,'Enabled',''),"
+                    "('A9','BUN','FOOD',1,5,6,'Enabled','')"_s);
+    openStock(counter);
+    QVERIFY(ink(counter, 1) > 0);
+    QVERIFY2(ink(counter, 0) > ink(counter, 1) + 10, qPrintable(QString::number(ink(counter, 0))));
+    const auto said = [&](int row) { return rowsOf(counter).index(row, 0).data(Qt::AccessibleTextRole).toString(); };
+    QCOMPARE(said(0), u"A1, low stock"_s);
+    QCOMPARE(said(1), QString()); // its text as it is
+    QCOMPARE(rowsOf(counter).index(0, 0).data().toString(), u"A1"_s);
+    QVERIFY(!rowsOf(counter).index(0, 1).data(Qt::AccessibleTextRole).isValid());
+}
+
 void StockListTest::namesKeepTheirTextAndLetters()
 {
     Counter counter;
@@ -286,6 +344,23 @@ void StockListTest::failingQuery()
     QCOMPARE(listed(counter), QStringList());
     QCOMPARE(names(counter), QStringList());
     QCOMPARE(counter.text("Combo7"), u"typed"_s);
+    QCOMPARE(counter.text("StatusBar1_2"), u"Stock List Refreshed."_s);
+}
+
+void StockListTest::brokenInTheMiddle()
+{
+    Counter counter;
+    for (int i = 0; i < 30; ++i)
+        counter.file.addItem(u"A%1"_s.arg(i), u"ITEM"_s, 1, 1);
+    openStock(counter);
+    QCOMPARE(listed(counter).size(), 30);
+    counter.setText("Combo7", u"typed"_s);
+    counter.connection->rowsUntilBreak = [](const QString &select) { return select == allStock ? 12 : -1; };
+    counter.click("Command7");
+    QCOMPARE(listed(counter), QStringList());
+    QCOMPARE(names(counter), QStringList());
+    QCOMPARE(counter.text("Combo7"), u"typed"_s);
+    QCOMPARE(selectedRow(counter), -1);
     QCOMPARE(counter.text("StatusBar1_2"), u"Stock List Refreshed."_s);
 }
 
@@ -341,6 +416,20 @@ void StockListTest::keptRowsStayWhenTheQueryFails()
     InventoryProbe{counter.window()}.load(true);
     QCOMPARE(listed(counter), before);
     QCOMPARE(names(counter), QStringList{u"Green Tea"_s});
+}
+
+void StockListTest::keptRowsStayWhenTheQueryBreaks()
+{
+    Counter counter;
+    for (int i = 0; i < 30; ++i)
+        counter.file.addItem(u"A%1"_s.arg(i), u"ITEM"_s, 1, 1);
+    openStock(counter);
+    const QStringList before = listed(counter);
+    counter.file.sql(u"UPDATE StockList SET StockName = 'OTHER'"_s);
+    counter.connection->rowsUntilBreak = [](const QString &select) { return select == allStock ? 12 : -1; };
+    InventoryProbe{counter.window()}.load(true);
+    QCOMPARE(listed(counter), before);
+    QCOMPARE(names(counter).size(), 30);
 }
 
 void StockListTest::putAppends()

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void settingsThatCannotBeRead();
     void emailAddress_data();
     void emailAddress();
+    void emailAddressThatCannotBeRead_data();
+    void emailAddressThatCannotBeRead();
     void savedEmailReport_data();
     void savedEmailReport();
     void savedReceiptChoice_data();
@@ -132,6 +134,30 @@ void WindowTest::emailAddress()
     counter.open();
     QCOMPARE(counter.text("Text2"), shown);
     QCOMPARE(counter.state().ReportEmailAddress, shown);
+}
+
+void WindowTest::emailAddressThatCannotBeRead_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("refused") << QString() << true;
+    QTest::newRow("no table") << u"DROP TABLE StoreSettings"_s << false;
+    QTest::newRow("refused, and there is no row") << u"DELETE FROM StoreSettings"_s << true;
+}
+
+/// The placeholder is for a shop that has none, and not for one whose address is not known.
+void WindowTest::emailAddressThatCannotBeRead()
+{
+    QFETCH(const QString, change);
+    QFETCH(const bool, refused);
+    Counter counter;
+    counter.file.sql(change);
+    counter.connection->fails = [&](const QString &statement) {
+        return refused && statement == u"Select * from StoreSettings"_s;
+    };
+    counter.open();
+    QCOMPARE(counter.text("Text2"), QString());
+    QCOMPARE(counter.state().ReportEmailAddress, QString());
 }
 
 void WindowTest::savedEmailReport_data()

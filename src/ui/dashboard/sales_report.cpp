@@ -27,7 +27,7 @@ void Inventory::openSalesReport()
     }
     bool done = false;
     try {
-        done = callSalesReport() && takeEmailReportFlag();
+        done = callSalesReport();
     } catch (const std::exception &error) {
         qCWarning(lcWindow, "The sales report ended early: %s", error.what());
     } catch (...) {
@@ -50,7 +50,7 @@ bool Inventory::callSalesReport()
     if (!arguments.connection)
         return false; // no connection, no folder
     arguments.folder = arguments.connection->location().remove(u"Harrowby.dll"_s);
-    // Copies: a report that fails leaves the login as it was.
+    // Copies: until the last step has worked, the login stays as it was.
     QString msgTitle = m_state.MsgTitle;
     bool canSettings = m_state.CanSettings;
     QString loggedUser = m_state.LoggedUser;
@@ -62,7 +62,9 @@ bool Inventory::callSalesReport()
     finishWalks(); // the report may stay open for long
     if (!callAccountPreview(*report, arguments))
         return false;
-    InvBasic::setConnection(arguments.connection);
+    InvBasic::setConnection(arguments.connection); // this one at once: it is kept also when the next step fails
+    if (!takeEmailReportFlag())
+        return false;
     // What the report changed, and nothing else: another user may have logged in meanwhile.
     const auto takeOver = [](auto &ours, const auto &passed, const auto &returned) {
         if (returned != passed)

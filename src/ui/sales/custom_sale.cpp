@@ -28,19 +28,19 @@ void Inventory::LoadStockItem(PickList &list, const QString &category)
     DbRecordset items;
     items.Open(statements::stockItems(isSale && m_state.HideFinishedFlag != 0, category), connection(),
                DbRecordset::Access::Walk);
+    NeededTexts texts(items, u"StockID"_s, u"StockName"_s);
     PackedTexts keys;
-    QByteArray id;
-    QByteArray name;
     QByteArray key;
     forEachRow(items, [&] {
-        putItemKey(key, items.Field(u"StockID"_s).utf8(id).value_or(QUtf8StringView()),
-                   items.Field(u"StockName"_s).utf8(name).value_or(QUtf8StringView()));
-        keys.append(QUtf8StringView(key));
+        if (texts.read()) {
+            putItemKey(key, texts[0], texts[1]);
+            keys.append(QUtf8StringView(key));
+        }
         m_breather.breathe([&] { list.takeEntries(keys); });
         return list.generation() == fill; // else the list was filled afresh meanwhile
     });
     if (list.generation() == fill)
-        list.takeEntries(keys);
+        items.HasFailed() ? list.dropEntries() : list.takeEntries(keys);
 }
 
 void Inventory::customSaleCategoryChosen()

@@ -109,15 +109,16 @@ void Inventory::LoadPurchaseIDs()
     purchases.Open(statements::purchaseIds(), connection(), DbRecordset::Access::Walk);
     list.clearEntries();
     const unsigned fill = list.generation();
+    NeededTexts texts(purchases, u"PurchaseID"_s);
     PackedTexts ids;
-    QByteArray buffer;
     forEachRow(purchases, [&] {
-        ids.append(purchases.Field(u"PurchaseID"_s).utf8(buffer).value_or(QUtf8StringView()));
+        if (texts.read())
+            ids.append(texts[0]);
         m_breather.breathe([&] { list.takeEntries(ids); });
         return list.generation() == fill; // else the list was filled afresh meanwhile
     });
     if (list.generation() == fill)
-        list.takeEntries(ids);
+        purchases.HasFailed() ? list.dropEntries() : list.takeEntries(ids);
 }
 
 } // namespace harrowby

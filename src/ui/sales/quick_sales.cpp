@@ -32,10 +32,12 @@ void blank(QuickSaleButton &button)
 
 void fill(QuickSaleButton &button, DbRecordset &item)
 {
-    const QString caption = item.Field(u"StockID"_s).text() + crLf + item.Field(u"StockName"_s).text() + crLf +
-                            formatMoney(item.Field(u"Stockcost"_s).number());
-    button.setText(caption);
-    button.setToolTip(QString(caption).replace(crLf, "  |  "_L1));
+    if (NeededTexts texts(item, u"StockID"_s, u"StockName"_s, u"Stockcost"_s); texts.read()) {
+        const QString caption =
+            texts[0].toString() + crLf + texts[1].toString() + crLf + formatMoney(item.Field(u"Stockcost"_s).number());
+        button.setText(caption);
+        button.setToolTip(QString(caption).replace(crLf, "  |  "_L1));
+    }
     if (const std::optional<DbValue> available = item.Field(u"StockAvailable"_s).value())
         button.setOutOfStock(valueNumber(*available) <= 0.0);
 }

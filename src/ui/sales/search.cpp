@@ -55,16 +55,19 @@ void Inventory::SearchLoad(const QString &text)
     const unsigned fill = results.generation();
     const int tab = m_controls.TabStrip1->selectedTab();
     m_controls.placeSearchResult(tab == WorkArea::EditStock || tab == WorkArea::ReorderStock);
-    m_controls.Frame11->show();
-    m_controls.Frame11->raise();
+    bringForward(m_controls.Frame11);
     m_controls.Frame13->hide();
     m_controls.LV2->setFocus(); // where the arrow keys choose, and Enter takes what is chosen
+    NeededTexts texts(found, u"StockID"_s, u"StockName"_s, u"StockCategory"_s);
     forEachRow(found, [&] {
-        results.queueRow({QString::number(results.lastRow() + 2) + u'.', found.Field(u"StockID"_s).text(),
-                          found.Field(u"StockName"_s).text(), found.Field(u"StockCategory"_s).text()});
+        if (texts.read())
+            results.queueRow({QString::number(results.lastRow() + 2) + u'.', texts[0].toString(), texts[1].toString(),
+                              texts[2].toString()});
         m_breather.breathe([&] { results.publishRows(); });
         return results.generation() == fill; // else another search has begun meanwhile
     });
+    if (results.generation() == fill && found.HasFailed())
+        results.clear();
     results.publishRows();
 }
 

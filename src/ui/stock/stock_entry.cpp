@@ -88,7 +88,7 @@ void Inventory::saveStock()
         return;
     }
     StockItem item = stockItem(entry);
-    const bool automatic = item.id == automaticIdText;
+    const bool automatic = m_controls.Combo6->entryText() == automaticIdText; // to the letter: a blank makes it an ID
     if (automatic) {
         item.id = freeStockId(automaticIdPrefix(item.category));
         if (item.id.isEmpty())

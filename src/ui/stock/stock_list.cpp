@@ -66,7 +66,9 @@ void Inventory::LoadStock(bool keepRows)
     }
     const unsigned fill = list.generation();
     DbRecordset stock;
-    stock.Open(statements::allStock(), connection(), DbRecordset::Access::Walk);
+    // A walk that breaks empties the list that it was filling; rows that are kept are not begun with before all is
+    // read.
+    stock.Open(statements::allStock(), connection(), keepRows ? DbRecordset::Access::Read : DbRecordset::Access::Walk);
     StockRowReader reader(stock, list.columnCount());
     PackedTexts newNames;
     int placed = -1;
@@ -75,17 +77,24 @@ void Inventory::LoadStock(bool keepRows)
         names.takeEntries(newNames);
     };
     forEachRow(stock, [&] {
-        list.expectRow(reader.readId());
-        reader.readRest();
-        placed = placeRow(list, reader.row());
-        newNames.append(reader.name());
-        // The colour goes to the last row, on purpose also when an earlier one was updated.
-        list.setLow(list.lastRow(), reader.isLow());
+        if (reader.readId()) {
+            list.expectRow(reader.id());
+            reader.readRest();
+            placed = placeRow(list, reader.row());
+            // The colour goes to the last row, on purpose also when an earlier one was updated.
+            list.setLow(list.lastRow(), reader.isLow());
+        }
+        if (reader.hasName())
+            newNames.append(reader.name());
         m_breather.breathe(showRows);
         return list.generation() == fill; // else another refresh has filled the list afresh
     });
-    if (list.generation() == fill && placed >= 0)
+    if (list.generation() == fill && stock.HasFailed() && !keepRows) {
+        list.clear();
+        names.dropEntries();
+    } else if (list.generation() == fill && (placed >= 0 || !newNames.isEmpty())) {
         showRows();
+    }
     if (names.entryText().isEmpty()) // else something was entered meanwhile
         names.setEntryText(typedName);
 }

@@ -28,22 +28,27 @@ double shownNumber(const DbValue &value)
 
 } // namespace
 
-StockRowReader::StockRowReader(DbRecordset &stock, qsizetype columns) : m_stock(stock), m_packer(columns) {}
-
-QStringView StockRowReader::readId()
+StockRowReader::StockRowReader(DbRecordset &stock, qsizetype columns) :
+    m_stock(stock), m_packer(columns), m_id(stock, u"StockID"_s), m_name(stock, u"StockName"_s)
 {
+}
+
+bool StockRowReader::readId()
+{
+    m_hasName = m_name.read();
+    if (!m_id.read())
+        return false;
     m_packer.begin();
-    m_packer.addUpper(text(u"StockID"_s));
-    return m_packer.last();
+    m_packer.addUpper(m_id[0]);
+    return true;
 }
 
 void StockRowReader::readRest()
 {
     const DbValue level = value(u"StockReorderLevel"_s);
     const DbValue available = value(u"StockAvailable"_s);
-    m_name = m_stock.Field(u"StockName"_s).utf8(m_nameBuffer).value_or(QUtf8StringView());
     m_low = needsReorder(level, available);
-    m_packer.addUpper(m_name);
+    m_packer.addUpper(m_hasName ? m_name[0] : QUtf8StringView());
     m_packer.add(text(u"StockCategory"_s));
     m_packer.add(QStringView(formatMoney(shownNumber(value(u"StockCost"_s)))));
     addFigure(level);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/row_loop.h"
 #include "ui/widgets/packed_row.h"
 
 #include <harrowby/db_value.h>
@@ -21,15 +22,19 @@ public:
     /// `stock` must outlive the reader. `columns` is how many the list has.
     StockRowReader(DbRecordset &stock, qsizetype columns);
 
-    /// Begins the current row with its ID, which it returns as the list shows it.
-    QStringView readId();
-    /// Reads the rest of the row.
+    /// Begins the current row with its ID and name; false when it has no ID, and the list gets no row.
+    [[nodiscard]] bool readId();
+    /// As the list shows it.
+    [[nodiscard]] QStringView id() const { return m_packer.last(); }
+    /// Reads the rest of the row. What it lacks stays empty.
     void readRest();
 
     /// As the list shows it: ID and name upper-cased, the cost as money.
     [[nodiscard]] PackedRow row() const { return m_packer.packed(); }
+    /// Whether there is a name; without such a column none is offered.
+    [[nodiscard]] bool hasName() const { return m_hasName; }
     /// The name as it is stored; good until the recordset moves or closes its walk.
-    [[nodiscard]] QUtf8StringView name() const { return m_name; }
+    [[nodiscard]] QUtf8StringView name() const { return m_name[0]; }
     [[nodiscard]] bool isLow() const { return m_low; }
 
 private:
@@ -40,8 +45,9 @@ private:
     DbRecordset &m_stock;
     RowPacker m_packer;
     QByteArray m_buffer;
-    QByteArray m_nameBuffer;
-    QUtf8StringView m_name;
+    NeededTexts<1> m_id;
+    NeededTexts<1> m_name;
+    bool m_hasName = false;
     bool m_low = false;
 };
 

@@ -85,6 +85,19 @@ void PickList::clearEntries()
     setEntryText({});
 }
 
+void PickList::dropEntries()
+{
+    const QSignalBlocker quietly(this);
+    const QSignalBlocker quietEdit(lineEdit());
+    const QString text = currentText();
+    const int cursor = lineEdit()->cursorPosition();
+    setCurrentIndex(-1);
+    ++m_generation;
+    m_entries->clear(); // and with them the base class clears the text
+    lineEdit()->setText(text);
+    lineEdit()->setCursorPosition(cursor);
+}
+
 void PickList::addEntry(const QString &text)
 {
     m_entries->append(text);

@@ -25,7 +25,9 @@ public:
     void setEntryText(const QString &text);
     /// Removes the entries and the text.
     void clearEntries();
-    /// Counts the calls of clearEntries(): a loop that fills the list stops when another one has begun afresh.
+    /// Removes the entries alone: the text stays, and selects nothing.
+    void dropEntries();
+    /// Counts the times it was emptied: a loop that fills the list stops when another one has begun afresh.
     [[nodiscard]] unsigned generation() const { return m_generation; }
     /// Appends an entry; text and selection stay as they are.
     void addEntry(const QString &text);

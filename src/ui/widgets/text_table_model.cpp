@@ -34,6 +34,9 @@ QVariant TextTableModel::data(const QModelIndex &index, int role) const
         return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ForegroundRole:
         return index.column() == 0 ? levelColour(index.row()) : QVariant();
+    case SignRole:
+    case Qt::AccessibleTextRole:
+        return index.column() == 0 && isLow(index.row()) ? levelSign(index.row(), role) : QVariant();
     default:
         return {};
     }
@@ -49,6 +52,12 @@ QVariant TextTableModel::levelColour(int row) const
     default:
         return {};
     }
+}
+
+/// Of a low row.
+QVariant TextTableModel::levelSign(int row, int role) const
+{
+    return role == SignRole ? QString(QChar(0x25BC)) : tr("%1, low stock").arg(text(row, 0));
 }
 
 QVariant TextTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -155,7 +164,7 @@ void TextTableModel::setRow(int row, PackedRow texts)
     while (last > first && replaced.view(last) == now.view(last))
         --last;
     if (first <= last)
-        changed(row, first, last, {Qt::DisplayRole, Qt::ToolTipRole});
+        changed(row, first, last, {Qt::DisplayRole, Qt::ToolTipRole, Qt::AccessibleTextRole});
 }
 
 int TextTableModel::findRow(QStringView text) const
@@ -171,7 +180,7 @@ void TextTableModel::setLow(int row, bool low)
     const Level level = low ? Level::Low : Level::Enough;
     if (!has(row) || std::exchange(m_rows[size_t(row)].level, level) == level)
         return;
-    changed(row, 0, 0, {Qt::ForegroundRole});
+    changed(row, 0, 0, {Qt::ForegroundRole, SignRole, Qt::AccessibleTextRole});
 }
 
 bool TextTableModel::isLow(int row) const

@@ -22,6 +22,9 @@ class TextTableModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
+    /// What is painted before a cell's text and is no part of it: a sign beside its colour.
+    static constexpr int SignRole = Qt::UserRole;
+
     explicit TextTableModel(QStringList headers, QObject *parent = nullptr);
 
     /// Rows that the views know of.
@@ -58,7 +61,8 @@ public:
     /// Tells that findRow() of the text will follow, to make it quicker.
     void expectRow(QStringView text) const { m_index.expect(text); }
 
-    /// Draws the first column of a row red, or black; a row that was never told draws in the list's colour.
+    /// Draws the first column of a row red and with a sign, which a screen reader is told of too, or black and without;
+    /// a row that was never told draws in the list's colour.
     void setLow(int row, bool low);
     [[nodiscard]] bool isLow(int row) const;
 
@@ -72,6 +76,7 @@ private:
 
     [[nodiscard]] bool has(int row) const { return row >= 0 && row < int(m_rows.size()); }
     [[nodiscard]] QVariant levelColour(int row) const;
+    [[nodiscard]] QVariant levelSign(int row, int role) const;
     void changed(int row, int firstColumn, int lastColumn, const QList<int> &roles);
 
     QStringList m_headers;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/two_line_delegate.h"
 
+#include "ui/widgets/text_table_model.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QTextLayout>
@@ -32,6 +34,8 @@ void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
 {
     QStyledItemDelegate::initStyleOption(option, index);
     option->palette.setColor(QPalette::HighlightedText, option->palette.color(QPalette::Text));
+    if (const QString sign = index.data(TextTableModel::SignRole).toString(); !sign.isEmpty())
+        option->text.prepend(sign + QChar::Nbsp);
 }
 
 void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
