@@ -62,6 +62,12 @@ int call(long number, Arguments... arguments)
     return static_cast<int>(::syscall(number, arguments...));
 }
 
+/// Whether the call has a third argument.
+bool makes(int flags)
+{
+    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+}
+
 int openFile(const char *path, int flags, mode_t mode)
 {
     return fails("open", path) ? -1 : call(SYS_openat, AT_FDCWD, path, flags, mode);
@@ -117,7 +123,6 @@ QString firstFailure()
 
 // In place of the C library's, for this program and everything that it has loaded.
 
-// NOLINTBEGIN
 using namespace harrowby::test;
 
 #pragma GCC visibility push(default)
@@ -126,7 +131,7 @@ extern "C" int open(const char *path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
+    const mode_t mode = FailingDisk::makes(flags) ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return FailingDisk::openFile(path, flags, mode);
 }
@@ -135,7 +140,7 @@ extern "C" int open64(const char *path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
+    const mode_t mode = FailingDisk::makes(flags) ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return FailingDisk::openFile(path, flags, mode);
 }
@@ -201,4 +206,3 @@ extern "C" int mkdir(const char *path, mode_t mode) noexcept
     return FailingDisk::fails("mkdir", path) ? -1 : FailingDisk::call(SYS_mkdir, path, mode);
 }
 #pragma GCC visibility pop
-// NOLINTEND
