@@ -2,6 +2,7 @@
 #include "platform/boxes.h"
 
 #include "basic/text.h"
+#include "platform/early_keys.h"
 #include "platform/long_text.h"
 
 #include <QAbstractButton>
@@ -173,6 +174,7 @@ void QtBoxes::setObserver(std::function<void(QDialog &)> observer)
 
 int QtBoxes::run(QDialog &dialog)
 {
+    new EarlyKeys(dialog);
     const QPointer<QDialog> alive(&dialog);
     if (const auto observer = m_observer)
         observer(dialog);

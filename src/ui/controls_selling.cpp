@@ -3,6 +3,7 @@
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/grid_walk.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
@@ -56,6 +57,7 @@ void Controls::createQuickSales()
         grid->setColumnStretch(i % kCardsPerRow, 1);
         Command1[size_t(i)] = card;
     }
+    new GridWalk({Command1.begin(), Command1.end()}, kCardsPerRow, Frame1);
 }
 
 void Controls::createCustomSale()

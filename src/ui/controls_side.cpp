@@ -104,6 +104,7 @@ void Controls::createCart()
     Label5->setObjectName(u"Label5"_s);
     Label5->setText(u"Total: 0.00"_s);
     Command14 = makePrimaryButton(Frame4, u"Command14"_s, u"Purchase Cart"_s);
+    Command14->setToolTip(QObject::tr("F12 presses it from anywhere in the window"));
     Command12 = makeButton(Frame4, u"Command12"_s, u"Delete"_s);
     Command12->setAccessibleName(QObject::tr("Delete the selected item from the cart"));
     Command13 = makeButton(Frame4, u"Command13"_s, u"Clear Cart"_s);

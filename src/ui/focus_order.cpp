@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/focus_order.h"
 
+#include <QComboBox>
+#include <QLineEdit>
 #include <QMainWindow>
 
 #include <algorithm>
@@ -29,6 +31,14 @@ bool isCovered(const QWidget &widget, const QWidget &window)
     });
 }
 
+void leadTo(QWidget &control, Qt::FocusReason reason)
+{
+    control.setFocus(reason);
+    const auto *list = qobject_cast<QComboBox *>(&control);
+    if (auto *entry = list != nullptr ? list->lineEdit() : qobject_cast<QLineEdit *>(&control))
+        entry->selectAll();
+}
+
 bool focusNextUncovered(QMainWindow &window, bool next)
 {
     QWidget *const start = window.focusWidget() ? window.focusWidget() : &window;
@@ -36,7 +46,7 @@ bool focusNextUncovered(QMainWindow &window, bool next)
     for (QWidget *widget = step(start); widget && widget != start; widget = step(widget)) {
         if (!takesTab(*widget, window))
             continue;
-        widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        leadTo(*widget, next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         return true;
     }
     return false;

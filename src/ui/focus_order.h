@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Qt>
+
 class QMainWindow;
 class QWidget;
 
@@ -9,6 +11,10 @@ namespace harrowby {
 /// Whether a visible widget lies wholly under other widgets of its window: its middle and its four corners are
 /// theirs.
 [[nodiscard]] bool isCovered(const QWidget &widget, const QWidget &window);
+
+/// Gives a control the focus, and marks the whole text of an entry, so that what is typed takes its place. Also where
+/// the window is not the active one, because a box has just closed or nothing makes it active.
+void leadTo(QWidget &control, Qt::FocusReason reason = Qt::OtherFocusReason);
 
 /// Moves the focus to the next (or previous) widget of the tab order that a person can see and use; false when there
 /// is none other.

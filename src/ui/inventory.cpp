@@ -8,7 +8,6 @@
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/focus_order.h"
-#include "ui/widgets/enter_presses.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
@@ -165,9 +164,7 @@ void Inventory::connectWindow()
     onClick(m_controls.Command10, [this] { close(); });
     onClick(m_controls.Command20, [this] { showHelp(); });
     onClick(m_controls.Command11, [this] { clearActivityLog(); });
-    auto *enter = new EnterPresses(this);
-    for (QAbstractButton *button : findChildren<QAbstractButton *>())
-        button->installEventFilter(enter);
+    connectKeys();
     // Nobody undoes in the log, and the history would grow with it.
     m_controls.Text1->setUndoRedoEnabled(false);
     // Of the dashboard's elements only this one does anything when it is clicked.
@@ -179,7 +176,7 @@ void Inventory::connectLogin()
 {
     new UpperCaseTyping(m_controls.Text3);
     new UpperCaseTyping(m_controls.Combo16);
-    connect(m_controls.Text3, &QLineEdit::returnPressed, m_controls.Text4, qOverload<>(&QWidget::setFocus));
+    connect(m_controls.Text3, &QLineEdit::returnPressed, this, [this] { leadTo(*m_controls.Text4); });
     connect(m_controls.Text4, &QLineEdit::returnPressed, this, [this] { run([this] { logIn(); }); });
     onClick(m_controls.Command28, [this] { logIn(); });
     onClick(m_controls.Command29, [this] { clearLogin(); });
@@ -283,7 +280,7 @@ void Inventory::loadForm()
     m_controls.Combo12->setEntryText(statements::allCategories);
     readStoreSettings();
     showSettings();
-    m_controls.Text3->setFocus();
+    leadTo(*m_controls.Text3);
 }
 
 void Inventory::fillPickLists()
@@ -382,11 +379,6 @@ void Inventory::showHelp()
         "Harrowby Option > User Tab. \r\n\r\nFor more information, kindly visit https://harrowby.example/inventory or "
         "email us at support@harrowby.example."_s,
         box::Information);
-}
-
-bool Inventory::focusNextPrevChild(bool next)
-{
-    return focusNextUncovered(*this, next);
 }
 
 std::shared_ptr<DbConnection> Inventory::connection() const

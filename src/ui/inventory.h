@@ -58,6 +58,7 @@ public:
 protected:
     void closeEvent(QCloseEvent *event) override;
     bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     /// Tests call shared procedures through it that no control reaches with such arguments.
@@ -125,6 +126,10 @@ private:
     void showQuickSalesTab();
     void refuseWorkArea();
     bool loadStockForTab();
+
+    // keys.cpp
+    void connectKeys();
+    void beginNextSale();
 
     // keypad.cpp
     void pressKey(int key);

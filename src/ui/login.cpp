@@ -3,6 +3,7 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
+#include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
@@ -41,7 +42,7 @@ bool Inventory::RequireLogin()
     if (m_state.IsLoggedIn)
         return true;
     warn(u"You must Login in First!"_s);
-    m_controls.Text3->setFocus();
+    leadTo(*m_controls.Text3);
     return false;
 }
 
@@ -52,8 +53,7 @@ void Inventory::logIn()
     const QString password = trimmedUpper(m_controls.Text4->text());
     if (name.isEmpty() || password.isEmpty()) {
         warn(u"You have entered a blank entry!"_s);
-        m_controls.Text3->setFocus();
-        m_controls.Text3->selectAll();
+        leadTo(*m_controls.Text3);
         return;
     }
     DbRecordset user;
@@ -128,7 +128,7 @@ void Inventory::logOut()
     m_controls.TabStrip1->selectTab(1);
     m_state.IsLoggedIn = false;
     m_controls.StatusBar1_1->setText(u"User: None"_s);
-    m_controls.Text3->setFocus();
+    leadTo(*m_controls.Text3);
 }
 
 bool Inventory::settleCartBeforeLogout()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "ui/widgets/name_list.h"
 #include "ui/widgets/packed_texts.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -23,6 +24,9 @@ class ListChoiceTest : public QObject
 private Q_SLOTS:
     void rowListIsChosen();
     void rowListIsNotChosenByWalking();
+    void rowListTakesTheRowThatIsPressed_data();
+    void rowListTakesTheRowThatIsPressed();
+    void nameListTakesTheNameThatIsPressed();
     void rowListSelectsInPlace();
     void rowListGoesAwayInTheMiddleOfAChoice();
     void entriesAreTakenTogether();
@@ -89,6 +93,52 @@ void ListChoiceTest::rowListIsNotChosenByWalking()
     QTest::keyClick(&list, Qt::Key_End);
     QCOMPARE(list.selectedRow(), 2);
     QCOMPARE(chosen.count(), 0);
+}
+
+void ListChoiceTest::rowListTakesTheRowThatIsPressed_data()
+{
+    QTest::addColumn<Qt::KeyboardModifiers>("held");
+    QTest::newRow("Ctrl") << Qt::KeyboardModifiers(Qt::ControlModifier);
+    QTest::newRow("Shift") << Qt::KeyboardModifiers(Qt::ShiftModifier);
+    QTest::newRow("both") << (Qt::ControlModifier | Qt::ShiftModifier);
+}
+
+void ListChoiceTest::rowListTakesTheRowThatIsPressed()
+{
+    QFETCH(const Qt::KeyboardModifiers, held);
+    RowList list({u"ID"_s});
+    useOnScreen(list, 3);
+    QList<int> selected; // at the time of each choice
+    connect(&list, &RowList::rowChosen, this, [&] { selected << list.selectedRow(); });
+    connect(&list, &RowList::rowOpened, this, [&] { selected << list.selectedRow(); });
+    const auto centre = [&](int row) { return list.visualRect(list.rows().index(row, 0)).center(); };
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, held, centre(1));
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, held,
+                      centre(1)); // which the base class takes for "not this one"
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, held, centre(2));
+    QCOMPARE(selected, (QList<int>{1, 1, 2}));
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, held, centre(2));
+    QCOMPARE(selected.last(), 2);
+    QCOMPARE(list.selectedRow(), 2);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, held, list.viewport()->rect().bottomRight() - QPoint(5, 5));
+    QCOMPARE(list.selectedRow(), 2);
+    QTest::keyClick(&list, Qt::Key_Space, held);
+    QCOMPARE(list.selectedRow(), 2);
+}
+
+void ListChoiceTest::nameListTakesTheNameThatIsPressed()
+{
+    NameList list;
+    list.addItems({u"DRINKS"_s, u"FOOD"_s});
+    list.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&list));
+    for (int press = 0; press < 2; ++press) {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          list.visualItemRect(list.item(1)).center());
+        QVERIFY(list.item(1)->isSelected());
+    }
+    QTest::keyClick(&list, Qt::Key_Space, Qt::ControlModifier);
+    QVERIFY(list.item(1)->isSelected());
 }
 
 void ListChoiceTest::rowListSelectsInPlace()
@@ -166,7 +216,7 @@ void ListChoiceTest::selectedEntry()
     QTest::keyClick(&list, Qt::Key_Down);
     QCOMPARE(list.entryText(), u"B"_s);
     QCOMPARE(list.selectedEntry(), 1);
-    QTest::keyClick(&list, Qt::Key_Delete);
+    QTest::keyClick(&list, Qt::Key_Backspace);
     QCOMPARE(list.selectedEntry(), -1);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/random_user.h"
 
+#include "platform/early_keys.h"
 #include "support/known_boxes.h"
 #include "ui/interruption.h"
 
@@ -374,6 +375,8 @@ void RandomUser::meet(QDialog &dialog)
 
 void RandomUser::answer(QMessageBox &message, quint32 seed)
 {
+    if (!EarlyKeys::areOver(message)) // the key below would be lost, and the box stay
+        return QTimer::singleShot(0, &message, [this, &message, seed] { answer(message, seed); });
     if (!isKnownBox(message.text()))
         m_strangeBoxes << message.text();
     QRandomGenerator random(seed);

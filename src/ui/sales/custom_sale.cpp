@@ -4,6 +4,7 @@
 #include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statements.h"
+#include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"
 #include "ui/widgets/packed_texts.h"
@@ -100,13 +101,13 @@ void Inventory::addCustomItem()
     const QString key = m_controls.Combo3->entryText();
     if (trimBlanks(key).isEmpty()) {
         warn(u"You have selected an item!"_s); // the words for none being selected, on purpose
-        m_controls.Combo3->setFocus();
+        leadTo(*m_controls.Combo3);
         return;
     }
     const std::optional<std::int16_t> quantity = enteredQuantity();
     if (!quantity) {
         warn(u"You have entered an invalid quantity. Quantity must be greater than 0!"_s);
-        m_controls.Combo4->setFocus();
+        leadTo(*m_controls.Combo4);
         return;
     }
     if (!StockAvailable(key, *quantity))

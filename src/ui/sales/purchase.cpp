@@ -45,6 +45,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
     resetSalePanels();
     if (!skipConfirm)
         LogActivity(checkoutLogLine(static_cast<int>(lines.size()), total.value()), box::Information, false, true);
+    beginNextSale();
 }
 
 void Inventory::resetSalePanels()

@@ -8,6 +8,7 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
+#include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/stock_columns.h"
 #include "ui/widgets/pick_list.h"
@@ -34,7 +35,7 @@ void Inventory::resetStockFields()
 void Inventory::startNewStock()
 {
     resetStockFields();
-    m_controls.Combo5->setFocus(); // before the button goes, as the focus would go with it
+    leadTo(*m_controls.Combo5); // before the button goes, as the focus would go with it
     m_controls.Command26->setEnabled(false);
 }
 
@@ -108,7 +109,7 @@ StockEntry Inventory::enteredStock() const
 void Inventory::refuseStockEntry(StockFault fault)
 {
     warn(faultText(fault));
-    const auto lead = [](PickList *field) { field->setFocus(); };
+    const auto lead = [](PickList *field) { leadTo(*field); };
     switch (fault) {
     case StockFault::Cost:
         m_controls.Combo8->setEntryText(u"0.00"_s);

@@ -6,7 +6,7 @@
 namespace harrowby {
 
 /// Event filter for buttons: Enter presses the one that has the focus, as the space bar does. Qt leaves that to
-/// dialogs.
+/// dialogs. Not for buttons that sell at one press: Enter follows a login, and every code that a reader reads.
 class EnterPresses final : public QObject
 {
     Q_OBJECT

@@ -4,6 +4,8 @@
 #include "ui/style/colours.h"
 #include "ui/widgets/plain_tool_tip.h"
 
+#include <QApplication>
+#include <QFocusEvent>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
@@ -13,14 +15,38 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
+namespace {
+
+/// By Tab, by an accelerator or from code; not by a press, which puts the caret where it hits, nor by the going of
+/// what stood in front.
+bool comesForANewText(Qt::FocusReason reason)
+{
+    return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason ||
+           reason == Qt::OtherFocusReason;
+}
+
+} // namespace
+
 EntryEdit::EntryEdit(QWidget *parent) : QLineEdit(parent)
 {
     connect(this, &QLineEdit::textChanged, this, &EntryEdit::showStart);
 }
 
+/// The focus leaves a widget that goes away when little is left of it.
+EntryEdit::~EntryEdit()
+{
+    disconnect(m_waiting);
+}
+
 bool EntryEdit::isTooLong() const
 {
     return echoMode() == Normal && fontMetrics().horizontalAdvance(text()) > contentsRect().width() - 4;
+}
+
+bool EntryEdit::isEdited() const
+{
+    const QWidget *focus = window()->focusWidget();
+    return focus != nullptr && (focus == this || focus == focusProxy());
 }
 
 bool EntryEdit::event(QEvent *event)
@@ -30,15 +56,37 @@ bool EntryEdit::event(QEvent *event)
         showPlainToolTip(static_cast<QHelpEvent *>(event)->globalPos(), whole, this);
         return true;
     }
+    const bool known = QLineEdit::event(event);
     if (event->type() == QEvent::FocusOut)
-        setCursorPosition(0);
-    return QLineEdit::event(event);
+        isEdited() ? waitBehindAnother() : rest();
+    else if (event->type() == QEvent::FocusIn && comesForANewText(static_cast<QFocusEvent *>(event)->reason()))
+        selectAll();
+    return known;
+}
+
+void EntryEdit::rest()
+{
+    deselect();
+    setCursorPosition(0);
+}
+
+/// The focus may be somewhere else when it comes back to the window, and then this entry hears of it no more.
+void EntryEdit::waitBehindAnother()
+{
+    disconnect(m_waiting);
+    m_waiting = connect(qApp, &QApplication::focusChanged, this, [this] {
+        if (isEdited() && !hasFocus())
+            return;
+        disconnect(m_waiting);
+        if (!isEdited())
+            rest();
+    });
 }
 
 void EntryEdit::paintEvent(QPaintEvent *event)
 {
     QLineEdit::paintEvent(event);
-    if (hasFocus() || !isTooLong())
+    if (isEdited() || !isTooLong())
         return;
     QStyleOptionFrame option;
     initStyleOption(&option);
@@ -55,7 +103,7 @@ void EntryEdit::paintEvent(QPaintEvent *event)
 
 void EntryEdit::showStart()
 {
-    if (!hasFocus())
+    if (!isEdited())
         setCursorPosition(0);
 }
 

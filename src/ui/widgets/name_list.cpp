@@ -14,6 +14,12 @@ NameList::NameList(QWidget *parent) : QListWidget(parent)
     setUniformItemSizes(true);
 }
 
+/// The base class lets Ctrl take the selection off a name.
+QItemSelectionModel::SelectionFlags NameList::selectionCommand(const QModelIndex &index, const QEvent *) const
+{
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
 bool NameList::viewportEvent(QEvent *event)
 {
     if (event->type() != QEvent::ToolTip)

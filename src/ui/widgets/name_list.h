@@ -7,7 +7,8 @@
 
 namespace harrowby {
 
-/// A list of names: plain text, elided where it is too long, with the whole in the tool tip.
+/// A list of names: plain text, elided where it is too long, with the whole in the tool tip. Who presses a name
+/// selects it, whatever keys are held.
 class NameList : public QListWidget, public SpokenParts
 {
     Q_OBJECT
@@ -18,6 +19,8 @@ public:
     void pressPart(int row) override { setCurrentRow(row); }
 
 protected:
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                                       const QEvent *event = nullptr) const override;
     bool viewportEvent(QEvent *event) override;
 };
 

@@ -289,11 +289,16 @@ void PickList::dropSelection()
         return;
     const QSignalBlocker quietly(this);
     const QSignalBlocker quietEdit(lineEdit());
+    QLineEdit &edit = *lineEdit();
     const QString text = currentText();
-    const int cursor = lineEdit()->cursorPosition();
+    const int cursor = edit.cursorPosition();
+    const int start = edit.selectionStart();
+    const int length = int(edit.selectedText().size());
     setCurrentIndex(-1);
-    lineEdit()->setText(text);
-    lineEdit()->setCursorPosition(cursor);
+    edit.setText(text);
+    edit.setCursorPosition(cursor);
+    if (start >= 0) // a selection has its caret at one of its ends
+        edit.setSelection(cursor == start ? start + length : start, cursor == start ? -length : length);
 }
 
 void PickList::entryActivated(int index)

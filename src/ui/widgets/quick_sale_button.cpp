@@ -7,6 +7,7 @@
 
 #include <QFontInfo>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTextLayout>
@@ -86,6 +87,14 @@ bool QuickSaleButton::event(QEvent *event)
         return QAbstractButton::event(event);
     showPlainToolTip(static_cast<QHelpEvent *>(event)->globalPos(), toolTip(), this);
     return true;
+}
+
+/// A desktop may have Enter press its buttons. Here it would sell with the second Enter of a login, and with the one
+/// that a code reader sends.
+void QuickSaleButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        QAbstractButton::keyPressEvent(event);
 }
 
 void QuickSaleButton::paintEvent(QPaintEvent *)

@@ -9,7 +9,7 @@ struct Colours;
 
 /// One quick-sale button. text() is its caption: ID, name and unit price on three lines (CR LF between them), or
 /// "(empty)"; each line is painted in its own way. The caption is data: no accelerator, no markup, and the tool tip
-/// is shown as plain text.
+/// is shown as plain text. The space bar presses it, and Enter never.
 class QuickSaleButton : public QAbstractButton
 {
     Q_OBJECT
@@ -30,6 +30,7 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -127,7 +127,7 @@ void RowList::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->accept();
         const int row = selectedRow();
-        if (row < 0)
+        if (row < 0 || event->isAutoRepeat()) // held since it answered a box, it would open the next one
             return;
         const QPointer<RowList> alive(this);
         Q_EMIT rowChosen(row);
@@ -136,6 +136,13 @@ void RowList::keyPressEvent(QKeyEvent *event)
         return;
     }
     QTreeView::keyPressEvent(event);
+}
+
+/// The base class lets Ctrl take the selection off a row; the press on it would then act on none.
+QItemSelectionModel::SelectionFlags RowList::selectionCommand(const QModelIndex &index, const QEvent *) const
+{
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
+                           : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
 }
 
 void RowList::resizeEvent(QResizeEvent *event)

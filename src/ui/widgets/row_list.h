@@ -14,7 +14,7 @@ class TextTableModel;
 
 /// Report-style list: whole rows, one selected at a time, columns under headers, texts elided with the whole in
 /// their tool tip (always plain text). The columns share the width that there is, so that nothing scrolls sideways.
-/// Enter on a row does what a double click does.
+/// Enter on a row does what a double click does. Who presses a row selects it, whatever keys are held.
 class RowList : public QTreeView, public SpokenParts
 {
     Q_OBJECT
@@ -57,6 +57,8 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                                       const QEvent *event = nullptr) const override;
     void showEvent(QShowEvent *event) override;
     bool viewportEvent(QEvent *event) override;
 

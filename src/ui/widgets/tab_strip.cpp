@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QWheelEvent>
 
 namespace harrowby {
 
@@ -77,6 +78,12 @@ void TabStrip::tabInserted(int index)
     m_accepted = currentIndex();
 }
 
+/// Nobody means a tab with it, and it would drop what stands half entered in the one that is left.
+void TabStrip::wheelEvent(QWheelEvent *event)
+{
+    event->ignore();
+}
+
 /// The user chose a tab. The question may open a box, behind which the window may go away.
 void TabStrip::choose(int index)
 {
@@ -98,7 +105,7 @@ void TabStrip::showTab(int index)
     setCurrentIndex(index);
 }
 
-/// Every way of the base class to another tab (arrow keys, wheel, assistive technology) comes through here: the
+/// Every way of the base class to another tab (arrow keys, assistive technology) comes through here: the
 /// change is taken back and becomes a choice of the user.
 void TabStrip::currentTabChanged(int index)
 {

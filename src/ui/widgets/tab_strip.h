@@ -10,7 +10,7 @@
 namespace harrowby {
 
 /// Row of tabs numbered from 1. Captions are plain text. Besides the arrow keys, a tab's number, Home and End choose a
-/// tab: the way there by the arrows may lead over one that is refused.
+/// tab: the way there by the arrows may lead over one that is refused. The wheel chooses none.
 class TabStrip : public QTabBar, public SpokenParts
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ class TabStrip : public QTabBar, public SpokenParts
 public:
     explicit TabStrip(QWidget *parent = nullptr);
 
-    /// Asked before a tab that the user chose (mouse, wheel, keyboard or assistive technology) is selected; false
+    /// Asked before a tab that the user chose (mouse, keyboard or assistive technology) is selected; false
     /// cancels the choice. Not asked when selectTab() selects a tab.
     std::function<bool()> beforeClick;
 
@@ -35,6 +35,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void tabInserted(int index) override;
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
     [[nodiscard]] int tabOfKey(int key) const;

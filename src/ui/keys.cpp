@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// What keys do in the window beyond their own controls, and where the focus goes.
+#include "ui/focus_order.h"
+#include "ui/inventory.h"
+#include "ui/widgets/enter_presses.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/quick_sale_button.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/work_areas.h"
+
+#include <QFrame>
+#include <QKeyEvent>
+#include <QPushButton>
+
+namespace harrowby {
+
+void Inventory::connectKeys()
+{
+    auto *enter = new EnterPresses(this);
+    for (QAbstractButton *button : findChildren<QAbstractButton *>()) {
+        if (qobject_cast<QuickSaleButton *>(button) == nullptr)
+            button->installEventFilter(enter);
+    }
+}
+
+bool Inventory::focusNextPrevChild(bool next)
+{
+    return focusNextUncovered(*this, next);
+}
+
+/// Comes here from every control, as none of them knows the key. Not a shortcut of Qt's: those are deaf where no window
+/// manager makes the window the active one.
+void Inventory::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_F12 || event->modifiers() != Qt::NoModifier)
+        return QMainWindow::keyPressEvent(event);
+    // The stock list lies over the cart, and what cannot be seen is not bought.
+    const bool seen = m_controls.Command14->isVisible() && m_controls.Frame10->isHidden();
+    if (seen && !event->isAutoRepeat())
+        m_controls.Command14->click(); // which heeds whether it is enabled
+}
+
+/// Where nothing is sold, the focus stays.
+void Inventory::beginNextSale()
+{
+    switch (m_controls.TabStrip1->selectedTab()) {
+    case WorkArea::QuickSales:
+        return leadTo(*m_controls.Command1.front());
+    case WorkArea::CustomSales:
+        return leadTo(*m_controls.Combo2);
+    default:
+        return;
+    }
+}
+
+} // namespace harrowby
