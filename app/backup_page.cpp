@@ -173,11 +173,18 @@ void BackupPage::finish(const BackupResult &result)
     showLast();
 }
 
+/// The focus goes first: a control that is disabled under it passes it on to whatever comes next, which is in the end
+/// the button that closes the window. So the entry takes no text for a while and keeps it.
 void BackupPage::setRunning(bool running)
 {
-    for (QWidget *control :
-         {static_cast<QWidget *>(m_place), static_cast<QWidget *>(m_choose), static_cast<QWidget *>(m_start)})
-        control->setEnabled(!running);
+    const QWidget *focus = window()->focusWidget();
+    QPushButton *next = running ? m_stop : m_start;
+    next->setEnabled(true);
+    if (focus == m_start || focus == m_choose || focus == m_stop)
+        next->setFocus();
+    m_place->setReadOnly(running);
+    m_choose->setEnabled(!running);
+    m_start->setEnabled(!running);
     m_stop->setEnabled(running);
     m_progress->setRange(0, 100);
     m_progress->setValue(0);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store_program.h"
 
+#include "bare_screen.h"
+#include "box_guard.h"
 #include "busy_wait.h"
 #include "command_line.h"
 #include "demo_shop.h"
@@ -223,6 +225,8 @@ int run(int argc, char **argv)
     probe.reset();
     setUpApplication();
     dressProgram(line);
+    const BareScreen screen;
+    const BoxGuard boxes;
     if (line.noPlugins)
         leaveOutPlugins();
     const auto keyboard = startKeyboard(line, missingKeyboard);

@@ -147,8 +147,9 @@ void TouchKeyboard::noteFocus(QWidget &entry, const QFocusEvent &event)
             noteDrop(*list);
         return;
     }
-    // A box in front that has gone is no wish to type into a list.
-    if (list == nullptr || event.reason() != Qt::ActiveWindowFocusReason)
+    // A box in front that has gone is no wish to type into a list, nor is a next sale that begins there.
+    const Qt::FocusReason reason = event.reason();
+    if (list == nullptr || (reason != Qt::ActiveWindowFocusReason && reason != Qt::OtherFocusReason))
         m_asking = &entry;
     m_later.start();
 }

@@ -3,6 +3,8 @@
 
 #include "spoken/true_focus.h"
 
+#include <QWheelEvent>
+
 namespace harrowby::app {
 
 bool TouchTabBar::event(QEvent *event)
@@ -15,6 +17,11 @@ QSize TouchTabBar::tabSizeHint(int index) const
 {
     constexpr QSize smallest(150, 48);
     return QTabBar::tabSizeHint(index).expandedTo(smallest);
+}
+
+void TouchTabBar::wheelEvent(QWheelEvent *event)
+{
+    event->ignore();
 }
 
 } // namespace harrowby::app

@@ -5,7 +5,7 @@
 
 namespace harrowby::app {
 
-/// Tabs that a thumb hits, drawn as the platform draws tabs.
+/// Tabs that a thumb hits, drawn as the platform draws tabs. The wheel turns none.
 class TouchTabBar final : public QTabBar
 {
     Q_OBJECT
@@ -16,6 +16,7 @@ public:
 protected:
     bool event(QEvent *event) override;
     [[nodiscard]] QSize tabSizeHint(int index) const override;
+    void wheelEvent(QWheelEvent *event) override;
 };
 
 } // namespace harrowby::app

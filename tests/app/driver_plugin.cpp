@@ -64,7 +64,9 @@ QString where(const QString &name)
 QString textOf(const QString &name)
 {
     const QWidget *widget = find(name);
-    const QVariant text = widget != nullptr ? widget->property("text") : QVariant();
+    QVariant text = widget != nullptr ? widget->property("text") : QVariant();
+    if (widget != nullptr && !text.isValid())
+        text = widget->property("currentText"); // of a list that is picked from
     return text.isValid() ? text.toString() : u"-"_s;
 }
 

@@ -46,6 +46,7 @@ private Q_SLOTS:
     void initTestCase();
     void firstStartAndLogin();
     void keyboardGivesTheScreenBack();
+    void keyboardComesBackAfterALogout();
     void withoutTheOptionThereIsNone();
 
 private:
@@ -123,6 +124,27 @@ void KeyboardRunTest::keyboardGivesTheScreenBack()
     QTRY_VERIFY_WITH_TIMEOUT((m_screen.press(key(u"Hide"_s)), program.place(u"Command28"_s).y() > lifted), 60000);
     QVERIFY(program.press(u"Text3"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.place(u"Command28"_s).y(), lifted, 30000);
+}
+
+/// On a bare screen nobody but the program gives the window the keys when the box has gone.
+void KeyboardRunTest::keyboardComesBackAfterALogout()
+{
+    Screen bare;
+    QVERIFY(bare.start(u"%1x%2"_s.arg(width).arg(height), Screen::Manager::None));
+    const QString store = m_home.filePath(u"shop.sqlite"_s);
+    makeStore(store);
+    RunningProgram program(bare, m_home.path());
+    QVERIFY(program.start({u"--touch-keyboard"_s, u"--database"_s, store}));
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Command28"_s), 60000);
+    bare.type(u"administrator"_s);
+    bare.key(u"Return"_s);
+    bare.type(u"secret"_s);
+    bare.key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
+    QVERIFY(program.press(u"Command27"_s));
+    QVERIFY(program.press(u"Yes"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Text3"_s, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Command28"_s), 30000);
 }
 
 void KeyboardRunTest::withoutTheOptionThereIsNone()

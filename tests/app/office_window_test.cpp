@@ -21,6 +21,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -55,6 +56,9 @@ private Q_SLOTS:
     void backupIsMade();
     void existingBackupIsAskedAbout();
     void badPlaceOfBackupIsTold();
+    void focusStaysOnTheBackupPage_data();
+    void focusStaysOnTheBackupPage();
+    void wheelTurnsNoPage();
     void everythingIsLargeEnoughForAThumbAndNamed();
     void fitsASmallScreen();
 
@@ -422,6 +426,57 @@ void OfficeWindowTest::badPlaceOfBackupIsTold()
     press("startBackup");
     QVERIFY(part<QLabel>("backupOutcome")->text().contains(u"store file itself"_s));
     QVERIFY(part<QPushButton>("startBackup")->isEnabled());
+}
+
+void OfficeWindowTest::focusStaysOnTheBackupPage_data()
+{
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("meanwhile");
+    QTest::addColumn<QByteArray>("after");
+    QTest::newRow("the button") << QByteArray("startBackup") << QByteArray("stopBackup") << QByteArray("startBackup");
+    QTest::newRow("the entry") << QByteArray("backupPlace") << QByteArray("backupPlace") << QByteArray("backupPlace");
+}
+
+/// Started by its letter, so that the focus is where it was.
+void OfficeWindowTest::focusStaysOnTheBackupPage()
+{
+    QFETCH(const QByteArray, from);
+    QFETCH(const QByteArray, meanwhile);
+    QFETCH(const QByteArray, after);
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    part<QTabBar>("officeTabs")->setCurrentIndex(2);
+    const auto typeABlank = [this] { QTest::keyClick(m_window->focusWidget(), Qt::Key_Space); };
+    part<QLineEdit>("backupPlace")->setText(m_folder->filePath(u"copy.db"_s));
+    part<QWidget>(from.constData())->setFocus();
+    part<QPushButton>("startBackup")->click();
+    QCOMPARE(m_window->focusWidget(), part<QWidget>(meanwhile.constData()));
+    if (meanwhile == "backupPlace")
+        typeABlank();
+    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
+    QVERIFY(part<QLabel>("backupOutcome")->text().contains(u"made and checked"_s));
+    QCOMPARE(m_window->focusWidget(), part<QWidget>(after.constData()));
+    QCOMPARE(part<QLineEdit>("backupPlace")->text(), m_folder->filePath(u"copy.db"_s));
+    QVERIFY(!part<QLineEdit>("backupPlace")->isReadOnly());
+    if (after == "backupPlace") {
+        part<QLineEdit>("backupPlace")->end(false);
+        typeABlank();
+        QVERIFY(part<QLineEdit>("backupPlace")->text().endsWith(u' '));
+    }
+    QVERIFY(m_window->isVisible());
+}
+
+void OfficeWindowTest::wheelTurnsNoPage()
+{
+    auto *tabs = part<QTabBar>("officeTabs");
+    const QPointF middle = tabs->rect().center();
+    for (const int step : {120, -120}) {
+        tabs->setCurrentIndex(1);
+        QWheelEvent turn(middle, tabs->mapToGlobal(middle), {}, {0, step}, Qt::NoButton, Qt::NoModifier,
+                         Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(tabs, &turn);
+        QCOMPARE(tabs->currentIndex(), 1);
+    }
 }
 
 void OfficeWindowTest::everythingIsLargeEnoughForAThumbAndNamed()

@@ -39,7 +39,7 @@ Screen::~Screen()
     end(m_server);
 }
 
-bool Screen::start(const QString &size)
+bool Screen::start(const QString &size, Manager manager)
 {
     m_server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, size + u"x24"_s, u"-nolisten"_s, u"tcp"_s,
                                u"-noreset"_s});
@@ -50,6 +50,8 @@ bool Screen::start(const QString &size)
         number += m_server.readAllStandardOutput();
     }
     m_display = u':' + QString::fromLatin1(number.trimmed());
+    if (manager == Manager::None)
+        return true;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DISPLAY"_s, m_display);
     m_manager.setProcessEnvironment(environment);
@@ -103,6 +105,24 @@ int Screen::count(QRgb colour, const QRect &part) const
     std::memcpy(pixels.data(), xcb_get_image_data(image.get()), pixels.size() * sizeof(quint32));
     return static_cast<int>(
         std::ranges::count_if(pixels, [colour](quint32 pixel) { return (pixel & RGB_MASK) == (colour & RGB_MASK); }));
+}
+
+void Screen::hold(const QString &name) const
+{
+    constexpr int untilItRepeats = 1200; // the X server begins after 660
+    input({u"keydown"_s, name});
+    QTest::qWait(untilItRepeats);
+    input({u"keyup"_s, name});
+}
+
+void Screen::moveTo(const QPoint &place) const
+{
+    input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y())});
+}
+
+void Screen::turnWheel(bool down) const
+{
+    input({u"click"_s, down ? u"5"_s : u"4"_s});
 }
 
 RunningProgram::RunningProgram(const Screen &screen, const QString &home) : m_screen(screen)

@@ -12,17 +12,19 @@
 
 namespace harrowby::app::test {
 
-/// A screen of the test's own, with a small window manager. Ends with the object.
+/// A screen of the test's own, with a small window manager or none. Ends with the object.
 class Screen
 {
 public:
+    enum class Manager { Openbox, None };
+
     Screen() = default;
     ~Screen();
     Screen(const Screen &) = delete;
     Screen &operator=(const Screen &) = delete;
 
     /// False when it cannot be had.
-    [[nodiscard]] bool start(const QString &size);
+    [[nodiscard]] bool start(const QString &size, Manager manager = Manager::Openbox);
     [[nodiscard]] const QString &display() const { return m_display; }
 
     /// Real input, through the X server.
@@ -31,6 +33,10 @@ public:
     void key(const QString &name) const;
     /// How many pixels of that part of the screen have this colour now; -1 when it cannot be looked at.
     [[nodiscard]] int count(QRgb colour, const QRect &part) const;
+    /// Keeps a key down until it repeats, and some more.
+    void hold(const QString &name) const;
+    void moveTo(const QPoint &place) const;
+    void turnWheel(bool down) const;
 
 private:
     void input(const QStringList &arguments) const;

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "bare_screen.h"
+
+#include "window_edge.h"
+#include "window_manager.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QEvent>
+#include <QScreen>
+#include <QWindow>
+
+namespace harrowby::app {
+
+namespace {
+
+/// A window that a person works in: not a list that drops down, a tool tip, or a notice that takes no keys.
+bool takesKeys(const QWidget &window)
+{
+    const Qt::WindowType type = window.windowType();
+    return window.isWindow() && (type == Qt::Window || type == Qt::Dialog || type == Qt::Sheet) &&
+           !window.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
+}
+
+bool isOnScreen(const QWidget *window)
+{
+    return window != nullptr && window->isVisible() && window->windowHandle() != nullptr &&
+           window->windowHandle()->isExposed();
+}
+
+void fillScreen(QWidget &window)
+{
+    const QRect room = window.screen()->availableGeometry();
+    if (window.isMaximized() && window.geometry() != room)
+        window.windowHandle()->setGeometry(room);
+}
+
+} // namespace
+
+BareScreen::BareScreen(QObject *parent) : QObject(parent)
+{
+    m_later.setSingleShot(true);
+    connect(&m_later, &QTimer::timeout, this, &BareScreen::takeKeyboard);
+    qApp->installEventFilter(this);
+}
+
+bool BareScreen::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Show:
+    case QEvent::WindowStateChange:
+        if (auto *window = qobject_cast<QWidget *>(watched); window != nullptr && takesKeys(*window))
+            come(*window);
+        break;
+    case QEvent::MouseButtonPress:
+        if (QApplication::activeWindow() != nullptr)
+            break;
+        [[fallthrough]];
+    case QEvent::Hide:
+        if (watched->isWidgetType())
+            m_later.start();
+        break;
+    case QEvent::Expose: // keys cannot be sent to a window before
+        m_later.start();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void BareScreen::come(QWidget &window)
+{
+    if (!window.isVisible() || hasWindowManager())
+        return;
+    m_windows.removeAll(&window);
+    m_windows << &window;
+    if (qobject_cast<QDialog *>(&window) != nullptr && window.findChild<WindowEdge *>() == nullptr)
+        new WindowEdge(window);
+    fillScreen(window);
+    m_later.start();
+}
+
+QWidget *BareScreen::frontWindow()
+{
+    if (QWidget *box = QApplication::activeModalWidget())
+        return box;
+    m_windows.removeIf([](const QPointer<QWidget> &window) { return window.isNull() || !window->isVisible(); });
+    return m_windows.isEmpty() ? nullptr : m_windows.constLast().data();
+}
+
+/// Never from another program, which may have windows on the same screen.
+void BareScreen::takeKeyboard()
+{
+    QWidget *front = m_windows.isEmpty() ? nullptr : frontWindow();
+    if (isOnScreen(front) && !hasWindowManager() && keyboardIsFree())
+        giveKeyboard(*front->windowHandle());
+}
+
+} // namespace harrowby::app
