@@ -96,15 +96,20 @@ void TroubledTill::connectAll()
 {
     const auto engine = std::make_shared<SqliteConnection>(m_guard->database());
     m_connection = std::make_shared<ReportingConnection>(engine);
-    const auto tell = [this](const DbFailure &failure) { told << failure.statement + u": "_s + failure.reason; };
+    const auto tell = [this](const DbFailure &failure) {
+        told << failure.statement + u": "_s + failure.reason;
+        toldOfStatements << failure.statement;
+    };
     engine->setFailureHandler(tell);
     m_connection->setFailureHandler(tell);
     m_connection->after = [this](const QString &statement, bool done) {
         (done ? m_done : failedStatements) << statement;
     };
     FileFailures::setHandler([this](const FileFailure &failure) {
-        if (!failure.isOver)
-            told << failure.path + u": "_s + failure.reason;
+        if (failure.isOver)
+            return;
+        told << failure.path + u": "_s + failure.reason;
+        toldOfFiles.insert(failure.kind);
     });
     m_log.setHandler([this](const QString &reason) { hasLogTrouble = !reason.isEmpty(); });
     InvBasic::setConnection(m_connection);
@@ -158,6 +163,8 @@ void TroubledTill::forget()
 {
     failedStatements.clear();
     told.clear();
+    toldOfStatements.clear();
+    toldOfFiles.clear();
 }
 
 QString TroubledTill::differsFromWhatWasDone()

@@ -10,9 +10,12 @@
 #include "support/reporting_connection.h"
 #include "ui/inventory.h"
 
+#include <harrowby/file_failure.h>
+
 #include <QStringList>
 
 #include <memory>
+#include <set>
 
 namespace harrowby::app::test {
 
@@ -50,10 +53,12 @@ public:
     [[nodiscard]] QString home() const { return m_home.path(); }
 
     QStringList failedStatements; ///< which the connection said have not been done
-    QStringList told;             ///< to the person at the till
+    QStringList told;             ///< to the person at the till, of statements and files
+    QStringList toldOfStatements;
+    std::set<FileFailure::Kind> toldOfFiles;
     bool hasLogTrouble =
         false; ///< it was told, once, that lines cannot be written into the log, and not that it is over
-    /// Forgets the first two.
+    /// Forgets all of that but the trouble with the log.
     void forget();
     /// Why the file does not hold exactly what was reported done; empty when it does.
     [[nodiscard]] QString differsFromWhatWasDone();
