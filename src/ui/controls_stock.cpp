@@ -69,8 +69,7 @@ void Controls::createStockList()
     LV->setAccessibleName(QObject::tr("Existing stock"));
     LV->setItemDelegate(new TwoLineDelegate(LV));
     LV->setColumnShares({1, 10, 4, 1, 1, 1, 1, 1});
-    LV->setColumnSamples(
-        {u"\u25BC OOO-0000"_s, {}, u"BEVERAGES"_s, u"9,999.00"_s, {}, {}, u"Disabled"_s, u"22-Oct-26 "_s});
+    LV->setColumnSamples({u"OOO-0000"_s, {}, u"BEVERAGES"_s, u"9,999.00"_s, {}, {}, u"Disabled"_s, u"22-Oct-26 "_s});
     LV->setFigureColumns({3, 4, 5});
     Command5 = makeButton(Frame10, u"Command5"_s, u"Edit Stock"_s);
     Command6 = makeButton(Frame10, u"Command6"_s, u"Delete Stock"_s);

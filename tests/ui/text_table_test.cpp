@@ -252,7 +252,7 @@ void TextTableTest::colours()
     QCOMPARE(colour(0).value<QColor>(), QColor(Colours::current().lowRow));
     QVERIFY(!colour(1).isValid()); // the item text alone
     const auto told = [&](int role) { return table.index(0, 0).data(role).toString(); };
-    QCOMPARE(told(TextTableModel::SignRole), u"\u25BC"_s); // beside the colour
+    QCOMPARE(told(TextTableModel::SignRole), u"\u25BC low"_s); // beside the colour
     QCOMPARE(told(Qt::AccessibleTextRole), u"A1, low stock"_s);
     QVERIFY(!table.index(0, 1).data(TextTableModel::SignRole).isValid());
     table.setLow(0, true);

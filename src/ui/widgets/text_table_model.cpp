@@ -5,6 +5,8 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace harrowby {
 
 TextTableModel::TextTableModel(QStringList headers, QObject *parent) :
@@ -57,7 +59,7 @@ QVariant TextTableModel::levelColour(int row) const
 /// Of a low row.
 QVariant TextTableModel::levelSign(int row, int role) const
 {
-    return role == SignRole ? QString(QChar(0x25BC)) : tr("%1, low stock").arg(text(row, 0));
+    return role == SignRole ? u"\u25BC "_s + tr("low") : tr("%1, low stock").arg(text(row, 0));
 }
 
 QVariant TextTableModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -28,6 +28,20 @@ qsizetype firstLineLength(const QString &text, const QFont &font, int width)
     return line.textLength();
 }
 
+int lineHeight(const QStyleOptionViewItem &cell)
+{
+    return cell.fontMetrics.height() - overlap;
+}
+
+/// Beneath a text that takes one line of two, where it costs no width; before any other, and then without its word.
+QString withSign(const QStyleOptionViewItem &cell, const QString &sign)
+{
+    const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
+    const bool hasRoom =
+        2 * lineHeight(cell) <= area.height() && cell.fontMetrics.horizontalAdvance(cell.text) <= area.width();
+    return hasRoom ? cell.text + QChar::LineSeparator + sign : sign.first(1) + QChar::Nbsp + cell.text;
+}
+
 } // namespace
 
 void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
@@ -35,7 +49,7 @@ void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
     QStyledItemDelegate::initStyleOption(option, index);
     option->palette.setColor(QPalette::HighlightedText, option->palette.color(QPalette::Text));
     if (const QString sign = index.data(TextTableModel::SignRole).toString(); !sign.isEmpty())
-        option->text.prepend(sign + QChar::Nbsp);
+        option->text = withSign(*option, sign);
 }
 
 void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -43,9 +57,10 @@ void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
-    const int lineHeight = cell.fontMetrics.height() - overlap;
-    const bool fits = cell.fontMetrics.horizontalAdvance(cell.text) <= area.width();
-    if (fits || area.width() <= 0 || 2 * lineHeight > area.height()) {
+    const int height = lineHeight(cell);
+    const bool fits =
+        !cell.text.contains(QChar::LineSeparator) && cell.fontMetrics.horizontalAdvance(cell.text) <= area.width();
+    if (fits || area.width() <= 0 || 2 * height > area.height()) {
         QStyledItemDelegate::paint(painter, option, index);
         return;
     }
@@ -58,12 +73,12 @@ void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 
     const int flags =
         static_cast<int>(cell.displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter | Qt::TextSingleLine;
-    const int top = area.top() + (area.height() - 2 * lineHeight) / 2;
+    const int top = area.top() + (area.height() - 2 * height) / 2;
     painter->save();
     painter->setFont(cell.font);
     painter->setPen(cell.palette.color(QPalette::Text));
-    painter->drawText(QRect(area.left(), top, area.width(), lineHeight), flags, first);
-    painter->drawText(QRect(area.left(), top + lineHeight, area.width(), lineHeight), flags, second);
+    painter->drawText(QRect(area.left(), top, area.width(), height), flags, first);
+    painter->drawText(QRect(area.left(), top + height, area.width(), height), flags, second);
     painter->restore();
 }
 
