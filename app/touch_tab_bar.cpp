@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "touch_tab_bar.h"
 
-#include "spoken/true_focus.h"
-
 #include <QWheelEvent>
 
 namespace harrowby::app {
-
-bool TouchTabBar::event(QEvent *event)
-{
-    const TrueFocus onlyTrue;
-    return QTabBar::event(event);
-}
 
 QSize TouchTabBar::tabSizeHint(int index) const
 {

@@ -14,7 +14,6 @@ public:
     using QTabBar::QTabBar;
 
 protected:
-    bool event(QEvent *event) override;
     [[nodiscard]] QSize tabSizeHint(int index) const override;
     void wheelEvent(QWheelEvent *event) override;
 };

@@ -2,7 +2,6 @@
 #include "spoken/tab_bar_reader.h"
 
 #include "spoken/spoken.h"
-#include "spoken/true_focus.h"
 
 #include <QKeySequence>
 #include <QPointer>
@@ -92,7 +91,6 @@ public:
     {
         if (action != pressAction() || !isValid())
             return;
-        const TrueFocus onlyTrue;
         if (auto *parts = dynamic_cast<SpokenParts *>(m_bar.data()))
             parts->pressPart(m_index);
         else

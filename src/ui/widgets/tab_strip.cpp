@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/tab_strip.h"
 
-#include "spoken/true_focus.h"
-
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
@@ -100,13 +98,12 @@ void TabStrip::choose(int index)
 
 void TabStrip::showTab(int index)
 {
-    const TrueFocus onlyTrue;
     m_accepted = index;
     setCurrentIndex(index);
 }
 
-/// Every way of the base class to another tab (arrow keys, assistive technology) comes through here: the
-/// change is taken back and becomes a choice of the user.
+/// Every way of the base class to another tab comes through here: the change is taken back and becomes a choice of the
+/// user.
 void TabStrip::currentTabChanged(int index)
 {
     if (index == m_accepted || m_accepted < 0)
