@@ -4,10 +4,9 @@
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
+#include "ui/widgets/activity_text.h"
 
 #include <QLabel>
-#include <QPlainTextEdit>
-#include <QTextCursor>
 
 using namespace Qt::StringLiterals;
 
@@ -20,8 +19,7 @@ void Inventory::LogActivity(const QString &message, int buttons, bool plainBox, 
         ask(message, plainBox ? box::OkOnly : buttons);
     reportOutcome(m_controls.StatusBar1_2, message);
     const QString time = activityLogTime(m_platform.clock->now());
-    // Inserted in front rather than set as a whole, so that a long day's log costs nothing.
-    QTextCursor(m_controls.Text1->document()).insertText(u"["_s + time + u"] -- "_s + message + u"\n\n"_s);
+    m_controls.Text1->prepend(u"["_s + time + u"] -- "_s + message + u"\n\n"_s);
     // The clock is read once for each column, as the two stand for themselves.
     const QString times = usageTime(m_platform.clock->now());
     const QString dates = usageTime(m_platform.clock->now());
@@ -32,7 +30,7 @@ void Inventory::clearActivityLog()
 {
     if (ask(u"Clear Activity Log!"_s, box::AskDefaultNo) != Answer::Yes)
         return;
-    m_controls.Text1->clear();
+    m_controls.Text1->clearEntries();
     LogActivity(u"Activity Cleared!"_s, box::Information, false, true);
 }
 

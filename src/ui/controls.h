@@ -9,13 +9,13 @@ class QLabel;
 class QLineEdit;
 class QListWidget;
 class QMainWindow;
-class QPlainTextEdit;
 class QPushButton;
 class QStatusBar;
 class QWidget;
 
 namespace harrowby {
 
+class ActivityText;
 class LevelLabel;
 class PickList;
 class QuickSaleButton;
@@ -144,7 +144,7 @@ struct Controls
     QPushButton *Command25; ///< "Undo" of the last purchase
 
     // Sales activity (Frame5)
-    QPlainTextEdit *Text1;  ///< activity log, newest first
+    ActivityText *Text1;    ///< activity log, newest first
     QPushButton *Command11; ///< "Clear Activity Log"
 
     // Dashboard (in Frame2). 3 sales today, 4 their amount, 8 units in stock, 9 items to reorder (a link);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where the panels stand, and the order in which Tab goes through the controls.
 #include "ui/controls.h"
+#include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
@@ -12,7 +13,6 @@
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QPushButton>
 
 #include <vector>

@@ -2,6 +2,7 @@
 // The right-hand area: cart, sales activity and dashboard.
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
+#include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/item_key_delegate.h"
 #include "ui/widgets/link_label.h"
@@ -11,7 +12,6 @@
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -123,11 +123,9 @@ void Controls::createCart()
 
 void Controls::createActivity()
 {
-    Text1 = new QPlainTextEdit(Frame5);
+    Text1 = new ActivityText(Frame5);
     Text1->setObjectName(u"Text1"_s);
     Text1->setAccessibleName(QObject::tr("Activity log"));
-    Text1->setReadOnly(true);
-    Text1->setUndoRedoEnabled(false);
     Text1->setTabChangesFocus(true);
     Text1->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     Text1->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

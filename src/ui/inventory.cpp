@@ -20,7 +20,6 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
@@ -165,8 +164,6 @@ void Inventory::connectWindow()
     onClick(m_controls.Command20, [this] { showHelp(); });
     onClick(m_controls.Command11, [this] { clearActivityLog(); });
     connectKeys();
-    // Nobody undoes in the log, and the history would grow with it.
-    m_controls.Text1->setUndoRedoEnabled(false);
     // Of the dashboard's elements only this one does anything when it is clicked.
     connect(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, this,
             [this] { run([this] { openReorderList(9); }); });

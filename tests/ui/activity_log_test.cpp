@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "support/counter.h"
 
+#include "ui/widgets/activity_text.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
 
 #include <QCheckBox>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -24,7 +29,26 @@ private Q_SLOTS:
     void failingInsertIsIgnored();
     void clear();
     void clearRefused();
+    void newestEntriesAreKept();
+    void memoryIsBounded_data();
+    void memoryIsBounded();
+    void oneHugeEntryStays();
 };
+
+namespace {
+
+QStringList entriesOf(const ActivityText &log)
+{
+    return log.toPlainText().split(u"\n\n"_s, Qt::SkipEmptyParts);
+}
+
+qsizetype memoryInUse()
+{
+    const auto info = ::mallinfo2();
+    return qsizetype(info.uordblks + info.hblkhd);
+}
+
+} // namespace
 
 void ActivityLogTest::entry()
 {
@@ -129,6 +153,89 @@ void ActivityLogTest::clearRefused()
     counter.click("Command11");
     QCOMPARE(counter.text("Text1"), log);
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM SysUsage"_s), u"1"_s);
+}
+
+void ActivityLogTest::newestEntriesAreKept()
+{
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    auto *log = counter.find<ActivityText>("Text1");
+    const int before = int(entriesOf(*log).size());
+    QCOMPARE(before, 1);
+    for (int i = before; i < 5000; ++i)
+        log->prepend(u"[time] -- number %1\n\n"_s.arg(i));
+    QStringList entries = entriesOf(*log);
+    QCOMPARE(entries.size(), 5000);
+    QVERIFY(entries.constLast().endsWith(u"ADMINISTRATOR successfully logged in!"_s));
+
+    counter.click("Command7"); // refreshes the stock list and logs it
+    entries = entriesOf(*log);
+    QCOMPARE(entries.size(), 5000);
+    QVERIFY(entries.at(0).endsWith(u"-- Stock List Refreshed."_s));
+    QVERIFY(entries.at(1).endsWith(u"number 4999"_s));
+    QCOMPARE(entries.constLast(), u"[time] -- number 1"_s);
+    log->prepend(u"[time] -- two\r\nlines\n\n"_s);
+    log->prepend(u"[time] -- last\n\n"_s);
+    QCOMPARE(entriesOf(*log).size(), 5000);
+    QCOMPARE(entriesOf(*log).constLast(), u"[time] -- number 3"_s);
+    QVERIFY(log->toPlainText().startsWith(u"[time] -- last\n\n[time] -- two\nlines\n\n["_s));
+    QVERIFY(log->toPlainText().endsWith(u"number 3\n\n"_s));
+
+    counter.boxes.expect(u"Clear Activity Log!"_s, box::AskDefaultNo, Answer::Yes);
+    counter.click("Command11");
+    QCOMPARE(entriesOf(*log).size(), 1);
+    for (int i = 0; i < 5001; ++i)
+        log->prepend(u"[time] -- again %1\n\n"_s.arg(i));
+    QCOMPARE(entriesOf(*log).size(), 5000);
+    QCOMPARE(entriesOf(*log).constLast(), u"[time] -- again 1"_s);
+}
+
+void ActivityLogTest::memoryIsBounded_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<int>("times");
+    QTest::addColumn<int>("kept");
+    QTest::newRow("usual") << u"12 of EARL-GREY-0001  |  EARL GREY TEA, 100 BAGS Added to Cart!"_s << 6000 << 5000;
+    QTest::newRow("long") << QString(1000, u'x') << 3000 << 0;
+    QTest::newRow("very long") << u"word "_s.repeated(2000) << 300 << 0;
+    QTest::newRow("many lines") << u"x\n"_s.repeated(500) << 100 << 0;
+}
+
+void ActivityLogTest::memoryIsBounded()
+{
+    QFETCH(QString, message);
+    QFETCH(int, times);
+    QFETCH(int, kept);
+    ActivityText log;
+    log.setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    log.resize(340, 500);
+    log.show();
+    QCoreApplication::processEvents();
+    const qsizetype before = memoryInUse();
+    for (int i = 0; i < times; ++i)
+        log.prepend(u"[21.11.26 12:00:00] -- "_s + message + u"\n\n"_s);
+    QVERIFY(memoryInUse() - before <= ActivityText::mostBytes);
+    if (kept > 0)
+        QCOMPARE(entriesOf(log).size(), kept);
+    // Whoever reads all of it makes it no larger.
+    QScrollBar *bar = log.verticalScrollBar();
+    for (int line = 0; line < bar->maximum(); line += std::max(1, bar->maximum() / 200)) {
+        bar->setValue(line);
+        log.repaint();
+    }
+    QVERIFY(memoryInUse() - before <= ActivityText::mostBytes);
+}
+
+void ActivityLogTest::oneHugeEntryStays()
+{
+    ActivityText log;
+    const QString huge(2'600'000, u'x');
+    log.prepend(u"old\n\n"_s);
+    log.prepend(huge + u"\n\n"_s);
+    QCOMPARE(entriesOf(log), QStringList{huge});
+    log.prepend(u"new\n\n"_s);
+    QCOMPARE(log.toPlainText(), u"new\n\n"_s);
 }
 
 QTEST_MAIN(ActivityLogTest)

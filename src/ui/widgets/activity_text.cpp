@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/activity_text.h"
+
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextLayout>
+
+namespace harrowby {
+
+ActivityText::ActivityText(QWidget *parent) : QPlainTextEdit(parent)
+{
+    setReadOnly(true);
+    setUndoRedoEnabled(false); // nobody undoes in the log, and the history would grow with it
+}
+
+void ActivityText::prepend(const QString &entry)
+{
+    const int characters = document()->characterCount();
+    const int paragraphs = document()->blockCount();
+    // Inserted in front rather than set as a whole, so that a long day's log costs nothing.
+    QTextCursor(document()).insertText(entry);
+    const Entry added = {document()->characterCount() - characters, document()->blockCount() - paragraphs};
+    m_entries.push_front(added);
+    m_bytes += bytesOf(added);
+    dropLayout(added.paragraphs);
+    forgetOldest();
+}
+
+void ActivityText::clearEntries()
+{
+    clear();
+    m_entries.clear();
+    m_bytes = 0;
+}
+
+/// Measured, and rounded up: text, format and lines. `activity_log_test` holds it against what is really taken.
+qsizetype ActivityText::bytesOf(const Entry &entry)
+{
+    constexpr qsizetype ofParagraph = 700;
+    constexpr qsizetype ofCharacter = 8;
+    return entry.paragraphs * ofParagraph + entry.characters * ofCharacter;
+}
+
+/// Inserting lays the new text out and keeps its glyphs, some forty bytes a character, which only painting it again
+/// would give back. Without a layout it is laid out when it is painted.
+void ActivityText::dropLayout(int paragraphs)
+{
+    QTextBlock block = document()->begin();
+    for (int i = 0; i <= paragraphs && block.isValid(); ++i, block = block.next()) {
+        QTextLayout *layout = block.layout();
+        layout->beginLayout();
+        layout->endLayout();
+        block.clearLayout();
+    }
+}
+
+void ActivityText::forgetOldest()
+{
+    int characters = 0;
+    while (m_entries.size() > 1 && (m_entries.size() > mostEntries || m_bytes > mostBytes)) {
+        characters += m_entries.back().characters;
+        m_bytes -= bytesOf(m_entries.back());
+        m_entries.pop_back();
+    }
+    if (characters == 0)
+        return;
+    const int end = document()->characterCount() - 1;
+    QTextCursor oldest(document());
+    oldest.setPosition(end - characters);
+    oldest.setPosition(end, QTextCursor::KeepAnchor);
+    oldest.removeSelectedText();
+}
+
+} // namespace harrowby
