@@ -31,7 +31,7 @@ bool isOnScreen(const QWidget *window)
 void fillScreen(QWidget &window)
 {
     const QRect room = window.screen()->availableGeometry();
-    if (window.isMaximized() && window.geometry() != room)
+    if (window.isVisible() && window.isMaximized() && window.geometry() != room)
         window.windowHandle()->setGeometry(room);
 }
 
@@ -77,7 +77,8 @@ void BareScreen::come(QWidget &window)
     m_windows << &window;
     if (qobject_cast<QDialog *>(&window) != nullptr && window.findChild<WindowEdge *>() == nullptr)
         new WindowEdge(window);
-    fillScreen(window);
+    // Not within the change of its state: what the platform makes of that comes after it.
+    QTimer::singleShot(0, &window, [&window] { fillScreen(window); });
     m_later.start();
 }
 

@@ -52,7 +52,7 @@ void KeysRunTest::cashierTypes()
 {
     QFETCH(const bool, managed);
     m_screen = std::make_unique<Screen>();
-    QVERIFY(m_screen->start(u"1024x768"_s, managed ? Screen::Manager::Openbox : Screen::Manager::None));
+    QVERIFY(m_screen->start(u"1366x768"_s, managed ? Screen::Manager::Openbox : Screen::Manager::None));
     const QString store = m_home.filePath(managed ? u"managed.sqlite"_s : u"bare.sqlite"_s);
     makeStore(store);
     runAll(store, {u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
@@ -63,6 +63,7 @@ void KeysRunTest::cashierTypes()
     logInAtTheSecondTry(program);
     if (QTest::currentTestFailed())
         return;
+    QVERIFY(program.place(u"Command10"_s).x() > 1240); // the till fills a screen that is wider than its usual size
     sellByKeys(program);
     if (QTest::currentTestFailed())
         return;
