@@ -2,9 +2,11 @@
 #include "ui/controls.h"
 
 #include "spoken/spoken.h"
+#include "ui/fitting.h"
 #include "ui/style/till_style.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/form_panel.h"
 #include "ui/widgets/panel.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/tab_strip.h"
@@ -16,8 +18,6 @@
 #include <QScreen>
 #include <QStatusBar>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
@@ -25,14 +25,23 @@ namespace harrowby {
 namespace {
 
 constexpr QSize kUsualSize(1280, 860);
-constexpr QSize kSmallestSize(1016, 700); // holds the panels of every work area
+constexpr QSize kSmallestSize(760, 560); // a screen of 800x600 less what frames it
 
-Panel *makePanel(QWidget &stage, const QString &name)
+QFrame *named(Panel *panel, const QString &name)
 {
-    auto *panel = new Panel(Panel::Look::Card, &stage);
     panel->setObjectName(name);
     panel->hide();
     return panel;
+}
+
+QFrame *makeCard(QWidget &stage, const QString &name)
+{
+    return named(new Panel(Panel::Look::Card, &stage), name);
+}
+
+QFrame *makeForm(QWidget &stage, const QString &name)
+{
+    return named(new FormPanel(&stage), name);
 }
 
 } // namespace
@@ -51,8 +60,10 @@ Controls::Controls(QMainWindow &form)
     nameParts();
     for (PickList *list : {Combo1, Combo2, Combo3, Combo5, Combo9, Combo11, Combo12, Combo15})
         list->setDropsOnPress(true);
-    dress(form);
     form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));
+    auto *fitting = new Fitting(form, *this);
+    fitting->fit();
+    dress(form);
 }
 
 /// After all else: a control that is made under a style sheet reads it before it has the name by which the sheet
@@ -91,15 +102,15 @@ void Controls::createWindowFrame(QMainWindow &form)
 
     auto *rows = new QVBoxLayout(whole);
     rows->setContentsMargins(6, 8, 6, 0);
-    rows->setSpacing(kGap);
+    rows->setSpacing(0);
     QBoxLayout *actions = makeRow();
-    actions->setContentsMargins(8, 0, 6, 0);
+    actions->setContentsMargins(8, 0, 6, kGap);
     actions->addWidget(makeText(whole, u"Harrowby Inventory"_s, u"title"_s), 1);
     for (QPushButton *button : {Command19, Command27, Command20, Command10})
         actions->addWidget(button);
     rows->addLayout(actions);
     QBoxLayout *tabs = makeRow();
-    tabs->setContentsMargins(2, 0, 6, 0);
+    tabs->setContentsMargins(2, 0, 6, kGap);
     tabs->addWidget(TabStrip1, 1);
     tabs->addWidget(Command8, 0, Qt::AlignBottom);
     rows->addLayout(tabs);
@@ -125,11 +136,16 @@ void Controls::createStatusBar(QMainWindow &form)
 
 void Controls::createWorkPanels(QWidget &stage)
 {
-    for (auto [panel, name] :
-         {std::pair(&Frame1, u"Frame1"_s), std::pair(&Frame3, u"Frame3"_s), std::pair(&Frame9, u"Frame9"_s),
-          std::pair(&Frame2, u"Frame2"_s), std::pair(&Frame7, u"Frame7"_s), std::pair(&Frame8, u"Frame8"_s),
-          std::pair(&Frame10, u"Frame10"_s), std::pair(&Frame11, u"Frame11"_s), std::pair(&Frame13, u"Frame13"_s)})
-        *panel = makePanel(stage, name);
+    // In their first stacking order.
+    Frame1 = makeCard(stage, u"Frame1"_s);
+    Frame3 = makeCard(stage, u"Frame3"_s);
+    Frame9 = makeForm(stage, u"Frame9"_s);
+    Frame2 = makeForm(stage, u"Frame2"_s);
+    Frame7 = makeForm(stage, u"Frame7"_s);
+    Frame8 = makeForm(stage, u"Frame8"_s);
+    Frame10 = makeCard(stage, u"Frame10"_s);
+    Frame11 = makeCard(stage, u"Frame11"_s);
+    Frame13 = makeCard(stage, u"Frame13"_s);
     createQuickSales();
     createCustomSale();
     createSearchResult();

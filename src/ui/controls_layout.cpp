@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where the panels stand, and the order in which Tab goes through the controls.
 #include "ui/controls.h"
+#include "ui/stage_layout.h"
 #include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"
@@ -21,15 +22,6 @@ namespace harrowby {
 
 namespace {
 
-// Columns and rows of the stage. The stock panels divide it further to the left than the selling ones, because the
-// stock list needs the room.
-enum Column { FieldsColumn, MiddleColumn, SideColumn };
-enum Row { UpperRow, LowerRow };
-
-constexpr int kFieldsWidth = 300;
-constexpr int kMiddleWidth = 320;
-constexpr int kSideWidth = 372;
-
 template <typename... Widgets>
 void append(std::vector<QWidget *> &order, Widgets *...widgets)
 {
@@ -43,31 +35,13 @@ void Controls::layOut(QWidget &stage)
     auto *grid = new QGridLayout(&stage);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(0); // the panels bring their gutters along
-    for (QFrame *panel : {Frame1, Frame3, Frame9})
-        grid->addWidget(panel, UpperRow, FieldsColumn, 2, 2);
-    for (QFrame *panel : {Frame7, Frame8})
-        grid->addWidget(panel, UpperRow, FieldsColumn, 2, 1);
-    for (QFrame *panel : {Frame11, Frame13})
-        grid->addWidget(panel, LowerRow, FieldsColumn, 1, 2);
-    grid->addWidget(Frame2, UpperRow, SideColumn, 2, 1);
-    grid->addWidget(Frame10, UpperRow, MiddleColumn, 2, 2);
-
-    grid->setRowStretch(UpperRow, 1);
-    grid->setRowStretch(LowerRow, 1);
-    grid->setColumnStretch(FieldsColumn, 26);
-    grid->setColumnStretch(MiddleColumn, 44);
-    grid->setColumnStretch(SideColumn, 30);
-    grid->setColumnMinimumWidth(FieldsColumn, kFieldsWidth);
-    grid->setColumnMinimumWidth(MiddleColumn, kMiddleWidth);
-    grid->setColumnMinimumWidth(SideColumn, kSideWidth);
+    arrangePanels(*this, *grid, Shape::Wide, Density::Usual);
     static_cast<QBoxLayout *>(stage.parentWidget()->layout())->setStretchFactor(&stage, 1);
 }
 
 void Controls::placeSearchResult(bool besideFields) const
 {
-    auto *grid = static_cast<QGridLayout *>(Frame11->parentWidget()->layout());
-    grid->removeWidget(Frame11);
-    grid->addWidget(Frame11, LowerRow, besideFields ? MiddleColumn : FieldsColumn, 1, 2);
+    placeSearchPanel(*this, *static_cast<QGridLayout *>(Frame11->parentWidget()->layout()), besideFields);
 }
 
 void Controls::setTabOrder()

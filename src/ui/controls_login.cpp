@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/controls.h"
+#include "ui/style/measures.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/panel.h"
@@ -15,8 +16,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 
 namespace {
-
-constexpr int kCardWidth = 400;
 
 /// Keeps a panel in the middle of the window, in front of the rest and without taking room from it.
 class Centring : public QObject
@@ -41,7 +40,8 @@ public:
 private:
     void centre()
     {
-        const QSize size(kCardWidth, m_panel.sizeHint().height());
+        const int width = measuresOf(densityOf(m_window.size())).loginWidth;
+        const QSize size(width, m_panel.sizeHint().height());
         m_panel.resize(size.boundedTo(m_window.size()));
         m_panel.move((m_window.width() - m_panel.width()) / 2, (m_window.height() - m_panel.height()) / 2);
     }

@@ -4,6 +4,7 @@
 #include "ui/widget_factory.h"
 #include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/form_panel.h"
 #include "ui/widgets/item_key_delegate.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/panel.h"
@@ -19,6 +20,9 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 
 namespace {
+
+/// Height at which the cart shows some lines above its total and its buttons.
+constexpr int kComfortableCounter = 390;
 
 Panel *makeSidePanel(QWidget *parent, const QString &name)
 {
@@ -71,13 +75,15 @@ QFrame *makeTile(QLabel *caption, QLabel *figure, QLabel *hint = nullptr)
 
 void Controls::createSideArea()
 {
-    TabStrip2 = new TabStrip(Frame2);
+    QWidget *page = static_cast<FormPanel *>(Frame2)->page();
+    auto *counter = new QWidget(page); // what a sale takes, beside the dashboard
+    TabStrip2 = new TabStrip(counter);
     TabStrip2->setObjectName(u"TabStrip2"_s);
     TabStrip2->setAccessibleName(QObject::tr("Side panels"));
     TabStrip2->addTab(u"Cart"_s);
     TabStrip2->addTab(u"Sales Activity"_s);
-    Frame4 = makeSidePanel(Frame2, u"Frame4"_s);
-    Frame5 = makeSidePanel(Frame2, u"Frame5"_s);
+    Frame4 = makeSidePanel(counter, u"Frame4"_s);
+    Frame5 = makeSidePanel(counter, u"Frame5"_s);
     Frame5->hide();
     createCart();
     createActivity();
@@ -85,10 +91,12 @@ void Controls::createSideArea()
     auto *shared = new QGridLayout;
     shared->addWidget(Frame4, 0, 0);
     shared->addWidget(Frame5, 0, 0);
-    QBoxLayout *column = makeColumn(Frame2);
+    QBoxLayout *column = makeColumn(counter);
     column->addWidget(TabStrip2);
     column->addLayout(shared, 1);
+    makeColumn(page)->addWidget(counter, 1);
     createDashboard();
+    static_cast<FormPanel *>(Frame2)->keepInView(counter, kComfortableCounter);
 }
 
 void Controls::createCart()
@@ -138,16 +146,17 @@ void Controls::createActivity()
 
 void Controls::createDashboard()
 {
+    QWidget *page = static_cast<FormPanel *>(Frame2)->page();
     const std::pair<int, QString> captions[] = {{0, u"Dashboard"_s},           {1, u"Today's Sales"_s},
                                                 {2, u"Today's Sales Total"_s}, {5, u"Total Available Item(s):"_s},
                                                 {6, u"Low Reorder Level:"_s},  {7, u"Click to See Reorder List"_s}};
     for (const auto &[index, text] : captions)
-        Label6[size_t(index)] = makeElement(Frame2, index, text);
+        Label6[size_t(index)] = makeElement(page, index, text);
     setLook(Label6[0], u"heading"_s);
-    Label6[3] = makeFigure(Frame2, 3, u"0"_s, *Label6[1]);
-    Label6[4] = makeFigure(Frame2, 4, u"0.00"_s, *Label6[2]);
-    Label6[8] = makeFigure(Frame2, 8, u"0"_s, *Label6[5]);
-    Label6[9] = makeFigure<LinkLabel>(Frame2, 9, u"0"_s, *Label6[6]);
+    Label6[3] = makeFigure(page, 3, u"0"_s, *Label6[1]);
+    Label6[4] = makeFigure(page, 4, u"0.00"_s, *Label6[2]);
+    Label6[8] = makeFigure(page, 8, u"0"_s, *Label6[5]);
+    Label6[9] = makeFigure<LinkLabel>(page, 9, u"0"_s, *Label6[6]);
     Label6[9]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
 
     auto *tiles = new QGridLayout;
@@ -159,7 +168,7 @@ void Controls::createDashboard()
     tiles->addWidget(makeTile(Label6[6], Label6[9], Label6[7]), 2, 1);
     tiles->setColumnStretch(0, 1);
     tiles->setColumnStretch(1, 1);
-    static_cast<QBoxLayout *>(Frame2->layout())->addLayout(tiles);
+    static_cast<QBoxLayout *>(page->layout())->addLayout(tiles);
 }
 
 } // namespace harrowby

@@ -3,6 +3,7 @@
 #include "ui/controls.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
+#include "ui/widgets/form_panel.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/two_line_delegate.h"
@@ -18,6 +19,8 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 
 namespace {
+
+constexpr int kFigureWidth = 112; ///< of an entry that takes a price or a quantity
 
 LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &caption)
 {
@@ -35,17 +38,20 @@ LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &capti
 
 void Controls::createStockFields()
 {
-    Combo6 = makePickList(Frame7, u"Combo6"_s, QObject::tr("Stock ID"));
-    Combo5 = makePickList(Frame7, u"Combo5"_s, QObject::tr("Category"));
-    Combo7 = makePickList(Frame7, u"Combo7"_s, QObject::tr("Item name"));
-    Combo8 = makePickList(Frame7, u"Combo8"_s, QObject::tr("Unit cost"));
-    Combo13 = makePickList(Frame7, u"Combo13"_s, QObject::tr("Reorder level"));
-    Combo14 = makePickList(Frame7, u"Combo14"_s, QObject::tr("Available stock"));
-    Combo15 = makePickList(Frame7, u"Combo15"_s, QObject::tr("Stock use"));
-    Command16 = makePrimaryButton(Frame7, u"Command16"_s, u"Add/Edit New Stock"_s);
-    Command26 = makeButton(Frame7, u"Command26"_s, QObject::tr("New Item"));
+    QWidget *page = static_cast<FormPanel *>(Frame7)->page();
+    Combo6 = makePickList(page, u"Combo6"_s, QObject::tr("Stock ID"));
+    Combo5 = makePickList(page, u"Combo5"_s, QObject::tr("Category"));
+    Combo7 = makePickList(page, u"Combo7"_s, QObject::tr("Item name"));
+    Combo8 = makePickList(page, u"Combo8"_s, QObject::tr("Unit cost"));
+    Combo13 = makePickList(page, u"Combo13"_s, QObject::tr("Reorder level"));
+    Combo14 = makePickList(page, u"Combo14"_s, QObject::tr("Available stock"));
+    Combo15 = makePickList(page, u"Combo15"_s, QObject::tr("Stock use"));
+    Command16 = makePrimaryButton(page, u"Command16"_s, u"Add/Edit New Stock"_s);
+    Command26 = makeButton(page, u"Command26"_s, QObject::tr("New Item"));
 
-    QGridLayout *grid = makeGrid(Frame7);
+    for (PickList *figure : {Combo8, Combo13, Combo14, Combo15})
+        figure->setMinimumWidth(kFigureWidth); // the list needs the rest
+    QGridLayout *grid = makeGrid(page);
     grid->addLayout(captioned(QObject::tr("Category"), Combo5), 0, 0, 1, 2);
     grid->addLayout(captioned(QObject::tr("Stock ID"), Combo6), 1, 0, 1, 2);
     grid->addLayout(captioned(QObject::tr("Item Name"), Combo7), 2, 0, 1, 2);
@@ -68,7 +74,7 @@ void Controls::createStockList()
     LV->setObjectName(u"LV"_s);
     LV->setAccessibleName(QObject::tr("Existing stock"));
     LV->setItemDelegate(new TwoLineDelegate(LV));
-    LV->setColumnShares({1, 10, 4, 1, 1, 1, 1, 1});
+    LV->setColumnShares({0, 8, 1, 0, 0, 0, 0, 0});
     LV->setColumnSamples({u"OOO-0000"_s, {}, u"BEVERAGES"_s, u"9,999.00"_s, {}, {}, u"Disabled"_s, u"22-Oct-26 "_s});
     LV->setFigureColumns({3, 4, 5});
     Command5 = makeButton(Frame10, u"Command5"_s, u"Edit Stock"_s);
@@ -86,17 +92,18 @@ void Controls::createStockList()
 
 void Controls::createReorder()
 {
-    Combo12 = makePickList(Frame8, u"Combo12"_s, QObject::tr("Category"));
-    Combo11 = makePickList(Frame8, u"Combo11"_s, QObject::tr("Item"));
+    QWidget *page = static_cast<FormPanel *>(Frame8)->page();
+    Combo12 = makePickList(page, u"Combo12"_s, QObject::tr("Category"));
+    Combo11 = makePickList(page, u"Combo11"_s, QObject::tr("Item"));
     Combo11->lineEdit()->setPlaceholderText(QObject::tr("Category first, or a row of the list"));
-    Combo10 = makePickList(Frame8, u"Combo10"_s, QObject::tr("New units"));
-    Label12 = makeLevel(Frame8, u"Label12"_s, u"Current Reorder Level:"_s);
-    Label13 = makeLevel(Frame8, u"Label13"_s, u"Current Available Stock:"_s);
-    Command17 = makePrimaryButton(Frame8, u"Command17"_s, u"Reorder Stock"_s);
-    Command23 = makeButton(Frame8, u"Command23"_s, u"Undo"_s);
-    Command24 = makePictureButton(Frame8, u"Command24"_s, u"dashboard"_s, QObject::tr("Refresh the dashboard"));
+    Combo10 = makePickList(page, u"Combo10"_s, QObject::tr("New units"));
+    Label12 = makeLevel(page, u"Label12"_s, u"Current Reorder Level:"_s);
+    Label13 = makeLevel(page, u"Label13"_s, u"Current Available Stock:"_s);
+    Command17 = makePrimaryButton(page, u"Command17"_s, u"Reorder Stock"_s);
+    Command23 = makeButton(page, u"Command23"_s, u"Undo"_s);
+    Command24 = makePictureButton(page, u"Command24"_s, u"dashboard"_s, QObject::tr("Refresh the dashboard"));
 
-    QGridLayout *grid = makeGrid(Frame8);
+    QGridLayout *grid = makeGrid(page);
     grid->addLayout(captioned(QObject::tr("Category"), Combo12), 0, 0, 1, 2);
     grid->addLayout(captioned(QObject::tr("Item"), Combo11), 1, 0, 1, 2);
     grid->addLayout(captioned(QObject::tr("New Units"), Combo10), 2, 0, 1, 2);

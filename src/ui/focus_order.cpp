@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QScrollArea>
 
 #include <algorithm>
 #include <array>
@@ -18,10 +19,25 @@ bool takesTab(const QWidget &widget, const QMainWindow &window)
            widget.window() == &window && !isCovered(widget, window);
 }
 
+/// What stands for a widget that may be scrolled out of sight: the part of the window where it comes into view.
+const QWidget &inView(const QWidget &widget, const QWidget &window)
+{
+    for (const QWidget *parent = widget.parentWidget(); parent && parent != &window; parent = parent->parentWidget()) {
+        const auto *area = qobject_cast<const QScrollArea *>(parent);
+        if (!area)
+            continue;
+        const QWidget &viewport = *area->viewport();
+        const QRect place(widget.mapTo(&viewport, QPoint()), widget.size());
+        return viewport.rect().contains(place) ? widget : viewport;
+    }
+    return widget;
+}
+
 } // namespace
 
-bool isCovered(const QWidget &widget, const QWidget &window)
+bool isCovered(const QWidget &control, const QWidget &window)
 {
+    const QWidget &widget = inView(control, window);
     const QRect inner = widget.rect().adjusted(1, 1, -1, -1);
     const std::array<QPoint, 5> points{inner.center(), inner.topLeft(), inner.topRight(), inner.bottomLeft(),
                                        inner.bottomRight()};

@@ -22,9 +22,9 @@ namespace {
 constexpr int kIconSize = 24;
 constexpr int kCaptionGap = 2;
 
-int marginOf(const QFrame &frame)
+int marginOf(const QWidget &widget)
 {
-    const auto *panel = qobject_cast<const Panel *>(&frame);
+    const auto *panel = qobject_cast<const Panel *>(&widget);
     return panel ? panel->margin() : 0;
 }
 
@@ -109,7 +109,7 @@ QBoxLayout *captioned(const QString &caption, QWidget *control)
     return column;
 }
 
-QGridLayout *makeGrid(QFrame *panel)
+QGridLayout *makeGrid(QWidget *panel)
 {
     auto *grid = new QGridLayout(panel);
     const int margin = marginOf(*panel);
@@ -118,7 +118,7 @@ QGridLayout *makeGrid(QFrame *panel)
     return grid;
 }
 
-QBoxLayout *makeColumn(QFrame *panel)
+QBoxLayout *makeColumn(QWidget *panel)
 {
     auto *column = new QVBoxLayout(panel);
     const int margin = marginOf(*panel);

@@ -5,7 +5,6 @@
 
 class QBoxLayout;
 class QCheckBox;
-class QFrame;
 class QGridLayout;
 class QLabel;
 class QPushButton;
@@ -40,10 +39,10 @@ void setLook(QWidget *widget, const QString &look);
 
 /// A caption over its control, as one column.
 QBoxLayout *captioned(const QString &caption, QWidget *control);
-/// A grid over a whole panel, its cells a gap apart.
-QGridLayout *makeGrid(QFrame *panel);
-/// A column over a whole panel, a gap between its rows.
-QBoxLayout *makeColumn(QFrame *panel);
+/// A grid over a whole panel or page, its cells a gap apart.
+QGridLayout *makeGrid(QWidget *panel);
+/// A column over a whole panel or page, a gap between its rows.
+QBoxLayout *makeColumn(QWidget *panel);
 QBoxLayout *makeRow();
 
 } // namespace harrowby

@@ -3,12 +3,15 @@
 
 #include "basic/logging.h"
 #include "ui/style/colours.h"
+#include "ui/style/measures.h"
 
 #include <QEvent>
 #include <QFile>
 #include <QGuiApplication>
+#include <QRegularExpression>
 #include <QWidget>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -33,7 +36,50 @@ QString sheetTemplate()
     return QString::fromUtf8(file.readAll());
 }
 
-QString sheetFor(const Colours &colours)
+constexpr int touchHeight = 44;
+constexpr auto densityProperty = "harrowbyDensity";
+
+/// Every font size of the sheet, times the factor.
+QString withFonts(const QString &sheet, double factor)
+{
+    if (factor == 1.0)
+        return sheet;
+    static const QRegularExpression points(u"([0-9.]+)pt"_s);
+    QString scaled;
+    qsizetype end = 0;
+    for (auto found = points.globalMatch(sheet); found.hasNext();) {
+        const QRegularExpressionMatch size = found.next();
+        scaled += QStringView(sheet).mid(end, size.capturedStart() - end);
+        scaled += QString::number(size.capturedView(1).toDouble() * factor) + u"pt"_s;
+        end = size.capturedEnd();
+    }
+    return scaled += QStringView(sheet).mid(end);
+}
+
+/// The lengths of the sheet. An edge that gets wider takes its room from the padding and the height.
+QString withMeasures(QString sheet, const Measures &measures)
+{
+    const std::pair<QString, int> lengths[] = {
+        {u"@control@"_s, measures.control},
+        {u"@control-focus@"_s, measures.control - 2},
+        {u"@touch@"_s, std::max(touchHeight, measures.control + 2)},
+        {u"@purchase@"_s, measures.purchase},
+        {u"@purchase-focus@"_s, measures.purchase - 2},
+        {u"@button@"_s, measures.buttonPadding},
+        {u"@button-focus@"_s, measures.buttonPadding - 2},
+        {u"@tab@"_s, measures.tabPadding},
+        {u"@tab-focus@"_s, measures.tabPadding - 2},
+        {u"@total@"_s, measures.totalPoints},
+        {u"@list-row@"_s, measures.listRow},
+        {u"@header@"_s, measures.header},
+        {u"@status-bar@"_s, measures.statusBar},
+    };
+    for (const auto &[name, length] : lengths)
+        sheet.replace(name, QString::number(length));
+    return withFonts(sheet, measures.fonts);
+}
+
+QString sheetFor(const Colours &colours, Density density)
 {
     const std::pair<QString, QColor> names[] = {
         {u"@background@"_s, colours.background},
@@ -54,13 +100,13 @@ QString sheetFor(const Colours &colours)
         {u"@danger@"_s, colours.danger},
         {u"@link@"_s, colours.link},
     };
-    QString sheet = sheetTemplate();
+    QString sheet = withMeasures(sheetTemplate(), measuresOf(density));
     for (const auto &[name, colour] : names)
         sheet.replace(name, colour.name());
     return sheet.replace(u"@shade@"_s, colours.dark ? u"dark"_s : u"light"_s);
 }
 
-/// Redresses its window whenever the application's palette changes.
+/// Redresses its window whenever the application's palette or the window's density changes.
 class StyleKeeper : public QObject
 {
 public:
@@ -72,7 +118,8 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange ||
+            event->type() == QEvent::DynamicPropertyChange)
             dress();
         return QObject::eventFilter(watched, event);
     }
@@ -81,14 +128,18 @@ private:
     void dress()
     {
         const qint64 key = QGuiApplication::palette().cacheKey();
-        if (m_paletteKey == key)
+        const QVariant density = m_window.property(densityProperty);
+        const Density wanted = density.isValid() ? static_cast<Density>(density.toInt()) : Density::Usual;
+        if (m_paletteKey == key && m_density == wanted)
             return;
         m_paletteKey = key;
-        m_window.setStyleSheet(sheetFor(Colours::current()));
+        m_density = wanted;
+        m_window.setStyleSheet(sheetFor(Colours::current(), wanted));
     }
 
     QWidget &m_window;
     qint64 m_paletteKey = -1;
+    Density m_density = Density::Usual;
 };
 
 } // namespace
@@ -97,6 +148,11 @@ void applyTillStyle(QWidget &window)
 {
     registerResources();
     new StyleKeeper(window);
+}
+
+void setTillDensity(QWidget &window, Density density)
+{
+    window.setProperty(densityProperty, static_cast<int>(density));
 }
 
 } // namespace harrowby

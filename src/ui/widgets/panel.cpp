@@ -21,10 +21,9 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kGutter = 6;
 constexpr int kShadow = 14;
 constexpr int kShadowStep = 5; ///< opacity of each of the rings that make the shadow
-constexpr int kPadding = 12;
+constexpr int kFloatingPadding = 24;
 constexpr int kRadius = 14;
 
 QRectF cardWithin(const QRectF &panel, int edge)
@@ -77,15 +76,29 @@ void paintShadow(QPainter &painter, const QRect &panel)
 
 } // namespace
 
-Panel::Panel(Look look, QWidget *parent) : QFrame(parent), m_look(look) {}
+Panel::Panel(Look look, QWidget *parent) :
+    QFrame(parent), m_look(look), m_gutter(measuresOf(Density::Usual).gutter),
+    m_padding(measuresOf(Density::Usual).padding)
+{
+}
+
+void Panel::setDensity(Density density)
+{
+    m_gutter = measuresOf(density).gutter;
+    m_padding = measuresOf(density).padding;
+    const int free = margin();
+    if (layout())
+        layout()->setContentsMargins(free, free, free, free);
+    update();
+}
 
 int Panel::margin() const
 {
     switch (m_look) {
     case Look::Card:
-        return kGutter + kPadding;
+        return m_gutter + m_padding;
     case Look::Floating:
-        return kShadow + 2 * kPadding;
+        return kShadow + kFloatingPadding;
     case Look::Plain:
         break;
     }
@@ -146,7 +159,7 @@ void Panel::paintEvent(QPaintEvent *)
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    const int edge = m_look == Look::Card ? kGutter : kShadow;
+    const int edge = m_look == Look::Card ? m_gutter : kShadow;
     const QRectF card = cardWithin(rect(), edge);
     if (m_look == Look::Card)
         painter.fillRect(rect(), colours.background);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/style/measures.h"
+
 #include <QFrame>
 #include <QPointer>
 
@@ -24,6 +26,8 @@ public:
 
     /// What the panel's layout leaves free on each side: gutter or shadow, and the padding of the card.
     [[nodiscard]] int margin() const;
+    /// Gutter and padding of a card follow it.
+    void setDensity(Density density);
 
     /// Leaves all that stands in the panel undressed until the panel is first shown. The style sheet's work on a
     /// control takes longer than making it, and a window opens with most of its panels hidden.
@@ -39,6 +43,8 @@ private:
     void dress();
 
     Look m_look;
+    int m_gutter;
+    int m_padding;
     std::vector<QPointer<QWidget>> m_undressed; ///< whose events are filtered
     std::vector<QPointer<QWidget>> m_waiting;   ///< those of them that Qt believes to be dressed
 };

@@ -22,13 +22,23 @@ namespace {
 
 constexpr int kRadius = 12;
 constexpr int kPadding = 12;
+constexpr int kPaddingShare = 18; ///< of a narrow card, left and right of its texts
 constexpr int kNameLines = 3;
+constexpr int kShownName = 400;        ///< characters that are laid out
+constexpr double kSmallestName = 0.80; ///< of the window's font
 const QString kBlank = u"(empty)"_s;
 
 /// The pixels that suit a card of this height: a part of it, between bounds that follow the window's font.
 double fitting(double part, double smallest, double largest)
 {
     return std::clamp(part, smallest, largest);
+}
+
+/// A text that goes on behind its first line: cut off behind a word if there is room for the sign that says so.
+QString elided(const QString &text, int lineLength, const QFontMetrics &metrics, int width)
+{
+    const QString whole = text.left(lineLength).trimmed() + u'\u2026';
+    return metrics.horizontalAdvance(whole) <= width ? whole : metrics.elidedText(text, Qt::ElideRight, width);
 }
 
 } // namespace
@@ -104,32 +114,47 @@ void QuickSaleButton::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF card = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5);
     paintCard(painter, card, colours);
-    QRect inside = rect().adjusted(kPadding, kPadding - 2, -kPadding, -kPadding + 2);
     if (isBlank()) {
-        paintBlank(painter, inside, colours);
+        paintBlank(painter, rect(), colours);
         return;
     }
 
     const Face face = this->face();
-    if (m_outOfStock) {
+    if (m_outOfStock)
         paintBand(painter, card, face, colours);
-        inside.setTop(face.bandHeight + 4);
-    }
+    const QRect all = inside(face);
     painter.setPen(colours.muted);
     painter.setFont(sized(face.idPixels, false));
-    const QFontMetrics small = painter.fontMetrics();
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
-                     small.elidedText(face.id, Qt::ElideRight, inside.width()));
-    const QRect priceArea = inside.adjusted(0, inside.height() - int(face.pricePixels * 1.25), 0, 0);
+    painter.drawText(all, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(face.id, Qt::ElideRight, all.width()));
     painter.setFont(sized(face.pricePixels, true));
     painter.setPen(m_outOfStock ? colours.text : colours.price);
-    painter.drawText(priceArea, Qt::AlignRight | Qt::AlignBottom | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(face.price, Qt::ElideRight, inside.width()));
+    painter.drawText(priceArea(face), Qt::AlignRight | Qt::AlignBottom | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(face.price, Qt::ElideRight, all.width()));
     painter.setPen(m_outOfStock ? colours.muted : colours.text);
-    paintName(painter,
-              QRect(inside.left(), inside.top() + small.height(), inside.width(),
-                    priceArea.top() - inside.top() - small.height()),
-              face);
+    paintName(painter, face);
+}
+
+QRect QuickSaleButton::inside(const Face &face) const
+{
+    const int side = std::min(kPadding, width() / kPaddingShare);
+    QRect inside = rect().adjusted(side, kPadding - 2, -side, -kPadding + 2);
+    if (m_outOfStock)
+        inside.setTop(face.bandHeight + 4);
+    return inside;
+}
+
+QRect QuickSaleButton::priceArea(const Face &face) const
+{
+    const QRect all = inside(face);
+    return all.adjusted(0, all.height() - int(face.pricePixels * 1.25), 0, 0);
+}
+
+QRect QuickSaleButton::nameArea(const Face &face) const
+{
+    const QRect all = inside(face);
+    const int top = all.top() + QFontMetrics(sized(face.idPixels, false)).height();
+    return {all.left(), top, all.width(), priceArea(face).top() - top};
 }
 
 QuickSaleButton::Face QuickSaleButton::face() const
@@ -198,13 +223,36 @@ void QuickSaleButton::paintBand(QPainter &painter, const QRectF &card, const Fac
     painter.restore();
 }
 
-/// The name, on as many lines as there is room for; the last line is elided.
-void QuickSaleButton::paintName(QPainter &painter, const QRect &area, const Face &face) const
+/// As large as the card's height allows, but so small that no word has to be broken; only a word that is too long for
+/// the smallest is.
+QFont QuickSaleButton::nameFont(const Face &face, int width) const
 {
-    painter.setFont(sized(face.namePixels, true));
-    const QFontMetrics metrics = painter.fontMetrics();
+    const double smallest = QFontInfo(font()).pixelSize() * kSmallestName;
+    double pixels = face.namePixels;
+    const QStringList words = face.name.left(kShownName).split(u' ');
+    const auto fits = [&] {
+        const QFontMetrics metrics(sized(pixels, true));
+        return std::ranges::all_of(words,
+                                   [&](const QString &word) { return metrics.horizontalAdvance(word) <= width; });
+    };
+    while (pixels > smallest && !fits())
+        pixels = std::max(smallest, pixels - 1);
+    return sized(pixels, true);
+}
+
+QStringList QuickSaleButton::nameLines() const
+{
+    const Face face = this->face();
+    return isBlank() ? QStringList() : nameLines(face, nameFont(face, nameArea(face).width()));
+}
+
+/// As many lines as there is room for; the last one is elided.
+QStringList QuickSaleButton::nameLines(const Face &face, const QFont &font) const
+{
+    const QRect area = nameArea(face);
+    const QFontMetrics metrics(font);
     const int lines = std::clamp(area.height() / metrics.height(), 1, kNameLines);
-    QTextLayout layout(face.name.left(400), painter.font());
+    QTextLayout layout(face.name.left(kShownName), font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
@@ -212,18 +260,26 @@ void QuickSaleButton::paintName(QPainter &painter, const QRect &area, const Face
     QStringList shown;
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(area.width());
-        if (shown.size() + 1 == lines) {
-            shown += metrics.elidedText(face.name.mid(line.textStart()), Qt::ElideRight, area.width());
+        if (shown.size() + 1 == lines && line.textStart() + line.textLength() < face.name.size()) {
+            shown += elided(face.name.mid(line.textStart()), line.textLength(), metrics, area.width());
             break;
         }
         shown += face.name.mid(line.textStart(), line.textLength()).trimmed();
     }
     layout.endLayout();
-    int top = area.top() + std::max<int>(0, (area.height() - int(shown.size()) * metrics.height()) / 2);
-    for (const QString &line : std::as_const(shown)) {
-        painter.drawText(QRect(area.left(), top, area.width(), metrics.height()), Qt::AlignLeft | Qt::AlignVCenter,
-                         line);
-        top += metrics.height();
+    return shown;
+}
+
+void QuickSaleButton::paintName(QPainter &painter, const Face &face) const
+{
+    const QRect area = nameArea(face);
+    painter.setFont(nameFont(face, area.width()));
+    const int lineHeight = painter.fontMetrics().height();
+    const QStringList shown = nameLines(face, painter.font());
+    int top = area.top() + std::max<int>(0, (area.height() - int(shown.size()) * lineHeight) / 2);
+    for (const QString &line : shown) {
+        painter.drawText(QRect(area.left(), top, area.width(), lineHeight), Qt::AlignLeft | Qt::AlignVCenter, line);
+        top += lineHeight;
     }
 }
 

@@ -25,6 +25,9 @@ public:
     /// What a screen reader calls it: name and price. The ID and the state come with the description.
     [[nodiscard]] QString spokenName() const;
 
+    /// The name as it is painted, line by line.
+    [[nodiscard]] QStringList nameLines() const;
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -38,12 +41,18 @@ private:
     struct Face;
 
     [[nodiscard]] Face face() const;
+    /// Where a caption of three lines is painted.
+    [[nodiscard]] QRect inside(const Face &face) const;
+    [[nodiscard]] QRect priceArea(const Face &face) const;
+    [[nodiscard]] QRect nameArea(const Face &face) const;
+    [[nodiscard]] QFont nameFont(const Face &face, int width) const;
+    [[nodiscard]] QStringList nameLines(const Face &face, const QFont &font) const;
     [[nodiscard]] bool isBlank() const;
     [[nodiscard]] QFont sized(double pixels, bool bold) const;
     void paintCard(QPainter &painter, const QRectF &card, const Colours &colours) const;
     void paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const;
     void paintBand(QPainter &painter, const QRectF &card, const Face &face, const Colours &colours) const;
-    void paintName(QPainter &painter, const QRect &area, const Face &face) const;
+    void paintName(QPainter &painter, const Face &face) const;
     void describe();
 
     bool m_outOfStock = false;

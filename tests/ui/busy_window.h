@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/controls.h"
+
+#include <QMainWindow>
+#include <QPalette>
+
+#include <vector>
+
+namespace harrowby::test {
+
+[[nodiscard]] QPalette darkPalette();
+[[nodiscard]] QPalette lightPalette();
+
+/// Number of the work areas of a busy window.
+constexpr int workAreas = 12;
+
+/// The window's controls with texts of a busy day, and nobody who acts on them.
+class BusyWindow : public QMainWindow
+{
+public:
+    BusyWindow();
+
+    /// 1 to 5 are the tabs, 6 the search result and 7 the keypad over the custom sale, 8 the login panel, 9 to 12 the
+    /// search result over the other work areas.
+    void showWorkArea(int number);
+
+    const Controls controls;
+
+private:
+    [[nodiscard]] std::vector<QFrame *> allPanels() const;
+    /// In stacking order.
+    [[nodiscard]] std::vector<QFrame *> panelsOf(int number) const;
+};
+
+} // namespace harrowby::test
