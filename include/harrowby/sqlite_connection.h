@@ -30,8 +30,6 @@ public:
     bool settle(const QString &write) override;
 
 private:
-    bool commit(const QString &write);
-
     sqlite3 *m_database;
     QString m_location;
     bool m_holds = false;

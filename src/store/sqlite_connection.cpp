@@ -242,19 +242,14 @@ bool SqliteConnection::settle(const QString &write)
 {
     if (!std::exchange(m_holds, false))
         return true;
-    const bool kept = !write.isEmpty() && commit(write);
+    const bool kept = !write.isEmpty() && run(m_database, "COMMIT");
+    const DbFailure failure{Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)),
+                            sqlite3_extended_errcode(m_database)};
     if (!kept && isWithinTransaction(m_database)) // else a failure has ended it already
         run(m_database, "ROLLBACK");
+    if (!kept && !write.isEmpty())
+        reportFailure(failure); // not before: nothing is held any more while the host is told
     return kept;
-}
-
-bool SqliteConnection::commit(const QString &write)
-{
-    if (run(m_database, "COMMIT"))
-        return true;
-    reportFailure(
-        {Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)), sqlite3_extended_errcode(m_database)});
-    return false;
 }
 
 } // namespace harrowby

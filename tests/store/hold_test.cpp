@@ -286,6 +286,10 @@ void TestHold::commitWaitedForInVain()
 {
     m_store->run(u"pragma journal_mode = delete"_s);
     QVERIFY(m_other->run("begin; select * from StockList"));
+    m_store->connection()->setFailureHandler([this](const DbFailure &failure) {
+        m_store->failures.push_back(failure);
+        QVERIFY(!isHeld()); // the host is told when it is over
+    });
     DbRecordset purchase;
     purchase.OpenHeld(statements::purchase(u"HV1"_s), m_store->connection(), Access::Read);
     purchase.AddNew();

@@ -121,7 +121,7 @@ void TwoStoresTest::start(QProcess &process, const QStringList &arguments)
 TillReport TwoStoresTest::finish(QProcess &process)
 {
     TillReport report;
-    process.waitForFinished(100000);
+    process.waitForFinished(200000);
     report.read(process.readAllStandardOutput());
     return report;
 }
