@@ -103,6 +103,8 @@ QString usualRescuePlace(const QString &store, const QDateTime &now)
     QDir folder = QFileInfo(store).absoluteDir();
     if (judgeNewPlace(folder.filePath(name), false))
         folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    if (!folder.exists())
+        folder = QDir::home();
     return folder.filePath(name);
 }
 

@@ -226,9 +226,22 @@ void LostStoreAlarm::raise()
 {
     if (!m_box) {
         QWidget *front = QApplication::activeModalWidget();
-        m_box = new LostStoreBox(m_guard, m_place, m_close, front != nullptr ? front->window() : salesWindow());
+        const auto close = [this] { return m_left = m_close(); };
+        m_box = new LostStoreBox(m_guard, m_place, close, front != nullptr ? front->window() : salesWindow());
     }
     m_box->tell();
+}
+
+void LostStoreAlarm::lookOnceMore()
+{
+    disconnect(&m_guard, &StoreGuard::lossChanged, this, &LostStoreAlarm::raise);
+    m_guard.tick();
+    if (!m_guard.isLost() || m_left)
+        return;
+    LostStoreBox box(
+        m_guard, m_place, [] { return true; }, nullptr);
+    box.tell();
+    box.exec();
 }
 
 bool closeTill()

@@ -73,6 +73,10 @@ public:
     LostStoreAlarm(StoreGuard &guard, QString place, std::function<bool()> close);
     ~LostStoreAlarm() override;
 
+    /// When the till or the office has been closed: looks once more, and stays with the person when the store was lost
+    /// in the last moment, for with the program what has no name any more would be gone.
+    void lookOnceMore();
+
 private:
     void raise();
 
@@ -80,6 +84,7 @@ private:
     QString m_place;
     std::function<bool()> m_close;
     QPointer<LostStoreBox> m_box;
+    bool m_left = false; ///< the person has closed the till or the office from the box
 };
 
 /// Closes the sales window, which asks. True when it is closed.

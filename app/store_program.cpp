@@ -156,7 +156,7 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
     connection->setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
     setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
     wait.followEventLoop();
-    const LostStoreAlarm alarm(store, u"till"_s, closeTill);
+    LostStoreAlarm alarm(store, u"till"_s, closeTill);
     store.keepWatch();
     supplyForeignWindows(connection);
     Init().LoadInventory(connection, {});
@@ -165,6 +165,7 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
         window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till has the screen to itself
         QApplication::setQuitOnLastWindowClosed(true);
         code = QApplication::exec();
+        alarm.lookOnceMore();
     } else {
         tellProblem(u"The window could not be opened. The log file may say why:\n"_s + logPath());
     }
@@ -182,9 +183,11 @@ int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNo
             notice.add(failure);
     });
     wait.followEventLoop();
-    const LostStoreAlarm alarm(store, u"office"_s, closeOffice);
+    LostStoreAlarm alarm(store, u"office"_s, closeOffice);
     store.keepWatch();
     const OfficeEnd end = runOffice(store, path, {savedSetting, saveSetting});
+    if (end != OfficeEnd::Refused)
+        alarm.lookOnceMore();
     setFileFailureHandler({});
     return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
 }

@@ -31,18 +31,21 @@ QString reasonOf(const std::optional<SqlError> &error)
 class Work
 {
 public:
-    Work(const QString &role, Database database, const QString &path) :
-        m_isTill(role == u"till"_s), m_guard(std::move(database), path, m_wait), m_till(m_guard.database())
+    Work(const QString &role, Database database, const QString &path, BusyWait &wait) :
+        m_wait(wait), m_isTill(role == u"till"_s), m_guard(std::move(database), path, wait), m_till(m_guard.database())
     {
         m_till.setFailureHandler([this](const DbFailure &failure) { m_failure = m_guard.explained(failure).reason; });
     }
 
     QString answer(const QString &order)
     {
+        m_wait.refill(); // each is an action of its own
         const QString verb = order.section(u' ', 0, 0);
         const QString rest = order.section(u' ', 1);
         if (verb == u"write"_s)
             return change(u"INSERT INTO SysUsage (SystemUsage) VALUES ('%1')"_s.arg(rest));
+        if (verb == u"work"_s)
+            return work(rest.toInt());
         if (verb == u"touch"_s)
             return change(u"UPDATE SysUsage SET Dates = 1 WHERE SystemUsage = 'nobody'"_s);
         if (verb == u"read"_s)
@@ -66,6 +69,19 @@ private:
         return m_till.Execute(statement) ? u"ok"_s : m_failure;
     }
 
+    QString work(int writes)
+    {
+        for (int i = 0; i < writes; ++i) {
+            m_wait.refill();
+            const QString answer = change(u"INSERT INTO SysUsage (SystemUsage) VALUES ('work')"_s);
+            if (answer != u"ok"_s)
+                return answer;
+            if (i % 3 == 0)
+                m_guard.tick();
+        }
+        return u"ok"_s;
+    }
+
     QString rescue(const QString &file)
     {
         const StoreGuard::Pass pass(m_guard);
@@ -74,7 +90,7 @@ private:
         return result.outcome == BackupResult::Outcome::Done ? u"ok"_s : result.problem;
     }
 
-    BusyWait m_wait{std::chrono::seconds(5)};
+    BusyWait &m_wait;
     bool m_isTill;
     StoreGuard m_guard;
     SqliteConnection m_till;
@@ -98,13 +114,13 @@ int runWorker(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const QString path = QString::fromLocal8Bit(argv[3]);
-    BusyWait wait(std::chrono::seconds(5));
+    BusyWait wait;
     Database database;
     if (const auto problem = openStore(path, wait, database)) {
         say(problem->text);
         return 4;
     }
-    Work work(QString::fromLocal8Bit(argv[2]), std::move(database), path);
+    Work work(QString::fromLocal8Bit(argv[2]), std::move(database), path, wait);
     say(u"ready"_s);
     std::string line;
     while (std::getline(std::cin, line))
@@ -127,7 +143,18 @@ Worker::~Worker()
 
 QString Worker::ask(const QString &order)
 {
+    send(order);
+    return hear();
+}
+
+void Worker::send(const QString &order)
+{
     m_process.write(order.toUtf8() + '\n');
+    m_process.waitForBytesWritten(patience);
+}
+
+QString Worker::hear()
+{
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(patience))
             return u"no answer"_s;

@@ -23,6 +23,7 @@ public:
 
     /// One of
     ///   write TEXT   adds a line to SysUsage: "ok" or the reason why not
+    ///   work NUMBER  adds so many lines, with a tick after each third: "ok" or the reason of the first failure
     ///   touch        changes no row: "ok" or the reason
     ///   read         reads: "ok" or the reason
     ///   tick         what the guard's timer does: "fine" or the kind of the loss
@@ -30,6 +31,9 @@ public:
     ///   aside        where its log was put
     ///   rescue FILE  makes a rescue copy: "ok" or the reason
     QString ask(const QString &order);
+    /// The same in two, so that several work at once.
+    void send(const QString &order);
+    QString hear();
     /// As the window is closed; the exit code.
     int close();
     void kill();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "backup_page.h"
+#include "backup_place.h"
 #include "busy_wait.h"
 #include "lost_store_box.h"
 #include "store_files.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -40,6 +42,8 @@ private Q_SLOTS:
     void closingWithoutTheCopyIsAskedFor();
     void allCanBeTouchedAndRead();
     void officeClosesFromTheFront();
+    void lossInTheLastMomentIsTold();
+    void rescueGoesWhereThereIsAFolder();
     void noBackupOfAFileThatIsGone();
 
 private:
@@ -226,6 +230,31 @@ void LostStoreBoxTest::officeClosesFromTheFront()
     });
     QCOMPARE(office.exec(), int(QDialog::Rejected));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+/// The till was closed before anybody has looked.
+void LostStoreBoxTest::lossInTheLastMomentIsTold()
+{
+    m_alarm->lookOnceMore(); // all is well: nobody is kept
+    QVERIFY(QFile::remove(path()));
+    QTimer::singleShot(0, this, [this] {
+        QVERIFY(box() != nullptr);
+        press(u"makeRescueCopy"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
+        press(u"closeLostStore"_s);
+    });
+    m_alarm->lookOnceMore();
+    QVERIFY(box() == nullptr);
+    QCOMPARE(QDir(m_folder->path()).entryList({u"shop-rescue-*.db"_s}).size(), 1);
+}
+
+void LostStoreBoxTest::rescueGoesWhereThereIsAFolder()
+{
+    const QDateTime now(QDate(2026, 11, 21), QTime(9, 5, 7));
+    QCOMPARE(usualRescuePlace(path(), now), path(u"shop-rescue-2026-11-21-090507.db"_s));
+    const QString elsewhere = usualRescuePlace(path(u"gone/shop.sqlite"_s), now);
+    QVERIFY(QFileInfo(elsewhere).absoluteDir().exists());
+    QCOMPARE(QFileInfo(elsewhere).fileName(), u"shop-rescue-2026-11-21-090507.db"_s);
 }
 
 void LostStoreBoxTest::noBackupOfAFileThatIsGone()

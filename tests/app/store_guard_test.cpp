@@ -80,6 +80,10 @@ private Q_SLOTS:
     void statementsWithoutALogFail();
     void ownWorkIsNoLoss();
     void otherTillsWorkIsNoLoss();
+    void workAtTheSameTimeIsNoLoss();
+    void closedBeforeItIsNoticed_data();
+    void closedBeforeItIsNoticed();
+    void aLinkThatLeadsElsewhereIsALoss();
     void openLogIsNotWaitedFor();
     void failureSaysWhatHappened();
     void logOfAnotherFileIsNotPlayedIn();
@@ -377,6 +381,55 @@ void StoreGuardTest::otherTillsWorkIsNoLoss()
     store->tick();
     QVERIFY(!store->isLost());
     QCOMPARE(other.ask(u"tick"_s), u"fine"_s);
+}
+
+/// Each moves the log into the file whenever it likes, and sees that the others do.
+void StoreGuardTest::workAtTheSameTimeIsNoLoss()
+{
+    constexpr int writes = 200;
+    std::vector<std::unique_ptr<Worker>> crew;
+    for (const QString &role : {u"till"_s, u"office"_s, u"till"_s})
+        crew.push_back(std::make_unique<Worker>(role, path()));
+    for (const auto &worker : crew)
+        worker->send(u"work %1"_s.arg(writes));
+    for (const auto &worker : crew)
+        QCOMPARE(worker->hear(), u"ok"_s);
+    for (const auto &worker : crew)
+        QCOMPARE(worker->close(), 0);
+    QCOMPARE(column(path(), u"SELECT count(*) FROM SysUsage"_s), QStringList{QString::number(3 * writes)});
+    QCOMPARE(column(path(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+}
+
+void StoreGuardTest::closedBeforeItIsNoticed_data()
+{
+    killedBeforeItIsNoticed_data();
+}
+
+/// Closing looks first: the log goes where it belongs, and not into what lies at the path.
+void StoreGuardTest::closedBeforeItIsNoticed()
+{
+    QFETCH(const QString, commands);
+    Worker worker(u"till"_s, path());
+    QCOMPARE(worker.ask(u"write one"_s), u"ok"_s);
+    attack(commands);
+    QCOMPARE(worker.close(), 0);
+    checkPath(commands, {u"one"_s});
+    if (QFile::exists(path(u"moved.sqlite"_s)))
+        QCOMPARE(column(path(u"moved.sqlite"_s), lines), QStringList{u"one"_s});
+}
+
+void StoreGuardTest::aLinkThatLeadsElsewhereIsALoss()
+{
+    QVERIFY(QFile::rename(path(), path(u"real.sqlite"_s)));
+    attack(u"ln -s real.sqlite $S"_s);
+    const auto store = guard();
+    QVERIFY(!runSql(store->database(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('one')"_s));
+    attack(u"ln -sf $O $S"_s);
+    store->tick();
+    QVERIFY(store->isLost());
+    QVERIFY(store->loss().kind == StoreLoss::Kind::Replaced);
+    QCOMPARE(store->loss().nowAt, path(u"real.sqlite"_s));
+    QVERIFY(store->loss().isComplete);
 }
 
 /// Another program that writes, or reads, keeps the log from being emptied; nobody waits for it.
