@@ -18,8 +18,10 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +31,7 @@ namespace harrowby::app {
 namespace {
 
 constexpr int usualWidth = 620;
+constexpr int upperGap = 8;
 
 } // namespace
 
@@ -42,6 +45,7 @@ LostStoreBox::LostStoreBox(StoreGuard &guard, const QString &place, std::functio
     createControls();
     layOut();
     sheet::dress(*this);
+    sheet::makePrimary(*m_make);
     connect(&m_job, &BackupJob::progressed, this, &LostStoreBox::showProgress);
     connect(&m_job, &BackupJob::finished, this, &LostStoreBox::finish);
     setRunning(false);
@@ -125,13 +129,26 @@ void LostStoreBox::tell()
         m_file->setText(QDir::toNativeSeparators(usualRescuePlace(loss.path, QDateTime::currentDateTime())));
     if (m_closing)
         return;
-    adjustSize();
+    fitText();
     show();
     raise();
     activateWindow();
     setFocus();
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
+}
+
+/// At the upper edge of what it stands over: on a small screen the window for failed writes has its place below.
+void LostStoreBox::fitText()
+{
+    m_outcome->setVisible(!m_outcome->text().isEmpty());
+    layout()->activate();
+    setFixedHeight(layout()->totalHeightForWidth(usualWidth));
+    if (isVisible())
+        return;
+    const QRect area = (parentWidget() != nullptr ? parentWidget()->window() : this)->screen()->availableGeometry();
+    const QRect over = parentWidget() != nullptr ? parentWidget()->window()->geometry().intersected(area) : area;
+    move(std::max(area.left(), over.center().x() - usualWidth / 2), over.top() + upperGap);
 }
 
 void LostStoreBox::choosePlace()
@@ -151,6 +168,7 @@ void LostStoreBox::rescue()
     m_target = m_file->text().isEmpty() ? QString() : QDir::cleanPath(m_file->text());
     m_outcome->clear();
     setRunning(true);
+    fitText();
     m_job.start([&guard = m_guard, path = m_guard.loss().path, target = m_target](const BackupWatch &watch) {
         const StoreGuard::Pass pass(guard);
         return rescueStore(guard.database(), path, target, watch);
@@ -173,7 +191,7 @@ void LostStoreBox::finish(const BackupResult &result)
         m_rescued = true;
         showOutcome(*m_outcome, u"\u2713 The copy is made and checked: \"%1\"."_s.arg(m_target));
     }
-    adjustSize();
+    fitText();
 }
 
 void LostStoreBox::setRunning(bool running)

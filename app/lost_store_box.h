@@ -38,6 +38,7 @@ public:
 private:
     void createControls();
     void layOut();
+    void fitText();
     [[nodiscard]] QWidget *makeRescue();
     void choosePlace();
     void rescue();
