@@ -9,6 +9,7 @@
 #include <harrowby/sqlite_connection.h>
 
 #include <QCoreApplication>
+#include <QTest>
 
 #include <cstdio>
 #include <iostream>
@@ -126,6 +127,23 @@ int runWorker(int argc, char **argv)
     while (std::getline(std::cin, line))
         say(work.answer(QString::fromStdString(line)));
     return 0;
+}
+
+void runInFolder(const QString &folder, const QString &commands)
+{
+    QProcess shell;
+    shell.setWorkingDirectory(folder);
+    shell.start(u"sh"_s, {u"-c"_s, u"S=shop.sqlite; O=other.sqlite; "_s + commands});
+    QVERIFY(shell.waitForFinished(patience));
+    QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
+}
+
+std::unique_ptr<StoreGuard> guardStore(const QString &path, BusyWait &wait)
+{
+    Database database;
+    if (const auto problem = openStore(path, wait, database))
+        qFatal("%s", qPrintable(problem->text));
+    return std::make_unique<StoreGuard>(std::move(database), path, wait);
 }
 
 Worker::Worker(const QString &role, const QString &store)

@@ -4,6 +4,15 @@
 #include <QProcess>
 #include <QString>
 
+#include <memory>
+
+namespace harrowby::app {
+
+class BusyWait;
+class StoreGuard;
+
+} // namespace harrowby::app
+
 /// A program that works on a store file as the till or the office does, and does each step when it is told: so that a
 /// file can be moved under it, and the program be closed or killed, at a known moment.
 namespace harrowby::app::test {
@@ -11,6 +20,11 @@ namespace harrowby::app::test {
 /// What the test program does when it is started with these arguments: "--work", "till" or "office", and the file.
 [[nodiscard]] bool isWorker(int argc, char **argv);
 int runWorker(int argc, char **argv);
+
+/// Runs shell commands in the folder, with $S for the store file in it and $O for another store.
+void runInFolder(const QString &folder, const QString &commands);
+/// A guard over the store, in this process.
+[[nodiscard]] std::unique_ptr<StoreGuard> guardStore(const QString &path, BusyWait &wait);
 
 /// Starts the test program itself as a worker.
 class Worker

@@ -207,6 +207,7 @@ void LostStoreBoxTest::allCanBeTouchedAndRead()
         QVERIFY2(button->height() >= 44, qPrintable(button->text()));
         QVERIFY(button->focusPolicy() & Qt::TabFocus);
         QVERIFY(button->text().contains(u'&'));
+        QVERIFY(!button->isDefault() && !button->autoDefault()); // Enter must find none
     }
     QVERIFY(box()->findChild<QLineEdit *>(u"rescuePlace"_s)->height() >= 44);
     QVERIFY(!box()->findChild<QLineEdit *>(u"rescuePlace"_s)->accessibleName().isEmpty());

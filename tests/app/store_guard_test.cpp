@@ -4,14 +4,13 @@
 #include "guarded_worker.h"
 #include "store_files.h"
 #include "store_guard.h"
+#include "store_guard_peace.h"
 #include "store_judge.h"
-#include "store_open.h"
 
 #include <harrowby/sqlite_connection.h>
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -78,20 +77,16 @@ private Q_SLOTS:
     void aHoldIsNotCommitted();
     void anOpenListEnds();
     void statementsWithoutALogFail();
-    void ownWorkIsNoLoss();
-    void otherTillsWorkIsNoLoss();
-    void workAtTheSameTimeIsNoLoss();
     void closedBeforeItIsNoticed_data();
     void closedBeforeItIsNoticed();
     void aLinkThatLeadsElsewhereIsALoss();
-    void openLogIsNotWaitedFor();
     void failureSaysWhatHappened();
     void logOfAnotherFileIsNotPlayedIn();
 
 private:
     [[nodiscard]] QString path(const QString &name = u"shop.sqlite"_s) const { return m_folder->filePath(name); }
-    void attack(const QString &commands);
-    [[nodiscard]] std::unique_ptr<StoreGuard> guard();
+    void attack(const QString &commands) { runInFolder(m_folder->path(), commands); }
+    [[nodiscard]] std::unique_ptr<StoreGuard> guard() { return guardStore(path(), m_wait); }
     void checkPath(const QString &commands, const QStringList &acknowledged);
 
     QTemporaryDir m_templates;
@@ -118,24 +113,6 @@ void StoreGuardTest::init()
     QVERIFY(m_folder->isValid());
     for (const QString &name : {u"shop.sqlite"_s, u"other.sqlite"_s})
         QVERIFY(QFile::copy(m_templates.filePath(name), path(name)));
-}
-
-void StoreGuardTest::attack(const QString &commands)
-{
-    QProcess shell;
-    shell.setWorkingDirectory(m_folder->path());
-    shell.start(u"sh"_s, {u"-c"_s, u"S=shop.sqlite; O=other.sqlite; "_s + commands});
-    QVERIFY(shell.waitForFinished());
-    QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
-}
-
-std::unique_ptr<StoreGuard> StoreGuardTest::guard()
-{
-    Database database;
-    const auto problem = openStore(path(), m_wait, database);
-    if (problem)
-        qFatal("%s", qPrintable(problem->text));
-    return std::make_unique<StoreGuard>(std::move(database), path(), m_wait);
 }
 
 /// What lies at the path is what was put there, also to whoever opens it next.
@@ -222,7 +199,7 @@ void StoreGuardTest::fileMoves()
             QCOMPARE(worker->close(), 0);
     }
     if (!killed && !overwritten)
-        QVERIFY(!QFile::exists(logFileOf(path())));
+        QVERIFY(!QFile::exists(logFileOf(path())) && !QFile::exists(logIndexOf(path())));
     checkPath(commands, before);
     if (overwritten) {
         QVERIFY2(QFile(aside).size() > 0, qPrintable(aside));
@@ -278,6 +255,9 @@ void StoreGuardTest::aChangeOfNoRowFailsToo()
     attack(u"mv $S moved.sqlite"_s);
     QVERIFY(runSql(store->database(), u"UPDATE StockList SET StockAvailable = 1 WHERE StockID = 'none'"_s));
     QVERIFY(store->isLost());
+    // Not even the preparing of one reaches the file.
+    sqlite3_stmt *statement = nullptr;
+    QCOMPARE(sqlite3_prepare_v2(store->database(), "SELECT 1", -1, &statement, nullptr), SQLITE_AUTH);
 }
 
 void StoreGuardTest::aHoldIsNotCommitted()
@@ -339,67 +319,6 @@ void StoreGuardTest::statementsWithoutALogFail()
     QCOMPARE(column(path(u"moved.sqlite"_s), lines), QStringList{u"one"_s});
 }
 
-void StoreGuardTest::ownWorkIsNoLoss()
-{
-    {
-        const auto store = guard();
-        const auto many = u"INSERT INTO SysUsage WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                          "WHERE i < 40000) SELECT printf('line %d of many', i), '', '' FROM n"_s;
-        for (int i = 0; i < 4; ++i) {
-            QVERIFY(!runSql(store->database(), many));
-            QVERIFY(store->check());
-            if (i % 2 == 0)
-                store->tick();
-            QVERIFY(!store->isLost());
-        }
-        store->tick();
-        QCOMPARE(QFile(logFileOf(path())).size(), 0);
-    }
-    QVERIFY(!QFile::exists(logFileOf(path())));
-    QCOMPARE(column(path(), u"SELECT count(*) FROM SysUsage"_s), QStringList{u"160000"_s});
-}
-
-void StoreGuardTest::otherTillsWorkIsNoLoss()
-{
-    Worker other(u"till"_s, path());
-    const auto store = guard();
-    const auto add = u"INSERT INTO SysUsage (SystemUsage) VALUES ('ours')"_s;
-    for (int i = 0; i < 50; ++i) {
-        QCOMPARE(other.ask(u"write theirs"_s), u"ok"_s);
-        if (i % 3 == 0)
-            QCOMPARE(other.ask(u"tick"_s), u"fine"_s);
-        QVERIFY(!runSql(store->database(), add));
-        if (i % 5 == 0)
-            store->tick();
-        QVERIFY(!store->isLost());
-    }
-    // A program that knows nothing of guards.
-    QProcess tool;
-    tool.start(u"sqlite3"_s,
-               {path(), u"INSERT INTO SysUsage VALUES ('tool', '', ''); PRAGMA wal_checkpoint(TRUNCATE);"_s});
-    QVERIFY(tool.waitForFinished());
-    store->tick();
-    QVERIFY(!store->isLost());
-    QCOMPARE(other.ask(u"tick"_s), u"fine"_s);
-}
-
-/// Each moves the log into the file whenever it likes, and sees that the others do.
-void StoreGuardTest::workAtTheSameTimeIsNoLoss()
-{
-    constexpr int writes = 200;
-    std::vector<std::unique_ptr<Worker>> crew;
-    for (const QString &role : {u"till"_s, u"office"_s, u"till"_s})
-        crew.push_back(std::make_unique<Worker>(role, path()));
-    for (const auto &worker : crew)
-        worker->send(u"work %1"_s.arg(writes));
-    for (const auto &worker : crew)
-        QCOMPARE(worker->hear(), u"ok"_s);
-    for (const auto &worker : crew)
-        QCOMPARE(worker->close(), 0);
-    QCOMPARE(column(path(), u"SELECT count(*) FROM SysUsage"_s), QStringList{QString::number(3 * writes)});
-    QCOMPARE(column(path(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
-}
-
 void StoreGuardTest::closedBeforeItIsNoticed_data()
 {
     killedBeforeItIsNoticed_data();
@@ -430,26 +349,6 @@ void StoreGuardTest::aLinkThatLeadsElsewhereIsALoss()
     QVERIFY(store->loss().kind == StoreLoss::Kind::Replaced);
     QCOMPARE(store->loss().nowAt, path(u"real.sqlite"_s));
     QVERIFY(store->loss().isComplete);
-}
-
-/// Another program that writes, or reads, keeps the log from being emptied; nobody waits for it.
-void StoreGuardTest::openLogIsNotWaitedFor()
-{
-    const auto store = guard();
-    Database other;
-    QVERIFY(!openDatabase(path(), OpenMode::Write, other));
-    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
-    QVERIFY(!runSql(other.get(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('theirs')"_s));
-    m_wait.refill();
-    store->tick();
-    QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));
-    QVERIFY(!store->isLost());
-    QVERIFY(!runSql(other.get(), u"COMMIT"_s));
-    SqlQuery reading(other.get(), lines);
-    QVERIFY(reading.next());
-    store->tick();
-    QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));
-    QVERIFY(QFile(logFileOf(path())).size() > 0);
 }
 
 void StoreGuardTest::failureSaysWhatHappened()
@@ -493,7 +392,8 @@ int main(int argc, char **argv)
         return runWorker(argc, argv);
     const QCoreApplication application(argc, argv);
     StoreGuardTest test;
-    return QTest::qExec(&test, argc, argv);
+    const int failures = QTest::qExec(&test, argc, argv);
+    return failures + runPeaceTest(argc, argv);
 }
 
 #include "store_guard_test.moc"
