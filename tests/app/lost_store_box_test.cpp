@@ -253,6 +253,7 @@ void LostStoreBoxTest::rescueGoesWhereThereIsAFolder()
 {
     const QDateTime now(QDate(2026, 11, 21), QTime(9, 5, 7));
     QCOMPARE(usualRescuePlace(path(), now), path(u"shop-rescue-2026-11-21-090507.db"_s));
+    QVERIFY(QDir().mkpath(QDir::homePath()));
     const QString elsewhere = usualRescuePlace(path(u"gone/shop.sqlite"_s), now);
     QVERIFY(QFileInfo(elsewhere).absoluteDir().exists());
     QCOMPARE(QFileInfo(elsewhere).fileName(), u"shop-rescue-2026-11-21-090507.db"_s);
