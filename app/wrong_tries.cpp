@@ -41,7 +41,7 @@ void WrongTries::add(const QDateTime &now)
 {
     load();
     m_count = std::min(m_count + 1, mostCounted);
-    m_last = now;
+    m_last = now.toMSecsSinceEpoch();
     save();
 }
 
@@ -58,11 +58,14 @@ std::chrono::milliseconds WrongTries::pause(const QDateTime &now)
     const auto whole = pauseAfter(m_count);
     if (whole == 0ms)
         return whole;
-    if (m_last > now) { // the clock was set back
-        m_last = now;
+    const qint64 time = now.toMSecsSinceEpoch();
+    if (m_last > time) { // the clock was set back
+        m_last = time;
         save();
     }
-    return std::max(0ms, whole - std::chrono::milliseconds(m_last.msecsTo(now)));
+    if (m_last <= time - whole.count())
+        return 0ms;
+    return whole - std::chrono::milliseconds(time - m_last);
 }
 
 void WrongTries::load()
@@ -75,14 +78,14 @@ void WrongTries::load()
         return;
     }
     m_count = int(std::min<qint64>(numbers.at(0), mostCounted));
-    m_last = QDateTime::fromMSecsSinceEpoch(numbers.at(1), Qt::UTC);
+    m_last = numbers.at(1);
 }
 
 void WrongTries::save() const
 {
     if (m_file.isEmpty())
         return;
-    const QByteArray text = QByteArray::number(m_count) + ' ' + QByteArray::number(m_last.toMSecsSinceEpoch()) + '\n';
+    const QByteArray text = QByteArray::number(m_count) + ' ' + QByteArray::number(m_last) + '\n';
     if (const QString reason = writePrivateFile(m_file, text); !reason.isEmpty())
         qCWarning(lcSettings).noquote() << "Cannot write" << m_file << "-" << reason;
 }

@@ -30,7 +30,7 @@ private:
 
     QString m_file;
     int m_count = 0;
-    QDateTime m_last;
+    qint64 m_last = 0; ///< milliseconds since 1970
 };
 
 } // namespace harrowby::app

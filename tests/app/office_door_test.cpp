@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "office_door.h"
+#include "office_password_dialog.h"
 #include "store_access.h"
 #include "store_files.h"
 #include "store_paths.h"
@@ -7,6 +8,8 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -35,6 +38,9 @@ private Q_SLOTS:
     void spoiltMemoryLocksNobodyOut_data();
     void spoiltMemoryLocksNobodyOut();
     void eachStoreHasItsOwnTries();
+    void passwordOpens();
+    void wrongPasswordIsRefusedAndSlowsDown();
+    void pauseOutlivesTheDialog();
 };
 
 namespace {
@@ -159,6 +165,15 @@ void OfficeDoorTest::clockThatJumpsLocksNobodyOut()
     QCOMPARE(WrongTries(file).pause(noon), 16000ms);
     QCOMPARE(WrongTries(file).pause(noon.addSecs(10)), 6000ms);
     QCOMPARE(WrongTries(file).pause(noon.addSecs(16)), 0ms);
+    const auto write = [&](const QByteArray &bytes) {
+        QFile memory(file);
+        return memory.open(QIODevice::WriteOnly) && memory.write(bytes) == bytes.size();
+    };
+    QVERIFY(write("12 -9223372036854775808\n"));
+    QCOMPARE(WrongTries(file).pause(noon), 0ms);
+    QVERIFY(write("12 9223372036854775807\n"));
+    QCOMPARE(WrongTries(file).pause(noon), 16000ms);
+    QCOMPARE(WrongTries(file).pause(noon.addSecs(16)), 0ms);
 }
 
 void OfficeDoorTest::spoiltMemoryLocksNobodyOut_data()
@@ -200,5 +215,63 @@ void OfficeDoorTest::eachStoreHasItsOwnTries()
     QCOMPARE(officeTriesPath(folder.filePath(u"one"_s)), officeTriesPath(folder.filePath(u"link"_s)));
 }
 
-QTEST_GUILESS_MAIN(OfficeDoorTest)
+void OfficeDoorTest::passwordOpens()
+{
+    QString asked;
+    OfficePasswordDialog dialog([&](const QString &password) {
+        asked = password;
+        return QString();
+    });
+    dialog.show();
+    dialog.findChild<QLineEdit *>(u"officePassword"_s)->setText(u"secret"_s);
+    QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(asked, u"secret"_s);
+    QCOMPARE(dialog.findChild<QLineEdit *>()->echoMode(), QLineEdit::Password);
+}
+
+void OfficeDoorTest::wrongPasswordIsRefusedAndSlowsDown()
+{
+    int asked = 0;
+    OfficePasswordDialog dialog([&](const QString &) {
+        ++asked;
+        return u"Not this one."_s;
+    });
+    dialog.show();
+    for (int i = 0; i < 5; ++i)
+        dialog.accept();
+    QCOMPARE(asked, 3);
+    QVERIFY(dialog.isVisible());
+    QVERIFY(dialog.findChild<QLabel *>(u"problem"_s)->text().contains(u"Not this one."_s));
+}
+
+void OfficeDoorTest::pauseOutlivesTheDialog()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"tries"_s);
+    int asked = 0;
+    {
+        OfficePasswordDialog dialog([&](const QString &) { return ++asked, u"Not this one."_s; }, WrongTries(file));
+        for (int i = 0; i < 5; ++i)
+            dialog.accept();
+    }
+    QCOMPARE(asked, 3);
+    for (int i = 0; i < 7; ++i) // now the pause outlasts the test on a slow machine too
+        WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    const auto open = [&](const QString &) { return ++asked, QString(); };
+    OfficePasswordDialog later(open, WrongTries(file));
+    later.show();
+    later.accept();
+    QCOMPARE(asked, 3);
+    QVERIFY(later.findChild<QLabel *>(u"problem"_s)->text().contains(u"has to wait"_s));
+
+    WrongTries(file).forget();
+    WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    OfficePasswordDialog right(open, WrongTries(file));
+    right.accept();
+    QCOMPARE(asked, 4);
+    QVERIFY(!QFile::exists(file));
+}
+
+QTEST_MAIN(OfficeDoorTest)
 #include "office_door_test.moc"

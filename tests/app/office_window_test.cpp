@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "office_password_dialog.h"
 #include "office_window.h"
 #include "store_access.h"
 #include "store_files.h"
@@ -11,6 +10,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QHash>
 #include <QLabel>
 #include <QLineEdit>
@@ -37,10 +37,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void passwordOpens();
-    void wrongPasswordIsRefusedAndSlowsDown();
-    void pauseOutlivesTheDialog();
     void openStoreIsToldAndClosed();
+    void leftFolderOfTheLastBackupIsRemoved();
     void usersAreListed();
     void rightIsSwitchedAndStored();
     void failedSwitchShowsWhatIsStored();
@@ -156,63 +154,6 @@ void OfficeWindowTest::enter(QDialog &dialog, const char *entry, const QString &
     dialog.findChild<QLineEdit *>(QString::fromLatin1(entry))->setText(text);
 }
 
-void OfficeWindowTest::passwordOpens()
-{
-    QString asked;
-    OfficePasswordDialog dialog([&](const QString &password) {
-        asked = password;
-        return QString();
-    });
-    dialog.show();
-    enter(dialog, "officePassword", u"secret"_s);
-    QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(asked, u"secret"_s);
-    QCOMPARE(dialog.findChild<QLineEdit *>()->echoMode(), QLineEdit::Password);
-}
-
-void OfficeWindowTest::wrongPasswordIsRefusedAndSlowsDown()
-{
-    int asked = 0;
-    OfficePasswordDialog dialog([&](const QString &) {
-        ++asked;
-        return u"Not this one."_s;
-    });
-    dialog.show();
-    for (int i = 0; i < 5; ++i)
-        dialog.accept();
-    QCOMPARE(asked, 3);
-    QVERIFY(dialog.isVisible());
-    QVERIFY(dialog.findChild<QLabel *>(u"problem"_s)->text().contains(u"Not this one."_s));
-}
-
-void OfficeWindowTest::pauseOutlivesTheDialog()
-{
-    const QString file = m_folder->filePath(u"tries"_s);
-    int asked = 0;
-    {
-        OfficePasswordDialog dialog([&](const QString &) { return ++asked, u"Not this one."_s; }, WrongTries(file));
-        for (int i = 0; i < 5; ++i)
-            dialog.accept();
-    }
-    QCOMPARE(asked, 3);
-    for (int i = 0; i < 7; ++i) // now the pause outlasts the test on a slow machine too
-        WrongTries(file).add(QDateTime::currentDateTimeUtc());
-    const auto open = [&](const QString &) { return ++asked, QString(); };
-    OfficePasswordDialog later(open, WrongTries(file));
-    later.show();
-    later.accept();
-    QCOMPARE(asked, 3);
-    QVERIFY(later.findChild<QLabel *>(u"problem"_s)->text().contains(u"has to wait"_s));
-
-    WrongTries(file).forget();
-    WrongTries(file).add(QDateTime::currentDateTimeUtc());
-    OfficePasswordDialog right(open, WrongTries(file));
-    right.accept();
-    QCOMPARE(asked, 4);
-    QVERIFY(!QFile::exists(file));
-}
-
 void OfficeWindowTest::openStoreIsToldAndClosed()
 {
     QVERIFY(!part<QLabel>("storeAccess")->isVisible());
@@ -231,6 +172,19 @@ void OfficeWindowTest::openStoreIsToldAndClosed()
     QVERIFY(!isOpenToOthers(m_path));
     QVERIFY(part<QLabel>("storeAccess")->text().contains(u"Only you"_s));
     QVERIFY(!part<QPushButton>("closeStoreAccess")->isVisible());
+}
+
+void OfficeWindowTest::leftFolderOfTheLastBackupIsRemoved()
+{
+    const QString left = m_folder->filePath(u"stick/.harrowby-backup-AbCdEf"_s);
+    QVERIFY(QDir().mkpath(left));
+    m_saved.insert(u"Office/LastBackup"_s, m_folder->filePath(u"stick/copy.db"_s));
+    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &usual) {
+                                         return m_saved.value(section + u'/' + key, usual);
+                                     },
+                                     {}};
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    QVERIFY(!QFile::exists(left));
 }
 
 void OfficeWindowTest::usersAreListed()
