@@ -194,6 +194,15 @@ void SaleTest::whatIsLostOutsideTheDatabaseIsShown()
     QTRY_VERIFY_WITH_TIMEOUT(program.box().startsWith(u"Items have been purchased!"_s), 30000);
     QVERIFY(program.press(u"OK"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"A receipt was neither printed nor kept."_s, 30000);
+
+    // The texts of the till stay; what they do not say stands in the window beside them.
+    QVERIFY(program.press(u"failureDismiss"_s));
+    QVERIFY(program.press(u"TabStrip1"_s));
+    m_screen.key(u"End"_s);
+    QVERIFY(program.press(u"Command18"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_2"_s), u"Setting Saved!"_s, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(program.text(u"failureWork"_s).startsWith(u"The settings of this computer were not"_s),
+                             30000);
     const QString errors = program.errors();
     QVERIFY2(errors.contains(u"harrowby.print: Receipt"_s), qPrintable(errors));
     closeWindow(program);
