@@ -10,6 +10,8 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <utility>
+
 namespace harrowby::app {
 
 namespace {
@@ -22,16 +24,15 @@ bool takesKeys(const QWidget &window)
            !window.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
 }
 
-bool isOnScreen(const QWidget *window)
+bool isOnScreen(const QWidget &window)
 {
-    return window != nullptr && window->isVisible() && window->windowHandle() != nullptr &&
-           window->windowHandle()->isExposed();
+    return window.isVisible() && window.windowHandle() != nullptr && window.windowHandle()->isExposed();
 }
 
 void fillScreen(QWidget &window)
 {
     const QRect room = window.screen()->availableGeometry();
-    if (window.isVisible() && window.isMaximized() && window.geometry() != room)
+    if (window.isMaximized() && isOnScreen(window) && window.geometry() != room)
         window.windowHandle()->setGeometry(room);
 }
 
@@ -40,7 +41,7 @@ void fillScreen(QWidget &window)
 BareScreen::BareScreen(QObject *parent) : QObject(parent)
 {
     m_later.setSingleShot(true);
-    connect(&m_later, &QTimer::timeout, this, &BareScreen::takeKeyboard);
+    connect(&m_later, &QTimer::timeout, this, &BareScreen::settle);
     qApp->installEventFilter(this);
 }
 
@@ -77,24 +78,20 @@ void BareScreen::come(QWidget &window)
     m_windows << &window;
     if (qobject_cast<QDialog *>(&window) != nullptr && window.findChild<WindowEdge *>() == nullptr)
         new WindowEdge(window);
-    // Not within the change of its state: what the platform makes of that comes after it.
-    QTimer::singleShot(0, &window, [&window] { fillScreen(window); });
-    m_later.start();
+    m_later.start(); // not within the change of its state: what the platform makes of that comes after it
 }
 
-QWidget *BareScreen::frontWindow()
+/// The keys are never taken from another program, which may have windows on the same screen.
+void BareScreen::settle()
 {
-    if (QWidget *box = QApplication::activeModalWidget())
-        return box;
     m_windows.removeIf([](const QPointer<QWidget> &window) { return window.isNull() || !window->isVisible(); });
-    return m_windows.isEmpty() ? nullptr : m_windows.constLast().data();
-}
-
-/// Never from another program, which may have windows on the same screen.
-void BareScreen::takeKeyboard()
-{
-    QWidget *front = m_windows.isEmpty() ? nullptr : frontWindow();
-    if (isOnScreen(front) && !hasWindowManager() && keyboardIsFree())
+    if (m_windows.isEmpty() || hasWindowManager())
+        return;
+    for (const QPointer<QWidget> &window : std::as_const(m_windows))
+        fillScreen(*window);
+    QWidget *box = QApplication::activeModalWidget();
+    QWidget *front = box != nullptr ? box : m_windows.constLast().data();
+    if (isOnScreen(*front) && keyboardIsFree())
         giveKeyboard(*front->windowHandle());
 }
 

@@ -24,10 +24,9 @@ public:
 
 private:
     void come(QWidget &window);
-    void takeKeyboard();
-    [[nodiscard]] QWidget *frontWindow();
+    void settle();
 
-    QTimer m_later;                     ///< after a window has gone
+    QTimer m_later;                     ///< after a window has come or gone
     QList<QPointer<QWidget>> m_windows; ///< that take keys, as they came
 };
 

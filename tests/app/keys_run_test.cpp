@@ -187,7 +187,8 @@ void KeysRunTest::closeByKeys(RunningProgram &program)
     QVERIFY2(code == 0, qPrintable(u"%1\n%2"_s.arg(code).arg(program.errors())));
 }
 
-/// Two programs on a bare screen: neither takes the keys from the other, and the one that is left has them.
+/// Two programs on a bare screen: neither takes the keys from the other, and the one that is left has them. When
+/// nobody has them, a press brings them.
 void KeysRunTest::anotherProgramKeepsTheKeys()
 {
     const QString store = m_home.filePath(u"bare.sqlite"_s);
@@ -207,6 +208,11 @@ void KeysRunTest::anotherProgramKeepsTheKeys()
     QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"Text3"_s, 30000);
     m_screen->type(u"ann"_s);
     QTRY_COMPARE_WITH_TIMEOUT(till.text(u"Text3"_s), u"ANN"_s, 30000);
+    const QPoint password = till.place(u"Text4"_s);
+    m_screen->freeKeyboard();
+    QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"-"_s, 30000);
+    m_screen->press(password);
+    QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"Text4"_s, 30000);
 }
 
 QTEST_GUILESS_MAIN(KeysRunTest)

@@ -121,6 +121,7 @@ private Q_SLOTS:
     void aKeyBeforeTheBoxIsSeenAnswersNothing();
     void aKeyHeldDownSinceAnswersNothing_data();
     void aKeyHeldDownSinceAnswersNothing();
+    void aHeldAcceleratorAnswersNothing();
     void aBoxShownAgainIsGuardedAgain();
     void keysBeforeAnInputAreNotTyped();
 
@@ -412,6 +413,22 @@ void BoxesTest::aKeyHeldDownSinceAnswersNothing()
     const Answer meant = key == Qt::Key_Escape ? Answer::No : Answer::Yes;
     QCOMPARE(boxes.message(nullptr, u"Text"_s, box::Ask, {}), meant);
     QVERIFY(stoodThere);
+}
+
+void BoxesTest::aHeldAcceleratorAnswersNothing()
+{
+    QtBoxes boxes;
+    whenShown<QMessageBox>(boxes, [](QMessageBox &box) {
+        const auto pressAltN = [&box](bool repeated) {
+            return qt_sendShortcutOverrideEvent(focusOf(box), 0, Qt::Key_N, Qt::AltModifier, u"n"_s, repeated);
+        };
+        QTRY_VERIFY(box.isActiveWindow());
+        QVERIFY(!pressAltN(true));
+        QVERIFY(box.isVisible());
+        QVERIFY(pressAltN(false));
+        QTRY_VERIFY(!box.isVisible());
+    });
+    QCOMPARE(boxes.message(nullptr, u"Text"_s, box::Ask, {}), Answer::No);
 }
 
 void BoxesTest::aBoxShownAgainIsGuardedAgain()
