@@ -191,11 +191,22 @@ void StoreGuard::moveLog(int mode)
     sqlite3 *database = m_database.get();
     sqlite3_busy_handler(database, nullptr, nullptr);
     // The moving needs no lock that a till waits for; with it done, emptying takes but a moment.
-    sqlite3_wal_checkpoint_v2(database, "main", SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
-    if (mode != SQLITE_CHECKPOINT_PASSIVE)
+    const int moved = sqlite3_wal_checkpoint_v2(database, "main", SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+    if (mode != SQLITE_CHECKPOINT_PASSIVE && moved == SQLITE_OK)
         sqlite3_wal_checkpoint_v2(database, "main", mode, nullptr, nullptr);
+    noteMove(moved);
     m_watch.accept();
     m_wait.attach(database);
+}
+
+/// Somebody else at work is no failure. What failed is in the log still; that is said once, until it works again.
+void StoreGuard::noteMove(int code)
+{
+    const bool fails = code != SQLITE_OK && code != SQLITE_BUSY && code != SQLITE_LOCKED;
+    if (fails && !std::exchange(m_moveFails, true))
+        qCWarning(lcStore) << "The log could not be moved into the store file:" << sqlite3_errstr(code);
+    else if (!fails)
+        m_moveFails = false;
 }
 
 /// Once the store is lost: the log goes into the file that was opened; from beside another file, and when its own was

@@ -82,6 +82,7 @@ private:
     void bringLogAway();
     bool emptyLog();
     void moveLog(int mode);
+    void noteMove(int code);
     [[nodiscard]] LogFiles logFiles() const;
     [[nodiscard]] bool mayPass() const;
 
@@ -93,6 +94,7 @@ private:
     QTimer m_timer;
     std::optional<StoreLoss> m_loss;
     bool m_told = false;
+    bool m_moveFails = false;
     bool m_logIsForeignTo = false; ///< the file that was opened must not get it: it was overwritten
     std::atomic<int> m_passes = 0;
 };
