@@ -2,6 +2,7 @@
 #include "first_user_dialog.h"
 
 #include "dialog_style.h"
+#include "failure_text.h"
 #include "password_rules.h"
 #include "sheet/look.h"
 #include "spoken/spoken.h"
@@ -123,7 +124,7 @@ void FirstUserDialog::layOut(const QString &storePath)
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(24, 16, 24, 16);
     rows->setSpacing(12);
-    rows->addWidget(createText(this, u"A new store is created in\n%1"_s.arg(storePath)));
+    rows->addWidget(createText(this, u"A new store is created in\n%1"_s.arg(wrappingPath(storePath))));
     rows->addWidget(createText(this, u"Choose the password of its first user, ADMINISTRATOR, who may do everything. "
                                      "Capital and small letters make no difference."_s +
                                          (asksForReceipt ? u" What is printed on the receipts can be changed later "

@@ -3,6 +3,7 @@
 
 #include "backup_page.h"
 #include "dialog_style.h"
+#include "failure_text.h"
 #include "office_box.h"
 #include "receipt_page.h"
 #include "sheet/look.h"
@@ -65,7 +66,7 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     rows->addLayout(top);
     rows->addWidget(new StoreAccessLine(store, this));
     rows->addWidget(pages, 1);
-    rows->addWidget(makeOfficeText(this, store));
+    rows->addWidget(makeOfficeText(this, wrappingPath(store)));
     // Enter in an entry does what stands beside it, and nothing else.
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);

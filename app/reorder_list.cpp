@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -54,7 +55,7 @@ ReorderListDialog::ReorderListDialog(std::shared_ptr<DbConnection> connection, Q
     createParts();
     layOut();
     sheet::dress(*this);
-    resize(1000, 640);
+    resize(QSize(1000, 640).boundedTo(screen()->availableSize()));
     m_timer.setInterval(0);
     connect(&m_timer, &QTimer::timeout, this, &ReorderListDialog::goOn);
     connect(m_refresh, &QPushButton::clicked, this, &ReorderListDialog::read);

@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScroller>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -24,6 +26,10 @@ namespace harrowby::app {
 namespace {
 
 constexpr int listWidth = 300;
+constexpr int smallListWidth = 250; ///< in a window for a small screen
+constexpr int smallWindow = 900;
+constexpr int besideRight = 72; ///< a right's box, its paddings, and what scrolls the rights
+constexpr int fewestPixels = 260;
 constexpr int rowHeight = 56;
 
 QString secondLine(const StoreUser &user)
@@ -36,7 +42,30 @@ QListWidgetItem *makeRow(const StoreUser &user)
 {
     auto *row = new QListWidgetItem(user.name + u'\n' + secondLine(user));
     row->setSizeHint({0, rowHeight});
+    row->setToolTip(row->text().toHtmlEscaped());
     return row;
+}
+
+/// The text on as many lines as the width takes, broken between words.
+QString wrapped(const QString &text, const QFontMetrics &metrics, int width)
+{
+    QString lines;
+    QString line;
+    for (const QString &word : text.split(u' ')) {
+        const QString longer = line.isEmpty() ? word : line + u' ' + word;
+        if (!line.isEmpty() && metrics.horizontalAdvance(longer) > width) {
+            lines += line + u'\n';
+            line = word;
+        } else {
+            line = longer;
+        }
+    }
+    return lines + line;
+}
+
+QString rightText(const Right &right)
+{
+    return right.title + u": "_s + right.words;
 }
 
 /// The rights that nobody can switch are there to be read.
@@ -56,7 +85,7 @@ UsersPage::UsersPage(sqlite3 *database, QWidget *parent) : QWidget(parent), m_st
     columns->setContentsMargins(16, 16, 16, 16);
     columns->setSpacing(24);
     columns->addLayout(makeList());
-    columns->addLayout(makeDetails(), 1);
+    columns->addWidget(makeScroller(makeDetails()), 1);
     fill();
 }
 
@@ -67,6 +96,8 @@ QVBoxLayout *UsersPage::makeList()
     m_list->setAccessibleName(u"Users"_s);
     m_list->setFixedWidth(listWidth);
     m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setTextElideMode(Qt::ElideRight);
     connect(m_list, &QListWidget::currentRowChanged, this, &UsersPage::showUser);
     auto *add = new QPushButton(u"&Add User \u2026"_s, this);
     add->setObjectName(u"addUser"_s);
@@ -91,6 +122,8 @@ QVBoxLayout *UsersPage::makeDetails()
     m_type = new QComboBox(this);
     m_type->setObjectName(u"chosenType"_s);
     m_type->setAccessibleName(u"Type"_s);
+    m_type->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_type->setMinimumContentsLength(10);
     connect(m_type, &QComboBox::activated, this, &UsersPage::changeType);
     m_password = new QPushButton(u"Change &Password \u2026"_s, this);
     m_password->setObjectName(u"changePassword"_s);
@@ -107,7 +140,9 @@ QVBoxLayout *UsersPage::makeDetails()
     line->addWidget(m_password);
     rows->addLayout(line);
     for (const Right &right : userRights()) {
-        auto *box = new QCheckBox(right.title + u": "_s + right.words, this);
+        auto *box = new QCheckBox(rightText(right), this);
+        box->setAccessibleName(rightText(right));
+        box->setMinimumWidth(fewestPixels); // its text wraps
         box->setObjectName(right.column);
         showLockedAsText(*box);
         connect(box, &QCheckBox::clicked, this, [this, column = right.column](bool on) { switchRight(column, on); });
@@ -117,6 +152,39 @@ QVBoxLayout *UsersPage::makeDetails()
     rows->addStretch(1);
     rows->addWidget(m_outcome);
     return rows;
+}
+
+/// A low window scrolls the rights.
+QWidget *UsersPage::makeScroller(QLayout *details)
+{
+    auto *area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto *page = new QWidget;
+    page->setLayout(details);
+    details->setContentsMargins(0, 0, 0, 0);
+    area->setWidget(page);
+    page->setAutoFillBackground(false);
+    area->viewport()->setAutoFillBackground(false);
+    QScroller::grabGesture(area->viewport(), QScroller::TouchGesture);
+    return area;
+}
+
+void UsersPage::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_list->setFixedWidth(width() < smallWindow ? smallListWidth : listWidth);
+    wrapRights();
+}
+
+void UsersPage::wrapRights()
+{
+    const QMargins margins = layout()->contentsMargins();
+    const int room = width() - margins.left() - margins.right() - m_list->width() - layout()->spacing() - besideRight;
+    for (qsizetype i = 0; i < m_rights.size(); ++i)
+        m_rights.at(i)->setText(wrapped(rightText(userRights().at(i)), m_rights.at(i)->fontMetrics(), room));
 }
 
 void UsersPage::fill()

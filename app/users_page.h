@@ -26,9 +26,14 @@ public:
     /// The database must outlive it.
     explicit UsersPage(sqlite3 *database, QWidget *parent = nullptr);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     QVBoxLayout *makeList();
     QVBoxLayout *makeDetails();
+    QWidget *makeScroller(QLayout *details);
+    void wrapRights();
     void fill();
     void showUser();
     void showType(const StoreUser &user);

@@ -17,6 +17,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -28,6 +29,9 @@ namespace harrowby::report {
 namespace {
 
 constexpr int wideWindow = 1400;
+constexpr int choicesWindow = 960; ///< holds all choices in one row
+constexpr QSize usualSize(1000, 700);
+constexpr QSize smallestSize(760, 540);
 constexpr int widestSorting = 320;
 constexpr int progressSteps = 1000;
 const QString administrator = u"ADMINISTRATOR"_s;
@@ -64,7 +68,8 @@ ReportDialog::ReportDialog(std::shared_ptr<DbConnection> connection, ReportFrame
     createOutput();
     layOut();
     sheet::dress(*this);
-    resize(1000, 700);
+    setMinimumSize(smallestSize); // the choices go into two rows before they lack room
+    resize(usualSize.boundedTo(screen()->availableSize()));
     connectAll();
     read();
 }
@@ -156,15 +161,18 @@ void ReportDialog::createOutput()
 
 QLayout *ReportDialog::layOutChoices()
 {
+    m_choices = new QBoxLayout(QBoxLayout::LeftToRight);
+    m_choices->setSpacing(8);
+    m_choices->addWidget(m_period);
     auto *row = new QHBoxLayout;
     row->setSpacing(8);
-    row->addWidget(m_period);
+    m_choices->addLayout(row, 1);
     row->addWidget(captioned(u"&Group"_s, m_grouping, this));
     row->addWidget(captioned(u"&Sort"_s, m_sorting, this), 1);
     row->addWidget(m_refresh, 0, Qt::AlignBottom);
     m_sorting->setMaximumWidth(widestSorting);
     row->addStretch(0);
-    return row;
+    return m_choices;
 }
 
 QLayout *ReportDialog::layOutFoot()
@@ -294,11 +302,13 @@ void ReportDialog::say(const QString &text)
     reportOutcome(m_status, text);
 }
 
-/// A wide screen has the plot beside the table.
+/// A wide screen has the plot beside the table; a narrow one has the choices in two rows.
 void ReportDialog::resizeEvent(QResizeEvent *event)
 {
     QDialog::resizeEvent(event);
     const bool wide = event->size().width() >= wideWindow;
+    const bool inOneRow = event->size().width() >= choicesWindow;
+    m_choices->setDirection(inOneRow ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_figures->setDirection(wide ? QBoxLayout::RightToLeft : QBoxLayout::TopToBottom);
 }
 

@@ -93,6 +93,7 @@ private:
     QComboBox *m_sorting = nullptr;
     QPushButton *m_refresh = nullptr;
     QStackedWidget *m_pages = nullptr;
+    QBoxLayout *m_choices = nullptr;
     QBoxLayout *m_figures = nullptr;
     QLabel *m_message = nullptr;
     SalesChart *m_chart = nullptr;

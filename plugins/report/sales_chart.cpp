@@ -23,6 +23,11 @@ namespace harrowby::report {
 
 namespace {
 
+constexpr double labelSize = 9;
+constexpr double smallestLabel = 6.5;
+constexpr int labelGap = 12;     ///< what the axis keeps free beside a label
+constexpr int amountsWidth = 80; ///< of the other axis and the margins
+
 constexpr int widestName = 210;
 
 struct Ink
@@ -59,7 +64,7 @@ QString distinct(const QString &label, int place)
 
 QStringList labelsOf(const Bars &bars)
 {
-    const QFontMetrics metrics(chartFont(9));
+    const QFontMetrics metrics(chartFont(labelSize));
     QStringList labels;
     for (const Bar &bar : bars.bars) {
         const QString shown = metrics.elidedText(bar.label.simplified(), Qt::ElideRight, widestName);
@@ -103,7 +108,7 @@ QAbstractBarSeries *createSeries(const Bars &bars, const Ink &ink)
 
 void paintAxis(QAbstractAxis &axis, const Ink &ink)
 {
-    axis.setLabelsFont(chartFont(9));
+    axis.setLabelsFont(chartFont(labelSize));
     axis.setLabelsColor(ink.text);
     axis.setLinePenColor(ink.line);
     axis.setGridLineColor(ink.line);
@@ -177,7 +182,7 @@ SalesChart::SalesChart(QWidget *parent) : QChartView(parent)
     setFrameShape(NoFrame);
     setBackgroundBrush(Qt::NoBrush);
     setFocusPolicy(Qt::NoFocus); // the table says the same, and can be walked through
-    setMinimumHeight(150);
+    setMinimumHeight(120);
     build();
 }
 
@@ -192,6 +197,34 @@ void SalesChart::show(const Bars &bars)
 void SalesChart::build()
 {
     fill(*chart(), m_bars, screenInk());
+    fitLabels();
+}
+
+void SalesChart::resizeEvent(QResizeEvent *event)
+{
+    QChartView::resizeEvent(event);
+    fitLabels();
+}
+
+/// Labels that would be cut off beside each other are smaller, or stand upright where that is not enough.
+void SalesChart::fitLabels()
+{
+    if (m_bars.bars.empty() || m_bars.across || m_bars.longLabels)
+        return;
+    const int room = (width() - amountsWidth) / static_cast<int>(m_bars.bars.size());
+    const auto fits = [&](double size) {
+        const QFontMetrics metrics(chartFont(size));
+        return std::all_of(m_bars.bars.begin(), m_bars.bars.end(),
+                           [&](const Bar &bar) { return metrics.horizontalAdvance(bar.label) + labelGap <= room; });
+    };
+    double size = labelSize;
+    while (size > smallestLabel && !fits(size))
+        size -= 0.5;
+    const bool upright = !fits(size);
+    for (QAbstractAxis *names : chart()->axes(Qt::Horizontal)) {
+        names->setLabelsFont(chartFont(upright ? labelSize : size));
+        names->setLabelsAngle(upright ? -90 : 0);
+    }
 }
 
 void SalesChart::changeEvent(QEvent *event)

@@ -21,9 +21,11 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void build();
+    void fitLabels();
 
     Bars m_bars;
 };

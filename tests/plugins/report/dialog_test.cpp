@@ -12,10 +12,12 @@
 #include <QDateEdit>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
+#include <QtCharts/QAbstractAxis>
 
 #include <sqlite3.h>
 
@@ -324,6 +326,50 @@ private Q_SLOTS:
         for (const QString &name : {u"period"_s, u"from"_s, u"to"_s, u"grouping"_s, u"sorting"_s, u"refresh"_s,
                                     u"sales"_s, u"emailReport"_s, u"print"_s, u"savePdf"_s, u"saveCsv"_s, u"close"_s})
             QVERIFY2(reached.contains(name), qPrintable(name));
+    }
+
+    void fitsEveryScreen_data()
+    {
+        QTest::addColumn<QSize>("size");
+        for (const QSize size :
+             {QSize(800, 576), QSize(1024, 576), QSize(768, 1342), QSize(1366, 744), QSize(1920, 1056)})
+            QTest::addRow("%dx%d", size.width(), size.height()) << size;
+    }
+
+    void fitsEveryScreen()
+    {
+        QFETCH(QSize, size);
+        const auto dialog = open();
+        dialog->resize(size);
+        QCoreApplication::processEvents();
+        QCOMPARE(dialog->size(), size);
+        const QSize least = dialog->minimumSizeHint();
+        QVERIFY2(least.width() <= size.width() && least.height() <= size.height(),
+                 qPrintable(u"at least %1x%2"_s.arg(least.width()).arg(least.height())));
+        for (const QString &name : {u"period"_s, u"from"_s, u"to"_s, u"grouping"_s, u"sorting"_s, u"refresh"_s,
+                                    u"sales"_s, u"emailReport"_s, u"print"_s, u"savePdf"_s, u"saveCsv"_s, u"close"_s}) {
+            const auto &control = part<QWidget>(*dialog, name);
+            QVERIFY2(dialog->rect().contains(QRect(control.mapTo(dialog.get(), QPoint()), control.size())),
+                     qPrintable(name));
+            QVERIFY2(control.height() >= 44 && control.width() >= control.minimumSizeHint().width(), qPrintable(name));
+        }
+        const auto &from = part<QDateEdit>(*dialog, u"from"_s);
+        QVERIFY(from.findChild<QLineEdit *>()->width() >= from.fontMetrics().horizontalAdvance(from.text()));
+        QVERIFY(part<QTreeView>(*dialog, u"sales"_s).height() >= 3 * 44);
+    }
+
+    void labelsOfCrowdedBarsAreSmaller()
+    {
+        const auto dialog = open();
+        const auto size = [&] {
+            return dialog->chart().chart()->axes(Qt::Horizontal).constFirst()->labelsFont().pointSizeF();
+        };
+        dialog->resize(1366, 744);
+        QCoreApplication::processEvents();
+        const double usual = size();
+        dialog->resize(800, 576);
+        QCoreApplication::processEvents();
+        QVERIFY(size() < usual && size() > 6);
     }
 
     void aDarkPaletteIsFollowed()
