@@ -19,9 +19,11 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -32,6 +34,37 @@ namespace {
 
 constexpr int usualWidth = 620;
 constexpr int upperGap = 8;
+constexpr std::chrono::milliseconds answerInterval(100);
+
+/// The window behind whatever box stands in front: it goes last.
+QWidget *lastingWindow()
+{
+    QWidget *window = QApplication::activeModalWidget();
+    if (window == nullptr)
+        return salesWindow();
+    while (window->parentWidget() != nullptr)
+        window = window->parentWidget()->window();
+    return window;
+}
+
+/// Whether a box has come while it lives.
+class BoxSpotter final : public QObject
+{
+public:
+    BoxSpotter() { qApp->installEventFilter(this); }
+    [[nodiscard]] bool sawBox() const { return m_sawBox; }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Show && qobject_cast<QDialog *>(watched) != nullptr)
+            m_sawBox = true;
+        return false;
+    }
+
+private:
+    bool m_sawBox = false;
+};
 
 } // namespace
 
@@ -222,11 +255,29 @@ void LostStoreBox::reject()
     m_closing = true;
     hide();
     const QPointer<LostStoreBox> alive(this);
-    const bool closed = m_close();
-    if (!alive || closed)
+    BoxSpotter spotter;
+    if (m_close() || !alive)
         return;
+    if (spotter.sawBox())
+        comeBack();
+    else
+        comeBackLater();
+}
+
+void LostStoreBox::comeBack()
+{
     m_closing = false;
     tell();
+}
+
+/// Nothing was asked because the same question stands on the screen already, from before this box came: it is answered
+/// first.
+void LostStoreBox::comeBackLater()
+{
+    if (QApplication::activeModalWidget() == nullptr)
+        comeBack();
+    else
+        QTimer::singleShot(answerInterval, this, &LostStoreBox::comeBackLater);
 }
 
 LostStoreAlarm::LostStoreAlarm(StoreGuard &guard, QString place, std::function<bool()> close) :
@@ -242,10 +293,10 @@ LostStoreAlarm::~LostStoreAlarm()
 
 void LostStoreAlarm::raise()
 {
+    m_told = true;
     if (!m_box) {
-        QWidget *front = QApplication::activeModalWidget();
         const auto close = [this] { return m_left = m_close(); };
-        m_box = new LostStoreBox(m_guard, m_place, close, front != nullptr ? front->window() : salesWindow());
+        m_box = new LostStoreBox(m_guard, m_place, close, lastingWindow());
     }
     m_box->tell();
 }
@@ -254,7 +305,7 @@ void LostStoreAlarm::lookOnceMore()
 {
     disconnect(&m_guard, &StoreGuard::lossChanged, this, &LostStoreAlarm::raise);
     m_guard.tick();
-    if (!m_guard.isLost() || m_left)
+    if (!m_guard.isLost() || m_left || (m_told && !m_guard.loss().needsRescue()))
         return;
     LostStoreBox box(
         m_guard, m_place, [] { return true; }, nullptr);
@@ -264,8 +315,9 @@ void LostStoreAlarm::lookOnceMore()
 
 bool closeTill()
 {
-    QWidget *window = salesWindow();
-    if (window != nullptr && !window->close())
+    const QPointer<QWidget> window = salesWindow();
+    // While the window asks already, Qt takes a second closing for done.
+    if (window && (!window->close() || (window && window->isVisible())))
         return false;
     QCoreApplication::exit(0);
     return true;

@@ -46,6 +46,8 @@ private:
     void finish(const BackupResult &result);
     void setRunning(bool running);
     [[nodiscard]] bool mayClose();
+    void comeBack();
+    void comeBackLater();
 
     StoreGuard &m_guard;
     QString m_place;
@@ -85,6 +87,7 @@ private:
     QString m_place;
     std::function<bool()> m_close;
     QPointer<LostStoreBox> m_box;
+    bool m_told = false;
     bool m_left = false; ///< the person has closed the till or the office from the box
 };
 

@@ -8,6 +8,8 @@
 #include "store_open.h"
 
 #include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -25,6 +27,26 @@ using namespace Qt::StringLiterals;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
+namespace {
+
+/// Asks like the till, and is told "No".
+class AskingWindow : public QWidget
+{
+public:
+    AskingWindow() { setWindowTitle(u"Sales Inventory"_s); }
+    QDialog question;
+
+protected:
+    void closeEvent(QCloseEvent *event) override
+    {
+        event->ignore();
+        if (!question.isVisible())
+            question.exec();
+    }
+};
+
+} // namespace
+
 /// The box that stands in front once the store file is gone.
 class LostStoreBoxTest : public QObject
 {
@@ -37,6 +59,8 @@ private Q_SLOTS:
     void boxSaysWhatHappened();
     void enterPressesNothing();
     void noLeadsBack();
+    void questionThatStandsAlreadyIsAnsweredFirst();
+    void tillThatAsksAlreadyIsNotClosed();
     void rescueCopyIsMade();
     void rescueCopyReplacesNothing();
     void closingWithoutTheCopyIsAskedFor();
@@ -58,6 +82,7 @@ private:
     std::unique_ptr<StoreGuard> m_guard;
     std::unique_ptr<LostStoreAlarm> m_alarm;
     int m_closings = 0;
+    bool m_asks = true;    ///< whether the till asks
     bool m_closes = false; ///< what the till's question is answered with
 };
 
@@ -70,8 +95,12 @@ void LostStoreBoxTest::init()
     m_guard = std::make_unique<StoreGuard>(std::move(database), path(), m_wait);
     m_closings = 0;
     m_closes = false;
+    m_asks = true;
     m_alarm = std::make_unique<LostStoreAlarm>(*m_guard, u"till"_s, [this] {
         ++m_closings;
+        QDialog question;
+        if (m_asks)
+            question.show();
         return m_closes;
     });
     QVERIFY(!runSql(m_guard->database(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('one')"_s));
@@ -145,6 +174,37 @@ void LostStoreBoxTest::noLeadsBack()
     press(u"closeLostStore"_s);
     QCOMPARE(m_closings, 3);
     QVERIFY(box() == nullptr);
+}
+
+/// Somebody was about to close the till when the file went; the till does not ask a second time then.
+void LostStoreBoxTest::questionThatStandsAlreadyIsAnsweredFirst()
+{
+    QDialog question;
+    question.setModal(true);
+    question.show();
+    lose(u"moved"_s);
+    m_asks = false;
+    press(u"closeLostStore"_s);
+    QCOMPARE(m_closings, 1);
+    QCOMPARE(QApplication::activeModalWidget(), &question);
+    m_guard->tick();
+    QCOMPARE(QApplication::activeModalWidget(), &question);
+    question.reject();
+    QTRY_VERIFY(box() != nullptr);
+}
+
+void LostStoreBoxTest::tillThatAsksAlreadyIsNotClosed()
+{
+    AskingWindow till;
+    till.show();
+    bool closed = true;
+    QTimer::singleShot(0, &till, [&] {
+        closed = closeTill();
+        till.question.reject();
+    });
+    till.close();
+    QVERIFY(!closed);
+    QVERIFY(till.isVisible());
 }
 
 void LostStoreBoxTest::rescueCopyIsMade()
@@ -224,7 +284,7 @@ void LostStoreBoxTest::officeClosesFromTheFront()
         QDialog user(&office);
         QTimer::singleShot(0, &user, [&] {
             lose(u"moved"_s);
-            QCOMPARE(box()->parentWidget(), &user);
+            QCOMPARE(box()->parentWidget(), &office); // which goes last
             press(u"closeLostStore"_s);
         });
         QCOMPARE(user.exec(), int(QDialog::Rejected));
