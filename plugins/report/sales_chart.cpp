@@ -24,8 +24,8 @@ namespace harrowby::report {
 namespace {
 
 constexpr double labelSize = 9;
-constexpr double smallestLabel = 6.5;
-constexpr int labelGap = 12;     ///< what the axis keeps free beside a label
+constexpr double smallLabel = 7;
+constexpr int labelGap = 9;      ///< what the axis keeps free beside a label
 constexpr int amountsWidth = 80; ///< of the other axis and the margins
 
 constexpr int widestName = 210;
@@ -196,35 +196,37 @@ void SalesChart::show(const Bars &bars)
 
 void SalesChart::build()
 {
-    fill(*chart(), m_bars, screenInk());
-    fitLabels();
+    m_labels = labelsFor(width());
+    Bars bars = m_bars;
+    bars.longLabels = m_labels == Labels::Upright;
+    fill(*chart(), bars, screenInk());
+    if (m_labels != Labels::Usual && !m_bars.longLabels) {
+        for (QAbstractAxis *names : chart()->axes(Qt::Horizontal))
+            names->setLabelsFont(chartFont(smallLabel));
+    }
 }
 
 void SalesChart::resizeEvent(QResizeEvent *event)
 {
     QChartView::resizeEvent(event);
-    fitLabels();
+    if (labelsFor(width()) != m_labels)
+        build();
 }
 
 /// Labels that would be cut off beside each other are smaller, or stand upright where that is not enough.
-void SalesChart::fitLabels()
+SalesChart::Labels SalesChart::labelsFor(int wide) const
 {
-    if (m_bars.bars.empty() || m_bars.across || m_bars.longLabels)
-        return;
-    const int room = (width() - amountsWidth) / static_cast<int>(m_bars.bars.size());
+    if (m_bars.bars.empty() || m_bars.across)
+        return Labels::Usual;
+    const int room = (wide - amountsWidth) / static_cast<int>(m_bars.bars.size());
     const auto fits = [&](double size) {
         const QFontMetrics metrics(chartFont(size));
         return std::all_of(m_bars.bars.begin(), m_bars.bars.end(),
                            [&](const Bar &bar) { return metrics.horizontalAdvance(bar.label) + labelGap <= room; });
     };
-    double size = labelSize;
-    while (size > smallestLabel && !fits(size))
-        size -= 0.5;
-    const bool upright = !fits(size);
-    for (QAbstractAxis *names : chart()->axes(Qt::Horizontal)) {
-        names->setLabelsFont(chartFont(upright ? labelSize : size));
-        names->setLabelsAngle(upright ? -90 : 0);
-    }
+    if (m_bars.longLabels || !fits(smallLabel))
+        return Labels::Upright;
+    return fits(labelSize) ? Labels::Usual : Labels::Small;
 }
 
 void SalesChart::changeEvent(QEvent *event)

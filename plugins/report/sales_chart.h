@@ -24,10 +24,13 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    enum class Labels { Usual, Small, Upright };
+
     void build();
-    void fitLabels();
+    [[nodiscard]] Labels labelsFor(int wide) const;
 
     Bars m_bars;
+    Labels m_labels = Labels::Usual;
 };
 
 /// The bars for paper: dark on white.

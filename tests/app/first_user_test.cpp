@@ -164,8 +164,10 @@ void FirstUserTest::everythingIsLargeEnoughForAThumb()
 void FirstUserTest::namesTheFile()
 {
     bool named = false;
-    for (const auto *label : m_dialog->findChildren<QLabel *>())
-        named = named || (label->textFormat() == Qt::PlainText && label->text().contains(u"/shops/a & b.sqlite"_s));
+    for (const auto *label : m_dialog->findChildren<QLabel *>()) {
+        const QString shown = label->text().remove(u'\u200b'); // where the path may be broken
+        named = named || (label->textFormat() == Qt::PlainText && shown.contains(u"/shops/a & b.sqlite"_s));
+    }
     QVERIFY(named);
 }
 

@@ -17,7 +17,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
-#include <QtCharts/QAbstractAxis>
+#include <QtCharts/QBarCategoryAxis>
 
 #include <sqlite3.h>
 
@@ -370,6 +370,11 @@ private Q_SLOTS:
         dialog->resize(800, 576);
         QCoreApplication::processEvents();
         QVERIFY(size() < usual && size() > 6);
+        dialog->resize(768, 1342);
+        QCoreApplication::processEvents();
+        QVERIFY(size() < usual ||
+                dynamic_cast<QBarCategoryAxis &>(*dialog->chart().chart()->axes(Qt::Horizontal).constFirst())
+                        .labelsAngle() == -90);
     }
 
     void aDarkPaletteIsFollowed()
