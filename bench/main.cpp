@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -172,12 +173,25 @@ int measureAndReport(const QCommandLineParser &options)
     return EXIT_SUCCESS;
 }
 
+/// A till's usual screen: the headless one is narrower, and the window would measure its way of fitting it.
+void chooseScreen(QTemporaryFile &screen)
+{
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return;
+    QByteArray platform = "offscreen";
+    if (screen.open() && screen.write(R"({"screens": [{"name": "till", "x": 0, "y": 0, "width": 1024, "height": 768,
+        "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})") > 0 &&
+        screen.flush())
+        platform += ":configfile=" + QFile::encodeName(screen.fileName());
+    qputenv("QT_QPA_PLATFORM", platform);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryFile screen;
+    chooseScreen(screen);
     // What the platform without a screen cannot do is no news here.
     if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES"))
         qputenv("QT_LOGGING_RULES", "default.warning=false");
