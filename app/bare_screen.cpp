@@ -56,6 +56,7 @@ bool BareScreen::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonPress:
         if (QApplication::activeWindow() != nullptr)
             break;
+        m_pressed = true;
         [[fallthrough]];
     case QEvent::Hide:
         if (watched->isWidgetType())
@@ -81,9 +82,10 @@ void BareScreen::come(QWidget &window)
     m_later.start(); // not within the change of its state: what the platform makes of that comes after it
 }
 
-/// The keys are never taken from another program, which may have windows on the same screen.
+/// The keys are not taken from another program, which may have windows on the same screen, but by a person's press.
 void BareScreen::settle()
 {
+    const bool pressed = std::exchange(m_pressed, false);
     m_windows.removeIf([](const QPointer<QWidget> &window) { return window.isNull() || !window->isVisible(); });
     if (m_windows.isEmpty() || hasWindowManager())
         return;
@@ -91,7 +93,7 @@ void BareScreen::settle()
         fillScreen(*window);
     QWidget *box = QApplication::activeModalWidget();
     QWidget *front = box != nullptr ? box : m_windows.constLast().data();
-    if (isOnScreen(*front) && keyboardIsFree())
+    if (isOnScreen(*front) && (pressed || keyboardIsFree()))
         giveKeyboard(*front->windowHandle());
 }
 

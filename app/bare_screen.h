@@ -26,6 +26,7 @@ private:
     void come(QWidget &window);
     void settle();
 
+    bool m_pressed = false;             ///< by a person, while the keys went elsewhere
     QTimer m_later;                     ///< after a window has come or gone
     QList<QPointer<QWidget>> m_windows; ///< that take keys, as they came
 };

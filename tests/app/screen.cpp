@@ -120,14 +120,6 @@ void Screen::moveTo(const QPoint &place) const
     input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y())});
 }
 
-void Screen::freeKeyboard() const
-{
-    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> server(
-        xcb_connect(m_display.toLatin1().constData(), nullptr), &xcb_disconnect);
-    xcb_set_input_focus(server.get(), XCB_INPUT_FOCUS_NONE, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME);
-    xcb_flush(server.get());
-}
-
 void Screen::turnWheel(bool down) const
 {
     input({u"click"_s, down ? u"5"_s : u"4"_s});

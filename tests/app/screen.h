@@ -37,8 +37,6 @@ public:
     void hold(const QString &name) const;
     void moveTo(const QPoint &place) const;
     void turnWheel(bool down) const;
-    /// Lets the keys go to no window, as they do when the program that had them has ended.
-    void freeKeyboard() const;
 
 private:
     void input(const QStringList &arguments) const;

@@ -80,6 +80,9 @@ void ListChoiceTest::rowListIsChosen()
         order.clear();
         QTest::keyClick(&list, key);
         QCOMPARE(order, (QStringList{u"chosen 2"_s, u"opened 2"_s}));
+        QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, u"\r"_s, true);
+        QCoreApplication::sendEvent(&list, &held);
+        QCOMPARE(order.size(), 2); // it would open the same again when what was opened has closed
     }
 }
 
