@@ -6,6 +6,8 @@
 #include <QFrame>
 #include <QGridLayout>
 
+#include <algorithm>
+
 namespace harrowby {
 
 namespace {
@@ -15,7 +17,8 @@ enum Column { FieldsColumn, MiddleColumn, SideColumn };
 enum Row { UpperRow, LowerRow, FootRow };
 
 constexpr int kMiddleWidth = 320;
-constexpr int kUpperHeight = 222; ///< what of the custom sale the keypad leaves to see in a low window
+constexpr int kSideBesideList = 350; ///< where the window is not narrow
+constexpr int kUpperHeight = 222;    ///< what of the custom sale the keypad leaves to see in a low window
 constexpr const char *kBesideFields = "harrowbyBesideFields";
 
 struct Place
@@ -81,7 +84,8 @@ void shareOut(QGridLayout &stage, Shape shape, Density density)
     stage.setColumnStretch(SideColumn, 30);
     stage.setColumnMinimumWidth(FieldsColumn, isWide ? measures.fieldsWidth : 0);
     stage.setColumnMinimumWidth(MiddleColumn, isWide ? kMiddleWidth : 0);
-    stage.setColumnMinimumWidth(SideColumn, isTall ? 0 : measures.sideWidth);
+    const int side = isWide ? std::max(kSideBesideList, measures.sideWidth) : measures.sideWidth;
+    stage.setColumnMinimumWidth(SideColumn, isTall ? 0 : side);
 }
 
 } // namespace

@@ -277,7 +277,8 @@ void FittingTest::longNameGetsTheRoom()
 void FittingTest::namesBreakBetweenWords_data()
 {
     QTest::addColumn<QSize>("size");
-    for (const QSize size : {QSize(142, 112), QSize(150, 120), QSize(200, 150), QSize(420, 260)})
+    for (const QSize size : {QSize(142, 112), QSize(150, 120), QSize(160, 130), QSize(180, 160), QSize(194, 165),
+                             QSize(200, 150), QSize(420, 260)})
         QTest::addRow("%dx%d", size.width(), size.height()) << size;
 }
 
@@ -286,8 +287,8 @@ void FittingTest::namesBreakBetweenWords()
     QFETCH(QSize, size);
     QuickSaleButton card;
     card.resize(size);
-    for (const QString &name : {u"AA BATTERIES 8 PACK RECHARGEABLE"_s, u"CONDENSED MILK"_s, u"BISCUITS CHOCOLATE"_s,
-                                u"NOTEBOOK A5 HARDCOVER LINED WITH ELASTIC BAND"_s}) {
+    for (const QString &name : {u"AA BATTERIES 8 PACK RECHARGEABLE LONG LIFE"_s, u"CONDENSED MILK"_s,
+                                u"BISCUITS CHOCOLATE"_s, u"NOTEBOOK A5 HARDCOVER LINED WITH ELASTIC BAND"_s}) {
         card.setText(u"AAA-0001\r\n"_s + name + u"\r\n1.00"_s);
         const QStringList words = name.split(u' ');
         const QStringList lines = card.nameLines();

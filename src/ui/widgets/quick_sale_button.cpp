@@ -27,6 +27,7 @@ constexpr int kNameLines = 3;
 constexpr int kShownName = 400;        ///< characters that are laid out
 constexpr double kSmallestName = 0.80; ///< of the window's font
 const QString kBlank = u"(empty)"_s;
+constexpr QChar kCutOff = u'\u2026'; ///< more of the text follows
 
 /// The pixels that suit a card of this height: a part of it, between bounds that follow the window's font.
 double fitting(double part, double smallest, double largest)
@@ -37,7 +38,7 @@ double fitting(double part, double smallest, double largest)
 /// A text that goes on behind its first line: cut off behind a word if there is room for the sign that says so.
 QString elided(const QString &text, int lineLength, const QFontMetrics &metrics, int width)
 {
-    const QString whole = text.left(lineLength).trimmed() + u'\u2026';
+    const QString whole = text.left(lineLength).trimmed() + kCutOff;
     return metrics.horizontalAdvance(whole) <= width ? whole : metrics.elidedText(text, Qt::ElideRight, width);
 }
 
@@ -232,8 +233,9 @@ QFont QuickSaleButton::nameFont(const Face &face, int width) const
     const QStringList words = face.name.left(kShownName).split(u' ');
     const auto fits = [&] {
         const QFontMetrics metrics(sized(pixels, true));
-        return std::ranges::all_of(words,
-                                   [&](const QString &word) { return metrics.horizontalAdvance(word) <= width; });
+        return std::ranges::all_of(words, [&](const QString &word) {
+            return metrics.horizontalAdvance(word + kCutOff) <= width; // the last one may be followed by the sign
+        });
     };
     while (pixels > smallest && !fits())
         pixels = std::max(smallest, pixels - 1);
