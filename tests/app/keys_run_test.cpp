@@ -200,8 +200,8 @@ void KeysRunTest::anotherProgramKeepsTheKeys()
         QVERIFY(office.start({u"--office"_s, u"--database"_s, store}));
         QTRY_COMPARE_WITH_TIMEOUT(office.focus(), u"officePassword"_s, 60000);
         QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"-"_s, 30000);
-        m_screen->key(u"Menu"_s); // it lies over the till, too
-        m_screen->key(u"Escape"_s);
+        m_screen->moveWindow(u"Store"_s, {0, 0}); // the till has something to paint, but nothing to take
+        QTRY_VERIFY_WITH_TIMEOUT(office.place(u"windowEdge"_s).x() < 300, 30000);
         m_screen->type(u"x"_s);
         QTRY_COMPARE_WITH_TIMEOUT(office.text(u"officePassword"_s), u"x"_s, 30000);
         const QPoint password = office.place(u"officePassword"_s);

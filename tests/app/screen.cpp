@@ -120,6 +120,12 @@ void Screen::moveTo(const QPoint &place) const
     input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y())});
 }
 
+void Screen::moveWindow(const QString &title, const QPoint &place) const
+{
+    input({u"search"_s, u"--onlyvisible"_s, u"--name"_s, u'^' + title + u'$', u"windowmove"_s,
+           QString::number(place.x()), QString::number(place.y())});
+}
+
 void Screen::turnWheel(bool down) const
 {
     input({u"click"_s, down ? u"5"_s : u"4"_s});

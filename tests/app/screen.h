@@ -37,6 +37,8 @@ public:
     void hold(const QString &name) const;
     void moveTo(const QPoint &place) const;
     void turnWheel(bool down) const;
+    /// Moves the window of that title, so that what it covered has to be painted.
+    void moveWindow(const QString &title, const QPoint &place) const;
 
 private:
     void input(const QStringList &arguments) const;
