@@ -34,9 +34,8 @@ void Inventory::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_F12 || event->modifiers() != Qt::NoModifier)
         return QMainWindow::keyPressEvent(event);
-    // The stock list lies over the cart, and what cannot be seen is not bought.
-    const bool seen = m_controls.Command14->isVisible() && m_controls.Frame10->isHidden();
-    if (seen && !event->isAutoRepeat())
+    // Also where the stock list or the log lies over the button: the question lists the cart.
+    if (!event->isAutoRepeat())
         m_controls.Command14->click(); // which heeds whether it is enabled
 }
 

@@ -379,7 +379,7 @@ void KeysTest::purchaseKeyWorksEverywhere()
     int pressed = 0;
     connect(counter.find<QPushButton>("Command14"), &QPushButton::clicked, this, [&] { ++pressed; });
     counter.boxes.answerTheRest([](const QString &) { return Answer::Ok; });
-    for (const int tab : {1, 2, 5}) {
+    for (const int tab : {1, 2, 3, 4, 5}) {
         counter.chooseTab("TabStrip1", tab);
         QStringList reached;
         for (QWidget *control : counter.window().findChildren<QWidget *>()) {
@@ -430,15 +430,9 @@ void KeysTest::purchaseKeyNeedsTheButton()
     counter.find("Command14")->setEnabled(false);
     QCOMPARE(pressKey(), 0);
     counter.find("Command14")->setEnabled(true);
-    for (const int tab : {3, 4}) { // the stock list lies over the cart, or the cart is hidden
-        counter.chooseTab("TabStrip1", tab);
-        QCOMPARE(pressKey(), 0);
-    }
-    counter.chooseTab("TabStrip1", 1);
-    counter.chooseTab("TabStrip2", 2);
-    QCOMPARE(pressKey(), 0); // the log stands in place of the cart
-    counter.chooseTab("TabStrip2", 1);
     QCOMPARE(pressKey(), 1);
+    counter.chooseTab("TabStrip2", 2);
+    QCOMPARE(pressKey(), 2); // also while the log stands in place of the cart
 }
 
 void KeysTest::focusAfterAPurchase_data()
