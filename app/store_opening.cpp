@@ -7,6 +7,7 @@
 #include "store_open.h"
 
 #include <QCloseEvent>
+#include <QDialog>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QLabel>

@@ -8,6 +8,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -122,6 +123,8 @@ QVBoxLayout *UsersPage::makeDetails()
     m_type = new QComboBox(this);
     m_type->setObjectName(u"chosenType"_s);
     m_type->setAccessibleName(u"Type"_s);
+    m_type->setFocusPolicy(Qt::StrongFocus);
+    m_type->installEventFilter(this);
     m_type->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_type->setMinimumContentsLength(10);
     connect(m_type, &QComboBox::activated, this, &UsersPage::changeType);
@@ -170,6 +173,15 @@ QWidget *UsersPage::makeScroller(QLayout *details)
     area->viewport()->setAutoFillBackground(false);
     QScroller::grabGesture(area->viewport(), QScroller::TouchGesture);
     return area;
+}
+
+/// The wheel scrolls the rights also over the type, and changes none that nobody has gone to.
+bool UsersPage::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_type || event->type() != QEvent::Wheel || m_type->hasFocus())
+        return QWidget::eventFilter(watched, event);
+    event->ignore();
+    return true;
 }
 
 void UsersPage::resizeEvent(QResizeEvent *event)

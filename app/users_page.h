@@ -27,6 +27,7 @@ public:
     explicit UsersPage(sqlite3 *database, QWidget *parent = nullptr);
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void focusStaysOnTheBackupPage_data();
     void focusStaysOnTheBackupPage();
     void wheelTurnsNoPage();
+    void wheelChangesNoType();
     void everythingIsLargeEnoughForAThumbAndNamed();
     void fitsASmallScreen();
 
@@ -431,6 +432,22 @@ void OfficeWindowTest::wheelTurnsNoPage()
         QCoreApplication::sendEvent(tabs, &turn);
         QCOMPARE(tabs->currentIndex(), 1);
     }
+}
+
+void OfficeWindowTest::wheelChangesNoType()
+{
+    auto *type = part<QComboBox>("chosenType");
+    part<QListWidget>("users")->setCurrentRow(1);
+    part<QListWidget>("users")->setFocus();
+    const int chosen = type->currentIndex();
+    const QPointF middle = type->rect().center();
+    for (const int step : {120, -120}) {
+        QWheelEvent turn(middle, type->mapToGlobal(middle), {}, {0, step}, Qt::NoButton, Qt::NoModifier,
+                         Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(type, &turn);
+        QCOMPARE(type->currentIndex(), chosen);
+    }
+    QCOMPARE(type->focusPolicy(), Qt::StrongFocus);
 }
 
 void OfficeWindowTest::everythingIsLargeEnoughForAThumbAndNamed()

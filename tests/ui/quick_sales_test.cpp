@@ -20,6 +20,7 @@ class QuickSalesTest : public QObject
 private Q_SLOTS:
     void buttonShowsItem();
     void eighteenItems();
+    void focusStaysInThePaging();
     void tenItems();
     void pageBeyondTheEnd();
     void previousBeyondTheStart();
@@ -111,6 +112,19 @@ void QuickSalesTest::eighteenItems()
     QCOMPARE(captions(counter).first(), u"I1"_s);
     QVERIFY(isEnabled(counter, "CmdNext"));
     QVERIFY(!isEnabled(counter, "CmdPrev"));
+}
+
+void QuickSalesTest::focusStaysInThePaging()
+{
+    Counter counter;
+    addItems(counter, 18);
+    openShop(counter);
+    counter.find("CmdNext")->setFocus();
+    QTest::keyClick(counter.find("CmdNext"), Qt::Key_Space); // to the last page
+    QVERIFY(counter.hasFocus("CmdPrev"));
+    QTest::keyClick(counter.find("CmdPrev"), Qt::Key_Space);
+    QVERIFY(counter.hasFocus("CmdNext"));
+    QVERIFY(counter.cart().isEmpty());
 }
 
 void QuickSalesTest::tenItems()

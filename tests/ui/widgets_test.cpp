@@ -607,6 +607,7 @@ void WidgetsTest::pickListTurnsOnlyWithFocus()
     QTRY_VERIFY(other->hasFocus());
     turnWheel(*list, -1);
     QCOMPARE(list->entryText(), u"A"_s);
+    QCOMPARE(list->focusPolicy(), Qt::StrongFocus); // nor does it get the focus by that
     list->setFocus();
     const QSignalSpy picked(list, &PickList::picked);
     turnWheel(*list, -1);

@@ -42,6 +42,14 @@ void fill(QuickSaleButton &button, DbRecordset &item)
         button.setOutOfStock(valueNumber(*available) <= 0.0);
 }
 
+/// Keeps the focus in the paging. A button that is disabled hands it on to the first item, and the next press of the
+/// space bar would sell.
+void leadToPaging(QPushButton &pressed, QPushButton &other)
+{
+    if (!pressed.isEnabled() && other.isEnabled())
+        other.setFocus();
+}
+
 } // namespace
 
 void Inventory::LoadQuickSales(bool movedForward)
@@ -84,15 +92,19 @@ void Inventory::nextQuickSales()
 {
     if (!RequireLogin())
         return;
+    const bool hadFocus = m_controls.CmdNext->hasFocus();
     if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - pageSize)
         return; // the page number has 16 bits: its overflow ends the step with nothing changed
     m_controls.CmdPrev->setEnabled(true);
     m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset + pageSize);
     LoadQuickSales(true);
+    if (hadFocus)
+        leadToPaging(*m_controls.CmdNext, *m_controls.CmdPrev);
 }
 
 void Inventory::previousQuickSales()
 {
+    const bool hadFocus = m_controls.CmdPrev->hasFocus();
     m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset - pageSize);
     if (m_state.QuickSalesOffset < 1) {
         m_state.QuickSalesOffset = 0;
@@ -100,6 +112,8 @@ void Inventory::previousQuickSales()
     }
     m_controls.CmdNext->setEnabled(false);
     LoadQuickSales(false);
+    if (hadFocus)
+        leadToPaging(*m_controls.CmdPrev, *m_controls.CmdNext);
 }
 
 void Inventory::quickSaleCategoryChanged()

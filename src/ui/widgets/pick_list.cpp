@@ -52,7 +52,8 @@ bool walksTheEntries(int key)
 
 PickList::PickList(QWidget *parent) : QComboBox(parent), m_entries(new EntryModel(this))
 {
-    setPlaceholderText(u" "_s); // keeps the first entry from selecting itself
+    setFocusPolicy(Qt::StrongFocus); // the wheel scrolls what lies around it, and neither takes the focus nor picks
+    setPlaceholderText(u" "_s);      // keeps the first entry from selecting itself
     setInsertPolicy(NoInsert);
     setModel(m_entries);
     auto *entry = new EntryEdit(this);
