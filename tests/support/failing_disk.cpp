@@ -18,7 +18,9 @@ namespace harrowby::test::FailingDisk {
 
 namespace {
 
-std::string folder;
+// Files are opened before the first constructor has run and after the last destructor, by a leak checker for one.
+constinit std::array<char, PATH_MAX> folder{};
+constinit std::size_t folderSize = 0;
 std::string first;
 int countdown = 0;
 int failed = 0;
@@ -27,7 +29,7 @@ Mode failureMode = Mode::Once;
 
 bool isBelow(const char *path)
 {
-    return !folder.empty() && path != nullptr && std::strncmp(path, folder.c_str(), folder.size()) == 0;
+    return folderSize > 0 && path != nullptr && std::strncmp(path, folder.data(), folderSize) == 0;
 }
 
 bool failsAt(const char *operation, const char *path)
@@ -97,7 +99,8 @@ int cutFile(int file, off_t size)
 
 void mount(const QString &path)
 {
-    folder = path.toStdString() + '/';
+    const std::string name = path.toStdString() + '/';
+    folderSize = name.copy(folder.data(), folder.size());
 }
 
 void failAt(int operation, Mode mode, int error)
