@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Panels of the stock catalogue: add/edit fields, existing stock and reorder.
 #include "ui/controls.h"
+#include "ui/form_layout.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/form_panel.h"
@@ -20,7 +21,8 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kFigureWidth = 112; ///< of an entry that takes a price or a quantity
+constexpr int kFigureWidth = 112;       ///< of an entry that takes a price or a quantity
+constexpr int kNarrowFigureWidth = 112; ///< of one that takes a level or "Disabled"
 
 LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &caption)
 {
@@ -49,8 +51,10 @@ void Controls::createStockFields()
     Command16 = makePrimaryButton(page, u"Command16"_s, u"Add/Edit New Stock"_s);
     Command26 = makeButton(page, u"Command26"_s, QObject::tr("New Item"));
 
-    for (PickList *figure : {Combo8, Combo13, Combo14, Combo15})
+    for (PickList *figure : {Combo8, Combo14})
         figure->setMinimumWidth(kFigureWidth); // the list needs the rest
+    for (PickList *narrow : {Combo13, Combo15})
+        narrow->setMinimumWidth(kNarrowFigureWidth);
     QGridLayout *grid = makeGrid(page);
     grid->addLayout(captioned(QObject::tr("Category"), Combo5), 0, 0, 1, 2);
     grid->addLayout(captioned(QObject::tr("Stock ID"), Combo6), 1, 0, 1, 2);
@@ -61,8 +65,8 @@ void Controls::createStockFields()
     grid->addLayout(captioned(QObject::tr("Stock Use"), Combo15), 4, 1);
     grid->addWidget(Command16, 5, 0, 1, 2);
     grid->addWidget(Command26, 6, 0, 1, 2);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(0, kPriceShare);
+    grid->setColumnStretch(1, kBesidePriceShare);
     grid->setRowStretch(7, 1);
 }
 

@@ -80,6 +80,8 @@ void arrangeStockFieldsUpright(const Controls &c)
     move(grid, c.Command16, 5, 0, 2);
     move(grid, c.Command26, 6, 0, 2);
     setStretches(grid, 2, 7);
+    grid.setColumnStretch(0, kPriceShare);
+    grid.setColumnStretch(1, kBesidePriceShare);
 }
 
 void arrangeReorderFlat(const Controls &c)

@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QTest>
 
 using namespace Qt::StringLiterals;

@@ -23,6 +23,7 @@
 
 #include <memory>
 #include <set>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void keypadLeavesWhatItTypesIn();
     void stockListKeepsItsColumns_data();
     void stockListKeepsItsColumns();
+    void stockFormShowsItsFigures();
     void tallScreenStacksThePanels();
     void otherSizeAndBack();
     void stackingOutlivesAnotherSize();
@@ -186,6 +188,17 @@ void FittingTest::stockListKeepsItsColumns()
     QVERIFY(list.columnWidth(2) >= metrics.horizontalAdvance(u"BEVERAGES"_s) + 14);
     QVERIFY(list.viewport()->height() >= 3 * list.visualRect(list.rows().index(0, 0)).height());
     QVERIFY(isInView(*m_window->controls.Command7));
+}
+
+void FittingTest::stockFormShowsItsFigures()
+{
+    show(kUsual, 3);
+    const Controls &c = m_window->controls;
+    for (const auto &[list, text] : {std::pair(c.Combo8, u"12,345.50"_s), std::pair(c.Combo13, u"1,000"_s),
+                                     std::pair(c.Combo14, u"100,000"_s), std::pair(c.Combo15, u"Disabled"_s)}) {
+        const QLineEdit &entry = *list->lineEdit();
+        QVERIFY2(entry.fontMetrics().horizontalAdvance(text) <= entry.contentsRect().width() - 4, qPrintable(text));
+    }
 }
 
 void FittingTest::tallScreenStacksThePanels()
