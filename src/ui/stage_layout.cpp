@@ -18,7 +18,7 @@ enum Row { UpperRow, LowerRow, FootRow };
 
 constexpr int kMiddleWidth = 320;
 constexpr int kSideBesideList = 350; ///< where the window is not narrow
-constexpr int kUpperHeight = 222;    ///< what of the custom sale the keypad leaves to see in a low window
+constexpr int kUpperHeight = 226;    ///< what of the custom sale the keypad leaves to see in a low window
 constexpr const char *kBesideFields = "harrowbyBesideFields";
 
 struct Place
