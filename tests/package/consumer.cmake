@@ -55,5 +55,8 @@ run(${consumer_build}/consumer)
 
 # The installed program finds the installed library.
 if(EXISTS ${prefix}/bin/harrowby)
-    run(${prefix}/bin/harrowby --version)
+    execute_process(COMMAND ${prefix}/bin/harrowby --version OUTPUT_VARIABLE version COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT version STREQUAL "harrowby ${VERSION}\n")
+        message(FATAL_ERROR "The program calls itself ${version}")
+    endif()
 endif()

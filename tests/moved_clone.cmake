@@ -1,0 +1,27 @@
+# script/build works on after a clone with a build folder was moved. The project that is built is a small one.
+file(REMOVE_RECURSE ${WORK_DIR})
+foreach(place first second)
+    set(clone ${WORK_DIR}/${place})
+    if(place STREQUAL "first")
+        file(COPY ${SOURCE_DIR}/script/build DESTINATION ${clone}/script)
+        file(WRITE ${clone}/CMakePresets.json
+            [[{"version": 6, "configurePresets": [{"name": "small", "generator": "Ninja", "binaryDir": "${sourceDir}/build/small"}]}]])
+        file(WRITE ${clone}/CMakeLists.txt [[
+cmake_minimum_required(VERSION 3.25)
+project(Small LANGUAGES NONE)
+add_custom_command(OUTPUT made DEPENDS ${PROJECT_SOURCE_DIR}/source
+    COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/source made)
+add_custom_target(small ALL DEPENDS made)
+]])
+    else()
+        file(RENAME ${WORK_DIR}/first ${clone})
+    endif()
+    file(WRITE ${clone}/source ${place})
+    execute_process(COMMAND ${clone}/script/build small RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(result EQUAL 0)
+        file(READ ${clone}/build/small/made made)
+    endif()
+    if(NOT made STREQUAL place)
+        message(FATAL_ERROR "Not built at the ${place} place (${result}):\n${output}")
+    endif()
+endforeach()
