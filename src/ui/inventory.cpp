@@ -8,12 +8,7 @@
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/focus_order.h"
-#include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
-#include "ui/widgets/quick_sale_button.h"
-#include "ui/widgets/row_list.h"
-#include "ui/widgets/tab_strip.h"
-#include "ui/widgets/upper_case_typing.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -23,9 +18,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
-
-#include <exception>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -60,41 +52,8 @@ void readEmailAddress(DbRecordset &settings, QString &address)
 
 } // namespace
 
-class Inventory::HandlerScope
-{
-public:
-    explicit HandlerScope(Inventory &form) : m_form(form)
-    {
-        if (m_form.m_runningHandlers++ == 0)
-            m_form.m_breather.rest();
-    }
-    ~HandlerScope()
-    {
-        --m_form.m_runningHandlers;
-        m_form.releaseIfClosed();
-    }
-    HandlerScope(const HandlerScope &) = delete;
-    HandlerScope &operator=(const HandlerScope &) = delete;
-
-private:
-    Inventory &m_form;
-};
-
-template <typename Handler>
-void Inventory::run(Handler &&handler) noexcept
-{
-    const HandlerScope scope(*this);
-    try {
-        std::forward<Handler>(handler)();
-    } catch (const std::exception &error) {
-        qCWarning(lcWindow, "A handler ended early: %s", error.what());
-    } catch (...) {
-        qCWarning(lcWindow, "A handler ended early");
-    }
-}
-
 Inventory::Inventory(const Platform &platform, QWidget *parent) :
-    QMainWindow(parent), m_platform(platform), m_controls(*this)
+    QMainWindow(parent), m_platform(platform), m_controls(*this), m_fence(*this, m_breather)
 {
     connectControls();
 }
@@ -109,7 +68,7 @@ Inventory::~Inventory()
 Inventory *Inventory::defaultInstance()
 {
     static QPointer<Inventory> instance;
-    if (!instance || instance->m_closed) {
+    if (!instance || instance->m_fence.isClosed()) {
         instance = new Inventory(Platform::native());
         instance->load();
     }
@@ -119,7 +78,7 @@ Inventory *Inventory::defaultInstance()
 void Inventory::load()
 {
     m_loading = true;
-    run([this] { loadForm(); });
+    m_fence.run([this] { loadForm(); });
     // Also when a step of loading ended early: nobody has logged in.
     m_state.IsLoggedIn = false;
     m_loading = false;
@@ -138,122 +97,6 @@ void Inventory::present()
     show();
     raise();
     activateWindow();
-}
-
-void Inventory::connectControls()
-{
-    connectWindow();
-    connectLogin();
-    connectSelling();
-    connectCustomSale();
-    connectStock();
-    connectReorder();
-    connectSettings();
-}
-
-void Inventory::connectWindow()
-{
-    m_controls.TabStrip1->beforeClick = [this] {
-        bool mayChange = false;
-        run([&] { mayChange = mayChangeWorkArea(); });
-        return mayChange;
-    };
-    connect(m_controls.TabStrip1, &TabStrip::tabClicked, this, [this] { run([this] { chooseWorkArea(); }); });
-    connect(m_controls.TabStrip2, &TabStrip::tabClicked, this, [this] { run([this] { chooseSidePanel(); }); });
-    onClick(m_controls.Command10, [this] { close(); });
-    onClick(m_controls.Command20, [this] { showHelp(); });
-    onClick(m_controls.Command11, [this] { clearActivityLog(); });
-    connectKeys();
-    // Of the dashboard's elements only this one does anything when it is clicked.
-    connect(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, this,
-            [this] { run([this] { openReorderList(9); }); });
-}
-
-void Inventory::connectLogin()
-{
-    new UpperCaseTyping(m_controls.Text3);
-    new UpperCaseTyping(m_controls.Combo16);
-    connect(m_controls.Text3, &QLineEdit::returnPressed, this, [this] { leadTo(*m_controls.Text4); });
-    connect(m_controls.Text4, &QLineEdit::returnPressed, this, [this] { run([this] { logIn(); }); });
-    onClick(m_controls.Command28, [this] { logIn(); });
-    onClick(m_controls.Command29, [this] { clearLogin(); });
-    onClick(m_controls.Command27, [this] { logOut(); });
-}
-
-void Inventory::connectSelling()
-{
-    for (std::size_t i = 0; i < m_controls.Command1.size(); ++i)
-        onClick(m_controls.Command1.at(i), [this, i] { sellQuickly(static_cast<int>(i)); });
-    onClick(m_controls.CmdNext, [this] { nextQuickSales(); });
-    onClick(m_controls.CmdPrev, [this] { previousQuickSales(); });
-    onChangeAndClick(m_controls.Combo1, [this] { quickSaleCategoryChanged(); });
-    connect(m_controls.LV3, &RowList::rowOpened, this, [this] { run([this] { changeLinePrice(); }); });
-    onClick(m_controls.Command12, [this] { deleteCartLine(); });
-    onClick(m_controls.Command13, [this] { clearCart(); });
-    onClick(m_controls.Command14, [this] { purchaseCart(); });
-    onClick(m_controls.Command25, [this] { undoLastPurchase(); });
-    onClick(m_controls.Command19, [this] { openSalesReport(); });
-}
-
-void Inventory::connectCustomSale()
-{
-    connect(m_controls.Combo2, &PickList::picked, this, [this] { run([this] { customSaleCategoryChosen(); }); });
-    connect(m_controls.Combo3, &PickList::picked, this, [this] { run([this] { customSaleItemChosen(); }); });
-    onChangeAndClick(m_controls.Combo4, [this] { customSaleQuantityChanged(); });
-    onClick(m_controls.Command15, [this] { addCustomItem(); });
-    onClick(m_controls.Command8, [this] { searchStock(); });
-    onClick(m_controls.Command9, [this] { m_controls.Frame11->hide(); });
-    onClick(m_controls.Command21, [this] { selectSearchResult(); });
-    connect(m_controls.LV2, &RowList::rowOpened, this, [this] { run([this] { selectSearchResult(); }); });
-    for (std::size_t i = 0; i < m_controls.Command30.size(); ++i)
-        onClick(m_controls.Command30.at(i), [this, i] { pressKey(static_cast<int>(i)); });
-    onClick(m_controls.Command31, [this] { toggleKeypad(); });
-}
-
-void Inventory::connectStock()
-{
-    new UpperCaseTyping(m_controls.Combo7);
-    connect(m_controls.Combo8, &PickList::left, this, [this] { run([this] { formatStockCost(); }); });
-    onClick(m_controls.Command16, [this] { saveStock(); });
-    onClick(m_controls.Command26, [this] { startNewStock(); });
-    onClick(m_controls.Command5, [this] { editSelectedStock(); });
-    onClick(m_controls.Command6, [this] { deleteStock(); });
-    onClick(m_controls.Command7, [this] { refreshStock(); });
-    connect(m_controls.LV, &RowList::rowChosen, this, [this] { run([this] { chooseStockRow(); }); });
-}
-
-void Inventory::connectReorder()
-{
-    connect(m_controls.Combo12, &PickList::picked, this, [this] { run([this] { reorderCategoryChosen(); }); });
-    onChangeAndClick(m_controls.Combo11, [this] { showReorderItem(); });
-    onClick(m_controls.Command17, [this] { reorderStock(); });
-    onClick(m_controls.Command23, [this] { undoReorder(); });
-    onClick(m_controls.Command24, [this] { RefreshDashboard(); });
-}
-
-void Inventory::connectSettings()
-{
-    onClick(m_controls.Command18, [this] { saveSettings(); });
-    onClick(m_controls.Check5, [this] { receiptChoiceChanged(); });
-    onClick(m_controls.Command2, [this] { addCategory(); });
-    onClick(m_controls.Command22, [this] { renameCategory(); });
-    onClick(m_controls.Command3, [this] { deleteCategory(); });
-    onClick(m_controls.Command4, [this] { deletePurchase(); });
-}
-
-template <typename Handler>
-void Inventory::onClick(QAbstractButton *button, Handler handler)
-{
-    connect(button, &QAbstractButton::clicked, this, [this, handler] { run(handler); });
-}
-
-template <typename Handler>
-void Inventory::onChangeAndClick(PickList *list, Handler handler)
-{
-    const auto entered = [this, handler] { run(handler); };
-    connect(list, &PickList::entryTextChanged, this, entered);
-    // A pick that changed the text has done the work already.
-    connect(list, &PickList::pickedAgain, this, entered);
 }
 
 void Inventory::loadForm()
@@ -338,20 +181,19 @@ void Inventory::showSettings()
 
 void Inventory::closeEvent(QCloseEvent *event)
 {
-    if (!m_closed && (m_askingToClose || !confirmClose())) {
+    if (!m_fence.isClosed() && (m_askingToClose || !confirmClose())) {
         event->ignore();
         return;
     }
-    m_closed = true;
     event->accept();
-    releaseIfClosed();
+    m_fence.close();
 }
 
 bool Inventory::confirmClose()
 {
     m_askingToClose = true;
     bool confirmed = false;
-    run([&] {
+    m_fence.run([&] {
         // The cart never counts itself into CartCount, so the first text is what a full cart gets too.
         confirmed =
             ask(m_state.CartCount >= 1 ? u"There are item(s) in the cart, do you still want to Close Inventory?"_s
@@ -360,12 +202,6 @@ bool Inventory::confirmClose()
     });
     m_askingToClose = false;
     return confirmed;
-}
-
-void Inventory::releaseIfClosed()
-{
-    if (m_closed && m_runningHandlers == 0)
-        deleteLater();
 }
 
 void Inventory::showHelp()

@@ -7,6 +7,7 @@
 #include "platform/platform.h"
 #include "ui/controls.h"
 #include "ui/form_state.h"
+#include "ui/handler_fence.h"
 #include "ui/stock_columns.h"
 
 #include <QMainWindow>
@@ -16,7 +17,6 @@
 #include <optional>
 #include <vector>
 
-class QAbstractButton;
 class QFrame;
 class QListWidgetItem;
 
@@ -64,25 +64,11 @@ private:
     /// Tests call shared procedures through it that no control reaches with such arguments.
     friend struct InventoryProbe;
 
-    /// Marks a handler as running, so that the window outlives it; see run().
-    class HandlerScope;
-    /// Runs a handler: nothing it throws leaves it, and the window stays alive until it is done.
-    template <typename Handler>
-    void run(Handler &&handler) noexcept;
+    // connections.cpp
+    class Connections;
+    void connectControls();
 
     // inventory.cpp: life of the window
-    void connectControls();
-    void connectWindow();
-    void connectLogin();
-    void connectSelling();
-    void connectCustomSale();
-    void connectStock();
-    void connectReorder();
-    void connectSettings();
-    template <typename Handler>
-    void onClick(QAbstractButton *button, Handler handler);
-    template <typename Handler>
-    void onChangeAndClick(PickList *list, Handler handler);
     void loadForm();
     void fillPickLists();
     void readStoreSettings();
@@ -90,7 +76,6 @@ private:
     void showSettings();
     bool confirmClose();
     void showHelp();
-    void releaseIfClosed();
 
     // What every handler leans on
     [[nodiscard]] std::shared_ptr<DbConnection> connection() const;
@@ -128,7 +113,6 @@ private:
     bool loadStockForTab();
 
     // keys.cpp
-    void connectKeys();
     void beginNextSale();
 
     // keypad.cpp
@@ -258,13 +242,12 @@ private:
     Controls m_controls;
     FormState m_state;
     Breather m_breather;
-    int m_runningHandlers = 0;
+    HandlerFence m_fence;
     unsigned m_pageLoads = 0;     ///< quick-sale pages begun: an earlier one gives way to a later one
     unsigned m_categoryLoads = 0; ///< the same for the category lists
     bool m_undoing = false;       ///< a second undo meanwhile would give the same stock back twice
     bool m_loading = false;
     bool m_askingToClose = false;
-    bool m_closed = false; ///< closed, and waiting for its last handler to return
 };
 
 } // namespace harrowby

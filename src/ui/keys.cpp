@@ -2,7 +2,6 @@
 // What keys do in the window beyond their own controls, and where the focus goes.
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
-#include "ui/widgets/enter_presses.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/tab_strip.h"
@@ -13,15 +12,6 @@
 #include <QPushButton>
 
 namespace harrowby {
-
-void Inventory::connectKeys()
-{
-    auto *enter = new EnterPresses(this);
-    for (QAbstractButton *button : findChildren<QAbstractButton *>()) {
-        if (qobject_cast<QuickSaleButton *>(button) == nullptr)
-            button->installEventFilter(enter);
-    }
-}
 
 bool Inventory::focusNextPrevChild(bool next)
 {

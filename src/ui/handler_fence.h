@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <utility>
+
+class QWidget;
+
+namespace harrowby {
+
+class Breather;
+
+/// Stands around every handler of a window. Nothing that a handler throws leaves it, and a window that is closed in the
+/// middle of handlers is destroyed once the last of them has returned.
+class HandlerFence
+{
+public:
+    /// Both must outlive it. The window must be made by new, and have no owner that destroys it earlier.
+    HandlerFence(QWidget &window, Breather &breather) : m_window(window), m_breather(breather) {}
+
+    /// Runs a handler, also in the middle of another one.
+    template <typename Handler>
+    void run(Handler &&handler) noexcept
+    {
+        const Scope scope(*this);
+        try {
+            std::forward<Handler>(handler)();
+        } catch (...) {
+            logEarlyEnd();
+        }
+    }
+    /// The window has been closed: it is destroyed by the event loop as soon as no handler runs.
+    void close();
+    [[nodiscard]] bool isClosed() const { return m_closed; }
+
+private:
+    class Scope
+    {
+    public:
+        explicit Scope(HandlerFence &fence) : m_fence(fence) { m_fence.enter(); }
+        ~Scope() { m_fence.leave(); }
+        Scope(const Scope &) = delete;
+        Scope &operator=(const Scope &) = delete;
+
+    private:
+        HandlerFence &m_fence;
+    };
+
+    void enter();
+    void leave();
+    void releaseIfClosed();
+    /// Inside a catch alone.
+    static void logEarlyEnd();
+
+    QWidget &m_window;
+    Breather &m_breather;
+    int m_running = 0;
+    bool m_closed = false;
+};
+
+} // namespace harrowby
