@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include <exception>
+#include <memory>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -30,17 +31,16 @@ constexpr int usualWidth = 460;
 class OpeningWindow : public QDialog
 {
 public:
-    explicit OpeningWindow(const QString &path) : QDialog(nullptr, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
+    explicit OpeningWindow(const QString &text) : QDialog(nullptr, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
     {
         setWindowTitle(u"Harrowby Inventory"_s);
         setObjectName(u"openingWindow"_s);
         setMinimumWidth(usualWidth);
         enlargeFont(*this);
-        m_text = new QLabel(this);
+        m_text = new QLabel(text, this);
         m_text->setObjectName(u"openingText"_s);
         m_text->setTextFormat(Qt::PlainText);
         m_text->setWordWrap(true);
-        say(u"The store \"%1\" is being opened \u2026"_s.arg(QFileInfo(path).fileName()));
         auto *moving = new QProgressBar(this);
         moving->setRange(0, 0);
         moving->setTextVisible(false);
@@ -63,18 +63,41 @@ private:
     QLabel *m_text = nullptr;
 };
 
+/// What is said of the opening. Most stores are open before anything has to be said, so its window is made late.
+class OpeningSign : public QObject
+{
+public:
+    explicit OpeningSign(const QString &path) :
+        m_name(QFileInfo(path).fileName()), m_text(u"The store \"%1\" is being opened \u2026"_s.arg(m_name))
+    {
+        QTimer::singleShot(BusyWait::quietTime, this, &OpeningSign::show);
+    }
+
+    void sayLocked()
+    {
+        m_text = u"Another program keeps the store \"%1\" locked. Waiting for it \u2026"_s.arg(m_name);
+        if (m_window)
+            m_window->say(m_text);
+    }
+
+private:
+    void show()
+    {
+        m_window = std::make_unique<OpeningWindow>(m_text);
+        m_window->show();
+    }
+
+    QString m_name;
+    QString m_text;
+    std::unique_ptr<OpeningWindow> m_window;
+};
+
 } // namespace
 
 std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, Database &database)
 {
-    OpeningWindow window(path);
-    wait.setWatcher([&window, path] {
-        QMetaObject::invokeMethod(&window, [&window, path] {
-            window.say(u"Another program keeps the store \"%1\" locked. Waiting for it \u2026"_s.arg(
-                QFileInfo(path).fileName()));
-        });
-    });
-    QTimer::singleShot(BusyWait::quietTime, &window, &QWidget::show);
+    OpeningSign sign(path);
+    wait.setWatcher([&sign] { QMetaObject::invokeMethod(&sign, &OpeningSign::sayLocked); });
     std::optional<StoreProblem> problem;
     std::exception_ptr failure;
     QEventLoop loop;

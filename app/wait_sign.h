@@ -5,10 +5,12 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 namespace harrowby::app {
 
-/// Says in front of the window what is waited for while no event runs: it is a part of the window, since a window of
-/// its own would not come before the next event, and paints itself at once. It goes with the next event.
+/// Says on the screen what is waited for while no event runs, and paints itself at once: as a part of the window in
+/// front, or, while there is none yet, in the middle of the screen. It goes with the next event.
 class WaitSign
 {
 public:
@@ -17,13 +19,19 @@ public:
     WaitSign(const WaitSign &) = delete;
     WaitSign &operator=(const WaitSign &) = delete;
 
-    /// On the thread of the windows. Nothing happens while it stands there already, and without a window to stand in.
+    /// On the thread of the windows. Called again in the same wait, it keeps the sign in sight.
     void show();
 
 private:
+    class LoneSign;
+
+    void showIn(QWidget &window);
+    void showAlone();
+
     QString m_heading;
     QString m_text;
-    QPointer<QWidget> m_sign;
+    QPointer<QWidget> m_sign; ///< the window that it is a part of may end first
+    std::unique_ptr<LoneSign> m_loneSign;
 };
 
 } // namespace harrowby::app

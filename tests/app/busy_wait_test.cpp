@@ -2,11 +2,19 @@
 #include "busy_wait.h"
 #include "sql.h"
 #include "store_files.h"
+#include "store_opening.h"
+#include "wait_sign.h"
 
+#include <QApplication>
 #include <QEventLoop>
+#include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWidget>
+#include <QWindow>
+
+#include <algorithm>
 
 #include <sqlite3.h>
 
@@ -33,6 +41,10 @@ private Q_SLOTS:
     void yieldingWithinAnActionDoesNotFillUp();
     void sleeperThatThrowsEndsTheWait();
     void longWaitIsWatched();
+    void shortOpeningMakesNoWindow();
+    void openingThatWaitsIsSaid();
+    void signIsAPartOfTheWindowInFront();
+    void signStandsAloneWithoutAWindow();
 
 private:
     /// Runs a change on the locked file. True when it failed because of the lock.
@@ -41,6 +53,7 @@ private:
         const auto error = runSql(m_till.get(), u"UPDATE StockList SET StockAvailable = 1"_s);
         return error && error->code == SQLITE_BUSY;
     }
+    [[nodiscard]] QString path() const { return m_folder->filePath(u"shop.sqlite"_s); }
     void lock() { QVERIFY(!runSql(m_other.get(), u"BEGIN IMMEDIATE"_s)); }
     void unlock() { QVERIFY(!runSql(m_other.get(), u"ROLLBACK"_s)); }
     [[nodiscard]] std::chrono::milliseconds slept() const
@@ -60,10 +73,9 @@ void BusyWaitTest::init()
     m_other.reset();
     m_steps.clear();
     m_folder = std::make_unique<QTemporaryDir>();
-    const QString path = m_folder->filePath(u"shop.sqlite"_s);
-    makeStore(path);
-    QVERIFY(!openDatabase(path, OpenMode::Write, m_other));
-    QVERIFY(!openDatabase(path, OpenMode::Write, m_till));
+    makeStore(path());
+    QVERIFY(!openDatabase(path(), OpenMode::Write, m_other));
+    QVERIFY(!openDatabase(path(), OpenMode::Write, m_till));
 }
 
 void BusyWaitTest::budgetIsOneForManyStatements()
@@ -177,5 +189,98 @@ void BusyWaitTest::longWaitIsWatched()
     QVERIFY(isRefused());
 }
 
-QTEST_GUILESS_MAIN(BusyWaitTest)
+/// What the opening says now; empty while it has no window.
+static QString saidOfOpening()
+{
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
+        if (const auto *text = window->findChild<QLabel *>(u"openingText"_s))
+            return text->text();
+    }
+    return {};
+}
+
+void BusyWaitTest::shortOpeningMakesNoWindow()
+{
+    BusyWait wait;
+    bool looked = false;
+    QString said;
+    QMetaObject::invokeMethod(
+        qApp,
+        [&] {
+            looked = true;
+            said = saidOfOpening();
+        },
+        Qt::QueuedConnection);
+    QVERIFY(!openStoreBeside(path(), wait, m_till));
+    QVERIFY(looked);
+    QCOMPARE(said, QString());
+}
+
+void BusyWaitTest::openingThatWaitsIsSaid()
+{
+    BusyWait wait;
+    lock();
+    QString said;
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, [&] {
+        said = saidOfOpening();
+        if (!said.contains(u"locked"_s))
+            return;
+        look.stop();
+        unlock();
+    });
+    look.start(5);
+    QVERIFY(!openStoreBeside(path(), wait, m_till));
+    QCOMPARE(said, u"Another program keeps the store \"shop.sqlite\" locked. Waiting for it \u2026"_s);
+    QCOMPARE(saidOfOpening(), QString());
+}
+
+/// The window of the sign that stands alone; null when it is not to be seen.
+static const QWindow *loneSign()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    const auto found = std::ranges::find_if(
+        windows, [](const QWindow *window) { return window->objectName() == u"waitSign"_s && window->isVisible(); });
+    return found != windows.end() ? *found : nullptr;
+}
+
+void BusyWaitTest::signIsAPartOfTheWindowInFront()
+{
+    QWidget window;
+    window.resize(800, 600);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    WaitSign sign(u"Waiting"_s, u"It is locked."_s);
+    sign.show();
+    const auto *part = window.findChild<QWidget *>(u"waitSign"_s);
+    QVERIFY(part != nullptr && part->isVisible());
+    QCOMPARE(loneSign(), nullptr);
+    QCoreApplication::processEvents();
+    QVERIFY(!part->isVisible());
+}
+
+void BusyWaitTest::signStandsAloneWithoutAWindow()
+{
+    QWidget window; // shown, but nothing can be painted into it before the next event
+    window.show();
+    WaitSign sign(u"Waiting"_s, u"It is locked."_s);
+    sign.show();
+    QVERIFY(loneSign() != nullptr);
+    QCOMPARE(QApplication::topLevelWidgets(), QWidgetList{&window}); // nobody takes it for a window of the program
+    sign.show();
+    QVERIFY(loneSign() != nullptr);
+
+    // With the next event it goes, and does not end the program as the last window that closes.
+    window.hide();
+    bool ended = false;
+    connect(qApp, &QGuiApplication::lastWindowClosed, this, [&] { ended = true; });
+    QVERIFY(QGuiApplication::quitOnLastWindowClosed());
+    QCoreApplication::processEvents();
+    QCOMPARE(loneSign(), nullptr);
+    QVERIFY(!ended);
+    sign.show();
+    QVERIFY(loneSign() != nullptr);
+}
+
+QTEST_MAIN(BusyWaitTest)
 #include "busy_wait_test.moc"

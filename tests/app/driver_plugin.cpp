@@ -100,9 +100,25 @@ class Driver : public QObject
     Q_OBJECT
 
 public:
-    Driver() : m_input(STDIN_FILENO, QSocketNotifier::Read)
+    Driver() : m_stopAt(qEnvironmentVariable("HARROWBY_DRIVER_STOP")), m_input(STDIN_FILENO, QSocketNotifier::Read)
     {
         connect(&m_input, &QSocketNotifier::activated, this, &Driver::readLines);
+        if (!m_stopAt.isEmpty())
+            qApp->installEventFilter(this);
+    }
+
+    /// Holds the program where the window of the wanted title is being made, until the test has something to say.
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const auto *window = qobject_cast<QWidget *>(watched);
+        if (event->type() == QEvent::WindowTitleChange && window != nullptr && window->windowTitle() == m_stopAt) {
+            m_stopAt.clear();
+            qApp->removeEventFilter(this);
+            reply(u"stopped"_s);
+            char bytes[16];
+            (void)!::read(STDIN_FILENO, bytes, sizeof(bytes));
+        }
+        return false;
     }
 
 private:
@@ -126,6 +142,7 @@ private:
         std::fflush(stdout);
     }
 
+    QString m_stopAt;
     QSocketNotifier m_input;
     QByteArray m_pending;
 };

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void itemIsSold();
     void rescuedStoreSellsOn();
     void waitForALockIsSaid();
+    void waitBeforeTheWindowIsSaid();
     void failedWriteIsShownAtOnce();
     void whatIsLostOutsideTheDatabaseIsShown();
     void demoShopTellsHowToLogIn();
@@ -234,6 +235,27 @@ void SaleTest::waitForALockIsSaid()
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
     QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) < most / 4, 30000);
     closeWindow(program);
+}
+
+void SaleTest::waitBeforeTheWindowIsSaid()
+{
+    constexpr QRgb accent = 0x006256;
+    constexpr QRect place(460, 477, 360, 70); // within the sign, in the middle of the screen
+    constexpr int most = 360 * 70 / 2;
+    runAll(store(), {u"DELETE FROM StoreSettings"_s}); // loading adds the row
+    Database other;
+    QVERIFY(!openDatabase(store(), OpenMode::Write, other));
+    RunningProgram program(m_screen, m_home.path());
+    QVERIFY2(program.startUpTo(u"Sales Inventory"_s, {u"--look"_s, u"light"_s}), qPrintable(program.errors()));
+    QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
+    QCOMPARE(m_screen.count(accent, place), 0);
+    program.goOn();
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) > most, 9000);
+    QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
+    logIn(program, u"administrator"_s, u"pass1"_s);
+    QVERIFY(m_screen.count(accent, place) < most / 4);
+    closeWindow(program);
+    QCOMPARE(column(store(), u"SELECT count(*) FROM StoreSettings"_s), QStringList{u"1"_s});
 }
 
 void SaleTest::rescuedStoreSellsOn()

@@ -160,6 +160,14 @@ bool RunningProgram::start(const QStringList &arguments)
     return m_process.waitForStarted(patience);
 }
 
+bool RunningProgram::startUpTo(const QString &title, const QStringList &arguments)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    environment.insert(u"HARROWBY_DRIVER_STOP"_s, title);
+    m_process.setProcessEnvironment(environment);
+    return start(arguments) && answer() == u"stopped"_s;
+}
+
 int RunningProgram::waitForEnd()
 {
     m_process.closeWriteChannel();
@@ -171,6 +179,11 @@ int RunningProgram::waitForEnd()
 QString RunningProgram::ask(const QString &question)
 {
     m_process.write(question.toUtf8() + '\n');
+    return answer();
+}
+
+QString RunningProgram::answer()
+{
     QElapsedTimer time;
     time.start();
     while (time.elapsed() < patience) {

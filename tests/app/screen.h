@@ -56,6 +56,9 @@ public:
     ~RunningProgram();
 
     [[nodiscard]] bool start(const QStringList &arguments);
+    /// The same, and holds the program where it makes the window of that title. False when it does not come so far.
+    [[nodiscard]] bool startUpTo(const QString &title, const QStringList &arguments);
+    void goOn() { m_process.write("\n"); }
     /// Waits for the end and gives the exit code; -1 when there is none.
     [[nodiscard]] int waitForEnd();
     [[nodiscard]] QString errors() { return QString::fromUtf8(m_process.readAllStandardError()); }
@@ -73,6 +76,7 @@ public:
 
 private:
     [[nodiscard]] QString ask(const QString &question);
+    [[nodiscard]] QString answer();
 
     const Screen &m_screen;
     QProcess m_process;
