@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "foreign_windows.h"
+#include "app/foreign_windows.h"
 
-#include "reorder_list.h"
+#include "app/reorder/reorder_list.h"
 
 #include <harrowby/objects.h>
 

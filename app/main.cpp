@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store_program.h"
+#include "app/store_program.h"
 
 int main(int argc, char **argv)
 {

@@ -2,8 +2,8 @@
 #include "bench/report_work.h"
 
 #ifdef HARROWBY_BENCH_REPORT
-#include "report/report_dialog.h"
-#include "report/sales_chart.h"
+#include "plugins/report/report_dialog.h"
+#include "plugins/report/sales_chart.h"
 #include "sheet/table_view.h"
 
 #include <harrowby/sqlite_connection.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/shop_file.h"
 
-#include "app/schema.h"
+#include "app/shop/schema.h"
 
 #include <QFile>
 

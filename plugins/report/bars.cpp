@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "report/bars.h"
+#include "plugins/report/bars.h"
 
-#include "report/sales_table.h"
+#include "plugins/report/sales_table.h"
 
 #include <QLocale>
 

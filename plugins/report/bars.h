@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/sales.h"
+#include "plugins/report/sales.h"
 
 #include <QString>
 

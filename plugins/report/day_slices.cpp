@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/day_slices.h"
+#include "plugins/report/day_slices.h"
 
 #include <algorithm>
 

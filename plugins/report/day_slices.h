@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/period.h"
+#include "plugins/report/period.h"
 
 #include <functional>
 

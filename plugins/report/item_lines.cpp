@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/item_lines.h"
+#include "plugins/report/item_lines.h"
 
 #include <array>
 #include <optional>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/item_tally.h"
+#include "plugins/report/item_tally.h"
 
 #include <QHash>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/period.h"
+#include "plugins/report/period.h"
 
 #include "sheet/table.h"
 

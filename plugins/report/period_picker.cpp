@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/period_picker.h"
+#include "plugins/report/period_picker.h"
 
 #include <QCalendarWidget>
 #include <QComboBox>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/reading_runner.h"
+#include "plugins/report/reading_runner.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/sales_reading.h"
+#include "plugins/report/sales_reading.h"
 
 #include <QElapsedTimer>
 #include <QObject>

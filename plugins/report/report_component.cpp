@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "report/report_component.h"
+#include "plugins/report/report_component.h"
 
-#include "report/report_dialog.h"
+#include "plugins/report/report_dialog.h"
 
 #include <harrowby/saved_settings.h>
 

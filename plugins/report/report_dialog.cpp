@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "report/report_dialog.h"
+#include "plugins/report/report_dialog.h"
 
-#include "report/period_picker.h"
-#include "report/reading_runner.h"
-#include "report/sales_chart.h"
-#include "report/sales_table.h"
+#include "plugins/report/period_picker.h"
+#include "plugins/report/reading_runner.h"
+#include "plugins/report/sales_chart.h"
+#include "plugins/report/sales_table.h"
 #include "sheet/look.h"
 #include "sheet/output_bar.h"
 #include "sheet/table_view.h"

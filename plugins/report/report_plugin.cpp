@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/report_component.h"
+#include "plugins/report/report_component.h"
 
 #include <harrowby/objects.h>
 #include <harrowby/report_component.h>

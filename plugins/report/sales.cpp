@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/sales.h"
+#include "plugins/report/sales.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/item_lines.h"
-#include "report/item_tally.h"
-#include "report/period.h"
+#include "plugins/report/item_lines.h"
+#include "plugins/report/item_tally.h"
+#include "plugins/report/period.h"
 
 #include <QString>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/sales_chart.h"
+#include "plugins/report/sales_chart.h"
 
 #include "sheet/look.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/bars.h"
+#include "plugins/report/bars.h"
 #include "sheet/paper.h"
 
 #include <QtCharts/QChartView>

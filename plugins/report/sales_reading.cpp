@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "report/sales_reading.h"
+#include "plugins/report/sales_reading.h"
 
 #include "basic/values.h"
-#include "report/statements.h"
+#include "plugins/report/statements.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/day_slices.h"
-#include "report/sales.h"
+#include "plugins/report/day_slices.h"
+#include "plugins/report/sales.h"
 
 #include <harrowby/db_connection.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/sales_table.h"
+#include "plugins/report/sales_table.h"
 
 using namespace Qt::StringLiterals;
 

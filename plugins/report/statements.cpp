@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/statements.h"
+#include "plugins/report/statements.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "at_spi.h"
+#include "tests/app/at_spi.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>

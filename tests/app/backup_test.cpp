@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "backup.h"
-#include "backup_job.h"
-#include "backup_place.h"
-#include "bad_disk.h"
-#include "busy_wait.h"
-#include "store_access.h"
-#include "store_files.h"
-#include "store_judge.h"
-#include "workshop.h"
+#include "app/backup/backup.h"
+#include "app/backup/backup_job.h"
+#include "app/backup/backup_place.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_access.h"
+#include "app/shop/store_judge.h"
+#include "app/shop/workshop.h"
+#include "tests/app/bad_disk.h"
+#include "tests/app/store_files.h"
 
 #include <QDir>
 #include <QFile>

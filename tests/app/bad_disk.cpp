@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bad_disk.h"
+#include "tests/app/bad_disk.h"
 
 #include <sqlite3.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "busy_wait.h"
-#include "sql.h"
-#include "store_files.h"
-#include "store_opening.h"
-#include "wait_sign.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/sql.h"
+#include "app/shop/store_opening.h"
+#include "app/shop/wait_sign.h"
+#include "tests/app/store_files.h"
 
 #include <QApplication>
 #include <QEventLoop>

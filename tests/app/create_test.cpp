@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "store_access.h"
-#include "store_create.h"
-#include "store_files.h"
-#include "store_judge.h"
-#include "workshop.h"
+#include "app/shop/store_access.h"
+#include "app/shop/store_create.h"
+#include "app/shop/store_judge.h"
+#include "app/shop/workshop.h"
+#include "tests/app/store_files.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "app/demo/demo_catalogue.h"
+#include "app/demo/demo_purchases.h"
+#include "app/demo/demo_shop.h"
+#include "app/shop/store_create.h"
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
-#include "demo_catalogue.h"
-#include "demo_purchases.h"
-#include "demo_shop.h"
-#include "store_create.h"
-#include "store_files.h"
+#include "tests/app/store_files.h"
 
 #include <QRegularExpression>
 #include <QSet>

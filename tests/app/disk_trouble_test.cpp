@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "backup.h"
-#include "receipt_head.h"
-#include "store_create.h"
-#include "store_open.h"
-#include "troubled_till.h"
+#include "app/backup/backup.h"
+#include "app/shop/receipt_head.h"
+#include "app/shop/store_create.h"
+#include "app/shop/store_open.h"
+#include "tests/app/troubled_till.h"
 
-#include "support/failing_disk.h"
+#include "tests/support/failing_disk.h"
 #include "ui/widgets/pick_list.h"
 
 #include <harrowby/saved_settings.h>

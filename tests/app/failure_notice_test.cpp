@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "failure_notice.h"
-#include "failure_text.h"
-#include "notice_place.h"
-#include "wait_sign.h"
+#include "app/shop/failure_notice.h"
+#include "app/shop/failure_text.h"
+#include "app/shop/notice_place.h"
+#include "app/shop/wait_sign.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "backup_page.h"
-#include "dialog_style.h"
-#include "first_user_dialog.h"
-#include "look_choice.h"
-#include "office_password_dialog.h"
-#include "receipt_page.h"
+#include "app/backup/backup_page.h"
+#include "app/boxes/dialog_style.h"
+#include "app/office/office_password_dialog.h"
+#include "app/office/receipt_page.h"
+#include "app/office/user_dialog.h"
+#include "app/shop/first_user_dialog.h"
+#include "app/start/look_choice.h"
 #include "sheet/look.h"
-#include "user_dialog.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "guarded_worker.h"
+#include "tests/app/guarded_worker.h"
 
-#include "backup.h"
-#include "busy_wait.h"
-#include "store_guard.h"
-#include "store_open.h"
+#include "app/backup/backup.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
+#include "app/shop/store_open.h"
 
 #include <harrowby/sqlite_connection.h>
 

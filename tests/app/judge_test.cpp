@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "busy_wait.h"
-#include "file_facts.h"
-#include "schema.h"
-#include "store_create.h"
-#include "store_files.h"
-#include "store_judge.h"
-#include "store_open.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/file_facts.h"
+#include "app/shop/schema.h"
+#include "app/shop/store_create.h"
+#include "app/shop/store_judge.h"
+#include "app/shop/store_open.h"
+#include "tests/app/store_files.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "screen.h"
-#include "store_files.h"
-#include "touch_keyboard.h"
+#include "app/keyboard/touch_keyboard.h"
+#include "tests/app/screen.h"
+#include "tests/app/store_files.h"
 
 #include <QCoreApplication>
 #include <QHash>

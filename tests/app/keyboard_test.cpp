@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "keyboard_place.h"
-#include "keyboard_room.h"
-#include "touch_keyboard.h"
+#include "app/keyboard/keyboard_place.h"
+#include "app/keyboard/keyboard_room.h"
+#include "app/keyboard/touch_keyboard.h"
 
 #include <QComboBox>
 #include <QDialog>

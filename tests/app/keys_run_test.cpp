@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "screen.h"
-#include "store_files.h"
+#include "tests/app/screen.h"
+#include "tests/app/store_files.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>

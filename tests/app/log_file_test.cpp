@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "app/start/log_file.h"
 #include "basic/logging.h"
-#include "log_file.h"
 
 #include <QDir>
 #include <QFile>

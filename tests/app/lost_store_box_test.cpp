@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "backup_page.h"
-#include "backup_place.h"
-#include "busy_wait.h"
-#include "lost_store_box.h"
-#include "store_files.h"
-#include "store_guard.h"
-#include "store_open.h"
+#include "app/backup/backup_page.h"
+#include "app/backup/backup_place.h"
+#include "app/backup/lost_store_box.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
+#include "app/shop/store_open.h"
+#include "tests/app/store_files.h"
 
 #include <QApplication>
 #include <QCloseEvent>

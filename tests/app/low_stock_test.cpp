@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "low_stock.h"
-#include "reorder_list.h"
-#include "schema.h"
+#include "app/reorder/low_stock.h"
+#include "app/reorder/reorder_list.h"
+#include "app/shop/schema.h"
 #include "sheet/csv.h"
 #include "sheet/output_bar.h"
 #include "sheet/table_view.h"

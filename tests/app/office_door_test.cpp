@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "office_door.h"
-#include "office_password_dialog.h"
-#include "store_access.h"
-#include "store_files.h"
-#include "store_paths.h"
-#include "wrong_tries.h"
+#include "app/office/office_door.h"
+#include "app/office/office_password_dialog.h"
+#include "app/office/wrong_tries.h"
+#include "app/shop/store_access.h"
+#include "app/shop/store_paths.h"
+#include "tests/app/store_files.h"
 
 #include <QDateTime>
 #include <QFile>

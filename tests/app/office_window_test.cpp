@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "office_window.h"
-#include "store_access.h"
-#include "store_files.h"
-#include "user_rules.h"
+#include "app/office/office_window.h"
+#include "app/office/user_rules.h"
+#include "app/shop/store_access.h"
+#include "tests/app/store_files.h"
 
 #include <QAbstractButton>
 #include <QAccessible>

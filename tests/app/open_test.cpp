@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "busy_wait.h"
-#include "file_facts.h"
-#include "log_file.h"
-#include "schema.h"
-#include "store_access.h"
-#include "store_files.h"
-#include "store_judge.h"
-#include "store_open.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/file_facts.h"
+#include "app/shop/schema.h"
+#include "app/shop/store_access.h"
+#include "app/shop/store_judge.h"
+#include "app/shop/store_open.h"
+#include "app/start/log_file.h"
+#include "tests/app/store_files.h"
 
 #include <QFile>
 #include <QProcess>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "password_rules.h"
-#include "sql.h"
+#include "app/shop/password_rules.h"
+#include "app/shop/sql.h"
+#include "app/shop/store_create.h"
 #include "store/statements.h"
-#include "store_create.h"
-#include "store_files.h"
+#include "tests/app/store_files.h"
 
 #include "basic/text.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store_files.h"
+#include "tests/app/store_files.h"
 
 #include <QDir>
 #include <QFile>

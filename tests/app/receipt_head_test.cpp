@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "receipt_head.h"
+#include "app/shop/receipt_head.h"
 
 #include <QHash>
 #include <QTest>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "schema.h"
+#include "app/shop/schema.h"
 #include "store/statements.h"
-#include "store_files.h"
+#include "tests/app/store_files.h"
 
 #include <QRegularExpression>
 #include <QSet>

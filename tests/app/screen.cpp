@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "screen.h"
+#include "tests/app/screen.h"
 
 #include <QDir>
 #include <QElapsedTimer>

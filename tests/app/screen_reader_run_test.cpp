@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "at_spi.h"
-#include "screen.h"
-#include "store_files.h"
+#include "tests/app/at_spi.h"
+#include "tests/app/screen.h"
+#include "tests/app/store_files.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The program's own windows on every kind of screen: nothing is cut off or out of reach.
-#include "failure_notice.h"
-#include "first_user_dialog.h"
-#include "office_password_dialog.h"
-#include "office_window.h"
+#include "app/office/office_password_dialog.h"
+#include "app/office/office_window.h"
+#include "app/office/user_dialog.h"
+#include "app/reorder/reorder_list.h"
+#include "app/shop/failure_notice.h"
+#include "app/shop/first_user_dialog.h"
 #include "platform/boxes.h"
-#include "reorder_list.h"
-#include "store_files.h"
-#include "user_dialog.h"
+#include "tests/app/store_files.h"
 
 #include <harrowby/sqlite_connection.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "store_files.h"
+#include "tests/app/store_files.h"
 
-#include "file_facts.h"
-#include "store_create.h"
+#include "app/shop/file_facts.h"
+#include "app/shop/store_create.h"
 
 #include <QFile>
 #include <QTest>

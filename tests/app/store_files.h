@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sql.h"
+#include "app/shop/sql.h"
 
 #include <QByteArray>
 #include <QString>

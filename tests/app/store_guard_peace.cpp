@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "store_guard_peace.h"
+#include "tests/app/store_guard_peace.h"
 
-#include "busy_wait.h"
-#include "file_facts.h"
-#include "guarded_worker.h"
-#include "store_files.h"
-#include "store_guard.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/file_facts.h"
+#include "app/shop/store_guard.h"
+#include "tests/app/guarded_worker.h"
+#include "tests/app/store_files.h"
 
 #include <QFile>
 #include <QProcess>

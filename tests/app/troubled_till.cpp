@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "troubled_till.h"
+#include "tests/app/troubled_till.h"
 
+#include "app/shop/store_create.h"
+#include "app/shop/store_open.h"
 #include "host/inv_basic.h"
 #include "platform/file_failures.h"
 #include "platform/native_printers.h"
-#include "store_create.h"
-#include "store_open.h"
 
 #include <harrowby/sqlite_connection.h>
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "busy_wait.h"
-#include "log_file.h"
-#include "platform/isolated_home.h"
-#include "store_guard.h"
-#include "support/database.h"
-#include "support/doubles.h"
-#include "support/reporting_connection.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
+#include "app/start/log_file.h"
+#include "tests/platform/isolated_home.h"
+#include "tests/support/database.h"
+#include "tests/support/doubles.h"
+#include "tests/support/reporting_connection.h"
 #include "ui/inventory.h"
 
 #include <harrowby/file_failure.h>

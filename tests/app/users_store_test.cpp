@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "app/office/user_rules.h"
+#include "app/office/users_store.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/statements.h"
-#include "store_files.h"
-#include "user_rules.h"
-#include "users_store.h"
+#include "tests/app/store_files.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "isolated_home.h"
+#include "tests/platform/isolated_home.h"
 
 #include <QDir>
 #include <QFile>

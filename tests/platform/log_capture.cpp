@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "log_capture.h"
+#include "tests/platform/log_capture.h"
 
 #include <QLoggingCategory>
 

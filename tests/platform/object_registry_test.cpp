@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/object_registry.h"
 
-#include "log_capture.h"
+#include "tests/platform/log_capture.h"
 
 #include <QFile>
 #include <QTemporaryDir>

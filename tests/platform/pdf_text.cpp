@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "pdf_text.h"
+#include "tests/platform/pdf_text.h"
 
 #include <QProcess>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/platform.h"
 
-#include "isolated_home.h"
+#include "tests/platform/isolated_home.h"
 
 #include <QTest>
 

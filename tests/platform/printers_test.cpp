@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/native_printers.h"
 
-#include "isolated_home.h"
-#include "log_capture.h"
-#include "pdf_text.h"
+#include "tests/platform/isolated_home.h"
+#include "tests/platform/log_capture.h"
+#include "tests/platform/pdf_text.h"
 
 #include <QElapsedTimer>
 #include <QFile>

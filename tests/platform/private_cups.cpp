@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "private_cups.h"
+#include "tests/platform/private_cups.h"
 
 #include <QDir>
 #include <QElapsedTimer>

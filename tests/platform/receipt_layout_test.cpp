@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/receipt_layout.h"
 
-#include "pdf_text.h"
 #include "platform/receipt_pdf.h"
+#include "tests/platform/pdf_text.h"
 
 #include <QFile>
 #include <QFont>

@@ -3,8 +3,8 @@
 
 #include "platform/file_failures.h"
 
-#include "isolated_home.h"
-#include "log_capture.h"
+#include "tests/platform/isolated_home.h"
+#include "tests/platform/log_capture.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/files.h"
-#include "support/failing_disk.h"
+#include "tests/support/failing_disk.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheet/paper.h"
 
-#include "platform/pdf_text.h"
+#include "tests/platform/pdf_text.h"
 
 #include <QFile>
 #include <QPainter>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "faulty_vfs.h"
-#include "scratch_store.h"
+#include "tests/store/faulty_vfs.h"
+#include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
 #include "store/statements.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "faulty_vfs.h"
+#include "tests/store/faulty_vfs.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "scratch_store.h"
 #include "store/recordset.h"
 #include "store/statements.h"
+#include "tests/store/scratch_store.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "scratch_store.h"
+#include "tests/store/scratch_store.h"
 
 #include "store/hold.h"
 #include "store/recordset.h"

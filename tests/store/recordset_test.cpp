@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "scripted_connection.h"
+#include "tests/store/scripted_connection.h"
 
 #include "store/recordset.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/box_queue.h"
+#include "tests/support/box_queue.h"
 
 #include <QAbstractButton>
 #include <QInputDialog>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
 #include "host/inv_basic.h"
 #include "ui/widgets/pick_list.h"

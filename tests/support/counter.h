@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/box_queue.h"
-#include "support/doubles.h"
+#include "tests/support/box_queue.h"
+#include "tests/support/doubles.h"
 #include "ui/inventory.h"
 
 #include <harrowby/sqlite_connection.h>

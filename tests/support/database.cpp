@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/database.h"
+#include "tests/support/database.h"
 
 #include <sqlite3.h>
 

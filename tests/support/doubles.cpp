@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/doubles.h"
+#include "tests/support/doubles.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/failing_disk.h"
+#include "tests/support/failing_disk.h"
 
 #include <array>
 #include <cerrno>

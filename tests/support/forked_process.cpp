@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/forked_process.h"
+#include "tests/support/forked_process.h"
 
 #include <QtGlobal>
 

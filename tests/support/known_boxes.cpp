@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/known_boxes.h"
+#include "tests/support/known_boxes.h"
 
 #include <QRegularExpression>
 #include <QStringList>

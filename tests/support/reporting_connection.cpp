@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/reporting_connection.h"
+#include "tests/support/reporting_connection.h"
 
-#include "support/database.h"
+#include "tests/support/database.h"
 
 using namespace Qt::StringLiterals;
 

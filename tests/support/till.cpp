@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/till.h"
+#include "tests/support/till.h"
 
 #include "host/inv_basic.h"
 #include "ui/widgets/pick_list.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/box_queue.h"
-#include "support/database.h"
-#include "support/doubles.h"
-#include "support/reporting_connection.h"
+#include "tests/support/box_queue.h"
+#include "tests/support/database.h"
+#include "tests/support/doubles.h"
+#include "tests/support/reporting_connection.h"
 #include "ui/inventory.h"
 
 #include <QRandomGenerator>

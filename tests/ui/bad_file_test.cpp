@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
 
-#include "store/faulty_vfs.h"
+#include "tests/store/faulty_vfs.h"
 
 #include <QElapsedTimer>
 #include <QFile>

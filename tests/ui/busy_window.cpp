@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "busy_window.h"
+#include "tests/ui/busy_window.h"
 
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/quick_sale_button.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
 
-#include "ui/interruption.h"
+#include "tests/ui/interruption.h"
 #include "ui/widgets/pick_list.h"
 
 #include <QLineEdit>

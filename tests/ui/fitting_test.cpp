@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How the window uses small, tall and large screens.
-#include "busy_window.h"
+#include "tests/ui/busy_window.h"
 
 #include "ui/focus_order.h"
 #include "ui/widgets/elided_label.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/interruption.h"
+#include "tests/ui/interruption.h"
 
 #include <QAbstractItemModel>
 #include <QEvent>

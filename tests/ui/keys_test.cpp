@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What keys do in the window, and where the focus, the caret and the selection are.
-#include "support/counter.h"
+#include "tests/support/counter.h"
 #include "ui/focus_order.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/pick_list.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "busy_wait.h"
-#include "store_guard.h"
-#include "store_open.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
+#include "app/shop/store_open.h"
 
-#include "support/counter.h"
-#include "support/database.h"
-#include "support/forked_process.h"
-#include "support/till.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
+#include "tests/support/forked_process.h"
+#include "tests/support/till.h"
 
 #include <QApplication>
 #include <QDir>

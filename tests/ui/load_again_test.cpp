@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "ui/interruption.h"
+#include "tests/support/counter.h"
+#include "tests/ui/interruption.h"
 
 #include "host/inv_basic.h"
 #include "ui/widgets/pick_list.h"

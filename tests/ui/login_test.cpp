@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
 #include <QLineEdit>
 

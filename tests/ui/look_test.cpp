@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What can be measured of the window's looks, for each work area, on each kind of screen, in a light and a dark
 // palette.
-#include "busy_window.h"
+#include "tests/ui/busy_window.h"
 
 #include "ui/focus_order.h"
 #include "ui/style/colours.h"

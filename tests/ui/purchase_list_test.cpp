@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
-#include "ui/interruption.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
+#include "tests/ui/interruption.h"
 
 #include "ui/widgets/pick_list.h"
 

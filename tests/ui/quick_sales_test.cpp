@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/random_user.h"
+#include "tests/ui/random_user.h"
 
 #include "ui/widgets/pick_list.h"
 

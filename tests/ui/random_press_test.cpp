@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "ui/random_user.h"
+#include "tests/support/counter.h"
+#include "tests/ui/random_user.h"
 
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

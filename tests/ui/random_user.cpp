@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "ui/random_user.h"
+#include "tests/ui/random_user.h"
 
 #include "platform/early_keys.h"
-#include "support/known_boxes.h"
-#include "ui/interruption.h"
+#include "tests/support/known_boxes.h"
+#include "tests/ui/interruption.h"
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"

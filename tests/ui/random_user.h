@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/counter.h"
-#include "support/database.h"
-#include "ui/random_choice.h"
-#include "ui/random_windows.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
+#include "tests/ui/random_choice.h"
+#include "tests/ui/random_windows.h"
 
 #include <QObject>
 #include <QRandomGenerator>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ui/random_windows.h"
+#include "tests/ui/random_windows.h"
 
-#include "ui/random_choice.h"
+#include "tests/ui/random_choice.h"
 
 #include "platform/object_registry.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/doubles.h"
+#include "tests/support/doubles.h"
 
 #include <harrowby/db_connection.h>
 

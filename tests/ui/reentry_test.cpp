@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
-#include "support/known_boxes.h"
-#include "ui/interruption.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
+#include "tests/support/known_boxes.h"
+#include "tests/ui/interruption.h"
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"

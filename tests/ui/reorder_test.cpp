@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
 
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/stock_day.h"
+#include "tests/ui/stock_day.h"
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"

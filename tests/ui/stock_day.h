@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/counter.h"
-#include "ui/interruption.h"
+#include "tests/support/counter.h"
+#include "tests/ui/interruption.h"
 
 #include <functional>
 

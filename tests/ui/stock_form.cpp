@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/stock_form.h"
+#include "tests/ui/stock_form.h"
 
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

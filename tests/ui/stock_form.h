@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
-#include "ui/stock_form.h"
+#include "tests/ui/stock_form.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "support/database.h"
-#include "ui/stock_day.h"
+#include "tests/support/database.h"
+#include "tests/ui/stock_day.h"
 
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/reporting_connection.h"
+#include "tests/support/counter.h"
+#include "tests/support/reporting_connection.h"
 
 #include "host/inv_basic.h"
 #include "ui/widgets/pick_list.h"

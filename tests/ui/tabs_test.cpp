@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
+#include "tests/support/counter.h"
 
-#include "ui/interruption.h"
+#include "tests/ui/interruption.h"
 #include "ui/widgets/tab_strip.h"
 
 #include <QTimer>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/counter.h"
-#include "support/database.h"
-#include "support/till.h"
+#include "tests/support/counter.h"
+#include "tests/support/database.h"
+#include "tests/support/till.h"
 
 #include <QApplication>
 #include <QMap>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "report/bars.h"
+#include "plugins/report/bars.h"
 
 #include <QTest>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "report/report_dialog.h"
-#include "report/sales_chart.h"
+#include "plugins/report/report_dialog.h"
+#include "plugins/report/sales_chart.h"
 #include "sheet/output_bar.h"
 #include "sheet/table_view.h"
-#include "shop.h"
+#include "tests/plugins/report/shop.h"
 
 #include <QAbstractButton>
 #include <QApplication>

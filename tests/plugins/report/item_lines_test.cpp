@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "report/item_lines.h"
-#include "report/item_tally.h"
+#include "plugins/report/item_lines.h"
+#include "plugins/report/item_tally.h"
 
 #include <QElapsedTimer>
 #include <QTest>

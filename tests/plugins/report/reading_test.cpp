@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "report/sales_reading.h"
-#include "report/statements.h"
-#include "shop.h"
+#include "plugins/report/sales_reading.h"
+#include "plugins/report/statements.h"
+#include "tests/plugins/report/shop.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "shop.h"
+#include "tests/plugins/report/shop.h"
 
-#include "schema.h"
+#include "app/shop/schema.h"
 
 #include <QTest>
 

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "app/backup/backup.h"
+
+#include "app/backup/backup_copy.h"
+#include "app/backup/backup_place.h"
+#include "app/shop/file_naming.h"
+#include "app/shop/quick_check.h"
+#include "app/shop/workshop.h"
+#include "basic/logging.h"
+
+#include <QFileInfo>
+
+#include <sqlite3.h>
+
+#include <cerrno>
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Outcome = BackupResult::Outcome;
+
+BackupResult failed(const QString &problem)
+{
+    qCWarning(lcStore).noquote() << "The backup failed:" << problem;
+    return {Outcome::Failed, problem, 0};
+}
+
+/// Asks the watch while SQLite walks through the pages, which only an interrupt from elsewhere ends.
+class StopWatch
+{
+public:
+    StopWatch(sqlite3 *database, const BackupWatch &watch) : m_thread([=, this, &watch] { run(database, watch); }) {}
+    ~StopWatch()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_done = true;
+        }
+        m_changed.notify_one();
+        m_thread.join();
+    }
+    StopWatch(const StopWatch &) = delete;
+    StopWatch &operator=(const StopWatch &) = delete;
+
+private:
+    void run(sqlite3 *database, const BackupWatch &watch)
+    {
+        std::unique_lock lock(m_mutex);
+        bool stopped = false;
+        while (!m_done) {
+            if (!stopped && !watch({BackupProgress::Stage::Checking, 100}))
+                stopped = true;
+            if (stopped)
+                sqlite3_interrupt(database);
+            m_changed.wait_for(lock, std::chrono::milliseconds(50), [this] { return m_done; });
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_done = false;
+    std::thread m_thread;
+};
+
+QuickCheck checkUnlessStopped(sqlite3 *copy, const BackupWatch &watch)
+{
+    const StopWatch stopWatch(copy, watch);
+    return quickCheck(copy, std::chrono::hours(1));
+}
+
+/// Where a copy comes from.
+struct Source
+{
+    std::function<CopyEnd(sqlite3 *copy, RowCounts &counts)> copyInto;
+    std::function<bool()> isBad;
+};
+
+bool isBad(sqlite3 *store, const BackupWatch &watch)
+{
+    const QuickCheck check = checkUnlessStopped(store, watch);
+    return check.result == QuickCheck::Result::Damaged || check.result == QuickCheck::Result::Failed;
+}
+
+bool isBadFile(const QString &store, const BackupWatch &watch)
+{
+    Database opened;
+    return openToCopy(store, opened) || isBad(opened.get(), watch);
+}
+
+QString damageText(BackupSide side, const QString &reason)
+{
+    if (side == BackupSide::Store)
+        return u"The store file is damaged; the place of the backup is not to blame. Keep the backups that you have."
+               "\n(%1)"_s.arg(reason);
+    return u"The place of the backup does not keep what is written to it; the store is sound. Please choose another "
+           "place.\n(%1)"_s.arg(reason);
+}
+
+BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &expected, const BackupWatch &watch)
+{
+    const QuickCheck check = checkUnlessStopped(copy, watch);
+    if (!watch({BackupProgress::Stage::Checking, 100}))
+        return {Outcome::Stopped, {}, 0};
+    if (check.result == QuickCheck::Result::Failed && check.error.code == SQLITE_IOERR)
+        return failed(copyProblem(check.error, BackupSide::Place));
+    if (check.result != QuickCheck::Result::Sound) {
+        // A sound store whose copy is not sound has been written to a bad place.
+        const BackupSide side = source.isBad() ? BackupSide::Store : BackupSide::Place;
+        if (!watch({BackupProgress::Stage::Checking, 100}))
+            return {Outcome::Stopped, {}, 0};
+        return failed(damageText(side, check.error.reason));
+    }
+    const RowCounts counted = countRows(copy);
+    if (counted.size() < expected.size())
+        return failed(copyProblem({SQLITE_IOERR, u"the copy cannot be read back"_s}, BackupSide::Place));
+    if (!expected.isEmpty() && counted != expected)
+        return failed(u"The copy does not hold as many rows as the store. Please try again."_s);
+    return {Outcome::Done, {}, 0};
+}
+
+/// One plain file, which can be read from any medium: without a log beside it.
+BackupResult closeCopy(Database &copy)
+{
+    const auto error = runSql(copy.get(), u"PRAGMA journal_mode = DELETE"_s);
+    copy.reset();
+    return error ? failed(copyProblem(*error, BackupSide::Place)) : BackupResult{Outcome::Done, {}, 0};
+}
+
+BackupResult makeCopy(const Source &source, const QString &file, const BackupWatch &watch)
+{
+    Database copy;
+    if (auto error = openDatabase(file, OpenMode::Create, copy))
+        return failed(copyProblem(*error, BackupSide::Place));
+    RowCounts counts;
+    const CopyEnd end = source.copyInto(copy.get(), counts);
+    if (end.stopped)
+        return {Outcome::Stopped, {}, 0};
+    if (end.error)
+        return failed(copyProblem(*end.error, end.side));
+    if (auto result = checkCopy(copy.get(), source, counts, watch); result.outcome != Outcome::Done)
+        return result;
+    return closeCopy(copy);
+}
+
+int nameCopy(const QString &file, const QString &target, bool replace)
+{
+    if (replace)
+        return replaceFile(file, target);
+    const int error = nameNewFile(file, target);
+    // Some media know neither way of not replacing.
+    const bool unknown = error == EPERM || error == ENOTSUP;
+    return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : error;
+}
+
+BackupResult giveName(const QString &file, const QString &target, bool replace)
+{
+    int error = syncFile(file);
+    if (error == 0)
+        error = nameCopy(file, target, replace);
+    if (error == EEXIST)
+        return failed(u"A file \"%1\" has appeared there in the meantime. It was left as it was."_s.arg(target));
+    if (error != 0)
+        return failed(
+            u"The backup could not be written to its place (%1)."_s.arg(QString::fromLocal8Bit(std::strerror(error))));
+    syncFolder(QFileInfo(target).absolutePath());
+    return {Outcome::Done, {}, QFileInfo(target).size()};
+}
+
+BackupResult copyTo(const QString &target, bool replace, const Source &source, const BackupWatch &watch)
+{
+    const QString place = realTarget(target);
+    const QString folder = QFileInfo(place).absolutePath();
+    removeLeftWorkshops(folder);
+    const Workshop workshop(folder, Workshop::Purpose::Backup);
+    if (!workshop.isValid())
+        return failed(u"Nothing can be written there: %1"_s.arg(workshop.errorString()));
+    const QString file = workshop.filePath(u"backup.db"_s);
+    if (auto result = makeCopy(source, file, watch); result.outcome != Outcome::Done)
+        return result;
+    return giveName(file, place, replace);
+}
+
+} // namespace
+
+BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
+{
+    if (const QString problem = backupPlaceProblem(store, target); !problem.isEmpty())
+        return failed(problem);
+    const Source source = {
+        [&](sqlite3 *copy, RowCounts &counts) { return copyStore(store, copy, watch, counts); },
+        [&] { return isBadFile(store, watch); },
+    };
+    return copyTo(target, replace, source, watch);
+}
+
+BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
+{
+    if (const QString problem = backupPlaceProblem(path, target); !problem.isEmpty())
+        return failed(problem);
+    const Source source = {
+        [&](sqlite3 *copy, RowCounts &counts) { return copyOpenStore(store, copy, watch, counts); },
+        [&] { return isBad(store, watch); },
+    };
+    return copyTo(target, false, source, watch);
+}
+
+} // namespace harrowby::app

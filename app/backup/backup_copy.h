@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/backup/backup.h"
+#include "app/shop/sql.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// Rows by table.
+using RowCounts = QHash<QString, qint64>;
+
+/// Of the store's tables; a table that cannot be read is missing.
+[[nodiscard]] RowCounts countRows(sqlite3 *database);
+
+/// Which of the two disks a failure is about.
+enum class BackupSide {
+    Store,
+    Place, ///< of the backup
+};
+
+struct CopyEnd
+{
+    bool stopped = false;
+    std::optional<SqlError> error;
+    BackupSide side = BackupSide::Store; ///< of the error
+};
+
+/// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till
+/// waits or disturbs it; `counts` are those of that moment. Without a log a till that writes makes the copy begin
+/// anew; after a few times it keeps the tills waiting for the rest, and `counts` stay empty.
+[[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+
+/// The same through a connection that is open already. Takes the connection's busy handler away.
+[[nodiscard]] CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+
+/// In words for a person.
+[[nodiscard]] QString copyProblem(const SqlError &error, BackupSide side);
+
+/// Opens the store as the copy reads it: nothing is written to it.
+[[nodiscard]] std::optional<SqlError> openToCopy(const QString &store, Database &source);
+
+} // namespace harrowby::app

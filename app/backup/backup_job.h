@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/backup/backup.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+
+namespace harrowby::app {
+
+/// A backup on a thread of its own. Its signals come on the thread that it lives on. One at a time.
+class BackupJob final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    /// Stops it and waits for the end.
+    ~BackupJob() override;
+
+    using Work = std::function<BackupResult(const BackupWatch &watch)>;
+
+    void start(const QString &store, const QString &target, bool replace);
+    /// Any other way of making one. `work` runs on the job's thread.
+    void start(Work work);
+    void stop() { m_stop = true; }
+    [[nodiscard]] bool isRunning() const { return m_thread.joinable(); }
+
+Q_SIGNALS:
+    void progressed(const harrowby::app::BackupProgress &progress);
+    void finished(const harrowby::app::BackupResult &result);
+
+private:
+    void run(const Work &work);
+    bool report(const BackupProgress &progress);
+    void end(const BackupResult &result);
+
+    std::thread m_thread;
+    std::atomic<bool> m_stop = false;
+    std::atomic<int> m_lastPercent = -1;
+};
+
+} // namespace harrowby::app

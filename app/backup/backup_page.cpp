@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+#include "app/backup/backup_page.h"
+
+#include "app/backup/backup_place.h"
+#include "app/boxes/office_box.h"
+#include "app/shop/workshop.h"
+#include "sheet/look.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+const auto lastSection = u"Office"_s;
+const auto lastKey = u"LastBackup"_s;
+
+QString usualPlace()
+{
+    return QDir(usualBackupFolder()).filePath(usualBackupName(QDate::currentDate()));
+}
+
+QString sizeText(qint64 bytes)
+{
+    return QLocale::c().formattedDataSize(bytes);
+}
+
+QString lastText(const QString &file)
+{
+    if (file.isEmpty())
+        return u"No backup has been made from here yet."_s;
+    const QFileInfo info(file);
+    if (!info.isFile())
+        return u"The last backup went to %1, which is not there now."_s.arg(file);
+    return u"Last backup: %1, %2, %3"_s.arg(info.lastModified().toString(u"d MMMM yyyy, HH:mm"_s),
+                                            sizeText(info.size()), file);
+}
+
+} // namespace
+
+BackupPage::BackupPage(const QString &store, OfficeSettings settings, QWidget *parent) :
+    QWidget(parent), m_store(store), m_settings(std::move(settings))
+{
+    createControls();
+    layOut();
+    removeLeftWorkshops(usualBackupFolder());
+    if (const QString last = m_settings.get(lastSection, lastKey, {}); !last.isEmpty())
+        removeLeftWorkshops(QFileInfo(last).absolutePath());
+    connect(&m_job, &BackupJob::progressed, this, &BackupPage::showProgress);
+    connect(&m_job, &BackupJob::finished, this, &BackupPage::finish);
+    setRunning(false);
+    showLast();
+}
+
+void BackupPage::createControls()
+{
+    m_place = new QLineEdit(QDir::toNativeSeparators(usualPlace()), this);
+    m_place->setObjectName(u"backupPlace"_s);
+    m_place->setAccessibleName(u"Place of the backup"_s);
+    m_choose = new QPushButton(u"&Choose \u2026"_s, this);
+    connect(m_choose, &QPushButton::clicked, this, &BackupPage::choosePlace);
+    m_start = new QPushButton(u"&Back Up Now"_s, this);
+    m_start->setObjectName(u"startBackup"_s);
+    sheet::makePrimary(*m_start);
+    connect(m_start, &QPushButton::clicked, this, &BackupPage::start);
+    m_stop = new QPushButton(u"S&top"_s, this);
+    m_stop->setObjectName(u"stopBackup"_s);
+    connect(m_stop, &QPushButton::clicked, this, [this] { m_job.stop(); });
+    m_progress = new QProgressBar(this);
+    m_progress->setAccessibleName(u"Progress of the backup"_s);
+    m_progress->setMinimumHeight(32);
+    m_outcome = makeOfficeText(this, {});
+    m_outcome->setObjectName(u"backupOutcome"_s);
+    m_last = makeOfficeText(this, {});
+    m_last->setObjectName(u"lastBackup"_s);
+}
+
+void BackupPage::layOut()
+{
+    auto *place = new QHBoxLayout;
+    place->setSpacing(12);
+    auto *caption = new QLabel(u"&Place:"_s, this);
+    caption->setBuddy(m_place);
+    place->addWidget(caption);
+    place->addWidget(m_place, 1);
+    place->addWidget(m_choose);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(12);
+    buttons->addWidget(m_start, 1);
+    buttons->addWidget(m_stop);
+
+    auto *rows = new QVBoxLayout(this);
+    rows->setContentsMargins(16, 16, 16, 16);
+    rows->setSpacing(16);
+    rows->addWidget(makeOfficeText(this,
+                                   u"The tills can go on selling meanwhile. The backup is one file with everything "
+                                   "that the store holds, and it is checked before it counts. Keep it away from "
+                                   "this computer, for example on a stick."_s));
+    rows->addLayout(place);
+    rows->addLayout(buttons);
+    rows->addWidget(m_progress);
+    rows->addWidget(m_outcome);
+    rows->addStretch(1);
+    rows->addWidget(m_last);
+}
+
+void BackupPage::choosePlace()
+{
+    QFileDialog dialog(this, u"Place of the Backup"_s);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite); // asked before the backup starts
+    dialog.setDefaultSuffix(u"db"_s);
+    dialog.selectFile(m_place->text());
+    sheet::dress(dialog);
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
+        m_place->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
+}
+
+QString BackupPage::loss() const
+{
+    return m_loss ? m_loss() : QString();
+}
+
+void BackupPage::start()
+{
+    if (const QString lost = loss(); !lost.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
+    const QString target = m_place->text().isEmpty() ? QString() : QDir::cleanPath(m_place->text());
+    if (const QString problem = backupPlaceProblem(m_store, target); !problem.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
+    const bool replace = backupWouldReplace(target);
+    if (replace && !askInOffice(this, u"There is a file \"%1\" already. Replace it with the new backup?"_s.arg(target),
+                                u"&Replace"_s))
+        return;
+    m_outcome->clear();
+    setRunning(true);
+    m_job.start(m_store, target, replace);
+}
+
+void BackupPage::showProgress(const BackupProgress &progress)
+{
+    const bool checking = progress.stage == BackupProgress::Stage::Checking;
+    m_progress->setRange(0, checking ? 0 : 100);
+    m_progress->setValue(progress.percent);
+    showOutcome(*m_outcome, checking ? u"The copy is being checked \u2026"_s : u"The store is being copied \u2026"_s);
+}
+
+void BackupPage::finish(const BackupResult &result)
+{
+    setRunning(false);
+    if (result.outcome == BackupResult::Outcome::Stopped)
+        return showOutcome(*m_outcome, u"Stopped. Nothing was left behind."_s);
+    if (result.outcome == BackupResult::Outcome::Failed)
+        return showOutcome(*m_outcome, u"\u26a0 "_s + result.problem);
+    if (const QString lost = loss(); !lost.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + lost + u"\nDo not count on the copy that was being made."_s);
+    (void)m_settings.save(lastSection, lastKey, realTarget(m_place->text())); // only for the line below
+    showOutcome(*m_outcome, u"\u2713 The backup is made and checked: %1."_s.arg(sizeText(result.bytes)));
+    showLast();
+}
+
+/// The focus goes first: a control that is disabled under it passes it on to whatever comes next, which is in the end
+/// the button that closes the window. So the entry takes no text for a while and keeps it.
+void BackupPage::setRunning(bool running)
+{
+    const QWidget *focus = window()->focusWidget();
+    QPushButton *next = running ? m_stop : m_start;
+    next->setEnabled(true);
+    if (focus == m_start || focus == m_choose || focus == m_stop)
+        next->setFocus();
+    m_place->setReadOnly(running);
+    m_choose->setEnabled(!running);
+    m_start->setEnabled(!running);
+    m_stop->setEnabled(running);
+    m_progress->setRange(0, 100);
+    m_progress->setValue(0);
+    m_progress->setVisible(running);
+}
+
+void BackupPage::showLast()
+{
+    m_last->setText(lastText(m_settings.get(lastSection, lastKey, {})));
+}
+
+} // namespace harrowby::app

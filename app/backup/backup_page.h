@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/backup/backup_job.h"
+#include "app/shop/office_settings.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <utility>
+
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QVBoxLayout;
+
+namespace harrowby::app {
+
+/// Makes a backup of the store at a chosen place while tills sell.
+class BackupPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    BackupPage(const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
+
+    [[nodiscard]] bool isRunning() const { return m_job.isRunning(); }
+    /// `loss` says what has happened to the store file once it is lost: no copy counts then.
+    void watchStore(std::function<QString()> loss) { m_loss = std::move(loss); }
+
+private:
+    void createControls();
+    void layOut();
+    void choosePlace();
+    void start();
+    void showProgress(const BackupProgress &progress);
+    void finish(const BackupResult &result);
+    void setRunning(bool running);
+    void showLast();
+    [[nodiscard]] QString loss() const;
+
+    QString m_store;
+    OfficeSettings m_settings;
+    std::function<QString()> m_loss;
+    QLineEdit *m_place = nullptr;
+    QPushButton *m_choose = nullptr;
+    QPushButton *m_start = nullptr;
+    QPushButton *m_stop = nullptr;
+    QProgressBar *m_progress = nullptr;
+    QLabel *m_outcome = nullptr;
+    QLabel *m_last = nullptr;
+    BackupJob m_job; ///< the last one: it ends before what it reports to
+};
+
+} // namespace harrowby::app

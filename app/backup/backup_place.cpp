@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "app/backup/backup_place.h"
+
+#include "app/shop/file_facts.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+#include <QStandardPaths>
+#include <QStorageInfo>
+
+#include <sys/stat.h>
+
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// One file under two names is one file, also through links of any kind.
+bool isSameFile(const QString &one, const QString &other)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(QFile::encodeName(one).constData(), &first) == 0 &&
+           ::stat(QFile::encodeName(other).constData(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+bool isInFolder(const QString &file, const QString &other)
+{
+    return QFileInfo(file).fileName() == QFileInfo(other).fileName() &&
+           isSameFile(QFileInfo(file).absolutePath(), QFileInfo(other).absolutePath());
+}
+
+bool belongsToStore(const QString &store, const QString &target)
+{
+    if (isSameFile(store, target))
+        return true;
+    for (const QString &file : {logFileOf(store), logIndexOf(store), journalOf(store)}) {
+        if (isInFolder(file, target))
+            return true;
+    }
+    return false;
+}
+
+QString nameProblem(const QString &target)
+{
+    const QFileInfo info(target);
+    if (info.isDir())
+        return u"\"%1\" is a folder. Please give the backup a name in it."_s.arg(target);
+    if (nameIsTaken(target) && !info.isFile())
+        return u"\"%1\" is not an ordinary file."_s.arg(target);
+    // SQLite would take these for the backup's own, and spoil it.
+    for (const QString &file : {logFileOf(target), journalOf(target)}) {
+        if (nameIsTaken(file))
+            return u"\"%1\" lies there: another program uses a file of that name. Please choose another name."_s.arg(
+                file);
+    }
+    return {};
+}
+
+QString folderProblem(const QString &target)
+{
+    const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
+    if (!folder.isDir())
+        return u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath());
+    if (judgeNewPlace(realTarget(target), false))
+        return u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath());
+    return {};
+}
+
+QString spaceProblem(const QString &store, const QString &target)
+{
+    const qint64 needed = QFileInfo(store).size() + QFileInfo(logFileOf(store)).size();
+    const qint64 free = QStorageInfo(QFileInfo(realTarget(target)).absolutePath()).bytesAvailable();
+    if (free < 0 || free >= needed)
+        return {};
+    const QLocale locale = QLocale::c();
+    return u"There is not enough space: the backup needs %1, and %2 is free."_s.arg(locale.formattedDataSize(needed),
+                                                                                    locale.formattedDataSize(free));
+}
+
+} // namespace
+
+QString usualBackupFolder()
+{
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
+QString usualBackupName(const QDate &day)
+{
+    return u"harrowby-%1.db"_s.arg(day.toString(Qt::ISODate));
+}
+
+QString usualRescuePlace(const QString &store, const QDateTime &now)
+{
+    const QString name =
+        QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s) + u".db"_s;
+    QDir folder = QFileInfo(store).absoluteDir();
+    if (judgeNewPlace(folder.filePath(name), false))
+        folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    if (!folder.exists())
+        folder = QDir::home();
+    return folder.filePath(name);
+}
+
+QString backupPlaceProblem(const QString &store, const QString &target)
+{
+    if (QFileInfo(target).fileName().isEmpty())
+        return u"Please choose a place for the backup."_s;
+    if (belongsToStore(store, target))
+        return u"This is the store file itself. Please choose another name."_s;
+    for (const QString &problem : {nameProblem(target), folderProblem(target)}) {
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return spaceProblem(store, target);
+}
+
+bool backupWouldReplace(const QString &target)
+{
+    return QFileInfo(target).isFile();
+}
+
+QString realTarget(const QString &target)
+{
+    const QString real = QFileInfo(target).canonicalFilePath();
+    return real.isEmpty() ? QFileInfo(target).absoluteFilePath() : real;
+}
+
+} // namespace harrowby::app

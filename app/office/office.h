@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/office_settings.h"
+
+#include <QString>
+
+/// The store's own windows, for its ADMINISTRATOR. The till knows nothing of them.
+namespace harrowby::app {
+
+class StoreGuard;
+
+enum class OfficeEnd {
+    Left,    ///< the window was closed, or the password was not given
+    Refused, ///< nobody can be let in; what has to be said has been said
+};
+
+/// Asks for the password and shows the window until it is closed.
+[[nodiscard]] OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings);
+
+} // namespace harrowby::app

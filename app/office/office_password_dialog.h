@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/office/wrong_tries.h"
+
+#include <QDialog>
+
+#include <functional>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace harrowby::app {
+
+/// Why a typed password does not open the office, in words for a person; empty when it does.
+using PasswordCheck = std::function<QString(const QString &password)>;
+
+/// Asks for ADMINISTRATOR's password until it is right or the person gives up. After several wrong tries the next one
+/// has to wait a little, also when they were made before the program was started.
+class OfficePasswordDialog final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit OfficePasswordDialog(PasswordCheck check, WrongTries wrongTries = WrongTries(), QWidget *parent = nullptr);
+
+    void accept() override;
+
+private:
+    void layOut();
+    void refuse(const QString &problem);
+    /// True when the next try has to wait.
+    bool pause();
+    void sayPause();
+
+    PasswordCheck m_check;
+    WrongTries m_wrongTries;
+    QLineEdit *m_password = nullptr;
+    QLabel *m_problem = nullptr;
+    QPushButton *m_open = nullptr;
+};
+
+} // namespace harrowby::app

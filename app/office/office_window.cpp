@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "app/office/office_window.h"
+
+#include "app/backup/backup_page.h"
+#include "app/boxes/dialog_style.h"
+#include "app/boxes/office_box.h"
+#include "app/office/receipt_page.h"
+#include "app/office/store_access_line.h"
+#include "app/office/touch_tab_bar.h"
+#include "app/office/users_page.h"
+#include "app/shop/failure_text.h"
+#include "sheet/look.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr QSize usualSize(1000, 680);
+
+} // namespace
+
+OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent) :
+    QDialog(parent)
+{
+    setWindowTitle(u"Store"_s);
+    setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
+    setWindowFlag(Qt::WindowMinMaxButtonsHint);
+    enlargeFont(*this);
+    m_receipt = new ReceiptPage(settings, this);
+    m_backup = new BackupPage(store, settings, this);
+    layOut(new UsersPage(database, this), store);
+    sheet::dress(*this);
+    resize(usualSize.boundedTo(screen()->availableSize()));
+}
+
+void OfficeWindow::layOut(QWidget *users, const QString &store)
+{
+    auto *tabs = new TouchTabBar(this);
+    tabs->setObjectName(u"officeTabs"_s);
+    tabs->setAccessibleName(u"Pages"_s);
+    auto *pages = new QStackedWidget(this);
+    tabs->addTab(u"&Users"_s);
+    pages->addWidget(users);
+    tabs->addTab(u"&Receipt"_s);
+    pages->addWidget(m_receipt);
+    tabs->addTab(u"Bac&kup"_s);
+    pages->addWidget(m_backup);
+    connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
+
+    auto *close = new QPushButton(u"C&lose"_s, this);
+    close->setObjectName(u"closeOffice"_s);
+    connect(close, &QPushButton::clicked, this, &OfficeWindow::reject);
+    auto *top = new QHBoxLayout;
+    top->addWidget(tabs, 1);
+    top->addWidget(close);
+    auto *rows = new QVBoxLayout(this);
+    rows->addLayout(top);
+    rows->addWidget(new StoreAccessLine(store, this));
+    rows->addWidget(pages, 1);
+    rows->addWidget(makeOfficeText(this, wrappingPath(store)));
+    // Enter in an entry does what stands beside it, and nothing else.
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->setAutoDefault(false);
+}
+
+void OfficeWindow::watchStore(const std::function<QString()> &loss)
+{
+    m_backup->watchStore(loss);
+}
+
+void OfficeWindow::reject()
+{
+    if (m_backup->isRunning() && !askInOffice(this, u"A backup is being made. Stop it?"_s, u"&Stop It"_s))
+        return;
+    if (m_receipt->hasChanges() &&
+        !askInOffice(this, u"What you have typed for the receipt is not saved. Discard it?"_s, u"&Discard It"_s))
+        return;
+    QDialog::reject();
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/office_settings.h"
+
+#include <QDialog>
+
+#include <functional>
+
+struct sqlite3;
+
+namespace harrowby::app {
+
+class BackupPage;
+class ReceiptPage;
+
+/// The "Store" window: users and rights, the receipt, the backup.
+class OfficeWindow final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// The database must outlive it; `store` is its file.
+    OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent = nullptr);
+
+    /// `loss` says what has happened to the store file once it is lost, and nothing before: no backup counts then.
+    void watchStore(const std::function<QString()> &loss);
+
+    /// Asks before a backup is stopped or an entry lost.
+    void reject() override;
+
+private:
+    void layOut(QWidget *users, const QString &store);
+
+    ReceiptPage *m_receipt = nullptr;
+    BackupPage *m_backup = nullptr;
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "app/office/receipt_page.h"
+
+#include "app/boxes/office_box.h"
+#include "sheet/look.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int pictureWidth = 330;
+
+QLineEdit *makeEntry(QWidget *parent, const QString &objectName, const QString &accessibleName, const QString &text)
+{
+    auto *entry = new QLineEdit(parent);
+    entry->setObjectName(objectName);
+    entry->setAccessibleName(accessibleName);
+    entry->setText(text);
+    return entry;
+}
+
+} // namespace
+
+ReceiptPage::ReceiptPage(OfficeSettings settings, QWidget *parent) :
+    QWidget(parent), m_settings(std::move(settings)), m_saved(readReceiptHead(m_settings))
+{
+    createEntries();
+    auto *columns = new QHBoxLayout(this);
+    columns->setContentsMargins(16, 16, 16, 16);
+    columns->setSpacing(24);
+    columns->addLayout(makeForm(), 1);
+    columns->addLayout(makePicture());
+    showEntered();
+}
+
+void ReceiptPage::createEntries()
+{
+    m_title = makeEntry(this, u"receiptTitle"_s, u"Title"_s, m_saved.title);
+    m_address = makeEntry(this, u"receiptAddress"_s, u"Address"_s, m_saved.address);
+    m_currency = makeEntry(this, u"receiptCurrency"_s, u"Currency"_s, m_saved.currency);
+    for (QLineEdit *entry : {m_title, m_address, m_currency})
+        connect(entry, &QLineEdit::textChanged, this, &ReceiptPage::showEntered);
+    m_emailReport = new QCheckBox(u"&Email the daily report"_s, this);
+    m_emailReport->setObjectName(u"emailReport"_s);
+    m_emailReport->setChecked(m_saved.emailReport);
+    m_outcome = makeOfficeText(this, {});
+    m_outcome->setObjectName(u"receiptOutcome"_s);
+    m_outcome->setMinimumHeight(m_outcome->fontMetrics().height() * 2);
+}
+
+QVBoxLayout *ReceiptPage::makeForm()
+{
+    auto *save = new QPushButton(u"&Save"_s, this);
+    save->setObjectName(u"saveReceipt"_s);
+    sheet::makePrimary(*save);
+    connect(save, &QPushButton::clicked, this, &ReceiptPage::save);
+    for (const QLineEdit *entry : {m_title, m_address, m_currency})
+        connect(entry, &QLineEdit::returnPressed, this, &ReceiptPage::save);
+
+    auto *form = new QFormLayout;
+    form->setVerticalSpacing(12);
+    form->addRow(u"&Title:"_s, m_title);
+    form->addRow(u"A&ddress:"_s, m_address);
+    form->addRow(u"&Currency:"_s, m_currency);
+    sheet::centreCaptions(*form);
+
+    auto *rows = new QVBoxLayout;
+    rows->setSpacing(12);
+    rows->addWidget(makeOfficeText(this,
+                                   u"Title and address are printed at the top of each receipt, in capitals. They count "
+                                   "for whoever uses this computer under the same name."_s));
+    rows->addLayout(form);
+    rows->addWidget(m_emailReport);
+    rows->addWidget(save);
+    rows->addWidget(m_outcome);
+    rows->addStretch(1);
+    return rows;
+}
+
+QVBoxLayout *ReceiptPage::makePicture()
+{
+    m_picture = new QLabel(this);
+    m_picture->setObjectName(u"receiptPicture"_s);
+    m_picture->setFrameShape(QFrame::StyledPanel);
+    m_picture->setAccessibleName(u"Picture of a receipt"_s);
+    auto *rows = new QVBoxLayout;
+    rows->addWidget(makeOfficeText(this, u"How it looks:"_s));
+    rows->addWidget(m_picture);
+    rows->addStretch(1);
+    return rows;
+}
+
+ReceiptHead ReceiptPage::entered() const
+{
+    return {m_title->text(), m_address->text(), m_currency->text(), m_emailReport->isChecked()};
+}
+
+void ReceiptPage::showEntered()
+{
+    const ReceiptHead head = entered();
+    m_picture->setPixmap(receiptPreview(head, pictureWidth, devicePixelRatioF()));
+    const QString problem = receiptHeadProblem(head);
+    showOutcome(*m_outcome, problem.isEmpty() ? QString() : u"\u26a0 "_s + problem);
+}
+
+void ReceiptPage::save()
+{
+    const ReceiptHead head = entered();
+    if (const QString problem = receiptHeadProblem(head); !problem.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
+    const bool saved = saveReceiptHead(m_settings, m_saved, head);
+    m_saved = readReceiptHead(m_settings);
+    if (saved)
+        showOutcome(*m_outcome, u"Saved. It will be on the next receipt."_s);
+    else
+        tellInOffice(this, u"The settings could not be saved. Check the disk and the folder of the settings file, then "
+                           "save again."_s);
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: MIT
+#include "app/office/users_page.h"
+
+#include "app/boxes/office_box.h"
+#include "app/office/user_dialog.h"
+#include "app/office/user_rules.h"
+#include "sheet/look.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScroller>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int listWidth = 300;
+constexpr int smallListWidth = 250; ///< in a window for a small screen
+constexpr int smallWindow = 900;
+constexpr int besideRight = 72; ///< a right's box, its paddings, and what scrolls the rights
+constexpr int fewestPixels = 260;
+constexpr int rowHeight = 56;
+
+QString secondLine(const StoreUser &user)
+{
+    const QString obstacle = loginObstacle(user);
+    return user.type + (obstacle.isEmpty() ? QString() : u" \u2013 "_s + obstacle);
+}
+
+QListWidgetItem *makeRow(const StoreUser &user)
+{
+    auto *row = new QListWidgetItem(user.name + u'\n' + secondLine(user));
+    row->setSizeHint({0, rowHeight});
+    row->setToolTip(row->text().toHtmlEscaped());
+    return row;
+}
+
+/// The text on as many lines as the width takes, broken between words.
+QString wrapped(const QString &text, const QFontMetrics &metrics, int width)
+{
+    QString lines;
+    QString line;
+    for (const QString &word : text.split(u' ')) {
+        const QString longer = line.isEmpty() ? word : line + u' ' + word;
+        if (!line.isEmpty() && metrics.horizontalAdvance(longer) > width) {
+            lines += line + u'\n';
+            line = word;
+        } else {
+            line = longer;
+        }
+    }
+    return lines + line;
+}
+
+QString rightText(const Right &right)
+{
+    return right.title + u": "_s + right.words;
+}
+
+/// The rights that nobody can switch are there to be read.
+void showLockedAsText(QCheckBox &box)
+{
+    QPalette palette = box.palette();
+    for (const auto role : {QPalette::WindowText, QPalette::Text})
+        palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
+    box.setPalette(palette);
+}
+
+} // namespace
+
+UsersPage::UsersPage(sqlite3 *database, QWidget *parent) : QWidget(parent), m_store(database)
+{
+    auto *columns = new QHBoxLayout(this);
+    columns->setContentsMargins(16, 16, 16, 16);
+    columns->setSpacing(24);
+    columns->addLayout(makeList());
+    columns->addWidget(makeScroller(makeDetails()), 1);
+    fill();
+}
+
+QVBoxLayout *UsersPage::makeList()
+{
+    m_list = new QListWidget(this);
+    m_list->setObjectName(u"users"_s);
+    m_list->setAccessibleName(u"Users"_s);
+    m_list->setFixedWidth(listWidth);
+    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setTextElideMode(Qt::ElideRight);
+    connect(m_list, &QListWidget::currentRowChanged, this, &UsersPage::showUser);
+    auto *add = new QPushButton(u"&Add User \u2026"_s, this);
+    add->setObjectName(u"addUser"_s);
+    sheet::makePrimary(*add);
+    connect(add, &QPushButton::clicked, this, &UsersPage::addUser);
+
+    auto *rows = new QVBoxLayout;
+    rows->setSpacing(12);
+    rows->addWidget(m_list, 1);
+    rows->addWidget(add);
+    return rows;
+}
+
+QVBoxLayout *UsersPage::makeDetails()
+{
+    m_name = makeOfficeText(this, {});
+    m_name->setObjectName(u"chosenUser"_s);
+    QFont large = font();
+    large.setPointSizeF(large.pointSizeF() + 3);
+    large.setBold(true);
+    m_name->setFont(large);
+    m_type = new QComboBox(this);
+    m_type->setObjectName(u"chosenType"_s);
+    m_type->setAccessibleName(u"Type"_s);
+    m_type->setFocusPolicy(Qt::StrongFocus);
+    m_type->installEventFilter(this);
+    m_type->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_type->setMinimumContentsLength(10);
+    connect(m_type, &QComboBox::activated, this, &UsersPage::changeType);
+    m_password = new QPushButton(u"Change &Password \u2026"_s, this);
+    m_password->setObjectName(u"changePassword"_s);
+    connect(m_password, &QPushButton::clicked, this, &UsersPage::changePassword);
+    m_outcome = makeOfficeText(this, {});
+    m_outcome->setObjectName(u"usersOutcome"_s);
+
+    auto *rows = new QVBoxLayout;
+    rows->setSpacing(4);
+    rows->addWidget(m_name);
+    auto *line = new QHBoxLayout;
+    line->setSpacing(12);
+    line->addWidget(m_type, 1);
+    line->addWidget(m_password);
+    rows->addLayout(line);
+    for (const Right &right : userRights()) {
+        auto *box = new QCheckBox(rightText(right), this);
+        box->setAccessibleName(rightText(right));
+        box->setMinimumWidth(fewestPixels); // its text wraps
+        box->setObjectName(right.column);
+        showLockedAsText(*box);
+        connect(box, &QCheckBox::clicked, this, [this, column = right.column](bool on) { switchRight(column, on); });
+        m_rights << box;
+        rows->addWidget(box);
+    }
+    rows->addStretch(1);
+    rows->addWidget(m_outcome);
+    return rows;
+}
+
+/// A low window scrolls the rights.
+QWidget *UsersPage::makeScroller(QLayout *details)
+{
+    auto *area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto *page = new QWidget;
+    page->setLayout(details);
+    details->setContentsMargins(0, 0, 0, 0);
+    area->setWidget(page);
+    page->setAutoFillBackground(false);
+    area->viewport()->setAutoFillBackground(false);
+    QScroller::grabGesture(area->viewport(), QScroller::TouchGesture);
+    return area;
+}
+
+/// The wheel scrolls the rights also over the type, and changes none that nobody has gone to.
+bool UsersPage::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_type || event->type() != QEvent::Wheel || m_type->hasFocus())
+        return QWidget::eventFilter(watched, event);
+    event->ignore();
+    return true;
+}
+
+void UsersPage::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_list->setFixedWidth(width() < smallWindow ? smallListWidth : listWidth);
+    wrapRights();
+}
+
+void UsersPage::wrapRights()
+{
+    const QMargins margins = layout()->contentsMargins();
+    const int room = width() - margins.left() - margins.right() - m_list->width() - layout()->spacing() - besideRight;
+    for (qsizetype i = 0; i < m_rights.size(); ++i)
+        m_rights.at(i)->setText(wrapped(rightText(userRights().at(i)), m_rights.at(i)->fontMetrics(), room));
+}
+
+void UsersPage::fill()
+{
+    const StoreUser *before = current();
+    constexpr qint64 noRow = std::numeric_limits<qint64>::min();
+    const qint64 chosen = before != nullptr ? before->row : noRow;
+    const auto problem = m_store.list(m_users);
+    {
+        const QSignalBlocker quietly(m_list);
+        m_list->clear();
+        for (const StoreUser &user : std::as_const(m_users)) {
+            m_list->addItem(makeRow(user));
+            if (user.row == chosen)
+                m_list->setCurrentRow(m_list->count() - 1);
+        }
+        if (m_list->currentRow() < 0 && !m_users.isEmpty())
+            m_list->setCurrentRow(0);
+    }
+    showUser();
+    if (problem)
+        showOutcome(*m_outcome, u"\u26a0 "_s + *problem);
+}
+
+const StoreUser *UsersPage::current() const
+{
+    const int row = m_list->currentRow();
+    return row >= 0 && row < m_users.size() ? &m_users.at(row) : nullptr;
+}
+
+void UsersPage::showUser()
+{
+    const StoreUser *user = current();
+    const bool locked = user == nullptr || isAdministrator(user->name);
+    m_name->setText(user == nullptr ? QString()
+                    : locked        ? user->name + u" (has every right and keeps it)"_s
+                                    : user->name);
+    for (qsizetype i = 0; i < m_rights.size(); ++i) {
+        m_rights.at(i)->setChecked(user != nullptr && user->rights.contains(userRights().at(i).column));
+        m_rights.at(i)->setEnabled(!locked);
+    }
+    m_password->setEnabled(user != nullptr);
+    m_type->setEnabled(user != nullptr && (!locked || !user->hasType || user->type == viewerType));
+    if (user != nullptr)
+        showType(*user);
+    m_outcome->clear();
+}
+
+/// The type that a host has stored stays to choose, whatever it is.
+void UsersPage::showType(const StoreUser &user)
+{
+    const QSignalBlocker quietly(m_type);
+    m_type->clear();
+    for (const UserType &type : userTypes()) {
+        if (!isAdministrator(user.name) || type.name != viewerType)
+            m_type->addItem(type.name + u" ("_s + type.words + u')', type.name);
+    }
+    if (m_type->findData(user.type) < 0)
+        m_type->addItem(user.hasType ? user.type : u"(none)"_s, user.type);
+    m_type->setCurrentIndex(m_type->findData(user.type));
+}
+
+void UsersPage::addUser()
+{
+    QString added;
+    UserDialog dialog(
+        {},
+        [&](const NewUser &user) {
+            added = storedUserName(user.name);
+            return m_store.add(user);
+        },
+        this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    fill();
+    const auto rows = m_list->findItems(added + u'\n', Qt::MatchStartsWith | Qt::MatchCaseSensitive);
+    if (!rows.isEmpty())
+        m_list->setCurrentItem(rows.constFirst());
+    showOutcome(*m_outcome,
+                u"%1 was added. The rights are the usual ones of the type; switch them as you like."_s.arg(added));
+}
+
+void UsersPage::changePassword()
+{
+    const StoreUser *chosen = current();
+    if (chosen == nullptr)
+        return;
+    const StoreUser user = *chosen;
+    UserDialog dialog(
+        user.name, [&](const NewUser &entered) { return m_store.setPassword(user, entered.password); }, this);
+    if (dialog.exec() == QDialog::Accepted)
+        finish({}, u"The password of %1 was changed."_s.arg(user.name));
+}
+
+void UsersPage::switchRight(const QString &column, bool on)
+{
+    const StoreUser *user = current();
+    if (user == nullptr)
+        return;
+    const QString done = on ? u"Saved: %1 now has the right."_s : u"Saved: %1 no longer has the right."_s;
+    finish(m_store.setRight(*user, column, on), done.arg(user->name) + u" It takes effect at the next login."_s);
+}
+
+void UsersPage::changeType()
+{
+    const StoreUser *user = current();
+    if (user == nullptr || m_type->currentData().toString() == user->type)
+        return;
+    finish(m_store.setType(*user, m_type->currentData().toString()), u"Saved: the type of %1."_s.arg(user->name));
+}
+
+/// Shows what is stored, whatever came of it.
+void UsersPage::finish(const UsersStore::Problem &problem, const QString &done)
+{
+    fill();
+    if (problem)
+        tellInOffice(this, *problem);
+    else if (m_outcome->text().isEmpty())
+        showOutcome(*m_outcome, done);
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/office/users_store.h"
+
+#include <QList>
+#include <QWidget>
+
+#include <functional>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QVBoxLayout;
+
+namespace harrowby::app {
+
+/// The store's users: each right is a switch that is stored at once.
+class UsersPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The database must outlive it.
+    explicit UsersPage(sqlite3 *database, QWidget *parent = nullptr);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QVBoxLayout *makeList();
+    QVBoxLayout *makeDetails();
+    QWidget *makeScroller(QLayout *details);
+    void wrapRights();
+    void fill();
+    void showUser();
+    void showType(const StoreUser &user);
+    [[nodiscard]] const StoreUser *current() const;
+
+    void addUser();
+    void changePassword();
+    void switchRight(const QString &column, bool on);
+    void changeType();
+    void finish(const UsersStore::Problem &problem, const QString &done);
+
+    UsersStore m_store;
+    QList<StoreUser> m_users;
+    QListWidget *m_list = nullptr;
+    QLabel *m_name = nullptr;
+    QComboBox *m_type = nullptr;
+    QList<QCheckBox *> m_rights; ///< in the order of userRights()
+    QPushButton *m_password = nullptr;
+    QLabel *m_outcome = nullptr;
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "app/shop/failure_text.h"
+
+#include <QRegularExpression>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+struct Target
+{
+    QString verb;  ///< "UPDATE", "INSERT" or "DELETE"
+    QString table; ///< upper-cased
+};
+
+Target targetOf(const QString &statement)
+{
+    static const QRegularExpression head(uR"(^\s*(UPDATE|INSERT|DELETE)\s+(?:INTO\s+|FROM\s+)?["`\[]?(\w+))"_s,
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = head.match(statement.left(200));
+    return {match.captured(1).toUpper(), match.captured(2).toUpper()};
+}
+
+QString stockWork(const QString &verb)
+{
+    if (verb == u"INSERT"_s)
+        return u"The new stock item was not saved."_s;
+    return verb == u"DELETE"_s ? u"The stock item was not deleted."_s : u"The stock of an item was not changed."_s;
+}
+
+QString categoryWork(const QString &verb)
+{
+    if (verb == u"INSERT"_s)
+        return u"The category was not added."_s;
+    return verb == u"DELETE"_s ? u"The category was not deleted."_s : u"The category was not renamed."_s;
+}
+
+} // namespace
+
+QString failedWork(const DbFailure &failure)
+{
+    const Target target = targetOf(failure.statement);
+    if (target.table == u"STOCKLIST"_s)
+        return stockWork(target.verb);
+    if (target.table == u"PURCHASECART"_s)
+        return target.verb == u"DELETE"_s ? u"The purchase was not deleted."_s : u"The purchase was not recorded."_s;
+    if (target.table == u"INVENTORYCATEGORY"_s)
+        return categoryWork(target.verb);
+    if (target.table == u"STORESETTINGS"_s)
+        return u"The store settings were not saved."_s;
+    if (target.table == u"SYSUSAGE"_s)
+        return u"The activity was not recorded."_s;
+    return u"A change was not saved."_s;
+}
+
+QString failureReason(const DbFailure &failure)
+{
+    constexpr qsizetype longest = 160;
+    const QString reason = failure.reason.left(longest + 1).simplified();
+    return reason.size() > longest ? reason.left(longest) + u'\u2026' : reason;
+}
+
+QString failureAdvice(const DbFailure &failure)
+{
+    if (failure.engineCode == 0 && failure.reason.contains(u"text value"_s))
+        return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
+    if (failure.engineCode == SQLITE_READONLY_DBMOVED)
+        return u"Nothing is being saved any more. Stop here and follow the box in front."_s;
+    switch (failure.engineCode & 0xff) {
+    case SQLITE_FULL:
+        return u"The disk is full. Free some space, then do the step again."_s;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return u"Another program keeps the store file locked. Close it, then do the step again."_s;
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        return u"The store file cannot be written. Allow writing to it, then do the step again."_s;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return u"The store file is damaged. Stop selling, keep a copy of it, and bring back the last backup."_s;
+    case SQLITE_IOERR:
+    case SQLITE_CANTOPEN:
+        return u"The disk does not answer as it should. Check the disk and its space, then do the step again."_s;
+    case SQLITE_CONSTRAINT:
+        return u"The store file has a rule against it. Change the entry, or the rule."_s;
+    default:
+        return u"A table or a column of the store file may be missing. Close the till and check the file."_s;
+    }
+}
+
+QString failedWork(const FileFailure &failure)
+{
+    switch (failure.kind) {
+    case FileFailure::Kind::Receipt:
+        return u"A receipt was neither printed nor kept."_s;
+    case FileFailure::Kind::SettingsRead:
+        return u"The saved settings cannot be read: the usual ones are used."_s;
+    case FileFailure::Kind::SettingsWrite:
+        return u"The settings of this computer were not saved (printer, receipt, daily report)."_s;
+    }
+    return {};
+}
+
+QString failureAdvice(const FileFailure &failure)
+{
+    switch (failure.kind) {
+    case FileFailure::Kind::Receipt:
+        return u"Check the disk and the folder %1. Until then receipts are lost; the last one can be printed again "
+               u"with "
+               "\"Purchase Cart\" while the cart is empty."_s.arg(wrappingPath(failure.path));
+    case FileFailure::Kind::SettingsRead:
+        return u"Put the file %1 right, or move it away and save the settings anew."_s.arg(wrappingPath(failure.path));
+    case FileFailure::Kind::SettingsWrite:
+        return u"Check the disk and the file %1, then save the settings again."_s.arg(wrappingPath(failure.path));
+    }
+    return {};
+}
+
+QString failureSubject(FileFailure::Kind kind)
+{
+    switch (kind) {
+    case FileFailure::Kind::Receipt:
+        return u"receipt"_s;
+    case FileFailure::Kind::SettingsRead:
+        return u"settings read"_s;
+    case FileFailure::Kind::SettingsWrite:
+        break;
+    }
+    return u"settings"_s;
+}
+
+QString wrappingPath(QString path)
+{
+    return path.replace(u'/', u"/\u200b"_s);
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/store_problem.h"
+
+#include <QString>
+
+#include <optional>
+
+/// What the file system says about a store file, before SQLite is asked.
+namespace harrowby::app {
+
+/// What SQLite calls a database that is in no file.
+inline constexpr QStringView memoryName = u":memory:";
+
+/// The write-ahead log, the log's index and the rollback journal that SQLite keeps beside a store file. They lie
+/// where the file itself lies, also when `path` is a link.
+[[nodiscard]] QString logFileOf(const QString &path);
+[[nodiscard]] QString logIndexOf(const QString &path);
+[[nodiscard]] QString journalOf(const QString &path);
+
+/// True when something bears this name, a link to nothing included.
+[[nodiscard]] bool nameIsTaken(const QString &path);
+
+/// Why the existing file cannot be read and written where it lies; empty when it can.
+[[nodiscard]] std::optional<StoreProblem> judgePlace(const QString &path);
+/// Why no file can be made there; empty when one can. With `makeFolder` the folder may still be missing.
+[[nodiscard]] std::optional<StoreProblem> judgeNewPlace(const QString &path, bool makeFolder);
+
+} // namespace harrowby::app

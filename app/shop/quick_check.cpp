@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "app/shop/quick_check.h"
+
+#include <QRegularExpression>
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// Interrupts whatever its database does once the time is up. The walk through the pages is a single step to SQLite,
+/// which only an interrupt from elsewhere ends.
+class Deadline
+{
+public:
+    Deadline(sqlite3 *database, std::chrono::milliseconds limit) :
+        m_over(limit.count() <= 0), m_watch([=, this] {
+            std::unique_lock lock(m_mutex);
+            m_changed.wait_for(lock, limit, [this] { return m_done; });
+            // Again and again: an interrupt is forgotten when it comes between two statements.
+            while (!m_done) {
+                m_over = true;
+                sqlite3_interrupt(database);
+                m_changed.wait_for(lock, std::chrono::milliseconds(5), [this] { return m_done; });
+            }
+        })
+    {
+    }
+    ~Deadline()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_done = true;
+        }
+        m_changed.notify_one();
+        m_watch.join();
+    }
+    Deadline(const Deadline &) = delete;
+    Deadline &operator=(const Deadline &) = delete;
+
+    [[nodiscard]] bool isOver() const { return m_over; }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_done = false;
+    std::atomic<bool> m_over;
+    std::thread m_watch;
+};
+
+bool isAboutRows(const QString &line)
+{
+    static const QRegularExpression rule(u"^(NULL value in|CHECK constraint failed in|NUMERIC value in|TEXT value in|"
+                                         "non-\\w+ value in|non-unique entry in) "_s);
+    return rule.match(line).hasMatch();
+}
+
+} // namespace
+
+QuickCheck quickCheck(sqlite3 *database, std::chrono::milliseconds limit)
+{
+    const Deadline deadline(database, limit);
+    SqlQuery query(database, u"PRAGMA quick_check"_s);
+    while (query.next()) {
+        const QString line = query.text(0);
+        // Cut short, the walk calls the pages that it has not come to unused.
+        if (deadline.isOver())
+            return {QuickCheck::Result::Unfinished, {}};
+        if (line != u"ok"_s && !isAboutRows(line))
+            return {QuickCheck::Result::Damaged, {SQLITE_CORRUPT, line.simplified()}};
+    }
+    if (!query.error())
+        return {};
+    if (query.error()->code == SQLITE_INTERRUPT)
+        return {QuickCheck::Result::Unfinished, {}};
+    return {QuickCheck::Result::Failed, *query.error()};
+}
+
+} // namespace harrowby::app

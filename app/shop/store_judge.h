@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/store_problem.h"
+
+#include <QString>
+
+#include <chrono>
+#include <optional>
+
+namespace harrowby::app {
+
+class BusyWait;
+
+/// Looks at an existing file before anything is written to it, and says why it cannot serve as a store; empty when
+/// it can. Neither the file nor its log is changed, except that SQLite rolls back what a crash has left half done.
+/// SQLite's check of the whole file gives up after `checkLimit`, so that a big store still starts in seconds.
+[[nodiscard]] std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait,
+                                                     std::chrono::milliseconds checkLimit = std::chrono::seconds(5));
+
+/// Why no new store file can be made at this name; empty when one can. Nothing is written.
+/// With `makeFolder` the folder itself may still be missing.
+[[nodiscard]] std::optional<StoreProblem> judgeNewStore(const QString &path, bool makeFolder);
+
+} // namespace harrowby::app

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "app/shop/store_open.h"
+
+#include "app/shop/busy_wait.h"
+#include "app/shop/schema.h"
+#include "app/shop/store_access.h"
+#include "app/shop/store_judge.h"
+#include "basic/logging.h"
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Problem = std::optional<StoreProblem>;
+
+/// Takes the lock that every sale needs, and gives it back; nothing is written.
+std::optional<SqlError> tryToWrite(sqlite3 *database)
+{
+    if (auto error = runSql(database, u"BEGIN IMMEDIATE"_s))
+        return error;
+    return runSql(database, u"ROLLBACK"_s);
+}
+
+/// A power cut must not take a sale that was committed: with the write-ahead log FULL is enough. Where the log is
+/// not to be had (another program reads all the time, a network folder), the rollback journal needs EXTRA.
+void secure(sqlite3 *database)
+{
+    const QString mode = readText(database, u"PRAGMA journal_mode = WAL"_s);
+    const bool logged = mode.compare(u"wal"_s, Qt::CaseInsensitive) == 0;
+    if (!logged)
+        qCWarning(lcStore) << "The store file cannot keep a write-ahead log here; its journal mode is" << mode;
+    if (auto error = runSql(database, logged ? u"PRAGMA synchronous = FULL"_s : u"PRAGMA synchronous = EXTRA"_s))
+        qCWarning(lcStore) << "The store file's way of writing could not be set:" << error->reason;
+}
+
+/// A store without an index is slow and not wrong, so it opens all the same.
+void addMissingIndexes(sqlite3 *database)
+{
+    int created = 0;
+    if (auto error = createMissingIndexes(database, &created)) {
+        qCWarning(lcStore) << "Indexes could not be made:" << error->reason;
+        return;
+    }
+    if (created > 0)
+        (void)runSql(database, u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
+}
+
+Problem prepare(sqlite3 *database, const QString &path)
+{
+    if (sqlite3_db_readonly(database, "main") == 1)
+        return storeProblem(ProblemKind::ReadOnly, path);
+    if (auto error = tryToWrite(database))
+        return engineProblem(*error, path);
+    if (isOpenToOthers(path))
+        qCWarning(lcStore).noquote() << "Others may read the store file" << path << "and the passwords in it:"
+                                     << "its permissions are" << permissionsText(path);
+    secure(database);
+    addMissingIndexes(database);
+    return {};
+}
+
+} // namespace
+
+std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, Database &database)
+{
+    database.reset();
+    if (auto problem = judgeStore(path, wait))
+        return problem;
+    Database opened;
+    if (auto error = openDatabase(path, OpenMode::Write, opened))
+        return engineProblem(*error, path);
+    wait.attach(opened.get());
+    if (auto problem = prepare(opened.get(), path))
+        return problem;
+    database = std::move(opened);
+    return {};
+}
+
+} // namespace harrowby::app

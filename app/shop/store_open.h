@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/sql.h"
+#include "app/shop/store_problem.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+class BusyWait;
+
+/// Judges an existing store file and opens it for a till that loses nothing: what it needs is set on the connection,
+/// and the indexes that the file lacks are made. On failure `database` is empty.
+[[nodiscard]] std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, Database &database);
+
+} // namespace harrowby::app

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "app/shop/store_opening.h"
+
+#include "app/boxes/dialog_style.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_open.h"
+#include "sheet/look.h"
+
+#include <QCloseEvent>
+#include <QDialog>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QLabel>
+#include <QProgressBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <exception>
+#include <memory>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int usualWidth = 460;
+
+/// Opening ends by itself, so there is nothing to press.
+class OpeningWindow : public QDialog
+{
+public:
+    explicit OpeningWindow(const QString &text) : QDialog(nullptr, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
+    {
+        setWindowTitle(u"Harrowby Inventory"_s);
+        setObjectName(u"openingWindow"_s);
+        setMinimumWidth(usualWidth);
+        enlargeFont(*this);
+        m_text = new QLabel(text, this);
+        m_text->setObjectName(u"openingText"_s);
+        m_text->setTextFormat(Qt::PlainText);
+        m_text->setWordWrap(true);
+        auto *moving = new QProgressBar(this);
+        moving->setRange(0, 0);
+        moving->setTextVisible(false);
+        moving->setAccessibleName(u"Opening the store"_s);
+        auto *rows = new QVBoxLayout(this);
+        rows->setContentsMargins(24, 20, 24, 20);
+        rows->setSpacing(16);
+        rows->addWidget(m_text);
+        rows->addWidget(moving);
+        sheet::dress(*this);
+    }
+
+    void say(const QString &text) { m_text->setText(text); }
+    void reject() override {}
+
+protected:
+    void closeEvent(QCloseEvent *event) override { event->ignore(); }
+
+private:
+    QLabel *m_text = nullptr;
+};
+
+/// What is said of the opening. Most stores are open before anything has to be said, so its window is made late.
+class OpeningSign : public QObject
+{
+public:
+    explicit OpeningSign(const QString &path) :
+        m_name(QFileInfo(path).fileName()), m_text(u"The store \"%1\" is being opened \u2026"_s.arg(m_name))
+    {
+        QTimer::singleShot(BusyWait::quietTime, this, &OpeningSign::show);
+    }
+
+    void sayLocked()
+    {
+        m_text = u"Another program keeps the store \"%1\" locked. Waiting for it \u2026"_s.arg(m_name);
+        if (m_window)
+            m_window->say(m_text);
+    }
+
+private:
+    void show()
+    {
+        m_window = std::make_unique<OpeningWindow>(m_text);
+        m_window->show();
+    }
+
+    QString m_name;
+    QString m_text;
+    std::unique_ptr<OpeningWindow> m_window;
+};
+
+} // namespace
+
+std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, Database &database)
+{
+    OpeningSign sign(path);
+    wait.setWatcher([&sign] { QMetaObject::invokeMethod(&sign, &OpeningSign::sayLocked); });
+    std::optional<StoreProblem> problem;
+    std::exception_ptr failure;
+    QEventLoop loop;
+    std::thread opening([&] {
+        try {
+            problem = openStore(path, wait, database);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+    opening.join();
+    wait.setWatcher({});
+    if (failure)
+        std::rethrow_exception(failure);
+    return problem;
+}
+
+} // namespace harrowby::app

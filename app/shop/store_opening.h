@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/sql.h"
+#include "app/shop/store_problem.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+class BusyWait;
+
+/// openStore() on a thread of its own. When it takes longer than a moment (a lock, a big file, missing indexes), a
+/// small window says what it waits for, and goes with the end.
+[[nodiscard]] std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, Database &database);
+
+} // namespace harrowby::app

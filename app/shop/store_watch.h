@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/file_identity.h"
+#include "app/shop/store_handle.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+struct sqlite3;
+
+namespace harrowby::app {
+
+/// Whether the file that a program has open is still the one that its path names, and still holds what SQLite has put
+/// there. A look costs a few system calls, reads no page and runs no statement.
+class StoreWatch
+{
+public:
+    enum class Finding {
+        Fine,
+        PathGone,    ///< nothing bears the name any more
+        PathTaken,   ///< another file does
+        Overwritten, ///< the same file, but written or cut short past SQLite
+        LogGone,     ///< the log or its index lies beside it no more, or others do
+    };
+
+    /// Takes the file as it is now for what it ought to be. `path` is the name that the person gave.
+    StoreWatch(sqlite3 *database, const QString &path);
+
+    [[nodiscard]] Finding look();
+    /// Of the file that was opened, wherever it lies by now: written or cut short past SQLite.
+    [[nodiscard]] bool isWrittenByOthers() { return isForeign(contentNow()); }
+    /// To be called after this process has moved the log into the file.
+    void accept() { m_content = contentNow(); }
+    /// The connection has a write-ahead log open from now on. Nothing when that is known.
+    void followLog();
+
+    [[nodiscard]] bool hasLog() const { return m_hasLog; }
+    [[nodiscard]] const FileId &file() const { return m_file; }
+    [[nodiscard]] const FileId &log() const { return m_log; }
+    [[nodiscard]] const FileId &logIndex() const { return m_logIndex; }
+    /// Of the log beside the path; 0 when it is not there.
+    [[nodiscard]] std::int64_t logSize() const;
+
+    /// Where SQLite keeps the three.
+    [[nodiscard]] const QByteArray &filePath() const { return m_filePath; }
+    [[nodiscard]] QByteArray logPath() const { return m_filePath + "-wal"; }
+    [[nodiscard]] QByteArray logIndexPath() const { return m_filePath + "-shm"; }
+
+private:
+    struct Content
+    {
+        FileFacts facts;
+        QByteArray header;
+        LogProgress log;
+        bool isSettled = false; ///< nobody was moving the log into the file meanwhile
+    };
+
+    [[nodiscard]] Finding lookAtPath(FileFacts &facts) const;
+    [[nodiscard]] FileFacts factsOfOpened() const;
+    [[nodiscard]] LogProgress logNow() const;
+    [[nodiscard]] Content contentNow() const;
+    [[nodiscard]] Content contentSince(const LogProgress &before, const FileFacts &facts) const;
+    [[nodiscard]] bool isForeign(Content now);
+    [[nodiscard]] bool bearsOurMarks(const QByteArray &header) const;
+    [[nodiscard]] bool isUnchanged(const Content &now) const;
+
+    StoreHandle m_handle;
+    QByteArray m_path;
+    QByteArray m_filePath;
+    bool m_timeCounts;
+    bool m_hasLog = false;
+    FileId m_file, m_log, m_logIndex;
+    Content m_content; ///< as it was when all was well last
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "app/shop/wait_sign.h"
+
+#include "sheet/look.h"
+
+#include <QApplication>
+#include <QBackingStore>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr QSize signSize(460, 96);
+constexpr int gap = 12;
+constexpr int headingPoints = 14;
+constexpr int textPoints = 11;
+
+struct Words
+{
+    QString heading;
+    QString text;
+};
+
+void paint(QPaintDevice &device, const QRect &place, const Words &words)
+{
+    const sheet::Look look{QApplication::palette()};
+    QPainter painter(&device);
+    painter.fillRect(place, look.onAccent);
+    painter.fillRect(place.adjusted(2, 2, -2, -2), look.accent);
+    painter.setPen(look.onAccent);
+    QFont font = QApplication::font();
+    font.setPointSizeF(headingPoints);
+    font.setBold(true);
+    painter.setFont(font);
+    QRect half(place.topLeft(), QSize(place.width(), place.height() / 2));
+    painter.drawText(half.adjusted(12, 8, -12, 0), Qt::AlignCenter, words.heading);
+    font.setPointSizeF(textPoints);
+    font.setBold(false);
+    painter.setFont(font);
+    half.setCoords(place.left(), half.bottom() + 1, place.right(), place.bottom());
+    painter.drawText(half.adjusted(12, 0, -12, -8), Qt::AlignCenter | Qt::TextWordWrap, words.text);
+}
+
+/// Paints itself whole, whatever style sheet its window has.
+class Sign : public QWidget
+{
+public:
+    Sign(QWidget &window, Words words) : QWidget(&window), m_words(std::move(words))
+    {
+        setObjectName(u"waitSign"_s);
+        setAccessibleName(m_words.heading);
+        setAccessibleDescription(m_words.text);
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        resize(signSize.boundedTo(window.size()));
+        move((window.width() - width()) / 2, std::min(gap, window.height() - height())); // clear of cart and total
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override { paint(*this, rect(), m_words); }
+
+private:
+    Words m_words;
+};
+
+bool isExposed(const QWidget &window)
+{
+    return window.windowHandle() != nullptr && window.windowHandle()->isExposed();
+}
+
+bool canBear(const QWidget *window)
+{
+    return window != nullptr && window->isVisible() && !window->isMinimized() && isExposed(*window);
+}
+
+/// The window that the person looks at; null when there is none.
+QWidget *windowInFront()
+{
+    for (QWidget *window : {QApplication::activeModalWidget(), QApplication::activeWindow()}) {
+        if (canBear(window))
+            return window;
+    }
+    // Another program has the focus: the largest one, which is no notice.
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    QWidget *largest = nullptr;
+    for (QWidget *window : windows) {
+        const bool real = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+        if (real && canBear(window) && (largest == nullptr || window->width() > largest->width()))
+            largest = window;
+    }
+    return largest;
+}
+
+} // namespace
+
+/// Where no window can be painted into yet. A widget would only be painted once the screen has asked for it, which is
+/// an event; what is flushed into a window without a widget is on the screen. As a tip it waits for no window
+/// manager, takes no keys, and is never the program's last window.
+class WaitSign::LoneSign : public QWindow
+{
+public:
+    explicit LoneSign(Words words) : m_words(std::move(words)), m_pixels(this)
+    {
+        setObjectName(u"waitSign"_s);
+        setTitle(m_words.heading);
+        setSurfaceType(QSurface::RasterSurface);
+        setFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+        const QRect room = screen()->availableGeometry();
+        QRect place({}, signSize.boundedTo(room.size()));
+        place.moveCenter(room.center());
+        setGeometry(place);
+    }
+
+    void paintNow()
+    {
+        const QRect all({}, size());
+        m_pixels.resize(size());
+        m_pixels.beginPaint(all);
+        paint(*m_pixels.paintDevice(), all, m_words);
+        m_pixels.endPaint();
+        m_pixels.flush(all);
+    }
+
+private:
+    Words m_words;
+    QBackingStore m_pixels;
+};
+
+WaitSign::WaitSign(QString heading, QString text) : m_heading(std::move(heading)), m_text(std::move(text)) {}
+
+WaitSign::~WaitSign()
+{
+    delete m_sign;
+}
+
+void WaitSign::show()
+{
+    if (m_sign && m_sign->isVisible())
+        return;
+    if (QWidget *window = windowInFront())
+        showIn(*window);
+    else
+        showAlone();
+}
+
+void WaitSign::showIn(QWidget &window)
+{
+    delete m_sign;
+    m_sign = new Sign(window, {m_heading, m_text});
+    m_sign->show();
+    m_sign->raise();
+    m_sign->repaint();
+    QMetaObject::invokeMethod(m_sign, &QWidget::hide, Qt::QueuedConnection); // also in the loop of a box
+}
+
+void WaitSign::showAlone()
+{
+    if (!m_loneSign)
+        m_loneSign = std::make_unique<LoneSign>(Words{m_heading, m_text});
+    if (!m_loneSign->isVisible()) {
+        m_loneSign->show();
+        QMetaObject::invokeMethod(m_loneSign.get(), &QWindow::hide, Qt::QueuedConnection);
+    }
+    m_loneSign->raise();
+    m_loneSign->paintNow(); // each time: another window may have covered it
+}
+
+} // namespace harrowby::app

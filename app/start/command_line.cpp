@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/command_line.h"
+
+#include "app/shop/file_facts.h"
+#include "app/start/look_choice.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// Options that Qt takes for itself, without their hyphens.
+bool isQtOptionWithValue(const QString &name)
+{
+    static const QStringList names = {u"platform"_s,
+                                      u"platformpluginpath"_s,
+                                      u"platformtheme"_s,
+                                      u"plugin"_s,
+                                      u"style"_s,
+                                      u"stylesheet"_s,
+                                      u"display"_s,
+                                      u"geometry"_s,
+                                      u"qwindowgeometry"_s,
+                                      u"qwindowicon"_s,
+                                      u"qwindowtitle"_s,
+                                      u"icon"_s,
+                                      u"title"_s,
+                                      u"session"_s,
+                                      u"name"_s};
+    return names.contains(name);
+}
+
+bool isQtSwitch(const QString &name)
+{
+    static const QStringList names = {u"reverse"_s, u"widgetcount"_s, u"nograb"_s, u"dograb"_s, u"sync"_s};
+    return names.contains(name);
+}
+
+class Reader
+{
+public:
+    explicit Reader(const QStringList &arguments) : m_arguments(arguments) {}
+
+    CommandLine read()
+    {
+        while (m_next < m_arguments.size() && m_result.error.isEmpty())
+            readOption(m_arguments.at(m_next++));
+        if (m_result.error.isEmpty() && m_result.demo && !m_result.database.isEmpty())
+            fail(u"--demo opens the demo shop's own file: leave out either --demo or --database."_s);
+        return m_result;
+    }
+
+private:
+    void readOption(const QString &argument)
+    {
+        const qsizetype equals = argument.indexOf(u'=');
+        const QString name = argument.left(equals);
+        const bool hasValue = equals >= 0;
+        if (name == u"--database"_s)
+            readDatabase(hasValue, argument.mid(equals + 1));
+        else if (name == u"--look"_s)
+            readLook(hasValue ? argument.mid(equals + 1) : takeValue());
+        else if (hasValue || !readSwitch(argument))
+            readQtOption(argument, name, hasValue ? argument.mid(equals + 1) : QString(), hasValue);
+    }
+
+    bool readSwitch(const QString &argument)
+    {
+        bool *const given = switchNamed(argument);
+        if (given != nullptr)
+            *given = true;
+        return given != nullptr;
+    }
+
+    bool *switchNamed(const QString &name)
+    {
+        const std::pair<QString, bool *> switches[] = {
+            {u"--office"_s, &m_result.office},
+            {u"--touch-keyboard"_s, &m_result.touchKeyboard},
+            {u"--no-plugins"_s, &m_result.noPlugins},
+            {u"--demo"_s, &m_result.demo},
+            {u"--verbose"_s, &m_result.verbose},
+            {u"--help"_s, &m_result.help},
+            {u"-h"_s, &m_result.help},
+            {u"--version"_s, &m_result.version},
+            {u"-v"_s, &m_result.version},
+        };
+        for (const auto &[known, given] : switches) {
+            if (name == known)
+                return given;
+        }
+        return nullptr;
+    }
+
+    void readDatabase(bool hasValue, const QString &value)
+    {
+        const QString file = hasValue ? value : takeValue();
+        if (file.isEmpty())
+            return fail(u"--database needs the name of a file."_s);
+        if (!m_result.database.isEmpty())
+            return fail(u"--database is given twice; a till sells from one store file."_s);
+        m_result.database = file == memoryName ? file : QFileInfo(file).absoluteFilePath();
+    }
+
+    void readLook(const QString &value)
+    {
+        if (!lookNamed(value))
+            return fail(u"--look takes light, dark or system."_s);
+        m_result.look = value.toLower();
+    }
+
+    void readQtOption(const QString &argument, const QString &dashedName, const QString &givenValue, bool hasValue)
+    {
+        const QString name = dashedName.startsWith(u"--"_s) ? dashedName.mid(2) : dashedName.mid(1);
+        if (!dashedName.startsWith(u'-') || !(isQtOptionWithValue(name) || (isQtSwitch(name) && !hasValue)))
+            return fail(u"\"%1\" is not known."_s.arg(argument));
+        if (isQtSwitch(name))
+            return;
+        const QString value = hasValue ? givenValue : takeValue();
+        if (name == u"platform"_s)
+            m_result.platform = value;
+        else if (name == u"display"_s)
+            m_result.display = value;
+    }
+
+    QString takeValue() { return m_next < m_arguments.size() ? m_arguments.at(m_next++) : QString(); }
+    void fail(const QString &error) { m_result.error = error; }
+
+    QStringList m_arguments;
+    qsizetype m_next = 0;
+    CommandLine m_result;
+};
+
+} // namespace
+
+CommandLine readCommandLine(const QStringList &arguments)
+{
+    return Reader(arguments).read();
+}
+
+QString helpText()
+{
+    return u"Usage: harrowby [options]\n"
+           "Point of sale and stock inventory for one shop counter.\n"
+           "\n"
+           "  --database FILE  open this store file; a new one is created when it does not exist\n"
+           "  --demo           open the demo shop\n"
+           "  --office         open the store's office instead of the till: users and their rights, the receipt's "
+           "head,\n"
+           "                   and a backup; asks for ADMINISTRATOR's password\n"
+           "  --touch-keyboard show a keyboard on the screen wherever text is typed\n"
+           "  --look LOOK      light, dark, or system, which is as the desktop has it; kept for the next start\n"
+           "  --no-plugins     load no plugins: the till is without its sales report\n"
+           "  --verbose        show what goes into the log file in the terminal too\n"
+           "  -h, --help       show this help and leave\n"
+           "  -v, --version    show the version and leave\n"
+           "\n"
+           "Without --database and --demo the store file is Harrowby/store.sqlite in your data folder\n"
+           "(~/.local/share unless XDG_DATA_HOME says otherwise). Qt's options, such as -platform, work too.\n"_s;
+}
+
+QString versionText()
+{
+    return u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n';
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/display.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QLibraryInfo>
+#include <QStringList>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+const QString howToRun = u"Start it from a desktop session, or set DISPLAY to a running X server."_s;
+
+bool isX11(const QString &platform)
+{
+    return platform == u"xcb"_s;
+}
+
+bool isWayland(const QString &platform)
+{
+    return platform.startsWith(u"wayland"_s);
+}
+
+QByteArray waylandSocket()
+{
+    QByteArray name = qgetenv("WAYLAND_DISPLAY");
+    if (name.isEmpty())
+        name = "wayland-0";
+    return name.startsWith('/') ? name : qgetenv("XDG_RUNTIME_DIR") + '/' + name;
+}
+
+bool waylandAnswers()
+{
+    const QByteArray path = waylandSocket();
+    sockaddr_un address = {};
+    if (path.size() >= qsizetype(sizeof(address.sun_path)))
+        return false;
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (socket < 0)
+        return false;
+    const bool answers = ::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0;
+    ::close(socket);
+    return answers;
+}
+
+bool hasPlugin(const QString &platform)
+{
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM_PLUGIN_PATH"))
+        return true; // a folder of the user's own choice; it is the user's business what lies there
+    QStringList folders = {QLibraryInfo::path(QLibraryInfo::PluginsPath)};
+    folders << qEnvironmentVariable("QT_PLUGIN_PATH").split(u':', Qt::SkipEmptyParts);
+    const QString pattern = isWayland(platform) ? u"libqwayland*"_s : u"libq%1.so*"_s.arg(platform);
+    for (const QString &folder : folders) {
+        if (!QDir(folder + u"/platforms"_s).entryList({pattern}, QDir::Files).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+/// Names of the platforms that Qt will try, without their arguments.
+QStringList wantedPlatforms(const QString &option)
+{
+    const QString wanted = option.isEmpty() ? qEnvironmentVariable("QT_QPA_PLATFORM") : option;
+    QStringList names;
+    for (const QString &entry : wanted.split(u';', Qt::SkipEmptyParts))
+        names << entry.section(u':', 0, 0).toLower();
+    if (!names.isEmpty())
+        return names;
+    const bool wayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || qgetenv("XDG_SESSION_TYPE") == "wayland";
+    return wayland ? QStringList{u"wayland"_s, u"xcb"_s} : QStringList{u"xcb"_s};
+}
+
+QString describeDesktop(const QString &option)
+{
+    QString name = option.isEmpty() ? qEnvironmentVariable("DISPLAY") : option;
+    if (name.isEmpty())
+        name = qEnvironmentVariable("WAYLAND_DISPLAY");
+    if (name.isEmpty())
+        return u"There is no display: neither DISPLAY nor WAYLAND_DISPLAY is set. "_s + howToRun;
+    return u"The display \"%1\" cannot be reached. "_s.arg(name) + howToRun;
+}
+
+} // namespace
+
+void CloseDisplay::operator()(xcb_connection_t *connection) const noexcept
+{
+    xcb_disconnect(connection);
+}
+
+DisplayProbe::DisplayProbe(const QString &platform, const QString &display)
+{
+    const QStringList names = wantedPlatforms(platform);
+    const auto works = [&](const QString &name) { return this->works(name, display); };
+    if (std::any_of(names.cbegin(), names.cend(), works))
+        return;
+    const QString &first = names.constFirst();
+    if (names.contains(u"xcb"_s))
+        m_problem = describeDesktop(display);
+    else if (!hasPlugin(first))
+        m_problem = u"Qt has no platform \"%1\" here. "_s.arg(first) + howToRun;
+    else
+        m_problem = u"The display of platform \"%1\" cannot be reached. "_s.arg(first) + howToRun;
+}
+
+bool DisplayProbe::works(const QString &platform, const QString &display)
+{
+    if (!hasPlugin(platform))
+        return false;
+    if (isX11(platform))
+        return x11Answers(display);
+    return !isWayland(platform) || waylandAnswers();
+}
+
+bool DisplayProbe::x11Answers(const QString &display)
+{
+    const QByteArray name = display.toLocal8Bit();
+    m_x11.reset(xcb_connect(display.isEmpty() ? nullptr : name.constData(), nullptr));
+    return xcb_connection_has_error(m_x11.get()) == 0;
+}
+
+bool canShowBoxes()
+{
+    if (qobject_cast<QGuiApplication *>(QCoreApplication::instance()) == nullptr)
+        return false;
+    const QString platform = QGuiApplication::platformName();
+    return platform != u"offscreen"_s && platform != u"minimal"_s;
+}
+
+} // namespace harrowby::app

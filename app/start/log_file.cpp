@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/log_file.h"
+
+#include "basic/private_files.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QLoggingCategory>
+
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int mostTries = 100;
+
+struct Route
+{
+    LogFile *file = nullptr;
+    bool verbose = false;
+    QtMessageHandler previous = nullptr;
+};
+
+Route &route()
+{
+    static Route current;
+    return current;
+}
+
+QString levelName(QtMsgType type)
+{
+    switch (type) {
+    case QtDebugMsg:
+        return u"debug"_s;
+    case QtInfoMsg:
+        return u"info"_s;
+    case QtWarningMsg:
+        return u"warning"_s;
+    case QtCriticalMsg:
+        return u"critical"_s;
+    case QtFatalMsg:
+        break;
+    }
+    return u"fatal"_s;
+}
+
+/// One message, one line: names may hold line breaks.
+QString oneLine(QString text)
+{
+    return text.replace(u'\\', u"\\\\"_s).replace(u'\r', u"\\r"_s).replace(u'\n', u"\\n"_s);
+}
+
+QByteArray lineOf(QtMsgType type, const QString &category, const QString &message)
+{
+    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+    return u"%1 %2 %3: "_s.arg(time, levelName(type), category).toUtf8() + oneLine(message).toUtf8() + '\n';
+}
+
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const Route &current = route();
+    const QString category = QString::fromUtf8(context.category);
+    const bool ours = category.startsWith(u"harrowby."_s);
+    const bool written = ours && current.file != nullptr && current.file->add(type, category, message);
+    if ((!ours || current.verbose) && current.previous != nullptr)
+        current.previous(type, context, message);
+    else if (ours && !written)
+        (void)writeAll(STDERR_FILENO, lineOf(type, category, message));
+}
+
+struct Facts
+{
+    bool isLinked = false; ///< still has a name
+    qint64 size = 0;
+};
+
+Facts factsOf(const QFile &file)
+{
+    struct stat facts = {};
+    if (::fstat(file.handle(), &facts) != 0)
+        return {};
+    return {facts.st_nlink > 0, facts.st_size};
+}
+
+qint64 sizeOf(const QString &path)
+{
+    struct stat facts = {};
+    return ::stat(QFile::encodeName(path).constData(), &facts) == 0 && S_ISREG(facts.st_mode) ? facts.st_size : 0;
+}
+
+} // namespace
+
+LogFile::LogFile(QString path, qint64 limit) : m_path(std::move(path)), m_limit(limit) {}
+
+bool LogFile::add(QtMsgType type, const QString &category, const QString &message)
+{
+    const QString reason = write(lineOf(type, category, message));
+    tell(reason);
+    return reason.isEmpty();
+}
+
+void LogFile::prove()
+{
+    tell(write({}));
+}
+
+QString LogFile::write(const QByteArray &line)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (const QString reason = makePrivateFolder(QFileInfo(m_path).absolutePath()); !reason.isEmpty())
+        return reason;
+    if (sizeOf(m_path) >= m_limit)
+        rotate();
+    // Another program may have rotated the file away, and its line with it, as often as it likes.
+    for (int tries = 0; tries < mostTries; ++tries) {
+        bool isGone = false;
+        qint64 size = 0;
+        const QString reason = append(line, isGone, size);
+        if (reason.isEmpty() && isGone)
+            continue;
+        if (size >= m_limit)
+            rotate();
+        return reason;
+    }
+    return u"the file is removed again and again"_s;
+}
+
+QString LogFile::append(const QByteArray &line, bool &isGone, qint64 &size)
+{
+    QFile file(m_path);
+    if (const QString reason = openOrdinaryFile(file, QIODevice::WriteOnly | QIODevice::Append); !reason.isEmpty())
+        return reason;
+    const QString reason = writeAll(file.handle(), line);
+    const Facts facts = factsOf(file);
+    isGone = !facts.isLinked;
+    size = facts.size;
+    return reason;
+}
+
+void LogFile::rotate()
+{
+    const QString lockName = m_path + u".lock"_s;
+    if (QFileInfo::exists(lockName) && !QFileInfo(lockName).isFile())
+        return;
+    QLockFile lock(lockName);
+    // Whoever has the lock is rotating; this one writes on and looks again with its next line.
+    if (!lock.tryLock() || sizeOf(m_path) < m_limit)
+        return;
+    const QString older = m_path + u".1"_s;
+    std::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(older).constData());
+}
+
+void LogFile::tell(const QString &reason)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (reason == std::exchange(m_reason, reason))
+            return;
+    }
+    if (m_handler)
+        m_handler(reason);
+}
+
+LogRouting::LogRouting(LogFile &file, bool verbose)
+{
+    route() = {&file, verbose, nullptr};
+    route().previous = qInstallMessageHandler(handleMessage);
+    QLoggingCategory::setFilterRules(u"harrowby.*.warning=true"_s);
+}
+
+LogRouting::~LogRouting()
+{
+    qInstallMessageHandler(route().previous);
+    route().file = nullptr;
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/office_settings.h"
+
+#include <QPalette>
+#include <QString>
+
+#include <optional>
+
+/// Whether the program is light or dark: as the desktop has it, or as this user has chosen.
+namespace harrowby::app {
+
+enum class LookChoice {
+    System,
+    Light,
+    Dark,
+};
+
+/// "light", "dark" or "system"; none for anything else.
+[[nodiscard]] std::optional<LookChoice> lookNamed(const QString &name);
+
+/// What this user has saved; System when it is nothing, or nothing known.
+[[nodiscard]] LookChoice savedLook(const OfficeSettings &settings);
+/// False when it could not be saved.
+[[nodiscard]] bool saveLook(const OfficeSettings &settings, LookChoice look);
+
+/// The colours of a look; none for System.
+[[nodiscard]] std::optional<QPalette> lookPalette(LookChoice look);
+
+/// Gives them to the application. All its windows follow.
+void wearLook(LookChoice look);
+
+} // namespace harrowby::app
