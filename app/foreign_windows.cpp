@@ -12,7 +12,7 @@ namespace harrowby::app {
 void supplyForeignWindows(const std::shared_ptr<DbConnection> &connection)
 {
     const std::weak_ptr<DbConnection> held = connection;
-    registerClass(u"Harrowby.ReorderList"_s, [held]() -> std::unique_ptr<QObject> {
+    registerClass(ReorderListClassId, [held]() -> std::unique_ptr<QObject> {
         auto open = held.lock();
         return open ? std::make_unique<ReorderList>(std::move(open)) : nullptr;
     });

@@ -127,7 +127,7 @@ void Counter::measureUndo()
     m_measuring.measure(
         u"undo of a purchase of 10 lines"_s, {1.3, 2.0},
         [this] { return timed([this] { return m_till.undoPurchase(); }); },
-        [&] { return undoStatements(m_till.window().state().LastPurchaseID, keys, m_till.now(), offset()); },
+        [&] { return undoStatements(m_till.window().state().last.LastPurchaseID, keys, m_till.now(), offset()); },
         [&] {
             m_till.nextSecond();
             require(m_till.cartLines() > 0 || m_till.fillCart(CartLines), u"filling the cart"_s);

@@ -76,7 +76,7 @@ bool Till::logIn()
     controls.Text3->setText(QString::fromLatin1(UserName));
     controls.Text4->setText(QString::fromLatin1(Password));
     controls.Command28->click();
-    return watch.wait() && m_window->state().IsLoggedIn;
+    return watch.wait() && m_window->state().login.IsLoggedIn;
 }
 
 bool Till::press(int button)

@@ -101,7 +101,7 @@ bool Till::reorder()
     const Controls &controls = m_window->controls();
     PaintWatch watch{controls.LV->viewport(), controls.StatusBar1_2, controls.Label13};
     controls.Command17->click();
-    return watch.wait() && m_window->state().LastReorderItem == controls.Combo11->entryText();
+    return watch.wait() && m_window->state().last.LastReorderItem == controls.Combo11->entryText();
 }
 
 bool Till::chooseSaleCategory(const QString &category)
@@ -135,7 +135,7 @@ bool Till::undoPurchase()
     const Controls &controls = m_window->controls();
     PaintWatch watch{controls.LV3->viewport(), controls.Label5, controls.Label6.at(3), controls.StatusBar1_2};
     controls.Command25->click();
-    return watch.wait() && m_window->state().LastPurchaseID.isEmpty();
+    return watch.wait() && m_window->state().last.LastPurchaseID.isEmpty();
 }
 
 bool Till::loadPurchaseIds()

@@ -3,6 +3,7 @@
 
 #include "app/demo/demo_catalogue.h"
 #include "app/demo/demo_purchases.h"
+#include "basic/administrator.h"
 
 #include <QLocale>
 
@@ -28,7 +29,7 @@ Error addUser(sqlite3 *database, const QString &name, const QString &type, int m
 
 Error addUsers(sqlite3 *database)
 {
-    if (auto error = addUser(database, u"ADMINISTRATOR"_s, u"ADMINISTRATOR"_s, yes, yes, yes))
+    if (auto error = addUser(database, administratorName, u"ADMINISTRATOR"_s, yes, yes, yes))
         return error;
     if (auto error = addUser(database, u"MANAGER"_s, u"MANAGER"_s, yes, yes, yes))
         return error;

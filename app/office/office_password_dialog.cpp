@@ -3,6 +3,7 @@
 
 #include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
+#include "basic/administrator.h"
 #include "sheet/look.h"
 
 #include <QDateTime>
@@ -44,7 +45,7 @@ void OfficePasswordDialog::layOut()
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
 
     auto *form = new QFormLayout;
-    form->addRow(u"User name:"_s, makeOfficeText(this, u"ADMINISTRATOR"_s));
+    form->addRow(u"User name:"_s, makeOfficeText(this, administratorName));
     form->addRow(u"&Password:"_s, m_password);
     form->setVerticalSpacing(12);
     sheet::centreCaptions(*form);

@@ -2,6 +2,7 @@
 #include "app/office/user_rules.h"
 
 #include "app/shop/password_rules.h"
+#include "basic/administrator.h"
 #include "basic/text.h"
 
 #include <algorithm>
@@ -26,7 +27,7 @@ QString upperCaseAscii(QString text)
 
 bool isAdministrator(const QString &name)
 {
-    return trimmedUpper(name) == u"ADMINISTRATOR"_s;
+    return trimmedUpper(name) == administratorName;
 }
 
 QString userNameProblem(const QString &name)

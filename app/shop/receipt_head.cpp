@@ -6,6 +6,8 @@
 #include "basic/values.h"
 #include "platform/receipt_layout.h"
 
+#include <harrowby/saved_settings.h>
+
 #include <QLocale>
 #include <QPainter>
 
@@ -17,28 +19,16 @@ namespace harrowby::app {
 
 namespace {
 
-struct Place
-{
-    QString section;
-    QString key;
-    QString defaultValue;
-};
-
-const Place titlePlace = {u"option"_s, u"Title"_s, {}};
-const Place addressPlace = {u"option"_s, u"address"_s, {}};
-const Place currencyPlace = {u"Option"_s, u"Currency"_s, u"N"_s};
-const Place emailPlace = {u"Option"_s, u"EmailReport"_s, u"1"_s};
-
 constexpr float sampleTotal = 9999999; // of seven digits, the most that a total shows exactly
 constexpr float samplePrice = 2.5F;
 
-QString read(const OfficeSettings &settings, const Place &place)
+QString read(const OfficeSettings &settings, const SettingPlace &place)
 {
     return settings.get(place.section, place.key, place.defaultValue);
 }
 
 /// Whatever the value is: two defaults cannot both be it.
-bool isSaved(const OfficeSettings &settings, const Place &place)
+bool isSaved(const OfficeSettings &settings, const SettingPlace &place)
 {
     return settings.get(place.section, place.key, u"a"_s) == settings.get(place.section, place.key, u"b"_s);
 }
@@ -50,7 +40,7 @@ QString usualCurrency()
     const QString sign = locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C
                              ? QString()
                              : locale.currencySymbol();
-    return sign.isEmpty() ? currencyPlace.defaultValue : sign;
+    return sign.isEmpty() ? QString(setting::Currency.defaultValue) : sign;
 }
 
 std::vector<ReceiptLine> linesOf(const std::vector<ReceiptStep> &steps)
@@ -87,9 +77,9 @@ std::vector<ReceiptLine> sampleLines(const ReceiptHead &head)
 ReceiptProposal proposeReceipt(const OfficeSettings &settings)
 {
     ReceiptProposal proposal;
-    if (!isSaved(settings, titlePlace))
+    if (!isSaved(settings, setting::ReceiptTitle))
         proposal.title = u"My Shop"_s;
-    if (!isSaved(settings, currencyPlace))
+    if (!isSaved(settings, setting::Currency))
         proposal.currency = usualCurrency();
     return proposal;
 }
@@ -97,34 +87,34 @@ ReceiptProposal proposeReceipt(const OfficeSettings &settings)
 bool saveNewShop(const OfficeSettings &settings, const ReceiptProposal &chosen)
 {
     bool saved = true;
-    const auto save = [&](const Place &place, const std::optional<QString> &value) {
+    const auto save = [&](const SettingPlace &place, const std::optional<QString> &value) {
         if (value && !isSaved(settings, place))
             saved = settings.save(place.section, place.key, *value) && saved;
     };
-    save(titlePlace, chosen.title);
-    save(currencyPlace, chosen.currency);
-    save(emailPlace, u"0"_s);
+    save(setting::ReceiptTitle, chosen.title);
+    save(setting::Currency, chosen.currency);
+    save(setting::EmailReport, u"0"_s);
     return saved;
 }
 
 ReceiptHead readReceiptHead(const OfficeSettings &settings)
 {
-    const auto emailReport = valueInt16(DbValue(read(settings, emailPlace))); // as the till reads it
-    return {read(settings, titlePlace), read(settings, addressPlace), read(settings, currencyPlace),
-            emailReport.value_or(0) != 0};
+    const auto emailReport = valueInt16(DbValue(read(settings, setting::EmailReport))); // as the till reads it
+    return {read(settings, setting::ReceiptTitle), read(settings, setting::ReceiptAddress),
+            read(settings, setting::Currency), emailReport.value_or(0) != 0};
 }
 
 bool saveReceiptHead(const OfficeSettings &settings, const ReceiptHead &before, const ReceiptHead &head)
 {
     bool saved = true;
-    const auto save = [&](const Place &place, const QString &old, const QString &value) {
+    const auto save = [&](const SettingPlace &place, const QString &old, const QString &value) {
         if (value != old)
             saved = settings.save(place.section, place.key, value) && saved;
     };
-    save(titlePlace, before.title, head.title);
-    save(addressPlace, before.address, head.address);
-    save(currencyPlace, before.currency, head.currency);
-    save(emailPlace, before.emailReport ? u"1"_s : u"0"_s, head.emailReport ? u"1"_s : u"0"_s);
+    save(setting::ReceiptTitle, before.title, head.title);
+    save(setting::ReceiptAddress, before.address, head.address);
+    save(setting::Currency, before.currency, head.currency);
+    save(setting::EmailReport, before.emailReport ? u"1"_s : u"0"_s, head.emailReport ? u"1"_s : u"0"_s);
     return saved;
 }
 

@@ -3,6 +3,7 @@
 
 #include <harrowby/export.h>
 
+#include <QLatin1StringView>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -11,7 +12,7 @@
 #include <memory>
 
 /// Objects that the component asks for by class identifier, and works without: the report
-/// (harrowby/report_component.h) and the window "Harrowby.ReorderList".
+/// (ReportClassId in harrowby/report_component.h) and the list of items to reorder (ReorderListClassId).
 ///
 /// A host supplies them itself with registerClass(), or they come from plugins. Identifiers are compared without regard
 /// to case. Everything happens on the user-interface thread.
@@ -23,6 +24,9 @@
 /// called with 1 and the component's window. It should return when the window has been closed; the object is destroyed
 /// then.
 namespace harrowby {
+
+/// The window that lists the items to reorder.
+inline constexpr QLatin1StringView ReorderListClassId("Harrowby.ReorderList");
 
 /// Makes one new object, which the caller owns. Null and exceptions count as "there is none".
 using ObjectMaker = std::function<std::unique_ptr<QObject>()>;

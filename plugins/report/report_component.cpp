@@ -16,8 +16,7 @@ namespace harrowby::report {
 
 namespace {
 
-const QString section = u"Option"_s;
-const QString emailKey = u"EmailReport"_s;
+constexpr const SettingPlace &email = setting::EmailReport;
 
 ReportFrame frameFor(const QString &user, bool canSettings)
 {
@@ -25,8 +24,8 @@ ReportFrame frameFor(const QString &user, bool canSettings)
     frame.user = user;
     frame.canSettings = canSettings;
     frame.today = [] { return QDate::currentDate(); };
-    frame.emailReport = [] { return savedSetting(section, emailKey, u"1"_s).toInt() != 0; };
-    frame.saveEmailReport = [](bool on) { return saveSetting(section, emailKey, on ? u"1"_s : u"0"_s); };
+    frame.emailReport = [] { return savedSetting(email.section, email.key, email.defaultValue).toInt() != 0; };
+    frame.saveEmailReport = [](bool on) { return saveSetting(email.section, email.key, on ? u"1"_s : u"0"_s); };
     return frame;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/report_dialog.h"
 
+#include "basic/administrator.h"
 #include "plugins/report/period_picker.h"
 #include "plugins/report/reading_runner.h"
 #include "plugins/report/sales_chart.h"
@@ -34,7 +35,6 @@ constexpr QSize usualSize(1000, 700);
 constexpr QSize smallestSize(760, 540);
 constexpr int widestSorting = 320;
 constexpr int progressSteps = 1000;
-const QString administrator = u"ADMINISTRATOR"_s;
 
 QLabel *createLabel(const QString &name, const QString &look, QWidget *parent)
 {
@@ -83,7 +83,7 @@ bool ReportDialog::isReading() const
 
 bool ReportDialog::seesAll() const
 {
-    return m_frame.canSettings || m_frame.user == administrator;
+    return m_frame.canSettings || m_frame.user == administratorName;
 }
 
 void ReportDialog::createControls()

@@ -52,15 +52,15 @@ Statement storeSettings()
 Statement updateSettings(const StoreSettings &settings)
 {
     return Statement("Update StoreSettings SET Email = ")
-        .number(settings.email)
+        .number(std::int64_t{settings.EmailReportFlag})
         .fixed(", ShowDetails = ")
-        .number(settings.showDetails)
+        .number(std::int64_t{settings.ShowDetailsFlag})
         .fixed(", EmailAddress = ")
-        .text(settings.emailAddress)
+        .text(settings.ReportEmailAddress)
         .fixed(", Promptreorder = ")
-        .number(settings.promptReorder)
+        .number(std::int64_t{settings.PromptReorderFlag})
         .fixed(", AutoPurchaseCart = ")
-        .number(settings.hideFinished);
+        .number(std::int64_t{settings.HideFinishedFlag});
 }
 
 Statement usage(const QString &message, const QString &times, const QString &dates)

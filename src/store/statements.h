@@ -2,6 +2,7 @@
 #pragma once
 
 #include "store/statement.h"
+#include "store/store_settings.h"
 
 #include <QString>
 
@@ -22,15 +23,6 @@ inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 [[nodiscard]] Statement login(const QString &name, const QString &password);
 [[nodiscard]] Statement storeSettings();
 
-/// What "Save Settings" writes; flags are 0 or 1.
-struct StoreSettings
-{
-    std::int64_t email = 0;
-    std::int64_t showDetails = 0;
-    QString emailAddress;
-    std::int64_t promptReorder = 0;
-    std::int64_t hideFinished = 0; ///< column AutoPurchaseCart
-};
 /// Sets every row of the table.
 [[nodiscard]] Statement updateSettings(const StoreSettings &settings);
 /// The message loses its single quotes here; it is the one text that users may put quotes into.

@@ -15,7 +15,7 @@ namespace harrowby {
 void Inventory::LogActivity(const QString &message, int buttons, bool plainBox, bool quiet)
 {
     // With "Show Details On Purchase" off, nothing that is reported here shows a box.
-    if (m_state.ShowDetailsFlag != 0 && !quiet)
+    if (m_state.settings.ShowDetailsFlag != 0 && !quiet)
         ask(message, plainBox ? box::OkOnly : buttons);
     reportOutcome(m_controls.StatusBar1_2, message);
     const QString time = activityLogTime(m_platform.clock->now());

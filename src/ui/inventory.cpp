@@ -25,29 +25,11 @@ namespace harrowby {
 
 namespace {
 
-/// Shown until a shop enters its own address for the daily report.
-constexpr auto placeholderEmail = "reports@example.com"_L1;
-
 /// Whether a saved setting is the Boolean false: a number equal to 0, or "False".
 bool isFalse(const QString &saved)
 {
     const std::optional<double> number = wholeNumber(saved);
     return number ? *number == 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) == 0;
-}
-
-void readFlag(DbRecordset &settings, const QString &column, std::int16_t &flag)
-{
-    if (const std::optional<DbValue> value = settings.Field(column).value())
-        flag = valueInt16(*value).value_or(flag);
-}
-
-/// A row without an address, or without a column for it, has the placeholder; what cannot be read changes nothing.
-void readEmailAddress(DbRecordset &settings, QString &address)
-{
-    if (settings.HasFailed() || settings.IsEof())
-        return;
-    const DbValue stored = settings.Field(u"EmailAddress"_s).value().value_or(DbValue());
-    address = std::holds_alternative<std::monostate>(stored) ? QString(placeholderEmail) : valueText(stored);
 }
 
 } // namespace
@@ -80,7 +62,7 @@ void Inventory::load()
     m_loading = true;
     m_fence.run([this] { loadForm(); });
     // Also when a step of loading ended early: nobody has logged in.
-    m_state.IsLoggedIn = false;
+    m_state.login.IsLoggedIn = false;
     m_loading = false;
 }
 
@@ -102,7 +84,7 @@ void Inventory::present()
 void Inventory::loadForm()
 {
     m_controls.StatusBar1_1->setText(u"Login: No User"_s);
-    m_state.IsLoggedIn = true; // on purpose: the tab handlers below must not be refused
+    m_state.login.IsLoggedIn = true; // on purpose: the tab handlers below must not be refused
     m_controls.Frame11->hide();
     m_controls.Frame12->show();
     m_controls.Frame12->raise();
@@ -118,7 +100,8 @@ void Inventory::loadForm()
     m_controls.Combo1->setEntryText(statements::allCategories);
     m_controls.Combo2->setEntryText(statements::allCategories);
     m_controls.Combo12->setEntryText(statements::allCategories);
-    readStoreSettings();
+    m_state.settings = readStoreSettings(connection(), m_state.settings);
+    readEmailReportFlag();
     showSettings();
     leadTo(*m_controls.Text3);
 }
@@ -139,41 +122,20 @@ void Inventory::fillPickLists()
     m_controls.Combo6->setEntryText(u"(Auto ID)"_s);
 }
 
-void Inventory::readStoreSettings()
-{
-    DbRecordset settings;
-    settings.Open(statements::storeSettings(), connection());
-    if (settings.RecordCount() == 0) {
-        settings.AddNew();
-        settings.Field(u"EmailAddress"_s).assign(QString(placeholderEmail));
-        settings.Field(u"Email"_s).assign(std::int64_t{0});
-        settings.Field(u"ShowDetails"_s).assign(std::int64_t{1});
-        settings.Field(u"Promptreorder"_s).assign(std::int64_t{1});
-        settings.Field(u"AutoPurchaseCart"_s).assign(std::int64_t{0});
-        settings.Update();
-    }
-    // The column "Email" is never read back: the check box follows the user's own saved setting.
-    readEmailReportFlag();
-    readFlag(settings, u"ShowDetails"_s, m_state.ShowDetailsFlag);
-    readEmailAddress(settings, m_state.ReportEmailAddress);
-    readFlag(settings, u"Promptreorder"_s, m_state.PromptReorderFlag);
-    readFlag(settings, u"AutoPurchaseCart"_s, m_state.HideFinishedFlag);
-}
-
 void Inventory::readEmailReportFlag()
 {
-    const QString saved = m_platform.settings->get(u"Option"_s, u"Emailreport"_s, u"1"_s);
-    m_state.EmailReportFlag = valueInt16(DbValue(saved)).value_or(m_state.EmailReportFlag);
+    const QString saved = m_platform.settings->get(setting::EmailReport);
+    m_state.settings.EmailReportFlag = valueInt16(DbValue(saved)).value_or(m_state.settings.EmailReportFlag);
 }
 
 void Inventory::showSettings()
 {
-    m_controls.Check4->setChecked(m_state.EmailReportFlag != 0);
-    m_controls.Check3->setChecked(m_state.ShowDetailsFlag != 0);
-    m_controls.Text2->setText(m_state.ReportEmailAddress);
-    m_controls.Check1->setChecked(m_state.PromptReorderFlag != 0);
-    m_controls.Check2->setChecked(m_state.HideFinishedFlag != 0);
-    const QString saved = m_platform.settings->get(u"Option"_s, u"UsePOSforReceipt"_s, u"1"_s);
+    m_controls.Check4->setChecked(m_state.settings.EmailReportFlag != 0);
+    m_controls.Check3->setChecked(m_state.settings.ShowDetailsFlag != 0);
+    m_controls.Text2->setText(m_state.settings.ReportEmailAddress);
+    m_controls.Check1->setChecked(m_state.settings.PromptReorderFlag != 0);
+    m_controls.Check2->setChecked(m_state.settings.HideFinishedFlag != 0);
+    const QString saved = m_platform.settings->get(setting::PrintReceipt);
     const bool useReceipts = !isFalse(saved);
     m_controls.Check5->setChecked(useReceipts);
     m_controls.Combo9->setEnabled(useReceipts);
@@ -242,7 +204,7 @@ void Inventory::warn(const QString &text)
 
 void Inventory::refusePrivilege()
 {
-    warn(u"User ["_s + m_state.LoggedUser + u"] doesn't have this privilege!"_s);
+    warn(u"User ["_s + m_state.login.LoggedUser + u"] doesn't have this privilege!"_s);
 }
 
 void Inventory::showForeignWindow(const QString &classId)

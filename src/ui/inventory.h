@@ -71,7 +71,6 @@ private:
     // inventory.cpp: life of the window
     void loadForm();
     void fillPickLists();
-    void readStoreSettings();
     void readEmailReportFlag();
     void showSettings();
     bool confirmClose();
@@ -88,7 +87,6 @@ private:
     // login.cpp
     bool RequireLogin();
     void logIn();
-    void readPrivileges(DbRecordset &user, bool everyRight);
     void enter(const QString &name);
     void logOut();
     bool settleCartBeforeLogout();

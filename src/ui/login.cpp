@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "basic/administrator.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/recordset.h"
@@ -9,6 +10,7 @@
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
 
 #include <QFrame>
 #include <QLabel>
@@ -20,26 +22,17 @@ namespace harrowby {
 
 namespace {
 
-/// This name has every right, whatever its row's flags say. It is the name that counts, not the user's type.
-constexpr auto administrator = "ADMINISTRATOR"_L1;
-
-bool flag(DbRecordset &user, const QString &column)
-{
-    const std::optional<DbValue> value = user.Field(column).value();
-    return value && valueIsTrue(*value);
-}
-
 bool mayUseTheTool(DbRecordset &user, const QString &name)
 {
     const std::optional<DbValue> value = user.Field(u"InventoryUse"_s).value();
-    return (value && valueEqualsTrue(*value)) || name == administrator;
+    return (value && valueEqualsTrue(*value)) || name == administratorName;
 }
 
 } // namespace
 
 bool Inventory::RequireLogin()
 {
-    if (m_state.IsLoggedIn)
+    if (m_state.login.IsLoggedIn)
         return true;
     warn(u"You must Login in First!"_s);
     leadTo(*m_controls.Text3);
@@ -48,7 +41,7 @@ bool Inventory::RequireLogin()
 
 void Inventory::logIn()
 {
-    m_state.IsLoggedIn = false;
+    m_state.login.IsLoggedIn = false;
     const QString name = trimmedUpper(m_controls.Text3->text());
     const QString password = trimmedUpper(m_controls.Text4->text());
     if (name.isEmpty() || password.isEmpty()) {
@@ -66,39 +59,28 @@ void Inventory::logIn()
         warn(u"User not Enabled to use this tool!"_s);
         return;
     }
-    readPrivileges(user, name == administrator);
+    m_state.login.rights = name == administratorName ? Privileges::everyRight() : Privileges::ofRow(user);
     enter(name);
     runReorderNotice();
 }
 
-void Inventory::readPrivileges(DbRecordset &user, bool everyRight)
-{
-    m_state.CanSell = everyRight || flag(user, u"InventorySales"_s);
-    m_state.CanReport = everyRight || flag(user, u"InventoryReport"_s);
-    m_state.CanUndo = everyRight || flag(user, u"InventoryUndo"_s);
-    m_state.CanDelete = everyRight || flag(user, u"InventoryDelete"_s);
-    m_state.CanSettings = everyRight || flag(user, u"InventorySettings"_s);
-    m_state.CanReorder = everyRight || flag(user, u"InventoryReorder"_s);
-    m_state.CanEditStock = everyRight || flag(user, u"InventoryReorder"_s); // one column, two rights
-}
-
 void Inventory::enter(const QString &name)
 {
-    m_state.LoggedUser = name;
+    m_state.login.LoggedUser = name;
     m_controls.StatusBar1_1->setText(u"User: "_s + name);
-    m_state.IsLoggedIn = true;
+    m_state.login.IsLoggedIn = true;
     m_controls.Frame12->hide();
     m_controls.Frame12->lower();
     m_controls.Text3->clear();
     m_controls.Text4->clear();
-    m_controls.TabStrip1->selectTab(1);
+    m_controls.TabStrip1->selectTab(WorkArea::QuickSales);
     m_controls.Command1.front()->setFocus();
     LogActivity(name + u" successfully logged in!"_s, box::Information, false, true);
 }
 
 void Inventory::runReorderNotice()
 {
-    if (!m_state.CanReorder || m_state.PromptReorderFlag == 0)
+    if (!m_state.login.rights.CanReorder || m_state.settings.PromptReorderFlag == 0)
         return;
     // The query and nothing more, on purpose: there is no window of this notice, and none is asked for.
     DbRecordset low;
@@ -108,9 +90,9 @@ void Inventory::runReorderNotice()
 
 void Inventory::logOut()
 {
-    if (!m_state.IsLoggedIn)
+    if (!m_state.login.IsLoggedIn)
         return;
-    if (ask(u"Log out User["_s + m_state.LoggedUser + u"]?"_s, box::AskDefaultNo) != Answer::Yes)
+    if (ask(u"Log out User["_s + m_state.login.LoggedUser + u"]?"_s, box::AskDefaultNo) != Answer::Yes)
         return;
     if (m_controls.LV3->rows().rowCount() > 0 && !settleCartBeforeLogout())
         return;
@@ -120,13 +102,13 @@ void Inventory::logOut()
     m_controls.Frame13->hide();
     // The next user can undo neither the last reorder nor the last purchase. The quantity becomes 1, not 0, on
     // purpose; the empty item is what says that there is nothing to undo.
-    m_state.LastReorderQty = 1;
-    m_state.LastReorderItem.clear();
-    m_state.LastPurchaseID.clear();
-    LogActivity(m_state.LoggedUser + u" logged out successfully!"_s, box::Information, false, true);
-    m_state.LoggedUser.clear();
-    m_controls.TabStrip1->selectTab(1);
-    m_state.IsLoggedIn = false;
+    m_state.last.LastReorderQty = 1;
+    m_state.last.LastReorderItem.clear();
+    m_state.last.LastPurchaseID.clear();
+    LogActivity(m_state.login.LoggedUser + u" logged out successfully!"_s, box::Information, false, true);
+    m_state.login.LoggedUser.clear();
+    m_controls.TabStrip1->selectTab(WorkArea::QuickSales);
+    m_state.login.IsLoggedIn = false;
     m_controls.StatusBar1_1->setText(u"User: None"_s);
     leadTo(*m_controls.Text3);
 }

@@ -38,13 +38,13 @@ void Inventory::chooseWorkArea()
 {
     switch (m_controls.TabStrip1->selectedTab()) {
     case WorkArea::Settings:
-        return m_state.CanSettings ? showSettingsTab() : refuseWorkArea();
+        return m_state.login.rights.CanSettings ? showSettingsTab() : refuseWorkArea();
     case WorkArea::ReorderStock:
-        return m_state.CanReorder ? showReorderTab() : refuseWorkArea();
+        return m_state.login.rights.CanReorder ? showReorderTab() : refuseWorkArea();
     case WorkArea::EditStock:
-        return m_state.CanEditStock ? showStockTab() : refuseWorkArea();
+        return m_state.login.rights.CanEditStock ? showStockTab() : refuseWorkArea();
     case WorkArea::CustomSales:
-        return m_state.CanSell ? showCustomSalesTab() : refuseWorkArea();
+        return m_state.login.rights.CanSell ? showCustomSalesTab() : refuseWorkArea();
     case WorkArea::QuickSales: // needs no right: a user without the right to sell still sells here
         return showQuickSalesTab();
     default:
@@ -130,8 +130,8 @@ void Inventory::showQuickSalesTab()
 void Inventory::chooseSidePanel()
 {
     if (m_controls.TabStrip2->selectedTab() == SidePanel::SalesActivity) {
-        if (!m_state.IsLoggedIn || !m_state.CanSettings) {
-            m_state.IsLoggedIn ? refusePrivilege() : warn(u"You must login first!"_s);
+        if (!m_state.login.IsLoggedIn || !m_state.login.rights.CanSettings) {
+            m_state.login.IsLoggedIn ? refusePrivilege() : warn(u"You must login first!"_s);
             m_controls.TabStrip2->selectTab(SidePanel::Cart);
             return;
         }

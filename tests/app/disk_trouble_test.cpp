@@ -140,7 +140,7 @@ const QMap<QString, Action> &actions()
         {u"deletion"_s,
          {[](TroubledTill &till, int) {
               till.sell();
-              till.controls().Combo17->setEntryText(till.state().LastPurchaseID);
+              till.controls().Combo17->setEntryText(till.state().last.LastPurchaseID);
           },
           [](TroubledTill &till, int) { till.click("Command4"); },
           [](Figures &figures, int) {
@@ -259,7 +259,7 @@ void DiskTroubleTest::everyOperationOfAnAction()
     QFETCH(const int, error);
     const Action &action = actions()[name];
     TroubledTill till;
-    QVERIFY(till.state().IsLoggedIn);
+    QVERIFY(till.state().login.IsLoggedIn);
     FailingDisk::mount(till.home());
     int operation = 1;
     while (operation < mostOperations && tryOnce(till, action, operation, mode, error) > 0 &&

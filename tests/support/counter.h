@@ -4,6 +4,7 @@
 #include "tests/support/box_queue.h"
 #include "tests/support/doubles.h"
 #include "ui/inventory.h"
+#include "ui/work_areas.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -94,7 +95,7 @@ public:
     [[nodiscard]] QStringList entries(const char *name) const;
     /// Whether the window's keyboard focus is there (whether or not the window is the active one).
     [[nodiscard]] bool hasFocus(const char *name) const;
-    /// Chooses a tab as a user does, by the mouse.
+    /// Chooses a tab as a user does, by the mouse: a WorkArea of "TabStrip1", a SidePanel of "TabStrip2".
     void chooseTab(const char *strip, int number) const;
     [[nodiscard]] int selectedTab(const char *strip) const;
     /// Types a name and a password and presses "&Login!".

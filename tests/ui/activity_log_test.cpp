@@ -125,7 +125,7 @@ void ActivityLogTest::failingInsertIsIgnored()
     counter.file.sql(u"DROP TABLE SysUsage"_s);
     counter.open();
     counter.logIn();
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
     QCOMPARE(counter.text("StatusBar1_2"), u"ADMINISTRATOR successfully logged in!"_s);
     QVERIFY(counter.text("Text1").contains(u"successfully logged in!"_s));
 }

@@ -72,10 +72,10 @@ void doEverything(Counter &counter)
         counter.click(button);
     counter.setText("Combo1", u"DRINKS"_s);
     counter.setText("Combo1", u"(ALL CATEGORY)"_s);
-    for (int tab = 5; tab >= 1; --tab)
-        counter.chooseTab("TabStrip1", tab);
-    for (int tab = 2; tab >= 1; --tab)
-        counter.chooseTab("TabStrip2", tab);
+    for (auto tab = WorkArea::all.rbegin(); tab != WorkArea::all.rend(); ++tab)
+        counter.chooseTab("TabStrip1", *tab);
+    for (auto tab = SidePanel::all.rbegin(); tab != SidePanel::all.rend(); ++tab)
+        counter.chooseTab("TabStrip2", *tab);
     counter.boxes.expect(u"Clear Activity Log!"_s, box::AskDefaultNo, Answer::Yes);
     counter.click("Command11");
     counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);

@@ -133,7 +133,7 @@ void BadTablesTest::sell(Counter &counter)
 /// By category and item, and from the search.
 void BadTablesTest::sellOtherwise(Counter &counter)
 {
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.pick("Combo2", 0);
     for (const char *item : {"A1  |  ITEM 11", "no such"}) {
         counter.setText("Combo3", QString::fromLatin1(item));
@@ -143,7 +143,7 @@ void BadTablesTest::sellOtherwise(Counter &counter)
     }
     if (counter.find<PickList>("Combo3")->count() > 0)
         counter.pick("Combo3", 0);
-    if (counter.state().IsLoggedIn)
+    if (counter.state().login.IsLoggedIn)
         counter.boxes.expectInput(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString(),
                                   u"star"_s);
     counter.click("Command8");
@@ -155,7 +155,7 @@ void BadTablesTest::sellOtherwise(Counter &counter)
 void BadTablesTest::keepStock(Counter &counter)
 {
     auto *list = counter.find<RowList>("LV");
-    for (const int tab : {4, 3}) {
+    for (const int tab : {WorkArea::ReorderStock, WorkArea::EditStock}) {
         counter.chooseTab("TabStrip1", tab);
         list->selectRow(0);
         QTest::keyClick(list, Qt::Key_Return);
@@ -176,7 +176,7 @@ void BadTablesTest::keepStock(Counter &counter)
 void BadTablesTest::takeBack(Counter &counter)
 {
     counter.click("Command25");
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     if (auto *purchases = counter.find<PickList>("Combo17"); purchases->count() > 0)
         counter.pick("Combo17", purchases->count() - 1);
     for (const char *button : {"Command4", "Command19"})
@@ -198,10 +198,10 @@ void BadTablesTest::lookAround(Counter &counter)
     auto *categories = counter.find<PickList>("Combo1");
     for (int key = 0; key < 3; ++key)
         QTest::keyClick(categories, Qt::Key_Down);
-    for (int tab = 5; tab >= 1; --tab)
-        counter.chooseTab("TabStrip1", tab);
-    for (int tab = 2; tab >= 1; --tab)
-        counter.chooseTab("TabStrip2", tab);
+    for (auto tab = WorkArea::all.rbegin(); tab != WorkArea::all.rend(); ++tab)
+        counter.chooseTab("TabStrip1", *tab);
+    for (auto tab = SidePanel::all.rbegin(); tab != SidePanel::all.rend(); ++tab)
+        counter.chooseTab("TabStrip2", *tab);
     QTest::mouseClick(counter.find<QLabel>("Label6_9"), Qt::LeftButton);
     for (const char *button : {"Command20", "Command11", "Command18"})
         counter.click(button);
@@ -245,7 +245,7 @@ void BadTablesTest::day()
     keepStock(counter);
     takeBack(counter);
     lookAround(counter);
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     counter.click("Command1_3");
     counter.click("Command27");
     counter.window().close();

@@ -56,7 +56,10 @@ void BusyWindow::showWorkArea(int number)
         frame->show();
         frame->raise();
     }
-    constexpr std::array tabs{1, 2, 3, 4, 5, 2, 2, 1, 4, 3, 5, 1};
+    constexpr std::array tabs{WorkArea::QuickSales,   WorkArea::CustomSales, WorkArea::EditStock,
+                              WorkArea::ReorderStock, WorkArea::Settings,    WorkArea::CustomSales,
+                              WorkArea::CustomSales,  WorkArea::QuickSales,  WorkArea::ReorderStock,
+                              WorkArea::EditStock,    WorkArea::Settings,    WorkArea::QuickSales};
     controls.TabStrip1->selectTab(tabs.at(size_t(number - 1)));
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
@@ -72,13 +75,13 @@ std::vector<QFrame *> BusyWindow::panelsOf(int number) const
 {
     const Controls &c = controls;
     switch (number) {
-    case 2:
+    case WorkArea::CustomSales:
         return {c.Frame3, c.Frame2};
-    case 3:
+    case WorkArea::EditStock:
         return {c.Frame2, c.Frame10, c.Frame7};
-    case 4:
+    case WorkArea::ReorderStock:
         return {c.Frame10, c.Frame8};
-    case 5:
+    case WorkArea::Settings:
         return {c.Frame9, c.Frame2};
     case 6:
         return {c.Frame3, c.Frame2, c.Frame11};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/controls.h"
+#include "ui/work_areas.h"
 
 #include <QMainWindow>
 #include <QPalette>
@@ -22,7 +23,7 @@ class BusyWindow : public QMainWindow
 public:
     BusyWindow();
 
-    /// 1 to 5 are the tabs, 6 the search result and 7 the keypad over the custom sale, 8 the login panel, 9 to 12 the
+    /// A WorkArea; 6 is the search result and 7 the keypad over the custom sale, 8 the login panel, 9 to 12 the
     /// search result over the other work areas.
     void showWorkArea(int number);
 

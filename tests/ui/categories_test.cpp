@@ -66,7 +66,7 @@ void openSettings(Counter &counter, const QString &categories = u"('DRINKS',''),
         counter.file.sql(u"INSERT INTO InventoryCategory VALUES "_s + categories);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.connection->statements.clear();
 }
 

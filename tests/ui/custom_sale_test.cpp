@@ -101,7 +101,7 @@ void openShop(Counter &counter)
     counter.file.sql(u"INSERT INTO InventoryCategory VALUES ('DRINKS',''),('FOOD','')"_s);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
 }
 
 /// 40,000 items of the food.
@@ -513,12 +513,12 @@ void CustomSaleTest::addNeedsItsRight()
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Reorder"_s});
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     enter(counter, milk, u"1"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command15");
     QCOMPARE(counter.cart(), QStringList());
-    QCOMPARE(counter.selectedTab("TabStrip1"), 4); // this refusal leads nowhere
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::ReorderStock); // this refusal leads nowhere
 }
 
 void CustomSaleTest::noItem_data()
@@ -627,14 +627,14 @@ void CustomSaleTest::resetsAfterwards()
 {
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip2", 2);
-    QCOMPARE(counter.selectedTab("TabStrip2"), 2);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
+    QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::SalesActivity);
     counter.pick("Combo2", 1);
     counter.pick("Combo3", 0);
     counter.setText("Combo4", u"4"_s);
     counter.click("Command15");
     QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|4|5.00"_s});
-    QCOMPARE(counter.selectedTab("TabStrip2"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::Cart);
     QVERIFY(counter.find("Frame4")->isVisible());
     QCOMPARE(figures(counter), (QStringList{QString(), u"0.00"_s, u"0.00"_s, u"Nil"_s}));
     QCOMPARE(counter.text("Combo2"), u"DRINKS"_s);
@@ -765,7 +765,7 @@ void CustomSaleTest::finishedItemsReturnOnTheReorderTab()
     openShop(counter);
     counter.pick("Combo2", 2);
     QCOMPARE(counter.entries("Combo3"), QStringList{u"B3  |  CAKE"_s});
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.pick("Combo12", 2);
     QCOMPARE(counter.entries("Combo11"), (QStringList{u"B1  |  BREAD"_s, u"B3  |  CAKE"_s}));
     QCOMPARE(counter.entries("Combo3"), QStringList{u"B3  |  CAKE"_s});
@@ -811,7 +811,7 @@ void CustomSaleTest::listThatBreaksInTheMiddle()
     };
     counter.pick("Combo2", 0);
     QCOMPARE(counter.entries("Combo3"), QStringList());
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.pick("Combo12", 0);
     QCOMPARE(counter.entries("Combo11"), QStringList());
     counter.connection->rowsUntilBreak = [](const QString &) { return -1; };

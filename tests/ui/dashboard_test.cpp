@@ -108,7 +108,7 @@ void DashboardTest::failingQueryKeepsItsCaption()
     counter.open();
     counter.logIn();
     counter.file.sql(u"DROP TABLE PurchaseCart; DROP TABLE StockList"_s);
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     QCOMPARE(counter.text("Label6_3"), u"1"_s);
     QCOMPARE(counter.text("Label6_4"), u"  5.00"_s);
     QCOMPARE(counter.text("Label6_8"), u"  1"_s);
@@ -122,7 +122,7 @@ void DashboardTest::statements()
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
     counter.connection->statements.clear();
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     QCOMPARE(
         counter.connection->statements.mid(0, 4),
         (QStringList{
@@ -133,7 +133,7 @@ void DashboardTest::statements()
         }));
     counter.logIn();
     counter.connection->statements.clear();
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     QCOMPARE(
         counter.connection->statements.mid(0, 2),
         (QStringList{

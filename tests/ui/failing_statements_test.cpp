@@ -138,7 +138,7 @@ void checkUndone(const Counter &counter, const AfterUndo &after)
     QCOMPARE(counter.cart(), after.cart);
     QCOMPARE(stock(counter), after.stock);
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), QString::number(after.purchases));
-    QCOMPARE(counter.state().LastPurchaseID.isEmpty(), after.isFound);
+    QCOMPARE(counter.state().last.LastPurchaseID.isEmpty(), after.isFound);
 }
 
 } // namespace
@@ -179,7 +179,7 @@ void FailingStatementsTest::deletion()
     Counter counter;
     openShop(counter);
     commit(counter);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.pick("Combo17", 0);
     fail(counter, failing);
     counter.boxes.expect(u"Delete Purchased Cart with ID [HV18030514070907].\r\nAll purchased items will br restored "
@@ -299,7 +299,7 @@ void FailingStatementsTest::stockDeletion()
     QFETCH(const QString, failing);
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.find<RowList>("LV")->selectRow(1);
     fail(counter, failing);
     counter.boxes.expect(u"Delete Stock [TEA] with A2?"_s, box::AskDefaultNo, Answer::Yes);
@@ -333,7 +333,7 @@ void FailingStatementsTest::reorder()
     QFETCH(const QString, available);
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.setText("Combo11", u"A2  |  TEA"_s);
     counter.setText("Combo10", u"5"_s);
     counter.setText("StatusBar1_2", u"before"_s);
@@ -365,7 +365,7 @@ void FailingStatementsTest::reorderUndo()
     QFETCH(const bool, isForgotten);
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.setText("Combo11", u"A2  |  TEA"_s);
     counter.setText("Combo10", u"5"_s);
     counter.boxes.expect(u"Add 5 New item(s) to Stock [A2  |  TEA]?"_s, box::Ask, Answer::Yes);
@@ -375,7 +375,7 @@ void FailingStatementsTest::reorderUndo()
     counter.click("Command23");
     QCOMPARE(stock(counter).at(1), available);
     QCOMPARE(counter.text("Label13"), available);
-    QCOMPARE(counter.state().LastReorderItem.isEmpty(), isForgotten);
+    QCOMPARE(counter.state().last.LastReorderItem.isEmpty(), isForgotten);
     QCOMPARE(counter.text("StatusBar1_2").startsWith(u"Item(s) Removed"_s), isForgotten);
 }
 
@@ -384,13 +384,13 @@ void FailingStatementsTest::purchaseIds()
     Counter counter;
     openShop(counter);
     commit(counter);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17").size(), 1);
     fail(counter, u"Select PurchaseID"_s);
-    counter.chooseTab("TabStrip1", 1);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17"), QStringList()); // emptied all the same
-    QCOMPARE(counter.selectedTab("TabStrip1"), 5);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::Settings);
     QVERIFY(counter.find("Frame9")->isVisible());
 }
 

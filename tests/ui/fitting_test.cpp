@@ -209,7 +209,7 @@ void FittingTest::tallScreenStacksThePanels()
     QCOMPARE(c.Frame1->width(), c.Frame2->width());
     for (const QLabel *label : c.Label6)
         QVERIFY2(isInView(*label), qPrintable(label->objectName()));
-    m_window->showWorkArea(3);
+    m_window->showWorkArea(WorkArea::EditStock);
     QVERIFY(placeOf(*c.Frame10).top() >= placeOf(*c.Frame7).bottom());
     QVERIFY(isCovered(*c.Command14, *m_window)); // the list lies over the side area
 }

@@ -55,7 +55,7 @@ void openKeypad(Counter &counter)
 {
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.click("Command31");
 }
 
@@ -279,7 +279,7 @@ void KeypadTest::openingHidesTheSearchResult()
     Counter counter;
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.find("Frame11")->show();
     counter.click("Command31");
     QVERIFY(isOpen(counter));
@@ -307,12 +307,12 @@ void KeypadTest::staysInFront()
 {
     Counter counter;
     openKeypad(counter);
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     QVERIFY(isOpen(counter));
     for (int key = 0; key <= 11; ++key)
         QCOMPARE(widgetAt(counter, key), counter.find(nameOf(key)));
-    counter.chooseTab("TabStrip2", 2);
-    counter.chooseTab("TabStrip2", 1);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
+    counter.chooseTab("TabStrip2", SidePanel::Cart);
     QCOMPARE(widgetAt(counter, 1), counter.find(nameOf(1)));
 }
 
@@ -320,8 +320,8 @@ void KeypadTest::tabsHideIt_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<bool>("hides");
-    for (int tab = 1; tab <= 5; ++tab)
-        QTest::addRow("%d", tab) << tab << (tab != 2);
+    for (const int tab : WorkArea::all)
+        QTest::addRow("%d", tab) << tab << (tab != WorkArea::CustomSales);
 }
 
 void KeypadTest::tabsHideIt()

@@ -273,7 +273,7 @@ void KeysTest::quantityAfterItsBoxIsTypedAnew()
 {
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.setText("Combo3", u"A1  |  ITEM 1"_s);
     counter.boxes.expect(u"You have entered an invalid quantity. Quantity must be greater than 0!"_s, box::Exclamation);
     counter.click("Command15");
@@ -298,7 +298,7 @@ void KeysTest::refusedFieldsAreTypedAnew()
     QFETCH(const QString, field);
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.setText("Combo7", u"TEA"_s);
     for (const char *figure : {"Combo8", "Combo13", "Combo14"})
         counter.setText(figure, u"1"_s);
@@ -326,7 +326,7 @@ void KeysTest::refusedLoginIsTypedOn()
     QCOMPARE(counter.text("Text4"), u"pas"_s);
     QTest::keyClicks(counter.find("Text4"), u"s"_s);
     QTest::keyClick(counter.find("Text4"), Qt::Key_Return);
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
 }
 
 void KeysTest::arrowsWalkTheItems_data()
@@ -379,7 +379,7 @@ void KeysTest::purchaseKeyWorksEverywhere()
     int pressed = 0;
     connect(counter.find<QPushButton>("Command14"), &QPushButton::clicked, this, [&] { ++pressed; });
     counter.boxes.answerTheRest([](const QString &) { return Answer::Ok; });
-    for (const int tab : {1, 2, 3, 4, 5}) {
+    for (const int tab : WorkArea::all) {
         counter.chooseTab("TabStrip1", tab);
         QStringList reached;
         for (QWidget *control : counter.window().findChildren<QWidget *>()) {
@@ -431,7 +431,7 @@ void KeysTest::purchaseKeyNeedsTheButton()
     QCOMPARE(pressKey(), 0);
     counter.find("Command14")->setEnabled(true);
     QCOMPARE(pressKey(), 1);
-    counter.chooseTab("TabStrip2", 2);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
     QCOMPARE(pressKey(), 2); // also while the log stands in place of the cart
 }
 
@@ -440,10 +440,10 @@ void KeysTest::focusAfterAPurchase_data()
     QTest::addColumn<int>("tab");
     QTest::addColumn<QString>("from");
     QTest::addColumn<QString>("focused");
-    QTest::newRow("quick sales") << 1 << u"Command14"_s << u"Command1_0"_s;
-    QTest::newRow("quick sales, from another item") << 1 << u"Command1_5"_s << u"Command1_0"_s;
-    QTest::newRow("custom sales") << 2 << u"Command15"_s << u"Combo2"_s;
-    QTest::newRow("settings, where none begins") << 5 << u"Command14"_s << u"Command14"_s;
+    QTest::newRow("quick sales") << WorkArea::QuickSales << u"Command14"_s << u"Command1_0"_s;
+    QTest::newRow("quick sales, from another item") << WorkArea::QuickSales << u"Command1_5"_s << u"Command1_0"_s;
+    QTest::newRow("custom sales") << WorkArea::CustomSales << u"Command15"_s << u"Combo2"_s;
+    QTest::newRow("settings, where none begins") << WorkArea::Settings << u"Command14"_s << u"Command14"_s;
 }
 
 void KeysTest::focusAfterAPurchase()

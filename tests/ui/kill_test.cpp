@@ -84,7 +84,7 @@ int runTill(const QString &path, quint32 seed, const Work &work)
     Till till(store.database());
     till.reportStatements();
     till.logIn(u"JACK"_s, u"PASS"_s);
-    if (!till.state().IsLoggedIn)
+    if (!till.state().login.IsLoggedIn)
         return 1;
     QRandomGenerator random(seed);
     for (;;)

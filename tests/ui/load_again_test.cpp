@@ -82,7 +82,7 @@ void LoadAgainTest::loadedAgainWhileLoading()
     QVERIFY(window->isVisible());
     QCOMPARE(window->controls().List2->count(), categories);
     QCOMPARE(window->controls().Combo1->count(), categories + 2);
-    QVERIFY(!window->state().IsLoggedIn);
+    QVERIFY(!window->state().login.IsLoggedIn);
     close(window);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(inventory().isEmpty());

@@ -78,7 +78,7 @@ void LoginTest::blankEntries()
     const auto *entry = counter.find<QLineEdit>("Text3");
     QVERIFY(counter.hasFocus("Text3"));
     QCOMPARE(entry->selectedText(), name);
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::wrongPassword()
@@ -87,7 +87,7 @@ void LoginTest::wrongPassword()
     counter.open();
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn(u"ADMINISTRATOR"_s, u"WRONG"_s);
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QCOMPARE(counter.text("Text3"), u"ADMINISTRATOR"_s);
     QCOMPARE(counter.text("Text4"), u"WRONG"_s);
     QVERIFY(counter.find("Frame12")->isVisible());
@@ -146,9 +146,9 @@ void LoginTest::useFlag()
     if (!mayUse)
         counter.boxes.expect(u"User not Enabled to use this tool!"_s, box::Exclamation);
     counter.logIn(u"ANN"_s, u"PW"_s);
-    QCOMPARE(counter.state().IsLoggedIn, mayUse);
+    QCOMPARE(counter.state().login.IsLoggedIn, mayUse);
     counter.logIn();
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::administratorHasEveryRight()
@@ -157,8 +157,9 @@ void LoginTest::administratorHasEveryRight()
     counter.open();
     counter.logIn();
     const FormState &state = counter.state();
-    QVERIFY(state.CanSell && state.CanReport && state.CanUndo && state.CanDelete && state.CanSettings &&
-            state.CanReorder && state.CanEditStock);
+    QVERIFY(state.login.rights.CanSell && state.login.rights.CanReport && state.login.rights.CanUndo &&
+            state.login.rights.CanDelete && state.login.rights.CanSettings && state.login.rights.CanReorder &&
+            state.login.rights.CanEditStock);
 }
 
 void LoginTest::eachRightFromItsColumn_data()
@@ -177,13 +178,13 @@ void LoginTest::eachRightFromItsColumn()
     counter.logIn(); // leaves all seven set: the next login overwrites them
     counter.logIn(u"ANN"_s, u"PW"_s);
     const FormState &state = counter.state();
-    QCOMPARE(state.CanSell, right == "Sales"_L1);
-    QCOMPARE(state.CanReport, right == "Report"_L1);
-    QCOMPARE(state.CanUndo, right == "Undo"_L1);
-    QCOMPARE(state.CanDelete, right == "Delete"_L1);
-    QCOMPARE(state.CanSettings, right == "Settings"_L1);
-    QCOMPARE(state.CanReorder, right == "Reorder"_L1);
-    QCOMPARE(state.CanEditStock, right == "Reorder"_L1);
+    QCOMPARE(state.login.rights.CanSell, right == "Sales"_L1);
+    QCOMPARE(state.login.rights.CanReport, right == "Report"_L1);
+    QCOMPARE(state.login.rights.CanUndo, right == "Undo"_L1);
+    QCOMPARE(state.login.rights.CanDelete, right == "Delete"_L1);
+    QCOMPARE(state.login.rights.CanSettings, right == "Settings"_L1);
+    QCOMPARE(state.login.rights.CanReorder, right == "Reorder"_L1);
+    QCOMPARE(state.login.rights.CanEditStock, right == "Reorder"_L1);
 }
 
 void LoginTest::unreadableFlagIsFalse()
@@ -193,8 +194,8 @@ void LoginTest::unreadableFlagIsFalse()
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
     const FormState &state = counter.state();
-    QVERIFY(!state.CanSell && !state.CanReport && !state.CanUndo);
-    QVERIFY(state.CanDelete && state.CanSettings && state.CanReorder);
+    QVERIFY(!state.login.rights.CanSell && !state.login.rights.CanReport && !state.login.rights.CanUndo);
+    QVERIFY(state.login.rights.CanDelete && state.login.rights.CanSettings && state.login.rights.CanReorder);
 }
 
 void LoginTest::passwordsIgnoreCase()
@@ -203,8 +204,8 @@ void LoginTest::passwordsIgnoreCase()
     counter.file.addUser(u"Ann"_s, u"SeCret"_s);
     counter.open();
     counter.logIn(u" ann "_s, u" sEcrEt "_s);
-    QVERIFY(counter.state().IsLoggedIn);
-    QCOMPARE(counter.state().LoggedUser, u"ANN"_s);
+    QVERIFY(counter.state().login.IsLoggedIn);
+    QCOMPARE(counter.state().login.LoggedUser, u"ANN"_s);
 }
 
 void LoginTest::nameIsUpperCasedWhileTyped()
@@ -229,7 +230,7 @@ void LoginTest::enterMovesOnAndLogsIn()
     QVERIFY(counter.hasFocus("Text4"));
     QTest::keyClicks(counter.find("Text4"), u"pass"_s);
     QTest::keyClick(counter.find("Text4"), Qt::Key_Enter);
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
     QVERIFY(counter.hasFocus("Command1_0")); // which the same Enter does not press: no box, nothing sold
 }
 
@@ -256,7 +257,7 @@ void LoginTest::loginShowsTheUser()
     QVERIFY(!counter.find("Frame12")->isVisible());
     QCOMPARE(counter.text("Text3"), QString());
     QCOMPARE(counter.text("Text4"), QString());
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QCOMPARE(counter.file.cell(u"SELECT SystemUsage FROM SysUsage"_s), u"ADMINISTRATOR successfully logged in!"_s);
     QVERIFY(counter.connection->statements.contains(
         u"Select * from Users where Type <> 'VIEWER' and UPPER(Username) = 'ADMINISTRATOR' and UPPER(Password) = 'PASS'"_s));
@@ -269,7 +270,7 @@ void LoginTest::failedLoginLogsOut()
     counter.logIn();
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn(u"ADMINISTRATOR"_s, u"WRONG"_s);
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::reorderNoticeIsTheQueryAlone()
@@ -321,7 +322,7 @@ void LoginTest::logoutRefused()
     counter.logIn();
     counter.boxes.expect(logOutQuestion, box::AskDefaultNo, Answer::No);
     counter.click("Command27");
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::logoutForgetsTheUser()
@@ -330,20 +331,20 @@ void LoginTest::logoutForgetsTheUser()
     fillCart(counter);
     counter.boxes.expect(u"Item List:\n\n1. 1 x A1  |  TEA = 2.50\n\n\n\nPurchased Cart?"_s, box::Ask, Answer::Yes);
     counter.click("Command14");
-    QVERIFY(!counter.state().LastPurchaseID.isEmpty());
+    QVERIFY(!counter.state().last.LastPurchaseID.isEmpty());
     counter.boxes.expect(logOutQuestion, box::AskDefaultNo, Answer::Yes);
     counter.click("Command27");
     const FormState &state = counter.state();
-    QVERIFY(!state.IsLoggedIn);
-    QCOMPARE(state.LoggedUser, QString());
-    QCOMPARE(state.LastPurchaseID, QString());
-    QCOMPARE(state.LastReorderQty, std::int16_t{1});
-    QCOMPARE(state.LastReorderItem, QString());
+    QVERIFY(!state.login.IsLoggedIn);
+    QCOMPARE(state.login.LoggedUser, QString());
+    QCOMPARE(state.last.LastPurchaseID, QString());
+    QCOMPARE(state.last.LastReorderQty, std::int16_t{1});
+    QCOMPARE(state.last.LastReorderItem, QString());
     QCOMPARE(counter.text("StatusBar1_1"), u"User: None"_s);
     QCOMPARE(counter.text("StatusBar1_2"), u"ADMINISTRATOR logged out successfully!"_s);
     QVERIFY(counter.find("Frame12")->isVisible());
     QCOMPARE(counter.text("Label6_3"), u"0"_s); // nobody's figures
-    QVERIFY(state.CanSell);                     // left as it is: every gate asks for the login first
+    QVERIFY(state.login.rights.CanSell);        // left as it is: every gate asks for the login first
 }
 
 void LoginTest::logoutPurchasesTheCart()
@@ -353,7 +354,7 @@ void LoginTest::logoutPurchasesTheCart()
     counter.boxes.expect(logOutQuestion, box::AskDefaultNo, Answer::Yes);
     counter.boxes.expect(cartQuestion, box::AskOrCancel, Answer::Yes);
     counter.click("Command27");
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QCOMPARE(counter.file.cell(u"SELECT PurchasedItems FROM PurchaseCart"_s), u"1 x A1  "_s);
     QCOMPARE(counter.file.cell(u"SELECT Users FROM PurchaseCart"_s), u"ADMINISTRATOR"_s);
     QVERIFY(!counter.text("Text1").contains(u"Purchased."_s)); // this way of committing logs no line of its own
@@ -366,7 +367,7 @@ void LoginTest::logoutDropsTheCart()
     counter.boxes.expect(logOutQuestion, box::AskDefaultNo, Answer::Yes);
     counter.boxes.expect(cartQuestion, box::AskOrCancel, Answer::No);
     counter.click("Command27");
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QVERIFY(counter.cart().isEmpty());
     QCOMPARE(counter.text("Label5"), u"Total: 0.00"_s);
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), u"0"_s);
@@ -379,7 +380,7 @@ void LoginTest::logoutCancelled()
     counter.boxes.expect(logOutQuestion, box::AskDefaultNo, Answer::Yes);
     counter.boxes.expect(cartQuestion, box::AskOrCancel, Answer::Cancel);
     counter.click("Command27");
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
     QCOMPARE(counter.cart().size(), 1);
     QVERIFY(!counter.find("Frame12")->isVisible());
 }

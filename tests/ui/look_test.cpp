@@ -249,7 +249,7 @@ void LookTest::fieldsStayReadable()
     window.resize(1920, 1080);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.showWorkArea(5);
+    window.showWorkArea(WorkArea::Settings);
     for (const QWidget *field : std::initializer_list<QWidget *>{window.controls.Text2, window.controls.Combo9,
                                                                  window.controls.Command18, window.controls.List2})
         QVERIFY2(field->width() >= 55 * field->fontMetrics().averageCharWidth() &&
@@ -549,7 +549,7 @@ void LookTest::coveredControlsAreSkipped()
     window.resize(1024, 768);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.showWorkArea(3);
+    window.showWorkArea(WorkArea::EditStock);
     QVERIFY(window.controls.Command14->isVisible());
     QVERIFY(isCovered(*window.controls.Command14, window));
     QVERIFY(!isCovered(*window.controls.Command5, window));
@@ -597,14 +597,14 @@ void LookTest::hiddenPanelsAreDressedWhenShown()
     const QLabel *level = window.controls.Label12;
     QVERIFY(!button->testAttribute(Qt::WA_WState_Polished));
     QApplication::setPalette(darkPalette());
-    window.showWorkArea(4);
+    window.showWorkArea(WorkArea::ReorderStock);
     QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
     QVERIFY(button->height() >= kTouch);
     QVERIFY(button->font().bold());
     QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
     QCOMPARE(level->palette().color(level->foregroundRole()), Colours::current().price);
-    window.showWorkArea(1);
-    window.showWorkArea(4);
+    window.showWorkArea(WorkArea::QuickSales);
+    window.showWorkArea(WorkArea::ReorderStock);
     QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
 }
 

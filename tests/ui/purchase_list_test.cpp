@@ -78,7 +78,7 @@ void PurchaseListTest::newestFirst()
     openShop(counter);
     for (const char *id : {"HE18030514070907", "HV17030514070907", "HV18030514070907", "HE17030514070907"})
         counter.file.sql(u"INSERT INTO PurchaseCart (PurchaseID) VALUES ('%1')"_s.arg(QLatin1StringView(id)));
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17"),
              (QStringList{u"HV18030514070907"_s, u"HV17030514070907"_s, u"HE18030514070907"_s, u"HE17030514070907"_s}));
     QCOMPARE(counter.text("Combo17"), QString());
@@ -100,7 +100,7 @@ void PurchaseListTest::manyAndAFewBrokenOnes()
                      "UPDATE PurchaseCart SET PurchasedItems = X'00FF', PurchasedItemsTotal = 'all' WHERE rowid = 1;"
                      "UPDATE PurchaseCart SET PurchasedItems = replace(hex(zeroblob(5000)), '00', ', '), "
                      "PurchasedItemsTotal = 32767 WHERE rowid = 2"_s);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     const QStringList entries = counter.entries("Combo17");
     QCOMPARE(entries.size(), purchases);
     QStringList stored = counter.file.rows(everyId);
@@ -126,7 +126,7 @@ void PurchaseListTest::namesComeManyAtATime()
     constexpr int purchases = 20'000;
     addPurchases(counter, purchases);
     const QSignalSpy inserted(counter.find<PickList>("Combo17")->model(), &QAbstractItemModel::rowsInserted);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17").size(), purchases);
     QVERIFY(!inserted.isEmpty());
     QVERIFY2(inserted.size() < purchases / 20, qPrintable(QString::number(inserted.size())));
@@ -137,16 +137,20 @@ void PurchaseListTest::whileItFills_data()
     using Action = std::function<void(Counter &)>;
     QTest::addColumn<Action>("action");
     QTest::addColumn<int>("tab");
-    QTest::newRow("again") << Action([](Counter &c) { c.chooseTab("TabStrip1", 5); }) << 5;
-    QTest::newRow("quick sales") << Action([](Counter &c) { c.chooseTab("TabStrip1", 1); }) << 1;
+    QTest::newRow("again") << Action([](Counter &c) { c.chooseTab("TabStrip1", WorkArea::Settings); })
+                           << WorkArea::Settings;
+    QTest::newRow("quick sales") << Action([](Counter &c) { c.chooseTab("TabStrip1", WorkArea::QuickSales); })
+                                 << WorkArea::QuickSales;
     QTest::newRow("quick sales and back") << Action([](Counter &c) {
-        c.chooseTab("TabStrip1", 1);
-        c.chooseTab("TabStrip1", 5);
-    }) << 5;
-    QTest::newRow("reorder") << Action([](Counter &c) { c.chooseTab("TabStrip1", 4); }) << 4;
-    QTest::newRow("typed text") << Action([](Counter &c) { c.setText("Combo17", u"HV000007"_s); }) << 5;
-    QTest::newRow("sale") << Action([](Counter &c) { c.click("Command1_0"); }) << 5;
-    QTest::newRow("picked entry") << Action([](Counter &c) { c.pick("Combo17", 0); }) << 5;
+        c.chooseTab("TabStrip1", WorkArea::QuickSales);
+        c.chooseTab("TabStrip1", WorkArea::Settings);
+    }) << WorkArea::Settings;
+    QTest::newRow("reorder") << Action([](Counter &c) { c.chooseTab("TabStrip1", WorkArea::ReorderStock); })
+                             << WorkArea::ReorderStock;
+    QTest::newRow("typed text") << Action([](Counter &c) { c.setText("Combo17", u"HV000007"_s); })
+                                << WorkArea::Settings;
+    QTest::newRow("sale") << Action([](Counter &c) { c.click("Command1_0"); }) << WorkArea::Settings;
+    QTest::newRow("picked entry") << Action([](Counter &c) { c.pick("Combo17", 0); }) << WorkArea::Settings;
     QTest::newRow("close") << Action([](Counter &c) {
         c.boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::Yes);
         c.window().close();
@@ -168,14 +172,14 @@ void PurchaseListTest::whileItFills()
         listed = int(counter.entries("Combo17").size());
         action(counter);
     });
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QVERIFY(listed > 0 && listed < purchases); // in the middle, and the list was there as far as it had come
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(counter.isOpen(), tab != 0);
     if (!counter.isOpen())
         return;
     QCOMPARE(counter.selectedTab("TabStrip1"), tab);
-    QCOMPARE(counter.find("Frame9")->isVisible(), tab == 5);
+    QCOMPARE(counter.find("Frame9")->isVisible(), tab == WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17"), counter.file.rows(everyId));
 }
 
@@ -192,7 +196,7 @@ void PurchaseListTest::changedWhileItFills()
         isChanged = Database(counter.file.path()).run(u"DELETE FROM PurchaseCart WHERE rowid > 10"_s);
         counter.click("Command1_0"); // which writes to the log, on what the other program left
     });
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QVERIFY(isChanged);
     QCOMPARE(counter.entries("Combo17"), before); // one state of the table
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), u"10"_s);
@@ -205,7 +209,7 @@ void PurchaseListTest::pickedEntryGoes()
     Counter counter;
     openShop(counter);
     addPurchases(counter, 3);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.pick("Combo17", 1);
     counter.boxes.expect(u"Delete Purchased Cart with ID [HV000002].\r\nAll purchased items will br restored (Y/N)?"_s,
                          box::Ask, Answer::Yes);
@@ -221,7 +225,7 @@ void PurchaseListTest::typedEntryStays()
     Counter counter;
     openShop(counter);
     addPurchases(counter, 2);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.setText("Combo17", u"HV000002"_s);
     for (int times = 0; times < 2; ++times) {
         counter.boxes.expect(
@@ -300,7 +304,7 @@ void PurchaseListTest::loggedOutWhileUndoing()
     counter.boxes.expect(u"Item List:\r\n\r\n1. 1 x A1  |  TEA = 2.50\r\n\r\n\r\n\r\nPurchased Cart?"_s, box::Ask,
                          Answer::Yes);
     counter.click("Command14");
-    const QString id = counter.state().LastPurchaseID;
+    const QString id = counter.state().last.LastPurchaseID;
     doAfter(counter, u"Update StockList Set StockAvailable = StockAvailable + 1"_s, [&] {
         counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
         counter.boxes.expect(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel, Answer::No);
@@ -308,10 +312,10 @@ void PurchaseListTest::loggedOutWhileUndoing()
     });
     counter.boxes.expect(u"Undo last Purchased Cart with ID ["_s + id + u"]?"_s, box::Ask, Answer::Yes);
     counter.click("Command25");
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QCOMPARE(counter.file.rows(everyId), QStringList());
     QCOMPARE(counter.file.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = 'A1'"_s), u"10"_s);
-    QCOMPARE(counter.state().LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
 }
 
 void PurchaseListTest::brokenInTheMiddle()
@@ -328,7 +332,7 @@ void PurchaseListTest::brokenInTheMiddle()
         shown = counter.find<PickList>("Combo17")->count();
         counter.setText("Combo17", u"HV000300"_s);
     });
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QVERIFY(shown > 0);
     QCOMPARE(counter.entries("Combo17"), QStringList());
     QCOMPARE(counter.text("Combo17"), u"HV000300"_s); // somebody has entered it meanwhile

@@ -100,7 +100,7 @@ void PurchaseTest::refusedConfirmationChangesNothing()
     counter.click("Command14");
     QCOMPARE(counter.cart(), cart);
     QVERIFY(counter.connection->statements.isEmpty());
-    QCOMPARE(counter.state().LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
 }
 
 void PurchaseTest::commitMovesStockAndWritesTheRow()
@@ -115,7 +115,7 @@ void PurchaseTest::commitMovesStockAndWritesTheRow()
                           " Users FROM PurchaseCart"_s),
         QStringList{u"HV18030514070907|1 x A1  |  SAFE = 1,250.00, 2 x A2  |  TEA = 5.00|2|1255|180305140709|"
                     "ADMINISTRATOR"_s});
-    QCOMPARE(counter.state().LastPurchaseID, u"HV18030514070907"_s);
+    QCOMPARE(counter.state().last.LastPurchaseID, u"HV18030514070907"_s);
     QVERIFY(counter.cart().isEmpty());
     QVERIFY(counter.text("Text1").contains(u"-- 2 item(s) of Total Cost 1,255.00 Purchased.\n"_s));
 }
@@ -157,7 +157,7 @@ void PurchaseTest::twoCommitsInOneSecond()
     // The third one makes the second's ID again, and adds it without a further look.
     QCOMPARE(counter.file.rows(u"SELECT PurchaseID FROM PurchaseCart ORDER BY rowid"_s),
              (QStringList{u"HV18030514070907"_s, u"HE18030514070907"_s, u"HE18030514070907"_s}));
-    QCOMPARE(counter.state().LastPurchaseID, u"HE18030514070907"_s);
+    QCOMPARE(counter.state().last.LastPurchaseID, u"HE18030514070907"_s);
 }
 
 /// It cannot take the ID between the look for it and the row that bears it.
@@ -177,7 +177,7 @@ void PurchaseTest::anotherTillInOneSecond()
     counter.file.sql(u"DELETE FROM PurchaseCart; "_s + row); // the other till was first
     commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
     QCOMPARE(added, (QList<bool>{false, false}));
-    QCOMPARE(counter.state().LastPurchaseID, u"HE18030514070907"_s);
+    QCOMPARE(counter.state().last.LastPurchaseID, u"HE18030514070907"_s);
     QVERIFY(other.run(row)); // nothing is held any more
 }
 
@@ -242,7 +242,7 @@ void PurchaseTest::failingRowStillEmptiesTheCart()
     counter.connection->fails = [](const QString &statement) { return statement.startsWith(u"insert"_s); };
     commit(counter);
     QVERIFY(counter.cart().isEmpty());
-    QCOMPARE(counter.state().LastPurchaseID, u"HV18030514070907"_s);
+    QCOMPARE(counter.state().last.LastPurchaseID, u"HV18030514070907"_s);
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), u"0"_s);
     QCOMPARE(counter.file.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = 'A1'"_s), u"9"_s);
 }
@@ -299,7 +299,7 @@ void PurchaseTest::receiptsOff()
     Counter counter;
     fillCart(counter);
     commit(counter);
-    QCOMPARE(counter.state().ReceiptText, QString());
+    QCOMPARE(counter.state().last.ReceiptText, QString());
     QVERIFY(counter.printers->paper().lines.empty());
     QCOMPARE(counter.printers->paper().documents, 0);
     counter.boxes.expect(u"Cart is Empty!"_s, box::Exclamation);
@@ -338,7 +338,7 @@ void PurchaseTest::receipt()
     QCOMPARE(counter.printers->paper().deviceName(), u"Till"_s);
     QCOMPARE(counter.printers->paper().texts(), lines);
     QCOMPARE(counter.printers->paper().documents, 1);
-    QCOMPARE(counter.state().ReceiptText, u"\r\n"_s + lines.join(u"\r\n"_s));
+    QCOMPARE(counter.state().last.ReceiptText, u"\r\n"_s + lines.join(u"\r\n"_s));
 }
 
 void PurchaseTest::receiptFonts()
@@ -377,7 +377,7 @@ void PurchaseTest::reprint()
     counter.settings->values.clear();
     fillCart(counter);
     commit(counter);
-    const QString receipt = counter.state().ReceiptText;
+    const QString receipt = counter.state().last.ReceiptText;
     PaperPrinter &paper = counter.printers->paper();
     for (int i = 0; i < 2; ++i) {
         paper.lines.clear();
@@ -385,7 +385,7 @@ void PurchaseTest::reprint()
         counter.click("Command14");
         QCOMPARE(paper.texts(), (QStringList{u"***REPRINTED COPY***"_s, QString(), receipt}));
         QCOMPARE(paper.documents, 2 + i);
-        QCOMPARE(counter.state().ReceiptText, receipt);
+        QCOMPARE(counter.state().last.ReceiptText, receipt);
     }
 }
 
@@ -416,7 +416,7 @@ void PurchaseTest::unprintableReceiptIsStillKept()
     fillCart(counter);
     counter.printers->setCurrent(std::make_shared<Jam>());
     commit(counter);
-    QVERIFY(counter.state().ReceiptText.contains(u"Purchase ID: HV18030514070907"_s));
+    QVERIFY(counter.state().last.ReceiptText.contains(u"Purchase ID: HV18030514070907"_s));
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), u"1"_s);
 }
 

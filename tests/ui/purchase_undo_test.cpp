@@ -170,12 +170,12 @@ void PurchaseUndoTest::needsTheRight()
     openShop(counter);
     commit(counter);
     counter.logIn(u"JACK"_s); // over the other one, so that there is something to undo
-    QCOMPARE(counter.state().LastPurchaseID, firstId);
-    counter.chooseTab("TabStrip1", 5);
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.setText("Combo17", firstId);
     counter.boxes.expect(u"User [JACK] doesn't have this privilege!"_s, box::Exclamation);
     counter.click(button.constData());
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QCOMPARE(purchases(counter), QStringList{firstId});
 }
 
@@ -233,7 +233,7 @@ void PurchaseUndoTest::refusedQuestionChangesNothing()
     counter.click(isUndo ? "Command25" : "Command4");
     QCOMPARE(counter.connection->statements, QStringList());
     QCOMPARE(counter.cart(), cart);
-    QCOMPARE(counter.state().LastPurchaseID, firstId);
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId);
     QCOMPARE(counter.text("Combo17"), firstId);
 }
 
@@ -243,15 +243,15 @@ void PurchaseUndoTest::undoAfterCommit()
     counter.settings->values.clear(); // receipts
     openShop(counter);
     commit(counter);
-    QVERIFY(!counter.state().ReceiptText.isEmpty());
+    QVERIFY(!counter.state().last.ReceiptText.isEmpty());
     undo(counter);
     QCOMPARE(counter.cart(), committedCart);
     QCOMPARE(counter.text("Label5"), u"Total: 1,255.00"_s);
     QCOMPARE(counter.find<TabStrip>("TabStrip2")->tabText(0), u"Cart(2)"_s);
     QCOMPARE(stock(counter), untouched);
     QCOMPARE(purchases(counter), QStringList());
-    QCOMPARE(counter.state().LastPurchaseID, QString());
-    QCOMPARE(counter.state().ReceiptText, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.ReceiptText, QString());
     QCOMPARE(counter.text("Label6_3"), u"0"_s);
     QCOMPARE(counter.text("Label6_8"), u"  60"_s);
     QCOMPARE(counter.text("StatusBar1_2"), u"Last Purchased Undone!"_s);
@@ -284,7 +284,7 @@ void PurchaseUndoTest::undoneCartCommitsAgain()
                          box::Ask, Answer::Yes);
     counter.click("Command14");
     QCOMPARE(stock(counter), (QStringList{u"A1|9"_s, u"A2|17"_s, u"0012|30"_s}));
-    QCOMPARE(counter.state().LastPurchaseID, firstId); // the ID is free again
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId); // the ID is free again
     undo(counter);
     QCOMPARE(stock(counter), untouched);
 }
@@ -321,7 +321,7 @@ void PurchaseUndoTest::statementsOfADeletion()
     Counter counter;
     openShop(counter);
     addPurchase(counter, u"HE1"_s, u"3 x A2  |  TEA = 7.50"_s, u"1"_s);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.connection->statements.clear();
     deletePurchase(counter, u"HE1"_s);
     const QStringList &statements = counter.connection->statements;
@@ -347,9 +347,9 @@ void PurchaseUndoTest::deletionForgetsTheLastPurchase()
     openShop(counter);
     addPurchase(counter, u"HV1"_s, u"1 x A1  |  SAFE = 1,250.00"_s, u"1"_s);
     commit(counter);
-    QCOMPARE(counter.state().LastPurchaseID, firstId);
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId);
     deletePurchase(counter, id);
-    QCOMPARE(counter.state().LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
     QVERIFY(!purchases(counter).contains(id));
     expectNothingToUndo(counter);
     counter.click("Command25");
@@ -374,9 +374,9 @@ void PurchaseUndoTest::reprintGoesWithTheUndoAlone()
     counter.settings->values.clear();
     openShop(counter);
     commit(counter);
-    const QString receipt = counter.state().ReceiptText;
+    const QString receipt = counter.state().last.ReceiptText;
     deletePurchase(counter, firstId);
-    QCOMPARE(counter.state().ReceiptText, receipt);
+    QCOMPARE(counter.state().last.ReceiptText, receipt);
 }
 
 void PurchaseUndoTest::missingPurchase_data()
@@ -395,7 +395,7 @@ void PurchaseUndoTest::missingPurchase()
     openShop(counter);
     commit(counter);
     counter.click("Command1_0");
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     auto *list = counter.find<PickList>("Combo17");
     list->setCurrentIndex(0);
     counter.file.sql(damage);
@@ -406,14 +406,14 @@ void PurchaseUndoTest::missingPurchase()
     counter.click("Command4");
     QCOMPARE(list->count(), 0); // the entry goes all the same
     QCOMPARE(counter.text("Combo17"), QString());
-    QCOMPARE(counter.state().LastPurchaseID, firstId);
-    QVERIFY(!counter.state().ReceiptText.isEmpty());
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId);
+    QVERIFY(!counter.state().last.ReceiptText.isEmpty());
 
     counter.boxes.expect(u"Undo last Purchased Cart with ID [HV18030514070907]?"_s, box::Ask, Answer::Yes);
     expectNothingToUndo(counter);
     counter.click("Command25");
-    QCOMPARE(counter.state().LastPurchaseID, firstId);
-    QCOMPARE(counter.state().ReceiptText, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, firstId);
+    QCOMPARE(counter.state().last.ReceiptText, QString());
     QCOMPARE(counter.text("StatusBar1_2"), u"Last Purchased Undone!"_s);
     QCOMPARE(counter.cart(), cart);
     QCOMPARE(stock(counter), before);
@@ -574,7 +574,7 @@ void PurchaseUndoTest::counts()
         after[i] = oneMore.at(i);
     QCOMPARE(stock(counter), after);
     QCOMPARE(purchases(counter), QStringList{firstId});
-    QCOMPARE(counter.state().LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
     if (restored == 0) // an emptied cart does not add itself up
         QCOMPARE(counter.text("Label5"), total);
 }
@@ -598,7 +598,7 @@ void PurchaseUndoTest::noColumn()
     QCOMPARE(counter.cart(), QStringList());
     QCOMPARE(stock(counter), before);
     QCOMPARE(purchases(counter), QStringList());
-    QCOMPARE(counter.state().LastPurchaseID, QString());
+    QCOMPARE(counter.state().last.LastPurchaseID, QString());
 }
 
 void PurchaseUndoTest::twoRowsOfOneId()
@@ -662,10 +662,10 @@ void PurchaseUndoTest::purchaseListIsRefilled_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<bool>("isRefilled");
-    QTest::newRow("custom sales") << 2 << false;
-    QTest::newRow("stock") << 3 << false;
-    QTest::newRow("reorder") << 4 << true;
-    QTest::newRow("settings") << 5 << false;
+    QTest::newRow("custom sales") << WorkArea::CustomSales << false;
+    QTest::newRow("stock") << WorkArea::EditStock << false;
+    QTest::newRow("reorder") << WorkArea::ReorderStock << true;
+    QTest::newRow("settings") << WorkArea::Settings << false;
 }
 
 void PurchaseUndoTest::purchaseListIsRefilled()
@@ -693,7 +693,7 @@ void PurchaseUndoTest::listFollowsACommit()
     Counter counter;
     openShop(counter);
     addPurchase(counter, u"HV1"_s, u""_s, u"0"_s);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     QCOMPARE(counter.entries("Combo17"), QStringList()); // this tab's own choice fills other lists
     commit(counter);
     QCOMPARE(counter.entries("Combo17"), (QStringList{firstId, u"HV1"_s}));

@@ -367,9 +367,9 @@ void QuickSalesTest::pressShowsTheCart()
     Counter counter;
     counter.file.addItem(u"A1"_s, u"TEA"_s, 1, 9);
     openShop(counter);
-    counter.chooseTab("TabStrip2", 2);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
     counter.click("Command1_0");
-    QCOMPARE(counter.selectedTab("TabStrip2"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::Cart);
     QVERIFY(counter.find("Frame4")->isVisible());
 }
 

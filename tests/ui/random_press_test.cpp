@@ -105,9 +105,9 @@ void RandomPressTest::check(Counter &counter, RandomUser &user, bool painted)
     QVERIFY(QApplication::activeModalWidget() == nullptr);
     QCOMPARE(counter.file.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
     const FormState &state = counter.state();
-    if (state.IsLoggedIn)
-        QCOMPARE(counter.text("StatusBar1_1"), u"User: "_s + state.LoggedUser);
-    QCOMPARE(counter.find("Frame12")->isVisible(), !state.IsLoggedIn);
+    if (state.login.IsLoggedIn)
+        QCOMPARE(counter.text("StatusBar1_1"), u"User: "_s + state.login.LoggedUser);
+    QCOMPARE(counter.find("Frame12")->isVisible(), !state.login.IsLoggedIn);
     QVERIFY(counter.window().isVisible());
     QVERIFY(counter.text("Label5").startsWith(u"Total: "_s));
     QVERIFY(state.QuickSalesOffset >= 0 && state.QuickSalesOffset % 9 == 0);

@@ -153,7 +153,7 @@ const std::vector<RandomUser::Action> &RandomUser::actions()
 void RandomUser::act()
 {
     m_counter.clock->time = m_counter.clock->time.addSecs(m_random.bounded(100));
-    if (!m_counter.state().IsLoggedIn && chance(m_random, 40))
+    if (!m_counter.state().login.IsLoggedIn && chance(m_random, 40))
         logIn(m_random);
     else
         choose(m_random);

@@ -33,7 +33,7 @@ void chooseCategory(Counter &counter, const char *list)
 
 void search(Counter &counter)
 {
-    if (!counter.state().IsLoggedIn)
+    if (!counter.state().login.IsLoggedIn)
         return counter.click("Command8");
     counter.boxes.expectInput(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString(),
                               u"star"_s);
@@ -73,11 +73,11 @@ const QList<NamedAction> &actions()
         {"delete a line", [](Counter &c) { c.click("Command12"); }},
         {"clear the cart", [](Counter &c) { c.click("Command13"); }},
         {"price of a line", [](Counter &c) { QTest::keyClick(c.find("LV3"), Qt::Key_Return); }},
-        {"custom sales", [](Counter &c) { c.chooseTab("TabStrip1", 2); }},
-        {"quick sales", [](Counter &c) { c.chooseTab("TabStrip1", 1); }},
-        {"settings", [](Counter &c) { c.chooseTab("TabStrip1", 5); }},
-        {"stock", [](Counter &c) { c.chooseTab("TabStrip1", 3); }},
-        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", 4); }},
+        {"custom sales", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::CustomSales); }},
+        {"quick sales", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::QuickSales); }},
+        {"settings", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::Settings); }},
+        {"stock", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::EditStock); }},
+        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::ReorderStock); }},
         {"custom category", [](Counter &c) { chooseCategory(c, "Combo2"); }},
         {"reorder category", [](Counter &c) { chooseCategory(c, "Combo12"); }},
         {"search", search},
@@ -88,7 +88,7 @@ const QList<NamedAction> &actions()
         {"take a reorder back", [](Counter &c) { c.click("Command23"); }},
         {"undo the purchase", [](Counter &c) { c.click("Command25"); }},
         {"delete a purchase", deletePurchase},
-        {"activity", [](Counter &c) { c.chooseTab("TabStrip2", 2); }},
+        {"activity", [](Counter &c) { c.chooseTab("TabStrip2", SidePanel::SalesActivity); }},
         {"save settings", [](Counter &c) { c.click("Command18"); }},
         {"clear the log", [](Counter &c) { c.click("Command11"); }},
         {"log in", [](Counter &c) { c.logIn(); }},
@@ -106,7 +106,7 @@ const QList<NamedAction> &fillers()
     static const QList<NamedAction> all{
         {"next page", [](Counter &c) { c.click("CmdNext"); }},
         {"category", [](Counter &c) { c.setText("Combo1", u"TEA"_s); }},
-        {"tab", [](Counter &c) { c.chooseTab("TabStrip1", 1); }},
+        {"tab", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::QuickSales); }},
         {"commit", [](Counter &c) { c.click("Command14"); }},
     };
     return all;
@@ -119,7 +119,7 @@ const QList<NamedAction> &listFillers()
         {"custom category", [](Counter &c) { chooseCategory(c, "Combo2"); }},
         {"reorder category", [](Counter &c) { chooseCategory(c, "Combo12"); }},
         {"search", search},
-        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", 4); }},
+        {"reorder area", [](Counter &c) { c.chooseTab("TabStrip1", WorkArea::ReorderStock); }},
         {"delete a purchase", deletePurchase},
     };
     return all;
@@ -256,7 +256,7 @@ void ReentryTest::checkWindow(Counter &counter)
         QVERIFY2(line.contains(u"  |  ITEM "_s) && !line.endsWith(u'|') && !line.contains(u"||"_s), qPrintable(line));
     QVERIFY(counter.find("Command14")->isEnabled());
     // And it goes on working.
-    if (!counter.state().IsLoggedIn) {
+    if (!counter.state().login.IsLoggedIn) {
         QVERIFY(counter.find("Frame12")->isVisible());
         counter.logIn();
     }
@@ -298,7 +298,7 @@ void ReentryTest::duringLoading()
     QCOMPARE(counter.find<PickList>("Combo1")->count(), categories + 2);
     QCOMPARE(counter.find<PickList>("Combo5")->count(), categories + 1);
     QCOMPARE(counter.find<QListWidget>("List2")->count(), categories);
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     checkWindow(counter);
 }
 
@@ -438,7 +438,7 @@ void ReentryTest::categoryAddedWhileAnotherIs()
     Counter counter;
     prepare(counter);
     fillCart(counter);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.setText("Combo12", u"TEA"_s);
     const auto add = [&](const QString &name) {
         counter.setText("Combo16", name);
@@ -462,7 +462,7 @@ void ReentryTest::categoryAddedWhileAnotherIs()
     QCOMPARE(counter.find<QListWidget>("List2")->count(), categories + 2);
     QCOMPARE(counter.text("Combo1"), u"(ALL CATEGORY)"_s);
     QCOMPARE(counter.text("Combo12"), u"TEA"_s);
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     checkWindow(counter);
 }
 

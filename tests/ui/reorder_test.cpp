@@ -139,7 +139,7 @@ void ReorderTest::openShop(Counter &counter)
     counter.file.sql(u"INSERT INTO InventoryCategory VALUES ('DRINKS',''),('FOOD','')"_s);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
 }
 
 void ReorderTest::choose(Counter &counter, const QString &key, const QString &units)
@@ -165,8 +165,8 @@ void ReorderTest::startsEmpty()
     QVERIFY(!isRed(counter, "Label13"));
     QCOMPARE(counter.text("Combo11"), QString());
     QCOMPARE(counter.text("Combo12"), u"(ALL CATEGORY)"_s);
-    QCOMPARE(counter.state().LastReorderQty, 0);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderQty, 0);
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
     QCOMPARE(counter.text("Command17"), u"Reorder Stock"_s);
     QCOMPARE(counter.text("Command23"), u"Undo"_s);
     QCOMPARE(counter.text("Command24"), QString());
@@ -216,7 +216,7 @@ void ReorderTest::finishedItemsAreListed()
     Counter counter;
     counter.file.sql(u"UPDATE StoreSettings SET AutoPurchaseCart = 1"_s); // hides finished items elsewhere
     openShop(counter);
-    QVERIFY(counter.state().HideFinishedFlag != 0);
+    QVERIFY(counter.state().settings.HideFinishedFlag != 0);
     counter.connection->statements.clear();
     counter.pick("Combo12", 2);
     QCOMPARE(counter.entries("Combo11"), QStringList{u"B1  |  BREAD"_s});
@@ -419,11 +419,11 @@ void ReorderTest::reorderNeedsItsRight()
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Undo"_s, u"Sales"_s});
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     choose(counter, milk, u"5"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command17");
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QVERIFY(counter.find("Frame1")->isVisible());
     QCOMPARE(available(counter), u"20"_s);
 }
@@ -447,7 +447,7 @@ void ReorderTest::refusedQuantities()
     counter.click("Command17");
     QCOMPARE(counter.connection->statements, QStringList());
     QCOMPARE(counter.text("Combo10"), units);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
 }
 
 void ReorderTest::addsUnits_data()
@@ -485,8 +485,8 @@ void ReorderTest::addsUnits()
     QCOMPARE(counter.text("StatusBar1_2"),
              asked + u" New item(s) to Stock [A1  |  MILK]. New Available Stock is "_s + stock + u'.');
     QCOMPARE(counter.text("Combo10"), u"0"_s);
-    QCOMPARE(int(counter.state().LastReorderQty), undoable);
-    QCOMPARE(counter.state().LastReorderItem, milk);
+    QCOMPARE(int(counter.state().last.LastReorderQty), undoable);
+    QCOMPARE(counter.state().last.LastReorderItem, milk);
 }
 
 void ReorderTest::fiveUnitsAtTheLevel()
@@ -514,7 +514,7 @@ void ReorderTest::reorderRefused()
     counter.click("Command17");
     QCOMPARE(counter.connection->statements, QStringList());
     QCOMPARE(counter.text("Combo10"), u"5"_s);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
 }
 
 void ReorderTest::keyWithoutItem_data()
@@ -545,7 +545,7 @@ void ReorderTest::keyWithoutItem()
                         : QStringList());
     QCOMPARE(counter.text("Combo10"), u"5"_s);
     QCOMPARE(counter.text("Text1"), before);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
 }
 
 void ReorderTest::idIsNotTrimmed()
@@ -556,7 +556,7 @@ void ReorderTest::idIsNotTrimmed()
     reorder(counter, u" A1  |  MILK"_s, u"5"_s, u"5"_s);
     QCOMPARE(available(counter), u"20"_s);
     QCOMPARE(available(counter, u" A1"_s), u"8"_s);
-    QCOMPARE(counter.state().LastReorderItem, milk); // which is trimmed: its undo looks for another item
+    QCOMPARE(counter.state().last.LastReorderItem, milk); // which is trimmed: its undo looks for another item
     counter.boxes.expect(undoQuestion(u"5"_s, milk), box::Ask, Answer::Yes);
     counter.click("Command23");
     QCOMPARE(available(counter), u"15"_s);
@@ -571,7 +571,7 @@ void ReorderTest::emptyIdIsAnId()
     reorder(counter, u"  |  NAMELESS"_s, u"5"_s, u"5"_s);
     QCOMPARE(available(counter, QString()), u"8"_s);
     // Trimmed, it has no separator any more.
-    QCOMPARE(counter.state().LastReorderItem, u"|  NAMELESS"_s);
+    QCOMPARE(counter.state().last.LastReorderItem, u"|  NAMELESS"_s);
     counter.boxes.expect(undoQuestion(u"5"_s, u"|  NAMELESS"_s), box::Ask, Answer::Yes);
     counter.click("Command23");
     QCOMPARE(available(counter, QString()), u"8"_s);
@@ -586,7 +586,7 @@ void ReorderTest::idWithQuote()
     reorder(counter, u"A'1  |  ALE"_s, u"5"_s, u"5"_s);
     QCOMPARE(available(counter, u"A'1"_s), u"3"_s);
     QCOMPARE(counter.text("Text1"), before);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
 }
 
 void ReorderTest::firstOfEqualIds()
@@ -608,7 +608,7 @@ void ReorderTest::orderOfEffects()
     QStringList seen;
     counter.connection->before = [&](const QString &statement) {
         if (statement.startsWith(u"INSERT INTO SysUsage"_s))
-            seen << counter.text("Label13") << counter.text("Combo10") << counter.state().LastReorderItem;
+            seen << counter.text("Label13") << counter.text("Combo10") << counter.state().last.LastReorderItem;
         if (statement == dashboardQuery)
             seen << counter.text("Combo10") << counter.rows("LV").first().section(u'|', 5, 5);
     };
@@ -632,7 +632,7 @@ void ReorderTest::whoReorderedIsStored()
                      "StockAdded = 'EVE', StockReorderUser = 'SUE'"_s);
     counter.open();
     counter.logIn(u"ann"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     reorder(counter, milk, u"5"_s, u"5"_s);
     QCOMPARE(counter.file.rows(u"SELECT * FROM StockList"_s),
              QStringList{u"A1|MILK|DRINKS|1.25|2|25|Enabled|long ago|BOB|EVE|ANN"_s});
@@ -692,7 +692,7 @@ void ReorderTest::failedUpdateShowsTheOldFigure()
     QCOMPARE(counter.text("Label13"), u"20"_s);
     QCOMPARE(logged(counter).first(), u"5 New item(s) to Stock [A1  |  MILK]. New Available Stock is 20."_s);
     QCOMPARE(counter.text("Combo10"), u"0"_s);
-    QCOMPARE(counter.state().LastReorderItem, milk); // nothing tells it that the write failed
+    QCOMPARE(counter.state().last.LastReorderItem, milk); // nothing tells it that the write failed
     QCOMPARE(counter.rows("LV").first().section(u'|', 5, 5), u"20"_s);
 }
 
@@ -811,7 +811,7 @@ void ReorderTest::moreThanSixteenBits()
     reorder(counter, milk, units, units == u"1e10"_s ? u"10000000000"_s : units);
     QCOMPARE(available(counter), stock);
     QCOMPARE(counter.text("Label13"), stock);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
     counter.boxes.expect(nothingToUndo, box::Exclamation);
     counter.click("Command23");
     QCOMPARE(available(counter), stock);
@@ -855,13 +855,13 @@ void ReorderTest::undoNeedsItsRight()
     counter.file.addItem(u"A1"_s, u"MILK"_s, 1.25, 20);
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     reorder(counter, milk, u"5"_s, u"5"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command23");
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QCOMPARE(available(counter), u"25"_s);
-    QCOMPARE(counter.state().LastReorderItem, milk);
+    QCOMPARE(counter.state().last.LastReorderItem, milk);
 }
 
 void ReorderTest::nothingToUndoAtFirst()
@@ -885,8 +885,8 @@ void ReorderTest::undoTakesTheUnitsBack()
     QVERIFY(isRed(counter, "Label12"));
     QVERIFY(isRed(counter, "Label13"));
     QCOMPARE(logged(counter).first(), u"Item(s) Removed from Stock [A1  |  MILK]. New Available Stock is 20."_s);
-    QCOMPARE(counter.state().LastReorderItem, QString());
-    QCOMPARE(int(counter.state().LastReorderQty), 6);
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
+    QCOMPARE(int(counter.state().last.LastReorderQty), 6);
     QCOMPARE(counter.rows("LV").first().section(u'|', 5, 5), u"20"_s);
     counter.boxes.expect(nothingToUndo, box::Exclamation);
     counter.click("Command23");
@@ -912,7 +912,7 @@ void ReorderTest::undoRefused()
     counter.boxes.expect(undoQuestion(u"6"_s, milk), box::Ask, Answer::No);
     counter.click("Command23");
     QCOMPARE(available(counter), u"26"_s);
-    QCOMPARE(counter.state().LastReorderItem, milk);
+    QCOMPARE(counter.state().last.LastReorderItem, milk);
 }
 
 void ReorderTest::undoOrderOfEffects()
@@ -924,7 +924,7 @@ void ReorderTest::undoOrderOfEffects()
     QStringList seen;
     counter.connection->before = [&](const QString &statement) {
         if (statement.startsWith(u"INSERT INTO SysUsage"_s))
-            seen << counter.text("Label13") << counter.state().LastReorderItem
+            seen << counter.text("Label13") << counter.state().last.LastReorderItem
                  << counter.rows("LV").first().section(u'|', 5, 5);
     };
     counter.boxes.expect(undoQuestion(u"6"_s, milk), box::Ask, Answer::Yes);
@@ -972,7 +972,7 @@ void ReorderTest::undoOfAnItemThatIsGone()
     counter.boxes.expect(undoQuestion(u"6"_s, milk), box::Ask, Answer::Yes);
     counter.click("Command23");
     QCOMPARE(counter.text("Text1"), before);
-    QCOMPARE(counter.state().LastReorderItem, milk);
+    QCOMPARE(counter.state().last.LastReorderItem, milk);
 }
 
 void ReorderTest::undoFailing()
@@ -986,7 +986,7 @@ void ReorderTest::undoFailing()
     QCOMPARE(available(counter), u"26"_s);
     QCOMPARE(counter.text("Label13"), u"26"_s);
     QCOMPARE(logged(counter).first(), u"Item(s) Removed from Stock [A1  |  MILK]. New Available Stock is 26."_s);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
 }
 
 void ReorderTest::secondReorderReplacesTheFirst()
@@ -1010,10 +1010,10 @@ void ReorderTest::nothingToUndoAfterLogout()
     reorder(counter, milk, u"6"_s, u"6"_s);
     counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
     counter.click("Command27");
-    QCOMPARE(int(counter.state().LastReorderQty), 1);
-    QCOMPARE(counter.state().LastReorderItem, QString());
+    QCOMPARE(int(counter.state().last.LastReorderQty), 1);
+    QCOMPARE(counter.state().last.LastReorderItem, QString());
     counter.logIn();
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.boxes.expect(nothingToUndo, box::Exclamation);
     counter.click("Command23");
     QCOMPARE(available(counter), u"26"_s);
@@ -1023,12 +1023,12 @@ void ReorderTest::dashboardButton()
 {
     Counter counter;
     openShop(counter);
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     counter.connection->statements.clear();
-    counter.chooseTab("TabStrip1", 2); // which refreshes the dashboard last of all
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales); // which refreshes the dashboard last of all
     const QStringList refresh = counter.connection->statements;
     QVERIFY(refresh.size() >= 4);
-    counter.chooseTab("TabStrip1", 4);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
     counter.connection->statements.clear();
     counter.file.sql(u"UPDATE StockList SET StockAvailable = 1000 WHERE StockID = 'A2'"_s);
     const QString before = counter.text("Text1");

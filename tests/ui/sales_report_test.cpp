@@ -144,11 +144,11 @@ void SalesReportTest::needsTheRight()
     int made = 0;
     counter.objects->add(classId, [&] { return ++made, std::make_unique<QObject>(); });
     openAs(counter, {u"Sales"_s, u"Undo"_s, u"Delete"_s, u"Settings"_s, u"Reorder"_s});
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.boxes.expect(u"User [JACK] doesn't have this privilege!"_s, box::Exclamation);
     openReport(counter);
     QCOMPARE(made, 0);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 5); // this refusal leads nowhere else
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::Settings); // this refusal leads nowhere else
 }
 
 void SalesReportTest::argumentsOfTheUser_data()
@@ -184,12 +184,12 @@ void SalesReportTest::argumentsOfTheUser()
         QCOMPARE(call.loggedUser, user);
     });
     openAs(counter, rights);
-    if (user != counter.state().LoggedUser)
+    if (user != counter.state().login.LoggedUser)
         counter.logIn();
     openReport(counter);
     QCOMPARE(calls, 1);
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(counter.connection));
-    QCOMPARE(counter.state().LoggedUser, user);
+    QCOMPARE(counter.state().login.LoggedUser, user);
 }
 
 void SalesReportTest::folderOfTheHost_data()
@@ -253,10 +253,10 @@ void SalesReportTest::changesByReferenceStay()
     counter.logIn();
     openReport(counter);
     QCOMPARE(counter.state().MsgTitle, u"Shop"_s);
-    QVERIFY(!counter.state().CanSettings);
-    QCOMPARE(counter.state().LoggedUser, u"JILL"_s);
+    QVERIFY(!counter.state().login.rights.CanSettings);
+    QCOMPARE(counter.state().login.LoggedUser, u"JILL"_s);
     counter.boxes.expect(u"User [JILL] doesn't have this privilege!"_s, box::Exclamation);
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
 }
 
 void SalesReportTest::connectionComesBack()
@@ -270,7 +270,7 @@ void SalesReportTest::connectionComesBack()
     counter.logIn();
     openReport(counter);
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other));
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     QVERIFY(counter.text("Command1_0").startsWith(u"B1"_s)); // what is read from now on
 }
 
@@ -288,7 +288,7 @@ void SalesReportTest::noConnectionComesBack()
     openReport(counter);
     QVERIFY(!InvBasic::connection());
     QCOMPARE(calls, 1);
-    for (int tab = 1; tab <= 5; ++tab)
+    for (const int tab : WorkArea::all)
         counter.chooseTab("TabStrip1", tab); // empty lists, and no word
     counter.click("Command1_0");
     // Without a connection there is no folder to hand over.
@@ -344,12 +344,12 @@ void SalesReportTest::failures()
     counter.open();
     counter.logIn();
     counter.settings->save(u"Option"_s, u"EmailReport"_s, u"0"_s); // which is not come to
-    const std::int16_t flag = counter.state().EmailReportFlag;
+    const std::int16_t flag = counter.state().settings.EmailReportFlag;
     openFailingReport(counter);
-    QVERIFY(counter.state().IsLoggedIn);
-    QCOMPARE(counter.state().LoggedUser, u"ADMINISTRATOR"_s);
-    QVERIFY(counter.state().CanSettings);
-    QCOMPARE(counter.state().EmailReportFlag, flag);
+    QVERIFY(counter.state().login.IsLoggedIn);
+    QCOMPARE(counter.state().login.LoggedUser, u"ADMINISTRATOR"_s);
+    QVERIFY(counter.state().login.rights.CanSettings);
+    QCOMPARE(counter.state().settings.EmailReportFlag, flag);
     QVERIFY(counter.find<QCheckBox>("Check4")->isChecked());
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(counter.connection));
     openFailingReport(counter); // once for each click
@@ -369,8 +369,8 @@ void SalesReportTest::changesBeforeAnErrorAreDropped()
     counter.logIn();
     openFailingReport(counter);
     QCOMPARE(counter.state().MsgTitle, QString());
-    QVERIFY(counter.state().CanSettings);
-    QCOMPARE(counter.state().LoggedUser, u"ADMINISTRATOR"_s);
+    QVERIFY(counter.state().login.rights.CanSettings);
+    QCOMPARE(counter.state().login.LoggedUser, u"ADMINISTRATOR"_s);
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(counter.connection));
 }
 
@@ -400,7 +400,7 @@ void SalesReportTest::emailReportFollows()
     counter.logIn();
     counter.find<QCheckBox>("Check4")->setChecked(flag == 0);
     openReport(counter);
-    QCOMPARE(int(counter.state().EmailReportFlag), flag);
+    QCOMPARE(int(counter.state().settings.EmailReportFlag), flag);
     QCOMPARE(counter.find<QCheckBox>("Check4")->isChecked(), flag != 0);
 }
 
@@ -429,9 +429,9 @@ void SalesReportTest::emailReportThatIsNoNumber()
     counter.logIn();
     openFailingReport(counter);
     QCOMPARE(counter.state().MsgTitle, QString()); // the last step has not worked
-    QVERIFY(counter.state().CanSettings);
-    QCOMPARE(counter.state().LoggedUser, u"ADMINISTRATOR"_s);
-    QCOMPARE(int(counter.state().EmailReportFlag), 1);
+    QVERIFY(counter.state().login.rights.CanSettings);
+    QCOMPARE(counter.state().login.LoggedUser, u"ADMINISTRATOR"_s);
+    QCOMPARE(int(counter.state().settings.EmailReportFlag), 1);
     QVERIFY(counter.find<QCheckBox>("Check4")->isChecked());
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other)); // written back before the error
 }
@@ -468,8 +468,8 @@ void SalesReportTest::loggedOutMeanwhile()
     counter.open();
     counter.logIn();
     openReport(counter);
-    QVERIFY(!counter.state().IsLoggedIn);
-    QCOMPARE(counter.state().LoggedUser, QString());
+    QVERIFY(!counter.state().login.IsLoggedIn);
+    QCOMPARE(counter.state().login.LoggedUser, QString());
     counter.boxes.expect(u"You must login first!"_s, box::Exclamation);
     openReport(counter);
 }
@@ -482,8 +482,8 @@ void SalesReportTest::otherUserMeanwhile()
     counter.open();
     counter.logIn();
     openReport(counter);
-    QCOMPARE(counter.state().LoggedUser, u"JILL"_s);
-    QVERIFY(!counter.state().CanSettings);
+    QCOMPARE(counter.state().login.LoggedUser, u"JILL"_s);
+    QVERIFY(!counter.state().login.rights.CanSettings);
 }
 
 void SalesReportTest::clickedAgainMeanwhile()
@@ -504,7 +504,7 @@ void SalesReportTest::clickedAgainMeanwhile()
     openReport(counter);
     QCOMPARE(calls, 3);
     QCOMPARE(open, 0);
-    QVERIFY(counter.state().IsLoggedIn);
+    QVERIFY(counter.state().login.IsLoggedIn);
 }
 
 void SalesReportTest::leavesNoListHalfRead()
@@ -529,7 +529,7 @@ void SalesReportTest::leavesNoListHalfRead()
             openReport(counter);
         });
     };
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(calls, 1);
     QCOMPARE(counter.entries("Combo17").size(), purchases);
 }

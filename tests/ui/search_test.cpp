@@ -66,7 +66,7 @@ const QString prompt = u"Please Enter Search item name or ID?"_s;
 const QString title = u"Searching for Stock Item"_s;
 
 /// The pattern's asterisks are no wildcards, so only what begins and ends with one is found.
-void openShop(Counter &counter, int tab = 2)
+void openShop(Counter &counter, int tab = WorkArea::CustomSales)
 {
     counter.file.addItem(u"*A1*"_s, u"MILK"_s, 1.25, 20, u"DRINKS"_s, u"Enabled"_s, 25);
     counter.file.addItem(u"A2"_s, u"*TEA*"_s, 2.5, 100, u"HOT DRINKS"_s);
@@ -327,7 +327,7 @@ void SearchTest::hidesTheKeypad()
 void SearchTest::liesInFront_data()
 {
     QTest::addColumn<int>("tab");
-    for (int tab = 1; tab <= 5; ++tab)
+    for (const int tab : WorkArea::all)
         QTest::addRow("%d", tab) << tab;
 }
 
@@ -349,8 +349,8 @@ void SearchTest::coversNoEntryFieldOfTheStock_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<QString>("fields");
-    QTest::newRow("add and edit") << 3 << u"Frame7"_s;
-    QTest::newRow("reorder") << 4 << u"Frame8"_s;
+    QTest::newRow("add and edit") << WorkArea::EditStock << u"Frame7"_s;
+    QTest::newRow("reorder") << WorkArea::ReorderStock << u"Frame8"_s;
 }
 
 void SearchTest::coversNoEntryFieldOfTheStock()
@@ -367,7 +367,7 @@ void SearchTest::coversNoEntryFieldOfTheStock()
     const QRect result = placeOf("Frame11");
     QVERIFY(!result.intersects(placeOf(qPrintable(fields))));
     QVERIFY(placeOf("Frame10").contains(result));
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.click("Command31");
     const QRect keypad = placeOf("Frame13");
     search(counter, u"tea"_s);
@@ -458,7 +458,7 @@ void SearchTest::selectsForTheCustomSale()
 void SearchTest::selectsForTheReorder()
 {
     Counter counter;
-    openShop(counter, 4);
+    openShop(counter, WorkArea::ReorderStock);
     search(counter, u"tea"_s);
     selectResult(counter, 0);
     QCOMPARE(entered(counter), (QStringList{u"(ALL CATEGORY)"_s, QString(), u"HOT DRINKS"_s, u"A2  |  *TEA*"_s}));
@@ -477,7 +477,7 @@ void SearchTest::selectsForTheReorder()
 void SearchTest::selectsNothingElsewhere_data()
 {
     QTest::addColumn<int>("tab");
-    for (const int tab : {1, 3, 5})
+    for (const int tab : {WorkArea::QuickSales, WorkArea::EditStock, WorkArea::Settings})
         QTest::addRow("%d", tab) << tab;
 }
 
@@ -538,8 +538,8 @@ void SearchTest::tabsHideThePanel_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<bool>("hides");
-    for (int tab = 1; tab <= 5; ++tab)
-        QTest::addRow("%d", tab) << tab << (tab != 3);
+    for (const int tab : WorkArea::all)
+        QTest::addRow("%d", tab) << tab << (tab != WorkArea::EditStock);
 }
 
 void SearchTest::tabsHideThePanel()

@@ -50,8 +50,10 @@ void SettingsTest::savesSettings()
                                                                {u"option/useposforreceipt"_s, u"1"_s},
                                                                {u"pos/com"_s, QString()}}));
     const FormState &state = counter.state();
-    QCOMPARE(state.EmailReportFlag + state.ShowDetailsFlag + state.PromptReorderFlag + state.HideFinishedFlag, 4);
-    QCOMPARE(state.ReportEmailAddress, u" a@b.example"_s);
+    QCOMPARE(state.settings.EmailReportFlag + state.settings.ShowDetailsFlag + state.settings.PromptReorderFlag +
+                 state.settings.HideFinishedFlag,
+             4);
+    QCOMPARE(state.settings.ReportEmailAddress, u" a@b.example"_s);
 }
 
 void SettingsTest::savingNeedsLogin()
@@ -72,11 +74,11 @@ void SettingsTest::savingNeedsTheRight()
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Sales"_s});
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 2);
+    counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     counter.settings->values.clear();
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command18");
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QVERIFY(counter.settings->values.isEmpty());
 }
 
@@ -89,7 +91,7 @@ void SettingsTest::quotedAddressFailsQuietly()
     counter.find<QCheckBox>("Check2")->setChecked(true);
     counter.click("Command18");
     QCOMPARE(counter.file.cell(u"SELECT AutoPurchaseCart FROM StoreSettings"_s), u"0"_s);
-    QCOMPARE(counter.state().HideFinishedFlag, std::int16_t{1}); // kept while the window stays open
+    QCOMPARE(counter.state().settings.HideFinishedFlag, std::int16_t{1}); // kept while the window stays open
     QCOMPARE(counter.text("StatusBar1_2"), u"Setting Saved!"_s);
 }
 
@@ -99,7 +101,7 @@ void SettingsTest::savedChoiceOfReceiptsSwitchesThePrinterList()
     counter.open();
     counter.logIn();
     QVERIFY(!counter.find("Combo9")->isEnabled());
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.click("Check5");
     QVERIFY(counter.find("Combo9")->isEnabled());
     counter.click("Check5");
@@ -167,7 +169,7 @@ void SettingsTest::promptFlagHasASetter()
     counter.open();
     const std::int16_t flag = 7;
     counter.window().UpdatePromptReorder(flag);
-    QCOMPARE(counter.state().PromptReorderFlag, flag);
+    QCOMPARE(counter.state().settings.PromptReorderFlag, flag);
 }
 
 QTEST_MAIN(SettingsTest)

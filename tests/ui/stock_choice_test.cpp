@@ -68,14 +68,14 @@ void clickRow(const Counter &counter, int row)
     QTest::mouseClick(list(counter).viewport(), Qt::LeftButton, {}, place);
 }
 
-void openStock(Counter &counter, int tab = 3)
+void openStock(Counter &counter, int tab = WorkArea::EditStock)
 {
     counter.file.sql(u"INSERT INTO StockList VALUES "
                      "('A1','Green Tea','Drinks',1234.5,5,6.5,'Enabled','then','x','y','z'),"
                      "('B2','Jam','FOOD',2,1,9,'Disabled','','','','')"_s);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.chooseTab("TabStrip1", tab);
     list(counter).selectRow(-1);
     counter.connection->statements.clear();
@@ -120,7 +120,7 @@ void StockChoiceTest::enterLoadsTheFields()
 void StockChoiceTest::clickOnTheReorderTab()
 {
     Counter counter;
-    openStock(counter, 4);
+    openStock(counter, WorkArea::ReorderStock);
     const QStringList before = entered(counter);
     counter.setText("Combo12", u"FOOD"_s);
     counter.connection->statements.clear();

@@ -19,7 +19,7 @@ constexpr int stockItems = 4000;
 /// ID-0, ID-1, …; every second one is low.
 void addStock(const Counter &counter, int count = stockItems);
 /// Adds them, logs in, and chooses a tab (none when it is 0).
-void openStock(Counter &counter, int tab = 3);
+void openStock(Counter &counter, int tab = WorkArea::EditStock);
 
 [[nodiscard]] RowList &stockList(const Counter &counter);
 [[nodiscard]] TextTableModel &stockRows(const Counter &counter);

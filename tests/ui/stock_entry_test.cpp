@@ -83,7 +83,7 @@ void StockEntryTest::needsTheRight()
     counter.boxes.expect(u"User [ANNA] doesn't have this privilege!"_s, box::Exclamation);
     save(counter);
     QVERIFY(counter.connection->statements.isEmpty());
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
 }
 
 void StockEntryTest::refusals_data()

@@ -42,7 +42,7 @@ void openStock(Counter &counter)
 {
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.window().activateWindow();
     QTRY_VERIFY(counter.window().isActiveWindow());
 }

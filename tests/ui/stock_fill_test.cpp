@@ -52,7 +52,7 @@ void StockFillTest::viewsHearOfRowsTogether()
     addStock(counter, many);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     const QSignalSpy inserted(&stockRows(counter), &QAbstractItemModel::rowsInserted);
     const QSignalSpy changed(&stockRows(counter), &QAbstractItemModel::dataChanged);
     const QSignalSpy reset(&stockRows(counter), &QAbstractItemModel::modelReset);
@@ -79,7 +79,7 @@ void StockFillTest::hundredThousandItems()
     counter.logIn();
     QElapsedTimer timer;
     timer.start();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QVERIFY(timer.elapsed() < hangMs);
     QCOMPARE(stockRows(counter).rowCount(), many);
     QCOMPARE(offeredNames(counter), many);
@@ -135,8 +135,8 @@ void StockFillTest::otherTabWins_data()
 {
     QTest::addColumn<int>("begun");
     QTest::addColumn<int>("chosen");
-    for (const int begun : {3, 4}) {
-        for (const int chosen : {1, 2, 3, 4, 5}) {
+    for (const int begun : {WorkArea::EditStock, WorkArea::ReorderStock}) {
+        for (const int chosen : WorkArea::all) {
             if (begun != chosen)
                 QTest::addRow("%d in the middle of %d", chosen, begun) << begun << chosen;
         }
@@ -154,10 +154,12 @@ void StockFillTest::otherTabWins()
     QVERIFY(fill.isDone());
     QCOMPARE(counter.selectedTab("TabStrip1"), chosen);
     const std::initializer_list<std::pair<const char *, QList<int>>> panels{
-        {"Frame1", {1}}, {"Frame3", {2}}, {"Frame7", {3}}, {"Frame8", {4}}, {"Frame9", {5}}, {"Frame10", {3, 4}}};
+        {"Frame1", {WorkArea::QuickSales}}, {"Frame3", {WorkArea::CustomSales}},
+        {"Frame7", {WorkArea::EditStock}},  {"Frame8", {WorkArea::ReorderStock}},
+        {"Frame9", {WorkArea::Settings}},   {"Frame10", {WorkArea::EditStock, WorkArea::ReorderStock}}};
     for (const auto &[panel, tabs] : panels)
         QVERIFY2(counter.find(panel)->isHidden() != tabs.contains(chosen), panel);
-    QCOMPARE(counter.find("Command6")->isEnabled(), chosen != 4);
+    QCOMPARE(counter.find("Command6")->isEnabled(), chosen != WorkArea::ReorderStock);
     QCOMPARE(listedIds(counter), storedIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
 }
@@ -166,8 +168,8 @@ void StockFillTest::sameTabAgain()
 {
     Counter counter;
     openStock(counter, 0);
-    const MidFill fill(counter, [&] { counter.chooseTab("TabStrip1", 3); });
-    counter.chooseTab("TabStrip1", 3);
+    const MidFill fill(counter, [&] { counter.chooseTab("TabStrip1", WorkArea::EditStock); });
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QVERIFY(fill.isDone());
     QCOMPARE(listedIds(counter), storedIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
@@ -183,14 +185,14 @@ void StockFillTest::logOutInTheMiddle()
         counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
         counter.click("Command27");
     });
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QVERIFY(fill.isDone());
-    QVERIFY(!counter.state().IsLoggedIn);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QVERIFY(!counter.state().login.IsLoggedIn);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QVERIFY(counter.find("Frame10")->isHidden());
     QVERIFY(counter.find("Frame7")->isHidden());
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QCOMPARE(listedIds(counter), storedIds(counter));
 }
 

@@ -23,7 +23,7 @@ void openStock(Counter &counter)
     counter.file.sql(u"PRAGMA synchronous = OFF"_s);
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.connection->statements.clear();
 }
 

@@ -105,7 +105,7 @@ void openStock(Counter &counter)
 {
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.connection->statements.clear();
 }
 
@@ -143,7 +143,7 @@ void StockListTest::isEmptyUntilItsTabIsChosen()
     QCOMPARE(listed(counter), QStringList());
     QCOMPARE(names(counter), QStringList());
     QVERIFY(!counter.connection->statements.contains(allStock));
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QCOMPARE(counter.connection->statements.count(allStock), 1);
     QCOMPARE(listed(counter).size(), 1);
 }

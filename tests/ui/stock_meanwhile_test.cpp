@@ -53,7 +53,7 @@ void StockMeanwhileTest::meanwhile_data()
         {"walk the rows", [](Counter &c) { QTest::keyClick(&stockList(c), Qt::Key_Home); }},
         {"Enter", [](Counter &c) { QTest::keyClick(&stockList(c), Qt::Key_Return); }},
         {"keypad", [](Counter &c) { c.click("Command31"); }},
-        {"activity", [](Counter &c) { c.chooseTab("TabStrip2", 2); }},
+        {"activity", [](Counter &c) { c.chooseTab("TabStrip2", SidePanel::SalesActivity); }},
         {"settings saved", [](Counter &c) { c.click("Command18"); }},
         {"custom sale's category", [](Counter &c) { c.setText("Combo2", u"FOOD"_s), c.click("Command8"); }},
         {"dashboard", [](Counter &c) { c.click("Command24"); }},

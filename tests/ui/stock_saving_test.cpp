@@ -71,7 +71,7 @@ void openStock(Counter &counter, const QString &user = u"ADMINISTRATOR"_s)
 {
     counter.open();
     counter.logIn(user);
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     counter.connection->statements.clear();
 }
 

@@ -71,18 +71,23 @@ QStringList visibleFrames(const Counter &counter)
 QStringList framesOf(int tab)
 {
     switch (tab) {
-    case 2:
+    case WorkArea::CustomSales:
         return {u"Frame2"_s, u"Frame3"_s};
-    case 3: // the cart's area stays as it is under the stock list
+    case WorkArea::EditStock: // the cart's area stays as it is under the stock list
         return {u"Frame2"_s, u"Frame7"_s, u"Frame10"_s};
-    case 4:
+    case WorkArea::ReorderStock:
         return {u"Frame8"_s, u"Frame10"_s};
-    case 5:
+    case WorkArea::Settings:
         return {u"Frame2"_s, u"Frame9"_s};
     default:
         return {u"Frame1"_s, u"Frame2"_s};
     }
 }
+
+constexpr std::array areasWithARight{WorkArea::CustomSales, WorkArea::EditStock, WorkArea::ReorderStock,
+                                     WorkArea::Settings};
+constexpr std::array areasThatFill{WorkArea::QuickSales, WorkArea::EditStock, WorkArea::ReorderStock,
+                                   WorkArea::Settings};
 
 const QString allStock = u"Select * from StockList"_s;
 const QString allPurchases = u"Select PurchaseID from PurchaseCart Order by PurchaseID DESC"_s;
@@ -118,7 +123,8 @@ public:
 private:
     static bool fills(int tab, const QString &statement)
     {
-        return tab == 1 ? statement.contains(u" Limit "_s) : statement == (tab == 5 ? allPurchases : allStock);
+        return tab == WorkArea::QuickSales ? statement.contains(u" Limit "_s)
+                                           : statement == (tab == WorkArea::Settings ? allPurchases : allStock);
     }
     bool m_isBegun = false;
     bool m_isDone = false;
@@ -146,11 +152,11 @@ void TabsTest::noWorkAreaBeforeLogin()
 {
     Counter counter;
     counter.open();
-    for (int tab = 1; tab <= 5; ++tab) {
+    for (const int tab : WorkArea::all) {
         counter.find("Text4")->setFocus();
         counter.boxes.expect(u"You must Login in First!"_s, box::Exclamation);
         counter.chooseTab("TabStrip1", tab);
-        QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+        QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
         QVERIFY(counter.hasFocus("Text3"));
     }
 }
@@ -159,7 +165,7 @@ void TabsTest::panelsOfEachArea_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<QStringList>("visible");
-    for (int tab = 1; tab <= 5; ++tab)
+    for (const int tab : WorkArea::all)
         QTest::addRow("%d", tab) << tab << framesOf(tab);
 }
 
@@ -173,14 +179,14 @@ void TabsTest::panelsOfEachArea()
     counter.chooseTab("TabStrip1", tab);
     QCOMPARE(counter.selectedTab("TabStrip1"), tab);
     QCOMPARE(visibleFrames(counter), visible);
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     QCOMPARE(visibleFrames(counter), (QStringList{u"Frame1"_s, u"Frame2"_s}));
 }
 
 void TabsTest::refusedAreas_data()
 {
     QTest::addColumn<int>("tab");
-    for (int tab = 2; tab <= 5; ++tab)
+    for (const int tab : areasWithARight)
         QTest::addRow("%d", tab) << tab;
 }
 
@@ -193,7 +199,7 @@ void TabsTest::refusedAreas()
     counter.logIn(u"ANN"_s, u"PW"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.chooseTab("TabStrip1", tab);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     QCOMPARE(visibleFrames(counter), (QStringList{u"Frame1"_s, u"Frame2"_s}));
 }
 
@@ -214,10 +220,10 @@ void TabsTest::reorderRightOpensTheStockArea()
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Reorder"_s});
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
-    counter.chooseTab("TabStrip1", 3);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 3);
-    counter.chooseTab("TabStrip1", 4);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 4);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::EditStock);
+    counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::ReorderStock);
 }
 
 void TabsTest::stockAreaClearsItsFields()
@@ -225,11 +231,11 @@ void TabsTest::stockAreaClearsItsFields()
     Counter counter;
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     for (const char *field : {"Combo5", "Combo6", "Combo7", "Combo8", "Combo13", "Combo14", "Combo15"})
         counter.setText(field, u"half done"_s);
-    counter.chooseTab("TabStrip1", 1);
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QCOMPARE(counter.text("Combo5"), u"OTHER CATEGORY"_s);
     QCOMPARE(counter.text("Combo6"), u"(Auto ID)"_s);
     for (const char *field : {"Combo7", "Combo8", "Combo13", "Combo14"})
@@ -241,9 +247,9 @@ void TabsTest::sellingAreasShowTheCart_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<int>("panel");
-    QTest::newRow("quick sales") << 1 << 1;
-    QTest::newRow("custom sales") << 2 << 1;
-    QTest::newRow("settings") << 5 << 2;
+    QTest::newRow("quick sales") << WorkArea::QuickSales << SidePanel::Cart;
+    QTest::newRow("custom sales") << WorkArea::CustomSales << SidePanel::Cart;
+    QTest::newRow("settings") << WorkArea::Settings << SidePanel::SalesActivity;
 }
 
 void TabsTest::sellingAreasShowTheCart()
@@ -253,7 +259,7 @@ void TabsTest::sellingAreasShowTheCart()
     Counter counter;
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip2", 2);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
     counter.chooseTab("TabStrip1", tab);
     QCOMPARE(counter.selectedTab("TabStrip2"), panel);
 }
@@ -263,8 +269,8 @@ void TabsTest::activityNeedsLogin()
     Counter counter;
     counter.open();
     counter.boxes.expect(u"You must login first!"_s, box::Exclamation);
-    counter.chooseTab("TabStrip2", 2);
-    QCOMPARE(counter.selectedTab("TabStrip2"), 1);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
+    QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::Cart);
     QVERIFY(counter.find("Frame4")->isVisible());
     QVERIFY(!counter.find("Frame5")->isVisible());
 }
@@ -276,8 +282,8 @@ void TabsTest::activityNeedsSettingsRight()
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
-    counter.chooseTab("TabStrip2", 2);
-    QCOMPARE(counter.selectedTab("TabStrip2"), 1);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
+    QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::Cart);
 }
 
 void TabsTest::activityShowsTheLog()
@@ -285,10 +291,10 @@ void TabsTest::activityShowsTheLog()
     Counter counter;
     counter.open();
     counter.logIn();
-    counter.chooseTab("TabStrip2", 2);
+    counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
     QVERIFY(counter.find("Frame5")->isVisible());
     QVERIFY(!counter.find("Frame4")->isVisible());
-    counter.chooseTab("TabStrip2", 1);
+    counter.chooseTab("TabStrip2", SidePanel::Cart);
     QVERIFY(counter.find("Frame4")->isVisible());
     QVERIFY(!counter.find("Frame5")->isVisible());
 }
@@ -299,7 +305,7 @@ void TabsTest::sameTabAgainRunsItsHandler()
     counter.open();
     counter.logIn();
     counter.connection->statements.clear();
-    counter.chooseTab("TabStrip1", 1);
+    counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     QVERIFY(counter.connection->statements.contains(
         u"Select Total(StockAvailable) as Totals from Stocklist where StockUse = 'Enabled'"_s));
 }
@@ -308,11 +314,11 @@ void TabsTest::raisedPanels_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<QStringList>("raised"); ///< the last one uppermost
-    QTest::newRow("quick sales") << 1 << QStringList{u"Frame1"_s, u"Frame2"_s};
-    QTest::newRow("custom sales") << 2 << QStringList{u"Frame3"_s, u"Frame2"_s};
-    QTest::newRow("stock") << 3 << QStringList{u"Frame10"_s, u"Frame7"_s};
-    QTest::newRow("reorder") << 4 << QStringList{u"Frame10"_s, u"Frame8"_s};
-    QTest::newRow("settings") << 5 << QStringList{u"Frame9"_s, u"Frame2"_s};
+    QTest::newRow("quick sales") << WorkArea::QuickSales << QStringList{u"Frame1"_s, u"Frame2"_s};
+    QTest::newRow("custom sales") << WorkArea::CustomSales << QStringList{u"Frame3"_s, u"Frame2"_s};
+    QTest::newRow("stock") << WorkArea::EditStock << QStringList{u"Frame10"_s, u"Frame7"_s};
+    QTest::newRow("reorder") << WorkArea::ReorderStock << QStringList{u"Frame10"_s, u"Frame8"_s};
+    QTest::newRow("settings") << WorkArea::Settings << QStringList{u"Frame9"_s, u"Frame2"_s};
 }
 
 void TabsTest::raisedPanels()
@@ -322,8 +328,8 @@ void TabsTest::raisedPanels()
     Counter counter;
     counter.open();
     counter.logIn();
-    for (int other = 5; other >= 1; --other)
-        counter.chooseTab("TabStrip1", other);
+    for (auto other = WorkArea::all.rbegin(); other != WorkArea::all.rend(); ++other)
+        counter.chooseTab("TabStrip1", *other);
     counter.chooseTab("TabStrip1", tab);
     QStringList stack;
     for (const QObject *child : counter.find("Frame1")->parent()->children())
@@ -335,15 +341,21 @@ void TabsTest::stockIsReadWhenItsPanelWasHidden_data()
 {
     QTest::addColumn<QList<int>>("tabs");
     QTest::addColumn<int>("reads");
-    QTest::newRow("stock") << QList{3} << 1;
-    QTest::newRow("reorder") << QList{4} << 1;
-    QTest::newRow("stock, reorder") << QList{3, 4} << 1;
-    QTest::newRow("reorder, stock, reorder") << QList{4, 3, 4} << 1;
-    QTest::newRow("stock twice") << QList{3, 3} << 1;
-    QTest::newRow("stock, quick sales, stock") << QList{3, 1, 3} << 2;
-    QTest::newRow("stock, custom sales, reorder") << QList{3, 2, 4} << 2;
-    QTest::newRow("reorder, settings, reorder") << QList{4, 5, 4} << 2;
-    QTest::newRow("the others") << QList{1, 2, 5, 1} << 0;
+    QTest::newRow("stock") << QList{WorkArea::EditStock} << 1;
+    QTest::newRow("reorder") << QList{WorkArea::ReorderStock} << 1;
+    QTest::newRow("stock, reorder") << QList{WorkArea::EditStock, WorkArea::ReorderStock} << 1;
+    QTest::newRow("reorder, stock, reorder")
+        << QList{WorkArea::ReorderStock, WorkArea::EditStock, WorkArea::ReorderStock} << 1;
+    QTest::newRow("stock twice") << QList{WorkArea::EditStock, WorkArea::EditStock} << 1;
+    QTest::newRow("stock, quick sales, stock")
+        << QList{WorkArea::EditStock, WorkArea::QuickSales, WorkArea::EditStock} << 2;
+    QTest::newRow("stock, custom sales, reorder")
+        << QList{WorkArea::EditStock, WorkArea::CustomSales, WorkArea::ReorderStock} << 2;
+    QTest::newRow("reorder, settings, reorder")
+        << QList{WorkArea::ReorderStock, WorkArea::Settings, WorkArea::ReorderStock} << 2;
+    QTest::newRow("the others") << QList{WorkArea::QuickSales, WorkArea::CustomSales, WorkArea::Settings,
+                                         WorkArea::QuickSales}
+                                << 0;
 }
 
 void TabsTest::stockIsReadWhenItsPanelWasHidden()
@@ -381,10 +393,10 @@ void TabsTest::newItemButtonIsSwitchedOff()
     counter.open();
     counter.logIn();
     counter.find("Command26")->setEnabled(true);
-    for (const int tab : {1, 2, 4, 5})
+    for (const int tab : {WorkArea::QuickSales, WorkArea::CustomSales, WorkArea::ReorderStock, WorkArea::Settings})
         counter.chooseTab("TabStrip1", tab);
     QVERIFY(counter.find("Command26")->isEnabled());
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QVERIFY(!counter.find("Command26")->isEnabled());
 }
 
@@ -395,13 +407,13 @@ void TabsTest::settingsListThePurchases()
     counter.open();
     counter.logIn();
     QCOMPARE(counter.entries("Combo17"), QStringList());
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.entries("Combo17"), (QStringList{u"HV3"_s, u"HV1"_s, u"HE2"_s, u"HE1"_s}));
     counter.connection->statements.clear();
-    for (const int tab : {1, 2, 3, 4})
+    for (const int tab : {WorkArea::QuickSales, WorkArea::CustomSales, WorkArea::EditStock, WorkArea::ReorderStock})
         counter.chooseTab("TabStrip1", tab);
     QVERIFY(!counter.connection->statements.contains(allPurchases));
-    counter.chooseTab("TabStrip1", 5);
+    counter.chooseTab("TabStrip1", WorkArea::Settings);
     QCOMPARE(counter.connection->statements.count(allPurchases), 1);
 }
 
@@ -411,11 +423,11 @@ void TabsTest::loadsComeBeforeThePanels_data()
     QTest::addColumn<QString>("statement");
     QTest::addColumn<QStringList>("shown"); ///< from the custom sale
     const QStringList custom{u"Frame2"_s, u"Frame3"_s};
-    QTest::newRow("quick sales") << 1 << dashboard << custom;
-    QTest::newRow("custom sales") << 2 << dashboard << custom; // its dashboard comes last
-    QTest::newRow("stock") << 3 << allStock << custom;
-    QTest::newRow("reorder") << 4 << allStock << custom;
-    QTest::newRow("settings") << 5 << allPurchases << custom;
+    QTest::newRow("quick sales") << WorkArea::QuickSales << dashboard << custom;
+    QTest::newRow("custom sales") << WorkArea::CustomSales << dashboard << custom; // its dashboard comes last
+    QTest::newRow("stock") << WorkArea::EditStock << allStock << custom;
+    QTest::newRow("reorder") << WorkArea::ReorderStock << allStock << custom;
+    QTest::newRow("settings") << WorkArea::Settings << allPurchases << custom;
 }
 
 void TabsTest::loadsComeBeforeThePanels()
@@ -426,8 +438,8 @@ void TabsTest::loadsComeBeforeThePanels()
     Counter counter;
     counter.open();
     counter.logIn();
-    if (tab != 2)
-        counter.chooseTab("TabStrip1", 2);
+    if (tab != WorkArea::CustomSales)
+        counter.chooseTab("TabStrip1", WorkArea::CustomSales);
     QStringList then;
     counter.connection->before = [&](const QString &begun) {
         if (begun == statement)
@@ -441,8 +453,8 @@ void TabsTest::dashboardIsRefreshed_data()
 {
     QTest::addColumn<int>("tab");
     QTest::addColumn<int>("times");
-    for (int tab = 1; tab <= 5; ++tab)
-        QTest::addRow("%d", tab) << tab << (tab <= 2 ? 1 : 0);
+    for (const int tab : WorkArea::all)
+        QTest::addRow("%d", tab) << tab << (tab == WorkArea::QuickSales || tab == WorkArea::CustomSales ? 1 : 0);
 }
 
 void TabsTest::dashboardIsRefreshed()
@@ -475,7 +487,7 @@ void TabsTest::refusalTouchesNothing()
     counter.connection->statements.clear();
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation, Answer::Ok, [&] {
         QCOMPARE(counter.connection->statements, QStringList());
-        QCOMPARE(visibleFrames(counter), framesOf(1));
+        QCOMPARE(visibleFrames(counter), framesOf(WorkArea::QuickSales));
     });
     counter.chooseTab("TabStrip1", tab);
     QVERIFY(!counter.connection->statements.contains(allStock));
@@ -494,7 +506,7 @@ void TabsTest::stockAreaLeavesTheSearchResult()
     counter.find("Frame11")->show();
     counter.find("Frame13")->show();
     counter.find("Frame2")->hide();
-    counter.chooseTab("TabStrip1", 3);
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QCOMPARE(visibleFrames(counter), (QStringList{u"Frame7"_s, u"Frame10"_s, u"Frame11"_s}));
 }
 
@@ -502,8 +514,8 @@ void TabsTest::tabChosenWhileAListFills_data()
 {
     QTest::addColumn<int>("begun");
     QTest::addColumn<int>("meanwhile");
-    for (const int begun : {1, 3, 4, 5}) {
-        for (int meanwhile = 1; meanwhile <= 5; ++meanwhile)
+    for (const int begun : areasThatFill) {
+        for (const int meanwhile : WorkArea::all)
             QTest::addRow("%d in the middle of %d", meanwhile, begun) << begun << meanwhile;
     }
 }
@@ -522,17 +534,17 @@ void TabsTest::tabChosenWhileAListFills()
     QVERIFY(interruption.isDone());
     QCOMPARE(counter.selectedTab("TabStrip1"), meanwhile);
     QCOMPARE(visibleFrames(counter), framesOf(meanwhile));
-    if (meanwhile == 3 || meanwhile == 4)
+    if (meanwhile == WorkArea::EditStock || meanwhile == WorkArea::ReorderStock)
         QCOMPARE(counter.rows("LV").size(), 300);
-    if (meanwhile == 5)
+    if (meanwhile == WorkArea::Settings)
         QCOMPARE(counter.entries("Combo17").size(), 300);
-    QCOMPARE(counter.find("Command5")->isEnabled(), meanwhile != 4);
+    QCOMPARE(counter.find("Command5")->isEnabled(), meanwhile != WorkArea::ReorderStock);
 }
 
 void TabsTest::logoutWhileAListFills_data()
 {
     QTest::addColumn<int>("begun");
-    for (const int begun : {1, 3, 4, 5})
+    for (const int begun : areasThatFill)
         QTest::addRow("%d", begun) << begun;
 }
 
@@ -547,10 +559,10 @@ void TabsTest::logoutWhileAListFills()
     const InTheMiddle interruption(counter, begun, [&] { counter.click("Command27"); });
     counter.chooseTab("TabStrip1", begun);
     QVERIFY(interruption.isDone());
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
-    QCOMPARE(visibleFrames(counter), framesOf(1));
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
+    QCOMPARE(visibleFrames(counter), framesOf(WorkArea::QuickSales));
     QVERIFY(counter.find("Frame12")->isVisible());
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 void TabsTest::keyboardIsGatedToo()
@@ -560,10 +572,10 @@ void TabsTest::keyboardIsGatedToo()
     counter.find("TabStrip1")->setFocus();
     counter.boxes.expect(u"You must Login in First!"_s, box::Exclamation);
     QTest::keyClick(counter.find("TabStrip1"), Qt::Key_Right);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 1);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::QuickSales);
     counter.logIn();
     QTest::keyClick(counter.find("TabStrip1"), Qt::Key_Right);
-    QCOMPARE(counter.selectedTab("TabStrip1"), 2);
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::CustomSales);
     QCOMPARE(visibleFrames(counter), (QStringList{u"Frame2"_s, u"Frame3"_s}));
 }
 

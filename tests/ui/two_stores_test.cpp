@@ -57,7 +57,7 @@ int runTill(const QStringList &arguments)
     const bool carts = work != u"sales"_s && work != u"reorders"_s;
     Till till(arguments.at(2), carts ? Till::Pace::Shop : Till::Pace::Hurried);
     till.logIn(arguments.at(3), u"PASS"_s);
-    if (!till.state().IsLoggedIn)
+    if (!till.state().login.IsLoggedIn)
         return 1;
     say(u"ready"_s);
     std::string word;

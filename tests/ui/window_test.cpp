@@ -55,7 +55,7 @@ void WindowTest::loadsLoggedOut()
     counter.open();
     QCOMPARE(counter.window().windowTitle(), u"Sales Inventory"_s);
     QCOMPARE(counter.text("StatusBar1_1"), u"Login: No User"_s);
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QCOMPARE(counter.state().CartCount, std::int16_t{0});
     QVERIFY(counter.find("Frame12")->isVisible());
     QVERIFY(!counter.find("Frame11")->isVisible());
@@ -100,7 +100,8 @@ void WindowTest::settingsAreRead()
     for (const char *name : {"Check3", "Check1", "Check2"})
         QCOMPARE(counter.find<QCheckBox>(name)->isChecked(), QString::fromLatin1(name) == check);
     const FormState &state = counter.state();
-    QCOMPARE(state.ShowDetailsFlag + 2 * state.PromptReorderFlag + 4 * state.HideFinishedFlag,
+    QCOMPARE(state.settings.ShowDetailsFlag + 2 * state.settings.PromptReorderFlag +
+                 4 * state.settings.HideFinishedFlag,
              check == "Check3"_L1 ? 1 : (check == "Check1"_L1 ? 2 : 4));
 }
 
@@ -110,9 +111,9 @@ void WindowTest::settingsThatCannotBeRead()
     counter.file.sql(
         u"UPDATE StoreSettings SET ShowDetails = 'often', Promptreorder = 70000, AutoPurchaseCart = X'41'"_s);
     counter.open();
-    QCOMPARE(counter.state().ShowDetailsFlag, std::int16_t{0});
-    QCOMPARE(counter.state().PromptReorderFlag, std::int16_t{0});
-    QCOMPARE(counter.state().HideFinishedFlag, std::int16_t{0});
+    QCOMPARE(counter.state().settings.ShowDetailsFlag, std::int16_t{0});
+    QCOMPARE(counter.state().settings.PromptReorderFlag, std::int16_t{0});
+    QCOMPARE(counter.state().settings.HideFinishedFlag, std::int16_t{0});
 }
 
 void WindowTest::emailAddress_data()
@@ -133,7 +134,7 @@ void WindowTest::emailAddress()
     counter.file.sql(change);
     counter.open();
     QCOMPARE(counter.text("Text2"), shown);
-    QCOMPARE(counter.state().ReportEmailAddress, shown);
+    QCOMPARE(counter.state().settings.ReportEmailAddress, shown);
 }
 
 void WindowTest::emailAddressThatCannotBeRead_data()
@@ -157,7 +158,7 @@ void WindowTest::emailAddressThatCannotBeRead()
     };
     counter.open();
     QCOMPARE(counter.text("Text2"), QString());
-    QCOMPARE(counter.state().ReportEmailAddress, QString());
+    QCOMPARE(counter.state().settings.ReportEmailAddress, QString());
 }
 
 void WindowTest::savedEmailReport_data()
@@ -180,7 +181,7 @@ void WindowTest::savedEmailReport()
     counter.file.sql(u"UPDATE StoreSettings SET Email = %1"_s.arg(checked ? 0 : 1));
     counter.open();
     QCOMPARE(counter.find<QCheckBox>("Check4")->isChecked(), checked);
-    QCOMPARE(counter.state().EmailReportFlag, static_cast<std::int16_t>(checked ? 1 : 0));
+    QCOMPARE(counter.state().settings.EmailReportFlag, static_cast<std::int16_t>(checked ? 1 : 0));
 }
 
 void WindowTest::savedReceiptChoice_data()
@@ -263,7 +264,7 @@ void WindowTest::loadsWithoutAnyTable()
     counter.file.sql(u"DROP TABLE StockList; DROP TABLE InventoryCategory; DROP TABLE PurchaseCart;"
                      "DROP TABLE StoreSettings; DROP TABLE Users; DROP TABLE SysUsage"_s);
     counter.open();
-    QVERIFY(!counter.state().IsLoggedIn);
+    QVERIFY(!counter.state().login.IsLoggedIn);
     QCOMPARE(counter.text("Command1_0"), u"(empty)"_s);
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn();

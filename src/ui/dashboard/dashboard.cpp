@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "basic/administrator.h"
 #include "basic/dates.h"
 #include "basic/numbers.h"
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
+
+#include <harrowby/objects.h>
 
 #include <QLabel>
 
@@ -42,14 +45,14 @@ void Inventory::RefreshDashboard()
 void Inventory::showTodaysSales()
 {
     const QString day = dayKey(m_platform.clock->now());
-    const bool everybody = m_state.LoggedUser == "ADMINISTRATOR"_L1;
+    const bool everybody = m_state.login.LoggedUser == administratorName;
     const std::optional<double> count =
-        aggregate(everybody ? statements::salesCount(day) : statements::salesCount(m_state.LoggedUser, day),
+        aggregate(everybody ? statements::salesCount(day) : statements::salesCount(m_state.login.LoggedUser, day),
                   u"totals"_s, connection());
     if (count)
         m_controls.Label6.at(SalesCount)->setText(plainText(*count));
     const std::optional<double> amount =
-        aggregate(everybody ? statements::salesAmount(day) : statements::salesAmount(m_state.LoggedUser, day),
+        aggregate(everybody ? statements::salesAmount(day) : statements::salesAmount(m_state.login.LoggedUser, day),
                   u"Counts"_s, connection());
     if (amount)
         m_controls.Label6.at(SalesAmount)->setText(twoBlanks + formatMoney(*amount));
@@ -69,7 +72,7 @@ void Inventory::showStockFigures()
 void Inventory::openReorderList(int element)
 {
     if (element == ReorderCount && leadingNumber(m_controls.Label6.at(ReorderCount)->text()) > 0.0)
-        showForeignWindow(u"Harrowby.ReorderList"_s);
+        showForeignWindow(ReorderListClassId);
 }
 
 } // namespace harrowby

@@ -7,6 +7,8 @@
 #include "store/recordset.h"
 #include "ui/inventory.h"
 
+#include <harrowby/report_component.h>
+
 #include <QCheckBox>
 
 #include <stdexcept>
@@ -17,11 +19,11 @@ namespace harrowby {
 
 void Inventory::openSalesReport()
 {
-    if (!m_state.IsLoggedIn) {
+    if (!m_state.login.IsLoggedIn) {
         warn(u"You must login first!"_s);
         return;
     }
-    if (!m_state.CanReport) {
+    if (!m_state.login.rights.CanReport) {
         refusePrivilege();
         return;
     }
@@ -42,7 +44,7 @@ void Inventory::openSalesReport()
 
 bool Inventory::callSalesReport()
 {
-    const std::unique_ptr<QObject> report = m_platform.objects->create(u"HarrowReport.ReportDll"_s);
+    const std::unique_ptr<QObject> report = m_platform.objects->create(ReportClassId);
     if (!report)
         return false;
     ReportArguments arguments;
@@ -52,10 +54,10 @@ bool Inventory::callSalesReport()
     arguments.folder = arguments.connection->location().remove(u"Harrowby.dll"_s);
     // Copies: until the last step has worked, the login stays as it was.
     QString msgTitle = m_state.MsgTitle;
-    bool canSettings = m_state.CanSettings;
-    QString loggedUser = m_state.LoggedUser;
+    bool canSettings = m_state.login.rights.CanSettings;
+    QString loggedUser = m_state.login.LoggedUser;
     arguments.msgTitle = &msgTitle;
-    arguments.mayEditStock = m_state.CanEditStock || m_state.CanReorder;
+    arguments.mayEditStock = m_state.login.rights.CanEditStock || m_state.login.rights.CanReorder;
     arguments.canSettings = &canSettings;
     arguments.loggedUser = &loggedUser;
     const FormState before = m_state;
@@ -71,18 +73,18 @@ bool Inventory::callSalesReport()
             ours = returned;
     };
     takeOver(m_state.MsgTitle, before.MsgTitle, msgTitle);
-    takeOver(m_state.CanSettings, before.CanSettings, canSettings);
-    takeOver(m_state.LoggedUser, before.LoggedUser, loggedUser);
+    takeOver(m_state.login.rights.CanSettings, before.login.rights.CanSettings, canSettings);
+    takeOver(m_state.login.LoggedUser, before.login.LoggedUser, loggedUser);
     return true;
 }
 
 bool Inventory::takeEmailReportFlag()
 {
-    const QString saved = m_platform.settings->get(u"Option"_s, u"EmailReport"_s, u"1"_s);
+    const QString saved = m_platform.settings->get(setting::EmailReport);
     const std::optional<std::int16_t> flag = valueInt16(DbValue(saved));
     if (!flag)
         return false;
-    m_state.EmailReportFlag = *flag;
+    m_state.settings.EmailReportFlag = *flag;
     m_controls.Check4->setChecked(*flag != 0);
     return true;
 }

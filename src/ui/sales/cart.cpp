@@ -11,6 +11,7 @@
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
 
 #include <QLabel>
 
@@ -83,7 +84,7 @@ void Inventory::UpdateCart()
 void Inventory::showCartTotal(const QString &total, int lines)
 {
     m_controls.Label5->setText(u"Total: "_s + total);
-    m_controls.TabStrip2->setTabText(0, u"Cart("_s + QString::number(lines) + u")"_s);
+    m_controls.TabStrip2->setTabText(SidePanel::Cart - 1, u"Cart("_s + QString::number(lines) + u")"_s);
 }
 
 std::vector<PurchaseLine> Inventory::cartLines() const
@@ -130,7 +131,7 @@ void Inventory::clearCart()
 
 void Inventory::changeLinePrice()
 {
-    if (!m_state.IsLoggedIn) {
+    if (!m_state.login.IsLoggedIn) {
         warn(u"You must login first!"_s);
         return;
     }

@@ -27,7 +27,7 @@ void Inventory::LoadStockItem(PickList &list, const QString &category)
     // The reorder panel lists finished items too, whatever the setting.
     const bool isSale = list.objectName().compare("Combo3"_L1, Qt::CaseInsensitive) == 0;
     DbRecordset items;
-    items.Open(statements::stockItems(isSale && m_state.HideFinishedFlag != 0, category), connection(),
+    items.Open(statements::stockItems(isSale && m_state.settings.HideFinishedFlag != 0, category), connection(),
                DbRecordset::Access::Walk);
     NeededTexts texts(items, u"StockID"_s, u"StockName"_s);
     PackedTexts keys;
@@ -94,7 +94,7 @@ void Inventory::addCustomItem()
 {
     if (!RequireLogin())
         return;
-    if (!m_state.CanSell) {
+    if (!m_state.login.rights.CanSell) {
         refusePrivilege();
         return;
     }

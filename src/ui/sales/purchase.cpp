@@ -26,7 +26,7 @@ void Inventory::purchaseCart()
         return;
     if (m_controls.LV3->rows().rowCount() > 0) {
         CheckoutCart(false);
-    } else if (m_state.ReceiptText.isEmpty()) {
+    } else if (m_state.last.ReceiptText.isEmpty()) {
         warn(u"Cart is Empty!"_s);
     } else if (ask(u"Reprint Last Purchase?"_s, box::Ask) == Answer::Yes) {
         reprintReceipt();
@@ -83,10 +83,10 @@ void Inventory::SaveCart()
     showCartTotal(u"0.00"_s, 0);
     m_controls.LV3->rows().clear(); // before the row is written: its values are at hand
     const QString id = savePurchase(firstId, items, lineCount, total.value());
-    m_state.LastPurchaseID = id;
+    m_state.last.LastPurchaseID = id;
     if (receipt)
         printReceiptFooter(id);
-    if (m_state.ShowDetailsFlag != 0)
+    if (m_state.settings.ShowDetailsFlag != 0)
         ask(purchaseSummary(id, items, lineCount, total.value(), m_platform.clock->now()), box::Information);
     RefreshDashboard();
 }
@@ -104,7 +104,7 @@ QString Inventory::savePurchase(const QString &firstId, const QString &items, fl
     purchase.Field(u"PurchasedItemsTotal"_s).assign(storedFigure(lineCount));
     purchase.Field(u"PurchasedItemsCost"_s).assign(storedFigure(total));
     purchase.Field(u"PurchasedDate"_s).assign(purchasedDate(m_platform.clock->now()));
-    purchase.Field(u"Users"_s).assign(m_state.LoggedUser);
+    purchase.Field(u"Users"_s).assign(m_state.login.LoggedUser);
     purchase.Update();
     return id;
 }

@@ -43,7 +43,7 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
     }
     Execute(connection(), statements::deletePurchase(id));
     RefreshDashboard();
-    m_state.LastPurchaseID.clear(); // whichever purchase it was
+    m_state.last.LastPurchaseID.clear(); // whichever purchase it was
 }
 
 void Inventory::restoreLine(const QString &element, bool mergeIntoCart)
@@ -60,19 +60,19 @@ void Inventory::undoLastPurchase()
 {
     if (m_undoing || !RequireLogin())
         return;
-    if (!m_state.CanUndo) {
+    if (!m_state.login.rights.CanUndo) {
         refuseWorkArea();
         return;
     }
-    if (m_state.LastPurchaseID.isEmpty()) {
+    if (m_state.last.LastPurchaseID.isEmpty()) {
         warn(u"Nothing to Undo!"_s);
         return;
     }
-    if (ask(u"Undo last Purchased Cart with ID ["_s + m_state.LastPurchaseID + u"]?"_s, box::Ask) != Answer::Yes)
+    if (ask(u"Undo last Purchased Cart with ID ["_s + m_state.last.LastPurchaseID + u"]?"_s, box::Ask) != Answer::Yes)
         return;
     const QScopedValueRollback undoing(m_undoing, true);
-    UndoPurchase(m_state.LastPurchaseID, true);
-    m_state.ReceiptText.clear(); // what was taken back is not to be printed again
+    UndoPurchase(m_state.last.LastPurchaseID, true);
+    m_state.last.ReceiptText.clear(); // what was taken back is not to be printed again
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
     // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
@@ -83,7 +83,7 @@ void Inventory::deletePurchase()
 {
     if (m_undoing || !RequireLogin())
         return;
-    if (!m_state.CanDelete) {
+    if (!m_state.login.rights.CanDelete) {
         refuseWorkArea();
         return;
     }

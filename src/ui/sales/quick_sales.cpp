@@ -8,6 +8,7 @@
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/tab_strip.h"
+#include "ui/work_areas.h"
 
 #include <QPushButton>
 #include <QScopeGuard>
@@ -54,7 +55,7 @@ void leadToPaging(QPushButton &pressed, QPushButton &other)
 
 void Inventory::LoadQuickSales(bool movedForward)
 {
-    const bool hideFinished = m_state.HideFinishedFlag != 0;
+    const bool hideFinished = m_state.settings.HideFinishedFlag != 0;
     const QString category = m_controls.Combo1->entryText();
     const int offset = m_state.QuickSalesOffset;
     DbRecordset page;
@@ -118,7 +119,7 @@ void Inventory::previousQuickSales()
 
 void Inventory::quickSaleCategoryChanged()
 {
-    if (!m_state.IsLoggedIn) {
+    if (!m_state.login.IsLoggedIn) {
         if (m_controls.Combo1->entryText() != statements::allCategories) {
             m_controls.Combo1->setEntryText(statements::allCategories);
             RequireLogin();
@@ -146,7 +147,7 @@ void Inventory::sellQuickly(int button)
         pressed.setOutOfStock(false);
         FindandUpdateCart(key, 1, true);
         LogActivity(key + u" Added to Cart!"_s, box::Information, false, true);
-        m_controls.TabStrip2->selectTab(1);
+        m_controls.TabStrip2->selectTab(SidePanel::Cart);
     }
 }
 

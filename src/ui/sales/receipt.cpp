@@ -11,24 +11,26 @@ namespace harrowby {
 void Inventory::PRINTS(const QString &text, bool newReceipt)
 {
     if (newReceipt) {
-        m_state.ReceiptText.clear();
+        m_state.last.ReceiptText.clear();
         if (text.isEmpty())
             return;
     }
-    m_state.ReceiptText += crLf + text;
+    m_state.last.ReceiptText += crLf + text;
     m_platform.printers->current()->printLine(text);
 }
 
 void Inventory::printReceiptHeader()
 {
-    const QString title = m_platform.settings->get(u"option"_s, u"Title"_s, m_state.MsgTitle);
-    const QString address = m_platform.settings->get(u"option"_s, u"address"_s, m_state.MsgTitle);
+    const QString title =
+        m_platform.settings->get(setting::ReceiptTitle.section, setting::ReceiptTitle.key, m_state.MsgTitle);
+    const QString address =
+        m_platform.settings->get(setting::ReceiptAddress.section, setting::ReceiptAddress.key, m_state.MsgTitle);
     printReceiptBlock(receiptHeader(title, address));
 }
 
 void Inventory::printReceiptTotals(float lineCount, float total)
 {
-    const QString currency = m_platform.settings->get(u"Option"_s, u"Currency"_s, u"N"_s);
+    const QString currency = m_platform.settings->get(setting::Currency);
     printReceiptBlock(receiptTotals(lineCount, currency, total));
 }
 
@@ -56,7 +58,7 @@ void Inventory::reprintReceipt()
     const std::shared_ptr<Printer> printer = m_platform.printers->current();
     printer->printLine(u"***REPRINTED COPY***"_s);
     printer->printLine(QString());
-    printer->printLine(m_state.ReceiptText);
+    printer->printLine(m_state.last.ReceiptText);
     printer->endDocument();
 }
 
@@ -65,7 +67,7 @@ std::shared_ptr<Printer> Inventory::UsePrinter()
     const QStringList names = m_platform.printers->deviceNames();
     for (const QString &name : names) {
         // Read afresh for each printer, as the host may write it meanwhile.
-        if (name == m_platform.settings->get(u"POS"_s, u"COM"_s, u"COM1"_s))
+        if (name == m_platform.settings->get(setting::ReceiptPrinter))
             return m_platform.printers->printer(name);
     }
     return nullptr;
@@ -81,7 +83,7 @@ bool Inventory::LoadPrinter()
     if (!printer)
         return true;
     m_platform.printers->setCurrent(printer);
-    m_controls.Combo9->setEntryText(m_platform.settings->get(u"POS"_s, u"COM"_s, u"COM1"_s));
+    m_controls.Combo9->setEntryText(m_platform.settings->get(setting::ReceiptPrinter));
     return true;
 }
 

@@ -25,28 +25,21 @@ void Inventory::saveSettings()
 {
     if (!RequireLogin())
         return;
-    if (!m_state.CanSettings) {
+    if (!m_state.login.rights.CanSettings) {
         refuseWorkArea();
         return;
     }
-    const std::int16_t email = checkValue(m_controls.Check4);
-    const std::int16_t details = checkValue(m_controls.Check3);
-    const QString address = m_controls.Text2->text();
-    const std::int16_t prompt = checkValue(m_controls.Check1);
-    const std::int16_t hideFinished = checkValue(m_controls.Check2);
-    Execute(connection(), statements::updateSettings({email, details, address, prompt, hideFinished}));
-    m_platform.settings->save(u"Option"_s, u"EmailReport"_s, QString::number(email));
-    m_platform.settings->save(u"Option"_s, u"UsePOSforReceipt"_s, QString::number(checkValue(m_controls.Check5)));
-    m_platform.settings->save(u"POS"_s, u"COM"_s, m_controls.Combo9->entryText());
+    const StoreSettings entered{checkValue(m_controls.Check4), checkValue(m_controls.Check3), m_controls.Text2->text(),
+                                checkValue(m_controls.Check1), checkValue(m_controls.Check2)};
+    Execute(connection(), statements::updateSettings(entered));
+    m_platform.settings->save(setting::EmailReport, QString::number(entered.EmailReportFlag));
+    m_platform.settings->save(setting::PrintReceipt, QString::number(checkValue(m_controls.Check5)));
+    m_platform.settings->save(setting::ReceiptPrinter, m_controls.Combo9->entryText());
     if (m_platform.printers->current()->deviceName() != m_controls.Combo9->entryText()) {
         if (const std::shared_ptr<Printer> printer = UsePrinter())
             m_platform.printers->setCurrent(printer);
     }
-    m_state.EmailReportFlag = email;
-    m_state.ShowDetailsFlag = details;
-    m_state.ReportEmailAddress = address;
-    m_state.PromptReorderFlag = prompt;
-    m_state.HideFinishedFlag = hideFinished;
+    m_state.settings = entered;
     LogActivity(u"Setting Saved!"_s, box::Information, false, true);
 }
 
@@ -57,7 +50,7 @@ void Inventory::receiptChoiceChanged()
 
 void Inventory::UpdatePromptReorder(const std::int16_t &flag)
 {
-    m_state.PromptReorderFlag = flag;
+    m_state.settings.PromptReorderFlag = flag;
 }
 
 } // namespace harrowby

@@ -86,7 +86,7 @@ void Inventory::reorderStock()
 {
     if (!RequireLogin())
         return;
-    if (!m_state.CanReorder) {
+    if (!m_state.login.rights.CanReorder) {
         refuseWorkArea();
         return;
     }
@@ -112,11 +112,11 @@ void Inventory::addUnits(DbRecordset &stock, double units)
     const QString key = m_controls.Combo11->entryText();
     // More than 16 bits hold are added all the same, and cannot be taken back.
     const std::optional<std::int16_t> undoable = toInt16(units);
-    m_state.LastReorderQty = undoable.value_or(0);
-    m_state.LastReorderItem = undoable ? trimBlanks(key) : QString();
+    m_state.last.LastReorderQty = undoable.value_or(0);
+    m_state.last.LastReorderItem = undoable ? trimBlanks(key) : QString();
     // Not rounded here, but in the undo: 1.5 come in, and 2 are taken back.
     addToStock(stock, units);
-    stock.Field(u"StockReorderUser"_s).assign(m_state.LoggedUser);
+    stock.Field(u"StockReorderUser"_s).assign(m_state.login.LoggedUser);
     stock.Update();
     showField(*m_controls.Label13, stock, u"StockAvailable"_s);
     LogActivity(plainText(units) + u" New item(s) to Stock ["_s + key + u"]. New Available Stock is "_s +
@@ -138,19 +138,19 @@ void Inventory::undoReorder()
 {
     if (!RequireLogin())
         return;
-    if (!m_state.CanUndo) {
+    if (!m_state.login.rights.CanUndo) {
         refuseWorkArea();
         return;
     }
-    if (m_state.LastReorderItem.isEmpty() || m_state.LastReorderQty < 1) {
+    if (m_state.last.LastReorderItem.isEmpty() || m_state.last.LastReorderQty < 1) {
         warn(u"Nothing to Undo!"_s);
         return;
     }
-    if (ask(u"Undo last added value of "_s + QString::number(m_state.LastReorderQty) + u" from Stock ["_s +
-                m_state.LastReorderItem + u"]?"_s,
+    if (ask(u"Undo last added value of "_s + QString::number(m_state.last.LastReorderQty) + u" from Stock ["_s +
+                m_state.last.LastReorderItem + u"]?"_s,
             box::Ask) != Answer::Yes)
         return;
-    const std::optional<QString> id = reorderedId(m_state.LastReorderItem);
+    const std::optional<QString> id = reorderedId(m_state.last.LastReorderItem);
     if (!id)
         return;
     DbRecordset stock;
@@ -161,15 +161,15 @@ void Inventory::undoReorder()
 
 void Inventory::takeUnitsBack(DbRecordset &stock)
 {
-    addToStock(stock, -m_state.LastReorderQty);
+    addToStock(stock, -m_state.last.LastReorderQty);
     stock.Update();
     showField(*m_controls.Label13, stock, u"StockAvailable"_s);
     // The number of units is not in this line, on purpose. Nor is the dashboard refreshed here.
-    LogActivity(u"Item(s) Removed from Stock ["_s + m_state.LastReorderItem + u"]. New Available Stock is "_s +
+    LogActivity(u"Item(s) Removed from Stock ["_s + m_state.last.LastReorderItem + u"]. New Available Stock is "_s +
                     m_controls.Label13->text() + u'.',
                 box::Information, false, true);
     showLowLevel(isLow(stock));
-    m_state.LastReorderItem.clear();
+    m_state.last.LastReorderItem.clear();
     FindandUpdateStock(listedStock(stock), QString());
 }
 

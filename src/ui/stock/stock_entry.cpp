@@ -79,7 +79,7 @@ void Inventory::saveStock()
 {
     if (!RequireLogin())
         return;
-    if (!m_state.CanEditStock) {
+    if (!m_state.login.rights.CanEditStock) {
         refusePrivilege();
         return;
     }
@@ -185,9 +185,9 @@ void Inventory::writeStock(DbRecordset &stock, const StockItem &item, const QStr
     stock.Field(u"StockLastUpdated"_s).assign(time);
     // Names, not times, whatever the columns are called; and a save counts as a reorder, on purpose.
     if (isNew)
-        stock.Field(u"StockAdded"_s).assign(m_state.LoggedUser);
-    stock.Field(u"StockLastModified"_s).assign(m_state.LoggedUser);
-    stock.Field(u"StockReorderUser"_s).assign(m_state.LoggedUser);
+        stock.Field(u"StockAdded"_s).assign(m_state.login.LoggedUser);
+    stock.Field(u"StockLastModified"_s).assign(m_state.login.LoggedUser);
+    stock.Field(u"StockReorderUser"_s).assign(m_state.login.LoggedUser);
     stock.Field(u"StockUse"_s).assign(item.use);
     stock.Update();
 }
