@@ -4,7 +4,7 @@
 #ifdef HARROWBY_BENCH_REPORT
 #include "plugins/report/report_dialog.h"
 #include "plugins/report/sales_chart.h"
-#include "sheet/table_view.h"
+#include "tables/table_view.h"
 
 #include <harrowby/sqlite_connection.h>
 

@@ -7,7 +7,7 @@
 #include "app/boxes/office_box.h"
 #include "app/shop/notice_place.h"
 #include "app/shop/store_guard.h"
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -77,8 +77,8 @@ LostStoreBox::LostStoreBox(StoreGuard &guard, const QString &place, std::functio
     enlargeFont(*this);
     createControls();
     layOut();
-    sheet::dress(*this);
-    sheet::makePrimary(*m_make);
+    tables::dress(*this);
+    tables::makePrimary(*m_make);
     connect(&m_job, &BackupJob::progressed, this, &LostStoreBox::showProgress);
     connect(&m_job, &BackupJob::finished, this, &LostStoreBox::finish);
     setRunning(false);
@@ -191,7 +191,7 @@ void LostStoreBox::choosePlace()
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite); // a file that is there is refused
     dialog.selectFile(m_file->text());
-    sheet::dress(dialog);
+    tables::dress(dialog);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
         m_file->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/boxes/dialog_style.h"
 
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QAbstractButton>
 #include <QMessageBox>
@@ -40,8 +40,8 @@ void dressBox(QMessageBox &box)
     box.setTextFormat(Qt::PlainText);
     enlargeFont(box);
     if (QPushButton *main = box.defaultButton())
-        sheet::makePrimary(*main);
-    sheet::dress(box);
+        tables::makePrimary(*main);
+    tables::dress(box);
 }
 
 QString failureNoticeStyle()

@@ -4,7 +4,7 @@
 #include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
 #include "basic/administrator.h"
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QDateTime>
 #include <QDialogButtonBox>
@@ -28,7 +28,7 @@ OfficePasswordDialog::OfficePasswordDialog(PasswordCheck check, WrongTries wrong
     setMinimumWidth(480);
     enlargeFont(*this);
     layOut();
-    sheet::dress(*this);
+    tables::dress(*this);
     if (pause())
         sayPause();
 }
@@ -48,12 +48,12 @@ void OfficePasswordDialog::layOut()
     form->addRow(u"User name:"_s, makeOfficeText(this, administratorName));
     form->addRow(u"&Password:"_s, m_password);
     form->setVerticalSpacing(12);
-    sheet::centreCaptions(*form);
+    tables::centreCaptions(*form);
 
     auto *buttons = new QDialogButtonBox(this);
     m_open = buttons->addButton(u"&Open"_s, QDialogButtonBox::AcceptRole);
     m_open->setDefault(true);
-    sheet::makePrimary(*m_open);
+    tables::makePrimary(*m_open);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &OfficePasswordDialog::accept);

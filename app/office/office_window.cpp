@@ -9,7 +9,7 @@
 #include "app/office/touch_tab_bar.h"
 #include "app/office/users_page.h"
 #include "app/shop/failure_text.h"
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -38,7 +38,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     m_receipt = new ReceiptPage(settings, this);
     m_backup = new BackupPage(store, settings, this);
     layOut(new UsersPage(database, this), store);
-    sheet::dress(*this);
+    tables::dress(*this);
     resize(usualSize.boundedTo(screen()->availableSize()));
 }
 

@@ -31,10 +31,10 @@ int columnOf(const QString &field, const QStringList &names)
     return -1;
 }
 
-sheet::Table emptyTable()
+tables::Table emptyTable()
 {
-    using sheet::Kind;
-    sheet::Table table;
+    using tables::Kind;
+    tables::Table table;
     table.title = u"Reorder List"_s;
     table.columns = {{u"Item code"_s, Kind::Text, false},  {u"Item"_s, Kind::Text, true},
                      {u"Category"_s, Kind::Text, false},   {u"Level"_s, Kind::Count, false},

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include <harrowby/db_connection.h>
 
@@ -26,7 +26,7 @@ public:
     /// Goes on for about this long, at least one small step.
     State step(std::chrono::milliseconds budget) noexcept;
     /// What has been read.
-    [[nodiscard]] const sheet::Table &table() const { return m_table; }
+    [[nodiscard]] const tables::Table &table() const { return m_table; }
 
 private:
     void open();
@@ -36,7 +36,7 @@ private:
     std::shared_ptr<DbConnection> m_connection;
     std::unique_ptr<DbCursor> m_cursor;
     std::vector<int> m_columns; ///< of the fields, in their order; below 0 for one that the table lacks
-    sheet::Table m_table;
+    tables::Table m_table;
     State m_state = State::Reading;
 };
 

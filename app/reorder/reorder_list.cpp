@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/reorder/reorder_list.h"
 
-#include "sheet/look.h"
-#include "sheet/output_bar.h"
-#include "sheet/table_view.h"
 #include "spoken/spoken.h"
+#include "tables/look.h"
+#include "tables/output_bar.h"
+#include "tables/table_view.h"
 
 #include <QComboBox>
 #include <QDate>
@@ -54,12 +54,12 @@ ReorderListDialog::ReorderListDialog(std::shared_ptr<DbConnection> connection, Q
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     createParts();
     layOut();
-    sheet::dress(*this);
+    tables::dress(*this);
     resize(QSize(1000, 640).boundedTo(screen()->availableSize()));
     m_timer.setInterval(0);
     connect(&m_timer, &QTimer::timeout, this, &ReorderListDialog::goOn);
     connect(m_refresh, &QPushButton::clicked, this, &ReorderListDialog::read);
-    connect(m_output, &sheet::OutputBar::done, m_status,
+    connect(m_output, &tables::OutputBar::done, m_status,
             [this](const QString &text) { reportOutcome(m_status, text); });
     read();
 }
@@ -69,7 +69,7 @@ ReorderListDialog::~ReorderListDialog() = default;
 void ReorderListDialog::createParts()
 {
     m_pages = new QStackedWidget(this);
-    m_table = new sheet::TableView(m_pages);
+    m_table = new tables::TableView(m_pages);
     m_table->setObjectName(u"items"_s);
     m_table->setAccessibleName(u"Items to reorder"_s);
     m_message = createLabel(u"message"_s, u"message"_s, m_pages);
@@ -80,10 +80,10 @@ void ReorderListDialog::createParts()
     m_status = createLabel(u"status"_s, u"caption"_s, this);
     m_refresh = createButton(u"Re&fresh"_s, u"refresh"_s, this);
     m_refresh->setShortcut(QKeySequence(Qt::Key_F5));
-    m_output = new sheet::OutputBar({[this]() -> const sheet::Table & { return m_table->table(); },
-                                     {},
-                                     [] { return u"Reorder list "_s + QDate::currentDate().toString(Qt::ISODate); }},
-                                    this);
+    m_output = new tables::OutputBar({[this]() -> const tables::Table & { return m_table->table(); },
+                                      {},
+                                      [] { return u"Reorder list "_s + QDate::currentDate().toString(Qt::ISODate); }},
+                                     this);
 }
 
 void ReorderListDialog::layOut()
@@ -138,9 +138,9 @@ void ReorderListDialog::goOn()
 
 void ReorderListDialog::showList()
 {
-    sheet::Table table = m_reading->table();
+    tables::Table table = m_reading->table();
     const auto count = table.rows.size();
-    table.notes = {sheet::dayText(QDate::currentDate())};
+    table.notes = {tables::dayText(QDate::currentDate())};
     m_table->show(std::move(table), missingColumn, Qt::DescendingOrder);
     reportOutcome(m_count, count == 1 ? u"1 item to reorder"_s : u"%1 items to reorder"_s.arg(count));
     m_pages->setCurrentIndex(0);

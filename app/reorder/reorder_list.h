@@ -12,10 +12,10 @@ class QLabel;
 class QPushButton;
 class QStackedWidget;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 class OutputBar;
 class TableView;
-} // namespace harrowby::sheet
+} // namespace harrowby::tables
 
 namespace harrowby::app {
 
@@ -28,8 +28,8 @@ public:
     explicit ReorderListDialog(std::shared_ptr<DbConnection> connection, QWidget *parent = nullptr);
     ~ReorderListDialog() override;
 
-    [[nodiscard]] sheet::TableView &table() const { return *m_table; }
-    [[nodiscard]] sheet::OutputBar &output() const { return *m_output; }
+    [[nodiscard]] tables::TableView &table() const { return *m_table; }
+    [[nodiscard]] tables::OutputBar &output() const { return *m_output; }
 
 Q_SIGNALS:
     /// The list is there, or the message says why there is none.
@@ -47,12 +47,12 @@ private:
     std::unique_ptr<LowStockReading> m_reading;
     QTimer m_timer;
     QStackedWidget *m_pages = nullptr;
-    sheet::TableView *m_table = nullptr;
+    tables::TableView *m_table = nullptr;
     QLabel *m_message = nullptr;
     QLabel *m_count = nullptr;
     QLabel *m_status = nullptr;
     QPushButton *m_refresh = nullptr;
-    sheet::OutputBar *m_output = nullptr;
+    tables::OutputBar *m_output = nullptr;
 };
 
 /// The window as the component asks for it, by the class identifier "Harrowby.ReorderList".

@@ -4,8 +4,8 @@
 #include "app/boxes/dialog_style.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/password_rules.h"
-#include "sheet/look.h"
 #include "spoken/spoken.h"
+#include "tables/look.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -59,7 +59,7 @@ FirstUserDialog::FirstUserDialog(const QString &storePath, const ReceiptProposal
     enlargeFont(*this);
     createEntries(proposal);
     layOut(storePath);
-    sheet::dress(*this);
+    tables::dress(*this);
 }
 
 QString FirstUserDialog::password() const
@@ -114,7 +114,7 @@ void FirstUserDialog::layOut(const QString &storePath)
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *create = buttons->addButton(u"&Create Store"_s, QDialogButtonBox::AcceptRole);
     create->setDefault(true);
-    sheet::makePrimary(*create);
+    tables::makePrimary(*create);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &FirstUserDialog::accept);

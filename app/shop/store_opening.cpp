@@ -4,7 +4,7 @@
 #include "app/boxes/dialog_style.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QCloseEvent>
 #include <QDialog>
@@ -50,7 +50,7 @@ public:
         rows->setSpacing(16);
         rows->addWidget(m_text);
         rows->addWidget(moving);
-        sheet::dress(*this);
+        tables::dress(*this);
     }
 
     void say(const QString &text) { m_text->setText(text); }

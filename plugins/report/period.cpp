@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/period.h"
 
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include <algorithm>
 
@@ -52,8 +52,8 @@ std::optional<QDate> dayOfKey(const QString &key)
 
 QString periodText(const Period &period)
 {
-    const QString first = sheet::dayText(period.from);
-    return period.days() == 1 ? first : u"%1 to %2"_s.arg(first, sheet::dayText(period.to));
+    const QString first = tables::dayText(period.from);
+    return period.days() == 1 ? first : u"%1 to %2"_s.arg(first, tables::dayText(period.to));
 }
 
 } // namespace harrowby::report

@@ -6,10 +6,10 @@
 #include "plugins/report/reading_runner.h"
 #include "plugins/report/sales_chart.h"
 #include "plugins/report/sales_table.h"
-#include "sheet/look.h"
-#include "sheet/output_bar.h"
-#include "sheet/table_view.h"
 #include "spoken/spoken.h"
+#include "tables/look.h"
+#include "tables/output_bar.h"
+#include "tables/table_view.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -67,7 +67,7 @@ ReportDialog::ReportDialog(std::shared_ptr<DbConnection> connection, ReportFrame
     createEmailSwitch();
     createOutput();
     layOut();
-    sheet::dress(*this);
+    tables::dress(*this);
     setMinimumSize(smallestSize); // the choices go into two rows before they lack room
     resize(usualSize.boundedTo(screen()->availableSize()));
     connectAll();
@@ -106,7 +106,7 @@ void ReportDialog::createFigures()
     m_figures->setContentsMargins(0, 0, 0, 0);
     m_figures->setSpacing(8);
     m_chart = new SalesChart(figures);
-    m_table = new sheet::TableView(figures);
+    m_table = new tables::TableView(figures);
     m_table->setObjectName(u"sales"_s);
     m_table->setAccessibleName(u"Sales"_s);
     m_figures->addWidget(m_chart, 4);
@@ -151,10 +151,10 @@ void ReportDialog::createEmailSwitch()
 
 void ReportDialog::createOutput()
 {
-    m_output = new sheet::OutputBar({[this]() -> const sheet::Table & { return m_table->table(); },
-                                     [this] { return paperFigure(m_chart->bars()); },
-                                     [this] { return fileWords(m_shownQuery); }},
-                                    this);
+    m_output = new tables::OutputBar({[this]() -> const tables::Table & { return m_table->table(); },
+                                      [this] { return paperFigure(m_chart->bars()); },
+                                      [this] { return fileWords(m_shownQuery); }},
+                                     this);
     m_status = createLabel(u"status"_s, u"caption"_s, this);
     m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
@@ -207,7 +207,7 @@ void ReportDialog::connectAll()
     connect(m_refresh, &QPushButton::clicked, this, &ReportDialog::refresh);
     connect(m_cancel, &QPushButton::clicked, this, &ReportDialog::cancel);
     connect(m_email, &QCheckBox::toggled, this, &ReportDialog::switchEmail);
-    connect(m_output, &sheet::OutputBar::done, this, &ReportDialog::say);
+    connect(m_output, &tables::OutputBar::done, this, &ReportDialog::say);
     connect(m_runner, &ReadingRunner::progressed, this, &ReportDialog::showProgress);
     connect(m_runner, &ReadingRunner::done, this, &ReportDialog::showSales);
     connect(m_runner, &ReadingRunner::failed, this, [this] {
@@ -264,7 +264,7 @@ void ReportDialog::showSales(const Sales &sales, const SalesQuery &query)
     m_table->show(salesTable(sales, query), order.column, order.order);
     m_chart->show(salesBars(sales, query));
     m_pages->setCurrentIndex(0);
-    showTotals(sheet::totalsText(m_table->table()));
+    showTotals(tables::totalsText(m_table->table()));
     m_output->setReady(true);
     Q_EMIT shown();
 }

@@ -19,10 +19,10 @@ class QProgressBar;
 class QPushButton;
 class QStackedWidget;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 class OutputBar;
 class TableView;
-} // namespace harrowby::sheet
+} // namespace harrowby::tables
 
 namespace harrowby::report {
 
@@ -49,9 +49,9 @@ public:
     ReportDialog(std::shared_ptr<DbConnection> connection, ReportFrame frame, QWidget *parent = nullptr);
     ~ReportDialog() override;
 
-    [[nodiscard]] sheet::TableView &table() const { return *m_table; }
+    [[nodiscard]] tables::TableView &table() const { return *m_table; }
     [[nodiscard]] SalesChart &chart() const { return *m_chart; }
-    [[nodiscard]] sheet::OutputBar &output() const { return *m_output; }
+    [[nodiscard]] tables::OutputBar &output() const { return *m_output; }
     [[nodiscard]] bool isReading() const;
 
 Q_SIGNALS:
@@ -97,13 +97,13 @@ private:
     QBoxLayout *m_figures = nullptr;
     QLabel *m_message = nullptr;
     SalesChart *m_chart = nullptr;
-    sheet::TableView *m_table = nullptr;
+    tables::TableView *m_table = nullptr;
     QStackedWidget *m_line = nullptr;
     QLabel *m_totals = nullptr;
     QProgressBar *m_progress = nullptr;
     QPushButton *m_cancel = nullptr;
     QCheckBox *m_email = nullptr;
-    sheet::OutputBar *m_output = nullptr;
+    tables::OutputBar *m_output = nullptr;
     QLabel *m_status = nullptr;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/sales_chart.h"
 
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QEvent>
 #include <QFontMetrics>
@@ -40,7 +40,7 @@ struct Ink
 
 Ink screenInk()
 {
-    const sheet::Look look(QGuiApplication::palette());
+    const tables::Look look(QGuiApplication::palette());
     return {look.accent, look.text, look.border, look.field};
 }
 
@@ -236,7 +236,7 @@ void SalesChart::changeEvent(QEvent *event)
         build();
 }
 
-sheet::Figure paperFigure(const Bars &bars)
+tables::Figure paperFigure(const Bars &bars)
 {
     return [bars](QPainter &painter, const QRectF &place) {
         constexpr double width = 900.0;

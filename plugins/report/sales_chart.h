@@ -2,7 +2,7 @@
 #pragma once
 
 #include "plugins/report/bars.h"
-#include "sheet/paper.h"
+#include "tables/paper.h"
 
 #include <QtCharts/QChartView>
 
@@ -34,6 +34,6 @@ private:
 };
 
 /// The bars for paper: dark on white.
-[[nodiscard]] sheet::Figure paperFigure(const Bars &bars);
+[[nodiscard]] tables::Figure paperFigure(const Bars &bars);
 
 } // namespace harrowby::report

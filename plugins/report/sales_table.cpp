@@ -7,9 +7,9 @@ namespace harrowby::report {
 
 namespace {
 
-using sheet::Cell;
-using sheet::Kind;
-using sheet::Row;
+using tables::Cell;
+using tables::Kind;
+using tables::Row;
 
 double average(const Sums &sums)
 {
@@ -21,7 +21,7 @@ Row sumsRow(Cell name, const Sums &sums)
     return {std::move(name), static_cast<double>(sums.purchases), sums.amount, average(sums)};
 }
 
-std::vector<sheet::Column> sumsColumns(const QString &name, Kind kind)
+std::vector<tables::Column> sumsColumns(const QString &name, Kind kind)
 {
     return {{name, kind, true},
             {u"Purchases"_s, Kind::Count, false},
@@ -30,7 +30,7 @@ std::vector<sheet::Column> sumsColumns(const QString &name, Kind kind)
 }
 
 /// What stands where a day should stand is one row, whatever it is.
-void addDays(sheet::Table &table, const Sales &sales)
+void addDays(tables::Table &table, const Sales &sales)
 {
     table.columns = sumsColumns(u"Day"_s, Kind::Day);
     Sums unreadable;
@@ -44,7 +44,7 @@ void addDays(sheet::Table &table, const Sales &sales)
         table.rows.push_back(sumsRow(unreadableText, unreadable));
 }
 
-void addSellers(sheet::Table &table, const Sales &sales)
+void addSellers(tables::Table &table, const Sales &sales)
 {
     table.columns = sumsColumns(u"Seller"_s, Kind::Text);
     for (const auto &[name, sums] : sales.bySeller)
@@ -63,7 +63,7 @@ Row itemRow(QStringView key, const ItemSums &sums)
     return row;
 }
 
-void addItems(sheet::Table &table, const Sales &sales)
+void addItems(tables::Table &table, const Sales &sales)
 {
     table.columns = {{u"Item code"_s, Kind::Text, false},
                      {u"Item"_s, Kind::Text, true},
@@ -93,9 +93,9 @@ QString groupingWords(Grouping grouping)
 
 } // namespace
 
-sheet::Table salesTable(const Sales &sales, const SalesQuery &query)
+tables::Table salesTable(const Sales &sales, const SalesQuery &query)
 {
-    sheet::Table table;
+    tables::Table table;
     table.title = u"Sales Report"_s;
     table.notes << periodText(query.period) + u", "_s + groupingWords(query.grouping);
     if (query.onlySeller)

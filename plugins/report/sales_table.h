@@ -2,7 +2,7 @@
 #pragma once
 
 #include "plugins/report/sales.h"
-#include "sheet/table.h"
+#include "tables/table.h"
 
 namespace harrowby::report {
 
@@ -11,7 +11,7 @@ inline const QString unreadableText = QStringLiteral("(unreadable)");
 inline const QString nobodyText = QStringLiteral("(nobody)");
 
 /// The table of the report, with its title and totals; no rows when nothing was sold.
-[[nodiscard]] sheet::Table salesTable(const Sales &sales, const SalesQuery &query);
+[[nodiscard]] tables::Table salesTable(const Sales &sales, const SalesQuery &query);
 
 /// How a table is sorted at first: days as they come, sellers and items by what they bring in.
 struct FirstOrder

@@ -6,7 +6,7 @@
 #include "app/office/user_dialog.h"
 #include "app/shop/first_user_dialog.h"
 #include "app/start/look_choice.h"
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -40,7 +40,7 @@ Form pageOf(const Arguments &...arguments)
                                          [](const QString &, const QString &, const QString &) { return true; }};
         auto *rows = new QVBoxLayout(window.get());
         rows->addWidget(new Page(arguments..., settings, window.get()));
-        harrowby::sheet::dress(*window);
+        harrowby::tables::dress(*window);
         return window;
     };
 }
@@ -340,7 +340,7 @@ void FirstUserTest::chosenLookIsWorn()
     const QPalette before = QApplication::palette();
     wearLook(look);
     // Also what is open already follows.
-    QCOMPARE(harrowby::sheet::Look(QApplication::palette()).dark, dark);
+    QCOMPARE(harrowby::tables::Look(QApplication::palette()).dark, dark);
     QCoreApplication::processEvents();
     QCOMPARE(m_dialog->grab().toImage().pixelColor(2, 2).lightness() < 128, dark);
     QCOMPARE(before == QApplication::palette(), look == LookChoice::System);

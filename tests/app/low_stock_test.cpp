@@ -2,9 +2,9 @@
 #include "app/reorder/low_stock.h"
 #include "app/reorder/reorder_list.h"
 #include "app/shop/schema.h"
-#include "sheet/csv.h"
-#include "sheet/output_bar.h"
-#include "sheet/table_view.h"
+#include "tables/csv.h"
+#include "tables/output_bar.h"
+#include "tables/table_view.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -52,7 +52,7 @@ private:
             state = reading.step(0ms);
         if (state == LowStockReading::State::Failed)
             return u"failed"_s;
-        return QString::fromUtf8(sheet::toCsv(reading.table())).section(u"\r\n"_s, 1).trimmed();
+        return QString::fromUtf8(tables::toCsv(reading.table())).section(u"\r\n"_s, 1).trimmed();
     }
 
     static void settle(const ReorderListDialog &dialog)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/report_dialog.h"
 #include "plugins/report/sales_chart.h"
-#include "sheet/output_bar.h"
-#include "sheet/table_view.h"
+#include "tables/output_bar.h"
+#include "tables/table_view.h"
 #include "tests/plugins/report/shop.h"
 
 #include <QAbstractButton>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/sales_table.h"
-#include "sheet/csv.h"
+#include "tables/csv.h"
 
 #include <QTest>
 
@@ -15,11 +15,11 @@ SalesQuery query(Grouping grouping)
     return {{QDate(2026, 11, 1), QDate(2026, 11, 30)}, grouping, {}};
 }
 
-QString lines(sheet::Table table, Grouping grouping)
+QString lines(tables::Table table, Grouping grouping)
 {
-    sheet::sortRows(table.rows, firstOrder(grouping).column, firstOrder(grouping).order);
+    tables::sortRows(table.rows, firstOrder(grouping).column, firstOrder(grouping).order);
     table.rows.push_back(table.totals);
-    return QString::fromUtf8(sheet::toCsv(table)).trimmed();
+    return QString::fromUtf8(tables::toCsv(table)).trimmed();
 }
 
 } // namespace
@@ -70,7 +70,7 @@ private Q_SLOTS:
     {
         SalesQuery own = query(Grouping::Seller);
         own.onlySeller = u"ANN"_s;
-        const sheet::Table table = salesTable(m_sales, own);
+        const tables::Table table = salesTable(m_sales, own);
         QCOMPARE(table.title, u"Sales Report"_s);
         QCOMPARE(table.notes, (QStringList{u"1 Nov 2026 to 30 Nov 2026, by seller"_s, u"Only the sales of ANN"_s}));
         QCOMPARE(fileWords(own), u"Sales 2026-11-01 to 2026-11-30 by seller"_s);

@@ -9,7 +9,7 @@
 #include <vector>
 
 /// A table of figures with a heading, and what becomes of it on screen, on paper and in a file.
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// Nothing, a text, a figure or a day. A column of figures or days may hold texts where there is no figure to give.
 using Cell = std::variant<std::monostate, QString, double, QDate>;
@@ -53,4 +53,4 @@ struct Table
 /// order.
 void sortRows(std::vector<Row> &rows, int column, Qt::SortOrder order);
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -8,7 +8,7 @@ class QFormLayout;
 class QPushButton;
 class QWidget;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// The colours of the till, made from the palette.
 struct Look
@@ -40,4 +40,4 @@ void makePrimary(QPushButton &button);
 /// Once the rows are in, and before they are shown.
 void centreCaptions(QFormLayout &form);
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sheet/paper.h"
+#include "tables/paper.h"
 
 #include <QWidget>
 
@@ -9,7 +9,7 @@
 
 class QPushButton;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// What is put out, asked for when a button is pressed.
 struct OutputSource
@@ -49,4 +49,4 @@ private:
     FileChooser m_chooseFile;
 };
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/table_view.h"
+#include "tables/table_view.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -129,4 +129,4 @@ void TableView::setWidths()
     }
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

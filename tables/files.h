@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// Writes a whole file, or leaves what was there. Why it failed; empty when it did not.
 [[nodiscard]] QString saveFile(const QString &path, const QByteArray &bytes);
@@ -12,4 +12,4 @@ namespace harrowby::sheet {
 /// The words as a file name: "Sales 2026-11-01 to 2026-11-30 by day". Signs that file systems refuse become "-".
 [[nodiscard]] QString fileNameFor(const QString &words);
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

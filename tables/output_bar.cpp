@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/output_bar.h"
+#include "tables/output_bar.h"
 
-#include "sheet/csv.h"
-#include "sheet/files.h"
-#include "sheet/look.h"
+#include "tables/csv.h"
+#include "tables/files.h"
+#include "tables/look.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -21,7 +21,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -151,4 +151,4 @@ void OutputBar::save(const QString &suffix, const std::function<QByteArray()> &c
         tellFailure(this, u"It has not been saved as\n%1\n\n%2"_s.arg(QDir::toNativeSeparators(path), problem));
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/csv.h"
+#include "tables/csv.h"
 
 #include <QTest>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 
 class CsvTest : public QObject

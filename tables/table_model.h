@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include <QAbstractTableModel>
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// Shows the rows of a table. Sorting sorts the table itself, so that paper and files have the order of the screen.
 class TableModel : public QAbstractTableModel
@@ -29,4 +29,4 @@ private:
     Table m_table;
 };
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/output_bar.h"
+#include "tables/output_bar.h"
 
 #include <QApplication>
 #include <QDir>
@@ -11,7 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 
 class OutputBarTest : public QObject

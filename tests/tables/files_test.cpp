@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/files.h"
+#include "tables/files.h"
 #include "tests/support/failing_disk.h"
 
 #include <QDir>
@@ -12,7 +12,7 @@
 
 #include <cerrno>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 namespace FailingDisk = harrowby::test::FailingDisk;
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/table_model.h"
+#include "tables/table_model.h"
 
 #include <utility>
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -70,4 +70,4 @@ void TableModel::sort(int column, Qt::SortOrder order)
     Q_EMIT layoutChanged();
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

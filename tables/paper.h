@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include <QByteArray>
 #include <QFont>
@@ -13,7 +13,7 @@
 class QPagedPaintDevice;
 class QPainter;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// Draws a picture that goes with a table, dark on white, into the rectangle.
 using Figure = std::function<void(QPainter &painter, const QRectF &place)>;
@@ -62,4 +62,4 @@ private:
 /// Draws the pages from `first` to `last` (0-based, as far as there are any). False when the device refused.
 [[nodiscard]] bool drawPages(QPagedPaintDevice &device, const Table &table, const Figure &figure, int first, int last);
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include "spoken/spoken.h"
 
@@ -21,10 +21,10 @@ using namespace Qt::StringLiterals;
 // Resources of a static library are not registered by themselves; the macro has to stand outside any namespace.
 static void registerResources()
 {
-    Q_INIT_RESOURCE(harrowby_sheet);
+    Q_INIT_RESOURCE(harrowby_tables);
 }
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -62,10 +62,10 @@ QPushButton[look="primary"]:focus { border: 3px solid @text@; }
 QPushButton[look="primary"]:disabled { color: @muted@; background: @tile@; border: 1px solid @border@; }
 
 QMessageBox {
-    messagebox-critical-icon: url(:/harrowby/sheet/box-critical-@shade@.svg);
-    messagebox-information-icon: url(:/harrowby/sheet/box-information-@shade@.svg);
-    messagebox-question-icon: url(:/harrowby/sheet/box-question-@shade@.svg);
-    messagebox-warning-icon: url(:/harrowby/sheet/box-warning-@shade@.svg);
+    messagebox-critical-icon: url(:/harrowby/tables/box-critical-@shade@.svg);
+    messagebox-information-icon: url(:/harrowby/tables/box-information-@shade@.svg);
+    messagebox-question-icon: url(:/harrowby/tables/box-question-@shade@.svg);
+    messagebox-warning-icon: url(:/harrowby/tables/box-warning-@shade@.svg);
     icon-size: 48px;
 }
 QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
@@ -90,7 +90,7 @@ QComboBox::drop-down, QDateEdit::drop-down {
     border: none; width: 40px; subcontrol-origin: padding; subcontrol-position: center right;
 }
 QComboBox::down-arrow, QDateEdit::down-arrow {
-    image: url(:/harrowby/sheet/down-@shade@.svg); width: 20px; height: 20px;
+    image: url(:/harrowby/tables/down-@shade@.svg); width: 20px; height: 20px;
 }
 QComboBox QAbstractItemView {
     background: @field@; color: @text@; border: 1px solid @edge@; outline: none;
@@ -104,7 +104,7 @@ QCheckBox::indicator {
     width: 24px; height: 24px; border: 2px solid @edge@; border-radius: 6px; background: @field@;
 }
 QCheckBox::indicator:checked {
-    background: @accent@; border-color: @accent@; image: url(:/harrowby/sheet/check-@shade@.svg);
+    background: @accent@; border-color: @accent@; image: url(:/harrowby/tables/check-@shade@.svg);
 }
 QCheckBox::indicator:disabled { background: @tile@; border-color: @border@; }
 QCheckBox::indicator:checked:disabled { background: @muted@; border-color: @muted@; }
@@ -145,8 +145,8 @@ QFileDialog QHeaderView::section { min-height: 22px; padding: 0px 6px; }
 QHeaderView::up-arrow, QHeaderView::down-arrow {
     subcontrol-origin: padding; subcontrol-position: center right; width: 16px; height: 16px; right: 4px;
 }
-QHeaderView::up-arrow { image: url(:/harrowby/sheet/up-@shade@.svg); }
-QHeaderView::down-arrow { image: url(:/harrowby/sheet/down-@shade@.svg); }
+QHeaderView::up-arrow { image: url(:/harrowby/tables/up-@shade@.svg); }
+QHeaderView::down-arrow { image: url(:/harrowby/tables/down-@shade@.svg); }
 
 QScrollBar:vertical { background: transparent; width: 16px; margin: 2px; border: none; }
 QScrollBar::handle:vertical { background: @edge@; border-radius: 6px; min-height: 44px; }
@@ -268,4 +268,4 @@ void centreCaptions(QFormLayout &form)
     }
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sheet/table_model.h"
+#include "tables/table_model.h"
 
 #include <QTreeView>
 
 class QComboBox;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 /// A table to read: whole rows, sorted by a press on a heading or with the box that sortBox() makes.
 class TableView : public QTreeView
@@ -34,4 +34,4 @@ private:
     QComboBox *m_sortBox = nullptr;
 };
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

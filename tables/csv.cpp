@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/csv.h"
+#include "tables/csv.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -58,4 +58,4 @@ QByteArray toCsv(const Table &table)
     return csv;
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

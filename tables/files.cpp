@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/files.h"
+#include "tables/files.h"
 
 #include "basic/private_files.h"
 
@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 QString saveFile(const QString &path, const QByteArray &bytes)
 {
@@ -33,4 +33,4 @@ QString fileNameFor(const QString &words)
     return QString(words).replace(refused, u"-"_s).trimmed();
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

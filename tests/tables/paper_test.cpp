@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/paper.h"
+#include "tables/paper.h"
 
 #include "tests/platform/pdf_text.h"
 
@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 
 namespace {

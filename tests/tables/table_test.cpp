@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include <QTest>
 
 #include <limits>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 
-Q_DECLARE_METATYPE(harrowby::sheet::Cell)
-Q_DECLARE_METATYPE(harrowby::sheet::Kind)
+Q_DECLARE_METATYPE(harrowby::tables::Cell)
+Q_DECLARE_METATYPE(harrowby::tables::Kind)
 
 class TableTest : public QObject
 {

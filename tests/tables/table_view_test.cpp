@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/table_view.h"
+#include "tables/table_view.h"
 
-#include "sheet/look.h"
+#include "tables/look.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
@@ -10,7 +10,7 @@
 #include <QScreen>
 #include <QTest>
 
-using namespace harrowby::sheet;
+using namespace harrowby::tables;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/paper.h"
+#include "tables/paper.h"
 
 #include <QBuffer>
 #include <QFontDatabase>
@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -216,4 +216,4 @@ QByteArray toPdf(const Table &table, const Figure &figure)
     return done ? buffer.data() : QByteArray();
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sheet/table.h"
+#include "tables/table.h"
 
 #include "basic/numbers.h"
 
@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::sheet {
+namespace harrowby::tables {
 
 namespace {
 
@@ -139,4 +139,4 @@ void sortRows(std::vector<Row> &rows, int column, Qt::SortOrder order)
     rows = std::move(sorted);
 }
 
-} // namespace harrowby::sheet
+} // namespace harrowby::tables
