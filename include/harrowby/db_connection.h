@@ -12,8 +12,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace harrowby {
+
+class SelectedRows;
 
 /// A statement that was not carried out. The component goes on without a word to the user; this is how
 /// its host learns of it.
@@ -120,7 +123,12 @@ public:
     virtual bool settle(const QString &write);
 
 private:
+    friend class SelectedRows;
+    friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
+
     FailureHandler m_failureHandler;
+    /// The component's results whose rows are fetched while loops go, those of entered handlers last.
+    std::vector<SelectedRows *> m_walks;
 };
 
 } // namespace harrowby

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/inv_basic.h"
 
+#include "store/recordset.h"
+
 #include <utility>
 
 namespace harrowby::InvBasic {
@@ -22,6 +24,8 @@ const std::shared_ptr<DbConnection> &connection()
 
 void setConnection(std::shared_ptr<DbConnection> connection)
 {
+    if (connection != slot())
+        finishWalks(slot()); // who writes from now on knows the other connection alone
     slot() = std::move(connection);
 }
 

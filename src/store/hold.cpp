@@ -11,7 +11,7 @@ namespace harrowby {
 
 Hold::Hold(const std::shared_ptr<DbConnection> &connection) noexcept
 {
-    finishWalks();
+    finishWalks(connection);
     try {
         if (connection && connection->hold())
             m_connection = connection;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "store/row_buffer.h"
 #include "store/statement.h"
 
 #include <harrowby/db_connection.h>
@@ -89,17 +88,14 @@ public:
 
 private:
     friend class DbField;
-    friend void finishWalks() noexcept;
-    static void finishAllWalks() noexcept;
     struct Private;
-    void open(const Statement &select, Access access) noexcept;
     std::unique_ptr<Private> d;
 };
 
-/// Reads what is left of every walk and closes it in the engine. Before every change, which would fail under a walk
-/// that began before another program's change; before a row is read to be changed; and before whatever may keep a walk
-/// waiting for long, such as a box: it would keep other programs from the file.
-void finishWalks() noexcept;
+/// Reads what is left of the connection's walks and closes them in the engine. Before every change, which would fail
+/// under a walk that began before another program's change; before a row is read to be changed; and before whatever may
+/// keep a walk waiting for long, such as a box: it would keep other programs from the file.
+void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
 
 /// Executes a change on the connection. Refused statements, failing ones and a null connection are reported
 /// and skipped; what the connection throws counts as a failure.

@@ -183,7 +183,7 @@ std::shared_ptr<DbConnection> Inventory::connection() const
 
 Answer Inventory::ask(const QString &text, int style)
 {
-    finishWalks(); // a box may stay open for long
+    finishWalks(connection()); // a box may stay open for long
     const Answer answer = m_platform.boxes->message(this, text, style, m_state.MsgTitle);
     m_breather.rest();
     return answer;
@@ -191,7 +191,7 @@ Answer Inventory::ask(const QString &text, int style)
 
 QString Inventory::askForText(const QString &prompt, const QString &title, const QString &initial)
 {
-    finishWalks();
+    finishWalks(connection());
     const QString answer = m_platform.boxes->input(this, prompt, title, initial);
     m_breather.rest();
     return answer;
@@ -210,7 +210,7 @@ void Inventory::refusePrivilege()
 void Inventory::showForeignWindow(const QString &classId)
 {
     // The component has no such window itself; where a host has registered none, nothing happens.
-    finishWalks();
+    finishWalks(connection());
     const std::unique_ptr<QObject> window = m_platform.objects->create(classId);
     if (!window)
         return;

@@ -70,7 +70,7 @@ void FieldTextTest::sameFromMemory()
     fill(store);
     DbRecordset rows;
     rows.Open(statements::allStock(), store.connection(), DbRecordset::Access::Walk);
-    finishWalks();
+    finishWalks(store.connection());
     QCOMPARE(inPlace(rows, u"StockName"_s), u"crème brûlée"_s);
     QCOMPARE(inPlace(rows, u"StockCost"_s), u"12.5"_s);
     rows.MoveNext();

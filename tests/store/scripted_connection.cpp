@@ -27,24 +27,25 @@ public:
 
     [[nodiscard]] Step next() override
     {
-        const QString numbered = u"next "_s + QString::number(m_connection.position + 1);
+        const QString numbered = u"next "_s + QString::number(m_at + 1);
         if (!m_connection.comesThrough(u"next"_s, DbFailure::Kind::Read) ||
             !m_connection.comesThrough(numbered, DbFailure::Kind::Read))
             return Step::Failed;
-        if (m_connection.position == m_connection.rows.size())
+        if (m_at == m_connection.rows.size())
             return Step::Done;
-        ++m_connection.position;
+        m_connection.position = ++m_at;
         return Step::Row;
     }
 
     [[nodiscard]] DbValue value(int column) const override
     {
         (void)m_connection.comesThrough(u"value"_s, DbFailure::Kind::Read);
-        return m_connection.rows[m_connection.position - 1][std::size_t(column)];
+        return m_connection.rows[m_at - 1][std::size_t(column)];
     }
 
 private:
     ScriptedConnection &m_connection;
+    std::size_t m_at = 0; ///< rows that it has reached
 };
 
 } // namespace

@@ -48,7 +48,7 @@ public:
     /// Counts a call and lets it fail as scripted; false when it is to fail.
     bool comesThrough(const QString &operation, DbFailure::Kind kind);
 
-    std::size_t position = 0; ///< rows that the last cursor has reached
+    std::size_t position = 0; ///< rows that the cursor has reached that was made or moved last
 };
 
 } // namespace harrowby

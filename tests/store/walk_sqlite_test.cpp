@@ -159,7 +159,7 @@ void TestWalkSqlite::keepsToItsStateOfTheTable()
     QVERIFY(other.run("delete from StockList where rowid > 60"));
     skip(rows, 5);
     QVERIFY(other.run("update StockList set StockID = 'other'"));
-    finishWalks();
+    finishWalks(m_store->connection());
     QVERIFY(other.run("delete from StockList"));
     QCOMPARE(rest(rows), idsFrom(55, items));
     QVERIFY(m_store->failures.empty());
@@ -182,7 +182,7 @@ void TestWalkSqlite::letsOthersWriteOnceFinished()
     rows.MoveNext();
     // In the older journal a reader keeps writers out; in the newer one it keeps the log from being taken in.
     QCOMPARE(other.run("update StockList set StockAvailable = 1"), journal == "wal"_L1);
-    finishWalks();
+    finishWalks(m_store->connection());
     QVERIFY(other.run("update StockList set StockAvailable = 2"));
     QVERIFY(other.run("pragma wal_checkpoint(truncate)"));
     QCOMPARE(rest(rows), idsFrom(1, items));
@@ -221,7 +221,7 @@ void TestWalkSqlite::interrupted()
         skip(rows, 10);
         sqlite3_interrupt(m_store->handle());
         if (finish)
-            finishWalks();
+            finishWalks(m_store->connection());
         QCOMPARE(rest(rows), idsFrom(10, 11)); // the row it stood on
         QVERIFY(rows.HasFailed());
         QCOMPARE(m_store->failures.size(), 1u);
@@ -275,7 +275,7 @@ void TestWalkSqlite::textsInPlace()
             rows.Open(statements::allStock(), m_store->connection(), access);
             skip(rows, 3);
             if (finish)
-                finishWalks();
+                finishWalks(m_store->connection());
             QByteArray buffer;
             const std::optional<QUtf8StringView> text = rows.Field(u"stockname"_s).utf8(buffer);
             QVERIFY(text);

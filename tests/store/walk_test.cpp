@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 using namespace harrowby;
 using namespace Qt::StringLiterals;
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void finishesBeforeAChange();
     void finishesOnlyOnce();
     void walksNest();
+    void finishesThoseOfItsConnection();
     void failsInTheMiddle_data();
     void failsInTheMiddle();
     void failsWhileFinishing_data();
@@ -95,7 +97,7 @@ private:
 void TestWalk::cleanup()
 {
     QCOMPARE(m_connection->liveCursors, 0);
-    finishWalks();
+    finishWalks(m_connection);
 }
 
 void TestWalk::addCounts()
@@ -152,7 +154,7 @@ void TestWalk::counts()
             open(rows);
             skip(rows, passed);
             if (finish)
-                finishWalks();
+                finishWalks(m_connection);
             QCOMPARE(rows.RecordCount(), count);
             QCOMPARE(rest(rows), namesFrom(passed, count));
             QCOMPARE(rows.RecordCount(), count);
@@ -199,7 +201,7 @@ void TestWalk::closesWhenDestroyed()
         QCOMPARE(m_connection->liveCursors, 1);
     }
     QCOMPARE(m_connection->liveCursors, 0);
-    finishWalks(); // which must not look at the one that is gone
+    finishWalks(m_connection); // which must not look at the one that is gone
     QCOMPARE(m_connection->calls.value(u"value"_s), 0);
 }
 
@@ -226,7 +228,7 @@ void TestWalk::finishesInTheMiddle()
         DbRecordset rows;
         open(rows);
         skip(rows, passed);
-        finishWalks();
+        finishWalks(m_connection);
         QCOMPARE(m_connection->liveCursors, 0);
         QCOMPARE(rows.IsEof(), passed == count);
         m_connection->rows.clear(); // too late for it
@@ -266,14 +268,17 @@ void TestWalk::finishesBeforeAChange()
 {
     using Change = std::function<void(const std::shared_ptr<DbConnection> &)>;
     QFETCH(const Change, change);
-    /// Notes at a change, and at a look for one, how many walks another connection has open.
+    /// Walks over what it watches, by its first SELECT; notes at a change, and at a look for one, whether that is open.
     class Watch final : public DbConnection
     {
     public:
-        explicit Watch(const ScriptedConnection &watched) : m_watched(watched) { m_scripted.fill(1); }
+        explicit Watch(ScriptedConnection &watched) : m_watched(watched) { m_scripted.fill(1); }
         QList<int> openAtChange;
         bool Execute(const QString &statement) override { return note(), m_scripted.Execute(statement); }
-        std::unique_ptr<DbCursor> query(const QString &select) override { return m_scripted.query(select); }
+        std::unique_ptr<DbCursor> query(const QString &select) override
+        {
+            return std::exchange(m_walks, true) ? m_scripted.query(select) : m_watched.query(select);
+        }
         std::optional<std::int64_t> countRows(const QString &select) override { return m_scripted.countRows(select); }
         std::optional<std::vector<DbRowId>> rowIds(const QString &select) override
         {
@@ -291,14 +296,16 @@ void TestWalk::finishesBeforeAChange()
 
     private:
         void note() { openAtChange << m_watched.liveCursors; }
-        const ScriptedConnection &m_watched;
+        ScriptedConnection &m_watched;
+        bool m_walks = false;
         ScriptedConnection m_scripted;
     };
     m_connection->fill(3);
-    DbRecordset rows;
-    open(rows);
-    rows.MoveNext();
     const auto watch = std::make_shared<Watch>(*m_connection);
+    DbRecordset rows;
+    rows.Open(everything, watch, Access::Walk);
+    rows.MoveNext();
+    QCOMPARE(m_connection->liveCursors, 1);
     change(watch);
     QVERIFY(!watch->openAtChange.isEmpty());
     for (const int open : watch->openAtChange)
@@ -311,42 +318,61 @@ void TestWalk::finishesOnlyOnce()
     m_connection->fill(5);
     DbRecordset rows;
     open(rows);
-    finishWalks();
+    finishWalks(m_connection);
     const int read = m_connection->calls.value(u"value"_s);
     QCOMPARE(read, 10);
-    finishWalks();
+    finishWalks(m_connection);
     QCOMPARE(m_connection->calls.value(u"value"_s), read);
     QCOMPARE(rest(rows), namesFrom(0, 5));
 }
 
 void TestWalk::walksNest()
 {
-    // Each over rows of its own: the scripted connection has one result at a time.
-    const auto other = std::make_shared<ScriptedConnection>();
-    m_connection->fill(4);
-    other->fill(6);
+    m_connection->fill(6);
     DbRecordset outer;
     open(outer);
     outer.MoveNext();
     {
         DbRecordset inner;
-        inner.Open(everything, other, Access::Walk);
+        open(inner);
         skip(inner, 2);
         QCOMPARE(inner.RecordCount(), 6);
-        finishWalks();
-        QCOMPARE(other->liveCursors, 0);
+        QCOMPARE(m_connection->liveCursors, 2);
+        finishWalks(m_connection);
         QCOMPARE(m_connection->liveCursors, 0);
         QCOMPARE(rest(inner), namesFrom(2, 6));
     }
-    QCOMPARE(rest(outer), namesFrom(1, 4));
+    QCOMPARE(rest(outer), namesFrom(1, 6));
     {
         DbRecordset inner;
         open(outer);
-        inner.Open(everything, other, Access::Walk);
+        open(inner);
     }
-    finishWalks(); // the inner one is gone, the outer one is not
+    finishWalks(m_connection); // the inner one is gone, the outer one is not
     QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(rest(outer), namesFrom(0, 6));
+}
+
+/// A walk over another connection goes on: nothing of it stands in the way of this one's changes.
+void TestWalk::finishesThoseOfItsConnection()
+{
+    const auto other = std::make_shared<ScriptedConnection>();
+    m_connection->fill(4);
+    other->fill(6);
+    DbRecordset outer;
+    DbRecordset inner;
+    open(outer);
+    inner.Open(everything, other, Access::Walk);
+    finishWalks(m_connection);
+    QCOMPARE(m_connection->liveCursors, 0);
+    QCOMPARE(other->liveCursors, 1);
+    QVERIFY(Execute(m_connection, Statement("Delete from StockList")));
+    QCOMPARE(other->liveCursors, 1);
+    finishWalks(other);
+    QCOMPARE(other->liveCursors, 0);
     QCOMPARE(rest(outer), namesFrom(0, 4));
+    QCOMPARE(rest(inner), namesFrom(0, 6));
+    finishWalks(nullptr);
 }
 
 void TestWalk::failsInTheMiddle_data()
@@ -383,7 +409,7 @@ void TestWalk::failsWhileFinishing()
     DbRecordset rows;
     open(rows);
     rows.MoveNext();
-    finishWalks();
+    finishWalks(m_connection);
     QVERIFY(rows.HasFailed());
     QCOMPARE(m_connection->liveCursors, 0);
     QCOMPARE(rest(rows), namesFrom(1, 4));
@@ -455,7 +481,7 @@ void TestWalk::valueThrows()
     open(rows);
     rows.MoveNext();
     m_connection->faults[u"value"_s] = Fault::Exception;
-    finishWalks();
+    finishWalks(m_connection);
     QVERIFY(rows.HasFailed());
     QVERIFY(rows.IsEof());
     QCOMPARE(rest(rows), QStringList());
@@ -463,19 +489,19 @@ void TestWalk::valueThrows()
 
 void TestWalk::otherWalksSurviveAFailingOne()
 {
-    const auto other = std::make_shared<ScriptedConnection>();
-    m_connection->fill(4);
-    other->fill(6);
-    other->faults[u"next 2"_s] = Fault::Exception;
+    m_connection->fill(6);
     DbRecordset outer;
     DbRecordset inner;
     open(outer);
-    inner.Open(everything, other, Access::Walk);
-    finishWalks();
+    skip(outer, 4);
+    open(inner);
+    m_connection->faults[u"next 4"_s] = Fault::Exception; // which the outer one has passed
+    finishWalks(m_connection);
     QCOMPARE(m_connection->liveCursors, 0);
-    QCOMPARE(other->liveCursors, 0);
-    QCOMPARE(rest(outer), namesFrom(0, 4));
-    QCOMPARE(rest(inner), namesFrom(0, 1));
+    QVERIFY(inner.HasFailed());
+    QVERIFY(!outer.HasFailed());
+    QCOMPARE(rest(outer), namesFrom(4, 6));
+    QCOMPARE(rest(inner), namesFrom(0, 3));
 }
 
 void TestWalk::addsARow()

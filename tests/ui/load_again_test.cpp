@@ -3,6 +3,8 @@
 #include "tests/ui/interruption.h"
 
 #include "host/inv_basic.h"
+#include "store/recordset.h"
+#include "store/statements.h"
 #include "ui/widgets/pick_list.h"
 
 #include <harrowby/init.h>
@@ -12,6 +14,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
+
+#include <sqlite3.h>
 
 #include <utility>
 
@@ -27,6 +31,7 @@ class LoadAgainTest : public QObject
 private Q_SLOTS:
     void loadedAgainWhileLoading_data();
     void loadedAgainWhileLoading();
+    void anotherConnectionFinishesTheWalks();
 };
 
 void LoadAgainTest::loadedAgainWhileLoading_data()
@@ -86,6 +91,27 @@ void LoadAgainTest::loadedAgainWhileLoading()
     close(window);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(inventory().isEmpty());
+    InvBasic::setConnection(nullptr);
+}
+
+/// Who writes through the other connection knows no walk over this one.
+void LoadAgainTest::anotherConnectionFinishesTheWalks()
+{
+    ShopFile shop;
+    for (const QString &id : {u"A1"_s, u"A2"_s, u"A3"_s})
+        shop.addItem(id, u"TEA"_s, 1.5, 10);
+    const auto first = std::make_shared<SqliteConnection>(shop.handle());
+    InvBasic::setConnection(first);
+    DbRecordset items;
+    items.Open(statements::allStock(), first, DbRecordset::Access::Walk);
+    InvBasic::setConnection(first);
+    QVERIFY(sqlite3_next_stmt(shop.handle(), nullptr)); // handed in once more, it stays as it was
+    InvBasic::setConnection(std::make_shared<SqliteConnection>(shop.handle()));
+    QVERIFY(!sqlite3_next_stmt(shop.handle(), nullptr));
+    QStringList ids;
+    for (; !items.IsEof(); items.MoveNext())
+        ids << items.Field(u"StockID"_s).text();
+    QCOMPARE(ids, (QStringList{u"A1"_s, u"A2"_s, u"A3"_s}));
     InvBasic::setConnection(nullptr);
 }
 

@@ -61,7 +61,7 @@ bool Inventory::callSalesReport()
     arguments.canSettings = &canSettings;
     arguments.loggedUser = &loggedUser;
     const FormState before = m_state;
-    finishWalks(); // the report may stay open for long
+    finishWalks(connection()); // the report may stay open for long
     if (!callAccountPreview(*report, arguments))
         return false;
     InvBasic::setConnection(arguments.connection); // this one at once: it is kept also when the next step fails

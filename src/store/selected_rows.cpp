@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+#include "store/selected_rows.h"
+
+#include "store/guarded.h"
+#include "store/recordset.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace harrowby {
+
+namespace {
+
+constexpr qsizetype firstRows = 10;
+constexpr qsizetype allRows = std::numeric_limits<qsizetype>::max();
+
+} // namespace
+
+SelectedRows::SelectedRows(std::shared_ptr<DbConnection> connection, QString select) :
+    m_connection(std::move(connection)), m_select(std::move(select))
+{
+}
+
+SelectedRows::~SelectedRows()
+{
+    endWalk();
+}
+
+void SelectedRows::readFirst() noexcept
+{
+    read(firstRows, false);
+}
+
+void SelectedRows::readForEditing() noexcept
+{
+    // What is computed from these values is written back: they must not be as old as a walk.
+    finishWalks(m_connection);
+    read(allRows, true);
+}
+
+/// Replaces the rows. What fails leaves none.
+void SelectedRows::read(qsizetype limit, bool withIds) noexcept
+{
+    forget();
+    m_hasFailed = true;
+    if (!guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { fill(limit, withIds); }))
+        forget();
+}
+
+void SelectedRows::fill(qsizetype limit, bool withIds)
+{
+    const std::unique_ptr<DbCursor> cursor = m_connection->query(m_select);
+    if (!cursor)
+        return;
+    DbCursor::Step step = cursor->next();
+    m_rows.reset(cursor->columnNames());
+    if (withIds && step == DbCursor::Step::Row)
+        readRowIds();
+    for (; step == DbCursor::Step::Row && m_rows.count() < limit; step = cursor->next())
+        appendRow(*cursor);
+    m_hasFailed = step == DbCursor::Step::Failed;
+    if (m_hasFailed)
+        forget();
+    m_isWhole = step != DbCursor::Step::Row;
+    m_rows.squeeze();
+}
+
+void SelectedRows::appendRow(const DbCursor &cursor)
+{
+    for (qsizetype i = 0; i < m_rows.columns(); ++i)
+        m_rows.append(cursor.value(static_cast<int>(i)));
+    m_rows.endRow();
+}
+
+void SelectedRows::readRowIds() noexcept
+{
+    guarded(m_connection, DbFailure::Kind::Read, m_select,
+            [this] { m_rowIds = m_connection->rowIds(m_select).value_or(std::vector<DbRowId>()); });
+}
+
+void SelectedRows::refuse(const QString &reason) noexcept
+{
+    m_hasFailed = true;
+    report(m_connection, {DbFailure::Kind::Read, m_select, reason, 0});
+}
+
+void SelectedRows::beginWalk() noexcept
+{
+    m_hasFailed = true;
+    guarded(m_connection, DbFailure::Kind::Read, m_select, [this] {
+        std::unique_ptr<DbCursor> cursor = m_connection->query(m_select);
+        if (!cursor)
+            return;
+        const DbCursor::Step step = cursor->next();
+        m_rows.reset(cursor->columnNames());
+        m_hasFailed = step == DbCursor::Step::Failed;
+        m_isWhole = step != DbCursor::Step::Row;
+        if (m_isWhole)
+            return;
+        m_connection->m_walks.push_back(this);
+        m_walk = std::move(cursor);
+    });
+}
+
+void SelectedRows::stepWalk() noexcept
+{
+    auto step = DbCursor::Step::Failed;
+    guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { step = m_walk->next(); });
+    ++m_passed;
+    m_hasFailed = step == DbCursor::Step::Failed;
+    if (step != DbCursor::Step::Row)
+        endWalk();
+}
+
+/// Reads the rows that are left, and closes the cursor.
+void SelectedRows::finishWalk() noexcept
+{
+    auto step = DbCursor::Step::Row;
+    const bool read = guarded(m_connection, DbFailure::Kind::Read, m_select, [&] {
+        for (; step == DbCursor::Step::Row; step = m_walk->next())
+            appendRow(*m_walk);
+        m_rows.squeeze();
+    });
+    m_hasFailed = !read || step == DbCursor::Step::Failed;
+    endWalk();
+}
+
+void SelectedRows::endWalk() noexcept
+{
+    if (!m_walk)
+        return;
+    std::erase(m_connection->m_walks, this);
+    m_walk.reset();
+    m_isWhole = true;
+}
+
+std::int32_t SelectedRows::count() noexcept
+{
+    if (!m_count)
+        m_count = counted();
+    return *m_count;
+}
+
+std::int32_t SelectedRows::counted() noexcept
+{
+    std::int64_t result = m_passed + m_rows.count();
+    if (!m_isWhole) {
+        std::optional<std::int64_t> found;
+        guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { found = m_connection->countRows(m_select); });
+        m_hasFailed = !found;
+        if (m_hasFailed)
+            forget();
+        result = found.value_or(0);
+    }
+    return static_cast<std::int32_t>(
+        std::clamp(result, std::int64_t(0), std::int64_t(std::numeric_limits<std::int32_t>::max())));
+}
+
+void SelectedRows::forget() noexcept
+{
+    endWalk();
+    m_rows = RowBuffer();
+    m_rowIds.clear();
+    m_passed = 0;
+    m_isWhole = true;
+}
+
+bool SelectedRows::hasRow() noexcept
+{
+    if (!m_isWhole && !m_walk)
+        read(allRows, false);
+    return !atEnd();
+}
+
+void SelectedRows::moveNext() noexcept
+{
+    if (m_walk)
+        stepWalk();
+    else if (hasRow())
+        m_rows.moveNext();
+}
+
+void SelectedRows::moveToEnd() noexcept
+{
+    static_cast<void>(hasRow());
+    endWalk();
+    m_rows.moveToEnd();
+}
+
+bool SelectedRows::lacks(const QString &column)
+{
+    return !m_hasFailed && m_rows.columns() > 0 && m_rows.column(column) < 0;
+}
+
+/// -1 when there is no current row either.
+qsizetype SelectedRows::findColumn(const QString &name)
+{
+    return hasRow() ? m_rows.column(name) : -1;
+}
+
+std::optional<DbValue> SelectedRows::value(const QString &column)
+{
+    const qsizetype found = findColumn(column);
+    if (found < 0)
+        return {};
+    return m_walk ? m_walk->value(static_cast<int>(found)) : m_rows.value(found);
+}
+
+std::optional<QByteArrayView> SelectedRows::text(const QString &column)
+{
+    const qsizetype found = findColumn(column);
+    if (found < 0)
+        return {};
+    return m_walk ? m_walk->text(static_cast<int>(found)) : m_rows.text(found);
+}
+
+std::optional<DbRowId> SelectedRows::rowId() const
+{
+    if (std::cmp_not_equal(m_rowIds.size(), m_rows.count()))
+        return {};
+    return m_rowIds[static_cast<std::size_t>(m_rows.row())];
+}
+
+void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept
+{
+    while (connection && !connection->m_walks.empty())
+        connection->m_walks.back()->finishWalk();
+}
+
+} // namespace harrowby

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "store/row_buffer.h"
+
+#include <harrowby/db_connection.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace harrowby {
+
+/// The rows that one SELECT found, and the one that is current. What fails is reported, and reads as no rows.
+class SelectedRows
+{
+public:
+    SelectedRows() = default;
+    SelectedRows(std::shared_ptr<DbConnection> connection, QString select);
+    SelectedRows(const SelectedRows &) = delete;
+    SelectedRows &operator=(const SelectedRows &) = delete;
+    ~SelectedRows();
+
+    // One of these runs the SELECT.
+    /// Reads the first rows: most results are no longer. A longer one is counted or read when it comes to that.
+    void readFirst() noexcept;
+    /// Reads all rows with their identities, as they are now and not as a walk that is under way sees them.
+    void readForEditing() noexcept;
+    /// Fetches each row when moveNext() comes to it. The connection knows of it until its end.
+    void beginWalk() noexcept;
+    /// Does not run it.
+    void refuse(const QString &reason) noexcept;
+
+    /// Whether the statement was refused, or the engine gave up.
+    [[nodiscard]] bool hasFailed() const noexcept { return m_hasFailed; }
+    [[nodiscard]] std::int32_t count() noexcept;
+
+    [[nodiscard]] bool atEnd() const noexcept { return !m_walk && m_rows.atEnd(); }
+    /// Whether there is a current row. From here on a row is looked at, so the whole result is read, all of it in one
+    /// state of the table.
+    [[nodiscard]] bool hasRow() noexcept;
+    void moveNext() noexcept;
+    void moveToEnd() noexcept;
+
+    /// Whether the columns are known and this is none of them. Of a refused SELECT they are not.
+    [[nodiscard]] bool lacks(const QString &column);
+    [[nodiscard]] std::optional<DbValue> value(const QString &column);
+    /// UTF-8 of a text; empty for every other value.
+    [[nodiscard]] std::optional<QByteArrayView> text(const QString &column);
+    /// Identity of the current row, when the rows were read for editing and have one.
+    [[nodiscard]] std::optional<DbRowId> rowId() const;
+
+private:
+    friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
+
+    void read(qsizetype limit, bool withIds) noexcept;
+    void fill(qsizetype limit, bool withIds);
+    void readRowIds() noexcept;
+    void stepWalk() noexcept;
+    void finishWalk() noexcept;
+    void endWalk() noexcept;
+    void appendRow(const DbCursor &cursor);
+    [[nodiscard]] std::int32_t counted() noexcept;
+    void forget() noexcept;
+    [[nodiscard]] qsizetype findColumn(const QString &name);
+
+    std::shared_ptr<DbConnection> m_connection;
+    QString m_select;
+    RowBuffer m_rows;
+    bool m_hasFailed = false;
+    bool m_isWhole = true; ///< `m_rows` holds the whole result, not only its first rows
+    std::optional<std::int32_t> m_count;
+    std::vector<DbRowId> m_rowIds;
+    std::unique_ptr<DbCursor> m_walk; ///< stands on the current row; null when this is no walk, or one read to its end
+    std::int64_t m_passed = 0;        ///< rows that the walk has left behind; `m_rows` never holds them
+};
+
+} // namespace harrowby
