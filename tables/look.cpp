@@ -139,7 +139,7 @@ QTreeView::item:selected { background: @selection@; color: @text@; }
 QHeaderView { background: transparent; border: none; }
 QHeaderView::section {
     background: @tile@; color: @muted@; border: none; border-bottom: 1px solid @border@;
-    padding: 0px 22px 0px 6px; min-height: 42px; font-size: 10pt; font-weight: bold;
+    padding: 0px 8px 0px 6px; min-height: 42px; font-size: 10pt; font-weight: bold;
 }
 QFileDialog QHeaderView::section { min-height: 22px; padding: 0px 6px; }
 QHeaderView::up-arrow, QHeaderView::down-arrow {

@@ -6,7 +6,9 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +17,9 @@ namespace harrowby::tables {
 namespace {
 
 constexpr int headingHeight = 44;
-constexpr int shortestSortText = 15; // capital letters
+constexpr int shortestSortText = 17;    // capital letters
+constexpr int lettersOfStretching = 24; // that a column which takes the rest should have, at least
+constexpr int headingExtra = 7;         // letters: the sort arrow, and the margins
 
 QStringList headings(const Table &table)
 {
@@ -115,17 +119,45 @@ void TableView::followHeading(int column, Qt::SortOrder order)
     scrollToTop();
 }
 
+void TableView::resizeEvent(QResizeEvent *event)
+{
+    QTreeView::resizeEvent(event);
+    if (isNarrow() != m_isNarrow) // only then, as a person may have dragged a heading
+        setWidths();
+}
+
+int TableView::usualWidth(const Column &column) const
+{
+    const int heading = static_cast<int>(column.heading.size()) + headingExtra;
+    return std::max(heading, lettersOf(column.kind)) * fontMetrics().averageCharWidth();
+}
+
+bool TableView::isNarrow() const
+{
+    const std::vector<Column> &columns = m_model->table().columns;
+    const int letter = fontMetrics().averageCharWidth();
+    const int taken = std::accumulate(columns.begin(), columns.end(), 0, [&](int sum, const Column &column) {
+        return sum + (column.stretches ? lettersOfStretching * letter : usualWidth(column));
+    });
+    return taken > viewport()->width();
+}
+
+/// What heading and cells need, in a view that has no room for more. The hint has room for the arrow, shown or not.
+int TableView::leastWidth(int column) const
+{
+    return std::max(header()->sectionSizeHint(column), sizeHintForColumn(column));
+}
+
 void TableView::setWidths()
 {
-    const Table &table = m_model->table();
-    const int sign = fontMetrics().averageCharWidth();
+    m_isNarrow = isNarrow();
     for (int i = 0; i < m_model->columnCount(); ++i) {
-        const Column &column = table.columns.at(static_cast<std::size_t>(i));
-        const int heading = static_cast<int>(column.heading.size()) + 7; // and the arrow
-        const int wide = std::max(heading, lettersOf(column.kind));
+        const Column &column = m_model->table().columns.at(static_cast<std::size_t>(i));
         header()->setSectionResizeMode(i, column.stretches ? QHeaderView::Stretch : QHeaderView::Interactive);
-        if (!column.stretches)
-            header()->resizeSection(i, wide * sign);
+        if (column.stretches)
+            continue;
+        const int usual = usualWidth(column);
+        header()->resizeSection(i, m_isNarrow ? std::min(usual, leastWidth(i)) : usual);
     }
 }
 

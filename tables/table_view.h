@@ -25,13 +25,21 @@ public:
     /// A box that sorts without a mouse; it follows the headings.
     [[nodiscard]] QComboBox *createSortBox(QWidget *parent);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void fillSortBox();
     void followHeading(int column, Qt::SortOrder order);
     void setWidths();
+    [[nodiscard]] int usualWidth(const Column &column) const;
+    [[nodiscard]] int leastWidth(int column) const;
+    /// Whether the column that takes the rest lacks room, so that the others give up what they do not need.
+    [[nodiscard]] bool isNarrow() const;
 
     TableModel *m_model;
     QComboBox *m_sortBox = nullptr;
+    bool m_isNarrow = false;
 };
 
 } // namespace harrowby::tables

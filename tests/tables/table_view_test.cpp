@@ -127,6 +127,43 @@ private Q_SLOTS:
         QCOMPARE(column(view, 0), u"C B A"_s);
     }
 
+    void aNameHasRoomInANarrowView()
+    {
+        Table table;
+        table.columns = {{u"Item code"_s, Kind::Text, false},  {u"Item"_s, Kind::Text, true},
+                         {u"Category"_s, Kind::Text, false},   {u"Level"_s, Kind::Count, false},
+                         {u"Available"_s, Kind::Count, false}, {u"Missing"_s, Kind::Count, false}};
+        table.rows = {{u"SNA-0007"_s, u"BREAKFAST TEA 80 BAGS"_s, u"STATIONERY"_s, 15.0, 11.0, 4.0}};
+        QDialog dialog;
+        TableView view(&dialog);
+        const QComboBox *box = view.createSortBox(&dialog);
+        dress(dialog);
+        dialog.resize(1400, 400);
+        view.resize(1300, 400);
+        dialog.show();
+        view.show(table, 5, Qt::DescendingOrder);
+        const auto need = [&](int column) { return view.visualRect(view.model()->index(0, column)).width(); };
+        const int usual = need(2);
+        view.resize(740, 400); // as on a screen of 800 or 768
+        const QString name = view.model()->index(0, 1).data().toString();
+        QVERIFY2(need(1) >= view.fontMetrics().horizontalAdvance(name) + 12, qPrintable(QString::number(need(1))));
+        for (int column = 0; column < view.model()->columnCount(); ++column) {
+            const QString text = view.model()->index(0, column).data().toString();
+            QVERIFY2(need(column) >= view.fontMetrics().horizontalAdvance(text) + 12, qPrintable(text));
+            const QString heading = view.model()->headerData(column, Qt::Horizontal).toString();
+            const QFontMetrics letters(view.header()->font());
+            QVERIFY2(need(column) >= letters.horizontalAdvance(heading) + 24, qPrintable(heading));
+        }
+        for (int entry = 0; entry < box->count(); ++entry) {
+            const QString text = box->itemText(entry);
+            const int arrowAndPadding = 56;
+            QVERIFY2(box->sizeHint().width() >= box->fontMetrics().horizontalAdvance(text) + arrowAndPadding,
+                     qPrintable(text));
+        }
+        view.resize(1300, 400);
+        QCOMPARE(need(2), usual);
+    }
+
     void aNameIsNoMarkup()
     {
         TableView view;
