@@ -1,0 +1,79 @@
+# Builds the Debian packages and looks at what they hold and ask for. Nothing is installed.
+file(REMOVE_RECURSE ${WORK_DIR}/debian)
+
+function(run output)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE errors)
+    if(NOT result EQUAL 0)
+        list(JOIN ARGN " " command)
+        message(FATAL_ERROR "Failed (${result}): ${command}\n${text}${errors}")
+    endif()
+    set(${output} "${text}" PARENT_SCOPE)
+endfunction()
+
+run(ignored ${CPACK} --config ${BUILD_DIR}/CPackConfig.cmake -G DEB -C ${BUILD_TYPE} -B ${WORK_DIR}/debian)
+
+# look(PACKAGE HOLDS file... DEPENDS regular-expression... RECOMMENDS ... LACKS regular-expression...)
+function(look package)
+    cmake_parse_arguments(ARG "" "" "HOLDS;DEPENDS;RECOMMENDS;LACKS" ${ARGN})
+    file(GLOB archive ${WORK_DIR}/debian/${package}_${VERSION}_*.deb)
+    if(NOT archive)
+        message(FATAL_ERROR "No package ${package} ${VERSION}")
+    endif()
+    run(contents dpkg-deb --contents ${archive})
+    foreach(file ${ARG_HOLDS} usr/share/doc/${package}/copyright)
+        string(FIND "${contents}" " ./${file}" found)
+        if(found EQUAL -1)
+            message(FATAL_ERROR "${package} lacks ${file}:\n${contents}")
+        endif()
+    endforeach()
+    foreach(strange ${ARG_LACKS} " \\./usr/local" " \\./src" "\\.a\n")
+        if(contents MATCHES "${strange}")
+            message(FATAL_ERROR "${package} holds ${strange}:\n${contents}")
+        endif()
+    endforeach()
+    string(REGEX MATCHALL "[^\n]+ \\./" lines "${contents}")
+    foreach(line ${lines})
+        if(NOT line MATCHES "^[-dl]rw.r.[-x]r.[-x] root/root|^lrwxrwxrwx root/root")
+            message(FATAL_ERROR "${package}: whose, and for whom? ${line}")
+        endif()
+    endforeach()
+    foreach(field DEPENDS RECOMMENDS)
+        run(value dpkg-deb --field ${archive} ${field})
+        foreach(wanted ${ARG_${field}})
+            if(NOT "${value}" MATCHES "(^|, )${wanted}( |,|\n|$)")
+                message(FATAL_ERROR "${package} does not ask for ${wanted} (${field}): ${value}")
+            endif()
+        endforeach()
+        # Whoever installs all four does not want a compiler.
+        if("${value}" MATCHES "g\\+\\+|cmake|build-essential")
+            message(FATAL_ERROR "${package} brings a compiler (${field}): ${value}")
+        endif()
+    endforeach()
+endfunction()
+
+set(runtime libharrowby-inventory${MAJOR})
+set(same "${runtime} \\(= ${VERSION}\\)")
+look(${runtime}
+    HOLDS usr/${LIBDIR}/libharrowby-inventory.so.${VERSION} usr/${LIBDIR}/libharrowby-inventory.so.${MAJOR}
+    DEPENDS libqt6widgets6 libqt6svg6 libsqlite3-0 fonts-dejavu-core
+    RECOMMENDS cups-client
+    LACKS "/include/" "libharrowby-inventory\\.so ")
+look(libharrowby-inventory-dev
+    HOLDS usr/include/harrowby/init.h usr/include/harrowby/export.h usr/${LIBDIR}/libharrowby-inventory.so
+        usr/${LIBDIR}/cmake/HarrowbyInventory/HarrowbyInventoryConfig.cmake
+    DEPENDS ${same} qt6-base-dev)
+look(harrowby
+    HOLDS usr/bin/harrowby usr/share/applications/harrowby.desktop
+        usr/share/icons/hicolor/scalable/apps/harrowby.svg
+    DEPENDS ${same} libsqlite3-0
+    RECOMMENDS cups-client harrowby-report qt6-virtualkeyboard-plugin qml6-module-qtquick-virtualkeyboard
+    LACKS "\\.so" "/include/")
+if(REPORT)
+    look(harrowby-report
+        HOLDS usr/${LIBDIR}/harrowby/plugins/harrowby-report.so
+        DEPENDS ${same} libqt6charts6)
+    run(licence sh -c "dpkg-deb --fsys-tarfile ${WORK_DIR}/debian/harrowby-report_*.deb | tar -xO ./usr/share/doc/harrowby-report/copyright")
+    if(NOT licence MATCHES "GNU General Public License, version 3")
+        message(FATAL_ERROR "The report's package does not say its licence")
+    endif()
+endif()
