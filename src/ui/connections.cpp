@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Which control calls which handler.
 #include "ui/focus_order.h"
+#include "ui/gates.h"
 #include "ui/inventory.h"
+#include "ui/keypad.h"
+#include "ui/stock/stock_fields.h"
 #include "ui/widgets/enter_presses.h"
 #include "ui/widgets/link_label.h"
 #include "ui/widgets/pick_list.h"
@@ -45,18 +48,37 @@ private:
     void handle(Sender *sender, Signal signal, Handler handler, Bound... bound) const
     {
         QObject::connect(sender, signal, m_window, [window = m_window, handler, bound...] {
+            window->m_fence.run([&] { call(*window, handler, bound...); });
+        });
+    }
+    /// The same for those alone who pass the gate.
+    template <typename Sender, typename Signal, typename Handler, typename... Bound>
+    void handleGated(Sender *sender, Signal signal, const Gate &gate, Handler handler, Bound... bound) const
+    {
+        QObject::connect(sender, signal, m_window, [window = m_window, gate, handler, bound...] {
             window->m_fence.run([&] {
-                if constexpr (std::is_invocable_v<Handler, Inventory &, Bound...>)
-                    std::invoke(handler, *window, bound...);
-                else
-                    std::invoke(handler, window->m_controls, bound...);
+                if (window->passes(gate))
+                    call(*window, handler, bound...);
             });
         });
+    }
+    template <typename Handler, typename... Bound>
+    static void call(Inventory &window, Handler handler, Bound... bound)
+    {
+        if constexpr (std::is_invocable_v<Handler, Inventory &, Bound...>)
+            std::invoke(handler, window, bound...);
+        else
+            std::invoke(handler, window.m_controls, bound...);
     }
     template <typename Handler, typename... Bound>
     void handleClick(QAbstractButton *button, Handler handler, Bound... bound) const
     {
         handle(button, &QAbstractButton::clicked, handler, bound...);
+    }
+    template <typename Handler, typename... Bound>
+    void handleGatedClick(QAbstractButton *button, const Gate &gate, Handler handler, Bound... bound) const
+    {
+        handleGated(button, &QAbstractButton::clicked, gate, handler, bound...);
     }
     template <typename Handler>
     void handleChangeAndClick(PickList *list, Handler handler) const
@@ -89,14 +111,14 @@ void Inventory::Connections::connectWindow() const
 {
     m_controls.TabStrip1->beforeClick = [window = m_window] {
         bool mayChange = false;
-        window->m_fence.run([&] { mayChange = window->mayChangeWorkArea(); });
+        window->m_fence.run([&] { mayChange = window->RequireLogin(); });
         return mayChange;
     };
     handle(m_controls.TabStrip1, &TabStrip::tabClicked, &Inventory::chooseWorkArea);
     handle(m_controls.TabStrip2, &TabStrip::tabClicked, &Inventory::chooseSidePanel);
     handleClick(m_controls.Command10, &Inventory::close);
     handleClick(m_controls.Command20, &Inventory::showHelp);
-    handleClick(m_controls.Command19, &Inventory::openSalesReport);
+    handleGatedClick(m_controls.Command19, gates::salesReport, &Inventory::openSalesReport);
     handleClick(m_controls.Command27, &Inventory::logOut);
     // Of the dashboard's elements only this one does anything when it is clicked.
     handle(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, &Inventory::openReorderList, 9);
@@ -125,8 +147,8 @@ void Inventory::Connections::connectQuickSales() const
 {
     int element = 0;
     for (QuickSaleButton *button : m_controls.Command1)
-        handleClick(button, &Inventory::sellQuickly, element++);
-    handleClick(m_controls.CmdNext, &Inventory::nextQuickSales);
+        handleGatedClick(button, gates::login, &Inventory::sellQuickly, element++);
+    handleGatedClick(m_controls.CmdNext, gates::login, &Inventory::nextQuickSales);
     handleClick(m_controls.CmdPrev, &Inventory::previousQuickSales);
     handleChangeAndClick(m_controls.Combo1, &Inventory::quickSaleCategoryChanged);
 }
@@ -136,16 +158,16 @@ void Inventory::Connections::connectCustomSale() const
     handle(m_controls.Combo2, &PickList::picked, &Inventory::customSaleCategoryChosen);
     handle(m_controls.Combo3, &PickList::picked, &Inventory::customSaleItemChosen);
     handleChangeAndClick(m_controls.Combo4, &Inventory::customSaleQuantityChanged);
-    handleClick(m_controls.Command15, &Inventory::addCustomItem);
+    handleGatedClick(m_controls.Command15, gates::customItem, &Inventory::addCustomItem);
     int key = 0;
     for (QPushButton *button : m_controls.Command30)
-        handleClick(button, &Inventory::pressKey, key++);
-    handleClick(m_controls.Command31, &Inventory::toggleKeypad);
+        handleClick(button, &pressKey, key++);
+    handleGatedClick(m_controls.Command31, gates::login, &toggleKeypad);
 }
 
 void Inventory::Connections::connectSearch() const
 {
-    handleClick(m_controls.Command8, &Inventory::searchStock);
+    handleGatedClick(m_controls.Command8, gates::login, &Inventory::searchStock);
     handleClick(m_controls.Command9, [](const Controls &controls) { controls.Frame11->hide(); });
     handleClick(m_controls.Command21, &Inventory::selectSearchResult);
     handle(m_controls.LV2, &RowList::rowOpened, &Inventory::selectSearchResult);
@@ -153,20 +175,20 @@ void Inventory::Connections::connectSearch() const
 
 void Inventory::Connections::connectCart() const
 {
-    handle(m_controls.LV3, &RowList::rowOpened, &Inventory::changeLinePrice);
-    handleClick(m_controls.Command12, &Inventory::deleteCartLine);
-    handleClick(m_controls.Command13, &Inventory::clearCart);
-    handleClick(m_controls.Command14, &Inventory::purchaseCart);
-    handleClick(m_controls.Command25, &Inventory::undoLastPurchase);
+    handleGated(m_controls.LV3, &RowList::rowOpened, gates::linePrice, &Inventory::changeLinePrice);
+    handleGatedClick(m_controls.Command12, gates::login, &Inventory::deleteCartLine);
+    handleGatedClick(m_controls.Command13, gates::login, &Inventory::clearCart);
+    handleGatedClick(m_controls.Command14, gates::login, &Inventory::purchaseCart);
+    handleGatedClick(m_controls.Command25, gates::purchaseUndo, &Inventory::undoLastPurchase);
     handleClick(m_controls.Command11, &Inventory::clearActivityLog);
 }
 
 void Inventory::Connections::connectStock() const
 {
     new UpperCaseTyping(m_controls.Combo7);
-    handle(m_controls.Combo8, &PickList::left, &Inventory::formatStockCost);
-    handleClick(m_controls.Command16, &Inventory::saveStock);
-    handleClick(m_controls.Command26, &Inventory::startNewStock);
+    handle(m_controls.Combo8, &PickList::left, &formatStockCost);
+    handleGatedClick(m_controls.Command16, gates::stockEntry, &Inventory::saveStock);
+    handleClick(m_controls.Command26, &startNewStock);
     handleClick(m_controls.Command5, &Inventory::editSelectedStock);
     handleClick(m_controls.Command6, &Inventory::deleteStock);
     handleClick(m_controls.Command7, &Inventory::refreshStock);
@@ -177,20 +199,20 @@ void Inventory::Connections::connectReorder() const
 {
     handle(m_controls.Combo12, &PickList::picked, &Inventory::reorderCategoryChosen);
     handleChangeAndClick(m_controls.Combo11, &Inventory::showReorderItem);
-    handleClick(m_controls.Command17, &Inventory::reorderStock);
-    handleClick(m_controls.Command23, &Inventory::undoReorder);
+    handleGatedClick(m_controls.Command17, gates::reorder, &Inventory::reorderStock);
+    handleGatedClick(m_controls.Command23, gates::reorderUndo, &Inventory::undoReorder);
     handleClick(m_controls.Command24, &Inventory::RefreshDashboard);
 }
 
 void Inventory::Connections::connectSettings() const
 {
     new UpperCaseTyping(m_controls.Combo16);
-    handleClick(m_controls.Command18, &Inventory::saveSettings);
+    handleGatedClick(m_controls.Command18, gates::settings, &Inventory::saveSettings);
     handleClick(m_controls.Check5, &Inventory::receiptChoiceChanged);
     handleClick(m_controls.Command2, &Inventory::addCategory);
     handleClick(m_controls.Command22, &Inventory::renameCategory);
     handleClick(m_controls.Command3, &Inventory::deleteCategory);
-    handleClick(m_controls.Command4, &Inventory::deletePurchase);
+    handleGatedClick(m_controls.Command4, gates::purchaseDeletion, &Inventory::deletePurchase);
 }
 
 } // namespace harrowby

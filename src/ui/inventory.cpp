@@ -32,6 +32,21 @@ bool isFalse(const QString &saved)
     return number ? *number == 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) == 0;
 }
 
+void fillPickLists(const Controls &controls, Breather &breather)
+{
+    for (int number = 0; number <= 100; ++number) {
+        for (PickList *list : {controls.Combo4, controls.Combo8, controls.Combo10, controls.Combo13, controls.Combo14})
+            list->addEntry(QString::number(number));
+        breather.breathe();
+    }
+    controls.Combo4->setEntryText(u"0"_s);
+    controls.Combo15->addEntry(u"Enabled"_s);
+    controls.Combo15->addEntry(u"Disabled"_s);
+    controls.Combo15->setEntryText(u"Enabled"_s);
+    controls.Combo6->addEntry(u"(Auto ID)"_s);
+    controls.Combo6->setEntryText(u"(Auto ID)"_s);
+}
+
 } // namespace
 
 Inventory::Inventory(const Platform &platform, QWidget *parent) :
@@ -59,16 +74,15 @@ Inventory *Inventory::defaultInstance()
 
 void Inventory::load()
 {
-    m_loading = true;
+    const OneAtATime::Turn loading = m_load.begin();
     m_fence.run([this] { loadForm(); });
     // Also when a step of loading ended early: nobody has logged in.
     m_state.login.IsLoggedIn = false;
-    m_loading = false;
 }
 
 void Inventory::present()
 {
-    if (m_loading)
+    if (m_load.isRunning())
         return; // asked for in the middle of loading: whoever loads it shows it
     Qt::WindowStates wanted = windowState() & ~Qt::WindowMinimized;
     const QSize room = screen()->availableSize();
@@ -89,7 +103,7 @@ void Inventory::loadForm()
     m_controls.Frame12->show();
     m_controls.Frame12->raise();
     m_state.CartCount = 0;
-    fillPickLists();
+    fillPickLists(m_controls, m_breather);
     LoadCategory();
     LoadCategories();
     LoadPrinter();
@@ -104,22 +118,6 @@ void Inventory::loadForm()
     readEmailReportFlag();
     showSettings();
     leadTo(*m_controls.Text3);
-}
-
-void Inventory::fillPickLists()
-{
-    for (int number = 0; number <= 100; ++number) {
-        for (PickList *list :
-             {m_controls.Combo4, m_controls.Combo8, m_controls.Combo10, m_controls.Combo13, m_controls.Combo14})
-            list->addEntry(QString::number(number));
-        m_breather.breathe();
-    }
-    m_controls.Combo4->setEntryText(u"0"_s);
-    m_controls.Combo15->addEntry(u"Enabled"_s);
-    m_controls.Combo15->addEntry(u"Disabled"_s);
-    m_controls.Combo15->setEntryText(u"Enabled"_s);
-    m_controls.Combo6->addEntry(u"(Auto ID)"_s);
-    m_controls.Combo6->setEntryText(u"(Auto ID)"_s);
 }
 
 void Inventory::readEmailReportFlag()
@@ -143,7 +141,7 @@ void Inventory::showSettings()
 
 void Inventory::closeEvent(QCloseEvent *event)
 {
-    if (!m_fence.isClosed() && (m_askingToClose || !confirmClose())) {
+    if (!m_fence.isClosed() && (m_closeQuestion.isRunning() || !confirmClose())) {
         event->ignore();
         return;
     }
@@ -153,7 +151,7 @@ void Inventory::closeEvent(QCloseEvent *event)
 
 bool Inventory::confirmClose()
 {
-    m_askingToClose = true;
+    const OneAtATime::Turn asking = m_closeQuestion.begin();
     bool confirmed = false;
     m_fence.run([&] {
         // The cart never counts itself into CartCount, so the first text is what a full cart gets too.
@@ -162,7 +160,6 @@ bool Inventory::confirmClose()
                                        : u"Close Inventory?"_s,
                 box::Ask) == Answer::Yes;
     });
-    m_askingToClose = false;
     return confirmed;
 }
 
@@ -200,11 +197,6 @@ QString Inventory::askForText(const QString &prompt, const QString &title, const
 void Inventory::warn(const QString &text)
 {
     ask(text, box::Exclamation);
-}
-
-void Inventory::refusePrivilege()
-{
-    warn(u"User ["_s + m_state.login.LoggedUser + u"] doesn't have this privilege!"_s);
 }
 
 void Inventory::showForeignWindow(const QString &classId)

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "basic/item_key.h"
-#include "basic/stock_entry.h"
 #include "platform/breather.h"
 #include "platform/platform.h"
 #include "ui/controls.h"
 #include "ui/form_state.h"
 #include "ui/handler_fence.h"
+#include "ui/reentry.h"
 #include "ui/stock_columns.h"
 
 #include <QMainWindow>
@@ -17,15 +16,14 @@
 #include <optional>
 #include <vector>
 
-class QFrame;
-class QListWidgetItem;
-
 namespace harrowby {
 
 class DbConnection;
 class DbRecordset;
+struct Gate;
 struct PurchaseLine;
 struct ReceiptStep;
+struct StockItem;
 
 /// The component's one window, "Sales Inventory". Its handlers and shared procedures stand in one source file per
 /// subject; all of them are members here because they share the controls and the form-level state.
@@ -70,7 +68,6 @@ private:
 
     // inventory.cpp: life of the window
     void loadForm();
-    void fillPickLists();
     void readEmailReportFlag();
     void showSettings();
     bool confirmClose();
@@ -81,8 +78,10 @@ private:
     Answer ask(const QString &text, int style);
     QString askForText(const QString &prompt, const QString &title, const QString &initial);
     void warn(const QString &text);
-    void refusePrivilege();
     void showForeignWindow(const QString &classId);
+
+    // gates.cpp
+    bool passes(const Gate &gate);
 
     // login.cpp
     bool RequireLogin();
@@ -98,24 +97,8 @@ private:
     void clearActivityLog();
 
     // tabs.cpp
-    void bringForward(QFrame *panel);
-    bool mayChangeWorkArea();
     void chooseWorkArea();
     void chooseSidePanel();
-    void showSettingsTab();
-    void showReorderTab();
-    void showStockTab();
-    void showCustomSalesTab();
-    void showQuickSalesTab();
-    void refuseWorkArea();
-    bool loadStockForTab();
-
-    // keys.cpp
-    void beginNextSale();
-
-    // keypad.cpp
-    void pressKey(int key);
-    void toggleKeypad();
 
     // stock/categories.cpp
     void LoadCategory();
@@ -123,35 +106,25 @@ private:
     void addCategory();
     void renameCategory();
     void deleteCategory();
-    QListWidgetItem *selectedCategory(const QString &noneThere, const QString &noneSelected);
 
     // stock/stock_list.cpp
     void LoadStock(bool keepRows);
     void FindandUpdateStock(const ListedStock &stock, const QString &editedId);
     [[nodiscard]] int FindStockRow(const QString &id) const;
-    int placeStockRow(const ListedStock &stock, const QString &editedId);
-    static ListedStock listedStock(DbRecordset &stock);
     void refreshStock();
     void chooseStockRow();
     void deleteStock();
 
     // stock/stock_entry.cpp
-    void resetStockFields();
-    void startNewStock();
     void editSelectedStock();
     void EditStock();
-    void formatStockCost();
     void saveStock();
-    [[nodiscard]] StockEntry enteredStock() const;
-    void refuseStockEntry(StockFault fault);
     QString freeStockId(const QString &prefix);
     void storeStock(const StockItem &item, bool automaticId);
-    void writeStock(DbRecordset &stock, const StockItem &item, const QString &time, bool isNew);
 
     // stock/reorder.cpp
     void reorderCategoryChosen();
     void showReorderItem();
-    void showLowLevel(bool low);
     void reorderStock();
     void addUnits(DbRecordset &stock, double units);
     void undoReorder();
@@ -241,11 +214,11 @@ private:
     FormState m_state;
     Breather m_breather;
     HandlerFence m_fence;
-    unsigned m_pageLoads = 0;     ///< quick-sale pages begun: an earlier one gives way to a later one
-    unsigned m_categoryLoads = 0; ///< the same for the category lists
-    bool m_undoing = false;       ///< a second undo meanwhile would give the same stock back twice
-    bool m_loading = false;
-    bool m_askingToClose = false;
+    LatestLoad m_pageLoads; ///< quick-sale pages
+    LatestLoad m_categoryLoads;
+    OneAtATime m_load;
+    OneAtATime m_undo; ///< of a purchase: a second one meanwhile would give the same stock back twice
+    OneAtATime m_closeQuestion;
 };
 
 } // namespace harrowby

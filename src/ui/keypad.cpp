@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ui/inventory.h"
+#include "ui/keypad.h"
+
+#include "ui/controls.h"
+#include "ui/panels.h"
 #include "ui/widgets/pick_list.h"
 
 #include <QFrame>
@@ -8,15 +11,15 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
-void Inventory::pressKey(int key)
+void pressKey(const Controls &controls, int key)
 {
     constexpr int lastDigit = 9;
     constexpr int eraser = 10;
     constexpr int closer = 11;
-    PickList &quantity = *m_controls.Combo4;
+    PickList &quantity = *controls.Combo4;
     const QString typed = quantity.entryText();
     if (key == closer) {
-        m_controls.Frame13->hide();
+        controls.Frame13->hide();
     } else if (!quantity.isEnabled()) {
         return;
     } else if (key >= 0 && key <= lastDigit) {
@@ -26,16 +29,14 @@ void Inventory::pressKey(int key)
     }
 }
 
-void Inventory::toggleKeypad()
+void toggleKeypad(const Controls &controls)
 {
-    if (!RequireLogin())
-        return;
-    if (!m_controls.Frame13->isHidden()) {
-        m_controls.Frame13->hide();
+    if (!controls.Frame13->isHidden()) {
+        controls.Frame13->hide();
         return;
     }
-    m_controls.Frame11->hide(); // they share a place
-    bringForward(m_controls.Frame13);
+    controls.Frame11->hide(); // they share a place
+    bringForward(controls, *controls.Frame13);
 }
 
 } // namespace harrowby

@@ -2,12 +2,7 @@
 // What keys do in the window beyond their own controls, and where the focus goes.
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
-#include "ui/widgets/pick_list.h"
-#include "ui/widgets/quick_sale_button.h"
-#include "ui/widgets/tab_strip.h"
-#include "ui/work_areas.h"
 
-#include <QFrame>
 #include <QKeyEvent>
 #include <QPushButton>
 
@@ -27,19 +22,6 @@ void Inventory::keyPressEvent(QKeyEvent *event)
     // Also where the stock list or the log lies over the button: the question lists the cart.
     if (!event->isAutoRepeat())
         m_controls.Command14->click(); // which heeds whether it is enabled
-}
-
-/// Where nothing is sold, the focus stays.
-void Inventory::beginNextSale()
-{
-    switch (m_controls.TabStrip1->selectedTab()) {
-    case WorkArea::QuickSales:
-        return leadTo(*m_controls.Command1.front());
-    case WorkArea::CustomSales:
-        return leadTo(*m_controls.Combo2);
-    default:
-        return;
-    }
 }
 
 } // namespace harrowby

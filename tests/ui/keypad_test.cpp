@@ -1,18 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
+#include "ui/keypad.h"
 
 using namespace Qt::StringLiterals;
-
-namespace harrowby {
-
-/// Presses keys that the keypad does not have.
-struct InventoryProbe
-{
-    Inventory &window;
-    void pressKey(int key) const { window.pressKey(key); }
-};
-
-} // namespace harrowby
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -217,7 +207,7 @@ void KeypadTest::otherKeys()
     Counter counter;
     openKeypad(counter);
     counter.setText("Combo4", u"25"_s);
-    InventoryProbe{counter.window()}.pressKey(key);
+    pressKey(counter.window().controls(), key);
     QCOMPARE(counter.text("Combo4"), u"25"_s);
     QVERIFY(isOpen(counter));
 }

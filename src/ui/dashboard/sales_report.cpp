@@ -19,14 +19,6 @@ namespace harrowby {
 
 void Inventory::openSalesReport()
 {
-    if (!m_state.login.IsLoggedIn) {
-        warn(u"You must login first!"_s);
-        return;
-    }
-    if (!m_state.login.rights.CanReport) {
-        refusePrivilege();
-        return;
-    }
     bool done = false;
     try {
         done = callSalesReport();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "basic/cart_arithmetic.h"
+#include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "store/recordset.h"
 #include "store/statements.h"

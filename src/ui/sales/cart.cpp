@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "basic/cart_arithmetic.h"
+#include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "basic/purchase_text.h"
 #include "basic/text.h"
@@ -100,8 +101,6 @@ std::vector<PurchaseLine> Inventory::cartLines() const
 
 void Inventory::deleteCartLine()
 {
-    if (!RequireLogin())
-        return;
     RowList &list = *m_controls.LV3;
     const int row = list.selectedRow();
     const QString item = trimBlanks(list.rows().text(row, CartColumn::Item));
@@ -117,8 +116,6 @@ void Inventory::deleteCartLine()
 
 void Inventory::clearCart()
 {
-    if (!RequireLogin())
-        return;
     if (m_controls.LV3->rows().rowCount() == 0) {
         warn(u"Cart is Empty!"_s);
         return;
@@ -131,10 +128,6 @@ void Inventory::clearCart()
 
 void Inventory::changeLinePrice()
 {
-    if (!m_state.login.IsLoggedIn) {
-        warn(u"You must login first!"_s);
-        return;
-    }
     TextTableModel &cart = m_controls.LV3->rows();
     const int row = m_controls.LV3->selectedRow();
     const QString item = cart.text(row, CartColumn::Item);

@@ -92,12 +92,6 @@ void Inventory::showItemTotal(double unitCost)
 
 void Inventory::addCustomItem()
 {
-    if (!RequireLogin())
-        return;
-    if (!m_state.login.rights.CanSell) {
-        refusePrivilege();
-        return;
-    }
     const QString key = m_controls.Combo3->entryText();
     if (trimBlanks(key).isEmpty()) {
         warn(u"You have selected an item!"_s); // the words for none being selected, on purpose

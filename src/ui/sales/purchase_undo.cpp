@@ -14,8 +14,6 @@
 #include "ui/widgets/text_table_model.h"
 #include "ui/work_areas.h"
 
-#include <QScopedValueRollback>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
@@ -58,19 +56,13 @@ void Inventory::restoreLine(const QString &element, bool mergeIntoCart)
 
 void Inventory::undoLastPurchase()
 {
-    if (m_undoing || !RequireLogin())
-        return;
-    if (!m_state.login.rights.CanUndo) {
-        refuseWorkArea();
-        return;
-    }
     if (m_state.last.LastPurchaseID.isEmpty()) {
         warn(u"Nothing to Undo!"_s);
         return;
     }
     if (ask(u"Undo last Purchased Cart with ID ["_s + m_state.last.LastPurchaseID + u"]?"_s, box::Ask) != Answer::Yes)
         return;
-    const QScopedValueRollback undoing(m_undoing, true);
+    const OneAtATime::Turn undoing = m_undo.begin();
     UndoPurchase(m_state.last.LastPurchaseID, true);
     m_state.last.ReceiptText.clear(); // what was taken back is not to be printed again
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
@@ -81,12 +73,6 @@ void Inventory::undoLastPurchase()
 
 void Inventory::deletePurchase()
 {
-    if (m_undoing || !RequireLogin())
-        return;
-    if (!m_state.login.rights.CanDelete) {
-        refuseWorkArea();
-        return;
-    }
     const QString id = trimBlanks(m_controls.Combo17->entryText());
     if (id.isEmpty()) {
         warn(u"Nothing to Delete!"_s);
@@ -97,7 +83,7 @@ void Inventory::deletePurchase()
                 u"All purchased items will br restored (Y/N)?"_s,
             box::Ask) != Answer::Yes)
         return;
-    const QScopedValueRollback undoing(m_undoing, true);
+    const OneAtATime::Turn undoing = m_undo.begin();
     UndoPurchase(id, true);
     m_controls.Combo17->removeEntry(m_controls.Combo17->selectedEntry());
 }

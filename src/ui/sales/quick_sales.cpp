@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "basic/text.h"
 #include "store/recordset.h"
@@ -67,14 +68,14 @@ void Inventory::LoadQuickSales(bool movedForward)
         m_controls.CmdPrev->setEnabled(offset != 0 && movedForward);
         return;
     }
-    const unsigned load = ++m_pageLoads; // not before: an empty page does not stand in another one's way
+    const LatestLoad::Turn load = m_pageLoads.begin(); // not before: an empty page does not stand in another one's way
     std::size_t shown = 0;
     forEachRow(page, [&] {
-        if (load == m_pageLoads && shown < m_controls.Command1.size())
+        if (load.isLatest() && shown < m_controls.Command1.size())
             fill(*m_controls.Command1.at(shown++), page);
         m_breather.breathe();
     });
-    if (load != m_pageLoads)
+    if (!load.isLatest())
         return; // a later page was filled meanwhile
     for (; shown < m_controls.Command1.size(); ++shown)
         blank(*m_controls.Command1.at(shown));
@@ -91,8 +92,6 @@ bool Inventory::moreQuickSales(bool hideFinished, const QString &category, int o
 
 void Inventory::nextQuickSales()
 {
-    if (!RequireLogin())
-        return;
     const bool hadFocus = m_controls.CmdNext->hasFocus();
     if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - pageSize)
         return; // the page number has 16 bits: its overflow ends the step with nothing changed
@@ -132,8 +131,6 @@ void Inventory::quickSaleCategoryChanged()
 
 void Inventory::sellQuickly(int button)
 {
-    if (!RequireLogin())
-        return;
     QuickSaleButton &pressed = *m_controls.Command1.at(static_cast<std::size_t>(button));
     if (pressed.text() == emptyCaption) {
         ask(u"Item is empty!"_s + crLf + u"You can add a new Item from Add/Edit Stock"_s, box::Information);

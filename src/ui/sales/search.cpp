@@ -4,6 +4,7 @@
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
+#include "ui/panels.h"
 #include "ui/row_loop.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -30,8 +31,6 @@ constexpr int Category = 3;
 
 void Inventory::searchStock()
 {
-    if (!RequireLogin())
-        return;
     const QString text =
         askForText(u"Please Enter Search item name or ID?"_s, u"Searching for Stock Item"_s, QString());
     constexpr qsizetype shortest = 3;
@@ -55,7 +54,7 @@ void Inventory::SearchLoad(const QString &text)
     const unsigned fill = results.generation();
     const int tab = m_controls.TabStrip1->selectedTab();
     m_controls.placeSearchResult(tab == WorkArea::EditStock || tab == WorkArea::ReorderStock);
-    bringForward(m_controls.Frame11);
+    bringForward(m_controls, *m_controls.Frame11);
     m_controls.Frame13->hide();
     m_controls.LV2->setFocus(); // where the arrow keys choose, and Enter takes what is chosen
     NeededTexts texts(found, u"StockID"_s, u"StockName"_s, u"StockCategory"_s);

@@ -23,12 +23,6 @@ std::int16_t checkValue(const QCheckBox *box)
 
 void Inventory::saveSettings()
 {
-    if (!RequireLogin())
-        return;
-    if (!m_state.login.rights.CanSettings) {
-        refuseWorkArea();
-        return;
-    }
     const StoreSettings entered{checkValue(m_controls.Check4), checkValue(m_controls.Check3), m_controls.Text2->text(),
                                 checkValue(m_controls.Check1), checkValue(m_controls.Check2)};
     Execute(connection(), statements::updateSettings(entered));

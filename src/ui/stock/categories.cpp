@@ -16,9 +16,19 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
+namespace {
+
+/// Null when nothing is selected.
+const QListWidgetItem *selectedEntry(const QListWidget &list)
+{
+    return list.selectedItems().value(0);
+}
+
+} // namespace
+
 void Inventory::LoadCategory()
 {
-    const unsigned load = ++m_categoryLoads;
+    const LatestLoad::Turn load = m_categoryLoads.begin();
     const std::array lists{m_controls.Combo1, m_controls.Combo2, m_controls.Combo5, m_controls.Combo12};
     std::array<QString, lists.size()> texts;
     for (std::size_t i = 0; i < lists.size(); ++i)
@@ -32,13 +42,13 @@ void Inventory::LoadCategory()
     categories.Open(statements::categories(), connection());
     forEachRow(categories, [&] {
         const std::optional<QString> name = fieldText(categories, u"CategoryName"_s);
-        if (name && load == m_categoryLoads) {
+        if (name && load.isLatest()) {
             for (PickList *list : lists)
                 list->addEntry(name->toUpper());
         }
         m_breather.breathe();
     });
-    if (load == m_categoryLoads) { // else the lists were filled afresh meanwhile
+    if (load.isLatest()) { // else the lists were filled afresh meanwhile
         for (PickList *list : lists)
             list->addEntry(statements::otherCategory);
     }
@@ -85,10 +95,12 @@ void Inventory::addCategory()
 
 void Inventory::renameCategory()
 {
-    QListWidgetItem *selected =
-        selectedCategory(u"There are no Category to Change"_s, u"Please First Select a Category!"_s);
-    if (selected == nullptr)
+    const QListWidgetItem *selected = selectedEntry(*m_controls.List2);
+    if (selected == nullptr) {
+        warn(m_controls.List2->count() == 0 ? u"There are no Category to Change"_s
+                                            : u"Please First Select a Category!"_s);
         return;
+    }
     const QString oldName = selected->text();
     const QPersistentModelIndex entry = m_controls.List2->indexFromItem(selected);
     const QString answer = askForText(u"Change Category["_s + oldName + u"] to what new name?"_s,
@@ -109,10 +121,12 @@ void Inventory::renameCategory()
 
 void Inventory::deleteCategory()
 {
-    QListWidgetItem *selected =
-        selectedCategory(u"There are no Category to Delete."_s, u"Please First Select a Category to Delete!"_s);
-    if (selected == nullptr)
+    const QListWidgetItem *selected = selectedEntry(*m_controls.List2);
+    if (selected == nullptr) {
+        warn(m_controls.List2->count() == 0 ? u"There are no Category to Delete."_s
+                                            : u"Please First Select a Category to Delete!"_s);
         return;
+    }
     const QString name = selected->text();
     // Other handlers may change the list before the entry is removed.
     const QPersistentModelIndex entry = m_controls.List2->indexFromItem(selected);
@@ -129,20 +143,6 @@ void Inventory::deleteCategory()
     // Nobody chose the entry that took its place; the next "Delete" is not to be about it.
     m_controls.List2->setCurrentRow(-1);
     LogActivity(u"Category ["_s + name + u"] Deleted!"_s, box::Information, false, false);
-}
-
-QListWidgetItem *Inventory::selectedCategory(const QString &noneThere, const QString &noneSelected)
-{
-    if (m_controls.List2->count() == 0) {
-        warn(noneThere);
-        return nullptr;
-    }
-    const QList<QListWidgetItem *> selected = m_controls.List2->selectedItems();
-    if (selected.isEmpty()) {
-        warn(noneSelected);
-        return nullptr;
-    }
-    return selected.first();
 }
 
 } // namespace harrowby

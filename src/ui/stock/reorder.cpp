@@ -52,13 +52,28 @@ bool isLow(DbRecordset &stock)
                         stock.Field(u"StockAvailable"_s).value().value_or(DbValue()));
 }
 
+void showLowLevel(const Controls &controls, bool low)
+{
+    controls.Label12->setLow(low);
+    controls.Label13->setLow(low);
+}
+
+/// As the existing-stock list shows it.
+ListedStock listedStock(DbRecordset &stock)
+{
+    return {stock.Field(u"StockID"_s).text(),           stock.Field(u"StockName"_s).text(),
+            stock.Field(u"StockCategory"_s).text(),     stock.Field(u"StockCost"_s).text(),
+            stock.Field(u"StockReorderLevel"_s).text(), stock.Field(u"StockAvailable"_s).text(),
+            stock.Field(u"StockUse"_s).text(),          stock.Field(u"StockLastUpdated"_s).text()};
+}
+
 } // namespace
 
 void Inventory::reorderCategoryChosen()
 {
     // The item's text goes first: its change handler shows an item that is not there.
     m_controls.Combo11->clearEntries();
-    showLowLevel(false);
+    showLowLevel(m_controls, false);
     m_controls.Label13->setText(u"0"_s);
     m_controls.Label12->setText(u"0"_s);
     m_controls.Combo10->setEntryText(u"0"_s);
@@ -79,17 +94,11 @@ void Inventory::showReorderItem()
         m_controls.Combo10->setEntryText(u"1"_s);
     showField(*m_controls.Label12, stock, u"StockReorderLevel"_s);
     showField(*m_controls.Label13, stock, u"StockAvailable"_s);
-    showLowLevel(isLow(stock));
+    showLowLevel(m_controls, isLow(stock));
 }
 
 void Inventory::reorderStock()
 {
-    if (!RequireLogin())
-        return;
-    if (!m_state.login.rights.CanReorder) {
-        refuseWorkArea();
-        return;
-    }
     const double units = leadingNumber(m_controls.Combo10->entryText());
     if (!(units >= 1.0)) {
         warn(u"New Stock Number is invalid or less than 1!"_s);
@@ -123,25 +132,13 @@ void Inventory::addUnits(DbRecordset &stock, double units)
                     m_controls.Label13->text() + u'.',
                 box::Information, false, true);
     m_controls.Combo10->setEntryText(u"0"_s);
-    showLowLevel(isLow(stock));
+    showLowLevel(m_controls, isLow(stock));
     FindandUpdateStock(listedStock(stock), QString());
     RefreshDashboard();
 }
 
-void Inventory::showLowLevel(bool low)
-{
-    m_controls.Label12->setLow(low);
-    m_controls.Label13->setLow(low);
-}
-
 void Inventory::undoReorder()
 {
-    if (!RequireLogin())
-        return;
-    if (!m_state.login.rights.CanUndo) {
-        refuseWorkArea();
-        return;
-    }
     if (m_state.last.LastReorderItem.isEmpty() || m_state.last.LastReorderQty < 1) {
         warn(u"Nothing to Undo!"_s);
         return;
@@ -168,7 +165,7 @@ void Inventory::takeUnitsBack(DbRecordset &stock)
     LogActivity(u"Item(s) Removed from Stock ["_s + m_state.last.LastReorderItem + u"]. New Available Stock is "_s +
                     m_controls.Label13->text() + u'.',
                 box::Information, false, true);
-    showLowLevel(isLow(stock));
+    showLowLevel(m_controls, isLow(stock));
     m_state.last.LastReorderItem.clear();
     FindandUpdateStock(listedStock(stock), QString());
 }

@@ -4,12 +4,11 @@
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
-#include "basic/text.h"
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
-#include "ui/focus_order.h"
 #include "ui/inventory.h"
+#include "ui/stock/stock_fields.h"
 #include "ui/stock_columns.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -23,21 +22,27 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
-void Inventory::resetStockFields()
+namespace {
+
+void writeStock(DbRecordset &stock, const StockItem &item, const QString &user, const QString &time, bool isNew)
 {
-    m_controls.Combo5->setEntryText(statements::otherCategory);
-    m_controls.Combo6->setEntryText(automaticIdText);
-    for (PickList *field : {m_controls.Combo7, m_controls.Combo8, m_controls.Combo13, m_controls.Combo14})
-        field->setEntryText(QString());
-    m_controls.Combo15->setEntryText(u"Enabled"_s);
+    stock.Field(u"StockID"_s).assign(item.id);
+    stock.Field(u"StockCategory"_s).assign(item.category);
+    stock.Field(u"StockName"_s).assign(item.name);
+    stock.Field(u"StockCost"_s).assign(item.cost);
+    stock.Field(u"StockReorderLevel"_s).assign(storedFigure(item.reorderLevel));
+    stock.Field(u"StockAvailable"_s).assign(storedFigure(item.available));
+    stock.Field(u"StockLastUpdated"_s).assign(time);
+    // Names, not times, whatever the columns are called; and a save counts as a reorder, on purpose.
+    if (isNew)
+        stock.Field(u"StockAdded"_s).assign(user);
+    stock.Field(u"StockLastModified"_s).assign(user);
+    stock.Field(u"StockReorderUser"_s).assign(user);
+    stock.Field(u"StockUse"_s).assign(item.use);
+    stock.Update();
 }
 
-void Inventory::startNewStock()
-{
-    resetStockFields();
-    leadTo(*m_controls.Combo5); // before the button goes, as the focus would go with it
-    m_controls.Command26->setEnabled(false);
-}
+} // namespace
 
 void Inventory::editSelectedStock()
 {
@@ -68,24 +73,12 @@ void Inventory::EditStock()
     m_controls.Command26->setEnabled(true);
 }
 
-void Inventory::formatStockCost()
-{
-    const QString typed = m_controls.Combo8->entryText();
-    if (const std::optional<double> cost = wholeNumber(typed))
-        m_controls.Combo8->setEntryText(formatMoney(*cost));
-}
-
 void Inventory::saveStock()
 {
-    if (!RequireLogin())
-        return;
-    if (!m_state.login.rights.CanEditStock) {
-        refusePrivilege();
-        return;
-    }
-    const StockEntry entry = enteredStock();
+    const StockEntry entry = enteredStock(m_controls);
     if (const StockFault fault = findFault(entry); fault != StockFault::None) {
-        refuseStockEntry(fault);
+        warn(faultText(fault));
+        leadToFault(m_controls, fault);
         return;
     }
     StockItem item = stockItem(entry);
@@ -96,32 +89,6 @@ void Inventory::saveStock()
             return;
     }
     storeStock(item, automatic);
-}
-
-StockEntry Inventory::enteredStock() const
-{
-    const auto entered = [](const PickList *field) { return trimBlanks(field->entryText()); };
-    return {entered(m_controls.Combo6), entered(m_controls.Combo5),  entered(m_controls.Combo7),
-            entered(m_controls.Combo8), entered(m_controls.Combo13), entered(m_controls.Combo14),
-            entered(m_controls.Combo15)};
-}
-
-void Inventory::refuseStockEntry(StockFault fault)
-{
-    warn(faultText(fault));
-    const auto lead = [](PickList *field) { leadTo(*field); };
-    switch (fault) {
-    case StockFault::Cost:
-        m_controls.Combo8->setEntryText(u"0.00"_s);
-        return lead(m_controls.Combo8);
-    case StockFault::ReorderLevel:
-        m_controls.Combo13->setEntryText(u"0"_s);
-        return lead(m_controls.Combo13);
-    case StockFault::Available:
-        return lead(m_controls.Combo14);
-    default:
-        return;
-    }
 }
 
 QString Inventory::freeStockId(const QString &prefix)
@@ -163,7 +130,7 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
         stock.AddNew();
     }
     const QString time = stockTime(m_platform.clock->now());
-    writeStock(stock, item, time, isNew);
+    writeStock(stock, item, m_state.login.LoggedUser, time, isNew);
     // Listed and told as done whether or not it could be written, on purpose.
     FindandUpdateStock({item.id, item.name, item.category, item.cost, plainText(item.reorderLevel),
                         plainText(item.available), item.use, time},
@@ -172,24 +139,6 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
                     (isNew ? u"added"_s : u"updated"_s) + u" successfully."_s,
                 box::Information, false, false);
     customSaleCategoryChosen();
-}
-
-void Inventory::writeStock(DbRecordset &stock, const StockItem &item, const QString &time, bool isNew)
-{
-    stock.Field(u"StockID"_s).assign(item.id);
-    stock.Field(u"StockCategory"_s).assign(item.category);
-    stock.Field(u"StockName"_s).assign(item.name);
-    stock.Field(u"StockCost"_s).assign(item.cost);
-    stock.Field(u"StockReorderLevel"_s).assign(storedFigure(item.reorderLevel));
-    stock.Field(u"StockAvailable"_s).assign(storedFigure(item.available));
-    stock.Field(u"StockLastUpdated"_s).assign(time);
-    // Names, not times, whatever the columns are called; and a save counts as a reorder, on purpose.
-    if (isNew)
-        stock.Field(u"StockAdded"_s).assign(m_state.login.LoggedUser);
-    stock.Field(u"StockLastModified"_s).assign(m_state.login.LoggedUser);
-    stock.Field(u"StockReorderUser"_s).assign(m_state.login.LoggedUser);
-    stock.Field(u"StockUse"_s).assign(item.use);
-    stock.Update();
 }
 
 } // namespace harrowby

@@ -47,14 +47,6 @@ int placeRow(TextTableModel &list, PackedRow row)
 
 } // namespace
 
-ListedStock Inventory::listedStock(DbRecordset &stock)
-{
-    return {stock.Field(u"StockID"_s).text(),           stock.Field(u"StockName"_s).text(),
-            stock.Field(u"StockCategory"_s).text(),     stock.Field(u"StockCost"_s).text(),
-            stock.Field(u"StockReorderLevel"_s).text(), stock.Field(u"StockAvailable"_s).text(),
-            stock.Field(u"StockUse"_s).text(),          stock.Field(u"StockLastUpdated"_s).text()};
-}
-
 void Inventory::LoadStock(bool keepRows)
 {
     PickList &names = *m_controls.Combo7;
@@ -104,25 +96,21 @@ int Inventory::FindStockRow(const QString &id) const
     return m_controls.LV->rows().findRow(id);
 }
 
-int Inventory::placeStockRow(const ListedStock &stock, const QString &editedId)
+void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &editedId)
 {
     TextTableModel &list = m_controls.LV->rows();
     QStringList texts = listRow(stock);
     // By the ID as it is listed: a letter may turn into two in upper case.
-    const int row = FindStockRow(texts.at(StockColumn::Id));
+    int row = FindStockRow(texts.at(StockColumn::Id));
     if (row < 0) {
         list.queueRow(texts);
-        return list.lastRow();
+        row = list.lastRow();
+    } else {
+        if (editedId.isEmpty())
+            texts[StockColumn::Id] = list.text(row, StockColumn::Id);
+        list.setRow(row, texts);
     }
-    if (editedId.isEmpty())
-        texts[StockColumn::Id] = list.text(row, StockColumn::Id);
-    list.setRow(row, texts);
-    return row;
-}
-
-void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &editedId)
-{
-    m_controls.LV->selectRow(placeStockRow(stock, editedId));
+    m_controls.LV->selectRow(row);
 }
 
 void Inventory::refreshStock()

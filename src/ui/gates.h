@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// Who may do what. A control that is connected without a gate is open to everybody.
+#pragma once
+
+#include "ui/privileges.h"
+#include "ui/work_areas.h"
+
+namespace harrowby {
+
+using Right = bool Privileges::*;
+
+/// What stands before an action: a login, and then perhaps a right of the one who is logged in.
+struct Gate
+{
+    enum class WithoutLogin {
+        LeadToLogin, ///< RequireLogin()
+        Tell,        ///< "You must login first!", and no more
+        Pass         ///< was asked for before
+    };
+    enum class WithoutRight {
+        Tell,           ///< that the user doesn't have this privilege
+        TellAndSendAway ///< and to the quick sales
+    };
+
+    Right right = nullptr; ///< null: a login is enough
+    WithoutRight withoutRight = WithoutRight::TellAndSendAway;
+    WithoutLogin withoutLogin = WithoutLogin::LeadToLogin;
+    bool deafDuringUndo = false; ///< nothing at all happens while a purchase is taken back
+};
+
+namespace gates {
+
+/// The quick sales, the custom sale's search and keypad, and what is done with the cart as a whole.
+inline constexpr Gate login;
+inline constexpr Gate linePrice{.withoutLogin = Gate::WithoutLogin::Tell};
+inline constexpr Gate customItem{.right = &Privileges::CanSell, .withoutRight = Gate::WithoutRight::Tell};
+inline constexpr Gate stockEntry{.right = &Privileges::CanEditStock, .withoutRight = Gate::WithoutRight::Tell};
+inline constexpr Gate reorder{.right = &Privileges::CanReorder};
+inline constexpr Gate reorderUndo{.right = &Privileges::CanUndo};
+inline constexpr Gate purchaseUndo{.right = &Privileges::CanUndo, .deafDuringUndo = true};
+inline constexpr Gate purchaseDeletion{.right = &Privileges::CanDelete, .deafDuringUndo = true};
+inline constexpr Gate settings{.right = &Privileges::CanSettings};
+inline constexpr Gate salesReport{.right = &Privileges::CanReport,
+                                  .withoutRight = Gate::WithoutRight::Tell,
+                                  .withoutLogin = Gate::WithoutLogin::Tell};
+inline constexpr Gate salesActivity{.right = &Privileges::CanSettings,
+                                    .withoutRight = Gate::WithoutRight::Tell,
+                                    .withoutLogin = Gate::WithoutLogin::Tell};
+
+/// The strip asks for the login before it selects a tab at all.
+[[nodiscard]] constexpr Gate workArea(int area)
+{
+    Gate gate{.withoutLogin = Gate::WithoutLogin::Pass};
+    switch (area) {
+    case WorkArea::Settings:
+        gate.right = &Privileges::CanSettings;
+        break;
+    case WorkArea::ReorderStock:
+        gate.right = &Privileges::CanReorder;
+        break;
+    case WorkArea::EditStock:
+        gate.right = &Privileges::CanEditStock;
+        break;
+    case WorkArea::CustomSales:
+        gate.right = &Privileges::CanSell;
+        break;
+    default: // the quick sales need no right: a user without the right to sell still sells there
+        break;
+    }
+    return gate;
+}
+
+} // namespace gates
+
+} // namespace harrowby
