@@ -132,9 +132,9 @@ QString prepareDemo()
     return path;
 }
 
-Database openOrRefuse(const QString &path, BusyWait &wait)
+SqliteDatabase openOrRefuse(const QString &path, BusyWait &wait)
 {
-    Database database;
+    SqliteDatabase database;
     if (auto problem = openStoreBeside(path, wait, database))
         refuse(*problem);
     return database;

@@ -5,7 +5,7 @@ target_link_libraries(harrowby_pch PRIVATE harrowby_build Qt6::Widgets)
 target_precompile_headers(harrowby_pch PRIVATE <QtCore> <QtGui> <QtWidgets> <memory> <optional> <string> <vector>)
 
 function(harrowby_reuse_precompiled directory)
-    if(directory MATCHES "/(basic|store)$")
+    if(directory MATCHES "/(basic|engine|store)$")
         return()
     endif()
     get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)

@@ -90,7 +90,7 @@ bool isBad(sqlite3 *store, const BackupWatch &watch)
 
 bool isBadFile(const QString &store, const BackupWatch &watch)
 {
-    Database opened;
+    SqliteDatabase opened;
     return openToCopy(store, opened) || isBad(opened.get(), watch);
 }
 
@@ -126,7 +126,7 @@ BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &exp
 }
 
 /// One plain file, which can be read from any medium: without a log beside it.
-BackupResult closeCopy(Database &copy)
+BackupResult closeCopy(SqliteDatabase &copy)
 {
     const auto error = runSql(copy.get(), u"PRAGMA journal_mode = DELETE"_s);
     copy.reset();
@@ -135,7 +135,7 @@ BackupResult closeCopy(Database &copy)
 
 BackupResult makeCopy(const Source &source, const QString &file, const BackupWatch &watch)
 {
-    Database copy;
+    SqliteDatabase copy;
     if (auto error = openDatabase(file, OpenMode::Create, copy))
         return failed(copyProblem(*error, BackupSide::Place));
     RowCounts counts;

@@ -176,14 +176,14 @@ RowCounts countRows(sqlite3 *database)
 {
     RowCounts counts;
     for (const StoreTable &table : storeTables()) {
-        SqlQuery query(database, u"SELECT count(*) FROM "_s + table.name);
+        SqliteStatement query(database, u"SELECT count(*) FROM "_s + table.name);
         if (query.next())
             counts.insert(table.name, query.number(0));
     }
     return counts;
 }
 
-std::optional<SqlError> openToCopy(const QString &store, Database &source)
+std::optional<SqlError> openToCopy(const QString &store, SqliteDatabase &source)
 {
     if (auto error = openDatabase(store, OpenMode::Write, source))
         return error;
@@ -194,7 +194,7 @@ std::optional<SqlError> openToCopy(const QString &store, Database &source)
 CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
 {
     counts.clear();
-    Database source;
+    SqliteDatabase source;
     if (auto error = openToCopy(store, source))
         return {false, error, BackupSide::Store};
     return Copy(source.get(), copy, watch).run(counts);

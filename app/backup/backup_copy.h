@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/backup/backup.h"
-#include "app/shop/sql.h"
+#include "engine/database.h"
 
 #include <QHash>
 #include <QString>
@@ -42,6 +42,6 @@ struct CopyEnd
 [[nodiscard]] QString copyProblem(const SqlError &error, BackupSide side);
 
 /// Opens the store as the copy reads it: nothing is written to it.
-[[nodiscard]] std::optional<SqlError> openToCopy(const QString &store, Database &source);
+[[nodiscard]] std::optional<SqlError> openToCopy(const QString &store, SqliteDatabase &source);
 
 } // namespace harrowby::app

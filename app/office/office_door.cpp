@@ -15,9 +15,9 @@ using Kind = DoorAnswer::Kind;
 
 const auto administrators = u"SELECT 1 FROM Users WHERE Type <> 'VIEWER' AND UPPER(Username) = 'ADMINISTRATOR'"_s;
 
-DoorAnswer answer(sqlite3 *database, const QString &select, const QVariantList &values, Kind otherwise)
+DoorAnswer answer(sqlite3 *database, const QString &select, const QList<DbValue> &values, Kind otherwise)
 {
-    SqlQuery query(database, select, values);
+    SqliteStatement query(database, select, values);
     const bool found = query.next();
     if (query.error())
         return {Kind::Failed, *query.error()};

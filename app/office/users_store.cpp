@@ -35,7 +35,7 @@ bool gives(const QString &column, const DbValue &value)
 }
 
 /// Columns: rowid, Username, Type, Password, then the rights.
-StoreUser userOf(const SqlQuery &row, const QStringList &columns)
+StoreUser userOf(const SqliteStatement &row, const QStringList &columns)
 {
     StoreUser user;
     user.row = row.number(0);
@@ -53,12 +53,12 @@ StoreUser userOf(const SqlQuery &row, const QStringList &columns)
 }
 
 /// In the form that the host has stored: a text "True" stays one.
-QVariant flagLike(const DbValue &before, bool on)
+DbValue flagLike(const DbValue &before, bool on)
 {
     const auto *text = std::get_if<QString>(&before);
     if (text != nullptr && (*text == u"True"_s || *text == u"False"_s))
         return on ? u"True"_s : u"False"_s;
-    return on ? storedTrue : 0;
+    return std::int64_t{on ? storedTrue : 0};
 }
 
 } // namespace
@@ -86,9 +86,9 @@ UsersStore::Problem UsersStore::list(QList<StoreUser> &users) const
 {
     users.clear();
     const QStringList columns = rightColumns();
-    SqlQuery query(m_database,
-                   u"SELECT rowid, Username, Type, Password, %1 FROM Users ORDER BY UPPER(Username), rowid"_s.arg(
-                       columns.join(u", "_s)));
+    SqliteStatement query(
+        m_database, u"SELECT rowid, Username, Type, Password, %1 FROM Users ORDER BY UPPER(Username), rowid"_s.arg(
+                        columns.join(u", "_s)));
     while (query.next())
         users << userOf(query, columns);
     if (query.error())
@@ -129,9 +129,9 @@ UsersStore::Problem UsersStore::addUnlessTaken(const NewUser &user) const
 
     const QStringList columns = rightColumns();
     QStringList places = {u"?1"_s, u"?2"_s, u"?3"_s};
-    QVariantList values = {name, storedPassword(user.password), user.type};
+    QList<DbValue> values = {name, storedPassword(user.password), user.type};
     for (const QString &column : columns) {
-        values << (user.rights.contains(column) ? storedTrue : 0);
+        values << DbValue(user.rights.contains(column) ? storedTrue : 0);
         places << u"?%1"_s.arg(values.size());
     }
     const QString insert = u"INSERT INTO Users (Username, Password, Type, %1) VALUES (%2)"_s.arg(columns.join(u", "_s),
@@ -157,7 +157,7 @@ UsersStore::Problem UsersStore::setRight(const StoreUser &user, const QString &c
     DbValue stored;
     {
         // Closed before the change: under an open statement the engine would not wait for a till that is writing.
-        SqlQuery before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
+        SqliteStatement before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
         if (before.next())
             stored = before.value(0);
         if (before.error())
@@ -173,7 +173,7 @@ UsersStore::Problem UsersStore::setType(const StoreUser &user, const QString &ty
     return change(user, u"Type"_s, type);
 }
 
-UsersStore::Problem UsersStore::change(const StoreUser &user, const QString &column, const QVariant &value) const
+UsersStore::Problem UsersStore::change(const StoreUser &user, const QString &column, const DbValue &value) const
 {
     // The name is looked at too: another program may have renumbered the rows since they were read.
     const QString update = u"UPDATE Users SET %1 = ?1 WHERE rowid = ?2 AND Username = ?3"_s.arg(column);

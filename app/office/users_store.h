@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/shop/sql.h"
+#include "engine/database.h"
 
 #include <QList>
 #include <QString>
@@ -54,7 +54,7 @@ public:
 
 private:
     [[nodiscard]] Problem addUnlessTaken(const NewUser &user) const;
-    [[nodiscard]] Problem change(const StoreUser &user, const QString &column, const QVariant &value) const;
+    [[nodiscard]] Problem change(const StoreUser &user, const QString &column, const DbValue &value) const;
 
     sqlite3 *m_database;
 };

@@ -68,7 +68,7 @@ bool isAboutRows(const QString &line)
 QuickCheck quickCheck(sqlite3 *database, std::chrono::milliseconds limit)
 {
     const Deadline deadline(database, limit);
-    SqlQuery query(database, u"PRAGMA quick_check"_s);
+    SqliteStatement query(database, u"PRAGMA quick_check"_s);
     while (query.next()) {
         const QString line = query.text(0);
         // Cut short, the walk calls the pages that it has not come to unused.

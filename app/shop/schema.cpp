@@ -73,7 +73,7 @@ struct PresentIndexes
 
 std::optional<SqlError> readPresent(sqlite3 *database, PresentIndexes &present)
 {
-    SqlQuery query(database, u"SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL"_s);
+    SqliteStatement query(database, u"SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL"_s);
     while (query.next()) {
         present.names << query.text(0).toUpper();
         present.keys << storedKey(query.text(1));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/shop/sql.h"
+#include "engine/database.h"
 
 #include <QList>
 #include <QString>

@@ -49,7 +49,7 @@ Error build(sqlite3 *database, const StoreFiller &fill)
 
 Problem buildFile(const QString &file, const QString &path, const StoreFiller &fill)
 {
-    Database database;
+    SqliteDatabase database;
     auto error = openDatabase(file, OpenMode::Create, database);
     if (!error)
         error = build(database.get(), fill);

@@ -88,9 +88,9 @@ std::optional<SqlError> readTable(sqlite3 *database, const QString &name, Table 
 {
     constexpr int generatedVirtual = 2;
     constexpr int generatedStored = 3;
-    SqlQuery columns(database,
-                     u"SELECT name, type, \"notnull\" AND dflt_value IS NULL, pk, hidden FROM pragma_table_xinfo(?1)"_s,
-                     {name});
+    SqliteStatement columns(
+        database, u"SELECT name, type, \"notnull\" AND dflt_value IS NULL, pk, hidden FROM pragma_table_xinfo(?1)"_s,
+        {name});
     while (columns.next()) {
         const bool generated = columns.number(4) == generatedVirtual || columns.number(4) == generatedStored;
         table.columns << TableColumn{columns.text(0), columns.text(1), columns.number(2) != 0, columns.number(3) != 0,
@@ -153,10 +153,10 @@ QString culprit(sqlite3 *database, const QString &table, const QString &reason)
     static const QRegularExpression missing(uR"((?:no such|unknown) function: (\w+))"_s);
     const QString function = missing.match(reason).captured(1);
     const QRegularExpression call(uR"(\b%1["`\]]?\s*\()"_s.arg(function), QRegularExpression::CaseInsensitiveOption);
-    SqlQuery parts(database,
-                   u"SELECT type, name, sql FROM sqlite_master WHERE tbl_name = ?1 COLLATE NOCASE AND "
-                   "type IN ('index', 'trigger') ORDER BY type"_s,
-                   {table});
+    SqliteStatement parts(database,
+                          u"SELECT type, name, sql FROM sqlite_master WHERE tbl_name = ?1 COLLATE NOCASE AND "
+                          "type IN ('index', 'trigger') ORDER BY type"_s,
+                          {table});
     while (!function.isEmpty() && parts.next()) {
         if (call.match(parts.text(2)).hasMatch())
             return u"the %1 %2"_s.arg(parts.text(0), parts.text(1));
@@ -168,7 +168,7 @@ QString culprit(sqlite3 *database, const QString &table, const QString &reason)
 Problem judgeStatements(sqlite3 *database, const Use &use, const QString &rowId, const QString &path)
 {
     for (const QString &text : statementsOf(use, rowId)) {
-        const SqlQuery statement(database, text);
+        const SqliteStatement statement(database, text);
         if (!statement.error())
             continue;
         const QString reason = statement.error()->reason;

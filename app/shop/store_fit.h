@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/shop/sql.h"
 #include "app/shop/store_problem.h"
+#include "engine/database.h"
 
 #include <QString>
 

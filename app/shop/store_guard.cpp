@@ -3,6 +3,7 @@
 
 #include "app/shop/busy_wait.h"
 #include "basic/logging.h"
+#include "engine/lost_files.h"
 
 #include <QFile>
 
@@ -27,7 +28,7 @@ thread_local const StoreGuard *passing = nullptr; // whose pass this thread has
 
 } // namespace
 
-StoreGuard::StoreGuard(Database database, const QString &path, BusyWait &wait) :
+StoreGuard::StoreGuard(SqliteDatabase database, const QString &path, BusyWait &wait) :
     m_database(std::move(database)), m_path(path), m_wait(wait), m_handle(m_database.get()),
     m_watch(m_database.get(), path)
 {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "app/shop/left_log.h"
-#include "app/shop/sql.h"
 #include "app/shop/store_loss.h"
 #include "app/shop/store_watch.h"
+#include "engine/database.h"
 
 #include <harrowby/db_connection.h>
 
@@ -29,7 +29,7 @@ class StoreGuard final : public QObject
 public:
     /// Takes the connection over. `path` is the name that the person gave; `wait` becomes the busy handler again after
     /// each moment in which there must be none, and must outlive this object.
-    StoreGuard(Database database, const QString &path, BusyWait &wait);
+    StoreGuard(SqliteDatabase database, const QString &path, BusyWait &wait);
     /// Looks once more, brings away what is left to bring away, and closes the connection.
     ~StoreGuard() override;
 
@@ -86,7 +86,7 @@ private:
     [[nodiscard]] LogFiles logFiles() const;
     [[nodiscard]] bool mayPass() const;
 
-    Database m_database;
+    SqliteDatabase m_database;
     QString m_path;
     BusyWait &m_wait;
     StoreHandle m_handle;

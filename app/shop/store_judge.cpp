@@ -57,8 +57,8 @@ bool hasForeignLog(const QString &path)
 
 Problem judgeTable(sqlite3 *database, const StoreTable &table, const QString &path)
 {
-    SqlQuery found(database, u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE"_s,
-                   {table.name});
+    SqliteStatement found(database, u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE"_s,
+                          {table.name});
     const bool exists = found.next();
     if (found.error())
         return engineProblem(*found.error(), path);
@@ -67,7 +67,7 @@ Problem judgeTable(sqlite3 *database, const StoreTable &table, const QString &pa
 
     QStringList present;
     // Generated columns too: a reader does not mind them.
-    SqlQuery columns(database, u"SELECT name FROM pragma_table_xinfo(?1) WHERE hidden <> 1"_s, {table.name});
+    SqliteStatement columns(database, u"SELECT name FROM pragma_table_xinfo(?1) WHERE hidden <> 1"_s, {table.name});
     while (columns.next())
         present << columns.text(0);
     if (columns.error())
@@ -103,7 +103,7 @@ Problem judgeContent(sqlite3 *database, const QString &path, std::chrono::millis
 }
 
 /// The first read: it meets locks, and what a crash has left behind.
-std::optional<SqlError> openForJudging(const QString &path, OpenMode mode, BusyWait &wait, Database &database)
+std::optional<SqlError> openForJudging(const QString &path, OpenMode mode, BusyWait &wait, SqliteDatabase &database)
 {
     if (auto error = openDatabase(path, mode, database))
         return error;
@@ -125,7 +125,7 @@ std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std:
     if (hasForeignLog(path))
         return storeProblem(ProblemKind::ForeignLog, path, logFileOf(path));
 
-    Database database;
+    SqliteDatabase database;
     auto error = openForJudging(path, gentlestMode(path, header), wait, database);
     // A crash has left a journal. Only SQLite may judge it, and it needs to write to do so.
     if (error && error->code == SQLITE_READONLY)

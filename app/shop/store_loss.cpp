@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/store_loss.h"
 
-#include <QHash>
-
-#include <mutex>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -12,35 +8,6 @@ namespace harrowby::app {
 namespace {
 
 using Kind = StoreLoss::Kind;
-
-/// A backup asks from a thread of its own.
-class Losses
-{
-public:
-    QString of(const sqlite3 *database)
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_all.value(database);
-    }
-    void set(const sqlite3 *database, const QString &headline)
-    {
-        const std::lock_guard lock(m_mutex);
-        if (headline.isEmpty())
-            m_all.remove(database);
-        else
-            m_all.insert(database, headline);
-    }
-
-private:
-    std::mutex m_mutex;
-    QHash<const sqlite3 *, QString> m_all;
-};
-
-Losses &losses()
-{
-    static Losses all;
-    return all;
-}
 
 QString whereItIs(const StoreLoss &loss)
 {
@@ -108,21 +75,6 @@ QString lossHeadline(const StoreLoss &loss)
 QString lossAdvice(const StoreLoss &loss, const QString &place)
 {
     return whereItIs(loss) + u"\n\n"_s + whatToDo(loss, place);
-}
-
-QString lossOf(const sqlite3 *database)
-{
-    return losses().of(database);
-}
-
-void noteLoss(const sqlite3 *database, const QString &headline)
-{
-    losses().set(database, headline);
-}
-
-void forgetLoss(const sqlite3 *database)
-{
-    losses().set(database, {});
 }
 
 } // namespace harrowby::app

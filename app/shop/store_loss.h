@@ -3,8 +3,6 @@
 
 #include <QString>
 
-struct sqlite3;
-
 namespace harrowby::app {
 
 /// What has happened to a store file while a program had it open.
@@ -31,10 +29,5 @@ struct StoreLoss
 [[nodiscard]] QString lossHeadline(const StoreLoss &loss);
 /// What is in the file, and what to do; `place` is what the person sits at: "till" or "office".
 [[nodiscard]] QString lossAdvice(const StoreLoss &loss, const QString &place);
-
-/// The headline while the store behind this connection is lost, for whoever reports what failed; else empty.
-[[nodiscard]] QString lossOf(const sqlite3 *database);
-void noteLoss(const sqlite3 *database, const QString &headline);
-void forgetLoss(const sqlite3 *database);
 
 } // namespace harrowby::app

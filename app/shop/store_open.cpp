@@ -65,12 +65,12 @@ Problem prepare(sqlite3 *database, const QString &path)
 
 } // namespace
 
-std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, Database &database)
+std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, SqliteDatabase &database)
 {
     database.reset();
     if (auto problem = judgeStore(path, wait))
         return problem;
-    Database opened;
+    SqliteDatabase opened;
     if (auto error = openDatabase(path, OpenMode::Write, opened))
         return engineProblem(*error, path);
     wait.attach(opened.get());

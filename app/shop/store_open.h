@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/shop/sql.h"
 #include "app/shop/store_problem.h"
+#include "engine/database.h"
 
 #include <QString>
 
@@ -14,6 +14,6 @@ class BusyWait;
 
 /// Judges an existing store file and opens it for a till that loses nothing: what it needs is set on the connection,
 /// and the indexes that the file lacks are made. On failure `database` is empty.
-[[nodiscard]] std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, Database &database);
+[[nodiscard]] std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, SqliteDatabase &database);
 
 } // namespace harrowby::app

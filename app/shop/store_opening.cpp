@@ -94,7 +94,7 @@ private:
 
 } // namespace
 
-std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, Database &database)
+std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, SqliteDatabase &database)
 {
     OpeningSign sign(path);
     wait.setWatcher([&sign] { QMetaObject::invokeMethod(&sign, &OpeningSign::sayLocked); });

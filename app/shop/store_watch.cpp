@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/store_watch.h"
 
-#include "app/shop/sql.h"
+#include "engine/database.h"
 
 #include <QFile>
 #include <QFileInfo>

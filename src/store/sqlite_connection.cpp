@@ -2,7 +2,7 @@
 #include <harrowby/sqlite_connection.h>
 
 #include "basic/logging.h"
-#include "store/sqlite_statement.h"
+#include "engine/sqlite_statement.h"
 
 #include <QStringList>
 
@@ -23,7 +23,8 @@ using Step = DbCursor::Step;
 
 void reportError(const DbConnection &connection, Kind kind, const QString &what, const SqliteStatement &statement)
 {
-    connection.reportFailure({kind, what, statement.error(), statement.errorCode()});
+    const std::optional<SqlError> &error = statement.error();
+    connection.reportFailure({kind, what, error ? error->reason : QString(), statement.extendedCode()});
 }
 
 /// Must not outlive its connection.
@@ -47,7 +48,7 @@ public:
     }
 
     [[nodiscard]] DbValue value(int column) const override { return m_statement.value(column); }
-    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_statement.text(column); }
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_statement.utf8(column); }
 
 private:
     const DbConnection &m_connection;

@@ -23,6 +23,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -155,7 +156,7 @@ void BackupTest::copyIsAStore()
 void BackupTest::tillWritesMeanwhile()
 {
     grow();
-    Database till;
+    SqliteDatabase till;
     QVERIFY(!openDatabase(store(), OpenMode::Write, till));
     int written = 0;
     const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
@@ -175,7 +176,7 @@ void BackupTest::tillWithoutALogWritesMeanwhile()
 {
     grow();
     runAll(store(), {u"PRAGMA journal_mode = DELETE"_s});
-    Database till;
+    SqliteDatabase till;
     QVERIFY(!openDatabase(store(), OpenMode::Write, till));
     int steps = 0;
     int written = 0;

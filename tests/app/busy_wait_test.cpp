@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/busy_wait.h"
-#include "app/shop/sql.h"
 #include "app/shop/store_opening.h"
 #include "app/shop/wait_sign.h"
+#include "engine/database.h"
 #include "tests/app/store_files.h"
 
 #include <QApplication>
@@ -23,6 +23,7 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 using namespace std::chrono_literals;
@@ -63,8 +64,8 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::vector<std::chrono::milliseconds> m_steps;
-    Database m_other;
-    Database m_till;
+    SqliteDatabase m_other;
+    SqliteDatabase m_till;
 };
 
 void BusyWaitTest::init()

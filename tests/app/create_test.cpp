@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -76,7 +77,7 @@ void CreateTest::newStoreIsTheOwnersAlone()
     QCOMPARE(permissionsText(m_folder->filePath(u"a"_s)), u"0700"_s);
     QCOMPARE(permissionsText(m_folder->filePath(u"a/b"_s)), u"0700"_s);
     // So are the files beside it while it is open.
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(path, OpenMode::Write, database));
     QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
     QCOMPARE(permissionsText(path + u"-wal"_s), u"0600"_s);

@@ -342,7 +342,7 @@ Start startFirst(const QString &path)
     start.isMade = true;
     start.isKept = saveNewShop({savedSetting, saveSetting}, {u"SHOP"_s, u"N"_s});
     BusyWait wait;
-    harrowby::app::Database database;
+    harrowby::SqliteDatabase database;
     const auto problem = openStore(path, wait, database);
     start.isAccepted = !problem;
     start.told << (problem ? QStringList{problem->text} : openAndClose(database.get()));

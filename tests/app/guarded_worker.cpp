@@ -32,7 +32,7 @@ QString reasonOf(const std::optional<SqlError> &error)
 class Work
 {
 public:
-    Work(const QString &role, Database database, const QString &path, BusyWait &wait) :
+    Work(const QString &role, SqliteDatabase database, const QString &path, BusyWait &wait) :
         m_wait(wait), m_isTill(role == u"till"_s), m_guard(std::move(database), path, wait), m_till(m_guard.database())
     {
         m_till.setFailureHandler([this](const DbFailure &failure) { m_failure = m_guard.explained(failure).reason; });
@@ -116,7 +116,7 @@ int runWorker(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const QString path = QString::fromLocal8Bit(argv[3]);
     BusyWait wait;
-    Database database;
+    SqliteDatabase database;
     if (const auto problem = openStore(path, wait, database)) {
         say(problem->text);
         return 4;
@@ -140,7 +140,7 @@ void runInFolder(const QString &folder, const QString &commands)
 
 std::unique_ptr<StoreGuard> guardStore(const QString &path, BusyWait &wait)
 {
-    Database database;
+    SqliteDatabase database;
     if (const auto problem = openStore(path, wait, database))
         qFatal("%s", qPrintable(problem->text));
     return std::make_unique<StoreGuard>(std::move(database), path, wait);

@@ -19,6 +19,7 @@
 #include <functional>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -43,7 +44,7 @@ void makeLoggedLack(const QString &path)
 {
     const QString other = path + u".live"_s;
     makeStore(other);
-    Database live;
+    SqliteDatabase live;
     QVERIFY(!openDatabase(other, OpenMode::Write, live));
     QVERIFY(!runSql(live.get(), u"DROP TABLE SysUsage"_s));
     copyAsAfterCrash(other, path);
@@ -89,7 +90,7 @@ void nothing(sqlite3_context *context, int, sqlite3_value **)
 
 void changeAll(const QString &path, QStringList statements)
 {
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(path, OpenMode::Write, database));
     if (statements.constFirst().startsWith(u'(')) {
         statements.removeFirst();
@@ -223,7 +224,7 @@ void JudgeTest::refusedFilesStayAsTheyWere()
     const Bytes before = bytesOf(path());
     const QStringList namesBefore = QDir(m_folder->path()).entryList(QDir::Files);
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY(problem);
     QVERIFY(!database);
@@ -272,7 +273,7 @@ void JudgeTest::goodFileIsOpenedAndUntouchedByJudging()
     QVERIFY(!judge(path()));
     QVERIFY(bytesOf(path()) == before);
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openStore(path(), wait, database));
     QCOMPARE(readText(database.get(), u"SELECT StockName FROM StockList"_s), u"TEA"_s);
 }
@@ -416,7 +417,7 @@ void JudgeTest::storeThatDoesNotFitIsRefused()
     changeAll(path(), statements);
     const Bytes before = bytesOf(path());
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY(problem);
     QVERIFY2(static_cast<int>(problem->kind) == kind, qPrintable(problem->text));

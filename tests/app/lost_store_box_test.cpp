@@ -24,6 +24,7 @@
 #include <memory>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -90,7 +91,7 @@ void LostStoreBoxTest::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     makeStore(path());
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openStore(path(), m_wait, database));
     m_guard = std::make_unique<StoreGuard>(std::move(database), path(), m_wait);
     m_closings = 0;

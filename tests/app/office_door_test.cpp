@@ -14,6 +14,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 using namespace std::chrono_literals;
@@ -69,7 +70,7 @@ void OfficeDoorTest::passwordIsComparedAsAtTheTill()
     const QString path = folder.filePath(u"shop.sqlite"_s);
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type) VALUES ('BOB', 'MINE', 'ADMINISTRATOR')"_s});
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(path, OpenMode::Write, database));
     QCOMPARE(findAdministrator(database.get()).kind, Kind::Open);
     QCOMPARE(askAtDoor(database.get(), typed).kind, answer);
@@ -95,7 +96,7 @@ void OfficeDoorTest::storeWithoutAdministrator()
     const QString path = folder.filePath(u"shop.sqlite"_s);
     makeStore(path);
     runAll(path, {change});
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(path, OpenMode::Write, database));
     QCOMPARE(findAdministrator(database.get()).kind, found);
     QCOMPARE(askAtDoor(database.get(), u"secret"_s).kind, found == Kind::Open ? Kind::Open : Kind::Wrong);
@@ -103,7 +104,7 @@ void OfficeDoorTest::storeWithoutAdministrator()
 
 void OfficeDoorTest::missingTableIsAFailure()
 {
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(u":memory:"_s, OpenMode::Create, database));
     const DoorAnswer answer = findAdministrator(database.get());
     QCOMPARE(answer.kind, Kind::Failed);

@@ -26,6 +26,7 @@
 #include <functional>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -77,7 +78,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
-    Database m_database;
+    SqliteDatabase m_database;
     QHash<QString, QString> m_saved;
     QString m_boxText;
     std::unique_ptr<OfficeWindow> m_window;
@@ -214,7 +215,7 @@ void OfficeWindowTest::rightIsSwitchedAndStored()
 void OfficeWindowTest::failedSwitchShowsWhatIsStored()
 {
     choose(u"ANNA"_s);
-    Database other;
+    SqliteDatabase other;
     QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     answerNextBox(QMessageBox::AcceptRole);

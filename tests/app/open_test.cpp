@@ -14,6 +14,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -84,7 +85,7 @@ void OpenTest::lockedByAnotherProgram()
 
     const QByteArray before = bytesOf(path()).file;
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY(problem);
     QVERIFY2(problem->kind == ProblemKind::Locked, qPrintable(problem->text));
@@ -104,7 +105,7 @@ void OpenTest::logOfACrashIsRecovered()
     const QString live = path(u"live.sqlite"_s);
     makeStore(live);
     {
-        Database database;
+        SqliteDatabase database;
         QVERIFY(!openDatabase(live, OpenMode::Write, database));
         QVERIFY(!runSql(database.get(), u"UPDATE StockList SET StockAvailable = 7"_s));
         copyAsAfterCrash(live, path());
@@ -114,7 +115,7 @@ void OpenTest::logOfACrashIsRecovered()
     QVERIFY(!judge(path()));
     QVERIFY(bytesOf(path()) == before);
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openStore(path(), wait, database));
     QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"7"_s);
 }
@@ -124,7 +125,7 @@ void OpenTest::journalOfACrashIsRecovered()
     const QString live = path(u"live.sqlite"_s);
     makeBigStore(live);
     {
-        Database database;
+        SqliteDatabase database;
         QVERIFY(!openDatabase(live, OpenMode::Write, database));
         QVERIFY(!runSql(database.get(), u"PRAGMA journal_mode = DELETE"_s));
         QVERIFY(!runSql(database.get(), u"PRAGMA cache_size = 5"_s)); // the change spills into the file
@@ -134,7 +135,7 @@ void OpenTest::journalOfACrashIsRecovered()
     }
     QVERIFY(QFile(journalOf(path())).size() > 0);
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"SELECT count(*) FROM SysUsage WHERE SystemUsage LIKE '%half done'"_s), u"0"_s);
@@ -156,7 +157,7 @@ void OpenTest::foreignFileKeepsItsIdentityAndGetsIndexes()
     runAll(path(), statements);
 
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA application_id"_s), u"77"_s);
@@ -173,7 +174,7 @@ void OpenTest::newerSchemaVersionOpens()
     makeStore(path());
     runAll(path(), {u"PRAGMA user_version = 900"_s, u"ALTER TABLE StockList ADD COLUMN Shelf"_s});
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openStore(path(), wait, database));
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"900"_s);
 }
@@ -183,7 +184,7 @@ void OpenTest::openStoreIsSetToLoseNothing()
     makeStore(path());
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openStore(path(), wait, database));
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"wal"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"2"_s);
@@ -193,13 +194,13 @@ void OpenTest::readerInRollbackModeMeansExtra()
 {
     makeStore(path());
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
-    Database reader;
+    SqliteDatabase reader;
     QVERIFY(!openDatabase(path(), OpenMode::Read, reader));
-    SqlQuery reading(reader.get(), u"SELECT * FROM StockList"_s);
+    SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);
     QVERIFY(reading.next());
 
     BusyWait wait(shortWait);
-    Database database;
+    SqliteDatabase database;
     const auto problem = openStore(path(), wait, database);
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"delete"_s);
@@ -224,7 +225,7 @@ void OpenTest::openStoreIsUsedAsItIsAndLogged()
     QVERIFY(QFile::setPermissions(path(), QFile::Permissions(permissions)));
     const QString before = permissionsText(path());
     LogFile log(path(u"log"_s));
-    Database database;
+    SqliteDatabase database;
     {
         const LogRouting routing(log, false);
         BusyWait wait(shortWait);

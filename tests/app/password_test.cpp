@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/password_rules.h"
-#include "app/shop/sql.h"
 #include "app/shop/store_create.h"
+#include "engine/database.h"
 #include "store/statements.h"
 #include "tests/app/store_files.h"
 

@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -214,7 +215,7 @@ void SaleTest::waitForALockIsSaid()
     constexpr QRgb accent = 0x006256;
     constexpr QRect place(460, 40, 360, 70); // within the sign, at the top of a window that fills the screen
     constexpr int most = 360 * 70 / 2;
-    Database other;
+    SqliteDatabase other;
     QVERIFY(!openDatabase(store(), OpenMode::Write, other));
     sqlite3_busy_timeout(other.get(), 5000); // the till may be at the end of its own writing
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
@@ -243,7 +244,7 @@ void SaleTest::waitBeforeTheWindowIsSaid()
     constexpr QRect place(460, 477, 360, 70); // within the sign, in the middle of the screen
     constexpr int most = 360 * 70 / 2;
     runAll(store(), {u"DELETE FROM StoreSettings"_s}); // loading adds the row
-    Database other;
+    SqliteDatabase other;
     QVERIFY(!openDatabase(store(), OpenMode::Write, other));
     RunningProgram program(m_screen, m_home.path());
     QVERIFY2(program.startUpTo(u"Sales Inventory"_s, {u"--look"_s, u"light"_s}), qPrintable(program.errors()));

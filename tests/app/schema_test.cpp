@@ -31,14 +31,14 @@ private:
     [[nodiscard]] QString plan(const QString &statement) const
     {
         QStringList steps;
-        SqlQuery query(m_database.get(), u"EXPLAIN QUERY PLAN "_s + statement);
+        SqliteStatement query(m_database.get(), u"EXPLAIN QUERY PLAN "_s + statement);
         while (query.next())
             steps << query.text(3);
         return query.error() ? query.error()->reason : steps.join(u"; "_s);
     }
 
     QTemporaryDir m_folder;
-    Database m_database;
+    SqliteDatabase m_database;
 };
 
 namespace {
@@ -123,8 +123,9 @@ void SchemaTest::newFileHasTheTablesAndNoRule()
 {
     for (const StoreTable &table : storeTables()) {
         QStringList columns;
-        SqlQuery query(m_database.get(), u"SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?1)"_s,
-                       {table.name});
+        SqliteStatement query(m_database.get(),
+                              u"SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?1)"_s,
+                              {table.name});
         while (query.next()) {
             columns << query.text(0);
             QCOMPARE(query.text(1), table.types.at(columns.size() - 1));

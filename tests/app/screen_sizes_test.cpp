@@ -111,7 +111,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
-    Database m_database;
+    SqliteDatabase m_database;
 };
 
 void ScreenSizesTest::init()

@@ -47,7 +47,7 @@ void makeStore(const QString &path)
 
 void runAll(const QString &path, const QStringList &statements)
 {
-    Database database;
+    SqliteDatabase database;
     QVERIFY(!openDatabase(path, OpenMode::Create, database));
     for (const QString &statement : statements) {
         const auto error = runSql(database.get(), statement);
@@ -65,11 +65,11 @@ void makeBigStore(const QString &path)
 
 QStringList column(const QString &path, const QString &select)
 {
-    Database database;
+    SqliteDatabase database;
     if (openDatabase(path, OpenMode::Write, database))
         return {u"cannot be opened"_s};
     QStringList values;
-    SqlQuery query(database.get(), select);
+    SqliteStatement query(database.get(), select);
     while (query.next())
         values << query.text(0);
     return query.error() ? QStringList{query.error()->reason} : values;

@@ -16,6 +16,7 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -132,7 +133,7 @@ void StoreGuardPeaceTest::aMoveUnderWayIsNoLoss()
 void StoreGuardPeaceTest::openLogIsNotWaitedFor()
 {
     const auto store = guardStore(path(), m_wait);
-    Database other;
+    SqliteDatabase other;
     QVERIFY(!openDatabase(path(), OpenMode::Write, other));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     QVERIFY(!runSql(other.get(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('theirs')"_s));
@@ -141,7 +142,7 @@ void StoreGuardPeaceTest::openLogIsNotWaitedFor()
     QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));
     QVERIFY(!store->isLost());
     QVERIFY(!runSql(other.get(), u"COMMIT"_s));
-    SqlQuery reading(other.get(), lines);
+    SqliteStatement reading(other.get(), lines);
     QVERIFY(reading.next());
     store->tick();
     QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));

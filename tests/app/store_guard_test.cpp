@@ -280,7 +280,7 @@ void StoreGuardTest::anOpenListEnds()
     QVERIFY(!runSql(store->database(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('one'), ('two'), ('three')"_s));
     const QSignalSpy changes(store.get(), &StoreGuard::lossChanged);
     {
-        SqlQuery list(store->database(), lines);
+        SqliteStatement list(store->database(), lines);
         QVERIFY(list.next());
         attack(u"mv $S moved.sqlite"_s);
         store->tick();
@@ -298,11 +298,11 @@ void StoreGuardTest::anOpenListEnds()
 void StoreGuardTest::statementsWithoutALogFail()
 {
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
-    Database reader;
+    SqliteDatabase reader;
     QVERIFY(!openDatabase(path(), OpenMode::Read, reader));
     std::unique_ptr<StoreGuard> store;
     {
-        SqlQuery reading(reader.get(), u"SELECT * FROM StockList"_s);
+        SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);
         QVERIFY(reading.next()); // keeps the store from its log
         store = guard();
     }

@@ -59,7 +59,7 @@ TroubledTill::TroubledTill() :
     m_log(m_home.path(u".local/share/Harrowby/harrowby.log"_s)), m_routing(m_log, false)
 {
     makeStore();
-    Database database;
+    SqliteDatabase database;
     if (const auto problem = openStore(m_path, m_wait, database))
         qFatal("%s", qPrintable(problem->text));
     m_guard = std::make_unique<StoreGuard>(std::move(database), m_path, m_wait);

@@ -12,6 +12,7 @@
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
+using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
@@ -51,7 +52,7 @@ private:
 
     QTemporaryDir m_folder;
     QString m_path;
-    Database m_database;
+    SqliteDatabase m_database;
 };
 
 void UsersStoreTest::init()
@@ -79,7 +80,7 @@ int UsersStoreTest::foundByLogin(const QString &name, const QString &password) c
     const auto login = harrowby::statements::login(harrowby::trimmedUpper(name), harrowby::trimmedUpper(password));
     if (login.isRefused())
         return -1;
-    SqlQuery query(m_database.get(), login.sql());
+    SqliteStatement query(m_database.get(), login.sql());
     int rows = 0;
     while (query.next())
         ++rows;
@@ -146,13 +147,13 @@ void UsersStoreTest::flagsAreWhatTheLoginReads()
     QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventorySales"_s});
     for (const Right &right : userRights()) {
         QVERIFY(!store().setRight(user(u"ANNA"_s), right.column, true));
-        SqlQuery query(m_database.get(), u"SELECT %1 FROM Users WHERE Username = 'ANNA'"_s.arg(right.column));
+        SqliteStatement query(m_database.get(), u"SELECT %1 FROM Users WHERE Username = 'ANNA'"_s.arg(right.column));
         QVERIFY(query.next());
         QVERIFY(harrowby::valueEqualsTrue(query.value(0)));
     }
     QCOMPARE(user(u"ANNA"_s).rights.size(), userRights().size());
     QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, false));
-    SqlQuery query(m_database.get(), u"SELECT InventoryUndo FROM Users WHERE Username = 'ANNA'"_s);
+    SqliteStatement query(m_database.get(), u"SELECT InventoryUndo FROM Users WHERE Username = 'ANNA'"_s);
     QVERIFY(query.next());
     QVERIFY(!harrowby::valueIsTrue(query.value(0)));
     QVERIFY(store().setRight(user(u"ANNA"_s), u"Password"_s, true)); // no right
@@ -267,7 +268,7 @@ void UsersStoreTest::vanishedUserIsTold()
 
 void UsersStoreTest::lockedStoreIsToldAndUnchanged()
 {
-    Database other;
+    SqliteDatabase other;
     QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     const auto added = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
@@ -283,7 +284,7 @@ void UsersStoreTest::rightWaitsForATillThatWrites()
 {
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
     run(u"PRAGMA journal_mode = WAL"_s);
-    Database till;
+    SqliteDatabase till;
     QVERIFY(!openDatabase(m_path, OpenMode::Write, till));
     QVERIFY(!runSql(till.get(), u"BEGIN IMMEDIATE"_s));
     QVERIFY(!runSql(till.get(), u"UPDATE StoreSettings SET ShowDetails = 0"_s));

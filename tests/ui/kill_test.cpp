@@ -77,7 +77,7 @@ const QMap<QString, Work> &works()
 int runTill(const QString &path, quint32 seed, const Work &work)
 {
     app::BusyWait wait;
-    app::Database database;
+    SqliteDatabase database;
     if (app::openStore(path, wait, database))
         return 2;
     const app::StoreGuard store(std::move(database), path, wait);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "store/sqlite_statement.h"
+#include "engine/sqlite_statement.h"
+
+#include "engine/lost_files.h"
 
 #include <sqlite3.h>
 
@@ -16,6 +18,8 @@ using Purpose = SqliteStatement::Purpose;
 /// Looks at the first word before SQLite sees the text: some pragmas take effect while they are prepared.
 bool beginsLike(const QString &text, Purpose purpose)
 {
+    if (purpose == Purpose::Any)
+        return true;
     static const QStringList selecting{u"select"_s, u"with"_s, u"values"_s};
     static const QStringList changing{u"insert"_s, u"update"_s, u"delete"_s, u"replace"_s, u"with"_s};
     const QString trimmed = text.trimmed();
@@ -94,6 +98,14 @@ SqliteStatement::SqliteStatement(sqlite3 *database, const QString &text, Purpose
         prepare(text.toUtf8(), purpose);
 }
 
+SqliteStatement::SqliteStatement(sqlite3 *database, const QString &text, const QList<DbValue> &values) :
+    SqliteStatement(database, text, Purpose::Any)
+{
+    int parameter = 0;
+    for (const DbValue &value : values)
+        bind(++parameter, value);
+}
+
 void SqliteStatement::prepare(const QByteArray &sql, Purpose purpose)
 {
     sqlite3_stmt *statement = nullptr;
@@ -110,13 +122,16 @@ void SqliteStatement::prepare(const QByteArray &sql, Purpose purpose)
 
 bool SqliteStatement::serves(Purpose purpose) const
 {
+    if (purpose == Purpose::Any)
+        return true;
     const bool isReadOnly = sqlite3_stmt_readonly(m_statement.get()) != 0;
     return purpose == Purpose::Select ? isReadOnly && sqlite3_column_count(m_statement.get()) > 0 : !isReadOnly;
 }
 
 void SqliteStatement::refuse(const QString &reason)
 {
-    fail(reason, 0);
+    m_error = SqlError{0, reason};
+    m_extendedCode = 0;
 }
 
 void SqliteStatement::bind(int parameter, const DbValue &value)
@@ -185,22 +200,35 @@ DbValue SqliteStatement::value(int column) const
     }
 }
 
-std::optional<QByteArrayView> SqliteStatement::text(int column) const
+QString SqliteStatement::text(int column) const
+{
+    // Text first: asking for it may convert, and the length is that of the converted text.
+    const unsigned char *utf8 = sqlite3_column_text(m_statement.get(), column);
+    return QString::fromUtf8(reinterpret_cast<const char *>(utf8), sqlite3_column_bytes(m_statement.get(), column));
+}
+
+std::int64_t SqliteStatement::number(int column) const
+{
+    return sqlite3_column_int64(m_statement.get(), column);
+}
+
+std::optional<QByteArrayView> SqliteStatement::utf8(int column) const
 {
     const HeldColumn held(m_database, m_statement.get(), column);
     return held.type() == SQLITE_TEXT ? std::optional(held.text()) : std::nullopt;
 }
 
-void SqliteStatement::fail(const QString &reason, int code)
-{
-    m_failed = true;
-    m_error = reason;
-    m_errorCode = code;
-}
-
 void SqliteStatement::failAsEngineSays()
 {
-    fail(QString::fromUtf8(sqlite3_errmsg(m_database)), sqlite3_extended_errcode(m_database));
+    m_error = lastErrorOf(m_database);
+    m_extendedCode = sqlite3_extended_errcode(m_database);
+}
+
+SqlError lastErrorOf(sqlite3 *database)
+{
+    if (const QString loss = lossOf(database); !loss.isEmpty())
+        return {SQLITE_READONLY_DBMOVED, loss};
+    return {sqlite3_errcode(database) & 0xff, QString::fromUtf8(sqlite3_errmsg(database))};
 }
 
 } // namespace harrowby

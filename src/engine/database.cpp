@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "engine/database.h"
+
+#include <QFile>
+#include <QUrl>
+
+#include <sqlite3.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+namespace {
+
+int openFlags(OpenMode mode)
+{
+    switch (mode) {
+    case OpenMode::Read:
+        return SQLITE_OPEN_READONLY;
+    case OpenMode::ReadFrozen:
+        return SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
+    case OpenMode::Write:
+        return SQLITE_OPEN_READWRITE;
+    case OpenMode::Create:
+        break;
+    }
+    return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+}
+
+QByteArray openName(const QString &path, OpenMode mode)
+{
+    if (mode != OpenMode::ReadFrozen)
+        return path.toUtf8();
+    return "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1";
+}
+
+/// SQLite would let others read a new file. What is there already is never opened: closing it again would drop the
+/// locks that this program has on it.
+void makeForOwnerAlone(const QString &path)
+{
+    if (path == u":memory:"_s)
+        return;
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
+
+} // namespace
+
+void CloseDatabase::operator()(sqlite3 *database) const noexcept
+{
+    sqlite3_close_v2(database);
+}
+
+std::optional<SqlError> openDatabase(const QString &path, OpenMode mode, SqliteDatabase &database)
+{
+    if (mode == OpenMode::Create)
+        makeForOwnerAlone(path);
+    sqlite3 *raw = nullptr;
+    const int code = sqlite3_open_v2(openName(path, mode).constData(), &raw, openFlags(mode), nullptr);
+    database.reset(raw);
+    if (code == SQLITE_OK)
+        return {};
+    return raw != nullptr ? lastErrorOf(raw) : SqlError{code, u"out of memory"_s};
+}
+
+std::optional<SqlError> runSql(sqlite3 *database, const QString &text, const QList<DbValue> &values)
+{
+    SqliteStatement query(database, text, values);
+    while (query.next()) {
+    }
+    return query.error();
+}
+
+QString readText(sqlite3 *database, const QString &text, const QList<DbValue> &values)
+{
+    SqliteStatement query(database, text, values);
+    return query.next() ? query.text(0) : QString();
+}
+
+} // namespace harrowby
