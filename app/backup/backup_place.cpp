@@ -98,14 +98,16 @@ QString usualBackupName(const QDate &day)
 
 QString usualRescuePlace(const QString &store, const QDateTime &now)
 {
-    const QString name =
-        QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s) + u".db"_s;
+    const QString name = QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s);
     QDir folder = QFileInfo(store).absoluteDir();
-    if (judgeNewPlace(folder.filePath(name), false))
+    if (judgeNewPlace(folder.filePath(name + u".db"_s), false))
         folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     if (!folder.exists())
         folder = QDir::home();
-    return folder.filePath(name);
+    QString place = folder.filePath(name + u".db"_s);
+    for (int number = 2; QFileInfo::exists(place); ++number)
+        place = folder.filePath(u"%1-%2.db"_s.arg(name).arg(number));
+    return place;
 }
 
 QString backupPlaceProblem(const QString &store, const QString &target)

@@ -13,7 +13,7 @@ namespace harrowby::app {
 [[nodiscard]] QString usualBackupName(const QDate &day);
 
 /// Where the copy of a store goes whose file was lost: beside its place, or into the documents when nothing can be
-/// written there.
+/// written there. No file has that name yet.
 [[nodiscard]] QString usualRescuePlace(const QString &store, const QDateTime &now);
 
 /// Why the backup of this store cannot be written there, in words for a person; empty when it can. A file that is

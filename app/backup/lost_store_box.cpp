@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -159,7 +160,7 @@ void LostStoreBox::tell()
     m_advice->setText(lossAdvice(loss, m_place));
     m_rescue->setVisible(loss.needsRescue());
     if (m_file->text().isEmpty())
-        m_file->setText(QDir::toNativeSeparators(usualRescuePlace(loss.path, QDateTime::currentDateTime())));
+        offerPlace();
     if (m_closing)
         return;
     fitText();
@@ -196,8 +197,17 @@ void LostStoreBox::choosePlace()
         m_file->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
 }
 
+void LostStoreBox::offerPlace()
+{
+    m_offered = QDir::toNativeSeparators(usualRescuePlace(m_guard.loss().path, QDateTime::currentDateTime()));
+    m_file->setText(m_offered);
+}
+
 void LostStoreBox::rescue()
 {
+    // Another till or the office, which lost the same file in the same second, has made its own copy there.
+    if (!m_rescued && m_file->text() == m_offered && QFileInfo::exists(m_offered))
+        offerPlace();
     m_target = m_file->text().isEmpty() ? QString() : QDir::cleanPath(m_file->text());
     m_outcome->clear();
     setRunning(true);

@@ -40,6 +40,7 @@ private:
     void layOut();
     void fitText();
     [[nodiscard]] QWidget *makeRescue();
+    void offerPlace();
     void choosePlace();
     void rescue();
     void showProgress(const BackupProgress &progress);
@@ -54,7 +55,8 @@ private:
     std::function<bool()> m_close;
     bool m_closing = false;
     bool m_rescued = false;
-    QString m_target; ///< of the copy that is being made
+    QString m_offered; ///< the place that was proposed for the copy
+    QString m_target;  ///< of the copy that is being made
     QLabel *m_what = nullptr;
     QLabel *m_advice = nullptr;
     QWidget *m_rescue = nullptr;

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void tillThatAsksAlreadyIsNotClosed();
     void rescueCopyIsMade();
     void rescueCopyReplacesNothing();
+    void rescueCopyStandsBesideTheOneOfAnotherTill();
     void closingWithoutTheCopyIsAskedFor();
     void allCanBeTouchedAndRead();
     void officeClosesFromTheFront();
@@ -238,6 +239,23 @@ void LostStoreBoxTest::rescueCopyReplacesNothing()
     QCOMPARE(other.size(), 7);
 }
 
+void LostStoreBoxTest::rescueCopyStandsBesideTheOneOfAnotherTill()
+{
+    lose(u"removed"_s);
+    const auto place = [this] { return box()->findChild<QLineEdit *>(u"rescuePlace"_s)->text(); };
+    QFile other(place());
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write("another") > 0);
+    other.close();
+    press(u"makeRescueCopy"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
+    QVERIFY(text(u"rescueOutcome"_s).contains(place()));
+    QVERIFY(place() != other.fileName());
+    QCOMPARE(column(place(), u"SELECT SystemUsage FROM SysUsage"_s), QStringList{u"one"_s});
+    QCOMPARE(other.size(), 7);
+    press(u"makeRescueCopy"_s); // not a third one
+    QTRY_VERIFY_WITH_TIMEOUT(text(u"rescueOutcome"_s).contains(u"It was left as it was"_s), 30000);
+}
+
 void LostStoreBoxTest::closingWithoutTheCopyIsAskedFor()
 {
     lose(u"removed"_s);
@@ -314,6 +332,8 @@ void LostStoreBoxTest::rescueGoesWhereThereIsAFolder()
 {
     const QDateTime now(QDate(2026, 11, 21), QTime(9, 5, 7));
     QCOMPARE(usualRescuePlace(path(), now), path(u"shop-rescue-2026-11-21-090507.db"_s));
+    QVERIFY(QFile(path(u"shop-rescue-2026-11-21-090507.db"_s)).open(QIODevice::WriteOnly));
+    QCOMPARE(usualRescuePlace(path(), now), path(u"shop-rescue-2026-11-21-090507-2.db"_s));
     QVERIFY(QDir().mkpath(QDir::homePath()));
     const QString elsewhere = usualRescuePlace(path(u"gone/shop.sqlite"_s), now);
     QVERIFY(QFileInfo(elsewhere).absoluteDir().exists());

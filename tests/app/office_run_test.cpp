@@ -22,6 +22,7 @@ private Q_SLOTS:
     void wrongPasswordStaysOutside();
     void newCashierLogsInAtTheOpenTill();
     void replacedStoreEndsTheOffice();
+    void tillAndOfficeRescueOneLostStore();
     void storeWithoutAdministratorIsTold();
 
 private:
@@ -29,6 +30,7 @@ private:
     [[nodiscard]] QStringList officeArguments() const { return {u"--office"_s, u"--database"_s, store()}; }
     void enter(RunningProgram &program, const QString &entry, const QString &text);
     void openOffice(RunningProgram &office);
+    void rescueAndClose(RunningProgram &program, bool isTill);
 
     QTemporaryDir m_home;
     Screen m_screen;
@@ -54,6 +56,18 @@ void OfficeRunTest::openOffice(RunningProgram &office)
     enter(office, u"officePassword"_s, u"secret"_s);
     m_screen.key(u"Return"_s);
     QTRY_VERIFY_WITH_TIMEOUT(office.has(u"addUser"_s), 30000);
+}
+
+void OfficeRunTest::rescueAndClose(RunningProgram &program, bool isTill)
+{
+    QVERIFY2(program.press(u"makeRescueCopy"_s), qPrintable(program.errors()));
+    QTRY_VERIFY_WITH_TIMEOUT(program.text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
+    QVERIFY(program.press(u"closeLostStore"_s));
+    if (isTill) {
+        QTRY_COMPARE_WITH_TIMEOUT(program.box(), u"Close Inventory?"_s, 30000);
+        QVERIFY(program.press(u"Yes"_s));
+    }
+    QCOMPARE(program.waitForEnd(), 0);
 }
 
 void OfficeRunTest::wrongPasswordStaysOutside()
@@ -128,6 +142,38 @@ void OfficeRunTest::replacedStoreEndsTheOffice()
     QCOMPARE(QDir(m_home.path()).entryList({u"shop.sqlite*"_s}), QStringList{u"shop.sqlite"_s});
     QCOMPARE(column(store(), u"SELECT Username FROM Users"_s), QStringList{u"ADMINISTRATOR"_s});
     QCOMPARE(column(moved, u"SELECT Username FROM Users"_s), (QStringList{u"ADMINISTRATOR"_s, u"CLARA"_s}));
+}
+
+/// Each says it in a box of its own, whichever stands in front, and makes a copy of its own.
+void OfficeRunTest::tillAndOfficeRescueOneLostStore()
+{
+    RunningProgram till(m_screen, m_home.path());
+    QVERIFY(till.start({u"--database"_s, store()}));
+    QTRY_VERIFY2_WITH_TIMEOUT(till.place(u"Text3"_s).x() >= 0, qPrintable(till.errors()), 60000);
+    RunningProgram office(m_screen, m_home.path());
+    QVERIFY(office.start(officeArguments()));
+    openOffice(office);
+    QVERIFY(QFile::remove(store()));
+    for (RunningProgram *program : {&till, &office})
+        QTRY_VERIFY_WITH_TIMEOUT(program->text(u"lostStoreWhat"_s).contains(u"was removed"_s), 30000);
+    const auto isInFront = [](RunningProgram &program) { return program.place(u"makeRescueCopy"_s).x() >= 0; };
+    const auto hasSettled = [&] { // each box asks for the front, and the window manager grants it one after the other
+        const bool tillWasFirst = isInFront(till);
+        QTest::qWait(300);
+        return isInFront(till) == tillWasFirst && isInFront(office) != tillWasFirst;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasSettled(), 30000);
+    const bool tillIsFirst = isInFront(till);
+    rescueAndClose(tillIsFirst ? till : office, tillIsFirst);
+    rescueAndClose(tillIsFirst ? office : till, !tillIsFirst);
+
+    const QDir folder(m_home.path());
+    const QStringList copies = folder.entryList({u"shop-rescue-*.db"_s});
+    QCOMPARE(copies.size(), 2);
+    for (const QString &copy : copies)
+        QCOMPARE(column(folder.filePath(copy), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+    QCOMPARE(folder.entryList({u"shop.sqlite*"_s}), QStringList());
+    makeStore(store());
 }
 
 void OfficeRunTest::storeWithoutAdministratorIsTold()
