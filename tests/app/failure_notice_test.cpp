@@ -67,6 +67,7 @@ private Q_SLOTS:
     void noticesComeOnceForEachCause();
     void filesThatFail_data();
     void filesThatFail();
+    void logThatCannotBeWritten();
     void eachReasonIsShown();
     void takesNoFocus();
     void signOfAWaitIsPaintedAtOnce();
@@ -225,37 +226,73 @@ void FailureNoticeTest::filesThatFail_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("work");
     QTest::addColumn<QString>("workAgain");
-    const auto row = [](const char *name, FileFailure::Kind kind, const QString &work, const QString &again) {
-        QTest::newRow(name) << int(kind) << work << again;
-    };
+    QTest::addColumn<QString>("advice");
+    const auto row = [](const char *name, FileFailure::Kind kind, const QString &work, const QString &again,
+                        const QString &advice) { QTest::newRow(name) << int(kind) << work << again << advice; };
     const auto receipt = u"A receipt was neither printed nor kept."_s;
-    row("receipt", FileFailure::Kind::Receipt, receipt, receipt + u" (2 times)"_s);
+    row("receipt", FileFailure::Kind::Receipt, receipt, receipt + u" (2 times)"_s,
+        u"Check the disk and the folder %1. Until then receipts are lost; the last one can be printed again with "
+        "\"Purchase Cart\" while the cart is empty."_s);
     const auto unread = u"The saved settings cannot be read: the usual ones are used."_s;
-    row("settings that cannot be read", FileFailure::Kind::SettingsRead, unread, unread);
+    row("settings that cannot be read", FileFailure::Kind::SettingsRead, unread, unread,
+        u"Put the file %1 right, or move it away and save the settings anew."_s);
     const auto unsaved = u"The settings of this computer were not saved (printer, receipt, daily report)."_s;
-    row("settings that cannot be saved", FileFailure::Kind::SettingsWrite, unsaved, unsaved);
+    row("settings that cannot be saved", FileFailure::Kind::SettingsWrite, unsaved, unsaved,
+        u"Check the disk and the file %1, then save the settings again."_s);
 }
 
 void FailureNoticeTest::filesThatFail()
 {
     QFETCH(int, kind);
+    QFETCH(QString, advice);
     FailureNotice notice;
     const FileFailure failure = {FileFailure::Kind(kind), u"/deep/place"_s, u"No space left on device"_s};
     notice.add(failure);
     QVERIFY(notice.isVisible());
     QTEST(text(notice, u"failureWork"_s), "work");
     QCOMPARE(text(notice, u"failureReason"_s), u"Reason: No space left on device"_s);
-    QVERIFY(text(notice, u"failureAdvice"_s).contains(wrappingPath(failure.path)));
+    QCOMPARE(text(notice, u"failureAdvice"_s), advice.arg(wrappingPath(failure.path)));
     notice.add(failure);
     QTEST(text(notice, u"failureWork"_s), "workAgain");
     notice.dismiss();
     notice.add(failure);
     QVERIFY(!notice.isVisible());
+    for (const auto other :
+         {FileFailure::Kind::Receipt, FileFailure::Kind::SettingsRead, FileFailure::Kind::SettingsWrite}) {
+        if (other != failure.kind)
+            notice.add({other, failure.path, {}, true}); // the end of another's
+    }
+    notice.add(failure);
+    QVERIFY(!notice.isVisible());
+    notice.add({failure.kind, failure.path, u"Permission denied"_s}); // another cause
+    QVERIFY(notice.isVisible());
+    notice.dismiss();
     notice.add({failure.kind, failure.path, {}, true});
     QVERIFY(!notice.isVisible());
     notice.add(failure);
     QVERIFY(notice.isVisible());
     QTEST(text(notice, u"failureWork"_s), "work");
+}
+
+void FailureNoticeTest::logThatCannotBeWritten()
+{
+    FailureNotice notice;
+    const auto path = u"/deep/place"_s;
+    const auto work = u"The log file cannot be written; warnings go to the terminal."_s;
+    notice.addLog(path, u"No space left on device"_s);
+    QVERIFY(notice.isVisible());
+    QCOMPARE(text(notice, u"failureWork"_s), work);
+    QCOMPARE(text(notice, u"failureReason"_s), u"Reason: No space left on device"_s);
+    QCOMPARE(text(notice, u"failureAdvice"_s), u"Check the disk and the file %1."_s.arg(wrappingPath(path)));
+    notice.addLog(path, u"No space left on device"_s);
+    QCOMPARE(text(notice, u"failureWork"_s), work); // not counted
+    notice.dismiss();
+    notice.addLog(path, u"No space left on device"_s);
+    QVERIFY(!notice.isVisible());
+    notice.addLog(path, {}); // it is over
+    QVERIFY(!notice.isVisible());
+    notice.addLog(path, u"No space left on device"_s);
+    QVERIFY(notice.isVisible());
 }
 
 void FailureNoticeTest::eachReasonIsShown()

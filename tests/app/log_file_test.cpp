@@ -182,6 +182,7 @@ void LogFileTest::whatIsNoFileIsNotWaitedFor_data()
     QTest::addColumn<QString>("what");
     QTest::newRow("pipe") << u"pipe"_s;
     QTest::newRow("device") << u"/dev/null"_s;
+    QTest::newRow("folder") << u"folder"_s;
     QTest::newRow("pipe for the lock") << u"lock"_s;
 }
 
@@ -193,6 +194,8 @@ void LogFileTest::whatIsNoFileIsNotWaitedFor()
     const QString name = isLock ? m_path + u".lock"_s : m_path;
     if (what.startsWith(u'/'))
         QVERIFY(QFile::link(what, name));
+    else if (what == u"folder"_s)
+        QVERIFY(QDir().mkdir(name));
     else
         QCOMPARE(::mkfifo(QFile::encodeName(name).constData(), 0600), 0);
     LogFile log(m_path, 10);

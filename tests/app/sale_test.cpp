@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void waitForALockIsSaid();
     void waitBeforeTheWindowIsSaid();
     void failedWriteIsShownAtOnce();
+    void logThatCannotBeWrittenIsToldAtTheStart();
     void whatIsLostOutsideTheDatabaseIsShown();
     void demoShopTellsHowToLogIn();
 
@@ -167,6 +169,25 @@ void SaleTest::failedWriteIsShownAtOnce()
     QFile log(m_home.filePath(u"data/Harrowby/harrowby.log"_s));
     QVERIFY(log.open(QIODevice::ReadOnly));
     QVERIFY(log.readAll().contains("no such table: SysUsage"));
+}
+
+void SaleTest::logThatCannotBeWrittenIsToldAtTheStart()
+{
+    const QTemporaryDir home;
+    QVERIFY(QDir(home.path()).mkpath(u"data/Harrowby/harrowby.log"_s));
+    const QString shop = home.filePath(u"data/Harrowby/shop.sqlite"_s);
+    makeStore(shop);
+    // A print service without printers: there is nothing to warn of.
+    QVERIFY(QFile::link(u"/bin/true"_s, home.filePath(u"lpstat"_s)));
+    const QByteArray path = qgetenv("PATH");
+    const auto end = qScopeGuard([&] { qputenv("PATH", path); });
+    qputenv("PATH", QFile::encodeName(home.path()) + ':' + path);
+    RunningProgram program(m_screen, home.path());
+    QVERIFY(program.start({u"--database"_s, shop}));
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s),
+                              u"The log file cannot be written; warnings go to the terminal."_s, 30000);
+    closeWindow(program);
+    QVERIFY2(!program.errors().contains(u"harrowby."_s), qPrintable(program.errors()));
 }
 
 void SaleTest::whatIsLostOutsideTheDatabaseIsShown()

@@ -1,16 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "platform/saved_settings.h"
 
+#include "basic/private_files.h"
 #include "platform/file_failures.h"
 
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
+#include "tests/platform/replaced_file.h"
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace harrowby;
 using namespace harrowby::testing;
@@ -155,29 +162,72 @@ private Q_SLOTS:
 
     void whatIsNoFileIsNeitherWaitedForNorReplaced_data()
     {
-        QTest::addColumn<bool>("isPipe");
-        QTest::newRow("pipe") << true;
-        QTest::newRow("endless device") << false;
+        QTest::addColumn<QString>("device");
+        QTest::newRow("pipe") << QString();
+        QTest::newRow("endless device") << u"/dev/zero"_s;
+        QTest::newRow("terminal") << u"/dev/pts/"_s;
     }
 
     void whatIsNoFileIsNeitherWaitedForNorReplaced()
     {
-        QFETCH(bool, isPipe);
+        QFETCH(QString, device);
+        const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+        const auto end = qScopeGuard([terminal] { ::close(terminal); });
+        if (device.endsWith(u'/'))
+            device = QString::fromLocal8Bit(::ptsname(terminal));
         const LogCapture log;
         QVERIFY(QDir().mkpath(m_home.path(u".config/Harrowby"_s)));
-        if (isPipe)
+        if (device.isEmpty())
             QCOMPARE(::mkfifo(QFile::encodeName(file()).constData(), 0600), 0);
         else
-            QVERIFY(QFile::link(u"/dev/zero"_s, file()));
+            QVERIFY(QFile::link(device, file()));
         IniSettings settings;
         QCOMPARE(settings.get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
         QCOMPARE(m_failures.size(), 1);
         QVERIFY(m_failures.constFirst().kind == Kind::SettingsRead);
         QCOMPARE(m_failures.constFirst().reason, u"it is not an ordinary file"_s);
+        QVERIFY(log.hasLine({u"harrowby.settings"_s, file()}));
+        if (device == u"/dev/zero"_s)
+            return; // a broken save would replace the machine's own; nobody can replace a terminal
         settings.save(u"POS"_s, u"COM"_s, u"till"_s);
         QVERIFY(m_failures.constLast().kind == Kind::SettingsWrite);
         QVERIFY(!QFileInfo(file()).isFile());
-        QVERIFY(log.hasLine({u"harrowby.settings"_s, file()}));
+    }
+
+    void aPipeIsNotEvenOpened()
+    {
+        // Whoever waits for the other end of it would go on, and some devices do something when they are opened.
+        QVERIFY(QDir().mkpath(m_home.path(u".config/Harrowby"_s)));
+        QCOMPARE(::mkfifo(QFile::encodeName(file()).constData(), 0600), 0);
+        const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        const auto end = qScopeGuard([watch] { ::close(watch); });
+        QVERIFY(::inotify_add_watch(watch, QFile::encodeName(file()).constData(), IN_OPEN) >= 0);
+        IniSettings settings;
+        settings.save(u"POS"_s, u"COM"_s, u"till"_s);
+        QCOMPARE(settings.get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
+        char event[sizeof(inotify_event) + 256];
+        QCOMPARE(::read(watch, event, sizeof event), ssize_t(-1));
+    }
+
+    void aPipeThatTakesTheNameMeanwhileIsRefused_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("to read") << int(QIODevice::ReadOnly);
+        QTest::newRow("to add to") << int(QIODevice::WriteOnly | QIODevice::Append);
+    }
+
+    void aPipeThatTakesTheNameMeanwhileIsRefused()
+    {
+        QFETCH(int, mode);
+        QFile settings(m_home.path(u"settings"_s));
+        QVERIFY(settings.open(QIODevice::WriteOnly));
+        settings.close();
+        bool isReplaced = false;
+        afterNextLookAtAFile([&] {
+            isReplaced = settings.remove() && ::mkfifo(QFile::encodeName(settings.fileName()).constData(), 0600) == 0;
+        });
+        QCOMPARE(openOrdinaryFile(settings, QIODevice::OpenMode(mode)), u"it is not an ordinary file"_s);
+        QVERIFY(isReplaced && !settings.isOpen());
     }
 
     void aHugeFileIsNotRead()
