@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
+#include "tests/support/inventory_probe.h"
 
 #include "tests/ui/interruption.h"
 #include "ui/widgets/pick_list.h"
@@ -9,17 +10,6 @@
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
-
-namespace harrowby {
-
-/// Fills lists that the window does not have.
-struct InventoryProbe
-{
-    Inventory &window;
-    void LoadStockItem(PickList &list, const QString &category) const { window.LoadStockItem(list, category); }
-};
-
-} // namespace harrowby
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -204,7 +194,7 @@ void CustomSaleTest::listNameDecides()
     PickList list;
     list.setObjectName(name);
     list.addEntry(u"what was there"_s);
-    InventoryProbe{counter.window()}.LoadStockItem(list, u"(ALL CATEGORY)"_s);
+    InventoryProbe{counter.window()}.loadStockItem(list, u"(ALL CATEGORY)"_s);
     QCOMPARE(list.count(), items);
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
+#include "tests/support/inventory_probe.h"
 
 #include "host/inv_basic.h"
 
@@ -7,28 +8,6 @@
 #include "ui/widgets/text_table_model.h"
 
 using namespace Qt::StringLiterals;
-
-namespace harrowby {
-
-/// Calls the window's shared procedures with arguments that no control passes.
-struct InventoryProbe
-{
-    Inventory &window;
-    void add(const QString &key, std::int16_t quantity, bool addToExisting) const
-    {
-        window.FindandUpdateCart(key, quantity, addToExisting);
-    }
-    [[nodiscard]] bool stockAvailable(const QString &key, std::int16_t quantity) const
-    {
-        return window.StockAvailable(key, quantity);
-    }
-    void log(const QString &message, int buttons, bool plainBox, bool quiet) const
-    {
-        window.LogActivity(message, buttons, plainBox, quiet);
-    }
-};
-
-} // namespace harrowby
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -70,9 +49,9 @@ void ProceduresTest::existingItemIsUpdated()
     Counter counter;
     openShop(counter);
     const InventoryProbe probe{counter.window()};
-    probe.add(key, 3, false);
+    probe.addToCart(key, 3, false);
     counter.boxes.expect(question, box::Ask, Answer::Yes);
-    probe.add(key, 5, false);
+    probe.addToCart(key, 5, false);
     QCOMPARE(counter.cart(), QStringList{key + u"|8|20.00"_s});
     QCOMPARE(counter.text("StatusBar1_2"), u"8 of A1  |  TEA Added!"_s);
 }
@@ -82,9 +61,9 @@ void ProceduresTest::existingItemIsReplaced()
     Counter counter;
     openShop(counter);
     const InventoryProbe probe{counter.window()};
-    probe.add(key, 3, false);
+    probe.addToCart(key, 3, false);
     counter.boxes.expect(question, box::Ask, Answer::No);
-    probe.add(key, 5, false);
+    probe.addToCart(key, 5, false);
     QCOMPARE(counter.cart(), QStringList{key + u"|5|12.50"_s});
     QCOMPARE(counter.text("Label5"), u"Total: 12.50"_s);
 }
@@ -94,8 +73,8 @@ void ProceduresTest::keyOfTheCallIsLogged()
     Counter counter;
     openShop(counter);
     const InventoryProbe probe{counter.window()};
-    probe.add(key, 1, true);
-    probe.add(u"a1  |  tea"_s, 1, true); // the same line, whatever the capitals
+    probe.addToCart(key, 1, true);
+    probe.addToCart(u"a1  |  tea"_s, 1, true); // the same line, whatever the capitals
     QCOMPARE(counter.cart().size(), 1);
     QCOMPARE(counter.text("StatusBar1_2"), u"2 of a1  |  tea Added!"_s);
 }
@@ -104,7 +83,7 @@ void ProceduresTest::missingItemCostsNothing()
 {
     Counter counter;
     openShop(counter);
-    InventoryProbe{counter.window()}.add(u"ZZ  |  GONE"_s, 4, true);
+    InventoryProbe{counter.window()}.addToCart(u"ZZ  |  GONE"_s, 4, true);
     QCOMPARE(counter.cart(), QStringList{u"ZZ  |  GONE|4|0.00"_s});
 }
 
@@ -113,7 +92,7 @@ void ProceduresTest::costThatDoesNotFit()
     Counter counter;
     openShop(counter);
     counter.file.sql(u"UPDATE StockList SET StockCost = 3e38"_s);
-    InventoryProbe{counter.window()}.add(key, 2, true);
+    InventoryProbe{counter.window()}.addToCart(key, 2, true);
     QCOMPARE(counter.cart(), QStringList{key + u"|2|0.00"_s});
 }
 
@@ -138,7 +117,7 @@ void ProceduresTest::stockCoversARequest()
     openShop(counter, 5);
     const InventoryProbe probe{counter.window()};
     if (inCart > 0)
-        probe.add(key, static_cast<std::int16_t>(inCart), true);
+        probe.addToCart(key, static_cast<std::int16_t>(inCart), true);
     if (!refusal.isEmpty())
         counter.boxes.expect(refusal, box::Information);
     QCOMPARE(probe.stockAvailable(key, static_cast<std::int16_t>(request)), refusal.isEmpty());
@@ -151,10 +130,10 @@ void ProceduresTest::plainBox()
     openShop(counter);
     const InventoryProbe probe{counter.window()};
     counter.boxes.expect(u"plain"_s, box::OkOnly);
-    probe.log(u"plain"_s, box::Information, true, false);
+    probe.logActivity(u"plain"_s, box::Information, true, false);
     counter.boxes.expect(u"styled"_s, box::Critical);
-    probe.log(u"styled"_s, box::Critical, false, false);
-    probe.log(u"quiet"_s, box::Critical, true, true);
+    probe.logActivity(u"styled"_s, box::Critical, false, false);
+    probe.logActivity(u"quiet"_s, box::Critical, true, true);
 }
 
 void ProceduresTest::emptyMessage()
@@ -162,7 +141,7 @@ void ProceduresTest::emptyMessage()
     Counter counter;
     openShop(counter);
     counter.file.sql(u"DELETE FROM SysUsage"_s);
-    InventoryProbe{counter.window()}.log(QString(), box::Information, false, true);
+    InventoryProbe{counter.window()}.logActivity(QString(), box::Information, false, true);
     QVERIFY(counter.text("Text1").startsWith(u"[05.03.18 14:07:09] -- \n\n["_s));
     QCOMPARE(counter.file.rows(u"SELECT * FROM SysUsage"_s),
              QStringList{u"|2018-03-05 14:07:09|2018-03-05 14:07:09"_s});
@@ -184,7 +163,7 @@ void ProceduresTest::clockIsReadForEachColumn()
     InvBasic::setConnection(std::make_shared<SqliteConnection>(file.handle()));
     Inventory window({boxes, std::make_shared<MemorySettings>(), std::make_shared<PaperPrinters>(),
                       std::make_shared<TickingClock>(), std::make_shared<ObjectRegistry>()});
-    InventoryProbe{window}.log(u"x"_s, box::Information, false, true);
+    InventoryProbe{window}.logActivity(u"x"_s, box::Information, false, true);
     QCOMPARE(file.rows(u"SELECT Times, Dates FROM SysUsage"_s),
              QStringList{u"2018-03-05 14:07:01|2018-03-05 14:07:02"_s});
     InvBasic::setConnection(nullptr);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
+#include "tests/support/inventory_probe.h"
 
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -12,17 +13,6 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
-
-namespace harrowby {
-
-/// Reverses a purchase as no control does: without merging.
-struct InventoryProbe
-{
-    Inventory &window;
-    void undo(const QString &id, bool merge) const { window.UndoPurchase(id, merge); }
-};
-
-} // namespace harrowby
 
 /// Taking a purchase back, the last one or any other.
 class PurchaseUndoTest : public QObject
@@ -469,7 +459,7 @@ void PurchaseUndoTest::withoutMerging()
     openShop(counter);
     addPurchase(counter, u"HV1"_s, u"1 x A2  |  TEA = 2.50, 4 x A2  |  TEA = 10.00"_s, u"2"_s);
     counter.boxes.expect(u"Item Already Exist in Cart.\r\nTo Update - YES, To Replace - NO"_s, box::Ask, Answer::No);
-    InventoryProbe{counter.window()}.undo(u"HV1"_s, false);
+    InventoryProbe{counter.window()}.undoPurchase(u"HV1"_s, false);
     QCOMPARE(counter.cart(), QStringList{u"A2  |  TEA|4|10.00"_s});
 }
 
@@ -654,7 +644,7 @@ void PurchaseUndoTest::idIsTrimmed()
     counter.click("Command4");
     QCOMPARE(purchases(counter), QStringList());
     addPurchase(counter, u"HV2"_s, u"1 x A1  |  SAFE = 1.00"_s, u"1"_s);
-    InventoryProbe{counter.window()}.undo(u" HV2  "_s, true);
+    InventoryProbe{counter.window()}.undoPurchase(u" HV2  "_s, true);
     QCOMPARE(purchases(counter), QStringList());
 }
 

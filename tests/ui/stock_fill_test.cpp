@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/stock_day.h"
 
+#include "tests/support/inventory_probe.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
@@ -10,16 +11,6 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
-
-namespace harrowby {
-
-struct InventoryProbe
-{
-    Inventory &window;
-    [[nodiscard]] int find(const QString &id) const { return window.FindStockRow(id); }
-};
-
-} // namespace harrowby
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -86,7 +77,7 @@ void StockFillTest::hundredThousandItems()
     QCOMPARE(stockList(counter).selectedRow(), many - 1);
     const InventoryProbe probe{counter.window()};
     for (const int row : {0, 32'767, 32'768, 65'535, 65'536, many - 1})
-        QCOMPARE(probe.find(u"id-%1"_s.arg(row)), row);
+        QCOMPARE(probe.findStockRow(u"id-%1"_s.arg(row)), row);
     QVERIFY(!stockRows(counter).isLow(0));
     QVERIFY(stockRows(counter).isLow(many - 1));
 }

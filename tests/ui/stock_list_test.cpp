@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
+#include "tests/support/inventory_probe.h"
 
 #include "ui/style/colours.h"
 #include "ui/widgets/pick_list.h"
@@ -9,19 +10,6 @@
 #include <QAbstractButton>
 
 using namespace Qt::StringLiterals;
-
-namespace harrowby {
-
-/// Calls what no control calls with such arguments.
-struct InventoryProbe
-{
-    Inventory &window;
-    void load(bool keepRows) const { window.LoadStock(keepRows); }
-    void put(const ListedStock &stock, const QString &editedId) const { window.FindandUpdateStock(stock, editedId); }
-    [[nodiscard]] int find(const QString &id) const { return window.FindStockRow(id); }
-};
-
-} // namespace harrowby
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -255,7 +243,7 @@ void StockListTest::valuesOfAnyKind()
     QCOMPARE(listed(counter),
              (QStringList{u"É1|CRÈME BRÛLÉE 🥛|süß|2.50|5|1000|?|"_s, u"B1|7|1.5|9.00|many|2.5||a\nb"_s}));
     QCOMPARE(names(counter), (QStringList{u"Crème brûlée 🥛"_s, u"7"_s}));
-    QCOMPARE(InventoryProbe{counter.window()}.find(u"é1"_s), 0);
+    QCOMPARE(InventoryProbe{counter.window()}.findStockRow(u"é1"_s), 0);
 }
 
 void StockListTest::missingColumn()
@@ -382,7 +370,7 @@ void StockListTest::lettersThatGrowInUpperCase()
     addRow(counter, u"('groß1','TEA','DRINKS',1,1,2,'Enabled','')"_s);
     openStock(counter);
     QCOMPARE(rowsOf(counter).text(0, 0), u"GROSS1"_s);
-    InventoryProbe{counter.window()}.load(true);
+    InventoryProbe{counter.window()}.loadStock(true);
     QCOMPARE(listed(counter).size(), 1);
 }
 
@@ -395,7 +383,7 @@ void StockListTest::keptRowsAreUpdatedAndColourTheLast()
     counter.setText("Combo7", u"typed"_s);
     counter.file.sql(u"UPDATE StockList SET StockAvailable = 4 WHERE StockID = 'A2'; "
                      "UPDATE StockList SET StockName = 'OLD TEA' WHERE StockID = 'A1'"_s);
-    InventoryProbe{counter.window()}.load(true);
+    InventoryProbe{counter.window()}.loadStock(true);
     QCOMPARE(listed(counter), (QStringList{u"A1|OLD TEA|DRINKS|1.00|5|6|Enabled|"_s, u"A2|JAM|FOOD|1.00|5|4|Enabled|"_s,
                                            u"GONE|||||||"_s}));
     QVERIFY(!rowsOf(counter).isLow(0));
@@ -413,7 +401,7 @@ void StockListTest::keptRowsStayWhenTheQueryFails()
     openStock(counter);
     const QStringList before = listed(counter);
     counter.connection->fails = [](const QString &statement) { return statement == allStock; };
-    InventoryProbe{counter.window()}.load(true);
+    InventoryProbe{counter.window()}.loadStock(true);
     QCOMPARE(listed(counter), before);
     QCOMPARE(names(counter), QStringList{u"Green Tea"_s});
 }
@@ -427,7 +415,7 @@ void StockListTest::keptRowsStayWhenTheQueryBreaks()
     const QStringList before = listed(counter);
     counter.file.sql(u"UPDATE StockList SET StockName = 'OTHER'"_s);
     counter.connection->rowsUntilBreak = [](const QString &select) { return select == allStock ? 12 : -1; };
-    InventoryProbe{counter.window()}.load(true);
+    InventoryProbe{counter.window()}.loadStock(true);
     QCOMPARE(listed(counter), before);
     QCOMPARE(names(counter).size(), 30);
 }
@@ -439,13 +427,13 @@ void StockListTest::putAppends()
     openStock(counter);
     const InventoryProbe probe{counter.window()};
     const ListedStock stock{u"c3"_s, u"bun"_s, u"Food"_s, u"1234.5"_s, u"3"_s, u"0"_s, u"Enabled"_s, u"now"_s};
-    probe.put(stock, QString());
+    probe.putStock(stock, QString());
     QCOMPARE(listed(counter).last(), u"C3|BUN|Food|1,234.50|3|0|Enabled|now"_s);
     QCOMPARE(selectedRow(counter), 1);
     QVERIFY(!colour(counter, 1).isValid()); // only a fill colours
     ListedStock other = stock;
     other.id = u"c4"_s;
-    probe.put(other, u"c4"_s);
+    probe.putStock(other, u"c4"_s);
     QCOMPARE(listed(counter).last(), u"C4|BUN|Food|1,234.50|3|0|Enabled|now"_s);
     QCOMPARE(selectedRow(counter), 2);
     QCOMPARE(names(counter).size(), 1);
@@ -457,10 +445,10 @@ void StockListTest::putOverwrites()
     addRow(counter, teaRow + u","_s + jamRow);
     openStock(counter);
     const InventoryProbe probe{counter.window()};
-    probe.put({u"a1"_s, u"Tea"_s, u"X"_s, u"no number"_s, u"L"_s, u"A"_s, u"U"_s, u"T"_s}, QString());
+    probe.putStock({u"a1"_s, u"Tea"_s, u"X"_s, u"no number"_s, u"L"_s, u"A"_s, u"U"_s, u"T"_s}, QString());
     QCOMPARE(listed(counter).first(), u"A1|TEA|X|0.00|L|A|U|T"_s);
     QCOMPARE(selectedRow(counter), 0);
-    probe.put({u"B2"_s, u"Jelly"_s, u"Y"_s, u"7"_s, u"1"_s, u"2"_s, u"V"_s, u"W"_s}, u"B2"_s);
+    probe.putStock({u"B2"_s, u"Jelly"_s, u"Y"_s, u"7"_s, u"1"_s, u"2"_s, u"V"_s, u"W"_s}, u"B2"_s);
     QCOMPARE(listed(counter).last(), u"B2|JELLY|Y|7.00|1|2|V|W"_s);
     QCOMPARE(selectedRow(counter), 1);
     QVERIFY(rowsOf(counter).isLow(1)); // the colour stays what the fill made it
@@ -473,11 +461,11 @@ void StockListTest::findMatchesTheWholeId()
     addRow(counter, u"('A12','TEA','',1,1,1,'Enabled',''),('a1','JAM','',1,1,1,'Enabled','')"_s);
     openStock(counter);
     const InventoryProbe probe{counter.window()};
-    QCOMPARE(probe.find(u"A1"_s), 1);
-    QCOMPARE(probe.find(u"a12"_s), 0);
-    QCOMPARE(probe.find(u"A"_s), -1);
-    QCOMPARE(probe.find(u"JAM"_s), -1);
-    QCOMPARE(probe.find(QString()), -1);
+    QCOMPARE(probe.findStockRow(u"A1"_s), 1);
+    QCOMPARE(probe.findStockRow(u"a12"_s), 0);
+    QCOMPARE(probe.findStockRow(u"A"_s), -1);
+    QCOMPARE(probe.findStockRow(u"JAM"_s), -1);
+    QCOMPARE(probe.findStockRow(QString()), -1);
 }
 
 QTEST_MAIN(StockListTest)
