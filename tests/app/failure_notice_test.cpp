@@ -335,6 +335,7 @@ void FailureNoticeTest::signOfAWaitIsPaintedAtOnce()
     QDialog box(&till);
     box.setModal(true);
     QTimer::singleShot(0, &box, [&] {
+        QVERIFY(QTest::qWaitForWindowExposed(&box));
         sign.show();
         QTimer::singleShot(0, &box, &QDialog::accept);
     });
