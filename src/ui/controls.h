@@ -164,6 +164,9 @@ private:
     void createStockList();
     void createReorder();
     void createSettings();
+    void createChoices(QWidget *page);
+    void createCategories(QWidget *page);
+    void layOutSettings(QWidget *page) const;
     void createSideArea();
     void createCart();
     void createActivity();

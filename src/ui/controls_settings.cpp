@@ -33,6 +33,17 @@ QLabel *makeHeading(const QString &text, QWidget *control)
 void Controls::createSettings()
 {
     QWidget *page = static_cast<FormPanel *>(Frame9)->page();
+    page->setMaximumWidth(measuresOf(Density::Usual).pageWidth);
+    createChoices(page);
+    createCategories(page);
+    Combo17 = makePickList(page, u"Combo17"_s, QObject::tr("Purchase to delete"));
+    Combo17->lineEdit()->setPlaceholderText(QObject::tr("Purchase ID"));
+    Command4 = makeButton(page, u"Command4"_s, QObject::tr("Delete Purchase"));
+    layOutSettings(page);
+}
+
+void Controls::createChoices(QWidget *page)
+{
     Check1 = makeCheckBox(page, u"Check1"_s, u"&Prompt on Load when Item(s) need to be Reordered"_s);
     Check2 = makeCheckBox(page, u"Check2"_s, u"Don't List Finished Item(s)"_s);
     Check3 = makeCheckBox(page, u"Check3"_s, u"Show Details On Purchase"_s);
@@ -46,7 +57,10 @@ void Controls::createSettings()
     Combo9->setToolTip(receipts);
     Combo9->lineEdit()->setToolTip(receipts);
     Command18 = makePrimaryButton(page, u"Command18"_s, u"Save Settings"_s);
+}
 
+void Controls::createCategories(QWidget *page)
+{
     List2 = new NameList(page);
     List2->setObjectName(u"List2"_s);
     List2->setAccessibleName(QObject::tr("Categories"));
@@ -59,11 +73,10 @@ void Controls::createSettings()
     Command22->setAccessibleName(QObject::tr("Change category"));
     Command3 = makeButton(page, u"Command3"_s, u"Delete"_s);
     Command3->setAccessibleName(QObject::tr("Delete category"));
-    Combo17 = makePickList(page, u"Combo17"_s, QObject::tr("Purchase to delete"));
-    Combo17->lineEdit()->setPlaceholderText(QObject::tr("Purchase ID"));
-    Command4 = makeButton(page, u"Command4"_s, QObject::tr("Delete Purchase"));
+}
 
-    page->setMaximumWidth(measuresOf(Density::Usual).pageWidth);
+void Controls::layOutSettings(QWidget *page) const
+{
     QGridLayout *grid = makeGrid(page);
     grid->addWidget(Check1, 0, 0, 1, 4);
     grid->addWidget(Check2, 1, 0, 1, 2);

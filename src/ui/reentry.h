@@ -8,6 +8,7 @@ namespace harrowby {
 class LatestLoad
 {
 public:
+    /// The loads must outlive it.
     class Turn
     {
     public:
@@ -22,11 +23,13 @@ public:
     };
 
     /// From now on every earlier turn is not the latest any more.
-    [[nodiscard]] Turn begin()
+    Turn begin()
     {
         ++m_begun;
-        return Turn(*this);
+        return current();
     }
+    /// The one that began last.
+    [[nodiscard]] Turn current() const { return Turn(*this); }
 
 private:
     unsigned m_begun = 0;

@@ -34,7 +34,7 @@ private Q_SLOTS:
     void entryIsRemoved_data();
     void entryIsRemoved();
     void removingAnotherEntryKeepsTheText();
-    void pickListCountsClearings();
+    void clearingEndsAFill();
 };
 
 namespace {
@@ -272,16 +272,17 @@ void ListChoiceTest::removingAnotherEntryKeepsTheText()
     QCOMPARE(list.count(), 2);
 }
 
-void ListChoiceTest::pickListCountsClearings()
+void ListChoiceTest::clearingEndsAFill()
 {
     PickList list;
-    const unsigned begun = list.generation();
+    const LatestLoad::Turn begun = list.fill();
     list.addEntry(u"A"_s);
     list.removeEntry(0);
     list.setEntryText(u"x"_s);
-    QCOMPARE(list.generation(), begun);
+    QVERIFY(begun.isLatest());
     list.clearEntries();
-    QCOMPARE(list.generation(), begun + 1);
+    QVERIFY(!begun.isLatest());
+    QVERIFY(list.fill().isLatest());
     QCOMPARE(list.entryText(), QString());
 }
 

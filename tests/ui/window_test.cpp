@@ -2,12 +2,19 @@
 #include "tests/support/counter.h"
 
 #include "host/inv_basic.h"
+#include "ui/handler_fence.h"
+#include "ui/reentry.h"
 
 #include <harrowby/init.h>
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLoggingCategory>
+#include <QPointer>
+#include <QScopeGuard>
+
+#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -41,6 +48,10 @@ private Q_SLOTS:
     void statementsOfLoading();
     void closingIsConfirmed();
     void closedWindowIsDestroyed();
+    void handlerThatThrowsEndsAlone();
+    void closedWindowOutlivesItsHandlers();
+    void laterLoadWins();
+    void oneAtATime();
     void help();
     void captions_data();
     void captions();
@@ -331,6 +342,67 @@ void WindowTest::help()
                          "support@harrowby.example."_s,
                          box::Information);
     counter.click("Command20");
+}
+
+void WindowTest::handlerThatThrowsEndsAlone()
+{
+    QLoggingCategory::setFilterRules(u"harrowby.window.warning=true"_s);
+    const auto quietAgain = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
+    QWidget window;
+    Breather breather;
+    HandlerFence fence(window, breather);
+    QTest::ignoreMessage(QtWarningMsg, "A handler ended early: out of paper");
+    fence.run([] { throw std::runtime_error("out of paper"); });
+    QTest::ignoreMessage(QtWarningMsg, "A handler ended early");
+    fence.run([] { throw 42; }); // NOLINT: anything may come from a host's objects
+    bool ran = false;
+    fence.run([&] { ran = true; });
+    QVERIFY(ran);
+    QVERIFY(!fence.isClosed());
+}
+
+void WindowTest::closedWindowOutlivesItsHandlers()
+{
+    const QPointer<QWidget> window = new QWidget;
+    Breather breather;
+    HandlerFence fence(*window, breather);
+    const auto handleEvents = [] { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); };
+    fence.run([&] {
+        fence.run([&] {
+            fence.close();
+            handleEvents();
+            QVERIFY(window);
+        });
+        fence.run([] { throw 42; }); // NOLINT
+        handleEvents();
+        QVERIFY(window);
+    });
+    QVERIFY(fence.isClosed());
+    handleEvents();
+    QVERIFY(!window);
+}
+
+void WindowTest::laterLoadWins()
+{
+    LatestLoad loads;
+    const LatestLoad::Turn first = loads.begin();
+    QVERIFY(first.isLatest());
+    const LatestLoad::Turn second = loads.begin();
+    QVERIFY(!first.isLatest());
+    QVERIFY(second.isLatest());
+    QVERIFY(loads.current().isLatest());
+    QVERIFY(second.isLatest()); // asking begins none
+}
+
+void WindowTest::oneAtATime()
+{
+    OneAtATime work;
+    QVERIFY(!work.isRunning());
+    {
+        const OneAtATime::Turn turn = work.begin();
+        QVERIFY(work.isRunning());
+    }
+    QVERIFY(!work.isRunning());
 }
 
 void WindowTest::captions_data()

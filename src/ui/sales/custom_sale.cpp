@@ -23,7 +23,7 @@ namespace harrowby {
 void Inventory::LoadStockItem(PickList &list, const QString &category)
 {
     list.clearEntries();
-    const unsigned fill = list.generation();
+    const LatestLoad::Turn fill = list.fill();
     // The reorder panel lists finished items too, whatever the setting.
     const bool isSale = list.objectName().compare("Combo3"_L1, Qt::CaseInsensitive) == 0;
     DbRecordset items;
@@ -38,9 +38,9 @@ void Inventory::LoadStockItem(PickList &list, const QString &category)
             keys.append(QUtf8StringView(key));
         }
         m_breather.breathe([&] { list.takeEntries(keys); });
-        return list.generation() == fill; // else the list was filled afresh meanwhile
+        return fill.isLatest(); // else the list was filled afresh meanwhile
     });
-    if (list.generation() == fill)
+    if (fill.isLatest())
         items.HasFailed() ? list.dropEntries() : list.takeEntries(keys);
 }
 

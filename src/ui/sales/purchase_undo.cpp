@@ -94,16 +94,16 @@ void Inventory::LoadPurchaseIDs()
     DbRecordset purchases;
     purchases.Open(statements::purchaseIds(), connection(), DbRecordset::Access::Walk);
     list.clearEntries();
-    const unsigned fill = list.generation();
+    const LatestLoad::Turn fill = list.fill();
     NeededTexts texts(purchases, u"PurchaseID"_s);
     PackedTexts ids;
     forEachRow(purchases, [&] {
         if (texts.read())
             ids.append(texts[0]);
         m_breather.breathe([&] { list.takeEntries(ids); });
-        return list.generation() == fill; // else the list was filled afresh meanwhile
+        return fill.isLatest(); // else the list was filled afresh meanwhile
     });
-    if (list.generation() == fill)
+    if (fill.isLatest())
         purchases.HasFailed() ? list.dropEntries() : list.takeEntries(ids);
 }
 

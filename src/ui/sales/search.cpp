@@ -51,7 +51,7 @@ void Inventory::SearchLoad(const QString &text)
     }
     TextTableModel &results = m_controls.LV2->rows();
     results.clear();
-    const unsigned fill = results.generation();
+    const LatestLoad::Turn fill = results.fill();
     const int tab = m_controls.TabStrip1->selectedTab();
     m_controls.placeSearchResult(tab == WorkArea::EditStock || tab == WorkArea::ReorderStock);
     bringForward(m_controls, *m_controls.Frame11);
@@ -63,9 +63,9 @@ void Inventory::SearchLoad(const QString &text)
             results.queueRow({QString::number(results.lastRow() + 2) + u'.', texts[0].toString(), texts[1].toString(),
                               texts[2].toString()});
         m_breather.breathe([&] { results.publishRows(); });
-        return results.generation() == fill; // else another search has begun meanwhile
+        return fill.isLatest(); // else another search has begun meanwhile
     });
-    if (results.generation() == fill && found.HasFailed())
+    if (fill.isLatest() && found.HasFailed())
         results.clear();
     results.publishRows();
 }

@@ -56,7 +56,7 @@ void Inventory::LoadStock(bool keepRows)
         list.clear();
         names.clearEntries();
     }
-    const unsigned fill = list.generation();
+    const LatestLoad::Turn fill = list.fill();
     DbRecordset stock;
     // A walk that breaks empties the list that it was filling; rows that are kept are not begun with before all is
     // read.
@@ -79,12 +79,12 @@ void Inventory::LoadStock(bool keepRows)
         if (reader.hasName())
             newNames.append(reader.name());
         m_breather.breathe(showRows);
-        return list.generation() == fill; // else another refresh has filled the list afresh
+        return fill.isLatest(); // else another refresh has filled the list afresh
     });
-    if (list.generation() == fill && stock.HasFailed() && !keepRows) {
+    if (fill.isLatest() && stock.HasFailed() && !keepRows) {
         list.clear();
         names.dropEntries();
-    } else if (list.generation() == fill && (placed >= 0 || !newNames.isEmpty())) {
+    } else if (fill.isLatest() && (placed >= 0 || !newNames.isEmpty())) {
         showRows();
     }
     if (names.entryText().isEmpty()) // else something was entered meanwhile

@@ -81,7 +81,7 @@ void PickList::setEntryText(const QString &text)
 void PickList::clearEntries()
 {
     dropSelection();
-    ++m_generation;
+    m_fills.begin();
     m_entries->clear();
     setEntryText({});
 }
@@ -93,7 +93,7 @@ void PickList::dropEntries()
     const QString text = currentText();
     const int cursor = lineEdit()->cursorPosition();
     setCurrentIndex(-1);
-    ++m_generation;
+    m_fills.begin();
     m_entries->clear(); // and with them the base class clears the text
     lineEdit()->setText(text);
     lineEdit()->setCursorPosition(cursor);

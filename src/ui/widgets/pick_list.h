@@ -2,6 +2,7 @@
 #pragma once
 
 #include "spoken/spoken.h"
+#include "ui/reentry.h"
 
 #include <QComboBox>
 
@@ -27,8 +28,9 @@ public:
     void clearEntries();
     /// Removes the entries alone: the text stays, and selects nothing.
     void dropEntries();
-    /// Counts the times it was emptied: a loop that fills the list stops when another one has begun afresh.
-    [[nodiscard]] unsigned generation() const { return m_generation; }
+    /// The latest until the entries are removed once more: a loop that fills the list stops when another one has begun
+    /// afresh.
+    [[nodiscard]] LatestLoad::Turn fill() const { return m_fills.current(); }
     /// Appends an entry; text and selection stay as they are.
     void addEntry(const QString &text);
     /// Appends entries all at once, and empties the list they are handed in.
@@ -76,7 +78,7 @@ private:
     void showEntryTip(const QPoint &globalPosition, const QPoint &position);
 
     EntryModel *m_entries;
-    unsigned m_generation = 0;
+    LatestLoad m_fills;
     mutable QSize m_sizeHint;   ///< invalid until it is asked for
     bool m_textChanged = false; ///< since the user's last action began, and not by code
     bool m_picking = true;      ///< an activation is the user's choice, and not merely Enter or the focus leaving

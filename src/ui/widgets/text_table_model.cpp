@@ -125,7 +125,7 @@ void TextTableModel::clear()
     m_rows.shrink_to_fit();
     m_published = 0;
     m_index.clear();
-    ++m_generation;
+    m_fills.begin();
     endResetModel();
 }
 

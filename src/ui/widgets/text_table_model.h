@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/reentry.h"
 #include "ui/widgets/packed_row.h"
 #include "ui/widgets/row_index.h"
 
@@ -47,8 +48,9 @@ public:
 
     void removeRowAt(int row);
     void clear();
-    /// Counts the calls of clear(): a loop that fills the list stops when another one has begun afresh.
-    [[nodiscard]] unsigned generation() const { return m_generation; }
+    /// The latest until clear() is called once more: a loop that fills the list stops when another one has begun
+    /// afresh.
+    [[nodiscard]] LatestLoad::Turn fill() const { return m_fills.current(); }
 
     /// Empty outside the table.
     [[nodiscard]] QString text(int row, int column) const;
@@ -83,7 +85,7 @@ private:
     std::set<int> m_figureColumns;
     std::vector<Row> m_rows;
     int m_published = 0; ///< how many of them the views know of
-    unsigned m_generation = 0;
+    LatestLoad m_fills;
     mutable RowIndex m_index; ///< of the first rows, completed when a row is looked for
 };
 
