@@ -3,7 +3,7 @@
 
 #include "bench/catalogue.h"
 #include "bench/paint_watch.h"
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"

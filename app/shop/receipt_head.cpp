@@ -2,9 +2,9 @@
 #include "app/shop/receipt_head.h"
 
 #include "app/shop/password_rules.h"
-#include "basic/receipt_text.h"
 #include "basic/values.h"
-#include "platform/receipt_layout.h"
+#include "receipt/receipt_layout.h"
+#include "receipt/receipt_text.h"
 
 #include <harrowby/saved_settings.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/box_guard.h"
 
-#include "platform/early_keys.h"
+#include "input/early_keys.h"
 
 #include <QCoreApplication>
 #include <QDialog>

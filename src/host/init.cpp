@@ -2,7 +2,7 @@
 #include <harrowby/init.h>
 
 #include "basic/logging.h"
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/inventory.h"
 
 #include <exception>

@@ -2,7 +2,7 @@
 #include "platform/boxes.h"
 
 #include "basic/text.h"
-#include "platform/early_keys.h"
+#include "input/early_keys.h"
 #include "platform/long_text.h"
 
 #include <QAbstractButton>

@@ -4,8 +4,8 @@
 #include "basic/logging.h"
 #include "platform/file_failures.h"
 #include "platform/hand_over.h"
-#include "platform/receipt_pdf.h"
 #include "platform/receipt_store.h"
+#include "receipt/receipt_pdf.h"
 
 #include <utility>
 

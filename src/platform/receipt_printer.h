@@ -3,7 +3,7 @@
 
 #include "platform/clock.h"
 #include "platform/printers.h"
-#include "platform/receipt_layout.h"
+#include "receipt/receipt_layout.h"
 
 #include <memory>
 #include <vector>

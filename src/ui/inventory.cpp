@@ -4,7 +4,7 @@
 #include "basic/logging.h"
 #include "basic/numbers.h"
 #include "basic/values.h"
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/focus_order.h"

@@ -3,9 +3,9 @@
 
 #include "app/shop/store_create.h"
 #include "app/shop/store_open.h"
-#include "host/inv_basic.h"
 #include "platform/file_failures.h"
 #include "platform/native_printers.h"
+#include "store/inv_basic.h"
 
 #include <harrowby/sqlite_connection.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/boxes.h"
 
-#include "platform/early_keys.h"
+#include "input/early_keys.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"

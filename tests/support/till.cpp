@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/till.h"
 
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/widgets/pick_list.h"
 
 #include <harrowby/sqlite_connection.h>

@@ -2,7 +2,7 @@
 #include "tests/support/counter.h"
 #include "tests/ui/interruption.h"
 
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/widgets/pick_list.h"

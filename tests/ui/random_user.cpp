@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/random_user.h"
 
-#include "platform/early_keys.h"
+#include "input/early_keys.h"
 #include "tests/support/known_boxes.h"
 #include "tests/ui/interruption.h"
 

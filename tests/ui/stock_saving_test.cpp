@@ -2,7 +2,7 @@
 #include "tests/support/counter.h"
 #include "tests/support/reporting_connection.h"
 
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

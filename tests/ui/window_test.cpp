@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 #include "ui/handler_fence.h"
 #include "ui/reentry.h"
 

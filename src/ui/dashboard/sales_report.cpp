@@ -2,9 +2,9 @@
 #include "basic/logging.h"
 #include "basic/text.h"
 #include "basic/values.h"
-#include "host/inv_basic.h"
-#include "platform/report_call.h"
+#include "store/inv_basic.h"
 #include "store/recordset.h"
+#include "ui/dashboard/report_call.h"
 #include "ui/inventory.h"
 
 #include <harrowby/report_component.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "basic/receipt_text.h"
 #include "basic/text.h"
+#include "receipt/receipt_text.h"
 #include "ui/inventory.h"
 #include "ui/widgets/pick_list.h"
 

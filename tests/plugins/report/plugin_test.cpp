@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/object_registry.h"
-#include "platform/report_call.h"
 #include "tests/plugins/report/shop.h"
+#include "ui/dashboard/report_call.h"
 
 #include "platform/saved_settings.h"
 

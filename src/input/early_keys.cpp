@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/early_keys.h"
+#include "input/early_keys.h"
 
 #include <QApplication>
 #include <QKeyEvent>

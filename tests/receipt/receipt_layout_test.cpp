@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/receipt_layout.h"
+#include "receipt/receipt_layout.h"
 
-#include "platform/receipt_pdf.h"
+#include "receipt/receipt_pdf.h"
 #include "tests/platform/pdf_text.h"
 
 #include <QFile>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/receipt_layout.h"
+#include "receipt/receipt_layout.h"
 
 #include <QFont>
 #include <QFontMetricsF>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/inv_basic.h"
+#include "store/inv_basic.h"
 
 #include "store/recordset.h"
 

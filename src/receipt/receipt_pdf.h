@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/receipt_layout.h"
+#include "receipt/receipt_layout.h"
 
 #include <QByteArray>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "basic/receipt_text.h"
+#include "receipt/receipt_text.h"
 
 #include "basic/dates.h"
 #include "basic/numbers.h"

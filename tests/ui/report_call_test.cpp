@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/report_call.h"
+#include "ui/dashboard/report_call.h"
 
 #include <harrowby/report_component.h>
 

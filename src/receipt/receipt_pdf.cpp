@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/receipt_pdf.h"
+#include "receipt/receipt_pdf.h"
 
 #include <QBuffer>
 #include <QPageLayout>
