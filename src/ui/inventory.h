@@ -119,16 +119,13 @@ private:
     void editSelectedStock();
     void EditStock();
     void saveStock();
-    QString freeStockId(const QString &prefix);
     void storeStock(const StockItem &item, bool automaticId);
 
     // stock/reorder.cpp
     void reorderCategoryChosen();
     void showReorderItem();
     void reorderStock();
-    void addUnits(DbRecordset &stock, double units);
     void undoReorder();
-    void takeUnitsBack(DbRecordset &stock);
 
     // sales/cart.cpp
     void FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting);

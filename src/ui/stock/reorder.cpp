@@ -39,6 +39,24 @@ void addToStock(DbRecordset &stock, double units)
         stock.Field(u"StockAvailable"_s).assign(storedFigure(sum));
 }
 
+/// Opens the item's row to be changed; false when there is none. Nothing else writes to it until the change is made.
+bool openHeld(DbRecordset &stock, const QString &key, const std::shared_ptr<DbConnection> &connection)
+{
+    const std::optional<QString> id = reorderedId(key);
+    if (!id)
+        return false;
+    stock.OpenHeld(statements::stockById(*id), connection, DbRecordset::Access::Edit);
+    return stock.RecordCount() > 0;
+}
+
+/// More than 16 bits hold are added all the same, and cannot be taken back.
+void rememberForUndo(LastActions &last, const QString &key, double units)
+{
+    const std::optional<std::int16_t> undoable = toInt16(units);
+    last.LastReorderQty = undoable.value_or(0);
+    last.LastReorderItem = undoable ? trimBlanks(key) : QString();
+}
+
 /// A label keeps its text when a column cannot be read.
 void showField(QLabel &label, DbRecordset &stock, const QString &column)
 {
@@ -107,22 +125,11 @@ void Inventory::reorderStock()
     if (ask(u"Add "_s + plainText(units) + u" New item(s) to Stock ["_s + m_controls.Combo11->entryText() + u"]?"_s,
             box::Ask) != Answer::Yes)
         return;
-    const std::optional<QString> id = reorderedId(m_controls.Combo11->entryText());
-    if (!id)
-        return;
     DbRecordset stock;
-    stock.OpenHeld(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
-    if (stock.RecordCount() > 0)
-        addUnits(stock, units);
-}
-
-void Inventory::addUnits(DbRecordset &stock, double units)
-{
+    if (!openHeld(stock, m_controls.Combo11->entryText(), connection()))
+        return;
     const QString key = m_controls.Combo11->entryText();
-    // More than 16 bits hold are added all the same, and cannot be taken back.
-    const std::optional<std::int16_t> undoable = toInt16(units);
-    m_state.last.LastReorderQty = undoable.value_or(0);
-    m_state.last.LastReorderItem = undoable ? trimBlanks(key) : QString();
+    rememberForUndo(m_state.last, key, units);
     // Not rounded here, but in the undo: 1.5 come in, and 2 are taken back.
     addToStock(stock, units);
     stock.Field(u"StockReorderUser"_s).assign(m_state.login.LoggedUser);
@@ -147,17 +154,9 @@ void Inventory::undoReorder()
                 m_state.last.LastReorderItem + u"]?"_s,
             box::Ask) != Answer::Yes)
         return;
-    const std::optional<QString> id = reorderedId(m_state.last.LastReorderItem);
-    if (!id)
-        return;
     DbRecordset stock;
-    stock.OpenHeld(statements::stockById(*id), connection(), DbRecordset::Access::Edit);
-    if (stock.RecordCount() > 0)
-        takeUnitsBack(stock);
-}
-
-void Inventory::takeUnitsBack(DbRecordset &stock)
-{
+    if (!openHeld(stock, m_state.last.LastReorderItem, connection()))
+        return;
     addToStock(stock, -m_state.last.LastReorderQty);
     stock.Update();
     showField(*m_controls.Label13, stock, u"StockAvailable"_s);

@@ -16,6 +16,7 @@
 
 #include <QPushButton>
 
+#include <functional>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -40,6 +41,27 @@ void writeStock(DbRecordset &stock, const StockItem &item, const QString &user, 
     stock.Field(u"StockReorderUser"_s).assign(user);
     stock.Field(u"StockUse"_s).assign(item.use);
     stock.Update();
+}
+
+/// The first automatic ID that no item has. The connection is asked for again after each breath, in which a handler may
+/// have replaced it.
+QString freeStockId(const QString &prefix, Breather &breather,
+                    const std::function<std::shared_ptr<DbConnection>()> &connection)
+{
+    DbRecordset stock;
+    // Counts none unless an ID ends in "-*", so that the numbers begin at 1 and the first gap is taken.
+    stock.Open(statements::automaticIdCount(prefix), connection());
+    std::int16_t number = 0;
+    if (const std::optional<DbValue> count = stock.Field(u"Counts"_s).value())
+        number = valueInt16(*count).value_or(number);
+    while (number < std::numeric_limits<std::int16_t>::max()) {
+        const QString id = automaticId(prefix, ++number);
+        stock.Open(statements::stockById(id), connection());
+        breather.breathe();
+        if (stock.RecordCount() == 0)
+            return id;
+    }
+    return {}; // the number has 16 bits: its overflow ends the save without a word
 }
 
 } // namespace
@@ -84,29 +106,11 @@ void Inventory::saveStock()
     StockItem item = stockItem(entry);
     const bool automatic = m_controls.Combo6->entryText() == automaticIdText; // to the letter: a blank makes it an ID
     if (automatic) {
-        item.id = freeStockId(automaticIdPrefix(item.category));
+        item.id = freeStockId(automaticIdPrefix(item.category), m_breather, [this] { return connection(); });
         if (item.id.isEmpty())
             return;
     }
     storeStock(item, automatic);
-}
-
-QString Inventory::freeStockId(const QString &prefix)
-{
-    DbRecordset stock;
-    // Counts none unless an ID ends in "-*", so that the numbers begin at 1 and the first gap is taken.
-    stock.Open(statements::automaticIdCount(prefix), connection());
-    std::int16_t number = 0;
-    if (const std::optional<DbValue> count = stock.Field(u"Counts"_s).value())
-        number = valueInt16(*count).value_or(number);
-    while (number < std::numeric_limits<std::int16_t>::max()) {
-        const QString id = automaticId(prefix, ++number);
-        stock.Open(statements::stockById(id), connection());
-        m_breather.breathe();
-        if (stock.RecordCount() == 0)
-            return id;
-    }
-    return {}; // the number has 16 bits: its overflow ends the save without a word
 }
 
 void Inventory::storeStock(const StockItem &item, bool automaticId)
