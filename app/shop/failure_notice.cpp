@@ -195,7 +195,7 @@ void FailureNotice::keepClear()
     if (screen == nullptr)
         return;
     const QRect area = screen->availableGeometry();
-    QList<QRect> totals = window != nullptr ? visibleTotals(*window) : QList<QRect>();
+    QList<QRect> totals = window != nullptr ? keptInSight(*window) : QList<QRect>();
     // A box waits for its answer, and the notice cannot be dismissed meanwhile.
     if (const QWidget *box = QApplication::activeModalWidget())
         totals << box->frameGeometry();

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/notice_place.h"
 
+#include <harrowby/window_marks.h>
+
 #include <QApplication>
-#include <QStringList>
 #include <QWidget>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
@@ -57,23 +56,20 @@ QPoint noticePlace(const QSize &notice, const QRect &window, const QRect &screen
 QWidget *salesWindow()
 {
     for (QWidget *window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->windowTitle() == u"Sales Inventory"_s)
+        if (window->isVisible() && window->property(SalesWindowProperty).toBool())
             return window;
     }
     return nullptr;
 }
 
-QList<QRect> visibleTotals(const QWidget &window)
+QList<QRect> keptInSight(const QWidget &window)
 {
-    static const QStringList names = {u"Label5"_s,   u"Label9"_s,   u"Label15"_s,   u"Label6_3"_s,  u"Label6_4"_s,
-                                      u"Label6_8"_s, u"Label6_9"_s, u"Command14"_s, u"StatusBar1"_s};
-    QList<QRect> totals;
-    for (const QString &name : names) {
-        const auto *total = window.findChild<QWidget *>(name);
-        if (total != nullptr && total->isVisible())
-            totals << QRect(total->mapToGlobal(QPoint(0, 0)), total->size());
+    QList<QRect> places;
+    for (const QWidget *part : window.findChildren<QWidget *>()) {
+        if (part->isVisible() && part->property(KeptInSightProperty).toBool())
+            places << QRect(part->mapToGlobal(QPoint(0, 0)), part->size());
     }
-    return totals;
+    return places;
 }
 
 } // namespace harrowby::app

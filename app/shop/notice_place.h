@@ -18,7 +18,7 @@ namespace harrowby::app {
 /// The component's window; null while there is none.
 [[nodiscard]] QWidget *salesWindow();
 
-/// The visible totals of the window, the button that takes the money, and the status bar, in screen coordinates.
-[[nodiscard]] QList<QRect> visibleTotals(const QWidget &window);
+/// What of the window must stay in sight and is visible: its totals and the like, in screen coordinates.
+[[nodiscard]] QList<QRect> keptInSight(const QWidget &window);
 
 } // namespace harrowby::app

@@ -10,6 +10,7 @@
 #include "ui/widgets/panel.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/tab_strip.h"
+#include "ui/window_marks.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -58,6 +59,7 @@ Controls::Controls(QMainWindow &form)
     layOut(*stage);
     setTabOrder();
     nameParts();
+    markForHost(form, *this);
     for (PickList *list : {Combo1, Combo2, Combo3, Combo5, Combo9, Combo11, Combo12, Combo15})
         list->setDropsOnPress(true);
     form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));

@@ -4,6 +4,8 @@
 #include "app/shop/notice_place.h"
 #include "app/shop/wait_sign.h"
 
+#include <harrowby/window_marks.h>
+
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -34,8 +36,8 @@ class BareTill : public QWidget
 public:
     BareTill() : entry(new QLineEdit(this)), total(new QLabel(u"Total: 5.00"_s, this))
     {
-        setWindowTitle(u"Sales Inventory"_s);
-        total->setObjectName(u"Label5"_s);
+        setProperty(SalesWindowProperty, true);
+        total->setProperty(KeptInSightProperty, true);
         setGeometry(0, 0, 800, 600);
     }
     QLineEdit *entry;

@@ -7,6 +7,8 @@
 #include "app/shop/store_open.h"
 #include "tests/app/store_files.h"
 
+#include <harrowby/window_marks.h>
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
@@ -34,7 +36,7 @@ namespace {
 class AskingWindow : public QWidget
 {
 public:
-    AskingWindow() { setWindowTitle(u"Sales Inventory"_s); }
+    AskingWindow() { setProperty(SalesWindowProperty, true); }
     QDialog question;
 
 protected:

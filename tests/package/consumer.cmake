@@ -20,6 +20,7 @@ foreach(file
         include/harrowby/init.h include/harrowby/db_connection.h include/harrowby/db_value.h
         include/harrowby/sqlite_connection.h include/harrowby/export.h include/harrowby/file_failure.h include/harrowby/objects.h
         include/harrowby/report_component.h include/harrowby/saved_settings.h
+        include/harrowby/window_marks.h
         ${LIBDIR}/libharrowby-inventory.so ${LIBDIR}/libharrowby-inventory.so.${VERSION})
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "Not installed: ${file}")

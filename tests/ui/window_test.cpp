@@ -6,6 +6,7 @@
 #include "ui/reentry.h"
 
 #include <harrowby/init.h>
+#include <harrowby/window_marks.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -28,6 +29,7 @@ class WindowTest : public QObject
 private Q_SLOTS:
     void cleanupTestCase() { m_counter.reset(); }
     void loadsLoggedOut();
+    void tellsAHostWhatToKeepInSight();
     void emptySettingsGetOneDefaultRow();
     void settingsAreRead_data();
     void settingsAreRead();
@@ -76,6 +78,22 @@ void WindowTest::loadsLoggedOut()
     QVERIFY(!counter.find("Frame5")->isVisible());
     QVERIFY(counter.hasFocus("Text3"));
     QCOMPARE(counter.find<QLabel>("Label6_9")->palette().color(QPalette::WindowText), QColor(0, 0, 255));
+}
+
+void WindowTest::tellsAHostWhatToKeepInSight()
+{
+    Counter counter;
+    counter.open();
+    const QWidget *window = counter.find("Frame4")->window();
+    QVERIFY(window->property(SalesWindowProperty).toBool());
+    QStringList kept;
+    for (const QWidget *part : window->findChildren<QWidget *>()) {
+        if (part->property(KeptInSightProperty).toBool())
+            kept << part->objectName();
+    }
+    kept.sort();
+    QCOMPARE(kept, (QStringList{u"Command14"_s, u"Label15"_s, u"Label5"_s, u"Label6_3"_s, u"Label6_4"_s, u"Label6_8"_s,
+                                u"Label6_9"_s, u"Label9"_s, u"StatusBar1"_s}));
 }
 
 void WindowTest::emptySettingsGetOneDefaultRow()
