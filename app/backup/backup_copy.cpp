@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup_copy.h"
 
+#include "app/shop/busy_wait.h"
 #include "app/shop/schema.h"
 
 #include <QFile>
@@ -23,8 +24,13 @@ using namespace std::chrono_literals;
 
 constexpr int pagesInOneStep = 256;
 constexpr int mostRestarts = 3;
-constexpr int longestWait = 10000; // milliseconds for a lock of a till
-constexpr auto breather = 5ms;     // in which a till gets its turn
+constexpr auto breather = 5ms; // in which a till gets its turn
+
+/// A backup waits for a till as long as a till would, but for each lock afresh.
+void waitForTills(sqlite3 *database)
+{
+    sqlite3_busy_timeout(database, static_cast<int>(BusyWait::longestWait.count()));
+}
 
 struct FinishBackup
 {
@@ -187,7 +193,7 @@ std::optional<SqlError> openToCopy(const QString &store, SqliteDatabase &source)
 {
     if (auto error = openDatabase(store, OpenMode::Write, source))
         return error;
-    sqlite3_busy_timeout(source.get(), longestWait);
+    waitForTills(source.get());
     return runSql(source.get(), u"PRAGMA query_only = 1"_s);
 }
 
@@ -203,7 +209,7 @@ CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch,
 CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
 {
     counts.clear();
-    sqlite3_busy_timeout(store, longestWait);
+    waitForTills(store);
     return Copy(store, copy, watch).run(counts);
 }
 

@@ -5,6 +5,7 @@
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
+#include "basic/purchase_id.h"
 
 #include <algorithm>
 #include <random>
@@ -67,7 +68,7 @@ DemoPurchase purchaseAt(const QDateTime &time, const QList<DemoItem> &items, Dic
         elements << u"%1 x %2 = %3"_s.arg(QString::number(quantity), itemKey(item.id, item.name),
                                           formatMoney(cents / 100.0));
     }
-    purchase.id = u"HV"_s + purchaseIdStamp(time);
+    purchase.id = purchaseId(time);
     purchase.items = elements.join(u", "_s);
     purchase.lines = lines;
     purchase.date = purchasedDate(time);

@@ -11,8 +11,8 @@ struct sqlite3;
 
 namespace harrowby::app {
 
-/// How long the till waits for a store file that another program keeps locked: a budget for each action of the
-/// user, however many statements the action runs. Once it is used up, further statements fail at once; it is
+/// How long the till waits for a store file that another program keeps locked: `longestWait`, a budget for each action
+/// of the user, however many statements the action runs. Once it is used up, further statements fail at once; it is
 /// filled up again when the event loop has nothing left to do and waits for the next action; a box's own loop does
 /// not count.
 class BusyWait final : public QObject
@@ -24,11 +24,12 @@ public:
 
     using Watcher = std::function<void()>;
 
+    static constexpr std::chrono::milliseconds longestWait = std::chrono::seconds(10);
     /// A wait that nobody notices.
     static constexpr std::chrono::milliseconds quietTime{300};
 
     /// `sleeper` stands in for a real sleep.
-    explicit BusyWait(std::chrono::milliseconds budget = std::chrono::seconds(10), Sleeper sleeper = {});
+    explicit BusyWait(std::chrono::milliseconds budget = longestWait, Sleeper sleeper = {});
 
     /// Becomes the database's busy handler. It must outlive the database's last statement.
     void attach(sqlite3 *database);

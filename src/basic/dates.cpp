@@ -16,11 +16,6 @@ QString formatted(const QDateTime &time, const QString &format)
 
 } // namespace
 
-QString purchaseIdStamp(const QDateTime &time)
-{
-    return formatted(time, u"yyMMddHHmmssmm"_s);
-}
-
 QString purchasedDate(const QDateTime &time)
 {
     return formatted(time, u"yyMMddHHmmss"_s);

@@ -8,8 +8,6 @@
 /// means the same on every machine.
 namespace harrowby {
 
-/// "yyMMddHHmmss" + the minute once more: the digits of a purchase ID.
-[[nodiscard]] QString purchaseIdStamp(const QDateTime &time);
 /// "yyMMddHHmmss"
 [[nodiscard]] QString purchasedDate(const QDateTime &time);
 /// "yyMMdd": the first six characters of a purchasedDate().

@@ -11,16 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
-QString purchaseId(const QDateTime &time)
-{
-    return u"HV"_s + purchaseIdStamp(time);
-}
-
-QString secondPurchaseId(const QDateTime &time)
-{
-    return u"HE"_s + purchaseIdStamp(time);
-}
-
 QString purchaseElement(const PurchaseLine &line)
 {
     return line.quantity + u" x "_s + line.key + u" = "_s + line.amount;

@@ -17,10 +17,6 @@ struct PurchaseLine
     QString amount;
 };
 
-/// "HV" (or "HE", when the first is taken) + yyMMddHHmmss + the minute once more. One second's resolution.
-[[nodiscard]] QString purchaseId(const QDateTime &time);
-[[nodiscard]] QString secondPurchaseId(const QDateTime &time);
-
 /// quantity " x " key " = " amount: an element of the stored text, and an item line of the receipt.
 [[nodiscard]] QString purchaseElement(const PurchaseLine &line);
 /// The elements joined by ", ". The joint is not escaped: an undo splits at every ", ".

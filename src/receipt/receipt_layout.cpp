@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "receipt/receipt_layout.h"
 
+#include "receipt/receipt_text.h"
+
 #include <QFont>
 #include <QFontMetricsF>
 #include <QPainter>
@@ -24,8 +26,6 @@ constexpr double longestPageMm = 297;
 // A page wider than it is high would be turned by print filters.
 constexpr double shortestPageMm = paperWidthMm + 1;
 
-constexpr int separatorLength = 63;
-constexpr int separatorFontSize = 10;
 constexpr int largestFontSize = 72;
 
 constexpr double units(double mm)
@@ -56,10 +56,9 @@ QFont face(int pixelSize, bool bold)
 /// Width of the separator at its size before scaling.
 double separatorWidth(bool bold)
 {
-    const double wanted = unitsOfPoints(separatorFontSize);
+    const double wanted = unitsOfPoints(receiptSeparatorFontSize);
     const int pixels = static_cast<int>(std::lround(wanted));
-    const QString hyphens(separatorLength, u'-');
-    return QFontMetricsF(face(pixels, bold)).horizontalAdvance(hyphens) * wanted / pixels;
+    return QFontMetricsF(face(pixels, bold)).horizontalAdvance(receiptSeparator()) * wanted / pixels;
 }
 
 double fontScale()

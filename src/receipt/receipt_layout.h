@@ -25,8 +25,8 @@ struct ReceiptLine
 /// The length unit of receipts: so fine that fonts keep their widths when sizes are rounded to it.
 inline constexpr int receiptUnitsPerInch = 1200;
 
-/// Receipt lines set on 80 mm paper. One factor scales all font sizes so that 63 hyphens of size 10, bold or not,
-/// just fit a line. Longer lines wrap, between words where they can. A page is as long as its content, up to
+/// Receipt lines set on 80 mm paper. One factor scales all font sizes so that receiptSeparator(), bold or not,
+/// just fits a line. Longer lines wrap, between words where they can. A page is as long as its content, up to
 /// 297 mm; then another page follows. Lengths are in 1/1200 inch. Needs a QGuiApplication, for its fonts.
 class ReceiptLayout
 {

@@ -8,21 +8,20 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
-namespace {
-
-/// 63 hyphens: the width of a receipt.
 QString receiptSeparator()
 {
     return QString(63, u'-');
 }
 
-} // namespace
-
 std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address)
 {
     return {
-        {title.toUpper(), 12, true},   {address.toUpper(), 7, {}},   {receiptSeparator(), 10, {}},
-        {u"Payment Receipt"_s, 8, {}}, {receiptSeparator(), 10, {}}, {{}, 8, false},
+        {title.toUpper(), 12, true},
+        {address.toUpper(), 7, {}},
+        {receiptSeparator(), receiptSeparatorFontSize, {}},
+        {u"Payment Receipt"_s, 8, {}},
+        {receiptSeparator(), receiptSeparatorFontSize, {}},
+        {{}, 8, false},
     };
 }
 
@@ -30,10 +29,10 @@ std::vector<ReceiptStep> receiptTotals(float lineCount, const QString &currency,
 {
     return {
         {QString(), {}, {}},
-        {receiptSeparator(), 10, {}},
+        {receiptSeparator(), receiptSeparatorFontSize, {}},
         {u"Total Type of Item(s):"_s + plainText(lineCount), 8, true},
         {u"Total Cost ("_s + currency + u"): "_s + plainText(total), {}, {}},
-        {receiptSeparator(), 10, false},
+        {receiptSeparator(), receiptSeparatorFontSize, false},
         {QString(), 8, false},
     };
 }

@@ -18,6 +18,10 @@ struct ReceiptStep
     std::optional<bool> bold;    ///< none: as it was
 };
 
+/// The line between the parts of a receipt: 63 hyphens. At its font size, bold or not, it fills the paper's width.
+[[nodiscard]] QString receiptSeparator();
+inline constexpr int receiptSeparatorFontSize = 10; ///< points
+
 /// Title, address and heading, before the item lines.
 [[nodiscard]] std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address);
 /// After the item lines: number of cart lines and total, both in plain decimal form.

@@ -4,6 +4,7 @@
 #include "ui/gates.h"
 #include "ui/inventory.h"
 #include "ui/keypad.h"
+#include "ui/sales/custom_sale.h"
 #include "ui/stock/stock_fields.h"
 #include "ui/widgets/enter_presses.h"
 #include "ui/widgets/link_label.h"
@@ -140,7 +141,10 @@ void Inventory::Connections::connectLogin() const
                      [password = m_controls.Text4] { leadTo(*password); });
     handle(m_controls.Text4, &QLineEdit::returnPressed, &Inventory::logIn);
     handleClick(m_controls.Command28, &Inventory::logIn);
-    handleClick(m_controls.Command29, &Inventory::clearLogin);
+    handleClick(m_controls.Command29, [](const Controls &controls) {
+        controls.Text3->clear();
+        controls.Text4->clear();
+    });
 }
 
 void Inventory::Connections::connectQuickSales() const
@@ -157,7 +161,7 @@ void Inventory::Connections::connectCustomSale() const
 {
     handle(m_controls.Combo2, &PickList::picked, &Inventory::customSaleCategoryChosen);
     handle(m_controls.Combo3, &PickList::picked, &Inventory::customSaleItemChosen);
-    handleChangeAndClick(m_controls.Combo4, &Inventory::customSaleQuantityChanged);
+    handleChangeAndClick(m_controls.Combo4, &showCustomSaleTotal);
     handleGatedClick(m_controls.Command15, gates::customItem, &Inventory::addCustomItem);
     int key = 0;
     for (QPushButton *button : m_controls.Command30)
@@ -208,7 +212,8 @@ void Inventory::Connections::connectSettings() const
 {
     new UpperCaseTyping(m_controls.Combo16);
     handleGatedClick(m_controls.Command18, gates::settings, &Inventory::saveSettings);
-    handleClick(m_controls.Check5, &Inventory::receiptChoiceChanged);
+    handleClick(m_controls.Check5,
+                [](const Controls &controls) { controls.Combo9->setEnabled(controls.Check5->isChecked()); });
     handleClick(m_controls.Command2, &Inventory::addCategory);
     handleClick(m_controls.Command22, &Inventory::renameCategory);
     handleClick(m_controls.Command3, &Inventory::deleteCategory);

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "ui/inventory.h"
 
-#include "basic/logging.h"
-#include "basic/numbers.h"
-#include "basic/values.h"
 #include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/focus_order.h"
+#include "ui/settings/settings.h"
 #include "ui/widgets/pick_list.h"
 
-#include <QCheckBox>
 #include <QCloseEvent>
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
@@ -24,13 +20,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 
 namespace {
-
-/// Whether a saved setting is the Boolean false: a number equal to 0, or "False".
-bool isFalse(const QString &saved)
-{
-    const std::optional<double> number = wholeNumber(saved);
-    return number ? *number == 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) == 0;
-}
 
 void fillPickLists(const Controls &controls, Breather &breather)
 {
@@ -115,28 +104,10 @@ void Inventory::loadForm()
     m_controls.Combo2->setEntryText(statements::allCategories);
     m_controls.Combo12->setEntryText(statements::allCategories);
     m_state.settings = readStoreSettings(connection(), m_state.settings);
-    readEmailReportFlag();
-    showSettings();
+    m_state.settings.EmailReportFlag =
+        savedEmailReportFlag(*m_platform.settings).value_or(m_state.settings.EmailReportFlag);
+    showSettings(m_controls, m_state.settings, savedPrintReceipt(*m_platform.settings));
     leadTo(*m_controls.Text3);
-}
-
-void Inventory::readEmailReportFlag()
-{
-    const QString saved = m_platform.settings->get(setting::EmailReport);
-    m_state.settings.EmailReportFlag = valueInt16(DbValue(saved)).value_or(m_state.settings.EmailReportFlag);
-}
-
-void Inventory::showSettings()
-{
-    m_controls.Check4->setChecked(m_state.settings.EmailReportFlag != 0);
-    m_controls.Check3->setChecked(m_state.settings.ShowDetailsFlag != 0);
-    m_controls.Text2->setText(m_state.settings.ReportEmailAddress);
-    m_controls.Check1->setChecked(m_state.settings.PromptReorderFlag != 0);
-    m_controls.Check2->setChecked(m_state.settings.HideFinishedFlag != 0);
-    const QString saved = m_platform.settings->get(setting::PrintReceipt);
-    const bool useReceipts = !isFalse(saved);
-    m_controls.Check5->setChecked(useReceipts);
-    m_controls.Combo9->setEnabled(useReceipts);
 }
 
 void Inventory::closeEvent(QCloseEvent *event)
@@ -197,19 +168,6 @@ QString Inventory::askForText(const QString &prompt, const QString &title, const
 void Inventory::warn(const QString &text)
 {
     ask(text, box::Exclamation);
-}
-
-void Inventory::showForeignWindow(const QString &classId)
-{
-    // The component has no such window itself; where a host has registered none, nothing happens.
-    finishWalks(connection());
-    const std::unique_ptr<QObject> window = m_platform.objects->create(classId);
-    if (!window)
-        return;
-    constexpr int modal = 1;
-    QWidget *owner = this;
-    if (!QMetaObject::invokeMethod(window.get(), "Show", Q_ARG(int, modal), Q_ARG(QWidget *, owner)))
-        qCWarning(lcWindow, "%s cannot be shown", qPrintable(classId));
 }
 
 } // namespace harrowby

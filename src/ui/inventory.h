@@ -13,16 +13,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <vector>
 
 namespace harrowby {
 
 class DbConnection;
 class DbRecordset;
 struct Gate;
-struct PurchaseLine;
-struct ReceiptStep;
 struct StockItem;
 
 /// The component's one window, "Sales Inventory". Its handlers and shared procedures stand in one source file per
@@ -68,8 +64,6 @@ private:
 
     // inventory.cpp: life of the window
     void loadForm();
-    void readEmailReportFlag();
-    void showSettings();
     bool confirmClose();
     void showHelp();
 
@@ -78,7 +72,6 @@ private:
     Answer ask(const QString &text, int style);
     QString askForText(const QString &prompt, const QString &title, const QString &initial);
     void warn(const QString &text);
-    void showForeignWindow(const QString &classId);
 
     // gates.cpp
     bool passes(const Gate &gate);
@@ -89,8 +82,6 @@ private:
     void enter(const QString &name);
     void logOut();
     bool settleCartBeforeLogout();
-    void clearLogin();
-    void runReorderNotice();
 
     // activity_log.cpp
     void LogActivity(const QString &message, int buttons, bool plainBox, bool quiet);
@@ -130,12 +121,8 @@ private:
     // sales/cart.cpp
     void FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting);
     [[nodiscard]] int FindCartLine(const QString &itemKey) const;
-    [[nodiscard]] std::vector<PurchaseLine> cartLines() const;
     float FindCost(const QString &itemKey);
-    void addCartLine(const QString &itemKey, std::int16_t qty, float cost);
-    void updateCartLine(const QString &itemKey, int row, std::int16_t qty, float cost, bool addToExisting);
     void UpdateCart();
-    void showCartTotal(const QString &total, int lines);
     void deleteCartLine();
     void clearCart();
     void changeLinePrice();
@@ -145,7 +132,6 @@ private:
 
     // sales/quick_sales.cpp
     void LoadQuickSales(bool movedForward);
-    bool moreQuickSales(bool hideFinished, const QString &category, int offset);
     void nextQuickSales();
     void previousQuickSales();
     void quickSaleCategoryChanged();
@@ -155,12 +141,7 @@ private:
     void LoadStockItem(PickList &list, const QString &category);
     void customSaleCategoryChosen();
     void customSaleItemChosen();
-    void customSaleQuantityChanged();
-    void showItemTotal(double unitCost);
-    [[nodiscard]] double customSaleQuantity() const;
     void addCustomItem();
-    [[nodiscard]] std::optional<std::int16_t> enteredQuantity() const;
-    void resetCustomSale();
 
     // sales/search.cpp
     void searchStock();
@@ -171,40 +152,28 @@ private:
     void purchaseCart();
     void CheckoutCart(bool skipConfirm);
     void SaveCart();
-    QString savePurchase(const QString &firstId, const QString &items, float lineCount, float total);
-    void resetSalePanels();
 
     // sales/purchase_undo.cpp
     void UndoPurchase(const QString &purchaseId, bool mergeIntoCart);
-    void restoreLine(const QString &element, bool mergeIntoCart);
     void undoLastPurchase();
     void deletePurchase();
     void LoadPurchaseIDs();
 
     // sales/receipt.cpp
     void PRINTS(const QString &text, bool newReceipt);
-    void printReceiptHeader();
-    void printReceiptTotals(float lineCount, float total);
-    void printReceiptFooter(const QString &purchaseId);
-    void printReceiptBlock(const std::vector<ReceiptStep> &steps);
     std::shared_ptr<Printer> UsePrinter();
     bool LoadPrinter();
-    void reprintReceipt();
 
     // dashboard/dashboard.cpp
     void RefreshDashboard();
-    void showTodaysSales();
-    void showStockFigures();
     void openReorderList(int element);
 
     // dashboard/sales_report.cpp
     void openSalesReport();
     bool callSalesReport();
-    bool takeEmailReportFlag();
 
     // settings/settings.cpp
     void saveSettings();
-    void receiptChoiceChanged();
 
     Platform m_platform;
     Controls m_controls;

@@ -28,6 +28,14 @@ bool mayUseTheTool(DbRecordset &user, const QString &name)
     return (value && valueEqualsTrue(*value)) || name == administratorName;
 }
 
+/// The query and nothing more, on purpose: there is no window of this notice, and none is asked for.
+void runReorderNotice(const std::shared_ptr<DbConnection> &connection)
+{
+    DbRecordset low;
+    low.Open(statements::lowStock(), connection);
+    static_cast<void>(low.RecordCount());
+}
+
 } // namespace
 
 bool Inventory::RequireLogin()
@@ -61,7 +69,8 @@ void Inventory::logIn()
     }
     m_state.login.rights = name == administratorName ? Privileges::everyRight() : Privileges::ofRow(user);
     enter(name);
-    runReorderNotice();
+    if (m_state.login.rights.CanReorder && m_state.settings.PromptReorderFlag != 0)
+        runReorderNotice(connection());
 }
 
 void Inventory::enter(const QString &name)
@@ -76,16 +85,6 @@ void Inventory::enter(const QString &name)
     m_controls.TabStrip1->selectTab(WorkArea::QuickSales);
     m_controls.Command1.front()->setFocus();
     LogActivity(name + u" successfully logged in!"_s, box::Information, false, true);
-}
-
-void Inventory::runReorderNotice()
-{
-    if (!m_state.login.rights.CanReorder || m_state.settings.PromptReorderFlag == 0)
-        return;
-    // The query and nothing more, on purpose: there is no window of this notice, and none is asked for.
-    DbRecordset low;
-    low.Open(statements::lowStock(), connection());
-    static_cast<void>(low.RecordCount());
 }
 
 void Inventory::logOut()
@@ -126,12 +125,6 @@ bool Inventory::settleCartBeforeLogout()
     default:
         return false;
     }
-}
-
-void Inventory::clearLogin()
-{
-    m_controls.Text3->clear();
-    m_controls.Text4->clear();
 }
 
 } // namespace harrowby

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "basic/administrator.h"
 #include "basic/dates.h"
+#include "basic/logging.h"
 #include "basic/numbers.h"
 #include "basic/values.h"
 #include "store/recordset.h"
@@ -33,46 +34,71 @@ std::optional<double> aggregate(const Statement &statement, const QString &colum
     return result.RecordCount() > 0 ? result.Field(column).number() : 0.0;
 }
 
+/// Each is empty when its statement failed.
+struct Figures
+{
+    std::optional<double> salesCount;
+    std::optional<double> salesAmount;
+    std::optional<double> stockTotal;
+    std::optional<int> toReorder;
+};
+
+std::optional<int> toReorder(const std::shared_ptr<DbConnection> &connection)
+{
+    DbRecordset low;
+    low.Open(statements::lowStock(), connection);
+    const int count = low.RecordCount();
+    return low.HasFailed() ? std::nullopt : std::optional(count);
+}
+
+/// The day's sales are the user's own; the administrator's are everybody's.
+Figures readFigures(const QString &user, const QString &day, const std::shared_ptr<DbConnection> &connection)
+{
+    const bool everybody = user == administratorName;
+    Figures figures;
+    figures.salesCount =
+        aggregate(everybody ? statements::salesCount(day) : statements::salesCount(user, day), u"totals"_s, connection);
+    figures.salesAmount = aggregate(everybody ? statements::salesAmount(day) : statements::salesAmount(user, day),
+                                    u"Counts"_s, connection);
+    figures.stockTotal = aggregate(statements::stockTotal(), u"totals"_s, connection);
+    figures.toReorder = toReorder(connection);
+    return figures;
+}
+
+/// The component has no such window itself; where a host has registered none, nothing happens.
+void showReorderList(ObjectRegistry &objects, QWidget *owner)
+{
+    const std::unique_ptr<QObject> window = objects.create(ReorderListClassId);
+    if (!window)
+        return;
+    constexpr int modal = 1;
+    if (!QMetaObject::invokeMethod(window.get(), "Show", Q_ARG(int, modal), Q_ARG(QWidget *, owner)))
+        qCWarning(lcWindow, "%s cannot be shown", ReorderListClassId.data());
+}
+
 } // namespace
 
 void Inventory::RefreshDashboard()
 {
-    showTodaysSales();
-    showStockFigures();
-    LoadQuickSales(false);
-}
-
-void Inventory::showTodaysSales()
-{
     const QString day = dayKey(m_platform.clock->now());
-    const bool everybody = m_state.login.LoggedUser == administratorName;
-    const std::optional<double> count =
-        aggregate(everybody ? statements::salesCount(day) : statements::salesCount(m_state.login.LoggedUser, day),
-                  u"totals"_s, connection());
-    if (count)
-        m_controls.Label6.at(SalesCount)->setText(plainText(*count));
-    const std::optional<double> amount =
-        aggregate(everybody ? statements::salesAmount(day) : statements::salesAmount(m_state.login.LoggedUser, day),
-                  u"Counts"_s, connection());
-    if (amount)
-        m_controls.Label6.at(SalesAmount)->setText(twoBlanks + formatMoney(*amount));
-}
-
-void Inventory::showStockFigures()
-{
-    if (const std::optional<double> total = aggregate(statements::stockTotal(), u"totals"_s, connection()))
-        m_controls.Label6.at(StockTotal)->setText(twoBlanks + formatCount(*total));
-    DbRecordset low;
-    low.Open(statements::lowStock(), connection());
-    const int count = low.RecordCount();
-    if (!low.HasFailed())
-        m_controls.Label6.at(ReorderCount)->setText(twoBlanks + QString::number(count));
+    const Figures figures = readFigures(m_state.login.LoggedUser, day, connection());
+    if (figures.salesCount)
+        m_controls.Label6.at(SalesCount)->setText(plainText(*figures.salesCount));
+    if (figures.salesAmount)
+        m_controls.Label6.at(SalesAmount)->setText(twoBlanks + formatMoney(*figures.salesAmount));
+    if (figures.stockTotal)
+        m_controls.Label6.at(StockTotal)->setText(twoBlanks + formatCount(*figures.stockTotal));
+    if (figures.toReorder)
+        m_controls.Label6.at(ReorderCount)->setText(twoBlanks + QString::number(*figures.toReorder));
+    LoadQuickSales(false);
 }
 
 void Inventory::openReorderList(int element)
 {
-    if (element == ReorderCount && leadingNumber(m_controls.Label6.at(ReorderCount)->text()) > 0.0)
-        showForeignWindow(ReorderListClassId);
+    if (element != ReorderCount || leadingNumber(m_controls.Label6.at(ReorderCount)->text()) <= 0.0)
+        return;
+    finishWalks(connection()); // the window may stay open for long
+    showReorderList(*m_platform.objects, this);
 }
 
 } // namespace harrowby

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "basic/logging.h"
 #include "basic/text.h"
-#include "basic/values.h"
 #include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "ui/dashboard/report_call.h"
 #include "ui/inventory.h"
+#include "ui/settings/settings.h"
 
 #include <harrowby/report_component.h>
 
@@ -57,8 +57,11 @@ bool Inventory::callSalesReport()
     if (!callAccountPreview(*report, arguments))
         return false;
     InvBasic::setConnection(arguments.connection); // this one at once: it is kept also when the next step fails
-    if (!takeEmailReportFlag())
+    const std::optional<std::int16_t> emailReport = savedEmailReportFlag(*m_platform.settings);
+    if (!emailReport)
         return false;
+    m_state.settings.EmailReportFlag = *emailReport;
+    m_controls.Check4->setChecked(*emailReport != 0);
     // What the report changed, and nothing else: another user may have logged in meanwhile.
     const auto takeOver = [](auto &ours, const auto &passed, const auto &returned) {
         if (returned != passed)
@@ -67,17 +70,6 @@ bool Inventory::callSalesReport()
     takeOver(m_state.MsgTitle, before.MsgTitle, msgTitle);
     takeOver(m_state.login.rights.CanSettings, before.login.rights.CanSettings, canSettings);
     takeOver(m_state.login.LoggedUser, before.login.LoggedUser, loggedUser);
-    return true;
-}
-
-bool Inventory::takeEmailReportFlag()
-{
-    const QString saved = m_platform.settings->get(setting::EmailReport);
-    const std::optional<std::int16_t> flag = valueInt16(DbValue(saved));
-    if (!flag)
-        return false;
-    m_state.settings.EmailReportFlag = *flag;
-    m_controls.Check4->setChecked(*flag != 0);
     return true;
 }
 

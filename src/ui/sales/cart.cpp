@@ -2,19 +2,14 @@
 #include "basic/cart_arithmetic.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
-#include "basic/purchase_text.h"
 #include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/cart_columns.h"
 #include "ui/inventory.h"
-#include "ui/row_loop.h"
+#include "ui/sales/cart_list.h"
 #include "ui/widgets/row_list.h"
-#include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
-#include "ui/work_areas.h"
-
-#include <QLabel>
 
 using namespace Qt::StringLiterals;
 
@@ -36,40 +31,23 @@ float Inventory::FindCost(const QString &itemKey)
 
 void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting)
 {
-    const int line = FindCartLine(itemKey);
-    const float cost = FindCost(itemKey);
-    if (line < 0)
-        addCartLine(itemKey, qty, cost);
-    else
-        updateCartLine(itemKey, line - 1, qty, cost, addToExisting);
-    // The last line is selected, on purpose also when an earlier one was updated.
-    m_controls.LV3->selectRow(m_controls.LV3->rows().rowCount() - 1);
-    UpdateCart();
-}
-
-void Inventory::addCartLine(const QString &itemKey, std::int16_t qty, float cost)
-{
-    const QString quantity = QString::number(qty);
-    m_controls.LV3->rows().appendRow({itemKey, quantity, formatMoney(newLineCost(cost, qty))});
-    LogActivity(quantity + u" of "_s + itemKey + u" Added to Cart!"_s, box::Information, false, true);
-}
-
-void Inventory::updateCartLine(const QString &itemKey, int row, std::int16_t qty, float cost, bool addToExisting)
-{
     TextTableModel &cart = m_controls.LV3->rows();
-    const bool merge =
-        addToExisting ||
-        ask(u"Item Already Exist in Cart."_s + crLf + u"To Update - YES, To Replace - NO"_s, box::Ask) == Answer::Yes;
-    if (merge) {
-        // Not a 16-bit value: 20000 and 20000 make 40000.
-        const double quantity = qty + leadingNumber(cart.text(row, CartColumn::Qty));
-        cart.setText(row, CartColumn::Qty, plainText(quantity));
-        cart.setText(row, CartColumn::Cost, formatMoney(mergedLineCost(cost, quantity)));
+    const int row = FindCartLine(itemKey) - 1;
+    const float cost = FindCost(itemKey);
+    if (row < 0) {
+        appendCartLine(cart, itemKey, qty, cost);
+        LogActivity(QString::number(qty) + u" of "_s + itemKey + u" Added to Cart!"_s, box::Information, false, true);
     } else {
-        cart.setText(row, CartColumn::Qty, QString::number(qty));
-        cart.setText(row, CartColumn::Cost, formatMoney(newLineCost(cost, qty)));
+        const bool merge =
+            addToExisting || ask(u"Item Already Exist in Cart."_s + crLf + u"To Update - YES, To Replace - NO"_s,
+                                 box::Ask) == Answer::Yes;
+        (merge ? mergeIntoCartLine : replaceCartLine)(cart, row, qty, cost);
+        LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + itemKey + u" Added!"_s, box::Information, false,
+                    true);
     }
-    LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + itemKey + u" Added!"_s, box::Information, false, true);
+    // The last line is selected, on purpose also when an earlier one was updated.
+    m_controls.LV3->selectRow(cart.rowCount() - 1);
+    UpdateCart();
 }
 
 void Inventory::UpdateCart()
@@ -79,24 +57,7 @@ void Inventory::UpdateCart()
     CostTotal total;
     for (int row = 0; row < lines; ++row)
         total.add(cart.text(row, CartColumn::Cost));
-    showCartTotal(formatMoney(total.value()), lines);
-}
-
-void Inventory::showCartTotal(const QString &total, int lines)
-{
-    m_controls.Label5->setText(u"Total: "_s + total);
-    m_controls.TabStrip2->setTabText(SidePanel::Cart - 1, u"Cart("_s + QString::number(lines) + u")"_s);
-}
-
-std::vector<PurchaseLine> Inventory::cartLines() const
-{
-    const TextTableModel &cart = m_controls.LV3->rows();
-    std::vector<PurchaseLine> lines;
-    lines.reserve(static_cast<std::size_t>(cart.rowCount()));
-    for (int row = 0; row < cart.rowCount(); ++row)
-        lines.push_back(
-            {cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item), cart.text(row, CartColumn::Cost)});
-    return lines;
+    showCartTotal(m_controls, formatMoney(total.value()), lines);
 }
 
 void Inventory::deleteCartLine()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "ui/sales/custom_sale.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "basic/text.h"
@@ -19,6 +20,44 @@
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
+
+namespace {
+
+/// As the total counts it: what does not convert as a whole, up to where it is a number.
+double quantityShown(const QString &typed)
+{
+    return wholeNumber(typed).value_or(leadingNumberWithoutCommas(typed));
+}
+
+/// As the cart takes it. Empty when it is not numeric, below 1, or more than 16 bits hold.
+std::optional<std::int16_t> quantityToSell(const QString &typed)
+{
+    const std::optional<double> number = wholeNumber(typed);
+    return number && *number >= 1.0 ? toInt16(*number) : std::nullopt;
+}
+
+void showItemTotal(const Controls &controls, double unitCost)
+{
+    const double total = unitCost * quantityShown(controls.Combo4->entryText());
+    if (std::isfinite(total)) // else no number holds it, and the old one stays
+        controls.Label9->setText(formatMoney(total));
+}
+
+} // namespace
+
+void resetCustomSale(const Controls &controls)
+{
+    controls.Label7->setText(u"0.00"_s);
+    controls.Label9->setText(u"0.00"_s);
+    controls.Label14->setText(QString());
+    controls.Label15->setText(u"Nil"_s);
+}
+
+void showCustomSaleTotal(const Controls &controls)
+{
+    // The unit cost is read up to its first comma, on purpose: of 1,250.00 it is the 1. The cart has the right one.
+    showItemTotal(controls, leadingNumber(controls.Label7->text()));
+}
 
 void Inventory::LoadStockItem(PickList &list, const QString &category)
 {
@@ -49,12 +88,6 @@ void Inventory::customSaleCategoryChosen()
     LoadStockItem(*m_controls.Combo3, trimBlanks(m_controls.Combo2->entryText()));
 }
 
-double Inventory::customSaleQuantity() const
-{
-    const QString typed = m_controls.Combo4->entryText();
-    return wholeNumber(typed).value_or(leadingNumberWithoutCommas(typed));
-}
-
 void Inventory::customSaleItemChosen()
 {
     const QString key = m_controls.Combo3->entryText();
@@ -67,27 +100,14 @@ void Inventory::customSaleItemChosen()
         m_controls.Label15->setText(u"Nil"_s);
         return;
     }
-    if (customSaleQuantity() < 1.0)
+    if (quantityShown(m_controls.Combo4->entryText()) < 1.0)
         m_controls.Combo4->setEntryText(u"1"_s);
     if (const std::optional<DbValue> cost = item.Field(u"StockCost"_s).value()) {
         m_controls.Label7->setText(formatMoney(valueNumber(*cost)));
-        showItemTotal(valueNumber(*cost));
+        showItemTotal(m_controls, valueNumber(*cost));
     }
     if (const std::optional<QString> available = fieldText(item, u"StockAvailable"_s))
         m_controls.Label15->setText(*available);
-}
-
-void Inventory::customSaleQuantityChanged()
-{
-    // The unit cost is read up to its first comma, on purpose: of 1,250.00 it is the 1. The cart has the right one.
-    showItemTotal(leadingNumber(m_controls.Label7->text()));
-}
-
-void Inventory::showItemTotal(double unitCost)
-{
-    const double total = unitCost * customSaleQuantity();
-    if (std::isfinite(total)) // else no number holds it, and the old one stays
-        m_controls.Label9->setText(formatMoney(total));
 }
 
 void Inventory::addCustomItem()
@@ -98,7 +118,7 @@ void Inventory::addCustomItem()
         leadTo(*m_controls.Combo3);
         return;
     }
-    const std::optional<std::int16_t> quantity = enteredQuantity();
+    const std::optional<std::int16_t> quantity = quantityToSell(m_controls.Combo4->entryText());
     if (!quantity) {
         warn(u"You have entered an invalid quantity. Quantity must be greater than 0!"_s);
         leadTo(*m_controls.Combo4);
@@ -110,24 +130,7 @@ void Inventory::addCustomItem()
     m_controls.TabStrip2->selectTab(SidePanel::Cart);
     customSaleCategoryChosen(); // drops the chosen item
     m_controls.Combo4->setEntryText(QString());
-    resetCustomSale();
-}
-
-/// Empty when it is not numeric, below 1, or more than 16 bits hold.
-std::optional<std::int16_t> Inventory::enteredQuantity() const
-{
-    const std::optional<double> typed = wholeNumber(m_controls.Combo4->entryText());
-    if (!typed || customSaleQuantity() < 1.0)
-        return {};
-    return toInt16(*typed);
-}
-
-void Inventory::resetCustomSale()
-{
-    m_controls.Label7->setText(u"0.00"_s);
-    m_controls.Label9->setText(u"0.00"_s);
-    m_controls.Label14->setText(QString());
-    m_controls.Label15->setText(u"Nil"_s);
+    resetCustomSale(m_controls);
 }
 
 } // namespace harrowby

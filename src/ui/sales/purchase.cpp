@@ -3,6 +3,7 @@
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
+#include "basic/purchase_id.h"
 #include "basic/purchase_text.h"
 #include "basic/values.h"
 #include "receipt/receipt_text.h"
@@ -10,6 +11,9 @@
 #include "store/statements.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
+#include "ui/sales/cart_list.h"
+#include "ui/sales/custom_sale.h"
+#include "ui/sales/receipt_writer.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
@@ -39,6 +43,34 @@ void leadToNextSale(const Controls &controls)
     }
 }
 
+/// What is stored of a purchase besides its ID and its time.
+struct Sale
+{
+    QString items;
+    float lineCount = 0;
+    float total = 0;
+    QString user;
+};
+
+/// Adds the purchase under `firstId`, or under the second ID when the first is taken, and says which it was.
+QString savePurchase(const std::shared_ptr<DbConnection> &connection, const Clock &clock, const QString &firstId,
+                     const Sale &sale)
+{
+    DbRecordset purchase;
+    // Held up to the row that is added: of two tills in one second one finds the other's ID.
+    purchase.OpenHeld(statements::purchase(firstId), connection, DbRecordset::Access::Read);
+    const QString id = purchaseIdToSave(firstId, purchase.RecordCount() > 0, [&clock] { return clock.now(); });
+    purchase.AddNew();
+    purchase.Field(u"PurchaseID"_s).assign(id);
+    purchase.Field(u"PurchasedItems"_s).assign(sale.items);
+    purchase.Field(u"PurchasedItemsTotal"_s).assign(storedFigure(sale.lineCount));
+    purchase.Field(u"PurchasedItemsCost"_s).assign(storedFigure(sale.total));
+    purchase.Field(u"PurchasedDate"_s).assign(purchasedDate(clock.now()));
+    purchase.Field(u"Users"_s).assign(sale.user);
+    purchase.Update();
+    return id;
+}
+
 } // namespace
 
 void Inventory::purchaseCart()
@@ -48,43 +80,40 @@ void Inventory::purchaseCart()
     } else if (m_state.last.ReceiptText.isEmpty()) {
         warn(u"Cart is Empty!"_s);
     } else if (ask(u"Reprint Last Purchase?"_s, box::Ask) == Answer::Yes) {
-        reprintReceipt();
+        reprintReceipt(*m_platform.printers->current(), m_state.last.ReceiptText);
     }
 }
 
 void Inventory::CheckoutCart(bool skipConfirm)
 {
-    const std::vector<PurchaseLine> lines = cartLines();
+    const std::vector<PurchaseLine> lines = cartLines(m_controls.LV3->rows());
     CostTotal total;
     for (const PurchaseLine &line : lines)
         total.add(line.amount);
     if (!skipConfirm && ask(checkoutQuestion(lines), box::Ask) != Answer::Yes)
         return;
     SaveCart();
-    resetSalePanels();
-    if (!skipConfirm)
-        LogActivity(checkoutLogLine(static_cast<int>(lines.size()), total.value()), box::Information, false, true);
-    leadToNextSale(m_controls);
-}
-
-void Inventory::resetSalePanels()
-{
     UpdateCart();
     // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
-    resetCustomSale();
+    resetCustomSale(m_controls);
     m_controls.StatusBar1_2->setText(QString());
+    if (!skipConfirm)
+        LogActivity(checkoutLogLine(static_cast<int>(lines.size()), total.value()), box::Information, false, true);
+    leadToNextSale(m_controls);
 }
 
 void Inventory::SaveCart()
 {
     // Nothing here is rolled back: what fails is skipped, and the rest goes on.
     const bool receipt = m_controls.Check5->isChecked();
+    const ReceiptWriter writer(*m_platform.printers, *m_platform.settings,
+                               [this](const QString &text) { PRINTS(text, false); });
     PRINTS(QString(), true);
     if (receipt)
-        printReceiptHeader();
-    const std::vector<PurchaseLine> lines = cartLines();
+        writer.printHeader(m_state.MsgTitle);
+    const std::vector<PurchaseLine> lines = cartLines(m_controls.LV3->rows());
     const float lineCount = static_cast<float>(lines.size());
     CostTotal total;
     for (const PurchaseLine &line : lines) {
@@ -96,36 +125,19 @@ void Inventory::SaveCart()
             PRINTS(purchaseElement(line), false);
     }
     if (receipt)
-        printReceiptTotals(lineCount, total.value());
+        writer.printTotals(lineCount, total.value());
     const QString items = purchasedItems(lines);
     const QString firstId = purchaseId(m_platform.clock->now());
-    showCartTotal(u"0.00"_s, 0);
+    showCartTotal(m_controls, u"0.00"_s, 0);
     m_controls.LV3->rows().clear(); // before the row is written: its values are at hand
-    const QString id = savePurchase(firstId, items, lineCount, total.value());
+    const QString id = savePurchase(connection(), *m_platform.clock, firstId,
+                                    {items, lineCount, total.value(), m_state.login.LoggedUser});
     m_state.last.LastPurchaseID = id;
     if (receipt)
-        printReceiptFooter(id);
+        writer.printFooter(id, m_platform.clock->now());
     if (m_state.settings.ShowDetailsFlag != 0)
         ask(purchaseSummary(id, items, lineCount, total.value(), m_platform.clock->now()), box::Information);
     RefreshDashboard();
-}
-
-QString Inventory::savePurchase(const QString &firstId, const QString &items, float lineCount, float total)
-{
-    DbRecordset purchase;
-    // Held up to the row that is added: of two tills in one second one finds the other's ID.
-    purchase.OpenHeld(statements::purchase(firstId), connection(), DbRecordset::Access::Read);
-    // The second ID is taken as it is, without a further look.
-    const QString id = purchase.RecordCount() > 0 ? secondPurchaseId(m_platform.clock->now()) : firstId;
-    purchase.AddNew();
-    purchase.Field(u"PurchaseID"_s).assign(id);
-    purchase.Field(u"PurchasedItems"_s).assign(items);
-    purchase.Field(u"PurchasedItemsTotal"_s).assign(storedFigure(lineCount));
-    purchase.Field(u"PurchasedItemsCost"_s).assign(storedFigure(total));
-    purchase.Field(u"PurchasedDate"_s).assign(purchasedDate(m_platform.clock->now()));
-    purchase.Field(u"Users"_s).assign(m_state.login.LoggedUser);
-    purchase.Update();
-    return id;
 }
 
 } // namespace harrowby

@@ -35,23 +35,16 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
     const QStringList elements = purchaseElements(purchase.Field(u"PurchasedItems"_s).text());
     m_controls.LV3->rows().clear(); // nothing is given back for what the cart held
     for (qsizetype i = 0; i < count; ++i) {
-        if (i < elements.size())
-            restoreLine(elements.at(i), mergeIntoCart);
+        if (const std::optional<RestoredLine> line = restoredLine(elements.value(i))) {
+            // By the ID alone, whatever the item is called by now.
+            Execute(connection(), statements::raiseStock(line->quantity, line->stockId));
+            FindandUpdateCart(itemKey(line->stockId, line->stockName), line->quantity, mergeIntoCart);
+        }
         m_breather.breathe();
     }
     Execute(connection(), statements::deletePurchase(id));
     RefreshDashboard();
     m_state.last.LastPurchaseID.clear(); // whichever purchase it was
-}
-
-void Inventory::restoreLine(const QString &element, bool mergeIntoCart)
-{
-    const std::optional<RestoredLine> line = restoredLine(element);
-    if (!line)
-        return;
-    // By the ID alone, whatever the item is called by now.
-    Execute(connection(), statements::raiseStock(line->quantity, line->stockId));
-    FindandUpdateCart(itemKey(line->stockId, line->stockName), line->quantity, mergeIntoCart);
 }
 
 void Inventory::undoLastPurchase()

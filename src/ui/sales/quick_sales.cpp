@@ -44,6 +44,15 @@ void fill(QuickSaleButton &button, DbRecordset &item)
         button.setOutOfStock(valueNumber(*available) <= 0.0);
 }
 
+/// Whether further items follow the page that begins behind `offset` items.
+bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFinished, const QString &category,
+                    int offset)
+{
+    DbRecordset items;
+    items.Open(statements::quickSalesCount(hideFinished, category), connection);
+    return items.RecordCount() != offset + pageSize;
+}
+
 /// Keeps the focus in the paging. A button that is disabled hands it on to the first item, and the next press of the
 /// space bar would sell.
 void leadToPaging(QPushButton &pressed, QPushButton &other)
@@ -79,15 +88,8 @@ void Inventory::LoadQuickSales(bool movedForward)
         return; // a later page was filled meanwhile
     for (; shown < m_controls.Command1.size(); ++shown)
         blank(*m_controls.Command1.at(shown));
-    m_controls.CmdNext->setEnabled(rows >= pageSize && moreQuickSales(hideFinished, category, offset));
+    m_controls.CmdNext->setEnabled(rows >= pageSize && moreQuickSales(connection(), hideFinished, category, offset));
     m_controls.CmdPrev->setEnabled(offset != 0);
-}
-
-bool Inventory::moreQuickSales(bool hideFinished, const QString &category, int offset)
-{
-    DbRecordset items;
-    items.Open(statements::quickSalesCount(hideFinished, category), connection());
-    return items.RecordCount() != offset + pageSize;
 }
 
 void Inventory::nextQuickSales()

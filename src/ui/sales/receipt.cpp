@@ -19,49 +19,6 @@ void Inventory::PRINTS(const QString &text, bool newReceipt)
     m_platform.printers->current()->printLine(text);
 }
 
-void Inventory::printReceiptHeader()
-{
-    const QString title =
-        m_platform.settings->get(setting::ReceiptTitle.section, setting::ReceiptTitle.key, m_state.MsgTitle);
-    const QString address =
-        m_platform.settings->get(setting::ReceiptAddress.section, setting::ReceiptAddress.key, m_state.MsgTitle);
-    printReceiptBlock(receiptHeader(title, address));
-}
-
-void Inventory::printReceiptTotals(float lineCount, float total)
-{
-    const QString currency = m_platform.settings->get(setting::Currency);
-    printReceiptBlock(receiptTotals(lineCount, currency, total));
-}
-
-void Inventory::printReceiptFooter(const QString &purchaseId)
-{
-    printReceiptBlock(receiptFooter(purchaseId, m_platform.clock->now()));
-    m_platform.printers->current()->endDocument();
-}
-
-void Inventory::printReceiptBlock(const std::vector<ReceiptStep> &steps)
-{
-    const std::shared_ptr<Printer> printer = m_platform.printers->current();
-    for (const ReceiptStep &step : steps) {
-        if (step.fontSize)
-            printer->setFontSize(*step.fontSize);
-        if (step.bold)
-            printer->setFontBold(*step.bold);
-        if (step.text)
-            PRINTS(*step.text, false);
-    }
-}
-
-void Inventory::reprintReceipt()
-{
-    const std::shared_ptr<Printer> printer = m_platform.printers->current();
-    printer->printLine(u"***REPRINTED COPY***"_s);
-    printer->printLine(QString());
-    printer->printLine(m_state.last.ReceiptText);
-    printer->endDocument();
-}
-
 std::shared_ptr<Printer> Inventory::UsePrinter()
 {
     const QStringList names = m_platform.printers->deviceNames();

@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "ui/settings/settings.h"
+
+#include "basic/numbers.h"
+#include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statements.h"
 #include "ui/inventory.h"
@@ -21,6 +25,29 @@ std::int16_t checkValue(const QCheckBox *box)
 
 } // namespace
 
+std::optional<std::int16_t> savedEmailReportFlag(SavedSettings &settings)
+{
+    return valueInt16(DbValue(settings.get(setting::EmailReport)));
+}
+
+bool savedPrintReceipt(SavedSettings &settings)
+{
+    const QString saved = settings.get(setting::PrintReceipt);
+    const std::optional<double> number = wholeNumber(saved);
+    return number ? *number != 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) != 0;
+}
+
+void showSettings(const Controls &controls, const StoreSettings &settings, bool printReceipt)
+{
+    controls.Check4->setChecked(settings.EmailReportFlag != 0);
+    controls.Check3->setChecked(settings.ShowDetailsFlag != 0);
+    controls.Text2->setText(settings.ReportEmailAddress);
+    controls.Check1->setChecked(settings.PromptReorderFlag != 0);
+    controls.Check2->setChecked(settings.HideFinishedFlag != 0);
+    controls.Check5->setChecked(printReceipt);
+    controls.Combo9->setEnabled(printReceipt);
+}
+
 void Inventory::saveSettings()
 {
     const StoreSettings entered{checkValue(m_controls.Check4), checkValue(m_controls.Check3), m_controls.Text2->text(),
@@ -35,11 +62,6 @@ void Inventory::saveSettings()
     }
     m_state.settings = entered;
     LogActivity(u"Setting Saved!"_s, box::Information, false, true);
-}
-
-void Inventory::receiptChoiceChanged()
-{
-    m_controls.Combo9->setEnabled(m_controls.Check5->isChecked());
 }
 
 void Inventory::UpdatePromptReorder(const std::int16_t &flag)

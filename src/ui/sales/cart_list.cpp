@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "ui/sales/cart_list.h"
+
+#include "basic/cart_arithmetic.h"
+#include "basic/numbers.h"
+#include "ui/cart_columns.h"
+#include "ui/controls.h"
+#include "ui/widgets/tab_strip.h"
+#include "ui/widgets/text_table_model.h"
+#include "ui/work_areas.h"
+
+#include <QLabel>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby {
+
+void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost)
+{
+    cart.appendRow({itemKey, QString::number(qty), formatMoney(newLineCost(unitCost, qty))});
+}
+
+void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost)
+{
+    // Not a 16-bit value: 20000 and 20000 make 40000.
+    const double quantity = qty + leadingNumber(cart.text(row, CartColumn::Qty));
+    cart.setText(row, CartColumn::Qty, plainText(quantity));
+    cart.setText(row, CartColumn::Cost, formatMoney(mergedLineCost(unitCost, quantity)));
+}
+
+void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost)
+{
+    cart.setText(row, CartColumn::Qty, QString::number(qty));
+    cart.setText(row, CartColumn::Cost, formatMoney(newLineCost(unitCost, qty)));
+}
+
+std::vector<PurchaseLine> cartLines(const TextTableModel &cart)
+{
+    std::vector<PurchaseLine> lines;
+    lines.reserve(static_cast<std::size_t>(cart.rowCount()));
+    for (int row = 0; row < cart.rowCount(); ++row)
+        lines.push_back(
+            {cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item), cart.text(row, CartColumn::Cost)});
+    return lines;
+}
+
+void showCartTotal(const Controls &controls, const QString &total, int lines)
+{
+    controls.Label5->setText(u"Total: "_s + total);
+    controls.TabStrip2->setTabText(SidePanel::Cart - 1, u"Cart("_s + QString::number(lines) + u")"_s);
+}
+
+} // namespace harrowby

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "basic/purchase_text.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+/// The cart's lines, in the one place where they are kept: the list LV3.
+namespace harrowby {
+
+class TextTableModel;
+struct Controls;
+
+void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost);
+/// The quantity that the line has and `qty` more, at today's price.
+void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
+void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
+
+[[nodiscard]] std::vector<PurchaseLine> cartLines(const TextTableModel &cart);
+
+/// In the label below the cart and on its tab.
+void showCartTotal(const Controls &controls, const QString &total, int lines);
+
+} // namespace harrowby
