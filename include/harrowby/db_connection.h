@@ -18,8 +18,8 @@ namespace harrowby {
 
 class SelectedRows;
 
-/// A statement that was not carried out. The component goes on without a word to the user; this is how
-/// its host learns of it.
+/// A statement that was not carried out. The component shows the user nothing and goes on with the next step; the host
+/// learns of it through DbConnection::setFailureHandler().
 struct DbFailure
 {
     enum class Kind {
@@ -30,21 +30,23 @@ struct DbFailure
     Kind kind = Kind::Read;
     QString statement;  ///< the statement's text, or for a row written by column "INSERT <table>" / "UPDATE <table>";
                         ///< a typed password is left out
-    QString reason;     ///< the engine's own message, or why the statement was refused before it got there
-    int engineCode = 0; ///< the engine's (extended) result code; 0 when the statement never reached it
+    QString reason;     ///< the engine's message, or why the component refused the statement; English, one line
+    int engineCode = 0; ///< the engine's extended result code (SQLITE_...); 0 when the statement never reached it
 };
 
-/// Identity of one stored row within its table, for writing that row and no other.
+/// Identifies one stored row within its table (SQLite's rowid).
 using DbRowId = std::int64_t;
 
-/// Forward-only result of one SELECT. Destroying it releases whatever the engine holds for it.
+/// Forward-only result of one SELECT. The caller of DbConnection::query() owns it and destroys it before the
+/// connection; destroying it releases the engine's statement. No function throws. Used on the user-interface thread
+/// only.
 class HARROWBY_EXPORT DbCursor
 {
 public:
     enum class Step {
-        Row,    ///< the cursor stands on a further row
+        Row,    ///< the cursor stands on the next row
         Done,   ///< no row is left
-        Failed, ///< the engine gave up; the failure has been reported
+        Failed, ///< the engine failed; the failure has been reported through reportFailure(), once
     };
 
     DbCursor() = default;
@@ -52,24 +54,35 @@ public:
     DbCursor &operator=(const DbCursor &) = delete;
     virtual ~DbCursor();
 
+    /// Names of the result's columns, in its order; known before the first next().
     [[nodiscard]] virtual QStringList columnNames() const = 0;
+    /// Goes to the next row; a new cursor stands before the first one. After Done and Failed it returns the same again.
     [[nodiscard]] virtual Step next() = 0;
-    /// Value of a column (0-based) of the row the cursor stands on.
+    /// Value of a column of the current row, with its stored type. Precondition: next() returned Row, and `column` is
+    /// an index into columnNames().
     [[nodiscard]] virtual DbValue value(int column) const = 0;
-    /// The same of a text, as UTF-8 in the engine's own memory, good until the next step: long lists are filled from
-    /// it without a copy. Empty for every other value, and from an engine that cannot offer it.
+    /// A text value as UTF-8 in the engine's own memory, valid until the next call of next(), so that long lists are
+    /// filled without a copy. Empty (nullopt) for every other type, and where the engine cannot offer it; the caller
+    /// then uses value(). Precondition as for value().
     [[nodiscard]] virtual std::optional<QByteArrayView> text(int /*column*/) const { return {}; }
 };
 
-/// The host's open database connection, as the component uses it.
+/// The host's open database connection, as the component uses it. SqliteConnection implements it over a `sqlite3 *`;
+/// implement it to run the component over another engine that understands SQLite's dialect.
 ///
-/// The host owns the database: the component never opens, configures or closes it, and drops its reference
-/// when the host hands in another one. Everything happens on the user-interface thread, one statement at a
-/// time, and each stands alone but for a read and its write that are held together (see hold()). Implement this
-/// interface to run the component over another engine that speaks SQLite's dialect; SqliteConnection is the ready one.
+/// Ownership: shared. The component keeps its reference after its window has been closed, until the next
+/// Init::LoadInventory() hands in another connection (or null) or the process ends. The database behind it stays the
+/// host's: the component never opens, configures or closes it.
 ///
-/// Operations signal failure by their result and report it once through reportFailure(). They should not
-/// throw; what they throw nevertheless is treated as that operation's failure.
+/// Threads: every function is called on the user-interface thread, one statement at a time. Several cursors may be open
+/// while another statement runs.
+///
+/// Transactions: none, each statement stands alone; the exception is a read and its write between hold() and settle().
+///
+/// Errors: an operation signals failure by its result and reports it once through reportFailure(). Operations should
+/// not throw; the component treats an exception as that operation's failure and reports it.
+///
+/// No function needs a QApplication or a QCoreApplication.
 class HARROWBY_EXPORT DbConnection
 {
 public:
@@ -80,46 +93,55 @@ public:
     DbConnection &operator=(const DbConnection &) = delete;
     virtual ~DbConnection();
 
-    /// Runs exactly one UPDATE, INSERT or DELETE. A statement that matches no row succeeds.
+    /// Runs exactly one UPDATE, INSERT or DELETE. False when it failed; true also when it matched no row.
     virtual bool Execute(const QString &statement) = 0;
 
-    /// Runs exactly one SELECT; null when it is refused.
+    /// Starts exactly one SELECT; the caller owns the cursor. Null when the engine refuses the statement; what fails
+    /// later, DbCursor::next() tells.
     [[nodiscard]] virtual std::unique_ptr<DbCursor> query(const QString &select) = 0;
 
-    /// Number of rows that a SELECT yields, found as cheaply as the engine can, without reading them.
+    /// Number of rows that a SELECT yields, counted by the engine without handing them over. Empty when it failed.
     [[nodiscard]] virtual std::optional<std::int64_t> countRows(const QString &select) = 0;
 
-    /// Identities of the rows of a SELECT over one table, in the order in which query() yields them.
-    /// Called while a cursor of the same text stands on its first row, so both see the same rows.
+    /// Identities of the rows of a SELECT over one table, in the order in which query() yields them. Called while a
+    /// cursor of the same text stands on its first row, so that both see the same rows. Empty (nullopt) when it failed
+    /// or the rows have no identity (a view, a join, a table WITHOUT ROWID); nothing is written by row then.
     [[nodiscard]] virtual std::optional<std::vector<DbRowId>> rowIds(const QString &select) = 0;
 
-    /// Adds one row; columns that are not assigned take the table's defaults.
+    /// Inserts one row; columns that are not assigned take the table's defaults. False when it failed.
     virtual bool insertRow(const QString &table, const DbAssignments &values) = 0;
 
-    /// Writes the assigned columns of one row and of no other.
+    /// Updates the assigned columns of the row with this identity, and no other row. False when it failed; true also
+    /// when the row has been deleted meanwhile.
     virtual bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) = 0;
 
-    /// The host's installation folder, handed on to the report component.
+    /// The host's installation folder, or the path of its library "Harrowby.dll" there; may be empty. The component
+    /// removes each occurrence of "Harrowby.dll" (in this spelling) from it and nothing else, so that a trailing
+    /// separator stays, and passes the rest to the report as `folder` (harrowby/report_component.h). Used for nothing
+    /// else.
     [[nodiscard]] virtual QString location() const = 0;
 
-    /// Asks to be told of every failure, as it happens, on the user-interface thread. One handler; an empty
-    /// one switches it off. The handler must not throw, enter an event loop or run statements here.
+    /// Sets the one handler, which is called with each failure as it happens, in the middle of the component's step; an
+    /// empty one switches it off. The handler must not throw, enter an event loop or run statements on this connection.
+    /// It may replace itself.
     void setFailureHandler(FailureHandler handler);
 
-    /// Tells the failure handler and the logging category "harrowby.store". Never throws.
+    /// For implementations: logs a failure in the category "harrowby.store" and calls the handler. Never throws; an
+    /// exception out of the handler is swallowed.
     void reportFailure(const DbFailure &failure) const noexcept;
 
-    /// Begins to hold what is read next together with the one write that is computed from it: until settle(), nobody
-    /// else writes. Nothing but that read and that write happens in between, neither a box nor an event loop.
-    /// True when it holds, and only then settle() follows. False, and nothing has changed, when it does not: within a
-    /// transaction of the host's own, when it is refused (for another program keeps the lock, say), or when the engine
-    /// knows no such thing, as here. The read and the write go on all the same. A refusal is not reported as a failure.
+    /// Takes the write lock (in SQLite: an immediate transaction), so that a row is read and the value computed from it
+    /// written without another program's write in between. The component runs that one read and that one write next,
+    /// shows no box and enters no event loop, and calls settle().
+    /// True when the lock is held; only then settle() follows. False, with nothing changed, within a transaction of the
+    /// host's own, when the lock is refused (another program has it, say), or when the engine has no such operation, as
+    /// in this default. The component then reads and writes without it. A refusal is not reported as a failure.
     virtual bool hold();
 
-    /// Ends what hold() began. `write` names the write that was done, as in DbFailure::statement, and it is kept;
-    /// empty when nothing was written or the write failed, and what there is of it is taken back.
-    /// Whether what was held is committed now: the write's result. A commit that fails keeps nothing, and is reported
-    /// as the failure of `write`. Without a hold nothing happens, and it is true.
+    /// Commits or rolls back what hold() began. `write` names the write that was done, as in DbFailure::statement: it
+    /// is committed. An empty `write` (nothing was written, or the write failed) rolls back. Returns whether it is
+    /// committed now, which is the write's result. A commit that fails is rolled back, reported as the failure of
+    /// `write`, and false. Without a hold nothing happens, and the result is true.
     virtual bool settle(const QString &write);
 
 private:
@@ -127,7 +149,7 @@ private:
     friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
 
     FailureHandler m_failureHandler;
-    /// The component's results whose rows are fetched while loops go, those of entered handlers last.
+    /// The component's results that still fetch rows, the innermost loop's last. Never touched by implementations.
     std::vector<SelectedRows *> m_walks;
 };
 

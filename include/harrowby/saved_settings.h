@@ -6,14 +6,16 @@
 #include <QLatin1StringView>
 #include <QString>
 
-/// The per-user saved settings of the application "Harrowby", which the component reads and hosts and plugins may
-/// write.
+/// The user's saved settings of the application "Harrowby": texts by section and key, found without regard to case. The
+/// component reads them, and so may hosts and plugins, which may write them too.
 ///
-/// Sections and keys are found under any capitalisation. The values lie in the file Harrowby/Harrowby.ini of the user's
-/// configuration folder, which is read afresh at every use.
+/// They lie in Harrowby/Harrowby.ini of the user's configuration folder (XDG_CONFIG_HOME or ~/.config), which is read
+/// afresh at each use, on the calling thread; call these functions on the user-interface thread. They need no
+/// QApplication. Failures are logged in "harrowby.settings" and told to the FileFailureHandler
+/// (harrowby/file_failure.h).
 namespace harrowby {
 
-/// Where a setting is saved, and what counts while nothing is.
+/// Section and key of a setting, and the value that counts while none is saved.
 struct SettingPlace
 {
     QLatin1StringView section;
@@ -21,7 +23,7 @@ struct SettingPlace
     QLatin1StringView defaultValue;
 };
 
-/// The settings that the component knows.
+/// The settings that the component uses.
 namespace setting {
 
 /// Whether the daily report goes out by e-mail: "0" or "1".
@@ -30,24 +32,25 @@ inline constexpr SettingPlace EmailReport{QLatin1StringView("Option"), QLatin1St
 /// Whether a purchase prints a receipt: "0" or "1".
 inline constexpr SettingPlace PrintReceipt{QLatin1StringView("Option"), QLatin1StringView("UsePOSforReceipt"),
                                            QLatin1StringView("1")};
-/// What stands before an amount on a receipt.
+/// The currency sign before an amount on a receipt.
 inline constexpr SettingPlace Currency{QLatin1StringView("Option"), QLatin1StringView("Currency"),
                                        QLatin1StringView("N")};
-/// The head of a receipt. The component takes the caption of its boxes, which is empty, while nothing is saved.
+/// The head of a receipt, printed in capitals. While none is saved, the caption of the component's boxes stands there,
+/// which is empty.
 inline constexpr SettingPlace ReceiptTitle{QLatin1StringView("option"), QLatin1StringView("Title"), {}};
 inline constexpr SettingPlace ReceiptAddress{QLatin1StringView("option"), QLatin1StringView("address"), {}};
-/// Device name of the receipt printer.
+/// Name of the receipt printer as the print service lists it.
 inline constexpr SettingPlace ReceiptPrinter{QLatin1StringView("POS"), QLatin1StringView("COM"),
                                              QLatin1StringView("COM1")};
 
 } // namespace setting
 
-/// The saved value, or the default when there is none or the file cannot be read. Never throws.
+/// The saved value; `defaultValue` when there is none or the file cannot be read. Never throws.
 [[nodiscard]] HARROWBY_EXPORT QString savedSetting(const QString &section, const QString &key,
                                                    const QString &defaultValue = {}) noexcept;
 
-/// Saves a value at once; the others stay. False when it could not be written, and the old value stands then.
-/// Never throws.
+/// Saves a value at once and leaves the others as they are. False when it could not be written; the file is unchanged
+/// then. Never throws.
 HARROWBY_EXPORT bool saveSetting(const QString &section, const QString &key, const QString &value) noexcept;
 
 } // namespace harrowby

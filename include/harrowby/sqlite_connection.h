@@ -9,12 +9,17 @@ namespace harrowby {
 
 /// DbConnection over a `sqlite3 *` that the host has opened.
 ///
-/// The handle stays the host's: it must outlive this object, and this object never closes or configures it
-/// (no pragma, no busy handler). Use it on the thread that runs the user interface.
+/// The handle stays the host's: it must outlive this object and all its cursors, and this object never closes or
+/// configures it (no pragma, no busy handler, no function). A null handle makes each statement fail. The component
+/// keeps its reference after its window has been closed (see DbConnection): close the handle after the event loop has
+/// ended, or hand in another connection before.
+///
+/// Use it on the user-interface thread. A statement waits for another program's lock as long as the host's busy handler
+/// lets it, and without one fails at once with SQLITE_BUSY. Needs no QApplication.
 class HARROWBY_EXPORT SqliteConnection final : public DbConnection
 {
 public:
-    /// `location` is the host's installation folder, as location() returns it.
+    /// `location` is what location() returns: see DbConnection::location().
     explicit SqliteConnection(sqlite3 *database, QString location = {});
     ~SqliteConnection() override;
 

@@ -9,7 +9,7 @@ namespace harrowby::report {
 class ReportPlugin : public QObject, public ObjectFactory
 {
     Q_OBJECT
-    Q_PLUGIN_METADATA(IID "harrowby.ObjectFactory/1" FILE "report_plugin.json")
+    Q_PLUGIN_METADATA(IID HARROWBY_OBJECT_FACTORY_IID FILE "report_plugin.json")
     Q_INTERFACES(harrowby::ObjectFactory)
 
 public:

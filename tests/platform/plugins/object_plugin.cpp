@@ -7,7 +7,7 @@
 class ObjectPlugin : public QObject, public harrowby::ObjectFactory
 {
     Q_OBJECT
-    Q_PLUGIN_METADATA(IID "harrowby.ObjectFactory/1" FILE "object_plugin.json")
+    Q_PLUGIN_METADATA(IID HARROWBY_OBJECT_FACTORY_IID FILE "object_plugin.json")
     Q_INTERFACES(harrowby::ObjectFactory)
 
 public:
