@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <optional>
 
-/// The cart's sums, in the precision that they have always been computed in.
+/// The cart's sums.
+/// Intended: 32-bit floats, except where a line is merged. Stored totals and printed receipts were always rounded so.
 namespace harrowby {
 
 /// Nearest 32-bit float; empty when the value does not fit.

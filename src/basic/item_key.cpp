@@ -22,7 +22,7 @@ void putItemKey(QByteArray &key, QUtf8StringView stockId, QUtf8StringView stockN
     const auto bytes = [](QUtf8StringView text) {
         return QByteArrayView(reinterpret_cast<const char *>(text.data()), text.size());
     };
-    key.resize(0); // clear() would give its memory back
+    key.resize(0); // keeps the capacity, which clear() frees
     key.append(bytes(stockId)).append(separator.data(), separator.size()).append(bytes(stockName));
 }
 
@@ -33,7 +33,7 @@ QString GetIDName(const QString &key, KeyPiece piece)
         return end < 0 ? QString() : trimBlanks(QStringView(key).first(end));
     }
     const qsizetype found = key.indexOf(narrowSeparator);
-    // One character more than the separator is dropped: a key has two blanks after its bar.
+    // Intended: one character more than the separator is dropped, whatever it is: a key has two blanks after its bar.
     return found < 0 ? QString() : trimmedUpper(key.mid(found + narrowSeparator.size() + 1));
 }
 

@@ -10,7 +10,7 @@ namespace harrowby {
 /// "ID  |  NAME": how one stock item shows in combo boxes, cart lines, receipts and messages.
 [[nodiscard]] QString itemKey(const QString &stockId, const QString &stockName);
 
-/// The same of UTF-8, written into `key`, whose memory serves again: for lists of very many items.
+/// The same in UTF-8, written into `key`, whose capacity is reused: for long lists.
 void putItemKey(QByteArray &key, QUtf8StringView stockId, QUtf8StringView stockName);
 
 enum class KeyPiece : short {

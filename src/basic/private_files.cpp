@@ -27,7 +27,7 @@ QString isNotOrdinary()
     return u"it is not an ordinary file"_s;
 }
 
-/// Some devices do something when they are opened; what is not there yet may be made.
+/// True for a regular file and for a missing one. Asked before open(), as opening alone can trigger some devices.
 bool mayBeOpened(const QByteArray &name)
 {
     struct stat facts = {};
@@ -36,7 +36,7 @@ bool mayBeOpened(const QByteArray &name)
 
 int openDescriptor(const QByteArray &name, QIODevice::OpenMode mode)
 {
-    // A pipe that has taken the name meanwhile must not be waited for either.
+    // O_NONBLOCK: a FIFO may have taken the name since mayBeOpened(), and open() would wait for its other end.
     constexpr int careful = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     if (mode.testFlag(QIODevice::Append))
         return ::open(name.constData(), careful | O_WRONLY | O_APPEND | O_CREAT, S_IRUSR | S_IWUSR);
@@ -64,7 +64,7 @@ QString makePrivateFolder(const QString &path)
         return {};
     const int error = errno;
     if (QFileInfo(folder).isDir())
-        return {}; // another program was faster
+        return {}; // another program has created it meanwhile
     return qt_error_string(error == EEXIST ? ENOTDIR : error);
 }
 
@@ -101,7 +101,7 @@ QString writeToDisk(int descriptor, QByteArrayView bytes)
 {
     if (const QString reason = writeAll(descriptor, bytes); !reason.isEmpty())
         return reason;
-    // A file system that cannot promise it is not to blame.
+    // These errors mean that the file system has no fsync().
     if (::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)
         return {};
     return systemReason();

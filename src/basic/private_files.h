@@ -6,25 +6,24 @@
 #include <QFile>
 #include <QString>
 
-/// Files that hold what is nobody else's business. Each function returns the system's reason for a failure, and an
-/// empty text for none.
+/// Files that only their owner may read (mode 0600, folders 0700). Each function returns the system's error text, and
+/// an empty text on success.
 namespace harrowby {
 
-/// Makes the folder and those above it that are missing, for their owner alone; folders that are there stay as they
-/// are.
+/// Creates the folder and its missing parents with mode 0700; existing folders keep their mode.
 [[nodiscard]] QString makePrivateFolder(const QString &path);
 
-/// Opens an ordinary file to read (QIODevice::ReadOnly) or to add to (QIODevice::Append); to add to, it is made when it
-/// is missing, for its owner alone. What is not an ordinary file, a pipe or a device, is refused and never waited for.
+/// Opens a regular file for reading (QIODevice::ReadOnly) or appending (QIODevice::Append, which creates a missing file
+/// with mode 0600). A FIFO, device or other special file is refused, and never blocks.
 [[nodiscard]] QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode);
 
-/// Writes the bytes to where the descriptor stands.
+/// Writes all bytes at the descriptor's position.
 [[nodiscard]] QString writeAll(int descriptor, QByteArrayView bytes);
-/// The same, and waits until they are on the disk.
+/// The same, then fsync().
 [[nodiscard]] QString writeToDisk(int descriptor, QByteArrayView bytes);
 
-/// Makes or replaces a file in one step, in a folder that is made when it is missing. A new file is its owner's alone;
-/// one that is there keeps its permissions.
+/// Creates or replaces a file atomically (temporary file, fsync, rename), with its missing folders. A new file gets
+/// mode 0600; an existing one keeps its mode.
 [[nodiscard]] QString writePrivateFile(const QString &path, const QByteArray &bytes);
 
 } // namespace harrowby

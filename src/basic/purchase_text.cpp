@@ -44,7 +44,7 @@ QString purchaseSummary(const QString &purchaseId, const QString &purchasedItems
 {
     QString elements = purchasedItems;
     elements.replace(u", "_s, crLf);
-    // "Purchased Items: " stands twice on purpose: over the list and before the count.
+    // Intended: "Purchased Items: " stands over the list and once more before the count.
     return u"Items have been purchased!"_s + crLf + crLf + u"Purchase ID: "_s + purchaseId + crLf +
            u"Purchased Items: "_s + crLf + elements + crLf + u"Purchased Items: "_s + plainText(lineCount) + crLf +
            u"Purchased Items Cost: "_s + formatMoney(total) + crLf + crLf + u"Purchased Item Date: "_s +

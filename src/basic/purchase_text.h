@@ -19,7 +19,8 @@ struct PurchaseLine
 
 /// quantity " x " key " = " amount: an element of the stored text, and an item line of the receipt.
 [[nodiscard]] QString purchaseElement(const PurchaseLine &line);
-/// The elements joined by ", ". The joint is not escaped: an undo splits at every ", ".
+/// The elements joined by ", ".
+/// Intended: a ", " within a name is not escaped, though an undo splits there: the stored text is a fixed format.
 [[nodiscard]] QString purchasedItems(const std::vector<PurchaseLine> &lines);
 
 /// The question before a commit, with the numbered lines.

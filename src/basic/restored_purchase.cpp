@@ -19,7 +19,7 @@ std::optional<RestoredLine> restoredLine(const QString &element)
     QString uniform = element;
     uniform.replace(u" x "_s, separator).replace(u" = "_s, separator);
     const QStringList parts = uniform.split(separator);
-    constexpr qsizetype needed = 3; // the amount is not: the price is looked up anew
+    constexpr qsizetype needed = 3; // without the amount, as the price is read from the stock again
     const std::optional<std::int16_t> quantity = toInt16(leadingNumber(parts.first()));
     if (parts.size() < needed || !quantity)
         return {};

@@ -17,12 +17,12 @@ struct RestoredLine
     QString stockName; ///< as it was stored
 };
 
-/// The elements of a stored purchase: its text split at every ", ". A name that holds one falls into two elements,
-/// neither of which is whole; that is how it has always been read.
+/// The elements of a stored purchase: its text split at every ", ".
+/// Intended: a name that holds ", " becomes two elements, neither of which restoredLine() accepts.
 [[nodiscard]] QStringList purchaseElements(const QString &purchasedItems);
 
-/// quantity " x " ID "  |  " name " = " amount, all its separators alike: a name that holds " x " or " = " ends there.
-/// Empty when a piece is missing, or when the quantity does not fit 16 bits.
+/// Parses quantity " x " ID "  |  " name " = " amount. Empty when a part is missing, or when the quantity does not fit
+/// 16 bits. Intended: all separators count alike, so that a name that holds " x " or " = " ends there.
 [[nodiscard]] std::optional<RestoredLine> restoredLine(const QString &element);
 
 } // namespace harrowby

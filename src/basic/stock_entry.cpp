@@ -91,7 +91,7 @@ QString automaticIdPrefix(const QString &category)
     constexpr int characters = 3;
     qsizetype end = 0;
     for (int i = 0; i < characters && end < category.size(); ++i) {
-        // Half of a character beyond 16 bits could not be stored.
+        // A surrogate pair is never split: UTF-8 has no half of one.
         const bool isPair =
             category.at(end).isHighSurrogate() && category.size() > end + 1 && category.at(end + 1).isLowSurrogate();
         end += isPair ? 2 : 1;

@@ -30,7 +30,8 @@ enum class StockFault { None, Id, Category, Name, Cost, ReorderLevel, Available,
 
 /// The first one.
 [[nodiscard]] StockFault findFault(const StockEntry &entry);
-/// What the user is told of it. The one about the ID speaks of a category, and always has.
+/// The text of the box that tells the user.
+/// Intended: the one about the ID speaks of a category.
 [[nodiscard]] QString faultText(StockFault fault);
 
 /// A faultless entry as it is stored.

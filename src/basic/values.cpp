@@ -12,7 +12,7 @@ namespace {
 constexpr QLatin1StringView trueText("True");
 constexpr QLatin1StringView falseText("False");
 
-/// The value as the whole number-like thing that it is; empty for bytes and for text that is no number.
+/// The value as a number; empty for bytes and for text that is not wholly numeric (nor "True" or "False").
 std::optional<double> converted(const DbValue &value)
 {
     if (const auto *integer = std::get_if<std::int64_t>(&value))
@@ -35,7 +35,7 @@ std::optional<double> converted(const DbValue &value)
 
 DbValue storedFigure(float value)
 {
-    constexpr float exactIntegers = 16777216.0F; // beyond, every value is whole, and its text is long either way
+    constexpr float exactIntegers = 16777216.0F; // 2^24: above it a float has no fraction anyway
     if (std::trunc(value) == value && std::abs(value) <= exactIntegers)
         return static_cast<std::int64_t>(value);
     return asStored(value);

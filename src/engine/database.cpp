@@ -38,8 +38,8 @@ QByteArray openName(const QString &path, OpenMode mode)
     return "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1";
 }
 
-/// SQLite would let others read a new file. What is there already is never opened: closing it again would drop the
-/// locks that this program has on it.
+/// Creates a missing file with mode 0600, where SQLite would use 0644. An existing file is not opened here: close()
+/// would drop the POSIX locks that this process's SQLite connections have on it.
 void makeForOwnerAlone(const QString &path)
 {
     if (path == u":memory:"_s)

@@ -9,7 +9,7 @@ namespace harrowby {
 
 namespace {
 
-/// A backup asks from a thread of its own.
+/// Guarded by a mutex, as a backup runs statements on its own thread.
 class Losses
 {
 public:

@@ -5,8 +5,8 @@
 
 struct sqlite3;
 
-/// Connections whose file is no longer the one that was opened. Whoever watches the file notes it here; from then on
-/// every error of a statement on that connection says so instead of the engine's own words. May be used on any thread.
+/// Connections whose file is no longer the one that was opened. The guard of the file notes it here; from then on each
+/// error of a statement on that connection has this reason instead of the engine's message. Thread-safe.
 namespace harrowby {
 
 /// What has happened to the file of this connection, in one sentence; empty when nothing has.

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 using Purpose = SqliteStatement::Purpose;
 
-/// Looks at the first word before SQLite sees the text: some pragmas take effect while they are prepared.
+/// Checked on the text, before sqlite3_prepare: some pragmas take effect while they are prepared.
 bool beginsLike(const QString &text, Purpose purpose)
 {
     if (purpose == Purpose::Any)
@@ -40,8 +40,8 @@ bool endsThere(const char *tail, const char *end)
     return std::all_of(tail, end, [](char c) { return QByteArrayView(" \t\r\n\f;").contains(c); });
 }
 
-/// A column of the current row. The connection is held meanwhile: that locks it once, where asking for type, value and
-/// length one after the other locks it each time, which a long list feels.
+/// A column of the current row. Holds the connection's mutex, which SQLite would otherwise take once each for type,
+/// value and length.
 class HeldColumn
 {
 public:

@@ -15,7 +15,7 @@ namespace {
 
 const auto childName = u"earlyKeys"_s;
 
-/// The key on the keyboard: with another modifier at its release than at its press it is still the same one.
+/// Identifies the physical key: key() can differ between press and release when a modifier changed in between.
 quint32 keyOf(const QKeyEvent &event)
 {
     return event.nativeScanCode() != 0 ? event.nativeScanCode() : ~static_cast<quint32>(event.key());
@@ -58,14 +58,14 @@ bool EarlyKeys::eventFilter(QObject *watched, QEvent *event)
     case QEvent::ShortcutOverride:
         if (!isOfBox(watched) || answers(*static_cast<QKeyEvent *>(event)))
             return false;
-        event->accept(); // else it would be tried as an accelerator
+        event->accept(); // an unaccepted ShortcutOverride or press goes on to QShortcutMap
         return true;
     default:
         return false;
     }
 }
 
-/// An event meets the window of the system first, then its widgets.
+/// A key event is delivered to the QWindow first, then to its widgets.
 bool EarlyKeys::isOfBox(const QObject *object) const
 {
     if (const auto *widget = qobject_cast<const QWidget *>(object))
@@ -85,7 +85,7 @@ void EarlyKeys::notePaint()
     if (m_painted)
         return;
     m_painted = true;
-    // What was pressed until now stands in the queue still.
+    // Queued: keys pressed before this paint are still in the event queue.
     QTimer::singleShot(0, this, [this] { m_listening = m_painted; });
 }
 
@@ -94,14 +94,14 @@ void EarlyKeys::noteRelease(const QKeyEvent &key)
     m_releasedAt.insert(keyOf(key), key.timestamp());
 }
 
-/// A held key is a row of releases and presses, each pair of one moment. Qt calls it repeated when it sees the pair
-/// together, which it need not.
+/// X11 repeats a held key as release and press with one timestamp. Qt sets isAutoRepeat() only when both are in its
+/// queue at once, so the timestamps are compared too.
 bool EarlyKeys::isRepeated(const QKeyEvent &key) const
 {
     return key.isAutoRepeat() || (key.timestamp() != 0 && m_releasedAt.value(keyOf(key)) == key.timestamp());
 }
 
-/// Comes more than once for an event, which goes from the window to the widget in the focus and up to its parents.
+/// Called several times for one event, which goes from the window to the focus widget and up its parents.
 bool EarlyKeys::answers(const QKeyEvent &key)
 {
     if (!m_listening)

@@ -10,19 +10,19 @@ class QWidget;
 
 namespace harrowby {
 
-/// Keeps a box from being answered by keys that were not meant for it: those pressed before it was painted, and those
-/// held down since. Whoever leans on Enter, or types on when a box comes up, has not read it.
+/// Event filter that keeps a box from being answered by keys pressed before it was painted, or held down since: whoever
+/// typed on when the box came up has not read it.
 class EarlyKeys final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Belongs to the box. Before it is shown.
+    /// Becomes a child of the box. Made before the box is shown.
     explicit EarlyKeys(QWidget &box);
 
-    /// Whether the box has one, be it another library's.
+    /// Whether the box has such a filter, also one that another library of the process has made.
     [[nodiscard]] static bool guard(const QWidget &box);
-    /// Whether the box stands there, painted, and listens to keys; also true of one that nobody guards.
+    /// Whether the box accepts keys: it has been painted and the earlier keys have been dropped, or it has no filter.
     [[nodiscard]] static bool areOver(const QWidget &box);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

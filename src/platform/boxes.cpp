@@ -28,7 +28,7 @@ constexpr int buttonBits = 0x0f;
 constexpr int iconBits = 0x70;
 constexpr int defaultBits = 0x300;
 
-// What a finger needs, also where no style sheet of the application reaches the box.
+// Touch targets, also where no style sheet of the application applies to the box.
 constexpr QSize touchSize(88, 44);
 constexpr QSize inputSize(320, 44);
 
@@ -108,7 +108,7 @@ void makeTouchable(const QDialog &dialog)
 {
     for (auto *const button : dialog.findChildren<QAbstractButton *>()) {
         button->setMinimumSize(touchSize);
-        button->setIcon({}); // of another style than the box's own sign
+        button->setIcon({}); // the platform theme's icons differ in style from the box's icon
     }
 }
 

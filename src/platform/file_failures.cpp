@@ -25,7 +25,7 @@ State &state()
 
 void tell(const FileFailure &failure)
 {
-    // A copy, as the handler may put another one in its place.
+    // A copy, as the handler may replace itself.
     if (const FileFailureHandler handler = state().handler)
         handler(failure);
 }

@@ -53,7 +53,7 @@ void HandOver::finish()
 {
     QElapsedTimer timer;
     timer.start();
-    const auto helpers = m_running; // a settled helper leaves the original
+    const auto helpers = m_running; // a copy: a helper that ends removes itself from m_running
     for (HelperProcess *const helper : helpers) {
         helper->wait(m_options.exitWait - std::chrono::milliseconds(timer.elapsed()));
         if (!helper->isSettled())

@@ -21,7 +21,7 @@ public:
 
     /// Never waits.
     void start(const QString &queue, const QString &file);
-    /// Gives the running ones a short while and then up: for the end of the program.
+    /// Waits a short while for the running helpers, then kills them. Called at the end of the program.
     void finish();
 
 private:

@@ -34,7 +34,7 @@ public:
     void wait(std::chrono::milliseconds time);
     /// True when `done` has been called.
     [[nodiscard]] bool isSettled() const { return !m_done; }
-    /// Gives it up for the reason.
+    /// Kills the program and tells `done` this reason.
     void abandon(const QString &reason);
 
 private:

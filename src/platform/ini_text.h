@@ -21,7 +21,7 @@ public:
     void setValue(const QString &section, const QString &key, const QString &value);
     [[nodiscard]] QByteArray bytes() const;
 
-    /// Whether section and key can stand in a line of their own and be found again.
+    /// Whether value() would find a line written with this section and key.
     [[nodiscard]] static bool canName(const QString &section, const QString &key);
 
 private:

@@ -14,14 +14,14 @@ struct PrintOptions
     QString listProgram = QStringLiteral("lpstat");
     /// The longest that a caller waits for the list of printers, in all, until the service has answered again.
     std::chrono::milliseconds listWait{700};
-    /// When a list query that nobody waits for any more is given up.
+    /// After which a list query is killed.
     std::chrono::milliseconds listDeadline{10'000};
     /// How long an answer counts as fresh.
     std::chrono::milliseconds listFreshness{5'000};
-    /// When a receipt that was not taken is given up. The service can still take it later: it may then be on
-    /// paper and in the folder.
+    /// After which handing over a receipt has failed. The service may take it later all the same: it is then both
+    /// printed and kept in the folder.
     std::chrono::milliseconds handOverDeadline{20'000};
-    /// What is left to helpers still running when the program ends.
+    /// How long the end of the program waits for helpers that still run.
     std::chrono::milliseconds exitWait{800};
 };
 

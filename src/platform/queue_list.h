@@ -13,8 +13,8 @@ namespace harrowby {
 
 class HelperProcess;
 
-/// The print service's queues, as far as it has told. Asks in the background; what is known stays known while the
-/// service is dead or hangs.
+/// The print service's queues, from its last answer. Queried in the background; while the service is dead or hangs, the
+/// last answer counts.
 class QueueList final : public QObject
 {
 public:
@@ -23,8 +23,8 @@ public:
 
     /// Asks again, in the background, unless the last answer is fresh or a query is running.
     void refresh();
-    /// Waits for a running query as long as the caller's patience lasts. Once it is used up nobody waits any more,
-    /// until the service has answered.
+    /// Waits for a running query, for the rest of the time that callers may wait in all (see PrintOptions). Once that
+    /// is used up it returns at once, until the service has answered.
     void wait();
 
     [[nodiscard]] bool hasAnswered() const { return m_answered; }
@@ -38,7 +38,7 @@ private:
     [[nodiscard]] bool isFresh() const;
 
     PrintOptions m_options;
-    // Two questions, as the second one also looks around in the network, which takes its time.
+    // Two queries, as the second one also searches the network, which is slow.
     std::unique_ptr<HelperProcess> m_installedQuery;
     std::unique_ptr<HelperProcess> m_reachableQuery;
     QStringList m_installed;

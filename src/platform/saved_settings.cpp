@@ -77,7 +77,7 @@ void IniSettings::save(const QString &section, const QString &key, const QString
         qCWarning(lcSettings).noquote() << "No name for a saved setting:" << section << key;
         return;
     }
-    // A file that is there but cannot be read is not replaced: it would lose the rest of it.
+    // A file that cannot be read is not replaced, as its other settings would be lost.
     const auto bytes = contentsOf(m_path);
     if (!bytes)
         return finishSaving(m_path, u"it cannot be read"_s);

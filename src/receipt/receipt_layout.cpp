@@ -44,7 +44,7 @@ constexpr double unitsOfPoints(double points)
 QFont face(int pixelSize, bool bold)
 {
     QFont font;
-    // A narrow hyphen leaves the letters large; the faces are metric twins of one another.
+    // Metric-compatible faces with a narrow hyphen: 63 hyphens fill the line, so a narrow one allows large letters.
     font.setFamilies({u"Liberation Sans"_s, u"Arimo"_s, u"Nimbus Sans"_s, u"Arial"_s, u"Helvetica"_s, u"sans-serif"_s});
     font.setStyleHint(QFont::SansSerif);
     font.setHintingPreference(QFont::PreferNoHinting);
@@ -63,7 +63,7 @@ double separatorWidth(bool bold)
 
 double fontScale()
 {
-    constexpr double slack = 0.998; // what rounding of single glyphs can add up to
+    constexpr double slack = 0.998; // for the sum of the glyphs' rounding errors
     const double widest = std::max(separatorWidth(false), separatorWidth(true));
     return widest > 0 ? slack * ReceiptLayout::printableWidth() / widest : 1;
 }

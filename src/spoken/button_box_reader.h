@@ -7,7 +7,7 @@ class QDialogButtonBox;
 
 namespace harrowby {
 
-/// A row of buttons hands the focus on to one of them, and is then not focused itself.
+/// Accessible interface of a QDialogButtonBox: it passes its focus to a button and is not reported as focused.
 class ButtonBoxReader final : public QAccessibleWidget
 {
 public:

@@ -19,7 +19,7 @@ const QHeaderView *headerOf(const QAbstractItemView &view)
     return tree != nullptr ? tree->header() : nullptr;
 }
 
-/// The list to pick from that this one drops down from.
+/// The combo box whose popup this list is.
 QComboBox *comboOf(const QAbstractItemView &view)
 {
     return view.parent() != nullptr ? qobject_cast<QComboBox *>(view.parent()->parent()) : nullptr;

@@ -9,7 +9,7 @@ class QAbstractItemView;
 
 namespace harrowby {
 
-/// What a screen reader is told of one place of a list: a cell, or the heading of a column (row -1).
+/// Accessible interface of one cell of a list, or of a column heading (row -1).
 class CellReader final : public QAccessibleInterface,
                          public QAccessibleTableCellInterface,
                          public QAccessibleActionInterface

@@ -14,7 +14,7 @@ namespace {
 
 enum Child { List, Entry };
 
-/// Without making the list that drops down.
+/// Does not create the popup, as QComboBox::view() would.
 bool isDown(const QComboBox &combo)
 {
     const auto *list = combo.findChild<QFrame *>({}, Qt::FindDirectChildrenOnly);

@@ -7,8 +7,8 @@ class QComboBox;
 
 namespace harrowby {
 
-/// What a screen reader is told of a list to pick from. One that takes typed text is called by its purpose and holds
-/// its text in the entry within; another one is called by what is chosen, and its label says what for.
+/// Accessible interface of a QComboBox. An editable one is named by its purpose, and its text is its line edit's;
+/// another one is named by its current entry and described by its label.
 class ComboReader final : public QAccessibleWidget
 {
 public:

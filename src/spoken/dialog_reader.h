@@ -7,7 +7,7 @@ class QDialog;
 
 namespace harrowby {
 
-/// A box without a title is called by what it is, or by what it asks for.
+/// Accessible interface of a QDialog: one without a title is named by its kind or its prompt.
 class DialogReader final : public QAccessibleWidget
 {
 public:

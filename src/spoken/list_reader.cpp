@@ -33,7 +33,7 @@ ListReader::~ListReader()
 
 bool ListReader::knows(const QWidget *widget)
 {
-    // A view can be asked for while it is being made, when nothing of it is known but its class.
+    // Qt may ask while the view is under construction, when only its meta-object is reliable.
     return qobject_cast<const QListView *>(widget) != nullptr || qobject_cast<const QTreeView *>(widget) != nullptr;
 }
 
@@ -47,7 +47,7 @@ bool ListReader::isValid() const
     return QAccessibleWidget::isValid() && view()->model() != nullptr;
 }
 
-/// A list that drops down belongs to what it drops down from, not to the frame around it.
+/// The parent of a popup list is its combo box, not the popup's frame.
 QAccessibleInterface *ListReader::parent() const
 {
     QComboBox *combo = comboOf(*view());
@@ -186,7 +186,7 @@ void ListReader::modelChange(QAccessibleTableModelChangeEvent *event)
     using Event = QAccessibleTableModelChangeEvent;
     if (event->modelChangeType() == Event::DataChanged)
         return tellChanges(*event);
-    // A place that was appended was nobody's before; in every other case other rows stand where they stood.
+    // Appended rows leave the cached cells valid; any other change moves rows under them.
     if (event->modelChangeType() != Event::RowsInserted || event->lastRow() + 1 < rowCount())
         dropChildren();
 }
@@ -198,7 +198,7 @@ void ListReader::dropChildren()
         QAccessible::deleteAccessibleInterface(child);
 }
 
-/// Of what can be seen: a long list that is read again changes a hundred thousand texts that nobody waits for.
+/// Announces visible rows only: refilling a long list changes a hundred thousand texts.
 void ListReader::tellChanges(const QAccessibleTableModelChangeEvent &event) const
 {
     if (!view()->isVisible())

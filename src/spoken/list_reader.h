@@ -8,14 +8,14 @@ class QAbstractItemView;
 
 namespace harrowby {
 
-/// What a screen reader is told of a list without branches, with its headings if it has any. Its children are counted
-/// as the view counts them in what it tells of itself: the headings first, then row by row. A child is made when it is
-/// asked for, and stands for a place, not for what is there.
+/// Accessible interface of a flat item view, with its headings if it has any. Children are numbered as in the events
+/// that QAbstractItemView sends: headings first, then row by row. A child is created when asked for and stands for a
+/// position, not for an item.
 class ListReader final : public QAccessibleWidget, public QAccessibleTableInterface
 {
 public:
     explicit ListReader(QAbstractItemView *view);
-    /// Whether it can speak for this widget.
+    /// Whether this interface applies to the widget.
     [[nodiscard]] static bool knows(const QWidget *widget);
 
     [[nodiscard]] bool isValid() const override;

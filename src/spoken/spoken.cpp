@@ -54,7 +54,7 @@ QAccessibleInterface *readerOf(QWidget *widget)
         return new DialogReader(dialog);
     if (ListReader::knows(widget))
         return new ListReader(static_cast<QAbstractItemView *>(widget));
-    // Qt's word for a frame around controls is the one for a window.
+    // Qt gives a QFrame with children the role of a window.
     const bool panel = widget->metaObject() == &QFrame::staticMetaObject || widget->inherits("harrowby::Panel");
     return panel ? new QAccessibleWidget(widget, QAccessible::Grouping) : nullptr;
 }
@@ -76,7 +76,7 @@ void installReaders()
     Q_UNUSED(installed);
 }
 
-/// What a screen reader was told so far came from Qt.
+/// Drops the interface that Qt has already made and cached for this widget.
 void forget(QObject *widget)
 {
     if (QAccessibleInterface *told = QAccessible::queryAccessibleInterface(widget))
@@ -112,7 +112,7 @@ void reportOutcome(QLabel *label, const QString &text)
         forget(label);
         label->setProperty(outcomeMark, true);
     }
-    // What a screen reader says by itself is a notification that comes up.
+    // Screen readers announce a notification when it appears; Qt 6.4 has no announcement event.
     QAccessibleEvent shown(label, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&shown);
 }

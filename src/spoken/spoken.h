@@ -7,13 +7,14 @@ class QWidget;
 
 namespace harrowby {
 
-/// From now on a screen reader hears of this window, and of all that stands in it, what is so: the tab that is chosen
-/// is selected, only what has the keyboard focus is focused, a field to pick in is called by its purpose, and a text
-/// that changes in a list is told. Qt itself calls every chosen tab and every current row focused. Other windows of
-/// the process are left alone. No list of such a window may have branches.
+/// Replaces Qt's accessible interfaces within this window: the current tab is SELECTED, only the keyboard focus is
+/// FOCUSED (Qt reports every current tab and row as focused), a combo box is named by its purpose, and a changed text
+/// of a list is announced. Other windows of the process keep Qt's interfaces. Precondition: no item view of the window
+/// shows a tree.
 void speakTruly(QWidget *window);
 
-/// The same from the beginning for a widget of this project's own, and how its parts are pressed by a screen reader.
+/// Base of the project's own widgets with such an interface from construction on; carries out a screen reader's
+/// presses.
 class SpokenParts
 {
 public:
@@ -22,11 +23,11 @@ public:
     SpokenParts(const SpokenParts &) = delete;
     SpokenParts &operator=(const SpokenParts &) = delete;
 
-    /// A screen reader presses a tab, a row or an entry, counted from 0: as if it had been clicked.
+    /// Acts as on a click on the tab, row or entry with this index (from 0), which a screen reader has pressed.
     virtual void pressPart(int index) = 0;
 };
 
-/// Shows in a label what came of something, and has a screen reader say it at once, wherever the focus is.
+/// Sets the text of a label and announces it to a screen reader at once, wherever the focus is.
 void reportOutcome(QLabel *label, const QString &text);
 
 } // namespace harrowby

@@ -160,7 +160,7 @@ QAccessibleInterface *TabBarReader::focusChild() const
     return bar()->hasFocus() ? child(bar()->currentIndex()) : nullptr;
 }
 
-/// The bar tells of the tab that is selected now; this of the one that is so no more.
+/// QTabBar announces the tab that became selected; this announces the one that no longer is.
 void TabBarReader::tellSelection(int current)
 {
     const int before = std::exchange(m_selected, current);

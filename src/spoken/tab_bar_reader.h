@@ -9,7 +9,7 @@ class QTabBar;
 
 namespace harrowby {
 
-/// What a screen reader is told of a tab bar: what it is for, its tabs, and which one is selected.
+/// Accessible interface of a QTabBar: its purpose, its tabs, and which one is selected.
 class TabBarReader final : public QAccessibleWidget
 {
 public:

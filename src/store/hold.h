@@ -9,19 +9,20 @@
 
 namespace harrowby {
 
-/// Holds one read and the one write that is computed from it together, so that no other till's change is lost in
-/// between (see DbConnection::hold()). Where that cannot be, both go on alone. Never throws.
+/// Keeps the database's write lock from one read to the one write that is computed from it, so that no other till's
+/// change in between is lost (see DbConnection::hold()). Where the lock is refused, both run without it. Never throws.
 class Hold
 {
 public:
-    /// Finishes the walks first: a hold that a walk's old view stands in the way of would be refused.
+    /// Finishes the walks first: SQLite refuses the write lock while an open cursor reads an older snapshot.
     explicit Hold(const std::shared_ptr<DbConnection> &connection) noexcept;
     Hold(const Hold &) = delete;
     Hold &operator=(const Hold &) = delete;
-    /// Takes back what was not settled.
+    /// Rolls back when settle() was not called.
     ~Hold();
 
-    /// Ends it, with the write that was done, or an empty text when it failed. Whether what was written is kept now.
+    /// Commits the write named here, or rolls back when the text is empty. Whether the write is committed now; true
+    /// without a lock.
     bool settle(const QString &write) noexcept;
 
 private:

@@ -101,15 +101,15 @@ std::optional<QByteArrayView> DbRecordset::Private::text(const QString &column)
 
 void DbRecordset::Private::assign(const QString &column, DbValue value)
 {
-    // Skipped alone, so that a row is not lost for one column that a table lacks. After a refused SELECT the columns
-    // are not known, and the engine judges.
+    // A column that the table lacks is skipped, so that the others are written. After a refused SELECT the columns are
+    // unknown, and the engine decides.
     if (rows.lacks(column))
         return fail(verb() + table, u"there is no column "_s + column);
     if (standing != Standing::Found || rows.hasRow())
         put(assigned, column, std::move(value));
 }
 
-/// Makes the change; one that is held is done once it is committed.
+/// Runs the change. Under a hold it has succeeded only when the commit has.
 template <typename Change>
 bool DbRecordset::Private::write(const QString &what, Change &&change) noexcept
 {

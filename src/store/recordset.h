@@ -25,11 +25,11 @@ public:
     [[nodiscard]] QString text(const QString &fallback = {}) const;
     /// The value's leading number, or `fallback` when there is none to read.
     [[nodiscard]] double number(double fallback = 0.0) const;
-    /// The same text as text() gives, in UTF-8, without a copy where that can be: in the engine's memory, or in
-    /// `buffer`. Good until the recordset or the buffer is used again. Empty when there is none to read.
+    /// The same text as text() gives, in UTF-8: in the engine's memory where possible, else in `buffer`. Valid until
+    /// the recordset or the buffer is used again. Empty when there is none to read.
     [[nodiscard]] std::optional<QUtf8StringView> utf8(QByteArray &buffer) const;
 
-    /// Notes the value for the next Update(). Without a row to write to, nothing happens.
+    /// Keeps the value for the next Update(). Without a row to write to, nothing happens.
     void assign(DbValue value);
 
 private:
@@ -42,18 +42,18 @@ private:
 
 /// A SELECT's rows, read one after the other, and the way to write a single row.
 ///
-/// No operation throws or shows anything: what fails is skipped, reported through the connection's
-/// reportFailure(), and reads as an empty result. Rows are held compactly once they are read, and are read
-/// only when a row is asked for: opening and counting alone never reads a whole result.
-/// Opening again replaces the rows. Nothing is kept open in the engine between two calls, but for a walk.
+/// No operation throws or shows anything: a failure is reported through the connection's reportFailure(), and the
+/// result is empty. Rows are read into a packed buffer when the first one is asked for; opening and counting alone
+/// never reads a long result. Opening again replaces the rows. Except for a walk, no statement stays open in the engine
+/// between two calls.
 class DbRecordset
 {
 public:
     enum class Access {
         Read, ///< rows are only looked at
         Edit, ///< a row may be written back: its identity is read together with it
-        Walk, ///< a long result, walked once from front to back while the window breathes: rows are fetched as the
-              ///< walk goes, and what is left of them is read at once when finishWalks() asks for it
+        Walk, ///< a long result, read once from front to back while the window handles events: each row is fetched by
+              ///< MoveNext(); finishWalks() reads the remaining ones at once and closes the statement
     };
 
     DbRecordset();
@@ -66,9 +66,9 @@ public:
     void Open(const Statement &select, const std::shared_ptr<DbConnection> &connection,
               Access access = Access::Read) noexcept;
 
-    /// The same, and holds what is read together with the next Update(), which no other till's change gets in between
-    /// of. Update() or the next opening ends the hold, whatever becomes of it: no box, no yield and no other statement
-    /// before that.
+    /// The same, and keeps the write lock until the next Update() has written (see Hold), so that no other till writes
+    /// in between. Update() or the next opening releases it, also on failure. Precondition: no box, no event loop and
+    /// no other statement before that.
     void OpenHeld(const Statement &select, const std::shared_ptr<DbConnection> &connection, Access access) noexcept;
 
     /// Whether the result is empty because the statement was refused or failed, not because it matched no row.
@@ -92,9 +92,10 @@ private:
     std::unique_ptr<Private> d;
 };
 
-/// Reads what is left of the connection's walks and closes them in the engine. Before every change, which would fail
-/// under a walk that began before another program's change; before a row is read to be changed; and before whatever may
-/// keep a walk waiting for long, such as a box: it would keep other programs from the file.
+/// Reads the remaining rows of the connection's walks into memory and closes their statements. Called before
+/// - every change: SQLite refuses it while an open statement reads a snapshot older than another program's change;
+/// - a row is read to be changed, which must not come from that old snapshot;
+/// - a box or another window, for whose time an open statement would keep the write-ahead log from being reset.
 void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
 
 /// Executes a change on the connection. Refused statements, failing ones and a null connection are reported

@@ -34,7 +34,7 @@ void SelectedRows::readFirst() noexcept
 
 void SelectedRows::readForEditing() noexcept
 {
-    // What is computed from these values is written back: they must not be as old as a walk.
+    // Values computed from these rows are written back, so they must not come from a walk's older snapshot.
     finishWalks(m_connection);
     read(allRows, true);
 }

@@ -12,7 +12,7 @@
 
 namespace harrowby {
 
-/// The rows that one SELECT found, and the one that is current. What fails is reported, and reads as no rows.
+/// The rows of one SELECT, and the current one. A failure is reported, and leaves no rows.
 class SelectedRows
 {
 public:
@@ -22,14 +22,14 @@ public:
     SelectedRows &operator=(const SelectedRows &) = delete;
     ~SelectedRows();
 
-    // One of these runs the SELECT.
-    /// Reads the first rows: most results are no longer. A longer one is counted or read when it comes to that.
+    // One of these is called once, and runs the SELECT.
+    /// Reads the first rows, which most results do not exceed; count() and hasRow() read the others when asked.
     void readFirst() noexcept;
-    /// Reads all rows with their identities, as they are now and not as a walk that is under way sees them.
+    /// Reads all rows with their identities. Finishes open walks first, whose snapshot may be older.
     void readForEditing() noexcept;
-    /// Fetches each row when moveNext() comes to it. The connection knows of it until its end.
+    /// Leaves the statement open; moveNext() fetches each row. Registered with the connection until its end.
     void beginWalk() noexcept;
-    /// Does not run it.
+    /// Fails without running the SELECT.
     void refuse(const QString &reason) noexcept;
 
     /// Whether the statement was refused, or the engine gave up.
@@ -37,13 +37,12 @@ public:
     [[nodiscard]] std::int32_t count() noexcept;
 
     [[nodiscard]] bool atEnd() const noexcept { return !m_walk && m_rows.atEnd(); }
-    /// Whether there is a current row. From here on a row is looked at, so the whole result is read, all of it in one
-    /// state of the table.
+    /// Whether there is a current row. Reads the whole result first, so that all its rows come from one snapshot.
     [[nodiscard]] bool hasRow() noexcept;
     void moveNext() noexcept;
     void moveToEnd() noexcept;
 
-    /// Whether the columns are known and this is none of them. Of a refused SELECT they are not.
+    /// Whether the result has no such column. False after a refused SELECT, whose columns are unknown.
     [[nodiscard]] bool lacks(const QString &column);
     [[nodiscard]] std::optional<DbValue> value(const QString &column);
     /// UTF-8 of a text; empty for every other value.
@@ -73,7 +72,7 @@ private:
     std::optional<std::int32_t> m_count;
     std::vector<DbRowId> m_rowIds;
     std::unique_ptr<DbCursor> m_walk; ///< stands on the current row; null when this is no walk, or one read to its end
-    std::int64_t m_passed = 0;        ///< rows that the walk has left behind; `m_rows` never holds them
+    std::int64_t m_passed = 0;        ///< rows that the walk has passed; `m_rows` never holds them
 };
 
 } // namespace harrowby

@@ -61,7 +61,7 @@ QString quoted(QString identifier)
     return u'"' + identifier.replace(u'"', u"\"\""_s) + u'"';
 }
 
-/// A name of a table's row identity that none of its columns has taken; empty when there is none.
+/// The first of SQLite's three names for the rowid that no column of the table has; empty when all are taken.
 QString rowIdName(const QStringList &columns)
 {
     for (const QString &name : {u"_rowid_"_s, u"rowid"_s, u"oid"_s}) {
@@ -174,7 +174,7 @@ std::unique_ptr<DbCursor> SqliteConnection::query(const QString &select)
 
 std::optional<std::int64_t> SqliteConnection::countRows(const QString &select)
 {
-    // An order of its own makes SQLite drop the order of the statement within, and count in an index alone.
+    // With "order by 1" outside, SQLite omits the inner ORDER BY and counts in a covering index.
     SqliteStatement counting =
         SqliteStatement(m_database, u"Select count(*) from ("_s + select + u") order by 1"_s, Purpose::Select);
     const bool counts = !counting.hasFailed();
@@ -193,7 +193,7 @@ std::optional<std::vector<DbRowId>> SqliteConnection::rowIds(const QString &sele
     const QString rowId = statement.hasFailed() ? QString() : rowIdName(statement.columnNames());
     std::vector<DbRowId> ids;
     if (select.startsWith(all, Qt::CaseInsensitive) && !rowId.isEmpty()) {
-        // All columns stand in it still, so that SQLite takes the same way through the table as for the rows.
+        // "*" stays in the column list: without it SQLite may scan a covering index, in another order than the rows.
         const QString withIds = u"Select "_s + rowId + u",*"_s + select.sliced(all.size());
         statement = SqliteStatement(m_database, withIds, Purpose::Select);
         ids = identities(statement);
@@ -246,10 +246,10 @@ bool SqliteConnection::settle(const QString &write)
     const bool kept = !write.isEmpty() && run(m_database, "COMMIT");
     const DbFailure failure{Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)),
                             sqlite3_extended_errcode(m_database)};
-    if (!kept && isWithinTransaction(m_database)) // else a failure has ended it already
+    if (!kept && isWithinTransaction(m_database)) // SQLite rolls back by itself after some errors
         run(m_database, "ROLLBACK");
     if (!kept && !write.isEmpty())
-        reportFailure(failure); // not before: nothing is held any more while the host is told
+        reportFailure(failure); // after the rollback: the handler must not run under the lock
     return kept;
 }
 

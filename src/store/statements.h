@@ -8,8 +8,9 @@
 
 #include <cstdint>
 
-/// Every statement that the component runs, each text once. Spacing and capitalisation are uneven on purpose:
-/// hosts and their tools know the statements by these very texts.
+/// Every statement that the component runs, each text once.
+/// Intended: spacing and capitalisation are uneven; hosts and their tools recognise the statements by these exact
+/// texts.
 namespace harrowby::statements {
 
 /// The text of the category filters that stands for no category condition.
@@ -25,7 +26,7 @@ inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 
 /// Sets every row of the table.
 [[nodiscard]] Statement updateSettings(const StoreSettings &settings);
-/// The message loses its single quotes here; it is the one text that users may put quotes into.
+/// Single quotes are removed from the message: unlike other texts it may hold what a user typed, and must be stored.
 [[nodiscard]] Statement usage(const QString &message, const QString &times, const QString &dates);
 
 // Categories
@@ -45,8 +46,8 @@ inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 [[nodiscard]] Statement stockById(const QString &id);
 /// Every item, disabled and finished ones too, in the table's order.
 [[nodiscard]] Statement allStock();
-/// The asterisk is no wildcard to the engine, on purpose: one row, column "counts", of the IDs that end in "-*"
-/// literally.
+/// One row, column "counts".
+/// Intended: in LIKE the asterisk is no wildcard, so only IDs that literally end in "-*" are counted.
 [[nodiscard]] Statement automaticIdCount(const QString &prefix);
 /// Items that have the ID or the name; `upperName` is upper-cased by the caller.
 [[nodiscard]] Statement sameStock(const QString &id, const QString &upperName);
@@ -56,7 +57,7 @@ inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 [[nodiscard]] Statement deleteStock(const QString &upperId);
 /// The enabled items of a category, in the table's order. `category` may be allCategories.
 [[nodiscard]] Statement stockItems(bool hideFinished, const QString &category);
-/// The asterisks are no wildcards to the engine, on purpose, and the condition on StockUse binds to the name alone.
+/// Intended: in LIKE the asterisks are no wildcards, and the condition on StockUse binds to the name alone.
 [[nodiscard]] Statement searchStock(const QString &upperText);
 /// What the reorder panel shows of an item.
 [[nodiscard]] Statement stockLevels(const QString &id);

@@ -14,7 +14,7 @@ class DbConnection;
 /// are ticked are 0 or 1; a stored one may be any 16-bit number.
 struct StoreSettings
 {
-    std::int16_t EmailReportFlag = 0; ///< "Email Daily Report"; the column "Email" is written, and never read back
+    std::int16_t EmailReportFlag = 0; ///< "Email Daily Report"; Intended: column "Email" is written, never read
     std::int16_t ShowDetailsFlag = 0; ///< "Show Details On Purchase"; when 0, outcomes are reported without boxes
     QString ReportEmailAddress;
     std::int16_t PromptReorderFlag = 0; ///< "Prompt on Load when Item(s) need to be Reordered"

@@ -13,8 +13,8 @@ bool callAccountPreview(QObject &report, ReportArguments &arguments)
     const int index = report.metaObject()->indexOfMethod(AccountPreviewSignature);
     if (index < 0)
         return false;
-    // Direct, so that the arguments need no registered types, those by reference are the caller's own, and an exception
-    // comes back here.
+    // DirectConnection: the arguments need no registered types, references refer to the caller's variables, and an
+    // exception reaches the caller.
     return report.metaObject()->method(index).invoke(
         &report, Qt::DirectConnection, Q_ARG(std::shared_ptr<harrowby::DbConnection> &, arguments.connection),
         Q_ARG(QString, arguments.folder), Q_ARG(bool, arguments.third), Q_ARG(QString &, *arguments.msgTitle),
