@@ -16,6 +16,7 @@
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -36,37 +37,28 @@ BackupResult failed(const QString &problem)
 class StopWatch
 {
 public:
-    StopWatch(sqlite3 *database, const BackupWatch &watch) : m_thread([=, this, &watch] { run(database, watch); }) {}
-    ~StopWatch()
+    StopWatch(sqlite3 *database, const BackupWatch &watch) :
+        m_thread([=, &watch](const std::stop_token &end) { run(database, watch, end); })
     {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_done = true;
-        }
-        m_changed.notify_one();
-        m_thread.join();
     }
-    StopWatch(const StopWatch &) = delete;
-    StopWatch &operator=(const StopWatch &) = delete;
 
 private:
-    void run(sqlite3 *database, const BackupWatch &watch)
+    static void run(sqlite3 *database, const BackupWatch &watch, const std::stop_token &end)
     {
-        std::unique_lock lock(m_mutex);
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any ended;
         bool stopped = false;
-        while (!m_done) {
+        while (!end.stop_requested()) {
             if (!stopped && !watch({BackupProgress::Stage::Checking, 100}))
                 stopped = true;
             if (stopped)
                 sqlite3_interrupt(database);
-            m_changed.wait_for(lock, std::chrono::milliseconds(50), [this] { return m_done; });
+            ended.wait_for(lock, end, std::chrono::milliseconds(50), [] { return false; });
         }
     }
 
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_done = false;
-    std::thread m_thread;
+    std::jthread m_thread;
 };
 
 QuickCheck checkUnlessStopped(sqlite3 *copy, const BackupWatch &watch)

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <functional>
+#include <stop_token>
 #include <thread>
 
 namespace harrowby::app {
@@ -17,16 +18,14 @@ class BackupJob final : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
-    /// Stops it and waits for the end.
-    ~BackupJob() override;
+    using QObject::QObject; ///< its end stops the backup and waits for it
 
     using Work = std::function<BackupResult(const BackupWatch &watch)>;
 
     void start(const QString &store, const QString &target, bool replace);
     /// Any other way of making one. `work` runs on the job's thread.
     void start(Work work);
-    void stop() { m_stop = true; }
+    void stop() { m_thread.request_stop(); }
     [[nodiscard]] bool isRunning() const { return m_thread.joinable(); }
 
 Q_SIGNALS:
@@ -34,13 +33,12 @@ Q_SIGNALS:
     void finished(const harrowby::app::BackupResult &result);
 
 private:
-    void run(const Work &work);
-    bool report(const BackupProgress &progress);
+    void run(const Work &work, const std::stop_token &stop);
+    void report(const BackupProgress &progress);
     void end(const BackupResult &result);
 
-    std::thread m_thread;
-    std::atomic<bool> m_stop = false;
     std::atomic<int> m_lastPercent = -1;
+    std::jthread m_thread; ///< goes first
 };
 
 } // namespace harrowby::app

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -22,38 +23,30 @@ class Deadline
 {
 public:
     Deadline(sqlite3 *database, std::chrono::milliseconds limit) :
-        m_over(limit.count() <= 0), m_watch([=, this] {
-            std::unique_lock lock(m_mutex);
-            m_changed.wait_for(lock, limit, [this] { return m_done; });
-            // Again and again: an interrupt is forgotten when it comes between two statements.
-            while (!m_done) {
-                m_over = true;
-                sqlite3_interrupt(database);
-                m_changed.wait_for(lock, std::chrono::milliseconds(5), [this] { return m_done; });
-            }
-        })
+        m_over(limit.count() <= 0), m_watch([=, this](const std::stop_token &end) { run(database, limit, end); })
     {
     }
-    ~Deadline()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_done = true;
-        }
-        m_changed.notify_one();
-        m_watch.join();
-    }
-    Deadline(const Deadline &) = delete;
-    Deadline &operator=(const Deadline &) = delete;
 
     [[nodiscard]] bool isOver() const { return m_over; }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_done = false;
+    void run(sqlite3 *database, std::chrono::milliseconds limit, const std::stop_token &end)
+    {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any ended;
+        const auto never = [] { return false; };
+        ended.wait_for(lock, end, limit, never);
+        // Again and again: an interrupt is forgotten when it comes between two statements.
+        while (!end.stop_requested()) {
+            m_over = true;
+            sqlite3_interrupt(database);
+            ended.wait_for(lock, end, std::chrono::milliseconds(5), never);
+        }
+    }
+
     std::atomic<bool> m_over;
-    std::thread m_watch;
+    std::jthread m_watch; ///< goes first
 };
 
 bool isAboutRows(const QString &line)

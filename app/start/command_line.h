@@ -24,6 +24,10 @@ struct CommandLine
 
 /// Reads the arguments (without the program's name). Needs no application object, so that --help works without a
 /// display. Qt's own options are let through.
+///
+/// Read by hand and not by QCommandLineParser: to let -platform through, that one has to take -demo for --demo as well,
+/// it takes "--" for nothing, names a refused option without its hyphens and value, and sets the help in lines of its
+/// own.
 [[nodiscard]] CommandLine readCommandLine(const QStringList &arguments);
 
 [[nodiscard]] QString helpText();

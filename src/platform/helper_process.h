@@ -12,6 +12,11 @@
 namespace harrowby {
 
 /// A program that is run in the background, with a deadline, and tells once how it ended.
+///
+/// The print service is asked through its programs and not through QPrinter, which loads the service's library into the
+/// till: there a dead server blocks the calling thread, and nothing says whether a job was taken. A process can be
+/// killed at its deadline. QProcess alone knows no deadline and may tell of one end twice, by an error and by
+/// finishing.
 class HelperProcess final : public QObject
 {
 public:

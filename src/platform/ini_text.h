@@ -12,6 +12,8 @@ namespace harrowby {
 /// The contents of an INI file. Changing one value keeps every other byte: comments, order, spacing and line ends.
 /// Sections and keys are compared without regard to case; of equal ones the last counts. Values are UTF-8, quoted
 /// and escaped where they need it, in the way of QSettings, so that a host may use that class on the same file.
+///
+/// Written by hand because QSettings writes the whole file anew, without its comments and in an order of its own.
 class IniText
 {
 public:
