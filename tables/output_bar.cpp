@@ -3,7 +3,7 @@
 
 #include "tables/csv.h"
 #include "tables/files.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -42,7 +42,7 @@ QString askForFile(QWidget *parent, const QString &suggestion, const QString &su
     dialog->setDefaultSuffix(suffix);
     dialog->setDirectory(QFileInfo(suggestion).path());
     dialog->selectFile(QFileInfo(suggestion).fileName());
-    dress(*dialog);
+    dressDialog(*dialog);
     const bool chosen = dialog->exec() == QDialog::Accepted;
     const QString path = chosen && dialog ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
@@ -110,7 +110,7 @@ void OutputBar::print()
     const QPointer<OutputBar> self(this);
     const QPointer<QPrintDialog> dialog(new QPrintDialog(&printer, this));
     dialog->setOption(QAbstractPrintDialog::PrintPageRange);
-    dress(*dialog);
+    dressDialog(*dialog);
     const bool wanted = dialog->exec() == QDialog::Accepted;
     delete dialog;
     if (!wanted || !self)

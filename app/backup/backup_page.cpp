@@ -4,7 +4,7 @@
 #include "app/backup/backup_place.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/workshop.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -74,7 +74,7 @@ void BackupPage::createControls()
     connect(m_choose, &QPushButton::clicked, this, &BackupPage::choosePlace);
     m_start = new QPushButton(u"&Back Up Now"_s, this);
     m_start->setObjectName(u"startBackup"_s);
-    tables::makePrimary(*m_start);
+    makePrimary(*m_start);
     connect(m_start, &QPushButton::clicked, this, &BackupPage::start);
     m_stop = new QPushButton(u"S&top"_s, this);
     m_stop->setObjectName(u"stopBackup"_s);
@@ -125,7 +125,7 @@ void BackupPage::choosePlace()
     dialog.setOption(QFileDialog::DontConfirmOverwrite); // asked before the backup starts
     dialog.setDefaultSuffix(u"db"_s);
     dialog.selectFile(m_place->text());
-    tables::dress(dialog);
+    dressDialog(dialog);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
         m_place->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
 }

@@ -3,11 +3,10 @@
 
 #include "app/backup/backup.h"
 #include "app/backup/backup_place.h"
-#include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/notice_place.h"
 #include "app/shop/store_guard.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -78,8 +77,8 @@ LostStoreBox::LostStoreBox(StoreGuard &guard, const QString &place, std::functio
     enlargeFont(*this);
     createControls();
     layOut();
-    tables::dress(*this);
-    tables::makePrimary(*m_make);
+    dressDialog(*this);
+    makePrimary(*m_make);
     connect(&m_job, &BackupJob::progressed, this, &LostStoreBox::showProgress);
     connect(&m_job, &BackupJob::finished, this, &LostStoreBox::finish);
     setRunning(false);
@@ -192,7 +191,7 @@ void LostStoreBox::choosePlace()
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite); // a file that is there is refused
     dialog.selectFile(m_file->text());
-    tables::dress(dialog);
+    dressDialog(dialog);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
         m_file->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
 }

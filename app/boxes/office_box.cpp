@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/boxes/office_box.h"
 
-#include "app/boxes/dialog_style.h"
 #include "spoken/spoken.h"
+#include "theme/dialogs.h"
 
 #include <QLabel>
 #include <QMessageBox>

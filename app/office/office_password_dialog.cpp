@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_password_dialog.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
 #include "basic/administrator.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QDateTime>
 #include <QDialogButtonBox>
@@ -28,7 +27,7 @@ OfficePasswordDialog::OfficePasswordDialog(PasswordCheck check, WrongTries wrong
     setMinimumWidth(480);
     enlargeFont(*this);
     layOut();
-    tables::dress(*this);
+    dressDialog(*this);
     if (pause())
         sayPause();
 }
@@ -48,12 +47,12 @@ void OfficePasswordDialog::layOut()
     form->addRow(u"User name:"_s, makeOfficeText(this, administratorName));
     form->addRow(u"&Password:"_s, m_password);
     form->setVerticalSpacing(12);
-    tables::centreCaptions(*form);
+    centreCaptions(*form);
 
     auto *buttons = new QDialogButtonBox(this);
     m_open = buttons->addButton(u"&Open"_s, QDialogButtonBox::AcceptRole);
     m_open->setDefault(true);
-    tables::makePrimary(*m_open);
+    makePrimary(*m_open);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &OfficePasswordDialog::accept);

@@ -2,14 +2,13 @@
 #include "app/office/office_window.h"
 
 #include "app/backup/backup_page.h"
-#include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
 #include "app/office/receipt_page.h"
 #include "app/office/store_access_line.h"
 #include "app/office/touch_tab_bar.h"
 #include "app/office/users_page.h"
 #include "app/shop/failure_text.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -38,7 +37,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     m_receipt = new ReceiptPage(settings, this);
     m_backup = new BackupPage(store, settings, this);
     layOut(new UsersPage(database, this), store);
-    tables::dress(*this);
+    dressDialog(*this);
     resize(usualSize.boundedTo(screen()->availableSize()));
 }
 

@@ -2,7 +2,7 @@
 #include "app/office/receipt_page.h"
 
 #include "app/boxes/office_box.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -64,7 +64,7 @@ QVBoxLayout *ReceiptPage::makeForm()
 {
     auto *save = new QPushButton(u"&Save"_s, this);
     save->setObjectName(u"saveReceipt"_s);
-    tables::makePrimary(*save);
+    makePrimary(*save);
     connect(save, &QPushButton::clicked, this, &ReceiptPage::save);
     for (const QLineEdit *entry : {m_title, m_address, m_currency})
         connect(entry, &QLineEdit::returnPressed, this, &ReceiptPage::save);
@@ -74,7 +74,7 @@ QVBoxLayout *ReceiptPage::makeForm()
     form->addRow(u"&Title:"_s, m_title);
     form->addRow(u"A&ddress:"_s, m_address);
     form->addRow(u"&Currency:"_s, m_currency);
-    tables::centreCaptions(*form);
+    centreCaptions(*form);
 
     auto *rows = new QVBoxLayout;
     rows->setSpacing(12);

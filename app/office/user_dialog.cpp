@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_dialog.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/boxes/office_box.h"
 #include "app/office/user_rules.h"
 #include "app/shop/password_rules.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -45,7 +44,7 @@ UserDialog::UserDialog(const QString &name, Store store, QWidget *parent) : QDia
         addType(*form);
     addPassword(*form);
     layOut(*form, isNew ? u"&Add User"_s : u"&Change Password"_s);
-    tables::dress(*this);
+    dressDialog(*this);
 }
 
 void UserDialog::addName(QFormLayout &form, const QString &name)
@@ -81,7 +80,7 @@ void UserDialog::addPassword(QFormLayout &form)
 void UserDialog::layOut(QFormLayout &form, const QString &action)
 {
     form.setVerticalSpacing(10);
-    tables::centreCaptions(form);
+    centreCaptions(form);
     m_problem = makeOfficeText(this, {});
     m_problem->setObjectName(u"problem"_s);
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
@@ -89,7 +88,7 @@ void UserDialog::layOut(QFormLayout &form, const QString &action)
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *store = buttons->addButton(action, QDialogButtonBox::AcceptRole);
     store->setDefault(true);
-    tables::makePrimary(*store);
+    makePrimary(*store);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &UserDialog::accept);

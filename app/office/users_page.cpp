@@ -4,7 +4,7 @@
 #include "app/boxes/office_box.h"
 #include "app/office/user_dialog.h"
 #include "app/office/user_rules.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -102,7 +102,7 @@ QVBoxLayout *UsersPage::makeList()
     connect(m_list, &QListWidget::currentRowChanged, this, &UsersPage::showUser);
     auto *add = new QPushButton(u"&Add User \u2026"_s, this);
     add->setObjectName(u"addUser"_s);
-    tables::makePrimary(*add);
+    makePrimary(*add);
     connect(add, &QPushButton::clicked, this, &UsersPage::addUser);
 
     auto *rows = new QVBoxLayout;

@@ -2,9 +2,9 @@
 #include "app/reorder/reorder_list.h"
 
 #include "spoken/spoken.h"
-#include "tables/look.h"
 #include "tables/output_bar.h"
 #include "tables/table_view.h"
+#include "theme/dialogs.h"
 
 #include <QComboBox>
 #include <QDate>
@@ -54,7 +54,7 @@ ReorderListDialog::ReorderListDialog(std::shared_ptr<DbConnection> connection, Q
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     createParts();
     layOut();
-    tables::dress(*this);
+    dressDialog(*this);
     resize(QSize(1000, 640).boundedTo(screen()->availableSize()));
     m_timer.setInterval(0);
     connect(&m_timer, &QTimer::timeout, this, &ReorderListDialog::goOn);

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/failure_notice.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/notice_place.h"
 #include "basic/logging.h"
 #include "spoken/spoken.h"
+#include "theme/dialogs.h"
+#include "theme/style.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -61,7 +62,7 @@ FailureNotice::FailureNotice()
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
     setFocusPolicy(Qt::NoFocus);
-    setStyleSheet(failureNoticeStyle());
+    applyNoticeStyle(*this);
     layOut();
     makeTouchSized(*this);
     m_place.setInterval(placeInterval);

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/first_user_dialog.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/password_rules.h"
 #include "spoken/spoken.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -59,7 +58,7 @@ FirstUserDialog::FirstUserDialog(const QString &storePath, const ReceiptProposal
     enlargeFont(*this);
     createEntries(proposal);
     layOut(storePath);
-    tables::dress(*this);
+    dressDialog(*this);
 }
 
 QString FirstUserDialog::password() const
@@ -114,7 +113,7 @@ void FirstUserDialog::layOut(const QString &storePath)
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *create = buttons->addButton(u"&Create Store"_s, QDialogButtonBox::AcceptRole);
     create->setDefault(true);
-    tables::makePrimary(*create);
+    makePrimary(*create);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
     connect(buttons, &QDialogButtonBox::accepted, this, &FirstUserDialog::accept);

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/store_opening.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QCloseEvent>
 #include <QDialog>
@@ -50,7 +49,7 @@ public:
         rows->setSpacing(16);
         rows->addWidget(m_text);
         rows->addWidget(moving);
-        tables::dress(*this);
+        dressDialog(*this);
     }
 
     void say(const QString &text) { m_text->setText(text); }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/wait_sign.h"
 
-#include "tables/look.h"
+#include "theme/colours.h"
 
 #include <QApplication>
 #include <QBackingStore>
@@ -31,7 +31,7 @@ struct Words
 
 void paint(QPaintDevice &device, const QRect &place, const Words &words)
 {
-    const tables::Look look{QApplication::palette()};
+    const Colours &look = Colours::current();
     QPainter painter(&device);
     painter.fillRect(place, look.onAccent);
     painter.fillRect(place.adjusted(2, 2, -2, -2), look.accent);

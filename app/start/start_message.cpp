@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/start_message.h"
 
-#include "app/boxes/dialog_style.h"
 #include "app/start/display.h"
+#include "theme/dialogs.h"
 
 #include <QMessageBox>
 

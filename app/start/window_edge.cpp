@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/window_edge.h"
 
-#include "tables/look.h"
+#include "theme/colours.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -43,7 +43,7 @@ void WindowEdge::follow()
 
 void WindowEdge::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(rect(), tables::Look(palette()).accent);
+    QPainter(this).fillRect(rect(), Colours::current().accent);
 }
 
 } // namespace harrowby::app

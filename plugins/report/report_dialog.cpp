@@ -7,9 +7,9 @@
 #include "plugins/report/sales_chart.h"
 #include "plugins/report/sales_table.h"
 #include "spoken/spoken.h"
-#include "tables/look.h"
 #include "tables/output_bar.h"
 #include "tables/table_view.h"
+#include "theme/dialogs.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -67,7 +67,7 @@ ReportDialog::ReportDialog(std::shared_ptr<DbConnection> connection, ReportFrame
     createEmailSwitch();
     createOutput();
     layOut();
-    tables::dress(*this);
+    dressDialog(*this);
     setMinimumSize(smallestSize); // the choices go into two rows before they lack room
     resize(usualSize.boundedTo(screen()->availableSize()));
     connectAll();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/sales_chart.h"
 
-#include "tables/look.h"
+#include "theme/colours.h"
 
 #include <QEvent>
 #include <QFontMetrics>
@@ -40,13 +40,13 @@ struct Ink
 
 Ink screenInk()
 {
-    const tables::Look look(QGuiApplication::palette());
+    const Colours &look = Colours::current();
     return {look.accent, look.text, look.border, look.field};
 }
 
 Ink paperInk()
 {
-    return {QColor(0, 98, 86), Qt::black, QColor(200, 200, 200), Qt::white};
+    return {QColor(lightAccent), Qt::black, QColor(200, 200, 200), Qt::white};
 }
 
 QFont chartFont(double points)

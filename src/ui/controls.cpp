@@ -2,8 +2,8 @@
 #include "ui/controls.h"
 
 #include "spoken/spoken.h"
+#include "theme/style.h"
 #include "ui/fitting.h"
-#include "ui/style/till_style.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/form_panel.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "theme/measures.h"
 #include "ui/controls.h"
-#include "ui/style/measures.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/panel.h"

@@ -2,7 +2,7 @@
 #include "ui/controls.h"
 
 #include "platform/receipt_store.h"
-#include "ui/style/measures.h"
+#include "theme/measures.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/form_panel.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/fitting.h"
 
+#include "theme/style.h"
 #include "ui/form_layout.h"
 #include "ui/stage_layout.h"
-#include "ui/style/till_style.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/form_panel.h"
 

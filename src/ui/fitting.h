@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "theme/measures.h"
 #include "ui/controls.h"
-#include "ui/style/measures.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/style/measures.h"
+#include "theme/measures.h"
 
 namespace harrowby {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widget_factory.h"
 
-#include "ui/style/till_style.h"
+#include "theme/style.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/panel.h"
 #include "ui/widgets/pick_list.h"

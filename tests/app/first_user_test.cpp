@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup_page.h"
-#include "app/boxes/dialog_style.h"
 #include "app/office/office_password_dialog.h"
 #include "app/office/receipt_page.h"
 #include "app/office/user_dialog.h"
 #include "app/shop/first_user_dialog.h"
 #include "app/start/look_choice.h"
-#include "tables/look.h"
+#include "theme/colours.h"
+#include "theme/dialogs.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -40,7 +40,7 @@ Form pageOf(const Arguments &...arguments)
                                          [](const QString &, const QString &, const QString &) { return true; }};
         auto *rows = new QVBoxLayout(window.get());
         rows->addWidget(new Page(arguments..., settings, window.get()));
-        harrowby::tables::dress(*window);
+        harrowby::dressDialog(*window);
         return window;
     };
 }
@@ -75,6 +75,7 @@ private Q_SLOTS:
     void formsWearTheTillsLook();
     void boxesWearTheTillsLook_data();
     void boxesWearTheTillsLook();
+    void textsAreReadableInAnyPalette();
     void chosenLookIsWorn_data();
     void chosenLookIsWorn();
 
@@ -299,7 +300,7 @@ void FirstUserTest::boxesWearTheTillsLook()
     wearLook(dark ? LookChoice::Dark : LookChoice::Light);
     QMessageBox box(icon, u"Store"_s, u"Stop it?"_s, QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::No);
-    dressBox(box);
+    harrowby::dressBox(box);
     box.show();
     const QImage sign = box.iconPixmap().toImage();
     int own = 0;
@@ -312,6 +313,26 @@ void FirstUserTest::boxesWearTheTillsLook()
         QCOMPARE(button->property("look") == u"primary"_s, button == box.defaultButton());
     }
     QApplication::setPalette(before);
+}
+
+void FirstUserTest::textsAreReadableInAnyPalette()
+{
+    QPalette faint(QColor(200, 200, 200));
+    faint.setColor(QPalette::WindowText, QColor(150, 150, 150));
+    QApplication::setPalette(faint);
+    QDialog dialog;
+    auto *text = new QLabel(u"Text"_s, &dialog);
+    auto *caption = new QLabel(u"Caption"_s, &dialog);
+    caption->setProperty("look", u"caption"_s);
+    harrowby::dressDialog(dialog);
+    dialog.show();
+    const auto contrast = [&](const QWidget *widget) {
+        return harrowby::contrastRatio(widget->palette().color(widget->foregroundRole()),
+                                       dialog.palette().color(QPalette::Window));
+    };
+    QVERIFY(contrast(text) >= 7.0);
+    QVERIFY(contrast(caption) >= 4.5);
+    QApplication::setPalette(QPalette());
 }
 
 void FirstUserTest::chosenLookIsWorn_data()
@@ -340,7 +361,7 @@ void FirstUserTest::chosenLookIsWorn()
     const QPalette before = QApplication::palette();
     wearLook(look);
     // Also what is open already follows.
-    QCOMPARE(harrowby::tables::Look(QApplication::palette()).dark, dark);
+    QCOMPARE(harrowby::Colours::current().dark, dark);
     QCoreApplication::processEvents();
     QCOMPARE(m_dialog->grab().toImage().pixelColor(2, 2).lightness() < 128, dark);
     QCOMPARE(before == QApplication::palette(), look == LookChoice::System);

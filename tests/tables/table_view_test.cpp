@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tables/table_view.h"
 
-#include "tables/look.h"
+#include "theme/dialogs.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
@@ -85,7 +85,7 @@ private Q_SLOTS:
         TableView view(&dialog);
         QComboBox *box = view.createSortBox(&dialog);
         view.show(table, 0, Qt::AscendingOrder);
-        dress(dialog);
+        harrowby::dressDialog(dialog);
         dialog.setGeometry(0, 0, 300, 200);
         dialog.show();
         box->setCurrentIndex(box->count() - 1);
@@ -137,7 +137,7 @@ private Q_SLOTS:
         QDialog dialog;
         TableView view(&dialog);
         const QComboBox *box = view.createSortBox(&dialog);
-        dress(dialog);
+        harrowby::dressDialog(dialog);
         dialog.resize(1400, 400);
         view.resize(1300, 400);
         dialog.show();

@@ -3,8 +3,8 @@
 // palette.
 #include "tests/ui/busy_window.h"
 
+#include "theme/colours.h"
 #include "ui/focus_order.h"
-#include "ui/style/colours.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/quick_sale_button.h"

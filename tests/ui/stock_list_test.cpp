@@ -2,7 +2,7 @@
 #include "tests/support/counter.h"
 #include "tests/support/inventory_probe.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"

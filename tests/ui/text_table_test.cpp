@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 #include "ui/widgets/packed_row.h"
 #include "ui/widgets/row_index.h"
 #include "ui/widgets/text_table_model.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What each of the window's own widgets promises, one at a time.
-#include "ui/style/colours.h"
-#include "ui/style/till_style.h"
+#include "theme/colours.h"
+#include "theme/style.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/entry_edit.h"
 #include "ui/widgets/entry_model.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/entry_edit.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 #include "ui/widgets/plain_tool_tip.h"
 
 #include <QApplication>

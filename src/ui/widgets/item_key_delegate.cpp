@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/item_key_delegate.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 
 #include <QApplication>
 #include <QPainter>

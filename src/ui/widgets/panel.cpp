@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/panel.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 
 #include <QCoreApplication>
 #include <QEvent>

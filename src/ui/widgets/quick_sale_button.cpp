@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/quick_sale_button.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 #include "ui/widgets/plain_tool_tip.h"
 #include "ui/widgets/quick_sale_reader.h"
 

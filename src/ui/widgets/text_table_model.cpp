@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/text_table_model.h"
 
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 
 #include <utility>
 

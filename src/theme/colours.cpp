@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/style/colours.h"
+#include "theme/colours.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -53,13 +53,13 @@ void setGrounds(Colours &colours, const QPalette &palette)
     const QColor base = palette.color(QPalette::Active, QPalette::Base);
     colours.dark = luminance(window) < 0.18;
     if (colours.dark) {
-        colours.accent = QColor(64, 201, 172);
+        colours.accent = QColor(darkAccent);
         colours.card = mixed(window, colours.accent, 0.03);
         colours.background = mixed(colours.card, Qt::black, 0.45);
         colours.field = mixed(colours.card, Qt::black, 0.30);
         colours.tile = mixed(colours.card, Qt::white, 0.07);
     } else {
-        colours.accent = QColor(0, 98, 86);
+        colours.accent = QColor(lightAccent);
         colours.card = base;
         colours.background = mixed(window, colours.accent, 0.05);
         colours.field = base;
@@ -82,11 +82,13 @@ void setTexts(Colours &colours, const QPalette &palette)
 
 void setAccents(Colours &colours)
 {
-    colours.onAccent = colours.dark ? QColor(4, 30, 25) : QColor(Qt::white);
+    colours.onAccent = QColor(colours.dark ? onDarkAccent : onLightAccent);
     colours.accentHover = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.12);
     colours.accentPressed = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.25);
     colours.accentText = readable(colours.accent, {colours.card, colours.tile, colours.background}, kTextContrast);
     colours.selection = mixed(colours.card, colours.accent, 0.16);
+    colours.chosenRow = mixed(colours.field, colours.accent, 0.25);
+    colours.stripe = colours.dark ? colours.card : colours.tile;
     colours.danger = colours.dark ? QColor(255, 128, 118) : QColor(186, 14, 14);
     colours.onDanger = colours.dark ? QColor(45, 0, 0) : QColor(Qt::white);
 }

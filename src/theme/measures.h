@@ -18,6 +18,9 @@ enum class Density { Compact, Usual, Large };
 [[nodiscard]] Shape shapeOf(const QSize &window);
 [[nodiscard]] Density densityOf(const QSize &window);
 
+/// The least height of what a finger touches, in device-independent pixels.
+constexpr int touchHeight = 44;
+
 /// Lengths in device-independent pixels.
 struct Measures
 {
@@ -39,5 +42,7 @@ struct Measures
 };
 
 [[nodiscard]] const Measures &measuresOf(Density density);
+/// Those of dialogs, whatever the size of their window.
+[[nodiscard]] const Measures &dialogMeasures();
 
 } // namespace harrowby

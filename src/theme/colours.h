@@ -7,14 +7,20 @@ class QPalette;
 
 namespace harrowby {
 
-/// What each colour of the window is for. All of them follow the application's palette; the style sheet and every
-/// widget that paints itself take their colours from here.
+/// The accent, which palettes of the program's own choose too, and what is written on it.
+constexpr QRgb lightAccent = 0xff006256;
+constexpr QRgb darkAccent = 0xff40c9ac;
+constexpr QRgb onLightAccent = 0xffffffff;
+constexpr QRgb onDarkAccent = 0xff041e19;
+
+/// What each colour is for. All of them follow the application's palette; the style texts and every widget that paints
+/// itself take their colours from here. Texts and edges are moved towards black or white until they can be read.
 struct Colours
 {
     bool dark;
 
-    QColor background; ///< behind the panels
-    QColor card;       ///< panels
+    QColor background; ///< behind the till's panels, and of dialogs
+    QColor card;       ///< panels of the till
     QColor tile;       ///< areas set off inside a panel
     QColor field;      ///< entries and lists
     QColor text;
@@ -28,6 +34,8 @@ struct Colours
     QColor onAccent;   ///< text on the accent
     QColor accentText; ///< the accent as a text colour
     QColor selection;  ///< selected rows and pressed cards
+    QColor chosenRow;  ///< the same of dialogs: stronger, as every other row of a table there is tinted
+    QColor stripe;     ///< that tint
 
     QColor price;    ///< prices and totals, at least 7:1
     QColor danger;   ///< out of stock

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/style/measures.h"
+#include "theme/measures.h"
 
 class QIcon;
 class QString;
@@ -12,6 +12,10 @@ namespace harrowby {
 /// Gives the window, and the boxes that open over it, the look of the till, and keeps it in step with the
 /// application's palette. The rest of the host's windows stay as they are.
 void applyTillStyle(QWidget &window);
+/// The same for a window beside the till. A dialog rather calls dressDialog().
+void applyDialogStyle(QWidget &window);
+/// For the notice of what was not saved, by the object names of its parts.
+void applyNoticeStyle(QWidget &window);
 
 /// Fits fonts and lengths of a window that wears the look, or is going to, to the room that it has.
 void setTillDensity(QWidget &window, Density density);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "ui/style/till_style.h"
+#include "theme/style.h"
 
 #include "basic/logging.h"
-#include "ui/style/colours.h"
-#include "ui/style/measures.h"
+#include "theme/colours.h"
+#include "theme/measures.h"
 
 #include <QEvent>
 #include <QFile>
@@ -19,16 +19,18 @@ using namespace Qt::StringLiterals;
 // Resources of a static library are not registered by themselves; the macro has to stand outside any namespace.
 static void registerResources()
 {
-    Q_INIT_RESOURCE(harrowby_style);
+    Q_INIT_RESOURCE(harrowby_theme);
 }
 
 namespace harrowby {
 
 namespace {
 
-QString sheetTemplate()
+enum class Wearer { Till, Dialog };
+
+QString styleFile(const QString &name)
 {
-    QFile file(u":/harrowby/style/till.qss"_s);
+    QFile file(u":/harrowby/theme/"_s + name);
     if (!file.open(QIODevice::ReadOnly)) {
         qCWarning(lcWindow) << "no style sheet:" << file.errorString();
         return {};
@@ -36,7 +38,6 @@ QString sheetTemplate()
     return QString::fromUtf8(file.readAll());
 }
 
-constexpr int touchHeight = 44;
 constexpr auto densityProperty = "harrowbyDensity";
 
 /// Every font size of the sheet, times the factor.
@@ -79,38 +80,45 @@ QString withMeasures(QString sheet, const Measures &measures)
     return withFonts(sheet, measures.fonts);
 }
 
-QString sheetFor(const Colours &colours, Density density)
+QString withColours(QString sheet, const Colours &colours, Wearer wearer)
 {
+    const bool till = wearer == Wearer::Till; // its controls stand on cards
     const std::pair<QString, QColor> names[] = {
         {u"@background@"_s, colours.background},
         {u"@card@"_s, colours.card},
+        {u"@control-ground@"_s, till ? colours.card : colours.field},
         {u"@tile@"_s, colours.tile},
+        {u"@stripe@"_s, colours.stripe},
         {u"@field@"_s, colours.field},
         {u"@text@"_s, colours.text},
         {u"@muted@"_s, colours.muted},
         {u"@border@"_s, colours.border},
-        {u"@field-border@"_s, colours.fieldBorder},
+        {u"@edge@"_s, colours.fieldBorder},
         {u"@accent@"_s, colours.accent},
         {u"@accent-hover@"_s, colours.accentHover},
         {u"@accent-pressed@"_s, colours.accentPressed},
         {u"@on-accent@"_s, colours.onAccent},
         {u"@accent-text@"_s, colours.accentText},
-        {u"@selection@"_s, colours.selection},
+        {u"@selection@"_s, till ? colours.selection : colours.chosenRow},
         {u"@price@"_s, colours.price},
-        {u"@danger@"_s, colours.danger},
         {u"@link@"_s, colours.link},
     };
-    QString sheet = withMeasures(sheetTemplate(), measuresOf(density));
     for (const auto &[name, colour] : names)
         sheet.replace(name, colour.name());
     return sheet.replace(u"@shade@"_s, colours.dark ? u"dark"_s : u"light"_s);
+}
+
+QString styleText(Wearer wearer, const Measures &measures)
+{
+    const QString own = styleFile(wearer == Wearer::Till ? u"till.qss"_s : u"dialogs.qss"_s);
+    return withColours(withMeasures(styleFile(u"common.qss"_s) + own, measures), Colours::current(), wearer);
 }
 
 /// Redresses its window whenever the application's palette or the window's density changes.
 class StyleKeeper : public QObject
 {
 public:
-    explicit StyleKeeper(QWidget &window) : QObject(&window), m_window(window)
+    StyleKeeper(QWidget &window, Wearer wearer) : QObject(&window), m_window(window), m_wearer(wearer)
     {
         window.installEventFilter(this);
         dress();
@@ -134,10 +142,11 @@ private:
             return;
         m_paletteKey = key;
         m_density = wanted;
-        m_window.setStyleSheet(sheetFor(Colours::current(), wanted));
+        m_window.setStyleSheet(styleText(m_wearer, m_wearer == Wearer::Till ? measuresOf(wanted) : dialogMeasures()));
     }
 
     QWidget &m_window;
+    Wearer m_wearer;
     qint64 m_paletteKey = -1;
     Density m_density = Density::Usual;
 };
@@ -147,7 +156,19 @@ private:
 void applyTillStyle(QWidget &window)
 {
     registerResources();
-    new StyleKeeper(window);
+    new StyleKeeper(window, Wearer::Till);
+}
+
+void applyDialogStyle(QWidget &window)
+{
+    registerResources();
+    new StyleKeeper(window, Wearer::Dialog);
+}
+
+void applyNoticeStyle(QWidget &window)
+{
+    registerResources();
+    window.setStyleSheet(styleFile(u"notice.qss"_s));
 }
 
 void setTillDensity(QWidget &window, Density density)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "ui/style/colours.h"
-#include "ui/style/till_style.h"
+#include "theme/colours.h"
+#include "theme/style.h"
 
 #include <QIcon>
 #include <QIconEngine>
@@ -54,7 +54,7 @@ private:
 
 QIcon tillIcon(const QString &name)
 {
-    return QIcon(new TintedDrawing(u":/harrowby/style/icons/"_s + name + u".svg"_s));
+    return QIcon(new TintedDrawing(u":/harrowby/theme/icons/"_s + name + u".svg"_s));
 }
 
 } // namespace harrowby

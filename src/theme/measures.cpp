@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/style/measures.h"
+#include "theme/measures.h"
 
 namespace harrowby {
 
@@ -12,6 +12,12 @@ constexpr int tallHeight = 900;
 constexpr Measures compact{1.0, 4, 6, 40, 50, 8, 7, 28, 34, 26, 26, 400, 270, 304, 960};
 constexpr Measures usual{1.0, 6, 12, 42, 62, 12, 13, 34, 40, 30, 30, 400, 294, 372, 960};
 constexpr Measures large{1.25, 8, 16, 50, 78, 18, 20, 34, 48, 38, 38, 500, 400, 540, 1240};
+
+constexpr Measures dialog = [] {
+    Measures measures = usual;
+    measures.buttonPadding = 14;
+    return measures;
+}();
 
 } // namespace
 
@@ -39,6 +45,11 @@ const Measures &measuresOf(Density density)
     default:
         return usual;
     }
+}
+
+const Measures &dialogMeasures()
+{
+    return dialog;
 }
 
 } // namespace harrowby
