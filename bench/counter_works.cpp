@@ -4,7 +4,7 @@
 #include "bench/answer_watch.h"
 #include "bench/catalogue.h"
 #include "bench/counter_statements.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 using namespace Qt::StringLiterals;
 

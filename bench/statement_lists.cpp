@@ -4,7 +4,7 @@
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "bench/catalogue.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include "bench/catalogue.h"
 #include "bench/plain_window.h"
 #include "bench/statement_lists.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_door.h"
 
+#include "basic/administrator.h"
 #include "basic/text.h"
 
 #include <algorithm>
@@ -13,7 +14,8 @@ namespace {
 
 using Kind = DoorAnswer::Kind;
 
-const auto administrators = u"SELECT 1 FROM Users WHERE Type <> 'VIEWER' AND UPPER(Username) = 'ADMINISTRATOR'"_s;
+const auto administrators =
+    u"SELECT 1 FROM Users WHERE Type <> 'VIEWER' AND UPPER(Username) = '%1'"_s.arg(administratorName);
 
 DoorAnswer answer(sqlite3 *database, const QString &select, const QList<DbValue> &values, Kind otherwise)
 {

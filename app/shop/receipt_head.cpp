@@ -40,7 +40,7 @@ QString usualCurrency()
     const QString sign = locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C
                              ? QString()
                              : locale.currencySymbol();
-    return sign.isEmpty() ? QString(setting::Currency.defaultValue) : sign;
+    return sign.isEmpty() ? QString(saved::Currency.defaultValue) : sign;
 }
 
 std::vector<ReceiptLine> linesOf(const std::vector<ReceiptStep> &steps)
@@ -77,9 +77,9 @@ std::vector<ReceiptLine> sampleLines(const ReceiptHead &head)
 ReceiptProposal proposeReceipt(const OfficeSettings &settings)
 {
     ReceiptProposal proposal;
-    if (!isSaved(settings, setting::ReceiptTitle))
+    if (!isSaved(settings, saved::ReceiptTitle))
         proposal.title = u"My Shop"_s;
-    if (!isSaved(settings, setting::Currency))
+    if (!isSaved(settings, saved::Currency))
         proposal.currency = usualCurrency();
     return proposal;
 }
@@ -91,17 +91,17 @@ bool saveNewShop(const OfficeSettings &settings, const ReceiptProposal &chosen)
         if (value && !isSaved(settings, place))
             saved = settings.save(place.section, place.key, *value) && saved;
     };
-    save(setting::ReceiptTitle, chosen.title);
-    save(setting::Currency, chosen.currency);
-    save(setting::EmailReport, u"0"_s);
+    save(saved::ReceiptTitle, chosen.title);
+    save(saved::Currency, chosen.currency);
+    save(saved::EmailReport, u"0"_s);
     return saved;
 }
 
 ReceiptHead readReceiptHead(const OfficeSettings &settings)
 {
-    const auto emailReport = valueInt16(DbValue(read(settings, setting::EmailReport))); // as the till reads it
-    return {read(settings, setting::ReceiptTitle), read(settings, setting::ReceiptAddress),
-            read(settings, setting::Currency), emailReport.value_or(0) != 0};
+    const auto emailReport = valueInt16(DbValue(read(settings, saved::EmailReport))); // as the till reads it
+    return {read(settings, saved::ReceiptTitle), read(settings, saved::ReceiptAddress), read(settings, saved::Currency),
+            emailReport.value_or(0) != 0};
 }
 
 bool saveReceiptHead(const OfficeSettings &settings, const ReceiptHead &before, const ReceiptHead &head)
@@ -111,10 +111,10 @@ bool saveReceiptHead(const OfficeSettings &settings, const ReceiptHead &before, 
         if (value != old)
             saved = settings.save(place.section, place.key, value) && saved;
     };
-    save(setting::ReceiptTitle, before.title, head.title);
-    save(setting::ReceiptAddress, before.address, head.address);
-    save(setting::Currency, before.currency, head.currency);
-    save(setting::EmailReport, before.emailReport ? u"1"_s : u"0"_s, head.emailReport ? u"1"_s : u"0"_s);
+    save(saved::ReceiptTitle, before.title, head.title);
+    save(saved::ReceiptAddress, before.address, head.address);
+    save(saved::Currency, before.currency, head.currency);
+    save(saved::EmailReport, before.emailReport ? u"1"_s : u"0"_s, head.emailReport ? u"1"_s : u"0"_s);
     return saved;
 }
 

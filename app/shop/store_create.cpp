@@ -7,6 +7,7 @@
 #include "app/shop/schema.h"
 #include "app/shop/store_judge.h"
 #include "app/shop/workshop.h"
+#include "basic/administrator.h"
 #include "basic/private_files.h"
 
 #include <QFileInfo>
@@ -84,8 +85,8 @@ std::optional<SqlError> addAdministrator(sqlite3 *database, const QString &passw
     return runSql(database,
                   u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales, InventoryReport, "
                   "InventoryUndo, InventoryDelete, InventorySettings, InventoryReorder) "
-                  "VALUES ('ADMINISTRATOR', ?1, 'ADMINISTRATOR', -1, -1, -1, -1, -1, -1, -1)"_s,
-                  {storedPassword(password)});
+                  "VALUES (?1, ?2, 'ADMINISTRATOR', -1, -1, -1, -1, -1, -1, -1)"_s,
+                  {QString(administratorName), storedPassword(password)});
 }
 
 } // namespace harrowby::app

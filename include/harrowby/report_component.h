@@ -23,7 +23,7 @@
 /// - loggedUser (in, out): name of the user who is logged in, in capitals
 ///
 /// The method shows the report and returns when that is closed; then the component reads the saved setting
-/// setting::EmailReport again. The connection is taken over in any case, the other out-arguments only when that has
+/// saved::EmailReport again. The connection is taken over in any case, the other out-arguments only when that has
 /// worked, and only those that were changed.
 ///
 /// The method is found by its signature as moc writes it: qualify the types with their namespaces even inside the

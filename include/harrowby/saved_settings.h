@@ -24,7 +24,7 @@ struct SettingPlace
 };
 
 /// The settings that the component uses.
-namespace setting {
+namespace saved {
 
 /// Whether the daily report goes out by e-mail: "0" or "1".
 inline constexpr SettingPlace EmailReport{QLatin1StringView("Option"), QLatin1StringView("EmailReport"),
@@ -43,7 +43,7 @@ inline constexpr SettingPlace ReceiptAddress{QLatin1StringView("option"), QLatin
 inline constexpr SettingPlace ReceiptPrinter{QLatin1StringView("POS"), QLatin1StringView("COM"),
                                              QLatin1StringView("COM1")};
 
-} // namespace setting
+} // namespace saved
 
 /// The saved value; `defaultValue` when there is none or the file cannot be read. Never throws.
 [[nodiscard]] HARROWBY_EXPORT QString savedSetting(const QString &section, const QString &key,

@@ -16,7 +16,7 @@ namespace harrowby::report {
 
 namespace {
 
-constexpr const SettingPlace &email = setting::EmailReport;
+constexpr const SettingPlace &email = saved::EmailReport;
 
 ReportFrame frameFor(const QString &user, bool canSettings)
 {

@@ -6,9 +6,9 @@
 namespace harrowby {
 
 /// Lets the window breathe during a long loop: call breathe() once per row. It handles pending events (clicks
-/// and keys too), but looks at the clock first and does so at most every few milliseconds, so a row does not
-/// cost a repaint. Where the events take long, as the repaint of a long list does, it comes less often, so that most
-/// of the time stays with the loop; every few hundredths of a second still. One object serves the whole window,
+/// and keys too), but looks at the clock first and does so at most every 16 milliseconds, so a row does not cost a
+/// repaint. Where the events take long, as the repaint of a long list does, it rests four times as long as they took,
+/// so that most of the time stays with the loop; 40 milliseconds at most. One object serves the whole window,
 /// nested loops included. It may be destroyed by an event that it handles.
 ///
 /// A loop that fills a list by the hundred thousand keeps its rows back and hands a function that shows them: it

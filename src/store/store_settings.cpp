@@ -3,7 +3,7 @@
 
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 #include <utility>
 #include <variant>

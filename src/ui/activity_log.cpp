@@ -2,7 +2,7 @@
 #include "basic/dates.h"
 #include "spoken/spoken.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/widgets/activity_text.h"
 

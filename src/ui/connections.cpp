@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which control calls which handler.
+#include "ui/dashboard_elements.h"
 #include "ui/focus_order.h"
 #include "ui/gates.h"
 #include "ui/inventory.h"
@@ -122,7 +123,8 @@ void Inventory::Connections::connectWindow() const
     handleGatedClick(m_controls.Command19, gates::salesReport, &Inventory::openSalesReport);
     handleClick(m_controls.Command27, &Inventory::logOut);
     // Of the dashboard's elements only this one does anything when it is clicked.
-    handle(static_cast<LinkLabel *>(m_controls.Label6.at(9)), &LinkLabel::clicked, &Inventory::openReorderList, 9);
+    handle(static_cast<LinkLabel *>(m_controls.Label6.at(Dashboard::ReorderCount)), &LinkLabel::clicked,
+           &Inventory::openReorderList, Dashboard::ReorderCount);
 }
 
 void Inventory::Connections::connectKeys() const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where the panels stand, and the order in which Tab goes through the controls.
 #include "ui/controls.h"
+#include "ui/dashboard_elements.h"
 #include "ui/stage_layout.h"
 #include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
@@ -59,7 +60,8 @@ void Controls::setTabOrder()
     append(order, Check1, Check2, Check3, Check4, Text2, Check5, Combo9, Command18);
     append(order, List2, Combo16, Command2, Command22, Command3, Combo17, Command4);
     append(order, Command5, Command6, Command7, LV);
-    append(order, TabStrip2, LV3, Command14, Command12, Command13, Command25, Text1, Command11, Label6[9]);
+    append(order, TabStrip2, LV3, Command14, Command12, Command13, Command25, Text1, Command11,
+           Label6[Dashboard::ReorderCount]);
     append(order, Command19, Command27, Command20, Command10);
     for (size_t i = 1; i < order.size(); ++i)
         QWidget::setTabOrder(order[i - 1], order[i]);

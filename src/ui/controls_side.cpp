@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The right-hand area: cart, sales activity and dashboard.
 #include "ui/controls.h"
+#include "ui/dashboard_elements.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/activity_text.h"
 #include "ui/widgets/elided_label.h"
@@ -147,25 +148,34 @@ void Controls::createActivity()
 void Controls::createDashboard()
 {
     QWidget *page = static_cast<FormPanel *>(Frame2)->page();
-    const std::pair<int, QString> captions[] = {{0, u"Dashboard"_s},           {1, u"Today's Sales"_s},
-                                                {2, u"Today's Sales Total"_s}, {5, u"Total Available Item(s):"_s},
-                                                {6, u"Low Reorder Level:"_s},  {7, u"Click to See Reorder List"_s}};
+    const std::pair<int, QString> captions[] = {{Dashboard::Heading, u"Dashboard"_s},
+                                                {Dashboard::SalesCountCaption, u"Today's Sales"_s},
+                                                {Dashboard::SalesAmountCaption, u"Today's Sales Total"_s},
+                                                {Dashboard::StockTotalCaption, u"Total Available Item(s):"_s},
+                                                {Dashboard::ReorderCountCaption, u"Low Reorder Level:"_s},
+                                                {Dashboard::ReorderHint, u"Click to See Reorder List"_s}};
     for (const auto &[index, text] : captions)
         Label6[size_t(index)] = makeElement(page, index, text);
-    setLook(Label6[0], u"heading"_s);
-    Label6[3] = makeFigure(page, 3, u"0"_s, *Label6[1]);
-    Label6[4] = makeFigure(page, 4, u"0.00"_s, *Label6[2]);
-    Label6[8] = makeFigure(page, 8, u"0"_s, *Label6[5]);
-    Label6[9] = makeFigure<LinkLabel>(page, 9, u"0"_s, *Label6[6]);
-    Label6[9]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
+    setLook(Label6[Dashboard::Heading], u"heading"_s);
+    Label6[Dashboard::SalesCount] =
+        makeFigure(page, Dashboard::SalesCount, u"0"_s, *Label6[Dashboard::SalesCountCaption]);
+    Label6[Dashboard::SalesAmount] =
+        makeFigure(page, Dashboard::SalesAmount, u"0.00"_s, *Label6[Dashboard::SalesAmountCaption]);
+    Label6[Dashboard::StockTotal] =
+        makeFigure(page, Dashboard::StockTotal, u"0"_s, *Label6[Dashboard::StockTotalCaption]);
+    Label6[Dashboard::ReorderCount] =
+        makeFigure<LinkLabel>(page, Dashboard::ReorderCount, u"0"_s, *Label6[Dashboard::ReorderCountCaption]);
+    Label6[Dashboard::ReorderCount]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
 
     auto *tiles = new QGridLayout;
     tiles->setSpacing(kGap);
-    tiles->addWidget(Label6[0], 0, 0, 1, 2);
-    tiles->addWidget(makeTile(Label6[1], Label6[3]), 1, 0);
-    tiles->addWidget(makeTile(Label6[2], Label6[4]), 1, 1);
-    tiles->addWidget(makeTile(Label6[5], Label6[8]), 2, 0);
-    tiles->addWidget(makeTile(Label6[6], Label6[9], Label6[7]), 2, 1);
+    tiles->addWidget(Label6[Dashboard::Heading], 0, 0, 1, 2);
+    tiles->addWidget(makeTile(Label6[Dashboard::SalesCountCaption], Label6[Dashboard::SalesCount]), 1, 0);
+    tiles->addWidget(makeTile(Label6[Dashboard::SalesAmountCaption], Label6[Dashboard::SalesAmount]), 1, 1);
+    tiles->addWidget(makeTile(Label6[Dashboard::StockTotalCaption], Label6[Dashboard::StockTotal]), 2, 0);
+    tiles->addWidget(makeTile(Label6[Dashboard::ReorderCountCaption], Label6[Dashboard::ReorderCount],
+                              Label6[Dashboard::ReorderHint]),
+                     2, 1);
     tiles->setColumnStretch(0, 1);
     tiles->setColumnStretch(1, 1);
     static_cast<QBoxLayout *>(page->layout())->addLayout(tiles);

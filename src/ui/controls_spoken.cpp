@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What a screen reader is told of the window's parts, beside the names of the controls themselves.
 #include "ui/controls.h"
+#include "ui/dashboard_elements.h"
 
 #include <QFrame>
 #include <QLabel>
@@ -19,7 +20,10 @@ void Controls::nameParts()
     for (const auto &[panel, name] : panels)
         panel->setAccessibleName(name);
     // A figure of the dashboard is told with what it counts.
-    const std::pair<int, int> figures[] = {{1, 3}, {2, 4}, {5, 8}, {6, 9}};
+    const std::pair<int, int> figures[] = {{Dashboard::SalesCountCaption, Dashboard::SalesCount},
+                                           {Dashboard::SalesAmountCaption, Dashboard::SalesAmount},
+                                           {Dashboard::StockTotalCaption, Dashboard::StockTotal},
+                                           {Dashboard::ReorderCountCaption, Dashboard::ReorderCount}};
     for (const auto &[caption, figure] : figures)
         Label6.at(size_t(caption))->setBuddy(Label6.at(size_t(figure)));
 }

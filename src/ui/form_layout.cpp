@@ -2,6 +2,7 @@
 #include "ui/form_layout.h"
 
 #include "ui/controls.h"
+#include "ui/dashboard_elements.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/pick_list.h"
 
@@ -159,15 +160,15 @@ void arrangeSettingsBelow(const Controls &c)
 /// Four tiles in a row, or two.
 void arrangeDashboard(const Controls &c, bool inARow)
 {
-    auto &column = *c.Label6[0]->parentWidget()->layout();
+    auto &column = *c.Label6[Dashboard::Heading]->parentWidget()->layout();
     auto &grid = *static_cast<QGridLayout *>(column.itemAt(column.count() - 1)->layout());
     int place = 0;
-    for (const size_t figure : {3, 4, 8, 9}) {
+    for (const int figure : Dashboard::figures) {
         const int columns = inARow ? 4 : 2;
-        move(grid, c.Label6[figure]->parentWidget(), 1 + place / columns, place % columns);
+        move(grid, c.Label6[size_t(figure)]->parentWidget(), 1 + place / columns, place % columns);
         ++place;
     }
-    move(grid, c.Label6[0], 0, 0, inARow ? 4 : 2);
+    move(grid, c.Label6[Dashboard::Heading], 0, 0, inARow ? 4 : 2);
     for (int tile = 0; tile < 4; ++tile)
         grid.setColumnStretch(tile, tile < 2 || inARow ? 1 : 0);
 }

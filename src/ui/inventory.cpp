@@ -3,7 +3,7 @@
 
 #include "store/inv_basic.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/focus_order.h"
 #include "ui/settings/settings.h"
 #include "ui/widgets/pick_list.h"

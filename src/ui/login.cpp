@@ -3,7 +3,7 @@
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/widgets/quick_sale_button.h"

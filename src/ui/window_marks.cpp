@@ -2,6 +2,7 @@
 #include "ui/window_marks.h"
 
 #include "ui/controls.h"
+#include "ui/dashboard_elements.h"
 
 #include <harrowby/window_marks.h>
 
@@ -10,11 +11,11 @@ namespace harrowby {
 void markForHost(QMainWindow &form, const Controls &controls)
 {
     form.setProperty(SalesWindowProperty, true);
-    const auto &figures = controls.Label6;
     for (QWidget *part : std::initializer_list<QWidget *>{controls.Label5, controls.Label9, controls.Label15,
-                                                          figures.at(3), figures.at(4), figures.at(8), figures.at(9),
                                                           controls.Command14, controls.StatusBar1})
         part->setProperty(KeptInSightProperty, true);
+    for (const int figure : Dashboard::figures)
+        controls.Label6.at(size_t(figure))->setProperty(KeptInSightProperty, true);
 }
 
 } // namespace harrowby

@@ -2,7 +2,7 @@
 #include "app/shop/password_rules.h"
 #include "app/shop/store_create.h"
 #include "engine/database.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "tests/app/store_files.h"
 
 #include "basic/text.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/schema.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "tests/app/store_files.h"
 
 #include <QRegularExpression>

@@ -3,7 +3,7 @@
 #include "app/office/users_store.h"
 #include "basic/text.h"
 #include "basic/values.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "tests/app/store_files.h"
 
 #include <QTemporaryDir>

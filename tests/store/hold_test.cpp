@@ -3,7 +3,7 @@
 
 #include "store/hold.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 #include <QLoggingCategory>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 #include <QFile>
 #include <QTest>

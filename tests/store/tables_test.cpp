@@ -2,7 +2,7 @@
 #include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 #include <QTest>
 

@@ -4,7 +4,7 @@
 
 #include "store/inv_basic.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/widgets/pick_list.h"
 
 #include <harrowby/init.h>

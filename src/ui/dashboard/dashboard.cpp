@@ -5,7 +5,8 @@
 #include "basic/numbers.h"
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
+#include "ui/dashboard_elements.h"
 #include "ui/inventory.h"
 
 #include <harrowby/objects.h>
@@ -20,7 +21,6 @@ namespace harrowby {
 
 namespace {
 
-enum Figure { SalesCount = 3, SalesAmount = 4, StockTotal = 8, ReorderCount = 9 };
 constexpr auto twoBlanks = "  "_L1;
 
 /// The aggregate that a statement yields in its one row; empty when the statement failed.
@@ -83,19 +83,20 @@ void Inventory::RefreshDashboard()
     const QString day = dayKey(m_platform.clock->now());
     const Figures figures = readFigures(m_state.login.LoggedUser, day, connection());
     if (figures.salesCount)
-        m_controls.Label6.at(SalesCount)->setText(plainText(*figures.salesCount));
+        m_controls.Label6.at(Dashboard::SalesCount)->setText(plainText(*figures.salesCount));
     if (figures.salesAmount)
-        m_controls.Label6.at(SalesAmount)->setText(twoBlanks + formatMoney(*figures.salesAmount));
+        m_controls.Label6.at(Dashboard::SalesAmount)->setText(twoBlanks + formatMoney(*figures.salesAmount));
     if (figures.stockTotal)
-        m_controls.Label6.at(StockTotal)->setText(twoBlanks + formatCount(*figures.stockTotal));
+        m_controls.Label6.at(Dashboard::StockTotal)->setText(twoBlanks + formatCount(*figures.stockTotal));
     if (figures.toReorder)
-        m_controls.Label6.at(ReorderCount)->setText(twoBlanks + QString::number(*figures.toReorder));
+        m_controls.Label6.at(Dashboard::ReorderCount)->setText(twoBlanks + QString::number(*figures.toReorder));
     LoadQuickSales(false);
 }
 
 void Inventory::openReorderList(int element)
 {
-    if (element != ReorderCount || leadingNumber(m_controls.Label6.at(ReorderCount)->text()) <= 0.0)
+    if (element != Dashboard::ReorderCount ||
+        leadingNumber(m_controls.Label6.at(Dashboard::ReorderCount)->text()) <= 0.0)
         return;
     finishWalks(connection()); // the window may stay open for long
     showReorderList(*m_platform.objects, this);

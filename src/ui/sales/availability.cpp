@@ -3,7 +3,7 @@
 #include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/cart_columns.h"
 #include "ui/inventory.h"
 #include "ui/widgets/row_list.h"

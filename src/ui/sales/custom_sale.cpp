@@ -4,7 +4,7 @@
 #include "basic/numbers.h"
 #include "basic/text.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"

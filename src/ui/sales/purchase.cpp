@@ -8,7 +8,7 @@
 #include "basic/values.h"
 #include "receipt/receipt_text.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/sales/cart_list.h"

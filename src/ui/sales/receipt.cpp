@@ -24,7 +24,7 @@ std::shared_ptr<Printer> Inventory::UsePrinter()
     const QStringList names = m_platform.printers->deviceNames();
     for (const QString &name : names) {
         // Read afresh for each printer, as the host may write it meanwhile.
-        if (name == m_platform.settings->get(setting::ReceiptPrinter))
+        if (name == m_platform.settings->get(saved::ReceiptPrinter))
             return m_platform.printers->printer(name);
     }
     return nullptr;
@@ -40,7 +40,7 @@ bool Inventory::LoadPrinter()
     if (!printer)
         return true;
     m_platform.printers->setCurrent(printer);
-    m_controls.Combo9->setEntryText(m_platform.settings->get(setting::ReceiptPrinter));
+    m_controls.Combo9->setEntryText(m_platform.settings->get(saved::ReceiptPrinter));
     return true;
 }
 

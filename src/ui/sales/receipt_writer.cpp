@@ -17,14 +17,14 @@ ReceiptWriter::ReceiptWriter(Printers &printers, SavedSettings &settings, PrintL
 
 void ReceiptWriter::printHeader(const QString &unsaved) const
 {
-    const QString title = m_settings.get(setting::ReceiptTitle.section, setting::ReceiptTitle.key, unsaved);
-    const QString address = m_settings.get(setting::ReceiptAddress.section, setting::ReceiptAddress.key, unsaved);
+    const QString title = m_settings.get(saved::ReceiptTitle.section, saved::ReceiptTitle.key, unsaved);
+    const QString address = m_settings.get(saved::ReceiptAddress.section, saved::ReceiptAddress.key, unsaved);
     print(receiptHeader(title, address));
 }
 
 void ReceiptWriter::printTotals(float lineCount, float total) const
 {
-    print(receiptTotals(lineCount, m_settings.get(setting::Currency), total));
+    print(receiptTotals(lineCount, m_settings.get(saved::Currency), total));
 }
 
 void ReceiptWriter::printFooter(const QString &purchaseId, const QDateTime &time) const

@@ -2,7 +2,7 @@
 #include "basic/item_key.h"
 #include "basic/text.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/panels.h"
 #include "ui/row_loop.h"

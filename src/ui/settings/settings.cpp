@@ -4,7 +4,7 @@
 #include "basic/numbers.h"
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/tab_strip.h"
@@ -27,12 +27,12 @@ std::int16_t checkValue(const QCheckBox *box)
 
 std::optional<std::int16_t> savedEmailReportFlag(SavedSettings &settings)
 {
-    return valueInt16(DbValue(settings.get(setting::EmailReport)));
+    return valueInt16(DbValue(settings.get(saved::EmailReport)));
 }
 
 bool savedPrintReceipt(SavedSettings &settings)
 {
-    const QString saved = settings.get(setting::PrintReceipt);
+    const QString saved = settings.get(saved::PrintReceipt);
     const std::optional<double> number = wholeNumber(saved);
     return number ? *number != 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) != 0;
 }
@@ -53,9 +53,9 @@ void Inventory::saveSettings()
     const StoreSettings entered{checkValue(m_controls.Check4), checkValue(m_controls.Check3), m_controls.Text2->text(),
                                 checkValue(m_controls.Check1), checkValue(m_controls.Check2)};
     Execute(connection(), statements::updateSettings(entered));
-    m_platform.settings->save(setting::EmailReport, QString::number(entered.EmailReportFlag));
-    m_platform.settings->save(setting::PrintReceipt, QString::number(checkValue(m_controls.Check5)));
-    m_platform.settings->save(setting::ReceiptPrinter, m_controls.Combo9->entryText());
+    m_platform.settings->save(saved::EmailReport, QString::number(entered.EmailReportFlag));
+    m_platform.settings->save(saved::PrintReceipt, QString::number(checkValue(m_controls.Check5)));
+    m_platform.settings->save(saved::ReceiptPrinter, m_controls.Combo9->entryText());
     if (m_platform.printers->current()->deviceName() != m_controls.Combo9->entryText()) {
         if (const std::shared_ptr<Printer> printer = UsePrinter())
             m_platform.printers->setCurrent(printer);

@@ -5,7 +5,7 @@
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"
 #include "ui/stock_columns.h"

@@ -6,7 +6,7 @@
 #include "basic/numbers.h"
 #include "basic/values.h"
 #include "store/recordset.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/stock/stock_fields.h"
 #include "ui/stock_columns.h"

@@ -3,7 +3,7 @@
 
 #include "basic/numbers.h"
 #include "basic/text.h"
-#include "store/statements.h"
+#include "store/statement_texts.h"
 #include "ui/controls.h"
 #include "ui/focus_order.h"
 #include "ui/widgets/pick_list.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 namespace harrowby::statements {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store/statements.h"
+#include "store/statement_texts.h"
 
 #include <QTest>
 
@@ -191,4 +191,4 @@ void TestStatements::usageLosesQuotes()
 }
 
 QTEST_GUILESS_MAIN(TestStatements)
-#include "statements_test.moc"
+#include "statement_texts_test.moc"
