@@ -10,7 +10,7 @@ namespace harrowby {
 
 bool Inventory::passes(const Gate &gate)
 {
-    if (gate.deafDuringUndo && m_undo.isRunning())
+    if (gate.deafDuringUndo && m_underWay.purchaseUndo.isRunning())
         return false;
     if (!m_state.login.IsLoggedIn) {
         switch (gate.withoutLogin) {

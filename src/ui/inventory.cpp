@@ -63,7 +63,7 @@ Inventory *Inventory::defaultInstance()
 
 void Inventory::load()
 {
-    const OneAtATime::Turn loading = m_load.begin();
+    const OneAtATime::Turn loading = m_underWay.loading.begin();
     m_fence.run([this] { loadForm(); });
     // Also when a step of loading ended early: nobody has logged in.
     m_state.login.IsLoggedIn = false;
@@ -71,7 +71,7 @@ void Inventory::load()
 
 void Inventory::present()
 {
-    if (m_load.isRunning())
+    if (m_underWay.loading.isRunning())
         return; // asked for in the middle of loading: whoever loads it shows it
     Qt::WindowStates wanted = windowState() & ~Qt::WindowMinimized;
     const QSize room = screen()->availableSize();
@@ -112,7 +112,7 @@ void Inventory::loadForm()
 
 void Inventory::closeEvent(QCloseEvent *event)
 {
-    if (!m_fence.isClosed() && (m_closeQuestion.isRunning() || !confirmClose())) {
+    if (!m_fence.isClosed() && (m_underWay.closeQuestion.isRunning() || !confirmClose())) {
         event->ignore();
         return;
     }
@@ -122,7 +122,7 @@ void Inventory::closeEvent(QCloseEvent *event)
 
 bool Inventory::confirmClose()
 {
-    const OneAtATime::Turn asking = m_closeQuestion.begin();
+    const OneAtATime::Turn asking = m_underWay.closeQuestion.begin();
     bool confirmed = false;
     m_fence.run([&] {
         // The cart never counts itself into CartCount, so the first text is what a full cart gets too.

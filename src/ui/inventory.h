@@ -21,8 +21,9 @@ class DbRecordset;
 struct Gate;
 struct StockItem;
 
-/// The component's one window, "Sales Inventory". Its handlers and shared procedures stand in one source file per
-/// subject; all of them are members here because they share the controls and the form-level state.
+/// The component's one window, "Sales Inventory". Its members are the handlers of its controls and the procedures that
+/// these share, in one source file per subject; what needs neither a box nor the form-level state is a function beside
+/// them. connections.cpp says which control calls which handler, gates.h who may.
 ///
 /// Any handler can be entered while another one's loop lets the window breathe, and the window can be closed in the
 /// middle of one. A closed window is destroyed once its last handler has returned.
@@ -175,16 +176,22 @@ private:
     // settings/settings.cpp
     void saveSettings();
 
+    /// What an entered handler may find begun and not ended by an earlier one.
+    struct UnderWay
+    {
+        LatestLoad pageLoads; ///< of quick sales
+        LatestLoad categoryLoads;
+        OneAtATime loading;
+        OneAtATime purchaseUndo; ///< a second one meanwhile would give the same stock back twice
+        OneAtATime closeQuestion;
+    };
+
     Platform m_platform;
     Controls m_controls;
     FormState m_state;
     Breather m_breather;
     HandlerFence m_fence;
-    LatestLoad m_pageLoads; ///< quick-sale pages
-    LatestLoad m_categoryLoads;
-    OneAtATime m_load;
-    OneAtATime m_undo; ///< of a purchase: a second one meanwhile would give the same stock back twice
-    OneAtATime m_closeQuestion;
+    UnderWay m_underWay;
 };
 
 } // namespace harrowby

@@ -55,7 +55,7 @@ void Inventory::undoLastPurchase()
     }
     if (ask(u"Undo last Purchased Cart with ID ["_s + m_state.last.LastPurchaseID + u"]?"_s, box::Ask) != Answer::Yes)
         return;
-    const OneAtATime::Turn undoing = m_undo.begin();
+    const OneAtATime::Turn undoing = m_underWay.purchaseUndo.begin();
     UndoPurchase(m_state.last.LastPurchaseID, true);
     m_state.last.ReceiptText.clear(); // what was taken back is not to be printed again
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
@@ -76,7 +76,7 @@ void Inventory::deletePurchase()
                 u"All purchased items will br restored (Y/N)?"_s,
             box::Ask) != Answer::Yes)
         return;
-    const OneAtATime::Turn undoing = m_undo.begin();
+    const OneAtATime::Turn undoing = m_underWay.purchaseUndo.begin();
     UndoPurchase(id, true);
     m_controls.Combo17->removeEntry(m_controls.Combo17->selectedEntry());
 }

@@ -77,7 +77,8 @@ void Inventory::LoadQuickSales(bool movedForward)
         m_controls.CmdPrev->setEnabled(offset != 0 && movedForward);
         return;
     }
-    const LatestLoad::Turn load = m_pageLoads.begin(); // not before: an empty page does not stand in another one's way
+    const LatestLoad::Turn load =
+        m_underWay.pageLoads.begin(); // not before: an empty page does not stand in another one's way
     std::size_t shown = 0;
     forEachRow(page, [&] {
         if (load.isLatest() && shown < m_controls.Command1.size())

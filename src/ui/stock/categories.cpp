@@ -28,7 +28,7 @@ const QListWidgetItem *selectedEntry(const QListWidget &list)
 
 void Inventory::LoadCategory()
 {
-    const LatestLoad::Turn load = m_categoryLoads.begin();
+    const LatestLoad::Turn load = m_underWay.categoryLoads.begin();
     const std::array lists{m_controls.Combo1, m_controls.Combo2, m_controls.Combo5, m_controls.Combo12};
     std::array<QString, lists.size()> texts;
     for (std::size_t i = 0; i < lists.size(); ++i)
