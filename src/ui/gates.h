@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Who may do what. A control that is connected without a gate is open to everybody.
+// Who may do what. A control that is connected without a gate is open to everybody. Two handlers look at the login
+// themselves, as they do something else without one: logOut() and quickSaleCategoryChanged().
 #pragma once
 
 #include "ui/privileges.h"
@@ -13,13 +14,13 @@ using Right = bool Privileges::*;
 struct Gate
 {
     enum class WithoutLogin {
-        LeadToLogin, ///< RequireLogin()
+        LeadToLogin, ///< RequireLogin(): "You must Login in First!", and the focus goes to the login
         Tell,        ///< "You must login first!", and no more
         Pass         ///< was asked for before
     };
     enum class WithoutRight {
-        Tell,           ///< that the user doesn't have this privilege
-        TellAndSendAway ///< and to the quick sales
+        Tell,           ///< "User [NAME] doesn't have this privilege!"
+        TellAndSendAway ///< the same, and the quick sales are shown
     };
 
     Right right = nullptr; ///< null: a login is enough
