@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tables/table_view.h"
 
+#include "theme/measures.h"
+
 #include <QComboBox>
 #include <QHeaderView>
 #include <QSignalBlocker>
@@ -16,7 +18,6 @@ namespace harrowby::tables {
 
 namespace {
 
-constexpr int headingHeight = 44;
 constexpr int shortestSortText = 17;    // capital letters
 constexpr int lettersOfStretching = 24; // that a column which takes the rest should have, at least
 constexpr int headingExtra = 7;         // letters: the sort arrow, and the margins
@@ -58,7 +59,7 @@ TableView::TableView(QWidget *parent) : QTreeView(parent), m_model(new TableMode
     setSelectionBehavior(SelectRows);
     setSortingEnabled(true);
     setHorizontalScrollMode(ScrollPerPixel);
-    header()->setMinimumHeight(headingHeight);
+    header()->setMinimumHeight(touchHeight);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     connect(header(), &QHeaderView::sortIndicatorChanged, this, &TableView::followHeading);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Panels of the stock catalogue: add/edit fields, existing stock and reorder.
+#include "theme/measures.h"
 #include "ui/controls.h"
 #include "ui/form_layout.h"
 #include "ui/widget_factory.h"
@@ -30,7 +31,7 @@ LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &capti
     level->setObjectName(name);
     level->setText(u"0"_s);
     level->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    level->setMinimumHeight(44);
+    level->setMinimumHeight(touchHeight);
     level->setAccessibleDescription(caption);
     setLook(level, u"value"_s);
     return level;
