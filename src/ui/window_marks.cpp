@@ -6,6 +6,11 @@
 
 #include <harrowby/window_marks.h>
 
+#include <QLabel>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QStatusBar>
+
 namespace harrowby {
 
 void markForHost(QMainWindow &form, const Controls &controls)
