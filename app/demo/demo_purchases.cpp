@@ -6,6 +6,7 @@
 #include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "basic/purchase_id.h"
+#include "basic/purchase_text.h"
 
 #include <algorithm>
 #include <random>
@@ -59,17 +60,16 @@ DemoPurchase purchaseAt(const QDateTime &time, const QList<DemoItem> &items, Dic
     const int lines = dice.between(1, 5);
     while (static_cast<int>(chosen.size()) < lines)
         chosen.insert(dice.below(static_cast<int>(items.size())));
-    QStringList elements;
+    std::vector<PurchaseLine> sold;
     for (const int index : chosen) {
         const DemoItem &item = items.at(index);
         const int quantity = dice.between(1, 3);
         const int cents = quantity * item.cents;
         purchase.cents += cents;
-        elements << u"%1 x %2 = %3"_s.arg(QString::number(quantity), itemKey(item.id, item.name),
-                                          formatMoney(cents / 100.0));
+        sold.push_back({QString::number(quantity), itemKey(item.id, item.name), formatMoney(cents / 100.0)});
     }
     purchase.id = purchaseId(time);
-    purchase.items = elements.join(u", "_s);
+    purchase.items = purchasedItems(sold);
     purchase.lines = lines;
     purchase.date = purchasedDate(time);
     purchase.user = dice.below(4) == 0 ? u"MANAGER"_s : u"CASHIER"_s;

@@ -4,6 +4,7 @@
 #include "app/demo/demo_catalogue.h"
 #include "app/demo/demo_purchases.h"
 #include "basic/administrator.h"
+#include "basic/stock_entry.h"
 
 #include <QLocale>
 
@@ -51,7 +52,7 @@ Error addCategories(sqlite3 *database, const QString &entryDate)
 Error addItems(sqlite3 *database, const QString &updated)
 {
     for (const DemoItem &item : demoItems()) {
-        const QString use = item.enabled ? u"Enabled"_s : u"Disabled"_s;
+        const QString use = item.enabled ? enabledText : disabledText;
         const QString cost = QString::number(item.cents / 100.0, 'f', 2);
         if (auto error =
                 runSql(database,

@@ -2,10 +2,15 @@
 #pragma once
 
 #include <QByteArray>
+#include <QLatin1StringView>
 #include <QString>
 #include <QUtf8StringView>
 
+#include <optional>
+
 namespace harrowby {
+
+inline constexpr QLatin1StringView itemKeySeparator("  |  ");
 
 /// "ID  |  NAME": how one stock item shows in combo boxes, cart lines, receipts and messages.
 [[nodiscard]] QString itemKey(const QString &stockId, const QString &stockName);
@@ -22,6 +27,10 @@ enum class KeyPiece : short {
 /// what stands after the first " | " and one character more (the key's second blank), trimmed and upper-cased.
 /// Empty when the separator is missing.
 [[nodiscard]] QString GetIDName(const QString &key, KeyPiece piece);
+
+/// The ID of the item that a reorder is about: what stands before the first "  |  ", blanks and all. It may be empty
+/// itself, and then it is an ID. None when the key names no item.
+[[nodiscard]] std::optional<QString> reorderedId(const QString &key);
 
 /// The ID by which a cart line's price is looked up: what stands before the first " | ", trimmed, or the whole
 /// trimmed text when there is no such separator.

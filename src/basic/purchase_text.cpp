@@ -13,7 +13,7 @@ namespace harrowby {
 
 QString purchaseElement(const PurchaseLine &line)
 {
-    return line.quantity + u" x "_s + line.key + u" = "_s + line.amount;
+    return line.quantity + purchase::quantityJoint + line.key + purchase::amountJoint + line.amount;
 }
 
 QString purchasedItems(const std::vector<PurchaseLine> &lines)
@@ -22,7 +22,7 @@ QString purchasedItems(const std::vector<PurchaseLine> &lines)
     elements.reserve(static_cast<qsizetype>(lines.size()));
     for (const PurchaseLine &line : lines)
         elements << purchaseElement(line);
-    return elements.join(u", "_s);
+    return elements.join(purchase::elementJoint);
 }
 
 QString checkoutQuestion(const std::vector<PurchaseLine> &lines)
@@ -43,7 +43,7 @@ QString purchaseSummary(const QString &purchaseId, const QString &purchasedItems
                         const QDateTime &time)
 {
     QString elements = purchasedItems;
-    elements.replace(u", "_s, crLf);
+    elements.replace(purchase::elementJoint, crLf);
     // Intended: "Purchased Items: " stands over the list and once more before the count.
     return u"Items have been purchased!"_s + crLf + crLf + u"Purchase ID: "_s + purchaseId + crLf +
            u"Purchased Items: "_s + crLf + elements + crLf + u"Purchased Items: "_s + plainText(lineCount) + crLf +

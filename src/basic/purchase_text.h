@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QLatin1StringView>
 #include <QString>
 
 #include <vector>
@@ -16,6 +17,14 @@ struct PurchaseLine
     QString key; ///< the item key
     QString amount;
 };
+
+/// The joints of a purchase's stored text.
+/// them.
+namespace purchase {
+inline constexpr QLatin1StringView quantityJoint(" x ");
+inline constexpr QLatin1StringView amountJoint(" = ");
+inline constexpr QLatin1StringView elementJoint(", ");
+} // namespace purchase
 
 /// quantity " x " key " = " amount: an element of the stored text, and an item line of the receipt.
 [[nodiscard]] QString purchaseElement(const PurchaseLine &line);

@@ -19,7 +19,7 @@ struct RestoredLine
 
 /// The elements of a stored purchase: its text split at every ", ".
 /// Intended: a name that holds ", " becomes two elements, neither of which restoredLine() accepts.
-[[nodiscard]] QStringList purchaseElements(const QString &purchasedItems);
+[[nodiscard]] QStringList splitPurchase(const QString &purchasedItems);
 
 /// Parses quantity " x " ID "  |  " name " = " amount. Empty when a part is missing, or when the quantity does not fit
 /// 16 bits. Intended: all separators count alike, so that a name that holds " x " or " = " ends there.

@@ -11,9 +11,6 @@ namespace harrowby {
 
 namespace {
 
-constexpr auto enabledText = "Enabled"_L1;
-constexpr auto disabledText = "Disabled"_L1;
-
 /// Numeric, not negative, and a number that a double holds.
 bool isAmount(const QString &text)
 {

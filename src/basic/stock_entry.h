@@ -13,6 +13,10 @@ namespace harrowby {
 /// The text of the ID field that asks for an automatic ID.
 inline constexpr QLatin1StringView automaticIdText("(Auto ID)");
 
+/// Whether an item is sold.
+inline constexpr QLatin1StringView enabledText("Enabled");
+inline constexpr QLatin1StringView disabledText("Disabled");
+
 /// The entry fields' texts, trimmed.
 struct StockEntry
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/inventory.h"
 
+#include "basic/stock_entry.h"
 #include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
@@ -29,11 +30,11 @@ void fillPickLists(const Controls &controls, Breather &breather)
         breather.breathe();
     }
     controls.Combo4->setEntryText(u"0"_s);
-    controls.Combo15->addEntry(u"Enabled"_s);
-    controls.Combo15->addEntry(u"Disabled"_s);
-    controls.Combo15->setEntryText(u"Enabled"_s);
-    controls.Combo6->addEntry(u"(Auto ID)"_s);
-    controls.Combo6->setEntryText(u"(Auto ID)"_s);
+    controls.Combo15->addEntry(enabledText);
+    controls.Combo15->addEntry(disabledText);
+    controls.Combo15->setEntryText(enabledText);
+    controls.Combo6->addEntry(automaticIdText);
+    controls.Combo6->setEntryText(automaticIdText);
 }
 
 } // namespace

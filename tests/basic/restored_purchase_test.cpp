@@ -39,7 +39,7 @@ void TestRestoredPurchase::splitsElements_data()
 void TestRestoredPurchase::splitsElements()
 {
     QFETCH(const QString, items);
-    QTEST(purchaseElements(items), "elements");
+    QTEST(splitPurchase(items), "elements");
 }
 
 void TestRestoredPurchase::readsLine_data()

@@ -32,7 +32,7 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
     std::int16_t count = 0;
     if (const std::optional<DbValue> stored = purchase.Field(u"PurchasedItemsTotal"_s).value())
         count = valueInt16(*stored).value_or(count);
-    const QStringList elements = purchaseElements(purchase.Field(u"PurchasedItems"_s).text());
+    const QStringList elements = splitPurchase(purchase.Field(u"PurchasedItems"_s).text());
     m_controls.LV3->rows().clear(); // nothing is given back for what the cart held
     for (qsizetype i = 0; i < count; ++i) {
         if (const std::optional<RestoredLine> line = restoredLine(elements.value(i))) {

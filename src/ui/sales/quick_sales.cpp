@@ -38,7 +38,7 @@ void fill(QuickSaleButton &button, DbRecordset &item)
         const QString caption =
             texts[0].toString() + crLf + texts[1].toString() + crLf + formatMoney(item.Field(u"Stockcost"_s).number());
         button.setText(caption);
-        button.setToolTip(QString(caption).replace(crLf, "  |  "_L1));
+        button.setToolTip(QString(caption).replace(crLf, itemKeySeparator));
     }
     if (const std::optional<DbValue> available = item.Field(u"StockAvailable"_s).value())
         button.setOutOfStock(valueNumber(*available) <= 0.0);

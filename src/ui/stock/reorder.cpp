@@ -22,16 +22,6 @@ namespace harrowby {
 
 namespace {
 
-/// What stands before an item key's separator, blanks and all; empty when the key names no item. The text before the
-/// separator may be empty itself, and then it is an ID.
-std::optional<QString> reorderedId(const QString &key)
-{
-    const qsizetype separator = key.indexOf(u"  |  "_s);
-    if (separator < 0 || trimBlanks(key).isEmpty())
-        return {};
-    return key.left(separator);
-}
-
 void addToStock(DbRecordset &stock, double units)
 {
     const double sum = stock.Field(u"StockAvailable"_s).number() + units;

@@ -20,7 +20,7 @@ void resetStockFields(const Controls &controls)
     controls.Combo6->setEntryText(automaticIdText);
     for (PickList *field : {controls.Combo7, controls.Combo8, controls.Combo13, controls.Combo14})
         field->setEntryText(QString());
-    controls.Combo15->setEntryText(u"Enabled"_s);
+    controls.Combo15->setEntryText(enabledText);
 }
 
 void startNewStock(const Controls &controls)

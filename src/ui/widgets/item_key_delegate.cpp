@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/item_key_delegate.h"
 
+#include "basic/item_key.h"
 #include "theme/colours.h"
 
 #include <QApplication>
@@ -12,7 +13,6 @@ namespace harrowby {
 
 namespace {
 
-constexpr auto separator = "  |  "_L1;
 constexpr int padding = 7;
 constexpr double idSize = 0.82; ///< of the name's font
 
@@ -28,7 +28,7 @@ void ItemKeyDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const qsizetype end = cell.text.indexOf(separator);
+    const qsizetype end = cell.text.indexOf(itemKeySeparator);
     QFont small = cell.font;
     small.setPointSizeF(small.pointSizeF() * idSize);
     const int idHeight = QFontMetrics(small).height();
@@ -37,7 +37,7 @@ void ItemKeyDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
         return;
     }
     const QString id = cell.text.left(end);
-    const QString name = cell.text.mid(end + separator.size()).simplified();
+    const QString name = cell.text.mid(end + itemKeySeparator.size()).simplified();
     cell.text.clear();
     const QStyle *style = cell.widget != nullptr ? cell.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
