@@ -19,7 +19,6 @@ struct PurchaseLine
 };
 
 /// The joints of a purchase's stored text.
-/// them.
 namespace purchase {
 inline constexpr QLatin1StringView quantityJoint(" x ");
 inline constexpr QLatin1StringView amountJoint(" = ");

@@ -12,7 +12,7 @@ using namespace harrowby::fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QString text = asText(data, size);
-    const QStringList elements = purchaseElements(text);
+    const QStringList elements = splitPurchase(text);
     demand(elements.join(u", "_s) == text, "nothing is lost between the elements");
     for (const QString &element : elements) {
         const auto line = restoredLine(element);
