@@ -165,7 +165,7 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
         window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till has the screen to itself
         QApplication::setQuitOnLastWindowClosed(true);
         code = QApplication::exec();
-        alarm.lookOnceMore();
+        alarm.checkOnceMore();
     } else {
         tellProblem(u"The window could not be opened. The log file may say why:\n"_s + logPath());
     }
@@ -187,7 +187,7 @@ int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNo
     store.keepWatch();
     const OfficeEnd end = runOffice(store, path, {savedSetting, saveSetting});
     if (end != OfficeEnd::Refused)
-        alarm.lookOnceMore();
+        alarm.checkOnceMore();
     setFileFailureHandler({});
     return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
 }

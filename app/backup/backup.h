@@ -31,8 +31,8 @@ struct BackupResult
     qint64 bytes = 0;
 };
 
-/// Hears how far it is, and stops it by returning false, from then on every time it is asked. During the check it is
-/// called on a thread of its own.
+/// Called with the progress; returning false stops the backup, and must go on returning false. During the check it is
+/// called on another thread.
 using BackupWatch = std::function<bool(const BackupProgress &)>;
 
 /// Copies a store while tills sell from it. The copy holds the store as it was at one moment, is checked, and gets its

@@ -310,7 +310,7 @@ void LostStoreAlarm::raise()
     m_box->tell();
 }
 
-void LostStoreAlarm::lookOnceMore()
+void LostStoreAlarm::checkOnceMore()
 {
     disconnect(&m_guard, &StoreGuard::lossChanged, this, &LostStoreAlarm::raise);
     m_guard.tick();

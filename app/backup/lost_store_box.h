@@ -29,10 +29,10 @@ public:
     /// not.
     LostStoreBox(StoreGuard &guard, const QString &place, std::function<bool()> close, QWidget *parent);
 
-    /// Says what is known by now, and comes to the front.
+    /// Shows what the guard knows by now, and raises the box.
     void tell();
 
-    /// The box itself is never left: this closes what is behind it.
+    /// Closes the till or the office behind the box; the box stays when the person answers "No".
     void reject() override;
 
 private:
@@ -78,9 +78,9 @@ public:
     LostStoreAlarm(StoreGuard &guard, QString place, std::function<bool()> close);
     ~LostStoreAlarm() override;
 
-    /// When the till or the office has been closed: looks once more, and stays with the person when the store was lost
-    /// in the last moment, for with the program what has no name any more would be gone.
-    void lookOnceMore();
+    /// Called after the till or the office has been closed: checks the file once more, and shows the box when it was
+    /// lost in the last moment, as a file without a name is gone with the program that has it open.
+    void checkOnceMore();
 
 private:
     void raise();

@@ -4,7 +4,7 @@
 #include "app/office/office_door.h"
 #include "app/office/office_password_dialog.h"
 #include "app/office/office_window.h"
-#include "app/office/users_store.h"
+#include "app/office/users_table.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_paths.h"
 #include "app/start/display.h"

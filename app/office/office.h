@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// The store's own windows, for its ADMINISTRATOR. The till knows nothing of them.
+/// The store's office: windows for its ADMINISTRATOR, beside the till.
 namespace harrowby::app {
 
 class StoreGuard;

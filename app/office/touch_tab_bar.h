@@ -5,7 +5,7 @@
 
 namespace harrowby::app {
 
-/// Tabs that a thumb hits, drawn as the platform draws tabs. The wheel turns none.
+/// Tab bar with touch-sized tabs in the platform's style. The wheel changes no tab.
 class TouchTabBar final : public QTabBar
 {
     Q_OBJECT

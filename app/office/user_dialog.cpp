@@ -32,7 +32,7 @@ QLineEdit *makeEntry(QWidget *parent, const QString &objectName, const QString &
 
 } // namespace
 
-UserDialog::UserDialog(const QString &name, Store store, QWidget *parent) : QDialog(parent), m_store(std::move(store))
+UserDialog::UserDialog(const QString &name, Save save, QWidget *parent) : QDialog(parent), m_save(std::move(save))
 {
     const bool isNew = name.isEmpty();
     setWindowTitle(isNew ? u"New User"_s : u"New Password"_s);
@@ -119,7 +119,7 @@ QString UserDialog::problem() const
         return refused;
     if (storedPassword(m_password->text()) != storedPassword(m_again->text()))
         return u"The two entries differ. Please type the password again."_s;
-    return m_store(entered()).value_or(QString());
+    return m_save(entered()).value_or(QString());
 }
 
 void UserDialog::accept()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/office/users_store.h"
+#include "app/office/users_table.h"
 
 #include <QDialog>
 
@@ -20,11 +20,11 @@ class UserDialog final : public QDialog
     Q_OBJECT
 
 public:
-    /// Stores what was typed; its problem is shown in the dialog.
-    using Store = std::function<UsersStore::Problem(const NewUser &user)>;
+    /// Saves what was typed; a problem is shown in the dialog.
+    using Save = std::function<UsersTable::Problem(const NewUser &user)>;
 
     /// For a new user with an empty `name`, else for the password of that one.
-    UserDialog(const QString &name, Store store, QWidget *parent = nullptr);
+    UserDialog(const QString &name, Save save, QWidget *parent = nullptr);
 
     void accept() override;
 
@@ -36,7 +36,7 @@ private:
     [[nodiscard]] NewUser entered() const;
     [[nodiscard]] QString problem() const;
 
-    Store m_store;
+    Save m_save;
     QLineEdit *m_name = nullptr; ///< null when only the password is asked for
     QComboBox *m_type = nullptr; ///< the same
     QLineEdit *m_password = nullptr;

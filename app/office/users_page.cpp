@@ -80,7 +80,7 @@ void showLockedAsText(QCheckBox &box)
 
 } // namespace
 
-UsersPage::UsersPage(sqlite3 *database, QWidget *parent) : QWidget(parent), m_store(database)
+UsersPage::UsersPage(sqlite3 *database, QWidget *parent) : QWidget(parent), m_table(database)
 {
     auto *columns = new QHBoxLayout(this);
     columns->setContentsMargins(16, 16, 16, 16);
@@ -204,7 +204,7 @@ void UsersPage::fill()
     const StoreUser *before = current();
     constexpr qint64 noRow = std::numeric_limits<qint64>::min();
     const qint64 chosen = before != nullptr ? before->row : noRow;
-    const auto problem = m_store.list(m_users);
+    const auto problem = m_table.list(m_users);
     {
         const QSignalBlocker quietly(m_list);
         m_list->clear();
@@ -266,7 +266,7 @@ void UsersPage::addUser()
         {},
         [&](const NewUser &user) {
             added = storedUserName(user.name);
-            return m_store.add(user);
+            return m_table.add(user);
         },
         this);
     if (dialog.exec() != QDialog::Accepted)
@@ -286,7 +286,7 @@ void UsersPage::changePassword()
         return;
     const StoreUser user = *chosen;
     UserDialog dialog(
-        user.name, [&](const NewUser &entered) { return m_store.setPassword(user, entered.password); }, this);
+        user.name, [&](const NewUser &entered) { return m_table.setPassword(user, entered.password); }, this);
     if (dialog.exec() == QDialog::Accepted)
         finish({}, u"The password of %1 was changed."_s.arg(user.name));
 }
@@ -297,7 +297,7 @@ void UsersPage::switchRight(const QString &column, bool on)
     if (user == nullptr)
         return;
     const QString done = on ? u"Saved: %1 now has the right."_s : u"Saved: %1 no longer has the right."_s;
-    finish(m_store.setRight(*user, column, on), done.arg(user->name) + u" It takes effect at the next login."_s);
+    finish(m_table.setRight(*user, column, on), done.arg(user->name) + u" It takes effect at the next login."_s);
 }
 
 void UsersPage::changeType()
@@ -305,11 +305,11 @@ void UsersPage::changeType()
     const StoreUser *user = current();
     if (user == nullptr || m_type->currentData().toString() == user->type)
         return;
-    finish(m_store.setType(*user, m_type->currentData().toString()), u"Saved: the type of %1."_s.arg(user->name));
+    finish(m_table.setType(*user, m_type->currentData().toString()), u"Saved: the type of %1."_s.arg(user->name));
 }
 
 /// Shows what is stored, whatever came of it.
-void UsersPage::finish(const UsersStore::Problem &problem, const QString &done)
+void UsersPage::finish(const UsersTable::Problem &problem, const QString &done)
 {
     fill();
     if (problem)

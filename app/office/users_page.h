@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/office/users_store.h"
+#include "app/office/users_table.h"
 
 #include <QList>
 #include <QWidget>
@@ -44,9 +44,9 @@ private:
     void changePassword();
     void switchRight(const QString &column, bool on);
     void changeType();
-    void finish(const UsersStore::Problem &problem, const QString &done);
+    void finish(const UsersTable::Problem &problem, const QString &done);
 
-    UsersStore m_store;
+    UsersTable m_table;
     QList<StoreUser> m_users;
     QListWidget *m_list = nullptr;
     QLabel *m_name = nullptr;

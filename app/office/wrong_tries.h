@@ -17,7 +17,7 @@ public:
     /// Without a file they are forgotten with the object.
     explicit WrongTries(QString file = {}) : m_file(std::move(file)) {}
 
-    /// To be called before a password is looked at, so that ending the program meanwhile gains nothing.
+    /// Called before a password is compared, so that killing the program afterwards gains nothing.
     void add(const QDateTime &now);
     /// The password was right.
     void forget();

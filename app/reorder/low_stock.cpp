@@ -19,7 +19,7 @@ enum Field { Id, Name, Category, Level, Available };
 const QStringList fields = {u"StockID"_s, u"StockName"_s, u"StockCategory"_s, u"StockReorderLevel"_s,
                             u"StockAvailable"_s};
 
-constexpr int rowsBetweenLooks = 128;
+constexpr int rowsPerClockCheck = 128;
 
 /// Below 0 when there is none of that name.
 int columnOf(const QString &field, const QStringList &names)
@@ -57,7 +57,7 @@ try {
     if (m_state == State::Reading && !m_cursor)
         open();
     do {
-        for (int row = 0; m_state == State::Reading && row < rowsBetweenLooks; ++row)
+        for (int row = 0; m_state == State::Reading && row < rowsPerClockCheck; ++row)
             readRow();
     } while (m_state == State::Reading && std::chrono::steady_clock::now() < end);
     return m_state;

@@ -11,10 +11,9 @@ struct sqlite3;
 
 namespace harrowby::app {
 
-/// How long the till waits for a store file that another program keeps locked: `longestWait`, a budget for each action
-/// of the user, however many statements the action runs. Once it is used up, further statements fail at once; it is
-/// filled up again when the event loop has nothing left to do and waits for the next action; a box's own loop does
-/// not count.
+/// SQLite busy handler: how long the till waits for a store file that another program has locked. `longestWait` is the
+/// budget for one action of the user, however many statements it runs; once it is used up, further statements fail at
+/// once. It is refilled when this thread's outermost event loop is about to wait; a box's loop does not refill it.
 class BusyWait final : public QObject
 {
     Q_OBJECT
@@ -25,18 +24,17 @@ public:
     using Watcher = std::function<void()>;
 
     static constexpr std::chrono::milliseconds longestWait = std::chrono::seconds(10);
-    /// A wait that nobody notices.
+    /// Waits up to this long are not shown on the screen.
     static constexpr std::chrono::milliseconds quietTime{300};
 
-    /// `sleeper` stands in for a real sleep.
+    /// `sleeper` replaces sleeping in tests.
     explicit BusyWait(std::chrono::milliseconds budget = longestWait, Sleeper sleeper = {});
 
     /// Becomes the database's busy handler. It must outlive the database's last statement.
     void attach(sqlite3 *database);
-    /// Called again and again while an action waits, from `quietTime` on, on the thread that waits. The database must
-    /// not be used in it.
+    /// Called repeatedly while an action waits, after `quietTime`, on the waiting thread. It must not use the database.
     void setWatcher(Watcher watcher) { m_watcher = std::move(watcher); }
-    /// Fills up whenever this thread's outermost event loop is about to wait.
+    /// Refills the budget whenever this thread's outermost event loop is about to wait.
     void followEventLoop();
     void refill();
     [[nodiscard]] std::chrono::milliseconds remaining() const { return m_remaining; }

@@ -16,18 +16,18 @@ class QLabel;
 
 namespace harrowby::app {
 
-/// Something beside the failed statements that a person has to know.
+/// A message of the failure notice that does not come from a failed statement.
 struct Notice
 {
-    QString subject; ///< what it is about, to know it again; never shown
+    QString subject; ///< identifies what it is about; never shown
     QString work;    ///< what was not done, in one sentence
     QString reason;
     QString advice;         ///< what to do about it
     bool isCounted = false; ///< says how often it has happened
 };
 
-/// A small window that says which changes failed, when, and what to do. It takes no focus, keeps clear of the totals,
-/// and stays until it is dismissed; what fails while it is there is counted in it. Hidden until the first failure.
+/// The failure notice: a small window that says which writes failed, when, why, and what to do. It takes no focus,
+/// covers no total, and stays until it is dismissed; further failures are added to it. Hidden until the first failure.
 class FailureNotice final : public QFrame
 {
     Q_OBJECT
@@ -39,14 +39,14 @@ public:
     /// loop, so it may be called in the middle of a sale.
     void add(const DbFailure &failure) noexcept;
 
-    /// Shows a notice in the same way, once for each cause: after it was dismissed, another one with the same subject
-    /// and reason is not shown until the subject was over.
+    /// Shows a notice, once for each subject and reason: after it was dismissed, the same one is shown again only after
+    /// tellOver() of its subject.
     void tell(const Notice &notice) noexcept;
-    /// A failed step outside the database, or that it is over.
+    /// Shows a failure outside the database, or notes that it is over.
     void add(const FileFailure &failure) noexcept;
     /// Why the log file cannot be written; it is over when that is empty.
     void addLog(const QString &path, const QString &reason) noexcept;
-    /// The subject is over. What the window shows stays, as it has happened.
+    /// Allows notices of this subject again. The window keeps what it shows.
     void tellOver(const QString &subject) noexcept;
 
 public Q_SLOTS:

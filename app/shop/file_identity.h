@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <optional>
 
-/// Which file a name stands for, told without opening it: a second opening and closing of a store file within one
-/// process would drop SQLite's locks.
+/// Identity of the file behind a name, from stat(): opening and closing a store file a second time within one process
+/// would drop SQLite's POSIX locks.
 namespace harrowby::app {
 
 struct FileId

@@ -13,7 +13,7 @@ namespace harrowby::app {
 
 /// Waits until the bytes of the file are on the disk.
 [[nodiscard]] int syncFile(const QString &file);
-/// The same for the names in a folder; a file system that cannot do it is not to blame.
+/// The same for the names in a folder. A file system without this operation is no error.
 void syncFolder(const QString &folder);
 
 } // namespace harrowby::app

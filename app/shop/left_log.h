@@ -14,8 +14,8 @@ struct LogFiles
     FileId logId, indexId;
 };
 
-/// Gives the log a name of its own, so that nobody plays it into another file, and takes the index's name away. Returns
-/// the new name; empty when the log bears its old name no more, or cannot be renamed.
+/// Renames the log, so that SQLite does not replay it into another file, and removes its index. Returns the new name;
+/// empty when no log has the old name any more, or it cannot be renamed.
 [[nodiscard]] QString putLogAside(const LogFiles &files);
 /// Whether a log bears such a name.
 [[nodiscard]] bool isPutAside(const QString &log);
@@ -23,10 +23,10 @@ struct LogFiles
 /// Removes an empty log and its index, unless another program has them open. Only when this process has closed them.
 void removeLeftLog(const LogFiles &files);
 
-/// Notes at the log which file it belongs to, so that a log that a killed program leaves beside another file is known
-/// as such. Where the file system keeps no such notes nothing happens.
+/// Writes the store file's inode into an extended attribute of the log, so that a log that a killed program leaves
+/// beside another file is recognised. Without extended attributes nothing happens.
 void markLog(const QByteArray &file, const QByteArray &log);
-/// Whether the log bears the mark of another file than the one that lies beside it. A copied log bears none.
+/// Whether the log's attribute names another file than the one beside it. False without one, as in a copied log.
 [[nodiscard]] bool logIsOfAnotherFile(const QByteArray &file, const QByteArray &log);
 
 } // namespace harrowby::app

@@ -10,8 +10,8 @@ class QWidget;
 
 namespace harrowby::app {
 
-/// Where a notice stands so that it covers nothing that must be seen: beside the window when the screen has room,
-/// else inside, as near to the lower left corner as `keepFree` allows. All in screen coordinates.
+/// Position of a notice: beside the window where the screen has room, else inside it, nearest to its lower left corner
+/// without covering `keepFree`. All in screen coordinates.
 [[nodiscard]] QPoint noticePlace(const QSize &notice, const QRect &window, const QRect &screen,
                                  const QList<QRect> &keepFree);
 

@@ -33,14 +33,14 @@ bool isSaved(const OfficeSettings &settings, const SettingPlace &place)
     return settings.get(place.section, place.key, u"a"_s) == settings.get(place.section, place.key, u"b"_s);
 }
 
-/// The sign that the user's country has for its money; the till's own default where the country is not known.
+/// The currency symbol of the user's country; the till's own default where the country is not known.
 QString usualCurrency()
 {
     const QLocale locale = QLocale::system();
-    const QString sign = locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C
-                             ? QString()
-                             : locale.currencySymbol();
-    return sign.isEmpty() ? QString(saved::Currency.defaultValue) : sign;
+    const QString symbol = locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C
+                               ? QString()
+                               : locale.currencySymbol();
+    return symbol.isEmpty() ? QString(saved::Currency.defaultValue) : symbol;
 }
 
 std::vector<ReceiptLine> linesOf(const std::vector<ReceiptStep> &steps)

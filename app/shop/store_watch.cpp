@@ -60,7 +60,7 @@ StoreWatch::Finding StoreWatch::look()
 {
     const LogProgress before = logNow();
     FileFacts facts;
-    if (const Finding finding = lookAtPath(facts); finding != Finding::Fine)
+    if (const Finding finding = checkPath(facts); finding != Finding::Fine)
         return finding;
     if (isForeign(contentSince(before, facts)))
         return Finding::Overwritten;
@@ -69,7 +69,7 @@ StoreWatch::Finding StoreWatch::look()
     return Finding::Fine;
 }
 
-StoreWatch::Finding StoreWatch::lookAtPath(FileFacts &facts) const
+StoreWatch::Finding StoreWatch::checkPath(FileFacts &facts) const
 {
     for (const QByteArray &path : {m_path, m_filePath}) {
         const auto found = factsOf(path);

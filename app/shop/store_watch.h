@@ -13,8 +13,8 @@ struct sqlite3;
 
 namespace harrowby::app {
 
-/// Whether the file that a program has open is still the one that its path names, and still holds what SQLite has put
-/// there. A look costs a few system calls, reads no page and runs no statement.
+/// Checks whether the file that a program has open is still the one that its path names, and unchanged but by SQLite. A
+/// check costs a few system calls, reads no page and runs no statement.
 class StoreWatch
 {
 public:
@@ -26,7 +26,7 @@ public:
         LogGone,     ///< the log or its index lies beside it no more, or others do
     };
 
-    /// Takes the file as it is now for what it ought to be. `path` is the name that the person gave.
+    /// Takes the file's present state as the right one. `path` is the name that the person gave.
     StoreWatch(sqlite3 *database, const QString &path);
 
     [[nodiscard]] Finding look();
@@ -58,7 +58,7 @@ private:
         bool isSettled = false; ///< nobody was moving the log into the file meanwhile
     };
 
-    [[nodiscard]] Finding lookAtPath(FileFacts &facts) const;
+    [[nodiscard]] Finding checkPath(FileFacts &facts) const;
     [[nodiscard]] FileFacts factsOfOpened() const;
     [[nodiscard]] LogProgress logNow() const;
     [[nodiscard]] Content contentNow() const;

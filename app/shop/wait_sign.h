@@ -9,8 +9,8 @@
 
 namespace harrowby::app {
 
-/// Says on the screen what is waited for while no event runs, and paints itself at once: as a part of the window in
-/// front, or, while there is none yet, in the middle of the screen. It goes with the next event.
+/// A small board that says what is waited for while the event loop does not run. Paints itself at once: as a child of
+/// the window in front, or, while there is none yet, as a window in the middle of the screen. Hidden by the next event.
 class WaitSign
 {
 public:
@@ -19,7 +19,7 @@ public:
     WaitSign(const WaitSign &) = delete;
     WaitSign &operator=(const WaitSign &) = delete;
 
-    /// On the thread of the windows. Called again in the same wait, it keeps the sign in sight.
+    /// On the user-interface thread. Called again in the same wait, it raises and repaints the sign.
     void show();
 
 private:

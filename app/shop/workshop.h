@@ -9,8 +9,8 @@ class QTemporaryDir;
 
 namespace harrowby::app {
 
-/// A hidden folder beside the place of a file that is being made, its owner's alone. It goes with the object. As long
-/// as the program lives it is marked as owned, so that one that a kill has left behind can be told from it.
+/// A hidden folder (mode 0700) beside the place of a file that is being made; removed by the destructor. It is locked
+/// with flock() while the program lives, which tells it from a folder that a killed program has left.
 class Workshop
 {
 public:
@@ -35,7 +35,7 @@ private:
     int m_owner = -1; ///< the folder's descriptor, which holds the mark
 };
 
-/// Removes the workshops in this folder that nobody alive owns. Where the file system knows no such mark, all stay.
+/// Removes the workshops in this folder that no living program has locked. Without flock() all stay.
 void removeLeftWorkshops(const QString &folder);
 
 } // namespace harrowby::app

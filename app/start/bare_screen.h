@@ -10,9 +10,9 @@ class QWidget;
 
 namespace harrowby::app {
 
-/// Does for the program's windows what a window manager would, on an X screen that has none, as many a till's: keys go
-/// to the window that is left when one closes, or that is pressed; boxes have an edge; a maximized window fills the
-/// screen. Does nothing where there is a window manager. Lives as long as the application.
+/// Stands in for a window manager on an X screen without one, as many tills have: sets the X input focus when a window
+/// of the program closes or is pressed, draws an edge around boxes, and sizes a maximized window to the screen. Does
+/// nothing where there is a window manager. Lives as long as the application.
 class BareScreen final : public QObject
 {
     Q_OBJECT

@@ -5,8 +5,7 @@
 
 namespace harrowby::app {
 
-/// Keeps every dialog of the program from being answered by a key that was pressed before it could be seen. Lives as
-/// long as the application.
+/// Installs EarlyKeys in every dialog of the program. Lives as long as the application.
 class BoxGuard final : public QObject
 {
     Q_OBJECT

@@ -14,9 +14,9 @@ struct CloseDisplay
     void operator()(xcb_connection_t *connection) const noexcept;
 };
 
-/// Finds out whether a window can be shown. Qt itself would abort the program instead of saying so; this asks
-/// beforehand and needs no application object. Keep it until there is one: an X server whose only client leaves may
-/// start anew, and refuse the next client meanwhile.
+/// Finds out whether a window can be shown, before the QApplication, which would abort the program. Holds its X
+/// connection: keep it until the QApplication exists, as an X server may reset when its last client disconnects, and
+/// refuses connections while it does.
 class DisplayProbe
 {
 public:

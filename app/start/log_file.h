@@ -11,9 +11,9 @@
 
 namespace harrowby::app {
 
-/// A text file that lines are added to, each with the time. At its limit it becomes "<name>.1", in place of the one
-/// before, and a new one is begun. Several programs may write the same log. Both files are their owner's alone. What
-/// cannot be written is dropped, as a log must not stop a sale, and its handler hears of it.
+/// A text file to which lines are appended, each with the time. At its size limit it is renamed to "<name>.1",
+/// replacing an earlier one, and a new file is begun. Several programs may write the same log. Both files have mode
+/// 0600. A line that cannot be written is dropped, as a log must not stop a sale, and the handler is told.
 class LogFile
 {
 public:

@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// Whether the program is light or dark: as the desktop has it, or as this user has chosen.
+/// The look of the whole program: light, dark, or as the desktop has it (System).
 namespace harrowby::app {
 
 enum class LookChoice {

@@ -5,8 +5,8 @@
 
 namespace harrowby::app {
 
-/// A line around a window that has no frame, so that it does not run into what lies behind it. Lies on the window's
-/// own margin and lets presses through.
+/// Draws an edge around a window without a frame. A child widget over the window's own margin, transparent for the
+/// mouse.
 class WindowEdge final : public QWidget
 {
     Q_OBJECT

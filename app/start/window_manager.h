@@ -6,7 +6,7 @@ class QWindow;
 /// What the program asks of the X server where it has to do without a window manager.
 namespace harrowby::app {
 
-/// Whether somebody else looks after the windows: a window manager, or a platform other than X11.
+/// Whether there is a window manager (_NET_SUPPORTING_WM_CHECK), or the platform is not X11.
 [[nodiscard]] bool hasWindowManager();
 
 /// Whether keys go to no window: to the root window, or nowhere. Another program's window counts as somebody's.

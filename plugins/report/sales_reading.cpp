@@ -11,7 +11,7 @@ namespace harrowby::report {
 
 namespace {
 
-constexpr int rowsBetweenLooks = 128;
+constexpr int rowsPerClockCheck = 128;
 /// Of the whole time, when items are read: the sums come from the index alone.
 constexpr double sumsShare = 0.15;
 
@@ -90,7 +90,7 @@ int SalesReading::probe(const Period &days, int most)
 
 void SalesReading::readRows()
 {
-    for (int row = 0; row < rowsBetweenLooks; ++row) {
+    for (int row = 0; row < rowsPerClockCheck; ++row) {
         const DbCursor::Step step = m_cursor->next();
         if (step == DbCursor::Step::Row) {
             readRow();

@@ -4,7 +4,7 @@
 #include "basic/logging.h"
 #include "platform/file_failures.h"
 #include "platform/hand_over.h"
-#include "platform/receipt_store.h"
+#include "platform/receipt_folder.h"
 #include "receipt/receipt_pdf.h"
 
 #include <utility>
@@ -37,7 +37,7 @@ void ReceiptPrinter::endDocument()
         FileFailures::report(FileFailure::Kind::Receipt, receiptFolders().constFirst(), u"it cannot be drawn"_s);
         return;
     }
-    const QString file = storeReceipt(pdf, now);
+    const QString file = keepReceipt(pdf, now);
     if (!file.isEmpty() && m_handOver)
         m_handOver->start(m_deviceName, file);
 }

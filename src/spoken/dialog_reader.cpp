@@ -5,6 +5,8 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
+using namespace Qt::StringLiterals;
+
 namespace harrowby {
 
 namespace {
@@ -13,13 +15,13 @@ QString kindOf(const QMessageBox &box)
 {
     switch (box.icon()) {
     case QMessageBox::Question:
-        return QObject::tr("Question");
+        return u"Question"_s;
     case QMessageBox::Warning:
-        return QObject::tr("Warning");
+        return u"Warning"_s;
     case QMessageBox::Critical:
-        return QObject::tr("Error");
+        return u"Error"_s;
     default:
-        return QObject::tr("Information");
+        return u"Information"_s;
     }
 }
 

@@ -68,8 +68,8 @@ Controls::Controls(QMainWindow &form)
     dress(form);
 }
 
-/// After all else: a control that is made under a style sheet reads it before it has the name by which the sheet
-/// knows it, and one that is shown before it has a style sheet is dressed twice.
+/// Last: a control made under a style sheet is polished before it has its objectName, and one shown before the style
+/// sheet is set is polished twice.
 void Controls::dress(QMainWindow &form)
 {
     for (Panel *panel : form.findChildren<Panel *>()) {
@@ -90,14 +90,14 @@ void Controls::createWindowFrame(QMainWindow &form)
 
     Command19 = makeButton(whole, u"Command19"_s, u"Sales &Report"_s);
     Command27 = makeButton(whole, u"Command27"_s, u"Log out User"_s);
-    Command20 = makePictureButton(whole, u"Command20"_s, u"help"_s, QObject::tr("Help"));
+    Command20 = makePictureButton(whole, u"Command20"_s, u"help"_s, u"Help"_s);
     Command10 = makeButton(whole, u"Command10"_s, u"Clo&se Inventory"_s);
-    Command8 = makeButton(whole, u"Command8"_s, QObject::tr("Search"));
-    Command8->setAccessibleName(QObject::tr("Search for a stock item"));
+    Command8 = makeButton(whole, u"Command8"_s, u"Search"_s);
+    Command8->setAccessibleName(u"Search for a stock item"_s);
     Command8->setIcon(tillIcon(u"search"_s));
     TabStrip1 = new TabStrip(whole);
     TabStrip1->setObjectName(u"TabStrip1"_s);
-    TabStrip1->setAccessibleName(QObject::tr("Work areas"));
+    TabStrip1->setAccessibleName(u"Work areas"_s);
     for (const QString &caption :
          {u"Quick Sales"_s, u"Custom Sales"_s, u"Add/Edit Stock"_s, u"Reorder Stock"_s, u"Settings"_s})
         TabStrip1->addTab(caption);
@@ -126,11 +126,11 @@ void Controls::createStatusBar(QMainWindow &form)
     StatusBar1->setSizeGripEnabled(false);
     StatusBar1_1 = new ElidedLabel;
     StatusBar1_1->setObjectName(u"StatusBar1_1"_s);
-    StatusBar1_1->setAccessibleDescription(QObject::tr("Login"));
+    StatusBar1_1->setAccessibleDescription(u"Login"_s);
     StatusBar1_2 = new ElidedLabel;
     StatusBar1_2->setObjectName(u"StatusBar1_2"_s);
-    StatusBar1_2->setAccessibleDescription(QObject::tr("Last activity"));
-    // Permanent ones are not hidden by the status tips of a host's actions.
+    StatusBar1_2->setAccessibleDescription(u"Last activity"_s);
+    // addPermanentWidget(): status tips of a host's actions hide normal widgets.
     StatusBar1->addPermanentWidget(StatusBar1_1, 1);
     StatusBar1->addPermanentWidget(StatusBar1_2, 3);
     form.setStatusBar(StatusBar1);

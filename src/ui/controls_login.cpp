@@ -56,10 +56,10 @@ void Controls::createLogin(QMainWindow &form)
 {
     Frame12 = new Panel(Panel::Look::Floating, &form);
     Frame12->setObjectName(u"Frame12"_s);
-    Frame12->setAccessibleName(QObject::tr("Login"));
+    Frame12->setAccessibleName(u"Login"_s);
     Frame12->hide();
-    Text3 = makeEntry(Frame12, u"Text3"_s, QObject::tr("User name"));
-    Text4 = makeEntry(Frame12, u"Text4"_s, QObject::tr("Password"));
+    Text3 = makeEntry(Frame12, u"Text3"_s, u"User name"_s);
+    Text4 = makeEntry(Frame12, u"Text4"_s, u"Password"_s);
     Text4->setEchoMode(QLineEdit::Password);
     Command28 = makePrimaryButton(Frame12, u"Command28"_s, u"&Login!"_s);
     Command29 = makeButton(Frame12, u"Command29"_s, u"&Clear"_s);
@@ -69,8 +69,8 @@ void Controls::createLogin(QMainWindow &form)
     title->setAlignment(Qt::AlignCenter);
     column->addWidget(title);
     column->addSpacing(kGap);
-    column->addLayout(captioned(QObject::tr("User Name"), Text3));
-    column->addLayout(captioned(QObject::tr("Password"), Text4));
+    column->addLayout(captioned(u"User Name"_s, Text3));
+    column->addLayout(captioned(u"Password"_s, Text4));
     column->addSpacing(kGap);
     QBoxLayout *buttons = makeRow();
     buttons->addWidget(Command28, 2);

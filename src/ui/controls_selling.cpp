@@ -37,11 +37,11 @@ ElidedLabel *makeValue(QWidget *parent, const QString &name, const QString &text
 
 void Controls::createQuickSales()
 {
-    Combo1 = makePickList(Frame1, u"Combo1"_s, QObject::tr("Category of the quick-sale items"));
+    Combo1 = makePickList(Frame1, u"Combo1"_s, u"Category of the quick-sale items"_s);
     CmdPrev = makeButton(Frame1, u"CmdPrev"_s, u"Prev"_s);
-    CmdPrev->setAccessibleName(QObject::tr("Previous items"));
+    CmdPrev->setAccessibleName(u"Previous items"_s);
     CmdNext = makeButton(Frame1, u"CmdNext"_s, u"Next"_s);
-    CmdNext->setAccessibleName(QObject::tr("Next items"));
+    CmdNext->setAccessibleName(u"Next items"_s);
 
     QGridLayout *grid = makeGrid(Frame1);
     QBoxLayout *paging = makeRow();
@@ -62,12 +62,12 @@ void Controls::createQuickSales()
 
 void Controls::createCustomSale()
 {
-    Combo2 = makePickList(Frame3, u"Combo2"_s, QObject::tr("Category"));
-    Combo3 = makePickList(Frame3, u"Combo3"_s, QObject::tr("Item"));
-    Combo3->lineEdit()->setPlaceholderText(QObject::tr("Category first, then an item"));
-    Combo4 = makePickList(Frame3, u"Combo4"_s, QObject::tr("Quantity"));
+    Combo2 = makePickList(Frame3, u"Combo2"_s, u"Category"_s);
+    Combo3 = makePickList(Frame3, u"Combo3"_s, u"Item"_s);
+    Combo3->lineEdit()->setPlaceholderText(u"Category first, then an item"_s);
+    Combo4 = makePickList(Frame3, u"Combo4"_s, u"Quantity"_s);
     Combo4->setEntryText(u"0"_s);
-    Command31 = makePictureButton(Frame3, u"Command31"_s, u"keypad"_s, QObject::tr("Keypad"));
+    Command31 = makePictureButton(Frame3, u"Command31"_s, u"keypad"_s, u"Keypad"_s);
     Command15 = makePrimaryButton(Frame3, u"Command15"_s, u"Add Item"_s);
     Label14 = makeValue(Frame3, u"Label14"_s, {}, u"Item:"_s);
     Label7 = makeValue(Frame3, u"Label7"_s, u"0.00"_s, u"Item Unit Cost:"_s);
@@ -75,9 +75,9 @@ void Controls::createCustomSale()
     Label15 = makeValue(Frame3, u"Label15"_s, u"Nil"_s, u"Total Available Item(s):"_s);
 
     QGridLayout *grid = makeGrid(Frame3);
-    grid->addLayout(captioned(QObject::tr("Category"), Combo2), 0, 0, 1, 2);
-    grid->addLayout(captioned(QObject::tr("Item"), Combo3), 0, 2, 1, 4);
-    grid->addLayout(captioned(QObject::tr("Quantity"), Combo4), 1, 0);
+    grid->addLayout(captioned(u"Category"_s, Combo2), 0, 0, 1, 2);
+    grid->addLayout(captioned(u"Item"_s, Combo3), 0, 2, 1, 4);
+    grid->addLayout(captioned(u"Quantity"_s, Combo4), 1, 0);
     grid->addWidget(Command31, 1, 1, Qt::AlignBottom | Qt::AlignLeft);
     grid->addWidget(Command15, 1, 2, 1, 4, Qt::AlignBottom);
     grid->addLayout(captioned(u"Item:"_s, Label14), 2, 0, 1, 6);
@@ -93,7 +93,7 @@ void Controls::createSearchResult()
 {
     LV2 = new RowList({QString(), u"Stock ID"_s, u"Stock Name"_s, u"Stock Category"_s}, Frame11);
     LV2->setObjectName(u"LV2"_s);
-    LV2->setAccessibleName(QObject::tr("Search result"));
+    LV2->setAccessibleName(u"Search result"_s);
     LV2->setItemDelegate(new TwoLineDelegate(LV2));
     LV2->setColumnShares({1, 2, 5, 3});
     Command9 = makeButton(Frame11, u"Command9"_s, u"Close Search Result"_s);
@@ -122,8 +122,8 @@ void Controls::createKeypad()
     grid->addWidget(makeKey(0, u"0"_s), 3, 1);
     grid->addWidget(makeKey(10, u"<---"_s), 3, 0);
     grid->addWidget(makeKey(11, u"Close"_s), 3, 2);
-    Command30[10]->setAccessibleName(QObject::tr("Erase the last digit"));
-    Command30[11]->setAccessibleName(QObject::tr("Close the keypad"));
+    Command30[10]->setAccessibleName(u"Erase the last digit"_s);
+    Command30[11]->setAccessibleName(u"Close the keypad"_s);
 }
 
 } // namespace harrowby

@@ -80,7 +80,7 @@ void Controls::createSideArea()
     auto *counter = new QWidget(page); // what a sale takes, beside the dashboard
     TabStrip2 = new TabStrip(counter);
     TabStrip2->setObjectName(u"TabStrip2"_s);
-    TabStrip2->setAccessibleName(QObject::tr("Side panels"));
+    TabStrip2->setAccessibleName(u"Side panels"_s);
     TabStrip2->addTab(u"Cart"_s);
     TabStrip2->addTab(u"Sales Activity"_s);
     Frame4 = makeSidePanel(counter, u"Frame4"_s);
@@ -104,7 +104,7 @@ void Controls::createCart()
 {
     LV3 = new RowList({u"Item"_s, u"Qty"_s, u"Cost"_s}, Frame4);
     LV3->setObjectName(u"LV3"_s);
-    LV3->setAccessibleName(QObject::tr("Cart"));
+    LV3->setAccessibleName(u"Cart"_s);
     LV3->setColumnShares({10, 1, 2});
     LV3->setColumnSamples({{}, u"999"_s, u"99,999.00"_s});
     LV3->setFigureColumns({1, 2});
@@ -113,12 +113,12 @@ void Controls::createCart()
     Label5->setObjectName(u"Label5"_s);
     Label5->setText(u"Total: 0.00"_s);
     Command14 = makePrimaryButton(Frame4, u"Command14"_s, u"Purchase Cart"_s);
-    Command14->setToolTip(QObject::tr("F12 presses it from anywhere in the window"));
+    Command14->setToolTip(u"F12 presses it from anywhere in the window"_s);
     Command12 = makeButton(Frame4, u"Command12"_s, u"Delete"_s);
-    Command12->setAccessibleName(QObject::tr("Delete the selected item from the cart"));
+    Command12->setAccessibleName(u"Delete the selected item from the cart"_s);
     Command13 = makeButton(Frame4, u"Command13"_s, u"Clear Cart"_s);
     Command25 = makeButton(Frame4, u"Command25"_s, u"Undo"_s);
-    Command25->setAccessibleName(QObject::tr("Undo the last purchase"));
+    Command25->setAccessibleName(u"Undo the last purchase"_s);
 
     QBoxLayout *column = makeColumn(Frame4);
     column->addWidget(LV3, 1);
@@ -134,7 +134,7 @@ void Controls::createActivity()
 {
     Text1 = new ActivityText(Frame5);
     Text1->setObjectName(u"Text1"_s);
-    Text1->setAccessibleName(QObject::tr("Activity log"));
+    Text1->setAccessibleName(u"Activity log"_s);
     Text1->setTabChangesFocus(true);
     Text1->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     Text1->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

@@ -6,17 +6,18 @@
 #include <QFrame>
 #include <QLabel>
 
+using namespace Qt::StringLiterals;
+
 namespace harrowby {
 
 void Controls::nameParts()
 {
-    const std::pair<QFrame *, QString> panels[] = {
-        {Frame1, QObject::tr("Quick sales")},     {Frame2, QObject::tr("Cart and dashboard")},
-        {Frame3, QObject::tr("Custom sale")},     {Frame4, QObject::tr("Cart")},
-        {Frame5, QObject::tr("Sales activity")},  {Frame7, QObject::tr("Stock item")},
-        {Frame8, QObject::tr("Reorder")},         {Frame9, QObject::tr("Settings")},
-        {Frame10, QObject::tr("Existing stock")}, {Frame11, QObject::tr("Search result")},
-        {Frame12, QObject::tr("Login")},          {Frame13, QObject::tr("Keypad")}};
+    const std::pair<QFrame *, QString> panels[] = {{Frame1, u"Quick sales"_s},     {Frame2, u"Cart and dashboard"_s},
+                                                   {Frame3, u"Custom sale"_s},     {Frame4, u"Cart"_s},
+                                                   {Frame5, u"Sales activity"_s},  {Frame7, u"Stock item"_s},
+                                                   {Frame8, u"Reorder"_s},         {Frame9, u"Settings"_s},
+                                                   {Frame10, u"Existing stock"_s}, {Frame11, u"Search result"_s},
+                                                   {Frame12, u"Login"_s},          {Frame13, u"Keypad"_s}};
     for (const auto &[panel, name] : panels)
         panel->setAccessibleName(name);
     // A figure of the dashboard is told with what it counts.

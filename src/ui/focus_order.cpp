@@ -19,7 +19,7 @@ bool takesTab(const QWidget &widget, const QMainWindow &window)
            widget.window() == &window && !isCovered(widget, window);
 }
 
-/// What stands for a widget that may be scrolled out of sight: the part of the window where it comes into view.
+/// The widget itself while it is wholly in view, else the viewport of the scroll area that it is scrolled out of.
 const QWidget &inView(const QWidget &widget, const QWidget &window)
 {
     for (const QWidget *parent = widget.parentWidget(); parent && parent != &window; parent = parent->parentWidget()) {

@@ -8,8 +8,7 @@ class QWidget;
 
 namespace harrowby {
 
-/// Whether a visible widget lies wholly under other widgets of its window: its middle and its four corners are
-/// theirs.
+/// Whether a visible widget is covered by other widgets of its window at its centre and its four corners.
 [[nodiscard]] bool isCovered(const QWidget &widget, const QWidget &window);
 
 /// Gives a control the focus, and marks the whole text of an entry, so that what is typed takes its place. Also where

@@ -35,8 +35,8 @@ struct FormState
     StoreSettings settings;
     LastActions last;
     std::int16_t QuickSalesOffset = 0; ///< first row of the quick-sale page: 0, 9, 18, …
-    std::int16_t CartCount = 0; ///< set to 0 at load and never changed by the cart, on purpose; asked when closing
-    QString MsgTitle;           ///< caption of every message box; never assigned, so empty
+    std::int16_t CartCount = 0;        ///< Intended: 0 at load and never changed by the cart; read when closing
+    QString MsgTitle;                  ///< caption of every message box; never assigned, so empty
 };
 
 } // namespace harrowby

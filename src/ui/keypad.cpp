@@ -23,9 +23,9 @@ void pressKey(const Controls &controls, int key)
     } else if (!quantity.isEnabled()) {
         return;
     } else if (key >= 0 && key <= lastDigit) {
-        quantity.setEntryText(typed + QString::number(key)); // behind the "0" that stands there at first, on purpose
+        quantity.setEntryText(typed + QString::number(key)); // Intended: appended to the initial "0"
     } else if (key == eraser && !typed.isEmpty() && typed != u"0"_s) {
-        quantity.setEntryText(typed.chopped(1)); // a "0" that stands alone stays, on purpose
+        quantity.setEntryText(typed.chopped(1)); // Intended: a single "0" stays
     }
 }
 
@@ -35,7 +35,7 @@ void toggleKeypad(const Controls &controls)
         controls.Frame13->hide();
         return;
     }
-    controls.Frame11->hide(); // they share a place
+    controls.Frame11->hide(); // both have the same place
     bringForward(controls, *controls.Frame13);
 }
 

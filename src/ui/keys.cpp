@@ -13,15 +13,15 @@ bool Inventory::focusNextPrevChild(bool next)
     return focusNextUncovered(*this, next);
 }
 
-/// Comes here from every control, as none of them knows the key. Not a shortcut of Qt's: those are deaf where no window
-/// manager makes the window the active one.
+/// Reached from every control, as none handles the key. Not a QShortcut: without a window manager the window is never
+/// active, and shortcuts do not fire.
 void Inventory::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_F12 || event->modifiers() != Qt::NoModifier)
         return QMainWindow::keyPressEvent(event);
-    // Also where the stock list or the log lies over the button: the question lists the cart.
+    // Also when the stock list or the log covers the button: the question lists the cart.
     if (!event->isAutoRepeat())
-        m_controls.Command14->click(); // which heeds whether it is enabled
+        m_controls.Command14->click(); // does nothing while it is disabled
 }
 
 } // namespace harrowby

@@ -28,7 +28,7 @@ bool mayUseTheTool(DbRecordset &user, const QString &name)
     return (value && valueEqualsTrue(*value)) || name == administratorName;
 }
 
-/// The query and nothing more, on purpose: there is no window of this notice, and none is asked for.
+/// Intended: runs the query and shows nothing.
 void runReorderNotice(const std::shared_ptr<DbConnection> &connection)
 {
     DbRecordset low;
@@ -99,8 +99,8 @@ void Inventory::logOut()
     m_controls.Frame12->raise();
     m_controls.Frame11->hide();
     m_controls.Frame13->hide();
-    // The next user can undo neither the last reorder nor the last purchase. The quantity becomes 1, not 0, on
-    // purpose; the empty item is what says that there is nothing to undo.
+    // The next user can undo neither the last reorder nor the last purchase. Intended: the quantity becomes 1, not 0;
+    // an empty item key means that there is nothing to undo.
     m_state.last.LastReorderQty = 1;
     m_state.last.LastReorderItem.clear();
     m_state.last.LastPurchaseID.clear();

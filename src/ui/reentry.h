@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What keeps handlers apart that are entered while an earlier one lets the window breathe.
+// Guards for handlers that are entered while an earlier one handles events in its loop.
 #pragma once
 
 namespace harrowby {
 
-/// Loads into one place. A later one wins: an earlier one that goes on afterwards leaves the place alone.
+/// The loads that fill one list or page. The latest wins: an earlier one that resumes afterwards writes nothing.
 class LatestLoad
 {
 public:
@@ -22,13 +22,13 @@ public:
         unsigned m_number;
     };
 
-    /// From now on every earlier turn is not the latest any more.
+    /// Begins a load: every earlier turn is no longer the latest.
     Turn begin()
     {
         ++m_begun;
         return current();
     }
-    /// The one that began last.
+    /// Whether no later load has begun.
     [[nodiscard]] Turn current() const { return Turn(*this); }
 
 private:

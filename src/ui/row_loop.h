@@ -34,8 +34,8 @@ void forEachRow(DbRecordset &rows, Row &&row)
 
 /// The texts of one caption or one entry of a list, from columns of the current row.
 ///
-/// This is the one rule for a result that lacks a column: what is made of that column is not made for this row. A
-/// caption stays as it was, and a list gets no entry. fieldText() serves it where there is one column alone.
+/// The rule for a result that lacks a needed column: what is made from that column is skipped for the row. A caption
+/// keeps its text, and a list gets no entry. fieldText() is the same for a single column.
 template <std::size_t N>
 class NeededTexts
 {

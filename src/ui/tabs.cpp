@@ -39,7 +39,7 @@ void showStockPanels(const Controls &controls)
     controls.Command6->setEnabled(true);
     controls.Command26->setEnabled(false);
     bringForward(controls, *controls.Frame7);
-    // Unfinished input is dropped on purpose, also when coming back to the tab.
+    // Intended: unfinished input is dropped, also when coming back to the tab.
     resetStockFields(controls);
     hidePanels({controls.Frame1, controls.Frame3, controls.Frame8, controls.Frame9, controls.Frame13});
 }

@@ -302,11 +302,11 @@ void FirstUserTest::boxesWearTheTillsLook()
     box.setDefaultButton(QMessageBox::No);
     harrowby::dressBox(box);
     box.show();
-    const QImage sign = box.iconPixmap().toImage();
+    const QImage icon = box.iconPixmap().toImage();
     int own = 0;
-    for (int y = 0; y < sign.height(); ++y)
-        for (int x = 0; x < sign.width(); ++x)
-            own += sign.pixelColor(x, y) == colour ? 1 : 0;
+    for (int y = 0; y < icon.height(); ++y)
+        for (int x = 0; x < icon.width(); ++x)
+            own += icon.pixelColor(x, y) == colour ? 1 : 0;
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
     for (const QAbstractButton *button : box.buttons()) {
         QVERIFY(button->icon().isNull() && button->height() >= 44);

@@ -317,7 +317,7 @@ void LostStoreBoxTest::officeClosesFromTheFront()
 /// The till was closed before anybody has looked.
 void LostStoreBoxTest::lossInTheLastMomentIsTold()
 {
-    m_alarm->lookOnceMore(); // all is well: nobody is kept
+    m_alarm->checkOnceMore(); // all is well: nobody is kept
     QVERIFY(QFile::remove(path()));
     QTimer::singleShot(0, this, [this] {
         QVERIFY(box() != nullptr);
@@ -325,7 +325,7 @@ void LostStoreBoxTest::lossInTheLastMomentIsTold()
         QTRY_VERIFY_WITH_TIMEOUT(text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
         press(u"closeLostStore"_s);
     });
-    m_alarm->lookOnceMore();
+    m_alarm->checkOnceMore();
     QVERIFY(box() == nullptr);
     QCOMPARE(QDir(m_folder->path()).entryList({u"shop-rescue-*.db"_s}).size(), 1);
 }

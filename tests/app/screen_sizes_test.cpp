@@ -191,7 +191,7 @@ void ScreenSizesTest::dialogsFit()
     proposal.title = u"My Shop"_s;
     proposal.currency = u"N"_s;
     FirstUserDialog first(m_path, proposal);
-    UserDialog user({}, [](const NewUser &) { return UsersStore::Problem(); });
+    UserDialog user({}, [](const NewUser &) { return UsersTable::Problem(); });
     OfficePasswordDialog door([](const QString &) { return QString(); });
     for (QDialog *dialog : std::initializer_list<QDialog *>{&first, &user, &door}) {
         dialog->show();

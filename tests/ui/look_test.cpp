@@ -161,8 +161,8 @@ private Q_SLOTS:
     void cardsAreLarge();
     void loginIsCentredAndBlocksNothing();
     void boxesAreLargeEnoughToTouch();
-    void boxesHaveTheTillsSigns_data();
-    void boxesHaveTheTillsSigns();
+    void boxesHaveTheTillsIcons_data();
+    void boxesHaveTheTillsIcons();
     void acceleratorsAreUnique();
     void coveredControlsAreSkipped();
     void startsWithItsFirstPanels();
@@ -495,7 +495,7 @@ void LookTest::boxesAreLargeEnoughToTouch()
     }
 }
 
-void LookTest::boxesHaveTheTillsSigns_data()
+void LookTest::boxesHaveTheTillsIcons_data()
 {
     QTest::addColumn<bool>("dark");
     QTest::addColumn<QMessageBox::Icon>("icon");
@@ -510,7 +510,7 @@ void LookTest::boxesHaveTheTillsSigns_data()
     }
 }
 
-void LookTest::boxesHaveTheTillsSigns()
+void LookTest::boxesHaveTheTillsIcons()
 {
     QFETCH(const bool, dark);
     QFETCH(const QMessageBox::Icon, icon);
@@ -521,12 +521,12 @@ void LookTest::boxesHaveTheTillsSigns()
     box.show();
     QApplication::setPalette(dark ? darkPalette() : lightPalette()); // also while it is open
     QCoreApplication::processEvents();
-    const QImage sign = box.iconPixmap().toImage();
-    QCOMPARE(sign.size(), QSize(48, 48));
+    const QImage icon = box.iconPixmap().toImage();
+    QCOMPARE(icon.size(), QSize(48, 48));
     int own = 0;
-    for (int y = 0; y < sign.height(); ++y)
-        for (int x = 0; x < sign.width(); ++x)
-            own += sign.pixelColor(x, y) == colour ? 1 : 0;
+    for (int y = 0; y < icon.height(); ++y)
+        for (int x = 0; x < icon.width(); ++x)
+            own += icon.pixelColor(x, y) == colour ? 1 : 0;
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
     QVERIFY(contrastRatio(colour, Colours::current().card) >= 3.0);
 }

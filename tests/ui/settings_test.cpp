@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
-#include "platform/receipt_store.h"
+#include "platform/receipt_folder.h"
 #include "ui/widgets/pick_list.h"
 
 #include <QCheckBox>

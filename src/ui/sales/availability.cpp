@@ -19,7 +19,7 @@ bool Inventory::StockAvailable(const QString &itemKey, std::int16_t qty)
     item.Open(statements::availableStock(GetIDName(itemKey, KeyPiece::Id), GetIDName(itemKey, KeyPiece::Name)),
               connection());
     if (item.RecordCount() < 1)
-        return false; // disabled, deleted, renamed or stored in mixed case: refused without a word
+        return false; // Intended: no message for an item that is disabled, deleted, renamed or not in capitals
     const int line = FindCartLine(itemKey);
     const float available = toSingle(item.Field(u"StockAvailable"_s).number()).value_or(0.0F);
     if (available <= 0.0F) {

@@ -24,7 +24,7 @@ int Inventory::FindCartLine(const QString &itemKey) const
 float Inventory::FindCost(const QString &itemKey)
 {
     DbRecordset item;
-    // Also for disabled items, on purpose: what is in the cart has its price.
+    // Intended: disabled items too, so that what is in the cart keeps its price.
     item.Open(statements::stockById(costLookupId(itemKey)), connection());
     return item.RecordCount() > 0 ? unitCost(item.Field(u"StockCost"_s).text()) : 0.0F;
 }
@@ -45,7 +45,7 @@ void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool
         LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + itemKey + u" Added!"_s, box::Information, false,
                     true);
     }
-    // The last line is selected, on purpose also when an earlier one was updated.
+    // Intended: the last line is selected, also when an earlier one was updated.
     m_controls.LV3->selectRow(cart.rowCount() - 1);
     UpdateCart();
 }
@@ -70,7 +70,7 @@ void Inventory::deleteCartLine()
     list.rows().removeRowAt(row);
     list.selectRow(qMin(row, list.rows().rowCount() - 1));
     UpdateCart();
-    // Names the line that is selected now, not the deleted one, on purpose.
+    // Intended: names the line that is selected now, not the deleted one.
     const QString selected = trimBlanks(list.rows().text(list.selectedRow(), CartColumn::Item));
     LogActivity(u"Item ["_s + selected + u"] deleted!"_s, box::Information, false, true);
 }
@@ -105,8 +105,8 @@ void Inventory::changeLinePrice()
     }
     const std::optional<double> price = wholeNumber(answer);
     if (!price)
-        return; // a number, but none that fits
-    // The line's price, not the unit's. The total keeps the old sum until the cart changes, on purpose.
+        return; // numeric, but not a 32-bit float
+    // The line's price, not the unit's. Intended: the total keeps the old sum until the cart changes.
     cart.setText(row, CartColumn::Cost, formatFixed(*price));
     LogActivity(u"Cost of Item "_s + item + u" changed to "_s + formatFixed(*price) + u"!"_s, box::Information, false,
                 true);

@@ -22,7 +22,7 @@ void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t q
 
 void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost)
 {
-    // Not a 16-bit value: 20000 and 20000 make 40000.
+    // A double, as two 16-bit quantities may add up to more than 16 bits hold.
     const double quantity = qty + leadingNumber(cart.text(row, CartColumn::Qty));
     cart.setText(row, CartColumn::Qty, plainText(quantity));
     cart.setText(row, CartColumn::Cost, formatMoney(mergedLineCost(unitCost, quantity)));

@@ -15,7 +15,7 @@ class TextTableModel;
 struct Controls;
 
 void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost);
-/// The quantity that the line has and `qty` more, at today's price.
+/// Adds `qty` to the line's quantity and prices the sum at the stock's current unit cost.
 void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
 void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
 

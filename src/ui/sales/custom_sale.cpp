@@ -23,13 +23,13 @@ namespace harrowby {
 
 namespace {
 
-/// As the total counts it: what does not convert as a whole, up to where it is a number.
+/// The quantity as the total counts it: the number that the text starts with.
 double quantityShown(const QString &typed)
 {
     return wholeNumber(typed).value_or(leadingNumberWithoutCommas(typed));
 }
 
-/// As the cart takes it. Empty when it is not numeric, below 1, or more than 16 bits hold.
+/// The quantity as the cart takes it. Empty when it is not numeric, below 1, or above 32,767.
 std::optional<std::int16_t> quantityToSell(const QString &typed)
 {
     const std::optional<double> number = wholeNumber(typed);
@@ -39,7 +39,7 @@ std::optional<std::int16_t> quantityToSell(const QString &typed)
 void showItemTotal(const Controls &controls, double unitCost)
 {
     const double total = unitCost * quantityShown(controls.Combo4->entryText());
-    if (std::isfinite(total)) // else no number holds it, and the old one stays
+    if (std::isfinite(total)) // on overflow the old total stays
         controls.Label9->setText(formatMoney(total));
 }
 
@@ -55,7 +55,7 @@ void resetCustomSale(const Controls &controls)
 
 void showCustomSaleTotal(const Controls &controls)
 {
-    // The unit cost is read up to its first comma, on purpose: of 1,250.00 it is the 1. The cart has the right one.
+    // Intended: the unit cost is read up to its first comma, so 1,250.00 counts as 1 here. The cart has the right one.
     showItemTotal(controls, leadingNumber(controls.Label7->text()));
 }
 
@@ -63,7 +63,7 @@ void Inventory::LoadStockItem(PickList &list, const QString &category)
 {
     list.clearEntries();
     const LatestLoad::Turn fill = list.fill();
-    // The reorder panel lists finished items too, whatever the setting.
+    // Intended: the reorder panel lists finished items too, whatever the setting.
     const bool isSale = list.objectName().compare("Combo3"_L1, Qt::CaseInsensitive) == 0;
     DbRecordset items;
     items.Open(statements::stockItems(isSale && m_state.settings.HideFinishedFlag != 0, category), connection(),
@@ -114,7 +114,7 @@ void Inventory::addCustomItem()
 {
     const QString key = m_controls.Combo3->entryText();
     if (trimBlanks(key).isEmpty()) {
-        warn(u"You have selected an item!"_s); // the words for none being selected, on purpose
+        warn(u"You have selected an item!"_s); // Intended: this text, though none is selected
         leadTo(*m_controls.Combo3);
         return;
     }
@@ -128,7 +128,7 @@ void Inventory::addCustomItem()
         return;
     FindandUpdateCart(key, *quantity, false);
     m_controls.TabStrip2->selectTab(SidePanel::Cart);
-    customSaleCategoryChosen(); // drops the chosen item
+    customSaleCategoryChosen(); // unselects the item
     m_controls.Combo4->setEntryText(QString());
     resetCustomSale(m_controls);
 }

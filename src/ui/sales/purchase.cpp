@@ -57,7 +57,7 @@ QString savePurchase(const std::shared_ptr<DbConnection> &connection, const Cloc
                      const Sale &sale)
 {
     DbRecordset purchase;
-    // Held up to the row that is added: of two tills in one second one finds the other's ID.
+    // The write lock is kept from this check to the insert: of two tills in one second, one sees the other's ID.
     purchase.OpenHeld(statements::purchase(firstId), connection, DbRecordset::Access::Read);
     const QString id = purchaseIdToSave(firstId, purchase.RecordCount() > 0, [&clock] { return clock.now(); });
     purchase.AddNew();
@@ -94,7 +94,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
         return;
     SaveCart();
     UpdateCart();
-    // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
+    // Intended: on the settings tab only; its list of purchases is read anew when the tab is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
     resetCustomSale(m_controls);
@@ -106,7 +106,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
 
 void Inventory::SaveCart()
 {
-    // Nothing here is rolled back: what fails is skipped, and the rest goes on.
+    // Intended: nothing is rolled back; a statement that fails is skipped, and the next ones run.
     const bool receipt = m_controls.Check5->isChecked();
     const ReceiptWriter writer(*m_platform.printers, *m_platform.settings,
                                [this](const QString &text) { PRINTS(text, false); });
@@ -129,7 +129,7 @@ void Inventory::SaveCart()
     const QString items = purchasedItems(lines);
     const QString firstId = purchaseId(m_platform.clock->now());
     showCartTotal(m_controls, u"0.00"_s, 0);
-    m_controls.LV3->rows().clear(); // before the row is written: its values are at hand
+    m_controls.LV3->rows().clear(); // before the insert, whose values have been computed
     const QString id = savePurchase(connection(), *m_platform.clock, firstId,
                                     {items, lineCount, total.value(), m_state.login.LoggedUser});
     m_state.last.LastPurchaseID = id;

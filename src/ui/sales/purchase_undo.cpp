@@ -27,16 +27,16 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
         warn(u"Nothing to Undo!"_s);
         return;
     }
-    // The stored number of lines bounds the loop, not the elements, on purpose: what is missing is skipped, what is
-    // more is left.
+    // Intended: the stored number of lines bounds the loop, not the number of elements; missing elements are skipped,
+    // surplus ones ignored.
     std::int16_t count = 0;
     if (const std::optional<DbValue> stored = purchase.Field(u"PurchasedItemsTotal"_s).value())
         count = valueInt16(*stored).value_or(count);
     const QStringList elements = splitPurchase(purchase.Field(u"PurchasedItems"_s).text());
-    m_controls.LV3->rows().clear(); // nothing is given back for what the cart held
+    m_controls.LV3->rows().clear(); // Intended: the cart's lines go without a change of stock
     for (qsizetype i = 0; i < count; ++i) {
         if (const std::optional<RestoredLine> line = restoredLine(elements.value(i))) {
-            // By the ID alone, whatever the item is called by now.
+            // Intended: by the ID alone; the item may have been renamed.
             Execute(connection(), statements::raiseStock(line->quantity, line->stockId));
             FindandUpdateCart(itemKey(line->stockId, line->stockName), line->quantity, mergeIntoCart);
         }
@@ -44,7 +44,7 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
     }
     Execute(connection(), statements::deletePurchase(id));
     RefreshDashboard();
-    m_state.last.LastPurchaseID.clear(); // whichever purchase it was
+    m_state.last.LastPurchaseID.clear(); // Intended: whichever purchase was deleted
 }
 
 void Inventory::undoLastPurchase()
@@ -57,9 +57,9 @@ void Inventory::undoLastPurchase()
         return;
     const OneAtATime::Turn undoing = m_underWay.purchaseUndo.begin();
     UndoPurchase(m_state.last.LastPurchaseID, true);
-    m_state.last.ReceiptText.clear(); // what was taken back is not to be printed again
+    m_state.last.ReceiptText.clear(); // a purchase that was taken back cannot be reprinted
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
-    // On this tab alone, on purpose: the list stands on the settings page, which reads it when it is opened.
+    // Intended: on the settings tab only; its list of purchases is read anew when the tab is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
 }
@@ -71,7 +71,7 @@ void Inventory::deletePurchase()
         warn(u"Nothing to Delete!"_s);
         return;
     }
-    // "br" and "(Y/N)" are the text's own.
+    // Intended: "br" and "(Y/N)" belong to the text.
     if (ask(u"Delete Purchased Cart with ID ["_s + id + u"]."_s + crLf +
                 u"All purchased items will br restored (Y/N)?"_s,
             box::Ask) != Answer::Yes)

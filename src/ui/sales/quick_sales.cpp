@@ -44,7 +44,7 @@ void fill(QuickSaleButton &button, DbRecordset &item)
         button.setOutOfStock(valueNumber(*available) <= 0.0);
 }
 
-/// Whether further items follow the page that begins behind `offset` items.
+/// Whether items follow the page that begins at row `offset` (0-based).
 bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFinished, const QString &category,
                     int offset)
 {
@@ -53,8 +53,8 @@ bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFi
     return items.RecordCount() != offset + pageSize;
 }
 
-/// Keeps the focus in the paging. A button that is disabled hands it on to the first item, and the next press of the
-/// space bar would sell.
+/// Keeps the focus in the paging: Qt would pass the focus of a disabled button to the first item, where the next press
+/// of the space bar sells.
 void leadToPaging(QPushButton &pressed, QPushButton &other)
 {
     if (!pressed.isEnabled() && other.isEnabled())
@@ -72,13 +72,13 @@ void Inventory::LoadQuickSales(bool movedForward)
     page.Open(statements::quickSalesPage(hideFinished, category, offset), connection());
     const int rows = page.RecordCount();
     if (rows == 0) {
-        // The buttons keep what they showed, and the offset is not corrected, on purpose.
+        // Intended: the buttons keep what they showed, and the offset is not corrected.
         m_controls.CmdNext->setEnabled(offset != 0 && !movedForward);
         m_controls.CmdPrev->setEnabled(offset != 0 && movedForward);
         return;
     }
-    const LatestLoad::Turn load =
-        m_underWay.pageLoads.begin(); // not before: an empty page does not stand in another one's way
+    // Not earlier: an empty page must not cancel a load under way.
+    const LatestLoad::Turn load = m_underWay.pageLoads.begin();
     std::size_t shown = 0;
     forEachRow(page, [&] {
         if (load.isLatest() && shown < m_controls.Command1.size())
@@ -86,7 +86,7 @@ void Inventory::LoadQuickSales(bool movedForward)
         m_breather.breathe();
     });
     if (!load.isLatest())
-        return; // a later page was filled meanwhile
+        return; // a later load has filled the buttons meanwhile
     for (; shown < m_controls.Command1.size(); ++shown)
         blank(*m_controls.Command1.at(shown));
     m_controls.CmdNext->setEnabled(rows >= pageSize && moreQuickSales(connection(), hideFinished, category, offset));
@@ -97,7 +97,7 @@ void Inventory::nextQuickSales()
 {
     const bool hadFocus = m_controls.CmdNext->hasFocus();
     if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - pageSize)
-        return; // the page number has 16 bits: its overflow ends the step with nothing changed
+        return; // Intended: a page number above 16 bits changes nothing
     m_controls.CmdPrev->setEnabled(true);
     m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset + pageSize);
     LoadQuickSales(true);

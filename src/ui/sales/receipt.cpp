@@ -23,7 +23,7 @@ std::shared_ptr<Printer> Inventory::UsePrinter()
 {
     const QStringList names = m_platform.printers->deviceNames();
     for (const QString &name : names) {
-        // Read afresh for each printer, as the host may write it meanwhile.
+        // Read again for each printer, as the host may write it meanwhile.
         if (name == m_platform.settings->get(saved::ReceiptPrinter))
             return m_platform.printers->printer(name);
     }
@@ -32,7 +32,7 @@ std::shared_ptr<Printer> Inventory::UsePrinter()
 
 bool Inventory::LoadPrinter()
 {
-    m_controls.Combo3->clearEntries(); // the item list, on purpose: the printer list is only ever added to
+    m_controls.Combo3->clearEntries(); // Intended: clears the item list, while printers are only ever added
     const QStringList names = m_platform.printers->deviceNames();
     for (const QString &name : names)
         m_controls.Combo9->addEntry(name);

@@ -22,7 +22,7 @@ public:
     /// Printers and settings must outlive it.
     ReceiptWriter(Printers &printers, SavedSettings &settings, PrintLine printLine);
 
-    /// `unsaved` stands in for a title or an address that nobody has saved.
+    /// `unsaved` is printed where no title or address is saved.
     void printHeader(const QString &unsaved) const;
     void printTotals(float lineCount, float total) const;
     /// Ends the print job too.

@@ -36,7 +36,7 @@ void Inventory::searchStock()
     constexpr qsizetype shortest = 3;
     const qsizetype length = trimBlanks(text).size();
     if (length >= shortest)
-        SearchLoad(text); // as it was entered: a blank before or after the text is looked for too
+        SearchLoad(text); // Intended: not trimmed, blanks are searched for too
     else if (length > 0)
         warn(u"Invalid Search Entry?"_s);
 }
@@ -56,14 +56,14 @@ void Inventory::SearchLoad(const QString &text)
     m_controls.placeSearchResult(tab == WorkArea::EditStock || tab == WorkArea::ReorderStock);
     bringForward(m_controls, *m_controls.Frame11);
     m_controls.Frame13->hide();
-    m_controls.LV2->setFocus(); // where the arrow keys choose, and Enter takes what is chosen
+    m_controls.LV2->setFocus(); // the arrow keys choose a row there, Enter takes it
     NeededTexts texts(found, u"StockID"_s, u"StockName"_s, u"StockCategory"_s);
     forEachRow(found, [&] {
         if (texts.read())
             results.queueRow({QString::number(results.lastRow() + 2) + u'.', texts[0].toString(), texts[1].toString(),
                               texts[2].toString()});
         m_breather.breathe([&] { results.publishRows(); });
-        return fill.isLatest(); // else another search has begun meanwhile
+        return fill.isLatest(); // else a later search fills the list
     });
     if (fill.isLatest() && found.HasFailed())
         results.clear();
@@ -78,7 +78,7 @@ void Inventory::selectSearchResult()
         return;
     const QString category = results.text(row, ResultColumn::Category);
     const QString key = itemKey(results.text(row, ResultColumn::Id), results.text(row, ResultColumn::Name));
-    // The texts alone: the custom sale keeps the cost and the stock that it shows, on purpose. On the other tabs
+    // Intended: sets the texts only; the custom sale keeps the cost and stock figures that it shows. On other tabs
     // nothing happens.
     switch (m_controls.TabStrip1->selectedTab()) {
     case WorkArea::CustomSales:

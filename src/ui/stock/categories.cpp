@@ -35,7 +35,7 @@ void Inventory::LoadCategory()
         texts.at(i) = lists.at(i)->entryText();
     for (PickList *list : lists)
         list->clearEntries();
-    // Not in Combo5: an item cannot belong to all categories at once.
+    // Combo5 has no entry for all categories: an item belongs to one.
     for (PickList *list : {m_controls.Combo1, m_controls.Combo2, m_controls.Combo12})
         list->addEntry(statements::allCategories);
     DbRecordset categories;
@@ -48,12 +48,12 @@ void Inventory::LoadCategory()
         }
         m_breather.breathe();
     });
-    if (load.isLatest()) { // else the lists were filled afresh meanwhile
+    if (load.isLatest()) { // else a later load has filled the lists
         for (PickList *list : lists)
             list->addEntry(statements::otherCategory);
     }
     for (std::size_t i = 0; i < lists.size(); ++i) {
-        if (lists.at(i)->entryText().isEmpty()) // else it was chosen meanwhile
+        if (lists.at(i)->entryText().isEmpty()) // else a user has chosen one meanwhile
             lists.at(i)->setEntryText(texts.at(i));
     }
 }
@@ -81,7 +81,7 @@ void Inventory::addCategory()
         warn(u"Category Name Entry is Blank!"_s);
         return;
     }
-    // The list on screen is asked, not the table, and to the letter: FOOD goes in beside Food.
+    // Intended: compared with the list on screen, not the table, and case-sensitively: FOOD is added beside Food.
     if (!m_controls.List2->findItems(name, Qt::MatchExactly | Qt::MatchCaseSensitive).isEmpty()) {
         warn(u"Category Already Added!"_s);
         return;
@@ -106,12 +106,12 @@ void Inventory::renameCategory()
     const QString answer = askForText(u"Change Category["_s + oldName + u"] to what new name?"_s,
                                       u"Change Category - "_s + m_state.MsgTitle, QString());
     const QString newName = trimmedUpper(answer);
-    constexpr qsizetype shortest = 3; // counted with the blanks around it, on purpose
+    constexpr qsizetype shortest = 3; // Intended: surrounding blanks count
     if (answer.toUpper().size() < shortest || newName.isEmpty()) {
         warn(u"Category Name too short!"_s);
         return;
     }
-    // Neither reserved names nor existing ones are refused here; only adding guards them.
+    // Intended: reserved and existing names are not refused here, only by adding.
     Execute(connection(), statements::renameCategory(newName, oldName));
     Execute(connection(), statements::moveStock(newName, oldName));
     m_controls.List2->model()->setData(entry, newName);
@@ -140,7 +140,7 @@ void Inventory::deleteCategory()
     LoadCategory();
     if (entry.isValid())
         m_controls.List2->model()->removeRow(entry.row());
-    // Nobody chose the entry that took its place; the next "Delete" is not to be about it.
+    // Unselect the entry that took its place: nobody chose it, and the next "Delete" would remove it.
     m_controls.List2->setCurrentRow(-1);
     LogActivity(u"Category ["_s + name + u"] Deleted!"_s, box::Information, false, false);
 }

@@ -25,7 +25,7 @@ namespace {
 void addToStock(DbRecordset &stock, double units)
 {
     const double sum = stock.Field(u"StockAvailable"_s).number() + units;
-    if (std::isfinite(sum)) // else no number holds it, and the old one stays
+    if (std::isfinite(sum)) // on overflow the stored figure stays
         stock.Field(u"StockAvailable"_s).assign(storedFigure(sum));
 }
 
@@ -39,7 +39,7 @@ bool openHeld(DbRecordset &stock, const QString &key, const std::shared_ptr<DbCo
     return stock.RecordCount() > 0;
 }
 
-/// More than 16 bits hold are added all the same, and cannot be taken back.
+/// Intended: more than 32,767 units are added, too, and cannot be undone.
 void rememberForUndo(LastActions &last, const QString &key, double units)
 {
     const std::optional<std::int16_t> undoable = toInt16(units);
@@ -79,7 +79,7 @@ ListedStock listedStock(DbRecordset &stock)
 
 void Inventory::reorderCategoryChosen()
 {
-    // The item's text goes first: its change handler shows an item that is not there.
+    // First: clearing the item's text runs its change handler, which would overwrite the figures set below.
     m_controls.Combo11->clearEntries();
     showLowLevel(m_controls, false);
     m_controls.Label13->setText(u"0"_s);
@@ -95,7 +95,7 @@ void Inventory::showReorderItem()
     if (stock.RecordCount() == 0) {
         m_controls.Label13->setText(u"0"_s);
         m_controls.Label12->setText(u"0"_s);
-        m_controls.Label12->setLow(true); // this one alone, on purpose
+        m_controls.Label12->setLow(true); // Intended: this label only
         return;
     }
     if (leadingNumber(m_controls.Combo10->entryText()) < 1.0)
@@ -120,7 +120,7 @@ void Inventory::reorderStock()
         return;
     const QString key = m_controls.Combo11->entryText();
     rememberForUndo(m_state.last, key, units);
-    // Not rounded here, but in the undo: 1.5 come in, and 2 are taken back.
+    // Intended: not rounded here but in the undo, so that 1.5 are added and 2 taken back.
     addToStock(stock, units);
     stock.Field(u"StockReorderUser"_s).assign(m_state.login.LoggedUser);
     stock.Update();
@@ -150,7 +150,7 @@ void Inventory::undoReorder()
     addToStock(stock, -m_state.last.LastReorderQty);
     stock.Update();
     showField(*m_controls.Label13, stock, u"StockAvailable"_s);
-    // The number of units is not in this line, on purpose. Nor is the dashboard refreshed here.
+    // Intended: the line does not name the number of units, and the dashboard is not refreshed.
     LogActivity(u"Item(s) Removed from Stock ["_s + m_state.last.LastReorderItem + u"]. New Available Stock is "_s +
                     m_controls.Label13->text() + u'.',
                 box::Information, false, true);

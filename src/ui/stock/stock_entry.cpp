@@ -34,7 +34,7 @@ void writeStock(DbRecordset &stock, const StockItem &item, const QString &user, 
     stock.Field(u"StockReorderLevel"_s).assign(storedFigure(item.reorderLevel));
     stock.Field(u"StockAvailable"_s).assign(storedFigure(item.available));
     stock.Field(u"StockLastUpdated"_s).assign(time);
-    // Names, not times, whatever the columns are called; and a save counts as a reorder, on purpose.
+    // Intended: these columns get user names, not times, and a save counts as a reorder.
     if (isNew)
         stock.Field(u"StockAdded"_s).assign(user);
     stock.Field(u"StockLastModified"_s).assign(user);
@@ -49,7 +49,7 @@ QString freeStockId(const QString &prefix, Breather &breather,
                     const std::function<std::shared_ptr<DbConnection>()> &connection)
 {
     DbRecordset stock;
-    // Counts none unless an ID ends in "-*", so that the numbers begin at 1 and the first gap is taken.
+    // Intended: counts only IDs that end in "-*", usually none, so that numbers begin at 1 and the first gap is taken.
     stock.Open(statements::automaticIdCount(prefix), connection());
     std::int16_t number = 0;
     if (const std::optional<DbValue> count = stock.Field(u"Counts"_s).value())
@@ -61,7 +61,7 @@ QString freeStockId(const QString &prefix, Breather &breather,
         if (stock.RecordCount() == 0)
             return id;
     }
-    return {}; // the number has 16 bits: its overflow ends the save without a word
+    return {}; // Intended: above 16 bits the save ends without a message
 }
 
 } // namespace
@@ -76,7 +76,7 @@ void Inventory::editSelectedStock()
 
 void Inventory::EditStock()
 {
-    // The list shows IDs upper-cased, so one that is stored otherwise is not found, and the fields keep what they had.
+    // Intended: the list shows IDs in capitals; one that is stored otherwise is not found, and the fields stay.
     const QString id = m_controls.LV->rows().text(m_controls.LV->selectedRow(), StockColumn::Id);
     DbRecordset stock;
     stock.Open(statements::stockById(id), connection());
@@ -104,7 +104,7 @@ void Inventory::saveStock()
         return;
     }
     StockItem item = stockItem(entry);
-    const bool automatic = m_controls.Combo6->entryText() == automaticIdText; // to the letter: a blank makes it an ID
+    const bool automatic = m_controls.Combo6->entryText() == automaticIdText; // exactly: with a blank it is an ID
     if (automatic) {
         item.id = freeStockId(automaticIdPrefix(item.category), m_breather, [this] { return connection(); });
         if (item.id.isEmpty())
@@ -119,7 +119,7 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
     DbRecordset stock;
     stock.Open(automaticId ? statements::sameStockName(upperName) : statements::sameStock(item.id, upperName),
                connection(), DbRecordset::Access::Edit);
-    const int found = stock.RecordCount(); // 0 also when a quote in the ID or the name made the statement fail
+    const int found = stock.RecordCount(); // Intended: 0 also when a quote made the statement fail
     if (found > 1) {
         warn(multipleEntriesText(item));
         return;
@@ -135,7 +135,7 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
     }
     const QString time = stockTime(m_platform.clock->now());
     writeStock(stock, item, m_state.login.LoggedUser, time, isNew);
-    // Listed and told as done whether or not it could be written, on purpose.
+    // Intended: listed and reported as done, also when the write failed.
     FindandUpdateStock({item.id, item.name, item.category, item.cost, plainText(item.reorderLevel),
                         plainText(item.available), item.use, time},
                        isNew ? QString() : item.id);

@@ -26,7 +26,7 @@ void resetStockFields(const Controls &controls)
 void startNewStock(const Controls &controls)
 {
     resetStockFields(controls);
-    leadTo(*controls.Combo5); // before the button goes, as the focus would go with it
+    leadTo(*controls.Combo5); // first: disabling the focused button would move the focus
     controls.Command26->setEnabled(false);
 }
 

@@ -15,7 +15,7 @@ void startNewStock(const Controls &controls);
 void formatStockCost(const Controls &controls);
 
 [[nodiscard]] StockEntry enteredStock(const Controls &controls);
-/// To the field that the fault is in, where it is one to be typed anew.
+/// Gives the focus to the field with the fault, if it is one to be typed again.
 void leadToFault(const Controls &controls, StockFault fault);
 
 } // namespace harrowby

@@ -58,8 +58,8 @@ void Inventory::LoadStock(bool keepRows)
     }
     const LatestLoad::Turn fill = list.fill();
     DbRecordset stock;
-    // A walk that breaks empties the list that it was filling; rows that are kept are not begun with before all is
-    // read.
+    // A SELECT that fails halfway must leave no rows: a list that is being filled is cleared, and one that keeps its
+    // rows is updated only after all rows have been read.
     stock.Open(statements::allStock(), connection(), keepRows ? DbRecordset::Access::Read : DbRecordset::Access::Walk);
     StockRowReader reader(stock, list.columnCount());
     PackedTexts newNames;
@@ -73,13 +73,13 @@ void Inventory::LoadStock(bool keepRows)
             list.expectRow(reader.id());
             reader.readRest();
             placed = placeRow(list, reader.row());
-            // The colour goes to the last row, on purpose also when an earlier one was updated.
+            // Intended: the last row is coloured, also when an earlier one was updated.
             list.setLow(list.lastRow(), reader.isLow());
         }
         if (reader.hasName())
             newNames.append(reader.name());
         m_breather.breathe(showRows);
-        return fill.isLatest(); // else another refresh has filled the list afresh
+        return fill.isLatest(); // else a later refresh fills the list
     });
     if (fill.isLatest() && stock.HasFailed() && !keepRows) {
         list.clear();
@@ -87,7 +87,7 @@ void Inventory::LoadStock(bool keepRows)
     } else if (fill.isLatest() && (placed >= 0 || !newNames.isEmpty())) {
         showRows();
     }
-    if (names.entryText().isEmpty()) // else something was entered meanwhile
+    if (names.entryText().isEmpty()) // else a user has typed something meanwhile
         names.setEntryText(typedName);
 }
 
@@ -127,7 +127,7 @@ void Inventory::chooseStockRow()
         return;
     }
     const int row = m_controls.LV->selectedRow();
-    m_controls.Combo12->setEntryText(u"(All Category)"_s); // in other capitals than the lists have it, on purpose
+    m_controls.Combo12->setEntryText(u"(All Category)"_s); // Intended: not the spelling of the lists' entry
     m_controls.Combo11->setEntryText(itemKey(list.text(row, StockColumn::Id), list.text(row, StockColumn::Name)));
 }
 
@@ -142,12 +142,12 @@ void Inventory::deleteStock()
     const QPersistentModelIndex entry = list.index(row, 0); // the list may change while the box is open
     if (ask(u"Delete Stock ["_s + name + u"] with "_s + id + u"?"_s, box::AskDefaultNo) != Answer::Yes)
         return;
-    // Told and taken from the list whether or not the statement could be carried out, on purpose.
+    // Intended: reported and removed from the list, also when the statement failed.
     Execute(connection(), statements::deleteStock(trimBlanks(id)));
     LogActivity(u"Stock ["_s + name + u"] with "_s + id + u" has been deleted!"_s, box::Information, false, false);
     if (entry.isValid())
         list.removeRowAt(entry.row());
-    m_controls.LV->selectRow(-1); // nobody chose the row that took its place
+    m_controls.LV->selectRow(-1); // unselect the row that took its place
 }
 
 } // namespace harrowby

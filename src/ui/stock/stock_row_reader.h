@@ -14,8 +14,7 @@ namespace harrowby {
 
 class DbRecordset;
 
-/// Makes rows of the existing-stock list straight from the rows of a long walk, with next to no text object in
-/// between: what is left of the time goes to the engine.
+/// Makes rows of the existing-stock list from the rows of a walk, in UTF-8 and without a QString for each text.
 class StockRowReader
 {
 public:

@@ -10,14 +10,14 @@ namespace harrowby {
 ActivityText::ActivityText(QWidget *parent) : QPlainTextEdit(parent)
 {
     setReadOnly(true);
-    setUndoRedoEnabled(false); // nobody undoes in the log, and the history would grow with it
+    setUndoRedoEnabled(false); // the undo history would grow with the log
 }
 
 void ActivityText::prepend(const QString &entry)
 {
     const int characters = document()->characterCount();
     const int paragraphs = document()->blockCount();
-    // Inserted in front rather than set as a whole, so that a long day's log costs nothing.
+    // Inserted in front: setting the whole text costs time in proportion to the log.
     QTextCursor(document()).insertText(entry);
     const Entry added = {document()->characterCount() - characters, document()->blockCount() - paragraphs};
     m_entries.push_front(added);

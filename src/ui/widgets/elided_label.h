@@ -43,7 +43,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 };
 
-/// A stock level on a coloured ground; a low one carries a sign beside its colour.
+/// A stock level on a coloured ground; a low one has a mark beside its colour.
 class LevelLabel : public ElidedLabel
 {
     Q_OBJECT

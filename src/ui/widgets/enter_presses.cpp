@@ -15,7 +15,7 @@ bool EnterPresses::eventFilter(QObject *watched, QEvent *event)
     auto *button = qobject_cast<QAbstractButton *>(watched);
     if (!enter || button == nullptr || !button->isEnabled())
         return false;
-    // A key that is held down presses once: nobody buys thirty of something by leaning on the keyboard.
+    // Auto-repeat is ignored: a key that is held down presses once.
     if (!key->isAutoRepeat())
         button->click();
     return true;

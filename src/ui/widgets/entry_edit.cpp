@@ -17,8 +17,8 @@ namespace harrowby {
 
 namespace {
 
-/// By Tab, by an accelerator or from code; not by a press, which puts the caret where it hits, nor by the going of
-/// what stood in front.
+/// Whether the focus came by Tab, an accelerator or setFocus(): not by the mouse, which places the caret, nor because a
+/// pop-up or another window has closed.
 bool comesForANewText(Qt::FocusReason reason)
 {
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason ||
@@ -32,7 +32,7 @@ EntryEdit::EntryEdit(QWidget *parent) : QLineEdit(parent)
     connect(this, &QLineEdit::textChanged, this, &EntryEdit::showStart);
 }
 
-/// The focus leaves a widget that goes away when little is left of it.
+/// Disconnects first: QWidget's destructor clears the focus, and the slot would run on a partly destroyed object.
 EntryEdit::~EntryEdit()
 {
     disconnect(m_waiting);
@@ -70,7 +70,7 @@ void EntryEdit::rest()
     setCursorPosition(0);
 }
 
-/// The focus may be somewhere else when it comes back to the window, and then this entry hears of it no more.
+/// The window may get the focus back with another focus widget, and then no event reaches this entry.
 void EntryEdit::waitBehindAnother()
 {
     disconnect(m_waiting);

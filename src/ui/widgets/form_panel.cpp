@@ -55,8 +55,7 @@ void FormPanel::setVisible(bool visible)
     Panel::setVisible(visible);
 }
 
-/// Not before the panel is shown for the first time: the scroller asks the page for its size, and the controls on it
-/// are not dressed yet.
+/// Not before the first show: the scroll area asks the page for its size hint, which would polish its controls.
 void FormPanel::addScroller()
 {
     if (m_scroller)
@@ -96,7 +95,7 @@ void FormPanel::showFocus(const QWidget *, QWidget *now)
 {
     if (!now || !isVisible() || !m_page->isAncestorOf(now))
         return;
-    // The whole control: QScrollArea by itself is content with the caret of an entry.
+    // The whole control: QScrollArea only makes the text cursor of an entry visible.
     const QRect place(now->mapTo(m_page, QPoint()), now->size());
     m_scroller->ensureVisible(place.center().x(), place.center().y(), 0, place.height() / 2 + kAround);
 }

@@ -14,7 +14,7 @@ NameList::NameList(QWidget *parent) : QListWidget(parent)
     setUniformItemSizes(true);
 }
 
-/// The base class lets Ctrl take the selection off a name.
+/// Without this, Ctrl+click unselects the name.
 QItemSelectionModel::SelectionFlags NameList::selectionCommand(const QModelIndex &index, const QEvent *) const
 {
     return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;

@@ -55,7 +55,7 @@ void PackedTexts::append(const PackedTexts &texts)
 
 void PackedTexts::removeAt(qsizetype index)
 {
-    m_begins.erase(m_begins.begin() + index); // its bytes stay: to move all that follow them would take longer
+    m_begins.erase(m_begins.begin() + index); // the bytes stay: moving all later ones would cost more than their memory
 }
 
 void PackedTexts::clear()

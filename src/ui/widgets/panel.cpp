@@ -108,7 +108,7 @@ int Panel::margin() const
 void Panel::dressWhenShown()
 {
     if (layout())
-        layout()->setEnabled(false); // no control is asked for its size before it is dressed
+        layout()->setEnabled(false); // size hints are not asked for before the controls are polished
     for (QWidget *widget : findChildren<QWidget *>()) {
         widget->installEventFilter(this);
         m_undressed.emplace_back(widget);
@@ -122,7 +122,7 @@ void Panel::setVisible(bool visible)
     QFrame::setVisible(visible);
 }
 
-/// Qt dresses a widget ("polishes" it) once, with its window and whether it is hidden or not.
+/// Qt polishes a widget (applies the style sheet) once, when its window is first shown, also while it is hidden.
 bool Panel::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::Polish)

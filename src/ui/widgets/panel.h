@@ -29,7 +29,7 @@ public:
     /// Gutter and padding of a card follow it.
     void setDensity(Density density);
 
-    /// Leaves all that stands in the panel undressed until the panel is first shown. The style sheet's work on a
+    /// Delays polishing (applying the style sheet to) the panel's children until the panel is first shown: polishing a
     /// control takes longer than making it, and a window opens with most of its panels hidden.
     void dressWhenShown();
 

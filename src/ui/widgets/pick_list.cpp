@@ -32,8 +32,7 @@ namespace {
 
 constexpr int kFewestCharacters = 6;
 
-/// An edit that has a completer already gets none of the combo box's making, which costs more to make and to throw
-/// away than the rest of the list.
+/// setLineEdit() creates a costly completer unless the edit already has one.
 QCompleter *noCompleter()
 {
     static QPointer<QCompleter> completer;
@@ -52,8 +51,8 @@ bool walksTheEntries(int key)
 
 PickList::PickList(QWidget *parent) : QComboBox(parent), m_entries(new EntryModel(this))
 {
-    setFocusPolicy(Qt::StrongFocus); // the wheel scrolls what lies around it, and neither takes the focus nor picks
-    setPlaceholderText(u" "_s);      // keeps the first entry from selecting itself
+    setFocusPolicy(Qt::StrongFocus); // no wheel: it scrolls the panel, and does not pick
+    setPlaceholderText(u" "_s);      // with a placeholder QComboBox does not select the first entry
     setInsertPolicy(NoInsert);
     setModel(m_entries);
     auto *entry = new EntryEdit(this);
@@ -94,7 +93,7 @@ void PickList::dropEntries()
     const int cursor = lineEdit()->cursorPosition();
     setCurrentIndex(-1);
     m_fills.begin();
-    m_entries->clear(); // and with them the base class clears the text
+    m_entries->clear(); // QComboBox then clears the text too
     lineEdit()->setText(text);
     lineEdit()->setCursorPosition(cursor);
 }
@@ -121,13 +120,13 @@ void PickList::removeEntry(int index)
     if (index < 0 || index >= count())
         return;
     const bool wasSelected = index == currentIndex();
-    dropSelection(); // else the base class would select a neighbour
+    dropSelection(); // else QComboBox selects a neighbour
     m_entries->removeRows(index, 1);
     if (wasSelected)
         setEntryText({});
 }
 
-/// As if the entry had been clicked in the list that dropped down.
+/// Acts as if the entry had been clicked in the popup.
 void PickList::pressPart(int index)
 {
     if (!isEnabled() || index < 0 || index >= count())

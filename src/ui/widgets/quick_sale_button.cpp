@@ -35,7 +35,7 @@ double fitting(double part, double smallest, double largest)
     return std::clamp(part, smallest, largest);
 }
 
-/// A text that goes on behind its first line: cut off behind a word if there is room for the sign that says so.
+/// A text that goes on after its first line: cut off after a word if there is room for the ellipsis.
 QString elided(const QString &text, int lineLength, const QFontMetrics &metrics, int width)
 {
     const QString whole = text.left(lineLength).trimmed() + kCutOff;
@@ -52,7 +52,7 @@ struct QuickSaleButton::Face
     double idPixels;
     double namePixels;
     double pricePixels;
-    int bandHeight; ///< of the sign that the item is out of stock
+    int bandHeight; ///< of the band that says that the item is out of stock
 };
 
 QuickSaleButton::QuickSaleButton(QWidget *parent) : QAbstractButton(parent)
@@ -220,7 +220,7 @@ void QuickSaleButton::paintBand(QPainter &painter, const QRectF &card, const Fac
     painter.fillRect(band, colours.danger);
     painter.setPen(colours.onDanger);
     painter.setFont(sized(face.idPixels, true));
-    painter.drawText(band, Qt::AlignCenter, tr("OUT OF STOCK"));
+    painter.drawText(band, Qt::AlignCenter, u"OUT OF STOCK"_s);
     painter.restore();
 }
 
@@ -234,7 +234,7 @@ QFont QuickSaleButton::nameFont(const Face &face, int width) const
     const auto fits = [&] {
         const QFontMetrics metrics(sized(pixels, true));
         return std::ranges::all_of(words, [&](const QString &word) {
-            return metrics.horizontalAdvance(word + kCutOff) <= width; // the last one may be followed by the sign
+            return metrics.horizontalAdvance(word + kCutOff) <= width; // the last one may be followed by the ellipsis
         });
     };
     while (pixels > smallest && !fits())
@@ -296,8 +296,8 @@ void QuickSaleButton::describe()
 {
     const QString id = face().id;
     setAccessibleDescription(isBlank()      ? QString()
-                             : m_outOfStock ? tr("Stock ID %1, out of stock").arg(id)
-                                            : tr("Stock ID %1").arg(id));
+                             : m_outOfStock ? u"Stock ID %1, out of stock"_s.arg(id)
+                                            : u"Stock ID %1"_s.arg(id));
 }
 
 } // namespace harrowby

@@ -19,8 +19,7 @@ public:
     /// The row after those that it knows.
     void append(QStringView text);
     void clear();
-    /// Tells that find() of the text will follow: meanwhile the processor fetches what that needs. Looking up a row of
-    /// a long list is little else than waiting for memory.
+    /// Prefetches the memory that find() of this text will read: a lookup in a long list is bound by memory latency.
     void expect(QStringView text) const;
 
     /// First row whose text `equals` says is the one looked for; -1 when there is none.

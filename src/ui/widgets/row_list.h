@@ -40,7 +40,7 @@ public:
     /// Columns of money and quantities, which stand flush right.
     void setFigureColumns(std::set<int> columns);
 
-    /// Repaints the cells that changed and no more: the base class repaints the whole list for a row.
+    /// Repaints the changed cells only; QTreeView repaints the whole viewport.
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = QList<int>()) override;
 

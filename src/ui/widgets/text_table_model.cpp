@@ -36,9 +36,9 @@ QVariant TextTableModel::data(const QModelIndex &index, int role) const
         return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ForegroundRole:
         return index.column() == 0 ? levelColour(index.row()) : QVariant();
-    case SignRole:
+    case MarkRole:
     case Qt::AccessibleTextRole:
-        return index.column() == 0 && isLow(index.row()) ? levelSign(index.row(), role) : QVariant();
+        return index.column() == 0 && isLow(index.row()) ? lowMark(index.row(), role) : QVariant();
     default:
         return {};
     }
@@ -57,9 +57,9 @@ QVariant TextTableModel::levelColour(int row) const
 }
 
 /// Of a low row.
-QVariant TextTableModel::levelSign(int row, int role) const
+QVariant TextTableModel::lowMark(int row, int role) const
 {
-    return role == SignRole ? u"\u25BC "_s + tr("low") : tr("%1, low stock").arg(text(row, 0));
+    return role == MarkRole ? u"\u25BC "_s + u"low"_s : u"%1, low stock"_s.arg(text(row, 0));
 }
 
 QVariant TextTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -182,7 +182,7 @@ void TextTableModel::setLow(int row, bool low)
     const Level level = low ? Level::Low : Level::Enough;
     if (!has(row) || std::exchange(m_rows[size_t(row)].level, level) == level)
         return;
-    changed(row, 0, 0, {Qt::ForegroundRole, SignRole, Qt::AccessibleTextRole});
+    changed(row, 0, 0, {Qt::ForegroundRole, MarkRole, Qt::AccessibleTextRole});
 }
 
 bool TextTableModel::isLow(int row) const

@@ -16,15 +16,15 @@ namespace harrowby {
 /// Rows of plain texts under fixed column headers: what a list view of the counter shows. The view's rows are the
 /// only copy of what they show (the cart has no other storage). Rows are 0-based here, and any number of them.
 ///
-/// A long loop queues its rows: they are there for whoever asks for texts or looks for a row, and the views hear of
-/// all that were queued at once, when publishRows() is called. Every other change publishes them first.
+/// A long loop queues its rows: text() and find functions see them at once, the views only when publishRows() announces
+/// all queued rows together. Every other change publishes them first.
 class TextTableModel : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
-    /// What is painted before a cell's text and is no part of it: a sign beside its colour.
-    static constexpr int SignRole = Qt::UserRole;
+    /// A mark that is painted with a cell's text but is no part of it, so that colour is not the only difference.
+    static constexpr int MarkRole = Qt::UserRole;
 
     explicit TextTableModel(QStringList headers, QObject *parent = nullptr);
 
@@ -63,7 +63,7 @@ public:
     /// Tells that findRow() of the text will follow, to make it quicker.
     void expectRow(QStringView text) const { m_index.expect(text); }
 
-    /// Draws the first column of a row red and with a sign, which a screen reader is told of too, or black and without;
+    /// Draws the first column of a row red and with a mark, which a screen reader is told of too, or black and without;
     /// a row that was never told draws in the list's colour.
     void setLow(int row, bool low);
     [[nodiscard]] bool isLow(int row) const;
@@ -78,7 +78,7 @@ private:
 
     [[nodiscard]] bool has(int row) const { return row >= 0 && row < int(m_rows.size()); }
     [[nodiscard]] QVariant levelColour(int row) const;
-    [[nodiscard]] QVariant levelSign(int row, int role) const;
+    [[nodiscard]] QVariant lowMark(int row, int role) const;
     void changed(int row, int firstColumn, int lastColumn, const QList<int> &roles);
 
     QStringList m_headers;

@@ -34,12 +34,12 @@ int lineHeight(const QStyleOptionViewItem &cell)
 }
 
 /// Beneath a text that takes one line of two, where it costs no width; before any other, and then without its word.
-QString withSign(const QStyleOptionViewItem &cell, const QString &sign)
+QString withMark(const QStyleOptionViewItem &cell, const QString &mark)
 {
     const QRect area = cell.rect.adjusted(padding, 0, -padding, 0);
     const bool hasRoom =
         2 * lineHeight(cell) <= area.height() && cell.fontMetrics.horizontalAdvance(cell.text) <= area.width();
-    return hasRoom ? cell.text + QChar::LineSeparator + sign : sign.first(1) + QChar::Nbsp + cell.text;
+    return hasRoom ? cell.text + QChar::LineSeparator + mark : mark.first(1) + QChar::Nbsp + cell.text;
 }
 
 } // namespace
@@ -48,8 +48,8 @@ void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
 {
     QStyledItemDelegate::initStyleOption(option, index);
     option->palette.setColor(QPalette::HighlightedText, option->palette.color(QPalette::Text));
-    if (const QString sign = index.data(TextTableModel::SignRole).toString(); !sign.isEmpty())
-        option->text = withSign(*option, sign);
+    if (const QString mark = index.data(TextTableModel::MarkRole).toString(); !mark.isEmpty())
+        option->text = withMark(*option, mark);
 }
 
 void TwoLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/receipt_store.h"
+#include "platform/receipt_folder.h"
 
 #include "basic/logging.h"
 #include "basic/private_files.h"
@@ -57,7 +57,7 @@ struct Outcome
     QString reason;
 };
 
-Outcome storeIn(const QDir &folder, const QByteArray &pdf, const QString &title)
+Outcome keepIn(const QDir &folder, const QByteArray &pdf, const QString &title)
 {
     QString reason = makePrivateFolder(folder.path());
     if (reason.isEmpty()) {
@@ -90,12 +90,12 @@ QString receiptTitle(const QDateTime &time)
     return u"Receipt "_s + time.toString(u"yyyy-MM-dd HH-mm-ss"_s);
 }
 
-QString storeReceipt(const QByteArray &pdf, const QDateTime &time)
+QString keepReceipt(const QByteArray &pdf, const QDateTime &time)
 {
     const QStringList folders = receiptFolders();
     QStringList reasons;
     for (const QString &folder : folders) {
-        const Outcome outcome = storeIn(QDir(folder), pdf, receiptTitle(time));
+        const Outcome outcome = keepIn(QDir(folder), pdf, receiptTitle(time));
         if (!outcome.path.isEmpty()) {
             FileFailures::reportSuccess(FileFailure::Kind::Receipt, folder);
             return outcome.path;

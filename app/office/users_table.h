@@ -35,13 +35,13 @@ struct NewUser
 
 /// The table Users. What it stores is what the till's login finds again; columns that it does not know stay as they
 /// are. Every function returns, when it fails, what happened in words for a person, and then nothing has changed.
-class UsersStore
+class UsersTable
 {
 public:
     using Problem = std::optional<QString>;
 
     /// The database must outlive it.
-    explicit UsersStore(sqlite3 *database) : m_database(database) {}
+    explicit UsersTable(sqlite3 *database) : m_database(database) {}
 
     /// All users by name.
     [[nodiscard]] Problem list(QList<StoreUser> &users) const;

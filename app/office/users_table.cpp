@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/office/users_store.h"
+#include "app/office/users_table.h"
 
 #include "app/office/user_rules.h"
 #include "app/shop/failure_text.h"
@@ -82,7 +82,7 @@ QString loginObstacle(const StoreUser &user)
     return user.rights.contains(userRights().constFirst().column) ? QString() : u"may not use the till"_s;
 }
 
-UsersStore::Problem UsersStore::list(QList<StoreUser> &users) const
+UsersTable::Problem UsersTable::list(QList<StoreUser> &users) const
 {
     users.clear();
     const QStringList columns = rightColumns();
@@ -96,7 +96,7 @@ UsersStore::Problem UsersStore::list(QList<StoreUser> &users) const
     return {};
 }
 
-UsersStore::Problem UsersStore::add(const NewUser &user) const
+UsersTable::Problem UsersTable::add(const NewUser &user) const
 {
     if (QString problem = userNameProblem(user.name); !problem.isEmpty())
         return problem;
@@ -116,7 +116,7 @@ UsersStore::Problem UsersStore::add(const NewUser &user) const
     return problem;
 }
 
-UsersStore::Problem UsersStore::addUnlessTaken(const NewUser &user) const
+UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
 {
     const QString name = storedUserName(user.name);
     QList<StoreUser> users;
@@ -141,14 +141,14 @@ UsersStore::Problem UsersStore::addUnlessTaken(const NewUser &user) const
     return {};
 }
 
-UsersStore::Problem UsersStore::setPassword(const StoreUser &user, const QString &password) const
+UsersTable::Problem UsersTable::setPassword(const StoreUser &user, const QString &password) const
 {
     if (QString problem = passwordProblem(password); !problem.isEmpty())
         return problem;
     return change(user, u"Password"_s, storedPassword(password));
 }
 
-UsersStore::Problem UsersStore::setRight(const StoreUser &user, const QString &column, bool on) const
+UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &column, bool on) const
 {
     if (!rightColumns().contains(column))
         return noChange;
@@ -166,14 +166,14 @@ UsersStore::Problem UsersStore::setRight(const StoreUser &user, const QString &c
     return change(user, column, flagLike(stored, on));
 }
 
-UsersStore::Problem UsersStore::setType(const StoreUser &user, const QString &type) const
+UsersTable::Problem UsersTable::setType(const StoreUser &user, const QString &type) const
 {
     if (isAdministrator(user.name) && type == viewerType)
         return u"ADMINISTRATOR must be able to log in."_s;
     return change(user, u"Type"_s, type);
 }
 
-UsersStore::Problem UsersStore::change(const StoreUser &user, const QString &column, const DbValue &value) const
+UsersTable::Problem UsersTable::change(const StoreUser &user, const QString &column, const DbValue &value) const
 {
     // The name is looked at too: another program may have renumbered the rows since they were read.
     const QString update = u"UPDATE Users SET %1 = ?1 WHERE rowid = ?2 AND Username = ?3"_s.arg(column);

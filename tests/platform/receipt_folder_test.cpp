@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/receipt_store.h"
+#include "platform/receipt_folder.h"
 
 #include "platform/file_failures.h"
 
@@ -48,7 +48,7 @@ private:
 
 } // namespace
 
-class ReceiptStoreTest : public QObject
+class ReceiptFolderTest : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private Q_SLOTS:
 
     void theNameTellsTheTime()
     {
-        const QString path = storeReceipt("%PDF", soldAt);
+        const QString path = keepReceipt("%PDF", soldAt);
         QCOMPARE(path, m_home.receipts() + u"/Receipt 2026-11-20 14-07-09.pdf"_s);
         QCOMPARE(contents(path), "%PDF"_ba);
         QCOMPARE(m_home.receiptFiles(), {path});
@@ -70,7 +70,7 @@ private Q_SLOTS:
     {
         QStringList expected;
         for (int i = 1; i <= 3; ++i) {
-            const QString path = storeReceipt(QByteArray::number(i), soldAt);
+            const QString path = keepReceipt(QByteArray::number(i), soldAt);
             QCOMPARE(contents(path), QByteArray::number(i));
             expected += path;
         }
@@ -86,7 +86,7 @@ private Q_SLOTS:
         QVERIFY(folders.open(QIODevice::WriteOnly));
         folders.write("XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n");
         folders.close();
-        QCOMPARE(storeReceipt("x", soldAt),
+        QCOMPARE(keepReceipt("x", soldAt),
                  m_home.path(u"Dokumente/Harrowby Receipts/Receipt 2026-11-20 14-07-09.pdf"_s));
     }
 
@@ -95,7 +95,7 @@ private Q_SLOTS:
         const LogCapture log;
         QFile blocker(m_home.path(u"Documents"_s));
         QVERIFY(blocker.open(QIODevice::WriteOnly));
-        const QString path = storeReceipt("%PDF", soldAt);
+        const QString path = keepReceipt("%PDF", soldAt);
         QCOMPARE(path, m_home.path(u".local/share/Harrowby/Harrowby Receipts/Receipt 2026-11-20 14-07-09.pdf"_s));
         QCOMPARE(contents(path), "%PDF"_ba);
         QVERIFY(log.hasLine({u"harrowby.print"_s, m_home.receipts()}));
@@ -107,7 +107,7 @@ private Q_SLOTS:
             struct stat facts = {};
             return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
         };
-        QCOMPARE(mode(storeReceipt("%PDF", soldAt)), 0600);
+        QCOMPARE(mode(keepReceipt("%PDF", soldAt)), 0600);
         QCOMPARE(mode(m_home.receipts()), 0700);
     }
 
@@ -119,13 +119,13 @@ private Q_SLOTS:
         QString path;
         {
             const FullDisk full(1000);
-            path = storeReceipt(QByteArray(5'000, 'x'), soldAt);
+            path = keepReceipt(QByteArray(5'000, 'x'), soldAt);
         }
         QCOMPARE(failures.size(), 1);
         QVERIFY(failures.constFirst().kind == FileFailure::Kind::Receipt);
         QCOMPARE(failures.constFirst().path, m_home.receipts());
         QCOMPARE(failures.constFirst().reason, u"File too large"_s);
-        QVERIFY(!storeReceipt("x", soldAt).isEmpty());
+        QVERIFY(!keepReceipt("x", soldAt).isEmpty());
         QVERIFY(failures.constLast().isOver);
         FileFailures::setHandler({});
         QVERIFY(QFile::remove(m_home.receiptFiles().constFirst()));
@@ -136,5 +136,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ReceiptStoreTest)
-#include "receipt_store_test.moc"
+QTEST_GUILESS_MAIN(ReceiptFolderTest)
+#include "receipt_folder_test.moc"

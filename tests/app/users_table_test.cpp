@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_rules.h"
-#include "app/office/users_store.h"
+#include "app/office/users_table.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/statement_texts.h"
@@ -16,7 +16,7 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-class UsersStoreTest : public QObject
+class UsersTableTest : public QObject
 {
     Q_OBJECT
 
@@ -48,14 +48,14 @@ private:
     [[nodiscard]] int foundByLogin(const QString &name, const QString &password) const;
     void run(const QString &statement) { QVERIFY2(!runSql(m_database.get(), statement), qPrintable(statement)); }
     [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
-    [[nodiscard]] UsersStore store() const { return UsersStore(m_database.get()); }
+    [[nodiscard]] UsersTable store() const { return UsersTable(m_database.get()); }
 
     QTemporaryDir m_folder;
     QString m_path;
     SqliteDatabase m_database;
 };
 
-void UsersStoreTest::init()
+void UsersTableTest::init()
 {
     m_path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u'-' +
                                QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s);
@@ -63,7 +63,7 @@ void UsersStoreTest::init()
     QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
 }
 
-StoreUser UsersStoreTest::user(const QString &name) const
+StoreUser UsersTableTest::user(const QString &name) const
 {
     QList<StoreUser> users;
     if (store().list(users))
@@ -75,7 +75,7 @@ StoreUser UsersStoreTest::user(const QString &name) const
     return {};
 }
 
-int UsersStoreTest::foundByLogin(const QString &name, const QString &password) const
+int UsersTableTest::foundByLogin(const QString &name, const QString &password) const
 {
     const auto login = harrowby::statements::login(harrowby::trimmedUpper(name), harrowby::trimmedUpper(password));
     if (login.isRefused())
@@ -87,7 +87,7 @@ int UsersStoreTest::foundByLogin(const QString &name, const QString &password) c
     return query.error() ? -1 : rows;
 }
 
-void UsersStoreTest::addedUserIsFoundByTheLogin_data()
+void UsersTableTest::addedUserIsFoundByTheLogin_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("typed");
@@ -99,7 +99,7 @@ void UsersStoreTest::addedUserIsFoundByTheLogin_data()
     QTest::newRow("greek") << u"μάριος"_s << u"ΜΆΡΙΟΣ"_s;
 }
 
-void UsersStoreTest::addedUserIsFoundByTheLogin()
+void UsersTableTest::addedUserIsFoundByTheLogin()
 {
     QFETCH(QString, name);
     QFETCH(QString, typed);
@@ -110,7 +110,7 @@ void UsersStoreTest::addedUserIsFoundByTheLogin()
     QCOMPARE(loginObstacle(user(storedUserName(name))), QString());
 }
 
-void UsersStoreTest::refusedUser_data()
+void UsersTableTest::refusedUser_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("password");
@@ -128,7 +128,7 @@ void UsersStoreTest::refusedUser_data()
     QTest::newRow("taken by a host's umlaut") << u"JÖRG"_s << u"p"_s << u"already"_s;
 }
 
-void UsersStoreTest::refusedUser()
+void UsersTableTest::refusedUser()
 {
     QFETCH(QString, name);
     QFETCH(QString, password);
@@ -141,7 +141,7 @@ void UsersStoreTest::refusedUser()
     QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
 }
 
-void UsersStoreTest::flagsAreWhatTheLoginReads()
+void UsersTableTest::flagsAreWhatTheLoginReads()
 {
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {u"InventorySales"_s}}));
     QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventorySales"_s});
@@ -159,7 +159,7 @@ void UsersStoreTest::flagsAreWhatTheLoginReads()
     QVERIFY(store().setRight(user(u"ANNA"_s), u"Password"_s, true)); // no right
 }
 
-void UsersStoreTest::flagKeepsTheFormOfTheHost()
+void UsersTableTest::flagKeepsTheFormOfTheHost()
 {
     run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
         "VALUES ('ANNA', 'P', 'STAFF', 'False', 'True')"_s);
@@ -170,7 +170,7 @@ void UsersStoreTest::flagKeepsTheFormOfTheHost()
     QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventoryUse"_s});
 }
 
-void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes_data()
+void UsersTableTest::storedFlagsAreReadAsTheLoginDoes_data()
 {
     QTest::addColumn<QString>("stored");
     QTest::addColumn<bool>("mayUse");
@@ -183,7 +183,7 @@ void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes_data()
     QTest::newRow("yes") << u"'yes'"_s << false << false;
 }
 
-void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes()
+void UsersTableTest::storedFlagsAreReadAsTheLoginDoes()
 {
     QFETCH(QString, stored);
     QFETCH(bool, mayUse);
@@ -195,7 +195,7 @@ void UsersStoreTest::storedFlagsAreReadAsTheLoginDoes()
     QCOMPARE(loginObstacle(user(u"ANNA"_s)).isEmpty(), mayUse);
 }
 
-void UsersStoreTest::administratorKeepsEveryRight()
+void UsersTableTest::administratorKeepsEveryRight()
 {
     run(u"UPDATE Users SET InventoryUse = 0, InventorySales = 0"_s);
     QCOMPARE(user(u"ADMINISTRATOR"_s).rights.size(), userRights().size());
@@ -204,7 +204,7 @@ void UsersStoreTest::administratorKeepsEveryRight()
     QCOMPARE(read(u"SELECT Type || InventorySales FROM Users"_s), u"ADMINISTRATOR0"_s);
 }
 
-void UsersStoreTest::typeAndPasswordChange()
+void UsersTableTest::typeAndPasswordChange()
 {
     QVERIFY(!store().add({u"anna"_s, u"old"_s, u"STAFF"_s, {}}));
     QVERIFY(!store().setPassword(user(u"ANNA"_s), u" New one "_s));
@@ -215,7 +215,7 @@ void UsersStoreTest::typeAndPasswordChange()
     QCOMPARE(foundByLogin(u"anna"_s, u"new one"_s), 0);
 }
 
-void UsersStoreTest::whatHindersTheLogin_data()
+void UsersTableTest::whatHindersTheLogin_data()
 {
     QTest::addColumn<QString>("row");
     QTest::addColumn<QString>("said");
@@ -230,7 +230,7 @@ void UsersStoreTest::whatHindersTheLogin_data()
     QTest::newRow("small letters are found") << u"'abe', 'pass', 'STAFF', -1"_s << QString();
 }
 
-void UsersStoreTest::whatHindersTheLogin()
+void UsersTableTest::whatHindersTheLogin()
 {
     QFETCH(QString, row);
     QFETCH(QString, said);
@@ -243,7 +243,7 @@ void UsersStoreTest::whatHindersTheLogin()
     QVERIFY2(said.isEmpty() ? obstacle.isEmpty() : obstacle.contains(said), qPrintable(obstacle));
 }
 
-void UsersStoreTest::otherColumnsAndUsersStayAsTheyAre()
+void UsersTableTest::otherColumnsAndUsersStayAsTheyAre()
 {
     run(u"ALTER TABLE Users ADD COLUMN Telephone TEXT DEFAULT 'none'"_s);
     run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, Telephone) VALUES ('BOB', 'P', 'STAFF', 1, '42')"_s);
@@ -253,7 +253,7 @@ void UsersStoreTest::otherColumnsAndUsersStayAsTheyAre()
              (QStringList{u"ADMINISTRATORnone-1"_s, u"ANNAnone0"_s, u"BOB421"_s}));
 }
 
-void UsersStoreTest::vanishedUserIsTold()
+void UsersTableTest::vanishedUserIsTold()
 {
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
     const StoreUser anna = user(u"ANNA"_s);
@@ -266,7 +266,7 @@ void UsersStoreTest::vanishedUserIsTold()
     QCOMPARE(read(u"SELECT Password FROM Users WHERE Username = 'BOB'"_s), u"P"_s);
 }
 
-void UsersStoreTest::lockedStoreIsToldAndUnchanged()
+void UsersTableTest::lockedStoreIsToldAndUnchanged()
 {
     SqliteDatabase other;
     QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
@@ -280,7 +280,7 @@ void UsersStoreTest::lockedStoreIsToldAndUnchanged()
 }
 
 /// The engine asks whether to wait only when nothing is open on the connection that wants to write.
-void UsersStoreTest::rightWaitsForATillThatWrites()
+void UsersTableTest::rightWaitsForATillThatWrites()
 {
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
     run(u"PRAGMA journal_mode = WAL"_s);
@@ -295,7 +295,7 @@ void UsersStoreTest::rightWaitsForATillThatWrites()
     QCOMPARE(user(u"ANNA"_s).rights.contains(u"InventoryUndo"_s), true);
 }
 
-void UsersStoreTest::ruleOfTheHostIsTold()
+void UsersTableTest::ruleOfTheHostIsTold()
 {
     run(u"CREATE TRIGGER rule BEFORE INSERT ON Users BEGIN SELECT RAISE(ABORT, 'ask the host'); END"_s);
     const auto problem = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
@@ -303,12 +303,12 @@ void UsersStoreTest::ruleOfTheHostIsTold()
     QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
 }
 
-void UsersStoreTest::usualRightsOfTypes()
+void UsersTableTest::usualRightsOfTypes()
 {
     QCOMPARE(usualRights(u"STAFF"_s), (QStringList{u"InventoryUse"_s, u"InventorySales"_s}));
     QCOMPARE(usualRights(u"MANAGER"_s).size(), userRights().size());
     QCOMPARE(usualRights(u"VIEWER"_s), QStringList());
 }
 
-QTEST_GUILESS_MAIN(UsersStoreTest)
-#include "users_store_test.moc"
+QTEST_GUILESS_MAIN(UsersTableTest)
+#include "users_table_test.moc"
