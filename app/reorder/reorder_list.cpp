@@ -28,12 +28,12 @@ namespace {
 constexpr auto stepTime = 25ms;
 constexpr int missingColumn = 5;
 
-QLabel *createLabel(const QString &name, const QString &look, QWidget *parent)
+QLabel *createLabel(const QString &name, const QString &styleWord, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
-    label->setProperty("look", look);
+    label->setProperty("styleWord", styleWord);
     return label;
 }
 

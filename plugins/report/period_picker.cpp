@@ -26,7 +26,7 @@ QWidget *captioned(const QString &caption, QWidget *control, QWidget *parent)
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(2);
     auto *label = new QLabel(caption, both);
-    label->setProperty("look", u"caption"_s);
+    label->setProperty("styleWord", u"caption"_s);
     label->setBuddy(control);
     rows->addWidget(label);
     rows->addWidget(control);

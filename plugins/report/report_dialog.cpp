@@ -36,12 +36,12 @@ constexpr QSize smallestSize(760, 540);
 constexpr int widestSorting = 320;
 constexpr int progressSteps = 1000;
 
-QLabel *createLabel(const QString &name, const QString &look, QWidget *parent)
+QLabel *createLabel(const QString &name, const QString &styleWord, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
-    label->setProperty("look", look);
+    label->setProperty("styleWord", styleWord);
     return label;
 }
 

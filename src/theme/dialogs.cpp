@@ -52,7 +52,7 @@ void dressBox(QMessageBox &box)
 
 void makePrimary(QPushButton &button)
 {
-    button.setProperty("look", u"primary"_s);
+    button.setProperty("styleWord", u"primary"_s);
 }
 
 void enlargeFont(QWidget &window)
@@ -76,7 +76,7 @@ void centreCaptions(QFormLayout &form)
             auto *label = item != nullptr ? qobject_cast<QLabel *>(item->widget()) : nullptr;
             if (label == nullptr)
                 continue;
-            label->setProperty("look", u"field"_s);
+            label->setProperty("styleWord", u"field"_s);
             label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         }
     }

@@ -37,7 +37,7 @@ QFrame *named(Panel *panel, const QString &name)
 
 QFrame *makeCard(QWidget &stage, const QString &name)
 {
-    return named(new Panel(Panel::Look::Card, &stage), name);
+    return named(new Panel(Panel::Kind::Card, &stage), name);
 }
 
 QFrame *makeForm(QWidget &stage, const QString &name)

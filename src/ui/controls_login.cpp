@@ -54,7 +54,7 @@ private:
 
 void Controls::createLogin(QMainWindow &form)
 {
-    Frame12 = new Panel(Panel::Look::Floating, &form);
+    Frame12 = new Panel(Panel::Kind::Floating, &form);
     Frame12->setObjectName(u"Frame12"_s);
     Frame12->setAccessibleName(u"Login"_s);
     Frame12->hide();

@@ -29,7 +29,7 @@ ElidedLabel *makeValue(QWidget *parent, const QString &name, const QString &text
     value->setObjectName(name);
     value->setText(text);
     value->setAccessibleDescription(caption);
-    setLook(value, u"value"_s);
+    setStyleWord(value, u"value"_s);
     return value;
 }
 
@@ -111,7 +111,7 @@ void Controls::createKeypad()
 {
     const auto makeKey = [this](int index, const QString &caption) {
         QPushButton *key = makeButton(Frame13, elementName(u"Command30"_s, index), caption);
-        setLook(key, u"key"_s);
+        setStyleWord(key, u"key"_s);
         key->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         Command30[size_t(index)] = key;
         return key;

@@ -27,7 +27,7 @@ constexpr int kComfortableCounter = 390;
 
 Panel *makeSidePanel(QWidget *parent, const QString &name)
 {
-    auto *panel = new Panel(Panel::Look::Plain, parent);
+    auto *panel = new Panel(Panel::Kind::Plain, parent);
     panel->setObjectName(name);
     return panel;
 }
@@ -46,7 +46,7 @@ Figure *makeFigure(QWidget *parent, int index, const QString &text, const QLabel
     figure->setObjectName(elementName(u"Label6"_s, index));
     figure->setText(text);
     figure->setAccessibleDescription(caption.text());
-    setLook(figure, u"figure"_s);
+    setStyleWord(figure, u"figure"_s);
     return figure;
 }
 
@@ -54,7 +54,7 @@ Figure *makeFigure(QWidget *parent, int index, const QString &text, const QLabel
 QFrame *makeTile(QLabel *caption, QLabel *figure, QLabel *hint = nullptr)
 {
     auto *tile = new QFrame(caption->parentWidget());
-    setLook(tile, u"tile"_s);
+    setStyleWord(tile, u"tile"_s);
     auto *rows = new QVBoxLayout(tile);
     rows->setContentsMargins(8, 5, 6, 4);
     rows->setSpacing(0);
@@ -156,7 +156,7 @@ void Controls::createDashboard()
                                                 {Dashboard::ReorderHint, u"Click to See Reorder List"_s}};
     for (const auto &[index, text] : captions)
         Label6[size_t(index)] = makeElement(page, index, text);
-    setLook(Label6[Dashboard::Heading], u"heading"_s);
+    setStyleWord(Label6[Dashboard::Heading], u"heading"_s);
     Label6[Dashboard::SalesCount] =
         makeFigure(page, Dashboard::SalesCount, u"0"_s, *Label6[Dashboard::SalesCountCaption]);
     Label6[Dashboard::SalesAmount] =

@@ -33,7 +33,7 @@ LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &capti
     level->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     level->setMinimumHeight(touchHeight);
     level->setAccessibleDescription(caption);
-    setLook(level, u"value"_s);
+    setStyleWord(level, u"value"_s);
     return level;
 }
 

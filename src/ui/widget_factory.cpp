@@ -45,14 +45,14 @@ QPushButton *makeButton(QWidget *parent, const QString &name, const QString &cap
 QPushButton *makePrimaryButton(QWidget *parent, const QString &name, const QString &caption)
 {
     QPushButton *button = makeButton(parent, name, caption);
-    setLook(button, u"primary"_s);
+    setStyleWord(button, u"primary"_s);
     return button;
 }
 
 QPushButton *makePictureButton(QWidget *parent, const QString &name, const QString &icon, const QString &purpose)
 {
     QPushButton *button = makeButton(parent, name, {});
-    setLook(button, u"picture"_s);
+    setStyleWord(button, u"picture"_s);
     button->setIcon(tillIcon(icon));
     button->setIconSize({kIconSize, kIconSize});
     button->setToolTip(purpose);
@@ -85,17 +85,17 @@ QCheckBox *makeCheckBox(QWidget *parent, const QString &name, const QString &cap
     return box;
 }
 
-QLabel *makeText(QWidget *parent, const QString &text, const QString &look)
+QLabel *makeText(QWidget *parent, const QString &text, const QString &styleWord)
 {
     auto *label = new QLabel(text, parent);
     label->setTextFormat(Qt::PlainText);
-    setLook(label, look);
+    setStyleWord(label, styleWord);
     return label;
 }
 
-void setLook(QWidget *widget, const QString &look)
+void setStyleWord(QWidget *widget, const QString &styleWord)
 {
-    widget->setProperty("look", look);
+    widget->setProperty("styleWord", styleWord);
 }
 
 QBoxLayout *captioned(const QString &caption, QWidget *control)

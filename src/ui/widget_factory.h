@@ -32,10 +32,10 @@ QPushButton *makePictureButton(QWidget *parent, const QString &name, const QStri
 PickList *makePickList(QWidget *parent, const QString &name, const QString &purpose);
 EntryEdit *makeEntry(QWidget *parent, const QString &name, const QString &purpose);
 QCheckBox *makeCheckBox(QWidget *parent, const QString &name, const QString &caption);
-/// A fixed text; the style sheet knows its looks by this word: "heading", "caption", "title".
-QLabel *makeText(QWidget *parent, const QString &text, const QString &look);
-/// Sets a word by which the style sheet knows a control.
-void setLook(QWidget *widget, const QString &look);
+/// A fixed text with a style word: "heading", "caption", "title".
+QLabel *makeText(QWidget *parent, const QString &text, const QString &styleWord);
+/// Sets the property by which the style sheet selects a control.
+void setStyleWord(QWidget *widget, const QString &styleWord);
 
 /// A caption over its control, as one column.
 QBoxLayout *captioned(const QString &caption, QWidget *control);

@@ -70,11 +70,11 @@ private Q_SLOTS:
     void takesTheReceiptAsProposedOrChanged();
     void refusesWhatNoReceiptTakes();
     void captionsStandInTheMiddle();
-    void wearsTheTillsLook();
-    void formsWearTheTillsLook_data();
-    void formsWearTheTillsLook();
-    void boxesWearTheTillsLook_data();
-    void boxesWearTheTillsLook();
+    void wearsTheTillsTheme();
+    void formsWearTheTillsTheme_data();
+    void formsWearTheTillsTheme();
+    void boxesWearTheTillsTheme_data();
+    void boxesWearTheTillsTheme();
     void textsAreReadableInAnyPalette();
     void chosenLookIsWorn_data();
     void chosenLookIsWorn();
@@ -226,13 +226,13 @@ void FirstUserTest::captionsStandInTheMiddle()
     QCOMPARE(captions, 4);
 }
 
-void FirstUserTest::wearsTheTillsLook()
+void FirstUserTest::wearsTheTillsTheme()
 {
-    QVERIFY(m_dialog->styleSheet().contains(u"QPushButton[look=\"primary\"]"_s));
+    QVERIFY(m_dialog->styleSheet().contains(u"QPushButton[styleWord=\"primary\"]"_s));
     int main = 0;
     for (const auto *button : m_dialog->findChildren<QPushButton *>()) {
         QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
-        if (button->property("look") == u"primary"_s) {
+        if (button->property("styleWord") == u"primary"_s) {
             ++main;
             QVERIFY(button->isDefault());
         }
@@ -240,7 +240,7 @@ void FirstUserTest::wearsTheTillsLook()
     QCOMPARE(main, 1);
 }
 
-void FirstUserTest::formsWearTheTillsLook_data()
+void FirstUserTest::formsWearTheTillsTheme_data()
 {
     QTest::addColumn<Form>("make");
     QTest::addColumn<int>("captions");
@@ -253,7 +253,7 @@ void FirstUserTest::formsWearTheTillsLook_data()
     QTest::newRow("backup") << pageOf<BackupPage>(u"/s"_s) << 1;
 }
 
-void FirstUserTest::formsWearTheTillsLook()
+void FirstUserTest::formsWearTheTillsTheme()
 {
     QFETCH(const Form, make);
     const std::unique_ptr<QDialog> form = make();
@@ -261,7 +261,7 @@ void FirstUserTest::formsWearTheTillsLook()
     int main = 0;
     for (const auto *button : form->findChildren<QPushButton *>()) {
         QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
-        main += button->property("look") == u"primary"_s ? 1 : 0;
+        main += button->property("styleWord") == u"primary"_s ? 1 : 0;
     }
     QCOMPARE(main, 1);
     int captions = 0;
@@ -276,7 +276,7 @@ void FirstUserTest::formsWearTheTillsLook()
     QTEST(captions, "captions");
 }
 
-void FirstUserTest::boxesWearTheTillsLook_data()
+void FirstUserTest::boxesWearTheTillsTheme_data()
 {
     QTest::addColumn<QMessageBox::Icon>("icon");
     QTest::addColumn<bool>("dark");
@@ -291,7 +291,7 @@ void FirstUserTest::boxesWearTheTillsLook_data()
     }
 }
 
-void FirstUserTest::boxesWearTheTillsLook()
+void FirstUserTest::boxesWearTheTillsTheme()
 {
     QFETCH(const QMessageBox::Icon, icon);
     QFETCH(const bool, dark);
@@ -310,7 +310,7 @@ void FirstUserTest::boxesWearTheTillsLook()
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
     for (const QAbstractButton *button : box.buttons()) {
         QVERIFY(button->icon().isNull() && button->height() >= 44);
-        QCOMPARE(button->property("look") == u"primary"_s, button == box.defaultButton());
+        QCOMPARE(button->property("styleWord") == u"primary"_s, button == box.defaultButton());
     }
     QApplication::setPalette(before);
 }
@@ -323,7 +323,7 @@ void FirstUserTest::textsAreReadableInAnyPalette()
     QDialog dialog;
     auto *text = new QLabel(u"Text"_s, &dialog);
     auto *caption = new QLabel(u"Caption"_s, &dialog);
-    caption->setProperty("look", u"caption"_s);
+    caption->setProperty("styleWord", u"caption"_s);
     harrowby::dressDialog(dialog);
     dialog.show();
     const auto contrast = [&](const QWidget *widget) {

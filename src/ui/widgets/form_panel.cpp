@@ -32,7 +32,7 @@ QScrollArea *makeScroller(QWidget *parent)
 
 } // namespace
 
-FormPanel::FormPanel(QWidget *parent) : Panel(Look::Card, parent), m_page(new QWidget(this))
+FormPanel::FormPanel(QWidget *parent) : Panel(Kind::Card, parent), m_page(new QWidget(this))
 {
     auto *column = new QVBoxLayout(this);
     const int free = margin();

@@ -76,8 +76,8 @@ void paintShadow(QPainter &painter, const QRect &panel)
 
 } // namespace
 
-Panel::Panel(Look look, QWidget *parent) :
-    QFrame(parent), m_look(look), m_gutter(measuresOf(Density::Usual).gutter),
+Panel::Panel(Kind kind, QWidget *parent) :
+    QFrame(parent), m_kind(kind), m_gutter(measuresOf(Density::Usual).gutter),
     m_padding(measuresOf(Density::Usual).padding)
 {
 }
@@ -94,12 +94,12 @@ void Panel::setDensity(Density density)
 
 int Panel::margin() const
 {
-    switch (m_look) {
-    case Look::Card:
+    switch (m_kind) {
+    case Kind::Card:
         return m_gutter + m_padding;
-    case Look::Floating:
+    case Kind::Floating:
         return kShadow + kFloatingPadding;
-    case Look::Plain:
+    case Kind::Plain:
         break;
     }
     return 0;
@@ -154,18 +154,18 @@ void Panel::paintEvent(QPaintEvent *)
 {
     const Colours &colours = Colours::current();
     QPainter painter(this);
-    if (m_look == Look::Plain) {
+    if (m_kind == Kind::Plain) {
         painter.fillRect(rect(), colours.card);
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    const int edge = m_look == Look::Card ? m_gutter : kShadow;
+    const int edge = m_kind == Kind::Card ? m_gutter : kShadow;
     const QRectF card = cardWithin(rect(), edge);
-    if (m_look == Look::Card)
+    if (m_kind == Kind::Card)
         painter.fillRect(rect(), colours.background);
     else
         paintShadow(painter, rect());
-    painter.setPen(m_look == Look::Card ? colours.border : colours.accent);
+    painter.setPen(m_kind == Kind::Card ? colours.border : colours.accent);
     painter.setBrush(colours.card);
     painter.drawRoundedRect(card, kRadius, kRadius);
 }

@@ -16,13 +16,13 @@ class Panel : public QFrame
     Q_OBJECT
 
 public:
-    enum class Look {
+    enum class Kind {
         Card,     ///< a card with a gutter in the colour of the window around it
         Floating, ///< a card in front of the window, with a shadow
         Plain     ///< part of another card
     };
 
-    Panel(Look look, QWidget *parent);
+    Panel(Kind kind, QWidget *parent);
 
     /// What the panel's layout leaves free on each side: gutter or shadow, and the padding of the card.
     [[nodiscard]] int margin() const;
@@ -42,7 +42,7 @@ protected:
 private:
     void dress();
 
-    Look m_look;
+    Kind m_kind;
     int m_gutter;
     int m_padding;
     std::vector<QPointer<QWidget>> m_undressed; ///< whose events are filtered
