@@ -246,8 +246,8 @@ void FirstUserTest::formsWearTheTillsTheme_data()
     QTest::addColumn<int>("captions");
     QTest::newRow("password of the office")
         << Form([] { return std::make_unique<OfficePasswordDialog>([](const QString &) { return QString(); }); }) << 2;
-    QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Store()); }) << 4;
-    QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Store()); })
+    QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Save()); }) << 4;
+    QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Save()); })
                                   << 3;
     QTest::newRow("receipt") << pageOf<ReceiptPage>() << 3;
     QTest::newRow("backup") << pageOf<BackupPage>(u"/s"_s) << 1;
@@ -302,11 +302,11 @@ void FirstUserTest::boxesWearTheTillsTheme()
     box.setDefaultButton(QMessageBox::No);
     harrowby::dressBox(box);
     box.show();
-    const QImage icon = box.iconPixmap().toImage();
+    const QImage drawing = box.iconPixmap().toImage();
     int own = 0;
-    for (int y = 0; y < icon.height(); ++y)
-        for (int x = 0; x < icon.width(); ++x)
-            own += icon.pixelColor(x, y) == colour ? 1 : 0;
+    for (int y = 0; y < drawing.height(); ++y)
+        for (int x = 0; x < drawing.width(); ++x)
+            own += drawing.pixelColor(x, y) == colour ? 1 : 0;
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
     for (const QAbstractButton *button : box.buttons()) {
         QVERIFY(button->icon().isNull() && button->height() >= 44);

@@ -521,12 +521,12 @@ void LookTest::boxesHaveTheTillsIcons()
     box.show();
     QApplication::setPalette(dark ? darkPalette() : lightPalette()); // also while it is open
     QCoreApplication::processEvents();
-    const QImage icon = box.iconPixmap().toImage();
-    QCOMPARE(icon.size(), QSize(48, 48));
+    const QImage drawing = box.iconPixmap().toImage();
+    QCOMPARE(drawing.size(), QSize(48, 48));
     int own = 0;
-    for (int y = 0; y < icon.height(); ++y)
-        for (int x = 0; x < icon.width(); ++x)
-            own += icon.pixelColor(x, y) == colour ? 1 : 0;
+    for (int y = 0; y < drawing.height(); ++y)
+        for (int x = 0; x < drawing.width(); ++x)
+            own += drawing.pixelColor(x, y) == colour ? 1 : 0;
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
     QVERIFY(contrastRatio(colour, Colours::current().card) >= 3.0);
 }
