@@ -46,7 +46,7 @@ namespace harrowby::app {
 
 namespace {
 
-/// Ends the start with a code; what has to be said has been said.
+/// Ends the start with this exit code; the message has been shown.
 struct StartEnds
 {
     ExitCode code;
@@ -66,7 +66,7 @@ CommandLine readArguments(int argc, char **argv)
     return readCommandLine(arguments);
 }
 
-/// What can be answered without a window.
+/// Options that need no display: --help, --version, and a refused command line.
 void answerCommandLine(const CommandLine &line)
 {
     if (!line.error.isEmpty()) {
@@ -162,14 +162,14 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
     if (QWidget *window = salesWindow()) {
-        window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till has the screen to itself
+        window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till uses the whole screen
         QApplication::setQuitOnLastWindowClosed(true);
         code = QApplication::exec();
         alarm.checkOnceMore();
     } else {
         tellProblem(u"The window could not be opened. The log file may say why:\n"_s + logPath());
     }
-    // The component keeps the connection; the notice goes first.
+    // The component keeps the connection longer than the notice lives, so the handler is removed.
     connection->setFailureHandler({});
     setFileFailureHandler({});
     return code;
@@ -177,7 +177,7 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
 
 int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNotice &notice)
 {
-    // What it could not save the office says itself.
+    // The office shows its own failures to save.
     setFileFailureHandler([&notice](const FileFailure &failure) {
         if (failure.kind == FileFailure::Kind::SettingsRead)
             notice.add(failure);
@@ -192,7 +192,7 @@ int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNo
     return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
 }
 
-/// The log may be written on any thread.
+/// The log reports failures on any thread; the notice lives on the user-interface thread.
 void tellLogTroubles(LogFile &log, FailureNotice &notice)
 {
     log.setHandler([&notice, path = log.path()](const QString &reason) {
@@ -208,7 +208,7 @@ std::unique_ptr<TouchKeyboard> startKeyboard(const CommandLine &line, const QStr
     return line.touchKeyboard && missing.isEmpty() ? std::make_unique<TouchKeyboard>() : nullptr;
 }
 
-/// A look that is asked for is kept: a till that starts by itself, without a desktop, has no other way to choose one.
+/// Saves a look given on the command line: a till without a desktop has no other way to choose one.
 void dressProgram(const CommandLine &line)
 {
     const OfficeSettings settings = {savedSetting, saveSetting};

@@ -9,7 +9,7 @@ namespace harrowby::tables {
 
 namespace {
 
-/// Spreadsheets look past leading white space, and some take the wide forms of the signs for the signs.
+/// Spreadsheets skip leading white space, and some treat the full-width forms of these characters alike.
 bool looksLikeFormula(const QString &text)
 {
     static const QString signs = u"=+-@\uff1d\uff0b\uff0d\uff20"_s;

@@ -21,7 +21,7 @@ QString saveFile(const QString &path, const QByteArray &bytes)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    // Past Qt's buffer: it forgets that writing what was left in it has failed.
+    // Unbuffered: QFileDevice loses the error of a write that fails when its buffer is flushed at closing.
     if (const QString reason = writeToDisk(file.handle(), bytes); !reason.isEmpty())
         return reason;
     return file.commit() ? QString() : file.errorString();

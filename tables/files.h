@@ -6,10 +6,10 @@
 
 namespace harrowby::tables {
 
-/// Writes a whole file, or leaves what was there. Why it failed; empty when it did not.
+/// Replaces a file atomically. Returns why it failed; empty on success, and what was there stays on failure.
 [[nodiscard]] QString saveFile(const QString &path, const QByteArray &bytes);
 
-/// The words as a file name: "Sales 2026-11-01 to 2026-11-30 by day". Signs that file systems refuse become "-".
+/// The words as a file name: "Sales 2026-11-01 to 2026-11-30 by day". Characters that file systems refuse become "-".
 [[nodiscard]] QString fileNameFor(const QString &words);
 
 } // namespace harrowby::tables

@@ -67,7 +67,7 @@ QStringList Paper::textsOf(const Row &row) const
     return texts;
 }
 
-/// As wide as the contents want, of a long table as its first rows want; the stretching columns give and take.
+/// Column widths by the contents of the first rows; the stretching columns take the difference to the page's width.
 void Paper::measureColumns()
 {
     std::vector<double> stretching;

@@ -60,8 +60,8 @@ bool isLess(const Cell &one, const Cell &other)
     return one < other;
 }
 
-/// What a row is sorted by. Rows lie scattered in the memory, and a sort looks at each of them dozens of times, so
-/// figures are taken along.
+/// Sort key of a row. Figures are copied into it: a sort compares each row dozens of times, and rows are scattered in
+/// memory.
 struct SortKey
 {
     const Cell *cell = nullptr;

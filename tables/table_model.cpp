@@ -42,7 +42,7 @@ QVariant TableModel::data(const QModelIndex &index, int role) const
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const Cell &cell = m_table.rows.at(static_cast<std::size_t>(index.row())).at(column);
-    // A tip is read as HTML where it looks like it; figures need none.
+    // Escaped, as QToolTip renders what looks like HTML; figures need no tip.
     if (role == Qt::ToolTipRole)
         return kind == Kind::Text ? QVariant(shownText(cell, kind).toHtmlEscaped()) : QVariant();
     return shownText(cell, kind);
@@ -64,7 +64,7 @@ void TableModel::sort(int column, Qt::SortOrder order)
         return;
     Q_EMIT layoutAboutToBeChanged();
     sortRows(m_table.rows, column, order);
-    // Whatever row was marked: after sorting the top of the list is what is wanted.
+    // The current row is dropped: after sorting the view shows the top of the list.
     const QModelIndexList marked = persistentIndexList();
     changePersistentIndexList(marked, QModelIndexList(marked.size()));
     Q_EMIT layoutChanged();

@@ -123,7 +123,7 @@ void TableView::followHeading(int column, Qt::SortOrder order)
 void TableView::resizeEvent(QResizeEvent *event)
 {
     QTreeView::resizeEvent(event);
-    if (isNarrow() != m_isNarrow) // only then, as a person may have dragged a heading
+    if (isNarrow() != m_isNarrow) // not at every resize, which would undo a dragged heading
         setWidths();
 }
 

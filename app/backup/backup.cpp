@@ -33,7 +33,7 @@ BackupResult failed(const QString &problem)
     return {Outcome::Failed, problem, 0};
 }
 
-/// Asks the watch while SQLite walks through the pages, which only an interrupt from elsewhere ends.
+/// Polls the watch on another thread, and calls sqlite3_interrupt() to stop the check, which is a single step.
 class StopWatch
 {
 public:
@@ -103,7 +103,7 @@ BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &exp
     if (check.result == QuickCheck::Result::Failed && check.error.code == SQLITE_IOERR)
         return failed(copyProblem(check.error, BackupSide::Place));
     if (check.result != QuickCheck::Result::Sound) {
-        // A sound store whose copy is not sound has been written to a bad place.
+        // The store passes the check and the copy does not: the backup's disk is at fault.
         const BackupSide side = source.isBad() ? BackupSide::Store : BackupSide::Place;
         if (!watch({BackupProgress::Stage::Checking, 100}))
             return {Outcome::Stopped, {}, 0};
@@ -117,7 +117,7 @@ BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &exp
     return {Outcome::Done, {}, 0};
 }
 
-/// One plain file, which can be read from any medium: without a log beside it.
+/// journal_mode DELETE: a file in WAL mode could not be opened from a read-only medium.
 BackupResult closeCopy(SqliteDatabase &copy)
 {
     const auto error = runSql(copy.get(), u"PRAGMA journal_mode = DELETE"_s);
@@ -146,7 +146,7 @@ int nameCopy(const QString &file, const QString &target, bool replace)
     if (replace)
         return replaceFile(file, target);
     const int error = nameNewFile(file, target);
-    // Some media know neither way of not replacing.
+    // Some file systems have neither RENAME_NOREPLACE nor link().
     const bool unknown = error == EPERM || error == ENOTSUP;
     return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : error;
 }

@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr int pagesInOneStep = 256;
 constexpr int mostRestarts = 3;
-constexpr auto breather = 5ms; // in which a till gets its turn
+constexpr auto breather = 5ms; // pause between steps, in which a till can write
 
 /// A backup waits for a till as long as a till would, but for each lock afresh.
 void waitForTills(sqlite3 *database)
@@ -65,8 +65,8 @@ bool takesFiles(const QString &folder)
     return file.open();
 }
 
-/// The copy goes into a new file that nobody else has; the store is only read. What that does not settle is tried out
-/// on the copy, as the store file must not be opened beside SQLite.
+/// Finds out which disk an error is about. The store file must not be opened beside SQLite (that drops its locks), so
+/// what the error code does not tell is tried out on the copy.
 BackupSide sideOf(int code, const QString &copy)
 {
     using enum BackupSide;
@@ -121,7 +121,7 @@ public:
     }
 
 private:
-    /// Keeps reading the one moment of the store.
+    /// Keeps a read transaction open, so that all pages come from one snapshot.
     bool hold()
     {
         m_error = runSql(m_store, u"BEGIN"_s);

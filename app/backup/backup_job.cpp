@@ -38,7 +38,7 @@ void BackupJob::run(const Work &work, const std::stop_token &stop)
         this, [this, result] { end(result); }, Qt::QueuedConnection);
 }
 
-/// Says it only when a person could see a difference.
+/// Emits progress only when the percentage, or the stage, differs from the last one emitted.
 void BackupJob::report(const BackupProgress &progress)
 {
     const int shown = progress.percent + (progress.stage == BackupProgress::Stage::Checking ? 1 : 0);

@@ -173,8 +173,8 @@ void BackupPage::finish(const BackupResult &result)
     showLast();
 }
 
-/// The focus goes first: a control that is disabled under it passes it on to whatever comes next, which is in the end
-/// the button that closes the window. So the entry takes no text for a while and keeps it.
+/// Moves the focus before a button is disabled, and makes the entry read-only instead of disabling it: Qt passes the
+/// focus of a disabled control on, in the end to the button that closes the window.
 void BackupPage::setRunning(bool running)
 {
     const QWidget *focus = window()->focusWidget();

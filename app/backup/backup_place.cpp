@@ -53,7 +53,7 @@ QString nameProblem(const QString &target)
         return u"\"%1\" is a folder. Please give the backup a name in it."_s.arg(target);
     if (nameIsTaken(target) && !info.isFile())
         return u"\"%1\" is not an ordinary file."_s.arg(target);
-    // SQLite would take these for the backup's own, and spoil it.
+    // SQLite would replay a journal or log of this name into the backup.
     for (const QString &file : {logFileOf(target), journalOf(target)}) {
         if (nameIsTaken(file))
             return u"\"%1\" lies there: another program uses a file of that name. Please choose another name."_s.arg(

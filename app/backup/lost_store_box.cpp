@@ -36,7 +36,7 @@ constexpr int usualWidth = 620;
 constexpr int upperGap = 8;
 constexpr std::chrono::milliseconds answerInterval(100);
 
-/// The window behind whatever box stands in front: it goes last.
+/// The window that is closed last: the outermost parent of the modal box, or the sales window.
 QWidget *lastingWindow()
 {
     QWidget *window = QApplication::activeModalWidget();
@@ -82,7 +82,7 @@ LostStoreBox::LostStoreBox(StoreGuard &guard, const QString &place, std::functio
     connect(&m_job, &BackupJob::progressed, this, &LostStoreBox::showProgress);
     connect(&m_job, &BackupJob::finished, this, &LostStoreBox::finish);
     setRunning(false);
-    // Enter that was meant for the till, or comes from a code reader, must press nothing here.
+    // No default button: Enter may be meant for the till or come from a code reader.
     setFocusPolicy(Qt::StrongFocus);
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
@@ -171,7 +171,8 @@ void LostStoreBox::tell()
     QAccessible::updateAccessibility(&alert);
 }
 
-/// At the upper edge of what it stands over: on a small screen the window for failed writes has its place below.
+/// Fits the height to the text, and places the box at the upper edge of its window: on a small screen the notice is
+/// below.
 void LostStoreBox::fitText()
 {
     m_outcome->setVisible(!m_outcome->text().isEmpty());
@@ -279,8 +280,7 @@ void LostStoreBox::comeBack()
     tell();
 }
 
-/// Nothing was asked because the same question stands on the screen already, from before this box came: it is answered
-/// first.
+/// The same question was open before this box came, so close() asked nothing: wait until it is answered.
 void LostStoreBox::comeBackLater()
 {
     if (QApplication::activeModalWidget() == nullptr)
@@ -325,7 +325,7 @@ void LostStoreAlarm::checkOnceMore()
 bool closeTill()
 {
     const QPointer<QWidget> window = salesWindow();
-    // While the window asks already, Qt takes a second closing for done.
+    // While its question is open, a second QWidget::close() returns true at once, and the window stays visible.
     if (window && (!window->close() || (window && window->isVisible())))
         return false;
     QCoreApplication::exit(0);

@@ -43,7 +43,7 @@ int contentShift(const QList<QRect> &around, int windowTop, int keyboardTop, int
     const bool seen = group.top() - now >= first && lowerEdge(group) - now <= last;
     if (now > 0 && seen)
         return now;
-    // A form that does not fit shows what lies below the entry, for there its buttons are.
+    // A form that does not fit shows what is below the entry, where its buttons are.
     const QRect form = around.at(std::min(chosen + 1, around.size() - 1));
     const int wanted = std::max(lowerEdge(group), lowerEdge(form)) - last;
     return std::max(0, std::min(wanted, group.top() - captionHeight - first));

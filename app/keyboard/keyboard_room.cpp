@@ -55,7 +55,7 @@ void KeyboardRoom::giveBack()
         shiftTo(0);
         m_content->removeEventFilter(this);
     }
-    // Whoever has moved the window meanwhile wants it there.
+    // The window is not moved back when a person has moved it meanwhile.
     if (m_window && m_lift > 0 && m_window->pos() == m_place - QPoint(0, m_lift))
         m_window->move(m_place);
     m_content = nullptr;

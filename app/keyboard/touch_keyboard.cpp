@@ -23,7 +23,7 @@ namespace harrowby::app {
 
 namespace {
 
-/// What the keyboard draws itself with; without one of them it would cover the screen with an empty window.
+/// QML modules that the keyboard imports; without one of them it is an empty window over the screen.
 QStringList neededModules()
 {
     return {u"QtQuick/VirtualKeyboard"_s,
@@ -60,7 +60,7 @@ QWindow *keyboardWindow()
     return found == windows.cend() ? nullptr : *found;
 }
 
-/// A box that waits for its answer shuts out all windows but those that belong to it.
+/// A modal box blocks all windows but its transient children, so the keyboard becomes one.
 void attachKeyboard(const QWidget &window)
 {
     QWindow *keyboard = keyboardWindow();
@@ -147,15 +147,15 @@ void TouchKeyboard::noteFocus(QWidget &entry, const QFocusEvent &event)
             noteDrop(*list);
         return;
     }
-    // A box in front that has gone is no wish to type into a list, nor is a next sale that begins there.
+    // Focus that returns after a box, or that a new sale sets, does not show the keyboard for a list.
     const Qt::FocusReason reason = event.reason();
     if (list == nullptr || (reason != Qt::ActiveWindowFocusReason && reason != Qt::OtherFocusReason))
         m_asking = &entry;
     m_later.start();
 }
 
-/// Who picks an entry of the list does not want to type; who closes it without does. The list says so only a moment
-/// after it has closed.
+/// A choice from the popup hides the keyboard; closing it without one shows it. QComboBox emits activated() only after
+/// the popup has closed and the focus is back.
 void TouchKeyboard::noteDrop(const QComboBox &list)
 {
     m_asking = nullptr;

@@ -40,7 +40,7 @@ void OfficePasswordDialog::layOut()
     m_password->setEchoMode(QLineEdit::Password);
     m_problem = makeOfficeText(this, {});
     m_problem->setObjectName(u"problem"_s);
-    // The line is there from the start, so that nothing moves under the finger when it is filled.
+    // The empty line takes its room from the start, so that no control moves when it is filled.
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
 
     auto *form = new QFormLayout;

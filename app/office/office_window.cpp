@@ -66,7 +66,7 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     rows->addWidget(new StoreAccessLine(store, this));
     rows->addWidget(pages, 1);
     rows->addWidget(makeOfficeText(this, wrappingPath(store)));
-    // Enter in an entry does what stands beside it, and nothing else.
+    // No default button: Enter in an entry presses the button beside it only.
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
 }

@@ -69,7 +69,7 @@ QString rightText(const Right &right)
     return right.title + u": "_s + right.words;
 }
 
-/// The rights that nobody can switch are there to be read.
+/// Locked check boxes keep the normal text colour, as they are to be read.
 void showLockedAsText(QCheckBox &box)
 {
     QPalette palette = box.palette();
@@ -175,7 +175,7 @@ QWidget *UsersPage::makeScroller(QLayout *details)
     return area;
 }
 
-/// The wheel scrolls the rights also over the type, and changes none that nobody has gone to.
+/// Over the type's list the wheel scrolls the rights, too; it changes the type only when the list has the focus.
 bool UsersPage::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched != m_type || event->type() != QEvent::Wheel || m_type->hasFocus())
@@ -245,7 +245,7 @@ void UsersPage::showUser()
     m_outcome->clear();
 }
 
-/// The type that a host has stored stays to choose, whatever it is.
+/// A type that only a host uses is added to the list, so that it stays selectable.
 void UsersPage::showType(const StoreUser &user)
 {
     const QSignalBlocker quietly(m_type);
@@ -308,7 +308,7 @@ void UsersPage::changeType()
     finish(m_table.setType(*user, m_type->currentData().toString()), u"Saved: the type of %1."_s.arg(user->name));
 }
 
-/// Shows what is stored, whatever came of it.
+/// Reads the users again, also after a failure.
 void UsersPage::finish(const UsersTable::Problem &problem, const QString &done)
 {
     fill();

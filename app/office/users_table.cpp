@@ -103,7 +103,7 @@ UsersTable::Problem UsersTable::add(const NewUser &user) const
     if (QString problem = passwordProblem(user.password); !problem.isEmpty())
         return problem;
     const auto notAdded = u"The user was not added."_s;
-    // Nobody may add the same name between the look and the insert.
+    // One transaction, so that no other program adds the same name between check and insert.
     if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
         return engineWords(notAdded, *error);
     auto problem = addUnlessTaken(user);
@@ -156,7 +156,7 @@ UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &c
         return u"ADMINISTRATOR has every right and keeps it."_s;
     DbValue stored;
     {
-        // Closed before the change: under an open statement the engine would not wait for a till that is writing.
+        // Closed before the change: with an open read statement SQLite returns SQLITE_BUSY without calling the handler.
         SqliteStatement before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
         if (before.next())
             stored = before.value(0);
@@ -175,7 +175,7 @@ UsersTable::Problem UsersTable::setType(const StoreUser &user, const QString &ty
 
 UsersTable::Problem UsersTable::change(const StoreUser &user, const QString &column, const DbValue &value) const
 {
-    // The name is looked at too: another program may have renumbered the rows since they were read.
+    // The name is compared too: VACUUM by another program may have renumbered the rows since they were read.
     const QString update = u"UPDATE Users SET %1 = ?1 WHERE rowid = ?2 AND Username = ?3"_s.arg(column);
     if (auto error = runSql(m_database, update, {value, user.row, user.name}))
         return engineWords(noChange, *error);

@@ -11,7 +11,7 @@ namespace harrowby::app {
 
 namespace {
 
-/// The one by which the till counts them.
+/// The statement with which the till counts the low items.
 const QString lowStock =
     u"Select * from Stocklist where StockReorderlevel >= stockavailable and StockUse = 'Enabled'"_s;
 
@@ -21,7 +21,7 @@ const QStringList fields = {u"StockID"_s, u"StockName"_s, u"StockCategory"_s, u"
 
 constexpr int rowsPerClockCheck = 128;
 
-/// Below 0 when there is none of that name.
+/// Index of the column; negative when there is none of that name.
 int columnOf(const QString &field, const QStringList &names)
 {
     for (qsizetype i = 0; i < names.size(); ++i) {
@@ -62,7 +62,7 @@ try {
     } while (m_state == State::Reading && std::chrono::steady_clock::now() < end);
     return m_state;
 } catch (...) {
-    // A connection should not throw; what it throws nevertheless is the failure of its statement.
+    // An exception of the connection counts as the failure of its statement.
     m_cursor.reset();
     return m_state = State::Failed;
 }

@@ -160,7 +160,7 @@ void ReorderList::Show(int modal, QWidget *owner)
 {
     // The owner may be gone before the list is closed, and takes it along.
     const QPointer<ReorderListDialog> dialog(new ReorderListDialog(m_connection, owner));
-    if (owner != nullptr && owner->window()->isMaximized()) // a till has the screen to itself
+    if (owner != nullptr && owner->window()->isMaximized()) // a till uses the whole screen
         dialog->setWindowState(Qt::WindowMaximized);
     if (modal == 0) {
         dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -23,7 +23,7 @@ void sleepFor(Milliseconds time)
     std::this_thread::sleep_for(time);
 }
 
-/// Short at first, for the lock of another till's sale is gone in a moment.
+/// Short at first: another till's sale holds the lock for milliseconds.
 Milliseconds stepOf(int attempt)
 {
     static constexpr std::array<Milliseconds, 6> first = {1ms, 2ms, 5ms, 10ms, 15ms, 25ms};
@@ -50,8 +50,8 @@ void BusyWait::followEventLoop()
 
 void BusyWait::onIdle()
 {
-    // A box that waits for its answer belongs to the action that asks: a sale waits once, also when a box stands
-    // between its statements.
+    // Nested loops do not refill the budget: a box belongs to the action that shows it, whose statements before and
+    // after it share one budget.
     constexpr int outermost = 1;
     if (QThread::currentThread()->loopLevel() <= outermost)
         refill();

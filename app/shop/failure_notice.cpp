@@ -34,7 +34,7 @@ QString clockTime(const QDateTime &time)
     return time.toString(u"HH:mm:ss"_s);
 }
 
-/// Each once, and no more than a small window has room for.
+/// The last few texts, without duplicates, as the window is small.
 QString newest(QStringList texts)
 {
     constexpr qsizetype most = 3;
@@ -80,7 +80,7 @@ void FailureNotice::layOut()
     dismissButton->setObjectName(u"failureDismiss"_s);
     dismissButton->setFocusPolicy(Qt::NoFocus);
     connect(dismissButton, &QPushButton::clicked, this, &FailureNotice::dismiss);
-    // The window never has the focus, so the key works wherever in the program it is.
+    // ApplicationShortcut: the notice never has the focus.
     auto *key = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_D), this);
     key->setContext(Qt::ApplicationShortcut);
     connect(key, &QShortcut::activated, this, &FailureNotice::dismiss);
@@ -197,7 +197,7 @@ void FailureNotice::keepClear()
         return;
     const QRect area = screen->availableGeometry();
     QList<QRect> totals = window != nullptr ? keptInSight(*window) : QList<QRect>();
-    // A box waits for its answer, and the notice cannot be dismissed meanwhile.
+    // While a modal box is open the notice cannot be dismissed, so it must not cover the box.
     if (const QWidget *box = QApplication::activeModalWidget())
         totals << box->frameGeometry();
     const QRect frame = window != nullptr ? window->frameGeometry() : area;

@@ -33,7 +33,7 @@ int nameNewFile(const QString &file, const QString &path)
         return 0;
     if (errno != EINVAL && errno != ENOSYS)
         return errno;
-    // The file system cannot promise it; a second name for the same file can.
+    // The file system has no RENAME_NOREPLACE; link() does not replace either.
     return ::link(from.constData(), to.constData()) == 0 ? 0 : errno;
 }
 

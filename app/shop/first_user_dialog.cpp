@@ -88,7 +88,7 @@ void FirstUserDialog::createEntries(const ReceiptProposal &proposal)
         m_currency = createEntry(this, u"shopCurrency"_s, u"Currency of the receipts"_s, *proposal.currency);
     m_problem = createText(this, {});
     m_problem->setObjectName(u"problem"_s);
-    // The line is there from the start, so that nothing moves under the finger when it is filled.
+    // The empty line takes its room from the start, so that no control moves when it is filled.
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
 }
 

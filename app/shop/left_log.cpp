@@ -47,7 +47,8 @@ bool isOpenElsewhere(const QByteArray &index)
     return !asked || lock.l_type != F_UNLCK;
 }
 
-/// Device and inode of the log itself, and the inode of its file: a copy of both is marked for nobody.
+/// Device and inode of the log itself, and inode of its store file. In a copied log the first two do not match, so its
+/// attribute is ignored.
 QByteArray markOf(const QByteArray &file, const QByteArray &log)
 {
     const auto ofFile = factsOf(file);
@@ -83,7 +84,7 @@ QString putLogAside(const LogFiles &files)
         qCWarning(lcStore) << "The log" << log << "could not be put aside:" << std::strerror(error);
         return {};
     }
-    if (bears(files.log, files.logId)) // a file system that cannot rename so has given it a second name
+    if (bears(files.log, files.logId)) // after link() the old name must be removed
         ::unlink(files.log.constData());
     if (bears(files.index, files.indexId))
         ::unlink(files.index.constData());

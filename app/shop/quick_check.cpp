@@ -17,8 +17,8 @@ namespace harrowby::app {
 
 namespace {
 
-/// Interrupts whatever its database does once the time is up. The walk through the pages is a single step to SQLite,
-/// which only an interrupt from elsewhere ends.
+/// Calls sqlite3_interrupt() from another thread once the time is up: the check of all pages is a single
+/// sqlite3_step().
 class Deadline
 {
 public:
@@ -37,7 +37,7 @@ private:
         std::condition_variable_any ended;
         const auto never = [] { return false; };
         ended.wait_for(lock, end, limit, never);
-        // Again and again: an interrupt is forgotten when it comes between two statements.
+        // Repeated: SQLite ignores an interrupt that comes between two statements.
         while (!end.stop_requested()) {
             m_over = true;
             sqlite3_interrupt(database);
@@ -64,7 +64,7 @@ QuickCheck quickCheck(sqlite3 *database, std::chrono::milliseconds limit)
     SqliteStatement query(database, u"PRAGMA quick_check"_s);
     while (query.next()) {
         const QString line = query.text(0);
-        // Cut short, the walk calls the pages that it has not come to unused.
+        // An interrupted check reports the pages that it has not reached as unused.
         if (deadline.isOver())
             return {QuickCheck::Result::Unfinished, {}};
         if (line != u"ok"_s && !isAboutRows(line))

@@ -27,7 +27,7 @@ QString read(const OfficeSettings &settings, const SettingPlace &place)
     return settings.get(place.section, place.key, place.defaultValue);
 }
 
-/// Whatever the value is: two defaults cannot both be it.
+/// Reads with two different defaults: only a saved value is equal both times.
 bool isSaved(const OfficeSettings &settings, const SettingPlace &place)
 {
     return settings.get(place.section, place.key, u"a"_s) == settings.get(place.section, place.key, u"b"_s);

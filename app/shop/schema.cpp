@@ -44,7 +44,7 @@ StoreTable settingsTable()
             {number, number, text, number, number}};
 }
 
-/// The definition without what does not matter: case, blanks and quoting of names.
+/// The definition without case, blanks and quoting of names, to compare two of them.
 QString definitionKey(QString definition)
 {
     static const QRegularExpression noise(uR"([\s"`\[\]]+)"_s);
@@ -83,7 +83,7 @@ std::optional<SqlError> readPresent(sqlite3 *database, PresentIndexes &present)
 
 std::optional<SqlError> replaceIndex(sqlite3 *database, const StoreIndex &index, const PresentIndexes &present)
 {
-    // The name is ours, so an index that bears it and is defined otherwise is an older one of ours.
+    // The prefix is ours: an index of this name with another definition was made by an older version.
     if (present.names.contains(index.name.toUpper())) {
         if (auto error = runSql(database, u"DROP INDEX "_s + index.name))
             return error;
@@ -122,8 +122,8 @@ const QList<StoreTable> &storeTables()
 
 const QList<StoreIndex> &storeIndexes()
 {
-    // harrowby_stock_total comes first: among indexes that suit a list equally well SQLite takes the one made last,
-    // and a list without an order of its own is pleasanter by name than by ID.
+    // harrowby_stock_total comes first: among equally good indexes SQLite takes the one created last, and lists without
+    // ORDER BY should come by name rather than by ID.
     static const QList<StoreIndex> indexes = {
         {u"harrowby_stock_total"_s, u"StockList"_s, u"(StockUse, StockID, StockAvailable)"_s},
         {u"harrowby_stock_id"_s, u"StockList"_s, u"(StockID)"_s},

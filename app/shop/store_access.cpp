@@ -16,7 +16,7 @@ namespace {
 
 constexpr mode_t forOthers = S_IRWXG | S_IRWXO;
 
-/// By name alone: opening and closing a database file would drop SQLite's locks on it.
+/// chmod() by name: opening and closing the database file would drop SQLite's POSIX locks on it.
 mode_t permissionsOf(const QString &path)
 {
     struct stat facts = {};
@@ -37,7 +37,7 @@ QString permissionsText(const QString &store)
 
 QString closeToOthers(const QString &store)
 {
-    // The file first: what SQLite makes beside it takes its permissions.
+    // The file first: SQLite creates log and index with the file's mode.
     for (const QString &file : {store, logFileOf(store), logIndexOf(store), journalOf(store)}) {
         const mode_t permissions = permissionsOf(file);
         if ((permissions & forOthers) == 0)

@@ -164,7 +164,7 @@ QString culprit(sqlite3 *database, const QString &table, const QString &reason)
     return u"the table "_s + table;
 }
 
-/// Only prepared: the engine looks at every index, trigger and rule that a statement would touch, and runs nothing.
+/// Only prepares the statement: that resolves every index, trigger and constraint it would touch, and runs nothing.
 Problem judgeStatements(sqlite3 *database, const Use &use, const QString &rowId, const QString &path)
 {
     for (const QString &text : statementsOf(use, rowId)) {

@@ -22,9 +22,9 @@ using Finding = StoreWatch::Finding;
 using Kind = StoreLoss::Kind;
 
 constexpr std::chrono::milliseconds interval(500);
-constexpr int mostPages = 1000; // in the log, before it is moved in the middle of the work
+constexpr int mostPages = 1000; // of the log, above which a checkpoint runs also while the till is busy
 
-thread_local const StoreGuard *passing = nullptr; // whose pass this thread has
+thread_local const StoreGuard *passing = nullptr; // the guard that lets this thread's statements through
 
 } // namespace
 
@@ -54,10 +54,10 @@ StoreGuard::~StoreGuard()
 void StoreGuard::attach()
 {
     sqlite3 *database = m_database.get();
-    // Whoever ends without this object's leave leaves the log to the next start, which looks first.
+    // No checkpoint at closing: a program that ends otherwise leaves the log to the next start, which checks it first.
     m_handle.leaveAtClosing(true);
     sqlite3_commit_hook(database, &StoreGuard::onCommit, this);
-    sqlite3_wal_hook(database, &StoreGuard::onLogWritten, this); // takes the place of the automatic checkpoint
+    sqlite3_wal_hook(database, &StoreGuard::onLogWritten, this); // replaces SQLite's automatic checkpoint
     if (m_watch.hasLog())
         markLog(m_watch.filePath(), m_watch.logPath());
     else
@@ -96,8 +96,8 @@ try {
     return SQLITE_NOMEM;
 }
 
-/// Without a log nothing asks after a write. A statement that wrote just before the file was moved has reached the
-/// file.
+/// Without a write-ahead log there is no hook after a write. A statement that committed just before the file was moved
+/// has reached the file.
 int StoreGuard::onStatementDone(unsigned, void *self, void *statement, void *) noexcept
 try {
     if (sqlite3_stmt_readonly(static_cast<sqlite3_stmt *>(statement)) == 0)
@@ -138,7 +138,7 @@ void StoreGuard::lose(Finding finding)
     m_loss = std::move(loss);
     shut();
     qCWarning(lcStore).noquote() << lossHeadline(*m_loss) << "Nothing is being saved any more.";
-    // This may be the middle of a statement, in which nothing can be moved and no box be shown.
+    // May be called within a statement, where no checkpoint can run and no box may be shown: do both later.
     QTimer::singleShot(0, this, &StoreGuard::tick);
 }
 
@@ -150,7 +150,7 @@ Kind StoreGuard::kindOf(Finding finding, const QString &nowAt)
     case Finding::Overwritten:
         return Kind::Overwritten;
     case Finding::LogGone: {
-        // Another program of this store has put it aside, because it saw what cannot be seen here.
+        // Another program of this store has renamed the log, because it found the file lost first.
         const auto log = openFileOf(m_watch.log());
         return log && isPutAside(log->name) ? Kind::Overwritten : Kind::LogLost;
     }
@@ -159,7 +159,7 @@ Kind StoreGuard::kindOf(Finding finding, const QString &nowAt)
     }
 }
 
-/// From here on no statement works, nor one that is half through.
+/// From here on every statement fails, running ones included.
 void StoreGuard::shut()
 {
     sqlite3 *database = m_database.get();
@@ -176,7 +176,7 @@ void StoreGuard::tick()
         return;
     }
     if (m_passes > 0)
-        return; // a rescue copy is being made, and reads what would be moved
+        return; // a rescue copy is reading the log
     const bool wasComplete = m_loss->isComplete;
     const QString wasAside = m_loss->logAside;
     bringLogAway();
@@ -186,12 +186,12 @@ void StoreGuard::tick()
     }
 }
 
-/// Moves the log into the file as far as nobody is in the way. Nobody waits for that.
+/// Checkpoints the log (PASSIVE): as far as no reader or writer is in the way, without waiting.
 void StoreGuard::moveLog(int mode)
 {
     sqlite3 *database = m_database.get();
     sqlite3_busy_handler(database, nullptr, nullptr);
-    // The moving needs no lock that a till waits for; with it done, emptying takes but a moment.
+    // The passive checkpoint takes no lock that a till waits for; after it, truncating the log is quick.
     const int moved = sqlite3_wal_checkpoint_v2(database, "main", SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
     if (mode != SQLITE_CHECKPOINT_PASSIVE && moved == SQLITE_OK)
         sqlite3_wal_checkpoint_v2(database, "main", mode, nullptr, nullptr);
@@ -200,7 +200,7 @@ void StoreGuard::moveLog(int mode)
     m_wait.attach(database);
 }
 
-/// Somebody else at work is no failure. What failed is in the log still; that is said once, until it works again.
+/// SQLITE_BUSY is no failure. After a failure the log still holds the changes; it is told once, until it works again.
 void StoreGuard::noteMove(int code)
 {
     const bool fails = code != SQLITE_OK && code != SQLITE_BUSY && code != SQLITE_LOCKED;
@@ -210,8 +210,8 @@ void StoreGuard::noteMove(int code)
         m_moveFails = false;
 }
 
-/// Once the store is lost: the log goes into the file that was opened; from beside another file, and when its own was
-/// overwritten, it goes away.
+/// Once the store is lost: checkpoints the log into the file that was opened, or renames the log when that file was
+/// overwritten, and never leaves it beside another file.
 void StoreGuard::bringLogAway()
 {
     if (!m_watch.hasLog()) {
@@ -221,7 +221,7 @@ void StoreGuard::bringLogAway()
     if (!m_loss->isComplete && !m_logIsForeignTo)
         m_loss->isComplete = emptyLog();
     if (m_loss->isComplete) {
-        // Emptied under the name that it had been given meanwhile.
+        // The checkpoint has emptied the log, which had been renamed before.
         if (!m_loss->logAside.isEmpty())
             QFile::remove(std::exchange(m_loss->logAside, QString()));
         return;

@@ -43,7 +43,7 @@ QByteArray StoreHandle::header() const
 
 std::optional<LogProgress> StoreHandle::logProgress() const
 {
-    // The places and the size are those of SQLite's description of the wal-index.
+    // Offsets and size as in SQLite's documented wal-index format.
     constexpr int regionSize = 32768;
     constexpr std::size_t salt = 32;
     constexpr std::size_t moved = 96;

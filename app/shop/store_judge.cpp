@@ -25,7 +25,7 @@ constexpr int headerSize = 100;
 
 QByteArray readHeader(const QString &path)
 {
-    // SQLite has not opened the file yet: reading it by hand later would drop SQLite's locks.
+    // Before SQLite opens the file: opening and closing it afterwards would drop SQLite's POSIX locks.
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.read(headerSize) : QByteArray();
 }
@@ -48,7 +48,7 @@ OpenMode gentlestMode(const QString &path, const QByteArray &header)
     return closed ? OpenMode::ReadFrozen : OpenMode::Read;
 }
 
-/// An empty log is nobody's.
+/// An empty log belongs to no file in particular.
 bool hasForeignLog(const QString &path)
 {
     const QString log = logFileOf(path);

@@ -17,7 +17,7 @@ namespace {
 
 using Problem = std::optional<StoreProblem>;
 
-/// Takes the lock that every sale needs, and gives it back; nothing is written.
+/// BEGIN IMMEDIATE and ROLLBACK: tests for the write lock, and writes nothing.
 std::optional<SqlError> tryToWrite(sqlite3 *database)
 {
     if (auto error = runSql(database, u"BEGIN IMMEDIATE"_s))
@@ -25,8 +25,8 @@ std::optional<SqlError> tryToWrite(sqlite3 *database)
     return runSql(database, u"ROLLBACK"_s);
 }
 
-/// A power cut must not take a sale that was committed: with the write-ahead log FULL is enough. Where the log is
-/// not to be had (another program reads all the time, a network folder), the rollback journal needs EXTRA.
+/// PRAGMA synchronous, so that a committed sale survives a power cut: FULL with the write-ahead log; EXTRA with the
+/// rollback journal, where WAL cannot be set (another program reads all the time, a network folder).
 void secure(sqlite3 *database)
 {
     const QString mode = readText(database, u"PRAGMA journal_mode = WAL"_s);
@@ -37,7 +37,7 @@ void secure(sqlite3 *database)
         qCWarning(lcStore) << "The store file's way of writing could not be set:" << error->reason;
 }
 
-/// A store without an index is slow and not wrong, so it opens all the same.
+/// A failure is only logged: without an index the store is slow, not wrong.
 void addMissingIndexes(sqlite3 *database)
 {
     int created = 0;

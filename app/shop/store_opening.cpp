@@ -62,7 +62,7 @@ private:
     QLabel *m_text = nullptr;
 };
 
-/// What is said of the opening. Most stores are open before anything has to be said, so its window is made late.
+/// The window that says what the opening waits for. Made only after `quietTime`, as most stores are open before.
 class OpeningSign : public QObject
 {
 public:

@@ -133,7 +133,7 @@ struct Names
     QString file, folder, detail;
 };
 
-/// In one go, so that a "{folder}" in a file's name stays what it is.
+/// All placeholders in one pass, so that a "{folder}" in a file's name is not replaced.
 QString filled(const QString &text, const Names &names)
 {
     static const QRegularExpression mark(uR"(\{(file|folder|detail)\})"_s);

@@ -104,8 +104,8 @@ StoreWatch::Content StoreWatch::contentNow() const
     return contentSince(before, factsOfOpened());
 }
 
-/// `before` and `facts` were taken just now, in this order: only so can it be told whether the file changed out of the
-/// log.
+/// Precondition: `before` was taken before `facts`, both just now; only then a change made by a checkpoint is
+/// recognised.
 StoreWatch::Content StoreWatch::contentSince(const LogProgress &before, const FileFacts &facts) const
 {
     Content now;
@@ -116,7 +116,7 @@ StoreWatch::Content StoreWatch::contentSince(const LogProgress &before, const Fi
     return now;
 }
 
-/// Everything that SQLite writes into the file while there is a log comes out of that log, and its index tells of it.
+/// With a write-ahead log SQLite writes into the file only by checkpoints, which the wal-index counts.
 bool StoreWatch::isForeign(Content now)
 {
     if (!bearsOurMarks(now.header))

@@ -49,7 +49,7 @@ void paint(QPaintDevice &device, const QRect &place, const Words &words)
     painter.drawText(half.adjusted(12, 0, -12, -8), Qt::AlignCenter | Qt::TextWordWrap, words.text);
 }
 
-/// Paints itself whole, whatever style sheet its window has.
+/// Paints itself completely, so that the window's style sheet does not matter.
 class Sign : public QWidget
 {
 public:
@@ -81,7 +81,7 @@ bool canBear(const QWidget *window)
     return window != nullptr && window->isVisible() && !window->isMinimized() && isExposed(*window);
 }
 
-/// The window that the person looks at; null when there is none.
+/// The active window of this program, else its largest one; null when none is visible.
 QWidget *windowInFront()
 {
     for (QWidget *window : {QApplication::activeModalWidget(), QApplication::activeWindow()}) {
@@ -101,9 +101,9 @@ QWidget *windowInFront()
 
 } // namespace
 
-/// Where no window can be painted into yet. A widget would only be painted once the screen has asked for it, which is
-/// an event; what is flushed into a window without a widget is on the screen. As a tip it waits for no window
-/// manager, takes no keys, and is never the program's last window.
+/// Used while no window can be painted into. A QWidget is painted on its first expose event, which is not handled
+/// during the wait; a QBackingStore flushed into a QWindow is on the screen at once. Qt::ToolTip bypasses the window
+/// manager, takes no focus, and is never the last window of the program.
 class WaitSign::LoneSign : public QWindow
 {
 public:

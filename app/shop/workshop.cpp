@@ -46,7 +46,7 @@ bool isOurs(int descriptor)
     return ::fstat(descriptor, &facts) == 0 && facts.st_uid == ::geteuid();
 }
 
-/// The lock goes with its program, however that ends.
+/// The kernel releases the lock when the program ends, however it ends.
 void removeUnlessOwned(const QString &path)
 {
     const int descriptor = openFolder(path);
@@ -64,7 +64,7 @@ void removeUnlessOwned(const QString &path)
 
 Workshop::Workshop(const QString &folder, Purpose purpose)
 {
-    // Somebody who tidies up may come between the making of the folder and its mark.
+    // Another program's clean-up may remove the folder between mkdir() and flock().
     for (int tries = 0; tries < mostTries; ++tries) {
         m_folder = std::make_unique<QTemporaryDir>(folder + u'/' + nameOf(purpose, u"XXXXXX"_s));
         if (!m_folder->isValid() || own())

@@ -62,7 +62,7 @@ bool BareScreen::eventFilter(QObject *watched, QEvent *event)
         if (watched->isWidgetType())
             m_later.start();
         break;
-    case QEvent::Expose: // keys cannot be sent to a window before
+    case QEvent::Expose: // before it, XSetInputFocus on the window fails
         m_later.start();
         break;
     default:
@@ -79,10 +79,10 @@ void BareScreen::come(QWidget &window)
     m_windows << &window;
     if (qobject_cast<QDialog *>(&window) != nullptr && window.findChild<WindowEdge *>() == nullptr)
         new WindowEdge(window);
-    m_later.start(); // not within the change of its state: what the platform makes of that comes after it
+    m_later.start(); // later: Qt handles the state change after this event
 }
 
-/// The keys are not taken from another program, which may have windows on the same screen, but by a person's press.
+/// Takes the input focus from another program's window only when a person presses one of ours.
 void BareScreen::settle()
 {
     const bool pressed = std::exchange(m_pressed, false);

@@ -118,7 +118,7 @@ QString LogFile::write(const QByteArray &line)
         return reason;
     if (sizeOf(m_path) >= m_limit)
         rotate();
-    // Another program may have rotated the file away, and its line with it, as often as it likes.
+    // Another program may have rotated the file meanwhile, even several times.
     for (int tries = 0; tries < mostTries; ++tries) {
         bool isGone = false;
         qint64 size = 0;
@@ -150,7 +150,7 @@ void LogFile::rotate()
     if (QFileInfo::exists(lockName) && !QFileInfo(lockName).isFile())
         return;
     QLockFile lock(lockName);
-    // Whoever has the lock is rotating; this one writes on and looks again with its next line.
+    // Another program has the lock and is rotating: write on, and check again with the next line.
     if (!lock.tryLock() || sizeOf(m_path) < m_limit)
         return;
     const QString older = m_path + u".1"_s;

@@ -67,7 +67,7 @@ bool hasWindowManager()
     const xcb_atom_t check = atom(server, "_NET_SUPPORTING_WM_CHECK");
     if (check == XCB_ATOM_NONE)
         return false;
-    // A window manager that was killed leaves the name of its window, but not the window.
+    // A killed window manager leaves the property behind, naming a window that no longer exists.
     const xcb_window_t manager = windowIn(server, rootWindow(server), check);
     return manager != XCB_WINDOW_NONE && windowIn(server, manager, check) == manager;
 }

@@ -8,8 +8,8 @@ namespace harrowby::report {
 
 namespace {
 
-// All that parts a line from the next, and a name from its figures. A million purchases are taken apart for one report,
-// so the text is looked at sign by sign, and only where its rarest sign has been found.
+// The separators. A report parses up to a million purchases, so the text is searched for the rarest character of a
+// separator, and compared only there.
 constexpr QStringView times = u" x ";
 constexpr QStringView equals = u" = ";
 constexpr QStringView joint = u", ";
@@ -22,7 +22,7 @@ constexpr std::array<double, mostDigits + 1> powersOfTen{1e0, 1e1,  1e2,  1e3,  
 struct Number
 {
     double value = 0.0;
-    qsizetype end = 0; ///< behind its last sign
+    qsizetype end = 0; ///< after its last character
 };
 
 bool isDigit(QChar sign)
@@ -30,7 +30,8 @@ bool isDigit(QChar sign)
     return sign >= u'0' && sign <= u'9';
 }
 
-/// A sign, digits with grouping commas between them, a point and digits. Too many digits for a till are no number.
+/// An optional sign, digits with grouping commas, a point and digits. More digits than a till's figures have are no
+/// number.
 std::optional<Number> readNumber(QStringView text, qsizetype start)
 {
     const bool negative = start < text.size() && text.at(start) == u'-';

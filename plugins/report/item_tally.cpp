@@ -51,7 +51,7 @@ const ItemEntry *ItemTally::likely(std::uint32_t hash) const
     return slot.entry != 0 ? &m_entries[slot.entry - 1] : nullptr;
 }
 
-/// Asks the memory for the entries, and then, as they arrive, for their keys.
+/// Prefetches the entries, and then their keys.
 void ItemTally::fetch() const
 {
     if (m_slots.empty())

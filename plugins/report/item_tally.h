@@ -22,9 +22,9 @@ struct ItemEntry
     ItemSums sums;
 };
 
-/// The sums of each item key, found by a piece of a longer text. A long period has millions of lines over a hundred
-/// thousand keys, far more than the processor's caches hold, and waiting for the memory at each of them took longer
-/// than reading them. So lines are gathered, and what they need is asked for some dozens at a time.
+/// The sums of each item key. Lookups take a view into a longer text. A long period has millions of lines over a
+/// hundred thousand keys, more than the caches hold, and memory latency took longer than reading them; so lines are
+/// gathered and their entries prefetched some dozens at a time.
 class ItemTally
 {
 public:

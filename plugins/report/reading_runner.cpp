@@ -41,7 +41,7 @@ void ReadingRunner::step()
             Q_EMIT progressed(m_reading->progress());
         return;
     }
-    // Whoever hears of it may start the next one.
+    // Last, as a receiver may start the next reading.
     const std::unique_ptr<SalesReading> ended = std::move(m_reading);
     stop();
     if (state == SalesReading::State::Done)

@@ -19,12 +19,12 @@ public:
 
     /// Drops the reading that runs, and starts this one.
     void start(std::unique_ptr<SalesReading> reading);
-    /// Nothing more is heard of the reading.
+    /// Drops the reading; no signal follows.
     void stop();
     [[nodiscard]] bool isRunning() const { return m_reading != nullptr; }
 
 Q_SIGNALS:
-    /// Only when the reading takes long enough for a person to wonder; 0 to 1.
+    /// Progress from 0 to 1; emitted only when the reading takes longer than a moment.
     void progressed(double share);
     void done(const harrowby::report::Sales &sales, const harrowby::report::SalesQuery &query);
     void failed();

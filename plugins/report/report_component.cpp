@@ -39,7 +39,7 @@ void ReportComponent::AccountPreview(std::shared_ptr<harrowby::DbConnection> &co
     // The window below may be gone before the report is closed, and takes it along.
     QWidget *below = QApplication::activeWindow();
     const QPointer<ReportDialog> dialog(new ReportDialog(connection, frameFor(loggedUser, canSettings), below));
-    if (below != nullptr && below->isMaximized()) // a till has the screen to itself
+    if (below != nullptr && below->isMaximized()) // a till uses the whole screen
         dialog->setWindowState(Qt::WindowMaximized);
     if (!msgTitle.isEmpty())
         dialog->setWindowTitle(msgTitle);

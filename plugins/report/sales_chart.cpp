@@ -56,7 +56,7 @@ QFont chartFont(double points)
     return font;
 }
 
-/// Labels that look the same are one to the axis, so each gets a number of signs that have no width.
+/// QBarCategoryAxis merges equal labels, so zero-width characters make each one unique.
 QString distinct(const QString &label, int place)
 {
     return label + QString(place, QChar(0x200b));
@@ -101,7 +101,7 @@ QAbstractBarSeries *createSeries(const Bars &bars, const Ink &ink)
     else
         series = new QBarSeries;
     series->append(createSet(bars, ink));
-    // A single bar as wide as the window says nothing.
+    // A single bar is not stretched to the width of the window.
     series->setBarWidth(std::min(0.7, 0.12 * static_cast<double>(bars.bars.size())));
     return series;
 }
@@ -181,7 +181,7 @@ SalesChart::SalesChart(QWidget *parent) : QChartView(parent)
     setRenderHint(QPainter::Antialiasing);
     setFrameShape(NoFrame);
     setBackgroundBrush(Qt::NoBrush);
-    setFocusPolicy(Qt::NoFocus); // the table says the same, and can be walked through
+    setFocusPolicy(Qt::NoFocus); // the table shows the same figures and has the keyboard
     setMinimumHeight(120);
     build();
 }

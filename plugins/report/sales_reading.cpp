@@ -33,7 +33,7 @@ try {
     } while (m_state == State::Reading && std::chrono::steady_clock::now() < end);
     return m_state;
 } catch (...) {
-    // A connection should not throw; what it throws nevertheless is the failure of its statement.
+    // An exception of the connection counts as the failure of its statement.
     m_cursor.reset();
     return m_state = State::Failed;
 }

@@ -33,7 +33,7 @@ QColor mixed(const QColor &base, const QColor &other, double share)
     return {channel(base.red(), other.red()), channel(base.green(), other.green()), channel(base.blue(), other.blue())};
 }
 
-/// The wanted colour, moved towards black or white as far as it takes to be read on all of these grounds.
+/// The wanted colour, mixed with black or white until its contrast on each of these backgrounds is high enough.
 QColor readable(const QColor &wanted, std::initializer_list<QColor> grounds, double ratio)
 {
     const bool onDark = luminance(*grounds.begin()) < 0.18;

@@ -22,7 +22,7 @@ namespace harrowby {
 
 namespace {
 
-/// Of a list that drops down; where the screen has less room, it scrolls.
+/// Rows that a popup list shows at most; on a smaller screen it scrolls.
 constexpr int mostEntries = 24;
 constexpr int touchWidth = 112;
 constexpr qreal readablePoints = 11;

@@ -9,24 +9,24 @@ class QWidget;
 /// How the windows beside the till are dressed: the office, the report, the list of low items, and the program's boxes.
 namespace harrowby {
 
-/// Dresses a window like the till: everything that is touched is at least 44 px high, a screen reader hears what is so,
-/// lists drop down in full. Follows the application's palette. Once its parts are in.
+/// Gives a window the till's theme: touch targets of at least 44 px, accessible interfaces of src/spoken, popups that
+/// show their whole list. Follows the application's palette. Called after the window's children have been created.
 void dressDialog(QWidget &window);
 
-/// The same for a box, whose text is plain. Its default button, if any, becomes its main one. Once it has its buttons.
+/// The same for a message box, called after its buttons have been added. Its default button becomes the main one.
 void dressBox(QMessageBox &box);
 
-/// The one main button of a form. Before it is shown.
+/// Marks the one main button of a form. Called before it is shown.
 void makePrimary(QPushButton &button);
 
-/// Letters that are read at arm's length. For a window, before its parts are measured.
+/// Sets the window's font, large enough to be read at arm's length. Called before sizes are computed from it.
 void enlargeFont(QWidget &window);
 
-/// Makes the buttons within large enough for a thumb, in a window that does not wear the till's look.
+/// Gives the buttons of a window without the till's theme touch size.
 void makeTouchSized(QWidget &window);
 
-/// Puts the captions of a form into the middle of their entries. A form's own layout would have them above it.
-/// Once the rows are in, and before they are shown.
+/// Centres the labels of a form on their fields, where QFormLayout aligns them to the top. Called after the rows have
+/// been added, and before they are shown.
 void centreCaptions(QFormLayout &form);
 
 } // namespace harrowby

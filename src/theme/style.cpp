@@ -114,7 +114,7 @@ QString styleText(Wearer wearer, const Measures &measures)
     return withColours(withMeasures(styleFile(u"common.qss"_s) + own, measures), Colours::current(), wearer);
 }
 
-/// Redresses its window whenever the application's palette or the window's density changes.
+/// Sets the style sheet of its window again whenever the application's palette or the window's density changes.
 class StyleKeeper : public QObject
 {
 public:
