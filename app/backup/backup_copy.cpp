@@ -26,7 +26,7 @@ constexpr int pagesInOneStep = 256;
 constexpr int mostRestarts = 3;
 constexpr auto breather = 5ms; // pause between steps, in which a till can write
 
-/// A backup waits for a till as long as a till would, but for each lock afresh.
+/// A backup waits for a lock as long as a till would, each time anew.
 void waitForTills(sqlite3 *database)
 {
     sqlite3_busy_timeout(database, static_cast<int>(BusyWait::longestWait.count()));

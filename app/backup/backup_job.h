@@ -12,7 +12,7 @@
 
 namespace harrowby::app {
 
-/// A backup on a thread of its own. Its signals come on the thread that it lives on. One at a time.
+/// Runs a backup on its own thread, one at a time. Signals are emitted on the thread that this object lives on.
 class BackupJob final : public QObject
 {
     Q_OBJECT

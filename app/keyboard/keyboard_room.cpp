@@ -98,7 +98,7 @@ void KeyboardRoom::shiftTo(int shift)
     m_shifting = false;
 }
 
-/// A layout, or whoever places the login, puts its widget where it belongs without the shift.
+/// A layout (or the placing of the login panel) has moved its widget to the unshifted position.
 bool KeyboardRoom::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_content && event->type() == QEvent::Move && !m_shifting) {

@@ -187,7 +187,7 @@ void TouchKeyboard::makeRoom()
     QWidget *focus = QApplication::focusWidget();
     const QRect keyboard = input->keyboardRectangle().toAlignedRect();
     if (QGuiApplication::mouseButtons() != Qt::NoButton)
-        return; // what is being pressed must not move away; follow() comes again after the release
+        return; // the pressed control must not move; follow() is called again after the release
     if (!input->isVisible() || keyboard.isEmpty())
         m_room.giveBack();
     else if (focus != nullptr && takesText(*focus)) {

@@ -12,7 +12,7 @@ class StoreGuard;
 
 enum class OfficeEnd {
     Left,    ///< the window was closed, or the password was not given
-    Refused, ///< nobody can be let in; what has to be said has been said
+    Refused, ///< nobody can be let in; the message has been shown
 };
 
 /// Asks for the password and shows the window until it is closed.

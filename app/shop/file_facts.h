@@ -19,7 +19,7 @@ inline constexpr QStringView memoryName = u":memory:";
 [[nodiscard]] QString logIndexOf(const QString &path);
 [[nodiscard]] QString journalOf(const QString &path);
 
-/// True when something bears this name, a link to nothing included.
+/// True when this name exists, a dangling link included.
 [[nodiscard]] bool nameIsTaken(const QString &path);
 
 /// Why the existing file cannot be read and written where it lies; empty when it can.

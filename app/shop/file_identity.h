@@ -34,7 +34,7 @@ struct FileFacts
 struct OpenFile
 {
     FileFacts facts;
-    QString name; ///< where it lies by now; empty when it has no name any more
+    QString name; ///< its present path; empty when it has no name any more
 };
 /// Empty when this process has no such file open, or the system does not tell.
 [[nodiscard]] std::optional<OpenFile> openFileOf(const FileId &id);

@@ -8,7 +8,7 @@ namespace harrowby::app {
 
 /// Never replaces another file: the error is EEXIST then.
 [[nodiscard]] int nameNewFile(const QString &file, const QString &path);
-/// Replaces what bears the name, in one step.
+/// rename(): replaces a file of that name atomically.
 [[nodiscard]] int replaceFile(const QString &file, const QString &path);
 
 /// Waits until the bytes of the file are on the disk.

@@ -17,7 +17,7 @@ struct LogFiles
 /// Renames the log, so that SQLite does not replay it into another file, and removes its index. Returns the new name;
 /// empty when no log has the old name any more, or it cannot be renamed.
 [[nodiscard]] QString putLogAside(const LogFiles &files);
-/// Whether a log bears such a name.
+/// Whether a log has such a name.
 [[nodiscard]] bool isPutAside(const QString &log);
 
 /// Removes an empty log and its index, unless another program has them open. Only when this process has closed them.

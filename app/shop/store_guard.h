@@ -18,37 +18,37 @@ namespace harrowby::app {
 
 class BusyWait;
 
-/// Holds the connection to a store file and watches over the file: before each write, after it and twice a second. Once
-/// the file was moved, removed, replaced, overwritten, or has lost its log, each further statement on the connection
-/// fails, and what the log holds is brought to where it belongs. It moves the log into the file itself, each time
-/// after a look. docs/database.md tells the whole.
+/// Owns the connection to a store file and checks the file: in the commit hook, after each write, and twice a second.
+/// Once the file was moved, removed, replaced, overwritten, or has lost its log, each further statement on the
+/// connection fails, and the log is checkpointed into the file that was opened, or renamed. Runs all checkpoints
+/// itself, each after a check. Details in docs/database.md. Lives on the user-interface thread.
 class StoreGuard final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Takes the connection over. `path` is the name that the person gave; `wait` becomes the busy handler again after
-    /// each moment in which there must be none, and must outlive this object.
+    /// Takes ownership of the connection. `path` is the name that the person gave. `wait` is its busy handler, removed
+    /// during checkpoints and then set again; it must outlive this object.
     StoreGuard(SqliteDatabase database, const QString &path, BusyWait &wait);
-    /// Looks once more, brings away what is left to bring away, and closes the connection.
+    /// Checks once more, finishes moving the log of a lost store, and closes the connection.
     ~StoreGuard() override;
 
     [[nodiscard]] sqlite3 *database() const { return m_database.get(); }
 
-    /// From now on it looks by itself while an event loop runs.
+    /// Starts the timer, which calls tick() while an event loop runs.
     void keepWatch() { m_timer.start(); }
-    /// Looks now. False when the store is lost.
+    /// Checks the file now. False when the store is lost.
     bool check();
-    /// What the timer does: looks, and moves the log into the file, or goes on bringing the log away.
+    /// Checks the file, and then checkpoints the log, or goes on moving the log of a lost store away.
     void tick();
 
     [[nodiscard]] bool isLost() const { return m_loss.has_value(); }
-    /// Only when it is lost.
+    /// Precondition: isLost().
     [[nodiscard]] const StoreLoss &loss() const { return *m_loss; }
-    /// The failure with what has happened to the file as its reason, when that is why.
+    /// The failure, with the loss of the file as its reason when that has caused it.
     [[nodiscard]] DbFailure explained(const DbFailure &failure);
 
-    /// While one lives, statements of its thread work on a store that is lost too.
+    /// While one lives, statements of its thread also work on a lost store, for the rescue copy.
     class Pass
     {
     public:
@@ -63,7 +63,7 @@ public:
     };
 
 Q_SIGNALS:
-    /// Comes once when it is lost, and again when something about the loss has changed. Never out of a statement.
+    /// Emitted when the store is lost, and again when loss() has changed. Never emitted within a statement.
     void lossChanged();
 
 private:

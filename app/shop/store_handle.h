@@ -11,11 +11,10 @@ struct sqlite3;
 
 namespace harrowby::app {
 
-/// What the write-ahead log's index says of the moving of the log into the file. Who moves something writes it there
-/// before the file changes and after.
+/// The checkpoint fields of the wal-index. A checkpoint writes them before and after it changes the file.
 struct LogProgress
 {
-    std::array<std::uint32_t, 2> salts = {}; ///< new whenever the log begins afresh
+    std::array<std::uint32_t, 2> salts = {}; ///< new whenever the log is restarted
     std::uint32_t moved = 0;
     std::uint32_t movedOrTried = 0;
     bool operator==(const LogProgress &) const = default;
@@ -28,7 +27,7 @@ class StoreHandle
 public:
     explicit StoreHandle(sqlite3 *database) : m_database(database) {}
 
-    /// SQLite's own word on whether the file still bears the name under which it was opened.
+    /// SQLITE_FCNTL_HAS_MOVED: whether the file no longer has the name under which it was opened.
     [[nodiscard]] bool hasMoved() const;
     /// The first 100 bytes; empty when the file has not as many or cannot be read.
     [[nodiscard]] QByteArray header() const;

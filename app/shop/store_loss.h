@@ -9,7 +9,7 @@ namespace harrowby::app {
 struct StoreLoss
 {
     enum class Kind {
-        Moved,       ///< it bears another name now
+        Moved,       ///< it has another name now
         Removed,     ///< it has no name any more
         Replaced,    ///< another file lies in its place
         Overwritten, ///< its content was overwritten or cut short in place

@@ -12,8 +12,8 @@ namespace harrowby::app {
 
 class BusyWait;
 
-/// openStore() on a thread of its own. When it takes longer than a moment (a lock, a big file, missing indexes), a
-/// small window says what it waits for, and goes with the end.
+/// openStore() on another thread. When it takes longer than BusyWait::quietTime (a lock, a big file, missing indexes),
+/// a small window says what it waits for until it ends.
 [[nodiscard]] std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait,
                                                           SqliteDatabase &database);
 

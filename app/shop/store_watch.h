@@ -20,21 +20,21 @@ class StoreWatch
 public:
     enum class Finding {
         Fine,
-        PathGone,    ///< nothing bears the name any more
-        PathTaken,   ///< another file does
-        Overwritten, ///< the same file, but written or cut short past SQLite
-        LogGone,     ///< the log or its index lies beside it no more, or others do
+        PathGone,    ///< no file has the name any more
+        PathTaken,   ///< another file has it
+        Overwritten, ///< the same file, but written or truncated by others than SQLite
+        LogGone,     ///< the log or its index is no longer beside it, or was replaced
     };
 
     /// Takes the file's present state as the right one. `path` is the name that the person gave.
     StoreWatch(sqlite3 *database, const QString &path);
 
     [[nodiscard]] Finding look();
-    /// Of the file that was opened, wherever it lies by now: written or cut short past SQLite.
+    /// Whether the file that was opened, whatever its name now, was written or truncated by others than SQLite.
     [[nodiscard]] bool isWrittenByOthers() { return isForeign(contentNow()); }
-    /// To be called after this process has moved the log into the file.
+    /// Called after each checkpoint of this process.
     void accept() { m_content = contentNow(); }
-    /// The connection has a write-ahead log open from now on. Nothing when that is known.
+    /// Called once the connection has a write-ahead log open; later calls do nothing.
     void followLog();
 
     [[nodiscard]] bool hasLog() const { return m_hasLog; }
@@ -55,7 +55,7 @@ private:
         FileFacts facts;
         QByteArray header;
         LogProgress log;
-        bool isSettled = false; ///< nobody was moving the log into the file meanwhile
+        bool isSettled = false; ///< no checkpoint ran meanwhile
     };
 
     [[nodiscard]] Finding checkPath(FileFacts &facts) const;
@@ -73,7 +73,7 @@ private:
     bool m_timeCounts;
     bool m_hasLog = false;
     FileId m_file, m_log, m_logIndex;
-    Content m_content; ///< as it was when all was well last
+    Content m_content; ///< as of the last check without a finding
 };
 
 } // namespace harrowby::app

@@ -31,7 +31,7 @@ int openFolder(const QString &path)
     return ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
-/// False when it is another one by now, or gone.
+/// False when the path names another folder now, or none.
 bool isStillThere(int descriptor, const QString &path)
 {
     struct stat opened = {};

@@ -245,7 +245,7 @@ void ReportDialog::cancel()
 
 void ReportDialog::showProgress(double share)
 {
-    // What is there belongs to another choice.
+    // The shown table belongs to the choice before.
     m_table->clear();
     m_chart->show({});
     m_pages->setCurrentIndex(0);

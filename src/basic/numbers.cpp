@@ -174,7 +174,7 @@ QString withSign(const Decimal &decimal, const QString &digits)
     return decimal.negative ? u'-' + digits : digits;
 }
 
-/// What is no finite number has no digits to show. The names are no SQL either, so none is ever stored.
+/// "nan", "inf" or "-inf". None of them is an SQL literal, so a statement with one fails and nothing is stored.
 template <typename Float>
 QString notFinite(Float value)
 {
@@ -204,7 +204,7 @@ std::optional<std::int64_t> wholeHundredths(double value)
     return hundredths / 100.0 == value ? std::optional(static_cast<std::int64_t>(hundredths)) : std::nullopt;
 }
 
-/// Lists show amounts by the hundred thousand: no digit is moved twice here.
+/// Writes the digits from the end into one buffer: lists format amounts by the hundred thousand.
 QString hundredthsText(std::int64_t hundredths, Grouping grouping)
 {
     std::array<char, 32> buffer{};

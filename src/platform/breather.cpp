@@ -13,7 +13,7 @@ namespace {
 
 constexpr qint64 shortestRestMs = 16; // a frame: what takes no longer is painted once, when it is done
 constexpr qint64 longestRestMs = 40;
-/// How much longer than the events the rest after them is.
+/// Factor from the time that the events took to the next interval.
 constexpr qint64 restPerEvents = 4;
 constexpr int manyRows = 32;
 constexpr int mostUnseenRows = 8;
@@ -39,8 +39,8 @@ void Breather::rest()
     m_pulse->dueMs = m_pulse->clock.elapsed() + shortestRestMs;
 }
 
-/// A row may take no longer than the look at the clock. While many go by within a millisecond, not each of them looks;
-/// few enough go by unseen that a slow one among them is no harm.
+/// Reading the clock can take as long as a row. While many rows fit into a millisecond, it is read for every few rows
+/// only, so that a slow row among them delays the events by little.
 bool Breather::isDue() const
 {
     if (m_pulse->quickLooks >= manyRows && m_pulse->unseenRows < mostUnseenRows) {
@@ -55,14 +55,14 @@ bool Breather::isDue() const
 
 Breather::Breath::Breath(const Breather &breather) : m_pulse(breather.m_pulse), m_begun(m_pulse->clock.elapsed())
 {
-    m_pulse->dueMs = m_begun + shortestRestMs; // a handler that is entered now rests as long as everybody else
+    m_pulse->dueMs = m_begun + shortestRestMs; // for handlers that are entered by the events
 }
 
 void Breather::Breath::handleEvents() const
 {
     QCoreApplication::processEvents();
     const qint64 now = m_pulse->clock.elapsed();
-    // From now on: a slow repaint must not be followed by the next one at once.
+    // Counted from the end of the events, so that a slow repaint is not followed by the next one at once.
     m_pulse->dueMs = now + std::clamp(restPerEvents * (now - m_begun), shortestRestMs, longestRestMs);
 }
 

@@ -5,19 +5,18 @@
 
 namespace harrowby {
 
-/// Lets the window breathe during a long loop: call breathe() once per row. It handles pending events (clicks
-/// and keys too), but looks at the clock first and does so at most every 16 milliseconds, so a row does not cost a
-/// repaint. Where the events take long, as the repaint of a long list does, it rests four times as long as they took,
-/// so that most of the time stays with the loop; 40 milliseconds at most. One object serves the whole window,
-/// nested loops included. It may be destroyed by an event that it handles.
+/// Calls QCoreApplication::processEvents() during a long loop (input events too): call breathe() once per row. It
+/// checks the clock and handles events at most every 16 milliseconds, so that a row does not cost a repaint. When the
+/// events take long (the repaint of a long list), the next interval is four times as long as they took, 40 milliseconds
+/// at most. One object serves the whole window, nested loops included. It may be destroyed by an event that it handles.
 ///
-/// A loop that fills a list by the hundred thousand keeps its rows back and hands a function that shows them: it
-/// runs right before the events, so whoever is entered by one of them finds the list as far as it has come.
+/// A loop that fills a long list queues its rows and passes a function that shows them: it is called right before the
+/// events, so that handlers entered by them find the rows so far.
 class Breather
 {
 public:
     Breather();
-    /// Tells that events have just been handled without it, as before a click or in a box: it need not begin with them.
+    /// Restarts the interval: events have just been handled elsewhere (a click, a box).
     void rest();
     void breathe()
     {
@@ -49,7 +48,7 @@ private:
 
     [[nodiscard]] bool isDue() const;
 
-    // Shared, so that a breath can still end when the events have destroyed the window and this object.
+    // Shared, as the events may destroy the window and this object before a breath ends.
     std::shared_ptr<Pulse> m_pulse;
 };
 

@@ -27,7 +27,7 @@ public:
     /// Where plugins are looked for, in this order. A new registry looks nowhere.
     void setPluginFolders(const QStringList &folders);
 
-    /// Null when nobody makes such an object, or the one who should fails; the log says why. Never throws.
+    /// Null when no factory and no plugin makes such an object, or making it fails, which is logged. Never throws.
     /// Of the plugins only the one that names the identifier is loaded.
     [[nodiscard]] std::unique_ptr<QObject> create(const QString &classId) const noexcept;
 

@@ -11,8 +11,7 @@
 
 namespace harrowby {
 
-/// Everything outside the database that the window leans on, each behind an interface of its own, so that a test
-/// can answer, isolate and freeze it.
+/// Everything outside the database that the window uses, each behind an interface, so that a test can replace it.
 struct Platform
 {
     std::shared_ptr<Boxes> boxes;

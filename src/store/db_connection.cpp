@@ -9,7 +9,7 @@ namespace harrowby {
 
 namespace {
 
-/// A login's statement ends with what was typed as the password; nobody needs to read that in a log.
+/// Masks the typed password at the end of a login's statement, for handler and log.
 QString withoutPassword(const QString &statement)
 {
     constexpr QLatin1StringView condition("UPPER(Password) = ");

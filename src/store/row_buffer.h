@@ -25,7 +25,7 @@ public:
     void append(const DbValue &value);
     /// Ends the row that the last values belong to.
     void endRow() { ++m_count; }
-    /// Gives back what was reserved for rows that did not come.
+    /// Releases capacity that was reserved for rows that did not come.
     void squeeze() { m_bytes.squeeze(); }
 
     [[nodiscard]] qsizetype columns() const { return m_columns.size(); }

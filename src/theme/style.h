@@ -14,7 +14,7 @@ namespace harrowby {
 void applyTillStyle(QWidget &window);
 /// The same for a window beside the till. A dialog rather calls dressDialog().
 void applyDialogStyle(QWidget &window);
-/// For the notice of what was not saved, by the object names of its parts.
+/// The style sheet of the failure notice, by the object names of its parts.
 void applyNoticeStyle(QWidget &window);
 
 /// Sets fonts and lengths of the theme by the room that a window has; before or after the theme is set on it.

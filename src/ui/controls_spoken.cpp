@@ -20,7 +20,7 @@ void Controls::nameParts()
                                                    {Frame12, u"Login"_s},          {Frame13, u"Keypad"_s}};
     for (const auto &[panel, name] : panels)
         panel->setAccessibleName(name);
-    // A figure of the dashboard is told with what it counts.
+    // Each figure of the dashboard is labelled by its caption.
     const std::pair<int, int> figures[] = {{Dashboard::SalesCountCaption, Dashboard::SalesCount},
                                            {Dashboard::SalesAmountCaption, Dashboard::SalesAmount},
                                            {Dashboard::StockTotalCaption, Dashboard::StockTotal},

@@ -56,7 +56,7 @@ void Fitting::setDensity(Density density)
     setFrame();
 }
 
-/// What is free around the actions and the tabs. A low window has none for looks.
+/// Margins around the actions and the tabs; a low window has no room for them.
 void Fitting::setFrame()
 {
     const bool isCompact = m_density == Density::Compact;

@@ -8,8 +8,8 @@
 
 namespace harrowby {
 
-/// Keeps the controls of a window fitting its size: where the panels stand, how dense their looks are, and that what
-/// has too little room can be scrolled. Owned by the window.
+/// Fits a window's controls to its size: places the panels, sets the theme's density, and lets panels with too little
+/// room scroll. Owned by the window.
 class Fitting : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class Fitting : public QObject
 public:
     Fitting(QMainWindow &form, const Controls &controls);
 
-    /// Does so now. It does nothing while the window stays of its kind.
+    /// Does so now; nothing while the window's shape and density stay the same.
     void fit();
 
 protected:

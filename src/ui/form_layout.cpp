@@ -123,7 +123,7 @@ QLabel *headingOf(QWidget *control)
     return nullptr;
 }
 
-/// What is set for the till beside whom it is sent to, and the categories beside what is done with them.
+/// Two columns: check boxes beside their entries, the categories beside their buttons.
 void arrangeSettingsBeside(const Controls &c)
 {
     QGridLayout &grid = gridOf(c.Check1);

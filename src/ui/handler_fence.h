@@ -9,15 +9,15 @@ namespace harrowby {
 
 class Breather;
 
-/// Stands around every handler of a window. Nothing that a handler throws leaves it, and a window that is closed in the
-/// middle of handlers is destroyed once the last of them has returned.
+/// Every handler of a window runs through it. Exceptions are logged and end here; a window that is closed while
+/// handlers run is destroyed once the last of them has returned.
 class HandlerFence
 {
 public:
-    /// Both must outlive it. The window must be made by new, and have no owner that destroys it earlier.
+    /// Both must outlive it. The window is allocated by new and has no other owner; close() leads to deleteLater().
     HandlerFence(QWidget &window, Breather &breather) : m_window(window), m_breather(breather) {}
 
-    /// Runs a handler, also in the middle of another one.
+    /// Runs a handler; may be nested.
     template <typename Handler>
     void run(Handler &&handler) noexcept
     {
@@ -48,7 +48,7 @@ private:
     void enter();
     void leave();
     void releaseIfClosed();
-    /// Inside a catch alone.
+    /// Precondition: called in a catch block.
     static void logEarlyEnd();
 
     QWidget &m_window;

@@ -47,7 +47,7 @@ Inventory::Inventory(const Platform &platform, QWidget *parent) :
 
 Inventory::~Inventory()
 {
-    // Controls that lose the focus while they are taken down must not enter a handler any more.
+    // Controls that lose the focus during destruction must not call handlers.
     for (QObject *control : findChildren<QObject *>())
         control->disconnect(this);
 }
@@ -66,14 +66,14 @@ void Inventory::load()
 {
     const OneAtATime::Turn loading = m_underWay.loading.begin();
     m_fence.run([this] { loadForm(); });
-    // Also when a step of loading ended early: nobody has logged in.
+    // Also when loading has ended early by an exception: no user is logged in.
     m_state.login.IsLoggedIn = false;
 }
 
 void Inventory::present()
 {
     if (m_underWay.loading.isRunning())
-        return; // asked for in the middle of loading: whoever loads it shows it
+        return; // called while it loads: the outer call shows it
     Qt::WindowStates wanted = windowState() & ~Qt::WindowMinimized;
     const QSize room = screen()->availableSize();
     // A window of the screen's own size would hang over its edge by the height of the title bar.
@@ -88,7 +88,7 @@ void Inventory::present()
 void Inventory::loadForm()
 {
     m_controls.StatusBar1_1->setText(u"Login: No User"_s);
-    m_state.login.IsLoggedIn = true; // on purpose: the tab handlers below must not be refused
+    m_state.login.IsLoggedIn = true; // Intended: else the gates of the tab handlers below refuse
     m_controls.Frame11->hide();
     m_controls.Frame12->show();
     m_controls.Frame12->raise();
@@ -126,7 +126,7 @@ bool Inventory::confirmClose()
     const OneAtATime::Turn asking = m_underWay.closeQuestion.begin();
     bool confirmed = false;
     m_fence.run([&] {
-        // The cart never counts itself into CartCount, so the first text is what a full cart gets too.
+        // Intended: the cart never changes CartCount, so a full cart gets the second text too.
         confirmed =
             ask(m_state.CartCount >= 1 ? u"There are item(s) in the cart, do you still want to Close Inventory?"_s
                                        : u"Close Inventory?"_s,

@@ -9,7 +9,7 @@ namespace harrowby {
 
 struct Controls;
 
-/// In front of every other panel, but for a keypad that is shown: nothing covers that until it is hidden.
+/// Raises a panel above all others except a visible keypad.
 void bringForward(const Controls &controls, QFrame &panel);
 void hidePanels(std::initializer_list<QFrame *> panels);
 

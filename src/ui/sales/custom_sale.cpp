@@ -77,7 +77,7 @@ void Inventory::LoadStockItem(PickList &list, const QString &category)
             keys.append(QUtf8StringView(key));
         }
         m_breather.breathe([&] { list.takeEntries(keys); });
-        return fill.isLatest(); // else the list was filled afresh meanwhile
+        return fill.isLatest(); // else a later load fills the list
     });
     if (fill.isLatest())
         items.HasFailed() ? list.dropEntries() : list.takeEntries(keys);

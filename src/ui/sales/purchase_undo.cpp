@@ -94,7 +94,7 @@ void Inventory::LoadPurchaseIDs()
         if (texts.read())
             ids.append(texts[0]);
         m_breather.breathe([&] { list.takeEntries(ids); });
-        return fill.isLatest(); // else the list was filled afresh meanwhile
+        return fill.isLatest(); // else a later load fills the list
     });
     if (fill.isLatest())
         purchases.HasFailed() ? list.dropEntries() : list.takeEntries(ids);

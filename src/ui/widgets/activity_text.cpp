@@ -33,7 +33,7 @@ void ActivityText::clearEntries()
     m_bytes = 0;
 }
 
-/// Measured, and rounded up: text, format and lines. `activity_log_test` holds it against what is really taken.
+/// Bytes of an entry: text, format and lines, measured and rounded up. `activity_log_test` compares it with malloc.
 qsizetype ActivityText::bytesOf(const Entry &entry)
 {
     constexpr qsizetype ofParagraph = 700;
@@ -41,8 +41,8 @@ qsizetype ActivityText::bytesOf(const Entry &entry)
     return entry.paragraphs * ofParagraph + entry.characters * ofCharacter;
 }
 
-/// Inserting lays the new text out and keeps its glyphs, some forty bytes a character, which only painting it again
-/// would give back. Without a layout it is laid out when it is painted.
+/// Inserting lays the new text out, and QTextLayout keeps the glyphs, some forty bytes a character. An empty layout
+/// frees them; the text is laid out again when it is painted.
 void ActivityText::dropLayout(int paragraphs)
 {
     QTextBlock block = document()->begin();

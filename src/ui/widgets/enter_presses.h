@@ -5,8 +5,8 @@
 
 namespace harrowby {
 
-/// Event filter for buttons: Enter presses the one that has the focus, as the space bar does. Qt leaves that to
-/// dialogs. Not for buttons that sell at one press: Enter follows a login, and every code that a reader reads.
+/// Event filter for buttons: Enter presses the one that has the focus, as the space bar does. Qt does that in
+/// dialogs only. Not for buttons that sell at one press: Enter may end a login or a scanned code.
 class EnterPresses final : public QObject
 {
     Q_OBJECT

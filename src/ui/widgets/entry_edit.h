@@ -17,8 +17,8 @@ public:
     ~EntryEdit() override;
 
     [[nodiscard]] bool isTooLong() const;
-    /// Whether what is typed in its window goes into it: also behind a pop-up or a window in front, and where no
-    /// window manager makes the window the active one.
+    /// Whether it is its window's focus widget, also while the window is not active: behind a pop-up or another window,
+    /// or without a window manager.
     [[nodiscard]] bool isEdited() const;
 
 protected:

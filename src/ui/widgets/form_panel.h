@@ -18,12 +18,12 @@ public:
 
     /// What the panel shows; its layout is the form.
     [[nodiscard]] QWidget *page() const { return m_page; }
-    /// From now on the page may be higher than the panel. The parts that scroll are made only when they are needed: a
-    /// window that has the room opens without them.
+    /// Lets the page be higher than the panel. The scroll area is created only when it is needed, as it costs time when
+    /// a window opens.
     void makeScrollable();
     void setVisible(bool visible) override;
-    /// This part of the page, its first, is seen whole. Where there is too little room for the whole page with the
-    /// part at a comfortable height, the part takes the room, and what is below it shows how it begins.
+    /// Keeps this part, the first of the page, wholly in view. Where the page does not fit with the part at
+    /// `comfortable` height, the part gets the room, and only the beginning of what is below it shows.
     void keepInView(QWidget *part, int comfortable);
 
 protected:

@@ -7,8 +7,8 @@
 
 namespace harrowby {
 
-/// A list of names: plain text, elided where it is too long, with the whole in the tool tip. Who presses a name
-/// selects it, whatever keys are held.
+/// A list of names: plain text, elided where it is too long, with the whole in the tool tip. A click
+/// selects a name, whatever modifier keys are held.
 class NameList : public QListWidget, public SpokenParts
 {
     Q_OBJECT

@@ -46,7 +46,7 @@ private:
     int m_gutter;
     int m_padding;
     std::vector<QPointer<QWidget>> m_undressed; ///< whose events are filtered
-    std::vector<QPointer<QWidget>> m_waiting;   ///< those of them that Qt believes to be dressed
+    std::vector<QPointer<QWidget>> m_waiting;   ///< those whose Polish event was filtered
 };
 
 } // namespace harrowby

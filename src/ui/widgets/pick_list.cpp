@@ -221,7 +221,7 @@ bool PickList::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == lineEdit()) {
         const bool press = event->type() == QEvent::MouseButtonPress;
-        // The release drops it: the list that has just come would take one of its own for the end of a choice.
+        // The popup opens on release: opened on press, it would take the release as a choice.
         if ((press || event->type() == QEvent::MouseButtonRelease) && m_dropsOnPress && count() > 0) {
             if (!press)
                 showPopup();
@@ -251,7 +251,7 @@ void PickList::keyPressEvent(QKeyEvent *event)
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const QScopedValueRollback typing(m_picking, !enter);
     if (walksTheEntries(event->key()))
-        beginPick(); // not before typing: it would drop what is marked in the text, and is to be typed over
+        beginPick(); // not when typing: it would drop the text selection that the key is to replace
     else
         m_textChanged = false;
     QComboBox::keyPressEvent(event);

@@ -28,8 +28,7 @@ public:
     void clearEntries();
     /// Removes the entries alone: the text stays, and selects nothing.
     void dropEntries();
-    /// The latest until the entries are removed once more: a loop that fills the list stops when another one has begun
-    /// afresh.
+    /// Begins filling; the turn is the latest until the entries are removed again. A loop stops when it no longer is.
     [[nodiscard]] LatestLoad::Turn fill() const { return m_fills.current(); }
     /// Appends an entry; text and selection stay as they are.
     void addEntry(const QString &text);
@@ -83,7 +82,7 @@ private:
     bool m_textChanged = false; ///< since the user's last action began, and not by code
     bool m_picking = true;      ///< an activation is the user's choice, and not merely Enter or the focus leaving
     bool m_dropsOnPress = false;
-    bool m_popupDressed = false; ///< the list that drops down has been given its looks
+    bool m_popupDressed = false; ///< the popup has got its delegate and height
 };
 
 } // namespace harrowby

@@ -14,7 +14,7 @@ class TextTableModel;
 
 /// Report-style list: whole rows, one selected at a time, columns under headers, texts elided with the whole in
 /// their tool tip (always plain text). The columns share the width that there is, so that nothing scrolls sideways.
-/// Enter on a row does what a double click does. Who presses a row selects it, whatever keys are held.
+/// Enter on a row does what a double click does. A click selects a row, whatever modifier keys are held.
 class RowList : public QTreeView, public SpokenParts
 {
     Q_OBJECT

@@ -76,7 +76,7 @@ void TabStrip::tabInserted(int index)
     m_accepted = currentIndex();
 }
 
-/// Nobody means a tab with it, and it would drop what stands half entered in the one that is left.
+/// The wheel changes no tab: changing it by accident would drop unfinished input.
 void TabStrip::wheelEvent(QWheelEvent *event)
 {
     event->ignore();

@@ -10,7 +10,7 @@
 namespace harrowby {
 
 /// Row of tabs numbered from 1. Captions are plain text. Besides the arrow keys, a tab's number, Home and End choose a
-/// tab: the way there by the arrows may lead over one that is refused. The wheel chooses none.
+/// tab, as the arrow keys may stop at one that is refused. The wheel chooses none.
 class TabStrip : public QTabBar, public SpokenParts
 {
     Q_OBJECT

@@ -48,8 +48,7 @@ public:
 
     void removeRowAt(int row);
     void clear();
-    /// The latest until clear() is called once more: a loop that fills the list stops when another one has begun
-    /// afresh.
+    /// Begins filling; the turn is the latest until clear() is called again. A loop stops when it no longer is.
     [[nodiscard]] LatestLoad::Turn fill() const { return m_fills.current(); }
 
     /// Empty outside the table.
@@ -60,7 +59,7 @@ public:
     void setRow(int row, PackedRow texts);
     /// First row whose first column equals the text as a whole, without regard to case; -1 when there is none.
     [[nodiscard]] int findRow(QStringView text) const;
-    /// Tells that findRow() of the text will follow, to make it quicker.
+    /// Prefetches what findRow() of this text will read.
     void expectRow(QStringView text) const { m_index.expect(text); }
 
     /// Draws the first column of a row red and with a mark, which a screen reader is told of too, or black and without;
