@@ -2,7 +2,7 @@
 #include "plugins/report/sales_reading.h"
 
 #include "basic/values.h"
-#include "plugins/report/statements.h"
+#include "plugins/report/sales_statements.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,7 +3,7 @@
 
 #include "basic/logging.h"
 #include "basic/private_files.h"
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 
 #include <QDir>
 #include <QFile>
@@ -97,13 +97,13 @@ QString keepReceipt(const QByteArray &pdf, const QDateTime &time)
     for (const QString &folder : folders) {
         const Outcome outcome = keepIn(QDir(folder), pdf, receiptTitle(time));
         if (!outcome.path.isEmpty()) {
-            FileFailures::reportSuccess(FileFailure::Kind::Receipt, folder);
+            FailureTelling::reportSuccess(FileFailure::Kind::Receipt, folder);
             return outcome.path;
         }
         reasons << outcome.reason;
     }
     reasons.removeDuplicates();
-    FileFailures::report(FileFailure::Kind::Receipt, folders.constFirst(), reasons.join(u"; "_s));
+    FailureTelling::report(FileFailure::Kind::Receipt, folders.constFirst(), reasons.join(u"; "_s));
     return {};
 }
 

@@ -2,7 +2,7 @@
 #include "platform/receipt_printer.h"
 
 #include "basic/logging.h"
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 #include "platform/hand_over.h"
 #include "platform/receipt_folder.h"
 #include "receipt/receipt_pdf.h"
@@ -34,7 +34,7 @@ void ReceiptPrinter::endDocument()
     const QByteArray pdf = receiptPdf(lines, receiptTitle(now));
     if (pdf.isEmpty()) {
         qCWarning(lcPrint).noquote() << receiptTitle(now) << "for" << m_deviceName << "cannot be drawn";
-        FileFailures::report(FileFailure::Kind::Receipt, receiptFolders().constFirst(), u"it cannot be drawn"_s);
+        FailureTelling::report(FileFailure::Kind::Receipt, receiptFolders().constFirst(), u"it cannot be drawn"_s);
         return;
     }
     const QString file = keepReceipt(pdf, now);

@@ -3,7 +3,7 @@
 
 #include "basic/logging.h"
 #include "basic/private_files.h"
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 #include "platform/ini_text.h"
 
 #include <QFile>
@@ -42,11 +42,11 @@ std::optional<QByteArray> contentsOf(const QString &path)
     QByteArray bytes;
     const QString reason = QFile::exists(path) ? readFrom(path, bytes) : QString();
     if (reason.isEmpty()) {
-        FileFailures::reportSuccess(FileFailure::Kind::SettingsRead, path);
+        FailureTelling::reportSuccess(FileFailure::Kind::SettingsRead, path);
         return bytes;
     }
     qCWarning(lcSettings).noquote() << "Cannot read" << path << "-" << reason;
-    FileFailures::report(FileFailure::Kind::SettingsRead, path, reason);
+    FailureTelling::report(FileFailure::Kind::SettingsRead, path, reason);
     return {};
 }
 
@@ -54,9 +54,9 @@ std::optional<QByteArray> contentsOf(const QString &path)
 void finishSaving(const QString &path, const QString &reason)
 {
     if (reason.isEmpty())
-        return FileFailures::reportSuccess(FileFailure::Kind::SettingsWrite, path);
+        return FailureTelling::reportSuccess(FileFailure::Kind::SettingsWrite, path);
     qCWarning(lcSettings).noquote() << "Cannot write" << path << "-" << reason;
-    FileFailures::report(FileFailure::Kind::SettingsWrite, path, reason);
+    FailureTelling::report(FileFailure::Kind::SettingsWrite, path, reason);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 
 #include "app/shop/store_create.h"
 #include "app/shop/store_open.h"
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 #include "platform/native_printers.h"
 #include "store/inv_basic.h"
 
@@ -84,7 +84,7 @@ TroubledTill::~TroubledTill()
 {
     m_window.reset();
     InvBasic::setConnection(nullptr);
-    FileFailures::setHandler({});
+    FailureTelling::setHandler({});
 }
 
 void TroubledTill::makeStore() const
@@ -106,7 +106,7 @@ void TroubledTill::connectAll()
     m_connection->after = [this](const QString &statement, bool done) {
         (done ? m_done : failedStatements) << statement;
     };
-    FileFailures::setHandler([this](const FileFailure &failure) {
+    FailureTelling::setHandler([this](const FileFailure &failure) {
         if (failure.isOver)
             return;
         told << failure.path + u": "_s + failure.reason;

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void aSuppliedWindowIsShown();
     void settingsAreTheComponents();
+    void placesOfSettings();
     void aFileThatCannotBeWrittenIsTold();
 };
 
@@ -97,6 +98,20 @@ void ObjectsTest::settingsAreTheComponents()
     QCOMPARE(savedSetting(u"option"_s, u"Title"_s, u"x"_s), QString());
     QVERIFY(QFile::exists(config + u"/Harrowby/Harrowby.ini"_s));
     QVERIFY(QFile::remove(config + u"/Harrowby/Harrowby.ini"_s));
+}
+
+/// Hosts and files of earlier days know them by these very names.
+void ObjectsTest::placesOfSettings()
+{
+    const auto place = [](const SettingPlace &setting) {
+        return QStringList{setting.section, setting.key, setting.defaultValue}.join(u'/');
+    };
+    QCOMPARE(place(saved::EmailReport), u"Option/EmailReport/1"_s);
+    QCOMPARE(place(saved::PrintReceipt), u"Option/UsePOSforReceipt/1"_s);
+    QCOMPARE(place(saved::Currency), u"Option/Currency/N"_s);
+    QCOMPARE(place(saved::ReceiptTitle), u"option/Title/"_s);
+    QCOMPARE(place(saved::ReceiptAddress), u"option/address/"_s);
+    QCOMPARE(place(saved::ReceiptPrinter), u"POS/COM/COM1"_s);
 }
 
 void ObjectsTest::aFileThatCannotBeWrittenIsTold()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/receipt_folder.h"
 
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
@@ -115,7 +115,7 @@ private Q_SLOTS:
     {
         const LogCapture log;
         QList<FileFailure> failures;
-        FileFailures::setHandler([&](const FileFailure &failure) { failures << failure; });
+        FailureTelling::setHandler([&](const FileFailure &failure) { failures << failure; });
         QString path;
         {
             const FullDisk full(1000);
@@ -127,7 +127,7 @@ private Q_SLOTS:
         QCOMPARE(failures.constFirst().reason, u"File too large"_s);
         QVERIFY(!keepReceipt("x", soldAt).isEmpty());
         QVERIFY(failures.constLast().isOver);
-        FileFailures::setHandler({});
+        FailureTelling::setHandler({});
         QVERIFY(QFile::remove(m_home.receiptFiles().constFirst()));
         QCOMPARE(path, QString());
         QCOMPARE(m_home.receiptFiles(), QStringList());

@@ -2,7 +2,7 @@
 #include "platform/saved_settings.h"
 
 #include "basic/private_files.h"
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
@@ -54,12 +54,12 @@ private Q_SLOTS:
     {
         m_home.clear();
         m_failures.clear();
-        FileFailures::setHandler([this](const FileFailure &failure) { m_failures << failure; });
+        FailureTelling::setHandler([this](const FileFailure &failure) { m_failures << failure; });
     }
     void cleanup()
     {
         IniSettings(m_home.path(u"other.ini"_s)).save(u"POS"_s, u"COM"_s, {}); // whatever failed is over
-        FileFailures::setHandler({});
+        FailureTelling::setHandler({});
     }
 
     void livesInTheConfigurationFolder() { QCOMPARE(IniSettings().path(), file()); }

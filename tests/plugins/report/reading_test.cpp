@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/sales_reading.h"
-#include "plugins/report/statements.h"
+#include "plugins/report/sales_statements.h"
 #include "tests/plugins/report/shop.h"
 
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 
 #include <harrowby/file_failure.h>
 
@@ -9,7 +9,7 @@ namespace harrowby {
 
 void setFileFailureHandler(FileFailureHandler handler) noexcept
 {
-    FileFailures::setHandler(std::move(handler));
+    FailureTelling::setHandler(std::move(handler));
 }
 
 } // namespace harrowby

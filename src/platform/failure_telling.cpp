@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/file_failures.h"
+#include "platform/failure_telling.h"
 
 #include "basic/logging.h"
 
@@ -7,7 +7,7 @@
 #include <set>
 #include <utility>
 
-namespace harrowby::FileFailures {
+namespace harrowby::FailureTelling {
 
 namespace {
 
@@ -57,4 +57,4 @@ try {
     qCWarning(lcWindow, "The host could not be told of the end of a failure");
 }
 
-} // namespace harrowby::FileFailures
+} // namespace harrowby::FailureTelling

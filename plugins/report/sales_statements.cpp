@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "plugins/report/statements.h"
+#include "plugins/report/sales_statements.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include <harrowby/file_failure.h>
 
 /// What the host is told of the files outside the database. The log is the caller's business.
-namespace harrowby::FileFailures {
+namespace harrowby::FailureTelling {
 
 void setHandler(FileFailureHandler handler);
 
@@ -12,4 +12,4 @@ void report(FileFailure::Kind kind, const QString &path, const QString &reason) 
 /// A step of this kind has worked. Only the first one after a failure is passed on.
 void reportSuccess(FileFailure::Kind kind, const QString &path) noexcept;
 
-} // namespace harrowby::FileFailures
+} // namespace harrowby::FailureTelling
