@@ -25,6 +25,7 @@
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
+#include "basic/result.h"
 
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
@@ -46,79 +47,77 @@ namespace harrowby::app {
 
 namespace {
 
-/// Ends the start with this exit code; the message has been shown.
-struct StartEnds
-{
-    ExitCode code;
-};
+/// What a step of the start yields, or the exit code that ends the start; the message has been shown.
+template <typename T>
+using Started = Result<T, ExitCode>;
 
-[[noreturn]] void refuse(const StoreProblem &problem)
+Unexpected<ExitCode> refuse(const StoreProblem &problem)
 {
     tellProblem(problem.text);
-    throw StartEnds{ExitCode::StoreRefused};
+    return Unexpected(ExitCode::StoreRefused);
 }
 
-CommandLine readArguments(int argc, char **argv)
+/// Answers the options that need no display: --help, --version, and a refused command line.
+Started<CommandLine> readArguments(int argc, char **argv)
 {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments << QFile::decodeName(argv[i]);
-    return readCommandLine(arguments);
-}
-
-/// Options that need no display: --help, --version, and a refused command line.
-void answerCommandLine(const CommandLine &line)
-{
-    if (!line.error.isEmpty()) {
-        printError(u"harrowby: %1\nTry \"harrowby --help\".\n"_s.arg(line.error));
-        throw StartEnds{ExitCode::WrongUsage};
+    auto line = readCommandLine(arguments);
+    if (!line) {
+        printError(u"harrowby: %1\nTry \"harrowby --help\".\n"_s.arg(line.error()));
+        return Unexpected(ExitCode::WrongUsage);
     }
-    if (line.help || line.version) {
-        printOut(line.help ? helpText() : versionText());
-        throw StartEnds{ExitCode::Done};
+    if (line->help || line->version) {
+        printOut(line->help ? helpText() : versionText());
+        return Unexpected(ExitCode::Done);
     }
+    return *std::move(line);
 }
 
-DisplayProbe findDisplay(const CommandLine &line)
+Started<FoundDisplay> reachDisplay(const CommandLine &line)
 {
-    DisplayProbe probe(line.platform, line.display);
-    if (probe.problem().isEmpty())
-        return probe;
-    printError(u"harrowby: %1\n"_s.arg(probe.problem()));
-    throw StartEnds{ExitCode::NoDisplay};
+    auto display = findDisplay(line.platform, line.display);
+    if (display)
+        return *std::move(display);
+    printError(u"harrowby: %1\n"_s.arg(display.error()));
+    return Unexpected(ExitCode::NoDisplay);
 }
 
-void createNewStore(const QString &path, bool makeFolder)
+Started<void> createNewStore(const QString &path, bool makeFolder)
 {
     if (auto problem = judgeNewStore(path, makeFolder))
-        refuse(*problem);
+        return refuse(*problem);
     if (!canShowBoxes()) {
         tellProblem(u"The new store \"%1\" needs a password, and there is no screen to ask for it.\n"
                     "Start the program once on a screen."_s.arg(path));
-        throw StartEnds{ExitCode::StoreRefused};
+        return Unexpected(ExitCode::StoreRefused);
     }
     const OfficeSettings settings = {savedSetting, saveSetting};
     FirstUserDialog dialog(path, proposeReceipt(settings));
     if (dialog.exec() != QDialog::Accepted)
-        throw StartEnds{ExitCode::StoreDeclined};
+        return Unexpected(ExitCode::StoreDeclined);
     const auto fill = [&](sqlite3 *database) { return addAdministrator(database, dialog.password()); };
     if (auto problem = createStore(path, makeFolder, fill))
-        refuse(*problem);
+        return refuse(*problem);
     if (!saveNewShop(settings, dialog.receipt()))
         tellProblem(u"The title and the currency of the receipts could not be saved.\n"
                     "Check the disk and the folder of the settings file, then enter them in the store's office."_s);
+    return {};
 }
 
-QString prepareStore(const QString &given)
+Started<QString> prepareStore(const QString &given)
 {
     const QString path = given.isEmpty() ? defaultStorePath() : given;
     removeLeftWorkshops(QFileInfo(path).absolutePath());
-    if (!nameIsTaken(path))
-        createNewStore(path, given.isEmpty());
+    if (nameIsTaken(path))
+        return path;
+    if (const auto created = createNewStore(path, given.isEmpty()); !created)
+        return Unexpected(created.error());
     return path;
 }
 
-QString prepareDemo()
+Started<QString> prepareDemo()
 {
     const QString path = demoStorePath();
     removeLeftWorkshops(QFileInfo(path).absolutePath());
@@ -127,17 +126,9 @@ QString prepareDemo()
         return path;
     const auto fill = [](sqlite3 *database) { return fillDemoShop(database, QDateTime::currentDateTime()); };
     if (auto problem = createStore(path, true, fill))
-        refuse(*problem);
+        return refuse(*problem);
     showMessage(demoLoginText());
     return path;
-}
-
-SqliteDatabase openOrRefuse(const QString &path, BusyWait &wait)
-{
-    SqliteDatabase database;
-    if (auto problem = openStoreBeside(path, wait, database))
-        refuse(*problem);
-    return database;
 }
 
 void setUpApplication()
@@ -200,12 +191,21 @@ void tellLogTroubles(LogFile &log, FailureNotice &notice)
     });
 }
 
-/// Nothing without the option; a keyboard that is not installed is told and does not stop the start.
-std::unique_ptr<TouchKeyboard> startKeyboard(const CommandLine &line, const QString &missing)
+/// Before there is an application. A keyboard that is not installed does not stop the start; why it is not to be had.
+std::optional<QString> missingKeyboard(const CommandLine &line)
 {
-    if (!missing.isEmpty())
-        tellProblem(missing);
-    return line.touchKeyboard && missing.isEmpty() ? std::make_unique<TouchKeyboard>() : nullptr;
+    if (!line.touchKeyboard)
+        return {};
+    const auto chosen = chooseTouchKeyboard();
+    return chosen ? std::nullopt : std::optional(chosen.error());
+}
+
+/// Nothing without the option.
+std::unique_ptr<TouchKeyboard> startKeyboard(const CommandLine &line, const std::optional<QString> &missing)
+{
+    if (missing)
+        tellProblem(*missing);
+    return line.touchKeyboard && !missing ? std::make_unique<TouchKeyboard>() : nullptr;
 }
 
 /// Saves a look given on the command line: a till without a desktop has no other way to choose one.
@@ -218,32 +218,45 @@ void dressProgram(const CommandLine &line)
     wearLook(asked.value_or(savedLook(settings)));
 }
 
-int run(int argc, char **argv)
+Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &log)
 {
-    const CommandLine line = readArguments(argc, argv);
-    answerCommandLine(line);
-    std::optional<DisplayProbe> probe(findDisplay(line));
-    const QString missingKeyboard = line.touchKeyboard ? chooseTouchKeyboard() : QString();
+    const auto path = line.demo ? prepareDemo() : prepareStore(line.database);
+    if (!path)
+        return Unexpected(path.error());
+    WaitSign sign(u"Waiting for the store file"_s, u"Another program keeps it locked."_s); // outlives the last wait
+    BusyWait wait;
+    auto database = openStoreBeside(*path, wait);
+    if (!database)
+        return refuse(database.error());
+    StoreGuard store(*std::move(database), *path, wait);
+    wait.setWatcher([&sign] { sign.show(); });
+    log.prove();
+    return line.office ? keepOffice(store, *path, wait, notice) : sell(store, wait, notice);
+}
+
+Started<int> run(int argc, char **argv)
+{
+    const auto line = readArguments(argc, argv);
+    if (!line)
+        return Unexpected(line.error());
+    auto display = reachDisplay(*line);
+    if (!display)
+        return Unexpected(display.error());
+    const auto missing = missingKeyboard(*line);
     const QApplication application(argc, argv);
-    probe.reset();
+    display->reset();
     setUpApplication();
-    dressProgram(line);
+    dressProgram(*line);
     const BareScreen screen;
     const BoxGuard boxes;
-    if (line.noPlugins)
+    if (line->noPlugins)
         leaveOutPlugins();
-    const auto keyboard = startKeyboard(line, missingKeyboard);
+    const auto keyboard = startKeyboard(*line, missing);
     FailureNotice notice;
     LogFile log(logPath());
     tellLogTroubles(log, notice);
-    const LogRouting routing(log, line.verbose);
-    const QString path = line.demo ? prepareDemo() : prepareStore(line.database);
-    WaitSign sign(u"Waiting for the store file"_s, u"Another program keeps it locked."_s); // outlives the last wait
-    BusyWait wait;
-    StoreGuard store(openOrRefuse(path, wait), path, wait);
-    wait.setWatcher([&sign] { sign.show(); });
-    log.prove();
-    return line.office ? keepOffice(store, path, wait, notice) : sell(store, wait, notice);
+    const LogRouting routing(log, line->verbose);
+    return openShop(*line, notice, log);
 }
 
 } // namespace
@@ -251,9 +264,8 @@ int run(int argc, char **argv)
 int runStoreProgram(int argc, char **argv) noexcept
 {
     try {
-        return run(argc, argv);
-    } catch (const StartEnds &end) {
-        return static_cast<int>(end.code);
+        const auto ended = run(argc, argv);
+        return ended ? *ended : static_cast<int>(ended.error());
     } catch (const std::exception &error) {
         printError(u"harrowby: %1\n"_s.arg(QString::fromLocal8Bit(error.what())));
     }

@@ -50,7 +50,7 @@ ShopFile::~ShopFile()
 
 void ShopFile::fill(const CatalogueSize &size, const QDate &today) const
 {
-    if (!fillCatalogue(m_database, size, today) || app::createMissingIndexes(m_database))
+    if (!fillCatalogue(m_database, size, today) || !app::createMissingIndexes(m_database))
         fail(m_database);
     // The measuring starts with an empty log.
     execute(m_database, "PRAGMA wal_checkpoint(TRUNCATE)");

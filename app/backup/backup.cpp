@@ -12,9 +12,7 @@
 
 #include <sqlite3.h>
 
-#include <cerrno>
 #include <condition_variable>
-#include <cstring>
 #include <mutex>
 #include <stop_token>
 #include <thread>
@@ -70,7 +68,7 @@ QuickCheck checkUnlessStopped(sqlite3 *copy, const BackupWatch &watch)
 /// Where a copy comes from.
 struct Source
 {
-    std::function<CopyEnd(sqlite3 *copy, RowCounts &counts)> copyInto;
+    std::function<CopyEnd(sqlite3 *copy)> copyInto;
     std::function<bool()> isBad;
 };
 
@@ -82,8 +80,8 @@ bool isBad(sqlite3 *store, const BackupWatch &watch)
 
 bool isBadFile(const QString &store, const BackupWatch &watch)
 {
-    SqliteDatabase opened;
-    return openToCopy(store, opened) || isBad(opened.get(), watch);
+    const auto opened = openToCopy(store);
+    return !opened || isBad(opened->get(), watch);
 }
 
 QString damageText(BackupSide side, const QString &reason)
@@ -127,40 +125,40 @@ BackupResult closeCopy(SqliteDatabase &copy)
 
 BackupResult makeCopy(const Source &source, const QString &file, const BackupWatch &watch)
 {
-    SqliteDatabase copy;
-    if (auto error = openDatabase(file, OpenMode::Create, copy))
-        return failed(copyProblem(*error, BackupSide::Place));
-    RowCounts counts;
-    const CopyEnd end = source.copyInto(copy.get(), counts);
+    auto copy = openDatabase(file, OpenMode::Create);
+    if (!copy)
+        return failed(copyProblem(copy.error(), BackupSide::Place));
+    const CopyEnd end = source.copyInto(copy->get());
     if (end.stopped)
         return {Outcome::Stopped, {}, 0};
     if (end.error)
         return failed(copyProblem(*end.error, end.side));
-    if (auto result = checkCopy(copy.get(), source, counts, watch); result.outcome != Outcome::Done)
+    if (auto result = checkCopy(copy->get(), source, end.counts, watch); result.outcome != Outcome::Done)
         return result;
-    return closeCopy(copy);
+    return closeCopy(*copy);
 }
 
-int nameCopy(const QString &file, const QString &target, bool replace)
+Naming nameCopy(const QString &file, const QString &target, bool replace)
 {
     if (replace)
         return replaceFile(file, target);
-    const int error = nameNewFile(file, target);
+    const Naming named = nameNewFile(file, target);
     // Some file systems have neither RENAME_NOREPLACE nor link().
-    const bool unknown = error == EPERM || error == ENOTSUP;
-    return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : error;
+    const bool unknown =
+        !named && (named.error() == std::errc::operation_not_permitted || named.error() == std::errc::not_supported);
+    return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : named;
 }
 
 BackupResult giveName(const QString &file, const QString &target, bool replace)
 {
-    int error = syncFile(file);
-    if (error == 0)
-        error = nameCopy(file, target, replace);
-    if (error == EEXIST)
+    Naming named = syncFile(file);
+    if (named)
+        named = nameCopy(file, target, replace);
+    if (!named && named.error() == std::errc::file_exists)
         return failed(u"A file \"%1\" has appeared there in the meantime. It was left as it was."_s.arg(target));
-    if (error != 0)
-        return failed(
-            u"The backup could not be written to its place (%1)."_s.arg(QString::fromLocal8Bit(std::strerror(error))));
+    if (!named)
+        return failed(u"The backup could not be written to its place (%1)."_s.arg(
+            QString::fromLocal8Bit(named.error().message())));
     syncFolder(QFileInfo(target).absolutePath());
     return {Outcome::Done, {}, QFileInfo(target).size()};
 }
@@ -186,7 +184,7 @@ BackupResult backUpStore(const QString &store, const QString &target, bool repla
     if (const QString problem = backupPlaceProblem(store, target); !problem.isEmpty())
         return failed(problem);
     const Source source = {
-        [&](sqlite3 *copy, RowCounts &counts) { return copyStore(store, copy, watch, counts); },
+        [&](sqlite3 *copy) { return copyStore(store, copy, watch); },
         [&] { return isBadFile(store, watch); },
     };
     return copyTo(target, replace, source, watch);
@@ -197,7 +195,7 @@ BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &tar
     if (const QString problem = backupPlaceProblem(path, target); !problem.isEmpty())
         return failed(problem);
     const Source source = {
-        [&](sqlite3 *copy, RowCounts &counts) { return copyOpenStore(store, copy, watch, counts); },
+        [&](sqlite3 *copy) { return copyOpenStore(store, copy, watch); },
         [&] { return isBad(store, watch); },
     };
     return copyTo(target, false, source, watch);

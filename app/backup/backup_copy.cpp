@@ -107,17 +107,18 @@ public:
     Copy(const Copy &) = delete;
     Copy &operator=(const Copy &) = delete;
 
-    CopyEnd run(RowCounts &counts)
+    CopyEnd run()
     {
         const bool hasLog = readText(m_store, u"PRAGMA journal_mode"_s) == u"wal"_s;
         if (hasLog && !hold())
-            return {false, m_error, BackupSide::Store};
-        if (hasLog)
-            counts = countRows(m_store);
+            return {false, m_error, BackupSide::Store, {}};
+        RowCounts counts = hasLog ? countRows(m_store) : RowCounts();
         m_backup.reset(sqlite3_backup_init(m_copy, "main", m_store, "main"));
         if (!m_backup)
-            return {false, errorOf(m_copy, sqlite3_errcode(m_copy)), BackupSide::Place};
-        return copyAll();
+            return {false, errorOf(m_copy, sqlite3_errcode(m_copy)), BackupSide::Place, {}};
+        CopyEnd end = copyAll();
+        end.counts = std::move(counts);
+        return end;
     }
 
 private:
@@ -137,13 +138,13 @@ private:
         while (code == SQLITE_OK) {
             code = sqlite3_backup_step(m_backup.get(), pagesInOneStep);
             if (code == SQLITE_OK && !m_watch({BackupProgress::Stage::Copying, percent()}))
-                return {true, {}, {}};
+                return {true, {}, {}, {}};
             if (code == SQLITE_OK && !m_held && !giveWay())
-                return {false, m_error, BackupSide::Store};
+                return {false, m_error, BackupSide::Store, {}};
         }
         if (code != SQLITE_DONE)
-            return {false, errorOf(m_copy, code), sideOf(code, fileOf(m_copy))};
-        return {!m_watch({BackupProgress::Stage::Copying, 100}), {}, {}};
+            return {false, errorOf(m_copy, code), sideOf(code, fileOf(m_copy)), {}};
+        return {!m_watch({BackupProgress::Stage::Copying, 100}), {}, {}, {}};
     }
 
     /// Lets tills write between two steps, unless they have made the copy begin anew too often.
@@ -189,28 +190,29 @@ RowCounts countRows(sqlite3 *database)
     return counts;
 }
 
-std::optional<SqlError> openToCopy(const QString &store, SqliteDatabase &source)
+Result<SqliteDatabase, SqlError> openToCopy(const QString &store)
 {
-    if (auto error = openDatabase(store, OpenMode::Write, source))
-        return error;
-    waitForTills(source.get());
-    return runSql(source.get(), u"PRAGMA query_only = 1"_s);
+    auto source = openDatabase(store, OpenMode::Write);
+    if (!source)
+        return source;
+    waitForTills(source->get());
+    if (const auto error = runSql(source->get(), u"PRAGMA query_only = 1"_s))
+        return Unexpected(*error);
+    return source;
 }
 
-CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
+CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch)
 {
-    counts.clear();
-    SqliteDatabase source;
-    if (auto error = openToCopy(store, source))
-        return {false, error, BackupSide::Store};
-    return Copy(source.get(), copy, watch).run(counts);
+    const auto source = openToCopy(store);
+    if (!source)
+        return {false, source.error(), BackupSide::Store, {}};
+    return Copy(source->get(), copy, watch).run();
 }
 
-CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts)
+CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch)
 {
-    counts.clear();
     waitForTills(store);
-    return Copy(store, copy, watch).run(counts);
+    return Copy(store, copy, watch).run();
 }
 
 QString copyProblem(const SqlError &error, BackupSide side)

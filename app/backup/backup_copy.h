@@ -28,20 +28,21 @@ struct CopyEnd
     bool stopped = false;
     std::optional<SqlError> error;
     BackupSide side = BackupSide::Store; ///< of the error
+    RowCounts counts;                    ///< of the moment that was copied; empty where that is not known
 };
 
 /// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till
-/// waits or disturbs it; `counts` are those of that moment. Without a log a till that writes makes the copy begin
-/// anew; after a few times it keeps the tills waiting for the rest, and `counts` stay empty.
-[[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+/// waits or disturbs it. Without a log a till that writes makes the copy begin
+/// anew; after a few times it keeps the tills waiting for the rest.
+[[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch);
 
 /// The same through a connection that is open already. Takes the connection's busy handler away.
-[[nodiscard]] CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch, RowCounts &counts);
+[[nodiscard]] CopyEnd copyOpenStore(sqlite3 *store, sqlite3 *copy, const BackupWatch &watch);
 
 /// In words for a person.
 [[nodiscard]] QString copyProblem(const SqlError &error, BackupSide side);
 
 /// Opens the store as the copy reads it: nothing is written to it.
-[[nodiscard]] std::optional<SqlError> openToCopy(const QString &store, SqliteDatabase &source);
+[[nodiscard]] Result<SqliteDatabase, SqlError> openToCopy(const QString &store);
 
 } // namespace harrowby::app

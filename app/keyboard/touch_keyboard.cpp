@@ -92,12 +92,13 @@ QStringList missingKeyboardParts(const QStringList &pluginFolders, const QString
     return missing;
 }
 
-QString chooseTouchKeyboard()
+Result<void, QString> chooseTouchKeyboard()
 {
     const QStringList missing = missingKeyboardParts(QCoreApplication::libraryPaths(), qmlFolders());
     if (!missing.isEmpty()) {
-        return u"The keyboard on the screen is not installed; the program goes on without it.\nMissing: %1."_s.arg(
-            missing.join(u", "_s));
+        return Unexpected(
+            u"The keyboard on the screen is not installed; the program goes on without it.\nMissing: %1."_s.arg(
+                missing.join(u", "_s)));
     }
     qputenv("QT_IM_MODULE", "qtvirtualkeyboard");
     qputenv("QT_VIRTUALKEYBOARD_LAYOUT_PATH", ":/harrowby/keyboard/layouts");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/keyboard/keyboard_room.h"
+#include "basic/result.h"
 
 #include <QObject>
 #include <QPointer>
@@ -19,9 +20,9 @@ namespace harrowby::app {
 /// What of the keyboard is not installed, as the parts of Qt that are missing; empty when all is there.
 [[nodiscard]] QStringList missingKeyboardParts(const QStringList &pluginFolders, const QStringList &qmlFolders);
 
-/// Chooses the keyboard for the application that is made next. Returns why it cannot be had, in words for a person;
-/// empty when it can. Nothing is changed then.
-[[nodiscard]] QString chooseTouchKeyboard();
+/// Chooses the keyboard for the application that is made next. What fails says why it cannot be had, in
+/// words for a person; nothing is changed then.
+[[nodiscard]] Result<void, QString> chooseTouchKeyboard();
 
 /// True for what a person types into.
 [[nodiscard]] bool takesText(const QWidget &widget);

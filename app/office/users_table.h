@@ -44,7 +44,7 @@ public:
     explicit UsersTable(sqlite3 *database) : m_database(database) {}
 
     /// All users by name.
-    [[nodiscard]] Problem list(QList<StoreUser> &users) const;
+    [[nodiscard]] Result<QList<StoreUser>, QString> list() const;
     /// Refuses a name that the store has already under any capitals, and what the login would not find.
     [[nodiscard]] Problem add(const NewUser &user) const;
     [[nodiscard]] Problem setPassword(const StoreUser &user, const QString &password) const;

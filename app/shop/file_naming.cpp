@@ -13,37 +13,44 @@ namespace harrowby::app {
 
 namespace {
 
-int syncOpened(const QString &path, int flags)
+/// What a call of the system came to that returns 0 when it has worked.
+Naming outcome(int returned)
+{
+    if (returned == 0)
+        return {};
+    return Unexpected(std::error_code(errno, std::system_category()));
+}
+
+Naming syncOpened(const QString &path, int flags)
 {
     const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
-        return errno;
-    const int error = ::fsync(descriptor) == 0 ? 0 : errno;
+        return outcome(descriptor);
+    const Naming synced = outcome(::fsync(descriptor));
     ::close(descriptor);
-    return error;
+    return synced;
 }
 
 } // namespace
 
-int nameNewFile(const QString &file, const QString &path)
+Naming nameNewFile(const QString &file, const QString &path)
 {
     const QByteArray from = QFile::encodeName(file);
     const QByteArray to = QFile::encodeName(path);
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
-        return 0;
+        return {};
     if (errno != EINVAL && errno != ENOSYS)
-        return errno;
+        return outcome(-1);
     // The file system has no RENAME_NOREPLACE; link() does not replace either.
-    return ::link(from.constData(), to.constData()) == 0 ? 0 : errno;
+    return outcome(::link(from.constData(), to.constData()));
 }
 
-int replaceFile(const QString &file, const QString &path)
+Naming replaceFile(const QString &file, const QString &path)
 {
-    const int result = ::rename(QFile::encodeName(file).constData(), QFile::encodeName(path).constData());
-    return result == 0 ? 0 : errno;
+    return outcome(::rename(QFile::encodeName(file).constData(), QFile::encodeName(path).constData()));
 }
 
-int syncFile(const QString &file)
+Naming syncFile(const QString &file)
 {
     return syncOpened(file, 0);
 }

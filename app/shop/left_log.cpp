@@ -12,8 +12,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
-#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -75,13 +73,13 @@ QString putLogAside(const LogFiles &files)
     const QString log = QFile::decodeName(files.log);
     const QString first = log + asideMark + QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmss"_s);
     QString name = first;
-    int error = nameNewFile(log, name);
-    for (int i = 2; error == EEXIST && i < 100; ++i) {
+    auto named = nameNewFile(log, name);
+    for (int i = 2; !named && named.error() == std::errc::file_exists && i < 100; ++i) {
         name = u"%1-%2"_s.arg(first).arg(i);
-        error = nameNewFile(log, name);
+        named = nameNewFile(log, name);
     }
-    if (error != 0) {
-        qCWarning(lcStore) << "The log" << log << "could not be put aside:" << std::strerror(error);
+    if (!named) {
+        qCWarning(lcStore) << "The log" << log << "could not be put aside:" << named.error().message().c_str();
         return {};
     }
     if (bears(files.log, files.logId)) // after link() the old name must be removed

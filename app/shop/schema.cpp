@@ -71,14 +71,17 @@ struct PresentIndexes
     QStringList keys;
 };
 
-std::optional<SqlError> readPresent(sqlite3 *database, PresentIndexes &present)
+Result<PresentIndexes, SqlError> readPresent(sqlite3 *database)
 {
+    PresentIndexes present;
     SqliteStatement query(database, u"SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL"_s);
     while (query.next()) {
         present.names << query.text(0).toUpper();
         present.keys << storedKey(query.text(1));
     }
-    return query.error();
+    if (query.error())
+        return Unexpected(*query.error());
+    return present;
 }
 
 std::optional<SqlError> replaceIndex(sqlite3 *database, const StoreIndex &index, const PresentIndexes &present)
@@ -157,19 +160,21 @@ std::optional<SqlError> createTables(sqlite3 *database)
     return {};
 }
 
-std::optional<SqlError> createMissingIndexes(sqlite3 *database, int *created)
+Result<int, SqlError> createMissingIndexes(sqlite3 *database)
 {
-    PresentIndexes present;
-    if (auto error = readPresent(database, present))
-        return error;
+    const auto present = readPresent(database);
+    if (!present)
+        return Unexpected(present.error());
     QList<StoreIndex> missing;
     for (const StoreIndex &index : storeIndexes()) {
-        if (!present.keys.contains(definitionKey(index.table + index.body)))
+        if (!present->keys.contains(definitionKey(index.table + index.body)))
             missing << index;
     }
-    if (created != nullptr)
-        *created = static_cast<int>(missing.size());
-    return missing.isEmpty() ? std::nullopt : createIndexes(database, missing, present);
+    if (missing.isEmpty())
+        return 0;
+    if (const auto error = createIndexes(database, missing, *present))
+        return Unexpected(*error);
+    return static_cast<int>(missing.size());
 }
 
 } // namespace harrowby::app

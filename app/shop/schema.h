@@ -37,7 +37,7 @@ struct StoreIndex
 /// Makes the six empty tables.
 [[nodiscard]] std::optional<SqlError> createTables(sqlite3 *database);
 /// Makes the indexes that the file lacks. An index of the same definition under another name counts as had.
-/// `created` gets the number of indexes made.
-[[nodiscard]] std::optional<SqlError> createMissingIndexes(sqlite3 *database, int *created = nullptr);
+/// The number of indexes made.
+[[nodiscard]] Result<int, SqlError> createMissingIndexes(sqlite3 *database);
 
 } // namespace harrowby::app

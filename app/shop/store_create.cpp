@@ -12,9 +12,6 @@
 
 #include <QFileInfo>
 
-#include <cerrno>
-#include <cstring>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -43,17 +40,15 @@ Error build(sqlite3 *database, const StoreFiller &fill)
         return error;
     if (auto error = fillInOneGo(database, fill))
         return error;
-    if (auto error = createMissingIndexes(database))
-        return error;
+    if (const auto indexes = createMissingIndexes(database); !indexes)
+        return indexes.error();
     return runSql(database, u"PRAGMA journal_mode = WAL"_s);
 }
 
 Problem buildFile(const QString &file, const QString &path, const StoreFiller &fill)
 {
-    SqliteDatabase database;
-    auto error = openDatabase(file, OpenMode::Create, database);
-    if (!error)
-        error = build(database.get(), fill);
+    const auto database = openDatabase(file, OpenMode::Create);
+    const auto error = database ? build(database->get(), fill) : database.error();
     return error ? std::optional(engineProblem(*error, path)) : std::nullopt;
 }
 
@@ -73,9 +68,9 @@ std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, co
     const QString file = workshop.filePath(u"store.sqlite"_s);
     if (auto problem = buildFile(file, path, fill))
         return problem;
-    const int error = nameNewFile(file, path);
-    if (error != 0 && error != EEXIST)
-        return storeProblem(ProblemKind::Other, path, QString::fromLocal8Bit(std::strerror(error)));
+    const auto named = nameNewFile(file, path);
+    if (!named && named.error() != std::errc::file_exists)
+        return storeProblem(ProblemKind::Other, path, QString::fromLocal8Bit(named.error().message()));
     syncFolder(folder);
     return {};
 }

@@ -84,8 +84,9 @@ QList<Use> usesOf(sqlite3 *database)
     };
 }
 
-std::optional<SqlError> readTable(sqlite3 *database, const QString &name, Table &table)
+Result<Table, SqlError> readTable(sqlite3 *database, const QString &name)
 {
+    Table table;
     constexpr int generatedVirtual = 2;
     constexpr int generatedStored = 3;
     SqliteStatement columns(
@@ -98,7 +99,9 @@ std::optional<SqlError> readTable(sqlite3 *database, const QString &name, Table 
     }
     table.hasRowIds =
         readText(database, u"SELECT wr FROM pragma_table_list(?1) WHERE schema = 'main'"_s, {name}) != u"1"_s;
-    return columns.error();
+    if (columns.error())
+        return Unexpected(*columns.error());
+    return table;
 }
 
 /// The name by which a row can be found that none of the columns has taken; empty when there is none.
@@ -182,13 +185,13 @@ Problem judgeStatements(sqlite3 *database, const Use &use, const QString &rowId,
 
 Problem judgeUse(sqlite3 *database, const Use &use, const QString &path)
 {
-    Table table;
-    if (auto error = readTable(database, use.table, table))
-        return engineProblem(*error, path);
-    const QString rowId = rowIdName(table);
+    const auto table = readTable(database, use.table);
+    if (!table)
+        return engineProblem(table.error(), path);
+    const QString rowId = rowIdName(*table);
     if (use.byRow && rowId.isEmpty())
         return storeProblem(ProblemKind::NoRowIdentity, path, use.table);
-    if (auto problem = judgeColumns(table, use, path))
+    if (auto problem = judgeColumns(*table, use, path))
         return problem;
     return judgeStatements(database, use, rowId, path);
 }

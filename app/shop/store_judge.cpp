@@ -103,12 +103,15 @@ Problem judgeContent(sqlite3 *database, const QString &path, std::chrono::millis
 }
 
 /// The first read: it meets locks, and what a crash has left behind.
-std::optional<SqlError> openForJudging(const QString &path, OpenMode mode, BusyWait &wait, SqliteDatabase &database)
+Result<SqliteDatabase, SqlError> openForJudging(const QString &path, OpenMode mode, BusyWait &wait)
 {
-    if (auto error = openDatabase(path, mode, database))
-        return error;
-    wait.attach(database.get());
-    return runSql(database.get(), u"SELECT count(*) FROM sqlite_master"_s);
+    auto database = openDatabase(path, mode);
+    if (!database)
+        return database;
+    wait.attach(database->get());
+    if (const auto error = runSql(database->get(), u"SELECT count(*) FROM sqlite_master"_s))
+        return Unexpected(*error);
+    return database;
 }
 
 } // namespace
@@ -125,14 +128,13 @@ std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std:
     if (hasForeignLog(path))
         return storeProblem(ProblemKind::ForeignLog, path, logFileOf(path));
 
-    SqliteDatabase database;
-    auto error = openForJudging(path, gentlestMode(path, header), wait, database);
+    auto database = openForJudging(path, gentlestMode(path, header), wait);
     // A crash has left a journal. Only SQLite may judge it, and it needs to write to do so.
-    if (error && error->code == SQLITE_READONLY)
-        error = openForJudging(path, OpenMode::Write, wait, database);
-    if (error)
-        return engineProblem(*error, path);
-    return judgeContent(database.get(), path, checkLimit);
+    if (!database && database.error().code == SQLITE_READONLY)
+        database = openForJudging(path, OpenMode::Write, wait);
+    if (!database)
+        return engineProblem(database.error(), path);
+    return judgeContent(database->get(), path, checkLimit);
 }
 
 std::optional<StoreProblem> judgeNewStore(const QString &path, bool makeFolder)

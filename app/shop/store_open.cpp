@@ -40,12 +40,12 @@ void secure(sqlite3 *database)
 /// A failure is only logged: without an index the store is slow, not wrong.
 void addMissingIndexes(sqlite3 *database)
 {
-    int created = 0;
-    if (auto error = createMissingIndexes(database, &created)) {
-        qCWarning(lcStore) << "Indexes could not be made:" << error->reason;
+    const auto created = createMissingIndexes(database);
+    if (!created) {
+        qCWarning(lcStore) << "Indexes could not be made:" << created.error().reason;
         return;
     }
-    if (created > 0)
+    if (*created > 0)
         (void)runSql(database, u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
 }
 
@@ -65,19 +65,17 @@ Problem prepare(sqlite3 *database, const QString &path)
 
 } // namespace
 
-std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, SqliteDatabase &database)
+Result<SqliteDatabase, StoreProblem> openStore(const QString &path, BusyWait &wait)
 {
-    database.reset();
     if (auto problem = judgeStore(path, wait))
-        return problem;
-    SqliteDatabase opened;
-    if (auto error = openDatabase(path, OpenMode::Write, opened))
-        return engineProblem(*error, path);
-    wait.attach(opened.get());
-    if (auto problem = prepare(opened.get(), path))
-        return problem;
-    database = std::move(opened);
-    return {};
+        return Unexpected(*problem);
+    auto database = openDatabase(path, OpenMode::Write);
+    if (!database)
+        return Unexpected(engineProblem(database.error(), path));
+    wait.attach(database->get());
+    if (auto problem = prepare(database->get(), path))
+        return Unexpected(*problem);
+    return *std::move(database);
 }
 
 } // namespace harrowby::app

@@ -13,7 +13,7 @@ namespace harrowby::app {
 class BusyWait;
 
 /// Judges an existing store file and opens it for a till that loses nothing: what it needs is set on the connection,
-/// and the indexes that the file lacks are made. On failure `database` is empty.
-[[nodiscard]] std::optional<StoreProblem> openStore(const QString &path, BusyWait &wait, SqliteDatabase &database);
+/// and the indexes that the file lacks are made.
+[[nodiscard]] Result<SqliteDatabase, StoreProblem> openStore(const QString &path, BusyWait &wait);
 
 } // namespace harrowby::app

@@ -14,7 +14,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include <exception>
+#include <future>
 #include <memory>
 #include <thread>
 
@@ -93,27 +93,21 @@ private:
 
 } // namespace
 
-std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait, SqliteDatabase &database)
+Result<SqliteDatabase, StoreProblem> openStoreBeside(const QString &path, BusyWait &wait)
 {
     OpeningSign sign(path);
     wait.setWatcher([&sign] { QMetaObject::invokeMethod(&sign, &OpeningSign::sayLocked); });
-    std::optional<StoreProblem> problem;
-    std::exception_ptr failure;
+    std::packaged_task open([&] { return openStore(path, wait); });
+    auto opened = open.get_future();
     QEventLoop loop;
-    std::thread opening([&] {
-        try {
-            problem = openStore(path, wait, database);
-        } catch (...) {
-            failure = std::current_exception();
-        }
+    std::jthread opening([&] {
+        open();
         QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
     });
     loop.exec();
     opening.join();
     wait.setWatcher({});
-    if (failure)
-        std::rethrow_exception(failure);
-    return problem;
+    return opened.get(); // throws what the thread has thrown
 }
 
 } // namespace harrowby::app

@@ -14,7 +14,6 @@ class BusyWait;
 
 /// openStore() on another thread. When it takes longer than BusyWait::quietTime (a lock, a big file, missing indexes),
 /// a small window says what it waits for until it ends.
-[[nodiscard]] std::optional<StoreProblem> openStoreBeside(const QString &path, BusyWait &wait,
-                                                          SqliteDatabase &database);
+[[nodiscard]] Result<SqliteDatabase, StoreProblem> openStoreBeside(const QString &path, BusyWait &wait);
 
 } // namespace harrowby::app

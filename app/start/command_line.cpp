@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -46,12 +47,14 @@ class Reader
 public:
     explicit Reader(const QStringList &arguments) : m_arguments(arguments) {}
 
-    CommandLine read()
+    Result<CommandLine, QString> read()
     {
-        while (m_next < m_arguments.size() && m_result.error.isEmpty())
+        while (m_next < m_arguments.size() && !m_error)
             readOption(m_arguments.at(m_next++));
-        if (m_result.error.isEmpty() && m_result.demo && !m_result.database.isEmpty())
+        if (!m_error && m_result.demo && !m_result.database.isEmpty())
             fail(u"--demo opens the demo shop's own file: leave out either --demo or --database."_s);
+        if (m_error)
+            return Unexpected(*m_error);
         return m_result;
     }
 
@@ -129,16 +132,17 @@ private:
     }
 
     QString takeValue() { return m_next < m_arguments.size() ? m_arguments.at(m_next++) : QString(); }
-    void fail(const QString &error) { m_result.error = error; }
+    void fail(const QString &error) { m_error = error; }
 
     QStringList m_arguments;
     qsizetype m_next = 0;
     CommandLine m_result;
+    std::optional<QString> m_error;
 };
 
 } // namespace
 
-CommandLine readCommandLine(const QStringList &arguments)
+Result<CommandLine, QString> readCommandLine(const QStringList &arguments)
 {
     return Reader(arguments).read();
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -19,16 +21,15 @@ struct CommandLine
     QString look;               ///< "light", "dark" or "system"; empty when the option was not given
     QString platform;           ///< what Qt's own option -platform names; empty when it was not given
     QString display;            ///< what Qt's own option -display names
-    QString error;              ///< why the command line is refused; empty when it is good
 };
 
-/// Reads the arguments (without the program's name). Needs no application object, so that --help works without a
-/// display. Qt's own options are let through.
+/// Reads the arguments (without the program's name), or says why they are refused. Needs no application object, so that
+/// --help works without a display. Qt's own options are let through.
 ///
 /// Read by hand and not by QCommandLineParser: to let -platform through, that one has to take -demo for --demo as well,
 /// it takes "--" for nothing, names a refused option without its hyphens and value, and sets the help in lines of its
 /// own.
-[[nodiscard]] CommandLine readCommandLine(const QStringList &arguments);
+[[nodiscard]] Result<CommandLine, QString> readCommandLine(const QStringList &arguments);
 
 [[nodiscard]] QString helpText();
 [[nodiscard]] QString versionText();

@@ -94,6 +94,22 @@ QString describeDesktop(const QString &option)
     return u"The display \"%1\" cannot be reached. "_s.arg(name) + howToRun;
 }
 
+bool x11Answers(const QString &display, FoundDisplay &found)
+{
+    const QByteArray name = display.toLocal8Bit();
+    found.reset(xcb_connect(display.isEmpty() ? nullptr : name.constData(), nullptr));
+    return xcb_connection_has_error(found.get()) == 0;
+}
+
+bool works(const QString &platform, const QString &display, FoundDisplay &found)
+{
+    if (!hasPlugin(platform))
+        return false;
+    if (isX11(platform))
+        return x11Answers(display, found);
+    return !isWayland(platform) || waylandAnswers();
+}
+
 } // namespace
 
 void CloseDisplay::operator()(xcb_connection_t *connection) const noexcept
@@ -101,35 +117,19 @@ void CloseDisplay::operator()(xcb_connection_t *connection) const noexcept
     xcb_disconnect(connection);
 }
 
-DisplayProbe::DisplayProbe(const QString &platform, const QString &display)
+Result<FoundDisplay, QString> findDisplay(const QString &platform, const QString &display)
 {
     const QStringList names = wantedPlatforms(platform);
-    const auto works = [&](const QString &name) { return this->works(name, display); };
-    if (std::any_of(names.cbegin(), names.cend(), works))
-        return;
+    FoundDisplay found;
+    const auto answers = [&](const QString &name) { return works(name, display, found); };
+    if (std::any_of(names.cbegin(), names.cend(), answers))
+        return found;
     const QString &first = names.constFirst();
     if (names.contains(u"xcb"_s))
-        m_problem = describeDesktop(display);
-    else if (!hasPlugin(first))
-        m_problem = u"Qt has no platform \"%1\" here. "_s.arg(first) + howToRun;
-    else
-        m_problem = u"The display of platform \"%1\" cannot be reached. "_s.arg(first) + howToRun;
-}
-
-bool DisplayProbe::works(const QString &platform, const QString &display)
-{
-    if (!hasPlugin(platform))
-        return false;
-    if (isX11(platform))
-        return x11Answers(display);
-    return !isWayland(platform) || waylandAnswers();
-}
-
-bool DisplayProbe::x11Answers(const QString &display)
-{
-    const QByteArray name = display.toLocal8Bit();
-    m_x11.reset(xcb_connect(display.isEmpty() ? nullptr : name.constData(), nullptr));
-    return xcb_connection_has_error(m_x11.get()) == 0;
+        return Unexpected(describeDesktop(display));
+    if (!hasPlugin(first))
+        return Unexpected(u"Qt has no platform \"%1\" here. "_s.arg(first) + howToRun);
+    return Unexpected(u"The display of platform \"%1\" cannot be reached. "_s.arg(first) + howToRun);
 }
 
 bool canShowBoxes()

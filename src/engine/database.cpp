@@ -57,16 +57,16 @@ void CloseDatabase::operator()(sqlite3 *database) const noexcept
     sqlite3_close_v2(database);
 }
 
-std::optional<SqlError> openDatabase(const QString &path, OpenMode mode, SqliteDatabase &database)
+Result<SqliteDatabase, SqlError> openDatabase(const QString &path, OpenMode mode)
 {
     if (mode == OpenMode::Create)
         makeForOwnerAlone(path);
     sqlite3 *raw = nullptr;
     const int code = sqlite3_open_v2(openName(path, mode).constData(), &raw, openFlags(mode), nullptr);
-    database.reset(raw);
+    SqliteDatabase database(raw);
     if (code == SQLITE_OK)
-        return {};
-    return raw != nullptr ? lastErrorOf(raw) : SqlError{code, u"out of memory"_s};
+        return database;
+    return Unexpected(raw != nullptr ? lastErrorOf(raw) : SqlError{code, u"out of memory"_s});
 }
 
 std::optional<SqlError> runSql(sqlite3 *database, const QString &text, const QList<DbValue> &values)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
 #include "engine/sqlite_statement.h"
 
 #include <QList>
@@ -29,7 +30,7 @@ enum class OpenMode {
 
 /// Opens a database. A file that cannot be opened gives an error; one that turns out to be no database says so
 /// at its first statement.
-[[nodiscard]] std::optional<SqlError> openDatabase(const QString &path, OpenMode mode, SqliteDatabase &database);
+[[nodiscard]] Result<SqliteDatabase, SqlError> openDatabase(const QString &path, OpenMode mode);
 
 /// Runs one statement to its end.
 [[nodiscard]] std::optional<SqlError> runSql(sqlite3 *database, const QString &text, const QList<DbValue> &values = {});

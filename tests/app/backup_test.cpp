@@ -157,7 +157,7 @@ void BackupTest::tillWritesMeanwhile()
 {
     grow();
     SqliteDatabase till;
-    QVERIFY(!openDatabase(store(), OpenMode::Write, till));
+    QVERIFY(!into(till, openDatabase(store(), OpenMode::Write)));
     int written = 0;
     const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
         if (progress.stage == Stage::Copying &&
@@ -177,7 +177,7 @@ void BackupTest::tillWithoutALogWritesMeanwhile()
     grow();
     runAll(store(), {u"PRAGMA journal_mode = DELETE"_s});
     SqliteDatabase till;
-    QVERIFY(!openDatabase(store(), OpenMode::Write, till));
+    QVERIFY(!into(till, openDatabase(store(), OpenMode::Write)));
     int steps = 0;
     int written = 0;
     const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {

@@ -75,8 +75,8 @@ void BusyWaitTest::init()
     m_steps.clear();
     m_folder = std::make_unique<QTemporaryDir>();
     makeStore(path());
-    QVERIFY(!openDatabase(path(), OpenMode::Write, m_other));
-    QVERIFY(!openDatabase(path(), OpenMode::Write, m_till));
+    QVERIFY(!into(m_other, openDatabase(path(), OpenMode::Write)));
+    QVERIFY(!into(m_till, openDatabase(path(), OpenMode::Write)));
 }
 
 void BusyWaitTest::budgetIsOneForManyStatements()
@@ -212,7 +212,8 @@ void BusyWaitTest::shortOpeningMakesNoWindow()
             said = saidOfOpening();
         },
         Qt::QueuedConnection);
-    QVERIFY(!openStoreBeside(path(), wait, m_till));
+    m_till.reset();
+    QVERIFY(!into(m_till, openStoreBeside(path(), wait)));
     QVERIFY(looked);
     QCOMPARE(said, QString());
 }
@@ -231,7 +232,8 @@ void BusyWaitTest::openingThatWaitsIsSaid()
         unlock();
     });
     look.start(5);
-    QVERIFY(!openStoreBeside(path(), wait, m_till));
+    m_till.reset();
+    QVERIFY(!into(m_till, openStoreBeside(path(), wait)));
     QCOMPARE(said, u"Another program keeps the store \"shop.sqlite\" locked. Waiting for it \u2026"_s);
     QCOMPARE(saidOfOpening(), QString());
 }

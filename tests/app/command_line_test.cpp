@@ -7,6 +7,19 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
 
+namespace {
+
+/// A line that has to be good.
+CommandLine accepted(const QStringList &arguments)
+{
+    const auto line = readCommandLine(arguments);
+    if (!line)
+        QTest::qFail(qPrintable(line.error()), __FILE__, __LINE__);
+    return line.value_or(CommandLine());
+}
+
+} // namespace
+
 class CommandLineTest : public QObject
 {
     Q_OBJECT
@@ -26,32 +39,30 @@ private Q_SLOTS:
 
 void CommandLineTest::nothingGiven()
 {
-    const CommandLine line = readCommandLine({});
-    QVERIFY(line.error.isEmpty() && line.database.isEmpty() && line.platform.isEmpty());
+    const CommandLine line = accepted({});
+    QVERIFY(line.database.isEmpty() && line.platform.isEmpty());
     QVERIFY(!line.demo && !line.help && !line.version && !line.verbose);
     QVERIFY(!line.office && !line.touchKeyboard && !line.noPlugins);
 }
 
 void CommandLineTest::switches()
 {
-    QVERIFY(readCommandLine({u"--demo"_s}).demo);
-    QVERIFY(readCommandLine({u"--verbose"_s}).verbose);
-    QVERIFY(readCommandLine({u"--office"_s}).office);
-    QVERIFY(readCommandLine({u"--touch-keyboard"_s}).touchKeyboard);
-    QVERIFY(readCommandLine({u"--no-plugins"_s}).noPlugins);
-    QVERIFY(readCommandLine({u"--help"_s}).help);
-    QVERIFY(readCommandLine({u"-h"_s}).help);
-    QVERIFY(readCommandLine({u"--version"_s}).version);
-    QVERIFY(readCommandLine({u"-v"_s}).version);
+    QVERIFY(accepted({u"--demo"_s}).demo);
+    QVERIFY(accepted({u"--verbose"_s}).verbose);
+    QVERIFY(accepted({u"--office"_s}).office);
+    QVERIFY(accepted({u"--touch-keyboard"_s}).touchKeyboard);
+    QVERIFY(accepted({u"--no-plugins"_s}).noPlugins);
+    QVERIFY(accepted({u"--help"_s}).help);
+    QVERIFY(accepted({u"-h"_s}).help);
+    QVERIFY(accepted({u"--version"_s}).version);
+    QVERIFY(accepted({u"-v"_s}).version);
 }
 
 void CommandLineTest::switchesStandTogether()
 {
-    const CommandLine office = readCommandLine({u"--office"_s, u"--touch-keyboard"_s, u"--demo"_s});
-    QCOMPARE(office.error, QString());
+    const CommandLine office = accepted({u"--office"_s, u"--touch-keyboard"_s, u"--demo"_s});
     QVERIFY(office.office && office.touchKeyboard && office.demo && !office.noPlugins);
-    const CommandLine till = readCommandLine({u"--no-plugins"_s, u"--database=/a"_s, u"--office"_s});
-    QCOMPARE(till.error, QString());
+    const CommandLine till = accepted({u"--no-plugins"_s, u"--database=/a"_s, u"--office"_s});
     QVERIFY(till.noPlugins && till.office && !till.touchKeyboard && till.database == u"/a"_s);
 }
 
@@ -71,17 +82,16 @@ void CommandLineTest::databaseBecomesAbsolute()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, path);
-    const CommandLine line = readCommandLine(arguments);
-    QCOMPARE(line.error, QString());
+    const CommandLine line = accepted(arguments);
     QCOMPARE(line.database, path);
 }
 
 void CommandLineTest::look()
 {
-    QCOMPARE(readCommandLine({}).look, QString());
-    QCOMPARE(readCommandLine({u"--look"_s, u"dark"_s}).look, u"dark"_s);
-    QCOMPARE(readCommandLine({u"--look=LIGHT"_s, u"--demo"_s}).look, u"light"_s);
-    QCOMPARE(readCommandLine({u"--look"_s, u"system"_s}).look, u"system"_s);
+    QCOMPARE(accepted({}).look, QString());
+    QCOMPARE(accepted({u"--look"_s, u"dark"_s}).look, u"dark"_s);
+    QCOMPARE(accepted({u"--look=LIGHT"_s, u"--demo"_s}).look, u"light"_s);
+    QCOMPARE(accepted({u"--look"_s, u"system"_s}).look, u"system"_s);
 }
 
 void CommandLineTest::refused_data()
@@ -105,15 +115,15 @@ void CommandLineTest::refused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, named);
-    const QString error = readCommandLine(arguments).error;
-    QVERIFY2(error.contains(named), qPrintable(error));
+    const auto line = readCommandLine(arguments);
+    QVERIFY(!line);
+    QVERIFY2(line.error().contains(named), qPrintable(line.error()));
 }
 
 void CommandLineTest::optionsOfQtPass()
 {
-    const CommandLine line = readCommandLine(
+    const CommandLine line = accepted(
         {u"-platform"_s, u"offscreen"_s, u"--style=fusion"_s, u"-reverse"_s, u"-display"_s, u":7"_s, u"--demo"_s});
-    QCOMPARE(line.error, QString());
     QCOMPARE(line.platform, u"offscreen"_s);
     QCOMPARE(line.display, u":7"_s);
     QVERIFY(line.demo);

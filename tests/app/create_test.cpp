@@ -78,7 +78,7 @@ void CreateTest::newStoreIsTheOwnersAlone()
     QCOMPARE(permissionsText(m_folder->filePath(u"a/b"_s)), u"0700"_s);
     // So are the files beside it while it is open.
     SqliteDatabase database;
-    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
     QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
     QCOMPARE(permissionsText(path + u"-wal"_s), u"0600"_s);
     QCOMPARE(permissionsText(path + u"-shm"_s), u"0600"_s);

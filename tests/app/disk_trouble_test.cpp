@@ -342,10 +342,9 @@ Start startFirst(const QString &path)
     start.isMade = true;
     start.isKept = saveNewShop({savedSetting, saveSetting}, {u"SHOP"_s, u"N"_s});
     BusyWait wait;
-    harrowby::SqliteDatabase database;
-    const auto problem = openStore(path, wait, database);
-    start.isAccepted = !problem;
-    start.told << (problem ? QStringList{problem->text} : openAndClose(database.get()));
+    const auto database = openStore(path, wait);
+    start.isAccepted = database.has_value();
+    start.told << (database ? openAndClose(database->get()) : QStringList{database.error().text});
     return start;
 }
 

@@ -116,12 +116,12 @@ int runWorker(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const QString path = QString::fromLocal8Bit(argv[3]);
     BusyWait wait;
-    SqliteDatabase database;
-    if (const auto problem = openStore(path, wait, database)) {
-        say(problem->text);
+    auto database = openStore(path, wait);
+    if (!database) {
+        say(database.error().text);
         return 4;
     }
-    Work work(QString::fromLocal8Bit(argv[2]), std::move(database), path, wait);
+    Work work(QString::fromLocal8Bit(argv[2]), *std::move(database), path, wait);
     say(u"ready"_s);
     std::string line;
     while (std::getline(std::cin, line))
@@ -140,10 +140,10 @@ void runInFolder(const QString &folder, const QString &commands)
 
 std::unique_ptr<StoreGuard> guardStore(const QString &path, BusyWait &wait)
 {
-    SqliteDatabase database;
-    if (const auto problem = openStore(path, wait, database))
-        qFatal("%s", qPrintable(problem->text));
-    return std::make_unique<StoreGuard>(std::move(database), path, wait);
+    auto database = openStore(path, wait);
+    if (!database)
+        qFatal("%s", qPrintable(database.error().text));
+    return std::make_unique<StoreGuard>(*std::move(database), path, wait);
 }
 
 Worker::Worker(const QString &role, const QString &store)

@@ -45,7 +45,7 @@ void makeLoggedLack(const QString &path)
     const QString other = path + u".live"_s;
     makeStore(other);
     SqliteDatabase live;
-    QVERIFY(!openDatabase(other, OpenMode::Write, live));
+    QVERIFY(!into(live, openDatabase(other, OpenMode::Write)));
     QVERIFY(!runSql(live.get(), u"DROP TABLE SysUsage"_s));
     copyAsAfterCrash(other, path);
     QVERIFY(QFile(logFileOf(path)).size() > 0);
@@ -91,7 +91,7 @@ void nothing(sqlite3_context *context, int, sqlite3_value **)
 void changeAll(const QString &path, QStringList statements)
 {
     SqliteDatabase database;
-    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
     if (statements.constFirst().startsWith(u'(')) {
         statements.removeFirst();
         QCOMPARE(sqlite3_create_function(database.get(), "lost_sound", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
@@ -225,7 +225,7 @@ void JudgeTest::refusedFilesStayAsTheyWere()
     const QStringList namesBefore = QDir(m_folder->path()).entryList(QDir::Files);
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY(problem);
     QVERIFY(!database);
     QVERIFY2(static_cast<int>(problem->kind) == kind, qPrintable(problem->text));
@@ -274,7 +274,7 @@ void JudgeTest::goodFileIsOpenedAndUntouchedByJudging()
     QVERIFY(bytesOf(path()) == before);
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    QVERIFY(!openStore(path(), wait, database));
+    QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"SELECT StockName FROM StockList"_s), u"TEA"_s);
 }
 
@@ -418,7 +418,7 @@ void JudgeTest::storeThatDoesNotFitIsRefused()
     const Bytes before = bytesOf(path());
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY(problem);
     QVERIFY2(static_cast<int>(problem->kind) == kind, qPrintable(problem->text));
     for (const QString &name : named + QStringList{path(), u"\n"_s})

@@ -95,7 +95,7 @@ void LostStoreBoxTest::init()
     m_folder = std::make_unique<QTemporaryDir>();
     makeStore(path());
     SqliteDatabase database;
-    QVERIFY(!openStore(path(), m_wait, database));
+    QVERIFY(!into(database, openStore(path(), m_wait)));
     m_guard = std::make_unique<StoreGuard>(std::move(database), path(), m_wait);
     m_closings = 0;
     m_closes = false;

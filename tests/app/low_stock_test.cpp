@@ -66,7 +66,7 @@ private Q_SLOTS:
     {
         QCOMPARE(sqlite3_open(":memory:", &m_database), SQLITE_OK);
         QVERIFY(!createTables(m_database));
-        QVERIFY(!createMissingIndexes(m_database));
+        QVERIFY(createMissingIndexes(m_database));
         m_connection = std::make_shared<SqliteConnection>(m_database);
     }
 

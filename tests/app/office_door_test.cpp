@@ -71,7 +71,7 @@ void OfficeDoorTest::passwordIsComparedAsAtTheTill()
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type) VALUES ('BOB', 'MINE', 'ADMINISTRATOR')"_s});
     SqliteDatabase database;
-    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
     QCOMPARE(findAdministrator(database.get()).kind, Kind::Open);
     QCOMPARE(askAtDoor(database.get(), typed).kind, answer);
 }
@@ -97,7 +97,7 @@ void OfficeDoorTest::storeWithoutAdministrator()
     makeStore(path);
     runAll(path, {change});
     SqliteDatabase database;
-    QVERIFY(!openDatabase(path, OpenMode::Write, database));
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
     QCOMPARE(findAdministrator(database.get()).kind, found);
     QCOMPARE(askAtDoor(database.get(), u"secret"_s).kind, found == Kind::Open ? Kind::Open : Kind::Wrong);
 }
@@ -105,7 +105,7 @@ void OfficeDoorTest::storeWithoutAdministrator()
 void OfficeDoorTest::missingTableIsAFailure()
 {
     SqliteDatabase database;
-    QVERIFY(!openDatabase(u":memory:"_s, OpenMode::Create, database));
+    QVERIFY(!into(database, openDatabase(u":memory:"_s, OpenMode::Create)));
     const DoorAnswer answer = findAdministrator(database.get());
     QCOMPARE(answer.kind, Kind::Failed);
     QVERIFY(answer.error.reason.contains(u"no such table"_s));

@@ -91,7 +91,7 @@ void OfficeWindowTest::init()
     makeStore(m_path);
     runAll(m_path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
                     "VALUES ('ANNA', 'P', 'STAFF', -1, 0), ('BOB', 'P', 'OWNER', 0, -1)"_s});
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
+    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
     m_saved.clear();
     m_boxText.clear();
     const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &defaultValue) {
@@ -216,7 +216,7 @@ void OfficeWindowTest::failedSwitchShowsWhatIsStored()
 {
     choose(u"ANNA"_s);
     SqliteDatabase other;
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
+    QVERIFY(!into(other, openDatabase(m_path, OpenMode::Write)));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     answerNextBox(QMessageBox::AcceptRole);
     part<QCheckBox>("InventorySales")->click();

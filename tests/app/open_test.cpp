@@ -86,7 +86,7 @@ void OpenTest::lockedByAnotherProgram()
     const QByteArray before = bytesOf(path()).file;
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY(problem);
     QVERIFY2(problem->kind == ProblemKind::Locked, qPrintable(problem->text));
     QVERIFY(problem->text.contains(path()));
@@ -95,7 +95,7 @@ void OpenTest::lockedByAnotherProgram()
     other.kill();
     QVERIFY(other.waitForFinished());
     wait.refill();
-    const auto later = openStore(path(), wait, database);
+    const auto later = into(database, openStore(path(), wait));
     QVERIFY2(!later, later ? qPrintable(later->text) : "");
     QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"20"_s);
 }
@@ -106,7 +106,7 @@ void OpenTest::logOfACrashIsRecovered()
     makeStore(live);
     {
         SqliteDatabase database;
-        QVERIFY(!openDatabase(live, OpenMode::Write, database));
+        QVERIFY(!into(database, openDatabase(live, OpenMode::Write)));
         QVERIFY(!runSql(database.get(), u"UPDATE StockList SET StockAvailable = 7"_s));
         copyAsAfterCrash(live, path());
     }
@@ -116,7 +116,7 @@ void OpenTest::logOfACrashIsRecovered()
     QVERIFY(bytesOf(path()) == before);
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    QVERIFY(!openStore(path(), wait, database));
+    QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"7"_s);
 }
 
@@ -126,7 +126,7 @@ void OpenTest::journalOfACrashIsRecovered()
     makeBigStore(live);
     {
         SqliteDatabase database;
-        QVERIFY(!openDatabase(live, OpenMode::Write, database));
+        QVERIFY(!into(database, openDatabase(live, OpenMode::Write)));
         QVERIFY(!runSql(database.get(), u"PRAGMA journal_mode = DELETE"_s));
         QVERIFY(!runSql(database.get(), u"PRAGMA cache_size = 5"_s)); // the change spills into the file
         QVERIFY(!runSql(database.get(), u"BEGIN"_s));
@@ -136,7 +136,7 @@ void OpenTest::journalOfACrashIsRecovered()
     QVERIFY(QFile(journalOf(path())).size() > 0);
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"SELECT count(*) FROM SysUsage WHERE SystemUsage LIKE '%half done'"_s), u"0"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA integrity_check"_s), u"ok"_s);
@@ -158,7 +158,7 @@ void OpenTest::foreignFileKeepsItsIdentityAndGetsIndexes()
 
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA application_id"_s), u"77"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"42"_s);
@@ -175,7 +175,7 @@ void OpenTest::newerSchemaVersionOpens()
     runAll(path(), {u"PRAGMA user_version = 900"_s, u"ALTER TABLE StockList ADD COLUMN Shelf"_s});
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    QVERIFY(!openStore(path(), wait, database));
+    QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"900"_s);
 }
 
@@ -185,7 +185,7 @@ void OpenTest::openStoreIsSetToLoseNothing()
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    QVERIFY(!openStore(path(), wait, database));
+    QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"wal"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"2"_s);
 }
@@ -195,13 +195,13 @@ void OpenTest::readerInRollbackModeMeansExtra()
     makeStore(path());
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
     SqliteDatabase reader;
-    QVERIFY(!openDatabase(path(), OpenMode::Read, reader));
+    QVERIFY(!into(reader, openDatabase(path(), OpenMode::Read)));
     SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);
     QVERIFY(reading.next());
 
     BusyWait wait(shortWait);
     SqliteDatabase database;
-    const auto problem = openStore(path(), wait, database);
+    const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"delete"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA synchronous"_s), u"3"_s);
@@ -229,7 +229,7 @@ void OpenTest::openStoreIsUsedAsItIsAndLogged()
     {
         const LogRouting routing(log, false);
         BusyWait wait(shortWait);
-        QVERIFY(!openStore(path(), wait, database));
+        QVERIFY(!into(database, openStore(path(), wait)));
     }
     QCOMPARE(permissionsText(path()), before);
     QFile file(log.path());

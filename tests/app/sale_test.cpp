@@ -237,7 +237,7 @@ void SaleTest::waitForALockIsSaid()
     constexpr QRect place(460, 40, 360, 70); // within the sign, at the top of a window that fills the screen
     constexpr int most = 360 * 70 / 2;
     SqliteDatabase other;
-    QVERIFY(!openDatabase(store(), OpenMode::Write, other));
+    QVERIFY(!into(other, openDatabase(store(), OpenMode::Write)));
     sqlite3_busy_timeout(other.get(), 5000); // the till may be at the end of its own writing
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     RunningProgram program(m_screen, m_home.path());
@@ -266,7 +266,7 @@ void SaleTest::waitBeforeTheWindowIsSaid()
     constexpr int most = 360 * 70 / 2;
     runAll(store(), {u"DELETE FROM StoreSettings"_s}); // loading adds the row
     SqliteDatabase other;
-    QVERIFY(!openDatabase(store(), OpenMode::Write, other));
+    QVERIFY(!into(other, openDatabase(store(), OpenMode::Write)));
     RunningProgram program(m_screen, m_home.path());
     QVERIFY2(program.startUpTo(u"Sales Inventory"_s, {u"--look"_s, u"light"_s}), qPrintable(program.errors()));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));

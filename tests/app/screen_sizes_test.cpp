@@ -120,7 +120,7 @@ void ScreenSizesTest::init()
     m_path =
         m_folder->filePath(u"a-shop-with-a-long-name-that-nothing-can-be-broken-at-%1.sqlite"_s.arg(QString(40, u'x')));
     makeStore(m_path);
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
+    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
 }
 
 void ScreenSizesTest::cleanup()

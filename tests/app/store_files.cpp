@@ -48,7 +48,7 @@ void makeStore(const QString &path)
 void runAll(const QString &path, const QStringList &statements)
 {
     SqliteDatabase database;
-    QVERIFY(!openDatabase(path, OpenMode::Create, database));
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Create)));
     for (const QString &statement : statements) {
         const auto error = runSql(database.get(), statement);
         QVERIFY2(!error, qPrintable(statement + u": "_s + (error ? error->reason : QString())));
@@ -66,7 +66,7 @@ void makeBigStore(const QString &path)
 QStringList column(const QString &path, const QString &select)
 {
     SqliteDatabase database;
-    if (openDatabase(path, OpenMode::Write, database))
+    if (into(database, openDatabase(path, OpenMode::Write)))
         return {u"cannot be opened"_s};
     QStringList values;
     SqliteStatement query(database.get(), select);

@@ -9,6 +9,9 @@
 
 #include <sys/types.h>
 
+#include <optional>
+#include <utility>
+
 /// Store files for tests: made, spoilt, copied as after a crash, and compared byte for byte.
 namespace harrowby::app::test {
 
@@ -20,6 +23,16 @@ void makeBigStore(const QString &path);
 
 /// Opens the file, runs the statements and closes it. Fails the test when one fails.
 void runAll(const QString &path, const QStringList &statements);
+
+/// Puts what a result holds into `target`; the reason when it holds none.
+template <typename T, typename E>
+[[nodiscard]] std::optional<E> into(T &target, Result<T, E> result)
+{
+    if (!result)
+        return std::move(result).error();
+    target = *std::move(result);
+    return {};
+}
 
 /// First column of every row.
 [[nodiscard]] QStringList column(const QString &path, const QString &select);

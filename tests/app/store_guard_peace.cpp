@@ -134,7 +134,7 @@ void StoreGuardPeaceTest::openLogIsNotWaitedFor()
 {
     const auto store = guardStore(path(), m_wait);
     SqliteDatabase other;
-    QVERIFY(!openDatabase(path(), OpenMode::Write, other));
+    QVERIFY(!into(other, openDatabase(path(), OpenMode::Write)));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     QVERIFY(!runSql(other.get(), u"INSERT INTO SysUsage (SystemUsage) VALUES ('theirs')"_s));
     m_wait.refill();

@@ -299,7 +299,7 @@ void StoreGuardTest::statementsWithoutALogFail()
 {
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
     SqliteDatabase reader;
-    QVERIFY(!openDatabase(path(), OpenMode::Read, reader));
+    QVERIFY(!into(reader, openDatabase(path(), OpenMode::Read)));
     std::unique_ptr<StoreGuard> store;
     {
         SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);

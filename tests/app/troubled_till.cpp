@@ -59,10 +59,10 @@ TroubledTill::TroubledTill() :
     m_log(m_home.path(u".local/share/Harrowby/harrowby.log"_s)), m_routing(m_log, false)
 {
     makeStore();
-    SqliteDatabase database;
-    if (const auto problem = openStore(m_path, m_wait, database))
-        qFatal("%s", qPrintable(problem->text));
-    m_guard = std::make_unique<StoreGuard>(std::move(database), m_path, m_wait);
+    auto database = openStore(m_path, m_wait);
+    if (!database)
+        qFatal("%s", qPrintable(database.error().text));
+    m_guard = std::make_unique<StoreGuard>(*std::move(database), m_path, m_wait);
     m_look = std::make_unique<harrowby::test::Database>(m_path);
     m_expected = std::make_unique<harrowby::test::Database>(u":memory:"_s);
     m_expected->copy(*m_look);

@@ -60,15 +60,15 @@ void UsersTableTest::init()
     m_path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u'-' +
                                QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s);
     makeStore(m_path);
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, m_database));
+    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
 }
 
 StoreUser UsersTableTest::user(const QString &name) const
 {
-    QList<StoreUser> users;
-    if (store().list(users))
+    const auto users = store().list();
+    if (!users)
         return {};
-    for (const StoreUser &found : users) {
+    for (const StoreUser &found : *users) {
         if (found.name == name)
             return found;
     }
@@ -236,10 +236,10 @@ void UsersTableTest::whatHindersTheLogin()
     QFETCH(QString, said);
     run(u"DELETE FROM Users"_s);
     run(u"INSERT INTO Users (Username, Password, Type, InventoryUse) VALUES (%1)"_s.arg(row));
-    QList<StoreUser> users;
-    QVERIFY(!store().list(users));
-    QCOMPARE(users.size(), 1);
-    const QString obstacle = loginObstacle(users.constFirst());
+    const auto users = store().list();
+    QVERIFY(users);
+    QCOMPARE(users->size(), 1);
+    const QString obstacle = loginObstacle(users->constFirst());
     QVERIFY2(said.isEmpty() ? obstacle.isEmpty() : obstacle.contains(said), qPrintable(obstacle));
 }
 
@@ -269,7 +269,7 @@ void UsersTableTest::vanishedUserIsTold()
 void UsersTableTest::lockedStoreIsToldAndUnchanged()
 {
     SqliteDatabase other;
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, other));
+    QVERIFY(!into(other, openDatabase(m_path, OpenMode::Write)));
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     const auto added = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
     QVERIFY(added && added->startsWith(u"The user was not added."_s) && added->contains(u"locked"_s));
@@ -285,7 +285,7 @@ void UsersTableTest::rightWaitsForATillThatWrites()
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
     run(u"PRAGMA journal_mode = WAL"_s);
     SqliteDatabase till;
-    QVERIFY(!openDatabase(m_path, OpenMode::Write, till));
+    QVERIFY(!into(till, openDatabase(m_path, OpenMode::Write)));
     QVERIFY(!runSql(till.get(), u"BEGIN IMMEDIATE"_s));
     QVERIFY(!runSql(till.get(), u"UPDATE StoreSettings SET ShowDetails = 0"_s));
     const auto tillIsDone = [](void *other, int) { return runSql(static_cast<sqlite3 *>(other), u"COMMIT"_s) ? 0 : 1; };

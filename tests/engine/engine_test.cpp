@@ -36,7 +36,9 @@ private:
 
 void EngineTest::init()
 {
-    QVERIFY(!openDatabase(u":memory:"_s, OpenMode::Create, m_database));
+    auto opened = openDatabase(u":memory:"_s, OpenMode::Create);
+    QVERIFY(opened);
+    m_database = *std::move(opened);
     QVERIFY(!runSql(m_database.get(), u"CREATE TABLE Things (Name TEXT, Size)"_s));
 }
 
@@ -150,16 +152,16 @@ void EngineTest::aNewFileIsItsOwnersAlone()
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"new.db"_s);
-    QVERIFY(!openDatabase(path, OpenMode::Create, m_database));
+    QVERIFY(openDatabase(path, OpenMode::Create));
     QCOMPARE(QFile::permissions(path) & ~(QFile::ReadUser | QFile::WriteUser), QFile::ReadOwner | QFile::WriteOwner);
 }
 
 void EngineTest::aFileThatCannotBeOpenedIsAnError()
 {
     const QTemporaryDir folder;
-    const auto error = openDatabase(folder.filePath(u"missing.db"_s), OpenMode::Write, m_database);
-    QVERIFY(error);
-    QCOMPARE(error->code, SQLITE_CANTOPEN);
+    const auto opened = openDatabase(folder.filePath(u"missing.db"_s), OpenMode::Write);
+    QVERIFY(!opened);
+    QCOMPARE(opened.error().code, SQLITE_CANTOPEN);
 }
 
 QTEST_GUILESS_MAIN(EngineTest)

@@ -77,10 +77,10 @@ const QMap<QString, Work> &works()
 int runTill(const QString &path, quint32 seed, const Work &work)
 {
     app::BusyWait wait;
-    SqliteDatabase database;
-    if (app::openStore(path, wait, database))
+    auto database = app::openStore(path, wait);
+    if (!database)
         return 2;
-    const app::StoreGuard store(std::move(database), path, wait);
+    const app::StoreGuard store(*std::move(database), path, wait);
     Till till(store.database());
     till.reportStatements();
     till.logIn(u"JACK"_s, u"PASS"_s);

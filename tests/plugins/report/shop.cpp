@@ -23,7 +23,7 @@ Shop::Shop()
 {
     QCOMPARE(sqlite3_open(":memory:", &m_database), SQLITE_OK);
     QVERIFY(!app::createTables(m_database));
-    QVERIFY(!app::createMissingIndexes(m_database));
+    QVERIFY(app::createMissingIndexes(m_database));
     m_connection = std::make_shared<WatchedConnection>(m_database);
 }
 
