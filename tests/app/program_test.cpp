@@ -93,8 +93,8 @@ void ProgramTest::helpAndVersionNeedNoDisplay_data()
     QTest::addColumn<QString>("said");
     QTest::newRow("--help") << u"--help"_s << u"Usage: harrowby"_s;
     QTest::newRow("-h") << u"-h"_s << u"--database FILE"_s;
-    QTest::newRow("--version") << u"--version"_s << u"harrowby 1."_s;
-    QTest::newRow("-v") << u"-v"_s << u"harrowby 1."_s;
+    QTest::newRow("--version") << u"--version"_s << u"harrowby 0."_s;
+    QTest::newRow("-v") << u"-v"_s << u"harrowby 0."_s;
 }
 
 void ProgramTest::helpAndVersionNeedNoDisplay()
