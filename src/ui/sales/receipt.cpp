@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "basic/text.h"
-#include "receipt/receipt_text.h"
 #include "ui/inventory.h"
 #include "ui/widgets/pick_list.h"
 

@@ -7,7 +7,6 @@
 #include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/widgets/pick_list.h"
-#include "ui/widgets/tab_strip.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -32,9 +31,9 @@ std::optional<std::int16_t> savedEmailReportFlag(SavedSettings &settings)
 
 bool savedPrintReceipt(SavedSettings &settings)
 {
-    const QString saved = settings.get(saved::PrintReceipt);
-    const std::optional<double> number = wholeNumber(saved);
-    return number ? *number != 0.0 : saved.compare("false"_L1, Qt::CaseInsensitive) != 0;
+    const QString value = settings.get(saved::PrintReceipt);
+    const std::optional<double> number = wholeNumber(value);
+    return number ? *number != 0.0 : value.compare("false"_L1, Qt::CaseInsensitive) != 0;
 }
 
 void showSettings(const Controls &controls, const StoreSettings &settings, bool printReceipt)
