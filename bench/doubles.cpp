@@ -21,7 +21,7 @@ QString YesBoxes::input(QWidget * /*parent*/, const QString & /*prompt*/, const 
 
 QString FixedSettings::get(const QString & /*section*/, const QString &key, const QString &defaultValue)
 {
-    return key.compare("UsePOSforReceipt"_L1, Qt::CaseInsensitive) == 0 ? u"0"_s : defaultValue;
+    return key.compare(saved::PrintReceipt.key, Qt::CaseInsensitive) == 0 ? u"0"_s : defaultValue;
 }
 
 void FixedSettings::save(const QString & /*section*/, const QString & /*key*/, const QString & /*value*/) {}
