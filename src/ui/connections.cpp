@@ -53,7 +53,7 @@ private:
             window->m_fence.run([&] { call(*window, handler, bound...); });
         });
     }
-    /// The same for those alone who pass the gate.
+    /// The same, called only when the gate lets the action pass.
     template <typename Sender, typename Signal, typename Handler, typename... Bound>
     void handleGated(Sender *sender, Signal signal, const Gate &gate, Handler handler, Bound... bound) const
     {
@@ -86,7 +86,7 @@ private:
     void handleChangeAndClick(PickList *list, Handler handler) const
     {
         handle(list, &PickList::entryTextChanged, handler);
-        // A pick that changed the text has done the work already.
+        // A pick that changed the text has been handled by entryTextChanged() already.
         handle(list, &PickList::pickedAgain, handler);
     }
 
@@ -122,7 +122,7 @@ void Inventory::Connections::connectWindow() const
     handleClick(m_controls.Command20, &Inventory::showHelp);
     handleGatedClick(m_controls.Command19, gates::salesReport, &Inventory::openSalesReport);
     handleClick(m_controls.Command27, &Inventory::logOut);
-    // Of the dashboard's elements only this one does anything when it is clicked.
+    // The only element of the dashboard that can be clicked.
     handle(static_cast<LinkLabel *>(m_controls.Label6.at(Dashboard::ReorderCount)), &LinkLabel::clicked,
            &Inventory::openReorderList, Dashboard::ReorderCount);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Who may do what. A control that is connected without a gate is open to everybody. Two handlers look at the login
+// Who may do what. A control that is connected without a gate is open to everybody. Two handlers check the login
 // themselves, as they do something else without one: logOut() and quickSaleCategoryChanged().
 #pragma once
 
@@ -26,7 +26,7 @@ struct Gate
     Right right = nullptr; ///< null: a login is enough
     WithoutRight withoutRight = WithoutRight::TellAndSendAway;
     WithoutLogin withoutLogin = WithoutLogin::LeadToLogin;
-    bool deafDuringUndo = false; ///< nothing at all happens while a purchase is taken back
+    bool deafDuringUndo = false; ///< Intended: nothing at all happens while a purchase is taken back
 };
 
 namespace gates {
@@ -65,7 +65,7 @@ inline constexpr Gate salesActivity{.right = &Privileges::CanSettings,
     case WorkArea::CustomSales:
         gate.right = &Privileges::CanSell;
         break;
-    default: // the quick sales need no right: a user without the right to sell still sells there
+    default: // Intended: no right; a user without the right to sell still sells there
         break;
     }
     return gate;

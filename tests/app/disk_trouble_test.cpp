@@ -220,7 +220,7 @@ void DiskTroubleTest::check(TroubledTill &till, qint64 logSize)
 {
     QVERIFY(!till.isLost()); // the disk is to blame, and nobody has moved the file
     QCOMPARE(till.differsFromWhatWasDone(), QString());
-    QCOMPARE(till.look().integrity(), u"ok"_s);
+    QCOMPARE(till.store().integrity(), u"ok"_s);
     QVERIFY2(till.told.size() >= till.failedStatements.size(), qPrintable(till.failedStatements.join(u'\n')));
     QVERIFY(till.told.isEmpty() || till.logSize() > logSize || till.hasLogTrouble);
     QCOMPARE(till.iniValue(u"Other/Kept"_s), u"kept"_s);
@@ -284,7 +284,7 @@ void DiskTroubleTest::everyOperationOfABackup()
     QFETCH(const int, error);
     TroubledTill till;
     till.sell();
-    const QStringList whole = till.look().everything();
+    const QStringList whole = till.store().everything();
     const QString target = till.home() + u"/backup.db"_s;
     const bool replaces = name.startsWith(u"over"_s);
     FailingDisk::mount(till.home());
@@ -355,11 +355,11 @@ void checkStart(const QString &path, const Start &start)
     QVERIFY(start.isAccepted || !start.told.join(QString()).isEmpty());
     if (!start.isMade)
         return;
-    const harrowby::test::Database look(path);
-    QCOMPARE(look.integrity(), u"ok"_s);
-    QCOMPARE(look.rows(u"SELECT Username FROM Users"_s), QStringList{u"ADMINISTRATOR"_s});
+    const harrowby::test::Database store(path);
+    QCOMPARE(store.integrity(), u"ok"_s);
+    QCOMPARE(store.rows(u"SELECT Username FROM Users"_s), QStringList{u"ADMINISTRATOR"_s});
     if (start.told.isEmpty())
-        QCOMPARE(look.rows(u"SELECT count(*) FROM StoreSettings"_s), QStringList{u"1"_s});
+        QCOMPARE(store.rows(u"SELECT count(*) FROM StoreSettings"_s), QStringList{u"1"_s});
     if (start.isKept)
         QCOMPARE(savedSetting(u"option"_s, u"Title"_s, {}) + savedSetting(u"Option"_s, u"EmailReport"_s, {}),
                  u"SHOP0"_s);

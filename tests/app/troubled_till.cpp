@@ -63,9 +63,9 @@ TroubledTill::TroubledTill() :
     if (!database)
         qFatal("%s", qPrintable(database.error().text));
     m_guard = std::make_unique<StoreGuard>(*std::move(database), m_path, m_wait);
-    m_look = std::make_unique<harrowby::test::Database>(m_path);
+    m_store = std::make_unique<harrowby::test::Database>(m_path);
     m_expected = std::make_unique<harrowby::test::Database>(u":memory:"_s);
-    m_expected->copy(*m_look);
+    m_expected->copy(*m_store);
     IniSettings settings;
     settings.save(u"Other"_s, u"Kept"_s, u"kept"_s);
     settings.save(u"Option"_s, u"UsePOSforReceipt"_s, u"1"_s);
@@ -174,7 +174,7 @@ QString TroubledTill::differsFromWhatWasDone()
         if (!m_expected->run(statement))
             return statement;
     }
-    const QStringList found = m_look->everything();
+    const QStringList found = m_store->everything();
     const QStringList expected = m_expected->everything();
     for (qsizetype i = 0; i < std::max(found.size(), expected.size()); ++i) {
         if (found.value(i) != expected.value(i))

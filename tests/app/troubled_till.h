@@ -43,8 +43,8 @@ public:
     [[nodiscard]] bool isLost() const { return m_guard->isLost(); }
 
     /// First column of the first row.
-    [[nodiscard]] QString cell(const QString &select) const { return m_look->rows(select).value(0); }
-    [[nodiscard]] const harrowby::test::Database &look() const { return *m_look; }
+    [[nodiscard]] QString cell(const QString &select) const { return m_store->rows(select).value(0); }
+    [[nodiscard]] const harrowby::test::Database &store() const { return *m_store; }
     [[nodiscard]] QString iniValue(const QString &key) const;
     /// Whole receipts; a file that bears a receipt's name and is none ends the test.
     [[nodiscard]] int receipts() const;
@@ -73,7 +73,7 @@ private:
     LogRouting m_routing;
     BusyWait m_wait;
     std::unique_ptr<StoreGuard> m_guard;
-    std::unique_ptr<harrowby::test::Database> m_look;
+    std::unique_ptr<harrowby::test::Database> m_store;
     std::unique_ptr<harrowby::test::Database> m_expected;
     QStringList m_done; ///< since the last comparison
     std::shared_ptr<harrowby::test::ReportingConnection> m_connection;

@@ -257,18 +257,18 @@ void FittingTest::searchResultFollowsTheShape()
 
 void FittingTest::growsWithTheScreen()
 {
-    struct Look
+    struct Sizes
     {
         int font, row, button, entry, cart;
     };
-    const auto look = [&](const QSize &size) {
+    const auto measure = [&](const QSize &size) {
         show(size, 2);
         const Controls &c = m_window->controls;
-        return Look{QFontMetrics(c.LV3->font()).height(), c.LV3->visualRect(c.LV3->rows().index(0, 0)).height(),
-                    c.Command15->height(), c.Combo3->height(), c.LV3->width()};
+        return Sizes{QFontMetrics(c.LV3->font()).height(), c.LV3->visualRect(c.LV3->rows().index(0, 0)).height(),
+                     c.Command15->height(), c.Combo3->height(), c.LV3->width()};
     };
-    const Look usual = look(kUsual);
-    const Look large = look(kLarge);
+    const Sizes usual = measure(kUsual);
+    const Sizes large = measure(kLarge);
     QVERIFY(large.font * 100 >= usual.font * 115);
     QVERIFY(large.row * 100 >= usual.row * 115);
     QVERIFY(large.button * 100 >= usual.button * 115);
