@@ -45,6 +45,17 @@ int placeRow(TextTableModel &list, PackedRow row)
     return listed;
 }
 
+/// Places the row that the reader has begun.
+int placeRow(TextTableModel &list, StockRowReader &reader)
+{
+    list.expectRow(reader.id());
+    reader.readRest();
+    const int placed = placeRow(list, reader.row());
+    // Intended: the last row is coloured, also when an earlier one was updated.
+    list.setLow(list.lastRow(), reader.isLow());
+    return placed;
+}
+
 } // namespace
 
 void Inventory::LoadStock(bool keepRows)
@@ -69,13 +80,8 @@ void Inventory::LoadStock(bool keepRows)
         names.takeEntries(newNames);
     };
     forEachRow(stock, [&] {
-        if (reader.readId()) {
-            list.expectRow(reader.id());
-            reader.readRest();
-            placed = placeRow(list, reader.row());
-            // Intended: the last row is coloured, also when an earlier one was updated.
-            list.setLow(list.lastRow(), reader.isLow());
-        }
+        if (reader.readId())
+            placed = placeRow(list, reader);
         if (reader.hasName())
             newNames.append(reader.name());
         m_breather.breathe(showRows);
