@@ -24,7 +24,7 @@ class ObjectsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void needsNoApplication();
     void aSuppliedWindowIsShown();
     void settingsAreTheComponents();
     void placesOfSettings();
@@ -61,6 +61,50 @@ QWidget *salesWindow()
 }
 
 } // namespace
+
+namespace {
+
+/// What a host got before it made its QApplication.
+struct Early
+{
+    bool isSaved = false;
+    QString saved;
+    DbValue answer;
+    QStringList failures;
+};
+Early early;
+
+Early callEarly()
+{
+    Early result;
+    registerClass(ReorderListClassId, {});
+    setPluginFolders({});
+    setFileFailureHandler({});
+    result.isSaved = saveSetting(u"Early"_s, u"Key"_s, u"value"_s);
+    result.saved = savedSetting(u"early"_s, u"key"_s);
+    sqlite3 *database = nullptr;
+    sqlite3_open(":memory:", &database);
+    {
+        SqliteConnection connection(database);
+        connection.setFailureHandler([&](const DbFailure &failure) { result.failures << failure.statement; });
+        const auto rows = connection.query(u"SELECT 42"_s);
+        if (rows && rows->next() == DbCursor::Step::Row)
+            result.answer = rows->value(0);
+        static_cast<void>(connection.Execute(u"DELETE FROM Missing"_s));
+    }
+    sqlite3_close(database);
+    return result;
+}
+
+} // namespace
+
+void ObjectsTest::needsNoApplication()
+{
+    QVERIFY(early.isSaved);
+    QCOMPARE(early.saved, u"value"_s);
+    QVERIFY(early.answer == DbValue(std::int64_t{42}));
+    QCOMPARE(early.failures, QStringList{u"DELETE FROM Missing"_s});
+}
 
 void ObjectsTest::aSuppliedWindowIsShown()
 {
@@ -136,5 +180,13 @@ void ObjectsTest::aFileThatCannotBeWrittenIsTold()
     QVERIFY(!saveSetting(u"Option"_s, u"two\nlines"_s, u"0"_s)); // no name for a setting
 }
 
-QTEST_MAIN(ObjectsTest)
+int main(int argc, char **argv)
+{
+    QStandardPaths::setTestModeEnabled(true);
+    early = callEarly();
+    const QApplication app(argc, argv);
+    ObjectsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "objects_test.moc"
