@@ -181,8 +181,8 @@ BackupResult copyTo(const QString &target, bool replace, const Source &source, c
 
 BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
 {
-    if (const QString problem = backupPlaceProblem(store, target); !problem.isEmpty())
-        return failed(problem);
+    if (const auto place = checkBackupPlace(store, target); !place)
+        return failed(place.error());
     const Source source = {
         [&](sqlite3 *copy) { return copyStore(store, copy, watch); },
         [&] { return isBadFile(store, watch); },
@@ -192,8 +192,8 @@ BackupResult backUpStore(const QString &store, const QString &target, bool repla
 
 BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
 {
-    if (const QString problem = backupPlaceProblem(path, target); !problem.isEmpty())
-        return failed(problem);
+    if (const auto place = checkBackupPlace(path, target); !place)
+        return failed(place.error());
     const Source source = {
         [&](sqlite3 *copy) { return copyOpenStore(store, copy, watch); },
         [&] { return isBad(store, watch); },

@@ -140,8 +140,8 @@ void BackupPage::start()
     if (const QString lost = loss(); !lost.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
     const QString target = m_place->text().isEmpty() ? QString() : QDir::cleanPath(m_place->text());
-    if (const QString problem = backupPlaceProblem(m_store, target); !problem.isEmpty())
-        return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
+    if (const auto place = checkBackupPlace(m_store, target); !place)
+        return showOutcome(*m_outcome, u"\u26a0 "_s + place.error());
     const bool replace = backupWouldReplace(target);
     if (replace && !askInOffice(this, u"There is a file \"%1\" already. Replace it with the new backup?"_s.arg(target),
                                 u"&Replace"_s))

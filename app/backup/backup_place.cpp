@@ -46,41 +46,43 @@ bool belongsToStore(const QString &store, const QString &target)
     return false;
 }
 
-QString nameProblem(const QString &target)
+Result<void, QString> checkName(const QString &target)
 {
     const QFileInfo info(target);
     if (info.isDir())
-        return u"\"%1\" is a folder. Please give the backup a name in it."_s.arg(target);
+        return Unexpected(u"\"%1\" is a folder. Please give the backup a name in it."_s.arg(target));
     if (nameIsTaken(target) && !info.isFile())
-        return u"\"%1\" is not an ordinary file."_s.arg(target);
+        return Unexpected(u"\"%1\" is not an ordinary file."_s.arg(target));
     // SQLite would replay a journal or log of this name into the backup.
     for (const QString &file : {logFileOf(target), journalOf(target)}) {
         if (nameIsTaken(file))
-            return u"\"%1\" lies there: another program uses a file of that name. Please choose another name."_s.arg(
-                file);
+            return Unexpected(
+                u"\"%1\" lies there: another program uses a file of that name. Please choose another name."_s.arg(
+                    file));
     }
     return {};
 }
 
-QString folderProblem(const QString &target)
+Result<void, QString> checkFolder(const QString &target)
 {
     const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
     if (!folder.isDir())
-        return u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath());
+        return Unexpected(
+            u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath()));
     if (judgeNewPlace(realTarget(target), false))
-        return u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath());
+        return Unexpected(u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath()));
     return {};
 }
 
-QString spaceProblem(const QString &store, const QString &target)
+Result<void, QString> checkSpace(const QString &store, const QString &target)
 {
     const qint64 needed = QFileInfo(store).size() + QFileInfo(logFileOf(store)).size();
     const qint64 free = QStorageInfo(QFileInfo(realTarget(target)).absolutePath()).bytesAvailable();
     if (free < 0 || free >= needed)
         return {};
     const QLocale locale = QLocale::c();
-    return u"There is not enough space: the backup needs %1, and %2 is free."_s.arg(locale.formattedDataSize(needed),
-                                                                                    locale.formattedDataSize(free));
+    return Unexpected(u"There is not enough space: the backup needs %1, and %2 is free."_s.arg(
+        locale.formattedDataSize(needed), locale.formattedDataSize(free)));
 }
 
 } // namespace
@@ -110,17 +112,17 @@ QString usualRescuePlace(const QString &store, const QDateTime &now)
     return place;
 }
 
-QString backupPlaceProblem(const QString &store, const QString &target)
+Result<void, QString> checkBackupPlace(const QString &store, const QString &target)
 {
     if (QFileInfo(target).fileName().isEmpty())
-        return u"Please choose a place for the backup."_s;
+        return Unexpected(u"Please choose a place for the backup."_s);
     if (belongsToStore(store, target))
-        return u"This is the store file itself. Please choose another name."_s;
-    for (const QString &problem : {nameProblem(target), folderProblem(target)}) {
-        if (!problem.isEmpty())
-            return problem;
-    }
-    return spaceProblem(store, target);
+        return Unexpected(u"This is the store file itself. Please choose another name."_s);
+    if (const auto name = checkName(target); !name)
+        return name;
+    if (const auto folder = checkFolder(target); !folder)
+        return folder;
+    return checkSpace(store, target);
 }
 
 bool backupWouldReplace(const QString &target)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -16,9 +18,9 @@ namespace harrowby::app {
 /// written there. No file has that name yet.
 [[nodiscard]] QString usualRescuePlace(const QString &store, const QDateTime &now);
 
-/// Why the backup of this store cannot be written there, in words for a person; empty when it can. A file that is
-/// there already is no reason.
-[[nodiscard]] QString backupPlaceProblem(const QString &store, const QString &target);
+/// Whether the backup of this store can be written there, or why not, in words for a person. A file that is there
+/// already is no reason.
+[[nodiscard]] Result<void, QString> checkBackupPlace(const QString &store, const QString &target);
 
 /// True for an ordinary file of that name, which a backup would replace.
 [[nodiscard]] bool backupWouldReplace(const QString &target);

@@ -111,15 +111,15 @@ void ReceiptPage::showEntered()
 {
     const ReceiptHead head = entered();
     m_picture->setPixmap(receiptPreview(head, pictureWidth, devicePixelRatioF()));
-    const QString problem = receiptHeadProblem(head);
-    showOutcome(*m_outcome, problem.isEmpty() ? QString() : u"\u26a0 "_s + problem);
+    const auto fits = checkReceiptHead(head);
+    showOutcome(*m_outcome, fits ? QString() : u"\u26a0 "_s + fits.error());
 }
 
 void ReceiptPage::save()
 {
     const ReceiptHead head = entered();
-    if (const QString problem = receiptHeadProblem(head); !problem.isEmpty())
-        return showOutcome(*m_outcome, u"\u26a0 "_s + problem);
+    if (const auto fits = checkReceiptHead(head); !fits)
+        return showOutcome(*m_outcome, u"\u26a0 "_s + fits.error());
     const bool saved = saveReceiptHead(m_settings, m_saved, head);
     m_saved = readReceiptHead(m_settings);
     if (saved)

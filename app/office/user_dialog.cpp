@@ -112,11 +112,11 @@ NewUser UserDialog::entered() const
 QString UserDialog::problem() const
 {
     if (m_name != nullptr) {
-        if (QString refused = userNameProblem(m_name->text()); !refused.isEmpty())
-            return refused;
+        if (const auto name = checkUserName(m_name->text()); !name)
+            return name.error();
     }
-    if (QString refused = passwordProblem(m_password->text()); !refused.isEmpty())
-        return refused;
+    if (const auto password = checkPassword(m_password->text()); !password)
+        return password.error();
     if (storedPassword(m_password->text()) != storedPassword(m_again->text()))
         return u"The two entries differ. Please type the password again."_s;
     return m_save(entered()).value_or(QString());

@@ -30,14 +30,14 @@ bool isAdministrator(const QString &name)
     return trimmedUpper(name) == administratorName;
 }
 
-QString userNameProblem(const QString &name)
+Result<void, QString> checkUserName(const QString &name)
 {
     if (trimmedUpper(name).isEmpty() || name.trimmed().isEmpty())
-        return u"Please enter a user name."_s;
+        return Unexpected(u"Please enter a user name."_s);
     if (name.contains(u'\''))
-        return u"A user name cannot hold a single quote (')."_s;
+        return Unexpected(u"A user name cannot hold a single quote (')."_s);
     if (hasUntypable(name))
-        return u"A user name cannot hold characters that cannot be typed."_s;
+        return Unexpected(u"A user name cannot hold characters that cannot be typed."_s);
     return {};
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -12,8 +14,8 @@ namespace harrowby::app {
 /// The user who may do everything, whatever the row's flags say.
 [[nodiscard]] bool isAdministrator(const QString &name);
 
-/// Why the name cannot be taken for a new user, or empty when it can.
-[[nodiscard]] QString userNameProblem(const QString &name);
+/// Whether the name can be taken for a new user, or why not, in words for a person.
+[[nodiscard]] Result<void, QString> checkUserName(const QString &name);
 /// What is stored for it: the entry as the login compares it.
 [[nodiscard]] QString storedUserName(const QString &name);
 

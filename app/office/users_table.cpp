@@ -98,10 +98,10 @@ Result<QList<StoreUser>, QString> UsersTable::list() const
 
 UsersTable::Problem UsersTable::add(const NewUser &user) const
 {
-    if (QString problem = userNameProblem(user.name); !problem.isEmpty())
-        return problem;
-    if (QString problem = passwordProblem(user.password); !problem.isEmpty())
-        return problem;
+    if (const auto name = checkUserName(user.name); !name)
+        return name.error();
+    if (const auto password = checkPassword(user.password); !password)
+        return password.error();
     const auto notAdded = u"The user was not added."_s;
     // One transaction, so that no other program adds the same name between check and insert.
     if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
@@ -143,8 +143,8 @@ UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
 
 UsersTable::Problem UsersTable::setPassword(const StoreUser &user, const QString &password) const
 {
-    if (QString problem = passwordProblem(password); !problem.isEmpty())
-        return problem;
+    if (const auto checked = checkPassword(password); !checked)
+        return checked.error();
     return change(user, u"Password"_s, storedPassword(password));
 }
 

@@ -136,16 +136,18 @@ void FirstUserDialog::layOut(const QString &storePath)
 
 FirstUserDialog::Problem FirstUserDialog::problem() const
 {
-    if (QString refused = passwordProblem(m_password->text()); !refused.isEmpty())
-        return {refused, m_password};
+    if (const auto password = checkPassword(m_password->text()); !password)
+        return {password.error(), m_password};
     if (storedPassword(m_password->text()) != storedPassword(m_again->text()))
         return {u"The two entries differ. Please type the password again."_s, m_again};
     const ReceiptProposal chosen = receipt();
-    if (QString refused = receiptHeadProblem({chosen.title.value_or(QString()), {}, u"N"_s}); !refused.isEmpty())
-        return {refused, m_title};
+    if (const auto title = checkReceiptHead({chosen.title.value_or(QString()), {}, u"N"_s}); !title)
+        return {title.error(), m_title};
     if (!chosen.currency)
         return {};
-    return {receiptHeadProblem({{}, {}, *chosen.currency}), m_currency};
+    if (const auto currency = checkReceiptHead({{}, {}, *chosen.currency}); !currency)
+        return {currency.error(), m_currency};
+    return {};
 }
 
 void FirstUserDialog::showProblem(const Problem &problem)

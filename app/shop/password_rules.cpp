@@ -25,14 +25,14 @@ bool hasControlCharacter(const QString &text)
 
 } // namespace
 
-QString passwordProblem(const QString &password)
+Result<void, QString> checkPassword(const QString &password)
 {
     if (password.trimmed().isEmpty())
-        return u"Please enter a password."_s;
+        return Unexpected(u"Please enter a password."_s);
     if (password.contains(u'\''))
-        return u"A password cannot hold a single quote (')."_s;
+        return Unexpected(u"A password cannot hold a single quote (')."_s);
     if (hasUntypable(password))
-        return u"A password cannot hold characters that cannot be typed."_s;
+        return Unexpected(u"A password cannot hold characters that cannot be typed."_s);
     return {};
 }
 

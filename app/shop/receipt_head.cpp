@@ -118,20 +118,20 @@ bool saveReceiptHead(const OfficeSettings &settings, const ReceiptHead &before, 
     return saved;
 }
 
-QString receiptHeadProblem(const ReceiptHead &head)
+Result<void, QString> checkReceiptHead(const ReceiptHead &head)
 {
     if (hasUntypable(head.title + head.address + head.currency))
-        return u"The receipt cannot hold characters that cannot be typed."_s;
+        return Unexpected(u"The receipt cannot hold characters that cannot be typed."_s);
     const auto header = linesOf(receiptHeader(head.title, head.address));
     if (!fitsOneRow(header.at(0)))
-        return u"The title is too long for one line of the receipt."_s;
+        return Unexpected(u"The title is too long for one line of the receipt."_s);
     if (!fitsOneRow(header.at(1)))
-        return u"The address is too long for one line of the receipt."_s;
+        return Unexpected(u"The address is too long for one line of the receipt."_s);
     if (head.currency.trimmed().isEmpty())
-        return u"Please enter a currency."_s;
+        return Unexpected(u"Please enter a currency."_s);
     // Behind the empty line, the separator and the count.
     if (!fitsOneRow(linesOf(receiptTotals(1, head.currency, sampleTotal)).at(3)))
-        return u"The currency is too long for the line of the total."_s;
+        return Unexpected(u"The currency is too long for the line of the total."_s);
     return {};
 }
 

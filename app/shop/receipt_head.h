@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/shop/office_settings.h"
+#include "basic/result.h"
 
 #include <QPixmap>
 #include <QString>
@@ -40,9 +41,9 @@ struct ReceiptProposal
 /// Saves what differs from `before`. False when something of it could not be saved.
 [[nodiscard]] bool saveReceiptHead(const OfficeSettings &settings, const ReceiptHead &before, const ReceiptHead &head);
 
-/// Why the head cannot be taken, in words for a person: each part has one line of the receipt. Empty when it can.
+/// Whether the head can be taken, or why not, in words for a person: each part has one line of the receipt.
 /// Needs a QGuiApplication, for its fonts.
-[[nodiscard]] QString receiptHeadProblem(const ReceiptHead &head);
+[[nodiscard]] Result<void, QString> checkReceiptHead(const ReceiptHead &head);
 
 /// A receipt with this head, as the printer sets it, `width` pixels wide.
 [[nodiscard]] QPixmap receiptPreview(const ReceiptHead &head, int width, qreal pixelRatio);

@@ -20,7 +20,7 @@ using StoreFiller = std::function<std::optional<SqlError>(sqlite3 *)>;
 [[nodiscard]] std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, const StoreFiller &fill);
 
 /// Adds the one user of a new store, ADMINISTRATOR, who may do everything. The password must have passed
-/// passwordProblem().
+/// checkPassword().
 [[nodiscard]] std::optional<SqlError> addAdministrator(sqlite3 *database, const QString &password);
 
 } // namespace harrowby::app

@@ -361,11 +361,11 @@ void BackupTest::storeUnderAnotherNameIsRefused()
 {
     const QString link = m_folder->filePath(u"away/link.db"_s);
     QVERIFY(QFile::link(store(), link));
-    QVERIFY(backupPlaceProblem(store(), link).contains(u"store file itself"_s));
+    QVERIFY(reasonOf(checkBackupPlace(store(), link)).contains(u"store file itself"_s));
     const QString second = m_folder->filePath(u"away/second.db"_s);
     QCOMPARE(::link(QFile::encodeName(store()).constData(), QFile::encodeName(second).constData()), 0);
-    QVERIFY(backupPlaceProblem(store(), second).contains(u"store file itself"_s));
-    QVERIFY(backupPlaceProblem(link, store()).contains(u"store file itself"_s));
+    QVERIFY(reasonOf(checkBackupPlace(store(), second)).contains(u"store file itself"_s));
+    QVERIFY(reasonOf(checkBackupPlace(link, store())).contains(u"store file itself"_s));
 }
 
 void BackupTest::readOnlyPlaceIsTold()
@@ -375,7 +375,7 @@ void BackupTest::readOnlyPlaceIsTold()
     QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
     {
         const DropRights asNobody;
-        QVERIFY(backupPlaceProblem(store(), target()).contains(u"cannot be written"_s));
+        QVERIFY(reasonOf(checkBackupPlace(store(), target())).contains(u"cannot be written"_s));
     }
     QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }

@@ -34,6 +34,12 @@ template <typename T, typename E>
     return {};
 }
 
+/// Why a result holds nothing; empty when it does.
+[[nodiscard]] inline QString reasonOf(const Result<void, QString> &result)
+{
+    return result ? QString() : result.error();
+}
+
 /// First column of every row.
 [[nodiscard]] QStringList column(const QString &path, const QString &select);
 
