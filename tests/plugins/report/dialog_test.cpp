@@ -113,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(rows(*dialog), (QStringList{u"Sun 1 Nov 2026|1|1,000.00|1,000.00"_s, u"Mon 16 Nov 2026|1|9.00|9.00"_s,
                                              u"Wed 18 Nov 2026|2|7.00|3.50"_s}));
         QCOMPARE(part<QLabel>(*dialog, u"totals"_s).text(), u"Purchases: 4   Amount: 1,016.00   Average: 254.00"_s);
-        QCOMPARE(dialog->chart().bars().bars.size(), std::size_t(30));
+        QCOMPARE(dialog->chart().bars().bars.size(), static_cast<std::size_t>(30));
         QCOMPARE(message(*dialog), QString());
     }
 

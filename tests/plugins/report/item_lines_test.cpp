@@ -110,7 +110,7 @@ private Q_SLOTS:
         for (int line = 0; line < 3 * keys; ++line)
             tally.add(u"KEY %1"_s.arg(line % keys), 2.0, line % keys);
         tally.settle();
-        QCOMPARE(tally.entries().size(), std::size_t(keys));
+        QCOMPARE(tally.entries().size(), static_cast<std::size_t>(keys));
         for (int key = 0; key < keys; ++key) {
             const ItemEntry &entry = tally.entries().at(static_cast<std::size_t>(key));
             QCOMPARE(entry.key, u"KEY %1"_s.arg(key));

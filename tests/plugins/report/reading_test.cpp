@@ -191,7 +191,7 @@ private Q_SLOTS:
         QCOMPARE(readAll(reading), State::Done);
         QCOMPARE(reading.sales().total.purchases, 200'001);
         QCOMPARE(reading.sales().total.amount, 300'000.5);
-        QCOMPARE(reading.sales().byDay.size(), std::size_t(200));
+        QCOMPARE(reading.sales().byDay.size(), static_cast<std::size_t>(200));
         QCOMPARE(reading.sales().bySeller.at(u"S3"_s).purchases, 40'000);
         QVERIFY(shop.connection()->statements.filter(u"GROUP BY"_s).size() >= 4); // none of them sums all
     }
@@ -225,7 +225,7 @@ private Q_SLOTS:
         }
         QVERIFY(steps > 100);
         QCOMPARE(reading.progress(), 1.0);
-        QCOMPARE(reading.sales().byItem.entries().size(), std::size_t(50));
+        QCOMPARE(reading.sales().byItem.entries().size(), static_cast<std::size_t>(50));
         QVERIFY(itemsText(reading.sales()).contains(u" ART-7  |  ARTICLE 7:400:400:600 "_s));
     }
 
