@@ -20,6 +20,9 @@ struct Overloaded : Cases...
 {
     using Cases::operator()...;
 };
+/// Compilers deduce this of themselves only from C++20's later parts on.
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 QString countText(double value)
 {

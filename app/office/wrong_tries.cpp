@@ -77,7 +77,7 @@ void WrongTries::load()
         qCWarning(lcSettings).noquote() << m_file << "does not hold what it should, and is not used.";
         return;
     }
-    m_count = int(std::min<qint64>(numbers.at(0), mostCounted));
+    m_count = static_cast<int>(std::min<qint64>(numbers.at(0), mostCounted));
     m_last = numbers.at(1);
 }
 

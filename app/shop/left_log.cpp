@@ -53,8 +53,9 @@ QByteArray markOf(const QByteArray &file, const QByteArray &log)
     const auto ofLog = factsOf(log);
     if (!ofFile || !ofLog)
         return {};
-    return QByteArray::number(quint64(ofLog->id.device)) + ':' + QByteArray::number(quint64(ofLog->id.inode)) + ':' +
-           QByteArray::number(quint64(ofFile->id.inode));
+    return QByteArray::number(static_cast<quint64>(ofLog->id.device)) + ':' +
+           QByteArray::number(static_cast<quint64>(ofLog->id.inode)) + ':' +
+           QByteArray::number(static_cast<quint64>(ofFile->id.inode));
 }
 
 QByteArray storedMark(const QByteArray &log)

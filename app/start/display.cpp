@@ -45,7 +45,7 @@ bool waylandAnswers()
 {
     const QByteArray path = waylandSocket();
     sockaddr_un address = {};
-    if (path.size() >= qsizetype(sizeof(address.sun_path)))
+    if (path.size() >= static_cast<qsizetype>(sizeof(address.sun_path)))
         return false;
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));

@@ -52,7 +52,7 @@ xcb_window_t windowIn(xcb_connection_t *server, xcb_window_t window, xcb_atom_t 
     xcb_generic_error_t *error = nullptr;
     const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(server, asked, &error));
     const Owned<xcb_generic_error_t> dropped(error);
-    if (!reply || xcb_get_property_value_length(reply.get()) < int(sizeof(xcb_window_t)))
+    if (!reply || xcb_get_property_value_length(reply.get()) < static_cast<int>(sizeof(xcb_window_t)))
         return XCB_WINDOW_NONE;
     return *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
 }

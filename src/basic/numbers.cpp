@@ -219,10 +219,12 @@ QString hundredthsText(std::int64_t hundredths, Grouping grouping)
     putDigit();
     put('.');
     putDigit();
-    for (int digits = 1; left > 0; ++digits) {
+    int digits = 1;
+    while (left > 0) {
         if (grouping == Grouping::Thousands && digits % 3 == 0)
             put(',');
         putDigit();
+        ++digits;
     }
     if (hundredths < 0)
         put('-');

@@ -186,7 +186,7 @@ DbValue SqliteStatement::value(int column) const
     const HeldColumn held(m_database, m_statement.get(), column);
     switch (held.type()) {
     case SQLITE_INTEGER:
-        return std::int64_t(sqlite3_value_int64(held.value()));
+        return static_cast<std::int64_t>(sqlite3_value_int64(held.value()));
     case SQLITE_FLOAT:
         return sqlite3_value_double(held.value());
     case SQLITE_TEXT:

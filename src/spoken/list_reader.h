@@ -35,7 +35,7 @@ public:
     [[nodiscard]] QString columnDescription(int column) const override;
     [[nodiscard]] QString rowDescription(int) const override { return {}; }
     [[nodiscard]] int selectedColumnCount() const override { return 0; }
-    [[nodiscard]] int selectedRowCount() const override { return int(selectedRows().size()); }
+    [[nodiscard]] int selectedRowCount() const override { return static_cast<int>(selectedRows().size()); }
     [[nodiscard]] int columnCount() const override;
     [[nodiscard]] int rowCount() const override;
     [[nodiscard]] QList<int> selectedColumns() const override { return {}; }

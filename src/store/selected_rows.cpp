@@ -153,8 +153,8 @@ std::int32_t SelectedRows::counted() noexcept
             forget();
         result = found.value_or(0);
     }
-    return static_cast<std::int32_t>(
-        std::clamp(result, std::int64_t(0), std::int64_t(std::numeric_limits<std::int32_t>::max())));
+    return static_cast<std::int32_t>(std::clamp(result, static_cast<std::int64_t>(0),
+                                                static_cast<std::int64_t>(std::numeric_limits<std::int32_t>::max())));
 }
 
 void SelectedRows::forget() noexcept

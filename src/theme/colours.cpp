@@ -11,9 +11,9 @@ namespace harrowby {
 
 namespace {
 
-constexpr double kTextContrast = 4.5;
-constexpr double kFigureContrast = 7.0;
-constexpr double kEdgeContrast = 3.1;
+constexpr double textContrast = 4.5;
+constexpr double figureContrast = 7.0;
+constexpr double edgeContrast = 3.1;
 
 double linear(double channel)
 {
@@ -22,14 +22,16 @@ double linear(double channel)
 
 double luminance(const QColor &colour)
 {
-    return 0.2126 * linear(double(colour.redF())) + 0.7152 * linear(double(colour.greenF())) +
-           0.0722 * linear(double(colour.blueF()));
+    return 0.2126 * linear(static_cast<double>(colour.redF())) + 0.7152 * linear(static_cast<double>(colour.greenF())) +
+           0.0722 * linear(static_cast<double>(colour.blueF()));
 }
 
 /// The first colour with this share of the second one in it.
 QColor mixed(const QColor &base, const QColor &other, double share)
 {
-    const auto channel = [share](int from, int to) { return int(std::lround(from + (to - from) * share)); };
+    const auto channel = [share](int from, int to) {
+        return static_cast<int>(std::lround(from + (to - from) * share));
+    };
     return {channel(base.red(), other.red()), channel(base.green(), other.green()), channel(base.blue(), other.blue())};
 }
 
@@ -70,14 +72,14 @@ void setGrounds(Colours &colours, const QPalette &palette)
 void setTexts(Colours &colours, const QPalette &palette)
 {
     const auto grounds = {colours.card, colours.tile, colours.field, colours.background};
-    colours.text = readable(palette.color(QPalette::Active, QPalette::WindowText), grounds, kFigureContrast);
-    colours.muted = readable(mixed(colours.text, colours.card, 0.30), grounds, kTextContrast + 0.5);
+    colours.text = readable(palette.color(QPalette::Active, QPalette::WindowText), grounds, figureContrast);
+    colours.muted = readable(mixed(colours.text, colours.card, 0.30), grounds, textContrast + 0.5);
     colours.border = mixed(colours.card, colours.text, 0.16);
-    colours.fieldBorder = readable(mixed(colours.card, colours.text, 0.45), grounds, kEdgeContrast);
+    colours.fieldBorder = readable(mixed(colours.card, colours.text, 0.45), grounds, edgeContrast);
     colours.price = readable(colours.dark ? colours.accent : mixed(colours.accent, Qt::black, 0.15),
                              {colours.card, colours.tile, colours.field, mixed(colours.card, colours.accent, 0.16)},
-                             kFigureContrast);
-    colours.link = colours.dark ? readable(QColor(140, 180, 255), grounds, kTextContrast + 0.5) : QColor(0, 0, 255);
+                             figureContrast);
+    colours.link = colours.dark ? readable(QColor(140, 180, 255), grounds, textContrast + 0.5) : QColor(0, 0, 255);
 }
 
 void setAccents(Colours &colours)
@@ -85,7 +87,7 @@ void setAccents(Colours &colours)
     colours.onAccent = QColor(colours.dark ? onDarkAccent : onLightAccent);
     colours.accentHover = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.12);
     colours.accentPressed = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.25);
-    colours.accentText = readable(colours.accent, {colours.card, colours.tile, colours.background}, kTextContrast);
+    colours.accentText = readable(colours.accent, {colours.card, colours.tile, colours.background}, textContrast);
     colours.selection = mixed(colours.card, colours.accent, 0.16);
     colours.chosenRow = mixed(colours.field, colours.accent, 0.25);
     colours.stripe = colours.dark ? colours.card : colours.tile;
@@ -95,7 +97,7 @@ void setAccents(Colours &colours)
 
 void setStockSigns(Colours &colours)
 {
-    colours.lowRow = colours.dark ? readable(QColor(255, 128, 118), {colours.field, colours.selection}, kTextContrast)
+    colours.lowRow = colours.dark ? readable(QColor(255, 128, 118), {colours.field, colours.selection}, textContrast)
                                   : QColor(255, 0, 0);
     colours.enoughRow = colours.dark ? colours.text : QColor(0, 0, 0);
     colours.lowLevel = colours.dark ? QColor(255, 110, 98) : QColor(255, 0, 0);

@@ -25,8 +25,8 @@ namespace harrowby {
 
 namespace {
 
-constexpr QSize kUsualSize(1280, 860);
-constexpr QSize kSmallestSize(760, 560); // a screen of 800x600 less what frames it
+constexpr QSize usualSize(1280, 860);
+constexpr QSize smallestSize(760, 560); // a screen of 800x600 less what frames it
 
 QFrame *named(Panel *panel, const QString &name)
 {
@@ -62,7 +62,7 @@ Controls::Controls(QMainWindow &form)
     markForHost(form, *this);
     for (PickList *list : {Combo1, Combo2, Combo3, Combo5, Combo9, Combo11, Combo12, Combo15})
         list->setDropsOnPress(true);
-    form.resize(kUsualSize.boundedTo(form.screen()->availableSize()));
+    form.resize(usualSize.boundedTo(form.screen()->availableSize()));
     auto *fitting = new Fitting(form, *this);
     fitting->fit();
     dress(form);
@@ -84,7 +84,7 @@ void Controls::dress(QMainWindow &form)
 void Controls::createWindowFrame(QMainWindow &form)
 {
     form.setWindowTitle(u"Sales Inventory"_s);
-    form.setMinimumSize(kSmallestSize);
+    form.setMinimumSize(smallestSize);
     auto *whole = new QWidget(&form);
     form.setCentralWidget(whole);
 
@@ -106,13 +106,13 @@ void Controls::createWindowFrame(QMainWindow &form)
     rows->setContentsMargins(6, 8, 6, 0);
     rows->setSpacing(0);
     QBoxLayout *actions = makeRow();
-    actions->setContentsMargins(8, 0, 6, kGap);
+    actions->setContentsMargins(8, 0, 6, controlGap);
     actions->addWidget(makeText(whole, u"Harrowby Inventory"_s, u"title"_s), 1);
     for (QPushButton *button : {Command19, Command27, Command20, Command10})
         actions->addWidget(button);
     rows->addLayout(actions);
     QBoxLayout *tabs = makeRow();
-    tabs->setContentsMargins(2, 0, 6, kGap);
+    tabs->setContentsMargins(2, 0, 6, controlGap);
     tabs->addWidget(TabStrip1, 1);
     tabs->addWidget(Command8, 0, Qt::AlignBottom);
     rows->addLayout(tabs);

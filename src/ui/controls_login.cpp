@@ -68,10 +68,10 @@ void Controls::createLogin(QMainWindow &form)
     QLabel *title = makeText(Frame12, u"Harrowby Inventory"_s, u"title"_s);
     title->setAlignment(Qt::AlignCenter);
     column->addWidget(title);
-    column->addSpacing(kGap);
+    column->addSpacing(controlGap);
     column->addLayout(captioned(u"User Name"_s, Text3));
     column->addLayout(captioned(u"Password"_s, Text4));
-    column->addSpacing(kGap);
+    column->addSpacing(controlGap);
     QBoxLayout *buttons = makeRow();
     buttons->addWidget(Command28, 2);
     buttons->addWidget(Command29, 1);

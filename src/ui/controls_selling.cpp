@@ -21,7 +21,7 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kCardsPerRow = 3;
+constexpr int cardsPerRow = 3;
 
 ElidedLabel *makeValue(QWidget *parent, const QString &name, const QString &text, const QString &caption)
 {
@@ -48,16 +48,16 @@ void Controls::createQuickSales()
     paging->addWidget(Combo1, 3);
     paging->addWidget(CmdPrev, 1);
     paging->addWidget(CmdNext, 1);
-    grid->addLayout(paging, 0, 0, 1, kCardsPerRow);
-    for (int i = 0; i < int(Command1.size()); ++i) {
+    grid->addLayout(paging, 0, 0, 1, cardsPerRow);
+    for (int i = 0; i < static_cast<int>(Command1.size()); ++i) {
         auto *card = new QuickSaleButton(Frame1);
         card->setObjectName(elementName(u"Command1"_s, i));
-        grid->addWidget(card, 1 + i / kCardsPerRow, i % kCardsPerRow);
-        grid->setRowStretch(1 + i / kCardsPerRow, 1);
-        grid->setColumnStretch(i % kCardsPerRow, 1);
-        Command1[size_t(i)] = card;
+        grid->addWidget(card, 1 + i / cardsPerRow, i % cardsPerRow);
+        grid->setRowStretch(1 + i / cardsPerRow, 1);
+        grid->setColumnStretch(i % cardsPerRow, 1);
+        Command1[static_cast<size_t>(i)] = card;
     }
-    new GridWalk({Command1.begin(), Command1.end()}, kCardsPerRow, Frame1);
+    new GridWalk({Command1.begin(), Command1.end()}, cardsPerRow, Frame1);
 }
 
 void Controls::createCustomSale()
@@ -113,7 +113,7 @@ void Controls::createKeypad()
         QPushButton *key = makeButton(Frame13, elementName(u"Command30"_s, index), caption);
         setStyleWord(key, u"key"_s);
         key->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-        Command30[size_t(index)] = key;
+        Command30[static_cast<size_t>(index)] = key;
         return key;
     };
     QGridLayout *grid = makeGrid(Frame13);

@@ -23,7 +23,7 @@ namespace harrowby {
 namespace {
 
 /// Height at which the cart shows some lines above its total and its buttons.
-constexpr int kComfortableCounter = 390;
+constexpr int comfortableCounter = 390;
 
 Panel *makeSidePanel(QWidget *parent, const QString &name)
 {
@@ -97,7 +97,7 @@ void Controls::createSideArea()
     column->addLayout(shared, 1);
     makeColumn(page)->addWidget(counter, 1);
     createDashboard();
-    static_cast<FormPanel *>(Frame2)->keepInView(counter, kComfortableCounter);
+    static_cast<FormPanel *>(Frame2)->keepInView(counter, comfortableCounter);
 }
 
 void Controls::createCart()
@@ -155,7 +155,7 @@ void Controls::createDashboard()
                                                 {Dashboard::ReorderCountCaption, u"Low Reorder Level:"_s},
                                                 {Dashboard::ReorderHint, u"Click to See Reorder List"_s}};
     for (const auto &[index, text] : captions)
-        Label6[size_t(index)] = makeElement(page, index, text);
+        Label6[static_cast<size_t>(index)] = makeElement(page, index, text);
     setStyleWord(Label6[Dashboard::Heading], u"heading"_s);
     Label6[Dashboard::SalesCount] =
         makeFigure(page, Dashboard::SalesCount, u"0"_s, *Label6[Dashboard::SalesCountCaption]);
@@ -168,7 +168,7 @@ void Controls::createDashboard()
     Label6[Dashboard::ReorderCount]->setAccessibleDescription(u"Low Reorder Level: Click to See Reorder List"_s);
 
     auto *tiles = new QGridLayout;
-    tiles->setSpacing(kGap);
+    tiles->setSpacing(controlGap);
     tiles->addWidget(Label6[Dashboard::Heading], 0, 0, 1, 2);
     tiles->addWidget(makeTile(Label6[Dashboard::SalesCountCaption], Label6[Dashboard::SalesCount]), 1, 0);
     tiles->addWidget(makeTile(Label6[Dashboard::SalesAmountCaption], Label6[Dashboard::SalesAmount]), 1, 1);

@@ -26,7 +26,7 @@ void Controls::nameParts()
                                            {Dashboard::StockTotalCaption, Dashboard::StockTotal},
                                            {Dashboard::ReorderCountCaption, Dashboard::ReorderCount}};
     for (const auto &[caption, figure] : figures)
-        Label6.at(size_t(caption))->setBuddy(Label6.at(size_t(figure)));
+        Label6.at(static_cast<size_t>(caption))->setBuddy(Label6.at(static_cast<size_t>(figure)));
 }
 
 } // namespace harrowby

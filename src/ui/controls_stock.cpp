@@ -22,8 +22,8 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kFigureWidth = 112;       ///< of an entry that takes a price or a quantity
-constexpr int kNarrowFigureWidth = 112; ///< of one that takes a level or "Disabled"
+constexpr int figureWidth = 112;       ///< of an entry that takes a price or a quantity
+constexpr int narrowFigureWidth = 112; ///< of one that takes a level or "Disabled"
 
 LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &caption)
 {
@@ -53,9 +53,9 @@ void Controls::createStockFields()
     Command26 = makeButton(page, u"Command26"_s, u"New Item"_s);
 
     for (PickList *figure : {Combo8, Combo14})
-        figure->setMinimumWidth(kFigureWidth); // the list needs the rest
+        figure->setMinimumWidth(figureWidth); // the list needs the rest
     for (PickList *narrow : {Combo13, Combo15})
-        narrow->setMinimumWidth(kNarrowFigureWidth);
+        narrow->setMinimumWidth(narrowFigureWidth);
     QGridLayout *grid = makeGrid(page);
     grid->addLayout(captioned(u"Category"_s, Combo5), 0, 0, 1, 2);
     grid->addLayout(captioned(u"Stock ID"_s, Combo6), 1, 0, 1, 2);
@@ -66,8 +66,8 @@ void Controls::createStockFields()
     grid->addLayout(captioned(u"Stock Use"_s, Combo15), 4, 1);
     grid->addWidget(Command16, 5, 0, 1, 2);
     grid->addWidget(Command26, 6, 0, 1, 2);
-    grid->setColumnStretch(0, kPriceShare);
-    grid->setColumnStretch(1, kBesidePriceShare);
+    grid->setColumnStretch(0, priceShare);
+    grid->setColumnStretch(1, besidePriceShare);
     grid->setRowStretch(7, 1);
 }
 

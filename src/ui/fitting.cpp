@@ -61,11 +61,12 @@ void Fitting::setFrame()
 {
     const bool isCompact = m_density == Density::Compact;
     // Captions lie between the rows of the custom sale, so these may be closer; the keypad leaves it little room.
-    static_cast<QGridLayout *>(m_controls.Frame3->layout())->setVerticalSpacing(isCompact ? kGap / 2 : kGap);
+    static_cast<QGridLayout *>(m_controls.Frame3->layout())
+        ->setVerticalSpacing(isCompact ? controlGap / 2 : controlGap);
     QLayout &rows = *m_form.centralWidget()->layout();
     rows.setContentsMargins(isCompact ? QMargins(2, 4, 2, 0) : QMargins(6, 8, 6, 0));
     QMargins tabs = rows.itemAt(1)->layout()->contentsMargins();
-    tabs.setBottom(isCompact ? 0 : kGap);
+    tabs.setBottom(isCompact ? 0 : controlGap);
     rows.itemAt(1)->layout()->setContentsMargins(tabs);
 }
 

@@ -81,8 +81,8 @@ void arrangeStockFieldsUpright(const Controls &c)
     move(grid, c.Command16, 5, 0, 2);
     move(grid, c.Command26, 6, 0, 2);
     setStretches(grid, 2, 7);
-    grid.setColumnStretch(0, kPriceShare);
-    grid.setColumnStretch(1, kBesidePriceShare);
+    grid.setColumnStretch(0, priceShare);
+    grid.setColumnStretch(1, besidePriceShare);
 }
 
 void arrangeReorderFlat(const Controls &c)
@@ -165,7 +165,7 @@ void arrangeDashboard(const Controls &c, bool inARow)
     int place = 0;
     for (const int figure : Dashboard::figures) {
         const int columns = inARow ? 4 : 2;
-        move(grid, c.Label6[size_t(figure)]->parentWidget(), 1 + place / columns, place % columns);
+        move(grid, c.Label6[static_cast<size_t>(figure)]->parentWidget(), 1 + place / columns, place % columns);
         ++place;
     }
     move(grid, c.Label6[Dashboard::Heading], 0, 0, inARow ? 4 : 2);

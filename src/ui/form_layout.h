@@ -8,8 +8,8 @@ namespace harrowby {
 struct Controls;
 
 /// Widths of the stock form's two columns: a price in the thousands needs more room than what stands beside it.
-inline constexpr int kPriceShare = 11;
-inline constexpr int kBesidePriceShare = 10;
+inline constexpr int priceShare = 11;
+inline constexpr int besidePriceShare = 10;
 
 /// Puts the controls of stock, reorder, settings and dashboard into the rows and columns that their panels have room
 /// for.

@@ -16,10 +16,10 @@ namespace {
 enum Column { FieldsColumn, MiddleColumn, SideColumn };
 enum Row { UpperRow, LowerRow, FootRow };
 
-constexpr int kMiddleWidth = 320;
-constexpr int kSideBesideList = 350; ///< where the window is not narrow
-constexpr int kUpperHeight = 226;    ///< what of the custom sale the keypad leaves to see in a low window
-constexpr const char *kBesideFields = "harrowbyBesideFields";
+constexpr int middleWidth = 320;
+constexpr int sideBesideList = 350; ///< where the window is not narrow
+constexpr int upperHeight = 226;    ///< what of the custom sale the keypad leaves to see in a low window
+constexpr const char *besideFieldsProperty = "harrowbyBesideFields";
 
 struct Place
 {
@@ -78,13 +78,13 @@ void shareOut(QGridLayout &stage, Shape shape, Density density)
     stage.setRowStretch(UpperRow, isWide ? 1 : 0);
     stage.setRowStretch(LowerRow, isTall ? 4 : 1);
     stage.setRowStretch(FootRow, isTall ? 6 : 0);
-    stage.setRowMinimumHeight(UpperRow, density == Density::Compact ? kUpperHeight : 0);
+    stage.setRowMinimumHeight(UpperRow, density == Density::Compact ? upperHeight : 0);
     stage.setColumnStretch(FieldsColumn, 26);
     stage.setColumnStretch(MiddleColumn, 44);
     stage.setColumnStretch(SideColumn, 30);
     stage.setColumnMinimumWidth(FieldsColumn, isWide ? measures.fieldsWidth : 0);
-    stage.setColumnMinimumWidth(MiddleColumn, isWide ? kMiddleWidth : 0);
-    const int side = isWide ? std::max(kSideBesideList, measures.sideWidth) : measures.sideWidth;
+    stage.setColumnMinimumWidth(MiddleColumn, isWide ? middleWidth : 0);
+    const int side = isWide ? std::max(sideBesideList, measures.sideWidth) : measures.sideWidth;
     stage.setColumnMinimumWidth(SideColumn, isTall ? 0 : side);
 }
 
@@ -100,14 +100,14 @@ void arrangePanels(const Controls &c, QGridLayout &stage, Shape shape, Density d
     put(stage, c.Frame10, places.stockList);
     put(stage, c.Frame2, places.side);
     put(stage, c.Frame13, places.keypad);
-    placeSearchPanel(c, stage, c.Frame11->property(kBesideFields).toBool());
+    placeSearchPanel(c, stage, c.Frame11->property(besideFieldsProperty).toBool());
     shareOut(stage, shape, density);
 }
 
 void placeSearchPanel(const Controls &c, QGridLayout &stage, bool besideFields)
 {
     const Places places = placesIn(stage, c);
-    c.Frame11->setProperty(kBesideFields, besideFields);
+    c.Frame11->setProperty(besideFieldsProperty, besideFields);
     put(stage, c.Frame11, besideFields ? places.searchOfFields : places.keypad);
 }
 

@@ -19,8 +19,8 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kIconSize = 24;
-constexpr int kCaptionGap = 2;
+constexpr int iconSize = 24;
+constexpr int captionGap = 2;
 
 int marginOf(const QWidget &widget)
 {
@@ -54,7 +54,7 @@ QPushButton *makePictureButton(QWidget *parent, const QString &name, const QStri
     QPushButton *button = makeButton(parent, name, {});
     setStyleWord(button, u"picture"_s);
     button->setIcon(tillIcon(icon));
-    button->setIconSize({kIconSize, kIconSize});
+    button->setIconSize({iconSize, iconSize});
     button->setToolTip(purpose);
     button->setAccessibleName(purpose);
     return button;
@@ -101,7 +101,7 @@ void setStyleWord(QWidget *widget, const QString &styleWord)
 QBoxLayout *captioned(const QString &caption, QWidget *control)
 {
     auto *column = new QVBoxLayout;
-    column->setSpacing(kCaptionGap);
+    column->setSpacing(captionGap);
     QLabel *label = makeText(control->parentWidget(), caption, u"caption"_s);
     label->setBuddy(control);
     column->addWidget(label);
@@ -114,7 +114,7 @@ QGridLayout *makeGrid(QWidget *panel)
     auto *grid = new QGridLayout(panel);
     const int margin = marginOf(*panel);
     grid->setContentsMargins(margin, margin, margin, margin);
-    grid->setSpacing(kGap);
+    grid->setSpacing(controlGap);
     return grid;
 }
 
@@ -123,14 +123,14 @@ QBoxLayout *makeColumn(QWidget *panel)
     auto *column = new QVBoxLayout(panel);
     const int margin = marginOf(*panel);
     column->setContentsMargins(margin, margin, margin, margin);
-    column->setSpacing(kGap);
+    column->setSpacing(controlGap);
     return column;
 }
 
 QBoxLayout *makeRow()
 {
     auto *row = new QHBoxLayout;
-    row->setSpacing(kGap);
+    row->setSpacing(controlGap);
     return row;
 }
 

@@ -19,7 +19,7 @@ class PickList;
 // objectName is its name.
 
 /// Distance between neighbouring controls.
-inline constexpr int kGap = 8;
+inline constexpr int controlGap = 8;
 
 /// The name of an element of a control array.
 [[nodiscard]] QString elementName(const QString &array, int index);

@@ -20,7 +20,7 @@ void markForHost(QMainWindow &form, const Controls &controls)
                                                           controls.Command14, controls.StatusBar1})
         part->setProperty(KeptInSightProperty, true);
     for (const int figure : Dashboard::figures)
-        controls.Label6.at(size_t(figure))->setProperty(KeptInSightProperty, true);
+        controls.Label6.at(static_cast<size_t>(figure))->setProperty(KeptInSightProperty, true);
 }
 
 } // namespace harrowby

@@ -178,7 +178,7 @@ void ScreenReader::readInto(QList<Part> &parts, const Address &address, int pare
     if (part.role != u"application"_s && !part.is(Showing))
         return;
     part.labelledBy = labelsOf(address);
-    const int place = int(parts.size());
+    const int place = static_cast<int>(parts.size());
     parts << part;
     for (const Address &child : children(address))
         readInto(parts, child, place);

@@ -195,15 +195,15 @@ void BackupTest::tillWithoutALogWritesMeanwhile()
 void BackupTest::stopLeavesNothing_data()
 {
     QTest::addColumn<int>("stage");
-    QTest::newRow("copying") << int(Stage::Copying);
-    QTest::newRow("checking") << int(Stage::Checking);
+    QTest::newRow("copying") << static_cast<int>(Stage::Copying);
+    QTest::newRow("checking") << static_cast<int>(Stage::Checking);
 }
 
 void BackupTest::stopLeavesNothing()
 {
     QFETCH(int, stage);
     grow();
-    const auto stopAt = [&](const BackupProgress &progress) { return int(progress.stage) != stage; };
+    const auto stopAt = [&](const BackupProgress &progress) { return static_cast<int>(progress.stage) != stage; };
     QCOMPARE(backUpStore(store(), target(), false, stopAt).outcome, Outcome::Stopped);
     QCOMPARE(away(), QStringList());
 }
@@ -248,7 +248,7 @@ void BackupTest::failingSideIsTold_data()
     QTest::addColumn<int>("percent");
     QTest::addColumn<QString>("said");
     const auto row = [](const char *name, const QByteArray &file, Fault fault, int percent, const QString &said) {
-        QTest::newRow(name) << file << int(fault) << percent << said;
+        QTest::newRow(name) << file << static_cast<int>(fault) << percent << said;
     };
     row("store cannot be read", "shop.sqlite", Fault::Read, 1, u"The store file cannot be read"_s);
     row("copy cannot be written", "backup.db", Fault::Write, 1, u"The place of the backup cannot be"_s);

@@ -48,7 +48,7 @@ ssize_t badWrite(int descriptor, const void *buffer, size_t size, off_t offset)
     if (state().fault == BadDisk::Fault::Read || !isBad(descriptor))
         return ::pwrite(descriptor, buffer, size, offset);
     if (state().fault == BadDisk::Fault::Forget && offset > 0)
-        return ::pwrite(descriptor, QByteArray(qsizetype(size), '?').constData(), size, offset);
+        return ::pwrite(descriptor, QByteArray(static_cast<qsizetype>(size), '?').constData(), size, offset);
     if (state().fault == BadDisk::Fault::Forget)
         return ::pwrite(descriptor, buffer, size, offset);
     errno = EIO;

@@ -230,7 +230,9 @@ void FailureNoticeTest::filesThatFail_data()
     QTest::addColumn<QString>("workAgain");
     QTest::addColumn<QString>("advice");
     const auto row = [](const char *name, FileFailure::Kind kind, const QString &work, const QString &again,
-                        const QString &advice) { QTest::newRow(name) << int(kind) << work << again << advice; };
+                        const QString &advice) {
+        QTest::newRow(name) << static_cast<int>(kind) << work << again << advice;
+    };
     const auto receipt = u"A receipt was neither printed nor kept."_s;
     row("receipt", FileFailure::Kind::Receipt, receipt, receipt + u" (2 times)"_s,
         u"Check the disk and the folder %1. Until then receipts are lost; the last one can be printed again with "

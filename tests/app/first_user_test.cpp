@@ -102,7 +102,7 @@ void FirstUserTest::goodPasswordIsTaken()
 {
     type(u"secret"_s, u"secret"_s);
     press(QDialogButtonBox::AcceptRole);
-    QCOMPARE(m_dialog->result(), int(QDialog::Accepted));
+    QCOMPARE(m_dialog->result(), static_cast<int>(QDialog::Accepted));
     QCOMPARE(m_dialog->password(), u"secret"_s);
 }
 
@@ -110,7 +110,7 @@ void FirstUserTest::otherCaseIsTheSamePassword()
 {
     type(u"secret"_s, u" SECRET"_s);
     press(QDialogButtonBox::AcceptRole);
-    QCOMPARE(m_dialog->result(), int(QDialog::Accepted));
+    QCOMPARE(m_dialog->result(), static_cast<int>(QDialog::Accepted));
 }
 
 void FirstUserTest::refusedEntryKeepsTheDialogOpen_data()
@@ -143,7 +143,7 @@ void FirstUserTest::cancelRejects()
     type(u"secret"_s, u"secret"_s);
     press(QDialogButtonBox::RejectRole);
     QVERIFY(!m_dialog->isVisible());
-    QCOMPARE(m_dialog->result(), int(QDialog::Rejected));
+    QCOMPARE(m_dialog->result(), static_cast<int>(QDialog::Rejected));
 }
 
 void FirstUserTest::passwordsAreHiddenAndNamed()
@@ -191,7 +191,7 @@ void FirstUserTest::takesTheReceiptAsProposedOrChanged()
     m_dialog->findChild<QLineEdit *>(u"shopTitle"_s)->clear(); // a receipt without a title is allowed
     type(u"secret"_s, u"secret"_s);
     m_dialog->accept();
-    QCOMPARE(m_dialog->result(), int(QDialog::Accepted));
+    QCOMPARE(m_dialog->result(), static_cast<int>(QDialog::Accepted));
 }
 
 void FirstUserTest::refusesWhatNoReceiptTakes()

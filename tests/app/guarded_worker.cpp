@@ -59,7 +59,7 @@ public:
             return u"fine"_s;
         if (verb == u"now"_s)
             return m_guard.loss().nowAt;
-        return verb == u"aside"_s ? m_guard.loss().logAside : QString::number(int(m_guard.loss().kind));
+        return verb == u"aside"_s ? m_guard.loss().logAside : QString::number(static_cast<int>(m_guard.loss().kind));
     }
 
 private:

@@ -149,7 +149,7 @@ void LogFileTest::hugeFileIsPutAside()
     QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
     QFile huge(m_path);
     QVERIFY(huge.open(QIODevice::WriteOnly));
-    QVERIFY(huge.resize(qint64(1) << 40)); // sparse; and full, as the disk says below
+    QVERIFY(huge.resize(static_cast<qint64>(1) << 40)); // sparse; and full, as the disk says below
     huge.close();
     rlimit before = {};
     ::getrlimit(RLIMIT_FSIZE, &before);
@@ -160,14 +160,14 @@ void LogFileTest::hugeFileIsPutAside()
     ::setrlimit(RLIMIT_FSIZE, &before);
     QVERIFY(written);
     QCOMPARE(linesOf(m_path).size(), 1);
-    QCOMPARE(QFile(m_path + u".1"_s).size(), qint64(1) << 40);
+    QCOMPARE(QFile(m_path + u".1"_s).size(), static_cast<qint64>(1) << 40);
 }
 
 void LogFileTest::filesAreTheOwnersAlone()
 {
     const auto mode = [](const QString &path) {
         struct stat facts = {};
-        return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+        return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? static_cast<int>(facts.st_mode & 0777) : -1;
     };
     LogFile log(m_path, 100);
     log.add(QtWarningMsg, u"c"_s, QString(100, u'x'));

@@ -308,9 +308,9 @@ void LostStoreBoxTest::officeClosesFromTheFront()
             QCOMPARE(box()->parentWidget(), &office); // which goes last
             press(u"closeLostStore"_s);
         });
-        QCOMPARE(user.exec(), int(QDialog::Rejected));
+        QCOMPARE(user.exec(), static_cast<int>(QDialog::Rejected));
     });
-    QCOMPARE(office.exec(), int(QDialog::Rejected));
+    QCOMPARE(office.exec(), static_cast<int>(QDialog::Rejected));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
 }
 

@@ -149,7 +149,7 @@ private Q_SLOTS:
         while (reading.step(0ms) == LowStockReading::State::Reading)
             ++steps;
         QVERIFY(steps > 100);
-        QCOMPARE(reading.table().rows.size(), std::size_t(20'000));
+        QCOMPARE(reading.table().rows.size(), static_cast<std::size_t>(20'000));
         ReorderListDialog dialog(m_connection); // and closed in the middle
         dialog.show();
         QCoreApplication::processEvents();

@@ -226,7 +226,7 @@ void OfficeDoorTest::passwordOpens()
     dialog.show();
     dialog.findChild<QLineEdit *>(u"officePassword"_s)->setText(u"secret"_s);
     QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.result(), static_cast<int>(QDialog::Accepted));
     QCOMPARE(asked, u"secret"_s);
     QCOMPARE(dialog.findChild<QLineEdit *>()->echoMode(), QLineEdit::Password);
 }

@@ -126,7 +126,7 @@ void StoreGuardPeaceTest::aMoveUnderWayIsNoLoss()
     runInFolder(m_folder->path(), u"touch $S"_s);
     QCOMPARE(worker.ask(u"tick"_s), u"fine"_s);
     --bytes[movedOrTried];
-    QCOMPARE(worker.ask(u"tick"_s), QString::number(int(StoreLoss::Kind::Overwritten)));
+    QCOMPARE(worker.ask(u"tick"_s), QString::number(static_cast<int>(StoreLoss::Kind::Overwritten)));
 }
 
 /// Another program that writes, or reads, keeps the log from being emptied; nobody waits for it.

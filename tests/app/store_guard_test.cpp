@@ -146,7 +146,7 @@ void StoreGuardTest::fileMoves_data()
         for (const auto &[crew, roles] : crews) {
             for (const bool killed : {false, true})
                 QTest::addRow("%s, %s, %s", attack.name, crew, killed ? "killed" : "closed")
-                    << QString::fromLatin1(attack.commands) << int(attack.kind) << roles << killed;
+                    << QString::fromLatin1(attack.commands) << static_cast<int>(attack.kind) << roles << killed;
         }
     }
 }
@@ -184,7 +184,7 @@ void StoreGuardTest::fileMoves()
     }
     QCOMPARE(acknowledged, before);
 
-    const bool overwritten = kind == int(StoreLoss::Kind::Overwritten);
+    const bool overwritten = kind == static_cast<int>(StoreLoss::Kind::Overwritten);
     const QString now = crew.front()->ask(u"now"_s);
     const QString aside = crew.front()->ask(u"aside"_s);
     QString kept = overwritten ? QString() : now;

@@ -84,7 +84,7 @@ void TestCaseFolding::anyTexts()
     const auto anyText = [&] {
         QString text;
         for (int left = random.bounded(1, 4); left > 0; --left)
-            text += QChar(alphabet[std::size_t(random.bounded(int(alphabet.size())))]);
+            text += QChar(alphabet[static_cast<std::size_t>(random.bounded(static_cast<int>(alphabet.size())))]);
         return text;
     };
     int equal = 0;

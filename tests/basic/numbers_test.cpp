@@ -203,7 +203,7 @@ void TestNumbers::convertsTo16Bits()
     QFETCH(const int, expected);
     const std::optional<std::int16_t> converted = toInt16(value);
     QVERIFY(converted.has_value());
-    QCOMPARE(int(*converted), expected);
+    QCOMPARE(static_cast<int>(*converted), expected);
 }
 
 void TestNumbers::refusesWhatDoesNotFit16Bits_data()
@@ -327,13 +327,13 @@ void TestNumbers::formatsAnyHundredths()
     // The text is made from whole numbers here; the last ones are too large for a double to hold hundredths.
     QRandomGenerator random(5);
     for (int i = 0; i < 100'000; ++i) {
-        const qint64 hundredths = qint64(random.generate64() >> (8 + i % 56)) % 100'000'000'000'000;
+        const qint64 hundredths = static_cast<qint64>(random.generate64() >> (8 + i % 56)) % 100'000'000'000'000;
         const QString units = QLocale(QLocale::English).toString(hundredths / 100);
         const QString expected = units + u'.' + QString::number(hundredths % 100).rightJustified(2, u'0');
-        QCOMPARE(formatMoney(double(hundredths) / 100.0), expected);
-        QCOMPARE(formatFixed(double(hundredths) / 100.0), QString(expected).remove(u','));
+        QCOMPARE(formatMoney(static_cast<double>(hundredths) / 100.0), expected);
+        QCOMPARE(formatFixed(static_cast<double>(hundredths) / 100.0), QString(expected).remove(u','));
         if (hundredths > 0)
-            QCOMPARE(formatMoney(-double(hundredths) / 100.0), u'-' + expected);
+            QCOMPARE(formatMoney(-static_cast<double>(hundredths) / 100.0), u'-' + expected);
     }
 }
 

@@ -91,7 +91,7 @@ void TestRestoredPurchase::readsLine()
     QFETCH(const QString, element);
     const std::optional<RestoredLine> line = restoredLine(element);
     QVERIFY(line);
-    QTEST(int(line->quantity), "quantity");
+    QTEST(static_cast<int>(line->quantity), "quantity");
     QTEST(line->stockId, "id");
     QTEST(line->stockName, "name");
 }

@@ -92,13 +92,13 @@ void TestValues::reads()
     QTEST(valueIsTrue(value), "isTrue");
     QTEST(valueEqualsTrue(value), "equalsTrue");
     const std::optional<std::int16_t> converted = valueInt16(value);
-    QCOMPARE(converted ? int(*converted) : none, int16);
+    QCOMPARE(converted ? static_cast<int>(*converted) : none, int16);
 }
 
 void TestValues::storesFigures()
 {
-    QCOMPARE(std::get<std::int64_t>(storedFigure(2.0F)), std::int64_t(2));
-    QCOMPARE(std::get<std::int64_t>(storedFigure(-16777216.0F)), std::int64_t(-16777216));
+    QCOMPARE(std::get<std::int64_t>(storedFigure(2.0F)), static_cast<std::int64_t>(2));
+    QCOMPARE(std::get<std::int64_t>(storedFigure(-16777216.0F)), static_cast<std::int64_t>(-16777216));
     QCOMPARE(std::get<double>(storedFigure(99.99F)), 99.99);
     QCOMPARE(std::get<double>(storedFigure(1e30F)), 1e30);
 }

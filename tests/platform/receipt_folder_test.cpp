@@ -105,7 +105,8 @@ private Q_SLOTS:
     {
         const auto mode = [](const QString &path) {
             struct stat facts = {};
-            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? static_cast<int>(facts.st_mode & 0777)
+                                                                            : -1;
         };
         QCOMPARE(mode(keepReceipt("%PDF", soldAt)), 0600);
         QCOMPARE(mode(m_home.receipts()), 0700);

@@ -147,7 +147,8 @@ private Q_SLOTS:
     {
         const auto mode = [](const QString &path) {
             struct stat facts = {};
-            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? int(facts.st_mode & 0777) : -1;
+            return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? static_cast<int>(facts.st_mode & 0777)
+                                                                            : -1;
         };
         IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
         QCOMPARE(mode(file()), 0600);
@@ -212,8 +213,8 @@ private Q_SLOTS:
     void aPipeThatTakesTheNameMeanwhileIsRefused_data()
     {
         QTest::addColumn<int>("mode");
-        QTest::newRow("to read") << int(QIODevice::ReadOnly);
-        QTest::newRow("to add to") << int(QIODevice::WriteOnly | QIODevice::Append);
+        QTest::newRow("to read") << static_cast<int>(QIODevice::ReadOnly);
+        QTest::newRow("to add to") << static_cast<int>(QIODevice::WriteOnly | QIODevice::Append);
     }
 
     void aPipeThatTakesTheNameMeanwhileIsRefused()
@@ -242,8 +243,8 @@ private Q_SLOTS:
         QCOMPARE(m_failures.size(), 1);
         QCOMPARE(m_failures.constFirst().reason, u"it is larger than 1 MB"_s);
         IniSettings().save(u"POS"_s, u"COM"_s, u"kitchen"_s);
-        QVERIFY(contents().startsWith(line));            // and not replaced
-        QVERIFY(QFile::resize(file(), qint64(1) << 40)); // sparse: it would fill no disk, but all memory
+        QVERIFY(contents().startsWith(line));                         // and not replaced
+        QVERIFY(QFile::resize(file(), static_cast<qint64>(1) << 40)); // sparse: it would fill no disk, but all memory
         QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
     }
 

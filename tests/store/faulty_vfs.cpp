@@ -159,7 +159,7 @@ sqlite3_vfs makeVfs()
 {
     sqlite3_vfs vfs = *usual();
     vfs.zName = "faulty";
-    vfs.szOsFile += int(sizeof(File));
+    vfs.szOsFile += static_cast<int>(sizeof(File));
     vfs.pNext = nullptr;
     vfs.xOpen = open;
     return vfs;

@@ -43,9 +43,9 @@ void fill(const ScratchStore &store)
 void FieldTextTest::saysWhatTextSays_data()
 {
     QTest::addColumn<int>("access");
-    QTest::newRow("read") << int(DbRecordset::Access::Read);
-    QTest::newRow("edit") << int(DbRecordset::Access::Edit);
-    QTest::newRow("walk") << int(DbRecordset::Access::Walk);
+    QTest::newRow("read") << static_cast<int>(DbRecordset::Access::Read);
+    QTest::newRow("edit") << static_cast<int>(DbRecordset::Access::Edit);
+    QTest::newRow("walk") << static_cast<int>(DbRecordset::Access::Walk);
 }
 
 void FieldTextTest::saysWhatTextSays()

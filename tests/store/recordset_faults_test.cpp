@@ -80,7 +80,7 @@ void TestRecordsetFaults::nullConnectionIsHarmless()
         QVERIFY(rows.HasFailed());
         QVERIFY(!rows.Field(u"ID"_s).value());
         rows.AddNew();
-        rows.Field(u"ID"_s).assign(std::int64_t(1));
+        rows.Field(u"ID"_s).assign(static_cast<std::int64_t>(1));
         rows.Update();
         QVERIFY(!rows.Field(u"ID"_s).value());
     }
@@ -232,7 +232,7 @@ void TestRecordsetFaults::handlerMayReplaceItself()
     const QString big(1000, u'x');
     m_connection->setFailureHandler([connection, &told, big](const DbFailure &) {
         connection->setFailureHandler({});
-        told += int(big.size());
+        told += static_cast<int>(big.size());
     });
     m_connection->faults[u"Execute"_s] = Fault::Failure;
     QVERIFY(!Execute(m_connection, Statement("Delete from StockList")));

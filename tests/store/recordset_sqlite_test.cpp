@@ -126,7 +126,7 @@ void TestRecordsetSqlite::changesOneOfTwoEqualRows()
     DbRecordset &rows = open(statements::stockById(u"1"_s));
     QCOMPARE(rows.RecordCount(), 3);
     rows.MoveNext();
-    rows.Field(u"StockAvailable"_s).assign(std::int64_t(6));
+    rows.Field(u"StockAvailable"_s).assign(static_cast<std::int64_t>(6));
     rows.Update();
     QCOMPARE(m_store->column(u"select StockAvailable from StockList order by rowid"_s),
              QStringList({u"5"_s, u"6"_s, u"5"_s}));
@@ -220,8 +220,8 @@ void TestRecordsetSqlite::addsToEmptyTable()
     QCOMPARE(rows.RecordCount(), 0);
     rows.AddNew();
     rows.Field(u"EmailAddress"_s).assign(u"shop@example.org"_s);
-    rows.Field(u"Email"_s).assign(std::int64_t(0));
-    rows.Field(u"ShowDetails"_s).assign(std::int64_t(1));
+    rows.Field(u"Email"_s).assign(static_cast<std::int64_t>(0));
+    rows.Field(u"ShowDetails"_s).assign(static_cast<std::int64_t>(1));
     rows.Update();
     QCOMPARE(m_store->column(
                  u"select Email || EmailAddress || ShowDetails || (AutoPurchaseCart is null) from StoreSettings"_s),

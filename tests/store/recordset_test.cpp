@@ -99,7 +99,7 @@ void TestRecordset::isEmptyBeforeOpening()
     QVERIFY(!rows.HasFailed());
     QVERIFY(!rows.Field(u"ID"_s).value());
     rows.MoveNext();
-    rows.Field(u"ID"_s).assign(std::int64_t(1));
+    rows.Field(u"ID"_s).assign(static_cast<std::int64_t>(1));
     rows.Update();
     rows.AddNew();
     rows.Update();
@@ -214,7 +214,10 @@ void TestRecordset::hugeCountFits32Bits()
         };
         bool Execute(const QString &) override { return false; }
         std::unique_ptr<DbCursor> query(const QString &) override { return std::make_unique<Cursor>(); }
-        std::optional<std::int64_t> countRows(const QString &) override { return std::int64_t(5'000'000'000); }
+        std::optional<std::int64_t> countRows(const QString &) override
+        {
+            return static_cast<std::int64_t>(5'000'000'000);
+        }
         std::optional<std::vector<DbRowId>> rowIds(const QString &) override { return {}; }
         bool insertRow(const QString &, const DbAssignments &) override { return false; }
         bool updateRow(const QString &, DbRowId, const DbAssignments &) override { return false; }

@@ -57,10 +57,10 @@ void TestRecordsetWriting::assignsInOrderAndOnlyAssigned()
     rows.AddNew();
     rows.Field(u"Name"_s).assign(u"1"_s);
     rows.Field(u"ID"_s).assign(2.5);
-    rows.Field(u"name"_s).assign(std::int64_t(3));
+    rows.Field(u"name"_s).assign(static_cast<std::int64_t>(3));
     rows.Update();
     QCOMPARE(m_connection->table, u"StockList"_s);
-    const DbAssignments expected{{u"Name"_s, std::int64_t(3)}, {u"ID"_s, 2.5}};
+    const DbAssignments expected{{u"Name"_s, static_cast<std::int64_t>(3)}, {u"ID"_s, 2.5}};
     QVERIFY(m_connection->written == expected);
 }
 
@@ -202,9 +202,9 @@ void TestRecordsetWriting::addsToFoundRow()
     rows.Field(u"Name"_s).assign(u"dropped"_s);
     rows.AddNew();
     QVERIFY(!rows.Field(u"Name"_s).value());
-    rows.Field(u"ID"_s).assign(std::int64_t(9));
+    rows.Field(u"ID"_s).assign(static_cast<std::int64_t>(9));
     rows.Update();
-    QVERIFY(m_connection->written == (DbAssignments{{u"ID"_s, std::int64_t(9)}}));
+    QVERIFY(m_connection->written == (DbAssignments{{u"ID"_s, static_cast<std::int64_t>(9)}}));
     QCOMPARE(m_connection->calls.value(u"updateRow"_s), 0);
     QVERIFY(m_connection->failures.empty());
 }

@@ -25,10 +25,10 @@ void TestRowBuffer::keepsValues()
     using Limits = std::numeric_limits<std::int64_t>;
     const std::vector<DbValue> values{
         {},
-        std::int64_t(0),
-        std::int64_t(-1),
-        std::int64_t(63),
-        std::int64_t(64),
+        static_cast<std::int64_t>(0),
+        static_cast<std::int64_t>(-1),
+        static_cast<std::int64_t>(63),
+        static_cast<std::int64_t>(64),
         Limits::min(),
         Limits::max(),
         0.0,
@@ -55,7 +55,8 @@ void TestRowBuffer::keepsValues()
     QCOMPARE(rows.count(), 2);
     for (; !rows.atEnd(); rows.moveNext()) {
         for (std::size_t i = 0; i < values.size(); ++i)
-            QVERIFY2(rows.value(qsizetype(i)) == values[i], qPrintable(columns[qsizetype(i)]));
+            QVERIFY2(rows.value(static_cast<qsizetype>(i)) == values[i],
+                     qPrintable(columns[static_cast<qsizetype>(i)]));
     }
 }
 
@@ -63,8 +64,8 @@ void TestRowBuffer::showsTextsInPlace()
 {
     RowBuffer rows;
     rows.reset({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
-    for (const DbValue &value :
-         {DbValue(), DbValue(std::int64_t(7)), DbValue(1.5), DbValue(u"cr\u00e8me"_s), DbValue(QByteArray("bytes"))})
+    for (const DbValue &value : {DbValue(), DbValue(static_cast<std::int64_t>(7)), DbValue(1.5),
+                                 DbValue(u"cr\u00e8me"_s), DbValue(QByteArray("bytes"))})
         rows.append(value);
     rows.endRow();
     for (const qsizetype column : {0, 1, 2, 4})
@@ -85,7 +86,7 @@ void TestRowBuffer::walksOnce()
     }
     for (std::int64_t i = 0; i < 3; ++i) {
         QVERIFY(!rows.atEnd());
-        QCOMPARE(rows.row(), qsizetype(i));
+        QCOMPARE(rows.row(), static_cast<qsizetype>(i));
         QVERIFY(rows.value(0) == DbValue(i));
         rows.moveNext();
     }
@@ -129,8 +130,8 @@ void TestRowBuffer::isCompact()
             bytes += text.size();
         }
         rows.append(1.25);
-        rows.append(std::int64_t(10));
-        rows.append(std::int64_t(50));
+        rows.append(static_cast<std::int64_t>(10));
+        rows.append(static_cast<std::int64_t>(50));
         bytes += 8 + 1 + 1;
         for (const QString &text : {u"Enabled"_s, u"05-Mar-18 14:07:09"_s, u"MANAGER"_s, u"MANAGER"_s, u"MANAGER"_s}) {
             rows.append(text);

@@ -40,7 +40,7 @@ public:
     [[nodiscard]] DbValue value(int column) const override
     {
         (void)m_connection.comesThrough(u"value"_s, DbFailure::Kind::Read);
-        return m_connection.rows[m_at - 1][std::size_t(column)];
+        return m_connection.rows[m_at - 1][static_cast<std::size_t>(column)];
     }
 
 private:
@@ -58,7 +58,7 @@ ScriptedConnection::ScriptedConnection()
 void ScriptedConnection::fill(int count)
 {
     for (int i = 0; i < count; ++i) {
-        rows.push_back({std::int64_t(i), u"row "_s + QString::number(i)});
+        rows.push_back({static_cast<std::int64_t>(i), u"row "_s + QString::number(i)});
         ids.push_back(100 + i);
     }
 }
@@ -97,7 +97,7 @@ std::optional<std::int64_t> ScriptedConnection::countRows(const QString &select)
     statements.append(select);
     if (!comesThrough(u"countRows"_s, DbFailure::Kind::Read))
         return {};
-    return std::int64_t(rows.size());
+    return static_cast<std::int64_t>(rows.size());
 }
 
 std::optional<std::vector<DbRowId>> ScriptedConnection::rowIds(const QString &select)

@@ -240,14 +240,15 @@ void TestSqliteConnection::countsRows_data()
 {
     QTest::addColumn<QString>("select");
     QTest::addColumn<qint64>("expected");
-    QTest::newRow("all") << u"Select * from StockList"_s << qint64(2);
-    QTest::newRow("none") << u"Select * from Users"_s << qint64(0);
-    QTest::newRow("where") << u"Select * from StockList where StockID = '2'"_s << qint64(1);
-    QTest::newRow("ordered") << u"Select * from StockList order by StockName ASC"_s << qint64(2);
-    QTest::newRow("limited") << u"Select * from StockList order by StockName ASC  Limit 1, 9"_s << qint64(1);
-    QTest::newRow("aggregate") << u"Select count(*) as counts from StockList"_s << qint64(1);
-    QTest::newRow("same name twice") << u"Select StockID, StockID from StockList"_s << qint64(2);
-    QTest::newRow("semicolon, so stepped") << u"Select * from StockList;"_s << qint64(2);
+    QTest::newRow("all") << u"Select * from StockList"_s << static_cast<qint64>(2);
+    QTest::newRow("none") << u"Select * from Users"_s << static_cast<qint64>(0);
+    QTest::newRow("where") << u"Select * from StockList where StockID = '2'"_s << static_cast<qint64>(1);
+    QTest::newRow("ordered") << u"Select * from StockList order by StockName ASC"_s << static_cast<qint64>(2);
+    QTest::newRow("limited") << u"Select * from StockList order by StockName ASC  Limit 1, 9"_s
+                             << static_cast<qint64>(1);
+    QTest::newRow("aggregate") << u"Select count(*) as counts from StockList"_s << static_cast<qint64>(1);
+    QTest::newRow("same name twice") << u"Select StockID, StockID from StockList"_s << static_cast<qint64>(2);
+    QTest::newRow("semicolon, so stepped") << u"Select * from StockList;"_s << static_cast<qint64>(2);
 }
 
 void TestSqliteConnection::countsRows()
@@ -255,7 +256,7 @@ void TestSqliteConnection::countsRows()
     QFETCH(const QString, select);
     const std::optional<std::int64_t> count = connection().countRows(select);
     QVERIFY(count.has_value());
-    QTEST(qint64(*count), "expected");
+    QTEST(static_cast<qint64>(*count), "expected");
     QVERIFY(m_store->failures.empty());
 }
 
@@ -375,7 +376,7 @@ void TestSqliteConnection::readOnlyFileFailsQuietly()
     rows.Open(statements::stockById(u"1"_s), readOnly, DbRecordset::Access::Edit);
     QCOMPARE(rows.Field(u"StockAvailable"_s).number(), 10.0);
     code = 0;
-    rows.Field(u"StockAvailable"_s).assign(std::int64_t(1));
+    rows.Field(u"StockAvailable"_s).assign(static_cast<std::int64_t>(1));
     rows.Update();
     QCOMPARE(code & 0xff, SQLITE_READONLY);
     QCOMPARE(rows.Field(u"StockAvailable"_s).number(), 10.0);

@@ -179,7 +179,7 @@ void TestTables::aggregatesAreReadUnderAnyCase()
     m_store->addItem(u"1"_s, u"TEA"_s, 2);
     DbRecordset &rows = open(Statement("Select count(*) as counts from StockList where StockID like '*'"));
     for (const QString &name : {u"Counts"_s, u"counts"_s, u"COUNTS"_s})
-        QVERIFY(rows.Field(name).value() == DbValue(std::int64_t(0)));
+        QVERIFY(rows.Field(name).value() == DbValue(static_cast<std::int64_t>(0)));
     QCOMPARE(open(statements::salesCount(u"261115"_s)).Field(u"Totals"_s).text(u"?"_s), u"0"_s);
     QCOMPARE(open(statements::salesAmount(u"261115"_s)).Field(u"COUNTS"_s).number(9), 0.0);
     QVERIFY(open(statements::salesAmount(u"261115"_s)).Field(u"counts"_s).value() == DbValue());

@@ -234,7 +234,7 @@ void TestWalk::finishesInTheMiddle()
         m_connection->rows.clear(); // too late for it
         if (passed < count) {
             QCOMPARE(rows.Field(u"NAME"_s).text(), u"row %1"_s.arg(passed));
-            QCOMPARE(rows.Field(u"id"_s).number(), double(passed));
+            QCOMPARE(rows.Field(u"id"_s).number(), static_cast<double>(passed));
         }
         QCOMPARE(rest(rows), namesFrom(passed, count));
         QVERIFY(!rows.HasFailed());

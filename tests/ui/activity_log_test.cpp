@@ -45,7 +45,7 @@ QStringList entriesOf(const ActivityText &log)
 qsizetype memoryInUse()
 {
     const auto info = ::mallinfo2();
-    return qsizetype(info.uordblks + info.hblkhd);
+    return static_cast<qsizetype>(info.uordblks + info.hblkhd);
 }
 
 } // namespace
@@ -161,7 +161,7 @@ void ActivityLogTest::newestEntriesAreKept()
     counter.open();
     counter.logIn();
     auto *log = counter.find<ActivityText>("Text1");
-    const int before = int(entriesOf(*log).size());
+    const int before = static_cast<int>(entriesOf(*log).size());
     QCOMPARE(before, 1);
     for (int i = before; i < 5000; ++i)
         log->prepend(u"[time] -- number %1\n\n"_s.arg(i));

@@ -60,7 +60,7 @@ void BusyWindow::showWorkArea(int number)
                               WorkArea::ReorderStock, WorkArea::Settings,    WorkArea::CustomSales,
                               WorkArea::CustomSales,  WorkArea::QuickSales,  WorkArea::ReorderStock,
                               WorkArea::EditStock,    WorkArea::Settings,    WorkArea::QuickSales};
-    controls.TabStrip1->selectTab(tabs.at(size_t(number - 1)));
+    controls.TabStrip1->selectTab(tabs.at(static_cast<size_t>(number - 1)));
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
 }

@@ -31,8 +31,8 @@ using harrowby::test::BusyWindow;
 
 namespace {
 
-constexpr QSize kLarge(1920, 1080);
-constexpr QSize kUsual(1024, 768);
+constexpr QSize largeScreen(1920, 1080);
+constexpr QSize usualScreen(1024, 768);
 
 QRect placeOf(const QWidget &widget)
 {
@@ -100,7 +100,7 @@ void FittingTest::sellsWithoutScrolling_data()
 {
     QTest::addColumn<QSize>("size");
     for (const QSize size : {QSize(800, 576), QSize(800, 600), QSize(1024, 576), QSize(1024, 600), QSize(768, 1366),
-                             QSize(1366, 744), QSize(1024, 748), kLarge})
+                             QSize(1366, 744), QSize(1024, 748), largeScreen})
         QTest::addRow("%dx%d", size.width(), size.height()) << size;
 }
 
@@ -171,7 +171,7 @@ void FittingTest::stockListKeepsItsColumns_data()
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("area");
     for (const QSize size :
-         {QSize(800, 576), QSize(1024, 576), QSize(1024, 748), QSize(768, 1366), QSize(1366, 744), kLarge})
+         {QSize(800, 576), QSize(1024, 576), QSize(1024, 748), QSize(768, 1366), QSize(1366, 744), largeScreen})
         for (const int area : {3, 4})
             QTest::addRow("%dx%d, area %d", size.width(), size.height(), area) << size << area;
 }
@@ -192,7 +192,7 @@ void FittingTest::stockListKeepsItsColumns()
 
 void FittingTest::stockFormShowsItsFigures()
 {
-    show(kUsual, 3);
+    show(usualScreen, 3);
     const Controls &c = m_window->controls;
     for (const auto &[list, text] : {std::pair(c.Combo8, u"12,345.50"_s), std::pair(c.Combo13, u"1,000"_s),
                                      std::pair(c.Combo14, u"100,000"_s), std::pair(c.Combo15, u"Disabled"_s)}) {
@@ -216,7 +216,7 @@ void FittingTest::tallScreenStacksThePanels()
 
 void FittingTest::otherSizeAndBack()
 {
-    show(kUsual, 3);
+    show(usualScreen, 3);
     const Controls &c = m_window->controls;
     const auto places = [&] {
         std::vector<QRect> all;
@@ -226,17 +226,17 @@ void FittingTest::otherSizeAndBack()
         return all;
     };
     const auto before = places();
-    for (const QSize size : {QSize(800, 600), QSize(768, 1366), kLarge, QSize(1024, 600)}) {
+    for (const QSize size : {QSize(800, 600), QSize(768, 1366), largeScreen, QSize(1024, 600)}) {
         show(size, 3);
         QVERIFY(places() != before);
     }
-    show(kUsual, 3);
+    show(usualScreen, 3);
     QVERIFY(places() == before);
 }
 
 void FittingTest::stackingOutlivesAnotherSize()
 {
-    show(kUsual, 7);
+    show(usualScreen, 7);
     m_window->resize(800, 600);
     QCoreApplication::processEvents();
     const Controls &c = m_window->controls;
@@ -246,7 +246,7 @@ void FittingTest::stackingOutlivesAnotherSize()
 
 void FittingTest::searchResultFollowsTheShape()
 {
-    show(kUsual, 9);
+    show(usualScreen, 9);
     const Controls &c = m_window->controls;
     QVERIFY(placeOf(*c.Frame11).left() >= placeOf(*c.Frame8).right());
     m_window->resize(800, 600);
@@ -267,8 +267,8 @@ void FittingTest::growsWithTheScreen()
         return Sizes{QFontMetrics(c.LV3->font()).height(), c.LV3->visualRect(c.LV3->rows().index(0, 0)).height(),
                      c.Command15->height(), c.Combo3->height(), c.LV3->width()};
     };
-    const Sizes usual = measure(kUsual);
-    const Sizes large = measure(kLarge);
+    const Sizes usual = measure(usualScreen);
+    const Sizes large = measure(largeScreen);
     QVERIFY(large.font * 100 >= usual.font * 115);
     QVERIFY(large.row * 100 >= usual.row * 115);
     QVERIFY(large.button * 100 >= usual.button * 115);
@@ -278,7 +278,7 @@ void FittingTest::growsWithTheScreen()
 
 void FittingTest::longNameGetsTheRoom()
 {
-    show(kLarge, 3);
+    show(largeScreen, 3);
     const RowList &list = *m_window->controls.LV;
     const QFontMetrics metrics = list.fontMetrics();
     QVERIFY(list.columnWidth(1) > list.viewport()->width() * 40 / 100);

@@ -42,9 +42,9 @@ using harrowby::test::lightPalette;
 
 namespace {
 
-constexpr int kTouch = 44;
-constexpr int kGap = 8;
-constexpr int kAreas = harrowby::test::workAreas;
+constexpr int touch = 44;
+constexpr int controlGap = 8;
+constexpr int allAreas = harrowby::test::workAreas;
 
 bool isControl(const QWidget &widget)
 {
@@ -189,7 +189,7 @@ void LookTest::fits_data()
     for (const QSize size : {QSize(1024, 768), QSize(1024, 748), QSize(1024, 600), QSize(1024, 576), QSize(800, 600),
                              QSize(800, 576), QSize(768, 1366), QSize(1366, 768), QSize(1366, 744), QSize(1920, 1080)})
         for (const bool dark : {false, true})
-            for (int area = 1; area <= kAreas; ++area)
+            for (int area = 1; area <= allAreas; ++area)
                 QTest::addRow("%dx%d, %s, area %d", size.width(), size.height(), dark ? "dark" : "light", area)
                     << size << dark << area;
 }
@@ -235,7 +235,7 @@ void LookTest::fitsUnderATitleBar()
     window.resize(room);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    for (int area = 1; area <= kAreas; ++area) {
+    for (int area = 1; area <= allAreas; ++area) {
         window.showWorkArea(area);
         QCOMPARE(window.size(), room);
         QVERIFY(window.minimumSizeHint().height() <= room.height());
@@ -263,16 +263,16 @@ void LookTest::isLargeEnoughToTouch()
     const auto targets = touchTargets(window);
     QVERIFY(targets.size() >= 10);
     for (const auto &[name, place] : targets) {
-        QVERIFY2(place.height() >= kTouch, qPrintable(u"%1 is %2 high"_s.arg(name).arg(place.height())));
-        QVERIFY2(place.width() >= kTouch, qPrintable(u"%1 is %2 wide"_s.arg(name).arg(place.width())));
+        QVERIFY2(place.height() >= touch, qPrintable(u"%1 is %2 high"_s.arg(name).arg(place.height())));
+        QVERIFY2(place.width() >= touch, qPrintable(u"%1 is %2 wide"_s.arg(name).arg(place.width())));
         for (const auto &[otherName, other] : targets)
             if (name < otherName && area != 8) // the login panel lies over others
-                QVERIFY2(distance(place, other) >= kGap,
+                QVERIFY2(distance(place, other) >= controlGap,
                          qPrintable(u"%1 is %2 from %3"_s.arg(name).arg(distance(place, other)).arg(otherName)));
     }
     for (const TabStrip *strip : {window.controls.TabStrip1, window.controls.TabStrip2})
         for (int tab = 0; strip->isVisible() && tab < strip->count(); ++tab)
-            QVERIFY(strip->tabRect(tab).height() >= kTouch);
+            QVERIFY(strip->tabRect(tab).height() >= touch);
     for (const RowList *list : {window.controls.LV, window.controls.LV2, window.controls.LV3})
         QVERIFY(!list->isVisible() || list->visualRect(list->rows().index(0, 0)).height() >= 32);
 }
@@ -290,7 +290,8 @@ void LookTest::cutsNoCaption()
         if (!label->isVisible() || label->inherits("harrowby::ElidedLabel"))
             continue;
         const QRect needed = label->fontMetrics().boundingRect(
-            QRect(0, 0, label->width(), 1000), label->wordWrap() ? int(Qt::TextWordWrap) : 0, label->text());
+            QRect(0, 0, label->width(), 1000), label->wordWrap() ? static_cast<int>(Qt::TextWordWrap) : 0,
+            label->text());
         QVERIFY2(needed.width() <= label->width(), qPrintable(label->text()));
         QVERIFY2(needed.height() <= label->height() + 2, qPrintable(label->text()));
     }
@@ -298,7 +299,8 @@ void LookTest::cutsNoCaption()
         QFont bold = strip->font();
         bold.setBold(true); // as the selected tab shows it
         for (int tab = 0; tab < strip->count(); ++tab)
-            QVERIFY(strip->tabRect(tab).width() - kGap >= QFontMetrics(bold).horizontalAdvance(strip->tabText(tab)));
+            QVERIFY(strip->tabRect(tab).width() - controlGap >=
+                    QFontMetrics(bold).horizontalAdvance(strip->tabText(tab)));
     }
     for (const RowList *list : {window.controls.LV, window.controls.LV2, window.controls.LV3}) {
         if (!list->isVisible())
@@ -491,7 +493,7 @@ void LookTest::boxesAreLargeEnoughToTouch()
         const auto buttons = box->findChildren<QPushButton *>();
         QCOMPARE(buttons.size(), 2);
         for (const QPushButton *button : buttons)
-            QVERIFY(button->height() >= kTouch);
+            QVERIFY(button->height() >= touch);
     }
 }
 
@@ -599,7 +601,7 @@ void LookTest::hiddenPanelsAreDressedWhenShown()
     QApplication::setPalette(darkPalette());
     window.showWorkArea(WorkArea::ReorderStock);
     QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
-    QVERIFY(button->height() >= kTouch);
+    QVERIFY(button->height() >= touch);
     QVERIFY(button->font().bold());
     QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
     QCOMPARE(level->palette().color(level->foregroundRole()), Colours::current().price);

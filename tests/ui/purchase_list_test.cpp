@@ -169,7 +169,7 @@ void PurchaseListTest::whileItFills()
     addPurchases(counter, purchases);
     int listed = -1;
     doAfter(counter, u"Select PurchaseID"_s, [&] {
-        listed = int(counter.entries("Combo17").size());
+        listed = static_cast<int>(counter.entries("Combo17").size());
         action(counter);
     });
     counter.chooseTab("TabStrip1", WorkArea::Settings);

@@ -62,8 +62,8 @@ void RandomPressTest::anything_data()
 {
     QTest::addColumn<quint32>("seed");
     const bool replays = qEnvironmentVariableIsSet("HARROWBY_SEED");
-    const auto first = static_cast<quint32>(given("HARROWBY_SEED", int(firstSeed)));
-    const auto days = static_cast<quint32>(given("HARROWBY_DAYS", replays ? 1 : int(seeds)));
+    const auto first = static_cast<quint32>(given("HARROWBY_SEED", static_cast<int>(firstSeed)));
+    const auto days = static_cast<quint32>(given("HARROWBY_DAYS", replays ? 1 : static_cast<int>(seeds)));
     for (quint32 seed = first; seed < first + days; ++seed)
         QTest::addRow("HARROWBY_SEED=%u", seed) << seed;
 }
@@ -163,7 +163,7 @@ void RandomPressTest::cleanupTestCase()
                 m_boxes, m_nested, m_windows);
     QVERIFY(m_boxes * 10 >= m_actions);
     QVERIFY(m_nested * 20 >= m_actions);
-    if (m_days >= int(seeds))
+    if (m_days >= static_cast<int>(seeds))
         QVERIFY(m_windows > m_days);
 }
 

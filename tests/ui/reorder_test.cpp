@@ -485,7 +485,7 @@ void ReorderTest::addsUnits()
     QCOMPARE(counter.text("StatusBar1_2"),
              asked + u" New item(s) to Stock [A1  |  MILK]. New Available Stock is "_s + stock + u'.');
     QCOMPARE(counter.text("Combo10"), u"0"_s);
-    QCOMPARE(int(counter.state().last.LastReorderQty), undoable);
+    QCOMPARE(static_cast<int>(counter.state().last.LastReorderQty), undoable);
     QCOMPARE(counter.state().last.LastReorderItem, milk);
 }
 
@@ -886,7 +886,7 @@ void ReorderTest::undoTakesTheUnitsBack()
     QVERIFY(isRed(counter, "Label13"));
     QCOMPARE(logged(counter).first(), u"Item(s) Removed from Stock [A1  |  MILK]. New Available Stock is 20."_s);
     QCOMPARE(counter.state().last.LastReorderItem, QString());
-    QCOMPARE(int(counter.state().last.LastReorderQty), 6);
+    QCOMPARE(static_cast<int>(counter.state().last.LastReorderQty), 6);
     QCOMPARE(counter.rows("LV").first().section(u'|', 5, 5), u"20"_s);
     counter.boxes.expect(nothingToUndo, box::Exclamation);
     counter.click("Command23");
@@ -1010,7 +1010,7 @@ void ReorderTest::nothingToUndoAfterLogout()
     reorder(counter, milk, u"6"_s, u"6"_s);
     counter.boxes.expect(u"Log out User[ADMINISTRATOR]?"_s, box::AskDefaultNo, Answer::Yes);
     counter.click("Command27");
-    QCOMPARE(int(counter.state().last.LastReorderQty), 1);
+    QCOMPARE(static_cast<int>(counter.state().last.LastReorderQty), 1);
     QCOMPARE(counter.state().last.LastReorderItem, QString());
     counter.logIn();
     counter.chooseTab("TabStrip1", WorkArea::ReorderStock);

@@ -400,7 +400,7 @@ void SalesReportTest::emailReportFollows()
     counter.logIn();
     counter.find<QCheckBox>("Check4")->setChecked(flag == 0);
     openReport(counter);
-    QCOMPARE(int(counter.state().settings.EmailReportFlag), flag);
+    QCOMPARE(static_cast<int>(counter.state().settings.EmailReportFlag), flag);
     QCOMPARE(counter.find<QCheckBox>("Check4")->isChecked(), flag != 0);
 }
 
@@ -431,7 +431,7 @@ void SalesReportTest::emailReportThatIsNoNumber()
     QCOMPARE(counter.state().MsgTitle, QString()); // the last step has not worked
     QVERIFY(counter.state().login.rights.CanSettings);
     QCOMPARE(counter.state().login.LoggedUser, u"ADMINISTRATOR"_s);
-    QCOMPARE(int(counter.state().settings.EmailReportFlag), 1);
+    QCOMPARE(static_cast<int>(counter.state().settings.EmailReportFlag), 1);
     QVERIFY(counter.find<QCheckBox>("Check4")->isChecked());
     QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other)); // written back before the error
 }

@@ -453,10 +453,11 @@ void SpokenTest::everyPartOfTheCounterIsNamed()
                                      {8, u"Total Available Item(s):"_s},
                                      {9, u"Low Reorder Level:"_s}};
     for (const auto &[figure, caption] : figures.asKeyValueRange()) {
-        const auto labels = readerOf(controls.Label6.at(size_t(figure)))->relations(QAccessible::Label);
+        const auto labels = readerOf(controls.Label6.at(static_cast<size_t>(figure)))->relations(QAccessible::Label);
         QCOMPARE(labels.size(), 1);
         QCOMPARE(labels.first().first->text(QAccessible::Name), caption);
-        QCOMPARE(nameOf(controls.Label6.at(size_t(figure))), controls.Label6.at(size_t(figure))->text());
+        QCOMPARE(nameOf(controls.Label6.at(static_cast<size_t>(figure))),
+                 controls.Label6.at(static_cast<size_t>(figure))->text());
     }
 }
 

@@ -36,7 +36,8 @@ using namespace harrowby;
 
 namespace {
 
-const QAbstractItemModelTester::FailureReportingMode kReport = QAbstractItemModelTester::FailureReportingMode::QtTest;
+const QAbstractItemModelTester::FailureReportingMode failuresInTest =
+    QAbstractItemModelTester::FailureReportingMode::QtTest;
 
 void turnWheel(QWidget &widget, int steps)
 {
@@ -122,7 +123,7 @@ private Q_SLOTS:
 void WidgetsTest::tableKeepsItsRows()
 {
     TextTableModel table({u"Item"_s, u"Qty"_s, u"Cost"_s});
-    const QAbstractItemModelTester tester(&table, kReport);
+    const QAbstractItemModelTester tester(&table, failuresInTest);
     QCOMPARE(table.columnCount(), 3);
     QCOMPARE(table.headerData(1, Qt::Horizontal).toString(), u"Qty"_s);
     table.appendRow({u"1  |  TEA"_s, u"2"_s, u"5.00"_s});
@@ -412,7 +413,7 @@ void WidgetsTest::rowListShowsToolTipsAsPlainText()
 void WidgetsTest::entryModelKeepsItsEntries()
 {
     EntryModel model;
-    const QAbstractItemModelTester tester(&model, kReport);
+    const QAbstractItemModelTester tester(&model, failuresInTest);
     model.append(u"A"_s);
     model.append(u"b"_s);
     model.append(u"A"_s);
@@ -565,9 +566,9 @@ void WidgetsTest::pickListCountsCodeForNoPick()
 void WidgetsTest::pickListDoesNotTakeTypingForAPick_data()
 {
     QTest::addColumn<int>("key");
-    QTest::newRow("Return") << int(Qt::Key_Return);
-    QTest::newRow("Enter") << int(Qt::Key_Enter);
-    QTest::newRow("Tab") << int(Qt::Key_Tab);
+    QTest::newRow("Return") << static_cast<int>(Qt::Key_Return);
+    QTest::newRow("Enter") << static_cast<int>(Qt::Key_Enter);
+    QTest::newRow("Tab") << static_cast<int>(Qt::Key_Tab);
 }
 
 void WidgetsTest::pickListDoesNotTakeTypingForAPick()

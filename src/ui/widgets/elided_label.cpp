@@ -19,8 +19,8 @@ namespace harrowby {
 namespace {
 
 // Sizes of a total's parts, as shares of the label's font.
-constexpr double kCaptionSize = 0.45;
-constexpr double kSmallestAmount = 0.60;
+constexpr double captionSize = 0.45;
+constexpr double smallestAmount = 0.60;
 
 /// A label shows one line, without the blanks around it; line breaks in the data count as blanks.
 QString oneLine(const QString &text)
@@ -31,7 +31,7 @@ QString oneLine(const QString &text)
 /// The largest font, up to this one, in which the text has room; not below the smallest that a total may have.
 QFont fittingFont(QFont font, const QString &text, int room)
 {
-    const double smallest = font.pointSizeF() * kSmallestAmount;
+    const double smallest = font.pointSizeF() * smallestAmount;
     while (font.pointSizeF() > smallest && QFontMetricsF(font).horizontalAdvance(text) > room)
         font.setPointSizeF(font.pointSizeF() - 0.5);
     return font;
@@ -72,7 +72,7 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     paintGround(*this, painter);
     const QRect area = textArea();
     painter.setPen(textColour());
-    painter.drawText(area, int(alignment()) | Qt::TextSingleLine,
+    painter.drawText(area, static_cast<int>(alignment()) | Qt::TextSingleLine,
                      fontMetrics().elidedText(oneLine(text()), Qt::ElideRight, area.width()));
     if (const QString whole = isTooLong() ? text() : QString(); toolTip() != whole)
         setToolTip(whole);
@@ -106,7 +106,7 @@ void TotalLabel::paintEvent(QPaintEvent *)
     const QString amount = oneLine(text().mid(colon));
 
     QFont small = font();
-    small.setPointSizeF(font().pointSizeF() * kCaptionSize);
+    small.setPointSizeF(font().pointSizeF() * captionSize);
     const int captionWidth = QFontMetrics(small).horizontalAdvance(caption + u' ');
     const QRect area = contentsRect();
     const int room = area.width() - captionWidth;

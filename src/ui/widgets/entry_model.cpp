@@ -5,7 +5,7 @@ namespace harrowby {
 
 int EntryModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_entries.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_entries.size());
 }
 
 QVariant EntryModel::data(const QModelIndex &index, int role) const
@@ -41,7 +41,7 @@ void EntryModel::append(const PackedTexts &entries)
     if (entries.isEmpty())
         return;
     const int position = rowCount();
-    beginInsertRows({}, position, position + int(entries.size()) - 1);
+    beginInsertRows({}, position, position + static_cast<int>(entries.size()) - 1);
     m_entries.append(entries);
     endInsertRows();
 }

@@ -24,7 +24,7 @@ public:
     void append(const PackedTexts &entries);
     void clear();
     /// First entry that equals the text; -1 when there is none.
-    [[nodiscard]] int find(const QString &text) const { return int(m_entries.indexOf(text)); }
+    [[nodiscard]] int find(const QString &text) const { return static_cast<int>(m_entries.indexOf(text)); }
 
 private:
     PackedTexts m_entries;

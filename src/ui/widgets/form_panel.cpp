@@ -14,8 +14,8 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kAround = 24; ///< what is shown around a control that comes into view, its caption among it
-constexpr int kNext = 36;   ///< what is seen of that which is below the part in view
+constexpr int marginAround = 24; ///< what is shown around a control that comes into view, its caption among it
+constexpr int shownOfNext = 36;  ///< what is seen of that which is below the part in view
 
 QScrollArea *makeScroller(QWidget *parent)
 {
@@ -97,7 +97,7 @@ void FormPanel::showFocus(const QWidget *, QWidget *now)
         return;
     // The whole control: QScrollArea only makes the text cursor of an entry visible.
     const QRect place(now->mapTo(m_page, QPoint()), now->size());
-    m_scroller->ensureVisible(place.center().x(), place.center().y(), 0, place.height() / 2 + kAround);
+    m_scroller->ensureVisible(place.center().x(), place.center().y(), 0, place.height() / 2 + marginAround);
 }
 
 void FormPanel::fitPage()
@@ -119,7 +119,7 @@ void FormPanel::stretchPart()
     const int below = m_page->minimumSizeHint().height() - std::max(natural, m_part->minimumHeight());
     const int room = m_scroller->viewport()->height();
     const bool isWhole = room >= below + std::max(natural, m_comfortable);
-    const int height = std::max(natural, room - kNext);
+    const int height = std::max(natural, room - shownOfNext);
     // Not higher either: what a page would like to have counts where texts of it wrap.
     m_part->setMinimumHeight(isWhole ? 0 : height);
     m_part->setMaximumHeight(isWhole ? QWIDGETSIZE_MAX : height);

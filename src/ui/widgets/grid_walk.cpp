@@ -29,7 +29,7 @@ bool GridWalk::eventFilter(QObject *watched, QEvent *event)
     const Step step = stepOf(key->key(), (*cell)->layoutDirection());
     if (step.rows == 0 && step.columns == 0)
         return false;
-    if (QWidget *found = next(int(cell - m_cells.cbegin()), step))
+    if (QWidget *found = next(static_cast<int>(cell - m_cells.cbegin()), step))
         found->setFocus(step.rows + step.columns > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
@@ -53,15 +53,15 @@ GridWalk::Step GridWalk::stepOf(int key, Qt::LayoutDirection direction)
 
 QWidget *GridWalk::next(int from, Step step) const
 {
-    const int count = int(m_cells.size());
+    const int count = static_cast<int>(m_cells.size());
     int row = from / m_columns + step.rows;
     int column = from % m_columns + step.columns;
     for (; row >= 0 && column >= 0 && column < m_columns; row += step.rows, column += step.columns) {
         const int index = row * m_columns + column;
         if (index >= count)
             return nullptr;
-        if (m_cells[size_t(index)]->isEnabled() && m_cells[size_t(index)]->isVisible())
-            return m_cells[size_t(index)];
+        if (m_cells[static_cast<size_t>(index)]->isEnabled() && m_cells[static_cast<size_t>(index)]->isVisible())
+            return m_cells[static_cast<size_t>(index)];
     }
     return nullptr;
 }

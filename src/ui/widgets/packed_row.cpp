@@ -54,7 +54,7 @@ qsizetype PackedRow::end(QStringView block, qsizetype column)
 {
     const QChar low = block.at(1 + 2 * column);
     const QChar high = block.at(2 + 2 * column);
-    return qsizetype(low.unicode()) | (qsizetype(high.unicode()) << unitBits);
+    return static_cast<qsizetype>(low.unicode()) | (static_cast<qsizetype>(high.unicode()) << unitBits);
 }
 
 void RowPacker::begin()

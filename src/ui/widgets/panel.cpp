@@ -21,10 +21,10 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kShadow = 14;
-constexpr int kShadowStep = 5; ///< opacity of each of the rings that make the shadow
-constexpr int kFloatingPadding = 24;
-constexpr int kRadius = 14;
+constexpr int shadowWidth = 14;
+constexpr int shadowStep = 5; ///< opacity of each of the rings that make the shadow
+constexpr int floatingPadding = 24;
+constexpr int cornerRadius = 14;
 
 QRectF cardWithin(const QRectF &panel, int edge)
 {
@@ -33,13 +33,13 @@ QRectF cardWithin(const QRectF &panel, int edge)
 
 void paintRings(QPainter &painter, const QRectF &panel)
 {
-    const QRectF card = cardWithin(panel, kShadow);
+    const QRectF card = cardWithin(panel, shadowWidth);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, kShadowStep));
-    for (int distance = kShadow; distance > 0; --distance)
-        painter.drawRoundedRect(card.adjusted(-distance, -distance, distance, distance), kRadius + distance,
-                                kRadius + distance);
+    painter.setBrush(QColor(0, 0, 0, shadowStep));
+    for (int distance = shadowWidth; distance > 0; --distance)
+        painter.drawRoundedRect(card.adjusted(-distance, -distance, distance, distance), cornerRadius + distance,
+                                cornerRadius + distance);
 }
 
 /// The shadow of a card so small that it is nothing but corners, in pixels of the screen.
@@ -68,7 +68,7 @@ void paintShadow(QPainter &painter, const QRect &panel)
         paintRings(painter, panel);
         return;
     }
-    constexpr int corner = kShadow + kRadius + 1;
+    constexpr int corner = shadowWidth + cornerRadius + 1;
     const QMargins corners(corner, corner, corner, corner);
     const QPixmap shadow = smallShadow(2 * corner + 1, ratio);
     qDrawBorderPixmap(&painter, panel, corners, shadow, shadow.rect(), corners * ratio);
@@ -98,7 +98,7 @@ int Panel::margin() const
     case Kind::Card:
         return m_gutter + m_padding;
     case Kind::Floating:
-        return kShadow + kFloatingPadding;
+        return shadowWidth + floatingPadding;
     case Kind::Plain:
         break;
     }
@@ -159,7 +159,7 @@ void Panel::paintEvent(QPaintEvent *)
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    const int edge = m_kind == Kind::Card ? m_gutter : kShadow;
+    const int edge = m_kind == Kind::Card ? m_gutter : shadowWidth;
     const QRectF card = cardWithin(rect(), edge);
     if (m_kind == Kind::Card)
         painter.fillRect(rect(), colours.background);
@@ -167,7 +167,7 @@ void Panel::paintEvent(QPaintEvent *)
         paintShadow(painter, rect());
     painter.setPen(m_kind == Kind::Card ? colours.border : colours.accent);
     painter.setBrush(colours.card);
-    painter.drawRoundedRect(card, kRadius, kRadius);
+    painter.drawRoundedRect(card, cornerRadius, cornerRadius);
 }
 
 } // namespace harrowby

@@ -30,7 +30,7 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kFewestCharacters = 6;
+constexpr int fewestCharacters = 6;
 
 /// setLineEdit() creates a costly completer unless the edit already has one.
 QCompleter *noCompleter()
@@ -147,7 +147,7 @@ QSize PickList::sizeHint() const
         initStyleOption(&option);
         const QFontMetrics metrics = fontMetrics();
         const QSize icon = iconSize();
-        const QSize contents(kFewestCharacters * metrics.horizontalAdvance(u'X') + icon.width() + 4,
+        const QSize contents(fewestCharacters * metrics.horizontalAdvance(u'X') + icon.width() + 4,
                              std::max(qCeil(QFontMetricsF(font()).height()), icon.height()) + 2);
         m_sizeHint = style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
     }
@@ -293,7 +293,7 @@ void PickList::dropSelection()
     const QString text = currentText();
     const int cursor = edit.cursorPosition();
     const int start = edit.selectionStart();
-    const int length = int(edit.selectedText().size());
+    const int length = static_cast<int>(edit.selectedText().size());
     setCurrentIndex(-1);
     edit.setText(text);
     edit.setCursorPosition(cursor);

@@ -10,7 +10,7 @@ namespace harrowby {
 
 namespace {
 
-constexpr qsizetype kLongestWord = 60;
+constexpr qsizetype longestWord = 60;
 
 /// Lets a word that no line could hold break: an invisible break after each stretch without a blank.
 QString withBreaks(const QString &text)
@@ -19,7 +19,7 @@ QString withBreaks(const QString &text)
     qsizetype wordLength = 0;
     for (const QChar c : text) {
         wordLength = c.isSpace() ? 0 : wordLength + 1;
-        if (wordLength > kLongestWord && !c.isLowSurrogate()) {
+        if (wordLength > longestWord && !c.isLowSurrogate()) {
             result += QChar(0x200B);
             wordLength = 1;
         }

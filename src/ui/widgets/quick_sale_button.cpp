@@ -20,14 +20,14 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kRadius = 12;
-constexpr int kPadding = 12;
-constexpr int kPaddingShare = 18; ///< of a narrow card, left and right of its texts
-constexpr int kNameLines = 3;
-constexpr int kShownName = 400;        ///< characters that are laid out
-constexpr double kSmallestName = 0.80; ///< of the window's font
-const QString kBlank = u"(empty)"_s;
-constexpr QChar kCutOff = u'\u2026'; ///< more of the text follows
+constexpr int cornerRadius = 12;
+constexpr int padding = 12;
+constexpr int paddingShare = 18; ///< of a narrow card, left and right of its texts
+constexpr int mostNameLines = 3;
+constexpr int shownName = 400;        ///< characters that are laid out
+constexpr double smallestName = 0.80; ///< of the window's font
+const QString blank = u"(empty)"_s;
+constexpr QChar cutOff = u'\u2026'; ///< more of the text follows
 
 /// The pixels that suit a card of this height: a part of it, between bounds that follow the window's font.
 double fitting(double part, double smallest, double largest)
@@ -38,7 +38,7 @@ double fitting(double part, double smallest, double largest)
 /// A text that goes on after its first line: cut off after a word if there is room for the ellipsis.
 QString elided(const QString &text, int lineLength, const QFontMetrics &metrics, int width)
 {
-    const QString whole = text.left(lineLength).trimmed() + kCutOff;
+    const QString whole = text.left(lineLength).trimmed() + cutOff;
     return metrics.horizontalAdvance(whole) <= width ? whole : metrics.elidedText(text, Qt::ElideRight, width);
 }
 
@@ -61,7 +61,7 @@ QuickSaleButton::QuickSaleButton(QWidget *parent) : QAbstractButton(parent)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     installQuickSaleReader();
-    setText(kBlank);
+    setText(blank);
 }
 
 void QuickSaleButton::setText(const QString &caption)
@@ -138,8 +138,8 @@ void QuickSaleButton::paintEvent(QPaintEvent *)
 
 QRect QuickSaleButton::inside(const Face &face) const
 {
-    const int side = std::min(kPadding, width() / kPaddingShare);
-    QRect inside = rect().adjusted(side, kPadding - 2, -side, -kPadding + 2);
+    const int side = std::min(padding, width() / paddingShare);
+    QRect inside = rect().adjusted(side, padding - 2, -side, -padding + 2);
     if (m_outOfStock)
         inside.setTop(face.bandHeight + 4);
     return inside;
@@ -148,7 +148,7 @@ QRect QuickSaleButton::inside(const Face &face) const
 QRect QuickSaleButton::priceArea(const Face &face) const
 {
     const QRect all = inside(face);
-    return all.adjusted(0, all.height() - int(face.pricePixels * 1.25), 0, 0);
+    return all.adjusted(0, all.height() - static_cast<int>(face.pricePixels * 1.25), 0, 0);
 }
 
 QRect QuickSaleButton::nameArea(const Face &face) const
@@ -170,19 +170,19 @@ QuickSaleButton::Face QuickSaleButton::face() const
     face.idPixels = fitting(height * 0.085, unit * 0.80, unit * 1.20);
     face.namePixels = fitting(height * 0.115, unit * 1.05, unit * 2.20);
     face.pricePixels = fitting(height * 0.135, unit * 1.25, unit * 2.60);
-    face.bandHeight = int(unit * 1.75);
+    face.bandHeight = static_cast<int>(unit * 1.75);
     return face;
 }
 
 bool QuickSaleButton::isBlank() const
 {
-    return text() == kBlank;
+    return text() == blank;
 }
 
 QFont QuickSaleButton::sized(double pixels, bool bold) const
 {
     QFont result = font();
-    result.setPixelSize(int(pixels));
+    result.setPixelSize(static_cast<int>(pixels));
     result.setBold(bold);
     return result;
 }
@@ -200,20 +200,20 @@ void QuickSaleButton::paintCard(QPainter &painter, const QRectF &card, const Col
         edge = QPen(colours.accent, 3.0);
     painter.setPen(edge);
     painter.setBrush(ground);
-    painter.drawRoundedRect(card, kRadius, kRadius);
+    painter.drawRoundedRect(card, cornerRadius, cornerRadius);
 }
 
 void QuickSaleButton::paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const
 {
     painter.setPen(colours.muted);
     painter.setFont(sized(QFontInfo(font()).pixelSize(), false));
-    painter.drawText(inside, Qt::AlignCenter, kBlank);
+    painter.drawText(inside, Qt::AlignCenter, blank);
 }
 
 void QuickSaleButton::paintBand(QPainter &painter, const QRectF &card, const Face &face, const Colours &colours) const
 {
     QPainterPath shape;
-    shape.addRoundedRect(card, kRadius, kRadius);
+    shape.addRoundedRect(card, cornerRadius, cornerRadius);
     painter.save();
     painter.setClipPath(shape);
     const QRectF band(card.left(), card.top(), card.width(), face.bandHeight);
@@ -228,13 +228,13 @@ void QuickSaleButton::paintBand(QPainter &painter, const QRectF &card, const Fac
 /// the smallest is.
 QFont QuickSaleButton::nameFont(const Face &face, int width) const
 {
-    const double smallest = QFontInfo(font()).pixelSize() * kSmallestName;
+    const double smallest = QFontInfo(font()).pixelSize() * smallestName;
     double pixels = face.namePixels;
-    const QStringList words = face.name.left(kShownName).split(u' ');
+    const QStringList words = face.name.left(shownName).split(u' ');
     const auto fits = [&] {
         const QFontMetrics metrics(sized(pixels, true));
         return std::ranges::all_of(words, [&](const QString &word) {
-            return metrics.horizontalAdvance(word + kCutOff) <= width; // the last one may be followed by the ellipsis
+            return metrics.horizontalAdvance(word + cutOff) <= width; // the last one may be followed by the ellipsis
         });
     };
     while (pixels > smallest && !fits())
@@ -253,8 +253,8 @@ QStringList QuickSaleButton::nameLines(const Face &face, const QFont &font) cons
 {
     const QRect area = nameArea(face);
     const QFontMetrics metrics(font);
-    const int lines = std::clamp(area.height() / metrics.height(), 1, kNameLines);
-    QTextLayout layout(face.name.left(kShownName), font);
+    const int lines = std::clamp(area.height() / metrics.height(), 1, mostNameLines);
+    QTextLayout layout(face.name.left(shownName), font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
@@ -278,7 +278,7 @@ void QuickSaleButton::paintName(QPainter &painter, const Face &face) const
     painter.setFont(nameFont(face, area.width()));
     const int lineHeight = painter.fontMetrics().height();
     const QStringList shown = nameLines(face, painter.font());
-    int top = area.top() + std::max<int>(0, (area.height() - int(shown.size()) * lineHeight) / 2);
+    int top = area.top() + std::max<int>(0, (area.height() - static_cast<int>(shown.size()) * lineHeight) / 2);
     for (const QString &line : shown) {
         painter.drawText(QRect(area.left(), top, area.width(), lineHeight), Qt::AlignLeft | Qt::AlignVCenter, line);
         top += lineHeight;

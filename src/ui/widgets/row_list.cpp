@@ -18,12 +18,12 @@ namespace harrowby {
 
 namespace {
 
-constexpr int kCellPadding = 14; ///< left and right of a text together
+constexpr int cellPadding = 14; ///< left and right of a text together
 
 } // namespace
 
 RowList::RowList(const QStringList &headers, QWidget *parent) :
-    QTreeView(parent), m_rows(new TextTableModel(headers, this)), m_shares(size_t(headers.size()), 1)
+    QTreeView(parent), m_rows(new TextTableModel(headers, this)), m_shares(static_cast<size_t>(headers.size()), 1)
 {
     setModel(m_rows);
     setRootIsDecorated(false);
@@ -85,7 +85,7 @@ void RowList::pressPart(int row)
 void RowList::setColumnShares(std::vector<int> shares)
 {
     m_shares = std::move(shares);
-    m_shares.resize(size_t(m_rows->columnCount()), 1);
+    m_shares.resize(static_cast<size_t>(m_rows->columnCount()), 1);
     shareWidth();
 }
 
@@ -173,7 +173,7 @@ int RowList::neededWidth(int column) const
     const QString caption = m_rows->headerData(column, Qt::Horizontal).toString();
     return std::max(header()->fontMetrics().horizontalAdvance(caption),
                     fontMetrics().horizontalAdvance(m_samples.value(column))) +
-           kCellPadding;
+           cellPadding;
 }
 
 void RowList::shareWidth()
@@ -181,7 +181,7 @@ void RowList::shareWidth()
     const int columns = m_rows->columnCount();
     std::vector<int> widths(static_cast<size_t>(columns));
     for (int column = 0; column < columns; ++column)
-        widths[size_t(column)] = neededWidth(column);
+        widths[static_cast<size_t>(column)] = neededWidth(column);
     int rest = viewport()->width() - std::accumulate(widths.begin(), widths.end(), 0);
     int shares = std::accumulate(m_shares.begin(), m_shares.end(), 0);
     for (size_t column = 0; column < widths.size(); ++column) {
@@ -189,7 +189,7 @@ void RowList::shareWidth()
         widths[column] += extra;
         rest -= extra;
         shares -= m_shares[column];
-        header()->resizeSection(int(column), widths[column]);
+        header()->resizeSection(static_cast<int>(column), widths[column]);
     }
 }
 

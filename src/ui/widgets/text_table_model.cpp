@@ -21,7 +21,7 @@ int TextTableModel::rowCount(const QModelIndex &parent) const
 
 int TextTableModel::columnCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_headers.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_headers.size());
 }
 
 QVariant TextTableModel::data(const QModelIndex &index, int role) const
@@ -46,7 +46,7 @@ QVariant TextTableModel::data(const QModelIndex &index, int role) const
 
 QVariant TextTableModel::levelColour(int row) const
 {
-    switch (m_rows[size_t(row)].level) {
+    switch (m_rows[static_cast<size_t>(row)].level) {
     case Level::Low:
         return Colours::current().lowRow;
     case Level::Enough:
@@ -98,7 +98,7 @@ void TextTableModel::queueRow(PackedRow row)
 
 void TextTableModel::publishRows()
 {
-    const int rows = int(m_rows.size());
+    const int rows = static_cast<int>(m_rows.size());
     if (rows == m_published)
         return;
     beginInsertRows({}, m_published, rows - 1);
@@ -133,14 +133,14 @@ QString TextTableModel::text(int row, int column) const
 {
     if (!has(row) || column < 0 || column >= columnCount())
         return {};
-    return m_rows[size_t(row)].texts.text(column);
+    return m_rows[static_cast<size_t>(row)].texts.text(column);
 }
 
 void TextTableModel::setText(int row, int column, const QString &text)
 {
     if (!has(row) || column < 0 || column >= columnCount())
         return;
-    QStringList texts = m_rows[size_t(row)].texts.texts();
+    QStringList texts = m_rows[static_cast<size_t>(row)].texts.texts();
     texts[column] = text;
     setRow(row, texts);
 }
@@ -154,11 +154,11 @@ void TextTableModel::setRow(int row, PackedRow texts)
 {
     if (!has(row))
         return;
-    const PackedRow replaced = std::exchange(m_rows[size_t(row)].texts, std::move(texts));
-    if (replaced.view(0) != m_rows[size_t(row)].texts.view(0))
+    const PackedRow replaced = std::exchange(m_rows[static_cast<size_t>(row)].texts, std::move(texts));
+    if (replaced.view(0) != m_rows[static_cast<size_t>(row)].texts.view(0))
         m_index.clear();
     // From the first text that is another to the last: a screen reader says each that is told of.
-    const PackedRow &now = m_rows[size_t(row)].texts;
+    const PackedRow &now = m_rows[static_cast<size_t>(row)].texts;
     int first = 0;
     int last = columnCount() - 1;
     while (first <= last && replaced.view(first) == now.view(first))
@@ -171,23 +171,24 @@ void TextTableModel::setRow(int row, PackedRow texts)
 
 int TextTableModel::findRow(QStringView text) const
 {
-    for (int row = m_index.count(); row < int(m_rows.size()); ++row)
-        m_index.append(m_rows[size_t(row)].texts.view(0));
-    return m_index.find(
-        text, [&](int row) { return m_rows[size_t(row)].texts.view(0).compare(text, Qt::CaseInsensitive) == 0; });
+    for (int row = m_index.count(); row < static_cast<int>(m_rows.size()); ++row)
+        m_index.append(m_rows[static_cast<size_t>(row)].texts.view(0));
+    return m_index.find(text, [&](int row) {
+        return m_rows[static_cast<size_t>(row)].texts.view(0).compare(text, Qt::CaseInsensitive) == 0;
+    });
 }
 
 void TextTableModel::setLow(int row, bool low)
 {
     const Level level = low ? Level::Low : Level::Enough;
-    if (!has(row) || std::exchange(m_rows[size_t(row)].level, level) == level)
+    if (!has(row) || std::exchange(m_rows[static_cast<size_t>(row)].level, level) == level)
         return;
     changed(row, 0, 0, {Qt::ForegroundRole, MarkRole, Qt::AccessibleTextRole});
 }
 
 bool TextTableModel::isLow(int row) const
 {
-    return has(row) && m_rows[size_t(row)].level == Level::Low;
+    return has(row) && m_rows[static_cast<size_t>(row)].level == Level::Low;
 }
 
 void TextTableModel::changed(int row, int firstColumn, int lastColumn, const QList<int> &roles)

@@ -44,7 +44,7 @@ public:
     void queueRow(PackedRow row);
     void publishRows();
     /// Rows that there are, queued ones too.
-    [[nodiscard]] int lastRow() const { return int(m_rows.size()) - 1; }
+    [[nodiscard]] int lastRow() const { return static_cast<int>(m_rows.size()) - 1; }
 
     void removeRowAt(int row);
     void clear();
@@ -75,7 +75,7 @@ private:
         Level level = Level::None;
     };
 
-    [[nodiscard]] bool has(int row) const { return row >= 0 && row < int(m_rows.size()); }
+    [[nodiscard]] bool has(int row) const { return row >= 0 && row < static_cast<int>(m_rows.size()); }
     [[nodiscard]] QVariant levelColour(int row) const;
     [[nodiscard]] QVariant lowMark(int row, int role) const;
     void changed(int row, int firstColumn, int lastColumn, const QList<int> &roles);
