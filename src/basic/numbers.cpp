@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QLocale>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@
 #include <cmath>
 #include <limits>
 #include <string>
-#include <type_traits>
 
 namespace harrowby {
 
@@ -103,32 +103,37 @@ struct Decimal
     bool negative = false;
     std::string digits; ///< without leading or trailing zeros; empty for 0
     qsizetype point = 0;
+
+    [[nodiscard]] qsizetype size() const { return static_cast<qsizetype>(digits.size()); }
+    /// The digit at `place` from the first one on; zeros stand before and behind them.
+    [[nodiscard]] QChar digitAt(qsizetype place) const
+    {
+        return QLatin1Char(place >= 0 && place < size() ? digits[static_cast<std::size_t>(place)] : '0');
+    }
 };
 
 template <typename Float>
 Decimal decimalOf(Float value)
 {
     std::array<char, 64> buffer{};
-    const auto result =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific);
-    const std::string text(buffer.data(), result.ptr);
-    const std::size_t e = text.find('e');
+    const char *const begin = buffer.data();
+    const char *const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific).ptr;
+    const char *const e = std::find(begin, end, 'e');
+    const char *const exponent = e[1] == '+' ? e + 2 : e + 1; // from_chars() takes no plus
     Decimal decimal;
-    decimal.negative = text.front() == '-';
-    std::copy_if(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(e), std::back_inserter(decimal.digits),
-                 [](char c) { return c >= '0' && c <= '9'; });
+    decimal.negative = *begin == '-';
+    std::copy_if(begin, e, std::back_inserter(decimal.digits), [](char c) { return c >= '0' && c <= '9'; });
     decimal.digits.erase(decimal.digits.find_last_not_of('0') + 1);
-    decimal.point = QByteArray::fromStdString(text.substr(e + 1)).toInt() + 1;
-    if (decimal.digits.empty())
-        decimal = {};
-    return decimal;
+    std::from_chars(exponent, end, decimal.point);
+    ++decimal.point;
+    return decimal.digits.empty() ? Decimal{} : decimal;
 }
 
 /// Rounded half away from zero to `places` decimals.
 Decimal rounded(Decimal decimal, qsizetype places)
 {
     const qsizetype keep = decimal.point + places;
-    if (keep >= static_cast<qsizetype>(decimal.digits.size()))
+    if (keep >= decimal.size())
         return decimal;
     if (keep < 0)
         return {};
@@ -146,32 +151,26 @@ Decimal rounded(Decimal decimal, qsizetype places)
     return decimal.digits.empty() ? Decimal{} : decimal;
 }
 
-QString integerPart(const Decimal &decimal)
-{
-    if (decimal.point <= 0 || decimal.digits.empty())
-        return QString(u'0');
-    const QString digits = QString::fromStdString(decimal.digits);
-    return digits.first(std::min(decimal.point, digits.size())).leftJustified(decimal.point, u'0');
-}
+enum class Grouping { None, Thousands };
 
-QString fraction(const Decimal &decimal)
+/// All digits before the point, and `places` behind it.
+QString written(const Decimal &decimal, qsizetype places, Grouping grouping)
 {
-    const QString digits = QString::fromStdString(decimal.digits);
-    if (decimal.point >= digits.size())
-        return {};
-    return decimal.point > 0 ? digits.sliced(decimal.point) : QString(-decimal.point, u'0') + digits;
-}
-
-QString grouped(QString digits)
-{
-    for (qsizetype at = digits.size() - 3; at > 0; at -= 3)
-        digits.insert(at, u',');
-    return digits;
-}
-
-QString withSign(const Decimal &decimal, const QString &digits)
-{
-    return decimal.negative ? u'-' + digits : digits;
+    QVarLengthArray<QChar, 64> text;
+    if (decimal.negative)
+        text.append(u'-');
+    if (decimal.point <= 0)
+        text.append(u'0');
+    for (qsizetype place = 0; place < decimal.point; ++place) {
+        if (grouping == Grouping::Thousands && place > 0 && (decimal.point - place) % 3 == 0)
+            text.append(u',');
+        text.append(decimal.digitAt(place));
+    }
+    if (places > 0)
+        text.append(u'.');
+    for (qsizetype place = 0; place < places; ++place)
+        text.append(decimal.digitAt(decimal.point + place));
+    return QString(text.constData(), text.size());
 }
 
 /// "nan", "inf" or "-inf". None of them is an SQL literal, so a statement with one fails and nothing is stored.
@@ -187,66 +186,13 @@ QString plain(Float value)
     if (!std::isfinite(value))
         return notFinite(value);
     const Decimal decimal = decimalOf(value);
-    const QString decimals = fraction(decimal);
-    return withSign(decimal, decimals.isEmpty() ? integerPart(decimal) : integerPart(decimal) + u'.' + decimals);
-}
-
-enum class Grouping { None, Thousands };
-
-/// The hundredths that the number is a whole count of, as nearly every amount is; empty for any other number, and for
-/// one so large that a double does not tell hundredths apart.
-std::optional<std::int64_t> wholeHundredths(double value)
-{
-    constexpr double largest = 1e12;
-    if (!(std::abs(value) <= largest))
-        return {};
-    const double hundredths = std::round(value * 100.0);
-    return hundredths / 100.0 == value ? std::optional(static_cast<std::int64_t>(hundredths)) : std::nullopt;
-}
-
-/// Writes the digits from the end into one buffer: lists format amounts by the hundred thousand.
-QString hundredthsText(std::int64_t hundredths, Grouping grouping)
-{
-    std::array<char, 32> buffer{};
-    std::size_t at = buffer.size();
-    const auto put = [&](char c) { buffer[--at] = c; };
-    std::int64_t left = std::abs(hundredths);
-    const auto putDigit = [&] {
-        put(static_cast<char>('0' + left % 10));
-        left /= 10;
-    };
-    putDigit();
-    putDigit();
-    put('.');
-    putDigit();
-    int digits = 1;
-    while (left > 0) {
-        if (grouping == Grouping::Thousands && digits % 3 == 0)
-            put(',');
-        putDigit();
-        ++digits;
-    }
-    if (hundredths < 0)
-        put('-');
-    return QString::fromLatin1(buffer.data() + at, static_cast<qsizetype>(buffer.size() - at));
+    return written(decimal, std::max<qsizetype>(decimal.size() - decimal.point, 0), Grouping::None);
 }
 
 template <typename Float>
 QString displayed(Float value, qsizetype places, Grouping grouping)
 {
-    if (!std::isfinite(value))
-        return notFinite(value);
-    if constexpr (std::is_same_v<Float, double>) {
-        if (const std::optional<std::int64_t> hundredths = wholeHundredths(value); hundredths && places == 2)
-            return hundredthsText(*hundredths, grouping);
-    }
-    const Decimal decimal = rounded(decimalOf(value), places);
-    QString text = integerPart(decimal);
-    if (grouping == Grouping::Thousands)
-        text = grouped(text);
-    if (places > 0)
-        text += u'.' + fraction(decimal).leftJustified(places, u'0');
-    return withSign(decimal, text);
+    return std::isfinite(value) ? written(rounded(decimalOf(value), places), places, grouping) : notFinite(value);
 }
 
 } // namespace
