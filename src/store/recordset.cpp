@@ -221,7 +221,7 @@ void DbRecordset::Update() noexcept
     d->hold.reset(); // also where nothing was written
 }
 
-DbField::DbField(DbRecordset &recordset, QString name) : m_recordset(recordset), m_name(std::move(name)) {}
+DbField::DbField(DbRecordset &recordset, const QString &name) : m_recordset(recordset), m_name(name) {}
 
 std::optional<DbValue> DbField::value() const
 {

@@ -34,10 +34,10 @@ public:
 
 private:
     friend class DbRecordset;
-    DbField(DbRecordset &recordset, QString name);
+    DbField(DbRecordset &recordset, const QString &name);
 
     DbRecordset &m_recordset;
-    QString m_name;
+    const QString &m_name;
 };
 
 /// A SELECT's rows, read one after the other, and the way to write a single row.

@@ -7,14 +7,6 @@ namespace harrowby {
 
 namespace {
 
-constexpr int unitBits = 16;
-constexpr qsizetype unitMask = 0xffff;
-
-qsizetype headSize(qsizetype columns)
-{
-    return 1 + 2 * columns;
-}
-
 template <typename Character>
 char16_t widened(Character c)
 {
@@ -36,10 +28,10 @@ PackedRow::PackedRow(const QStringList &texts, qsizetype columns)
     *this = packer.packed();
 }
 
-QStringView PackedRow::view(QStringView block, qsizetype column)
+QStringView PackedRow::view(qsizetype column) const
 {
-    const qsizetype begin = column == 0 ? headSize(block.front().unicode()) : end(block, column - 1);
-    return block.sliced(begin, end(block, column) - begin);
+    const qsizetype begin = column == 0 ? 0 : m_ends[static_cast<std::size_t>(column - 1)];
+    return QStringView(m_texts).sliced(begin, m_ends[static_cast<std::size_t>(column)] - begin);
 }
 
 QStringList PackedRow::texts() const
@@ -50,11 +42,9 @@ QStringList PackedRow::texts() const
     return all;
 }
 
-qsizetype PackedRow::end(QStringView block, qsizetype column)
+RowPacker::RowPacker(qsizetype columns) : m_columns(columns)
 {
-    const QChar low = block.at(1 + 2 * column);
-    const QChar high = block.at(2 + 2 * column);
-    return static_cast<qsizetype>(low.unicode()) | (static_cast<qsizetype>(high.unicode()) << unitBits);
+    Q_ASSERT(columns <= PackedRow::mostColumns);
 }
 
 void RowPacker::begin()
@@ -107,29 +97,21 @@ bool RowPacker::addAscii(QUtf8StringView text, Convert convert)
 
 void RowPacker::endColumn()
 {
-    m_ends.append(headSize(m_columns) + m_texts.size());
+    m_ends.append(static_cast<std::uint32_t>(m_texts.size()));
 }
 
 QStringView RowPacker::last() const
 {
-    const qsizetype before = m_ends.size() < 2 ? 0 : m_ends.at(m_ends.size() - 2) - headSize(m_columns);
-    return QStringView(m_texts).sliced(before);
+    return QStringView(m_texts).sliced(m_ends.size() < 2 ? 0 : m_ends.at(m_ends.size() - 2));
 }
 
 PackedRow RowPacker::packed() const
 {
-    const qsizetype head = headSize(m_columns);
     PackedRow row;
-    row.m_block = QString(head + m_texts.size(), Qt::Uninitialized);
-    QChar *unit = row.m_block.data();
-    const auto put = [&unit](qsizetype value) { *unit++ = QChar(static_cast<char16_t>(value & unitMask)); };
-    put(m_columns);
-    for (qsizetype column = 0; column < m_columns; ++column) {
-        const qsizetype end = column < m_ends.size() ? m_ends.at(column) : head + m_texts.size();
-        put(end);
-        put(end >> unitBits);
-    }
-    std::copy(m_texts.begin(), m_texts.end(), unit);
+    row.m_texts = QStringView(m_texts).toString();
+    row.m_columns = static_cast<std::uint8_t>(m_columns);
+    row.m_ends.fill(static_cast<std::uint32_t>(m_texts.size())); // a column that was not added is empty
+    std::copy(m_ends.begin(), m_ends.end(), row.m_ends.begin());
     return row;
 }
 

@@ -6,6 +6,9 @@
 #include <QUtf8StringView>
 #include <QVarLengthArray>
 
+#include <array>
+#include <cstdint>
+
 namespace harrowby {
 
 /// The texts of one list row in a single block: a list of 100,000 rows takes a third of the memory, and fills in half
@@ -13,29 +16,32 @@ namespace harrowby {
 class PackedRow
 {
 public:
+    /// As many columns as a list of the window has at most.
+    static constexpr qsizetype mostColumns = 8;
+
     /// `columns` texts; missing ones are empty.
     PackedRow(const QStringList &texts, qsizetype columns);
 
-    [[nodiscard]] QStringView view(qsizetype column) const { return view(m_block, column); }
+    [[nodiscard]] QStringView view(qsizetype column) const;
     [[nodiscard]] QString text(qsizetype column) const { return view(column).toString(); }
-    [[nodiscard]] qsizetype columns() const { return m_block.front().unicode(); }
+    [[nodiscard]] qsizetype columns() const { return m_columns; }
     [[nodiscard]] QStringList texts() const;
 
 private:
     friend class RowPacker;
     PackedRow() = default;
-    [[nodiscard]] static QStringView view(QStringView block, qsizetype column);
-    [[nodiscard]] static qsizetype end(QStringView block, qsizetype column);
 
-    /// How many texts there are, where each ends (two units, the low one first), and the texts themselves.
-    QString m_block;
+    QString m_texts;                                 ///< one after the other
+    std::array<std::uint32_t, mostColumns> m_ends{}; ///< where each text ends
+    std::uint8_t m_columns = 0;
 };
 
 /// Packs one row after the other, text by text, without a text object for any of them.
 class RowPacker
 {
 public:
-    explicit RowPacker(qsizetype columns) : m_columns(columns) {}
+    /// Of at most PackedRow::mostColumns columns.
+    explicit RowPacker(qsizetype columns);
 
     /// Begins a row and drops what was begun before.
     void begin();
@@ -55,7 +61,7 @@ private:
 
     qsizetype m_columns;
     QVarLengthArray<char16_t, 256> m_texts;
-    QVarLengthArray<qsizetype, 16> m_ends;
+    QVarLengthArray<std::uint32_t, PackedRow::mostColumns> m_ends;
 };
 
 } // namespace harrowby

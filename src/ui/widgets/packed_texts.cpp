@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/packed_texts.h"
 
-#include <cstdint>
-#include <cstring>
-
 namespace harrowby {
-
-namespace {
-
-using Length = std::uint32_t;
-
-} // namespace
 
 PackedTexts::PackedTexts(std::initializer_list<QString> texts)
 {
@@ -34,10 +25,8 @@ qsizetype PackedTexts::indexOf(const QString &text) const
 
 void PackedTexts::append(QUtf8StringView text)
 {
-    const auto length = static_cast<Length>(text.size());
-    m_begins.push_back(static_cast<qsizetype>(m_bytes.size()));
-    m_bytes.append(reinterpret_cast<const char *>(&length), sizeof length);
-    m_bytes.append(reinterpret_cast<const char *>(text.data()), length);
+    m_pieces.push_back({static_cast<qsizetype>(m_bytes.size()), text.size()});
+    m_bytes.append(reinterpret_cast<const char *>(text.data()), static_cast<std::size_t>(text.size()));
 }
 
 void PackedTexts::append(const QString &text)
@@ -49,13 +38,13 @@ void PackedTexts::append(const PackedTexts &texts)
 {
     const auto shift = static_cast<qsizetype>(m_bytes.size());
     m_bytes.append(texts.m_bytes);
-    for (const qsizetype begin : texts.m_begins)
-        m_begins.push_back(begin + shift);
+    for (const Piece &piece : texts.m_pieces)
+        m_pieces.push_back({piece.begin + shift, piece.size});
 }
 
 void PackedTexts::removeAt(qsizetype index)
 {
-    m_begins.erase(m_begins.begin() + index); // the bytes stay: moving all later ones would cost more than their memory
+    m_pieces.erase(m_pieces.begin() + index); // the bytes stay: moving all later ones would cost more than their memory
 }
 
 void PackedTexts::clear()
@@ -65,10 +54,8 @@ void PackedTexts::clear()
 
 QByteArrayView PackedTexts::bytes(qsizetype index) const
 {
-    const qsizetype begin = m_begins[static_cast<std::size_t>(index)];
-    Length length = 0;
-    std::memcpy(&length, m_bytes.data() + begin, sizeof length);
-    return {m_bytes.data() + begin + sizeof length, static_cast<qsizetype>(length)};
+    const Piece &piece = m_pieces[static_cast<std::size_t>(index)];
+    return QByteArrayView(m_bytes).sliced(piece.begin, piece.size);
 }
 
 } // namespace harrowby

@@ -18,8 +18,8 @@ public:
     PackedTexts() = default;
     PackedTexts(std::initializer_list<QString> texts);
 
-    [[nodiscard]] qsizetype size() const { return static_cast<qsizetype>(m_begins.size()); }
-    [[nodiscard]] bool isEmpty() const { return m_begins.empty(); }
+    [[nodiscard]] qsizetype size() const { return static_cast<qsizetype>(m_pieces.size()); }
+    [[nodiscard]] bool isEmpty() const { return m_pieces.empty(); }
     /// The text at an index that exists.
     [[nodiscard]] QString at(qsizetype index) const;
     /// First text that equals this one; -1 when there is none.
@@ -32,10 +32,16 @@ public:
     void clear();
 
 private:
+    struct Piece
+    {
+        qsizetype begin = 0;
+        qsizetype size = 0;
+    };
+
     [[nodiscard]] QByteArrayView bytes(qsizetype index) const;
 
-    std::string m_bytes;             ///< each text's length (of the type Length) and its bytes; removed ones too
-    std::vector<qsizetype> m_begins; ///< where each one begins
+    std::string m_bytes;         ///< one text after the other, those that were removed too
+    std::vector<Piece> m_pieces; ///< where each one that is there lies
 };
 
 } // namespace harrowby
