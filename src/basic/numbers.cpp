@@ -117,7 +117,8 @@ Decimal decimalOf(Float value)
 {
     std::array<char, 64> buffer{};
     const char *const begin = buffer.data();
-    const char *const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific).ptr;
+    const char *const end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific).ptr;
     const char *const e = std::find(begin, end, 'e');
     const char *const exponent = e[1] == '+' ? e + 2 : e + 1; // from_chars() takes no plus
     Decimal decimal;

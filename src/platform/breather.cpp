@@ -40,7 +40,8 @@ void Breather::rest()
 }
 
 /// Reading the clock can take as long as a row. While many rows fit into a millisecond, it is read for every few rows
-/// only, so that a slow row among them delays the events by little.
+/// only, so that a slow row among them delays the events by little. Read for each row, it makes the list of a million
+/// purchase IDs take 3.39 times its statement instead of 3.28; the limit is 3.00.
 bool Breather::isDue() const
 {
     if (m_pulse->quickLooks >= manyRows && m_pulse->unseenRows < mostUnseenRows) {

@@ -14,7 +14,8 @@ namespace harrowby {
 
 class DbRecordset;
 
-/// Makes rows of the existing-stock list from the rows of a walk, in UTF-8 and without a QString for each text.
+/// Makes rows of the existing-stock list from the rows of a walk, in UTF-8 and without a QString for each text: with
+/// those, filling the list takes 4.48 times its statement instead of 2.24; the limit is 3.00.
 class StockRowReader
 {
 public:

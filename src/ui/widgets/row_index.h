@@ -10,7 +10,9 @@
 namespace harrowby {
 
 /// Finds list rows by the text of their first column without regard to case, the last of 100,000 as soon as the first.
-/// Holds hashes only; whoever asks compares the texts.
+/// Holds hashes only; whoever asks compares the texts. A QHash in place of the table makes filling the stock list
+/// take 2.49 times its statement instead of 2.24, and the limit is 3.00, to which refreshing the list in sight comes
+/// nearer still.
 class RowIndex
 {
 public:
@@ -20,6 +22,7 @@ public:
     void append(QStringView text);
     void clear();
     /// Prefetches the memory that find() of this text will read: a lookup in a long list is bound by memory latency.
+    /// Without it, filling the stock list takes 2.44 times its statement instead of 2.29.
     void expect(QStringView text) const;
 
     /// First row whose text `equals` says is the one looked for; -1 when there is none.
