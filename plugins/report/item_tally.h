@@ -24,8 +24,8 @@ struct ItemEntry
 
 /// The sums of each item key. Lookups take a view into a longer text. A long period has millions of lines over a
 /// hundred thousand keys, more than the caches hold, and memory latency took longer than reading them; so lines are
-/// gathered and their entries prefetched some dozens at a time. With one lookup a line, the report by item took 3.3 times
-/// its statements; the limit is 2.5.
+/// gathered and their entries prefetched some dozens at a time. With one lookup a line, the report by item took 3.3
+/// times its statements; the limit is 2.5.
 class ItemTally
 {
 public:

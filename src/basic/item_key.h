@@ -15,8 +15,8 @@ inline constexpr QLatin1StringView itemKeySeparator("  |  ");
 /// "ID  |  NAME": how one stock item shows in combo boxes, cart lines, receipts and messages.
 [[nodiscard]] QString itemKey(const QString &stockId, const QString &stockName);
 
-/// The same in UTF-8, written into `key`, whose capacity is reused. With itemKey() a save that lists every item anew takes
-/// 1.34 times its statements instead of 1.21, and the limit is 1.31.
+/// The same in UTF-8, written into `key`, whose capacity is reused. With itemKey() a save that lists every item anew
+/// takes 1.34 times its statements instead of 1.21, and the limit is 1.31.
 void putItemKey(QByteArray &key, QUtf8StringView stockId, QUtf8StringView stockName);
 
 enum class KeyPiece : short {

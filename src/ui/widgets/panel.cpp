@@ -107,8 +107,6 @@ int Panel::margin() const
 
 void Panel::dressWhenShown()
 {
-    if (layout())
-        layout()->setEnabled(false); // size hints are not asked for before the controls are polished
     for (QWidget *widget : findChildren<QWidget *>()) {
         widget->installEventFilter(this);
         m_undressed.emplace_back(widget);
@@ -135,8 +133,6 @@ void Panel::dress()
 {
     if (m_undressed.empty())
         return;
-    if (layout())
-        layout()->setEnabled(true);
     for (const QPointer<QWidget> &widget : std::exchange(m_undressed, {})) {
         if (widget)
             widget->removeEventFilter(this);

@@ -100,18 +100,6 @@ void RowList::setFigureColumns(std::set<int> columns)
     m_rows->setFigureColumns(std::move(columns));
 }
 
-void RowList::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles)
-{
-    if (topLeft.row() != bottomRight.row()) {
-        QTreeView::dataChanged(topLeft, bottomRight, roles);
-        return;
-    }
-    for (int column = topLeft.column(); column <= bottomRight.column(); ++column) {
-        const QModelIndex cell = topLeft.siblingAtColumn(column);
-        QTreeView::dataChanged(cell, cell, roles);
-    }
-}
-
 QSize RowList::minimumSizeHint() const
 {
     return {160, 120};

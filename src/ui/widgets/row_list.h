@@ -40,10 +40,6 @@ public:
     /// Columns of money and quantities, which stand flush right.
     void setFigureColumns(std::set<int> columns);
 
-    /// Repaints the changed cells only; QTreeView repaints the whole viewport.
-    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
-                     const QList<int> &roles = QList<int>()) override;
-
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] QSize sizeHint() const override;
 
