@@ -18,6 +18,8 @@
 
 #include <QPersistentModelIndex>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
@@ -30,17 +32,17 @@ QStringList listRow(const ListedStock &stock)
             stock.reorderLevel, stock.available,      stock.use,      stock.lastUpdated};
 }
 
-/// Puts a row into the list as an item that was not edited: one that is listed keeps its ID as it stands there.
-int placeRow(TextTableModel &list, PackedRow row)
+/// Puts an item's row into the list, in place of the one at `listed` unless that is negative. The ID stays as it stands
+/// there, unless the item was edited.
+int placeRow(TextTableModel &list, PackedRow row, int listed, bool wasEdited)
 {
-    // By the ID as it is listed: a letter may turn into two in upper case.
-    const int listed = list.findRow(row.view(StockColumn::Id));
     if (listed < 0) {
         list.queueRow(std::move(row));
         return list.lastRow();
     }
     QStringList texts = row.texts();
-    texts[StockColumn::Id] = list.text(listed, StockColumn::Id);
+    if (!wasEdited)
+        texts[StockColumn::Id] = list.text(listed, StockColumn::Id);
     list.setRow(listed, texts);
     return listed;
 }
@@ -50,7 +52,10 @@ int placeRow(TextTableModel &list, StockRowReader &reader)
 {
     list.expectRow(reader.id());
     reader.readRest();
-    const int placed = placeRow(list, reader.row());
+    // Looked for by the ID as it is listed: a letter may turn into two in upper case.
+    PackedRow row = reader.row();
+    const int listed = list.findRow(row.view(StockColumn::Id));
+    const int placed = placeRow(list, std::move(row), listed, false);
     // Intended: the last row is coloured, also when an earlier one was updated.
     list.setLow(list.lastRow(), reader.isLow());
     return placed;
@@ -105,18 +110,9 @@ int Inventory::FindStockRow(const QString &id) const
 void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &editedId)
 {
     TextTableModel &list = m_controls.LV->rows();
-    QStringList texts = listRow(stock);
-    // By the ID as it is listed: a letter may turn into two in upper case.
-    int row = FindStockRow(texts.at(StockColumn::Id));
-    if (row < 0) {
-        list.queueRow(texts);
-        row = list.lastRow();
-    } else {
-        if (editedId.isEmpty())
-            texts[StockColumn::Id] = list.text(row, StockColumn::Id);
-        list.setRow(row, texts);
-    }
-    m_controls.LV->selectRow(row);
+    PackedRow row(listRow(stock), list.columnCount());
+    const int listed = FindStockRow(row.text(StockColumn::Id)); // by the ID as it is listed, as above
+    m_controls.LV->selectRow(placeRow(list, std::move(row), listed, !editedId.isEmpty()));
 }
 
 void Inventory::refreshStock()
