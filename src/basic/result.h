@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cassert>
+#include <cstddef>
 #include <optional>
-#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -29,19 +29,9 @@ template <typename T, typename E>
 class [[nodiscard]] Result
 {
 public:
-    using value_type = T;
-    using error_type = E;
-
     // Implicit, so that a function returns either as it is.
-    template <typename U = T>
-    requires std::is_convertible_v<U &&, T> Result(U &&value) : m_state(std::in_place_index<0>, std::forward<U>(value))
-    {
-    }
-    template <typename G>
-    requires std::is_convertible_v<G &&, E> Result(Unexpected<G> error) :
-        m_state(std::in_place_index<1>, std::move(error).error())
-    {
-    }
+    Result(T value) : m_state(std::in_place_index<0>, std::move(value)) {}
+    Result(Unexpected<E> error) : m_state(std::in_place_index<1>, std::move(error).error()) {}
 
     [[nodiscard]] bool has_value() const noexcept { return m_state.index() == 0; }
     explicit operator bool() const noexcept { return has_value(); }
@@ -82,12 +72,8 @@ template <typename E>
 class [[nodiscard]] Result<void, E>
 {
 public:
-    using value_type = void;
-    using error_type = E;
-
     Result() = default;
-    template <typename G>
-    requires std::is_convertible_v<G &&, E> Result(Unexpected<G> error) : m_error(std::move(error).error()) {}
+    Result(Unexpected<E> error) : m_error(std::move(error).error()) {}
 
     [[nodiscard]] bool has_value() const noexcept { return !m_error; }
     explicit operator bool() const noexcept { return has_value(); }
