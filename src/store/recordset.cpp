@@ -142,8 +142,9 @@ void DbRecordset::Private::changeRow() noexcept
         return;
     if (access != Access::Edit)
         return fail(what, u"the result was opened for reading only"_s);
-    const std::optional<DbRowId> row = rows.rowId();
-    if (standing == Standing::Added || !row)
+    // An added row is none of those that were selected.
+    const std::optional<DbRowId> row = standing == Standing::Added ? std::nullopt : rows.rowId();
+    if (!row)
         return fail(what, u"the row has no identity to find it by"_s);
     if (!write(what, [&] { return connection->updateRow(table, *row, values); }))
         return;
