@@ -8,6 +8,7 @@
 #include "app/shop/workshop.h"
 #include "tests/app/bad_disk.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -421,5 +422,5 @@ void BackupTest::jobEndsWithItsObject()
     QVERIFY(away().isEmpty() || away() == QStringList{u"copy.db"_s});
 }
 
-QTEST_GUILESS_MAIN(BackupTest)
+HARROWBY_CORE_TEST(app_backup_test, BackupTest)
 #include "backup_test.moc"

@@ -4,6 +4,7 @@
 #include "app/shop/wait_sign.h"
 #include "engine/database.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -285,5 +286,5 @@ void BusyWaitTest::signStandsAloneWithoutAWindow()
     QVERIFY(loneSign() != nullptr);
 }
 
-QTEST_MAIN(BusyWaitTest)
+HARROWBY_TEST(app_busy_wait_test, BusyWaitTest)
 #include "busy_wait_test.moc"

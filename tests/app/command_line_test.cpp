@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/command_line.h"
 
+#include "tests/program/test_program.h"
+
 #include <QDir>
 #include <QTest>
 
@@ -138,5 +140,5 @@ void CommandLineTest::helpNamesEveryOption()
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }
 
-QTEST_GUILESS_MAIN(CommandLineTest)
+HARROWBY_CORE_TEST(app_command_line_test, CommandLineTest)
 #include "command_line_test.moc"

@@ -4,6 +4,7 @@
 #include "app/shop/store_judge.h"
 #include "app/shop/workshop.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -178,5 +179,5 @@ void CreateTest::logWithoutItsFileIsNotTouched()
     QCOMPARE(names(), QStringList{u"shop.sqlite"_s + suffix});
 }
 
-QTEST_GUILESS_MAIN(CreateTest)
+HARROWBY_CORE_TEST(app_create_test, CreateTest)
 #include "create_test.moc"

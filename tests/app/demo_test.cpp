@@ -7,6 +7,7 @@
 #include "basic/item_key.h"
 #include "basic/numbers.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -189,5 +190,5 @@ void DemoTest::loginTextNamesEveryUser()
     QCOMPARE(number(u"SELECT count(*) FROM Users WHERE Username = Password"_s), 4);
 }
 
-QTEST_GUILESS_MAIN(DemoTest)
+HARROWBY_CORE_TEST(app_demo_test, DemoTest)
 #include "demo_test.moc"

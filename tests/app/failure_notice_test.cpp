@@ -4,6 +4,8 @@
 #include "app/shop/notice_place.h"
 #include "app/shop/wait_sign.h"
 
+#include "tests/program/test_program.h"
+
 #include <harrowby/window_marks.h>
 
 #include <QApplication>
@@ -445,5 +447,5 @@ void FailureNoticeTest::place()
     QTEST(noticePlace(QSize(400, 150), window, QRect(0, 0, 1024, 768), keepFree), "expected");
 }
 
-QTEST_MAIN(FailureNoticeTest)
+HARROWBY_TEST(app_failure_notice_test, FailureNoticeTest)
 #include "failure_notice_test.moc"

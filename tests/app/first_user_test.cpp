@@ -8,6 +8,8 @@
 #include "theme/colours.h"
 #include "theme/dialogs.h"
 
+#include "tests/program/test_program.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -370,5 +372,5 @@ void FirstUserTest::chosenLookIsWorn()
     QApplication::setPalette(before);
 }
 
-QTEST_MAIN(FirstUserTest)
+HARROWBY_TEST(app_first_user_test, FirstUserTest)
 #include "first_user_test.moc"

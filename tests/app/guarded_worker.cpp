@@ -149,7 +149,7 @@ std::unique_ptr<StoreGuard> guardStore(const QString &path, BusyWait &wait)
 Worker::Worker(const QString &role, const QString &store)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(QCoreApplication::applicationFilePath(), {u"--work"_s, role, store});
+    m_process.start(QCoreApplication::applicationFilePath(), {u"app_store_guard_test"_s, u"--work"_s, role, store});
     if (!m_process.waitForReadyRead(patience) || m_process.readLine() != "ready\n")
         qFatal("The worker does not start");
 }

@@ -6,6 +6,7 @@
 #include "app/shop/store_judge.h"
 #include "app/shop/store_open.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -473,5 +474,5 @@ void JudgeTest::namesThatCannotBe()
     QVERIFY(!judge(path(u"st\ufffdre.sqlite"_s)));
 }
 
-QTEST_GUILESS_MAIN(JudgeTest)
+HARROWBY_CORE_TEST(app_judge_test, JudgeTest)
 #include "judge_test.moc"

@@ -2,6 +2,7 @@
 #include "app/keyboard/touch_keyboard.h"
 #include "tests/app/screen.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -157,5 +158,5 @@ void KeyboardRunTest::withoutTheOptionThereIsNone()
     QVERIFY(!isAbove(program, u"Command28"_s));
 }
 
-QTEST_GUILESS_MAIN(KeyboardRunTest)
+HARROWBY_CORE_TEST(app_keyboard_run_test, KeyboardRunTest)
 #include "keyboard_run_test.moc"

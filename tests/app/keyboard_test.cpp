@@ -3,6 +3,8 @@
 #include "app/keyboard/keyboard_room.h"
 #include "app/keyboard/touch_keyboard.h"
 
+#include "tests/program/test_program.h"
+
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
@@ -262,5 +264,5 @@ void KeyboardTest::entryInAnotherWindowFreesTheFirst()
     room.giveBack(); // of a window that is no more
 }
 
-QTEST_MAIN(KeyboardTest)
+HARROWBY_TEST(app_keyboard_test, KeyboardTest)
 #include "keyboard_test.moc"

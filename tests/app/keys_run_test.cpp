@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/screen.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -218,5 +219,5 @@ void KeysRunTest::anotherProgramKeepsTheKeys()
     QTRY_COMPARE_WITH_TIMEOUT(till.text(u"Text3"_s), u"ANN"_s, 30000);
 }
 
-QTEST_GUILESS_MAIN(KeysRunTest)
+HARROWBY_CORE_TEST(app_keys_run_test, KeysRunTest)
 #include "keys_run_test.moc"

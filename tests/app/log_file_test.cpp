@@ -2,6 +2,8 @@
 #include "app/start/log_file.h"
 #include "basic/logging.h"
 
+#include "tests/program/test_program.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -277,5 +279,5 @@ void LogFileTest::otherMessagesGoWhereTheyWent()
     QCOMPARE(terminalLines, 1);
 }
 
-QTEST_GUILESS_MAIN(LogFileTest)
+HARROWBY_CORE_TEST(app_log_file_test, LogFileTest)
 #include "log_file_test.moc"

@@ -6,6 +6,7 @@
 #include "app/shop/store_guard.h"
 #include "app/shop/store_open.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <harrowby/window_marks.h>
 
@@ -359,5 +360,5 @@ void LostStoreBoxTest::noBackupOfAFileThatIsGone()
     QVERIFY(!QFile::exists(copy));
 }
 
-QTEST_MAIN(LostStoreBoxTest)
+HARROWBY_TEST(app_lost_store_box_test, LostStoreBoxTest)
 #include "lost_store_box_test.moc"

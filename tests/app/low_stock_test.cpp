@@ -6,6 +6,8 @@
 #include "tables/output_bar.h"
 #include "tables/table_view.h"
 
+#include "tests/program/test_program.h"
+
 #include <harrowby/sqlite_connection.h>
 
 #include <QAbstractButton>
@@ -176,5 +178,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(LowStockTest)
+HARROWBY_TEST(app_low_stock_test, LowStockTest)
 #include "low_stock_test.moc"

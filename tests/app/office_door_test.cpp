@@ -5,6 +5,7 @@
 #include "app/shop/store_access.h"
 #include "app/shop/store_paths.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -274,5 +275,5 @@ void OfficeDoorTest::pauseOutlivesTheDialog()
     QVERIFY(!QFile::exists(file));
 }
 
-QTEST_MAIN(OfficeDoorTest)
+HARROWBY_TEST(app_office_door_test, OfficeDoorTest)
 #include "office_door_test.moc"

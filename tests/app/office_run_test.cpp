@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/screen.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -186,5 +187,5 @@ void OfficeRunTest::storeWithoutAdministratorIsTold()
     QCOMPARE(office.waitForEnd(), 4);
 }
 
-QTEST_GUILESS_MAIN(OfficeRunTest)
+HARROWBY_CORE_TEST(app_office_run_test, OfficeRunTest)
 #include "office_run_test.moc"

@@ -3,6 +3,7 @@
 #include "app/office/user_rules.h"
 #include "app/shop/store_access.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -478,5 +479,5 @@ void OfficeWindowTest::fitsASmallScreen()
     QVERIFY(m_window->minimumSizeHint().height() <= 700);
 }
 
-QTEST_MAIN(OfficeWindowTest)
+HARROWBY_TEST(app_office_window_test, OfficeWindowTest)
 #include "office_window_test.moc"

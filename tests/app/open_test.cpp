@@ -7,6 +7,7 @@
 #include "app/shop/store_open.h"
 #include "app/start/log_file.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QFile>
 #include <QProcess>
@@ -245,5 +246,5 @@ void OpenTest::openStoreIsUsedAsItIsAndLogged()
     QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
 }
 
-QTEST_GUILESS_MAIN(OpenTest)
+HARROWBY_CORE_TEST(app_open_test, OpenTest)
 #include "open_test.moc"

@@ -4,6 +4,7 @@
 #include "engine/database.h"
 #include "store/statement_texts.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include "basic/text.h"
 
@@ -79,5 +80,5 @@ void PasswordTest::refusedPassword()
     QVERIFY(!reasonOf(checkPassword(typed)).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(PasswordTest)
+HARROWBY_CORE_TEST(app_password_test, PasswordTest)
 #include "password_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -249,5 +250,5 @@ void ProgramTest::readOnlyStore()
              qPrintable(outcome.errors));
 }
 
-QTEST_GUILESS_MAIN(ProgramTest)
+HARROWBY_CORE_TEST(app_program_test, ProgramTest)
 #include "program_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/receipt_head.h"
 
+#include "tests/program/test_program.h"
+
 #include <QHash>
 #include <QTest>
 
@@ -159,5 +161,5 @@ void ReceiptHeadTest::previewShowsTheHead()
     QCOMPARE(receiptPreview({{}, {}, u"N"_s, true}, 300, 2).width(), 600);
 }
 
-QTEST_MAIN(ReceiptHeadTest)
+HARROWBY_TEST(app_receipt_head_test, ReceiptHeadTest)
 #include "receipt_head_test.moc"

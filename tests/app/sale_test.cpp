@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/screen.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -335,5 +336,5 @@ void SaleTest::demoShopTellsHowToLogIn()
         (QStringList{u"CASHIER successfully logged in!"_s, u"MANAGER successfully logged in!"_s}));
 }
 
-QTEST_GUILESS_MAIN(SaleTest)
+HARROWBY_CORE_TEST(app_sale_test, SaleTest)
 #include "sale_test.moc"

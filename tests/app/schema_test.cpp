@@ -2,6 +2,7 @@
 #include "app/shop/schema.h"
 #include "store/statement_texts.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -204,5 +205,5 @@ void SchemaTest::indexesAreMadeOnce()
     QCOMPARE(createMissingIndexes(m_database.get()).value_or(-1), 1);
 }
 
-QTEST_GUILESS_MAIN(SchemaTest)
+HARROWBY_CORE_TEST(app_schema_test, SchemaTest)
 #include "schema_test.moc"

@@ -2,6 +2,7 @@
 #include "tests/app/at_spi.h"
 #include "tests/app/screen.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -248,5 +249,5 @@ void ScreenReaderRunTest::officeIsNamed()
     QCOMPARE(office.waitForEnd(), 0);
 }
 
-QTEST_GUILESS_MAIN(ScreenReaderRunTest)
+HARROWBY_CORE_TEST(app_screen_reader_run_test, ScreenReaderRunTest)
 #include "screen_reader_run_test.moc"

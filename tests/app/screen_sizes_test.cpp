@@ -8,6 +8,7 @@
 #include "app/shop/first_user_dialog.h"
 #include "platform/boxes.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -266,5 +267,5 @@ void ScreenSizesTest::noticeFits()
     notice.dismiss();
 }
 
-QTEST_MAIN(ScreenSizesTest)
+HARROWBY_TEST(app_screen_sizes_test, ScreenSizesTest)
 #include "screen_sizes_test.moc"

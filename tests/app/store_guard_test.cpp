@@ -6,6 +6,7 @@
 #include "tests/app/guarded_worker.h"
 #include "tests/app/store_files.h"
 #include "tests/app/store_guard_peace.h"
+#include "tests/program/test_program.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -386,7 +387,7 @@ void StoreGuardTest::logOfAnotherFileIsNotPlayedIn()
     QCOMPARE(column(path(), lines), QStringList{u"one"_s});
 }
 
-int main(int argc, char **argv)
+int app_store_guard_test(int argc, char **argv)
 {
     if (isWorker(argc, argv))
         return runWorker(argc, argv);

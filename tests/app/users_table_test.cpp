@@ -5,6 +5,7 @@
 #include "basic/values.h"
 #include "store/statement_texts.h"
 #include "tests/app/store_files.h"
+#include "tests/program/test_program.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -310,5 +311,5 @@ void UsersTableTest::usualRightsOfTypes()
     QCOMPARE(usualRights(u"VIEWER"_s), QStringList());
 }
 
-QTEST_GUILESS_MAIN(UsersTableTest)
+HARROWBY_CORE_TEST(app_users_table_test, UsersTableTest)
 #include "users_table_test.moc"

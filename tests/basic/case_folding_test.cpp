@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/case_folding.h"
 
+#include "tests/program/test_program.h"
+
 #include <QRandomGenerator>
 #include <QSet>
 #include <QTest>
@@ -107,5 +109,5 @@ void TestCaseFolding::ordinaryIdsScatter()
     QVERIFY(hashes.size() > 99'990);
 }
 
-QTEST_GUILESS_MAIN(TestCaseFolding)
+HARROWBY_CORE_TEST(case_folding_test, TestCaseFolding)
 #include "case_folding_test.moc"

@@ -2,6 +2,8 @@
 #include "basic/dates.h"
 #include "basic/purchase_id.h"
 
+#include "tests/program/test_program.h"
+
 #include <QLocale>
 #include <QTest>
 
@@ -82,5 +84,5 @@ void TestDates::takenPurchaseId()
     QCOMPARE(purchaseIdToSave(u"HV18030514070907"_s, true, now), u"HE18030514071007"_s);
 }
 
-QTEST_GUILESS_MAIN(TestDates)
+HARROWBY_CORE_TEST(dates_test, TestDates)
 #include "dates_test.moc"

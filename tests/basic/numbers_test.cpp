@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/numbers.h"
 
+#include "tests/program/test_program.h"
+
 #include <QLocale>
 #include <QRandomGenerator>
 #include <QTest>
@@ -405,5 +407,5 @@ void TestNumbers::survivesTheExtremes()
     QVERIFY(leadingNumber(plainText(std::numeric_limits<double>::max())) == std::numeric_limits<double>::max());
 }
 
-QTEST_GUILESS_MAIN(TestNumbers)
+HARROWBY_CORE_TEST(numbers_test, TestNumbers)
 #include "numbers_test.moc"

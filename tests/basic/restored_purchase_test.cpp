@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/restored_purchase.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby;
@@ -118,5 +120,5 @@ void TestRestoredPurchase::refusesLine()
     QVERIFY(!restoredLine(element));
 }
 
-QTEST_GUILESS_MAIN(TestRestoredPurchase)
+HARROWBY_CORE_TEST(restored_purchase_test, TestRestoredPurchase)
 #include "restored_purchase_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/result.h"
 
+#include "tests/program/test_program.h"
+
 #include <QString>
 #include <QTest>
 
@@ -84,5 +86,5 @@ void ResultTest::mayBeWithoutAValue()
     QCOMPARE(failed.error(), u"full"_s);
 }
 
-QTEST_APPLESS_MAIN(ResultTest)
+HARROWBY_CORE_TEST(result_test, ResultTest)
 #include "result_test.moc"

@@ -2,6 +2,8 @@
 #include "basic/item_key.h"
 #include "basic/text.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby;
@@ -81,5 +83,5 @@ void TestTexts::splitsKey()
     QTEST(costLookupId(key), "costId");
 }
 
-QTEST_GUILESS_MAIN(TestTexts)
+HARROWBY_CORE_TEST(texts_test, TestTexts)
 #include "texts_test.moc"

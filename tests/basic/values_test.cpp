@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/values.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <limits>
@@ -103,5 +105,5 @@ void TestValues::storesFigures()
     QCOMPARE(std::get<double>(storedFigure(1e30F)), 1e30);
 }
 
-QTEST_GUILESS_MAIN(TestValues)
+HARROWBY_CORE_TEST(values_test, TestValues)
 #include "values_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include <harrowby/init.h>
 #include <harrowby/sqlite_connection.h>
 
@@ -178,5 +179,5 @@ void InitTest::calledAgainWhileLoading()
     closeWindow();
 }
 
-QTEST_MAIN(InitTest)
+HARROWBY_TEST(init_test, InitTest)
 #include "init_test.moc"

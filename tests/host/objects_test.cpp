@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
 #include <harrowby/objects.h>
@@ -180,7 +181,7 @@ void ObjectsTest::aFileThatCannotBeWrittenIsTold()
     QVERIFY(!saveSetting(u"Option"_s, u"two\nlines"_s, u"0"_s)); // no name for a setting
 }
 
-int main(int argc, char **argv)
+int objects_test(int argc, char **argv)
 {
     QStandardPaths::setTestModeEnabled(true);
     early = callEarly();

@@ -2,6 +2,7 @@
 #include "platform/boxes.h"
 
 #include "input/early_keys.h"
+#include "tests/program/test_program.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -535,5 +536,5 @@ void BoxesTest::theParentOfAnInputMayGo()
     QCOMPARE(boxes.input(parent.get(), u"Prompt"_s, {}, u"10"_s), QString());
 }
 
-QTEST_MAIN(BoxesTest)
+HARROWBY_TEST(boxes_test, BoxesTest)
 #include "boxes_test.moc"

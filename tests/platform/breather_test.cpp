@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/breather.h"
 
+#include "tests/program/test_program.h"
+
 #include <QElapsedTimer>
 #include <QTest>
 #include <QTimer>
@@ -136,5 +138,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(BreatherTest)
+HARROWBY_CORE_TEST(breather_test, BreatherTest)
 #include "breather_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/clock.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby;
@@ -20,5 +22,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ClockTest)
+HARROWBY_CORE_TEST(clock_test, ClockTest)
 #include "clock_test.moc"

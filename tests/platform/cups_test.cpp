@@ -5,6 +5,7 @@
 #include "tests/platform/log_capture.h"
 #include "tests/platform/pdf_text.h"
 #include "tests/platform/private_cups.h"
+#include "tests/program/test_program.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -219,5 +220,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(CupsTest)
+HARROWBY_TEST(cups_test, CupsTest)
 #include "cups_test.moc"

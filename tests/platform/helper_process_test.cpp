@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/helper_process.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <memory>
@@ -112,5 +114,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(HelperProcessTest)
+HARROWBY_CORE_TEST(helper_process_test, HelperProcessTest)
 #include "helper_process_test.moc"

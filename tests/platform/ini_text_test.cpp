@@ -2,6 +2,8 @@
 #include "platform/ini_text.h"
 #include "platform/ini_value.h"
 
+#include "tests/program/test_program.h"
+
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -212,5 +214,5 @@ void IniTextTest::names()
     QTEST(IniText::canName(section, key), "possible");
 }
 
-QTEST_GUILESS_MAIN(IniTextTest)
+HARROWBY_CORE_TEST(ini_text_test, IniTextTest)
 #include "ini_text_test.moc"

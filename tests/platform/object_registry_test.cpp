@@ -2,6 +2,7 @@
 #include "platform/object_registry.h"
 
 #include "tests/platform/log_capture.h"
+#include "tests/program/test_program.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -214,5 +215,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ObjectRegistryTest)
+HARROWBY_CORE_TEST(object_registry_test, ObjectRegistryTest)
 #include "object_registry_test.moc"

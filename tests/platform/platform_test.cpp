@@ -2,6 +2,7 @@
 #include "platform/platform.h"
 
 #include "tests/platform/isolated_home.h"
+#include "tests/program/test_program.h"
 
 #include <QTest>
 
@@ -31,5 +32,5 @@ private Q_SLOTS:
     void isCreatedOnce() { QCOMPARE(&Platform::native(), &Platform::native()); }
 };
 
-QTEST_MAIN(PlatformTest)
+HARROWBY_TEST(platform_test, PlatformTest)
 #include "platform_test.moc"

@@ -4,6 +4,7 @@
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
 #include "tests/platform/pdf_text.h"
+#include "tests/program/test_program.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -310,5 +311,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(PrintersTest)
+HARROWBY_TEST(printers_test, PrintersTest)
 #include "printers_test.moc"

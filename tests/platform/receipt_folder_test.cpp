@@ -5,6 +5,7 @@
 
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -137,5 +138,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ReceiptFolderTest)
+HARROWBY_CORE_TEST(receipt_folder_test, ReceiptFolderTest)
 #include "receipt_folder_test.moc"

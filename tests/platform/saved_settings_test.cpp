@@ -7,6 +7,7 @@
 #include "tests/platform/isolated_home.h"
 #include "tests/platform/log_capture.h"
 #include "tests/platform/replaced_file.h"
+#include "tests/program/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -257,5 +258,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SavedSettingsTest)
+HARROWBY_CORE_TEST(saved_settings_test, SavedSettingsTest)
 #include "saved_settings_test.moc"

@@ -3,6 +3,7 @@
 
 #include "receipt/receipt_pdf.h"
 #include "tests/platform/pdf_text.h"
+#include "tests/program/test_program.h"
 
 #include <QFile>
 #include <QFont>
@@ -196,5 +197,5 @@ private Q_SLOTS:
     void nothingIsAPageToo() { QCOMPARE(ReceiptLayout({}).pageCount(), 1); }
 };
 
-QTEST_MAIN(ReceiptLayoutTest)
+HARROWBY_TEST(receipt_layout_test, ReceiptLayoutTest)
 #include "receipt_layout_test.moc"

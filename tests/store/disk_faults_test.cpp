@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/faulty_vfs.h"
 #include "tests/store/scratch_store.h"
 
@@ -148,5 +149,5 @@ void TestDiskFaults::readingGoesOnWithAFullDisk()
     FaultyVfs::failAt(0);
 }
 
-QTEST_GUILESS_MAIN(TestDiskFaults)
+HARROWBY_CORE_TEST(disk_faults_test, TestDiskFaults)
 #include "disk_faults_test.moc"

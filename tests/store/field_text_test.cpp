@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include <QTest>
@@ -105,5 +106,5 @@ void FieldTextTest::nothingToRead()
     QCOMPARE(inPlace(rows, u"StockID"_s), u"none"_s);
 }
 
-QTEST_GUILESS_MAIN(FieldTextTest)
+HARROWBY_CORE_TEST(field_text_test, FieldTextTest)
 #include "field_text_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/hold.h"
@@ -390,5 +391,5 @@ void TestHold::withoutConnection()
     QVERIFY(stock.IsEof());
 }
 
-QTEST_GUILESS_MAIN(TestHold)
+HARROWBY_CORE_TEST(hold_test, TestHold)
 #include "hold_test.moc"

@@ -2,6 +2,8 @@
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 
+#include "tests/program/test_program.h"
+
 #include <QFile>
 #include <QTest>
 
@@ -31,5 +33,5 @@ void TestNoWindow::loadsNoWindowLibrary()
         QVERIFY2(!mapped.contains(library), library);
 }
 
-QTEST_GUILESS_MAIN(TestNoWindow)
+HARROWBY_CORE_TEST(no_window_test, TestNoWindow)
 #include "no_window_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scripted_connection.h"
 
 #include "store/recordset.h"
@@ -247,5 +248,5 @@ void TestRecordsetFaults::executes()
     QVERIFY(m_connection->failures.empty());
 }
 
-QTEST_GUILESS_MAIN(TestRecordsetFaults)
+HARROWBY_CORE_TEST(recordset_faults_test, TestRecordsetFaults)
 #include "recordset_faults_test.moc"

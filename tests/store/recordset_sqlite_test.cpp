@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
@@ -372,5 +373,5 @@ void TestRecordsetSqlite::hostMayChangeTheTable()
     QCOMPARE(rows.Field(u"StockID"_s).text(), u"0"_s);
 }
 
-QTEST_GUILESS_MAIN(TestRecordsetSqlite)
+HARROWBY_CORE_TEST(recordset_sqlite_test, TestRecordsetSqlite)
 #include "recordset_sqlite_test.moc"

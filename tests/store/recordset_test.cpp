@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scripted_connection.h"
 
 #include "store/recordset.h"
@@ -282,5 +283,5 @@ void TestRecordset::unknownFieldHasNoValue()
     QCOMPARE(rows.Field(u"iD"_s).number(-1), 0.0);
 }
 
-QTEST_GUILESS_MAIN(TestRecordset)
+HARROWBY_CORE_TEST(recordset_test, TestRecordset)
 #include "recordset_test.moc"

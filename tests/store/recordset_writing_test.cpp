@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scripted_connection.h"
 
 #include "store/recordset.h"
@@ -276,5 +277,5 @@ void TestRecordsetWriting::aggregateCannotTakeARow()
     QCOMPARE(m_connection->failures[0].reason, u"the result is not read from a table"_s);
 }
 
-QTEST_GUILESS_MAIN(TestRecordsetWriting)
+HARROWBY_CORE_TEST(recordset_writing_test, TestRecordsetWriting)
 #include "recordset_writing_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store/row_buffer.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <limits>
@@ -144,5 +146,5 @@ void TestRowBuffer::isCompact()
     QVERIFY2(rows.byteSize() <= bytes + 100'000 * (columns.size() + 2), qPrintable(QString::number(rows.byteSize())));
 }
 
-QTEST_GUILESS_MAIN(TestRowBuffer)
+HARROWBY_CORE_TEST(row_buffer_test, TestRowBuffer)
 #include "row_buffer_test.moc"

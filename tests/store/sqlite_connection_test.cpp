@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
@@ -391,5 +392,5 @@ void TestSqliteConnection::damagedTextIsRead()
     QCOMPARE(rows.Field(u"StockName"_s).text(), u"A\ufffdB"_s);
 }
 
-QTEST_GUILESS_MAIN(TestSqliteConnection)
+HARROWBY_CORE_TEST(sqlite_connection_test, TestSqliteConnection)
 #include "sqlite_connection_test.moc"

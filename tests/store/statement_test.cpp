@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store/statement.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <limits>
@@ -116,5 +118,5 @@ void TestStatement::knowsItsTable()
     QCOMPARE(table, expected);
 }
 
-QTEST_GUILESS_MAIN(TestStatement)
+HARROWBY_CORE_TEST(statement_test, TestStatement)
 #include "statement_test.moc"

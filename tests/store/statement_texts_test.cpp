@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store/statement_texts.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby;
@@ -190,5 +192,5 @@ void TestStatements::usageLosesQuotes()
              u"INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('Item [ONeills x] Added!','t','d')"_s);
 }
 
-QTEST_GUILESS_MAIN(TestStatements)
+HARROWBY_CORE_TEST(statement_texts_test, TestStatements)
 #include "statement_texts_test.moc"

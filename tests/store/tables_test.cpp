@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
@@ -317,5 +318,5 @@ void TestTables::categoriesComeInTableOrderOrSorted()
     QCOMPARE(sorted.RecordCount(), 3);
 }
 
-QTEST_GUILESS_MAIN(TestTables)
+HARROWBY_CORE_TEST(tables_test, TestTables)
 #include "tables_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/recordset.h"
@@ -309,5 +310,5 @@ void TestWalkSqlite::leavesNothingOpen()
     QVERIFY(sqlite3_next_stmt(m_store->handle(), nullptr) == nullptr);
 }
 
-QTEST_GUILESS_MAIN(TestWalkSqlite)
+HARROWBY_CORE_TEST(walk_sqlite_test, TestWalkSqlite)
 #include "walk_sqlite_test.moc"

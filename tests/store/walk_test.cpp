@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/store/scripted_connection.h"
 
 #include "store/recordset.h"
@@ -562,5 +563,5 @@ void TestWalk::refusedAndNull()
     QCOMPARE(rows.RecordCount(), 0);
 }
 
-QTEST_GUILESS_MAIN(TestWalk)
+HARROWBY_CORE_TEST(walk_test, TestWalk)
 #include "walk_test.moc"

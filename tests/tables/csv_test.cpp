@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tables/csv.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby::tables;
@@ -68,5 +70,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(CsvTest)
+HARROWBY_CORE_TEST(tables_csv_test, CsvTest)
 #include "csv_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tables/output_bar.h"
 
+#include "tests/program/test_program.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -130,5 +132,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(OutputBarTest)
+HARROWBY_TEST(tables_output_bar_test, OutputBarTest)
 #include "output_bar_test.moc"

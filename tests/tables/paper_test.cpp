@@ -2,6 +2,7 @@
 #include "tables/paper.h"
 
 #include "tests/platform/pdf_text.h"
+#include "tests/program/test_program.h"
 
 #include <QFile>
 #include <QPainter>
@@ -110,5 +111,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(PaperTest)
+HARROWBY_TEST(tables_paper_test, PaperTest)
 #include "paper_test.moc"

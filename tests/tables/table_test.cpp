@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tables/table.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <limits>
@@ -90,5 +92,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TableTest)
+HARROWBY_CORE_TEST(tables_table_test, TableTest)
 #include "table_test.moc"

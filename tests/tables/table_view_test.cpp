@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tables/table_view.h"
 
+#include "tests/program/test_program.h"
 #include "theme/dialogs.h"
 
 #include <QAbstractItemModelTester>
@@ -176,5 +177,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TableViewTest)
+HARROWBY_TEST(tables_table_view_test, TableViewTest)
 #include "table_view_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/activity_text.h"
@@ -238,5 +239,5 @@ void ActivityLogTest::oneHugeEntryStays()
     QCOMPARE(log.toPlainText(), u"new\n\n"_s);
 }
 
-QTEST_MAIN(ActivityLogTest)
+HARROWBY_TEST(activity_log_test, ActivityLogTest)
 #include "activity_log_test.moc"

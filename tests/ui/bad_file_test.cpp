@@ -2,6 +2,7 @@
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 
+#include "tests/program/test_program.h"
 #include "tests/store/faulty_vfs.h"
 
 #include <QElapsedTimer>
@@ -280,5 +281,5 @@ void BadFileTest::readOnlyWhileOpen()
     QCOMPARE(written(counter), u"99 1"_s);
 }
 
-QTEST_MAIN(BadFileTest)
+HARROWBY_TEST(bad_file_test, BadFileTest)
 #include "bad_file_test.moc"

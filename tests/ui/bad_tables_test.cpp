@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/known_boxes.h"
@@ -255,5 +256,5 @@ void BadTablesTest::day()
     QVERIFY(!counter.isOpen());
 }
 
-QTEST_MAIN(BadTablesTest)
+HARROWBY_TEST(bad_tables_test, BadTablesTest)
 #include "bad_tables_test.moc"

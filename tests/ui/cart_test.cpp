@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/row_list.h"
@@ -318,5 +319,5 @@ void CartTest::closingAsksTheEmptyCartText()
     counter.close();
 }
 
-QTEST_MAIN(CartTest)
+HARROWBY_TEST(cart_test, CartTest)
 #include "cart_test.moc"

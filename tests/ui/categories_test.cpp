@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
@@ -341,5 +342,5 @@ void CategoriesTest::failingStatementsLeaveTheScreenAhead()
     QCOMPARE(counter.file.cell(u"SELECT StockCategory FROM StockList"_s), u"OTHER CATEGORY"_s);
 }
 
-QTEST_MAIN(CategoriesTest)
+HARROWBY_TEST(categories_test, CategoriesTest)
 #include "categories_test.moc"

@@ -3,6 +3,7 @@
 #include "tests/support/database.h"
 #include "tests/support/inventory_probe.h"
 
+#include "tests/program/test_program.h"
 #include "tests/ui/interruption.h"
 #include "ui/widgets/pick_list.h"
 
@@ -828,5 +829,5 @@ void CustomSaleTest::itemsWithoutAColumn()
     QCOMPARE(counter.entries("Combo3"), QStringList());
 }
 
-QTEST_MAIN(CustomSaleTest)
+HARROWBY_TEST(custom_sale_test, CustomSaleTest)
 #include "custom_sale_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include <QLabel>
@@ -190,5 +191,5 @@ void DashboardTest::reorderLinkIsQuietWithoutAWindow()
     QTest::mouseClick(counter.find("Label6_9"), Qt::LeftButton);
 }
 
-QTEST_MAIN(DashboardTest)
+HARROWBY_TEST(dashboard_test, DashboardTest)
 #include "dashboard_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
@@ -394,5 +395,5 @@ void FailingStatementsTest::purchaseIds()
     QVERIFY(counter.find("Frame9")->isVisible());
 }
 
-QTEST_MAIN(FailingStatementsTest)
+HARROWBY_TEST(failing_statements_test, FailingStatementsTest)
 #include "failing_statements_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How the window uses small, tall and large screens.
+#include "tests/program/test_program.h"
 #include "tests/ui/busy_window.h"
 
 #include "ui/focus_order.h"
@@ -319,5 +320,5 @@ void FittingTest::namesBreakBetweenWords()
     QVERIFY(card.nameLines().isEmpty());
 }
 
-QTEST_MAIN(FittingTest)
+HARROWBY_TEST(fitting_test, FittingTest)
 #include "fitting_test.moc"

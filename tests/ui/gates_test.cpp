@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/row_list.h"
@@ -174,5 +175,5 @@ void GatesTest::withTheRightAlone()
         QCOMPARE(counter.selectedTab(control.name), control.tab);
 }
 
-QTEST_MAIN(GatesTest)
+HARROWBY_TEST(gates_test, GatesTest)
 #include "gates_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "ui/keypad.h"
 
@@ -333,5 +334,5 @@ void KeypadTest::logoutHidesIt()
     QVERIFY(!isOpen(counter));
 }
 
-QTEST_MAIN(KeypadTest)
+HARROWBY_TEST(keypad_test, KeypadTest)
 #include "keypad_test.moc"

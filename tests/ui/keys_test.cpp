@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What keys do in the window, and where the focus, the caret and the selection are.
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "ui/focus_order.h"
 #include "ui/widgets/entry_edit.h"
@@ -465,5 +466,5 @@ void KeysTest::focusAfterAPurchase()
         QVERIFY(edit(counter, "Combo2").hasSelectedText());
 }
 
-QTEST_MAIN(KeysTest)
+HARROWBY_TEST(keys_test, KeysTest)
 #include "keys_test.moc"

@@ -3,6 +3,7 @@
 #include "app/shop/store_guard.h"
 #include "app/shop/store_open.h"
 
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/forked_process.h"
@@ -244,5 +245,5 @@ void KillTest::theFileHoldsWhatWasDone()
     QVERIFY(m_underWay > 0);
 }
 
-QTEST_MAIN(KillTest)
+HARROWBY_TEST(kill_test, KillTest)
 #include "kill_test.moc"

@@ -5,6 +5,8 @@
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
 
+#include "tests/program/test_program.h"
+
 #include <QAbstractItemModelTester>
 #include <QPointer>
 #include <QScrollBar>
@@ -286,5 +288,5 @@ void ListChoiceTest::clearingEndsAFill()
     QCOMPARE(list.entryText(), QString());
 }
 
-QTEST_MAIN(ListChoiceTest)
+HARROWBY_TEST(list_choice_test, ListChoiceTest)
 #include "list_choice_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/ui/interruption.h"
 
@@ -115,7 +116,7 @@ void LoadAgainTest::anotherConnectionFinishesTheWalks()
     InvBasic::setConnection(nullptr);
 }
 
-int main(int argc, char *argv[])
+int load_again_test(int argc, char **argv)
 {
     // The one window that is not made by the test reads its user's settings: nobody's here.
     QTemporaryDir home;

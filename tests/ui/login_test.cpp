@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include <QLineEdit>
@@ -394,5 +395,5 @@ void LoginTest::missingTableIsAWrongPassword()
     counter.logIn();
 }
 
-QTEST_MAIN(LoginTest)
+HARROWBY_TEST(login_test, LoginTest)
 #include "login_test.moc"

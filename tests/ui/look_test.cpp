@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What can be measured of the window's looks, for each work area, on each kind of screen, in a light and a dark
 // palette.
+#include "tests/program/test_program.h"
 #include "tests/ui/busy_window.h"
 
 #include "theme/colours.h"
@@ -610,5 +611,5 @@ void LookTest::hiddenPanelsAreDressedWhenShown()
     QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
 }
 
-QTEST_MAIN(LookTest)
+HARROWBY_TEST(look_test, LookTest)
 #include "look_test.moc"

@@ -2,6 +2,8 @@
 #include "ui/widgets/packed_row.h"
 #include "ui/widgets/packed_texts.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -123,5 +125,5 @@ void PackingTest::packerServesAgain()
     QCOMPARE(first.texts(), (QStringList{u"A1"_s, u"TEA"_s}));
 }
 
-QTEST_GUILESS_MAIN(PackingTest)
+HARROWBY_CORE_TEST(packing_test, PackingTest)
 #include "packing_test.moc"

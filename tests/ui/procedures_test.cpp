@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/inventory_probe.h"
 
@@ -169,5 +170,5 @@ void ProceduresTest::clockIsReadForEachColumn()
     InvBasic::setConnection(nullptr);
 }
 
-QTEST_MAIN(ProceduresTest)
+HARROWBY_TEST(procedures_test, ProceduresTest)
 #include "procedures_test.moc"

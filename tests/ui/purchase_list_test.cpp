@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/ui/interruption.h"
@@ -339,5 +340,5 @@ void PurchaseListTest::brokenInTheMiddle()
     QCOMPARE(counter.find<PickList>("Combo17")->selectedEntry(), -1);
 }
 
-QTEST_MAIN(PurchaseListTest)
+HARROWBY_TEST(purchase_list_test, PurchaseListTest)
 #include "purchase_list_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 
@@ -420,5 +421,5 @@ void PurchaseTest::unprintableReceiptIsStillKept()
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s), u"1"_s);
 }
 
-QTEST_MAIN(PurchaseTest)
+HARROWBY_TEST(purchase_test, PurchaseTest)
 #include "purchase_test.moc"

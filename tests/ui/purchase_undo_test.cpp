@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/inventory_probe.h"
@@ -689,5 +690,5 @@ void PurchaseUndoTest::listFollowsACommit()
     QCOMPARE(counter.entries("Combo17"), (QStringList{firstId, u"HV1"_s}));
 }
 
-QTEST_MAIN(PurchaseUndoTest)
+HARROWBY_TEST(purchase_undo_test, PurchaseUndoTest)
 #include "purchase_undo_test.moc"

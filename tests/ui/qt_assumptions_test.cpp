@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include <QAbstractItemView>
 #include <QAbstractTableModel>
 #include <QComboBox>
@@ -375,5 +376,5 @@ void QtAssumptionsTest::changedCellsAloneAreRepainted()
     QCOMPARE(painted(1), view.visualRect(rows.index(2, 0)) | view.visualRect(rows.index(2, 1)));
 }
 
-QTEST_MAIN(QtAssumptionsTest)
+HARROWBY_TEST(qt_assumptions_test, QtAssumptionsTest)
 #include "qt_assumptions_test.moc"

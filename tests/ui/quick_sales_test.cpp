@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
@@ -490,5 +491,5 @@ void QuickSalesTest::checkReservesNothing()
     QCOMPARE(counter.file.cell(u"SELECT StockAvailable FROM StockList"_s), u"5"_s);
 }
 
-QTEST_MAIN(QuickSalesTest)
+HARROWBY_TEST(quick_sales_test, QuickSalesTest)
 #include "quick_sales_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/ui/random_user.h"
 
@@ -167,5 +168,5 @@ void RandomPressTest::cleanupTestCase()
         QVERIFY(m_windows > m_days);
 }
 
-QTEST_MAIN(RandomPressTest)
+HARROWBY_TEST(random_press_test, RandomPressTest)
 #include "random_press_test.moc"

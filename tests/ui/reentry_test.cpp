@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/known_boxes.h"
@@ -466,5 +467,5 @@ void ReentryTest::categoryAddedWhileAnotherIs()
     checkWindow(counter);
 }
 
-QTEST_MAIN(ReentryTest)
+HARROWBY_TEST(reentry_test, ReentryTest)
 #include "reentry_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 
@@ -1038,5 +1039,5 @@ void ReorderTest::dashboardButton()
     QCOMPARE(counter.text("Text1"), before);
 }
 
-QTEST_MAIN(ReorderTest)
+HARROWBY_TEST(reorder_test, ReorderTest)
 #include "reorder_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/dashboard/report_call.h"
 
+#include "tests/program/test_program.h"
+
 #include <harrowby/report_component.h>
 
 #include <QObject>
@@ -185,5 +187,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ReportCallTest)
+HARROWBY_CORE_TEST(report_call_test, ReportCallTest)
 #include "report_call_test.moc"

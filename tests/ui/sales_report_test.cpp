@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/ui/interruption.h"
 
@@ -534,5 +535,5 @@ void SalesReportTest::leavesNoListHalfRead()
     QCOMPARE(counter.entries("Combo17").size(), purchases);
 }
 
-QTEST_MAIN(SalesReportTest)
+HARROWBY_TEST(sales_report_test, SalesReportTest)
 #include "sales_report_test.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
+#include "tests/program/test_program.h"
 #include "tests/ui/interruption.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/row_list.h"
@@ -586,5 +587,5 @@ void SearchTest::namesAreShownPlain()
     counter.click("Command8");
 }
 
-QTEST_MAIN(SearchTest)
+HARROWBY_TEST(search_test, SearchTest)
 #include "search_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "platform/receipt_folder.h"
@@ -172,5 +173,5 @@ void SettingsTest::promptFlagHasASetter()
     QCOMPARE(counter.state().settings.PromptReorderFlag, flag);
 }
 
-QTEST_MAIN(SettingsTest)
+HARROWBY_TEST(settings_test, SettingsTest)
 #include "settings_test.moc"

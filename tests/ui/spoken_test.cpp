@@ -8,6 +8,8 @@
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
 
+#include "tests/program/test_program.h"
+
 #include <QAccessible>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -461,5 +463,5 @@ void SpokenTest::everyPartOfTheCounterIsNamed()
     }
 }
 
-QTEST_MAIN(SpokenTest)
+HARROWBY_TEST(spoken_test, SpokenTest)
 #include "spoken_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
@@ -313,5 +314,5 @@ void StockChoiceTest::removeNeedsNoMoreRows()
     counter.click("Command5");
 }
 
-QTEST_MAIN(StockChoiceTest)
+HARROWBY_TEST(stock_choice_test, StockChoiceTest)
 #include "stock_choice_test.moc"

@@ -37,7 +37,7 @@ QStringList listedIds(const Counter &counter)
     return all;
 }
 
-QStringList storedIds(const Counter &counter)
+QStringList storedUpperIds(const Counter &counter)
 {
     return counter.file.rows(u"SELECT upper(StockID) FROM StockList ORDER BY rowid"_s);
 }

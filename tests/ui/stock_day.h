@@ -25,7 +25,7 @@ void openStock(Counter &counter, int tab = WorkArea::EditStock);
 [[nodiscard]] TextTableModel &stockRows(const Counter &counter);
 /// IDs in the list, and those in the table as the list shows them.
 [[nodiscard]] QStringList listedIds(const Counter &counter);
-[[nodiscard]] QStringList storedIds(const Counter &counter);
+[[nodiscard]] QStringList storedUpperIds(const Counter &counter);
 /// How many names the item-name field offers.
 [[nodiscard]] int offeredNames(const Counter &counter);
 void clickStockRow(const Counter &counter, int row);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
+#include "tests/program/test_program.h"
 #include "tests/ui/stock_form.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -295,5 +296,5 @@ void StockEntryTest::quotes()
     QCOMPARE(listed(counter).size(), 1);
 }
 
-QTEST_MAIN(StockEntryTest)
+HARROWBY_TEST(stock_entry_test, StockEntryTest)
 #include "stock_entry_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "ui/widgets/pick_list.h"
@@ -233,5 +234,5 @@ void StockFieldsTest::enterDoesNotLeaveTheCost()
     QCOMPARE(counter.text("Combo8"), u"5.00"_s);
 }
 
-QTEST_MAIN(StockFieldsTest)
+HARROWBY_TEST(stock_fields_test, StockFieldsTest)
 #include "stock_fields_test.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/stock_day.h"
 
+#include "tests/program/test_program.h"
 #include "tests/support/inventory_probe.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -90,11 +91,11 @@ void StockFillTest::refreshAndRefreshAgain()
     const MidFill fill(counter, [&] {
         counter.file.sql(u"DELETE FROM StockList WHERE StockID = 'ID-7'"_s);
         counter.click("Command7");
-        QCOMPARE(listedIds(counter), storedIds(counter));
+        QCOMPARE(listedIds(counter), storedUpperIds(counter));
     });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(offeredNames(counter), stockItems - 1);
     QCOMPARE(counter.text("Combo7"), u"TYPED"_s);
     QCOMPARE(stockList(counter).selectedRow(), stockItems - 2);
@@ -117,7 +118,7 @@ void StockFillTest::refreshedAgainAndAgain()
     };
     again();
     QVERIFY(depth > deepest);
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
     QCOMPARE(counter.text("Combo7"), u"TYPED"_s);
 }
@@ -151,7 +152,7 @@ void StockFillTest::otherTabWins()
     for (const auto &[panel, tabs] : panels)
         QVERIFY2(counter.find(panel)->isHidden() != tabs.contains(chosen), panel);
     QCOMPARE(counter.find("Command6")->isEnabled(), chosen != WorkArea::ReorderStock);
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
 }
 
@@ -162,7 +163,7 @@ void StockFillTest::sameTabAgain()
     const MidFill fill(counter, [&] { counter.chooseTab("TabStrip1", WorkArea::EditStock); });
     counter.chooseTab("TabStrip1", WorkArea::EditStock);
     QVERIFY(fill.isDone());
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
     QVERIFY(counter.find("Frame7")->isVisible());
     QCOMPARE(counter.text("Combo7"), QString());
@@ -184,7 +185,7 @@ void StockFillTest::logOutInTheMiddle()
     QVERIFY(counter.find("Frame7")->isHidden());
     counter.logIn();
     counter.chooseTab("TabStrip1", WorkArea::EditStock);
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
 }
 
 void StockFillTest::closeInTheMiddle()
@@ -223,7 +224,7 @@ void StockFillTest::failingInTheMiddle()
     counter.connection->fails = [](const QString &) { return false; };
     counter.connection->before = [](const QString &) {};
     counter.click("Command7");
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
 }
 
 void StockFillTest::brokenAfterRowsWereShown()
@@ -239,5 +240,5 @@ void StockFillTest::brokenAfterRowsWereShown()
     QCOMPARE(counter.text("Combo7"), u"TYPED"_s);
 }
 
-QTEST_MAIN(StockFillTest)
+HARROWBY_TEST(stock_fill_test, StockFillTest)
 #include "stock_fill_test.moc"

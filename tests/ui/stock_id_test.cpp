@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
+#include "tests/program/test_program.h"
 #include "tests/ui/stock_form.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
@@ -159,5 +160,5 @@ void StockIdTest::automaticIdForAListedName()
     QCOMPARE(listed(counter), (QStringList{u"A1|BUN"_s, u"OTH-0001|BUN"_s})); // the old one until the next refresh
 }
 
-QTEST_MAIN(StockIdTest)
+HARROWBY_TEST(stock_id_test, StockIdTest)
 #include "stock_id_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/inventory_probe.h"
 
@@ -468,5 +469,5 @@ void StockListTest::findMatchesTheWholeId()
     QCOMPARE(probe.findStockRow(QString()), -1);
 }
 
-QTEST_MAIN(StockListTest)
+HARROWBY_TEST(stock_list_test, StockListTest)
 #include "stock_list_test.moc"

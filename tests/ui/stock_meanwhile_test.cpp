@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/database.h"
 #include "tests/ui/stock_day.h"
 
@@ -72,7 +73,7 @@ void StockMeanwhileTest::meanwhile()
     const MidFill fill(counter, [&] { action(counter); });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(offeredNames(counter), stockItems);
     QCOMPARE(stockList(counter).selectedRow(), stockItems - 1);
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM SysUsage WHERE SystemUsage = 'Stock List Refreshed.'"_s), u"1"_s);
@@ -91,7 +92,7 @@ void StockMeanwhileTest::clickLoadsTheFields()
     QCOMPARE(counter.text("Combo6"), u"ID-0"_s);
     QCOMPARE(counter.text("Combo7"), u"ITEM 0"_s); // not what stood there before the fill
     QVERIFY(counter.find("Command26")->isEnabled());
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
 }
 
 void StockMeanwhileTest::deleteInTheMiddle()
@@ -105,8 +106,8 @@ void StockMeanwhileTest::deleteInTheMiddle()
     });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(storedIds(counter).size(), stockItems - 1);
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(storedUpperIds(counter).size(), stockItems - 1);
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(stockRows(counter).findRow(u"ID-1"_s), 0);
     QVERIFY(stockRows(counter).isLow(stockRows(counter).lastRow()));
 }
@@ -118,11 +119,11 @@ void StockMeanwhileTest::saveInTheMiddle()
     const MidFill fill(counter, [&] { saveItem(counter, u"NEW"_s, u"NEW ITEM"_s); });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(storedIds(counter).size(), stockItems + 1);
+    QCOMPARE(storedUpperIds(counter).size(), stockItems + 1);
     QStringList sorted = listedIds(counter);
     QCOMPARE(sorted.count(u"NEW"_s), 1);
     sorted.sort();
-    QStringList expected = storedIds(counter);
+    QStringList expected = storedUpperIds(counter);
     expected.sort();
     QCOMPARE(sorted, expected);
     QCOMPARE(counter.text("Combo7"), u"NEW ITEM"_s);
@@ -140,7 +141,7 @@ void StockMeanwhileTest::saveOfAListedItemInTheMiddle()
     });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(listedIds(counter), storedIds(counter));
+    QCOMPARE(listedIds(counter), storedUpperIds(counter));
     QCOMPARE(stockRows(counter).text(0, 1), u"CHANGED"_s);
     QCOMPARE(counter.file.cell(u"SELECT StockName FROM StockList WHERE StockID = 'ID-0'"_s), u"CHANGED"_s);
 }
@@ -175,5 +176,5 @@ void StockMeanwhileTest::anotherProgramWritesInTheMiddle()
     QCOMPARE(listedIds(counter), QStringList());
 }
 
-QTEST_MAIN(StockMeanwhileTest)
+HARROWBY_TEST(stock_meanwhile_test, StockMeanwhileTest)
 #include "stock_meanwhile_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/reporting_connection.h"
 
@@ -342,5 +343,5 @@ void StockSavingTest::itemThatGoesWhileAsked()
     QCOMPARE(counter.text("StatusBar1_2"), updated);
 }
 
-QTEST_MAIN(StockSavingTest)
+HARROWBY_TEST(stock_saving_test, StockSavingTest)
 #include "stock_saving_test.moc"

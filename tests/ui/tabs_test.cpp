@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/counter.h"
 
+#include "tests/program/test_program.h"
 #include "tests/ui/interruption.h"
 #include "ui/widgets/tab_strip.h"
 
@@ -579,5 +580,5 @@ void TabsTest::keyboardIsGatedToo()
     QCOMPARE(visibleFrames(counter), (QStringList{u"Frame2"_s, u"Frame3"_s}));
 }
 
-QTEST_MAIN(TabsTest)
+HARROWBY_TEST(tabs_test, TabsTest)
 #include "tabs_test.moc"

@@ -4,6 +4,8 @@
 #include "ui/widgets/row_index.h"
 #include "ui/widgets/text_table_model.h"
 
+#include "tests/program/test_program.h"
+
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
@@ -306,5 +308,5 @@ void TextTableTest::foundBeyond16Bits()
     QCOMPARE(table.text(32'769, 1), u"ITEM"_s);
 }
 
-QTEST_MAIN(TextTableTest)
+HARROWBY_TEST(text_table_test, TextTableTest)
 #include "text_table_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/till.h"
@@ -113,7 +114,7 @@ private:
 void TwoStoresTest::start(QProcess &process, const QStringList &arguments)
 {
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationFilePath(), QStringList{u"--till"_s} + arguments);
+    process.start(QCoreApplication::applicationFilePath(), QStringList{u"two_stores_test"_s, u"--till"_s} + arguments);
     QVERIFY(process.waitForReadyRead(60000));
     QCOMPARE(process.readAllStandardOutput(), "ready\n");
 }
@@ -208,7 +209,7 @@ void TwoStoresTest::stockIsExactAgainstReorders()
     QCOMPARE(shop.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
 }
 
-int main(int argc, char *argv[])
+int two_stores_test(int argc, char **argv)
 {
     const QApplication application(argc, argv);
     if (argc == 5 && qstrcmp(argv[1], "--till") == 0)

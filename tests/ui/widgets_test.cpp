@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 // What each of the window's own widgets promises, one at a time.
 #include "theme/colours.h"
 #include "theme/style.h"
@@ -941,5 +942,5 @@ void WidgetsTest::toolTipsArePlain()
     QCOMPARE(QTextDocumentFragment::fromHtml(html).toPlainText().remove(QChar(0x200B)), text);
 }
 
-QTEST_MAIN(WidgetsTest)
+HARROWBY_TEST(widgets_test, WidgetsTest)
 #include "widgets_test.moc"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
 #include "store/inv_basic.h"
@@ -482,5 +483,5 @@ void WindowTest::captions()
     QCOMPARE(m_counter->text(control.toLatin1().constData()), caption);
 }
 
-QTEST_MAIN(WindowTest)
+HARROWBY_TEST(window_test, WindowTest)
 #include "window_test.moc"

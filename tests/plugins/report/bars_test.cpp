@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/bars.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby::report;
@@ -90,5 +92,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(BarsTest)
+HARROWBY_CORE_TEST(report_bars_test, BarsTest)
 #include "bars_test.moc"

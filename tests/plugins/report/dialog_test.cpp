@@ -4,6 +4,7 @@
 #include "tables/output_bar.h"
 #include "tables/table_view.h"
 #include "tests/plugins/report/shop.h"
+#include "tests/program/test_program.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -395,5 +396,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(DialogTest)
+HARROWBY_TEST(report_dialog_test, DialogTest)
 #include "dialog_test.moc"

@@ -2,6 +2,8 @@
 #include "plugins/report/item_lines.h"
 #include "plugins/report/item_tally.h"
 
+#include "tests/program/test_program.h"
+
 #include <QElapsedTimer>
 #include <QTest>
 
@@ -121,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ItemLinesTest)
+HARROWBY_CORE_TEST(report_item_lines_test, ItemLinesTest)
 #include "item_lines_test.moc"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/period.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby::report;
@@ -69,5 +71,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PeriodTest)
+HARROWBY_CORE_TEST(report_period_test, PeriodTest)
 #include "period_test.moc"

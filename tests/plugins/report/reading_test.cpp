@@ -2,6 +2,7 @@
 #include "plugins/report/sales_reading.h"
 #include "plugins/report/sales_statements.h"
 #include "tests/plugins/report/shop.h"
+#include "tests/program/test_program.h"
 
 #include <QTest>
 
@@ -271,5 +272,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ReadingTest)
+HARROWBY_CORE_TEST(report_reading_test, ReadingTest)
 #include "reading_test.moc"

@@ -2,6 +2,8 @@
 #include "plugins/report/sales_table.h"
 #include "tables/csv.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 using namespace harrowby::report;
@@ -85,5 +87,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SalesTableTest)
+HARROWBY_CORE_TEST(report_table_test, SalesTableTest)
 #include "table_test.moc"

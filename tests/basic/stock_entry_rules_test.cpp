@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "basic/stock_entry.h"
 
+#include "tests/program/test_program.h"
+
 #include <QTest>
 
 #include <functional>
@@ -282,5 +284,5 @@ void StockEntryTest::reorders()
     QTEST(needsReorder(level, available), "low");
 }
 
-QTEST_GUILESS_MAIN(StockEntryTest)
-#include "stock_entry_test.moc"
+HARROWBY_CORE_TEST(stock_entry_rules_test, StockEntryTest)
+#include "stock_entry_rules_test.moc"
