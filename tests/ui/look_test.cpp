@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-// What can be measured of the window's looks, for each work area, on each kind of screen, in a light and a dark
-// palette.
 #include "tests/program/test_program.h"
 #include "tests/ui/busy_window.h"
 
@@ -16,15 +14,11 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
-#include <QFrame>
 #include <QHeaderView>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
-#include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -44,7 +38,9 @@ using harrowby::test::lightPalette;
 namespace {
 
 constexpr int touch = 44;
+
 constexpr int controlGap = 8;
+
 constexpr int allAreas = harrowby::test::workAreas;
 
 bool isControl(const QWidget &widget)
@@ -134,6 +130,7 @@ QString withoutMnemonic(QString caption)
 
 } // namespace
 
+/// What can be measured of the window in each work area, on each kind of screen, in a light and a dark palette.
 class LookTest : public QObject
 {
     Q_OBJECT
@@ -153,21 +150,7 @@ private Q_SLOTS:
     void namesEveryControl();
     void reachesEveryControlByTab_data() { fits_data(); }
     void reachesEveryControlByTab();
-    void contrasts_data();
-    void contrasts();
-    void keepsTheFixedColours();
-    void followsThePalette();
-    void totalIsTheLargestText();
-    void purchaseIsTheMostProminentButton();
-    void cardsAreLarge();
-    void loginIsCentredAndBlocksNothing();
-    void boxesAreLargeEnoughToTouch();
-    void boxesHaveTheTillsIcons_data();
-    void boxesHaveTheTillsIcons();
-    void acceleratorsAreUnique();
     void coveredControlsAreSkipped();
-    void startsWithItsFirstPanels();
-    void hiddenPanelsAreDressedWhenShown();
 
 private:
     std::unique_ptr<BusyWindow> m_window;
@@ -349,203 +332,6 @@ void LookTest::reachesEveryControlByTab()
     QVERIFY(reached.size() == count || (area > 5 && somethingScrolls(window)));
 }
 
-void LookTest::contrasts_data()
-{
-    QTest::addColumn<QPalette>("palette");
-    QPalette tinted = lightPalette();
-    tinted.setColor(QPalette::Window, QColor(214, 208, 200));
-    tinted.setColor(QPalette::WindowText, QColor(70, 70, 70));
-    QPalette black = darkPalette();
-    black.setColor(QPalette::Window, Qt::black);
-    black.setColor(QPalette::Base, Qt::black);
-    QTest::newRow("light") << lightPalette();
-    QTest::newRow("tinted") << tinted;
-    QTest::newRow("dark") << darkPalette();
-    QTest::newRow("black") << black;
-}
-
-void LookTest::contrasts()
-{
-    QFETCH(QPalette, palette);
-    const Colours c = Colours::from(palette);
-    for (const QColor &ground : {c.background, c.card, c.tile, c.field}) {
-        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
-        QVERIFY(contrastRatio(c.muted, ground) >= 4.5);
-        QVERIFY(contrastRatio(c.link, ground) >= 4.5);
-    }
-    for (const QColor &ground : {c.card, c.tile, c.selection}) {
-        QVERIFY(contrastRatio(c.price, ground) >= 7.0);
-        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
-    }
-    QVERIFY(contrastRatio(c.accentText, c.background) >= 4.5);
-    for (const QColor &ground : {c.accent, c.accentHover, c.accentPressed})
-        QVERIFY(contrastRatio(c.onAccent, ground) >= 4.5);
-    QVERIFY(contrastRatio(c.onDanger, c.danger) >= 4.5);
-    QVERIFY(contrastRatio(c.onLevel, c.level) >= 4.5);
-    QVERIFY(contrastRatio(c.onLowLevel, c.lowLevel) >= 4.5);
-    QVERIFY(contrastRatio(c.enoughRow, c.field) >= 4.5);
-    if (c.dark)
-        QVERIFY(contrastRatio(c.lowRow, c.field) >= 4.5);
-    QVERIFY(contrastRatio(c.fieldBorder, c.card) >= 3.0);
-    QVERIFY(contrastRatio(c.accent, c.card) >= 3.0);
-}
-
-void LookTest::keepsTheFixedColours()
-{
-    const Colours c = Colours::from(lightPalette());
-    QVERIFY(!c.dark);
-    QCOMPARE(c.link, QColor(0, 0, 255));
-    QCOMPARE(c.lowRow, QColor(255, 0, 0));
-    QCOMPARE(c.enoughRow, QColor(0, 0, 0));
-    QCOMPARE(c.lowLevel, QColor(255, 0, 0));
-    QCOMPARE(c.level, QColor(255, 255, 255));
-    QVERIFY(Colours::from(darkPalette()).dark);
-    QCOMPARE(contrastRatio(Qt::black, Qt::white), 21.0);
-    QCOMPARE(contrastRatio(Qt::red, Qt::red), 1.0);
-}
-
-void LookTest::followsThePalette()
-{
-    BusyWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const auto colourOf = [](const QLabel *label) { return label->palette().color(label->foregroundRole()); };
-    QCOMPARE(colourOf(window.controls.Label6[9]), QColor(0, 0, 255));
-    const QPoint corner(2, window.height() - 2);
-    QCOMPARE(window.grab().toImage().pixelColor(corner), Colours::current().background);
-    QApplication::setPalette(darkPalette());
-    QCoreApplication::processEvents();
-    QVERIFY(Colours::current().dark);
-    QCOMPARE(colourOf(window.controls.Label6[9]), Colours::current().link);
-    QCOMPARE(window.grab().toImage().pixelColor(corner), Colours::current().background);
-}
-
-void LookTest::totalIsTheLargestText()
-{
-    BusyWindow window;
-    window.resize(1024, 768);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QCoreApplication::processEvents();
-    const auto height = [](const QWidget *widget) { return QFontMetrics(widget->font()).height(); };
-    for (const QWidget *widget : window.findChildren<QWidget *>())
-        if (widget != window.controls.Label5)
-            QVERIFY2(height(widget) < height(window.controls.Label5), qPrintable(widget->objectName()));
-    window.controls.Label5->grab();
-    QCOMPARE(window.controls.Label5->toolTip(), QString()); // a million still fits
-}
-
-void LookTest::purchaseIsTheMostProminentButton()
-{
-    BusyWindow window;
-    window.resize(1024, 768);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const QPushButton *purchase = window.controls.Command14;
-    QVERIFY(purchase->height() >= 64);
-    for (const auto *button : window.findChildren<QPushButton *>()) {
-        if (button == purchase || !button->isVisible())
-            continue;
-        QVERIFY2(button->width() * button->height() < purchase->width() * purchase->height(),
-                 qPrintable(button->objectName()));
-    }
-    QCOMPARE(window.controls.Command14->grab().toImage().pixelColor(30, 10), Colours::current().accent);
-}
-
-void LookTest::cardsAreLarge()
-{
-    BusyWindow window;
-    window.resize(1024, 768);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    for (const QuickSaleButton *card : window.controls.Command1) {
-        QVERIFY(card->width() >= 190);
-        QVERIFY(card->height() >= 130);
-    }
-}
-
-void LookTest::loginIsCentredAndBlocksNothing()
-{
-    BusyWindow window;
-    window.show();
-    window.showWorkArea(8);
-    for (const QSize size : {QSize(1024, 768), QSize(1600, 900)}) {
-        window.resize(size);
-        QCoreApplication::processEvents();
-        const QPoint off = window.controls.Frame12->geometry().center() - window.rect().center();
-        QVERIFY(off.manhattanLength() <= 2);
-    }
-    QVERIFY(!window.controls.Frame12->isModal());
-    QVERIFY(!window.controls.Frame12->isWindow());
-    QVERIFY(window.controls.Command14->isEnabled());
-    QVERIFY(window.controls.TabStrip1->isEnabled());
-    QCOMPARE(window.controls.Text4->echoMode(), QLineEdit::Password);
-}
-
-void LookTest::boxesAreLargeEnoughToTouch()
-{
-    BusyWindow window;
-    window.show();
-    QMessageBox question(QMessageBox::Question, {}, u"Clear Cart?"_s, QMessageBox::Yes | QMessageBox::No, &window);
-    question.show();
-    QInputDialog input(&window);
-    input.show();
-    for (const QDialog *box : std::initializer_list<QDialog *>{&question, &input}) {
-        const auto buttons = box->findChildren<QPushButton *>();
-        QCOMPARE(buttons.size(), 2);
-        for (const QPushButton *button : buttons)
-            QVERIFY(button->height() >= touch);
-    }
-}
-
-void LookTest::boxesHaveTheTillsIcons_data()
-{
-    QTest::addColumn<bool>("dark");
-    QTest::addColumn<QMessageBox::Icon>("icon");
-    QTest::addColumn<QColor>("colour");
-    for (const bool dark : {false, true}) {
-        const Colours colours = Colours::from(dark ? darkPalette() : lightPalette());
-        const QByteArray shade = dark ? "dark" : "light";
-        QTest::newRow(shade + " question") << dark << QMessageBox::Question << colours.accent;
-        QTest::newRow(shade + " information") << dark << QMessageBox::Information << colours.accent;
-        QTest::newRow(shade + " warning") << dark << QMessageBox::Warning << QColor(dark ? 0xffc14d : 0xb86e00);
-        QTest::newRow(shade + " error") << dark << QMessageBox::Critical << colours.danger;
-    }
-}
-
-void LookTest::boxesHaveTheTillsIcons()
-{
-    QFETCH(const bool, dark);
-    QFETCH(const QMessageBox::Icon, icon);
-    QFETCH(const QColor, colour);
-    BusyWindow window;
-    window.show();
-    QMessageBox box(icon, {}, u"Clear Cart?"_s, QMessageBox::Ok, &window);
-    box.show();
-    QApplication::setPalette(dark ? darkPalette() : lightPalette()); // also while it is open
-    QCoreApplication::processEvents();
-    const QImage drawing = box.iconPixmap().toImage();
-    QCOMPARE(drawing.size(), QSize(48, 48));
-    int own = 0;
-    for (int y = 0; y < drawing.height(); ++y)
-        for (int x = 0; x < drawing.width(); ++x)
-            own += drawing.pixelColor(x, y) == colour ? 1 : 0;
-    QVERIFY2(own > 100, qPrintable(QString::number(own)));
-    QVERIFY(contrastRatio(colour, Colours::current().card) >= 3.0);
-}
-
-void LookTest::acceleratorsAreUnique()
-{
-    BusyWindow window;
-    std::set<QString> keys;
-    for (const auto *button : window.findChildren<QAbstractButton *>()) {
-        const QString key = button->shortcut().toString();
-        QVERIFY2(key.isEmpty() || keys.insert(key).second, qPrintable(button->objectName()));
-    }
-    const std::set<QString> expected{u"Alt+C"_s, u"Alt+L"_s, u"Alt+P"_s, u"Alt+R"_s, u"Alt+S"_s};
-    QVERIFY(keys == expected);
-}
-
 void LookTest::coveredControlsAreSkipped()
 {
     BusyWindow window;
@@ -564,51 +350,6 @@ void LookTest::coveredControlsAreSkipped()
     QVERIFY(!reached.contains(window.controls.Command14));
     QVERIFY(reached.contains(window.controls.Combo5));
     QVERIFY(reached.contains(window.controls.LV));
-}
-
-void LookTest::startsWithItsFirstPanels()
-{
-    QMainWindow window;
-    const Controls c(window);
-    QCOMPARE(window.windowTitle(), u"Sales Inventory"_s);
-    for (const QFrame *frame : {c.Frame1, c.Frame2, c.Frame4})
-        QVERIFY2(!frame->isHidden(), qPrintable(frame->objectName()));
-    for (const QFrame *frame :
-         {c.Frame3, c.Frame5, c.Frame7, c.Frame8, c.Frame9, c.Frame10, c.Frame11, c.Frame12, c.Frame13})
-        QVERIFY2(frame->isHidden(), qPrintable(frame->objectName()));
-    QStringList tabs;
-    for (int tab = 0; tab < c.TabStrip1->count(); ++tab)
-        tabs += c.TabStrip1->tabText(tab);
-    QCOMPARE(tabs, QStringList(
-                       {u"Quick Sales"_s, u"Custom Sales"_s, u"Add/Edit Stock"_s, u"Reorder Stock"_s, u"Settings"_s}));
-    QCOMPARE(c.TabStrip2->tabText(0), u"Cart"_s);
-    QCOMPARE(c.TabStrip2->tabText(1), u"Sales Activity"_s);
-    QCOMPARE(c.Combo4->entryText(), u"0"_s);
-    QCOMPARE(c.Label15->text(), u"Nil"_s);
-    QCOMPARE(c.StatusBar1_2->text(), QString());
-    QCOMPARE(c.Label6[7]->text(), u"Click to See Reorder List"_s);
-    QCOMPARE(c.Command1[8]->objectName(), u"Command1_8"_s);
-}
-
-void LookTest::hiddenPanelsAreDressedWhenShown()
-{
-    BusyWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QCoreApplication::processEvents();
-    QPushButton *button = window.controls.Command17;
-    const QLabel *level = window.controls.Label12;
-    QVERIFY(!button->testAttribute(Qt::WA_WState_Polished));
-    QApplication::setPalette(darkPalette());
-    window.showWorkArea(WorkArea::ReorderStock);
-    QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
-    QVERIFY(button->height() >= touch);
-    QVERIFY(button->font().bold());
-    QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
-    QCOMPARE(level->palette().color(level->foregroundRole()), Colours::current().price);
-    window.showWorkArea(WorkArea::QuickSales);
-    window.showWorkArea(WorkArea::ReorderStock);
-    QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
 }
 
 HARROWBY_TEST(look_test, LookTest)

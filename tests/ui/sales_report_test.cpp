@@ -2,6 +2,7 @@
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/ui/interruption.h"
+#include "tests/ui/report_double.h"
 
 #include "store/inv_basic.h"
 
@@ -25,48 +26,6 @@ constexpr auto refusal = "Error loading report, Please restart Harrowby Server o
                          "See https://harrowby.example/faq"_L1;
 
 } // namespace
-
-/// A report component that does what a test tells it to.
-class Report : public QObject
-{
-    Q_OBJECT
-
-public:
-    /// The eight arguments, while the call lasts.
-    struct Call
-    {
-        std::shared_ptr<DbConnection> &connection;
-        QString folder;
-        bool third;
-        QString &msgTitle;
-        bool fifth;
-        bool mayEditStock;
-        bool &canSettings;
-        QString &loggedUser;
-    };
-    using Show = std::function<void(Call &call)>;
-
-    explicit Report(Show show) : m_show(std::move(show)) {}
-
-public Q_SLOTS:
-    void AccountPreview(std::shared_ptr<harrowby::DbConnection> &connection, const QString &folder, bool third,
-                        QString &msgTitle, bool fifth, bool mayEditStock, bool &canSettings, QString &loggedUser)
-    {
-        Call call{connection, folder, third, msgTitle, fifth, mayEditStock, canSettings, loggedUser};
-        m_show(call);
-    }
-
-private:
-    Show m_show;
-};
-
-class ReportOfOtherArguments : public QObject
-{
-    Q_OBJECT
-
-public Q_SLOTS:
-    void AccountPreview(const QString &folder) { qFatal("called with %s", qPrintable(folder)); }
-};
 
 /// Handing the sales report over to the component that draws it.
 class SalesReportTest : public QObject
