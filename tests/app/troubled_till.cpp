@@ -22,7 +22,7 @@ namespace harrowby::app::test {
 namespace {
 
 using harrowby::test::FrozenClock;
-using harrowby::test::ReportingConnection;
+using harrowby::test::RecordingConnection;
 
 /// Answers Yes without a box.
 class Consent final : public Boxes
@@ -96,14 +96,14 @@ void TroubledTill::makeStore() const
 void TroubledTill::connectAll()
 {
     const auto engine = std::make_shared<SqliteConnection>(m_guard->database());
-    m_connection = std::make_shared<ReportingConnection>(engine);
+    m_connection = std::make_shared<RecordingConnection>(engine);
     const auto tell = [this](const DbFailure &failure) {
         told << failure.statement + u": "_s + failure.reason;
         toldOfStatements << failure.statement;
     };
     engine->setFailureHandler(tell);
     m_connection->setFailureHandler(tell);
-    m_connection->after = [this](const QString &statement, bool done) {
+    m_connection->afterWrite = [this](const QString &statement, bool done) {
         (done ? m_done : failedStatements) << statement;
     };
     FailureTelling::setHandler([this](const FileFailure &failure) {

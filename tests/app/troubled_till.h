@@ -4,10 +4,10 @@
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"
 #include "app/start/log_file.h"
+#include "tests/doubles/recording_connection.h"
 #include "tests/platform/isolated_home.h"
 #include "tests/support/database.h"
 #include "tests/support/doubles.h"
-#include "tests/support/reporting_connection.h"
 #include "ui/inventory.h"
 
 #include <harrowby/file_failure.h>
@@ -76,7 +76,7 @@ private:
     std::unique_ptr<harrowby::test::Database> m_store;
     std::unique_ptr<harrowby::test::Database> m_expected;
     QStringList m_done; ///< since the last comparison
-    std::shared_ptr<harrowby::test::ReportingConnection> m_connection;
+    std::shared_ptr<harrowby::test::RecordingConnection> m_connection;
     std::shared_ptr<harrowby::test::FrozenClock> m_clock = std::make_shared<harrowby::test::FrozenClock>();
     std::unique_ptr<Inventory> m_window;
 };

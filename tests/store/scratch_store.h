@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/shop_file.h"
+
 #include <harrowby/sqlite_connection.h>
 
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 
 #include <memory>
 #include <vector>
-
-struct sqlite3;
 
 namespace harrowby {
 
@@ -22,13 +21,12 @@ public:
     explicit ScratchStore(const char *vfs = nullptr);
     ScratchStore(const ScratchStore &) = delete;
     ScratchStore &operator=(const ScratchStore &) = delete;
-    ~ScratchStore();
 
-    [[nodiscard]] QString file() const;
-    [[nodiscard]] sqlite3 *handle() const { return m_handle; }
+    [[nodiscard]] QString file() const { return m_file.path(); }
+    [[nodiscard]] sqlite3 *handle() const { return m_file.handle(); }
     [[nodiscard]] const std::shared_ptr<SqliteConnection> &connection() const { return m_connection; }
     /// Closes the handle as a host does; SQLite's result code.
-    [[nodiscard]] int close();
+    [[nodiscard]] int close() { return m_file.close(); }
 
     /// Past the component, straight to SQLite: statements, and the first column of a SELECT.
     bool run(const QString &statements) const;
@@ -40,8 +38,7 @@ public:
     std::vector<DbFailure> failures;
 
 private:
-    QTemporaryDir m_folder;
-    sqlite3 *m_handle = nullptr;
+    test::ShopFile m_file;
     std::shared_ptr<SqliteConnection> m_connection;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/recording_connection.h"
+#include "tests/doubles/shop_file.h"
 #include "tests/support/box_queue.h"
 #include "tests/support/doubles.h"
 #include "ui/inventory.h"
@@ -8,46 +10,12 @@
 
 #include <harrowby/sqlite_connection.h>
 
-#include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
 
 #include <memory>
 
-struct sqlite3;
-
 namespace harrowby::test {
-
-/// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them.
-class ShopFile
-{
-public:
-    ShopFile();
-    ~ShopFile();
-    ShopFile(const ShopFile &) = delete;
-    ShopFile &operator=(const ShopFile &) = delete;
-
-    [[nodiscard]] sqlite3 *handle() const { return m_handle; }
-    [[nodiscard]] QString path() const;
-    /// Runs statements; a failing one ends the test program with its message.
-    void sql(const QString &statements) const;
-    /// First column of the first row, as text; "(no row)" when there is none.
-    [[nodiscard]] QString cell(const QString &select) const;
-    /// All rows, columns joined by "|".
-    [[nodiscard]] QStringList rows(const QString &select) const;
-
-    void addItem(const QString &id, const QString &name, double cost, double available,
-                 const QString &category = QStringLiteral("DRINKS"), const QString &use = QStringLiteral("Enabled"),
-                 double reorderLevel = 2) const;
-    /// A user with the rights named in `rights` ("Sales", "Report", "Undo", "Delete", "Settings", "Reorder"), who may
-    /// use the tool.
-    void addUser(const QString &name, const QString &password, const QStringList &rights = {},
-                 const QString &type = QStringLiteral("STAFF")) const;
-
-private:
-    QTemporaryDir m_folder;
-    sqlite3 *m_handle = nullptr;
-};
 
 /// The real window on a real file, with everything outside the database at a test's command. Boxes are the real ones,
 /// answered through one queue; a wrong, missing or left-over one fails the test at the end. Receipts, boxes that report

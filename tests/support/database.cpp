@@ -63,9 +63,4 @@ bool Database::copy(const Database &from)
     return sqlite3_backup_finish(backup) == SQLITE_OK && done;
 }
 
-QString quoted(QString text)
-{
-    return u'\'' + text.replace(u"'"_s, u"''"_s) + u'\'';
-}
-
 } // namespace harrowby::test

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/shop_file.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -33,8 +35,5 @@ public:
 private:
     sqlite3 *m_handle = nullptr;
 };
-
-/// As a literal of a statement.
-[[nodiscard]] QString quoted(QString text);
 
 } // namespace harrowby::test

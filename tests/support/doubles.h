@@ -5,12 +5,9 @@
 #include "platform/printers.h"
 #include "platform/saved_settings.h"
 
-#include <harrowby/db_connection.h>
-
 #include <QMap>
 #include <QStringList>
 
-#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -77,36 +74,6 @@ public:
 
 private:
     std::shared_ptr<Printer> m_current;
-};
-
-/// Passes everything on to another connection, notes each statement, and fails those that a test picks.
-class RecordingConnection final : public DbConnection
-{
-public:
-    explicit RecordingConnection(std::shared_ptr<DbConnection> below) : m_below(std::move(below)) {}
-
-    QStringList statements; ///< texts of Execute() and query(), "insert <table>" and "update <table>"
-    int counted = 0;        ///< calls of countRows()
-    std::function<bool(const QString &statement)> fails = [](const QString &) { return false; };
-    std::function<void(const QString &statement)> before = [](const QString &) {};
-
-    bool Execute(const QString &statement) override;
-    [[nodiscard]] std::unique_ptr<DbCursor> query(const QString &select) override;
-    [[nodiscard]] std::optional<std::int64_t> countRows(const QString &select) override;
-    [[nodiscard]] std::optional<std::vector<DbRowId>> rowIds(const QString &select) override;
-    bool insertRow(const QString &table, const DbAssignments &values) override;
-    bool updateRow(const QString &table, DbRowId row, const DbAssignments &values) override;
-    [[nodiscard]] QString location() const override { return m_below->location(); }
-    /// Statements that yield this many rows (0 and more) and then break.
-    std::function<int(const QString &select)> rowsUntilBreak = [](const QString &) { return -1; };
-    bool refusesHolds = false;
-    bool losesCommits = false; ///< of what is held
-    bool hold() override { return !refusesHolds && m_below->hold(); }
-    bool settle(const QString &write) override;
-
-private:
-    bool passes(const QString &statement);
-    std::shared_ptr<DbConnection> m_below;
 };
 
 } // namespace harrowby::test

@@ -56,7 +56,7 @@ Till::Till(sqlite3 *database)
 
 void Till::open(sqlite3 *database, Pace pace)
 {
-    m_connection = std::make_shared<ReportingConnection>(std::make_shared<SqliteConnection>(database));
+    m_connection = std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(database));
     std::shared_ptr<Boxes> boxes = std::make_shared<Consent>();
     if (pace == Pace::Shop) {
         const auto real = std::make_shared<QtBoxes>();
@@ -79,8 +79,10 @@ Till::~Till()
 
 void Till::reportStatements()
 {
-    m_connection->before = [](const QString &statement) { say(u"B "_s + statement); };
-    m_connection->after = [](const QString &statement, bool done) { say((done ? u"A1 "_s : u"A0 "_s) + statement); };
+    m_connection->beforeWrite = [](const QString &statement) { say(u"B "_s + statement); };
+    m_connection->afterWrite = [](const QString &statement, bool done) {
+        say((done ? u"A1 "_s : u"A0 "_s) + statement);
+    };
 }
 
 void Till::logIn(const QString &name, const QString &password)

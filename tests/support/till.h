@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/recording_connection.h"
 #include "tests/support/box_queue.h"
 #include "tests/support/database.h"
 #include "tests/support/doubles.h"
-#include "tests/support/reporting_connection.h"
 #include "ui/inventory.h"
 
 #include <QRandomGenerator>
@@ -56,7 +56,7 @@ private:
     void click(const QString &name) const;
 
     std::unique_ptr<Database> m_database;
-    std::shared_ptr<ReportingConnection> m_connection;
+    std::shared_ptr<RecordingConnection> m_connection;
     std::unique_ptr<BoxQueue> m_answers; ///< of the real boxes, where there are any
     std::shared_ptr<FrozenClock> m_clock = std::make_shared<FrozenClock>();
     std::unique_ptr<Inventory> m_window;

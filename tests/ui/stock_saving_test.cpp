@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
-#include "tests/support/reporting_connection.h"
 
-#include "store/inv_basic.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
@@ -151,9 +149,7 @@ void StockSavingTest::columnsInOrder()
         addOldBun(counter);
     openStock(counter);
     QStringList written;
-    const auto reporting = std::make_shared<ReportingConnection>(counter.connection);
-    reporting->before = [&](const QString &statement) { written << statement; };
-    InvBasic::setConnection(reporting);
+    counter.connection->beforeWrite = [&](const QString &statement) { written << statement; };
     changes ? saveChange(counter) : save(counter);
     QTEST(written.first(), "statement");
     QCOMPARE(written.size(), 2); // and the activity

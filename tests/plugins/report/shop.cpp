@@ -3,6 +3,8 @@
 
 #include "app/shop/schema.h"
 
+#include <harrowby/sqlite_connection.h>
+
 #include <QTest>
 
 #include <sqlite3.h>
@@ -11,20 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::report::test {
 
-std::unique_ptr<DbCursor> WatchedConnection::query(const QString &select)
-{
-    statements << select;
-    if (fails && fails(select))
-        return nullptr;
-    return m_below.query(select);
-}
-
 Shop::Shop()
 {
     QCOMPARE(sqlite3_open(":memory:", &m_database), SQLITE_OK);
     QVERIFY(!app::createTables(m_database));
     QVERIFY(app::createMissingIndexes(m_database));
-    m_connection = std::make_shared<WatchedConnection>(m_database);
+    m_connection =
+        std::make_shared<harrowby::test::RecordingConnection>(std::make_shared<SqliteConnection>(m_database));
 }
 
 Shop::~Shop()

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+struct sqlite3;
+
+namespace harrowby::test {
+
+/// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them.
+class ShopFile
+{
+public:
+    /// `vfs` names the engine's file system to open it through; null for the usual one.
+    explicit ShopFile(const char *vfs = nullptr);
+    ~ShopFile();
+    ShopFile(const ShopFile &) = delete;
+    ShopFile &operator=(const ShopFile &) = delete;
+
+    [[nodiscard]] sqlite3 *handle() const { return m_handle; }
+    [[nodiscard]] QString path() const;
+    /// Closes the handle as a host does; SQLite's result code.
+    [[nodiscard]] int close();
+    /// Runs statements; a failing one ends the test program with its message.
+    void sql(const QString &statements) const;
+    /// First column of the first row, as text; "(no row)" when there is none.
+    [[nodiscard]] QString cell(const QString &select) const;
+    /// All rows, columns joined by "|".
+    [[nodiscard]] QStringList rows(const QString &select) const;
+
+    void addItem(const QString &id, const QString &name, double cost, double available,
+                 const QString &category = QStringLiteral("DRINKS"), const QString &use = QStringLiteral("Enabled"),
+                 double reorderLevel = 2) const;
+    /// A user with the rights named in `rights` ("Sales", "Report", "Undo", "Delete", "Settings", "Reorder"), who may
+    /// use the tool.
+    void addUser(const QString &name, const QString &password, const QStringList &rights = {},
+                 const QString &type = QStringLiteral("STAFF")) const;
+
+private:
+    QTemporaryDir m_folder;
+    sqlite3 *m_handle = nullptr;
+};
+
+/// As a literal of a statement.
+[[nodiscard]] QString quoted(QString text);
+
+} // namespace harrowby::test
