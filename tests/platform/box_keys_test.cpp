@@ -5,6 +5,7 @@
 #include "tests/platform/shown_box.h"
 #include "tests/program/test_program.h"
 
+#include <QAbstractButton>
 #include <QDialog>
 #include <QKeyEvent>
 #include <QMessageBox>

@@ -189,6 +189,7 @@ void DashboardTest::reorderLinkIsQuietWithoutAWindow()
     counter.file.addItem(u"A1"_s, u"TEA"_s, 1, 1);
     counter.open();
     QTest::mouseClick(counter.find("Label6_9"), Qt::LeftButton);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 HARROWBY_TEST(dashboard_test, DashboardTest)

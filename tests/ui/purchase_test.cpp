@@ -282,6 +282,7 @@ void PurchaseTest::noSummaryWithoutShowDetails()
     Counter counter;
     fillCart(counter);
     commit(counter);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void PurchaseTest::dashboardMoves()
