@@ -14,7 +14,6 @@ namespace {
 
 constexpr qint64 FrameLimitItems = 1'000'000;
 constexpr double FrameMs = 1000.0 / 60.0;
-constexpr int PageSize = 9;
 
 class Bench
 {

@@ -73,11 +73,11 @@ void StockEntryTest::faults_data()
         for (const QString &bad : {u""_s, u"abc"_s, u"-1"_s, u"-0.01"_s, u"1.2.3"_s, u"12x"_s, u","_s, u"."_s, u"-"_s,
                                    u"1e400"_s, u"nan"_s, u"inf"_s, u"0x10"_s, u"$1"_s})
             row(qPrintable(QLatin1StringView(figure) + u": "_s + bad), fault,
-                [field, bad](StockEntry &e) { e.*field = bad; });
+                [field = field, bad](StockEntry &e) { e.*field = bad; });
         for (const QString &good : {u"0"_s, u"-0"_s, u"+1"_s, u".5"_s, u"5."_s, u"1, 234.5"_s, u"1,234,567"_s, u"1e3"_s,
                                     u"100000"_s, u"1e-400"_s})
             row(qPrintable(QLatin1StringView(figure) + u": "_s + good), StockFault::None,
-                [field, good](StockEntry &e) { e.*field = good; });
+                [field = field, good](StockEntry &e) { e.*field = good; });
     }
     for (const QString &bad : {u""_s, u"Yes"_s, u"enable"_s, u"Enabled!"_s, u"-1"_s})
         row(qPrintable(u"use: "_s + bad), StockFault::Use, [bad](StockEntry &e) { e.use = bad; });
