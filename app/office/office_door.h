@@ -29,7 +29,8 @@ struct DoorAnswer
 /// What stands in the way before any password is typed; Open when nothing does.
 [[nodiscard]] DoorAnswer findAdministrator(sqlite3 *database);
 
-/// How long the next try has to wait after so many wrong ones.
+/// The whole pause after so many wrong tries: none after two, then 1 s, doubled with each up to 16 s. WrongTries counts
+/// them and says what is left of it.
 [[nodiscard]] std::chrono::milliseconds pauseAfter(int wrongTries);
 
 } // namespace harrowby::app

@@ -9,8 +9,9 @@
 
 namespace harrowby::app {
 
-/// The wrong passwords since the last right one, and how long the next try has to wait. Kept in a small file, so that a
-/// restart changes nothing and several offices share one pause. A file that cannot be read counts as none.
+/// The wrong passwords since the last right one and the time of the last, and what is left of the pause before the next
+/// try; how long a whole pause is, pauseAfter() of office_door.h decides. Kept in a small file, so that a restart
+/// changes nothing and several offices share one pause. A file that cannot be read counts as none.
 class WrongTries
 {
 public:
@@ -21,7 +22,8 @@ public:
     void add(const QDateTime &now);
     /// The password was right.
     void forget();
-    /// Never longer than after so many tries in a row, whatever the clock says.
+    /// How long the next try still has to wait: pauseAfter() less the time since the last try. Never longer than
+    /// pauseAfter(), whatever the clock says.
     [[nodiscard]] std::chrono::milliseconds pause(const QDateTime &now);
 
 private:

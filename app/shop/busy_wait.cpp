@@ -23,7 +23,8 @@ void sleepFor(Milliseconds time)
     std::this_thread::sleep_for(time);
 }
 
-/// Short at first: another till's sale holds the lock for milliseconds.
+/// Short at first: another till's sale holds the lock for milliseconds. The limit of all steps is longestWait in the
+/// header.
 Milliseconds stepOf(int attempt)
 {
     static constexpr std::array<Milliseconds, 6> first = {1ms, 2ms, 5ms, 10ms, 15ms, 25ms};

@@ -7,7 +7,8 @@
 
 #include <optional>
 
-/// What the file system says about a store file, before SQLite is asked.
+/// What the file system says about a store's path before SQLite is asked: names beside it, and why it cannot serve.
+/// Device, inode, size and time of a file (the struct FileFacts) are in file_identity.h.
 namespace harrowby::app {
 
 /// What SQLite calls a database that is in no file.

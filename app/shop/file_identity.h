@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <optional>
 
-/// Identity of the file behind a name, from stat(): opening and closing a store file a second time within one process
-/// would drop SQLite's POSIX locks.
+/// FileId and FileFacts: identity, size and time of the file behind a name. file_facts.h judges a path instead. From
+/// stat(): opening and closing a store file a second time within one process would drop SQLite's POSIX locks.
 namespace harrowby::app {
 
 struct FileId

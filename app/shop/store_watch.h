@@ -14,7 +14,9 @@ struct sqlite3;
 namespace harrowby::app {
 
 /// Checks whether the file that a program has open is still the one that its path names, and unchanged but by SQLite. A
-/// check costs a few system calls, reads no page and runs no statement.
+/// check costs a few system calls, reads no page and runs no statement. store_watch.cpp says which marks are compared:
+/// device and inode of path, file and log; of the header what no statement changes; and, while the log's index counts
+/// no checkpoint, the whole header, size and time. When checks run, and what a finding leads to, is StoreGuard's.
 class StoreWatch
 {
 public:

@@ -32,7 +32,7 @@ inline constexpr SettingPlace EmailReport{QLatin1StringView("Option"), QLatin1St
 /// Whether a purchase prints a receipt: "0" or "1".
 inline constexpr SettingPlace PrintReceipt{QLatin1StringView("Option"), QLatin1StringView("UsePOSforReceipt"),
                                            QLatin1StringView("1")};
-/// The currency sign before an amount on a receipt.
+/// The currency symbol before an amount on a receipt.
 inline constexpr SettingPlace Currency{QLatin1StringView("Option"), QLatin1StringView("Currency"),
                                        QLatin1StringView("N")};
 /// The head of a receipt, printed in capitals. While none is saved, the caption of the component's boxes stands there,

@@ -28,7 +28,8 @@ constexpr int buttonBits = 0x0f;
 constexpr int iconBits = 0x70;
 constexpr int defaultBits = 0x300;
 
-// Touch targets, also where no style sheet of the application applies to the box.
+// Touch targets, also where no style sheet of the application applies to the box. The same 44 as touchHeight in
+// theme/measures.h, which this room may not include.
 constexpr QSize touchSize(88, 44);
 constexpr QSize inputSize(320, 44);
 

@@ -7,7 +7,8 @@
 
 namespace harrowby {
 
-/// The helper programs that talk to the print service, and how long each of them may take.
+/// The helper programs that talk to the print service, and every deadline of printing: of the list of printers, of
+/// handing over a receipt (HandOver), and at the end of the program.
 struct PrintOptions
 {
     QString printProgram = QStringLiteral("lp");

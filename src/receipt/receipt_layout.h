@@ -25,9 +25,10 @@ struct ReceiptLine
 /// The length unit of receipts: so fine that fonts keep their widths when sizes are rounded to it.
 inline constexpr int receiptUnitsPerInch = 1200;
 
-/// Receipt lines set on 80 mm paper. One factor scales all font sizes so that receiptSeparator(), bold or not,
-/// just fits a line. Longer lines wrap, between words where they can. A page is as long as its content, up to
-/// 297 mm; then another page follows. Lengths are in 1/1200 inch. Needs a QGuiApplication, for its fonts.
+/// Receipt lines set on 80 mm paper. One factor (fontScale() in receipt_layout.cpp) scales all font sizes so that
+/// receiptSeparator() of receipt_text.h, bold or not, just fits a line. Longer lines wrap, between words where they
+/// can. A page is as long as its content, up to 297 mm; then another page follows. Lengths are in 1/1200 inch. Needs a
+/// QGuiApplication, for its fonts.
 class ReceiptLayout
 {
 public:

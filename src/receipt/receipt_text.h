@@ -7,7 +7,8 @@
 #include <optional>
 #include <vector>
 
-/// What a receipt says, line by line, and in which font. Wrapping and paging are the printer's.
+/// Head, totals and foot of a receipt, line by line, and in which font. An item line is purchaseElement() of
+/// basic/purchase_text.h. How fonts are scaled so that a separator fits, wrapping and pages: receipt_layout.cpp.
 namespace harrowby {
 
 /// One step of a receipt: font settings to change, then the line to print.
@@ -18,7 +19,8 @@ struct ReceiptStep
     std::optional<bool> bold;    ///< none: as it was
 };
 
-/// The line between the parts of a receipt: 63 hyphens. At its font size, bold or not, it fills the paper's width.
+/// The line between the parts of a receipt: 63 hyphens, counted in receipt_text.cpp. ReceiptLayout
+/// scales all fonts so that at this size, bold or not, it fills the paper's width.
 [[nodiscard]] QString receiptSeparator();
 inline constexpr int receiptSeparatorFontSize = 10; ///< points
 

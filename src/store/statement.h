@@ -28,7 +28,8 @@ private:
 ///
 /// A text value stands between single quotes, and nothing escapes a quote inside it. A value that holds one
 /// would end the literal early, so the whole statement is refused here, before an engine sees it; the same
-/// goes for a NUL, at which the engine would stop reading. A refused statement fails like any other.
+/// goes for a NUL, at which the engine would stop reading. A refused statement fails like any other. What a recordset
+/// adds or updates is no Statement: its values are bound (sqlite_connection.cpp), quotes included.
 class Statement
 {
 public:

@@ -8,7 +8,9 @@
 
 #include <cstdint>
 
-/// Every statement that the component runs, each text once.
+/// Every statement that the window runs, each text once; only the rows that a recordset adds or updates are put
+/// together in sqlite_connection.cpp.
+///
 /// Intended: spacing and capitalisation are uneven; hosts and their tools recognise the statements by these exact
 /// texts.
 namespace harrowby::statements {

@@ -26,7 +26,7 @@
 
 namespace harrowby {
 
-/// Connects a panel's controls each. All that a control calls goes through the fence.
+/// Connects a panel's controls each. All that a control calls goes through the fence, but for Enter in the user name.
 class Inventory::Connections
 {
 public:
@@ -139,6 +139,7 @@ void Inventory::Connections::connectKeys() const
 void Inventory::Connections::connectLogin() const
 {
     new UpperCaseTyping(m_controls.Text3);
+    // Only moves the focus: no handler of the window, so it has no fence.
     QObject::connect(m_controls.Text3, &QLineEdit::returnPressed, m_window,
                      [password = m_controls.Text4] { leadTo(*password); });
     handle(m_controls.Text4, &QLineEdit::returnPressed, &Inventory::logIn);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Who may do what. A control that is connected without a gate is open to everybody. Two handlers check the login
-// themselves, as they do something else without one: logOut() and quickSaleCategoryChanged().
+// Who may do what. connections.cpp connects an action with its gate by handleGated(); passes() is asked before the
+// handler. The tabs are connected without one, as the gate depends on the tab: chooseWorkArea() and chooseSidePanel()
+// ask passes() themselves (tabs.cpp). Two handlers check the login themselves, as they do something else without one:
+// logOut() and quickSaleCategoryChanged(). What is connected otherwise is open to everybody.
 #pragma once
 
 #include "ui/privileges.h"

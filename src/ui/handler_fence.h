@@ -9,8 +9,8 @@ namespace harrowby {
 
 class Breather;
 
-/// Every handler of a window runs through it. Exceptions are logged and end here; a window that is closed while
-/// handlers run is destroyed once the last of them has returned.
+/// Every handler of a window runs through it (connections.cpp). Exceptions are logged and end here; a window that is
+/// closed while handlers run is destroyed once the last of them has returned.
 class HandlerFence
 {
 public:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Guards for handlers that are entered while an earlier one handles events in its loop.
+// For handlers that are entered while an earlier one handles events in its loop: which load is the latest, and what may
+// not begin twice.
 #pragma once
 
 namespace harrowby {
