@@ -39,6 +39,14 @@ QString categoryWork(const QString &verb)
     return verb == u"DELETE"_s ? u"The category was not deleted."_s : u"The category was not renamed."_s;
 }
 
+QString codeWork(const QString &verb)
+{
+    if (verb == u"INSERT"_s)
+        return u"The code of an item was not added."_s;
+    return verb == u"DELETE"_s ? u"The code of an item was not deleted."_s
+                               : u"The codes of an item were not changed."_s;
+}
+
 } // namespace
 
 QString failedWork(const DbFailure &failure)
@@ -54,6 +62,10 @@ QString failedWork(const DbFailure &failure)
         return u"The store settings were not saved."_s;
     if (target.table == u"SYSUSAGE"_s)
         return u"The activity was not recorded."_s;
+    if (target.table == u"HARROWBYCODE"_s)
+        return codeWork(target.verb);
+    if (target.table == u"HARROWBYSETTING"_s)
+        return u"A setting of the shop was not saved."_s;
     return u"A change was not saved."_s;
 }
 

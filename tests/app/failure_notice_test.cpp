@@ -108,6 +108,13 @@ void FailureNoticeTest::words_data()
         u"The category was not deleted."_s);
     row("settings", u"Update StoreSettings SET Email = 1"_s, u"The store settings were not saved."_s);
     row("activity", u"INSERT INTO SysUsage (SystemUsage) Values ('A')"_s, u"The activity was not recorded."_s);
+    row("code", u"insert into HarrowbyCode (Code) values (?)"_s, u"The code of an item was not added."_s);
+    row("code gone", u"delete from HarrowbyCode where Code = ?"_s, u"The code of an item was not deleted."_s);
+    row("codes of a renamed item", u"update HarrowbyCode set StockID = ?"_s,
+        u"The codes of an item were not changed."_s);
+    row("shop's setting", u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s,
+        u"A setting of the shop was not saved."_s);
+    row("shop's settings", u"UPDATE HarrowbySetting"_s, u"A setting of the shop was not saved."_s);
     row("quoted", u"UPDATE \"StockList\" SET x = 1"_s, u"The stock of an item was not changed."_s);
     row("another table", u"UPDATE Birds"_s, u"A change was not saved."_s);
     row("nothing", QString(), u"A change was not saved."_s);

@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: MIT
+#include "app/codes/code_table.h"
+
+#include "app/codes/code_text.h"
+#include "app/codes/gtin.h"
+#include "app/shop/failure_text.h"
+
+#include <algorithm>
+#include <tuple>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+const auto notAdded = u"The code was not added."_s;
+
+QList<RecordValue> valuesOf(const QStringList &texts)
+{
+    return {texts.begin(), texts.end()};
+}
+
+/// "?, ?, ?"
+QString marksFor(const QStringList &texts)
+{
+    return QStringList(texts.size(), u"?"_s).join(u", "_s);
+}
+
+/// Columns: Code, StockID, Units, the item's StockID and StockName.
+ItemCode entryOf(const RecordRow &row)
+{
+    constexpr std::int64_t most = mostUnits;
+    ItemCode entry;
+    entry.code = recordText(row.at(0));
+    entry.stockId = recordText(row.at(1));
+    entry.units = static_cast<int>(std::clamp<std::int64_t>(recordNumber(row.at(2)), 1, most));
+    // A foreign store may compare IDs as numbers, or without regard to case.
+    entry.isOrphan = entry.stockId.isEmpty() || recordText(row.at(3)) != entry.stockId;
+    if (!entry.isOrphan)
+        entry.name = recordText(row.at(4));
+    return entry;
+}
+
+QString selectEntries(const QString &where)
+{
+    return u"select c.Code, c.StockID, c.Units, s.StockID, s.StockName from HarrowbyCode c "
+           "left join StockList s on s.StockID = c.StockID"_s +
+           where;
+}
+
+/// True when the one row was changed.
+Records::Answer<bool> isOne(const Records::Answer<std::int64_t> &changed)
+{
+    if (!changed)
+        return Unexpected(changed.error());
+    return *changed > 0;
+}
+
+template <typename T>
+std::optional<DbFailure> failureIn(const Records::Answer<T> &answer)
+{
+    return answer ? std::nullopt : std::optional(answer.error());
+}
+
+} // namespace
+
+Records::Answer<QList<ItemCode>> CodeTable::list() const
+{
+    const auto rows = m_records.read(tables::code(), {selectEntries({}), {}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<ItemCode> all;
+    for (const RecordRow &row : *rows)
+        all << entryOf(row);
+    const auto key = [](const ItemCode &entry) { return std::tie(entry.stockId, entry.code, entry.isOrphan); };
+    std::sort(all.begin(), all.end(), [&](const ItemCode &a, const ItemCode &b) { return key(a) < key(b); });
+    // Where two items have one ID, the code is still one.
+    const auto isSame = [](const ItemCode &a, const ItemCode &b) { return a.code == b.code; };
+    all.erase(std::unique(all.begin(), all.end(), isSame), all.end());
+    return all;
+}
+
+Records::Answer<QList<StockItem>> CodeTable::itemsWithIds(const QStringList &ids) const
+{
+    const auto rows = m_records.read(
+        {u"select StockID, StockName, StockCost from StockList where StockID in (%1)"_s.arg(marksFor(ids)),
+         valuesOf(ids)});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<StockItem> items;
+    for (const RecordRow &row : *rows) {
+        if (const QString id = recordText(row.at(0)); ids.contains(id))
+            items << StockItem{id, recordText(row.at(1)), recordText(row.at(2))};
+    }
+    return items;
+}
+
+Records::Answer<QList<ItemCode>> CodeTable::entries(const QStringList &codes) const
+{
+    const auto rows = m_records.read(tables::code(),
+                                     {selectEntries(u" where c.Code in (%1)"_s.arg(marksFor(codes))), valuesOf(codes)});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<ItemCode> found;
+    for (const RecordRow &row : *rows)
+        found << entryOf(row);
+    return found;
+}
+
+CodeTable::Problem CodeTable::takenBy(const QString &code, const QString &stockId) const
+{
+    QStringList spellings = gtinSpellings(code);
+    if (spellings.isEmpty())
+        spellings << code;
+    const auto items = itemsWithIds(spellings);
+    if (!items)
+        return failureWords(notAdded, items.error());
+    for (const StockItem &item : *items) {
+        if (item.id == stockId)
+            return u"%1 is the item's own ID, which is read without an entry."_s.arg(shownCode(code));
+        return u"The code is taken: it is the ID of %1."_s.arg(itemWords(item.name, item.id));
+    }
+    const auto entered = entries(spellings);
+    if (!entered)
+        return failureWords(notAdded, entered.error());
+    if (entered->isEmpty())
+        return {};
+    const ItemCode &entry = entered->constFirst();
+    if (entry.isOrphan)
+        return u"The code is taken by an item that is gone. Delete it there, or give it to this item."_s;
+    if (entry.stockId == stockId)
+        return u"%1 has the code already, as %2."_s.arg(itemWords(entry.name, stockId), entry.code);
+    return u"The code is taken: it belongs to %1."_s.arg(itemWords(entry.name, entry.stockId));
+}
+
+CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, int units)
+{
+    const auto code = checkCode(text);
+    if (!code)
+        return u"This is no code: %1."_s.arg(code.error());
+    if (units < 1 || units > mostUnits)
+        return u"A scan can sell 1 to %1 units."_s.arg(mostUnits);
+    Problem problem;
+    const auto added = m_records.together(tables::code(), [&] {
+        problem = takenBy(*code, stockId);
+        if (problem)
+            return false;
+        const auto written =
+            m_records.write(tables::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values (?, ?, ?)"_s,
+                                             {*code, stockId, static_cast<std::int64_t>(units)}});
+        if (!written)
+            problem = failureWords(notAdded, written.error());
+        return !problem;
+    });
+    if (!problem && !added)
+        problem = failureWords(notAdded, added.error());
+    return problem;
+}
+
+Records::Answer<bool> CodeTable::setUnits(const QString &code, int units)
+{
+    const std::int64_t taken = std::clamp(units, 1, mostUnits);
+    return isOne(
+        m_records.write(tables::code(), {u"update HarrowbyCode set Units = ? where Code = ?"_s, {taken, code}}));
+}
+
+Records::Answer<bool> CodeTable::remove(const QString &code)
+{
+    return isOne(m_records.write(tables::code(), {u"delete from HarrowbyCode where Code = ?"_s, {code}}));
+}
+
+Records::Answer<bool> CodeTable::giveTo(const QString &code, const QString &stockId)
+{
+    return isOne(
+        m_records.write(tables::code(), {u"update HarrowbyCode set StockID = ? where Code = ?"_s, {stockId, code}}));
+}
+
+std::optional<DbFailure> CodeTable::itemRenamed(const QString &oldId, const QString &newId)
+{
+    if (oldId.isEmpty() || oldId == newId)
+        return {};
+    const auto left = itemsWithIds({oldId});
+    if (!left)
+        return left.error();
+    if (!left->isEmpty())
+        return {};
+    return moveCodes(oldId, newId);
+}
+
+std::optional<DbFailure> CodeTable::itemAdded(const QString &id)
+{
+    const auto sharing = itemsWithIds({id});
+    if (!sharing)
+        return sharing.error();
+    return sharing->size() > 1 ? std::nullopt : moveCodes(id, {});
+}
+
+/// Looks first, so that a shop without codes gets no table of them.
+std::optional<DbFailure> CodeTable::moveCodes(const QString &oldId, const QString &newId)
+{
+    const auto codes = m_records.read(tables::code(), {u"select Code from HarrowbyCode where StockID = ?"_s, {oldId}});
+    if (!codes || codes->isEmpty())
+        return failureIn(codes);
+    return failureIn(
+        m_records.write(tables::code(), {u"update HarrowbyCode set StockID = ? where StockID = ?"_s, {newId, oldId}}));
+}
+
+QString failureWords(const QString &what, const DbFailure &failure)
+{
+    return what + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
+}
+
+QString itemWords(const QString &name, const QString &id)
+{
+    return u"%1 (%2)"_s.arg(shownCode(name), shownCode(id));
+}
+
+} // namespace harrowby::app

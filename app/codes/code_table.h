@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/records.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+
+namespace harrowby::app {
+
+inline constexpr int mostUnits = 32767; ///< that one press of the counter takes
+
+/// A code, and the item that it belongs to.
+struct ItemCode
+{
+    QString code;
+    QString stockId;       ///< empty when another item has got its former item's ID
+    QString name;          ///< as stored; empty for an orphan
+    int units = 1;         ///< that one scan sells
+    bool isOrphan = false; ///< its item is gone
+};
+
+struct StockItem
+{
+    QString id;
+    QString name;
+    QString cost; ///< as stored, of one unit
+};
+
+/// Codes of items: the table HarrowbyCode (Code, StockID, Units), beside the IDs of the items, which are codes, too.
+/// Each function returns the reason when it fails, which has been told through the records then.
+class CodeTable
+{
+public:
+    template <typename T>
+    using Answer = Records::Answer<T>;
+
+    /// Why a code was not added, in words for a person.
+    using Problem = std::optional<QString>;
+
+    /// The records must outlive it.
+    explicit CodeTable(Records &records) : m_records(records) {}
+
+    /// All codes, by item and code.
+    [[nodiscard]] Answer<QList<ItemCode>> list() const;
+    /// The items whose IDs are among these, exactly.
+    [[nodiscard]] Answer<QList<StockItem>> itemsWithIds(const QStringList &ids) const;
+    /// The entries whose codes are among these, exactly; one for each item of that ID.
+    [[nodiscard]] Answer<QList<ItemCode>> entries(const QStringList &codes) const;
+
+    /// Adds a code to an item that there is. Refuses what is no code, units that the counter does not take, and a code
+    /// that is taken: as an ID or a code, also in another length of the same number.
+    [[nodiscard]] Problem add(const QString &code, const QString &stockId, int units);
+    /// False when the code has gone meanwhile.
+    [[nodiscard]] Answer<bool> setUnits(const QString &code, int units);
+    [[nodiscard]] Answer<bool> remove(const QString &code);
+    /// Gives an orphan to another item.
+    [[nodiscard]] Answer<bool> giveTo(const QString &code, const QString &stockId);
+
+    /// The item has another ID now: its codes follow it, unless a second item has the old one.
+    std::optional<DbFailure> itemRenamed(const QString &oldId, const QString &newId);
+    /// A new item has got this ID: what codes a former item of this ID has left are not the new one's.
+    std::optional<DbFailure> itemAdded(const QString &id);
+
+private:
+    [[nodiscard]] Problem takenBy(const QString &code, const QString &stockId) const;
+    std::optional<DbFailure> moveCodes(const QString &oldId, const QString &newId);
+
+    Records &m_records;
+};
+
+/// What a failure means: `what` was not done, why, and what to do.
+[[nodiscard]] QString failureWords(const QString &what, const DbFailure &failure);
+
+/// "MILK (MIL-0001)"
+[[nodiscard]] QString itemWords(const QString &name, const QString &id);
+
+} // namespace harrowby::app

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "app/records/record_tables.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app::tables {
+
+const RecordTable &setting()
+{
+    static const RecordTable table = {u"HarrowbySetting"_s,
+                                      {u"create table if not exists HarrowbySetting "
+                                       "(Name text not null primary key, Value text not null)"_s}};
+    return table;
+}
+
+const RecordTable &code()
+{
+    static const RecordTable table = {
+        u"HarrowbyCode"_s,
+        {u"create table if not exists HarrowbyCode "
+         "(Code text not null primary key, StockID text not null, Units integer not null)"_s,
+         u"create index if not exists harrowby_code_item on HarrowbyCode (StockID)"_s}};
+    return table;
+}
+
+} // namespace harrowby::app::tables

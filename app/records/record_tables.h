@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The store program's own tables; docs/database.md explains each. What makes them is plain SQL for every engine: types
+/// text, integer, bigint and double precision, no row numbers, times as recordTime() writes them.
+namespace harrowby::app {
+
+struct RecordTable
+{
+    QString name;
+    QStringList making; ///< statements that make it and its indexes, and do nothing where they are there
+};
+
+namespace tables {
+
+/// What belongs to the shop and not to one machine: Name, Value.
+[[nodiscard]] const RecordTable &setting();
+
+/// Codes of items: Code, StockID, Units.
+[[nodiscard]] const RecordTable &code();
+
+} // namespace tables
+
+} // namespace harrowby::app

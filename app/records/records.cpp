@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "app/records/records.h"
+
+#include "basic/logging.h"
+#include "basic/numbers.h"
+
+#include <exception>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Kind = DbFailure::Kind;
+
+/// Too few values would be nulls to SQLite, and no statement to a server.
+std::optional<DbFailure> misfit(Kind kind, const RecordStatement &statement)
+{
+    const qsizetype marks = statement.text.count(u'?');
+    if (marks == statement.values.size())
+        return {};
+    return DbFailure{kind, statement.text,
+                     u"%1 values were given for %2 marks"_s.arg(statement.values.size()).arg(marks), 0};
+}
+
+} // namespace
+
+Records::Answer<QList<RecordRow>> Records::read(const RecordTable &table, const RecordStatement &statement)
+{
+    const auto there = hasTable(table);
+    if (!there)
+        return Unexpected(told(there.error()));
+    return *there ? read(statement) : QList<RecordRow>();
+}
+
+Records::Answer<QList<RecordRow>> Records::read(const RecordStatement &statement)
+{
+    if (auto failure = misfit(Kind::Read, statement))
+        return Unexpected(told(*std::move(failure)));
+    auto rows = select(statement);
+    if (!rows)
+        return Unexpected(told(rows.error()));
+    return rows;
+}
+
+Records::Answer<std::int64_t> Records::write(const RecordTable &table, const RecordStatement &statement)
+{
+    auto failure = misfit(Kind::Write, statement);
+    if (!failure)
+        failure = make(table, statement.text);
+    if (failure)
+        return Unexpected(told(*std::move(failure)));
+    auto rows = change(statement);
+    if (!rows)
+        return Unexpected(told(rows.error()));
+    return rows;
+}
+
+Records::Answer<QList<std::int64_t>> Records::writeTogether(const RecordTable &table,
+                                                            const QList<RecordStatement> &statements)
+{
+    QList<std::int64_t> changed;
+    std::optional<DbFailure> failure;
+    const auto kept = together(table, [&] {
+        for (const RecordStatement &statement : statements) {
+            const auto rows = write(table, statement);
+            if (!rows) {
+                failure = rows.error();
+                return false;
+            }
+            changed << *rows;
+        }
+        return true;
+    });
+    if (failure)
+        return Unexpected(*std::move(failure));
+    if (!kept)
+        return Unexpected(kept.error());
+    return changed;
+}
+
+Records::Answer<bool> Records::together(const RecordTable &table, const std::function<bool()> &work)
+{
+    const QString what = u"UPDATE "_s + table.name;
+    // Made outside: to roll the making of a table back would stop every list that is being filled.
+    auto failure = make(table, what);
+    if (!failure)
+        failure = begin();
+    if (failure) {
+        failure->statement = what;
+        return Unexpected(told(*std::move(failure)));
+    }
+    bool keep = false;
+    try {
+        keep = work();
+    } catch (const std::exception &error) {
+        qCWarning(lcStore) << "Writes that belong together are undone:" << error.what();
+    }
+    if (keep)
+        failure = commit();
+    if (!keep || failure)
+        rollBack();
+    if (failure) {
+        failure->statement = what;
+        return Unexpected(told(*std::move(failure)));
+    }
+    return keep;
+}
+
+/// Every write comes through here first.
+std::optional<DbFailure> Records::make(const RecordTable &table, const QString &forStatement)
+{
+    if (m_beforeWriting)
+        m_beforeWriting();
+    const auto there = hasTable(table);
+    if (there && *there)
+        return {};
+    for (const QString &making : table.making) {
+        if (const auto made = change({making, {}}); !made) {
+            DbFailure failure = made.error();
+            failure.statement = forStatement; // what was not done is the write, not the table
+            return failure;
+        }
+    }
+    return {};
+}
+
+DbFailure Records::told(DbFailure failure) const
+{
+    qCWarning(lcStore).noquote() << "Failed:" << failure.statement << '-' << failure.reason;
+    if (m_failureHandler) {
+        try {
+            m_failureHandler(failure);
+        } catch (const std::exception &error) {
+            qCWarning(lcStore) << "A failure could not be told:" << error.what();
+        }
+    }
+    return failure;
+}
+
+QString recordTime(const QDateTime &moment)
+{
+    return moment.toUTC().toString(Qt::ISODateWithMs);
+}
+
+QDateTime timeOfRecord(const QString &text)
+{
+    return QDateTime::fromString(text, Qt::ISODateWithMs);
+}
+
+QString recordText(const RecordValue &value)
+{
+    if (const auto *text = std::get_if<QString>(&value))
+        return *text;
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return QString::number(*integer);
+    const auto *real = std::get_if<double>(&value);
+    return real != nullptr ? plainText(*real) : QString();
+}
+
+std::int64_t recordNumber(const RecordValue &value)
+{
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return *integer;
+    const double real = recordReal(value);
+    constexpr double bound = 9e18;
+    return real > -bound && real < bound ? static_cast<std::int64_t>(real) : 0;
+}
+
+double recordReal(const RecordValue &value)
+{
+    if (const auto *real = std::get_if<double>(&value))
+        return *real;
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*integer);
+    const auto *text = std::get_if<QString>(&value);
+    return text != nullptr ? leadingNumber(*text) : 0;
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/record_tables.h"
+#include "basic/result.h"
+
+#include <harrowby/db_connection.h>
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <variant>
+
+namespace harrowby::app {
+
+using RecordValue = std::variant<std::monostate, std::int64_t, double, QString>;
+using RecordRow = QList<RecordValue>;
+
+/// A statement and its values. A "?" of the text stands for the next value; what a person has typed comes in as a value
+/// and never as text, so no "?" stands in a literal. The text is plain SQL that every engine understands.
+struct RecordStatement
+{
+    QString text;
+    QList<RecordValue> values;
+};
+
+/// The store program's own records, whatever the engine. User-interface thread only. No function throws, waits for a
+/// person, or enters an event loop.
+///
+/// A table is made before the first write to it; until then it reads as one without rows.
+///
+/// Errors: a statement that fails is logged and handed to the failure handler, once, and returned.
+class Records
+{
+public:
+    using FailureHandler = std::function<void(const DbFailure &)>;
+    template <typename T>
+    using Answer = Result<T, DbFailure>;
+
+    Records() = default;
+    virtual ~Records() = default;
+    Records(const Records &) = delete;
+    Records &operator=(const Records &) = delete;
+
+    /// All rows of a SELECT over this table and, if need be, the component's six.
+    [[nodiscard]] Answer<QList<RecordRow>> read(const RecordTable &table, const RecordStatement &statement);
+    /// All rows of a SELECT over the component's six tables alone.
+    [[nodiscard]] Answer<QList<RecordRow>> read(const RecordStatement &statement);
+    /// The number of rows that an INSERT, UPDATE or DELETE has changed.
+    [[nodiscard]] Answer<std::int64_t> write(const RecordTable &table, const RecordStatement &statement);
+    /// Several writes: all of them, or none. The rows that each has changed.
+    [[nodiscard]] Answer<QList<std::int64_t>> writeTogether(const RecordTable &table,
+                                                            const QList<RecordStatement> &statements);
+
+    /// Runs reads and writes with no other program's write between them. They are kept when `work` returns true, and
+    /// undone when it returns false or when keeping them fails; whether they were kept. A failure in `work` has been
+    /// told already when it returns. Not within another one.
+    [[nodiscard]] Answer<bool> together(const RecordTable &table, const std::function<bool()> &work);
+
+    /// Called with each failure as it happens; must not throw, enter an event loop or use these records.
+    void setFailureHandler(FailureHandler handler) { m_failureHandler = std::move(handler); }
+
+    /// Called before each write: where another reader of the same connection is in the middle of a long list, SQLite
+    /// refuses a write once another program has written. It may end such reads; must not throw.
+    void setBeforeWriting(std::function<void()> prepare) { m_beforeWriting = std::move(prepare); }
+
+protected:
+    /// How the engine does it. Each returns the failure, which is told by its caller.
+    virtual Answer<bool> hasTable(const RecordTable &table) = 0;
+    virtual Answer<QList<RecordRow>> select(const RecordStatement &statement) = 0;
+    virtual Answer<std::int64_t> change(const RecordStatement &statement) = 0;
+    /// Takes the write lock.
+    virtual std::optional<DbFailure> begin() = 0;
+    virtual std::optional<DbFailure> commit() = 0;
+    virtual void rollBack() = 0;
+
+private:
+    [[nodiscard]] std::optional<DbFailure> make(const RecordTable &table, const QString &forStatement);
+    DbFailure told(DbFailure failure) const;
+
+    FailureHandler m_failureHandler;
+    std::function<void()> m_beforeWriting;
+};
+
+/// ISO 8601 in UTC with milliseconds: such texts sort as the times do.
+[[nodiscard]] QString recordTime(const QDateTime &moment);
+/// Invalid for any other text.
+[[nodiscard]] QDateTime timeOfRecord(const QString &text);
+
+/// A value as text; a number in its shortest form, null as an empty text.
+[[nodiscard]] QString recordText(const RecordValue &value);
+/// A value as a whole number; 0 for what is none.
+[[nodiscard]] std::int64_t recordNumber(const RecordValue &value);
+/// A value as a number; 0 for what is none.
+[[nodiscard]] double recordReal(const RecordValue &value);
+
+} // namespace harrowby::app

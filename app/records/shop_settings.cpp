@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "app/records/shop_settings.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+RecordStatement removing(const QString &name)
+{
+    return {u"delete from HarrowbySetting where Name = ?"_s, {name}};
+}
+
+} // namespace
+
+QString ShopSettings::value(const QString &name, const QString &defaultValue) const
+{
+    const auto rows =
+        m_records.read(tables::setting(), {u"select Value from HarrowbySetting where Name = ?"_s, {name}});
+    return rows && !rows->isEmpty() ? recordText(rows->constFirst().constFirst()) : defaultValue;
+}
+
+Records::Answer<QList<std::pair<QString, QString>>> ShopSettings::startingWith(const QString &prefix) const
+{
+    const auto rows = m_records.read(tables::setting(), {u"select Name, Value from HarrowbySetting"_s, {}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<std::pair<QString, QString>> found;
+    for (const RecordRow &row : *rows) {
+        if (const QString name = recordText(row.at(0)); name.startsWith(prefix))
+            found.emplaceBack(name.sliced(prefix.size()), recordText(row.at(1)));
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+std::optional<DbFailure> ShopSettings::save(const QString &name, const QString &value)
+{
+    const auto saved = m_records.writeTogether(
+        tables::setting(),
+        {removing(name), {u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s, {name, value}}});
+    return saved ? std::nullopt : std::optional(saved.error());
+}
+
+std::optional<DbFailure> ShopSettings::remove(const QString &name)
+{
+    const auto removed = m_records.write(tables::setting(), removing(name));
+    return removed ? std::nullopt : std::optional(removed.error());
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "app/records/sqlite_records.h"
+
+#include "engine/sqlite_statement.h"
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Kind = DbFailure::Kind;
+
+QList<DbValue> bound(const QList<RecordValue> &values)
+{
+    QList<DbValue> all;
+    for (const RecordValue &value : values)
+        all << std::visit([](const auto &one) { return DbValue(one); }, value);
+    return all;
+}
+
+/// Bytes, which no table of the program's own holds, are read as the text that they are.
+RecordValue stored(const DbValue &value)
+{
+    if (const auto *integer = std::get_if<std::int64_t>(&value))
+        return *integer;
+    if (const auto *real = std::get_if<double>(&value))
+        return *real;
+    if (const auto *text = std::get_if<QString>(&value))
+        return *text;
+    const auto *bytes = std::get_if<QByteArray>(&value);
+    return bytes != nullptr ? RecordValue(QString::fromUtf8(*bytes)) : RecordValue();
+}
+
+/// A lost file has its own code and reason, which the engine does not know.
+DbFailure failureOf(Kind kind, const QString &text, const SqliteStatement &statement)
+{
+    const SqlError error = statement.error().value_or(SqlError());
+    const bool isLost = error.code == SQLITE_READONLY_DBMOVED;
+    return {kind, text, error.reason, isLost ? error.code : statement.extendedCode()};
+}
+
+} // namespace
+
+Records::Answer<bool> SqliteRecords::hasTable(const RecordTable &table)
+{
+    const QString text = u"select 1 from sqlite_master where type = 'table' and name = ?"_s;
+    SqliteStatement query(m_database, text, {table.name});
+    const bool found = query.next();
+    if (query.hasFailed())
+        return Unexpected(failureOf(Kind::Read, text, query));
+    return found;
+}
+
+Records::Answer<QList<RecordRow>> SqliteRecords::select(const RecordStatement &statement)
+{
+    SqliteStatement query(m_database, statement.text, bound(statement.values));
+    const int columns = static_cast<int>(query.hasFailed() ? 0 : query.columnNames().size());
+    QList<RecordRow> rows;
+    while (query.next()) {
+        RecordRow row;
+        for (int column = 0; column < columns; ++column)
+            row << stored(query.value(column));
+        rows << row;
+    }
+    if (query.hasFailed())
+        return Unexpected(failureOf(Kind::Read, statement.text, query));
+    return rows;
+}
+
+Records::Answer<std::int64_t> SqliteRecords::change(const RecordStatement &statement)
+{
+    SqliteStatement query(m_database, statement.text, bound(statement.values));
+    while (query.next()) {
+    }
+    if (query.hasFailed())
+        return Unexpected(failureOf(Kind::Write, statement.text, query));
+    return sqlite3_changes(m_database);
+}
+
+std::optional<DbFailure> SqliteRecords::begin()
+{
+    return run(u"begin immediate"_s);
+}
+
+std::optional<DbFailure> SqliteRecords::commit()
+{
+    return run(u"commit"_s);
+}
+
+/// SQLite rolls back by itself after some errors.
+void SqliteRecords::rollBack()
+{
+    if (sqlite3_get_autocommit(m_database) == 0)
+        (void)run(u"rollback"_s);
+}
+
+std::optional<DbFailure> SqliteRecords::run(const QString &text)
+{
+    SqliteStatement statement(m_database, text, QList<DbValue>());
+    while (statement.next()) {
+    }
+    if (statement.hasFailed())
+        return failureOf(Kind::Write, text, statement);
+    return {};
+}
+
+} // namespace harrowby::app
