@@ -3,6 +3,7 @@
 // where things are on the screen and what they say. The program itself knows nothing of it, and the test presses and
 // types through the X server.
 #include <QAbstractButton>
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QGenericPlugin>
 #include <QLabel>
@@ -13,6 +14,7 @@
 #include <QWindow>
 
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <cstdio>
 
@@ -95,6 +97,27 @@ QString answer(const QString &line)
     return verb == u"focus"_s ? focused() : u"?"_s;
 }
 
+/// Counts the key presses that the X server has sent, the repeats of a key that is held down among them, before anybody
+/// in the program can drop them.
+class KeyCounter : public QAbstractNativeEventFilter
+{
+public:
+    bool nativeEventFilter(const QByteArray &, void *event, qintptr *) override
+    {
+        const auto type = static_cast<const xcb_generic_event_t *>(event)->response_type;
+        if ((type & ~sentByAClient) == XCB_KEY_PRESS)
+            ++m_presses;
+        return false;
+    }
+
+    [[nodiscard]] int presses() const { return m_presses; }
+
+private:
+    static constexpr int sentByAClient = 0x80;
+
+    int m_presses = 0;
+};
+
 class Driver : public QObject
 {
     Q_OBJECT
@@ -103,6 +126,7 @@ public:
     Driver() : m_stopAt(qEnvironmentVariable("HARROWBY_DRIVER_STOP")), m_input(STDIN_FILENO, QSocketNotifier::Read)
     {
         connect(&m_input, &QSocketNotifier::activated, this, &Driver::readLines);
+        qApp->installNativeEventFilter(&m_keys);
         if (!m_stopAt.isEmpty())
             qApp->installEventFilter(this);
     }
@@ -130,7 +154,8 @@ private:
             return m_input.setEnabled(false);
         m_pending.append(bytes, count);
         for (qsizetype end = m_pending.indexOf('\n'); end >= 0; end = m_pending.indexOf('\n')) {
-            reply(answer(QString::fromUtf8(m_pending.left(end))));
+            const QString line = QString::fromUtf8(m_pending.left(end));
+            reply(line.startsWith(u"presses"_s) ? QString::number(m_keys.presses()) : answer(line));
             m_pending.remove(0, end + 1);
         }
     }
@@ -144,6 +169,7 @@ private:
 
     QString m_stopAt;
     QSocketNotifier m_input;
+    KeyCounter m_keys;
     QByteArray m_pending;
 };
 

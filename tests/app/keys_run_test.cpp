@@ -31,6 +31,7 @@ private:
     void turnTheWheelOverTheTabs(RunningProgram &program);
     void closeByKeys(RunningProgram &program);
     void press(RunningProgram &program, const QString &name, int times, const QString &focus);
+    void leanOn(RunningProgram &program, const QString &key);
 
     QTemporaryDir m_home;
     std::unique_ptr<Screen> m_screen;
@@ -109,6 +110,16 @@ void KeysRunTest::press(RunningProgram &program, const QString &name, int times,
     QTRY_COMPARE_WITH_TIMEOUT(program.focus(), focus, 30000);
 }
 
+/// Presses a key that opens a question, and holds it until it has repeated over the box.
+void KeysRunTest::leanOn(RunningProgram &program, const QString &key)
+{
+    m_screen->keyDown(key);
+    QTRY_VERIFY_WITH_TIMEOUT(program.place(u"No"_s).x() > 0, 30000);
+    const int before = program.keyPresses();
+    QTRY_VERIFY_WITH_TIMEOUT(program.keyPresses() >= before + 5, 30000);
+    m_screen->keyUp(key);
+}
+
 void KeysRunTest::sellByKeys(RunningProgram &program)
 {
     press(program, u"Right"_s, 1, u"Command1_1"_s);
@@ -125,7 +136,7 @@ void KeysRunTest::sellByKeys(RunningProgram &program)
     m_screen->key(u"Escape"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Command14"_s, 30000);
     for (const QString &key : {u"Return"_s, u"F12"_s}) {
-        m_screen->hold(key);
+        leanOn(program, key);
         QVERIFY(program.box().startsWith(u"Item List:"_s));
         m_screen->key(u"Escape"_s);
         QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Command14"_s, 30000);

@@ -107,11 +107,13 @@ int Screen::count(QRgb colour, const QRect &part) const
         std::ranges::count_if(pixels, [colour](quint32 pixel) { return (pixel & RGB_MASK) == (colour & RGB_MASK); }));
 }
 
-void Screen::hold(const QString &name) const
+void Screen::keyDown(const QString &name) const
 {
-    constexpr int untilItRepeats = 1200; // the X server begins after 660
     input({u"keydown"_s, name});
-    QTest::qWait(untilItRepeats);
+}
+
+void Screen::keyUp(const QString &name) const
+{
     input({u"keyup"_s, name});
 }
 
@@ -124,6 +126,12 @@ void Screen::moveWindow(const QString &title, const QPoint &place) const
 {
     input({u"search"_s, u"--onlyvisible"_s, u"--name"_s, u'^' + title + u'$', u"windowmove"_s,
            QString::number(place.x()), QString::number(place.y())});
+}
+
+void Screen::bringToFront(qint64 process, const QString &title) const
+{
+    input({u"search"_s, u"--sync"_s, u"--onlyvisible"_s, u"--all"_s, u"--pid"_s, QString::number(process), u"--name"_s,
+           u'^' + title + u'$', u"windowactivate"_s, u"--sync"_s});
 }
 
 void Screen::turnWheel(bool down) const

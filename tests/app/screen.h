@@ -33,12 +33,14 @@ public:
     void key(const QString &name) const;
     /// How many pixels of that part of the screen have this colour now; -1 when it cannot be looked at.
     [[nodiscard]] int count(QRgb colour, const QRect &part) const;
-    /// Keeps a key down until it repeats, and some more.
-    void hold(const QString &name) const;
+    void keyDown(const QString &name) const;
+    void keyUp(const QString &name) const;
     void moveTo(const QPoint &place) const;
     void turnWheel(bool down) const;
     /// Moves the window of that title, so that what it covered has to be painted.
     void moveWindow(const QString &title, const QPoint &place) const;
+    /// Waits for the window of that title of that process, and until the window manager has put it in front.
+    void bringToFront(qint64 process, const QString &title) const;
 
 private:
     void input(const QStringList &arguments) const;
@@ -73,6 +75,9 @@ public:
     /// Text of the message box in front, its line breaks as tabs; "-" when there is none.
     [[nodiscard]] QString box() { return ask(QStringLiteral("box ")); }
     [[nodiscard]] QString focus() { return ask(QStringLiteral("focus ")); }
+    /// How many key presses have reached the program so far, the repeats of a key that is held down among them.
+    [[nodiscard]] int keyPresses() { return ask(QStringLiteral("presses ")).toInt(); }
+    void bringToFront(const QString &title) const { m_screen.bringToFront(m_process.processId(), title); }
 
 private:
     [[nodiscard]] QString ask(const QString &question);
