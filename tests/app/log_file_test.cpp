@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void fullFileIsPutAsideOnce();
     void twoProgramsRotateOneLog();
     void manyProgramsLoseNoLine();
+    void rotationUnderWayIsLeftAlone();
     void hugeFileIsPutAside();
     void filesAreTheOwnersAlone();
     void whatIsNoFileIsNotWaitedFor_data();
@@ -144,6 +146,22 @@ void LogFileTest::manyProgramsLoseNoLine()
     QCOMPARE(all.size(), programs * lines);
     QCOMPARE(QDir(QFileInfo(m_path).path()).entryList(QDir::Files | QDir::Hidden),
              (QStringList{u"harrowby.log"_s, u"harrowby.log.1"_s}));
+}
+
+void LogFileTest::rotationUnderWayIsLeftAlone()
+{
+    LogFile log(m_path, 100);
+    QVERIFY(log.add(QtWarningMsg, u"c"_s, u"first"_s));
+    QLockFile other(m_path + u".lock"_s);
+    QVERIFY(other.tryLock());
+    QVERIFY(log.add(QtWarningMsg, u"c"_s, QString(100, u'x')));
+    QVERIFY(log.add(QtWarningMsg, u"c"_s, u"third"_s));
+    QVERIFY(!QFile::exists(m_path + u".1"_s));
+    QCOMPARE(linesOf(m_path).size(), 3);
+    other.unlock();
+    QVERIFY(log.add(QtWarningMsg, u"c"_s, u"fourth"_s));
+    QCOMPARE(linesOf(m_path + u".1"_s).size(), 3);
+    QCOMPARE(linesOf(m_path).size(), 1);
 }
 
 void LogFileTest::hugeFileIsPutAside()
