@@ -13,8 +13,9 @@ namespace harrowby::app {
 
 /// SQLite busy handler: how long the till waits for a store file that another program has locked. `longestWait` is the
 /// budget for one action of the user, however many statements it runs; once it is used up, further statements fail at
-/// once. It is refilled when this thread's outermost event loop is about to wait; a box's loop does not refill it. Both
-/// limits, the 10 s of the budget and the 300 ms before a wait is shown, stand here; the steps are in busy_wait.cpp.
+/// once. It is refilled when this thread's outermost event loop is about to wait, and when a store has been opened
+/// (openStoreBeside()); a box's loop does not refill it. Both limits, the 10 s of the budget and the 300 ms before a
+/// wait is shown, stand here; the steps are in busy_wait.cpp.
 class BusyWait final : public QObject
 {
     Q_OBJECT

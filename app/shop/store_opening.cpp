@@ -107,6 +107,7 @@ Result<SqliteDatabase, StoreProblem> openStoreBeside(const QString &path, BusyWa
     loop.exec();
     opening.join();
     wait.setWatcher({});
+    wait.refill();       // what comes next is another action
     return opened.get(); // throws what the thread has thrown
 }
 

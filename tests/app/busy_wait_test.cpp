@@ -47,6 +47,8 @@ private Q_SLOTS:
     void openingThatWaitsIsSaid();
     void signIsAPartOfTheWindowInFront();
     void signStandsAloneWithoutAWindow();
+    void waitWhileTheWindowLoadsIsSaid_data();
+    void waitWhileTheWindowLoadsIsSaid();
 
 private:
     /// Runs a change on the locked file. True when it failed because of the lock.
@@ -284,6 +286,44 @@ void BusyWaitTest::signStandsAloneWithoutAWindow()
     QVERIFY(!ended);
     sign.show();
     QVERIFY(loneSign() != nullptr);
+}
+
+void BusyWaitTest::waitWhileTheWindowLoadsIsSaid_data()
+{
+    QTest::addColumn<bool>("logged");
+    QTest::addColumn<QString>("statement");
+    const auto change = u"UPDATE StockList SET StockAvailable = 1"_s;
+    QTest::newRow("write-ahead log, a change") << true << change;
+    QTest::newRow("rollback journal, a change") << false << change;
+    QTest::newRow("rollback journal, a read") << false << u"SELECT * FROM StockList"_s;
+}
+
+/// Opening is an action of its own. Even when it has waited in vain for the write-ahead log, loading waits anew, and
+/// says so.
+void BusyWaitTest::waitWhileTheWindowLoadsIsSaid()
+{
+    QFETCH(const bool, logged);
+    QFETCH(const QString, statement);
+    m_till.reset();
+    runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
+    BusyWait wait(10s, [](auto) {});
+    {
+        SqliteStatement reading(m_other.get(), u"SELECT * FROM StockList"_s);
+        QVERIFY(logged || reading.next()); // keeps the store from its log
+        QVERIFY(!into(m_till, openStoreBeside(path(), wait)));
+    }
+    QCOMPARE(readText(m_till.get(), u"PRAGMA journal_mode"_s), logged ? u"wal"_s : u"delete"_s);
+    WaitSign sign(u"Waiting"_s, u"It is locked."_s);
+    bool isSaid = false;
+    wait.setWatcher([&] {
+        sign.show();
+        isSaid = loneSign() != nullptr;
+        unlock();
+    });
+    QVERIFY(!runSql(m_other.get(), u"BEGIN EXCLUSIVE"_s));
+    QVERIFY(!runSql(m_till.get(), statement));
+    QVERIFY(isSaid);
+    m_till.reset();
 }
 
 HARROWBY_TEST(app_busy_wait_test, BusyWaitTest)
