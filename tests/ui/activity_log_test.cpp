@@ -107,6 +107,7 @@ void ActivityLogTest::boxOnlyWithShowDetails()
     counter.setText("Combo16", u"DRINKS"_s);
     counter.boxes.expect(u"Category [DRINKS] Added!"_s, box::Information);
     counter.click("Command2");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void ActivityLogTest::quietNeverShowsABox()

@@ -226,6 +226,7 @@ void CartTest::clearEmptyCart()
     openShop(counter);
     counter.boxes.expect(u"Cart is Empty!"_s, box::Exclamation);
     counter.click("Command13");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CartTest::clearRefused()
@@ -305,6 +306,7 @@ void CartTest::priceChangeNeedsLogin()
     counter.logIn(u"ADMINISTRATOR"_s, u"WRONG"_s); // a failed login leaves nobody logged in, and the cart full
     counter.boxes.expect(u"You must login first!"_s, box::Exclamation);
     openRow(counter, 0);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CartTest::closingAsksTheEmptyCartText()

@@ -153,6 +153,7 @@ void CategoriesTest::blankName()
     openSettings(counter);
     counter.boxes.expect(u"Category Name Entry is Blank!"_s, box::Exclamation);
     addByHand(counter, u"   "_s);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CategoriesTest::listedTwice()
@@ -189,6 +190,7 @@ void CategoriesTest::changeWithoutCategories()
     openSettings(counter, {});
     counter.boxes.expect(u"There are no Category to Change"_s, box::Exclamation);
     counter.click("Command22");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CategoriesTest::changeWithoutSelection()
@@ -197,6 +199,7 @@ void CategoriesTest::changeWithoutSelection()
     openSettings(counter);
     counter.boxes.expect(u"Please First Select a Category!"_s, box::Exclamation);
     counter.click("Command22");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CategoriesTest::change()
@@ -278,6 +281,7 @@ void CategoriesTest::removeWithoutCategories()
     openSettings(counter, {});
     counter.boxes.expect(u"There are no Category to Delete."_s, box::Exclamation);
     counter.click("Command3");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void CategoriesTest::removeWithoutSelection()
@@ -286,6 +290,7 @@ void CategoriesTest::removeWithoutSelection()
     openSettings(counter);
     counter.boxes.expect(u"Please First Select a Category to Delete!"_s, box::Exclamation);
     counter.click("Command3");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 namespace {

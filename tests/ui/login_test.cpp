@@ -111,6 +111,8 @@ void LoginTest::viewersNeverGetIn()
     counter.open();
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn(u"EVE"_s, u"PW"_s);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::usersWithoutTypeNeverGetIn()
@@ -120,6 +122,8 @@ void LoginTest::usersWithoutTypeNeverGetIn()
     counter.open();
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn(u"EVE"_s, u"PW"_s);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 void LoginTest::useFlag_data()
@@ -393,6 +397,8 @@ void LoginTest::missingTableIsAWrongPassword()
     counter.file.sql(u"DROP TABLE Users"_s);
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn();
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
+    QVERIFY(!counter.state().login.IsLoggedIn);
 }
 
 HARROWBY_TEST(login_test, LoginTest)

@@ -135,6 +135,7 @@ void ProceduresTest::plainBox()
     counter.boxes.expect(u"styled"_s, box::Critical);
     probe.logActivity(u"styled"_s, box::Critical, false, false);
     probe.logActivity(u"quiet"_s, box::Critical, true, true);
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void ProceduresTest::emptyMessage()

@@ -89,6 +89,7 @@ void PurchaseTest::emptyCart()
     openShop(counter);
     counter.boxes.expect(u"Cart is Empty!"_s, box::Exclamation);
     counter.click("Command14");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void PurchaseTest::refusedConfirmationChangesNothing()
@@ -275,6 +276,7 @@ void PurchaseTest::summaryBox()
                          "Purchased Items Cost: 1,255.00\r\n\r\nPurchased Item Date: 2018/Mar/05 14:07:09\r\n\r\n"_s,
                          box::Information);
     counter.click("Command14");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void PurchaseTest::noSummaryWithoutShowDetails()

@@ -457,6 +457,7 @@ void QuickSalesTest::fractionalStock()
         u"There are only 1.5 item(s) in stock for A1  |  TEA and have already of 1 this item(s) in cart."_s,
         box::Information);
     counter.click("Command1_0");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void QuickSalesTest::mixedCaseNameIsRefused()

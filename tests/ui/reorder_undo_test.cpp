@@ -38,6 +38,7 @@ void ReorderUndoTest::undoNeedsLogin()
     counter.open();
     counter.boxes.expect(u"You must Login in First!"_s, box::Exclamation);
     counter.click("Command23");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void ReorderUndoTest::undoNeedsItsRight()
@@ -62,6 +63,7 @@ void ReorderUndoTest::nothingToUndoAtFirst()
     openShop(counter);
     counter.boxes.expect(nothingToUndo, box::Exclamation);
     counter.click("Command23");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void ReorderUndoTest::undoTakesTheUnitsBack()

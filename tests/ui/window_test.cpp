@@ -309,6 +309,7 @@ void WindowTest::loadsWithoutConnection()
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
     counter.logIn();
     counter.close();
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void WindowTest::statementsOfLoading()
@@ -361,6 +362,7 @@ void WindowTest::help()
                          "support@harrowby.example."_s,
                          box::Information);
     counter.click("Command20");
+    QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());
 }
 
 void WindowTest::handlerThatThrowsEndsAlone()
