@@ -204,8 +204,8 @@ void UsersPage::fill()
     const StoreUser *before = current();
     constexpr qint64 noRow = std::numeric_limits<qint64>::min();
     const qint64 chosen = before != nullptr ? before->row : noRow;
-    const auto users = m_table.list();
-    m_users = users.value_or(QList<StoreUser>());
+    const UsersTable::Listing listing = m_table.list();
+    m_users = listing.users;
     {
         const QSignalBlocker quietly(m_list);
         m_list->clear();
@@ -218,8 +218,8 @@ void UsersPage::fill()
             m_list->setCurrentRow(0);
     }
     showUser();
-    if (!users)
-        showOutcome(*m_outcome, u"\u26a0 "_s + users.error());
+    if (listing.problem)
+        showOutcome(*m_outcome, u"\u26a0 "_s + *listing.problem);
 }
 
 const StoreUser *UsersPage::current() const

@@ -82,18 +82,18 @@ QString loginObstacle(const StoreUser &user)
     return user.rights.contains(userRights().constFirst().column) ? QString() : u"may not use the till"_s;
 }
 
-Result<QList<StoreUser>, QString> UsersTable::list() const
+UsersTable::Listing UsersTable::list() const
 {
-    QList<StoreUser> users;
+    Listing listing;
     const QStringList columns = rightColumns();
     SqliteStatement query(
         m_database, u"SELECT rowid, Username, Type, Password, %1 FROM Users ORDER BY UPPER(Username), rowid"_s.arg(
                         columns.join(u", "_s)));
     while (query.next())
-        users << userOf(query, columns);
+        listing.users << userOf(query, columns);
     if (query.error())
-        return Unexpected(engineWords(u"The users could not be read."_s, *query.error()));
-    return users;
+        listing.problem = engineWords(u"The users could not be read."_s, *query.error());
+    return listing;
 }
 
 UsersTable::Problem UsersTable::add(const NewUser &user) const
@@ -119,10 +119,10 @@ UsersTable::Problem UsersTable::add(const NewUser &user) const
 UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
 {
     const QString name = storedUserName(user.name);
-    const auto users = list();
-    if (!users)
-        return users.error();
-    const bool taken = std::any_of(users->cbegin(), users->cend(),
+    const auto [users, problem] = list();
+    if (problem)
+        return problem;
+    const bool taken = std::any_of(users.cbegin(), users.cend(),
                                    [&](const StoreUser &other) { return storedUserName(other.name) == name; });
     if (taken)
         return u"There is a user \"%1\" already. Capital and small letters make no difference."_s.arg(name);

@@ -40,11 +40,16 @@ class UsersTable
 public:
     using Problem = std::optional<QString>;
 
+    struct Listing
+    {
+        QList<StoreUser> users; ///< by name
+        Problem problem;        ///< set when reading failed; `users` are then those before the failure
+    };
+
     /// The database must outlive it.
     explicit UsersTable(sqlite3 *database) : m_database(database) {}
 
-    /// All users by name.
-    [[nodiscard]] Result<QList<StoreUser>, QString> list() const;
+    [[nodiscard]] Listing list() const;
     /// Refuses a name that the store has already under any capitals, and what the login would not find.
     [[nodiscard]] Problem add(const NewUser &user) const;
     [[nodiscard]] Problem setPassword(const StoreUser &user, const QString &password) const;

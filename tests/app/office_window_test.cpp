@@ -42,6 +42,7 @@ private Q_SLOTS:
     void openStoreIsToldAndClosed();
     void leftFolderOfTheLastBackupIsRemoved();
     void usersAreListed();
+    void usersBeforeADamagedRowAreListed();
     void rightIsSwitchedAndStored();
     void failedSwitchShowsWhatIsStored();
     void administratorIsLocked();
@@ -197,6 +198,18 @@ void OfficeWindowTest::usersAreListed()
     QCOMPARE(list->item(0)->text(), u"ADMINISTRATOR\nADMINISTRATOR"_s);
     QCOMPARE(list->item(1)->text(), u"ANNA\nSTAFF"_s);
     QCOMPARE(list->item(2)->text(), u"BOB\nOWNER \u2013 may not use the till"_s);
+}
+
+void OfficeWindowTest::usersBeforeADamagedRowAreListed()
+{
+    m_window.reset();
+    m_database.reset();
+    loseIndexedRows(m_path, u"harrowby_user_name"_s, u"Users WHERE Username = 'BOB'"_s);
+    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; }, {}};
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    QCOMPARE(part<QListWidget>("users")->count(), 2);
+    QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"could not be read"_s));
 }
 
 void OfficeWindowTest::rightIsSwitchedAndStored()

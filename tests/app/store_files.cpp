@@ -55,6 +55,14 @@ void runAll(const QString &path, const QStringList &statements)
     }
 }
 
+void loseIndexedRows(const QString &path, const QString &index, const QString &rows)
+{
+    const auto writable = u"PRAGMA writable_schema = ON"_s;
+    const QString ofIndex = u" FROM sqlite_schema WHERE name = '%1'"_s.arg(index);
+    runAll(path, {writable, u"CREATE TABLE kept AS SELECT *"_s + ofIndex, u"DELETE"_s + ofIndex});
+    runAll(path, {writable, u"DELETE FROM "_s + rows, u"INSERT INTO sqlite_schema SELECT * FROM kept"_s});
+}
+
 void makeBigStore(const QString &path)
 {
     makeStore(path);

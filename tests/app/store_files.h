@@ -57,6 +57,10 @@ void copyAsAfterCrash(const QString &from, const QString &to);
 /// Overwrites bytes in the middle of a file.
 void spoil(const QString &path, qint64 offset, qsizetype length);
 
+/// Deletes the rows ("TABLE WHERE condition") while the index keeps its entries for them, so that a reading in the
+/// order of the index fails there.
+void loseIndexedRows(const QString &path, const QString &index, const QString &rows);
+
 /// Runs as nobody as long as it lives, so that missing rights hold for root too.
 class DropRights
 {

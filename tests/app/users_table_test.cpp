@@ -66,10 +66,8 @@ void UsersTableTest::init()
 
 StoreUser UsersTableTest::user(const QString &name) const
 {
-    const auto users = store().list();
-    if (!users)
-        return {};
-    for (const StoreUser &found : *users) {
+    const auto listing = store().list();
+    for (const StoreUser &found : listing.users) {
         if (found.name == name)
             return found;
     }
@@ -237,10 +235,10 @@ void UsersTableTest::whatHindersTheLogin()
     QFETCH(QString, said);
     run(u"DELETE FROM Users"_s);
     run(u"INSERT INTO Users (Username, Password, Type, InventoryUse) VALUES (%1)"_s.arg(row));
-    const auto users = store().list();
-    QVERIFY(users);
-    QCOMPARE(users->size(), 1);
-    const QString obstacle = loginObstacle(users->constFirst());
+    const auto [users, problem] = store().list();
+    QVERIFY(!problem);
+    QCOMPARE(users.size(), 1);
+    const QString obstacle = loginObstacle(users.constFirst());
     QVERIFY2(said.isEmpty() ? obstacle.isEmpty() : obstacle.contains(said), qPrintable(obstacle));
 }
 
