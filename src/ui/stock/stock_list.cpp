@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "basic/item_key.h"
-#include "basic/numbers.h"
-#include "basic/stock_entry.h"
 #include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"
+#include "ui/stock/stock_row_maker.h"
 #include "ui/stock/stock_row_reader.h"
 #include "ui/stock_columns.h"
 #include "ui/widgets/packed_texts.h"
@@ -26,10 +25,12 @@ namespace harrowby {
 
 namespace {
 
-QStringList listRow(const ListedStock &stock)
+PackedRow rowOf(const ListedStock &stock, qsizetype columns)
 {
-    return {stock.id.toUpper(), stock.name.toUpper(), stock.category, formatMoney(leadingNumber(stock.cost)),
-            stock.reorderLevel, stock.available,      stock.use,      stock.lastUpdated};
+    StockRowMaker maker(columns);
+    maker.begin(stock.id);
+    return maker.finish(
+        {stock.name, stock.category, stock.cost, stock.reorderLevel, stock.available, stock.use, stock.lastUpdated});
 }
 
 /// Puts an item's row into the list, in place of the one at `listed` unless that is negative. The ID stays as it stands
@@ -51,9 +52,8 @@ int placeRow(TextTableModel &list, PackedRow row, int listed, bool wasEdited)
 int placeRow(TextTableModel &list, StockRowReader &reader)
 {
     list.expectRow(reader.id());
-    reader.readRest();
+    PackedRow row = reader.readRow();
     // Looked for by the ID as it is listed: a letter may turn into two in upper case.
-    PackedRow row = reader.row();
     const int listed = list.findRow(row.view(StockColumn::Id));
     const int placed = placeRow(list, std::move(row), listed, false);
     // Intended: the last row is coloured, also when an earlier one was updated.
@@ -110,7 +110,7 @@ int Inventory::FindStockRow(const QString &id) const
 void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &editedId)
 {
     TextTableModel &list = m_controls.LV->rows();
-    PackedRow row(listRow(stock), list.columnCount());
+    PackedRow row = rowOf(stock, list.columnCount());
     const int listed = FindStockRow(row.text(StockColumn::Id)); // by the ID as it is listed, as above
     m_controls.LV->selectRow(placeRow(list, std::move(row), listed, !editedId.isEmpty()));
 }

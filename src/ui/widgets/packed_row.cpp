@@ -2,16 +2,11 @@
 #include "ui/widgets/packed_row.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace harrowby {
 
 namespace {
-
-template <typename Character>
-char16_t widened(Character c)
-{
-    return static_cast<unsigned char>(c);
-}
 
 char16_t upperAscii(char16_t c)
 {
@@ -53,7 +48,27 @@ void RowPacker::begin()
     m_ends.clear();
 }
 
-void RowPacker::add(QStringView text)
+void RowPacker::add(QAnyStringView text)
+{
+    text.visit([this](auto view) {
+        if constexpr (std::is_same_v<decltype(view), QStringView>)
+            addUtf16(view);
+        else if (!addAscii(view, [](char16_t c) { return c; }))
+            addUtf16(view.toString());
+    });
+}
+
+void RowPacker::addUpper(QAnyStringView text)
+{
+    text.visit([this](auto view) {
+        if constexpr (std::is_same_v<decltype(view), QStringView>)
+            addUtf16(view.toString().toUpper());
+        else if (!addAscii(view, upperAscii))
+            addUtf16(view.toString().toUpper());
+    });
+}
+
+void RowPacker::addUtf16(QStringView text)
 {
     if (m_ends.size() == m_columns)
         return;
@@ -61,21 +76,9 @@ void RowPacker::add(QStringView text)
     endColumn();
 }
 
-void RowPacker::add(QUtf8StringView text)
-{
-    if (!addAscii(text, [](char16_t c) { return c; }))
-        add(QStringView(text.toString()));
-}
-
-void RowPacker::addUpper(QUtf8StringView text)
-{
-    if (!addAscii(text, upperAscii))
-        add(QStringView(text.toString().toUpper()));
-}
-
 /// False, with nothing added, when the text is more than ASCII.
-template <typename Convert>
-bool RowPacker::addAscii(QUtf8StringView text, Convert convert)
+template <typename View, typename Convert>
+bool RowPacker::addAscii(View text, Convert convert)
 {
     if (m_ends.size() == m_columns)
         return true;
@@ -83,9 +86,10 @@ bool RowPacker::addAscii(QUtf8StringView text, Convert convert)
     m_texts.resize(begin + text.size());
     char16_t *to = m_texts.data() + begin;
     char16_t all = 0;
-    for (const auto c : text) {
-        all = static_cast<char16_t>(all | widened(c));
-        *to++ = convert(widened(c));
+    for (const auto *from = text.data(); from != text.data() + text.size(); ++from) {
+        const char16_t c = static_cast<unsigned char>(*from);
+        all = static_cast<char16_t>(all | c);
+        *to++ = convert(c);
     }
     if (all >= 0x80) {
         m_texts.resize(begin);

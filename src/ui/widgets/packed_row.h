@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QAnyStringView>
 #include <QString>
 #include <QStringList>
-#include <QUtf8StringView>
+#include <QStringView>
 #include <QVarLengthArray>
 
 #include <array>
@@ -46,17 +47,17 @@ public:
     /// Begins a row and drops what was begun before.
     void begin();
     /// The next column's text. Texts beyond the last column are dropped.
-    void add(QStringView text);
-    void add(QUtf8StringView text);
-    void addUpper(QUtf8StringView text);
+    void add(QAnyStringView text);
+    void addUpper(QAnyStringView text);
     /// The text that was added last.
     [[nodiscard]] QStringView last() const;
     /// The row; columns that were not added are empty.
     [[nodiscard]] PackedRow packed() const;
 
 private:
-    template <typename Convert>
-    bool addAscii(QUtf8StringView text, Convert convert);
+    void addUtf16(QStringView text);
+    template <typename View, typename Convert>
+    bool addAscii(View text, Convert convert);
     void endColumn();
 
     qsizetype m_columns;
