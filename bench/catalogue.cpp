@@ -15,9 +15,9 @@ namespace {
 using Prepared = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
 
 /// Items on the first quick-sale pages; they never run out while they are sold over and over.
-constexpr int AmpleItems = 200;
-constexpr int PurchasesADay = 900;
-constexpr int Cashiers = 5;
+constexpr int ampleItems = 200;
+constexpr int purchasesADay = 900;
+constexpr int cashiers = 5;
 
 Prepared prepare(sqlite3 *database, const char *sql)
 {
@@ -65,7 +65,7 @@ bool insertItem(sqlite3_stmt *statement, int item, int items)
     const int price = 25 + item * 37 % 9900;
     bindText(statement, 1, itemId(item));
     bindText(statement, 2, itemName(item, items));
-    bindText(statement, 3, categoryName(item % CategoryCount));
+    bindText(statement, 3, categoryName(item % categoryCount));
     bindText(statement, 4, QByteArray::number(price / 100.0, 'f', 2));
     sqlite3_bind_int(statement, 5, 10);
     sqlite3_bind_int(statement, 6, item % 33 == 0 ? 0 : item % 400);
@@ -86,7 +86,7 @@ bool fillItems(sqlite3 *database, int items)
     return done &&
            execute(database, "update StockList set StockAvailable = 30000, StockUse = 'Enabled' where StockName in"
                              " (select StockName from StockList order by StockName limit " +
-                                 QByteArray::number(AmpleItems) + ")");
+                                 QByteArray::number(ampleItems) + ")");
 }
 
 bool fillCategories(sqlite3 *database)
@@ -94,7 +94,7 @@ bool fillCategories(sqlite3 *database)
     const Prepared insert =
         prepare(database, "insert into InventoryCategory (CategoryName, EntryDate) values (?, '02-Jan-26 09:00:00')");
     bool done = insert != nullptr;
-    for (int category = 0; done && category < CategoryCount; ++category) {
+    for (int category = 0; done && category < categoryCount; ++category) {
         bindText(insert.get(), 1, categoryName(category));
         done = insertRow(insert.get());
     }
@@ -113,16 +113,16 @@ QByteArray purchasedItems(int number, int items)
 bool insertPurchase(sqlite3_stmt *statement, int number, int purchases, int items, const QDate &today)
 {
     const int back = purchases - 1 - number;
-    const int minuteOfDay = 8 * 60 + (PurchasesADay - 1 - back % PurchasesADay) * 12 * 60 / PurchasesADay;
+    const int minuteOfDay = 8 * 60 + (purchasesADay - 1 - back % purchasesADay) * 12 * 60 / purchasesADay;
     const QByteArray minute = digits(minuteOfDay % 60, 2);
-    const QByteArray date = today.addDays(-(back + PurchasesADay / 2) / PurchasesADay).toString(u"yyMMdd").toLatin1() +
+    const QByteArray date = today.addDays(-(back + purchasesADay / 2) / purchasesADay).toString(u"yyMMdd").toLatin1() +
                             digits(minuteOfDay / 60, 2) + minute + digits(number % 60, 2);
     bindText(statement, 1, "HV" + date + minute);
     bindText(statement, 2, purchasedItems(number, items));
     sqlite3_bind_double(statement, 3, 2.0);
     sqlite3_bind_double(statement, 4, 17.3);
     bindText(statement, 5, date);
-    bindText(statement, 6, "CASHIER" + QByteArray::number(number % Cashiers));
+    bindText(statement, 6, "CASHIER" + QByteArray::number(number % cashiers));
     return insertRow(statement);
 }
 
@@ -141,7 +141,7 @@ bool addUserAndSettings(sqlite3 *database)
 {
     return execute(database, "delete from Users") &&
            execute(database, QByteArray("insert into Users (Username, Password, Type, InventoryUse) values ('") +
-                                 UserName + "', '" + Password + "', 'MANAGER', -1)") &&
+                                 userName + "', '" + password + "', 'MANAGER', -1)") &&
            execute(database, "delete from StoreSettings") &&
            execute(database, "insert into StoreSettings (Email, ShowDetails, EmailAddress, Promptreorder,"
                              " AutoPurchaseCart) values (0, 0, 'shop@example.com', 1, 0)");

@@ -14,9 +14,9 @@ struct CatalogueSize
     int purchases = 0;
 };
 
-inline constexpr int CategoryCount = 40;
-inline constexpr auto UserName = "ADMINISTRATOR";
-inline constexpr auto Password = "BENCH";
+inline constexpr int categoryCount = 40;
+inline constexpr auto userName = "ADMINISTRATOR";
+inline constexpr auto password = "BENCH";
 
 /// Name of a category, counted from 0.
 [[nodiscard]] QByteArray categoryName(int category);

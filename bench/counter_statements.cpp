@@ -33,14 +33,14 @@ RawStatement updateStock(int row, const QStringList &texts, const QDateTime &now
                 ofRow(row),
             {},
             {text(StockColumn::Id), text(StockColumn::Category), text(StockColumn::Name), "7.77",
-             text(StockColumn::ReorderLevel), text(StockColumn::Available), stockTime(now).toUtf8(), UserName, UserName,
+             text(StockColumn::ReorderLevel), text(StockColumn::Available), stockTime(now).toUtf8(), userName, userName,
              text(StockColumn::Use)}};
 }
 
 RawStatement addUnit(int row)
 {
     return {
-        "Update StockList Set StockAvailable = StockAvailable + 1, StockReorderUser = ?" + ofRow(row), {}, {UserName}};
+        "Update StockList Set StockAvailable = StockAvailable + 1, StockReorderUser = ?" + ofRow(row), {}, {userName}};
 }
 
 RawStatements restoredLines(const QStringList &keys, const QDateTime &now)

@@ -12,9 +12,9 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int CartLines = 10;
-constexpr int OldPurchases = 5000; ///< how far down the list the purchases are deleted
-constexpr double LongestWaitMs = 100.0;
+constexpr int cartLines = 10;
+constexpr int oldPurchases = 5000; ///< entry of the list at which deleting begins
+constexpr double longestWaitMs = 100.0;
 
 class Counter
 {
@@ -118,7 +118,7 @@ void Counter::measureSaleCategory()
     m_measuring.measure(
         u"choose a category in the custom sale until its items are listed"_s, {3.0, 2.0},
         [&] { return timed([&] { return m_till.chooseSaleCategory(name()); }); },
-        [&] { return saleCategoryStatements(name()); }, [&] { category = (category + 1) % CategoryCount; });
+        [&] { return saleCategoryStatements(name()); }, [&] { category = (category + 1) % categoryCount; });
 }
 
 void Counter::measureUndo()
@@ -130,7 +130,7 @@ void Counter::measureUndo()
         [&] { return undoStatements(m_till.window().state().last.LastPurchaseID, keys, m_till.now(), offset()); },
         [&] {
             m_till.nextSecond();
-            require(m_till.cartLines() > 0 || m_till.fillCart(CartLines), u"filling the cart"_s);
+            require(m_till.cartLines() > 0 || m_till.fillCart(cartLines), u"filling the cart"_s);
             keys = m_till.keysInCart();
             require(m_till.sell(), u"a purchase"_s);
         });
@@ -157,14 +157,14 @@ void Counter::addLongestWait(double milliseconds)
     Line line{
         u"  the longest wait for an answer meanwhile"_s, m_measuring.options().items, milliseconds, {}, {}, {}, {}};
     if (m_measuring.isLimited())
-        line.limit = LongestWaitMs;
+        line.limit = longestWaitMs;
     m_measuring.add(line);
 }
 
 void Counter::measureDeletion()
 {
     require(m_till.loadPurchaseIds(), u"the settings"_s);
-    QStringList ids = m_till.purchaseIds(OldPurchases, 2 * (m_measuring.options().runs + WarmUpRuns));
+    QStringList ids = m_till.purchaseIds(oldPurchases, 2 * (m_measuring.options().runs + warmUpRuns));
     QString id;
     QStringList keys;
     m_measuring.measure(

@@ -24,10 +24,10 @@ using namespace harrowby::bench;
 
 namespace {
 
-constexpr double ResidentLimitMb = 40.0;
-constexpr double StockListLimitMb = 120.0;
-constexpr double PressGrowthLimit = 2.0;
-constexpr double ListGrowthLimit = 12.0;
+constexpr double residentLimitMb = 40.0;
+constexpr double stockListLimitMb = 120.0;
+constexpr double pressGrowthLimit = 2.0;
+constexpr double listGrowthLimit = 12.0;
 
 struct Plan
 {
@@ -120,19 +120,19 @@ void Measurement::addResident(const QString &name, const char *window, const Cat
 {
     Line line{name, size.items, {}, {}, {}, {}, {}};
     line.megabytes = residentMegabytesOverEmptyWindow(QString::fromLatin1(window), fileOf(size));
-    if (size.items == LimitedItems)
+    if (size.items == limitedItems)
         line.limit = limitMb;
     m_lines.push_back(std::move(line));
 }
 
 void Measurement::compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size)
 {
-    addResident(u"resident memory, logged in, over an empty Qt window"_s, LoggedInTill, size, ResidentLimitMb);
-    addResident(u"the same with the stock list filled"_s, TillWithStockList, size, StockListLimitMb);
+    addResident(u"resident memory, logged in, over an empty Qt window"_s, loggedInTill, size, residentLimitMb);
+    addResident(u"the same with the stock list filled"_s, tillWithStockList, size, stockListLimitMb);
     const WorksOptions options{size.items, m_plan.runs, m_now};
-    add(measurePressGrowth(smallest.database(), shop.database(), options), PressGrowthLimit);
+    add(measurePressGrowth(smallest.database(), shop.database(), options), pressGrowthLimit);
     const std::unique_ptr<ShopFile> tenth = makeShop(m_plan.tenth);
-    add(measureListGrowth(tenth->database(), shop.database(), options), ListGrowthLimit);
+    add(measureListGrowth(tenth->database(), shop.database(), options), listGrowthLimit);
 }
 
 void writeJson(const QString &path, const std::vector<Line> &lines)

@@ -40,7 +40,7 @@ Line &Measuring::measure(const QString &name, const Limit &limit, const Work &wo
     };
     std::vector<double> samples;
     std::vector<double> rawSamples;
-    for (int i = -WarmUpRuns; i < m_options.runs; ++i) {
+    for (int i = -warmUpRuns; i < m_options.runs; ++i) {
         m_till.nextSecond();
         makeReady();
         const double workMs = checked(work(), name);
@@ -63,7 +63,7 @@ Line measureGrowth(const QString &name, const WorksOptions &options, Till &small
 {
     Till *const tills[] = {&small, &big};
     std::vector<double> samples[2];
-    for (int i = -WarmUpRuns; i < options.runs; ++i) {
+    for (int i = -warmUpRuns; i < options.runs; ++i) {
         for (std::size_t which : {0U, 1U}) {
             Till &till = *tills[which];
             till.use();

@@ -15,9 +15,9 @@ struct sqlite3;
 namespace harrowby::bench {
 
 /// The limits hold at this size; other sizes show how the cost grows.
-inline constexpr qint64 LimitedItems = 100'000;
+inline constexpr qint64 limitedItems = 100'000;
 /// First runs that do not count.
-inline constexpr int WarmUpRuns = 3;
+inline constexpr int warmUpRuns = 3;
 
 struct WorksOptions
 {
@@ -60,7 +60,7 @@ public:
     Line &last() { return m_lines.back(); }
     [[nodiscard]] const std::vector<Line> &lines() const { return m_lines; }
     [[nodiscard]] const WorksOptions &options() const { return m_options; }
-    [[nodiscard]] bool isLimited() const { return m_options.items == LimitedItems; }
+    [[nodiscard]] bool isLimited() const { return m_options.items == limitedItems; }
 
 private:
     sqlite3 *m_database;

@@ -10,7 +10,7 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr double GiveUpAfterMs = 5000.0;
+constexpr double giveUpAfterMs = 5000.0;
 
 } // namespace
 
@@ -27,7 +27,7 @@ bool PaintWatch::wait()
     const Stopwatch waited;
     do {
         QCoreApplication::processEvents();
-    } while (!m_unpainted.empty() && waited.milliseconds() < GiveUpAfterMs);
+    } while (!m_unpainted.empty() && waited.milliseconds() < giveUpAfterMs);
     return m_unpainted.empty();
 }
 

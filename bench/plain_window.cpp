@@ -21,7 +21,7 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int ControlsPerRow = 3;
+constexpr int controlsPerRow = 3;
 
 bool isPartOfControl(const QWidget &widget)
 {
@@ -49,7 +49,7 @@ void place(QWidget &widget, QWidget &panel)
     if (!layout)
         layout = new QGridLayout(&panel);
     const int place = layout->count();
-    layout->addWidget(&widget, place / ControlsPerRow, place % ControlsPerRow);
+    layout->addWidget(&widget, place / controlsPerRow, place % controlsPerRow);
 }
 
 } // namespace

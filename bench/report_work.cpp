@@ -24,9 +24,9 @@ namespace harrowby::bench {
 namespace {
 
 /// Waiting for the file system and the like is small beside it, so a few runs do.
-constexpr int MostRuns = 7;
-constexpr double ReportLimit = 2.0;
-constexpr double ItemReportLimit = 2.5;
+constexpr int mostRuns = 7;
+constexpr double reportLimit = 2.0;
+constexpr double itemReportLimit = 2.5;
 
 /// Notes what the report asks for.
 class Recorder final : public DbConnection
@@ -149,14 +149,14 @@ std::vector<Line> measureReport(sqlite3 *database, const WorksOptions &options)
 {
     const Span span = spanOf(database);
     require(span.days > 0, u"the days of the report"_s);
-    const int runs = std::min(options.runs, MostRuns);
+    const int runs = std::min(options.runs, mostRuns);
     Line days = measureGrouping(database, options, span, 0, runs,
                                 u"open the report until table and plot of all purchases are painted"_s);
-    if (options.items == LimitedItems)
-        days.limit = ReportLimit;
+    if (options.items == limitedItems)
+        days.limit = reportLimit;
     Line items = measureGrouping(database, options, span, 2, runs, u"  the same by item instead of by day"_s);
-    if (options.items == LimitedItems)
-        items.limit = ItemReportLimit;
+    if (options.items == limitedItems)
+        items.limit = itemReportLimit;
     return {days, items};
 }
 

@@ -70,14 +70,14 @@ bool tellOfEmptyWindow()
 double residentMegabytesOverEmptyWindow(const QString &window, const QString &shopFile)
 {
     return megabytesOf({u"--resident"_s, window, shopFile}) -
-           megabytesOf({u"--resident"_s, QString::fromLatin1(EmptyWindow)});
+           megabytesOf({u"--resident"_s, QString::fromLatin1(emptyWindow)});
 }
 
 int printResident(const QString &window, const QString &shopFile)
 {
-    const bool empty = window == QLatin1StringView(EmptyWindow);
+    const bool empty = window == QLatin1StringView(emptyWindow);
     const bool told =
-        empty ? tellOfEmptyWindow() : tellOfTill(shopFile, window == QLatin1StringView(TillWithStockList));
+        empty ? tellOfEmptyWindow() : tellOfTill(shopFile, window == QLatin1StringView(tillWithStockList));
     return told ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

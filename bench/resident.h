@@ -6,9 +6,9 @@
 namespace harrowby::bench {
 
 /// What is open in the process whose memory is measured.
-inline constexpr auto EmptyWindow = "empty";
-inline constexpr auto LoggedInTill = "till";
-inline constexpr auto TillWithStockList = "stock";
+inline constexpr auto emptyWindow = "empty";
+inline constexpr auto loggedInTill = "till";
+inline constexpr auto tillWithStockList = "stock";
 
 /// Resident memory of a process with such a window over that of a process with an empty one.
 /// Throws std::runtime_error when one of the two does not tell.

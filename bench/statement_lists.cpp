@@ -40,7 +40,7 @@ RawStatement purchaseRow(const QDateTime &now)
             " PurchasedDate, Users) values (?, ?, ?, ?, ?, ?)",
             {},
             {"RAW" + purchasedDate(now).toLatin1(), QByteArray(600, 'x'), "10", "99.5", purchasedDate(now).toLatin1(),
-             UserName}};
+             userName}};
 }
 
 } // namespace

@@ -24,7 +24,7 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int PageSize = 9;
+constexpr int pageSize = 9;
 
 } // namespace
 
@@ -73,8 +73,8 @@ bool Till::logIn()
 {
     const Controls &controls = m_window->controls();
     PaintWatch watch{controls.Command1.front()};
-    controls.Text3->setText(QString::fromLatin1(UserName));
-    controls.Text4->setText(QString::fromLatin1(Password));
+    controls.Text3->setText(QString::fromLatin1(userName));
+    controls.Text4->setText(QString::fromLatin1(password));
     controls.Command28->click();
     return watch.wait() && m_window->state().login.IsLoggedIn;
 }
@@ -139,13 +139,13 @@ bool Till::fillCart(int lines)
 {
     bool filled = firstPage();
     for (int line = 0; filled && line < lines; ++line)
-        filled = (line == 0 || line % PageSize != 0 || nextPage()) && press(line % PageSize);
+        filled = (line == 0 || line % pageSize != 0 || nextPage()) && press(line % pageSize);
     return filled && cartLines() == lines;
 }
 
 int Till::lastButton() const
 {
-    return (cartLines() - 1) % PageSize;
+    return (cartLines() - 1) % pageSize;
 }
 
 bool Till::firstPage()

@@ -12,8 +12,8 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr qint64 FrameLimitItems = 1'000'000;
-constexpr double FrameMs = 1000.0 / 60.0;
+constexpr qint64 frameLimitItems = 1'000'000;
+constexpr double frameMs = 1000.0 / 60.0;
 
 class Bench
 {
@@ -45,8 +45,8 @@ std::vector<Line> Bench::run()
 {
     measureLoading();
     require(m_till.logIn(), u"login"_s);
-    measurePress(1, QString::fromLatin1(PressWork));
-    if (items() == FrameLimitItems)
+    measurePress(1, u"press a quick-sale button until cart and total are painted, 1 line"_s);
+    if (items() == frameLimitItems)
         measurePressWithinFrame();
     measurePress(50, u"press a quick-sale button until cart and total are painted, 50 lines"_s);
     m_till.emptyCart();
@@ -62,7 +62,7 @@ void Bench::measureLoading()
     require(m_till.open(), u"load"_s);
     const PlainWindow plain(m_till.window());
     std::vector<double> plainSamples;
-    for (int i = -WarmUpRuns; i < m_measuring.options().runs; ++i) {
+    for (int i = -warmUpRuns; i < m_measuring.options().runs; ++i) {
         const double ms = checked(plain.show(), u"plain window"_s);
         if (i >= 0)
             plainSamples.push_back(ms);
@@ -96,7 +96,7 @@ void Bench::measurePressWithinFrame()
     for (int i = 0; i < m_measuring.options().runs; ++i)
         writes.push_back(m_measuring.rawMs(pressWrites(key, m_till.now()), name));
     Line &press = m_measuring.last();
-    press.limit = (FrameMs + median(writes)) / *press.rawMs;
+    press.limit = (frameMs + median(writes)) / *press.rawMs;
     m_measuring.add({name, items(), median(writes), {}, {}, {}, {}});
 }
 
@@ -119,7 +119,7 @@ void Bench::measureCategory()
     m_measuring.measure(
         u"choose a category until its page is painted"_s, {1.5, 2.0},
         [&] {
-            category = (category + 1) % CategoryCount;
+            category = (category + 1) % categoryCount;
             return timed([&] { return m_till.chooseCategory(next()); });
         },
         [&] { return pageStatements(next(), 0); });

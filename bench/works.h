@@ -12,6 +12,4 @@ namespace harrowby::bench {
 /// How a press of a quick-sale button grows from a small shop to a big one.
 [[nodiscard]] Line measurePressGrowth(sqlite3 *small, sqlite3 *big, const WorksOptions &options);
 
-inline constexpr auto PressWork = "press a quick-sale button until cart and total are painted, 1 line";
-
 } // namespace harrowby::bench

@@ -18,16 +18,16 @@ Period DaySlices::days(qint64 count) const
 std::optional<Slice> DaySlices::next(const Probe &probe)
 {
     Slice slice{days(m_length), false};
-    int count = probe(slice.days, MostPurchases + 1);
-    while (count > MostPurchases && slice.days.days() > 1) {
+    int count = probe(slice.days, mostPurchases + 1);
+    while (count > mostPurchases && slice.days.days() > 1) {
         m_length = std::max<qint64>(1, slice.days.days() / 2);
         slice.days = days(m_length);
-        count = probe(slice.days, MostPurchases + 1);
+        count = probe(slice.days, mostPurchases + 1);
     }
     if (count < 0)
         return {};
-    slice.big = count > MostPurchases;
-    if (count < MostPurchases / 3)
+    slice.big = count > mostPurchases;
+    if (count < mostPurchases / 3)
         m_length *= 2;
     m_next = slice.days.to.addDays(1);
     return slice;

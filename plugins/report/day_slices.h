@@ -22,7 +22,7 @@ public:
     /// Counts the purchases of the days, up to `most` only; below 0 when that failed.
     using Probe = std::function<int(const Period &days, int most)>;
 
-    static constexpr int MostPurchases = 60'000;
+    static constexpr int mostPurchases = 60'000;
 
     explicit DaySlices(const Period &period);
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A host of the smallest kind: opens a database, supplies a class, loads the component, and looks whether its window
-// is there.
+// The smallest host: opens a database, supplies a class, loads the component, and checks that its window is there.
 #include <harrowby/init.h>
 #include <harrowby/objects.h>
 #include <harrowby/report_component.h>
@@ -17,7 +16,7 @@
 
 namespace {
 
-constexpr auto Tables =
+constexpr auto tables =
     "create table StockList (StockID text, StockName text, StockCategory text, StockCost real,"
     " StockReorderLevel real, StockAvailable real, StockUse text, StockLastUpdated text, StockLastModified text,"
     " StockAdded text, StockReorderUser text);"
@@ -46,7 +45,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     sqlite3 *database = nullptr;
     if (sqlite3_open(":memory:", &database) != SQLITE_OK ||
-        sqlite3_exec(database, Tables, nullptr, nullptr, nullptr) != SQLITE_OK)
+        sqlite3_exec(database, tables, nullptr, nullptr, nullptr) != SQLITE_OK)
         return 2;
     harrowby::setPluginFolders({});
     harrowby::registerClass(harrowby::ReportClassId, [] { return std::make_unique<QObject>(); });

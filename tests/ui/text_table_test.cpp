@@ -258,15 +258,15 @@ void TextTableTest::colours()
     QCOMPARE(colour(0).value<QColor>(), QColor(Colours::current().lowRow));
     QVERIFY(!colour(1).isValid()); // the item text alone
     const auto told = [&](int role) { return table.index(0, 0).data(role).toString(); };
-    QCOMPARE(told(TextTableModel::MarkRole), u"\u25BC low"_s); // beside the colour
+    QCOMPARE(told(TextTableModel::markRole), u"\u25BC low"_s); // beside the colour
     QCOMPARE(told(Qt::AccessibleTextRole), u"A1, low stock"_s);
-    QVERIFY(!table.index(0, 1).data(TextTableModel::MarkRole).isValid());
+    QVERIFY(!table.index(0, 1).data(TextTableModel::markRole).isValid());
     table.setLow(0, true);
     QCOMPARE(changed.count(), 1);
     table.setLow(0, false);
     QVERIFY(!table.isLow(0));
     QCOMPARE(colour(0).value<QColor>(), QColor(Colours::current().enoughRow));
-    QVERIFY(!table.index(0, 0).data(TextTableModel::MarkRole).isValid());
+    QVERIFY(!table.index(0, 0).data(TextTableModel::markRole).isValid());
     QVERIFY(!table.index(0, 0).data(Qt::AccessibleTextRole).isValid());
     QCOMPARE(changed.count(), 2);
     table.setLow(1, true);

@@ -36,7 +36,7 @@ QVariant TextTableModel::data(const QModelIndex &index, int role) const
         return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ForegroundRole:
         return index.column() == 0 ? levelColour(index.row()) : QVariant();
-    case MarkRole:
+    case markRole:
     case Qt::AccessibleTextRole:
         return index.column() == 0 && isLow(index.row()) ? lowMark(index.row(), role) : QVariant();
     default:
@@ -59,7 +59,7 @@ QVariant TextTableModel::levelColour(int row) const
 /// Of a low row.
 QVariant TextTableModel::lowMark(int row, int role) const
 {
-    return role == MarkRole ? u"\u25BC "_s + u"low"_s : u"%1, low stock"_s.arg(text(row, 0));
+    return role == markRole ? u"\u25BC "_s + u"low"_s : u"%1, low stock"_s.arg(text(row, 0));
 }
 
 QVariant TextTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -183,7 +183,7 @@ void TextTableModel::setLow(int row, bool low)
     const Level level = low ? Level::Low : Level::Enough;
     if (!has(row) || std::exchange(m_rows[static_cast<size_t>(row)].level, level) == level)
         return;
-    changed(row, 0, 0, {Qt::ForegroundRole, MarkRole, Qt::AccessibleTextRole});
+    changed(row, 0, 0, {Qt::ForegroundRole, markRole, Qt::AccessibleTextRole});
 }
 
 bool TextTableModel::isLow(int row) const

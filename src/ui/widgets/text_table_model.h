@@ -24,7 +24,7 @@ class TextTableModel : public QAbstractTableModel
 
 public:
     /// A mark that is painted with a cell's text but is no part of it, so that colour is not the only difference.
-    static constexpr int MarkRole = Qt::UserRole;
+    static constexpr int markRole = Qt::UserRole;
 
     explicit TextTableModel(QStringList headers, QObject *parent = nullptr);
 

@@ -48,7 +48,7 @@ void TwoLineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
 {
     QStyledItemDelegate::initStyleOption(option, index);
     option->palette.setColor(QPalette::HighlightedText, option->palette.color(QPalette::Text));
-    if (const QString mark = index.data(TextTableModel::MarkRole).toString(); !mark.isEmpty())
+    if (const QString mark = index.data(TextTableModel::markRole).toString(); !mark.isEmpty())
         option->text = withMark(*option, mark);
 }
 

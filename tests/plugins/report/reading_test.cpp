@@ -200,15 +200,15 @@ private Q_SLOTS:
     void aBigDayIsReadRowByRow()
     {
         const Shop shop;
-        shop.sellMany(DaySlices::MostPurchases + 500, 1'000'000, QDate(2026, 11, 5));
+        shop.sellMany(DaySlices::mostPurchases + 500, 1'000'000, QDate(2026, 11, 5));
         shop.sell(u"261106090000"_s, u"ANN"_s, 0.5);
         SalesReading reading(shop.connection(), {november, Grouping::Day, {}});
         int steps = 0;
         while (reading.step(0ms) == State::Reading)
             ++steps;
         QVERIFY(steps > 400);
-        QCOMPARE(reading.sales().total.purchases, DaySlices::MostPurchases + 501);
-        QCOMPARE(reading.sales().byDay.at(u"261105"_s).amount, (DaySlices::MostPurchases + 500) * 1.5);
+        QCOMPARE(reading.sales().total.purchases, DaySlices::mostPurchases + 501);
+        QCOMPARE(reading.sales().byDay.at(u"261105"_s).amount, (DaySlices::mostPurchases + 500) * 1.5);
         QCOMPARE(reading.sales().byDay.at(u"261106"_s).amount, 0.5);
     }
 
