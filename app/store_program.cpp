@@ -186,8 +186,8 @@ int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNo
 /// The log reports failures on any thread; the notice lives on the user-interface thread.
 void tellLogTroubles(LogFile &log, FailureNotice &notice)
 {
-    log.setHandler([&notice, path = log.path()](const QString &reason) {
-        QMetaObject::invokeMethod(&notice, [&notice, path, reason] { notice.addLog(path, reason); });
+    log.setHandler([&notice, path = log.path()](const Result<void, QString> &outcome) {
+        QMetaObject::invokeMethod(&notice, [&notice, path, outcome] { notice.addLog(path, outcome); });
     });
 }
 

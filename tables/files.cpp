@@ -11,20 +11,22 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::tables {
 
-QString saveFile(const QString &path, const QByteArray &bytes)
+Result<void, QString> saveFile(const QString &path, const QByteArray &bytes)
 {
     const QFileInfo there(path);
     if (there.isDir())
-        return u"A folder has that name."_s;
+        return Unexpected(u"A folder has that name."_s);
     if (there.exists() && !there.isFile()) // a device would be replaced by the file
-        return u"Something that is not a file has that name."_s;
+        return Unexpected(u"Something that is not a file has that name."_s);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
+        return Unexpected(file.errorString());
     // Unbuffered: QFileDevice loses the error of a write that fails when its buffer is flushed at closing.
-    if (const QString reason = writeToDisk(file.handle(), bytes); !reason.isEmpty())
-        return reason;
-    return file.commit() ? QString() : file.errorString();
+    if (const auto written = writeToDisk(file.handle(), bytes); !written)
+        return written;
+    if (!file.commit())
+        return Unexpected(file.errorString());
+    return {};
 }
 
 QString fileNameFor(const QString &words)

@@ -139,16 +139,17 @@ void OutputBar::save(const QString &suffix, const std::function<QByteArray()> &c
     const QString path = chooseFile(this, documents() + u'/' + name, suffix);
     if (path.isEmpty() || !self)
         return;
-    QString problem;
-    {
+    const auto saved = [&]() -> Result<void, QString> {
         const WaitCursor waiting;
         const QByteArray bytes = contents();
-        problem = bytes.isEmpty() ? u"It could not be drawn."_s : saveFile(path, bytes);
-    }
-    if (problem.isEmpty())
+        if (bytes.isEmpty())
+            return Unexpected(u"It could not be drawn."_s);
+        return saveFile(path, bytes);
+    }();
+    if (saved)
         Q_EMIT done(u"Saved as %1"_s.arg(QDir::toNativeSeparators(path)));
     else
-        tellFailure(this, u"It has not been saved as\n%1\n\n%2"_s.arg(QDir::toNativeSeparators(path), problem));
+        tellFailure(this, u"It has not been saved as\n%1\n\n%2"_s.arg(QDir::toNativeSeparators(path), saved.error()));
 }
 
 } // namespace harrowby::tables

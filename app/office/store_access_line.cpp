@@ -37,9 +37,10 @@ void StoreAccessLine::closeStore()
                      "not. Close it to others?"_s,
                      u"&Close It"_s))
         return;
-    if (const QString reason = closeToOthers(m_store); !reason.isEmpty())
+    if (const auto closed = closeToOthers(m_store); !closed)
         return tellInOffice(
-            this, u"The store file could not be closed to others: only its owner can do that.\n(%1)"_s.arg(reason));
+            this,
+            u"The store file could not be closed to others: only its owner can do that.\n(%1)"_s.arg(closed.error()));
     showOutcome(*m_text, u"\u2713 Only you can read the store file now."_s);
     m_close->hide();
 }

@@ -23,7 +23,7 @@ constexpr qint64 longestFile = 64; // bytes
 QList<qint64> numbersIn(const QString &path)
 {
     QFile file(path);
-    if (!openOrdinaryFile(file, QIODevice::ReadOnly).isEmpty())
+    if (!openOrdinaryFile(file, QIODevice::ReadOnly))
         return {};
     QList<qint64> numbers;
     for (const QByteArray &part : file.read(longestFile).trimmed().split(' ')) {
@@ -86,8 +86,8 @@ void WrongTries::save() const
     if (m_file.isEmpty())
         return;
     const QByteArray text = QByteArray::number(m_count) + ' ' + QByteArray::number(m_last) + '\n';
-    if (const QString reason = writePrivateFile(m_file, text); !reason.isEmpty())
-        qCWarning(lcSettings).noquote() << "Cannot write" << m_file << "-" << reason;
+    if (const auto written = writePrivateFile(m_file, text); !written)
+        qCWarning(lcSettings).noquote() << "Cannot write" << m_file << "-" << written.error();
 }
 
 } // namespace harrowby::app

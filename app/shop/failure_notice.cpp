@@ -128,12 +128,12 @@ try {
     qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
 }
 
-void FailureNotice::addLog(const QString &path, const QString &reason) noexcept
+void FailureNotice::addLog(const QString &path, const Result<void, QString> &outcome) noexcept
 try {
     const auto subject = u"log"_s;
-    if (reason.isEmpty())
+    if (outcome)
         return tellOver(subject);
-    tell({subject, u"The log file cannot be written; warnings go to the terminal."_s, reason,
+    tell({subject, u"The log file cannot be written; warnings go to the terminal."_s, outcome.error(),
           u"Check the disk and the file %1."_s.arg(wrappingPath(path))});
 } catch (const std::exception &error) {
     qCWarning(lcWindow) << "A failure could not be shown:" << error.what();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <harrowby/db_connection.h>
 #include <harrowby/file_failure.h>
 
@@ -44,8 +46,8 @@ public:
     void tell(const Notice &notice) noexcept;
     /// Shows a failure outside the database, or notes that it is over.
     void add(const FileFailure &failure) noexcept;
-    /// Why the log file cannot be written; it is over when that is empty.
-    void addLog(const QString &path, const QString &reason) noexcept;
+    /// Shows why the log file cannot be written, or notes that it can be again.
+    void addLog(const QString &path, const Result<void, QString> &outcome) noexcept;
     /// Allows notices of this subject again. The window keeps what it shows.
     void tellOver(const QString &subject) noexcept;
 

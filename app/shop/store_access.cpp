@@ -35,7 +35,7 @@ QString permissionsText(const QString &store)
     return u"%1"_s.arg(permissionsOf(store), 4, 8, QLatin1Char('0'));
 }
 
-QString closeToOthers(const QString &store)
+Result<void, QString> closeToOthers(const QString &store)
 {
     // The file first: SQLite creates log and index with the file's mode.
     for (const QString &file : {store, logFileOf(store), logIndexOf(store), journalOf(store)}) {
@@ -43,7 +43,7 @@ QString closeToOthers(const QString &store)
         if ((permissions & forOthers) == 0)
             continue;
         if (::chmod(QFile::encodeName(file).constData(), permissions & ~forOthers) != 0 && errno != ENOENT)
-            return qt_error_string(errno);
+            return Unexpected(qt_error_string(errno));
     }
     return {};
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <QString>
 
 /// Who may read a store file: it holds the passwords as they were typed.
@@ -13,7 +15,7 @@ namespace harrowby::app {
 /// "0644"
 [[nodiscard]] QString permissionsText(const QString &store);
 
-/// Takes from others what the file and those beside it give them. The system's reason when that fails, else empty.
-[[nodiscard]] QString closeToOthers(const QString &store);
+/// Takes from others what the file and those beside it give them; or the system's reason why not.
+[[nodiscard]] Result<void, QString> closeToOthers(const QString &store);
 
 } // namespace harrowby::app

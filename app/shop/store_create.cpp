@@ -59,7 +59,7 @@ std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, co
     if (auto problem = judgeNewStore(path, makeFolder))
         return problem;
     const QString folder = QFileInfo(path).absolutePath();
-    if (makeFolder && !makePrivateFolder(folder).isEmpty())
+    if (makeFolder && !makePrivateFolder(folder))
         return storeProblem(ProblemKind::FolderLocked, path);
     const Workshop workshop(folder, Workshop::Purpose::NewStore);
     if (!workshop.isValid())

@@ -75,20 +75,6 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
         (void)writeAll(STDERR_FILENO, lineOf(type, category, message));
 }
 
-struct Facts
-{
-    bool isLinked = false; ///< still has a name
-    qint64 size = 0;
-};
-
-Facts factsOf(const QFile &file)
-{
-    struct stat facts = {};
-    if (::fstat(file.handle(), &facts) != 0)
-        return {};
-    return {facts.st_nlink > 0, facts.st_size};
-}
-
 qint64 sizeOf(const QString &path)
 {
     struct stat facts = {};
@@ -101,9 +87,9 @@ LogFile::LogFile(QString path, qint64 limit) : m_path(std::move(path)), m_limit(
 
 bool LogFile::add(QtMsgType type, const QString &category, const QString &message)
 {
-    const QString reason = write(lineOf(type, category, message));
-    tell(reason);
-    return reason.isEmpty();
+    const auto outcome = write(lineOf(type, category, message));
+    tell(outcome);
+    return outcome.has_value();
 }
 
 void LogFile::prove()
@@ -111,37 +97,43 @@ void LogFile::prove()
     tell(write({}));
 }
 
-QString LogFile::write(const QByteArray &line)
+LogFile::Facts LogFile::factsOf(const QFile &file)
+{
+    struct stat facts = {};
+    if (::fstat(file.handle(), &facts) != 0)
+        return {};
+    return {facts.st_nlink > 0, facts.st_size};
+}
+
+Result<void, QString> LogFile::write(const QByteArray &line)
 {
     const QMutexLocker lock(&m_mutex);
-    if (const QString reason = makePrivateFolder(QFileInfo(m_path).absolutePath()); !reason.isEmpty())
-        return reason;
+    if (const auto made = makePrivateFolder(QFileInfo(m_path).absolutePath()); !made)
+        return made;
     if (sizeOf(m_path) >= m_limit)
         rotate();
     // Another program may have rotated the file meanwhile, even several times.
     for (int tries = 0; tries < mostTries; ++tries) {
-        bool isGone = false;
-        qint64 size = 0;
-        const QString reason = append(line, isGone, size);
-        if (reason.isEmpty() && isGone)
+        const auto file = append(line);
+        if (!file)
+            return Unexpected(file.error());
+        if (!file->isLinked)
             continue;
-        if (size >= m_limit)
+        if (file->size >= m_limit)
             rotate();
-        return reason;
+        return {};
     }
-    return u"the file is removed again and again"_s;
+    return Unexpected(u"the file is removed again and again"_s);
 }
 
-QString LogFile::append(const QByteArray &line, bool &isGone, qint64 &size)
+Result<LogFile::Facts, QString> LogFile::append(const QByteArray &line) const
 {
     QFile file(m_path);
-    if (const QString reason = openOrdinaryFile(file, QIODevice::WriteOnly | QIODevice::Append); !reason.isEmpty())
-        return reason;
-    const QString reason = writeAll(file.handle(), line);
-    const Facts facts = factsOf(file);
-    isGone = !facts.isLinked;
-    size = facts.size;
-    return reason;
+    if (const auto opened = openOrdinaryFile(file, QIODevice::WriteOnly | QIODevice::Append); !opened)
+        return Unexpected(opened.error());
+    if (const auto written = writeAll(file.handle(), line); !written)
+        return Unexpected(written.error());
+    return factsOf(file);
 }
 
 void LogFile::rotate()
@@ -157,15 +149,16 @@ void LogFile::rotate()
     std::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(older).constData());
 }
 
-void LogFile::tell(const QString &reason)
+void LogFile::tell(const Result<void, QString> &outcome)
 {
     {
         const QMutexLocker lock(&m_mutex);
+        const auto reason = outcome ? std::nullopt : std::optional(outcome.error());
         if (reason == std::exchange(m_reason, reason))
             return;
     }
     if (m_handler)
-        m_handler(reason);
+        m_handler(outcome);
 }
 
 LogRouting::LogRouting(LogFile &file, bool verbose)

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/result.h"
+
 #include <QByteArray>
 #include <QMutex>
 #include <QString>
 #include <QtGlobal>
 
 #include <functional>
+#include <optional>
 #include <utility>
+
+class QFile;
 
 namespace harrowby::app {
 
@@ -18,8 +23,8 @@ class LogFile
 {
 public:
     static constexpr qint64 defaultLimit = 1024 * 1024;
-    /// Why lines cannot be written, told once for each reason; empty when they can be written again.
-    using Handler = std::function<void(const QString &reason)>;
+    /// Why lines cannot be written, told once for each reason; and that they can be written again.
+    using Handler = std::function<void(const Result<void, QString> &outcome)>;
 
     explicit LogFile(QString path, qint64 limit = defaultLimit);
     /// False when the line could not be written. May be called on any thread.
@@ -31,15 +36,22 @@ public:
     [[nodiscard]] const QString &path() const { return m_path; }
 
 private:
-    QString write(const QByteArray &line);
-    QString append(const QByteArray &line, bool &isGone, qint64 &size);
+    struct Facts
+    {
+        bool isLinked = false; ///< still has a name
+        qint64 size = 0;       ///< bytes
+    };
+
+    [[nodiscard]] static Facts factsOf(const QFile &file);
+    [[nodiscard]] Result<void, QString> write(const QByteArray &line);
+    [[nodiscard]] Result<Facts, QString> append(const QByteArray &line) const;
     void rotate();
-    void tell(const QString &reason);
+    void tell(const Result<void, QString> &outcome);
 
     QString m_path;
     qint64 m_limit;
     QMutex m_mutex;
-    QString m_reason; ///< the last one
+    std::optional<QString> m_reason; ///< why the last line could not be written
     Handler m_handler;
 };
 

@@ -17,14 +17,14 @@ namespace harrowby {
 
 namespace {
 
-QString systemReason()
+Unexpected<QString> systemReason()
 {
-    return qt_error_string(errno);
+    return Unexpected(qt_error_string(errno));
 }
 
-QString isNotOrdinary()
+Unexpected<QString> isNotOrdinary()
 {
-    return u"it is not an ordinary file"_s;
+    return Unexpected(u"it is not an ordinary file"_s);
 }
 
 /// True for a regular file and for a missing one. Asked before open(), as opening alone can trigger some devices.
@@ -51,24 +51,24 @@ bool isOrdinary(int descriptor)
 
 } // namespace
 
-QString makePrivateFolder(const QString &path)
+Result<void, QString> makePrivateFolder(const QString &path)
 {
     const QString folder = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
     if (QFileInfo(folder).isDir())
         return {};
     if (const QString parent = QFileInfo(folder).path(); parent != folder) {
-        if (const QString reason = makePrivateFolder(parent); !reason.isEmpty())
-            return reason;
+        if (const auto made = makePrivateFolder(parent); !made)
+            return made;
     }
     if (::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0)
         return {};
     const int error = errno;
     if (QFileInfo(folder).isDir())
         return {}; // another program has created it meanwhile
-    return qt_error_string(error == EEXIST ? ENOTDIR : error);
+    return Unexpected(qt_error_string(error == EEXIST ? ENOTDIR : error));
 }
 
-QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode)
+Result<void, QString> openOrdinaryFile(QFile &file, QIODevice::OpenMode mode)
 {
     const QByteArray name = QFile::encodeName(file.fileName());
     if (!mayBeOpened(name))
@@ -83,10 +83,10 @@ QString openOrdinaryFile(QFile &file, QIODevice::OpenMode mode)
     if (file.open(descriptor, mode, QFileDevice::AutoCloseHandle))
         return {};
     ::close(descriptor);
-    return file.errorString();
+    return Unexpected(file.errorString());
 }
 
-QString writeAll(int descriptor, QByteArrayView bytes)
+Result<void, QString> writeAll(int descriptor, QByteArrayView bytes)
 {
     while (!bytes.isEmpty()) {
         const auto written = ::write(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()));
@@ -97,29 +97,31 @@ QString writeAll(int descriptor, QByteArrayView bytes)
     return {};
 }
 
-QString writeToDisk(int descriptor, QByteArrayView bytes)
+Result<void, QString> writeToDisk(int descriptor, QByteArrayView bytes)
 {
-    if (const QString reason = writeAll(descriptor, bytes); !reason.isEmpty())
-        return reason;
+    if (const auto written = writeAll(descriptor, bytes); !written)
+        return written;
     // These errors mean that the file system has no fsync().
     if (::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)
         return {};
     return systemReason();
 }
 
-QString writePrivateFile(const QString &path, const QByteArray &bytes)
+Result<void, QString> writePrivateFile(const QString &path, const QByteArray &bytes)
 {
-    if (const QString reason = makePrivateFolder(QFileInfo(path).absolutePath()); !reason.isEmpty())
-        return reason;
+    if (const auto made = makePrivateFolder(QFileInfo(path).absolutePath()); !made)
+        return made;
     const bool isNew = !QFileInfo::exists(path);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
+        return Unexpected(file.errorString());
     if (isNew)
         file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    if (const QString reason = writeToDisk(file.handle(), bytes); !reason.isEmpty())
-        return reason;
-    return file.commit() ? QString() : file.errorString();
+    if (const auto written = writeToDisk(file.handle(), bytes); !written)
+        return written;
+    if (!file.commit())
+        return Unexpected(file.errorString());
+    return {};
 }
 
 } // namespace harrowby

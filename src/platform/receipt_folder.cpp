@@ -51,29 +51,22 @@ QString rename(QTemporaryFile &file, const QDir &folder, const QString &title)
     return {};
 }
 
-struct Outcome
+/// The path of the stored receipt; or why it was not stored.
+Result<QString, QString> keepIn(const QDir &folder, const QByteArray &pdf, const QString &title)
 {
-    QString path; ///< of the stored receipt; empty when it was not stored
-    QString reason;
-};
-
-Outcome keepIn(const QDir &folder, const QByteArray &pdf, const QString &title)
-{
-    QString reason = makePrivateFolder(folder.path());
-    if (reason.isEmpty()) {
-        QTemporaryFile file(folder.filePath(u".receipt-XXXXXX"_s)); // its owner's alone
-        reason = file.open() ? writeToDisk(file.handle(), pdf) : file.errorString();
-        const QString path = reason.isEmpty() ? rename(file, folder, title) : QString();
-        if (!path.isEmpty()) {
-            file.setAutoRemove(false);
-            syncFolder(folder);
-            return {path, {}};
-        }
-        if (reason.isEmpty())
-            reason = file.errorString();
-    }
-    qCWarning(lcPrint).noquote() << "Receipt" << title << "cannot be written into" << folder.path() << "-" << reason;
-    return {{}, reason};
+    if (const auto made = makePrivateFolder(folder.path()); !made)
+        return Unexpected(made.error());
+    QTemporaryFile file(folder.filePath(u".receipt-XXXXXX"_s)); // mode 0600
+    if (!file.open())
+        return Unexpected(file.errorString());
+    if (const auto written = writeToDisk(file.handle(), pdf); !written)
+        return Unexpected(written.error());
+    const QString path = rename(file, folder, title);
+    if (path.isEmpty())
+        return Unexpected(file.errorString());
+    file.setAutoRemove(false);
+    syncFolder(folder);
+    return path;
 }
 
 } // namespace
@@ -95,12 +88,14 @@ QString keepReceipt(const QByteArray &pdf, const QDateTime &time)
     const QStringList folders = receiptFolders();
     QStringList reasons;
     for (const QString &folder : folders) {
-        const Outcome outcome = keepIn(QDir(folder), pdf, receiptTitle(time));
-        if (!outcome.path.isEmpty()) {
+        const auto path = keepIn(QDir(folder), pdf, receiptTitle(time));
+        if (path) {
             FailureTelling::reportSuccess(FileFailure::Kind::Receipt, folder);
-            return outcome.path;
+            return *path;
         }
-        reasons << outcome.reason;
+        qCWarning(lcPrint).noquote() << "Receipt" << receiptTitle(time) << "cannot be written into" << folder << "-"
+                                     << path.error();
+        reasons << path.error();
     }
     reasons.removeDuplicates();
     FailureTelling::report(FileFailure::Kind::Receipt, folders.constFirst(), reasons.join(u"; "_s));

@@ -24,39 +24,41 @@ QString userFile()
 
 constexpr qint64 largestFile = 1'000'000; // bytes
 
-/// Why the file could not be read; empty when `bytes` are its contents.
-QString readFrom(const QString &path, QByteArray &bytes)
+/// The contents; empty bytes for a file that does not exist yet.
+Result<QByteArray, QString> readFrom(const QString &path)
 {
+    if (!QFile::exists(path))
+        return QByteArray();
     QFile file(path);
-    if (const QString reason = openOrdinaryFile(file, QIODevice::ReadOnly); !reason.isEmpty())
-        return reason;
-    bytes = file.read(largestFile + 1);
+    if (const auto opened = openOrdinaryFile(file, QIODevice::ReadOnly); !opened)
+        return Unexpected(opened.error());
+    const QByteArray bytes = file.read(largestFile + 1);
     if (file.error() != QFileDevice::NoError)
-        return file.errorString();
-    return bytes.size() > largestFile ? u"it is larger than 1 MB"_s : QString();
+        return Unexpected(file.errorString());
+    if (bytes.size() > largestFile)
+        return Unexpected(u"it is larger than 1 MB"_s);
+    return bytes;
 }
 
-/// The contents; empty bytes for a file that does not exist yet, nothing for one that cannot be read.
+/// The contents; nothing, and the failure reported, when they cannot be read.
 std::optional<QByteArray> contentsOf(const QString &path)
 {
-    QByteArray bytes;
-    const QString reason = QFile::exists(path) ? readFrom(path, bytes) : QString();
-    if (reason.isEmpty()) {
+    const auto bytes = readFrom(path);
+    if (bytes) {
         FailureTelling::reportSuccess(FileFailure::Kind::SettingsRead, path);
-        return bytes;
+        return *bytes;
     }
-    qCWarning(lcSettings).noquote() << "Cannot read" << path << "-" << reason;
-    FailureTelling::report(FileFailure::Kind::SettingsRead, path, reason);
+    qCWarning(lcSettings).noquote() << "Cannot read" << path << "-" << bytes.error();
+    FailureTelling::report(FileFailure::Kind::SettingsRead, path, bytes.error());
     return {};
 }
 
-/// What was not written is told with its reason.
-void finishSaving(const QString &path, const QString &reason)
+void reportSaving(const QString &path, const Result<void, QString> &outcome)
 {
-    if (reason.isEmpty())
+    if (outcome)
         return FailureTelling::reportSuccess(FileFailure::Kind::SettingsWrite, path);
-    qCWarning(lcSettings).noquote() << "Cannot write" << path << "-" << reason;
-    FailureTelling::report(FileFailure::Kind::SettingsWrite, path, reason);
+    qCWarning(lcSettings).noquote() << "Cannot write" << path << "-" << outcome.error();
+    FailureTelling::report(FileFailure::Kind::SettingsWrite, path, outcome.error());
 }
 
 } // namespace
@@ -80,10 +82,10 @@ void IniSettings::save(const QString &section, const QString &key, const QString
     // A file that cannot be read is not replaced, as its other settings would be lost.
     const auto bytes = contentsOf(m_path);
     if (!bytes)
-        return finishSaving(m_path, u"it cannot be read"_s);
+        return reportSaving(m_path, Unexpected(u"it cannot be read"_s));
     IniText text(*bytes);
     text.setValue(section, key, value);
-    finishSaving(m_path, writePrivateFile(m_path, text.bytes()));
+    reportSaving(m_path, writePrivateFile(m_path, text.bytes()));
 }
 
 } // namespace harrowby

@@ -292,19 +292,19 @@ void FailureNoticeTest::logThatCannotBeWritten()
     FailureNotice notice;
     const auto path = u"/deep/place"_s;
     const auto work = u"The log file cannot be written; warnings go to the terminal."_s;
-    notice.addLog(path, u"No space left on device"_s);
+    notice.addLog(path, Unexpected(u"No space left on device"_s));
     QVERIFY(notice.isVisible());
     QCOMPARE(text(notice, u"failureWork"_s), work);
     QCOMPARE(text(notice, u"failureReason"_s), u"Reason: No space left on device"_s);
     QCOMPARE(text(notice, u"failureAdvice"_s), u"Check the disk and the file %1."_s.arg(wrappingPath(path)));
-    notice.addLog(path, u"No space left on device"_s);
+    notice.addLog(path, Unexpected(u"No space left on device"_s));
     QCOMPARE(text(notice, u"failureWork"_s), work); // not counted
     notice.dismiss();
-    notice.addLog(path, u"No space left on device"_s);
+    notice.addLog(path, Unexpected(u"No space left on device"_s));
     QVERIFY(!notice.isVisible());
     notice.addLog(path, {}); // it is over
     QVERIFY(!notice.isVisible());
-    notice.addLog(path, u"No space left on device"_s);
+    notice.addLog(path, Unexpected(u"No space left on device"_s));
     QVERIFY(notice.isVisible());
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/log_file.h"
 #include "basic/logging.h"
-
+#include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
 #include <QDir>
@@ -22,6 +22,7 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
+using namespace harrowby::app::test;
 
 namespace {
 
@@ -220,7 +221,7 @@ void LogFileTest::whatIsNoFileIsNotWaitedFor()
         QCOMPARE(::mkfifo(QFile::encodeName(name).constData(), 0600), 0);
     LogFile log(m_path, 10);
     QString reason;
-    log.setHandler([&](const QString &told) { reason = told; });
+    log.setHandler([&](const Result<void, QString> &outcome) { reason = reasonOf(outcome); });
     QCOMPARE(log.add(QtWarningMsg, u"c"_s, u"a line"_s), isLock);
     QCOMPARE(reason, isLock ? QString() : u"it is not an ordinary file"_s);
     QVERIFY(!QFile::exists(m_path + u".1"_s));
@@ -232,7 +233,7 @@ void LogFileTest::placeThatCannotBeWrittenIsToldOnce()
     QVERIFY(obstacle.open(QIODevice::WriteOnly));
     LogFile log(m_path);
     QStringList told;
-    log.setHandler([&](const QString &reason) { told << reason; });
+    log.setHandler([&](const Result<void, QString> &outcome) { told << reasonOf(outcome); });
     log.prove();
     QCOMPARE(told, QStringList{u"Not a directory"_s});
     QVERIFY(!log.add(QtWarningMsg, u"c"_s, u"lost"_s));

@@ -239,7 +239,7 @@ void OpenTest::openStoreIsUsedAsItIsAndLogged()
     QVERIFY2(lines.contains(said), qPrintable(lines));
 
     QVERIFY(!runSql(database.get(), u"INSERT INTO SysUsage VALUES ('', '', '')"_s));
-    QCOMPARE(closeToOthers(path()), QString());
+    QCOMPARE(reasonOf(closeToOthers(path())), QString());
     for (const QString &name : {path(), logFileOf(path()), logIndexOf(path())})
         QCOMPARE(permissionsText(name), u"0600"_s);
     QVERIFY(!isOpenToOthers(path()));

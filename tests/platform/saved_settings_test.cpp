@@ -59,7 +59,7 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        IniSettings(m_home.path(u"other.ini"_s)).save(u"POS"_s, u"COM"_s, {}); // whatever failed is over
+        IniSettings(m_home.path(u"other.ini"_s)).save(u"POS"_s, u"COM"_s, {}); // resets the failure that was reported
         FailureTelling::setHandler({});
     }
 
@@ -155,7 +155,7 @@ private Q_SLOTS:
         QCOMPARE(mode(file()), 0600);
         QCOMPARE(mode(m_home.path(u".config/Harrowby"_s)), 0700);
         QCOMPARE(mode(m_home.path(u".config"_s)), 0700);
-        // What somebody has chosen stays.
+        // Permissions that a person has set stay.
         QCOMPARE(::chmod(QFile::encodeName(file()).constData(), 0644), 0);
         IniSettings().save(u"POS"_s, u"COM"_s, u"kitchen"_s);
         QCOMPARE(mode(file()), 0644);
@@ -190,7 +190,7 @@ private Q_SLOTS:
         QCOMPARE(m_failures.constFirst().reason, u"it is not an ordinary file"_s);
         QVERIFY(log.hasLine({u"harrowby.settings"_s, file()}));
         if (device == u"/dev/zero"_s)
-            return; // a broken save would replace the machine's own; nobody can replace a terminal
+            return; // a broken save, run as root, would replace the machine's own device
         settings.save(u"POS"_s, u"COM"_s, u"till"_s);
         QVERIFY(m_failures.constLast().kind == Kind::SettingsWrite);
         QVERIFY(!QFileInfo(file()).isFile());
@@ -198,7 +198,7 @@ private Q_SLOTS:
 
     void aPipeIsNotEvenOpened()
     {
-        // Whoever waits for the other end of it would go on, and some devices do something when they are opened.
+        // Opening a FIFO would wake a process waiting at its other end, and opening some devices has side effects.
         QVERIFY(QDir().mkpath(m_home.path(u".config/Harrowby"_s)));
         QCOMPARE(::mkfifo(QFile::encodeName(file()).constData(), 0600), 0);
         const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -228,7 +228,9 @@ private Q_SLOTS:
         afterNextLookAtAFile([&] {
             isReplaced = settings.remove() && ::mkfifo(QFile::encodeName(settings.fileName()).constData(), 0600) == 0;
         });
-        QCOMPARE(openOrdinaryFile(settings, QIODevice::OpenMode(mode)), u"it is not an ordinary file"_s);
+        const auto opened = openOrdinaryFile(settings, QIODevice::OpenMode(mode));
+        QVERIFY(!opened);
+        QCOMPARE(opened.error(), u"it is not an ordinary file"_s);
         QVERIFY(isReplaced && !settings.isOpen());
     }
 
