@@ -19,9 +19,9 @@
 #include "app/shop/wait_sign.h"
 #include "app/shop/workshop.h"
 #include "app/start/bare_screen.h"
-#include "app/start/box_guard.h"
 #include "app/start/command_line.h"
 #include "app/start/display.h"
+#include "app/start/early_key_installer.h"
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
@@ -248,7 +248,7 @@ Started<int> run(int argc, char **argv)
     setUpApplication();
     dressProgram(*line);
     const BareScreen screen;
-    const BoxGuard boxes;
+    const EarlyKeyInstaller boxes;
     if (line->noPlugins)
         leaveOutPlugins();
     const auto keyboard = startKeyboard(*line, missing);

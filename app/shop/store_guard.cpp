@@ -121,7 +121,7 @@ bool StoreGuard::check()
 {
     if (isLost())
         return false;
-    if (const Finding finding = m_watch.look(); finding != Finding::Fine)
+    if (const Finding finding = m_watch.check(); finding != Finding::Fine)
         lose(finding);
     return !isLost();
 }

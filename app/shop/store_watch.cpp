@@ -56,7 +56,7 @@ std::int64_t StoreWatch::logSize() const
     return facts ? facts->size : 0;
 }
 
-StoreWatch::Finding StoreWatch::look()
+StoreWatch::Finding StoreWatch::check()
 {
     const LogProgress before = logNow();
     FileFacts facts;

@@ -31,7 +31,7 @@ public:
     /// Takes the file's present state as the right one. `path` is the name that the person gave.
     StoreWatch(sqlite3 *database, const QString &path);
 
-    [[nodiscard]] Finding look();
+    [[nodiscard]] Finding check();
     /// Whether the file that was opened, whatever its name now, was written or truncated by others than SQLite.
     [[nodiscard]] bool isWrittenByOthers() { return isForeign(contentNow()); }
     /// Called after each checkpoint of this process.

@@ -25,9 +25,9 @@ struct Number
     qsizetype end = 0; ///< after its last character
 };
 
-bool isDigit(QChar sign)
+bool isDigit(QChar character)
 {
-    return sign >= u'0' && sign <= u'9';
+    return character >= u'0' && character <= u'9';
 }
 
 /// An optional sign, digits with grouping commas, a point and digits. More digits than a till's figures have are no
@@ -40,15 +40,15 @@ std::optional<Number> readNumber(QStringView text, qsizetype start)
     int count = 0;
     int decimals = -1; // before the point
     for (; at < text.size(); ++at) {
-        const QChar sign = text.at(at);
+        const QChar character = text.at(at);
         const bool digitFollows = at + 1 < text.size() && isDigit(text.at(at + 1));
-        if (isDigit(sign)) {
-            digits = digits * 10.0 + (sign.unicode() - u'0');
+        if (isDigit(character)) {
+            digits = digits * 10.0 + (character.unicode() - u'0');
             ++count;
             decimals += decimals >= 0 ? 1 : 0;
-        } else if (sign == u'.' && decimals < 0 && digitFollows) {
+        } else if (character == u'.' && decimals < 0 && digitFollows) {
             decimals = 0;
-        } else if (!(sign == u',' && decimals < 0 && count > 0 && digitFollows)) {
+        } else if (!(character == u',' && decimals < 0 && count > 0 && digitFollows)) {
             break;
         }
     }
@@ -72,9 +72,9 @@ bool standsAt(QStringView text, qsizetype at, QStringView what)
 /// Where " = " stands next; below 0 when nowhere.
 qsizetype findEquals(QStringView text, qsizetype from)
 {
-    for (qsizetype sign = text.indexOf(u'=', from + 1); sign >= 0; sign = text.indexOf(u'=', sign + 1)) {
-        if (standsAt(text, sign - 1, equals))
-            return sign - 1;
+    for (qsizetype at = text.indexOf(u'=', from + 1); at >= 0; at = text.indexOf(u'=', at + 1)) {
+        if (standsAt(text, at - 1, equals))
+            return at - 1;
     }
     return -1;
 }
@@ -82,9 +82,9 @@ qsizetype findEquals(QStringView text, qsizetype from)
 /// Where ", " stands next; below 0 when nowhere.
 qsizetype findJoint(QStringView text, qsizetype from)
 {
-    for (qsizetype sign = text.indexOf(u',', from); sign >= 0; sign = text.indexOf(u',', sign + 1)) {
-        if (standsAt(text, sign, joint))
-            return sign;
+    for (qsizetype at = text.indexOf(u',', from); at >= 0; at = text.indexOf(u',', at + 1)) {
+        if (standsAt(text, at, joint))
+            return at;
     }
     return -1;
 }
@@ -175,9 +175,9 @@ void readItemLines(QStringView text, ItemLines &result)
 IdAndName idAndName(QStringView key)
 {
     constexpr QStringView bar = u"  |  ";
-    for (qsizetype sign = key.indexOf(u'|', 2); sign >= 0; sign = key.indexOf(u'|', sign + 1)) {
-        if (standsAt(key, sign - 2, bar))
-            return {key.first(sign - 2).trimmed(), key.sliced(sign + 3).trimmed()};
+    for (qsizetype at = key.indexOf(u'|', 2); at >= 0; at = key.indexOf(u'|', at + 1)) {
+        if (standsAt(key, at - 2, bar))
+            return {key.first(at - 2).trimmed(), key.sliced(at + 3).trimmed()};
     }
     return {{}, key};
 }

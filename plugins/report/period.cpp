@@ -43,7 +43,7 @@ QString dayKey(const QDate &day)
 
 std::optional<QDate> dayOfKey(const QString &key)
 {
-    const bool digits = std::all_of(key.begin(), key.end(), [](QChar sign) { return sign >= u'0' && sign <= u'9'; });
+    const bool digits = std::all_of(key.begin(), key.end(), [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
     if (!digits || key.size() != 6)
         return {};
     const QDate day(2000 + key.left(2).toInt(), key.mid(2, 2).toInt(), key.right(2).toInt());

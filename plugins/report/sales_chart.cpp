@@ -40,8 +40,8 @@ struct Ink
 
 Ink screenInk()
 {
-    const Colours &look = Colours::current();
-    return {look.accent, look.text, look.border, look.field};
+    const Colours &colours = Colours::current();
+    return {colours.accent, colours.text, colours.border, colours.field};
 }
 
 Ink paperInk()

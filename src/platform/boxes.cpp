@@ -2,7 +2,7 @@
 #include "platform/boxes.h"
 
 #include "basic/text.h"
-#include "input/early_keys.h"
+#include "input/early_key_filter.h"
 #include "platform/long_text.h"
 
 #include <QAbstractButton>
@@ -35,12 +35,12 @@ constexpr QSize inputSize(320, 44);
 
 /// A dialog that its parent may destroy while it runs.
 template <class Dialog>
-class Guarded
+class OwnedDialog
 {
 public:
-    explicit Guarded(QWidget *parent) : m_dialog(new Dialog(parent)) {}
-    ~Guarded() { delete m_dialog.data(); }
-    Q_DISABLE_COPY_MOVE(Guarded)
+    explicit OwnedDialog(QWidget *parent) : m_dialog(new Dialog(parent)) {}
+    ~OwnedDialog() { delete m_dialog.data(); }
+    Q_DISABLE_COPY_MOVE(OwnedDialog)
     [[nodiscard]] bool isAlive() const { return !m_dialog.isNull(); }
     Dialog &operator*() const { return *m_dialog; }
     Dialog *operator->() const { return m_dialog.data(); }
@@ -153,7 +153,7 @@ Boxes::~Boxes() = default;
 
 Answer QtBoxes::message(QWidget *parent, const QString &text, int style, const QString &title)
 {
-    const Guarded<QMessageBox> box(parent);
+    const OwnedDialog<QMessageBox> box(parent);
     fillMessage(*box, text, style, title);
     const auto pressed = static_cast<Button>(run(*box));
     const auto buttons = buttonsOf(style);
@@ -162,7 +162,7 @@ Answer QtBoxes::message(QWidget *parent, const QString &text, int style, const Q
 
 QString QtBoxes::input(QWidget *parent, const QString &prompt, const QString &title, const QString &initial)
 {
-    const Guarded<QInputDialog> dialog(parent);
+    const OwnedDialog<QInputDialog> dialog(parent);
     fillInput(*dialog, prompt, title, initial);
     const bool accepted = run(*dialog) == QDialog::Accepted;
     return accepted && dialog.isAlive() ? dialog->textValue() : QString();
@@ -175,7 +175,7 @@ void QtBoxes::setObserver(std::function<void(QDialog &)> observer)
 
 int QtBoxes::run(QDialog &dialog)
 {
-    new EarlyKeys(dialog);
+    new EarlyKeyFilter(dialog);
     const QPointer<QDialog> alive(&dialog);
     if (const auto observer = m_observer)
         observer(dialog);

@@ -101,8 +101,8 @@ bool isQuoted(QStringView text)
 QByteArray encoded(const QString &value)
 {
     // QSettings gives a leading "@" a meaning of its own and doubles it in texts.
-    const QString guarded = value.startsWith(u'@') ? u'@' + value : value;
-    const QString text = needsQuotes(guarded) ? u'"' + escaped(guarded) + u'"' : guarded;
+    const QString literal = value.startsWith(u'@') ? u'@' + value : value;
+    const QString text = needsQuotes(literal) ? u'"' + escaped(literal) + u'"' : literal;
     return text.toUtf8();
 }
 

@@ -2,7 +2,7 @@
 #include "store/hold.h"
 
 #include "basic/logging.h"
-#include "store/guarded.h"
+#include "store/failure_reports.h"
 #include "store/recordset.h"
 
 #include <utility>
@@ -31,7 +31,7 @@ bool Hold::settle(const QString &write) noexcept
     if (!connection)
         return true;
     bool kept = false;
-    guarded(connection, DbFailure::Kind::Write, write, [&] { kept = connection->settle(write); });
+    runReported(connection, DbFailure::Kind::Write, write, [&] { kept = connection->settle(write); });
     return kept;
 }
 

@@ -2,7 +2,7 @@
 #include "store/recordset.h"
 
 #include "basic/values.h"
-#include "store/guarded.h"
+#include "store/failure_reports.h"
 #include "store/hold.h"
 #include "store/selected_rows.h"
 
@@ -114,7 +114,7 @@ template <typename Change>
 bool DbRecordset::Private::write(const QString &what, Change &&change) noexcept
 {
     bool done = false;
-    guarded(connection, DbFailure::Kind::Write, what, [&] { done = change(); });
+    runReported(connection, DbFailure::Kind::Write, what, [&] { done = change(); });
     if (!hold)
         return done;
     const bool kept = hold->settle(done ? what : QString());
@@ -273,7 +273,8 @@ bool Execute(const std::shared_ptr<DbConnection> &connection, const Statement &s
         return false;
     }
     bool done = false;
-    guarded(connection, DbFailure::Kind::Write, statement.sql(), [&] { done = connection->Execute(statement.sql()); });
+    runReported(connection, DbFailure::Kind::Write, statement.sql(),
+                [&] { done = connection->Execute(statement.sql()); });
     return done;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "store/selected_rows.h"
 
-#include "store/guarded.h"
+#include "store/failure_reports.h"
 #include "store/recordset.h"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ void SelectedRows::read(qsizetype limit, bool withIds) noexcept
 {
     forget();
     m_hasFailed = true;
-    if (!guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { fill(limit, withIds); }))
+    if (!runReported(m_connection, DbFailure::Kind::Read, m_select, [&] { fill(limit, withIds); }))
         forget();
 }
 
@@ -75,8 +75,8 @@ void SelectedRows::appendRow(const DbCursor &cursor)
 
 void SelectedRows::readRowIds() noexcept
 {
-    guarded(m_connection, DbFailure::Kind::Read, m_select,
-            [this] { m_rowIds = m_connection->rowIds(m_select).value_or(std::vector<DbRowId>()); });
+    runReported(m_connection, DbFailure::Kind::Read, m_select,
+                [this] { m_rowIds = m_connection->rowIds(m_select).value_or(std::vector<DbRowId>()); });
 }
 
 void SelectedRows::refuse(const QString &reason) noexcept
@@ -88,7 +88,7 @@ void SelectedRows::refuse(const QString &reason) noexcept
 void SelectedRows::beginWalk() noexcept
 {
     m_hasFailed = true;
-    guarded(m_connection, DbFailure::Kind::Read, m_select, [this] {
+    runReported(m_connection, DbFailure::Kind::Read, m_select, [this] {
         std::unique_ptr<DbCursor> cursor = m_connection->query(m_select);
         if (!cursor)
             return;
@@ -106,7 +106,7 @@ void SelectedRows::beginWalk() noexcept
 void SelectedRows::stepWalk() noexcept
 {
     auto step = DbCursor::Step::Failed;
-    guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { step = m_walk->next(); });
+    runReported(m_connection, DbFailure::Kind::Read, m_select, [&] { step = m_walk->next(); });
     ++m_passed;
     m_hasFailed = step == DbCursor::Step::Failed;
     if (step != DbCursor::Step::Row)
@@ -117,7 +117,7 @@ void SelectedRows::stepWalk() noexcept
 void SelectedRows::finishWalk() noexcept
 {
     auto step = DbCursor::Step::Row;
-    const bool read = guarded(m_connection, DbFailure::Kind::Read, m_select, [&] {
+    const bool read = runReported(m_connection, DbFailure::Kind::Read, m_select, [&] {
         for (; step == DbCursor::Step::Row; step = m_walk->next())
             appendRow(*m_walk);
         m_rows.squeeze();
@@ -147,7 +147,7 @@ std::int32_t SelectedRows::counted() noexcept
     std::int64_t result = m_passed + m_rows.count();
     if (!m_isWhole) {
         std::optional<std::int64_t> found;
-        guarded(m_connection, DbFailure::Kind::Read, m_select, [&] { found = m_connection->countRows(m_select); });
+        runReported(m_connection, DbFailure::Kind::Read, m_select, [&] { found = m_connection->countRows(m_select); });
         m_hasFailed = !found;
         if (m_hasFailed)
             forget();

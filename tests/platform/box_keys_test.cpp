@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/boxes.h"
 
-#include "input/early_keys.h"
+#include "input/early_key_filter.h"
 #include "tests/platform/shown_box.h"
 #include "tests/program/test_program.h"
 
@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Acts at the first moment at which a box is there, and nothing of it to be seen.
+/// Acts once a box is shown and before it has been painted.
 class WhenItComes : public QObject
 {
 public:
@@ -41,7 +41,7 @@ private:
     std::function<void()> m_act;
 };
 
-/// What stands in the focus of a box: its default button, or its entry.
+/// The focus widget of a box: its default button, or its entry.
 QWidget *focusOf(QDialog &box)
 {
     return box.focusWidget() != nullptr ? box.focusWidget() : &box;
@@ -92,7 +92,7 @@ void BoxKeysTest::aKeyBeforeTheBoxIsSeenAnswersNothing()
     boxes.setObserver([&](QDialog &box) {
         new WhenItComes(box, [&] { QTest::keyClick(focusOf(box), key, held); });
         QTimer::singleShot(0, &box, [&] {
-            (void)QTest::qWaitFor([&] { return EarlyKeys::areOver(box); });
+            (void)QTest::qWaitFor([&] { return EarlyKeyFilter::acceptsKeys(box); });
             stoodThere = box.isVisible();
             static_cast<QMessageBox &>(box).button(QMessageBox::Cancel)->click();
         });
@@ -124,7 +124,7 @@ void BoxKeysTest::aKeyHeldDownSinceAnswersNothing()
         }
         sendKey(box, QEvent::KeyRelease, key, false, 7080);
         stoodThere = box.isVisible();
-        sendKey(box, QEvent::KeyPress, key, false, 7900); // anew, and so meant for the box
+        sendKey(box, QEvent::KeyPress, key, false, 7900); // a new press, which counts
         sendKey(box, QEvent::KeyRelease, key, false, 7950);
         QVERIFY(!box.isVisible());
     });
@@ -152,14 +152,14 @@ void BoxKeysTest::aHeldAcceleratorAnswersNothing()
 void BoxKeysTest::aBoxShownAgainIsGuardedAgain()
 {
     QDialog box;
-    new EarlyKeys(box);
-    QVERIFY(EarlyKeys::guard(box));
+    new EarlyKeyFilter(box);
+    QVERIFY(EarlyKeyFilter::isInstalled(box));
     for (int time = 0; time < 2; ++time) {
         box.show();
-        QVERIFY(!EarlyKeys::areOver(box));
+        QVERIFY(!EarlyKeyFilter::acceptsKeys(box));
         QTest::keyClick(&box, Qt::Key_Escape);
         QVERIFY(box.isVisible());
-        QTRY_VERIFY(EarlyKeys::areOver(box));
+        QTRY_VERIFY(EarlyKeyFilter::acceptsKeys(box));
         QTest::keyClick(&box, Qt::Key_Escape);
         QVERIFY(!box.isVisible());
     }
@@ -174,7 +174,7 @@ void BoxKeysTest::keysBeforeAnInputAreNotTyped()
             QTest::keyClick(focusOf(box), Qt::Key_Return);
         });
         QTimer::singleShot(0, &box, [&] {
-            (void)QTest::qWaitFor([&] { return EarlyKeys::areOver(box); });
+            (void)QTest::qWaitFor([&] { return EarlyKeyFilter::acceptsKeys(box); });
             QTest::keyClicks(focusOf(box), u"99"_s);
             QTest::keyClick(focusOf(box), Qt::Key_Return);
         });

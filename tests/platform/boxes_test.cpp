@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/boxes.h"
 
-#include "input/early_keys.h"
+#include "input/early_key_filter.h"
 #include "tests/platform/shown_box.h"
 #include "tests/program/test_program.h"
 
@@ -290,7 +290,7 @@ void BoxesTest::aBoxInABox()
         QTimer::singleShot(0, &outerBox, [&] {
             boxes.setObserver([](QDialog &box) { QTimer::singleShot(0, &box, &QDialog::accept); });
             inner = boxes.message(&outerBox, u"Inner"_s, box::OkOnly, {});
-            (void)QTest::qWaitFor([&] { return EarlyKeys::areOver(outerBox); });
+            (void)QTest::qWaitFor([&] { return EarlyKeyFilter::acceptsKeys(outerBox); });
             QTest::keyClick(&outerBox, Qt::Key_Escape);
         });
     });

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/random_user.h"
 
-#include "input/early_keys.h"
+#include "input/early_key_filter.h"
 #include "tests/support/known_boxes.h"
 #include "tests/ui/interruption.h"
 
@@ -375,7 +375,7 @@ void RandomUser::meet(QDialog &dialog)
 
 void RandomUser::answer(QMessageBox &message, quint32 seed)
 {
-    if (!EarlyKeys::areOver(message)) // the key below would be lost, and the box stay
+    if (!EarlyKeyFilter::acceptsKeys(message)) // the key below would be lost, and the box stay
         return QTimer::singleShot(0, &message, [this, &message, seed] { answer(message, seed); });
     if (!isKnownBox(message.text()))
         m_strangeBoxes << message.text();

@@ -18,8 +18,8 @@ void reportMissing(DbFailure::Kind kind, const QString &statement) noexcept;
 
 /// Does work with the connection. A null connection fails, and so does work that throws; both are reported.
 template <typename Work>
-bool guarded(const std::shared_ptr<DbConnection> &connection, DbFailure::Kind kind, const QString &statement,
-             Work &&work) noexcept
+bool runReported(const std::shared_ptr<DbConnection> &connection, DbFailure::Kind kind, const QString &statement,
+                 Work &&work) noexcept
 {
     if (!connection) {
         reportMissing(kind, statement);

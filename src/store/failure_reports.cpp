@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store/guarded.h"
+#include "store/failure_reports.h"
 
 #include "basic/logging.h"
 

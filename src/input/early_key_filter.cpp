@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "input/early_keys.h"
+#include "input/early_key_filter.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -23,24 +23,24 @@ quint32 keyOf(const QKeyEvent &event)
 
 } // namespace
 
-EarlyKeys::EarlyKeys(QWidget &box) : QObject(&box), m_box(box)
+EarlyKeyFilter::EarlyKeyFilter(QWidget &box) : QObject(&box), m_box(box)
 {
     setObjectName(childName);
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-bool EarlyKeys::guard(const QWidget &box)
+bool EarlyKeyFilter::isInstalled(const QWidget &box)
 {
     return box.findChild<QObject *>(childName, Qt::FindDirectChildrenOnly) != nullptr;
 }
 
-bool EarlyKeys::areOver(const QWidget &box)
+bool EarlyKeyFilter::acceptsKeys(const QWidget &box)
 {
-    const auto *guard = box.findChild<EarlyKeys *>({}, Qt::FindDirectChildrenOnly);
-    return guard == nullptr || guard->m_listening;
+    const auto *filter = box.findChild<EarlyKeyFilter *>({}, Qt::FindDirectChildrenOnly);
+    return filter == nullptr || filter->m_listening;
 }
 
-bool EarlyKeys::eventFilter(QObject *watched, QEvent *event)
+bool EarlyKeyFilter::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::Show:
@@ -66,21 +66,21 @@ bool EarlyKeys::eventFilter(QObject *watched, QEvent *event)
 }
 
 /// A key event is delivered to the QWindow first, then to its widgets.
-bool EarlyKeys::isOfBox(const QObject *object) const
+bool EarlyKeyFilter::isOfBox(const QObject *object) const
 {
     if (const auto *widget = qobject_cast<const QWidget *>(object))
         return widget->window() == &m_box;
     return object->isWindowType() && object == m_box.windowHandle();
 }
 
-void EarlyKeys::begin()
+void EarlyKeyFilter::begin()
 {
     m_painted = false;
     m_listening = false;
-    m_meant.clear();
+    m_pressedSince.clear();
 }
 
-void EarlyKeys::notePaint()
+void EarlyKeyFilter::notePaint()
 {
     if (m_painted)
         return;
@@ -89,26 +89,26 @@ void EarlyKeys::notePaint()
     QTimer::singleShot(0, this, [this] { m_listening = m_painted; });
 }
 
-void EarlyKeys::noteRelease(const QKeyEvent &key)
+void EarlyKeyFilter::noteRelease(const QKeyEvent &key)
 {
     m_releasedAt.insert(keyOf(key), key.timestamp());
 }
 
 /// X11 repeats a held key as release and press with one timestamp. Qt sets isAutoRepeat() only when both are in its
 /// queue at once, so the timestamps are compared too.
-bool EarlyKeys::isRepeated(const QKeyEvent &key) const
+bool EarlyKeyFilter::isRepeated(const QKeyEvent &key) const
 {
     return key.isAutoRepeat() || (key.timestamp() != 0 && m_releasedAt.value(keyOf(key)) == key.timestamp());
 }
 
 /// Called several times for one event, which goes from the window to the focus widget and up its parents.
-bool EarlyKeys::answers(const QKeyEvent &key)
+bool EarlyKeyFilter::answers(const QKeyEvent &key)
 {
     if (!m_listening)
         return false;
     if (key.type() != QEvent::KeyRelease && !isRepeated(key))
-        m_meant.insert(keyOf(key));
-    return m_meant.contains(keyOf(key));
+        m_pressedSince.insert(keyOf(key));
+    return m_pressedSince.contains(keyOf(key));
 }
 
 } // namespace harrowby
