@@ -26,7 +26,7 @@ QString textOf(char32_t character)
 
 } // namespace
 
-/// A hash that tells two texts apart only if the comparison does.
+/// Texts that compare equal must have equal hashes.
 class TestCaseFolding : public QObject
 {
     Q_OBJECT
@@ -79,7 +79,7 @@ void TestCaseFolding::everyCharacter()
 
 void TestCaseFolding::anyTexts()
 {
-    // Few characters, so that many pairs are equal: pieces of pairs, too.
+    // Few different characters, so that many random pairs are equal; parts of surrogate pairs among them.
     const std::vector<char16_t> alphabet{u'a', u'A',   u'K',   0x212A, 0x00DF, 0x1E9E, 0x0130, 0x0131,
                                          u'i', 0xD801, 0xDC00, 0xDC28, 0xD83A, 0xDD00, 0xDD22};
     QRandomGenerator random(7);

@@ -80,7 +80,7 @@ void TestDates::takenPurchaseId()
         return QDateTime({2018, 3, 5}, {14, 7, 10});
     };
     QCOMPARE(purchaseIdToSave(u"HV18030514070907"_s, false, now), u"HV18030514070907"_s);
-    QCOMPARE(looks, 0); // the clock is read when it is needed
+    QCOMPARE(looks, 0); // reading the clock is left to the caller
     QCOMPARE(purchaseIdToSave(u"HV18030514070907"_s, true, now), u"HE18030514071007"_s);
 }
 

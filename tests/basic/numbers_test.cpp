@@ -68,7 +68,7 @@ private Q_SLOTS:
 
 void TestNumbers::initTestCase()
 {
-    // Decimal commas must change nothing.
+    // The result must not depend on a locale with decimal commas.
     QLocale::setDefault(QLocale(QLocale::German));
 }
 

@@ -11,7 +11,7 @@ namespace harrowby::test {
 
 namespace {
 
-/// Passes a result's first rows on, and breaks.
+/// Passes a result's first rows on, then fails.
 class BreakingCursor final : public DbCursor
 {
 public:

@@ -11,8 +11,8 @@
 
 namespace harrowby::test {
 
-/// Passes everything on to another connection, notes each statement, fails those that a test picks, and tells of each
-/// write before it is begun and after it is done. One that is held is done when it is settled.
+/// Passes every call on to another connection, records each statement, fails those that a test picks, and calls a test
+/// before and after each write. A held write is done when it is settled.
 class RecordingConnection final : public DbConnection
 {
 public:
@@ -23,7 +23,7 @@ public:
     /// Both are asked with what `statements` holds; the first may throw.
     std::function<bool(const QString &statement)> fails = [](const QString &) { return false; };
     std::function<void(const QString &statement)> before = [](const QString &) {};
-    /// Both are told a text that can be run again.
+    /// Both get a text that can be run again.
     std::function<void(const QString &write)> beforeWrite = [](const QString &) {};
     std::function<void(const QString &write, bool done)> afterWrite = [](const QString &, bool) {};
     /// Statements that yield this many rows (0 and more) and then break.

@@ -37,7 +37,7 @@ ShopFile::ShopFile(const char *vfs)
     constexpr int mode = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     if (sqlite3_open_v2(path().toUtf8().constData(), &m_handle, mode, vfs) != SQLITE_OK)
         qFatal("the file cannot be opened");
-    sql(u"PRAGMA synchronous = OFF"_s); // no power cut is waited for
+    sql(u"PRAGMA synchronous = OFF"_s); // no test survives a power cut
     sql(tables);
 }
 

@@ -141,7 +141,7 @@ void EngineTest::aLostFileIsTheReason()
     QVERIFY(error);
     QCOMPARE(error->code, SQLITE_READONLY_DBMOVED);
     QCOMPARE(error->reason, headline);
-    QVERIFY(!runSql(m_database.get(), u"SELECT * FROM Things"_s)); // only what fails is explained
+    QVERIFY(!runSql(m_database.get(), u"SELECT * FROM Things"_s)); // a statement that works asks for no explanation
 
     forgetLoss(m_database.get());
     QCOMPARE(lossOf(m_database.get()), QString());

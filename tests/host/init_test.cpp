@@ -148,7 +148,7 @@ void InitTest::connectionStaysTheHosts()
     host.sql("CREATE TABLE StoreSettings (Email, ShowDetails, EmailAddress, Promptreorder, AutoPurchaseCart)");
     Init().LoadInventory(host.connection(), {});
     closeWindow();
-    // Nothing of the component's is left open in the engine, and no table was made.
+    // No statement of the component is open, and no table was created.
     QVERIFY(sqlite3_next_stmt(host.database, nullptr) == nullptr);
     sqlite3_stmt *tables = nullptr;
     sqlite3_prepare_v2(host.database, "SELECT count(*) FROM sqlite_master", -1, &tables, nullptr);

@@ -34,7 +34,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// Notes how it is shown.
+/// Records how it is shown.
 class ListWindow : public QObject
 {
     Q_OBJECT
@@ -145,7 +145,7 @@ void ObjectsTest::settingsAreTheComponents()
     QVERIFY(QFile::remove(config + u"/Harrowby/Harrowby.ini"_s));
 }
 
-/// Hosts and files of earlier days know them by these very names.
+/// Existing hosts and settings files use these very names.
 void ObjectsTest::placesOfSettings()
 {
     const auto place = [](const SettingPlace &setting) {
@@ -161,7 +161,7 @@ void ObjectsTest::placesOfSettings()
 
 void ObjectsTest::aFileThatCannotBeWrittenIsTold()
 {
-    // Something else lies where the folder should be, which no right overrules.
+    // A file in place of the folder: cannot be written even by root.
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation) + u"/Harrowby"_s;
     QVERIFY(QDir(folder).removeRecursively());
     QFile obstacle(folder);

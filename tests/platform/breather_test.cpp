@@ -14,7 +14,7 @@ using namespace harrowby;
 
 namespace {
 
-/// Counts the rounds of event handling: each one handles the event and queues it for the next.
+/// Counts calls of processEvents(): its event posts itself again each time it is handled.
 class RoundCounter : public QObject
 {
 public:
@@ -49,7 +49,7 @@ private Q_SLOTS:
         timer.start();
         for (int row = 0; row < 10'000; ++row)
             breather.breathe();
-        // Two rounds of the counter's at most in one breath, and a breath at most every 16 ms.
+        // At most two counts in one processEvents(), which is called at most every 16 ms.
         QVERIFY2(counter.rounds <= 2 * (timer.elapsed() / 16 + 1), qPrintable(QString::number(counter.rounds)));
     }
 
@@ -69,7 +69,7 @@ private Q_SLOTS:
     void aSlowEventIsNotFollowedByAnotherAtOnce()
     {
         Breather breather;
-        QObject events; // ends what is queued, also when the test fails
+        QObject events; // context of the queued calls: drops them, also when the test fails
         int slowEvents = 0;
         std::function<void()> slow = [&] {
             ++slowEvents;

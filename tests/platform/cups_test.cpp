@@ -34,7 +34,7 @@ PrintOptions quick()
     return options;
 }
 
-/// Fails the test when what it watches takes longer than a customer is let wait.
+/// Whether not more than a second has passed, the most that printing may hold a sale.
 class Stopwatch
 {
 public:
@@ -47,7 +47,7 @@ private:
 
 } // namespace
 
-/// Prints through a real print service and goes through its faults, worst last: some of them end it.
+/// Prints through a real print service and its faults. Order matters: the last ones end the service.
 class CupsTest : public QObject
 {
     Q_OBJECT
@@ -177,7 +177,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_home.receiptFiles(), QStringList(), handOverMs);
         QVERIFY2(m_cups.waitingJobs().contains(u"till-"_s), qPrintable(m_cups.waitingJobs()));
         QCOMPARE(m_log->lines(), QStringList());
-        m_cups.command(u"cancel"_s, {u"-a"_s}); // else its backend tries on when the service is gone
+        m_cups.command(u"cancel"_s, {u"-a"_s}); // else its backend goes on trying after the service has ended
     }
 
     void aHungService()
@@ -185,7 +185,7 @@ private Q_SLOTS:
         m_cups.hangService();
         sell(u"hung"_s);
         const Stopwatch watch;
-        QVERIFY(m_printers->deviceNames().contains(u"till"_s)); // as last heard of
+        QVERIFY(m_printers->deviceNames().contains(u"till"_s)); // the last answer counts
         QCOMPARE(m_printers->current()->deviceName(), u"till"_s);
         QVERIFY(watch.isInTime());
         verifyKept(u"hung"_s);

@@ -26,7 +26,7 @@ ObjectRegistry::Factory named(const QString &name)
     };
 }
 
-/// A folder with a copy of each plugin, so that none of them has been loaded from there before.
+/// A folder with a copy of each plugin: Qt keeps a loaded plugin by its path, and these paths are new.
 class PluginFolder
 {
 public:

@@ -75,7 +75,7 @@ void end(std::unique_ptr<QProcess> &process)
 {
     if (!process)
         return;
-    // Politely first, so that cupsd ends its own children.
+    // SIGTERM first, so that cupsd ends its own children.
     process->terminate();
     if (!process->waitForFinished(5'000)) {
         process->kill();
@@ -111,7 +111,7 @@ QString tail(const QString &path)
     return path + u":\n"_s + QString::fromUtf8(file.readAll().right(3000)) + u'\n';
 }
 
-/// The rights that cupsd gives its filters: "lp" where it may choose, else the user that runs the test.
+/// The user that cupsd runs its filters as: "lp" when the test runs as root, else the user of the test.
 QString filterRights()
 {
     if (::geteuid() == 0)
@@ -126,7 +126,7 @@ QString filterRights()
 
 PrivateCups::PrivateCups()
 {
-    // The filters run with fewer rights and must be able to pass through.
+    // The filters run as another user and must be able to enter the folder.
     QFile::setPermissions(m_dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup |
                                             QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
 }
@@ -189,7 +189,7 @@ bool PrivateCups::startPrinter()
 {
     m_printer = child(path(u"printer_log"_s));
     m_printer->setChildProcessModifier(dieWithParent);
-    // It announces itself on the system's bus and will not run without one.
+    // ippeveprinter announces itself over D-Bus and does not start without a system bus.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_busAddress);
     m_printer->setProcessEnvironment(environment);
@@ -232,8 +232,8 @@ void PrivateCups::removeQueue() const
 
 void PrivateCups::guardService()
 {
-    // Killed outright, cupsd would leave its backends behind, and stopped it would not end at all. So a guard waits
-    // for the end of this process, whatever ends it, and sends cupsd home.
+    // SIGKILL would leave cupsd's backends behind, and a stopped cupsd would never end. So a helper process waits for
+    // the end of this one, however it ends, and then ends cupsd.
     m_guard = std::make_unique<QProcess>();
     const QString script = u"read answer || { kill -CONT $0; kill -TERM $0; }"_s;
     m_guard->start(u"sh"_s, {u"-c"_s, script, QString::number(m_service->processId())});

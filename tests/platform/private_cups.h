@@ -10,7 +10,7 @@
 namespace harrowby::testing {
 
 /// A print service of the test's own, on the loopback interface: cupsd with a queue "till" that leads to a real IPP
-/// printer. It has nothing in common with the machine's, and all of it dies with the test.
+/// printer. Independent of the machine's own service; all of its processes end with the test.
 class PrivateCups
 {
 public:
@@ -31,7 +31,7 @@ public:
     void removeQueue() const;
     void killPrinter();
     void killService();
-    /// Stops the service in its tracks: it accepts connections and never answers.
+    /// SIGSTOP: the service accepts connections and never answers.
     void hangService();
     void resumeService();
 

@@ -5,8 +5,8 @@
 
 namespace harrowby::testing {
 
-/// Runs `action` once, right after this process has next asked for the facts of a file by its name: whoever looks at a
-/// file before opening it then opens another one. The C library's function is replaced by one that knows of this.
+/// Runs `action` once, right after the next stat() of this process: a file that is checked and then opened by name can
+/// be replaced in between. The C library's function is replaced by one that runs the action.
 void afterNextLookAtAFile(std::function<void()> action);
 
 } // namespace harrowby::testing

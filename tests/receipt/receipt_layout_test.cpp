@@ -111,7 +111,7 @@ private Q_SLOTS:
     {
         const QSizeF few = ReceiptLayout({{u"one"_s}}).pageSizeMm(0);
         QCOMPARE(few.width(), 80.0);
-        QVERIFY(few.height() > few.width()); // else print filters turn it
+        QVERIFY(few.height() > few.width()); // print filters rotate a page that is wider than high
         const ReceiptLayout more(std::vector<ReceiptLine>(40, {u"line"_s}));
         QCOMPARE(more.pageCount(), 1);
         QVERIFY(more.pageSizeMm(0).height() > few.height() && more.pageSizeMm(0).height() < 297);

@@ -74,8 +74,8 @@ std::vector<Step> sell(ScratchStore &store)
 
 } // namespace
 
-/// Each write and sync of a sale fails in turn: nothing crashes, each failure is told, and the file holds exactly what
-/// was told to have worked.
+/// Each write and sync of a sale fails in turn: nothing crashes, each failure is reported, and the file holds exactly
+/// the statements that reported success.
 class TestDiskFaults : public QObject
 {
     Q_OBJECT

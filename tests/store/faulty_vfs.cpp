@@ -23,7 +23,7 @@ bool failsNow()
     return true;
 }
 
-/// SQLite hands out memory for this, and the real file lies right behind it.
+/// SQLite allocates szOsFile bytes: this struct, followed by the real VFS's file.
 struct File
 {
     sqlite3_file base;
@@ -55,7 +55,7 @@ int truncate(sqlite3_file *file, sqlite3_int64 size)
     return failsNow() ? SQLITE_IOERR_TRUNCATE : real(file)->pMethods->xTruncate(real(file), size);
 }
 
-/// No power cut is waited for, so a sync that does not fail has nothing to do.
+/// A sync that is not to fail does nothing: no test survives a power cut.
 int sync(sqlite3_file *, int)
 {
     return failsNow() ? SQLITE_IOERR_FSYNC : SQLITE_OK;

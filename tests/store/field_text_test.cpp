@@ -9,7 +9,7 @@
 using namespace harrowby;
 using namespace Qt::StringLiterals;
 
-/// A field's text in place says what its text says.
+/// DbField::utf8() gives the same text as DbField::text().
 class FieldTextTest : public QObject
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ using Access = DbRecordset::Access;
 
 namespace {
 
-/// Another till at the same file, which waits for nobody.
+/// Another connection to the same file, without a busy timeout.
 class OtherTill
 {
 public:
@@ -38,7 +38,7 @@ private:
     sqlite3 *m_handle = nullptr;
 };
 
-/// An engine that implements what it must, and throws where it is asked to.
+/// A connection with only the mandatory functions, which throws where a test asks for it.
 class OtherEngine final : public DbConnection
 {
 public:
@@ -119,7 +119,7 @@ void TestHold::init()
     m_other = std::make_unique<OtherTill>(m_store->file());
 }
 
-/// Nothing is left open in the engine: a host could close it now.
+/// Whether no statement is open, so that the host could close the connection.
 void TestHold::cleanup()
 {
     m_other.reset();
@@ -152,7 +152,7 @@ void TestHold::nobodyWritesInBetween()
     QVERIFY(!m_other->sells());
     add(stock, 5);
     QCOMPARE(stock.Field(u"StockAvailable"_s).number(), 15.0);
-    QVERIFY(m_other->sells()); // as soon as it is written, whatever the recordset is still good for
+    QVERIFY(m_other->sells()); // the lock ends with the write, while the recordset still exists
     QCOMPARE(available(), u"14"_s);
     QVERIFY(m_store->failures.empty());
 }
@@ -201,7 +201,7 @@ void TestHold::endsWithoutAWrite()
     QVERIFY(m_other->sells());
 }
 
-/// Under a walk's old view of the file the hold would be refused.
+/// With a walk's older snapshot open, SQLite would refuse the write lock.
 void TestHold::finishesWalks()
 {
     for (int i = 2; i < 60; ++i)
@@ -227,7 +227,7 @@ void TestHold::refusedHoldChangesNothing()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Nothing could be held.*locked"_s));
     DbRecordset stock;
     openHeld(stock);
-    QVERIFY(m_store->failures.empty()); // nobody is told
+    QVERIFY(m_store->failures.empty()); // nothing is reported
     QCOMPARE(stock.Field(u"StockAvailable"_s).number(), 10.0);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"UPDATE StockList"_s));
     add(stock, 5);
@@ -246,7 +246,7 @@ void TestHold::withinTheHostsTransaction()
     DbRecordset stock;
     openHeld(stock);
     add(stock, 5);
-    QVERIFY(isHeld()); // by its host, who has not decided yet
+    QVERIFY(isHeld()); // the host's own transaction, still open
     QCOMPARE(available(), u"15"_s);
     m_store->run(u"rollback"_s);
     QCOMPARE(available(), u"10"_s);
@@ -355,7 +355,7 @@ void TestHold::engineWithoutHolds()
         stock.AddNew();
         stock.Field(u"StockID"_s).assign(u"1"_s);
         stock.Update();
-        QVERIFY(!stock.IsEof()); // it was written
+        QVERIFY(!stock.IsEof()); // the new row can be read
     }
     QCOMPARE(engine->written, 2);
 }

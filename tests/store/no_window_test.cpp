@@ -10,7 +10,7 @@
 using namespace harrowby;
 using namespace Qt::StringLiterals;
 
-/// The rooms below the window must do without its libraries.
+/// The rooms below the window must not link Qt Gui or Qt Widgets.
 class TestNoWindow : public QObject
 {
     Q_OBJECT

@@ -22,7 +22,7 @@ const Statement everything("Select * from StockList");
 
 } // namespace
 
-/// Whatever the connection does, the recordset goes on, and tells of it once.
+/// Whatever the connection throws or fails at, the recordset stays usable and reports it once.
 class TestRecordsetFaults : public QObject
 {
     Q_OBJECT

@@ -140,7 +140,7 @@ void TestRecordsetWriting::readAccessCannotChange()
 void TestRecordsetWriting::rowsWithoutIdentityCannotChange()
 {
     m_connection->fill(3);
-    m_connection->ids.pop_back(); // does not belong to these rows
+    m_connection->ids.pop_back(); // fewer identities than rows
     DbRecordset rows;
     rows.Open(everything, m_connection, Access::Edit);
     QCOMPARE(rows.RecordCount(), 3);
@@ -187,7 +187,7 @@ void TestRecordsetWriting::addsToEmptyResult()
     QCOMPARE(m_connection->calls.value(u"insertRow"_s), 1);
     QCOMPARE(m_connection->table, u"StockList"_s);
     QCOMPARE(rows.Field(u"name"_s).text(), u"new"_s);
-    QVERIFY(!rows.Field(u"ID"_s).value()); // the table's default, whatever that is
+    QVERIFY(!rows.Field(u"ID"_s).value()); // not assigned: the value is the table's default, which was not read
     QCOMPARE(rows.RecordCount(), 0);
     QVERIFY(!rows.IsEof());
     rows.MoveNext();

@@ -10,7 +10,7 @@
 
 namespace harrowby {
 
-/// A connection without an engine: one result for every SELECT, and a tally of what is asked of it.
+/// A connection without an engine: one result for every SELECT, and a count of each call.
 class ScriptedConnection final : public DbConnection
 {
 public:
@@ -48,7 +48,7 @@ public:
     /// Counts a call and lets it fail as scripted; false when it is to fail.
     bool comesThrough(const QString &operation, DbFailure::Kind kind);
 
-    std::size_t position = 0; ///< rows that the cursor has reached that was made or moved last
+    std::size_t position = 0; ///< row number of the cursor that was created or moved last
 };
 
 } // namespace harrowby

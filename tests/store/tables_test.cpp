@@ -10,7 +10,7 @@
 using namespace harrowby;
 using namespace Qt::StringLiterals;
 
-/// What the component's statements do to the tables, corner by corner.
+/// What the component's statements read and change in the tables, edge cases included.
 class TestTables : public QObject
 {
     Q_OBJECT

@@ -46,7 +46,7 @@ private:
     std::shared_ptr<ScriptedConnection> m_connection;
 };
 
-/// Whatever a test did, the engine holds nothing for it afterwards.
+/// No test leaves a statement open in the engine.
 void TestWalkFaults::cleanup()
 {
     QCOMPARE(m_connection->liveCursors, 0);
@@ -79,7 +79,7 @@ void TestWalkFaults::failsInTheMiddle()
     QVERIFY(rows.IsEof());
     QCOMPARE(m_connection->liveCursors, 0);
     QCOMPARE(m_connection->failures.size(), 1u);
-    QCOMPARE(rows.RecordCount(), 10); // bounds a loop no more than IsEof() does
+    QCOMPARE(rows.RecordCount(), 10); // the count stays; IsEof() ends the loop
 }
 
 void TestWalkFaults::failsWhileFinishing_data()
@@ -129,7 +129,7 @@ void TestWalkFaults::failsAtOpening()
     rows.MoveNext();
     QCOMPARE(m_connection->failures.size(), 1u);
     QCOMPARE(m_connection->liveCursors, 0);
-    // It knows its table all the same.
+    // A row can still be added to its table.
     m_connection->faults.clear();
     rows.AddNew();
     rows.Update();
@@ -163,7 +163,7 @@ void TestWalkFaults::valueThrows()
     m_connection->faults[u"value"_s] = Fault::Exception;
     QCOMPARE(rows.Field(u"name"_s).text(u"kept"_s), u"kept"_s);
     m_connection->faults.clear();
-    QCOMPARE(rest(rows), namesFrom(0, 3)); // one value alone was lost
+    QCOMPARE(rest(rows), namesFrom(0, 3)); // only that one value is missing
     open(rows);
     rows.MoveNext();
     m_connection->faults[u"value"_s] = Fault::Exception;
@@ -181,7 +181,7 @@ void TestWalkFaults::otherWalksSurviveAFailingOne()
     open(outer);
     skip(outer, 4);
     open(inner);
-    m_connection->faults[u"next 4"_s] = Fault::Exception; // which the outer one has passed
+    m_connection->faults[u"next 4"_s] = Fault::Exception; // a row that the outer walk has passed
     finishWalks(m_connection);
     QCOMPARE(m_connection->liveCursors, 0);
     QVERIFY(inner.HasFailed());

@@ -96,7 +96,7 @@ void TestWalkSqlite::init()
         m_store->addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(i));
 }
 
-/// Nothing is left open in the engine: a host could close it now.
+/// Whether no statement is open, so that the host could close the connection.
 void TestWalkSqlite::cleanup()
 {
     QVERIFY(sqlite3_next_stmt(m_store->handle(), nullptr) == nullptr);
@@ -181,7 +181,7 @@ void TestWalkSqlite::letsOthersWriteOnceFinished()
     DbRecordset rows;
     open(rows);
     rows.MoveNext();
-    // In the older journal a reader keeps writers out; in the newer one it keeps the log from being taken in.
+    // A reader blocks writers with a rollback journal, and checkpoints with a write-ahead log.
     QCOMPARE(other.run("update StockList set StockAvailable = 1"), journal == "wal"_L1);
     finishWalks(m_store->connection());
     QVERIFY(other.run("update StockList set StockAvailable = 2"));
@@ -223,7 +223,7 @@ void TestWalkSqlite::interrupted()
         sqlite3_interrupt(m_store->handle());
         if (finish)
             finishWalks(m_store->connection());
-        QCOMPARE(rest(rows), idsFrom(10, 11)); // the row it stood on
+        QCOMPARE(rest(rows), idsFrom(10, 11)); // from the current row on
         QVERIFY(rows.HasFailed());
         QCOMPARE(m_store->failures.size(), 1u);
         QCOMPARE(m_store->failures[0].engineCode, SQLITE_INTERRUPT);
@@ -265,7 +265,7 @@ void TestWalkSqlite::textsInPlace_data()
     QTest::newRow("long") << u"hex(zeroblob(50000))"_s;
 }
 
-/// The way without a copy gives the same text, wherever the row is.
+/// DbField::utf8() gives the same text whether the row is still in the engine or in memory.
 void TestWalkSqlite::textsInPlace()
 {
     QFETCH(const QString, literal);

@@ -56,7 +56,7 @@ private:
     std::shared_ptr<ScriptedConnection> m_connection;
 };
 
-/// Whatever a test did, the engine holds nothing for it afterwards.
+/// No test leaves a statement open in the engine.
 void TestWalk::cleanup()
 {
     QCOMPARE(m_connection->liveCursors, 0);
@@ -140,7 +140,7 @@ void TestWalk::closesAtTheEnd()
     QCOMPARE(m_connection->liveCursors, 1);
     skip(rows, 1);
     QCOMPARE(m_connection->liveCursors, 0);
-    // And one that holds nothing is not kept open at all.
+    // An empty result is closed at once.
     m_connection->rows.clear();
     open(rows);
     QCOMPARE(m_connection->liveCursors, 0);
@@ -156,7 +156,7 @@ void TestWalk::closesWhenDestroyed()
         QCOMPARE(m_connection->liveCursors, 1);
     }
     QCOMPARE(m_connection->liveCursors, 0);
-    finishWalks(m_connection); // which must not look at the one that is gone
+    finishWalks(m_connection); // must not touch the destroyed recordset
     QCOMPARE(m_connection->calls.value(u"value"_s), 0);
 }
 
@@ -186,7 +186,7 @@ void TestWalk::finishesInTheMiddle()
         finishWalks(m_connection);
         QCOMPARE(m_connection->liveCursors, 0);
         QCOMPARE(rows.IsEof(), passed == count);
-        m_connection->rows.clear(); // too late for it
+        m_connection->rows.clear(); // the walk has read them already
         if (passed < count) {
             QCOMPARE(rows.Field(u"NAME"_s).text(), u"row %1"_s.arg(passed));
             QCOMPARE(rows.Field(u"id"_s).number(), static_cast<double>(passed));
@@ -223,7 +223,7 @@ void TestWalk::finishesBeforeAChange()
 {
     using Change = std::function<void(const std::shared_ptr<DbConnection> &)>;
     QFETCH(const Change, change);
-    /// Walks over what it watches, by its first SELECT; notes at a change, and at a look for one, whether that is open.
+    /// Records, at each change and at each row looked up for one, whether the walk's statement is still open.
     class Watch final : public DbConnection
     {
     public:
@@ -303,12 +303,12 @@ void TestWalk::walksNest()
         open(outer);
         open(inner);
     }
-    finishWalks(m_connection); // the inner one is gone, the outer one is not
+    finishWalks(m_connection); // the inner recordset is destroyed, the outer one is not
     QCOMPARE(m_connection->liveCursors, 0);
     QCOMPARE(rest(outer), namesFrom(0, 6));
 }
 
-/// A walk over another connection goes on: nothing of it stands in the way of this one's changes.
+/// A walk over another connection stays open: it does not block this connection's changes.
 void TestWalk::finishesThoseOfItsConnection()
 {
     const auto other = std::make_shared<ScriptedConnection>();

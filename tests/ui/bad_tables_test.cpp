@@ -27,7 +27,7 @@ const QStringList lookedFor{u"StockUse"_s, u"Username"_s,     u"Password"_s,
 
 void fillShop(const ShopFile &shop)
 {
-    shop.sql(u"PRAGMA synchronous = OFF; PRAGMA journal_mode = MEMORY"_s); // no power cut is waited for
+    shop.sql(u"PRAGMA synchronous = OFF; PRAGMA journal_mode = MEMORY"_s); // no test survives a power cut
     for (int i = 0; i < 12; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1250.5, 10 + i, i % 2 == 0 ? u"TEA"_s : u"SNACKS"_s);
     shop.addItem(u"B1"_s, u"BREAD, FINISHED"_s, 1, 0);

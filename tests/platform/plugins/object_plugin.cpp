@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A plugin as a stranger writes it: one class that works and two that do not.
+// A plugin as a third party writes it: one class that works and two that do not.
 #include <harrowby/objects.h>
 
 #include <stdexcept>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Lies in the same folder, and promises something that its root object cannot do.
+// A plugin in the same folder whose metadata names a class although its root object is no ObjectFactory.
 #include <QObject>
 #include <QtPlugin>
 
