@@ -4,6 +4,7 @@
 #include "app/codes/code_text.h"
 #include "app/codes/gtin.h"
 #include "app/shop/failure_text.h"
+#include "basic/text.h"
 
 #include <algorithm>
 #include <tuple>
@@ -96,6 +97,24 @@ Records::Answer<QList<StockItem>> CodeTable::itemsWithIds(const QStringList &ids
     return items;
 }
 
+Records::Answer<QList<StockItem>> CodeTable::itemsLike(const QString &text, int most) const
+{
+    QString pattern = trimmedUpper(text);
+    for (const QChar special : {u'\\', u'%', u'_'})
+        pattern.replace(special, QString(u'\\') + special);
+    pattern = u'%' + pattern + u'%';
+    const auto rows =
+        m_records.read({u"select StockID, StockName, StockCost from StockList where upper(StockID) like ? escape '\\' "
+                        "or upper(StockName) like ? escape '\\' order by StockName, StockID limit %1"_s.arg(most),
+                        {pattern, pattern}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<StockItem> items;
+    for (const RecordRow &row : *rows)
+        items << StockItem{recordText(row.at(0)), recordText(row.at(1)), recordText(row.at(2))};
+    return items;
+}
+
 Records::Answer<QList<ItemCode>> CodeTable::entries(const QStringList &codes) const
 {
     const auto rows = m_records.read(tables::code(),
@@ -139,8 +158,8 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
     const auto code = checkCode(text);
     if (!code)
         return u"This is no code: %1."_s.arg(code.error());
-    if (units < 1 || units > mostUnits)
-        return u"A scan can sell 1 to %1 units."_s.arg(mostUnits);
+    if (const auto taken = readUnits(QString::number(units)); !taken)
+        return taken.error();
     Problem problem;
     const auto added = m_records.together(tables::code(), [&] {
         problem = takenBy(*code, stockId);
@@ -209,6 +228,15 @@ std::optional<DbFailure> CodeTable::moveCodes(const QString &oldId, const QStrin
 QString failureWords(const QString &what, const DbFailure &failure)
 {
     return what + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
+}
+
+Result<int, QString> readUnits(const QString &text)
+{
+    bool isWhole = false;
+    const int units = text.trimmed().toInt(&isWhole);
+    if (!isWhole || units < 1 || units > mostUnits)
+        return Unexpected(u"A scan can sell 1 to %1 units."_s.arg(mostUnits));
+    return units;
 }
 
 QString itemWords(const QString &name, const QString &id)

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] Answer<QList<ItemCode>> list() const;
     /// The items whose IDs are among these, exactly.
     [[nodiscard]] Answer<QList<StockItem>> itemsWithIds(const QStringList &ids) const;
+    /// At most so many items in whose ID or name the text stands, by name. Small letters find capitals.
+    [[nodiscard]] Answer<QList<StockItem>> itemsLike(const QString &text, int most) const;
     /// The entries whose codes are among these, exactly; one for each item of that ID.
     [[nodiscard]] Answer<QList<ItemCode>> entries(const QStringList &codes) const;
 
@@ -75,6 +77,9 @@ private:
 
 /// What a failure means: `what` was not done, why, and what to do.
 [[nodiscard]] QString failureWords(const QString &what, const DbFailure &failure);
+
+/// Units that a scan can sell, as a person has typed them: a whole number from 1 to mostUnits.
+[[nodiscard]] Result<int, QString> readUnits(const QString &text);
 
 /// "MILK (MIL-0001)"
 [[nodiscard]] QString itemWords(const QString &name, const QString &id);

@@ -3,10 +3,12 @@
 
 #include "app/backup/backup_page.h"
 #include "app/boxes/office_box.h"
+#include "app/office/codes_page.h"
 #include "app/office/receipt_page.h"
 #include "app/office/store_access_line.h"
 #include "app/office/touch_tab_bar.h"
 #include "app/office/users_page.h"
+#include "app/records/sqlite_records.h"
 #include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
 
@@ -28,7 +30,7 @@ constexpr QSize usualSize(1000, 680);
 } // namespace
 
 OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent) :
-    QDialog(parent)
+    QDialog(parent), m_records(std::make_unique<SqliteRecords>(database))
 {
     setWindowTitle(u"Store"_s);
     setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
@@ -40,6 +42,8 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     dressDialog(*this);
     resize(usualSize.boundedTo(screen()->availableSize()));
 }
+
+OfficeWindow::~OfficeWindow() = default;
 
 void OfficeWindow::layOut(QWidget *users, const QString &store)
 {
@@ -53,6 +57,8 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     pages->addWidget(m_receipt);
     tabs->addTab(u"Bac&kup"_s);
     pages->addWidget(m_backup);
+    tabs->addTab(u"C&odes"_s);
+    pages->addWidget(new CodesPage(*m_records, this));
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 
     auto *close = new QPushButton(u"C&lose"_s, this);

@@ -6,6 +6,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 
 struct sqlite3;
 
@@ -13,8 +14,9 @@ namespace harrowby::app {
 
 class BackupPage;
 class ReceiptPage;
+class Records;
 
-/// The "Store" window: users and rights, the receipt, the backup.
+/// The "Store" window: users and rights, the receipt, the backup, the codes of items.
 class OfficeWindow final : public QDialog
 {
     Q_OBJECT
@@ -22,6 +24,7 @@ class OfficeWindow final : public QDialog
 public:
     /// The database must outlive it; `store` is its file.
     OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent = nullptr);
+    ~OfficeWindow() override;
 
     /// `loss` says what has happened to the store file once it is lost, and nothing before: no backup counts then.
     void watchStore(const std::function<QString()> &loss);
@@ -32,6 +35,7 @@ public:
 private:
     void layOut(QWidget *users, const QString &store);
 
+    std::unique_ptr<Records> m_records;
     ReceiptPage *m_receipt = nullptr;
     BackupPage *m_backup = nullptr;
 };

@@ -102,6 +102,8 @@ QString withColours(QString sheet, const Colours &colours, Wearer wearer)
         {u"@selection@"_s, till ? colours.selection : colours.chosenRow},
         {u"@price@"_s, colours.price},
         {u"@link@"_s, colours.link},
+        {u"@danger@"_s, colours.danger},
+        {u"@on-danger@"_s, colours.onDanger},
     };
     for (const auto &[name, colour] : names)
         sheet.replace(name, colour.name());

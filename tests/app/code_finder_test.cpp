@@ -47,6 +47,7 @@ private Q_SLOTS:
     void failedReadIsToldApart();
     void statements();
 
+    void itemsAreLookedFor();
     void takenCodes_data();
     void takenCodes();
     void whatIsNotAdded();
@@ -322,6 +323,25 @@ void CodeFinderTest::statements()
     }
     for (const QString &step : std::as_const(plan))
         QVERIFY2(step.startsWith(u"SEARCH"_s), qPrintable(plan.join(u'\n')));
+}
+
+void CodeFinderTest::itemsAreLookedFor()
+{
+    item(u"A_1"_s, u"100% JUICE"_s);
+    item(u"AB1"_s, u"O'NEILL\\S"_s);
+    const auto names = [this](const QString &text, int most = 9) {
+        QStringList all;
+        for (const StockItem &one : table().itemsLike(text, most).value_or(QList<StockItem>()))
+            all << one.name;
+        return all.join(u',');
+    };
+    QCOMPARE(names(u"mil"_s), u"MILK"_s);
+    QCOMPARE(names(u" -0001 "_s), u"MILK,TEA"_s);
+    QCOMPARE(names(u"%"_s), u"100% JUICE"_s);
+    QCOMPARE(names(u"a_"_s), u"100% JUICE"_s);
+    QCOMPARE(names(u"\\"_s), u"O'NEILL\\S"_s);
+    QCOMPARE(names(u"o'n"_s), u"O'NEILL\\S"_s);
+    QCOMPARE(names({}, 2), u"100% JUICE,MILK"_s);
 }
 
 void CodeFinderTest::takenCodes_data()

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/codes/code_table.h"
+
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+class QHBoxLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace harrowby::tables {
+class TableView;
+} // namespace harrowby::tables
+
+namespace harrowby::app {
+
+/// The codes of the items: looked through, added, given their units, and deleted, also those of items that are gone.
+class CodesPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The records must outlive it.
+    explicit CodesPage(Records &records, QWidget *parent = nullptr);
+
+protected:
+    /// Reads the codes each time it is turned to.
+    void showEvent(QShowEvent *event) override;
+
+private:
+    QHBoxLayout *makeHead();
+    QHBoxLayout *makeButtons();
+    QPushButton *addButton(const QString &caption, const QString &name, void (CodesPage::*act)());
+    void read();
+    void list();
+    void followChoice();
+    /// The entry of the chosen row; null when none is chosen.
+    [[nodiscard]] const ItemCode *current() const;
+
+    void addCodes();
+    void changeUnits();
+    void giveCode();
+    void deleteCode();
+    void setRules();
+    void finish(const Records::Answer<bool> &done, const QString &what, const QString &outcome);
+
+    Records &m_records;
+    CodeTable m_table;
+    QList<ItemCode> m_codes;
+    QLineEdit *m_search = nullptr;
+    harrowby::tables::TableView *m_view = nullptr;
+    QLabel *m_count = nullptr;
+    QLabel *m_outcome = nullptr;
+    QList<QPushButton *> m_forOne; ///< that need a chosen code
+};
+
+} // namespace harrowby::app
