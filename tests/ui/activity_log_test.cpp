@@ -220,7 +220,7 @@ void ActivityLogTest::memoryIsBounded()
     QVERIFY(memoryInUse() - before <= ActivityText::mostBytes);
     if (kept > 0)
         QCOMPARE(entriesOf(log).size(), kept);
-    // Whoever reads all of it makes it no larger.
+    // Reading the whole text must not change the limit.
     QScrollBar *bar = log.verticalScrollBar();
     for (int line = 0; line < bar->maximum(); line += std::max(1, bar->maximum() / 200)) {
         bar->setValue(line);

@@ -21,7 +21,7 @@ namespace {
 constexpr int lockWaitMs = 20;
 constexpr auto question = "Item List:\r\n\r\n1. 1 x A1  |  TEA = 2.50\r\n\r\n\r\n\r\nPurchased Cart?";
 
-/// Without the superuser's rights, before which nothing is read-only.
+/// Drops the rights of root, for whom no file is read-only.
 class PlainRights
 {
 public:
@@ -66,7 +66,7 @@ QString written(const Counter &counter)
            counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s);
 }
 
-/// Every handler there is, with what each of them asks.
+/// Runs every handler, and answers its boxes.
 void doEverything(Counter &counter)
 {
     for (const char *button : {"CmdNext", "CmdPrev", "Command24", "Command18"})
@@ -100,8 +100,8 @@ void fillUp(const Counter &counter)
 
 } // namespace
 
-/// A file that is locked, full or read-only while the till is open: it goes on without a word, and sells again when
-/// the trouble is over.
+/// A file that is locked, full or read-only while the till is open: the till shows no further box, and sells again once
+/// the file can be written.
 class BadFileTest : public QObject
 {
     Q_OBJECT
@@ -134,7 +134,7 @@ void BadFileTest::lockedWhileOpen()
     doEverything(counter);
     const qsizetype statements = counter.connection->statements.size() - before;
     QVERIFY(statements > 10);
-    QVERIFY(clock.elapsed() < 20000 + statements * lockWaitMs * 4); // each waits once, and nothing waits for ever
+    QVERIFY(clock.elapsed() < 20000 + statements * lockWaitMs * 4); // bounds a hang: each statement waits once
     QVERIFY(other.run(u"ROLLBACK"_s));
     QCOMPARE(written(counter), u"100 0"_s);
     counter.logIn();
@@ -185,7 +185,7 @@ void BadFileTest::fullFile()
     fillUp(counter);
     const QString rows = counter.file.cell(u"SELECT count(*) FROM PurchaseCart"_s);
     sellOne(counter);
-    // The stock is lowered in its place; there is no room for the row.
+    // Lowering the stock needs no new page; the purchase's row does.
     QCOMPARE(written(counter), u"99 "_s + rows);
     doEverything(counter);
     counter.logIn();

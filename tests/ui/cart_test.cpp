@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// The cart: lines, total, and the three things a cashier does to them.
+/// The cart: its lines and total; deleting a line, changing a cost, emptying it.
 class CartTest : public QObject
 {
     Q_OBJECT
@@ -303,7 +303,7 @@ void CartTest::priceChangeNeedsLogin()
     openShop(counter);
     counter.click("Command1_0");
     counter.boxes.expect(u"Username or Password Incorrect!"_s, box::Exclamation);
-    counter.logIn(u"ADMINISTRATOR"_s, u"WRONG"_s); // a failed login leaves nobody logged in, and the cart full
+    counter.logIn(u"ADMINISTRATOR"_s, u"WRONG"_s); // a failed login logs out and keeps the cart
     counter.boxes.expect(u"You must login first!"_s, box::Exclamation);
     openRow(counter, 0);
     QVERIFY2(counter.boxes.isDone(), counter.boxes.problems().constData());

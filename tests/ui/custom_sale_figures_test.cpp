@@ -229,7 +229,7 @@ void CustomSaleFiguresTest::laterCategoryWins()
     QCOMPARE(counter.entries("Combo3"), (QStringList{u"A1  |  MILK"_s, u"C3  |  CAVIAR"_s}));
 }
 
-/// More than a 16-bit counter counts. A hang would be noticed.
+/// More items than a 16-bit counter holds: the loop must end.
 void CustomSaleFiguresTest::manyItems()
 {
     Counter counter;
@@ -296,7 +296,7 @@ void CustomSaleFiguresTest::figuresOfChosenItem_data()
     QTest::newRow("negative") << u"-2"_s << u"-5"_s << QStringList{u"-2.00"_s, u"-4.00"_s, u"-5"_s};
     QTest::newRow("text") << u"'a few'"_s << u"'some'"_s << QStringList{u"0.00"_s, u"0.00"_s, u"some"_s};
     QTest::newRow("null") << u"NULL"_s << u"NULL"_s << QStringList{u"0.00"_s, u"0.00"_s, QString()};
-    // No number holds twice of it: the total keeps what two of nothing cost.
+    // Twice this cost overflows, so the total keeps the text of before, the cost of two items of 0.
     QTest::newRow("huge") << u"1e308"_s << u"3"_s
                           << QStringList{u"100"_s + u",000"_s.repeated(102) + u".00"_s, u"0.00"_s, u"3"_s};
 }

@@ -79,7 +79,7 @@ void CustomSaleTest::addNeedsItsRight()
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command15");
     QCOMPARE(counter.cart(), QStringList());
-    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::ReorderStock); // this refusal leads nowhere
+    QCOMPARE(counter.selectedTab("TabStrip1"), WorkArea::ReorderStock); // this refusal does not change the tab
 }
 
 void CustomSaleTest::noItem_data()
@@ -94,7 +94,7 @@ void CustomSaleTest::noItem()
     QFETCH(QString, key);
     Counter counter;
     openShop(counter);
-    enter(counter, key, u"bad"_s); // the item is looked at first
+    enter(counter, key, u"bad"_s); // the item is checked first
     counter.find("Combo4")->setFocus();
     counter.boxes.expect(u"You have selected an item!"_s, box::Exclamation);
     counter.click("Command15");
@@ -342,7 +342,7 @@ void CustomSaleTest::soldOutItemLeavesTheList()
     counter.boxes.expect(u"Item List:\r\n\r\n1. 1 x B3  |  CAKE = 20.00\r\n\r\n\r\n\r\nPurchased Cart?"_s, box::Ask,
                          Answer::Yes);
     counter.click("Command15");
-    QCOMPARE(counter.entries("Combo3"), QStringList{u"B3  |  CAKE"_s}); // it is in the cart only
+    QCOMPARE(counter.entries("Combo3"), QStringList{u"B3  |  CAKE"_s}); // no longer listed, only in the cart
     counter.file.sql(u"UPDATE StockList SET StockAvailable = 1 WHERE StockID = 'B3'"_s);
     counter.click("Command14");
     counter.pick("Combo2", 2);

@@ -67,7 +67,7 @@ private:
 void DressTest::init()
 {
     if (QTest::currentDataTag())
-        return; // the row says it
+        return; // the data row sets the palette
     m_window.reset();
     QApplication::setPalette(lightPalette());
 }

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// One statement of an action of many fails: it alone is skipped, nothing is taken back, and nobody is told.
+/// One statement of an action fails: it alone is skipped, nothing is rolled back, and no box appears.
 class FailingStatementsTest : public QObject
 {
     Q_OBJECT
@@ -49,7 +49,7 @@ void openShop(Counter &counter)
     counter.logIn();
 }
 
-/// From now on, every statement that begins so.
+/// From now on every statement fails that begins with this text.
 void fail(Counter &counter, const QString &beginning)
 {
     counter.connection->fails = [beginning](const QString &statement) {
@@ -190,7 +190,7 @@ void FailingStatementsTest::deletion()
         counter.boxes.expect(u"Nothing to Undo!"_s, box::Exclamation);
     counter.click("Command4");
     checkUndone(counter, after);
-    QCOMPARE(counter.entries("Combo17"), QStringList()); // whatever became of the row
+    QCOMPARE(counter.entries("Combo17"), QStringList()); // whether or not the row was deleted
     QCOMPARE(counter.text("Combo17"), QString());
 }
 

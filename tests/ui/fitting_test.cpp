@@ -123,7 +123,7 @@ void FittingTest::dashboardIsScrolledTo()
 {
     show({800, 576}, 1);
     const Controls &c = m_window->controls;
-    QVERIFY(isInView(*c.Label6[0])); // tells that there is more
+    QVERIFY(isInView(*c.Label6[0])); // its heading stays in view
     QVERIFY(!isInView(*c.Label6[9]));
     c.Label6[9]->setFocus();
     QTRY_VERIFY(isInView(*c.Label6[9]));
@@ -313,7 +313,7 @@ void FittingTest::namesBreakBetweenWords()
                 QVERIFY2(words.contains(word), qPrintable(lines.join(u" / "_s)));
         }
     }
-    // A word that no card has room for has to be broken somewhere.
+    // A word wider than every card has to be broken.
     card.setText(u"AAA-0001\r\n%1\r\n1.00"_s.arg(QString(120, u'W')));
     QVERIFY(card.nameLines().size() > 1);
     card.setText(u"(empty)"_s);

@@ -16,9 +16,9 @@ struct GatedControl
 {
     const char *name;
     const char *right;            ///< as ShopFile::addUser() calls it; empty where a login is enough
-    bool tellsOnly = false;       ///< without a login: other words, and the focus stays
-    bool sendsAway = true;        ///< without the right: to the quick sales
-    const char *answer = nullptr; ///< the first box that whoever may press it meets
+    bool tellsOnly = false;       ///< without a login: another text, and the focus stays
+    bool sendsAway = true;        ///< without the right: the tab of the quick sales is chosen
+    const char *answer = nullptr; ///< the first box when the press is allowed
     int style = box::Exclamation;
     int tab = 0; ///< of a tab strip
 };
@@ -27,7 +27,7 @@ const char *const noReport =
     "Error loading report, Please restart Harrowby Server or the System!\r\nIf this problem persist, please run a "
     "Scandisk and replace to replace missing files or reinstall Harrowby. See https://harrowby.example/faq";
 
-/// Every one that there is, but for the search, which asks for a text.
+/// All gated controls but the search, which asks for a text.
 const std::initializer_list<GatedControl> gatedControls{
     {.name = "Command1_0",
      .right = "",

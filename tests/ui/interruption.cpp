@@ -18,7 +18,7 @@ long passedNanoseconds = 0;
 
 } // namespace
 
-/// The clock that everything in the process looks at, so that time passes without being waited for.
+/// clock_gettime() of the whole process, which a test can put forward.
 extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
     constexpr long aSecond = 1'000'000'000;

@@ -9,7 +9,7 @@ class QAbstractItemModel;
 
 namespace harrowby::test {
 
-/// Makes a filling list slow at one of its rows, so that the window breathes there, and does something in that breath.
+/// Puts the clock forward at one row of a filling list, so that the window breathes there, and acts in that breath.
 class Interruption : public QObject
 {
     Q_OBJECT
@@ -36,8 +36,7 @@ private:
     bool m_isDone = false;
 };
 
-/// Lets the time pass after which the window may breathe again. Nobody waits for it: the process's clock is put
-/// forward.
+/// Puts the process's clock forward by the time after which the window breathes again.
 void passRest();
 
 } // namespace harrowby::test

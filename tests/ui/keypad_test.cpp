@@ -60,7 +60,7 @@ void press(const Counter &counter, int key)
     counter.click(nameOf(key));
 }
 
-/// What a finger would touch in the middle of a key.
+/// The widget at the middle of a key.
 QWidget *widgetAt(const Counter &counter, int key)
 {
     const QWidget *button = counter.find(nameOf(key));
@@ -293,7 +293,7 @@ void KeypadTest::liesInFront()
         QCOMPARE(widgetAt(counter, key), counter.find(nameOf(key)));
 }
 
-/// Whatever panel is shown and raised after it.
+/// Also when another panel is shown and raised after it.
 void KeypadTest::staysInFront()
 {
     Counter counter;

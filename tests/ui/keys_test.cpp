@@ -121,7 +121,7 @@ void KeysTest::windowInFrontChangesNothing()
     form.first.setCursorPosition(3);
     putWindowInFront(form, [&] {
         QCOMPARE(form.first.cursorPosition(), 3);
-        // Keys that come all the same, as they do where no window manager gives the focus back.
+        // Without a window manager no focus comes back, and keys arrive nevertheless.
         QTest::keyClicks(&form.first, u"ab"_s);
         QCOMPARE(form.first.text(), u"MILabK"_s);
         form.first.setSelection(1, 2);
@@ -196,7 +196,7 @@ void KeysTest::textFromCodeLeavesTheCaretToTheTypist()
         QTest::keyClicks(&form.first, u"3"_s);
     });
     QCOMPARE(form.first.text(), u"123"_s);
-    QCOMPARE(form.second.cursorPosition(), 0); // which nobody edits
+    QCOMPARE(form.second.cursorPosition(), 0); // never edited
 }
 
 void KeysTest::entryThatIsLeftShowsItsStart()
@@ -369,7 +369,7 @@ void KeysTest::arrowsSkipWhatIsDisabled()
     counter.find("Command1_8")->setEnabled(false);
     QTest::keyClick(counter.find("Command1_0"), Qt::Key_Right);
     QVERIFY(counter.hasFocus("Command1_2"));
-    QTest::keyClick(counter.find("Command1_2"), Qt::Key_Down); // nothing there that could take it
+    QTest::keyClick(counter.find("Command1_2"), Qt::Key_Down); // the button below is disabled
     QVERIFY(counter.hasFocus("Command1_2"));
 }
 
@@ -433,7 +433,7 @@ void KeysTest::purchaseKeyNeedsTheButton()
     counter.find("Command14")->setEnabled(true);
     QCOMPARE(pressKey(), 1);
     counter.chooseTab("TabStrip2", SidePanel::SalesActivity);
-    QCOMPARE(pressKey(), 2); // also while the log stands in place of the cart
+    QCOMPARE(pressKey(), 2); // also while the log covers the cart
 }
 
 void KeysTest::focusAfterAPurchase_data()

@@ -28,14 +28,14 @@ using namespace harrowby::test;
 namespace {
 
 constexpr qint64 longestDelayUs = 4000;
-/// After so many the shop is a new one, so that comparing all of it takes no longer from kill to kill.
+/// Kills after which a new shop is made, so that comparing all of its rows stays quick.
 constexpr int killsOfAShop = 60;
 
 /// What a till does again and again.
 struct Work
 {
     void (*work)(Till &till, QRandomGenerator &random);
-    const char *wholeOnce; ///< how a statement begins by which one round is done
+    const char *wholeOnce; ///< beginning of the statement that ends one round
     int kills;
 };
 
@@ -129,7 +129,7 @@ private:
 
     [[nodiscard]] QString path() const { return m_folder->filePath(u"shop.sqlite"_s); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;    ///< of a file that nobody has open between two tills
+    std::unique_ptr<QTemporaryDir> m_folder;    ///< of the file, which no process has open between two tills
     std::unique_ptr<test::Database> m_expected; ///< what the file must hold
     QRandomGenerator m_random;
     int m_underWay = 0;   ///< kills within a statement
@@ -138,8 +138,8 @@ private:
 
 void KillTest::initTestCase()
 {
-    // What is copied has opened a window once. It has painted nothing, as Qt paints with threads, which would be
-    // missing in the copy; there is only the one by which Qt Test ends a test that hangs.
+    // Before forking, one window is opened but not painted: Qt's painting starts threads, which a fork would not have.
+    // The only other thread is Qt Test's watchdog.
     const ShopFile shop;
     const Till till(shop.path());
     QVERIFY(QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() <= 2);
@@ -194,7 +194,7 @@ TillReport KillTest::workUntilKilled(const Work &work)
 void KillTest::checkFile(const TillReport &report)
 {
     test::Database file(path());
-    // What the next till finds is what the killed one left, log and all.
+    // The next till opens the file and its log as the killed one left them.
     sqlite3_db_config(file.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     QCOMPARE(file.integrity(), u"ok"_s);
     for (const QString &statement : report.done)
@@ -216,7 +216,7 @@ void KillTest::killOnce(const Work &work)
 {
     const TillReport report = workUntilKilled(work);
     QCOMPARE(report.failed, QStringList());
-    // Whatever the one before it left behind.
+    // The one before it may have been killed in the middle.
     QVERIFY(std::ranges::any_of(report.done, [&work](const QString &statement) {
         return statement.startsWith(QLatin1StringView(work.wholeOnce));
     }));

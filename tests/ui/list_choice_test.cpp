@@ -84,7 +84,7 @@ void ListChoiceTest::rowListIsChosen()
         QCOMPARE(order, (QStringList{u"chosen 2"_s, u"opened 2"_s}));
         QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, u"\r"_s, true);
         QCoreApplication::sendEvent(&list, &held);
-        QCOMPARE(order.size(), 2); // it would open the same again when what was opened has closed
+        QCOMPARE(order.size(), 2); // a repeated choice would open the window again after it was closed
     }
 }
 
@@ -119,7 +119,7 @@ void ListChoiceTest::rowListTakesTheRowThatIsPressed()
     const auto centre = [&](int row) { return list.visualRect(list.rows().index(row, 0)).center(); };
     QTest::mouseClick(list.viewport(), Qt::LeftButton, held, centre(1));
     QTest::mouseClick(list.viewport(), Qt::LeftButton, held,
-                      centre(1)); // which the base class takes for "not this one"
+                      centre(1)); // QAbstractItemView would deselect the row
     QTest::mouseClick(list.viewport(), Qt::LeftButton, held, centre(2));
     QCOMPARE(selected, (QList<int>{1, 1, 2}));
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, held, centre(2));

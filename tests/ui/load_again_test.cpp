@@ -95,7 +95,7 @@ void LoadAgainTest::loadedAgainWhileLoading()
     InvBasic::setConnection(nullptr);
 }
 
-/// Who writes through the other connection knows no walk over this one.
+/// A write over the new connection would not finish the walks of the old one.
 void LoadAgainTest::anotherConnectionFinishesTheWalks()
 {
     ShopFile shop;
@@ -106,7 +106,7 @@ void LoadAgainTest::anotherConnectionFinishesTheWalks()
     DbRecordset items;
     items.Open(statements::allStock(), first, DbRecordset::Access::Walk);
     InvBasic::setConnection(first);
-    QVERIFY(sqlite3_next_stmt(shop.handle(), nullptr)); // handed in once more, it stays as it was
+    QVERIFY(sqlite3_next_stmt(shop.handle(), nullptr)); // the same connection set again: the walk stays open
     InvBasic::setConnection(std::make_shared<SqliteConnection>(shop.handle()));
     QVERIFY(!sqlite3_next_stmt(shop.handle(), nullptr));
     QStringList ids;
@@ -118,7 +118,7 @@ void LoadAgainTest::anotherConnectionFinishesTheWalks()
 
 int load_again_test(int argc, char **argv)
 {
-    // The one window that is not made by the test reads its user's settings: nobody's here.
+    // The window made by LoadInventory reads the user's settings; this home has none.
     QTemporaryDir home;
     for (const char *folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
         qputenv(folder, home.path().toLocal8Bit());

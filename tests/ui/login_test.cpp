@@ -145,7 +145,7 @@ void LoginTest::useFlag()
     QFETCH(bool, mayUse);
     Counter counter;
     counter.file.sql(u"INSERT INTO Users VALUES ('ANN','PW','STAFF',%1,-1,0,0,0,0,0)"_s.arg(stored));
-    // The name, not the flag, lets an ADMINISTRATOR in.
+    // ADMINISTRATOR is let in by name, whatever the flag.
     counter.file.sql(u"UPDATE Users SET InventoryUse = %1 WHERE Username = 'ADMINISTRATOR'"_s.arg(stored));
     counter.open();
     if (!mayUse)
@@ -180,7 +180,7 @@ void LoginTest::eachRightFromItsColumn()
     Counter counter;
     counter.file.addUser(u"ANN"_s, u"PW"_s, {right});
     counter.open();
-    counter.logIn(); // leaves all seven set: the next login overwrites them
+    counter.logIn(); // sets all seven rights, which the next login must overwrite
     counter.logIn(u"ANN"_s, u"PW"_s);
     const FormState &state = counter.state();
     QCOMPARE(state.login.rights.CanSell, right == "Sales"_L1);
@@ -236,7 +236,7 @@ void LoginTest::enterMovesOnAndLogsIn()
     QTest::keyClicks(counter.find("Text4"), u"pass"_s);
     QTest::keyClick(counter.find("Text4"), Qt::Key_Enter);
     QVERIFY(counter.state().login.IsLoggedIn);
-    QVERIFY(counter.hasFocus("Command1_0")); // which the same Enter does not press: no box, nothing sold
+    QVERIFY(counter.hasFocus("Command1_0")); // the same Enter does not press it: no box, nothing sold
 }
 
 void LoginTest::clearEmptiesBoth()

@@ -93,7 +93,7 @@ std::vector<std::pair<QString, QRect>> touchTargets(const QMainWindow &window)
     for (const QWidget *widget : window.findChildren<QWidget *>()) {
         if (!widget->isVisible() || !isControl(*widget) || widget->objectName().isEmpty() || isCovered(*widget, window))
             continue;
-        // What lies over a control, or what it is scrolled behind, may come as close to its rest as it likes.
+        // The visible rest of a control that is covered or scrolled away in part may touch its neighbours.
         if (isSeenWhole(*widget, window))
             targets.emplace_back(widget->objectName(), placeIn(window, *widget));
     }
@@ -159,7 +159,7 @@ private:
 void LookTest::init()
 {
     if (QTest::currentDataTag())
-        return; // the row says it
+        return; // the data row sets palette and size
     m_window.reset();
     QApplication::setPalette(lightPalette());
 }
@@ -169,7 +169,7 @@ void LookTest::fits_data()
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("dark");
     QTest::addColumn<int>("area");
-    // A screen as a whole, or less the title bar of a window.
+    // A whole screen, and one without the height of a title bar.
     for (const QSize size : {QSize(1024, 768), QSize(1024, 748), QSize(1024, 600), QSize(1024, 576), QSize(800, 600),
                              QSize(800, 576), QSize(768, 1366), QSize(1366, 768), QSize(1366, 744), QSize(1920, 1080)})
         for (const bool dark : {false, true})
@@ -178,7 +178,7 @@ void LookTest::fits_data()
                     << size << dark << area;
 }
 
-/// Shows the window as the data row says. One window serves all areas of a size, as in a shop.
+/// Shows the window with the data row's size and palette. All areas of a size share one window.
 #define SHOW_WINDOW(window)                                                                                            \
     QFETCH(QSize, size);                                                                                               \
     QFETCH(bool, dark);                                                                                                \
@@ -202,7 +202,7 @@ void LookTest::fits()
         if (!widget->isVisible() || widget->objectName().isEmpty() || !widget->parentWidget() ||
             widget->objectName().startsWith(u"qt_"_s))
             continue;
-        // What a form scrolls is reached up and down alone, and the form itself stays in the window.
+        // A form scrolls vertically only: its controls lie within its width, and the form lies within the window.
         const QScrollArea *scroller = scrollerOf(*widget);
         const QWidget &around = scroller ? *scroller->widget() : static_cast<const QWidget &>(window);
         QVERIFY2(around.rect().contains(placeIn(around, *widget)), qPrintable(widget->objectName()));
@@ -320,7 +320,7 @@ void LookTest::reachesEveryControlByTab()
         if (!widget->isVisible() || !widget->isEnabled() || !isControl(*widget) || widget->objectName().isEmpty() ||
             isCovered(*widget, window) || widget->objectName().startsWith(u"qt_"_s))
             continue;
-        // What lies over a part of a form covers now this control of it, now that.
+        // As the form scrolls, the panel above it covers other controls.
         if (area > 5 && somethingScrolls(window))
             continue;
         QVERIFY2(reached.contains(widget), qPrintable(widget->objectName()));

@@ -73,7 +73,7 @@ void PackingTest::textsAreRemoved()
     texts.append(u"D"_s);
     QCOMPARE(all(texts), (QStringList{u"A"_s, u"D"_s}));
     PackedTexts others{u"X"_s};
-    others.append(texts); // what was removed does not come along
+    others.append(texts); // removed texts are not appended
     QCOMPARE(all(others), (QStringList{u"X"_s, u"A"_s, u"D"_s}));
     QCOMPARE(others.indexOf(u"B"_s), -1);
 }

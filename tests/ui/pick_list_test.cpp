@@ -193,7 +193,7 @@ void PickListTest::pickListPicksByArrowKeys()
 
 void PickListTest::pickListPicksByMouse()
 {
-    QApplication::setDoubleClickInterval(0); // a popup ignores the click that opened it, for so long
+    QApplication::setDoubleClickInterval(0); // QComboBox ignores a release within this time after opening its popup
     PickList list;
     for (const auto &entry : {u"A"_s, u"B"_s, u"C"_s})
         list.addEntry(entry);
@@ -286,7 +286,7 @@ void PickListTest::pickListTurnsOnlyWithFocus()
     QTRY_VERIFY(other->hasFocus());
     turnWheel(*list, -1);
     QCOMPARE(list->entryText(), u"A"_s);
-    QCOMPARE(list->focusPolicy(), Qt::StrongFocus); // nor does it get the focus by that
+    QCOMPARE(list->focusPolicy(), Qt::StrongFocus); // the wheel gives it no focus either
     list->setFocus();
     const QSignalSpy picked(list, &PickList::picked);
     turnWheel(*list, -1);

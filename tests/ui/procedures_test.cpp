@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// Shared procedures at their corners.
+/// Edge cases of the shared procedures.
 class ProceduresTest : public QObject
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ void ProceduresTest::keyOfTheCallIsLogged()
     openShop(counter);
     const InventoryProbe probe{counter.window()};
     probe.addToCart(key, 1, true);
-    probe.addToCart(u"a1  |  tea"_s, 1, true); // the same line, whatever the capitals
+    probe.addToCart(u"a1  |  tea"_s, 1, true); // the same line: compared without regard to case
     QCOMPARE(counter.cart().size(), 1);
     QCOMPARE(counter.text("StatusBar1_2"), u"2 of a1  |  tea Added!"_s);
 }
@@ -151,7 +151,7 @@ void ProceduresTest::emptyMessage()
 
 void ProceduresTest::clockIsReadForEachColumn()
 {
-    /// Each reading is a second later than the one before.
+    /// Each call of now() is a second later than the one before.
     class TickingClock final : public Clock
     {
     public:

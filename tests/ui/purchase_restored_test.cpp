@@ -71,7 +71,7 @@ void PurchaseRestoredTest::sameItemTwice()
     openShop(counter);
     addPurchase(counter, u"HV1"_s, u"1 x A2  |  TEA = 2.50, 20000 x A2  |  tea = 0.00, 20000 x A2  |  TEA = 1.00"_s,
                 u"3"_s);
-    deletePurchase(counter, u"HV1"_s); // no question whether to merge
+    deletePurchase(counter, u"HV1"_s); // without a box about merging
     QCOMPARE(counter.cart(), QStringList{u"A2  |  TEA|40001|100,002.50"_s});
     QCOMPARE(stock(counter).at(1), u"A2|40021"_s);
 }
@@ -101,7 +101,7 @@ void PurchaseRestoredTest::elements_data()
     row("x in the name", "1 x A2  |  BOX x 12 = 2.50", 1, {u"A2  |  BOX|1|2.50"_s}, teaBack);
     row("= in the name", "1 x A2  |  E = MC2 = 2.50", 1, {u"A2  |  E|1|2.50"_s}, teaBack);
     row("bar in the name", "1 x A2  |  TEA  |  GREEN = 2.50", 1, {tea}, teaBack);
-    // The second half of the name is an element that is none, and the count ends before the last one.
+    // The name's second half counts as an element that cannot be read, and the last element is beyond the count.
     row("comma in the name", "1 x A2  |  TEA, GREEN = 2.50, 1 x A1  |  SAFE = 1.00", 2, {tea}, teaBack);
     row("comma in the name, last", "1 x A1  |  SAFE = 1.00, 1 x A2  |  TEA, GREEN = 2.50", 2,
         {u"A1  |  SAFE|1|1,250.00"_s, tea}, {u"A1|11"_s, u"A2|21"_s, u"0012|30"_s});
@@ -136,7 +136,7 @@ void PurchaseRestoredTest::elements()
     deletePurchase(counter, u"HV1"_s);
     QTEST(counter.cart(), "cart");
     QTEST(stock(counter), "stock");
-    QCOMPARE(purchases(counter), QStringList()); // whatever was skipped
+    QCOMPARE(purchases(counter), QStringList()); // deleted although lines were skipped
 }
 
 void PurchaseRestoredTest::counts_data()
@@ -188,7 +188,7 @@ void PurchaseRestoredTest::counts()
     QCOMPARE(stock(counter), after);
     QCOMPARE(purchases(counter), QStringList{firstId});
     QCOMPARE(counter.state().last.LastPurchaseID, QString());
-    if (restored == 0) // an emptied cart does not add itself up
+    if (restored == 0) // emptying the cart does not recompute the total
         QCOMPARE(counter.text("Label5"), total);
 }
 

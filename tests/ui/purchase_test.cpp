@@ -156,13 +156,13 @@ void PurchaseTest::twoCommitsInOneSecond()
     openShop(counter);
     for (int i = 0; i < 3; ++i)
         commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
-    // The third one makes the second's ID again, and adds it without a further look.
+    // The third purchase gets the second's ID: the replacement is not checked again.
     QCOMPARE(counter.file.rows(u"SELECT PurchaseID FROM PurchaseCart ORDER BY rowid"_s),
              (QStringList{u"HV18030514070907"_s, u"HE18030514070907"_s, u"HE18030514070907"_s}));
     QCOMPARE(counter.state().last.LastPurchaseID, u"HE18030514070907"_s);
 }
 
-/// It cannot take the ID between the look for it and the row that bears it.
+/// Another till cannot take the ID between the check and the insert.
 void PurchaseTest::anotherTillInOneSecond()
 {
     Counter counter;
@@ -176,11 +176,11 @@ void PurchaseTest::anotherTillInOneSecond()
     };
     commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
     QCOMPARE(added, QList<bool>{false});
-    counter.file.sql(u"DELETE FROM PurchaseCart; "_s + row); // the other till was first
+    counter.file.sql(u"DELETE FROM PurchaseCart; "_s + row); // the other till's row came first
     commitOne(counter, 1, u"1 x A2  |  TEA = 2.50"_s);
     QCOMPARE(added, (QList<bool>{false, false}));
     QCOMPARE(counter.state().last.LastPurchaseID, u"HE18030514070907"_s);
-    QVERIFY(other.run(row)); // nothing is held any more
+    QVERIFY(other.run(row)); // the write lock is released
 }
 
 void PurchaseTest::quantitiesWithCommas()

@@ -72,7 +72,7 @@ void PurchaseUndoTest::needsTheRight()
     counter.file.addUser(u"JACK"_s, u"PASS"_s, {otherRight, u"Sales"_s, u"Settings"_s});
     openShop(counter);
     commit(counter);
-    counter.logIn(u"JACK"_s); // over the other one, so that there is something to undo
+    counter.logIn(u"JACK"_s); // without a logout, which would forget the purchase
     QCOMPARE(counter.state().last.LastPurchaseID, firstId);
     counter.chooseTab("TabStrip1", WorkArea::Settings);
     counter.setText("Combo17", firstId);
@@ -213,7 +213,7 @@ void PurchaseUndoTest::statementsInOrder()
         u"Select count(*) as totals from PurchaseCart where substr(PurchasedDate,1,6) = '180305'"_s,
     };
     QCOMPARE(counter.connection->statements.first(expected.size()), expected);
-    // The purchase IDs are not asked for again, as their tab is not there.
+    // The purchase IDs are not read again, as their tab is not shown.
     QCOMPARE(counter.connection->statements.last(), usage.arg(u"Last Purchased Undone!"_s));
     QVERIFY(
         !counter.connection->statements.contains(u"Select PurchaseID from PurchaseCart Order by PurchaseID DESC"_s));
@@ -307,7 +307,7 @@ void PurchaseUndoTest::missingPurchase()
     expectDeleteQuestion(counter, firstId, Answer::Yes);
     expectNothingToUndo(counter);
     counter.click("Command4");
-    QCOMPARE(list->count(), 0); // the entry goes all the same
+    QCOMPARE(list->count(), 0); // the entry is removed nevertheless
     QCOMPARE(counter.text("Combo17"), QString());
     QCOMPARE(counter.state().last.LastPurchaseID, firstId);
     QVERIFY(!counter.state().last.ReceiptText.isEmpty());
@@ -358,7 +358,7 @@ void PurchaseUndoTest::listFollowsACommit()
     openShop(counter);
     addPurchase(counter, u"HV1"_s, u""_s, u"0"_s);
     counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
-    QCOMPARE(counter.entries("Combo17"), QStringList()); // this tab's own choice fills other lists
+    QCOMPARE(counter.entries("Combo17"), QStringList()); // choosing this tab fills other lists
     commit(counter);
     QCOMPARE(counter.entries("Combo17"), (QStringList{firstId, u"HV1"_s}));
 }

@@ -21,9 +21,8 @@
 
 using namespace Qt::StringLiterals;
 
-/// What PickList, Panel and RowList take for granted of Qt without its documentation saying so, one test each, on Qt's
-/// own classes. One that fails under a new Qt names the code to look at: either it no longer works, or Qt no longer
-/// does what it avoids, and it can go.
+/// Undocumented behaviour of Qt that PickList, Panel and RowList rely on or work around, one test each, on Qt's own
+/// classes. A test that fails under a new Qt names the code to check: it no longer works, or it is no longer needed.
 class QtAssumptionsTest : public QObject
 {
     Q_OBJECT
@@ -147,7 +146,7 @@ void QtAssumptionsTest::setLineEditMakesNoCompleterForAnEditThatHasOne()
         box.setCompleter(nullptr);
         QVERIFY(!edit->completer());
     }
-    completer.setCompletionPrefix(u"lives on"_s); // as the edit did not own it
+    completer.setCompletionPrefix(u"lives on"_s); // not deleted with the edit, which does not own it
     QComboBox plain;
     plain.setLineEdit(new QLineEdit(&plain));
     QVERIFY(plain.findChild<QCompleter *>());

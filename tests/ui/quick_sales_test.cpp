@@ -284,7 +284,7 @@ void QuickSalesTest::pageWithoutAColumnKeepsTheButtons_data()
         QTest::newRow(column) << QString::fromLatin1(column);
 }
 
-/// Each caption as a whole, not with a hole in it; the mark comes from a column of its own.
+/// A caption is replaced as a whole or kept; the mark depends on its own column alone.
 void QuickSalesTest::pageWithoutAColumnKeepsTheButtons()
 {
     QFETCH(const QString, column);
@@ -322,7 +322,7 @@ void QuickSalesTest::pickingACategory()
     auto *list = counter.find<PickList>("Combo1");
     counter.connection->statements.clear();
     list->setFocus();
-    list->setEntryText(u"(ALL CATEGORY)"_s); // unchanged: nothing runs
+    list->setEntryText(u"(ALL CATEGORY)"_s); // the text is unchanged, so no change handler runs
     QVERIFY(counter.connection->statements.isEmpty());
     QTest::keyClick(list, Qt::Key_Down); // from the entry shown to the next one: FOOD
     QCOMPARE(counter.text("Combo1"), u"FOOD"_s);

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-// What a manager does at random, so that it comes to something.
+// A manager's actions at random, likely enough to be valid that some of them succeed.
 namespace harrowby::test {
 
 namespace {
@@ -20,7 +20,7 @@ QString anItem(QRandomGenerator &random)
     return u"A%1  |  ITEM %2"_s.arg(number).arg(10 + number);
 }
 
-/// Mostly a number that is taken.
+/// Mostly a valid number.
 QString aNumber(QRandomGenerator &random)
 {
     return chance(random, 75) ? QString::number(random.bounded(1, 60)) : randomText(random);

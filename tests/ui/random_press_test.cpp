@@ -19,8 +19,7 @@ namespace {
 constexpr quint32 firstSeed = 1;
 constexpr quint32 seeds = 12;
 constexpr int actionsOfEach = 450;
-/// Of many days only every so manieth is painted: painting takes half of the time, and what is painted is the same
-/// again.
+/// In a long run only every n-th day is painted, as painting takes half of the time and shows nothing new.
 constexpr quint32 paintedDay = 8;
 
 /// A number of the environment, where there is one.
@@ -127,7 +126,7 @@ void RandomPressTest::anything()
 {
     QFETCH(quint32, seed);
     const int actions = given("HARROWBY_ACTIONS", actionsOfEach);
-    // Here already, as a crash says nothing.
+    // Printed before the day, as a crash prints nothing.
     std::printf("HARROWBY_SEED=%u HARROWBY_ACTIONS=%d\n", seed, actions);
     std::fflush(stdout);
     const bool painted = !qEnvironmentVariableIsSet("HARROWBY_DAYS") || seed % paintedDay == 0;
@@ -146,7 +145,7 @@ void RandomPressTest::anything()
             return;
         }
     }
-    // A day on which nothing happens proves nothing, but among thousands there may be one.
+    // A day without a sale would prove nothing; of thousands a few may have none.
     if (!qEnvironmentVariableIsSet("HARROWBY_DAYS")) {
         QVERIFY(user.boxes() * 10 > actions);
         QVERIFY(user.nested() * 20 > actions);

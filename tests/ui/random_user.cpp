@@ -181,7 +181,7 @@ void RandomUser::choose(QRandomGenerator &random)
 void RandomUser::tell(const char *action) const
 {
     std::printf("%*s%s\n", 2 * m_depth, "", action);
-    std::fflush(stdout); // before it crashes
+    std::fflush(stdout); // a crash would lose what is buffered
 }
 
 void RandomUser::calmDown()
@@ -193,7 +193,7 @@ void RandomUser::calmDown()
         popup->close();
 }
 
-/// Does something when the window breathes next, wherever that may be.
+/// Acts when the event loop runs next, also from within a breath.
 void RandomUser::actLater(QRandomGenerator &random)
 {
     QTimer::singleShot(0, this, [this, seed = random.generate()] {
@@ -242,7 +242,7 @@ void RandomUser::commit(QRandomGenerator &)
     m_counter.click("Command14");
 }
 
-/// Also what lies under another panel: assistive technology gets there.
+/// Also buttons covered by another panel, as assistive technology reaches those.
 void RandomUser::clickAnything(QRandomGenerator &random)
 {
     if (auto *button = any<QAbstractButton>(random))
@@ -332,7 +332,7 @@ void RandomUser::resize(QRandomGenerator &random)
     m_counter.window().resize(random.bounded(1024, 1920), random.bounded(768, 1080));
 }
 
-/// Something else in the middle of what comes next.
+/// Runs other actions in the middle of the next one.
 void RandomUser::interrupt(QRandomGenerator &random)
 {
     m_slowStatements = random.bounded(1, 4);
@@ -344,7 +344,7 @@ void RandomUser::interrupt(QRandomGenerator &random)
 
 void RandomUser::changeData(QRandomGenerator &random)
 {
-    m_other.run(randomChange(random)); // which may be locked out, like any other program
+    m_other.run(randomChange(random)); // may be refused by a lock
 }
 
 void RandomUser::lock(QRandomGenerator &random)
@@ -375,7 +375,7 @@ void RandomUser::meet(QDialog &dialog)
 
 void RandomUser::answer(QMessageBox &message, quint32 seed)
 {
-    if (!EarlyKeyFilter::acceptsKeys(message)) // the key below would be lost, and the box stay
+    if (!EarlyKeyFilter::acceptsKeys(message)) // the key below would be dropped, and the box stay open
         return QTimer::singleShot(0, &message, [this, &message, seed] { answer(message, seed); });
     if (!isKnownBox(message.text()))
         m_strangeBoxes << message.text();

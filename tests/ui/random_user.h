@@ -19,9 +19,9 @@ class QMessageBox;
 
 namespace harrowby::test {
 
-/// Does anything to the window that a user, the host or another program may do, at random; the same seed does the
-/// same. What it starts in the middle of something else has a seed of its own, so that a breath more or less does not
-/// change what comes later.
+/// Does at random anything that a user, the host or another program may do to the window; the same seed does the same.
+/// Actions in the middle of others have a seed of their own: how often the window breathes depends on time, and must
+/// not change the later actions.
 class RandomUser : public QObject
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ public:
 
     /// One action at an open window.
     void act();
-    /// Ends what may outlast an action: a lock, an open list.
+    /// Ends what outlasts an action: a lock, an open popup.
     void calmDown();
 
     /// Boxes that the window does not have.
@@ -80,7 +80,7 @@ private:
     void pressKeypad(QRandomGenerator &random);
     void openForeignWindow(QRandomGenerator &random);
 
-    // Behind its back
+    // By other programs
     void changeData(QRandomGenerator &random);
     void lock(QRandomGenerator &random);
     void printReceipts(QRandomGenerator &random);

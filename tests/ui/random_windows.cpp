@@ -25,7 +25,7 @@ void HostWindow::AccountPreview(std::shared_ptr<harrowby::DbConnection> &connect
                                 bool &canSettings, QString & /*loggedUser*/)
 {
     QRandomGenerator random(m_shared.seeds.generate());
-    // It reads with statements of its own.
+    // The host's window reads with statements of its own.
     if (const auto cursor = connection->query(u"Select * from PurchaseCart"_s)) {
         while (cursor->next() == DbCursor::Step::Row) {
         }
@@ -50,7 +50,7 @@ void HostWindow::openWindow(QWidget *owner)
     QDialog window(owner);
     for (int times = random.bounded(3); times > 0; --times)
         m_shared.meanwhile(random);
-    QTimer::singleShot(0, &window, &QDialog::close); // after what was asked for above
+    QTimer::singleShot(0, &window, &QDialog::close); // after the action above
     window.exec();
 }
 

@@ -278,7 +278,7 @@ void ReorderFiguresTest::missingColumnKeepsTheFigure()
     openShop(counter);
     counter.setText("Combo11", u"A2  |  TEA"_s);
     counter.file.sql(u"ALTER TABLE StockList DROP COLUMN StockReorderLevel"_s);
-    reorder(counter, u"A2  |  TEA"_s, u"3"_s, u"3"_s); // reads the whole row, and so finds what is left of it
+    reorder(counter, u"A2  |  TEA"_s, u"3"_s, u"3"_s); // reads the whole row, and uses the columns that are left
     QCOMPARE(counter.text("Label12"), u"5"_s);
     QCOMPARE(counter.text("Label13"), u"103"_s);
     counter.file.sql(u"ALTER TABLE StockList DROP COLUMN StockAvailable"_s);

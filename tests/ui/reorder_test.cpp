@@ -208,7 +208,7 @@ void ReorderTest::idIsNotTrimmed()
     reorder(counter, u" A1  |  MILK"_s, u"5"_s, u"5"_s);
     QCOMPARE(available(counter), u"20"_s);
     QCOMPARE(available(counter, u" A1"_s), u"8"_s);
-    QCOMPARE(counter.state().last.LastReorderItem, milk); // which is trimmed: its undo looks for another item
+    QCOMPARE(counter.state().last.LastReorderItem, milk); // stored trimmed, so that its undo looks for another item
     counter.boxes.expect(undoQuestion(u"5"_s, milk), box::Ask, Answer::Yes);
     counter.click("Command23");
     QCOMPARE(available(counter), u"15"_s);
@@ -295,7 +295,7 @@ void ReorderTest::reporting()
     Counter counter;
     counter.file.sql(u"UPDATE StoreSettings SET ShowDetails = 1"_s);
     openShop(counter);
-    reorder(counter, milk, u"5"_s, u"5"_s); // quiet: no box even so
+    reorder(counter, milk, u"5"_s, u"5"_s); // quiet: no box, although boxes are on
     QCOMPARE(counter.file.rows(u"SELECT SystemUsage FROM SysUsage"_s).last(),
              u"5 New item(s) to Stock [A1  |  MILK]. New Available Stock is 25."_s);
 }
@@ -344,7 +344,7 @@ void ReorderTest::failedUpdateShowsTheOldFigure()
     QCOMPARE(counter.text("Label13"), u"20"_s);
     QCOMPARE(logged(counter).first(), u"5 New item(s) to Stock [A1  |  MILK]. New Available Stock is 20."_s);
     QCOMPARE(counter.text("Combo10"), u"0"_s);
-    QCOMPARE(counter.state().last.LastReorderItem, milk); // nothing tells it that the write failed
+    QCOMPARE(counter.state().last.LastReorderItem, milk); // kept although the write failed
     QCOMPARE(counter.rows("LV").first().section(u'|', 5, 5), u"20"_s);
 }
 
@@ -355,7 +355,7 @@ void ReorderTest::noSaleGetsInBetween_data()
     QTest::newRow("undo") << true;
 }
 
-/// Another till's sale between the stock that is read and the sum that is written would be lost.
+/// A sale of another till between reading the stock and writing the sum would be lost, so the read is held.
 void ReorderTest::noSaleGetsInBetween()
 {
     QFETCH(bool, undo);
@@ -375,8 +375,8 @@ void ReorderTest::noSaleGetsInBetween()
         counter.boxes.expect(undoQuestion(u"5"_s, milk), box::Ask, Answer::Yes);
         counter.click("Command23");
     }
-    QCOMPARE(sold, QList<bool>(undo ? 2 : 1, false)); // it is locked out
-    QVERIFY(sell());                                  // and lets it in as soon as it is done
+    QCOMPARE(sold, QList<bool>(undo ? 2 : 1, false)); // locked out during the reorder
+    QVERIFY(sell());                                  // and no longer afterwards
     QCOMPARE(available(counter), undo ? u"19"_s : u"24"_s);
 }
 

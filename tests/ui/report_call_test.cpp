@@ -30,7 +30,7 @@ public:
 
 } // namespace
 
-/// Notes what it is called with and changes all that goes by reference.
+/// Records its arguments and changes all that are references.
 class Report : public QObject
 {
     Q_OBJECT

@@ -1,3 +1,3 @@
 // SPDX-License-Identifier: MIT
-// Nothing of its own: carries what moc makes of the header.
+// Only for moc's code of the header.
 #include "tests/ui/report_double.h"

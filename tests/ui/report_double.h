@@ -12,7 +12,7 @@
 
 namespace harrowby::test {
 
-/// A report component that does what a test tells it to.
+/// A report component whose method calls a function of the test.
 class Report : public QObject
 {
     Q_OBJECT

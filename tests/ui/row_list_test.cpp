@@ -268,7 +268,7 @@ void RowListTest::longTextTakesTwoLines()
         }
         return ink;
     };
-    const int middle = 2; // between two lines, and right through a single one
+    const int middle = 2; // between the lines of a two-line cell; within the text of a single line
     QVERIFY(inkOf(400, 22 - middle, 2 * middle) > 0);
     QVERIFY(inkOf(130, 4, 16) > 0);
     QVERIFY(inkOf(130, 24, 16) > 0);

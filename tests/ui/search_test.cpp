@@ -156,7 +156,7 @@ void SearchTest::asteriskIsNoWildcard()
     counter.click("Command8");
 }
 
-/// The condition on their use goes with the name alone.
+/// The statement's condition on StockUse applies to the name alone.
 void SearchTest::disabledItemsAreFoundByTheirId()
 {
     Counter counter;
@@ -223,7 +223,7 @@ void SearchTest::brokenInTheMiddle()
     search(counter, u"tea"_s);
     QCOMPARE(counter.rows("LV2").size(), 2);
     counter.connection->rowsUntilBreak = [](const QString &select) { return select == statement(u"TEA"_s) ? 1 : -1; };
-    search(counter, u"tea"_s); // found, and then lost
+    search(counter, u"tea"_s); // reading breaks off after the first row
     QVERIFY(isOpen(counter));
     QCOMPARE(counter.rows("LV2"), QStringList());
 }

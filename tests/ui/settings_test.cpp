@@ -115,7 +115,7 @@ void SettingsTest::tellsWhereReceiptsGoWithoutAPrinter()
     counter.open();
     const auto *list = counter.find<PickList>("Combo9");
     QVERIFY2(list->toolTip().contains(receiptFolders().constFirst()), qPrintable(list->toolTip()));
-    QCOMPARE(list->lineEdit()->toolTip(), list->toolTip()); // which answers for itself
+    QCOMPARE(list->lineEdit()->toolTip(), list->toolTip()); // the edit covers the box, and shows its own tool tip
 }
 
 void SettingsTest::listsPrinters()

@@ -161,7 +161,7 @@ void SpokenTest::tabStripIsWalkedByArrows()
     const QSignalSpy clicks(&strip, &TabStrip::tabClicked);
     QTest::keyClick(&strip, Qt::Key_Right);
     QCOMPARE(strip.selectedTab(), 3);
-    QCOMPARE(changes.size(), 1); // straight there, so that it is told once
+    QCOMPARE(changes.size(), 1); // one change, so that it is announced once
     QTest::keyClick(&strip, Qt::Key_Right);
     QCOMPARE(strip.selectedTab(), 3);
     QTest::keyClick(&strip, Qt::Key_Left);
@@ -226,7 +226,7 @@ void SpokenTest::rowListChanges()
     list.rows().setText(0, 1, u"3"_s);
     QCOMPARE(quantity->text(QAccessible::Name), u"3"_s);
     QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed.first().at(0).toModelIndex().column(), 1); // the item is no news
+    QCOMPARE(changed.first().at(0).toModelIndex().column(), 1); // the quantity alone
     list.rows().setText(0, 1, u"3"_s);
     QCOMPARE(changed.size(), 1);
 
@@ -368,7 +368,7 @@ void SpokenTest::combosThatTakeNoText()
     labelled->setAccessibleName(u"Period"_s);
     QLabel label(u"&Period"_s, &window);
     label.setBuddy(labelled);
-    QCOMPARE(nameOf(labelled), u"Today"_s); // what for is said by its label
+    QCOMPARE(nameOf(labelled), u"Today"_s); // its label says what it is for
     const auto labels = readerOf(labelled)->relations(QAccessible::Label);
     QCOMPARE(labels.size(), 1);
     QCOMPARE(labels.first().first->text(QAccessible::Name), u"Period"_s);
@@ -419,7 +419,7 @@ void SpokenTest::cardFollowsItsCaption()
     QCOMPARE(reader->text(QAccessible::Name), u"(empty)"_s);
     card.setText(u"12\r\nTEA\r\n2.50"_s);
     QCOMPARE(reader->text(QAccessible::Name), u"TEA, 2.50"_s);
-    QVERIFY(card.accessibleName().isEmpty()); // a second name would be told a second time
+    QVERIFY(card.accessibleName().isEmpty()); // would be announced in addition to the label's text
     const QSignalSpy clicked(&card, &QAbstractButton::clicked);
     press(reader);
     QCOMPARE(clicked.size(), 1);

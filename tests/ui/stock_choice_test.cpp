@@ -113,7 +113,7 @@ void StockChoiceTest::enterLoadsTheFields()
     Counter counter;
     openStock(counter);
     list(counter).selectRow(1);
-    QCOMPARE(entered(counter), freshFields); // walking there chooses nothing
+    QCOMPARE(entered(counter), freshFields); // moving the current row chooses nothing
     QTest::keyClick(&list(counter), Qt::Key_Return);
     QCOMPARE(entered(counter), jamFields);
 }
@@ -160,7 +160,7 @@ void StockChoiceTest::editOfAnIdInSmallLetters()
     openStock(counter);
     counter.file.sql(u"UPDATE StockList SET StockID = 'a1' WHERE StockID = 'A1'"_s);
     clickRow(counter, 0);
-    QCOMPARE(entered(counter), freshFields); // asked for to the letter, by what the list shows
+    QCOMPARE(entered(counter), freshFields); // looked up by the listed ID, compared exactly
     QVERIFY(counter.find("Command26")->isEnabled());
 }
 
@@ -228,7 +228,7 @@ void StockChoiceTest::remove()
              (QStringList{deleteTea, u"INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('%1',"
                                      "'2018-03-05 14:07:09','2018-03-05 14:07:09')"_s.arg(deletedTea)}));
     QCOMPARE(ids(counter), QStringList{u"B2"_s});
-    QCOMPARE(list(counter).selectedRow(), -1); // nobody chose the one that took its place
+    QCOMPARE(list(counter).selectedRow(), -1); // the row that took its place is not selected
     QCOMPARE(counter.text("StatusBar1_2"), deletedTea);
     QCOMPARE(counter.file.rows(u"SELECT StockID FROM StockList"_s), QStringList{u"B2"_s});
     QCOMPARE(counter.find<PickList>("Combo7")->count(), 2); // the names stay until the next fill

@@ -79,7 +79,7 @@ void StockEntryTest::needsTheRight()
                          {u"Sales"_s, u"Report"_s, u"Undo"_s, u"Delete"_s, u"Settings"_s}); // all but one
     counter.open();
     counter.logIn(u"anna"_s, u"x"_s);
-    enter(counter, withId(QString())); // faulty as well, but the right is asked for first
+    enter(counter, withId(QString())); // also lacks an ID, but the right is checked first
     counter.connection->statements.clear();
     counter.boxes.expect(u"User [ANNA] doesn't have this privilege!"_s, box::Exclamation);
     save(counter);
@@ -92,7 +92,7 @@ void StockEntryTest::refusals_data()
     QTest::addColumn<int>("field");
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("left"); // what the field holds afterwards
+    QTest::addColumn<QString>("left"); // text of the field afterwards
     QTest::addColumn<bool>("focused");
     const auto row = [](const char *name, int field, const QString &typed, const QString &message, const QString &left,
                         bool focused) { QTest::newRow(name) << field << typed << message << left << focused; };
@@ -160,7 +160,7 @@ void StockEntryTest::idsAreStoredTrimmed()
     QCOMPARE(listed(counter), QStringList{u"X 1|SWEET BUN"_s});
 }
 
-/// To the letter: with a blank it is an ID like any other.
+/// Compared exactly: with blanks around it, "(Auto ID)" is an ordinary ID.
 void StockEntryTest::askingForAnAutomaticId()
 {
     Counter counter;

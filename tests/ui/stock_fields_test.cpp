@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// Entry fields of a stock item: what they offer, what becomes of what is typed, and how they are emptied.
+/// Entry fields of a stock item: what they offer, how typed text is changed, and how they are cleared.
 class StockFieldsTest : public QObject
 {
     Q_OBJECT
@@ -151,7 +151,7 @@ void StockFieldsTest::nameIsTypedInUpperCaseInTheMiddle()
     QTest::keyClicks(&list(counter, "Combo7"), u"x"_s);
     QKeyEvent accented(QEvent::KeyPress, 0, Qt::NoModifier, u"é"_s);
     QCoreApplication::sendEvent(&list(counter, "Combo7"), &accented);
-    QCOMPARE(texts, (QStringList{u"TXEA"_s, u"TXÉEA"_s})); // never in small letters
+    QCOMPARE(texts, (QStringList{u"TXEA"_s, u"TXÉEA"_s})); // no change signal ever had small letters
     QCOMPARE(edit.cursorPosition(), 3);
 }
 

@@ -16,8 +16,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// The existing-stock list while it fills: what the views hear of it, and what becomes of it when it is filled afresh,
-/// left or closed in the middle.
+/// The existing-stock list while it fills: signals to the views, and refilling, leaving or closing it in the middle.
 class StockFillTest : public QObject
 {
     Q_OBJECT
@@ -197,7 +196,7 @@ void StockFillTest::closeInTheMiddle()
         counter.boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::Yes);
         counter.window().close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!window.isNull()); // its handler is not done
+        QVERIFY(!window.isNull()); // its handler is still running
     });
     counter.click("Command7");
     QVERIFY(fill.isDone());

@@ -103,7 +103,7 @@ void StockIdTest::automaticIdsRunOut_data()
 {
     QTest::addColumn<int>("counted");
     QTest::addColumn<QString>("taken");
-    QTest::addColumn<QString>("id"); // empty: the save ends without a word
+    QTest::addColumn<QString>("id"); // empty: the save ends silently
     QTest::newRow("one left") << 32766 << QString() << u"OTH-32767"_s;
     QTest::newRow("the last is taken") << 32766 << u"OTH-32767"_s << QString();
     QTest::newRow("none left") << 32767 << QString() << QString();
@@ -140,7 +140,7 @@ void StockIdTest::automaticIdOfAQuotedCategory()
     QStringList texts = bun;
     texts[1] = u"A'BC"_s;
     enter(counter, texts);
-    save(counter); // both statements fail, so that the first number counts for free
+    save(counter); // both statements fail, so the first number is taken as free
     QCOMPARE(storedIds(counter), (QStringList{u"A'B-0001"_s, u"A'B-0001"_s}));
 }
 

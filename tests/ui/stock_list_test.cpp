@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// The existing-stock list: filled, refreshed, patched row by row, chosen from and deleted from.
+/// The existing-stock list: filling, refreshing, updating single rows, choosing and deleting.
 class StockListTest : public QObject
 {
     Q_OBJECT
@@ -266,7 +266,7 @@ void StockListTest::rowsWithoutAColumn_data()
                           << QStringList();
 }
 
-/// What an entry is made of: without it the list gets none. Other columns are merely empty.
+/// Without its ID a row is not listed, without its name none is offered; other missing columns are empty.
 void StockListTest::rowsWithoutAColumn()
 {
     QFETCH(const QString, column);
@@ -280,7 +280,7 @@ void StockListTest::rowsWithoutAColumn()
     QCOMPARE(names(counter), offered);
 }
 
-/// Colour aside: the dots that are not of the cell's ground.
+/// Pixels of a cell that differ from its background, so that a mark counts and a colour does not.
 int ink(const Counter &counter, int row)
 {
     const auto *list = counter.find<RowList>("LV");
@@ -304,7 +304,7 @@ void StockListTest::lowRowHasASign()
     QVERIFY2(ink(counter, 0) > ink(counter, 1) + 10, qPrintable(QString::number(ink(counter, 0))));
     const auto said = [&](int row) { return rowsOf(counter).index(row, 0).data(Qt::AccessibleTextRole).toString(); };
     QCOMPARE(said(0), u"A1, low stock"_s);
-    QCOMPARE(said(1), QString()); // its text as it is
+    QCOMPARE(said(1), QString()); // none: a screen reader takes the cell's text
     QCOMPARE(rowsOf(counter).index(0, 0).data().toString(), u"A1"_s);
     QVERIFY(!rowsOf(counter).index(0, 1).data(Qt::AccessibleTextRole).isValid());
 }
@@ -362,7 +362,7 @@ void StockListTest::capitalsShareARow()
              (QStringList{u"A1|BLACK TEA||2.00|1|9|Enabled|"_s, u"B2|JAM|FOOD|0.50|2.5|0|Disabled|x"_s}));
     QCOMPARE(names(counter).size(), 3);
     QCOMPARE(selectedRow(counter), 0);  // the row that was written last
-    QVERIFY(!rowsOf(counter).isLow(1)); // and its colour on the last one, on purpose
+    QVERIFY(!rowsOf(counter).isLow(1)); // the colour is intended to go to the last row
 }
 
 void StockListTest::lettersThatGrowInUpperCase()
@@ -388,7 +388,7 @@ void StockListTest::keptRowsAreUpdatedAndColourTheLast()
     QCOMPARE(listed(counter), (QStringList{u"A1|OLD TEA|DRINKS|1.00|5|6|Enabled|"_s, u"A2|JAM|FOOD|1.00|5|4|Enabled|"_s,
                                            u"GONE|||||||"_s}));
     QVERIFY(!rowsOf(counter).isLow(0));
-    QVERIFY(!rowsOf(counter).isLow(1)); // it is the low one, and the last row has its colour
+    QVERIFY(!rowsOf(counter).isLow(1)); // the low one; the last row has got its colour
     QVERIFY(rowsOf(counter).isLow(2));
     QCOMPARE(selectedRow(counter), 1);
     QCOMPARE(names(counter), (QStringList{u"TEA"_s, u"JAM"_s, u"OLD TEA"_s, u"JAM"_s}));

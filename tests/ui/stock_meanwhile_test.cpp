@@ -90,7 +90,7 @@ void StockMeanwhileTest::clickLoadsTheFields()
     counter.click("Command7");
     QVERIFY(fill.isDone());
     QCOMPARE(counter.text("Combo6"), u"ID-0"_s);
-    QCOMPARE(counter.text("Combo7"), u"ITEM 0"_s); // not what stood there before the fill
+    QCOMPARE(counter.text("Combo7"), u"ITEM 0"_s); // what was typed meanwhile, not the text of before the fill
     QVERIFY(counter.find("Command26")->isEnabled());
     QCOMPARE(listedIds(counter), storedUpperIds(counter));
 }
@@ -165,11 +165,11 @@ void StockMeanwhileTest::anotherProgramWritesInTheMiddle()
     openStock(counter);
     const MidFill fill(counter, [&] {
         QVERIFY(Database(counter.file.path()).run(u"DELETE FROM StockList"_s));
-        counter.click("Command18"); // a change of its own
+        counter.click("Command18"); // a change by this window
     });
     counter.click("Command7");
     QVERIFY(fill.isDone());
-    QCOMPARE(listedIds(counter).size(), stockItems); // one state of the table
+    QCOMPARE(listedIds(counter).size(), stockItems); // all rows of one snapshot
     QCOMPARE(counter.file.cell(u"SELECT count(*) FROM SysUsage WHERE SystemUsage = 'Stock List Refreshed.'"_s), u"1"_s);
     counter.connection->before = [](const QString &) {};
     counter.click("Command7");

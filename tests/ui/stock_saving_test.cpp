@@ -152,7 +152,7 @@ void StockSavingTest::columnsInOrder()
     counter.connection->beforeWrite = [&](const QString &statement) { written << statement; };
     changes ? saveChange(counter) : save(counter);
     QTEST(written.first(), "statement");
-    QCOMPARE(written.size(), 2); // and the activity
+    QCOMPARE(written.size(), 2); // the row, and the activity's
 }
 
 void StockSavingTest::costIsText_data()

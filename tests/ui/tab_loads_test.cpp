@@ -166,7 +166,7 @@ void TabLoadsTest::tabChosenWhileAListFills_data()
     }
 }
 
-/// The one that was chosen last is the one that is shown.
+/// The tab that was chosen last is shown.
 void TabLoadsTest::tabChosenWhileAListFills()
 {
     QFETCH(int, begun);

@@ -230,7 +230,7 @@ void TabsTest::sameTabAgainRunsItsHandler()
 void TabsTest::raisedPanels_data()
 {
     QTest::addColumn<int>("tab");
-    QTest::addColumn<QStringList>("raised"); ///< the last one uppermost
+    QTest::addColumn<QStringList>("raised"); ///< the topmost last
     QTest::newRow("quick sales") << WorkArea::QuickSales << QStringList{u"Frame1"_s, u"Frame2"_s};
     QTest::newRow("custom sales") << WorkArea::CustomSales << QStringList{u"Frame3"_s, u"Frame2"_s};
     QTest::newRow("stock") << WorkArea::EditStock << QStringList{u"Frame10"_s, u"Frame7"_s};

@@ -13,7 +13,7 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 
-/// Rows of a long list: how they are kept, found and told of.
+/// Rows of a long list: how they are stored, found and announced to views.
 class TextTableTest : public QObject
 {
     Q_OBJECT
@@ -118,7 +118,7 @@ void TextTableTest::queuedRowsAreThereAtOnce()
     QCOMPARE(table.lastRow(), -1);
     table.queueRow(QStringList{u"A1"_s, u"TEA"_s});
     table.queueRow(QStringList{u"A2"_s, u"JAM"_s});
-    QCOMPARE(table.rowCount(), 0); // to a view
+    QCOMPARE(table.rowCount(), 0); // queued rows are not announced yet
     QCOMPARE(table.lastRow(), 1);
     QCOMPARE(table.text(1, 1), u"JAM"_s);
     QCOMPARE(table.findRow(u"a2"_s), 1);
@@ -176,14 +176,14 @@ void TextTableTest::queuedRowsChangeQuietly()
     table.setLow(0, true);
     table.setRow(0, QStringList{u"A1"_s, u"JAM"_s});
     table.setText(0, 1, u"BUN"_s);
-    QCOMPARE(changed.count(), 0); // no view has heard of that row yet
+    QCOMPARE(changed.count(), 0); // the row has not been announced yet
     table.publishRows();
     QCOMPARE(table.text(0, 1), u"BUN"_s);
     QVERIFY(table.isLow(0));
     table.setRow(0, QStringList{u"A1"_s});
     QCOMPARE(changed.count(), 1);
     QCOMPARE(table.text(0, 1), QString());
-    table.setRow(1, QStringList{u"A2"_s}); // there is none
+    table.setRow(1, QStringList{u"A2"_s}); // no such row
     table.setRow(-1, QStringList{u"A2"_s});
     QCOMPARE(changed.count(), 1);
     QCOMPARE(table.rowCount(), 1);
@@ -258,7 +258,7 @@ void TextTableTest::colours()
     QCOMPARE(colour(0).value<QColor>(), QColor(Colours::current().lowRow));
     QVERIFY(!colour(1).isValid()); // the item text alone
     const auto told = [&](int role) { return table.index(0, 0).data(role).toString(); };
-    QCOMPARE(told(TextTableModel::markRole), u"\u25BC low"_s); // beside the colour
+    QCOMPARE(told(TextTableModel::markRole), u"\u25BC low"_s); // in addition to the colour
     QCOMPARE(told(Qt::AccessibleTextRole), u"A1, low stock"_s);
     QVERIFY(!table.index(0, 1).data(TextTableModel::markRole).isValid());
     table.setLow(0, true);

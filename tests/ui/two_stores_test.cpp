@@ -25,7 +25,7 @@ constexpr int salesAndReorders = 2000;
 constexpr int unitsOfAReorder = 3;
 const QString soldItem = u"A0  |  ITEM 0"_s;
 
-/// What a store's till does once it hears the word.
+/// The work of a till's process, begun when the test writes to it.
 void sellCarts(Till &till, const QString &seed)
 {
     till.reportStatements();
@@ -40,7 +40,7 @@ void sellOnes(Till &till)
         till.sellOne(0);
 }
 
-/// Every fourth reorder is taken back again, and the next one makes up for it.
+/// Every fourth reorder is undone and made again.
 void reorder(Till &till)
 {
     for (int i = 1; i <= salesAndReorders; ++i) {
@@ -70,7 +70,7 @@ int runTill(const QStringList &arguments)
     return 0;
 }
 
-/// Units that each item lost by the statements that were done.
+/// Units of each item sold by the statements that were done.
 QMap<QString, int> unitsSold(const QStringList &statements)
 {
     static const QRegularExpression lowering(
@@ -175,11 +175,11 @@ void TwoStoresTest::noSaleIsLost()
         QCOMPARE(shop.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = %1"_s.arg(quoted(id))).toInt(),
                  startingStock - sold.value(id));
     }
-    // They did get in each other's way: their rows alternate.
+    // The two did run at once: their rows alternate.
     const QString alternations = u"SELECT count(*) FROM PurchaseCart a, PurchaseCart b "
                                  "WHERE b.rowid = a.rowid + 1 AND a.Users <> b.Users"_s;
     QVERIFY(shop.cell(alternations).toInt() > 1);
-    // And sold in the same seconds, each with an ID of its own.
+    // They sold within the same seconds, under different IDs.
     QCOMPARE(shop.cell(u"SELECT count(DISTINCT PurchaseID) FROM PurchaseCart"_s).toInt(), 2 * cartsOfEach);
     QCOMPARE(shop.cell(u"SELECT count(*) FROM PurchaseCart WHERE PurchaseID LIKE 'HE%'"_s).toInt(), cartsOfEach);
     QCOMPARE(shop.cell(u"PRAGMA integrity_check"_s), u"ok"_s);
@@ -202,7 +202,7 @@ void TwoStoresTest::stockIsExactAgainstReorders()
     QCOMPARE(shop.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(), salesAndReorders);
     QCOMPARE(shop.cell(u"SELECT StockAvailable FROM StockList WHERE StockID = 'A0'"_s).toInt(),
              startingStock - salesAndReorders + salesAndReorders * unitsOfAReorder);
-    // They did get in each other's way: between two reorders there were sales.
+    // The two did run at once: there were sales between two reorders.
     QVERIFY(shop.cell(u"SELECT count(*) FROM SysUsage a, SysUsage b WHERE b.rowid = a.rowid + 1 AND "
                       "a.SystemUsage LIKE '%Added%' AND b.SystemUsage LIKE '%New Available%'"_s)
                 .toInt() > 1);

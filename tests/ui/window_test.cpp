@@ -22,7 +22,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::test;
 
-/// The window's life: loading, its settings, closing, and being asked for again.
+/// Loading the window, its settings, closing it, and loading it again.
 class WindowTest : public QObject
 {
     Q_OBJECT
@@ -176,7 +176,7 @@ void WindowTest::emailAddressThatCannotBeRead_data()
     QTest::newRow("refused, and there is no row") << u"DELETE FROM StoreSettings"_s << true;
 }
 
-/// The placeholder is for a shop that has none, and not for one whose address is not known.
+/// The placeholder is shown for a null or missing column, not for an address that could not be read.
 void WindowTest::emailAddressThatCannotBeRead()
 {
     QFETCH(const QString, change);
@@ -320,7 +320,7 @@ void WindowTest::statementsOfLoading()
     QVERIFY(statements.contains(u"Select * from InventoryCategory"_s));
     QVERIFY(statements.contains(u"Select * from InventoryCategory Order By CategoryName ASC"_s));
     QVERIFY(statements.contains(u"Select * from StoreSettings"_s));
-    // The category's text is set last but the settings, and fills the first page.
+    // The category's text is set right before the settings are read, and fills the first page.
     QCOMPARE(statements.last(), u"Select * from StoreSettings"_s);
     QCOMPARE(statements.at(statements.size() - 2),
              u"Select * from Stocklist where StockUse = 'Enabled' order by StockName ASC  Limit 0, 9"_s);
@@ -375,7 +375,7 @@ void WindowTest::handlerThatThrowsEndsAlone()
     QTest::ignoreMessage(QtWarningMsg, "A handler ended early: out of paper");
     fence.run([] { throw std::runtime_error("out of paper"); });
     QTest::ignoreMessage(QtWarningMsg, "A handler ended early");
-    fence.run([] { throw 42; }); // NOLINT: anything may come from a host's objects
+    fence.run([] { throw 42; }); // NOLINT: a host's objects may throw anything
     bool ran = false;
     fence.run([&] { ran = true; });
     QVERIFY(ran);
@@ -412,7 +412,7 @@ void WindowTest::laterLoadWins()
     QVERIFY(!first.isLatest());
     QVERIFY(second.isLatest());
     QVERIFY(loads.current().isLatest());
-    QVERIFY(second.isLatest()); // asking begins none
+    QVERIFY(second.isLatest()); // isLatest() begins no load
 }
 
 void WindowTest::oneAtATime()
