@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Runs a target without libFuzzer: TARGET CORPUS SECONDS [SEED]. First every file of the corpus, then for so many
-// seconds what becomes of them by cutting, doubling, joining and changing bytes. The input under way stands in
-// TARGET.input, so that it is known when the process dies.
+// Runs a target without libFuzzer: TARGET CORPUS SECONDS [SEED]. First every file of the corpus, then, for so many
+// seconds, mutations of them: parts cut out, doubled or joined, bytes changed. The current input is in TARGET.input, so
+// that it is known when the process dies.
 #include "tests/fuzz/fuzz.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::size_t longestInput = 4096;
 
-/// A mapped file: what was put into it last is there after any death of the process.
+/// A mapped file, which keeps the last input however the process ends.
 class LastInput
 {
 public:
@@ -84,7 +84,7 @@ private:
     const std::string &pick() { return m_corpus[below(m_corpus.size())]; }
     void change(std::string &input)
     {
-        // Signs that mean something to one of the parsers, and such as are awkward to any.
+        // Characters with a meaning in one of the parsers, and awkward ones.
         static constexpr std::array pieces{" x ",
                                            " = ",
                                            ", ",

@@ -19,7 +19,7 @@ inline QByteArray asBytes(const std::uint8_t *data, std::size_t size)
     return {reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)};
 }
 
-/// As text that comes out of a database or a file: never invalid, but of any signs.
+/// As text read from a database or file: valid UTF-16, any characters.
 inline QString asText(const std::uint8_t *data, std::size_t size)
 {
     return QString::fromUtf8(asBytes(data, size));

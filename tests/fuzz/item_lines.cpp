@@ -12,7 +12,7 @@ using namespace harrowby::fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QString text = asText(data, size);
-    static ItemLines result; // with what the text before has left in it
+    static ItemLines result; // reused, as the report does
     readItemLines(text, result);
     ItemLines fresh;
     readItemLines(text, fresh);

@@ -29,7 +29,7 @@ public:
     /// No answer stands for Cancel.
     void expectInput(const QString &prompt, const QString &title, const QString &initial,
                      const std::optional<QString> &answer);
-    /// From now on, boxes that nobody expects are answered by `answer` instead of being a problem.
+    /// From now on, unexpected boxes are answered by `answer` and are no problem.
     void answerTheRest(std::function<Answer(const QString &text)> answer);
 
     /// Whether every expected box came, and no other.

@@ -10,8 +10,7 @@ struct sqlite3;
 
 namespace harrowby::test {
 
-/// A further connection to a shop's file: the back office, another till, or a look from outside. Its statements may
-/// fail, as those of any other connection may.
+/// A further connection to a shop's file, as the back office or another till has it. Its statements may fail.
 class Database
 {
 public:
@@ -29,7 +28,7 @@ public:
     /// Every row of every table, with the types of its values.
     [[nodiscard]] QStringList everything() const;
     [[nodiscard]] QString integrity() const { return rows(QStringLiteral("PRAGMA integrity_check")).join(u' '); }
-    /// Becomes a copy of another one.
+    /// Copies all of another database into this one.
     bool copy(const Database &from);
 
 private:

@@ -69,7 +69,7 @@ public:
     [[nodiscard]] std::shared_ptr<Printer> printer(const QString &deviceName) override;
     [[nodiscard]] std::shared_ptr<Printer> current() override;
     void setCurrent(std::shared_ptr<Printer> printer) override;
-    /// The current one, as what it is; the platform's default (the last one) when none was chosen.
+    /// The current printer with its own type; the platform's default (the last one) when none was chosen.
     [[nodiscard]] PaperPrinter &paper();
 
 private:

@@ -18,7 +18,7 @@ namespace harrowby::test::FailingDisk {
 
 namespace {
 
-// Files are opened before the first constructor has run and after the last destructor, by a leak checker for one.
+// Used before the first constructor and after the last destructor: a leak checker opens files then.
 constinit std::array<char, PATH_MAX> folder{};
 constinit std::size_t folderSize = 0;
 std::string first;

@@ -3,10 +3,9 @@
 
 #include <QString>
 
-/// The disk below one folder, of which an operation fails: opening, making, writing, cutting, syncing, linking or
-/// renaming a file there, or making a folder. The C library's functions are replaced by ones that look at the path, so
-/// whatever in this process writes a file is met by it, the engine and Qt too. Syncs that do not fail do nothing, as no
-/// power cut is waited for.
+/// Lets a disk operation below one folder fail: opening, creating, writing, truncating, syncing, linking or renaming a
+/// file, or creating a folder. Replaces the C library's functions, so it applies to SQLite and Qt too. Syncs that are
+/// not to fail do nothing, as no test survives a power cut.
 namespace harrowby::test::FailingDisk {
 
 enum class Mode {
@@ -14,11 +13,11 @@ enum class Mode {
     Forever, ///< from that operation on
 };
 
-/// The folder that the disk is; operations elsewhere neither fail nor count.
+/// Sets the folder; operations elsewhere neither fail nor count.
 void mount(const QString &folder);
 /// Lets the `operation`-th operation from now on (1-based) fail with the error (ENOSPC, EIO, EACCES); 0 for none.
 void failAt(int operation, Mode mode, int error);
-/// Operations that have failed since.
+/// Operations that have failed since the last failAt().
 [[nodiscard]] int failures();
 /// What the first of them was: "write /path".
 [[nodiscard]] QString firstFailure();

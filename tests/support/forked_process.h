@@ -9,24 +9,24 @@
 
 namespace harrowby::test {
 
-/// A copy of this process that does a work and is killed for it: what a program sets up once, such as fonts and styles,
-/// is there already, so that ten thousand of them can be started. It has the calling thread
-/// alone, so nothing that it does may need another one; files and databases that are open here are not for it.
+/// A fork() of this process that does some work and is killed meanwhile. Fonts, styles and the like are set up already,
+/// so that ten thousand can be started. It has the calling thread alone, so its work must need no other thread, nor use
+/// files and databases that were open before.
 class ForkedProcess
 {
 public:
-    /// The copy's standard output is heard here; it ends with the result of `work`, if it comes to it.
+    /// The copy's standard output is read here; its exit code is the result of `work`.
     explicit ForkedProcess(const std::function<int()> &work);
-    /// Kills it when it has not been killed yet.
+    /// Kills it if it still runs.
     ~ForkedProcess();
     ForkedProcess(const ForkedProcess &) = delete;
     ForkedProcess &operator=(const ForkedProcess &) = delete;
 
-    /// What it has said since the last call; waits for it, and is empty when nothing more comes within the time.
+    /// Its output since the last call; waits for it, and is empty when nothing comes within the time.
     [[nodiscard]] QByteArray read(int mostMs = 60'000) const;
-    /// SIGKILL, and all that it had still said.
+    /// SIGKILL; returns the rest of its output.
     QByteArray kill();
-    /// Whether it had come to its end before it was killed.
+    /// Whether it had ended before it was killed.
     [[nodiscard]] bool hasEnded() const { return m_ended; }
 
 private:

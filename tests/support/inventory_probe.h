@@ -5,7 +5,7 @@
 
 namespace harrowby {
 
-/// Calls members of the window that are nobody else's: shared procedures, with arguments that no control passes.
+/// Calls private members of the window: its shared procedures, with arguments that no control passes.
 struct InventoryProbe
 {
     Inventory &window;

@@ -90,7 +90,7 @@ const QStringList &knownTexts()
     return texts;
 }
 
-/// Made once: a random user meets boxes by the hundred thousand.
+/// Made once, as a random user meets hundreds of thousands of boxes.
 const std::vector<QRegularExpression> &knownPatterns()
 {
     static const std::vector<QRegularExpression> patterns = [] {

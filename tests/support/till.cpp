@@ -28,7 +28,7 @@ std::shared_ptr<MemorySettings> quietSettings()
     return settings;
 }
 
-/// Answers Yes without a box.
+/// Answers Yes without showing a box.
 class Consent final : public Boxes
 {
 public:
@@ -148,12 +148,12 @@ void say(const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
     if (::write(STDOUT_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size())) != bytes.size())
-        ::_exit(1); // nobody listens any more
+        ::_exit(1); // the reading process has ended
 }
 
 void TillReport::read(const QByteArray &lines)
 {
-    // A line that was cut off is none.
+    // A line without its end was cut off by the kill and does not count.
     for (const QByteArray &bytes : lines.first(lines.lastIndexOf('\n') + 1).split('\n')) {
         const QString line = QString::fromUtf8(bytes);
         if (line.startsWith(u"B "_s)) {

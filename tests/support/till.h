@@ -31,8 +31,8 @@ public:
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
 
-    /// Tells the process at the other end of the standard output of every statement that writes: "B" and the
-    /// statement before it is begun, "A1" or "A0" and the statement after it.
+    /// Prints each writing statement: "B" and the statement before it is begun, "A1" (done) or "A0" (failed) and the
+    /// statement after it.
     void reportStatements();
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
@@ -42,7 +42,7 @@ public:
     /// Adds units to an item, and takes them back.
     void reorder(const QString &key, int units) const;
     void undoReorder() const { click(QStringLiteral("Command23")); }
-    /// Takes the last purchase back into the cart.
+    /// Undoes the last purchase, whose items go into the cart.
     void undo() const { click(QStringLiteral("Command25")); }
     /// Saves a stock item: an added one, or one that has the ID already.
     void saveItem(const QString &id, const QString &category, int figure) const;
@@ -65,12 +65,12 @@ private:
 /// Writes a line to the standard output, unbuffered.
 void say(const QString &line);
 
-/// What a till's process said, taken apart.
+/// A till's output, parsed.
 struct TillReport
 {
     QStringList done;     ///< statements that had been done, in order
     QStringList failed;   ///< statements that had failed
-    QString underWay;     ///< the one that was begun and of which nothing more was heard
+    QString underWay;     ///< begun, without a line after it
     QStringList messages; ///< the other lines
 
     void read(const QByteArray &lines);

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QTest::newRow("a long one") << 1'000'000;
     }
 
-    /// Every operation of the disk fails in turn: the file is whole, or is what it was and that is told.
+    /// Every operation of the disk fails in turn: the file is complete, or unchanged and the failure returned.
     void whateverFailsIsTold()
     {
         QFETCH(const int, size);

@@ -24,7 +24,7 @@ private:
     QTemporaryDir m_folder;
     Table m_table;
     QString m_path;       ///< what the person chooses
-    QString m_suggestion; ///< what she was offered
+    QString m_suggestion; ///< the path that was offered
     QString m_boxText;
 
     std::unique_ptr<OutputBar> bar()

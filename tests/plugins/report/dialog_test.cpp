@@ -142,7 +142,7 @@ private Q_SLOTS:
         settle(*dialog);
         QCOMPARE(part<QComboBox>(*dialog, u"period"_s).currentText(), u"From - to"_s);
         QCOMPARE(rows(*dialog).size(), 4);
-        part<QDateEdit>(*dialog, u"to"_s).setDate(QDate(2026, 10, 30)); // before the first one, which follows
+        part<QDateEdit>(*dialog, u"to"_s).setDate(QDate(2026, 10, 30)); // before "from", which is set to it
         settle(*dialog);
         QCOMPARE(part<QDateEdit>(*dialog, u"from"_s).date(), QDate(2026, 10, 30));
         QCOMPARE(message(*dialog), u"No sales: 30 Oct 2026."_s);
@@ -303,7 +303,7 @@ private Q_SLOTS:
         const auto dialog = open();
         dialog->resize(1016, 700);
         QCoreApplication::processEvents();
-        QCOMPARE(dialog->width(), 1016); // nothing asks for more
+        QCOMPARE(dialog->width(), 1016); // no control needs more width
         for (auto *button : dialog->findChildren<QAbstractButton *>()) {
             if (button->isVisible() && button->focusPolicy() != Qt::NoFocus)
                 QVERIFY2(button->height() >= 44, qPrintable(button->text()));

@@ -79,7 +79,7 @@ private Q_SLOTS:
         QTest::newRow("commas") << u","_s;
     }
 
-    /// A spoilt row may be long; what reads it looks at each part of it a few times at most.
+    /// Parsing must be linear: a damaged text may be long.
     void manyLinesTakeNoLonger()
     {
         QFETCH(const QString, part);
@@ -104,7 +104,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Lines are gathered some dozens at a time, and the table grows meanwhile; none may go astray.
+    /// No line is lost while the table grows.
     void tallies()
     {
         ItemTally tally;
