@@ -44,7 +44,7 @@ QByteArray bytes(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// No file may grow over the limit as long as it lives: a disk that is full.
+/// While it lives, no file can grow beyond the limit, as on a full disk.
 class FullDisk
 {
 public:
@@ -168,8 +168,9 @@ void BackupTest::tillWritesMeanwhile()
     });
     QCOMPARE(result.problem, QString());
     QCOMPARE(result.outcome, Outcome::Done);
-    QVERIFY(written >= 3);                                                                   // nobody had to wait
-    QCOMPARE(column(target(), u"SELECT count(*) FROM PurchaseCart"_s), QStringList{u"0"_s}); // one moment: the first
+    QVERIFY(written >= 3); // the sales did not wait for the backup
+    QCOMPARE(column(target(), u"SELECT count(*) FROM PurchaseCart"_s),
+             QStringList{u"0"_s}); // a snapshot of the beginning
     QCOMPARE(column(store(), u"SELECT count(*) FROM PurchaseCart"_s), QStringList{QString::number(written)});
 }
 
@@ -279,7 +280,7 @@ void BackupTest::failingSideIsTold()
 
 void BackupTest::storeThatCannotBeOpenedIsNoFaultOfThePlace()
 {
-    // Nothing can be opened where the log belongs.
+    // A folder lies where the log would be.
     QVERIFY(QDir(m_folder->path()).mkdir(u"shop.sqlite-wal"_s));
     const BackupResult result = backUpStore(store(), target(), false, goOn);
     QCOMPARE(result.outcome, Outcome::Failed);

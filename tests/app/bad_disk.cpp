@@ -64,7 +64,7 @@ sqlite3_syscall_ptr call(Function *function)
 void replace(sqlite3_syscall_ptr read, sqlite3_syscall_ptr write)
 {
     sqlite3_vfs *files = sqlite3_vfs_find(nullptr);
-    // SQLite uses one of each two; nothing in a place brings the usual one back.
+    // SQLite uses one call of each pair; a null pointer restores the default.
     const std::array<std::pair<const char *, sqlite3_syscall_ptr>, 4> calls = {
         {{"pread", read}, {"pread64", read}, {"pwrite", write}, {"pwrite64", write}}};
     for (const auto &[name, function] : calls)

@@ -5,7 +5,7 @@
 
 namespace harrowby::app::test {
 
-/// As long as it lives, SQLite cannot read or write the files of this name as it should. One at a time.
+/// While it lives, SQLite fails to read or write the files of this name. One at a time.
 class BadDisk
 {
 public:

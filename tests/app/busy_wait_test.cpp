@@ -129,7 +129,7 @@ void BusyWaitTest::idleEventLoopFillsUp()
     QCOMPARE(wait.remaining().count(), 0);
     QEventLoop loop;
     QTimer::singleShot(1, &loop, &QEventLoop::quit);
-    loop.exec(); // has nothing to do until the timer: the action is over
+    loop.exec(); // an idle event loop ends the action
     QCOMPARE(wait.remaining().count(), 100);
 }
 
@@ -182,7 +182,7 @@ void BusyWaitTest::longWaitIsWatched()
     QVERIFY(!seen.empty());
     QVERIFY2(seen.front() >= 300ms && seen.front() < 360ms, qPrintable(QString::number(seen.front().count())));
     QCOMPARE(seen.back(), slept());
-    // What is waited for in the same action is said at once; in the next one only after a while.
+    // A further wait of the same action is told at once; one of the next action only after a while.
     seen.clear();
     m_steps.clear();
     wait.refill();
@@ -193,7 +193,7 @@ void BusyWaitTest::longWaitIsWatched()
     QVERIFY(isRefused());
 }
 
-/// What the opening says now; empty while it has no window.
+/// The text in the opening's window; empty while there is none.
 static QString saidOfOpening()
 {
     for (const QWidget *window : QApplication::topLevelWidgets()) {
@@ -241,7 +241,7 @@ void BusyWaitTest::openingThatWaitsIsSaid()
     QCOMPARE(saidOfOpening(), QString());
 }
 
-/// The window of the sign that stands alone; null when it is not to be seen.
+/// The sign's own window; null while it is not shown.
 static const QWindow *loneSign()
 {
     const QWindowList windows = QGuiApplication::topLevelWindows();
@@ -272,11 +272,11 @@ void BusyWaitTest::signStandsAloneWithoutAWindow()
     WaitSign sign(u"Waiting"_s, u"It is locked."_s);
     sign.show();
     QVERIFY(loneSign() != nullptr);
-    QCOMPARE(QApplication::topLevelWidgets(), QWidgetList{&window}); // nobody takes it for a window of the program
+    QCOMPARE(QApplication::topLevelWidgets(), QWidgetList{&window}); // the sign counts as no window of the program
     sign.show();
     QVERIFY(loneSign() != nullptr);
 
-    // With the next event it goes, and does not end the program as the last window that closes.
+    // The next event hides it, which must not end the program as its last window closing.
     window.hide();
     bool ended = false;
     connect(qApp, &QGuiApplication::lastWindowClosed, this, [&] { ended = true; });

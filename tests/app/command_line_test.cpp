@@ -11,7 +11,7 @@ using namespace harrowby::app;
 
 namespace {
 
-/// A line that has to be good.
+/// Reads a line that must be accepted.
 CommandLine accepted(const QStringList &arguments)
 {
     const auto line = readCommandLine(arguments);

@@ -29,10 +29,10 @@ Q_DECLARE_METATYPE(harrowby::test::FailingDisk::Mode)
 
 namespace {
 
-/// More operations than any action takes: whoever gets there hangs.
+/// More operations than any action takes; reaching it means a hang.
 constexpr int mostOperations = 2000;
 
-/// The figures by which the whole of an action is known.
+/// The figures that an action changes as a whole.
 struct Figures
 {
     int purchases = 0;
@@ -52,7 +52,7 @@ Figures figuresOf(const TroubledTill &till)
             till.iniValue(u"Option/EmailReport"_s)};
 }
 
-/// What is missing without a word about it; empty when each missing thing was told.
+/// What is missing and was not reported; empty when every missing thing was reported.
 QString lostInSilence(const TroubledTill &till, const Figures &found, const Figures &whole)
 {
     using Kind = FileFailure::Kind;
@@ -61,7 +61,7 @@ QString lostInSilence(const TroubledTill &till, const Figures &found, const Figu
         found.purchases == whole.purchases && found.units == whole.units && found.settings == whole.settings;
     if (!hasStatements && till.toldOfStatements.isEmpty())
         return u"a statement"_s;
-    // A till that cannot read the settings, or the sale, has told that, and prints by what it knows.
+    // A till that could not read the settings, or the sale, has reported that, and prints what it has.
     if (found.receipts != whole.receipts && files.empty() && till.toldOfStatements.isEmpty())
         return u"a receipt"_s;
     if (found.receipts < whole.receipts && found.purchases == whole.purchases && !files.contains(Kind::Receipt) &&
@@ -76,7 +76,7 @@ struct Action
 {
     std::function<void(TroubledTill &, int round)> prepare;
     std::function<void(TroubledTill &, int round)> act;
-    std::function<void(Figures &, int round)> change; ///< what the whole of it changes
+    std::function<void(Figures &, int round)> change; ///< what the complete action changes
     int leastOperations = 1;
 };
 
@@ -172,7 +172,7 @@ QString faultText(int operation)
 } // namespace
 
 /// The N-th operation of the disk fails, for N from 1 on until the action runs through: what was reported done is in
-/// the file, what was not done has been told, and where nothing was told, all of it is done.
+/// the file, what was not done was reported, and if nothing was reported, all of it is done.
 class DiskTroubleTest : public QObject
 {
     Q_OBJECT
@@ -214,11 +214,11 @@ void DiskTroubleTest::everyOperationOfAnAction_data()
         addRows(action.key());
 }
 
-/// Whatever failed: the file holds what was reported done, and each failure was told, and logged where the log can be
+/// After any failure the file holds what was reported done, and each failure was reported, and logged if the log can be
 /// written.
 void DiskTroubleTest::check(TroubledTill &till, qint64 logSize)
 {
-    QVERIFY(!till.isLost()); // the disk is to blame, and nobody has moved the file
+    QVERIFY(!till.isLost()); // a failing disk is not a lost file
     QCOMPARE(till.differsFromWhatWasDone(), QString());
     QCOMPARE(till.store().integrity(), u"ok"_s);
     QVERIFY2(till.told.size() >= till.failedStatements.size(), qPrintable(till.failedStatements.join(u'\n')));
@@ -322,13 +322,13 @@ void DiskTroubleTest::everyOperationOfAFirstStart_data()
 
 namespace {
 
-/// What became of a start.
+/// The outcome of a start.
 struct Start
 {
     bool isMade = false;     ///< the store
-    bool isAccepted = false; ///< the store, by whoever opens it
+    bool isAccepted = false; ///< the store, when it is opened again
     bool isKept = false;     ///< the choice of title and currency
-    QStringList told;        ///< all that was said to have failed
+    QStringList told;        ///< all reported failures
 };
 
 Start startFirst(const QString &path)
@@ -348,7 +348,7 @@ Start startFirst(const QString &path)
     return start;
 }
 
-/// Whole, or not at all, or told.
+/// Each part is there as a whole, or absent and reported.
 void checkStart(const QString &path, const Start &start)
 {
     QCOMPARE(QFile::exists(path), start.isMade);

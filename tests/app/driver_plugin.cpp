@@ -46,7 +46,7 @@ QWidget *find(const QString &name)
     return nullptr;
 }
 
-/// True once the window manager has put the window where it stays and has given it the focus, if it takes any.
+/// True once the window manager has placed the window and given it the focus, if it accepts any.
 bool isReady(const QWidget &window)
 {
     const QWindow *handle = window.windowHandle();
@@ -131,7 +131,7 @@ public:
             qApp->installEventFilter(this);
     }
 
-    /// Holds the program where the window of the wanted title is being made, until the test has something to say.
+    /// Stops the program where the window of the wanted title is created, until the test writes a line.
     bool eventFilter(QObject *watched, QEvent *event) override
     {
         const auto *window = qobject_cast<QWidget *>(watched);

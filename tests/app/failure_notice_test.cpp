@@ -273,7 +273,7 @@ void FailureNoticeTest::filesThatFail()
     for (const auto other :
          {FileFailure::Kind::Receipt, FileFailure::Kind::SettingsRead, FileFailure::Kind::SettingsWrite}) {
         if (other != failure.kind)
-            notice.add({other, failure.path, {}, true}); // the end of another's
+            notice.add({other, failure.path, {}, true}); // success of another kind
     }
     notice.add(failure);
     QVERIFY(!notice.isVisible());
@@ -321,7 +321,7 @@ void FailureNoticeTest::eachReasonIsShown()
 void FailureNoticeTest::signOfAWaitIsPaintedAtOnce()
 {
     WaitSign sign(u"Waiting"_s, u"For a lock."_s);
-    sign.show(); // nowhere
+    sign.show(); // without a window
     BareTill till;
     till.show();
     till.activateWindow();
@@ -336,15 +336,15 @@ void FailureNoticeTest::signOfAWaitIsPaintedAtOnce()
     const auto *widget = till.findChild<QWidget *>(u"waitSign"_s);
     QVERIFY(till.rect().contains(widget->geometry()));
     QCOMPARE(widget->accessibleName(), u"Waiting"_s);
-    // The platform holds what was painted, and no event has run.
+    // The platform window has the painted pixels, although no event was handled.
     const QPoint place = widget->mapToGlobal(QPoint(6, 6));
     QCOMPARE(till.screen()->grabWindow(0, place.x(), place.y(), 1, 1).toImage().pixelColor(0, 0), QColor(0, 98, 86));
     QCOMPARE(QApplication::focusWidget(), till.entry);
-    sign.show(); // again and again, as the wait goes on
+    sign.show(); // called repeatedly during the wait
     QCoreApplication::processEvents();
     QVERIFY(!shown());
 
-    // In front of a box, and gone with its first event, though the action goes on.
+    // Over a box, and hidden by the box's first event, although the action goes on.
     QDialog box(&till);
     box.setModal(true);
     QTimer::singleShot(0, &box, [&] {

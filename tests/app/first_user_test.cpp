@@ -168,7 +168,7 @@ void FirstUserTest::namesTheFile()
 {
     bool named = false;
     for (const auto *label : m_dialog->findChildren<QLabel *>()) {
-        const QString shown = label->text().remove(u'\u200b'); // where the path may be broken
+        const QString shown = label->text().remove(u'\u200b'); // zero-width spaces at which the path may wrap
         named = named || (label->textFormat() == Qt::PlainText && shown.contains(u"/shops/a & b.sqlite"_s));
     }
     QVERIFY(named);
@@ -362,7 +362,7 @@ void FirstUserTest::chosenLookIsWorn()
     QCOMPARE(savedLook(settings), look);
     const QPalette before = QApplication::palette();
     wearLook(look);
-    // Also what is open already follows.
+    // Windows that are open already follow, too.
     QCOMPARE(harrowby::Colours::current().dark, dark);
     QCoreApplication::processEvents();
     QCOMPARE(m_dialog->grab().toImage().pixelColor(2, 2).lightness() < 128, dark);

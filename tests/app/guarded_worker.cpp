@@ -28,7 +28,7 @@ QString reasonOf(const std::optional<SqlError> &error)
     return error ? error->reason : u"ok"_s;
 }
 
-/// The worker's own side.
+/// The worker's process.
 class Work
 {
 public:
@@ -40,7 +40,7 @@ public:
 
     QString answer(const QString &order)
     {
-        m_wait.refill(); // each is an action of its own
+        m_wait.refill(); // each command is an action with its own wait
         const QString verb = order.section(u' ', 0, 0);
         const QString rest = order.section(u' ', 1);
         if (verb == u"write"_s)

@@ -40,7 +40,7 @@ void writeFile(const QString &path, const QByteArray &content)
     QCOMPARE(file.write(content), content.size());
 }
 
-/// Drops a table, and leaves the change in the log.
+/// Drops a table; the change stays in the log.
 void makeLoggedLack(const QString &path)
 {
     const QString other = path + u".live"_s;
@@ -60,7 +60,7 @@ Prepare dropping(const QString &statement)
     };
 }
 
-/// The table anew, with `more` behind its own columns.
+/// Creates the table again, with `more` after its own columns.
 QStringList rebuilt(const QString &table, const QString &more)
 {
     QStringList columns;
@@ -78,7 +78,7 @@ QStringList generated(const QString &table, const QString &column, const QString
     return statements;
 }
 
-/// Run on a connection that knows the function, as the program that the store belongs to has one.
+/// Runs on a connection with the SQL function, which the store's own host defines.
 QStringList withUnknownFunction(const QStringList &statements)
 {
     return QStringList{u"(with the function)"_s} + statements;
@@ -121,7 +121,7 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(m_folder->isValid());
-        // So that one who has dropped his rights can look into it.
+        // So that a process without root's rights can read it.
         QCOMPARE(::chmod(QFile::encodeName(m_folder->path()).constData(), 0755), 0);
     }
 
@@ -233,7 +233,7 @@ void JudgeTest::refusedFilesStayAsTheyWere()
     QVERIFY2(problem->text.contains(path()) && problem->text.contains(named), qPrintable(problem->text));
     QVERIFY(bytesOf(path()) == before);
     QStringList namesAfter = QDir(m_folder->path()).entryList(QDir::Files);
-    namesAfter.removeAll(u"shop.sqlite-shm"_s); // the log's index, SQLite's scratch paper
+    namesAfter.removeAll(u"shop.sqlite-shm"_s); // the wal-index, which SQLite makes for itself
     QCOMPARE(namesAfter, namesBefore);
 }
 
@@ -358,7 +358,7 @@ void JudgeTest::checkOfABigFileIsBounded()
     spoil(path(), QFile(path()).size() / 2, 3000);
     BusyWait wait(shortWait);
     QVERIFY(judgeStore(path(), wait));
-    // With no time at all the damage is not come to.
+    // Without any time the check does not reach the damage.
     QVERIFY(!judgeStore(path(), wait, 0ms));
 }
 
@@ -468,7 +468,7 @@ void JudgeTest::namesThatCannotBe()
     QVERIFY(kindOf(u":memory:"_s) == ProblemKind::NoFile);
     QVERIFY(kindOf(path(u"st\ufffdre.sqlite"_s)) == ProblemKind::BadName);
     QVERIFY(!kindOf(path(u"st\u00f6re.sqlite"_s)));
-    // One that is there under just this name is as good as any.
+    // An existing store of such a name is accepted.
     makeStore(path());
     QVERIFY(QFile::rename(path(), path(u"st\ufffdre.sqlite"_s)));
     QVERIFY(!judge(path(u"st\ufffdre.sqlite"_s)));

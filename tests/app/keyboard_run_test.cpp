@@ -38,7 +38,7 @@ QPoint key(const QString &name)
 
 } // namespace
 
-/// A till without a keyboard: the real program on a small screen, and nothing but presses.
+/// A till without a keyboard: the real program on a small screen, operated by presses alone.
 class KeyboardRunTest : public QObject
 {
     Q_OBJECT
@@ -95,7 +95,7 @@ void KeyboardRunTest::firstStartAndLogin()
 {
     RunningProgram program(m_screen, m_home.path());
     QVERIFY(program.start({u"--touch-keyboard"_s}));
-    // The keyboard is there without a press, and the box with its buttons stands above it.
+    // The keyboard is shown without a press, and the whole box is above it.
     QTRY_VERIFY2_WITH_TIMEOUT(isAbove(program, u"Create Store"_s), qPrintable(program.errors()), 60000);
     QTRY_VERIFY_WITH_TIMEOUT(keyboardIsDrawn(), 60000);
     tap(u"TILL"_s);
@@ -113,7 +113,7 @@ void KeyboardRunTest::firstStartAndLogin()
     QVERIFY(isAbove(program, u"Text4"_s));
     tap(u"TILL"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text4"_s).toUpper(), u"TILL"_s, 30000);
-    QVERIFY(program.press(u"Command28"_s)); // stays under the finger until it is released
+    QVERIFY(program.press(u"Command28"_s)); // the button stays in place until it is released
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
 }
 
@@ -130,7 +130,7 @@ void KeyboardRunTest::keyboardGivesTheScreenBack()
     QTRY_COMPARE_WITH_TIMEOUT(program.place(u"Command28"_s).y(), lifted, 30000);
 }
 
-/// On a bare screen nobody but the program gives the window the keys when the box has gone.
+/// Without a window manager only the program itself can focus its window after the box has closed.
 void KeyboardRunTest::keyboardComesBackAfterALogout()
 {
     Screen bare;

@@ -206,7 +206,7 @@ void KeyboardTest::panelInNoLayoutIsShiftedAlone()
     room.makeRoom(*entry, QRect(0, window.height() / 2, window.width(), window.height() / 2));
     QVERIFY(panel->mapToGlobal(panel->rect().bottomLeft()).y() < window.height() / 2);
     QCOMPARE(whole->pos(), QPoint(0, 0));
-    panel->move(home + QPoint(10, -5)); // placed anew meanwhile
+    panel->move(home + QPoint(10, -5)); // the layout has placed it again meanwhile
     QVERIFY(panel->y() < home.y() - 50);
     room.giveBack();
     QCOMPARE(panel->pos(), home + QPoint(10, -5));
@@ -231,7 +231,7 @@ void KeyboardTest::dialogIsMovedAndPutBack()
     room.giveBack();
     QCOMPARE(dialog.pos(), home);
     room.makeRoom(*entry, QRect(0, screen.height() / 2, screen.width(), screen.height() / 2));
-    dialog.move(50, 60); // by hand
+    dialog.move(50, 60); // moved by the user
     room.giveBack();
     QCOMPARE(dialog.pos(), QPoint(50, 60));
 }
@@ -261,7 +261,7 @@ void KeyboardTest::entryInAnotherWindowFreesTheFirst()
         gone.show();
         room.makeRoom(*entry, keyboard);
     }
-    room.giveBack(); // of a window that is no more
+    room.giveBack(); // the window has been destroyed
 }
 
 HARROWBY_TEST(app_keyboard_test, KeyboardTest)

@@ -12,8 +12,8 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby::app::test;
 
-/// A cashier with a keyboard, at the real program: once beside a window manager, and once on a bare screen, as many a
-/// till has it. Nothing is pressed by the mouse unless it says so.
+/// The real program operated by keyboard, with a window manager and without one, as many tills are. The mouse is used
+/// only where a comment says so.
 class KeysRunTest : public QObject
 {
     Q_OBJECT
@@ -102,7 +102,7 @@ void KeysRunTest::logInAtTheSecondTry(RunningProgram &program)
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
 }
 
-/// Presses a key some times; the focus is somewhere then.
+/// Presses a key so many times, after which the focus must be at `focus`.
 void KeysRunTest::press(RunningProgram &program, const QString &name, int times, const QString &focus)
 {
     for (int time = 0; time < times; ++time)
@@ -129,7 +129,7 @@ void KeysRunTest::sellByKeys(RunningProgram &program)
     m_screen->key(u"space"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
 
-    // Who leans on the key that opens the box does not answer it.
+    // Holding the key that opened the box does not answer it.
     QVERIFY(program.press(u"Command14"_s)); // by the mouse, so that the button has the focus
     QTRY_VERIFY_WITH_TIMEOUT(program.box().startsWith(u"Item List:"_s), 30000);
     QTRY_VERIFY_WITH_TIMEOUT(program.place(u"No"_s).x() > 0, 30000);
@@ -165,7 +165,7 @@ void KeysRunTest::enterAQuantity(RunningProgram &program)
     m_screen->type(u"5"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Combo4"_s), u"5"_s, 30000);
 
-    // A menu and a list that drops down leave what is marked, and where the caret is.
+    // A context menu and a popup list keep the selection and the caret.
     m_screen->key(u"ctrl+a"_s);
     m_screen->key(u"Menu"_s);
     m_screen->key(u"Escape"_s);
@@ -199,8 +199,7 @@ void KeysRunTest::closeByKeys(RunningProgram &program)
     QVERIFY2(code == 0, qPrintable(u"%1\n%2"_s.arg(code).arg(program.errors())));
 }
 
-/// Two programs on a bare screen: neither takes the keys from the other, but by a press, and the one that is left has
-/// them.
+/// Two programs without a window manager: each takes the input focus only when it is pressed, or when the other ends.
 void KeysRunTest::anotherProgramKeepsTheKeys()
 {
     const QString store = m_home.filePath(u"bare.sqlite"_s);
@@ -212,12 +211,12 @@ void KeysRunTest::anotherProgramKeepsTheKeys()
         QVERIFY(office.start({u"--office"_s, u"--database"_s, store}));
         QTRY_COMPARE_WITH_TIMEOUT(office.focus(), u"officePassword"_s, 60000);
         QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"-"_s, 30000);
-        m_screen->moveWindow(u"Store"_s, {0, 0}); // the till has something to paint, but nothing to take
+        m_screen->moveWindow(u"Store"_s, {0, 0}); // the till is repainted, and must not take the focus
         QTRY_VERIFY_WITH_TIMEOUT(office.place(u"windowEdge"_s).x() < 300, 30000);
         m_screen->type(u"x"_s);
         QTRY_COMPARE_WITH_TIMEOUT(office.text(u"officePassword"_s), u"x"_s, 30000);
         const QPoint password = office.place(u"officePassword"_s);
-        m_screen->press({40, 740}); // the till, where nothing is
+        m_screen->press({40, 740}); // an empty place of the till
         QTRY_COMPARE_WITH_TIMEOUT(till.focus(), u"Text3"_s, 30000);
         QTRY_COMPARE_WITH_TIMEOUT(office.focus(), u"-"_s, 30000);
         m_screen->press(password);

@@ -131,7 +131,7 @@ void LogFileTest::manyProgramsLoseNoLine()
 {
     constexpr int programs = 4;
     constexpr int lines = 500;
-    constexpr qint64 limit = 120'000; // reached once: a second time would take the oldest lines with it
+    constexpr qint64 limit = 120'000; // reached once; a second rotation would drop the oldest lines
     std::vector<std::thread> running;
     for (int program = 0; program < programs; ++program) {
         running.emplace_back([this, program] {
@@ -170,7 +170,7 @@ void LogFileTest::hugeFileIsPutAside()
     QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
     QFile huge(m_path);
     QVERIFY(huge.open(QIODevice::WriteOnly));
-    QVERIFY(huge.resize(static_cast<qint64>(1) << 40)); // sparse; and full, as the disk says below
+    QVERIFY(huge.resize(static_cast<qint64>(1) << 40)); // sparse; RLIMIT_FSIZE below keeps it from growing
     huge.close();
     rlimit before = {};
     ::getrlimit(RLIMIT_FSIZE, &before);

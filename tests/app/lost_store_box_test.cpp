@@ -33,7 +33,7 @@ using namespace harrowby::app::test;
 
 namespace {
 
-/// Asks like the till, and is told "No".
+/// A window that asks before it closes, as the till does.
 class AskingWindow : public QWidget
 {
 public:
@@ -51,7 +51,7 @@ protected:
 
 } // namespace
 
-/// The box that stands in front once the store file is gone.
+/// The box that is shown in front once the store file is lost.
 class LostStoreBoxTest : public QObject
 {
     Q_OBJECT
@@ -181,7 +181,7 @@ void LostStoreBoxTest::noLeadsBack()
     QVERIFY(box() == nullptr);
 }
 
-/// Somebody was about to close the till when the file went; the till does not ask a second time then.
+/// The till's closing question is open when the file is lost; the till does not ask again.
 void LostStoreBoxTest::questionThatStandsAlreadyIsAnsweredFirst()
 {
     QDialog question;
@@ -289,7 +289,7 @@ void LostStoreBoxTest::allCanBeTouchedAndRead()
         QVERIFY2(button->height() >= 44, qPrintable(button->text()));
         QVERIFY(button->focusPolicy() & Qt::TabFocus);
         QVERIFY(button->text().contains(u'&'));
-        QVERIFY(!button->isDefault() && !button->autoDefault()); // Enter must find none
+        QVERIFY(!button->isDefault() && !button->autoDefault()); // Enter must press no button
     }
     QVERIFY(box()->findChild<QLineEdit *>(u"rescuePlace"_s)->height() >= 44);
     QVERIFY(!box()->findChild<QLineEdit *>(u"rescuePlace"_s)->accessibleName().isEmpty());
@@ -297,7 +297,7 @@ void LostStoreBoxTest::allCanBeTouchedAndRead()
              qPrintable(u"%1x%2"_s.arg(box()->width()).arg(box()->height())));
 }
 
-/// A person may be in the middle of a box of the office, over which the box then stands.
+/// With a box of the office open, the box is shown over it.
 void LostStoreBoxTest::officeClosesFromTheFront()
 {
     m_alarm = std::make_unique<LostStoreAlarm>(*m_guard, u"office"_s, closeOffice);
@@ -306,7 +306,7 @@ void LostStoreBoxTest::officeClosesFromTheFront()
         QDialog user(&office);
         QTimer::singleShot(0, &user, [&] {
             lose(u"moved"_s);
-            QCOMPARE(box()->parentWidget(), &office); // which goes last
+            QCOMPARE(box()->parentWidget(), &office); // closed last
             press(u"closeLostStore"_s);
         });
         QCOMPARE(user.exec(), static_cast<int>(QDialog::Rejected));
@@ -315,10 +315,10 @@ void LostStoreBoxTest::officeClosesFromTheFront()
     QVERIFY(QApplication::activeModalWidget() == nullptr);
 }
 
-/// The till was closed before anybody has looked.
+/// The till is closed before the next check.
 void LostStoreBoxTest::lossInTheLastMomentIsTold()
 {
-    m_alarm->checkOnceMore(); // all is well: nobody is kept
+    m_alarm->checkOnceMore(); // nothing is lost: no box
     QVERIFY(QFile::remove(path()));
     QTimer::singleShot(0, this, [this] {
         QVERIFY(box() != nullptr);
@@ -350,7 +350,7 @@ void LostStoreBoxTest::noBackupOfAFileThatIsGone()
     page.watchStore([this] { return m_guard->check() ? QString() : lossHeadline(m_guard->loss()); });
     const QString copy = path(u"backup.db"_s);
     page.findChild<QLineEdit *>(u"backupPlace"_s)->setText(copy);
-    // Another store in its place must not pass for this one.
+    // Another store at the path must not be taken for this one.
     QVERIFY(QFile::rename(path(), path(u"moved.sqlite"_s)));
     makeStore(path(u"another.sqlite"_s));
     QVERIFY(QFile::rename(path(u"another.sqlite"_s), path()));

@@ -152,7 +152,7 @@ private Q_SLOTS:
             ++steps;
         QVERIFY(steps > 100);
         QCOMPARE(reading.table().rows.size(), static_cast<std::size_t>(20'000));
-        ReorderListDialog dialog(m_connection); // and closed in the middle
+        ReorderListDialog dialog(m_connection); // closed while it reads
         dialog.show();
         QCoreApplication::processEvents();
     }

@@ -258,7 +258,7 @@ void OfficeDoorTest::pauseOutlivesTheDialog()
             dialog.accept();
     }
     QCOMPARE(asked, 3);
-    for (int i = 0; i < 7; ++i) // now the pause outlasts the test on a slow machine too
+    for (int i = 0; i < 7; ++i) // so many that the pause lasts longer than the test
         WrongTries(file).add(QDateTime::currentDateTimeUtc());
     const auto open = [&](const QString &) { return ++asked, QString(); };
     OfficePasswordDialog later(open, WrongTries(file));

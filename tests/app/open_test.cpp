@@ -25,7 +25,7 @@ const std::chrono::milliseconds shortWait(60);
 
 } // namespace
 
-/// What happens to files that can be opened, and to those that another program keeps.
+/// Opening files, also locked ones.
 class OpenTest : public QObject
 {
     Q_OBJECT
@@ -163,7 +163,7 @@ void OpenTest::foreignFileKeepsItsIdentityAndGetsIndexes()
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA application_id"_s), u"77"_s);
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"42"_s);
-    // One of ours is theirs already; the old one that bears our name is made anew.
+    // An index of this table has one of our definitions already; an old one under our name is created again.
     QCOMPARE(readText(database.get(), u"SELECT count(*) FROM sqlite_master WHERE name LIKE 'harrowby_%'"_s).toInt(),
              storeIndexes().size() - 1);
     QVERIFY(readText(database.get(), u"SELECT sql FROM sqlite_master WHERE name = 'harrowby_purchase_id'"_s)

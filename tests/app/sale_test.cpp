@@ -20,7 +20,7 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-/// From a new file to a committed sale: the real program, on a real X server, pressed and typed at.
+/// From a new file to a committed sale: the real program on a real X server, operated by mouse and keyboard.
 class SaleTest : public QObject
 {
     Q_OBJECT
@@ -157,7 +157,7 @@ void SaleTest::failedWriteIsShownAtOnce()
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"The activity was not recorded."_s, 30000);
     QVERIFY(program.text(u"failureReason"_s).contains(u"no such table: SysUsage"_s));
 
-    // The notice has taken no focus: what is typed still goes to the till.
+    // The notice takes no focus: keys still go to the till.
     QVERIFY(program.press(u"Text3"_s));
     m_screen.type(u"anna"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ANNA"_s, 30000);
@@ -219,7 +219,7 @@ void SaleTest::whatIsLostOutsideTheDatabaseIsShown()
     QVERIFY(program.press(u"OK"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"failureWork"_s), u"A receipt was neither printed nor kept."_s, 30000);
 
-    // The texts of the till stay; what they do not say stands in the window beside them.
+    // The till's own texts are unchanged; the reason stands in the notice beside them.
     QVERIFY(program.press(u"failureDismiss"_s));
     QVERIFY(program.press(u"TabStrip1"_s));
     m_screen.key(u"End"_s);
@@ -292,7 +292,7 @@ void SaleTest::rescuedStoreSellsOn()
         QTRY_VERIFY_WITH_TIMEOUT(program.text(u"lostStoreWhat"_s).contains(u"was removed"_s), 30000);
         QVERIFY(program.press(u"Make a Rescue Copy"_s));
         QTRY_VERIFY_WITH_TIMEOUT(program.text(u"rescueOutcome"_s).contains(u"made and checked"_s), 30000);
-        // The till asks as ever, and "No" leads back to the box.
+        // The till asks before closing as usual, and "No" leads back to the box.
         QVERIFY(program.press(u"Close the Till"_s));
         QTRY_COMPARE_WITH_TIMEOUT(program.box(), u"Close Inventory?"_s, 30000);
         QVERIFY(program.press(u"No"_s));
@@ -326,7 +326,7 @@ void SaleTest::demoShopTellsHowToLogIn()
         logIn(program, u"cashier"_s, u"cashier"_s);
         closeWindow(program);
     }
-    // The second time it opens at once, and is the same shop.
+    // The second start opens the same shop without a first-user dialog.
     RunningProgram program(m_screen, m_home.path());
     QVERIFY(program.start({u"--demo"_s}));
     logIn(program, u"manager"_s, u"manager"_s);

@@ -55,7 +55,7 @@ bool Screen::start(const QString &size, Manager manager)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DISPLAY"_s, m_display);
     m_manager.setProcessEnvironment(environment);
-    // It says so when it is ready: a window that comes before it is never given the focus.
+    // openbox tells when it is ready; a window that is mapped earlier is never given the focus.
     m_manager.start(u"openbox"_s, {u"--startup"_s, u"echo ready"_s});
     return m_manager.waitForReadyRead(patience);
 }
@@ -149,10 +149,10 @@ RunningProgram::RunningProgram(const Screen &screen, const QString &home) : m_sc
     environment.insert(u"HOME"_s, home);
     environment.insert(u"XDG_DATA_HOME"_s, home + u"/data"_s);
     environment.insert(u"XDG_CONFIG_HOME"_s, home + u"/config"_s);
-    environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:1"_s); // nobody prints there
+    environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:1"_s); // no print service answers there
     environment.insert(u"XDG_SESSION_TYPE"_s, u"x11"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
-    // The X libraries read keyboard names that end nowhere, which the strict checks of the sanitizers take amiss.
+    // libX11 reads keyboard names that are not terminated, which strict_string_checks reports.
     environment.insert(u"ASAN_OPTIONS"_s, environment.value(u"ASAN_OPTIONS"_s) + u":strict_string_checks=0"_s);
     m_process.setProcessEnvironment(environment);
 }
@@ -212,7 +212,7 @@ bool RunningProgram::press(const QString &name)
     time.start();
     QString before;
     while (time.elapsed() < patience && m_process.state() == QProcess::Running) {
-        // Twice at the same place: a window that has just come may still be moved by the window manager.
+        // Twice at the same place, as the window manager may still move a new window.
         const QString place = ask(u"where "_s + name);
         if (place.contains(u' ') && place == before) {
             m_screen.press({place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt()});

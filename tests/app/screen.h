@@ -12,7 +12,7 @@
 
 namespace harrowby::app::test {
 
-/// A screen of the test's own, with a small window manager or none. Ends with the object.
+/// An X server of the test's own (Xvfb), with a small window manager or none. Ends with the object.
 class Screen
 {
 public:
@@ -23,7 +23,7 @@ public:
     Screen(const Screen &) = delete;
     Screen &operator=(const Screen &) = delete;
 
-    /// False when it cannot be had.
+    /// False when it cannot be started.
     [[nodiscard]] bool start(const QString &size, Manager manager = Manager::Openbox);
     [[nodiscard]] const QString &display() const { return m_display; }
 
@@ -31,13 +31,13 @@ public:
     void press(const QPoint &place) const;
     void type(const QString &text) const;
     void key(const QString &name) const;
-    /// How many pixels of that part of the screen have this colour now; -1 when it cannot be looked at.
+    /// How many pixels of that part of the screen have this colour now; -1 when it cannot be read.
     [[nodiscard]] int count(QRgb colour, const QRect &part) const;
     void keyDown(const QString &name) const;
     void keyUp(const QString &name) const;
     void moveTo(const QPoint &place) const;
     void turnWheel(bool down) const;
-    /// Moves the window of that title, so that what it covered has to be painted.
+    /// Moves the window of that title, so that what it covered is repainted.
     void moveWindow(const QString &title, const QPoint &place) const;
     /// Waits for the window of that title of that process, and until the window manager has put it in front.
     void bringToFront(qint64 process, const QString &title) const;
@@ -58,7 +58,7 @@ public:
     ~RunningProgram();
 
     [[nodiscard]] bool start(const QStringList &arguments);
-    /// The same, and holds the program where it makes the window of that title. False when it does not come so far.
+    /// The same, and stops the program where it creates the window of that title. False when it does not get there.
     [[nodiscard]] bool startUpTo(const QString &title, const QStringList &arguments);
     void goOn() { m_process.write("\n"); }
     /// Waits for the end and gives the exit code; -1 when there is none.

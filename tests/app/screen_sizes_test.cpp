@@ -55,7 +55,7 @@ bool isControl(const QWidget &widget)
            (widget.inherits("QAbstractButton") || widget.inherits("QLineEdit") || widget.inherits("QComboBox"));
 }
 
-/// Empty when all that is shown in the window lies inside it, or inside what can be scrolled up and down.
+/// Names what is shown outside the window and outside a vertically scrolled area; empty when nothing is.
 QString cutOff(const QWidget &window)
 {
     for (const QWidget *widget : window.findChildren<QWidget *>()) {

@@ -26,7 +26,7 @@ const QString lines = u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s;
 
 } // namespace
 
-/// What several programs do to one store while nobody moves it.
+/// Several programs at one store that nobody moves: no loss may be reported.
 class StoreGuardPeaceTest : public QObject
 {
     Q_OBJECT
@@ -85,7 +85,7 @@ void StoreGuardPeaceTest::otherTillsWorkIsNoLoss()
             store->tick();
         QVERIFY(!store->isLost());
     }
-    // A program that knows nothing of guards.
+    // A program without a StoreGuard.
     QProcess tool;
     tool.start(u"sqlite3"_s,
                {path(), u"INSERT INTO SysUsage VALUES ('tool', '', ''); PRAGMA wal_checkpoint(TRUNCATE);"_s});
@@ -95,7 +95,7 @@ void StoreGuardPeaceTest::otherTillsWorkIsNoLoss()
     QCOMPARE(other.ask(u"tick"_s), u"fine"_s);
 }
 
-/// Each moves the log into the file whenever it likes, and sees that the others do.
+/// Each runs checkpoints at any time, and sees those of the others.
 void StoreGuardPeaceTest::workAtTheSameTimeIsNoLoss()
 {
     constexpr int writes = 200;
@@ -112,7 +112,7 @@ void StoreGuardPeaceTest::workAtTheSameTimeIsNoLoss()
     QCOMPARE(column(path(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
 }
 
-/// While another program moves the log, the file changes at any moment, and the index says so all the time.
+/// While another program runs a checkpoint, the file changes at any moment; the wal-index shows that one is running.
 void StoreGuardPeaceTest::aMoveUnderWayIsNoLoss()
 {
     constexpr int movedOrTried = 128;
@@ -129,7 +129,7 @@ void StoreGuardPeaceTest::aMoveUnderWayIsNoLoss()
     QCOMPARE(worker.ask(u"tick"_s), QString::number(static_cast<int>(StoreLoss::Kind::Overwritten)));
 }
 
-/// Another program that writes, or reads, keeps the log from being emptied; nobody waits for it.
+/// Another program that writes or reads keeps the log from being emptied; the checkpoint must not wait for it.
 void StoreGuardPeaceTest::openLogIsNotWaitedFor()
 {
     const auto store = guardStore(path(), m_wait);

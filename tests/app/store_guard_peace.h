@@ -3,7 +3,7 @@
 
 namespace harrowby::app::test {
 
-/// Runs the second half of the guard's test: no loss is seen where there is none. Returns the number of failures.
+/// Runs the part of the guard's test in which no loss may be reported. Returns the number of failures.
 [[nodiscard]] int runPeaceTest(int argc, char **argv);
 
 } // namespace harrowby::app::test

@@ -60,8 +60,8 @@ QByteArray bytesAt(const QString &path)
 
 } // namespace
 
-/// Files that move under a running till: what was acknowledged is kept, what lies at the path is unharmed, and nothing
-/// is acknowledged any more.
+/// Files that are moved or replaced under a running till: acknowledged sales are kept, the file now at the path is
+/// unchanged, and nothing more is acknowledged.
 class StoreGuardTest : public QObject
 {
     Q_OBJECT
@@ -116,7 +116,7 @@ void StoreGuardTest::init()
         QVERIFY(QFile::copy(m_templates.filePath(name), path(name)));
 }
 
-/// What lies at the path is what was put there, also to whoever opens it next.
+/// The file at the path is what was put there, also when it is opened next.
 void StoreGuardTest::checkPath(const QString &commands, const QStringList &acknowledged)
 {
     if (commands.contains(u"$O"_s)) {
@@ -217,7 +217,7 @@ void StoreGuardTest::killedBeforeItIsNoticed_data()
         QTest::newRow(attack.name) << QString::fromLatin1(attack.commands);
 }
 
-/// The log of a till that has been idle for a moment is empty: there is nothing to be left beside another file.
+/// An idle till has emptied its log, so no log is left beside another file.
 void StoreGuardTest::killedBeforeItIsNoticed()
 {
     QFETCH(const QString, commands);
@@ -236,7 +236,7 @@ void StoreGuardTest::movedBetweenTheLookAndTheCommit()
 {
     const auto store = guard();
     SqliteConnection till(store->database());
-    // In place of the look before, the file is moved: so it is the look after that has to see it.
+    // Replaces the commit hook, which checks, by one that moves the file: only the check after the commit can see that.
     const auto move = [](void *self) {
         static_cast<StoreGuardTest *>(self)->attack(u"mv $S moved.sqlite"_s);
         return 0;
@@ -249,14 +249,14 @@ void StoreGuardTest::movedBetweenTheLookAndTheCommit()
     QCOMPARE(store->loss().nowAt, path(u"moved.sqlite"_s));
 }
 
-/// A statement that finds no row writes nothing, and yet would be taken for done.
+/// A statement that changes no row commits nothing, but must be refused as well.
 void StoreGuardTest::aChangeOfNoRowFailsToo()
 {
     const auto store = guard();
     attack(u"mv $S moved.sqlite"_s);
     QVERIFY(runSql(store->database(), u"UPDATE StockList SET StockAvailable = 1 WHERE StockID = 'none'"_s));
     QVERIFY(store->isLost());
-    // Not even the preparing of one reaches the file.
+    // Statements cannot even be prepared.
     sqlite3_stmt *statement = nullptr;
     QCOMPARE(sqlite3_prepare_v2(store->database(), "SELECT 1", -1, &statement, nullptr), SQLITE_AUTH);
 }
@@ -274,7 +274,7 @@ void StoreGuardTest::aHoldIsNotCommitted()
     QCOMPARE(column(path(u"moved.sqlite"_s), u"SELECT StockAvailable FROM StockList"_s), QStringList{u"20"_s});
 }
 
-/// A list that is being read when the file goes breaks off; what the log holds is moved once it has.
+/// A SELECT under way when the file is lost fails; the log is checkpointed once it has ended.
 void StoreGuardTest::anOpenListEnds()
 {
     const auto store = guard();
@@ -304,7 +304,7 @@ void StoreGuardTest::statementsWithoutALogFail()
     std::unique_ptr<StoreGuard> store;
     {
         SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);
-        QVERIFY(reading.next()); // keeps the store from its log
+        QVERIFY(reading.next()); // an open read blocks the checkpoint
         store = guard();
     }
     QCOMPARE(readText(store->database(), u"PRAGMA journal_mode"_s), u"delete"_s);
@@ -325,7 +325,7 @@ void StoreGuardTest::closedBeforeItIsNoticed_data()
     killedBeforeItIsNoticed_data();
 }
 
-/// Closing looks first: the log goes where it belongs, and not into what lies at the path.
+/// Closing checks first: the log goes into the file that was opened, not into the one at the path.
 void StoreGuardTest::closedBeforeItIsNoticed()
 {
     QFETCH(const QString, commands);
@@ -368,7 +368,7 @@ void StoreGuardTest::failureSaysWhatHappened()
     QCOMPARE(heard.reason, u"The store file \"%1\" was moved or renamed while it was in use."_s.arg(path()));
 }
 
-/// A till that is killed in the very second of a sale leaves a log. It bears the mark of its file.
+/// A till that is killed right after a sale leaves a log, which is marked with its file's inode.
 void StoreGuardTest::logOfAnotherFileIsNotPlayedIn()
 {
     Worker worker(u"till"_s, path());
@@ -381,7 +381,7 @@ void StoreGuardTest::logOfAnotherFileIsNotPlayedIn()
     QVERIFY(problem);
     QVERIFY2(problem->kind == ProblemKind::ForeignLog, qPrintable(problem->text));
     QVERIFY(bytesOf(path()) == before);
-    // Put together again, both are one store.
+    // With the log moved beside its file again, both are one store.
     attack(u"mv moved.sqlite $S"_s);
     QVERIFY(!judgeStore(path(), m_wait));
     QCOMPARE(column(path(), lines), QStringList{u"one"_s});

@@ -24,7 +24,7 @@ namespace {
 using harrowby::test::FrozenClock;
 using harrowby::test::RecordingConnection;
 
-/// Answers Yes without a box.
+/// Answers Yes without showing a box.
 class Consent final : public Boxes
 {
 public:

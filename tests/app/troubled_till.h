@@ -20,8 +20,8 @@
 namespace harrowby::app::test {
 
 /// A till whose disk may fail: the real window on a store that the program has made and opened, with its own saved
-/// settings, receipts and log file, all below one home. Every question is answered with Yes. It keeps what the file
-/// must hold by what was reported done, and what was told.
+/// settings, receipts and log file, all below one home. Every question is answered with Yes. It records the statements
+/// that were reported done, and the failures that were reported.
 class TroubledTill
 {
 public:
@@ -38,7 +38,7 @@ public:
     /// Fills the cart and commits it, a second after the one before.
     void sell();
 
-    /// What the program does twice a second: moves the log into the file, among others.
+    /// What the program does twice a second; a checkpoint is part of it.
     void tick() { m_guard->tick(); }
     [[nodiscard]] bool isLost() const { return m_guard->isLost(); }
 
@@ -46,18 +46,17 @@ public:
     [[nodiscard]] QString cell(const QString &select) const { return m_store->rows(select).value(0); }
     [[nodiscard]] const harrowby::test::Database &store() const { return *m_store; }
     [[nodiscard]] QString iniValue(const QString &key) const;
-    /// Whole receipts; a file that bears a receipt's name and is none ends the test.
+    /// Number of complete receipts; a file with a receipt's name that is no PDF ends the test.
     [[nodiscard]] int receipts() const;
     [[nodiscard]] qint64 logSize() const;
     [[nodiscard]] QString storePath() const { return m_path; }
     [[nodiscard]] QString home() const { return m_home.path(); }
 
-    QStringList failedStatements; ///< which the connection said have not been done
-    QStringList told;             ///< to the person at the till, of statements and files
+    QStringList failedStatements; ///< reported failed by the connection
+    QStringList told;             ///< notices shown at the till, of statements and files
     QStringList toldOfStatements;
     std::set<FileFailure::Kind> toldOfFiles;
-    bool hasLogTrouble =
-        false; ///< it was told, once, that lines cannot be written into the log, and not that it is over
+    bool hasLogTrouble = false; ///< the log was reported as not writable, and not as writable again
     /// Forgets all of that but the trouble with the log.
     void forget();
     /// Why the file does not hold exactly what was reported done; empty when it does.
@@ -81,7 +80,7 @@ private:
     std::unique_ptr<Inventory> m_window;
 };
 
-/// Opens the window on a store, lets it load, and closes it. What it was told to have failed.
+/// Opens the window on a store, lets it load, and closes it. Returns the failures that were reported.
 [[nodiscard]] QStringList openAndClose(sqlite3 *database);
 
 } // namespace harrowby::app::test

@@ -259,7 +259,7 @@ void UsersTableTest::vanishedUserIsTold()
     run(u"DELETE FROM Users WHERE Username = 'ANNA'"_s);
     const auto problem = store().setPassword(anna, u"new"_s);
     QVERIFY(problem && problem->contains(u"no user \"ANNA\" any more"_s));
-    // Its number may have come to be another one's.
+    // Another user may have got its rowid.
     run(u"INSERT INTO Users (rowid, Username, Password, Type) VALUES (%1, 'BOB', 'P', 'STAFF')"_s.arg(anna.row));
     QVERIFY(store().setPassword(anna, u"new"_s));
     QCOMPARE(read(u"SELECT Password FROM Users WHERE Username = 'BOB'"_s), u"P"_s);
@@ -278,7 +278,7 @@ void UsersTableTest::lockedStoreIsToldAndUnchanged()
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
 }
 
-/// The engine asks whether to wait only when nothing is open on the connection that wants to write.
+/// SQLite calls the busy handler only while the writing connection has no open read.
 void UsersTableTest::rightWaitsForATillThatWrites()
 {
     QVERIFY(!store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}}));
