@@ -68,7 +68,7 @@ std::optional<DbFailure> failureIn(const Records::Answer<T> &answer)
 
 Records::Answer<QList<ItemCode>> CodeTable::list() const
 {
-    const auto rows = m_records.read(tables::code(), {selectEntries({}), {}});
+    const auto rows = m_records.read(kept::code(), {selectEntries({}), {}});
     if (!rows)
         return Unexpected(rows.error());
     QList<ItemCode> all;
@@ -117,8 +117,8 @@ Records::Answer<QList<StockItem>> CodeTable::itemsLike(const QString &text, int 
 
 Records::Answer<QList<ItemCode>> CodeTable::entries(const QStringList &codes) const
 {
-    const auto rows = m_records.read(tables::code(),
-                                     {selectEntries(u" where c.Code in (%1)"_s.arg(marksFor(codes))), valuesOf(codes)});
+    const auto rows =
+        m_records.read(kept::code(), {selectEntries(u" where c.Code in (%1)"_s.arg(marksFor(codes))), valuesOf(codes)});
     if (!rows)
         return Unexpected(rows.error());
     QList<ItemCode> found;
@@ -161,13 +161,13 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
     if (const auto taken = readUnits(QString::number(units)); !taken)
         return taken.error();
     Problem problem;
-    const auto added = m_records.together(tables::code(), [&] {
+    const auto added = m_records.together(kept::code(), [&] {
         problem = takenBy(*code, stockId);
         if (problem)
             return false;
         const auto written =
-            m_records.write(tables::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values (?, ?, ?)"_s,
-                                             {*code, stockId, static_cast<std::int64_t>(units)}});
+            m_records.write(kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values (?, ?, ?)"_s,
+                                           {*code, stockId, static_cast<std::int64_t>(units)}});
         if (!written)
             problem = failureWords(notAdded, written.error());
         return !problem;
@@ -180,19 +180,18 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
 Records::Answer<bool> CodeTable::setUnits(const QString &code, int units)
 {
     const std::int64_t taken = std::clamp(units, 1, mostUnits);
-    return isOne(
-        m_records.write(tables::code(), {u"update HarrowbyCode set Units = ? where Code = ?"_s, {taken, code}}));
+    return isOne(m_records.write(kept::code(), {u"update HarrowbyCode set Units = ? where Code = ?"_s, {taken, code}}));
 }
 
 Records::Answer<bool> CodeTable::remove(const QString &code)
 {
-    return isOne(m_records.write(tables::code(), {u"delete from HarrowbyCode where Code = ?"_s, {code}}));
+    return isOne(m_records.write(kept::code(), {u"delete from HarrowbyCode where Code = ?"_s, {code}}));
 }
 
 Records::Answer<bool> CodeTable::giveTo(const QString &code, const QString &stockId)
 {
     return isOne(
-        m_records.write(tables::code(), {u"update HarrowbyCode set StockID = ? where Code = ?"_s, {stockId, code}}));
+        m_records.write(kept::code(), {u"update HarrowbyCode set StockID = ? where Code = ?"_s, {stockId, code}}));
 }
 
 std::optional<DbFailure> CodeTable::itemRenamed(const QString &oldId, const QString &newId)
@@ -218,11 +217,11 @@ std::optional<DbFailure> CodeTable::itemAdded(const QString &id)
 /// Looks first, so that a shop without codes gets no table of them.
 std::optional<DbFailure> CodeTable::moveCodes(const QString &oldId, const QString &newId)
 {
-    const auto codes = m_records.read(tables::code(), {u"select Code from HarrowbyCode where StockID = ?"_s, {oldId}});
+    const auto codes = m_records.read(kept::code(), {u"select Code from HarrowbyCode where StockID = ?"_s, {oldId}});
     if (!codes || codes->isEmpty())
         return failureIn(codes);
     return failureIn(
-        m_records.write(tables::code(), {u"update HarrowbyCode set StockID = ? where StockID = ?"_s, {newId, oldId}}));
+        m_records.write(kept::code(), {u"update HarrowbyCode set StockID = ? where StockID = ?"_s, {newId, oldId}}));
 }
 
 QString failureWords(const QString &what, const DbFailure &failure)

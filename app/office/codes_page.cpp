@@ -28,13 +28,13 @@ namespace {
 constexpr std::size_t codeColumn = 0;
 constexpr int itemColumn = 1;
 
-harrowby::tables::Table emptyTable()
+tables::Table emptyTable()
 {
-    harrowby::tables::Table table;
-    table.columns = {{u"Code"_s, harrowby::tables::Kind::Text, false},
-                     {u"Item"_s, harrowby::tables::Kind::Text, true},
-                     {u"ID"_s, harrowby::tables::Kind::Text, false},
-                     {u"Units"_s, harrowby::tables::Kind::Count, false}};
+    tables::Table table;
+    table.columns = {{u"Code"_s, tables::Kind::Text, false},
+                     {u"Item"_s, tables::Kind::Text, true},
+                     {u"ID"_s, tables::Kind::Text, false},
+                     {u"Units"_s, tables::Kind::Count, false}};
     return table;
 }
 
@@ -56,7 +56,7 @@ QString countWords(qsizetype all, qsizetype orphans)
 
 CodesPage::CodesPage(Records &records, QWidget *parent) : QWidget(parent), m_records(records), m_table(records)
 {
-    m_view = new harrowby::tables::TableView(this);
+    m_view = new tables::TableView(this);
     m_view->setObjectName(u"codes"_s);
     m_view->setAccessibleName(u"Codes"_s);
     m_outcome = makeOfficeText(this, {});
@@ -141,7 +141,7 @@ void CodesPage::list()
 {
     const ItemCode *before = current();
     const QString chosen = before != nullptr ? before->code : QString();
-    harrowby::tables::Table table = emptyTable();
+    tables::Table table = emptyTable();
     for (const ItemCode &entry : std::as_const(m_codes)) {
         if (holds(entry, m_search->text().trimmed()))
             table.rows.push_back({entry.code, entry.isOrphan ? u"(the item is gone)"_s : entry.name, entry.stockId,
@@ -149,9 +149,7 @@ void CodesPage::list()
     }
     m_view->show(std::move(table), itemColumn, Qt::AscendingOrder);
     const auto &rows = m_view->table().rows;
-    const auto isChosen = [&](const harrowby::tables::Row &row) {
-        return std::get<QString>(row.at(codeColumn)) == chosen;
-    };
+    const auto isChosen = [&](const tables::Row &row) { return std::get<QString>(row.at(codeColumn)) == chosen; };
     const auto row = std::find_if(rows.begin(), rows.end(), isChosen);
     if (row != rows.end())
         m_view->setCurrentIndex(m_view->model()->index(static_cast<int>(row - rows.begin()), 0));

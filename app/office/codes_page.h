@@ -52,7 +52,7 @@ private:
     CodeTable m_table;
     QList<ItemCode> m_codes;
     QLineEdit *m_search = nullptr;
-    harrowby::tables::TableView *m_view = nullptr;
+    tables::TableView *m_view = nullptr;
     QLabel *m_count = nullptr;
     QLabel *m_outcome = nullptr;
     QList<QPushButton *> m_forOne; ///< that need a chosen code

@@ -3,7 +3,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace harrowby::app::tables {
+namespace harrowby::app::kept {
 
 const RecordTable &setting()
 {
@@ -23,4 +23,4 @@ const RecordTable &code()
     return table;
 }
 
-} // namespace harrowby::app::tables
+} // namespace harrowby::app::kept

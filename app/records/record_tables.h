@@ -14,7 +14,7 @@ struct RecordTable
     QStringList making; ///< statements that make it and its indexes, and do nothing where they are there
 };
 
-namespace tables {
+namespace kept {
 
 /// What belongs to the shop and not to one machine: Name, Value.
 [[nodiscard]] const RecordTable &setting();
@@ -22,6 +22,6 @@ namespace tables {
 /// Codes of items: Code, StockID, Units.
 [[nodiscard]] const RecordTable &code();
 
-} // namespace tables
+} // namespace kept
 
 } // namespace harrowby::app

@@ -18,14 +18,13 @@ RecordStatement removing(const QString &name)
 
 QString ShopSettings::value(const QString &name, const QString &defaultValue) const
 {
-    const auto rows =
-        m_records.read(tables::setting(), {u"select Value from HarrowbySetting where Name = ?"_s, {name}});
+    const auto rows = m_records.read(kept::setting(), {u"select Value from HarrowbySetting where Name = ?"_s, {name}});
     return rows && !rows->isEmpty() ? recordText(rows->constFirst().constFirst()) : defaultValue;
 }
 
 Records::Answer<QList<std::pair<QString, QString>>> ShopSettings::startingWith(const QString &prefix) const
 {
-    const auto rows = m_records.read(tables::setting(), {u"select Name, Value from HarrowbySetting"_s, {}});
+    const auto rows = m_records.read(kept::setting(), {u"select Name, Value from HarrowbySetting"_s, {}});
     if (!rows)
         return Unexpected(rows.error());
     QList<std::pair<QString, QString>> found;
@@ -40,14 +39,14 @@ Records::Answer<QList<std::pair<QString, QString>>> ShopSettings::startingWith(c
 std::optional<DbFailure> ShopSettings::save(const QString &name, const QString &value)
 {
     const auto saved = m_records.writeTogether(
-        tables::setting(),
+        kept::setting(),
         {removing(name), {u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s, {name, value}}});
     return saved ? std::nullopt : std::optional(saved.error());
 }
 
 std::optional<DbFailure> ShopSettings::remove(const QString &name)
 {
-    const auto removed = m_records.write(tables::setting(), removing(name));
+    const auto removed = m_records.write(kept::setting(), removing(name));
     return removed ? std::nullopt : std::optional(removed.error());
 }
 

@@ -179,9 +179,9 @@ void CodeFinderTest::twoItemsOfOneIdAreRefused()
 
 void CodeFinderTest::exactEntryTellsTheUnits()
 {
-    QVERIFY(m_records->write(tables::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values "
-                                              "('036000291452', 'MIL-0001', 1), ('0036000291452', 'MIL-0001', 12)"_s,
-                                              {}}));
+    QVERIFY(m_records->write(kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values "
+                                            "('036000291452', 'MIL-0001', 1), ('0036000291452', 'MIL-0001', 12)"_s,
+                                            {}}));
     QCOMPARE(found(u"036000291452"_s).units, 1);
     QCOMPARE(found(u"0036000291452"_s).units, 12);
     QVERIFY(found(u"00036000291452"_s).kind == Kind::Several);

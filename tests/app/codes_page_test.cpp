@@ -83,9 +83,8 @@ void CodesPageTest::init()
     m_records = std::make_unique<SqliteRecords>(m_database.get());
     QVERIFY(!CodeTable(*m_records).add(u"036000291452"_s, u"TEA-0001"_s, 1));
     QVERIFY(!CodeTable(*m_records).add(u"CASE"_s, u"TEA-0001"_s, 12));
-    QVERIFY(
-        m_records->write(harrowby::app::tables::code(),
-                         {u"insert into HarrowbyCode (Code, StockID, Units) values ('GONE', 'BUT-0001', 1)"_s, {}}));
+    QVERIFY(m_records->write(
+        kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values ('GONE', 'BUT-0001', 1)"_s, {}}));
     m_boxText.clear();
     m_window = std::make_unique<CodesPage>(*m_records);
     enlargeFont(*m_window);
@@ -104,7 +103,7 @@ void CodesPageTest::cleanup()
 QStringList CodesPageTest::listed() const
 {
     QStringList lines;
-    for (const harrowby::tables::Row &row : in<harrowby::tables::TableView>(*m_window, "codes")->table().rows)
+    for (const tables::Row &row : in<tables::TableView>(*m_window, "codes")->table().rows)
         lines << std::get<QString>(row.at(0)) + u' ' + std::get<QString>(row.at(1)) + u' ' +
                      QString::number(std::get<double>(row.at(3)));
     return lines;
@@ -112,7 +111,7 @@ QStringList CodesPageTest::listed() const
 
 void CodesPageTest::choose(const QString &code)
 {
-    auto *view = in<harrowby::tables::TableView>(*m_window, "codes");
+    auto *view = in<tables::TableView>(*m_window, "codes");
     for (int row = 0; row < view->model()->rowCount(); ++row) {
         const QModelIndex index = view->model()->index(row, 0);
         if (index.data().toString() == code)
