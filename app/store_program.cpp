@@ -6,11 +6,15 @@
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
 #include "app/office/office.h"
+#include "app/records/sqlite_records.h"
+#include "app/search/finding_connection.h"
+#include "app/search/search_choice.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/first_user_dialog.h"
 #include "app/shop/notice_place.h"
+#include "app/shop/schema.h"
 #include "app/shop/store_create.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_judge.h"
@@ -30,7 +34,6 @@
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
 #include <harrowby/saved_settings.h>
-#include <harrowby/sqlite_connection.h>
 
 #include <QApplication>
 #include <QFile>
@@ -143,7 +146,12 @@ void setUpApplication()
 
 int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
 {
-    const auto connection = std::make_shared<SqliteConnection>(store.database(), QApplication::applicationDirPath());
+    SqliteRecords records(store.database());
+    records.setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
+    // The component keeps the connection for longer than the records live, and then runs no statement.
+    const auto connection = std::make_shared<FindingConnection>(
+        store.database(), QApplication::applicationDirPath(),
+        [choice = SearchChoice(records, isOwnStore(store.database()))] { return choice.findsAnywhere(); });
     connection->setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
     setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
     wait.followEventLoop();

@@ -32,6 +32,7 @@ private:
     void measureSave(const QString &saleCategory, const QString &name);
     void measureReorder();
     void measureSaleCategory();
+    void measureSearch();
     void measureUndo();
     void measurePurchaseIds();
     void measureDeletion();
@@ -51,6 +52,7 @@ std::vector<Line> Counter::run()
     require(m_till.openAfresh(), u"login"_s);
     measureUndo();
     measureSaleCategory();
+    measureSearch();
     measurePurchaseIds();
     measureDeletion();
     measureStockList();
@@ -119,6 +121,15 @@ void Counter::measureSaleCategory()
         u"choose a category in the custom sale until its items are listed"_s, {3.0, 2.0},
         [&] { return timed([&] { return m_till.chooseSaleCategory(name()); }); },
         [&] { return saleCategoryStatements(name()); }, [&] { category = (category + 1) % categoryCount; });
+}
+
+void Counter::measureSearch()
+{
+    const QString text = u"0079"_s; // in the IDs and the names of some items
+    m_measuring.measure(
+        u"search until the items found are painted"_s, {1.5, 2.0},
+        [&] { return timed([&] { return m_till.search(text); }); }, [&] { return searchStatements(text); },
+        [this] { m_till.window().controls().Command9->click(); });
 }
 
 void Counter::measureUndo()

@@ -16,7 +16,7 @@ Answer YesBoxes::message(QWidget * /*parent*/, const QString & /*text*/, int sty
 QString YesBoxes::input(QWidget * /*parent*/, const QString & /*prompt*/, const QString & /*title*/,
                         const QString & /*initial*/)
 {
-    return {};
+    return m_input;
 }
 
 QString FixedSettings::get(const QString & /*section*/, const QString &key, const QString &defaultValue)

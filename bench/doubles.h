@@ -10,16 +10,20 @@
 
 namespace harrowby::bench {
 
-/// Answers every box at once: Yes to a question, Ok otherwise. Notes when the last Yes was said.
+/// Answers every box at once: Yes to a question, the set text to a request for one, Ok otherwise. Notes when the last
+/// Yes was said.
 class YesBoxes final : public Boxes
 {
 public:
     Answer message(QWidget *parent, const QString &text, int style, const QString &title) override;
     QString input(QWidget *parent, const QString &prompt, const QString &title, const QString &initial) override;
 
+    /// What every input box is answered with from now on; nothing at first.
+    void setInput(const QString &text) { m_input = text; }
     [[nodiscard]] const std::optional<Stopwatch> &sinceYes() const { return m_sinceYes; }
 
 private:
+    QString m_input;
     std::optional<Stopwatch> m_sinceYes;
 };
 

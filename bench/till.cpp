@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/till.h"
 
+#include "app/search/finding_connection.h"
 #include "bench/catalogue.h"
 #include "bench/paint_watch.h"
 #include "store/inv_basic.h"
@@ -10,8 +11,6 @@
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
 #include "ui/work_areas.h"
-
-#include <harrowby/sqlite_connection.h>
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -34,7 +33,7 @@ Till::Till(sqlite3 *database, const QDateTime &now) :
                                                              std::make_shared<NoPrinters>(), m_clock,
                                                              std::make_shared<ObjectRegistry>()}
 {
-    m_connection = std::make_shared<SqliteConnection>(database);
+    m_connection = std::make_shared<app::FindingConnection>(database, QString(), [] { return true; });
     use();
 }
 

@@ -76,6 +76,10 @@ public:
     /// Chooses a category of the custom sale, whose tab must be shown; ends when its items are listed.
     bool chooseSaleCategory(const QString &category);
 
+    /// Searches for a text; ends when its items are listed and painted.
+    bool search(const QString &text);
+    [[nodiscard]] int foundRows() const;
+
     /// Takes the last purchase back; ends when cart, total and dashboard are painted.
     bool undoPurchase();
     /// Chooses the tab of the settings; ends when the purchases are listed there.

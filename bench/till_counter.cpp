@@ -130,6 +130,19 @@ bool Till::showQuickSales()
     return m_window->controls().Frame1->isVisible();
 }
 
+bool Till::search(const QString &text)
+{
+    m_boxes->setInput(text);
+    PaintWatch watch{m_window->controls().LV2->viewport()};
+    m_window->controls().Command8->click();
+    return watch.wait() && foundRows() > 0;
+}
+
+int Till::foundRows() const
+{
+    return m_window->controls().LV2->rows().rowCount();
+}
+
 bool Till::undoPurchase()
 {
     const Controls &controls = m_window->controls();

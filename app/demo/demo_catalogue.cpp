@@ -90,7 +90,7 @@ constexpr std::array<Shelf, 8> shelves = {{
        {"ENVELOPES 25 PACK", 210, 8, 14},
        {"STICKY TAPE 33 M", 165, 8, 7},
        {"COPY PAPER A4 500 SHEETS", 595, 6, 18},
-       {"*GIFT WRAP*", 250, 5, 11}}}},
+       {"GIFT WRAP", 250, 5, 11}}}},
     {"PRODUCE",
      {{{"BANANAS 1 KG", 149, 10, 35},
        {"RED APPLES 1 KG", 219, 10, 28},

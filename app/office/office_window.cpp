@@ -5,11 +5,13 @@
 #include "app/boxes/office_box.h"
 #include "app/office/codes_page.h"
 #include "app/office/receipt_page.h"
+#include "app/office/shop_page.h"
 #include "app/office/store_access_line.h"
 #include "app/office/touch_tab_bar.h"
 #include "app/office/users_page.h"
 #include "app/records/sqlite_records.h"
 #include "app/shop/failure_text.h"
+#include "app/shop/schema.h"
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>
@@ -38,6 +40,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     enlargeFont(*this);
     m_receipt = new ReceiptPage(settings, this);
     m_backup = new BackupPage(store, settings, this);
+    m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
     layOut(new UsersPage(database, this), store);
     dressDialog(*this);
     resize(usualSize.boundedTo(screen()->availableSize()));
@@ -59,6 +62,8 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     pages->addWidget(m_backup);
     tabs->addTab(u"C&odes"_s);
     pages->addWidget(new CodesPage(*m_records, this));
+    tabs->addTab(u"S&hop"_s);
+    pages->addWidget(m_shop);
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 
     auto *close = new QPushButton(u"C&lose"_s, this);

@@ -15,8 +15,10 @@ namespace harrowby::app {
 class BackupPage;
 class ReceiptPage;
 class Records;
+class ShopPage;
 
-/// The "Store" window: users and rights, the receipt, the backup, the codes of items.
+/// The "Store" window: users and rights, the receipt, the backup, the codes of items, what holds for all
+/// tills of the shop.
 class OfficeWindow final : public QDialog
 {
     Q_OBJECT
@@ -38,6 +40,7 @@ private:
     std::unique_ptr<Records> m_records;
     ReceiptPage *m_receipt = nullptr;
     BackupPage *m_backup = nullptr;
+    ShopPage *m_shop = nullptr;
 };
 
 } // namespace harrowby::app

@@ -148,6 +148,11 @@ const QList<StoreIndex> &storeIndexes()
     return indexes;
 }
 
+bool isOwnStore(sqlite3 *database)
+{
+    return readText(database, u"PRAGMA application_id"_s) == QString::number(storeApplicationId);
+}
+
 std::optional<SqlError> createTables(sqlite3 *database)
 {
     for (const StoreTable &table : storeTables()) {

@@ -34,6 +34,8 @@ struct StoreIndex
 /// One index for each way in which the component looks for rows, in the order in which they are made.
 [[nodiscard]] const QList<StoreIndex> &storeIndexes();
 
+/// Whether this program, or an older one, has made the file: it bears storeApplicationId.
+[[nodiscard]] bool isOwnStore(sqlite3 *database);
 /// Makes the six empty tables.
 [[nodiscard]] std::optional<SqlError> createTables(sqlite3 *database);
 /// Makes the indexes that the file lacks. An index of the same definition under another name counts as had.

@@ -14,9 +14,11 @@ namespace harrowby {
 /// keeps its reference after its window has been closed (see DbConnection): close the handle after the event loop has
 /// ended, or hand in another connection before.
 ///
+/// A host may derive from it, to carry out a statement in its own way and leave the others as they are.
+///
 /// Use it on the user-interface thread. A statement waits for another program's lock as long as the host's busy handler
 /// lets it, and without one fails at once with SQLITE_BUSY. Needs no QApplication.
-class HARROWBY_EXPORT SqliteConnection final : public DbConnection
+class HARROWBY_EXPORT SqliteConnection : public DbConnection
 {
 public:
     /// `location` is what location() returns: see DbConnection::location().

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void receiptIsSaved();
     void longTitleIsNotSaved();
     void unsavedReceiptIsAskedAbout();
+    void searchIsSwitched();
+    void failedSwitchOfTheSearchIsTold();
     void backupIsMade();
     void existingBackupIsAskedAbout();
     void badPlaceOfBackupIsTold();
@@ -358,6 +360,40 @@ void OfficeWindowTest::unsavedReceiptIsAskedAbout()
     m_window->close();
     QVERIFY(!m_window->isVisible());
     QVERIFY(m_saved.isEmpty());
+}
+
+void OfficeWindowTest::searchIsSwitched()
+{
+    const auto saved = [this] {
+        return column(m_path, u"SELECT Value FROM HarrowbySetting WHERE Name = 'SearchFindsAnywhere'"_s);
+    };
+    auto *search = part<QCheckBox>("searchAnywhere");
+    QVERIFY(search->isChecked()); // the store program has made this store
+    search->click();
+    QCOMPARE(saved(), QStringList{u"no"_s});
+    QVERIFY(part<QLabel>("shopOutcome")->text().startsWith(u"Saved."_s));
+    const auto reopen = [this] {
+        const OfficeSettings none = {[](const QString &, const QString &, const QString &usual) { return usual; },
+                                     [](const QString &, const QString &, const QString &) { return true; }};
+        m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, none);
+        return part<QCheckBox>("searchAnywhere")->isChecked();
+    };
+    QVERIFY(!reopen());
+    part<QCheckBox>("searchAnywhere")->click();
+    QCOMPARE(saved(), QStringList{u"yes"_s});
+    QVERIFY(reopen());
+    runAll(m_path, {u"DELETE FROM HarrowbySetting"_s, u"PRAGMA application_id = 77"_s});
+    QVERIFY(!reopen()); // a file from elsewhere
+}
+
+void OfficeWindowTest::failedSwitchOfTheSearchIsTold()
+{
+    QVERIFY(!runSql(m_database.get(), u"PRAGMA query_only = ON"_s));
+    answerNextBox(QMessageBox::AcceptRole);
+    part<QCheckBox>("searchAnywhere")->click();
+    QVERIFY2(m_boxText.startsWith(u"The search was not switched."_s), qPrintable(m_boxText));
+    QVERIFY(part<QCheckBox>("searchAnywhere")->isChecked());
+    QCOMPARE(part<QLabel>("shopOutcome")->text(), QString());
 }
 
 void OfficeWindowTest::backupIsMade()

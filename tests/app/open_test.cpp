@@ -162,6 +162,7 @@ void OpenTest::foreignFileKeepsItsIdentityAndGetsIndexes()
     const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
     QCOMPARE(readText(database.get(), u"PRAGMA application_id"_s), u"77"_s);
+    QVERIFY(!isOwnStore(database.get()));
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"42"_s);
     // An index of this table has one of our definitions already; an old one under our name is created again.
     QCOMPARE(readText(database.get(), u"SELECT count(*) FROM sqlite_master WHERE name LIKE 'harrowby_%'"_s).toInt(),

@@ -41,6 +41,7 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QString store() const { return m_home.filePath(u"data/Harrowby/store.sqlite"_s); }
     void logIn(RunningProgram &program, const QString &name, const QString &password);
+    void searchFinds(RunningProgram &program, const QString &text);
     void closeWindow(RunningProgram &program);
     [[nodiscard]] QString receiptText() const;
 
@@ -63,6 +64,15 @@ void SaleTest::logIn(RunningProgram &program, const QString &name, const QString
     m_screen.type(password);
     m_screen.key(u"Return"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_1"_s), u"User: "_s + name.toUpper(), 30000);
+}
+
+void SaleTest::searchFinds(RunningProgram &program, const QString &text)
+{
+    QVERIFY(program.press(u"Command8"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(program.has(u"OK"_s), 30000);
+    m_screen.type(text);
+    QVERIFY(program.press(u"OK"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"LV2"_s, 30000); // else a box says that there is nothing
 }
 
 void SaleTest::closeWindow(RunningProgram &program)
@@ -330,6 +340,7 @@ void SaleTest::demoShopTellsHowToLogIn()
     RunningProgram program(m_screen, m_home.path());
     QVERIFY(program.start({u"--demo"_s}));
     logIn(program, u"manager"_s, u"manager"_s);
+    searchFinds(program, u"ole miLK"_s);
     closeWindow(program);
     QCOMPARE(
         column(m_home.filePath(u"data/Harrowby/demo.sqlite"_s), u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s),

@@ -143,6 +143,7 @@ void SchemaTest::newFileHasTheTablesAndNoRule()
 void SchemaTest::newFileIsMarked()
 {
     QCOMPARE(readText(m_database.get(), u"PRAGMA application_id"_s).toInt(), storeApplicationId);
+    QVERIFY(isOwnStore(m_database.get()));
     QCOMPARE(readText(m_database.get(), u"PRAGMA user_version"_s).toInt(), storeSchemaVersion);
     QCOMPARE(readText(m_database.get(), u"PRAGMA journal_mode"_s), u"wal"_s);
 }

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "app/office/shop_page.h"
+
+#include "app/boxes/office_box.h"
+#include "app/shop/failure_text.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_choice(std::move(search))
+{
+    m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
+    m_search->setObjectName(u"searchAnywhere"_s);
+    m_search->setChecked(m_choice.findsAnywhere());
+    connect(m_search, &QCheckBox::clicked, this, &ShopPage::chooseSearch);
+    m_outcome = makeOfficeText(this, {});
+    m_outcome->setObjectName(u"shopOutcome"_s);
+
+    auto *rows = new QVBoxLayout(this);
+    rows->setContentsMargins(16, 16, 16, 16);
+    rows->setSpacing(12);
+    rows->addWidget(makeOfficeText(this, u"What is chosen here counts for every till of this shop."_s));
+    rows->addWidget(m_search);
+    rows->addWidget(makeOfficeText(this,
+                                   u"Switched on, \"milk\" finds \"WHOLE MILK 1 L\", in capitals or not. Switched "
+                                   "off, it finds only an item whose whole name or ID is \"*MILK*\", which "
+                                   "another program with this store file may rely on."_s));
+    rows->addWidget(m_outcome);
+    rows->addStretch(1);
+}
+
+void ShopPage::chooseSearch(bool findsAnywhere)
+{
+    const auto failure = m_choice.choose(findsAnywhere);
+    if (!failure)
+        return showOutcome(*m_outcome, u"Saved. It counts from the next search on."_s);
+    m_search->setChecked(!findsAnywhere);
+    showOutcome(*m_outcome, {});
+    tellInOffice(this, u"The search was not switched.\n%1\n%2"_s.arg(failureReason(*failure), failureAdvice(*failure)));
+}
+
+} // namespace harrowby::app

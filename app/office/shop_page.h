@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/search/search_choice.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QLabel;
+
+namespace harrowby::app {
+
+/// What holds for all tills of the shop.
+class ShopPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ShopPage(SearchChoice search, QWidget *parent = nullptr);
+
+private:
+    void chooseSearch(bool findsAnywhere);
+
+    SearchChoice m_choice;
+    QCheckBox *m_search = nullptr;
+    QLabel *m_outcome = nullptr;
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/shop_settings.h"
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// Whether the till's search finds a text anywhere, for all tills of the shop. As long as nobody has chosen, it does in
+/// the files that this program makes; programs that others are made with may rely on what their engine finds.
+class SearchChoice
+{
+public:
+    /// The records must outlive it.
+    SearchChoice(Records &records, bool isOwnStore) : m_settings(records), m_isOwnStore(isOwnStore) {}
+
+    [[nodiscard]] bool findsAnywhere() const;
+    /// The failure when it could not be saved; what was chosen before stays.
+    [[nodiscard]] std::optional<DbFailure> choose(bool findsAnywhere);
+
+private:
+    ShopSettings m_settings;
+    bool m_isOwnStore;
+};
+
+} // namespace harrowby::app
