@@ -9,6 +9,7 @@
 #include "app/office/store_access_line.h"
 #include "app/office/touch_tab_bar.h"
 #include "app/office/users_page.h"
+#include "app/readers/reader_settings_page.h"
 #include "app/records/sqlite_records.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/schema.h"
@@ -39,6 +40,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     setWindowFlag(Qt::WindowMinMaxButtonsHint);
     enlargeFont(*this);
     m_receipt = new ReceiptPage(settings, this);
+    m_readers = new ReaderSettingsPage(settings, foundDevices(), this);
     m_backup = new BackupPage(store, settings, this);
     m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
     layOut(new UsersPage(database, this), store);
@@ -64,6 +66,8 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     pages->addWidget(new CodesPage(*m_records, this));
     tabs->addTab(u"S&hop"_s);
     pages->addWidget(m_shop);
+    tabs->addTab(u"Rea&ders"_s);
+    pages->addWidget(m_readers);
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 
     auto *close = new QPushButton(u"C&lose"_s, this);
@@ -93,6 +97,10 @@ void OfficeWindow::reject()
         return;
     if (m_receipt->hasChanges() &&
         !askInOffice(this, u"What you have typed for the receipt is not saved. Discard it?"_s, u"&Discard It"_s))
+        return;
+    if (m_readers->hasChanges() &&
+        !askInOffice(this, u"What you have changed about the code readers is not saved. Discard it?"_s,
+                     u"&Discard It"_s))
         return;
     QDialog::reject();
 }

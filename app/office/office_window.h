@@ -13,12 +13,13 @@ struct sqlite3;
 namespace harrowby::app {
 
 class BackupPage;
+class ReaderSettingsPage;
 class ReceiptPage;
 class Records;
 class ShopPage;
 
 /// The "Store" window: users and rights, the receipt, the backup, the codes of items, what holds for all
-/// tills of the shop.
+/// tills of the shop, the code readers of this machine.
 class OfficeWindow final : public QDialog
 {
     Q_OBJECT
@@ -39,6 +40,7 @@ private:
 
     std::unique_ptr<Records> m_records;
     ReceiptPage *m_receipt = nullptr;
+    ReaderSettingsPage *m_readers = nullptr;
     BackupPage *m_backup = nullptr;
     ShopPage *m_shop = nullptr;
 };

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shop/office_settings.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// A code reader that is named by its device.
+struct ReaderDevice
+{
+    enum class Kind {
+        Keyboard, ///< an input device of the kernel, such as /dev/input/by-id/…-event-kbd
+        Serial,
+    };
+
+    Kind kind = Kind::Serial;
+    QString path;
+    int baud = 9600; ///< of a serial one; 8 bits, no parity, one stop bit
+
+    bool operator==(const ReaderDevice &) const = default;
+};
+
+/// The code readers of this machine; saved settings of this user.
+struct ReaderSettings
+{
+    static constexpr int shortestGapMs = 20;
+    static constexpr int longestGapMs = 300;
+    static constexpr int usualGapMs = 50;
+    static constexpr int mostDevices = 4;
+
+    bool typing = true; ///< readers that type like a keyboard are told from people
+    int gapMs = usualGapMs;
+    QString prefix; ///< such readers type it before each code
+    QList<ReaderDevice> devices;
+
+    bool operator==(const ReaderSettings &) const = default;
+};
+
+/// What is not understood counts as not saved.
+[[nodiscard]] ReaderSettings readReaderSettings(const OfficeSettings &settings);
+/// Saves what differs from `before`. False when something could not be saved.
+[[nodiscard]] bool saveReaderSettings(const OfficeSettings &settings, const ReaderSettings &before,
+                                      const ReaderSettings &after);
+
+/// One line, as a device is saved.
+[[nodiscard]] QString deviceLine(const ReaderDevice &device);
+[[nodiscard]] std::optional<ReaderDevice> deviceOfLine(const QString &line);
+
+/// A path below /dev/input is a keyboard's.
+[[nodiscard]] ReaderDevice::Kind kindOfPath(const QString &path);
+/// The devices of this machine that may be readers: paths that stay the same when it is started again or plugged in
+/// elsewhere, where there are such.
+[[nodiscard]] QStringList foundDevices(const QString &deviceFolder = QStringLiteral("/dev"));
+/// The speeds that a serial device can have.
+[[nodiscard]] QList<int> readerSpeeds();
+
+} // namespace harrowby::app
