@@ -22,7 +22,7 @@ namespace harrowby::app {
 class LogFile
 {
 public:
-    static constexpr qint64 defaultLimit = 1024 * 1024;
+    static constexpr qint64 defaultLimit = qint64{1024} * 1024;
     /// Why lines cannot be written, told once for each reason; and that they can be written again.
     using Handler = std::function<void(const Result<void, QString> &outcome)>;
 
