@@ -56,7 +56,7 @@ public:
 
     /// Adds a code to an item that there is. Refuses what is no code, units that the counter does not take, and a code
     /// that is taken: as an ID or a code, also in another length of the same number.
-    [[nodiscard]] Problem add(const QString &code, const QString &stockId, int units);
+    [[nodiscard]] Problem add(const QString &text, const QString &stockId, int units);
     /// False when the code has gone meanwhile.
     [[nodiscard]] Answer<bool> setUnits(const QString &code, int units);
     [[nodiscard]] Answer<bool> remove(const QString &code);

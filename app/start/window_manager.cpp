@@ -42,7 +42,7 @@ xcb_atom_t atom(xcb_connection_t *server, QByteArrayView name)
 {
     const auto asked = xcb_intern_atom(server, 1, static_cast<std::uint16_t>(name.size()), name.data());
     const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, asked, nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
 /// The window that a property names; none when there is no such property, or no such window.

@@ -68,7 +68,7 @@ void scrollLongText(QLabel &label)
     auto view = makeView(label, {limit.width(), limit.height()});
     const std::unique_ptr<QLayoutItem> replaced(layout->replaceWidget(&label, view.get()));
     if (replaced)
-        view.release(); // now a child of the dialog
+        static_cast<void>(view.release()); // now a child of the dialog
     label.hide();
 }
 

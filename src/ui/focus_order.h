@@ -8,8 +8,8 @@ class QWidget;
 
 namespace harrowby {
 
-/// Whether a visible widget is covered by other widgets of its window at its centre and its four corners.
-[[nodiscard]] bool isCovered(const QWidget &widget, const QWidget &window);
+/// Whether a visible control is covered by other widgets of its window at its centre and its four corners.
+[[nodiscard]] bool isCovered(const QWidget &control, const QWidget &window);
 
 /// Sets the focus, and selects the whole text of an entry. Works also while the window is not active: right after a box
 /// has closed, or without a window manager.

@@ -114,7 +114,7 @@ void Inventory::SaveCart()
     if (receipt)
         writer.printHeader(m_state.MsgTitle);
     const std::vector<PurchaseLine> lines = cartLines(m_controls.LV3->rows());
-    const float lineCount = static_cast<float>(lines.size());
+    const auto lineCount = static_cast<float>(lines.size());
     CostTotal total;
     for (const PurchaseLine &line : lines) {
         total.add(line.amount);

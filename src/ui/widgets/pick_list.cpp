@@ -185,7 +185,7 @@ void PickList::changeEvent(QEvent *event)
     }
     // The base class would make the list that drops down, to tell it what changed. It takes its looks from here when
     // it is made.
-    QWidget::changeEvent(event);
+    QWidget::changeEvent(event); // NOLINT(bugprone-parent-virtual-call)
     if (!testAttribute(Qt::WA_PendingResizeEvent))
         placeEdit();
 }
