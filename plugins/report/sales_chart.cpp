@@ -78,15 +78,12 @@ QStringList labelsOf(const Bars &bars)
 QBarSet *createSet(const Bars &bars, const Ink &ink)
 {
     auto *set = new QBarSet(u"Amount"_s);
+    QList<qreal> amounts;
     for (const Bar &bar : bars.bars)
-        set->append(bar.amount);
-    if (bars.across) {
-        QList<qreal> amounts;
-        for (auto bar = bars.bars.rbegin(); bar != bars.bars.rend(); ++bar)
-            amounts << bar->amount;
-        set->remove(0, set->count());
-        set->append(amounts);
-    }
+        amounts << bar.amount;
+    if (bars.across)
+        std::reverse(amounts.begin(), amounts.end());
+    set->append(amounts);
     set->setColor(ink.bar);
     set->setBorderColor(ink.bar);
     set->setLabelColor(ink.text);
