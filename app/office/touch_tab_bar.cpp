@@ -7,7 +7,7 @@ namespace harrowby::app {
 
 QSize TouchTabBar::tabSizeHint(int index) const
 {
-    constexpr QSize smallest(104, 48); // seven have room at 800 px
+    constexpr QSize smallest(96, 48);
     return QTabBar::tabSizeHint(index).expandedTo(smallest);
 }
 
