@@ -144,6 +144,12 @@ public:
     /// `write`, and false. Without a hold nothing happens, and the result is true.
     virtual bool settle(const QString &write);
 
+    /// Asked right after Execute(), insertRow(), updateRow() or settle() has returned false for a write: whether the
+    /// change may be in the database nevertheless, because the engine failed when it had perhaps been committed
+    /// already. A host is told with this whether a purchase was stored (harrowby/counter.h). True, as in this default,
+    /// where the engine cannot tell.
+    [[nodiscard]] virtual bool mayHaveWritten() const;
+
 private:
     friend class SelectedRows;
     friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;

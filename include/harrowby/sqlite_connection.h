@@ -35,11 +35,13 @@ public:
     /// An immediate transaction, so that a process that is killed leaves all of it or nothing.
     bool hold() override;
     bool settle(const QString &write) override;
+    [[nodiscard]] bool mayHaveWritten() const override;
 
 private:
     sqlite3 *m_database;
     QString m_location;
     bool m_holds = false;
+    bool m_mayHaveWritten = false; ///< the last write that failed
 };
 
 } // namespace harrowby

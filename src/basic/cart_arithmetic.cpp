@@ -32,6 +32,12 @@ double mergedLineCost(float unitCost, double quantity)
     return static_cast<double>(unitCost) * quantity;
 }
 
+bool covers(float available, double units)
+{
+    const std::optional<float> wanted = toSingle(units);
+    return wanted && *wanted <= available;
+}
+
 void CostTotal::add(const QString &shownCost)
 {
     m_total = toSingle(static_cast<double>(m_total) + leadingNumberWithoutCommas(shownCost)).value_or(m_total);

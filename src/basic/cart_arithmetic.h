@@ -21,6 +21,9 @@ namespace harrowby {
 /// Cost of a line that grew by merging: double precision.
 [[nodiscard]] double mergedLineCost(float unitCost, double quantity);
 
+/// Whether a stock of `available` units is enough for so many, compared in single precision.
+[[nodiscard]] bool covers(float available, double units);
+
 /// Sum of line costs as they show (commas and all), kept in a 32-bit float. A cost that makes it overflow is left out.
 class CostTotal
 {

@@ -51,4 +51,9 @@ bool DbConnection::settle(const QString & /*write*/)
     return true;
 }
 
+bool DbConnection::mayHaveWritten() const
+{
+    return true;
+}
+
 } // namespace harrowby

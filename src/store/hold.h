@@ -21,6 +21,8 @@ public:
     /// Rolls back when settle() was not called.
     ~Hold();
 
+    /// False where the lock was refused.
+    [[nodiscard]] bool isHeld() const { return m_connection != nullptr; }
     /// Commits the write named here, or rolls back when the text is empty. Whether the write is committed now; true
     /// without a lock.
     bool settle(const QString &write) noexcept;

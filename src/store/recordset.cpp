@@ -61,11 +61,12 @@ struct DbRecordset::Private
     std::optional<DbValue> value(const QString &column);
     std::optional<QByteArrayView> text(const QString &column);
     void assign(const QString &column, DbValue value);
-    void addRow() noexcept;
-    void changeRow() noexcept;
+    Outcome addRow() noexcept;
+    Outcome changeRow() noexcept;
     template <typename Change>
-    bool write(const QString &what, Change &&change) noexcept;
-    void fail(const QString &what, const QString &reason) const noexcept;
+    Outcome write(const QString &what, Change &&change) noexcept;
+    [[nodiscard]] Outcome outcomeOfFailure() const noexcept;
+    Outcome fail(const QString &what, const QString &reason) const noexcept;
     /// What the next Update() does to the table, for its failures.
     [[nodiscard]] QString verb() const { return standing == Standing::Adding ? u"INSERT "_s : u"UPDATE "_s; }
 };
@@ -103,58 +104,74 @@ void DbRecordset::Private::assign(const QString &column, DbValue value)
 {
     // A column that the table lacks is skipped, so that the others are written. After a refused SELECT the columns are
     // unknown, and the engine decides.
-    if (rows.lacks(column))
-        return fail(verb() + table, u"there is no column "_s + column);
+    if (rows.lacks(column)) {
+        fail(verb() + table, u"there is no column "_s + column);
+        return;
+    }
     if (standing != Standing::Found || rows.hasRow())
         put(assigned, column, std::move(value));
 }
 
 /// Runs the change. Under a hold it has succeeded only when the commit has.
 template <typename Change>
-bool DbRecordset::Private::write(const QString &what, Change &&change) noexcept
+DbRecordset::Outcome DbRecordset::Private::write(const QString &what, Change &&change) noexcept
 {
     bool done = false;
     runReported(connection, DbFailure::Kind::Write, what, [&] { done = change(); });
-    if (!hold)
-        return done;
+    if (!hold || !hold->isHeld())
+        return done ? Outcome::Written : outcomeOfFailure();
     const bool kept = hold->settle(done ? what : QString());
-    return done && kept;
+    if (!done)
+        return Outcome::NotWritten; // only the commit would have kept it
+    return kept ? Outcome::Written : outcomeOfFailure();
 }
 
-void DbRecordset::Private::addRow() noexcept
+DbRecordset::Outcome DbRecordset::Private::outcomeOfFailure() const noexcept
+try {
+    return connection && connection->mayHaveWritten() ? Outcome::NotKnown : Outcome::NotWritten;
+} catch (...) {
+    return Outcome::NotKnown;
+}
+
+DbRecordset::Outcome DbRecordset::Private::addRow() noexcept
 {
     const DbAssignments values = std::exchange(assigned, {});
     const QString what = u"INSERT "_s + table;
     standing = Standing::Found;
     if (table.isEmpty())
         return fail(what, u"the result is not read from a table"_s);
-    if (!write(what, [&] { return connection->insertRow(table, values); }))
-        return;
-    standing = Standing::Added;
-    written = values;
+    const Outcome outcome = write(what, [&] { return connection->insertRow(table, values); });
+    if (outcome == Outcome::Written) {
+        standing = Standing::Added;
+        written = values;
+    }
+    return outcome;
 }
 
-void DbRecordset::Private::changeRow() noexcept
+DbRecordset::Outcome DbRecordset::Private::changeRow() noexcept
 {
     const DbAssignments values = std::exchange(assigned, {});
     const QString what = u"UPDATE "_s + table;
     if (values.empty())
-        return;
+        return Outcome::NotWritten;
     if (access != Access::Edit)
         return fail(what, u"the result was opened for reading only"_s);
     // An added row is none of those that were selected.
     const std::optional<DbRowId> row = standing == Standing::Added ? std::nullopt : rows.rowId();
     if (!row)
         return fail(what, u"the row has no identity to find it by"_s);
-    if (!write(what, [&] { return connection->updateRow(table, *row, values); }))
-        return;
-    for (const auto &[name, value] : values)
-        put(written, name, value);
+    const Outcome outcome = write(what, [&] { return connection->updateRow(table, *row, values); });
+    if (outcome == Outcome::Written) {
+        for (const auto &[name, value] : values)
+            put(written, name, value);
+    }
+    return outcome;
 }
 
-void DbRecordset::Private::fail(const QString &what, const QString &reason) const noexcept
+DbRecordset::Outcome DbRecordset::Private::fail(const QString &what, const QString &reason) const noexcept
 {
     report(connection, {DbFailure::Kind::Write, what, reason, 0});
+    return Outcome::NotWritten;
 }
 
 DbRecordset::DbRecordset() : d(std::make_unique<Private>()) {}
@@ -212,14 +229,12 @@ void DbRecordset::AddNew() noexcept
     d->written.clear();
 }
 
-void DbRecordset::Update() noexcept
+DbRecordset::Outcome DbRecordset::Update() noexcept
 {
     finishWalks(d->connection);
-    if (d->standing == Private::Standing::Adding)
-        d->addRow();
-    else
-        d->changeRow();
+    const Outcome outcome = d->standing == Private::Standing::Adding ? d->addRow() : d->changeRow();
     d->hold.reset(); // also where nothing was written
+    return outcome;
 }
 
 DbField::DbField(DbRecordset &recordset, const QString &name) : m_recordset(recordset), m_name(name) {}

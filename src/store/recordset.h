@@ -81,10 +81,15 @@ public:
 
     /// Starts a new row; the next Update() adds it to the table.
     void AddNew() noexcept;
+    enum class Outcome {
+        Written,
+        NotWritten, ///< for certain; also where there was nothing to write
+        NotKnown,   ///< it failed in a way that leaves open whether the change is in the table
+    };
     /// Writes the assigned columns: the new row, or the current one (its assigned columns and no other row).
     /// Afterwards the written row can be read back through Field() with the values assigned; of a new row nothing
     /// else, as its table may have defaults. An Update() that fails drops what was assigned.
-    void Update() noexcept;
+    Outcome Update() noexcept;
 
 private:
     friend class DbField;

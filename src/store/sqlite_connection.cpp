@@ -104,17 +104,48 @@ std::vector<DbRowId> identities(SqliteStatement &statement)
     return ids;
 }
 
+/// Whether a change may have been committed that ends with this extended code. With some codes the engine refuses a
+/// change, or has taken it back; with others a hook of the host's, which runs after a commit, may have failed, or the
+/// disk did within one.
+bool mayHaveCommitted(int code)
+{
+    switch (code == SQLITE_READONLY ? SQLITE_AUTH : code & 0xff) {
+    case SQLITE_OK: // the engine was not asked
+    case SQLITE_AUTH:
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_CONSTRAINT: // a commit hook's refusal too
+    case SQLITE_FULL:
+    case SQLITE_INTERRUPT:
+    case SQLITE_MISMATCH:
+    case SQLITE_RANGE:
+    case SQLITE_TOOBIG:
+        return false;
+    default:
+        return true;
+    }
+}
+
+struct Change
+{
+    bool isDone = false;
+    bool mayHaveWritten = false; ///< though it is not done
+};
+
 /// Binds the values and steps to the end. Reports what fails.
-bool change(const DbConnection &connection, const QString &what, SqliteStatement statement, const DbAssignments &values)
+Change change(const DbConnection &connection, const QString &what, SqliteStatement statement,
+              const DbAssignments &values)
 {
     int parameter = 0;
     for (const auto &[column, value] : values)
         statement.bind(++parameter, value);
+    const bool runs = !statement.hasFailed();
     while (statement.step() == Step::Row) {
     }
-    if (statement.hasFailed())
-        reportError(connection, Kind::Write, what, statement);
-    return !statement.hasFailed();
+    if (!statement.hasFailed())
+        return {true, false};
+    reportError(connection, Kind::Write, what, statement);
+    return {false, runs && mayHaveCommitted(statement.extendedCode())};
 }
 
 QString insertText(const QString &table, const DbAssignments &values)
@@ -160,7 +191,9 @@ SqliteConnection::~SqliteConnection() = default;
 
 bool SqliteConnection::Execute(const QString &statement)
 {
-    return change(*this, statement, SqliteStatement(m_database, statement, Purpose::Change), {});
+    const Change made = change(*this, statement, SqliteStatement(m_database, statement, Purpose::Change), {});
+    m_mayHaveWritten = made.mayHaveWritten;
+    return made.isDone;
 }
 
 std::unique_ptr<DbCursor> SqliteConnection::query(const QString &select)
@@ -208,8 +241,10 @@ std::optional<std::vector<DbRowId>> SqliteConnection::rowIds(const QString &sele
 
 bool SqliteConnection::insertRow(const QString &table, const DbAssignments &values)
 {
-    return change(*this, u"INSERT "_s + table, SqliteStatement(m_database, insertText(table, values), Purpose::Change),
-                  values);
+    const Change made = change(*this, u"INSERT "_s + table,
+                               SqliteStatement(m_database, insertText(table, values), Purpose::Change), values);
+    m_mayHaveWritten = made.mayHaveWritten;
+    return made.isDone;
 }
 
 bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssignments &values)
@@ -221,7 +256,9 @@ bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssi
         statement = SqliteStatement(m_database, updateText(table, row, rowId, values), Purpose::Change);
     else if (!statement.hasFailed())
         statement.refuse(u"the rows have no identity"_s);
-    return change(*this, what, std::move(statement), values);
+    const Change made = change(*this, what, std::move(statement), values);
+    m_mayHaveWritten = made.mayHaveWritten;
+    return made.isDone;
 }
 
 QString SqliteConnection::location() const
@@ -241,16 +278,24 @@ bool SqliteConnection::hold()
 
 bool SqliteConnection::settle(const QString &write)
 {
+    m_mayHaveWritten = false;
     if (!std::exchange(m_holds, false))
         return true;
     const bool kept = !write.isEmpty() && run(m_database, "COMMIT");
     const DbFailure failure{Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)),
                             sqlite3_extended_errcode(m_database)};
-    if (!kept && isWithinTransaction(m_database)) // SQLite rolls back by itself after some errors
+    if (isWithinTransaction(m_database)) // SQLite rolls back by itself after some errors
         run(m_database, "ROLLBACK");
+    else
+        m_mayHaveWritten = !kept && mayHaveCommitted(failure.engineCode);
     if (!kept && !write.isEmpty())
         reportFailure(failure); // after the rollback: the handler must not run under the lock
     return kept;
+}
+
+bool SqliteConnection::mayHaveWritten() const
+{
+    return m_mayHaveWritten;
 }
 
 } // namespace harrowby

@@ -38,6 +38,7 @@ struct Measures
     int loginWidth;
     int fieldsWidth; ///< least width of the stock's entry fields beside their list
     int sideWidth;   ///< least width of the side area
+    int banner;      ///< height of a host's place above the total
     int pageWidth;   ///< greatest width of the settings: the fields stay as long as what is entered in them
 };
 

@@ -3,6 +3,7 @@
 
 #include "basic/logging.h"
 #include "platform/breather.h"
+#include "ui/counter/host_link.h"
 
 #include <QWidget>
 
@@ -19,7 +20,8 @@ void HandlerFence::enter()
 
 void HandlerFence::leave()
 {
-    --m_running;
+    if (--m_running == 0)
+        HostLink::instance().release();
     releaseIfClosed();
 }
 

@@ -10,7 +10,8 @@ namespace harrowby {
 class Breather;
 
 /// Every handler of a window runs through it (connections.cpp). Exceptions are logged and end here; a window that is
-/// closed while handlers run is destroyed once the last of them has returned.
+/// closed while handlers run is destroyed once the last of them has returned. Then, too, a host is told of what they
+/// did.
 class HandlerFence
 {
 public:

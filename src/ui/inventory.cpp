@@ -5,6 +5,7 @@
 #include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/host_link.h"
 #include "ui/focus_order.h"
 #include "ui/settings/settings.h"
 #include "ui/widgets/pick_list.h"
@@ -50,6 +51,8 @@ Inventory::~Inventory()
     // Controls that lose the focus during destruction must not call handlers.
     for (QObject *control : findChildren<QObject *>())
         control->disconnect(this);
+    HostLink::instance().close(*this);
+    HostLink::instance().release();
 }
 
 Inventory *Inventory::defaultInstance()
@@ -68,6 +71,8 @@ void Inventory::load()
     m_fence.run([this] { loadForm(); });
     // Also when loading has ended early by an exception: no user is logged in.
     m_state.login.IsLoggedIn = false;
+    if (!m_fence.isClosed())
+        HostLink::instance().open(*this);
 }
 
 void Inventory::present()
@@ -118,7 +123,10 @@ void Inventory::closeEvent(QCloseEvent *event)
         return;
     }
     event->accept();
-    m_fence.close();
+    m_fence.run([this] {
+        HostLink::instance().close(*this);
+        m_fence.close();
+    });
 }
 
 bool Inventory::confirmClose()
@@ -153,6 +161,7 @@ std::shared_ptr<DbConnection> Inventory::connection() const
 Answer Inventory::ask(const QString &text, int style)
 {
     finishWalks(connection()); // a box may stay open for long
+    const OpenBoxes::Turn open = m_underWay.boxes.open();
     const Answer answer = m_platform.boxes->message(this, text, style, m_state.MsgTitle);
     m_breather.rest();
     return answer;
@@ -161,6 +170,7 @@ Answer Inventory::ask(const QString &text, int style)
 QString Inventory::askForText(const QString &prompt, const QString &title, const QString &initial)
 {
     finishWalks(connection());
+    const OpenBoxes::Turn open = m_underWay.boxes.open();
     const QString answer = m_platform.boxes->input(this, prompt, title, initial);
     m_breather.rest();
     return answer;

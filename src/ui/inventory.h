@@ -58,6 +58,8 @@ protected:
 private:
     /// Tests call shared procedures through it that no control reaches with such arguments.
     friend struct InventoryProbe;
+    /// Presses for a host what a person could press (counter/counter_desk.cpp).
+    friend class CounterDesk;
 
     // connections.cpp
     class Connections;
@@ -80,6 +82,7 @@ private:
     // login.cpp
     bool RequireLogin();
     void logIn();
+    void refuseLogin(const QString &name, const QString &reason);
     void enter(const QString &name);
     void logOut();
     bool settleCartBeforeLogout();
@@ -137,6 +140,8 @@ private:
     void previousQuickSales();
     void quickSaleCategoryChanged();
     void sellQuickly(int button);
+    /// As a press on the item's button, with more units perhaps. False when the stock does not allow it.
+    bool sellItem(const QString &key, std::int16_t units);
 
     // sales/custom_sale.cpp
     void LoadStockItem(PickList &list, const QString &category);
@@ -151,11 +156,13 @@ private:
 
     // sales/purchase.cpp
     void purchaseCart();
-    void CheckoutCart(bool skipConfirm);
+    /// False when the question was answered "No".
+    bool CheckoutCart(bool skipConfirm);
     void SaveCart();
 
     // sales/purchase_undo.cpp
-    void UndoPurchase(const QString &purchaseId, bool mergeIntoCart);
+    /// `isDeletion` says which of the two a host is told.
+    void UndoPurchase(const QString &purchaseId, bool mergeIntoCart, bool isDeletion = false);
     void undoLastPurchase();
     void deletePurchase();
     void LoadPurchaseIDs();
@@ -184,6 +191,7 @@ private:
         OneAtATime loading;
         OneAtATime purchaseUndo; ///< a second one meanwhile would give the same stock back twice
         OneAtATime closeQuestion;
+        OpenBoxes boxes;
     };
 
     Platform m_platform;

@@ -4,6 +4,8 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/counter_user.h"
+#include "ui/counter/host_link.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/widgets/quick_sale_button.h"
@@ -15,6 +17,8 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -49,22 +53,23 @@ bool Inventory::RequireLogin()
 
 void Inventory::logIn()
 {
-    m_state.login.IsLoggedIn = false;
+    if (std::exchange(m_state.login.IsLoggedIn, false))
+        HostLink::instance().note(event::LoggedOut{m_state.login.LoggedUser});
     const QString name = trimmedUpper(m_controls.Text3->text());
     const QString password = trimmedUpper(m_controls.Text4->text());
     if (name.isEmpty() || password.isEmpty()) {
-        warn(u"You have entered a blank entry!"_s);
+        refuseLogin(name, u"You have entered a blank entry!"_s);
         leadTo(*m_controls.Text3);
         return;
     }
     DbRecordset user;
     user.Open(statements::login(name, password), connection());
     if (user.RecordCount() < 1) {
-        warn(u"Username or Password Incorrect!"_s);
+        refuseLogin(name, u"Username or Password Incorrect!"_s);
         return;
     }
     if (!mayUseTheTool(user, name)) {
-        warn(u"User not Enabled to use this tool!"_s);
+        refuseLogin(name, u"User not Enabled to use this tool!"_s);
         return;
     }
     m_state.login.rights = name == administratorName ? Privileges::everyRight() : Privileges::ofRow(user);
@@ -73,11 +78,18 @@ void Inventory::logIn()
         runReorderNotice(connection());
 }
 
+void Inventory::refuseLogin(const QString &name, const QString &reason)
+{
+    HostLink::instance().note(event::LoginRefused{name});
+    warn(reason);
+}
+
 void Inventory::enter(const QString &name)
 {
     m_state.login.LoggedUser = name;
     m_controls.StatusBar1_1->setText(u"User: "_s + name);
     m_state.login.IsLoggedIn = true;
+    HostLink::instance().note(event::LoggedIn{counterUser(m_state.login)});
     m_controls.Frame12->hide();
     m_controls.Frame12->lower();
     m_controls.Text3->clear();
@@ -105,7 +117,7 @@ void Inventory::logOut()
     m_state.last.LastReorderItem.clear();
     m_state.last.LastPurchaseID.clear();
     LogActivity(m_state.login.LoggedUser + u" logged out successfully!"_s, box::Information, false, true);
-    m_state.login.LoggedUser.clear();
+    HostLink::instance().note(event::LoggedOut{std::exchange(m_state.login.LoggedUser, {})});
     m_controls.TabStrip1->selectTab(WorkArea::QuickSales);
     m_state.login.IsLoggedIn = false;
     m_controls.StatusBar1_1->setText(u"User: None"_s);

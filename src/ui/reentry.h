@@ -62,4 +62,37 @@ private:
     bool m_running = false;
 };
 
+/// The boxes that are open: counted, as one may come up while another is.
+class OpenBoxes
+{
+public:
+    class Turn
+    {
+    public:
+        ~Turn() { --m_open; }
+        Turn(const Turn &) = delete;
+        Turn &operator=(const Turn &) = delete;
+
+    private:
+        friend OpenBoxes;
+        explicit Turn(int &open) : m_open(open) { ++m_open; }
+
+        int &m_open;
+    };
+
+    [[nodiscard]] bool isOpen() const { return m_open > 0; }
+    /// How many there have been.
+    [[nodiscard]] unsigned shown() const { return m_shown; }
+    /// One is open for as long as the turn lives.
+    [[nodiscard]] Turn open()
+    {
+        ++m_shown;
+        return Turn(m_open);
+    }
+
+private:
+    int m_open = 0;
+    unsigned m_shown = 0;
+};
+
 } // namespace harrowby

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The smallest host: opens a database, supplies a class, loads the component, and checks that its window is there.
+// The smallest host: opens a database, supplies a class, loads the component, checks that its window is there, and uses
+// the counter.
+#include <harrowby/counter.h>
 #include <harrowby/init.h>
 #include <harrowby/objects.h>
 #include <harrowby/report_component.h>
@@ -7,6 +9,8 @@
 #include <harrowby/sqlite_connection.h>
 
 #include <QApplication>
+#include <QLabel>
+#include <QPushButton>
 #include <QTimer>
 #include <QWidget>
 
@@ -38,6 +42,30 @@ bool windowIsThere()
     });
 }
 
+/// All of it, without a user: what asks for one shows the gate's box, which is closed from here.
+bool usesTheCounter(harrowby::Counter &counter)
+{
+    using harrowby::CounterAnswer;
+    const auto atTheGate = [](auto &&press) {
+        QTimer::singleShot(0, [] {
+            if (QWidget *box = QApplication::activeModalWidget())
+                box->close();
+        });
+        return press() == CounterAnswer::NotLoggedIn;
+    };
+    std::vector<harrowby::CounterLine> lines;
+    std::vector<harrowby::CounterMisfit> misfits;
+    counter.finishReading();
+    counter.takeCodes(harrowby::CodeReaderSettings());
+    counter.takeCodes({});
+    return counter.isOpen() && !counter.isBusy() && !counter.user() && counter.cart().empty() && counter.total() == 0 &&
+           atTheGate([&] { return counter.sell(QStringLiteral("A1")); }) &&
+           atTheGate([&] { return counter.purchase(); }) && atTheGate([&] { return counter.takeCart(lines); }) &&
+           atTheGate([&] { return counter.putCart(lines, misfits); }) &&
+           counter.sell(QStringLiteral("A1"), 0) == CounterAnswer::WrongUnits &&
+           counter.addButton(new QPushButton(QStringLiteral("Hold"))) && counter.setBanner(new QLabel);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -53,7 +81,15 @@ int main(int argc, char **argv)
     if (!harrowby::saveSetting(QStringLiteral("option"), QStringLiteral("Title"), title) ||
         harrowby::savedSetting(QStringLiteral("Option"), QStringLiteral("title")) != title)
         return 3;
+    bool opened = false;
+    harrowby::Counter &counter = harrowby::Counter::instance();
+    QObject::connect(&counter, &harrowby::Counter::windowOpened, &app, [&opened] { opened = true; });
     harrowby::Init().LoadInventory(std::make_shared<harrowby::SqliteConnection>(database), {});
-    QTimer::singleShot(0, &app, [] { QApplication::exit(windowIsThere() ? 0 : 1); });
-    return app.exec();
+    int code = 4;
+    QTimer::singleShot(0, &app, [&] {
+        code = !windowIsThere() ? 1 : opened && usesTheCounter(counter) ? 0 : 4;
+        QApplication::quit();
+    });
+    app.exec();
+    return code;
 }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace harrowby::test {
@@ -29,7 +30,8 @@ public:
     /// Statements that yield this many rows (0 and more) and then break.
     std::function<int(const QString &select)> rowsUntilBreak = [](const QString &) { return -1; };
     bool refusesHolds = false;
-    bool losesCommits = false; ///< of what is held
+    bool losesCommits = false;   ///< of what is held
+    std::optional<bool> mayHave; ///< what mayHaveWritten() answers, in place of the connection below
 
     bool Execute(const QString &statement) override;
     [[nodiscard]] std::unique_ptr<DbCursor> query(const QString &select) override;
@@ -40,6 +42,7 @@ public:
     [[nodiscard]] QString location() const override { return m_below->location(); }
     bool hold() override;
     bool settle(const QString &write) override;
+    [[nodiscard]] bool mayHaveWritten() const override { return mayHave.value_or(m_below->mayHaveWritten()); }
 
 private:
     bool passes(const QString &statement);

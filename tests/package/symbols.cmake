@@ -4,12 +4,12 @@ string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE ";" "," listing "${listing}")
 string(REPLACE "\n" ";" symbols "${listing}")
 
-set(public "harrowby::(Init|DbConnection|DbCursor|SqliteConnection|registerClass|setPluginFolders|savedSetting|saveSetting|setFileFailureHandler)")
+set(public "harrowby::(Init|Counter|DbConnection|DbCursor|SqliteConnection|registerClass|setPluginFolders|savedSetting|saveSetting|setFileFailureHandler)")
 set(wrong)
 foreach(symbol ${symbols})
     string(REGEX REPLACE "^[0-9a-f]* +[A-Za-z] " "" name "${symbol}")
-    string(REGEX REPLACE "@@?HARROWBY_[0-9]+$" "" name "${name}")
-    if(NOT name MATCHES "^((vtable|typeinfo|typeinfo name) for )?${public}(::|\\(|$)" AND NOT name MATCHES "^HARROWBY_[0-9]+$")
+    string(REGEX REPLACE "@@?HARROWBY_[0-9_]+$" "" name "${name}")
+    if(NOT name MATCHES "^((vtable|typeinfo|typeinfo name) for )?${public}(::|\\(|$)" AND NOT name MATCHES "^HARROWBY_[0-9_]+$")
         list(APPEND wrong "${symbol}")
     endif()
 endforeach()
@@ -20,6 +20,11 @@ endif()
 
 foreach(needed
         "harrowby::Init::LoadInventory("
+        "harrowby::Counter::instance("
+        "harrowby::Counter::sell("
+        "harrowby::Counter::purchased("
+        "harrowby::Counter::staticMetaObject"
+        "vtable for harrowby::Counter"
         "harrowby::DbConnection::setFailureHandler("
         "harrowby::DbConnection::reportFailure("
         "harrowby::DbConnection::~DbConnection("

@@ -6,6 +6,7 @@
 #include "store/statement_texts.h"
 #include "ui/cart_columns.h"
 #include "ui/inventory.h"
+#include "ui/sales/stock_figures.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
 
@@ -21,21 +22,20 @@ bool Inventory::StockAvailable(const QString &itemKey, std::int16_t qty)
     if (item.RecordCount() < 1)
         return false; // Intended: no message for an item that is disabled, deleted, renamed or not in capitals
     const int line = FindCartLine(itemKey);
-    const float available = toSingle(item.Field(u"StockAvailable"_s).number()).value_or(0.0F);
+    const float available = availableUnits(item);
     if (available <= 0.0F) {
         ask(u"There is no available stock item(s) for "_s + itemKey + u". Kindly reorder Stock!"_s, box::Information);
         return false;
     }
     const QString only = u"There are only "_s + plainText(available) + u" item(s) in stock for "_s + itemKey;
     if (line < 0) {
-        if (available >= static_cast<float>(qty))
+        if (covers(available, qty))
             return true;
         ask(only + u". Kindly reorder Stock!"_s, box::Information);
         return false;
     }
     const double inCart = leadingNumber(m_controls.LV3->rows().text(line - 1, CartColumn::Qty));
-    const std::optional<float> wanted = toSingle(qty + inCart);
-    if (wanted && *wanted <= available)
+    if (covers(available, qty + inCart))
         return true;
     ask(only + u" and have already of "_s + plainText(inCart) + u" this item(s) in cart."_s, box::Information);
     return false;

@@ -8,6 +8,7 @@
 #include "ui/cart_columns.h"
 #include "ui/inventory.h"
 #include "ui/sales/cart_list.h"
+#include "ui/sales/stock_figures.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
 
@@ -26,7 +27,7 @@ float Inventory::FindCost(const QString &itemKey)
     DbRecordset item;
     // Intended: disabled items too, so that what is in the cart keeps its price.
     item.Open(statements::stockById(costLookupId(itemKey)), connection());
-    return item.RecordCount() > 0 ? unitCost(item.Field(u"StockCost"_s).text()) : 0.0F;
+    return item.RecordCount() > 0 ? unitCost(item) : 0.0F;
 }
 
 void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool addToExisting)
@@ -36,14 +37,16 @@ void Inventory::FindandUpdateCart(const QString &itemKey, std::int16_t qty, bool
     const float cost = FindCost(itemKey);
     if (row < 0) {
         appendCartLine(cart, itemKey, qty, cost);
-        LogActivity(QString::number(qty) + u" of "_s + itemKey + u" Added to Cart!"_s, box::Information, false, true);
+        LogActivity(addedLine(QString::number(qty), itemKey), box::Information, false, true);
     } else {
         const bool merge =
             addToExisting || ask(u"Item Already Exist in Cart."_s + crLf + u"To Update - YES, To Replace - NO"_s,
                                  box::Ask) == Answer::Yes;
-        (merge ? mergeIntoCartLine : replaceCartLine)(cart, row, qty, cost);
-        LogActivity(cart.text(row, CartColumn::Qty) + u" of "_s + itemKey + u" Added!"_s, box::Information, false,
-                    true);
+        if (merge)
+            mergeIntoCartLine(cart, row, qty, cost);
+        else
+            replaceCartLine(cart, row, qty, cost);
+        LogActivity(changedLine(cart.text(row, CartColumn::Qty), itemKey), box::Information, false, true);
     }
     // Intended: the last line is selected, also when an earlier one was updated.
     m_controls.LV3->selectRow(cart.rowCount() - 1);
@@ -107,6 +110,7 @@ void Inventory::changeLinePrice()
     if (!price)
         return; // numeric, but not a 32-bit float
     // The line's price, not the unit's. Intended: the total keeps the old sum until the cart changes.
+    cart.setByHand(row, true); // first, as setText() tells of the change
     cart.setText(row, CartColumn::Cost, formatFixed(*price));
     LogActivity(u"Cost of Item "_s + item + u" changed to "_s + formatFixed(*price) + u"!"_s, box::Information, false,
                 true);

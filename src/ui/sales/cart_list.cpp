@@ -15,23 +15,35 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
+QString addedLine(const QString &quantity, const QString &itemKey)
+{
+    return quantity + u" of "_s + itemKey + u" Added to Cart!"_s;
+}
+
+QString changedLine(const QString &quantity, const QString &itemKey)
+{
+    return quantity + u" of "_s + itemKey + u" Added!"_s;
+}
+
 void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost)
 {
     cart.appendRow({itemKey, QString::number(qty), formatMoney(newLineCost(unitCost, qty))});
 }
 
-void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost)
+void mergeIntoCartLine(TextTableModel &cart, int row, double qty, float unitCost)
 {
     // A double, as two 16-bit quantities may add up to more than 16 bits hold.
     const double quantity = qty + leadingNumber(cart.text(row, CartColumn::Qty));
     cart.setText(row, CartColumn::Qty, plainText(quantity));
     cart.setText(row, CartColumn::Cost, formatMoney(mergedLineCost(unitCost, quantity)));
+    cart.setByHand(row, false);
 }
 
 void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost)
 {
     cart.setText(row, CartColumn::Qty, QString::number(qty));
     cart.setText(row, CartColumn::Cost, formatMoney(newLineCost(unitCost, qty)));
+    cart.setByHand(row, false);
 }
 
 std::vector<PurchaseLine> cartLines(const TextTableModel &cart)

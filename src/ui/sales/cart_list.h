@@ -14,9 +14,13 @@ namespace harrowby {
 class TextTableModel;
 struct Controls;
 
+/// What the activity log says of a new line, and of one that was merged or replaced.
+[[nodiscard]] QString addedLine(const QString &quantity, const QString &itemKey);
+[[nodiscard]] QString changedLine(const QString &quantity, const QString &itemKey);
+
 void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost);
 /// Adds `qty` to the line's quantity and prices the sum at the stock's current unit cost.
-void mergeIntoCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
+void mergeIntoCartLine(TextTableModel &cart, int row, double qty, float unitCost);
 void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
 
 [[nodiscard]] std::vector<PurchaseLine> cartLines(const TextTableModel &cart);

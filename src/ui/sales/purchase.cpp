@@ -9,6 +9,8 @@
 #include "receipt/receipt_text.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/counter_lines.h"
+#include "ui/counter/host_link.h"
 #include "ui/focus_order.h"
 #include "ui/inventory.h"
 #include "ui/sales/cart_list.h"
@@ -52,9 +54,34 @@ struct Sale
     QString user;
 };
 
+/// What has become of it.
+struct SavedSale
+{
+    QString id;
+    DbRecordset::Outcome outcome;
+};
+
+CounterPurchase::Row rowOf(DbRecordset::Outcome outcome)
+{
+    switch (outcome) {
+    case DbRecordset::Outcome::Written:
+        return CounterPurchase::Row::Written;
+    case DbRecordset::Outcome::NotWritten:
+        return CounterPurchase::Row::NotWritten;
+    default:
+        return CounterPurchase::Row::NotKnown;
+    }
+}
+
+void tellHost(const SavedSale &saved, const Sale &sale, std::vector<CounterLine> lines)
+{
+    HostLink::instance().note(
+        event::Purchased{{saved.id, sale.items, sale.user, sale.total, std::move(lines), rowOf(saved.outcome)}});
+}
+
 /// Adds the purchase under `firstId`, or under the second ID when the first is taken, and says which it was.
-QString savePurchase(const std::shared_ptr<DbConnection> &connection, const Clock &clock, const QString &firstId,
-                     const Sale &sale)
+SavedSale savePurchase(const std::shared_ptr<DbConnection> &connection, const Clock &clock, const QString &firstId,
+                       const Sale &sale)
 {
     DbRecordset purchase;
     // The write lock is kept from this check to the insert: of two tills in one second, one sees the other's ID.
@@ -67,8 +94,7 @@ QString savePurchase(const std::shared_ptr<DbConnection> &connection, const Cloc
     purchase.Field(u"PurchasedItemsCost"_s).assign(storedFigure(sale.total));
     purchase.Field(u"PurchasedDate"_s).assign(purchasedDate(clock.now()));
     purchase.Field(u"Users"_s).assign(sale.user);
-    purchase.Update();
-    return id;
+    return {id, purchase.Update()};
 }
 
 } // namespace
@@ -84,14 +110,14 @@ void Inventory::purchaseCart()
     }
 }
 
-void Inventory::CheckoutCart(bool skipConfirm)
+bool Inventory::CheckoutCart(bool skipConfirm)
 {
     const std::vector<PurchaseLine> lines = cartLines(m_controls.LV3->rows());
     CostTotal total;
     for (const PurchaseLine &line : lines)
         total.add(line.amount);
     if (!skipConfirm && ask(checkoutQuestion(lines), box::Ask) != Answer::Yes)
-        return;
+        return false;
     SaveCart();
     UpdateCart();
     // Intended: on the settings tab only; its list of purchases is read anew when the tab is opened.
@@ -102,6 +128,7 @@ void Inventory::CheckoutCart(bool skipConfirm)
     if (!skipConfirm)
         LogActivity(checkoutLogLine(static_cast<int>(lines.size()), total.value()), box::Information, false, true);
     leadToNextSale(m_controls);
+    return true;
 }
 
 void Inventory::SaveCart()
@@ -126,17 +153,18 @@ void Inventory::SaveCart()
     }
     if (receipt)
         writer.printTotals(lineCount, total.value());
-    const QString items = purchasedItems(lines);
+    const Sale sale{purchasedItems(lines), lineCount, total.value(), m_state.login.LoggedUser};
     const QString firstId = purchaseId(m_platform.clock->now());
+    std::vector<CounterLine> sold = counterLines(m_controls.LV3->rows());
     showCartTotal(m_controls, u"0.00"_s, 0);
     m_controls.LV3->rows().clear(); // before the insert, whose values have been computed
-    const QString id = savePurchase(connection(), *m_platform.clock, firstId,
-                                    {items, lineCount, total.value(), m_state.login.LoggedUser});
-    m_state.last.LastPurchaseID = id;
+    const SavedSale saved = savePurchase(connection(), *m_platform.clock, firstId, sale);
+    tellHost(saved, sale, std::move(sold));
+    m_state.last.LastPurchaseID = saved.id;
     if (receipt)
-        writer.printFooter(id, m_platform.clock->now());
+        writer.printFooter(saved.id, m_platform.clock->now());
     if (m_state.settings.ShowDetailsFlag != 0)
-        ask(purchaseSummary(id, items, lineCount, total.value(), m_platform.clock->now()), box::Information);
+        ask(purchaseSummary(saved.id, sale.items, lineCount, sale.total, m_platform.clock->now()), box::Information);
     RefreshDashboard();
 }
 

@@ -5,6 +5,7 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/host_link.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"
 #include "ui/widgets/packed_texts.h"
@@ -18,7 +19,19 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 
-void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
+namespace {
+
+void tellHost(const QString &id, bool isDeletion)
+{
+    if (isDeletion)
+        HostLink::instance().note(event::PurchaseDeleted{id});
+    else
+        HostLink::instance().note(event::PurchaseUndone{id});
+}
+
+} // namespace
+
+void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart, bool isDeletion)
 {
     const QString id = trimBlanks(purchaseId);
     DbRecordset purchase;
@@ -42,7 +55,8 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart)
         }
         m_breather.breathe();
     }
-    Execute(connection(), statements::deletePurchase(id));
+    if (Execute(connection(), statements::deletePurchase(id)))
+        tellHost(id, isDeletion);
     RefreshDashboard();
     m_state.last.LastPurchaseID.clear(); // Intended: whichever purchase was deleted
 }
@@ -77,7 +91,7 @@ void Inventory::deletePurchase()
             box::Ask) != Answer::Yes)
         return;
     const OneAtATime::Turn undoing = m_underWay.purchaseUndo.begin();
-    UndoPurchase(id, true);
+    UndoPurchase(id, true, true);
     m_controls.Combo17->removeEntry(m_controls.Combo17->selectedEntry());
 }
 

@@ -44,6 +44,13 @@ void fill(QuickSaleButton &button, DbRecordset &item)
         button.setOutOfStock(valueNumber(*available) <= 0.0);
 }
 
+/// The item that a button shows; its caption is the only place that says it.
+QString keyOf(const QuickSaleButton &button)
+{
+    const QStringList caption = button.text().split(crLf);
+    return itemKey(caption.value(0), caption.value(1));
+}
+
 /// Whether items follow the page that begins at row `offset` (0-based).
 bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFinished, const QString &category,
                     int offset)
@@ -139,16 +146,23 @@ void Inventory::sellQuickly(int button)
         ask(u"Item is empty!"_s + crLf + u"You can add a new Item from Add/Edit Stock"_s, box::Information);
         return;
     }
+    sellItem(keyOf(pressed), 1);
+}
+
+bool Inventory::sellItem(const QString &key, std::int16_t units)
+{
     m_controls.Command14->setEnabled(false);
     const auto enableAgain = qScopeGuard([this] { m_controls.Command14->setEnabled(true); });
-    const QStringList caption = pressed.text().split(crLf);
-    const QString key = itemKey(caption.value(0), caption.value(1));
-    if (StockAvailable(key, 1)) {
-        pressed.setOutOfStock(false);
-        FindandUpdateCart(key, 1, true);
-        LogActivity(key + u" Added to Cart!"_s, box::Information, false, true);
-        m_controls.TabStrip2->selectTab(SidePanel::Cart);
+    if (!StockAvailable(key, units))
+        return false;
+    for (QuickSaleButton *button : m_controls.Command1) {
+        if (keyOf(*button) == key)
+            button->setOutOfStock(false);
     }
+    FindandUpdateCart(key, units, true);
+    LogActivity(key + u" Added to Cart!"_s, box::Information, false, true);
+    m_controls.TabStrip2->selectTab(SidePanel::Cart);
+    return true;
 }
 
 } // namespace harrowby

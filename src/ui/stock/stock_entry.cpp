@@ -7,6 +7,7 @@
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/host_link.h"
 #include "ui/inventory.h"
 #include "ui/stock/stock_fields.h"
 #include "ui/stock_columns.h"
@@ -25,7 +26,8 @@ namespace harrowby {
 
 namespace {
 
-void writeStock(DbRecordset &stock, const StockItem &item, const QString &user, const QString &time, bool isNew)
+/// Whether the row is certain to be written.
+bool writeStock(DbRecordset &stock, const StockItem &item, const QString &user, const QString &time, bool isNew)
 {
     stock.Field(u"StockID"_s).assign(item.id);
     stock.Field(u"StockCategory"_s).assign(item.category);
@@ -40,7 +42,7 @@ void writeStock(DbRecordset &stock, const StockItem &item, const QString &user, 
     stock.Field(u"StockLastModified"_s).assign(user);
     stock.Field(u"StockReorderUser"_s).assign(user);
     stock.Field(u"StockUse"_s).assign(item.use);
-    stock.Update();
+    return stock.Update() == DbRecordset::Outcome::Written;
 }
 
 /// The first automatic ID that no item has. The connection is asked for again after each breath, in which a handler may
@@ -125,16 +127,17 @@ void Inventory::storeStock(const StockItem &item, bool automaticId)
         return;
     }
     const bool isNew = found == 0;
+    const QString oldId = stock.Field(u"StockID"_s).text();
     if (!isNew) {
-        const QString listed =
-            itemKey(stock.Field(u"StockID"_s).text().toUpper(), stock.Field(u"StockName"_s).text().toUpper());
+        const QString listed = itemKey(oldId.toUpper(), stock.Field(u"StockName"_s).text().toUpper());
         if (ask(updateQuestion(listed, item), box::AskDefaultNo) != Answer::Yes)
             return;
     } else {
         stock.AddNew();
     }
     const QString time = stockTime(m_platform.clock->now());
-    writeStock(stock, item, m_state.login.LoggedUser, time, isNew);
+    if (writeStock(stock, item, m_state.login.LoggedUser, time, isNew))
+        HostLink::instance().note(event::StockSaved{isNew ? QString() : oldId, item.id});
     // Intended: listed and reported as done, also when the write failed.
     FindandUpdateStock({item.id, item.name, item.category, item.cost, plainText(item.reorderLevel),
                         plainText(item.available), item.use, time},

@@ -3,6 +3,7 @@
 #include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+#include "ui/counter/host_link.h"
 #include "ui/inventory.h"
 #include "ui/row_loop.h"
 #include "ui/stock/stock_row_maker.h"
@@ -145,7 +146,8 @@ void Inventory::deleteStock()
     if (ask(u"Delete Stock ["_s + name + u"] with "_s + id + u"?"_s, box::AskDefaultNo) != Answer::Yes)
         return;
     // Intended: reported and removed from the list, also when the statement failed.
-    Execute(connection(), statements::deleteStock(trimBlanks(id)));
+    if (Execute(connection(), statements::deleteStock(trimBlanks(id))))
+        HostLink::instance().note(event::StockDeleted{trimBlanks(id)});
     LogActivity(u"Stock ["_s + name + u"] with "_s + id + u" has been deleted!"_s, box::Information, false, false);
     if (entry.isValid())
         list.removeRowAt(entry.row());

@@ -93,7 +93,7 @@ void TextTableModel::queueRow(const QStringList &texts)
 
 void TextTableModel::queueRow(PackedRow row)
 {
-    m_rows.push_back({std::move(row), Level::None});
+    m_rows.push_back({std::move(row), Level::None, false});
 }
 
 void TextTableModel::publishRows()
@@ -189,6 +189,17 @@ void TextTableModel::setLow(int row, bool low)
 bool TextTableModel::isLow(int row) const
 {
     return has(row) && m_rows[static_cast<size_t>(row)].level == Level::Low;
+}
+
+void TextTableModel::setByHand(int row, bool byHand)
+{
+    if (has(row))
+        m_rows[static_cast<size_t>(row)].isByHand = byHand;
+}
+
+bool TextTableModel::isByHand(int row) const
+{
+    return has(row) && m_rows[static_cast<size_t>(row)].isByHand;
 }
 
 void TextTableModel::changed(int row, int firstColumn, int lastColumn, const QList<int> &roles)

@@ -67,12 +67,17 @@ public:
     void setLow(int row, bool low);
     [[nodiscard]] bool isLow(int row) const;
 
+    /// Whether a person has set what stands in the row, which nothing shows: the cart's cost of a line.
+    void setByHand(int row, bool byHand);
+    [[nodiscard]] bool isByHand(int row) const;
+
 private:
     enum class Level : char { None, Low, Enough };
     struct Row
     {
         PackedRow texts;
         Level level = Level::None;
+        bool isByHand = false;
     };
 
     [[nodiscard]] bool has(int row) const { return row >= 0 && row < static_cast<int>(m_rows.size()); }
