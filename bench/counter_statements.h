@@ -5,7 +5,7 @@
 
 namespace harrowby::bench {
 
-/// The same as in statement_lists.h, of what the manager does at the counter.
+/// As in statement_lists.h, for the manager's actions at the counter.
 
 [[nodiscard]] RawStatements stockListStatements();
 /// `row` is the item's row in the stock list, counted from 0, and `texts` what stands there. `saleCategory` is the

@@ -32,8 +32,8 @@ struct CopyEnd
 };
 
 /// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till
-/// waits or disturbs it. Without a log a till that writes makes the copy begin
-/// anew; after a few times it keeps the tills waiting for the rest.
+/// waits or disturbs it. Without a log a till that writes makes the copy begin anew; after a few times the copy locks
+/// the file, and tills wait for the rest.
 [[nodiscard]] CopyEnd copyStore(const QString &store, sqlite3 *copy, const BackupWatch &watch);
 
 /// The same through a connection that is open already. Takes the connection's busy handler away.

@@ -38,7 +38,7 @@ private:
     void end(const BackupResult &result);
 
     std::atomic<int> m_lastPercent = -1;
-    std::jthread m_thread; ///< goes first
+    std::jthread m_thread; ///< last, so that it is joined before the other members are destroyed
 };
 
 } // namespace harrowby::app

@@ -50,7 +50,7 @@ private:
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
     QLabel *m_last = nullptr;
-    BackupJob m_job; ///< the last one: it ends before what it reports to
+    BackupJob m_job; ///< last, so that it ends before the members that its signals reach are destroyed
 };
 
 } // namespace harrowby::app

@@ -3,6 +3,8 @@
 
 #include "basic/text.h"
 
+#include <QList>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;

@@ -46,7 +46,7 @@ private:
     }
 
     std::atomic<bool> m_over;
-    std::jthread m_watch; ///< goes first
+    std::jthread m_watch; ///< last, so that it is joined before the other members are destroyed
 };
 
 bool isAboutRows(const QString &line)

@@ -27,7 +27,7 @@ private:
     void settle();
 
     bool m_pressed = false;             ///< by a person, while the keys went elsewhere
-    QTimer m_later;                     ///< after a window has come or gone
+    QTimer m_later;                     ///< calls settle() once Qt has handled the event
     QList<QPointer<QWidget>> m_windows; ///< that take keys, as they came
 };
 

@@ -60,7 +60,7 @@ bool waylandAnswers()
 bool hasPlugin(const QString &platform)
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM_PLUGIN_PATH"))
-        return true; // a folder of the user's own choice; it is the user's business what lies there
+        return true; // the folder that a person has set counts as right
     QStringList folders = {QLibraryInfo::path(QLibraryInfo::PluginsPath)};
     folders << qEnvironmentVariable("QT_PLUGIN_PATH").split(u':', Qt::SkipEmptyParts);
     const QString pattern = isWayland(platform) ? u"libqwayland*"_s : u"libq%1.so*"_s.arg(platform);
