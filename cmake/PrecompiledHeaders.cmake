@@ -1,6 +1,7 @@
 # Compiles the headers that most files include once: Qt's core for targets without a window, and with windows for those
 # that link Qt6::Widgets. So a room without a window cannot come to see one. Only what many files take is in the lists: each
-# header more makes every single compilation slower (an empty file took twice the time with all of QtWidgets).
+# header more makes every single compilation slower (an empty file took twice the time with all of QtWidgets). What is
+# compiled with other options, as the tests may be, needs headers that were precompiled with them.
 set(harrowby_core_headers
     <QByteArray> <QCoreApplication> <QDateTime> <QDir> <QElapsedTimer> <QFile> <QFileInfo> <QHash> <QList> <QLocale>
     <QLoggingCategory> <QPointer> <QRegularExpression> <QStandardPaths> <QString> <QStringList> <QTimer> <QVariant>
@@ -11,14 +12,21 @@ set(harrowby_window_headers
     <QLabel> <QLineEdit> <QListWidget> <QMainWindow> <QMessageBox> <QPainter> <QPushButton> <QScreen> <QScrollArea>
     <QScrollBar> <QStyle> <QTabBar> <QTreeView> <QWidget>)
 
-foreach(kind core window)
-    add_library(harrowby_${kind}_pch OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
-    set_target_properties(harrowby_${kind}_pch PROPERTIES AUTOMOC OFF)
-    target_precompile_headers(harrowby_${kind}_pch PRIVATE ${harrowby_core_headers})
-endforeach()
-target_link_libraries(harrowby_core_pch PRIVATE harrowby_build Qt6::Core)
-target_link_libraries(harrowby_window_pch PRIVATE harrowby_build Qt6::Widgets)
-target_precompile_headers(harrowby_window_pch PRIVATE ${harrowby_window_headers})
+function(harrowby_precompile prefix)
+    foreach(kind core window)
+        add_library(${prefix}_${kind}_pch OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
+        set_target_properties(${prefix}_${kind}_pch PROPERTIES AUTOMOC OFF)
+        target_compile_options(${prefix}_${kind}_pch PRIVATE ${ARGN})
+        target_precompile_headers(${prefix}_${kind}_pch PRIVATE ${harrowby_core_headers})
+    endforeach()
+    target_link_libraries(${prefix}_core_pch PRIVATE harrowby_build Qt6::Core)
+    target_link_libraries(${prefix}_window_pch PRIVATE harrowby_build Qt6::Widgets)
+    target_precompile_headers(${prefix}_window_pch PRIVATE ${harrowby_window_headers})
+endfunction()
+harrowby_precompile(harrowby)
+if(HARROWBY_BUILD_TESTS AND HARROWBY_TEST_OPTIONS)
+    harrowby_precompile(harrowby_tests ${HARROWBY_TEST_OPTIONS})
+endif()
 
 # Whether a target's sources may include windows: it links Qt6::Widgets, or a library of ours that hands it on. The word
 # OWN asks for what the target links itself, privately too.
@@ -45,7 +53,10 @@ function(harrowby_sees_windows target result)
     set(${result} FALSE PARENT_SCOPE)
 endfunction()
 
-function(harrowby_reuse_precompiled directory)
+function(harrowby_reuse_precompiled directory prefix)
+    if(directory STREQUAL ${PROJECT_SOURCE_DIR}/tests AND HARROWBY_TEST_OPTIONS)
+        set(prefix harrowby_tests)
+    endif()
     get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
     foreach(target ${targets})
         get_target_property(type ${target} TYPE)
@@ -54,14 +65,14 @@ function(harrowby_reuse_precompiled directory)
         endif()
         harrowby_sees_windows(${target} windows OWN)
         if(windows)
-            target_precompile_headers(${target} REUSE_FROM harrowby_window_pch)
+            target_precompile_headers(${target} REUSE_FROM ${prefix}_window_pch)
         else()
-            target_precompile_headers(${target} REUSE_FROM harrowby_core_pch)
+            target_precompile_headers(${target} REUSE_FROM ${prefix}_core_pch)
         endif()
     endforeach()
     get_property(subdirectories DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
     foreach(subdirectory ${subdirectories})
-        harrowby_reuse_precompiled(${subdirectory})
+        harrowby_reuse_precompiled(${subdirectory} ${prefix})
     endforeach()
 endfunction()
-harrowby_reuse_precompiled(${PROJECT_SOURCE_DIR})
+harrowby_reuse_precompiled(${PROJECT_SOURCE_DIR} harrowby)

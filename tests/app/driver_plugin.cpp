@@ -84,6 +84,15 @@ QString focused()
     return widget != nullptr ? widget->objectName() : u"-"_s;
 }
 
+/// Whether a menu or a list that drops down takes the keys.
+QString popup()
+{
+    const QWidget *widget = QApplication::activePopupWidget();
+    return widget == nullptr                                            ? u"-"_s
+           : widget->isVisible() && widget->windowHandle()->isExposed() ? u"open"_s
+                                                                        : u"opens"_s;
+}
+
 QString answer(const QString &line)
 {
     const QString verb = line.section(u' ', 0, 0);
@@ -94,6 +103,8 @@ QString answer(const QString &line)
         return textOf(name);
     if (verb == u"box"_s)
         return boxText();
+    if (verb == u"popup"_s)
+        return popup();
     return verb == u"focus"_s ? focused() : u"?"_s;
 }
 

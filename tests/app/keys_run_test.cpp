@@ -168,12 +168,16 @@ void KeysRunTest::enterAQuantity(RunningProgram &program)
     // A context menu and a popup list keep the selection and the caret.
     m_screen->key(u"ctrl+a"_s);
     m_screen->key(u"Menu"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.popup(), u"open"_s, 30000);
     m_screen->key(u"Escape"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.popup(), u"-"_s, 30000);
     m_screen->type(u"12"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Combo4"_s), u"12"_s, 30000);
     m_screen->key(u"Left"_s);
     m_screen->key(u"F4"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.popup(), u"open"_s, 30000);
     m_screen->key(u"Escape"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.popup(), u"-"_s, 30000);
     QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Combo4"_s, 30000);
     m_screen->type(u"0"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Combo4"_s), u"102"_s, 30000);

@@ -74,6 +74,8 @@ public:
     [[nodiscard]] QString text(const QString &name) { return ask(QStringLiteral("text ") + name); }
     /// Text of the message box in front, its line breaks as tabs; "-" when there is none.
     [[nodiscard]] QString box() { return ask(QStringLiteral("box ")); }
+    /// "open" once a menu or a list that drops down can be seen; "-" when there is none.
+    [[nodiscard]] QString popup() { return ask(QStringLiteral("popup ")); }
     [[nodiscard]] QString focus() { return ask(QStringLiteral("focus ")); }
     /// How many key presses have reached the program so far, the repeats of a key that is held down among them.
     [[nodiscard]] int keyPresses() { return ask(QStringLiteral("presses ")).toInt(); }
