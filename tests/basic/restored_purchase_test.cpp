@@ -32,8 +32,8 @@ void TestRestoredPurchase::splitsElements_data()
         << u"1 x A1  |  TEA, GREEN = 2.50"_s << QStringList{u"1 x A1  |  TEA"_s, u"GREEN = 2.50"_s};
     QTest::newRow("comma alone") << u"1,000 x A1  |  TEA,GREEN = 2.50"_s
                                  << QStringList{u"1,000 x A1  |  TEA,GREEN = 2.50"_s};
-    QTest::newRow("nothing between two") << u"a, , b"_s << QStringList{u"a"_s, QString(u""_s), u"b"_s};
-    QTest::newRow("nothing at the end") << u"a, "_s << QStringList{u"a"_s, QString(u""_s)};
+    QTest::newRow("nothing between two") << u"a, , b"_s << QStringList{u"a"_s, u""_s, u"b"_s};
+    QTest::newRow("nothing at the end") << u"a, "_s << QStringList{u"a"_s, u""_s};
     QTest::newRow("nothing") << QString() << QStringList{QString()};
     QTest::newRow("two blanks") << u"a,  b"_s << QStringList{u"a"_s, u" b"_s};
 }

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace harrowby {
-
 /// A SQLite VFS over the usual one, in which one write, truncation or sync fails, or every one from it on.
-namespace FaultyVfs {
+namespace harrowby::FaultyVfs {
 
 enum class Mode {
     Once,    ///< a passing fault
@@ -18,6 +16,4 @@ void failAt(int operation, Mode mode = Mode::Once);
 /// Operations that have failed since.
 int failures();
 
-} // namespace FaultyVfs
-
-} // namespace harrowby
+} // namespace harrowby::FaultyVfs

@@ -55,7 +55,7 @@ void FieldTextTest::saysWhatTextSays()
     const ScratchStore store;
     fill(store);
     DbRecordset rows;
-    rows.Open(statements::allStock(), store.connection(), DbRecordset::Access(access));
+    rows.Open(statements::allStock(), store.connection(), static_cast<DbRecordset::Access>(access));
     for (int row = 0; row < 2; ++row, rows.MoveNext()) {
         QVERIFY(!rows.IsEof());
         for (const QString &column : {u"StockID"_s, u"stockname"_s, u"StockCategory"_s, u"StockCost"_s,
