@@ -23,4 +23,19 @@ const RecordTable &code()
     return table;
 }
 
+const RecordTable &held()
+{
+    // The lines' table first: where the carts' table is, so is that of their lines.
+    static const RecordTable table = {
+        u"HarrowbyHeld"_s,
+        {u"create table if not exists HarrowbyHeldLine "
+         "(HeldID text not null, Position integer not null, StockID text not null, StockName text not null, "
+         "Quantity double precision not null, Cost double precision not null, CostByHand integer not null, "
+         "primary key (HeldID, Position))"_s,
+         u"create table if not exists HarrowbyHeld "
+         "(HeldID text not null primary key, Word text not null, HeldAt text not null, HeldBy text not null, "
+         "HeldLines integer not null, Total double precision not null)"_s}};
+    return table;
+}
+
 } // namespace harrowby::app::kept

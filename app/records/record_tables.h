@@ -22,6 +22,10 @@ namespace kept {
 /// Codes of items: Code, StockID, Units.
 [[nodiscard]] const RecordTable &code();
 
+/// Carts that are held: HeldID, Word, HeldAt, HeldBy, HeldLines, Total; and the lines of each in HarrowbyHeldLine:
+/// HeldID, Position, StockID, StockName, Quantity, Cost, CostByHand.
+[[nodiscard]] const RecordTable &held();
+
 } // namespace kept
 
 } // namespace harrowby::app

@@ -9,7 +9,7 @@ namespace harrowby::app {
 
 /// Records in the store file, over the very handle that the till or the office works with: the guard of the file, its
 /// waits for a lock and its loss hold for them, too.
-class SqliteRecords final : public Records
+class SqliteRecords : public Records
 {
 public:
     /// The database must outlive it.

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "app/hold/hold_words.h"
+
+#include "basic/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Reason = CounterMisfit::Reason;
+
+QString reasonWords(const CounterMisfit &misfit)
+{
+    switch (misfit.reason) {
+    case Reason::SoldOut:
+        return u"sold out: left out"_s;
+    case Reason::NotEnough:
+        return misfit.quantity > 0 ? u"only %1 left"_s.arg(plainText(misfit.quantity)) : u"no more left: left out"_s;
+    case Reason::PriceChanged:
+        return u"at the price of today"_s;
+    case Reason::Gone:
+        return u"no such item any more: left out"_s;
+    case Reason::Disabled:
+        return u"no longer for sale: left out"_s;
+    case Reason::NotInCapitals:
+        return u"its name cannot be sold now: left out"_s;
+    case Reason::NotRead:
+        break;
+    }
+    return u"not checked: the store could not be read"_s;
+}
+
+QString nowWords(const CounterMisfit &misfit)
+{
+    if (misfit.quantity == 0)
+        return u"\u2013"_s;
+    return u"%1 for %2"_s.arg(plainText(misfit.quantity), formatMoney(misfit.cost));
+}
+
+} // namespace
+
+QString cartWords(std::size_t lines, double total)
+{
+    const QString count = lines == 1 ? u"1 line"_s : u"%1 lines"_s.arg(lines);
+    return count + u", "_s + formatMoney(total);
+}
+
+tables::Table heldTable(const QList<HeldCart> &carts)
+{
+    using tables::Kind;
+    tables::Table table;
+    table.columns = {{u"Held as"_s, Kind::Text, true},
+                     {u"Since"_s, Kind::Text, false},
+                     {u"By"_s, Kind::Text, false},
+                     {u"Lines"_s, Kind::Count, false},
+                     {u"Total"_s, Kind::Money, false}};
+    for (const HeldCart &cart : carts)
+        table.rows.push_back({cart.word, cart.since.toString(u"yyyy-MM-dd HH:mm"_s), cart.user,
+                              static_cast<double>(cart.lines), cart.total});
+    return table;
+}
+
+tables::Table misfitTable(const std::vector<CounterMisfit> &misfits)
+{
+    using tables::Kind;
+    tables::Table table;
+    table.columns = {{u"Item"_s, Kind::Text, true},
+                     {u"Was"_s, Kind::Text, false},
+                     {u"Now"_s, Kind::Text, false},
+                     {u"Why"_s, Kind::Text, false}};
+    for (const CounterMisfit &misfit : misfits)
+        table.rows.push_back({misfit.line.name,
+                              u"%1 for %2"_s.arg(plainText(misfit.line.quantity), formatMoney(misfit.line.cost)),
+                              nowWords(misfit), reasonWords(misfit)});
+    return table;
+}
+
+} // namespace harrowby::app
