@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_door.h"
 
+#include "app/office/user_rules.h"
 #include "basic/administrator.h"
 #include "basic/text.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +14,7 @@ namespace {
 using Kind = DoorAnswer::Kind;
 
 const auto administrators =
-    u"SELECT 1 FROM Users WHERE Type <> 'VIEWER' AND UPPER(Username) = '%1'"_s.arg(administratorName);
+    u"SELECT 1 FROM Users WHERE Type <> '%1' AND UPPER(Username) = '%2'"_s.arg(viewerType, administratorName);
 
 DoorAnswer answer(sqlite3 *database, const QString &select, const QList<DbValue> &values, Kind otherwise)
 {
@@ -39,16 +38,6 @@ DoorAnswer askAtDoor(sqlite3 *database, const QString &password)
 DoorAnswer findAdministrator(sqlite3 *database)
 {
     return answer(database, administrators, {}, Kind::NoAdministrator);
-}
-
-std::chrono::milliseconds pauseAfter(int wrongTries)
-{
-    using namespace std::chrono_literals;
-    constexpr int free = 3;
-    constexpr int steps = 4;
-    if (wrongTries < free)
-        return 0ms;
-    return 1000ms * (1 << std::min(wrongTries - free, steps));
 }
 
 } // namespace harrowby::app

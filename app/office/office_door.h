@@ -5,9 +5,8 @@
 
 #include <QString>
 
-#include <chrono>
-
-/// Who may go into the store's office: ADMINISTRATOR, with the password that the till's login takes.
+/// Who may go into the store's office: ADMINISTRATOR, with the password that the till's login takes. How long the next
+/// try waits after wrong ones: wrong_tries.h.
 namespace harrowby::app {
 
 struct DoorAnswer
@@ -28,9 +27,5 @@ struct DoorAnswer
 
 /// What stands in the way before any password is typed; Open when nothing does.
 [[nodiscard]] DoorAnswer findAdministrator(sqlite3 *database);
-
-/// The whole pause after so many wrong tries: none after two, then 1 s, doubled with each up to 16 s. WrongTries counts
-/// them and says what is left of it.
-[[nodiscard]] std::chrono::milliseconds pauseAfter(int wrongTries);
 
 } // namespace harrowby::app

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/wrong_tries.h"
 
-#include "app/office/office_door.h"
 #include "basic/logging.h"
 #include "basic/private_files.h"
 
@@ -15,6 +14,10 @@ using namespace std::chrono_literals;
 namespace harrowby::app {
 
 namespace {
+
+constexpr int triesWithoutPause = 2;
+constexpr std::chrono::milliseconds firstPause = 1s;
+constexpr int mostDoublings = 4; ///< to 16 s
 
 constexpr int mostCounted = 1000;
 constexpr qint64 longestFile = 64; // bytes
@@ -36,6 +39,12 @@ QList<qint64> numbersIn(const QString &path)
 }
 
 } // namespace
+
+std::chrono::milliseconds pauseAfter(int wrongTries)
+{
+    const int paused = wrongTries - triesWithoutPause;
+    return paused > 0 ? firstPause * (1 << std::min(paused - 1, mostDoublings)) : 0ms;
+}
 
 void WrongTries::add(const QDateTime &now)
 {

@@ -9,9 +9,12 @@
 
 namespace harrowby::app {
 
-/// The wrong passwords since the last right one and the time of the last, and what is left of the pause before the next
-/// try; how long a whole pause is, pauseAfter() of office_door.h decides. Kept in a small file, so that a restart
-/// changes nothing and several offices share one pause. A file that cannot be read counts as none.
+/// The whole pause after so many wrong tries: none after two, then 1 s, doubled with each up to 16 s.
+[[nodiscard]] std::chrono::milliseconds pauseAfter(int wrongTries);
+
+/// The wrong passwords at the store's office since the last right one, and what is left of the pause before the next
+/// try. Kept in a small file, so that a restart changes nothing and several offices share one pause. A file that cannot
+/// be read counts as none.
 class WrongTries
 {
 public:
