@@ -5,6 +5,7 @@
 #include "basic/values.h"
 #include "receipt/receipt_layout.h"
 #include "receipt/receipt_text.h"
+#include "receipt/receipt_width.h"
 
 #include <harrowby/saved_settings.h>
 

@@ -22,13 +22,9 @@ struct ReceiptLine
     bool bold = false;
 };
 
-/// The length unit of receipts: so fine that fonts keep their widths when sizes are rounded to it.
-inline constexpr int receiptUnitsPerInch = 1200;
-
-/// Receipt lines set on 80 mm paper. One factor (fontScale() in receipt_layout.cpp) scales all font sizes so that
-/// receiptSeparator() of receipt_text.h, bold or not, just fits a line. Longer lines wrap, between words where they
-/// can. A page is as long as its content, up to 297 mm; then another page follows. Lengths are in 1/1200 inch. Needs a
-/// QGuiApplication, for its fonts.
+/// Receipt lines set on paper. How much goes into a line says receipt_width.h. Longer lines wrap, between words where
+/// they can. A page is as long as its content, up to 297 mm; then another page follows. Lengths are in 1/1200 inch.
+/// Needs a QGuiApplication, for its fonts.
 class ReceiptLayout
 {
 public:
@@ -41,10 +37,6 @@ public:
     /// The rows of a page from top to bottom, as they were wrapped.
     [[nodiscard]] QStringList rows(int page) const;
     void draw(QPainter &painter, int page) const;
-
-    /// The font of a size that a print call asks for, in units.
-    [[nodiscard]] static QFont font(int fontSize, bool bold);
-    [[nodiscard]] static double printableWidth();
 
 private:
     struct Row

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "receipt/receipt_pdf.h"
 
+#include "receipt/receipt_width.h"
+
 #include <QBuffer>
 #include <QPageLayout>
 #include <QPainter>

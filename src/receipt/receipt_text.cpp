@@ -3,15 +3,11 @@
 
 #include "basic/dates.h"
 #include "basic/numbers.h"
+#include "receipt/receipt_width.h"
 
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
-
-QString receiptSeparator()
-{
-    return QString(63, u'-');
-}
 
 std::vector<ReceiptStep> receiptHeader(const QString &title, const QString &address)
 {

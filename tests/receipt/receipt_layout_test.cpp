@@ -2,6 +2,7 @@
 #include "receipt/receipt_layout.h"
 
 #include "receipt/receipt_pdf.h"
+#include "receipt/receipt_width.h"
 #include "tests/platform/pdf_text.h"
 #include "tests/program/test_program.h"
 
@@ -48,11 +49,9 @@ private:
 private Q_SLOTS:
     void theSeparatorJustFitsALine()
     {
-        const auto width = [](bool bold) {
-            return QFontMetricsF(ReceiptLayout::font(10, bold)).horizontalAdvance(separator);
-        };
+        const auto width = [](bool bold) { return QFontMetricsF(receiptFont(10, bold)).horizontalAdvance(separator); };
         const double widest = std::max(width(false), width(true));
-        const double line = ReceiptLayout::printableWidth();
+        const double line = receiptPrintableWidth();
         QVERIFY2(widest <= line && widest > 0.98 * line, qPrintable(QString::number(widest / line)));
         QCOMPARE(allRows({{separator, 10, false}, {separator, 10, true}}), QStringList({separator, separator}));
         QCOMPARE(allRows({{separator + u"--"_s, 10, true}}).size(), 2);
@@ -60,11 +59,11 @@ private Q_SLOTS:
 
     void oneFactorScalesAllSizes()
     {
-        const double ten = ReceiptLayout::font(10, false).pixelSize();
+        const double ten = receiptFont(10, false).pixelSize();
         for (const int size : {7, 8, 12, 20})
-            QVERIFY(qAbs(ReceiptLayout::font(size, false).pixelSize() - ten * size / 10) <= 2);
-        QVERIFY(ReceiptLayout::font(8, true).bold());
-        QVERIFY(!ReceiptLayout::font(8, false).bold());
+            QVERIFY(qAbs(receiptFont(size, false).pixelSize() - ten * size / 10) <= 2);
+        QVERIFY(receiptFont(8, true).bold());
+        QVERIFY(!receiptFont(8, false).bold());
     }
 
     void lineBreaks_data()
@@ -102,9 +101,9 @@ private Q_SLOTS:
         const QString word(10'000, u'W');
         const QStringList rows = allRows({{word, 8}});
         QCOMPARE(rows.join(QString()), word);
-        const QFontMetricsF metrics(ReceiptLayout::font(8, false));
+        const QFontMetricsF metrics(receiptFont(8, false));
         for (const QString &row : rows)
-            QVERIFY(metrics.horizontalAdvance(row) <= ReceiptLayout::printableWidth());
+            QVERIFY(metrics.horizontalAdvance(row) <= receiptPrintableWidth());
     }
 
     void thePageGrowsWithItsContent()

@@ -6,8 +6,6 @@
 
 #include <utility>
 
-using namespace Qt::StringLiterals;
-
 namespace harrowby {
 
 ReceiptWriter::ReceiptWriter(Printers &printers, SavedSettings &settings, PrintLine printLine) :
@@ -48,7 +46,7 @@ void ReceiptWriter::print(const std::vector<ReceiptStep> &steps) const
 
 void reprintReceipt(Printer &printer, const QString &receipt)
 {
-    printer.printLine(u"***REPRINTED COPY***"_s);
+    printer.printLine(reprintHeading);
     printer.printLine(QString());
     printer.printLine(receipt);
     printer.endDocument();
