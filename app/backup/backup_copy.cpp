@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup_copy.h"
 
-#include "app/shop/busy_wait.h"
 #include "app/shop/schema.h"
+#include "app/shop/wait_times.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -29,7 +29,7 @@ constexpr auto breather = 5ms; // pause between steps, in which a till can write
 /// A backup waits for a lock as long as a till would, each time anew.
 void waitForTills(sqlite3 *database)
 {
-    sqlite3_busy_timeout(database, static_cast<int>(BusyWait::longestWait.count()));
+    sqlite3_busy_timeout(database, static_cast<int>(wait_times::longest.count()));
 }
 
 struct FinishBackup

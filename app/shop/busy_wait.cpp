@@ -7,7 +7,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <thread>
 #include <utility>
 
@@ -23,12 +22,9 @@ void sleepFor(Milliseconds time)
     std::this_thread::sleep_for(time);
 }
 
-/// Short at first: another till's sale holds the lock for milliseconds. The limit of all steps is longestWait in the
-/// header.
 Milliseconds stepOf(int attempt)
 {
-    static constexpr std::array<Milliseconds, 6> first = {1ms, 2ms, 5ms, 10ms, 15ms, 25ms};
-    return attempt < static_cast<int>(first.size()) ? first[static_cast<std::size_t>(attempt)] : 50ms;
+    return wait_times::steps.at(std::min(static_cast<std::size_t>(attempt), wait_times::steps.size() - 1));
 }
 
 } // namespace
@@ -81,7 +77,7 @@ bool BusyWait::waitStep(int attempt)
     m_sleeper(step);
     const auto slept = std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - start);
     m_remaining -= std::max(step, slept);
-    if (m_watcher && m_budget - m_remaining >= quietTime)
+    if (m_watcher && m_budget - m_remaining >= wait_times::quiet)
         m_watcher();
     return true;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/shop/wait_times.h"
+
 #include <QObject>
 
 #include <chrono>
@@ -11,11 +13,10 @@ struct sqlite3;
 
 namespace harrowby::app {
 
-/// SQLite busy handler: how long the till waits for a store file that another program has locked. `longestWait` is the
-/// budget for one action of the user, however many statements it runs; once it is used up, further statements fail at
-/// once. It is refilled when this thread's outermost event loop is about to wait, and when a store has been opened
-/// (openStoreBeside()); a box's loop does not refill it. Both limits, the 10 s of the budget and the 300 ms before a
-/// wait is shown, stand here; the steps are in busy_wait.cpp.
+/// SQLite busy handler: waits for a store file that another program has locked, in the steps and within the limits of
+/// wait_times.h. The budget is one for an action of the user, however many statements it runs; once it is used up,
+/// further statements fail at once. It is refilled when this thread's outermost event loop is about to wait, and when a
+/// store has been opened (openStoreBeside()); a box's loop does not refill it.
 class BusyWait final : public QObject
 {
     Q_OBJECT
@@ -25,16 +26,13 @@ public:
 
     using Watcher = std::function<void()>;
 
-    static constexpr std::chrono::milliseconds longestWait = std::chrono::seconds(10);
-    /// Waits up to this long are not shown on the screen.
-    static constexpr std::chrono::milliseconds quietTime{300};
-
     /// `sleeper` replaces sleeping in tests.
-    explicit BusyWait(std::chrono::milliseconds budget = longestWait, Sleeper sleeper = {});
+    explicit BusyWait(std::chrono::milliseconds budget = wait_times::longest, Sleeper sleeper = {});
 
     /// Becomes the database's busy handler. It must outlive the database's last statement.
     void attach(sqlite3 *database);
-    /// Called repeatedly while an action waits, after `quietTime`, on the waiting thread. It must not use the database.
+    /// Called repeatedly while an action waits, after `wait_times::quiet`, on the waiting thread. It must not use the
+    /// database.
     void setWatcher(Watcher watcher) { m_watcher = std::move(watcher); }
     /// Refills the budget whenever this thread's outermost event loop is about to wait.
     void followEventLoop();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/shop/store_problem.h"
+#include "app/shop/wait_times.h"
 
 #include <QString>
 
@@ -14,9 +15,9 @@ class BusyWait;
 
 /// Looks at an existing file before anything is written to it, and says why it cannot serve as a store; empty when
 /// it can. Neither the file nor its log is changed, except that SQLite rolls back what a crash has left half done.
-/// SQLite's check of the whole file gives up after `checkLimit`, so that a big store still starts in seconds.
+/// SQLite's check of the whole file gives up after `checkLimit`.
 [[nodiscard]] std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait,
-                                                     std::chrono::milliseconds checkLimit = std::chrono::seconds(5));
+                                                     std::chrono::milliseconds checkLimit = wait_times::longestCheck);
 
 /// Why no new store file can be made at this name; empty when one can. Nothing is written.
 /// With `makeFolder` the folder itself may still be missing.

@@ -3,6 +3,7 @@
 
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
+#include "app/shop/wait_times.h"
 #include "theme/dialogs.h"
 
 #include <QCloseEvent>
@@ -62,14 +63,15 @@ private:
     QLabel *m_text = nullptr;
 };
 
-/// The window that says what the opening waits for. Made only after `quietTime`, as most stores are open before.
+/// The window that says what the opening waits for. Made only after `wait_times::quiet`, as most stores are open
+/// before.
 class OpeningSign : public QObject
 {
 public:
     explicit OpeningSign(const QString &path) :
         m_name(QFileInfo(path).fileName()), m_text(u"The store \"%1\" is being opened \u2026"_s.arg(m_name))
     {
-        QTimer::singleShot(BusyWait::quietTime, this, &OpeningSign::show);
+        QTimer::singleShot(wait_times::quiet, this, &OpeningSign::show);
     }
 
     void sayLocked()

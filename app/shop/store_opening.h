@@ -12,7 +12,7 @@ namespace harrowby::app {
 
 class BusyWait;
 
-/// openStore() on another thread. When it takes longer than BusyWait::quietTime (a lock, a big file, missing indexes),
+/// openStore() on another thread. When it takes longer than wait_times::quiet (a lock, a big file, missing indexes),
 /// a small window says what it waits for until it ends.
 [[nodiscard]] Result<SqliteDatabase, StoreProblem> openStoreBeside(const QString &path, BusyWait &wait);
 

@@ -11,6 +11,7 @@ namespace harrowby::app {
 
 /// A small board that says what is waited for while the event loop does not run. Paints itself at once: as a child of
 /// the window in front, or, while there is none yet, as a window in the middle of the screen. Hidden by the next event.
+/// After how long it is shown: wait_times.h.
 class WaitSign
 {
 public:
