@@ -12,7 +12,7 @@ namespace harrowby {
 class HelperProcess;
 
 /// Gives stored receipts to the print service, in the background. How long that may take is
-/// PrintOptions::handOverDeadline (print_options.h). The file is removed only when the service has said that it has
+/// PrintDeadlines::handOverDeadline (print_deadlines.h). The file is removed only when the service has said that it has
 /// taken it; else it stays and a line with printer, file and reason goes to "harrowby.print".
 class HandOver final : public QObject
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/helper_process.h"
 
+#include "platform/print_deadlines.h"
+
 #include <QProcessEnvironment>
 
 #include <algorithm>
@@ -10,8 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 namespace {
-
-constexpr int killWaitMs = 500;
 
 /// English answers, to be parsed, whatever the user's language; names of queues may be in any.
 QProcessEnvironment plainEnvironment()
@@ -39,7 +39,7 @@ HelperProcess::~HelperProcess()
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.kill();
-    m_process.waitForFinished(killWaitMs);
+    m_process.waitForFinished(static_cast<int>(killWait.count()));
 }
 
 void HelperProcess::start(const QString &program, const QStringList &arguments, std::chrono::milliseconds deadline,

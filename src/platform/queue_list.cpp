@@ -16,9 +16,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The question about the network is worth this much of a caller's time.
-constexpr milliseconds reachableWait{150};
-
 /// "till accepting requests since Fri Nov 20 14:07:09 2026", one line a queue; other lines tell why it is not.
 QStringList installedNames(const QString &answer)
 {
@@ -74,7 +71,8 @@ void QueueList::refresh()
     m_installedQuery->start(
         m_options.listProgram, {u"-a"_s, u"-d"_s}, m_options.listDeadline,
         [this](const Outcome &outcome) { onInstalled(QString::fromUtf8(outcome.output), outcome.reason); });
-    m_reachablePatience = reachableWait; // once a query, so that three callers in a row do not wait three times
+    m_reachablePatience =
+        m_options.reachableWait; // once a query, so that three callers in a row do not wait three times
     m_reachableQuery = std::make_unique<HelperProcess>(nullptr);
     m_reachableQuery->start(m_options.listProgram, {u"-e"_s}, m_options.listDeadline, [this](const Outcome &outcome) {
         if (outcome.succeeded)
@@ -88,7 +86,7 @@ void QueueList::wait()
         return;
     spend(m_patience, *m_installedQuery, m_options.listWait);
     if (m_answered)
-        spend(m_reachablePatience, *m_reachableQuery, reachableWait);
+        spend(m_reachablePatience, *m_reachableQuery, m_options.reachableWait);
 }
 
 void QueueList::onInstalled(const QString &answer, const QString &failure)

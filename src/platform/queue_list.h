@@ -23,7 +23,7 @@ public:
 
     /// Asks again, in the background, unless the last answer is fresh or a query is running.
     void refresh();
-    /// Waits for a running query, for the rest of the time that callers may wait in all (see PrintOptions). Once that
+    /// Waits for a running query, for the rest of the time that callers may wait in all (print_deadlines.h). Once that
     /// is used up it returns at once, until the service has answered.
     void wait();
 
