@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup_page.h"
 
+#include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/workshop.h"

@@ -3,15 +3,12 @@
 
 #include "app/shop/file_facts.h"
 
-#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <QStandardPaths>
 #include <QStorageInfo>
 
 #include <sys/stat.h>
-
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -86,31 +83,6 @@ Result<void, QString> checkSpace(const QString &store, const QString &target)
 }
 
 } // namespace
-
-QString usualBackupFolder()
-{
-    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
-}
-
-QString usualBackupName(const QDate &day)
-{
-    return u"harrowby-%1.db"_s.arg(day.toString(Qt::ISODate));
-}
-
-QString usualRescuePlace(const QString &store, const QDateTime &now)
-{
-    const QString name = QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s);
-    QDir folder = QFileInfo(store).absoluteDir();
-    if (judgeNewPlace(folder.filePath(name + u".db"_s), false))
-        folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    if (!folder.exists())
-        folder = QDir::home();
-    QString place = folder.filePath(name + u".db"_s);
-    for (int number = 2; QFileInfo::exists(place); ++number)
-        place = folder.filePath(u"%1-%2.db"_s.arg(name).arg(number));
-    return place;
-}
 
 Result<void, QString> checkBackupPlace(const QString &store, const QString &target)
 {

@@ -2,7 +2,7 @@
 #include "app/backup/lost_store_box.h"
 
 #include "app/backup/backup.h"
-#include "app/backup/backup_place.h"
+#include "app/backup/backup_names.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/notice_place.h"
 #include "app/shop/store_guard.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup.h"
 #include "app/backup/backup_job.h"
+#include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_access.h"

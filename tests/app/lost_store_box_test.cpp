@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "app/backup/backup_names.h"
 #include "app/backup/backup_page.h"
-#include "app/backup/backup_place.h"
 #include "app/backup/lost_store_box.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+
+/// Where the copies of a store go, and under which names, unless a person chooses others. Whether a place will do:
+/// backup_place.h.
+namespace harrowby::app {
+
+/// The folder that is offered for a backup: the documents, or the home folder where there are none.
+[[nodiscard]] QString usualBackupFolder();
+/// The name that is offered for a backup of that day: "harrowby-2026-11-21.db".
+[[nodiscard]] QString usualBackupName(const QDate &day);
+
+/// Where the copy of a store goes whose file was lost, "shop-rescue-2026-11-21-090507.db": beside its place, or into
+/// the documents when nothing can be written there. No file has that name yet; a second one ends with "-2".
+[[nodiscard]] QString usualRescuePlace(const QString &store, const QDateTime &now);
+
+} // namespace harrowby::app
