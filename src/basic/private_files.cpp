@@ -39,7 +39,7 @@ int openDescriptor(const QByteArray &name, QIODevice::OpenMode mode)
     // O_NONBLOCK: a FIFO may have taken the name since mayBeOpened(), and open() would wait for its other end.
     constexpr int careful = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     if (mode.testFlag(QIODevice::Append))
-        return ::open(name.constData(), careful | O_WRONLY | O_APPEND | O_CREAT, S_IRUSR | S_IWUSR);
+        return ::open(name.constData(), careful | O_WRONLY | O_APPEND | O_CREAT, privateFileMode);
     return ::open(name.constData(), careful | O_RDONLY);
 }
 
@@ -60,12 +60,23 @@ Result<void, QString> makePrivateFolder(const QString &path)
         if (const auto made = makePrivateFolder(parent); !made)
             return made;
     }
-    if (::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0)
+    if (::mkdir(QFile::encodeName(folder).constData(), privateFolderMode) == 0)
         return {};
     const int error = errno;
     if (QFileInfo(folder).isDir())
         return {}; // another program has created it meanwhile
     return Unexpected(qt_error_string(error == EEXIST ? ENOTDIR : error));
+}
+
+Result<void, QString> makePrivateFile(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int descriptor = ::open(name.constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFileMode);
+    if (descriptor >= 0)
+        ::close(descriptor);
+    else if (errno != EEXIST)
+        return systemReason();
+    return {};
 }
 
 Result<void, QString> openOrdinaryFile(QFile &file, QIODevice::OpenMode mode)
@@ -116,7 +127,7 @@ Result<void, QString> writePrivateFile(const QString &path, const QByteArray &by
     if (!file.open(QIODevice::WriteOnly))
         return Unexpected(file.errorString());
     if (isNew)
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        ::fchmod(file.handle(), privateFileMode);
     if (const auto written = writeToDisk(file.handle(), bytes); !written)
         return written;
     if (!file.commit())

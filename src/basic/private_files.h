@@ -8,14 +8,22 @@
 #include <QFile>
 #include <QString>
 
-/// Files that only their owner may read (mode 0600, folders 0700). The reason of a failure is the system's error text.
+/// Files that only their owner may read, and folders that only their owner may enter: what the program makes for
+/// itself. Existing ones keep their modes. The reason of a failure is the system's error text.
 namespace harrowby {
 
-/// Creates the folder and its missing parents with mode 0700; existing folders keep their mode.
+inline constexpr unsigned privateFileMode = 0600;
+inline constexpr unsigned privateFolderMode = 0700;
+
+/// Creates the folder and its missing parents with privateFolderMode; existing folders keep their mode.
 [[nodiscard]] Result<void, QString> makePrivateFolder(const QString &path);
 
+/// Creates an empty file with privateFileMode. An existing one is not even opened: close() would drop the POSIX locks
+/// that this process may have on it through SQLite.
+[[nodiscard]] Result<void, QString> makePrivateFile(const QString &path);
+
 /// Opens a regular file for reading (QIODevice::ReadOnly) or appending (QIODevice::Append, which creates a missing file
-/// with mode 0600). A FIFO, device or other special file is refused, and never blocks.
+/// with privateFileMode). A FIFO, device or other special file is refused, and never blocks.
 [[nodiscard]] Result<void, QString> openOrdinaryFile(QFile &file, QIODevice::OpenMode mode);
 
 /// Writes all bytes at the descriptor's position.
@@ -24,7 +32,7 @@ namespace harrowby {
 [[nodiscard]] Result<void, QString> writeToDisk(int descriptor, QByteArrayView bytes);
 
 /// Creates or replaces a file atomically (temporary file, fsync, rename), with its missing folders. A new file gets
-/// mode 0600; an existing one keeps its mode.
+/// privateFileMode; an existing one keeps its mode.
 [[nodiscard]] Result<void, QString> writePrivateFile(const QString &path, const QByteArray &bytes);
 
 } // namespace harrowby

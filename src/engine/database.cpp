@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "engine/database.h"
 
-#include <QFile>
+#include "basic/private_files.h"
+
 #include <QUrl>
 
 #include <sqlite3.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -38,16 +35,11 @@ QByteArray openName(const QString &path, OpenMode mode)
     return "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1";
 }
 
-/// Creates a missing file with mode 0600, where SQLite would use 0644. An existing file is not opened here: close()
-/// would drop the POSIX locks that this process's SQLite connections have on it.
+/// SQLite itself would let others read it. What cannot be made, SQLite says better.
 void makeForOwnerAlone(const QString &path)
 {
-    if (path == u":memory:"_s)
-        return;
-    const int descriptor =
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor >= 0)
-        ::close(descriptor);
+    if (path != u":memory:"_s)
+        (void)makePrivateFile(path);
 }
 
 } // namespace
