@@ -2,6 +2,7 @@
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 
+#include "ui/activity_log_limit.h"
 #include "ui/widgets/activity_text.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
@@ -217,7 +218,7 @@ void ActivityLogTest::memoryIsBounded()
     const qsizetype before = memoryInUse();
     for (int i = 0; i < times; ++i)
         log.prepend(u"[21.11.26 12:00:00] -- "_s + message + u"\n\n"_s);
-    QVERIFY(memoryInUse() - before <= ActivityText::mostBytes);
+    QVERIFY(memoryInUse() - before <= activity_log::mostBytes);
     if (kept > 0)
         QCOMPARE(entriesOf(log).size(), kept);
     // Reading the whole text must not change the limit.
@@ -226,7 +227,7 @@ void ActivityLogTest::memoryIsBounded()
         bar->setValue(line);
         log.repaint();
     }
-    QVERIFY(memoryInUse() - before <= ActivityText::mostBytes);
+    QVERIFY(memoryInUse() - before <= activity_log::mostBytes);
 }
 
 void ActivityLogTest::oneHugeEntryStays()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/activity_text.h"
 
+#include "ui/activity_log_limit.h"
+
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextLayout>
@@ -33,12 +35,9 @@ void ActivityText::clearEntries()
     m_bytes = 0;
 }
 
-/// Bytes of an entry: text, format and lines, measured and rounded up. `activity_log_test` compares it with malloc.
 qsizetype ActivityText::bytesOf(const Entry &entry)
 {
-    constexpr qsizetype ofParagraph = 700;
-    constexpr qsizetype ofCharacter = 8;
-    return entry.paragraphs * ofParagraph + entry.characters * ofCharacter;
+    return activity_log::bytesOf(entry.characters, entry.paragraphs);
 }
 
 /// Inserting lays the new text out, and QTextLayout keeps the glyphs, some forty bytes a character. An empty layout
@@ -57,7 +56,7 @@ void ActivityText::dropLayout(int paragraphs)
 void ActivityText::forgetOldest()
 {
     int characters = 0;
-    while (m_entries.size() > 1 && (m_entries.size() > mostEntries || m_bytes > mostBytes)) {
+    while (activity_log::isTooLong(m_entries.size(), m_bytes)) {
         characters += m_entries.back().characters;
         m_bytes -= bytesOf(m_entries.back());
         m_entries.pop_back();

@@ -7,16 +7,12 @@
 
 namespace harrowby {
 
-/// The activity log, newest entry first. It keeps as many of the newest entries as a day has, in bounded memory: a till
-/// stays open for weeks.
+/// The activity log, newest entry first. How much of it is kept: ui/activity_log_limit.h.
 class ActivityText final : public QPlainTextEdit
 {
     Q_OBJECT
 
 public:
-    static constexpr std::size_t mostEntries = 5000;
-    static constexpr qsizetype mostBytes = 20'000'000;
-
     explicit ActivityText(QWidget *parent = nullptr);
 
     /// Puts the entry in front, and forgets the oldest ones that are too many. The newest one always stays.
