@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/demo/demo_catalogue.h"
 
+#include "basic/stock_id.h"
+
 #include <QStringList>
 
 #include <array>
@@ -105,7 +107,7 @@ constexpr std::array<Shelf, 8> shelves = {{
 DemoItem itemOf(const Shelf &shelf, const Entry &entry, int number)
 {
     const QString category = QString::fromLatin1(shelf.category);
-    const QString id = u"%1-%2"_s.arg(category.left(3)).arg(number, 4, 10, QLatin1Char('0'));
+    const QString id = automaticId(automaticIdPrefix(category), static_cast<std::int16_t>(number));
     return {id,           QString::fromLatin1(entry.name), category, entry.cents, entry.reorderLevel, entry.available,
             entry.enabled};
 }

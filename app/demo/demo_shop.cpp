@@ -4,9 +4,8 @@
 #include "app/demo/demo_catalogue.h"
 #include "app/demo/demo_purchases.h"
 #include "basic/administrator.h"
-#include "basic/stock_entry.h"
-
-#include <QLocale>
+#include "basic/dates.h"
+#include "basic/stock_entry_rules.h"
 
 using namespace Qt::StringLiterals;
 
@@ -92,9 +91,9 @@ std::optional<SqlError> fillDemoShop(sqlite3 *database, const QDateTime &now)
     const QDateTime opened = now.addDays(-30);
     if (auto error = addUsers(database))
         return error;
-    if (auto error = addCategories(database, opened.toString(u"yyyy-MM-dd HH:mm:ss"_s)))
+    if (auto error = addCategories(database, usageTime(opened)))
         return error;
-    if (auto error = addItems(database, QLocale::c().toString(opened, u"dd-MMM-yy HH:mm:ss"_s)))
+    if (auto error = addItems(database, stockTime(opened)))
         return error;
     if (auto error = addPurchases(database, now))
         return error;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/reorder/low_stock.h"
 
+#include "basic/reorder_level.h"
 #include "basic/values.h"
 
 #include <utility>
@@ -10,10 +11,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-/// The statement with which the till counts the low items.
-const QString lowStock =
-    u"Select * from Stocklist where StockReorderlevel >= stockavailable and StockUse = 'Enabled'"_s;
 
 enum Field { Id, Name, Category, Level, Available };
 const QStringList fields = {u"StockID"_s, u"StockName"_s, u"StockCategory"_s, u"StockReorderLevel"_s,
@@ -69,7 +66,7 @@ try {
 
 void LowStockReading::open()
 {
-    m_cursor = m_connection->query(lowStock);
+    m_cursor = m_connection->query(QString::fromLatin1(lowStockSelect));
     if (!m_cursor) {
         m_state = State::Failed;
         return;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/item_lines.h"
 
+#include "basic/item_key.h"
+#include "basic/purchase_text.h"
+
 #include <array>
 #include <optional>
 
@@ -8,11 +11,11 @@ namespace harrowby::report {
 
 namespace {
 
-// The separators. A report parses up to a million purchases, so the text is searched for the rarest character of a
-// separator, and compared only there.
-constexpr QStringView times = u" x ";
-constexpr QStringView equals = u" = ";
-constexpr QStringView joint = u", ";
+// A report parses up to a million purchases, so the text is searched for the rarest character of a separator, and
+// compared only there.
+constexpr QLatin1StringView times = purchase::quantityJoint;
+constexpr QLatin1StringView equals = purchase::amountJoint;
+constexpr QLatin1StringView joint = purchase::elementJoint;
 
 constexpr int mostDigits = 17;
 /// Exact, all of them.
@@ -58,7 +61,7 @@ std::optional<Number> readNumber(QStringView text, qsizetype start)
     return Number{negative ? -value : value, at};
 }
 
-bool standsAt(QStringView text, qsizetype at, QStringView what)
+bool standsAt(QStringView text, qsizetype at, QLatin1StringView what)
 {
     if (text.size() - at < what.size())
         return false;
@@ -174,9 +177,8 @@ void readItemLines(QStringView text, ItemLines &result)
 
 IdAndName idAndName(QStringView key)
 {
-    constexpr QStringView bar = u"  |  ";
     for (qsizetype at = key.indexOf(u'|', 2); at >= 0; at = key.indexOf(u'|', at + 1)) {
-        if (standsAt(key, at - 2, bar))
+        if (standsAt(key, at - 2, itemKeySeparator))
             return {key.first(at - 2).trimmed(), key.sliced(at + 3).trimmed()};
     }
     return {{}, key};

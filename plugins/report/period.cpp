@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/report/period.h"
 
+#include "basic/dates.h"
 #include "tables/table.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ QDate lastDay()
 
 QString dayKey(const QDate &day)
 {
-    return day.toString(u"yyMMdd"_s);
+    return harrowby::dayKey(QDateTime(day, QTime(0, 0), Qt::UTC));
 }
 
 std::optional<QDate> dayOfKey(const QString &key)

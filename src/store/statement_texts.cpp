@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "store/statement_texts.h"
 
+#include "basic/quick_sale_page.h"
+#include "basic/reorder_level.h"
+
 namespace harrowby::statements {
 
 namespace {
@@ -189,7 +192,8 @@ Statement quickSalesPage(bool hideFinished, const QString &category, std::int64_
                       hideFinished, category)
         .fixed("  Limit ")
         .number(offset)
-        .fixed(", 9");
+        .fixed(", ")
+        .number(std::int64_t{quickSaleButtons});
 }
 
 Statement quickSalesCount(bool hideFinished, const QString &category)
@@ -221,7 +225,7 @@ Statement lowerStock(double quantity, const QString &id, const QString &upperNam
 
 Statement lowStock()
 {
-    return Statement("Select * from Stocklist where StockReorderlevel >= stockavailable and StockUse = 'Enabled'");
+    return Statement(lowStockSelect);
 }
 
 Statement stockTotal()

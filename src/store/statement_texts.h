@@ -65,14 +65,14 @@ inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
 [[nodiscard]] Statement stockLevels(const QString &id);
 /// `name` is compared with the stored name as it is: upper-cased by the caller, it finds upper-case names only.
 [[nodiscard]] Statement availableStock(const QString &id, const QString &name);
-/// One page of nine items, `offset` items skipped. `category` may be allCategories.
+/// One page of quickSaleButtons items, `offset` items skipped. `category` may be allCategories.
 [[nodiscard]] Statement quickSalesPage(bool hideFinished, const QString &category, std::int64_t offset);
 /// The rows of all pages, to be counted.
 [[nodiscard]] Statement quickSalesCount(bool hideFinished, const QString &category);
 /// Gives units back, by the ID alone.
 [[nodiscard]] Statement raiseStock(std::int64_t quantity, const QString &id);
 [[nodiscard]] Statement lowerStock(double quantity, const QString &id, const QString &upperName);
-/// Enabled items at or below their reorder level.
+/// Enabled items at or below their reorder level (basic/reorder_level.h).
 [[nodiscard]] Statement lowStock();
 /// One row, column "Totals": units of all enabled items.
 [[nodiscard]] Statement stockTotal();

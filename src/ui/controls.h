@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/quick_sale_page.h"
+
 #include <array>
 
 class QCheckBox;
@@ -67,10 +69,10 @@ struct Controls
     QPushButton *Command29; ///< "&Clear"
 
     // Quick sales (Frame1)
-    std::array<QuickSaleButton *, 9> Command1; ///< one item of the page each
-    PickList *Combo1;                          ///< category of the page
-    QPushButton *CmdPrev;                      ///< "Prev" page
-    QPushButton *CmdNext;                      ///< "Next" page
+    std::array<QuickSaleButton *, quickSaleButtons> Command1; ///< one item of the page each
+    PickList *Combo1;                                         ///< category of the page
+    QPushButton *CmdPrev;                                     ///< "Prev" page
+    QPushButton *CmdNext;                                     ///< "Next" page
 
     // Custom sale (Frame3)
     PickList *Combo2;       ///< category

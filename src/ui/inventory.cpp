@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/inventory.h"
 
-#include "basic/stock_entry.h"
+#include "basic/stock_entry_rules.h"
+#include "basic/stock_id.h"
 #include "store/inv_basic.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "basic/stock_entry.h"
+#include "basic/reorder_level.h"
+#include "basic/stock_entry_rules.h"
+#include "basic/stock_id.h"
 
 #include "tests/program/test_program.h"
 
@@ -32,6 +34,8 @@ private Q_SLOTS:
     void prefixes();
     void automaticIds_data();
     void automaticIds();
+    void freeIds_data();
+    void freeIds();
     void questions();
     void reorders_data();
     void reorders();
@@ -239,6 +243,26 @@ void StockEntryTest::automaticIds()
     QFETCH(const QString, prefix);
     QFETCH(const int, number);
     QTEST(automaticId(prefix, static_cast<std::int16_t>(number)), "id");
+}
+
+void StockEntryTest::freeIds_data()
+{
+    QTest::addColumn<int>("last");
+    QTest::addColumn<QStringList>("taken");
+    QTest::addColumn<QString>("id");
+    QTest::newRow("first") << 0 << QStringList() << u"BEV-0001"_s;
+    QTest::newRow("gap") << 0 << QStringList{u"BEV-0001"_s, u"BEV-0003"_s} << u"BEV-0002"_s;
+    QTest::newRow("above the last") << 7 << QStringList{u"BEV-0008"_s} << u"BEV-0009"_s;
+    QTest::newRow("largest") << 32766 << QStringList() << u"BEV-32767"_s;
+    QTest::newRow("run out") << 32766 << QStringList{u"BEV-32767"_s} << QString();
+}
+
+void StockEntryTest::freeIds()
+{
+    QFETCH(const int, last);
+    QFETCH(const QStringList, taken);
+    const auto isTaken = [&](const QString &id) { return taken.contains(id); };
+    QTEST(freeAutomaticId(u"BEV"_s, static_cast<std::int16_t>(last), isTaken), "id");
 }
 
 void StockEntryTest::questions()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "basic/item_key.h"
 #include "basic/numbers.h"
+#include "basic/quick_sale_page.h"
 #include "basic/text.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
@@ -22,7 +23,6 @@ namespace harrowby {
 
 namespace {
 
-constexpr int pageSize = 9;
 constexpr auto emptyCaption = "(empty)"_L1;
 
 void blank(QuickSaleButton &button)
@@ -57,7 +57,7 @@ bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFi
 {
     DbRecordset items;
     items.Open(statements::quickSalesCount(hideFinished, category), connection);
-    return items.RecordCount() != offset + pageSize;
+    return items.RecordCount() != offset + quickSaleButtons;
 }
 
 /// Keeps the focus in the paging: Qt would pass the focus of a disabled button to the first item, where the next press
@@ -96,17 +96,18 @@ void Inventory::LoadQuickSales(bool movedForward)
         return; // a later load has filled the buttons meanwhile
     for (; shown < m_controls.Command1.size(); ++shown)
         blank(*m_controls.Command1.at(shown));
-    m_controls.CmdNext->setEnabled(rows >= pageSize && moreQuickSales(connection(), hideFinished, category, offset));
+    m_controls.CmdNext->setEnabled(rows >= quickSaleButtons &&
+                                   moreQuickSales(connection(), hideFinished, category, offset));
     m_controls.CmdPrev->setEnabled(offset != 0);
 }
 
 void Inventory::nextQuickSales()
 {
     const bool hadFocus = m_controls.CmdNext->hasFocus();
-    if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - pageSize)
+    if (m_state.QuickSalesOffset > std::numeric_limits<std::int16_t>::max() - quickSaleButtons)
         return; // Intended: a page number above 16 bits changes nothing
     m_controls.CmdPrev->setEnabled(true);
-    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset + pageSize);
+    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset + quickSaleButtons);
     LoadQuickSales(true);
     if (hadFocus)
         leadToPaging(*m_controls.CmdNext, *m_controls.CmdPrev);
@@ -115,7 +116,7 @@ void Inventory::nextQuickSales()
 void Inventory::previousQuickSales()
 {
     const bool hadFocus = m_controls.CmdPrev->hasFocus();
-    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset - pageSize);
+    m_state.QuickSalesOffset = static_cast<std::int16_t>(m_state.QuickSalesOffset - quickSaleButtons);
     if (m_state.QuickSalesOffset < 1) {
         m_state.QuickSalesOffset = 0;
         m_controls.CmdPrev->setEnabled(false);

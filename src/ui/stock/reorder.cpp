@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "basic/item_key.h"
 #include "basic/numbers.h"
-#include "basic/stock_entry.h"
+#include "basic/reorder_level.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/recordset.h"

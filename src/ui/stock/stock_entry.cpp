@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "basic/stock_entry.h"
-
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "basic/numbers.h"
+#include "basic/stock_entry_rules.h"
+#include "basic/stock_id.h"
 #include "basic/values.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
@@ -18,7 +18,6 @@
 #include <QPushButton>
 
 #include <functional>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -45,10 +44,10 @@ bool writeStock(DbRecordset &stock, const StockItem &item, const QString &user, 
     return stock.Update() == DbRecordset::Outcome::Written;
 }
 
-/// The first automatic ID that no item has. The connection is asked for again after each breath, in which a handler may
-/// have replaced it.
-QString freeStockId(const QString &prefix, Breather &breather,
-                    const std::function<std::shared_ptr<DbConnection>()> &connection)
+/// An automatic ID, or none. The connection is asked for again after each breath, in which a handler may have replaced
+/// it.
+QString findFreeStockId(const QString &prefix, Breather &breather,
+                        const std::function<std::shared_ptr<DbConnection>()> &connection)
 {
     DbRecordset stock;
     // Intended: counts only IDs that end in "-*", usually none, so that numbers begin at 1 and the first gap is taken.
@@ -56,14 +55,11 @@ QString freeStockId(const QString &prefix, Breather &breather,
     std::int16_t number = 0;
     if (const std::optional<DbValue> count = stock.Field(u"Counts"_s).value())
         number = valueInt16(*count).value_or(number);
-    while (number < std::numeric_limits<std::int16_t>::max()) {
-        const QString id = automaticId(prefix, ++number);
+    return freeAutomaticId(prefix, number, [&](const QString &id) {
         stock.Open(statements::stockById(id), connection());
         breather.breathe();
-        if (stock.RecordCount() == 0)
-            return id;
-    }
-    return {}; // Intended: above 16 bits the save ends without a message
+        return stock.RecordCount() != 0;
+    });
 }
 
 } // namespace
@@ -108,9 +104,9 @@ void Inventory::saveStock()
     StockItem item = stockItem(entry);
     const bool automatic = m_controls.Combo6->entryText() == automaticIdText; // exactly: with a blank it is an ID
     if (automatic) {
-        item.id = freeStockId(automaticIdPrefix(item.category), m_breather, [this] { return connection(); });
+        item.id = findFreeStockId(automaticIdPrefix(item.category), m_breather, [this] { return connection(); });
         if (item.id.isEmpty())
-            return;
+            return; // Intended: no message
     }
     storeStock(item, automatic);
 }

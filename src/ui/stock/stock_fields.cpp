@@ -2,6 +2,7 @@
 #include "ui/stock/stock_fields.h"
 
 #include "basic/numbers.h"
+#include "basic/stock_id.h"
 #include "basic/text.h"
 #include "store/statement_texts.h"
 #include "ui/controls.h"

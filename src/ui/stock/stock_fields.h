@@ -2,7 +2,7 @@
 // The fields in which a stock item is entered.
 #pragma once
 
-#include "basic/stock_entry.h"
+#include "basic/stock_entry_rules.h"
 
 namespace harrowby {
 

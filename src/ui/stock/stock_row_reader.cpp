@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/stock/stock_row_reader.h"
 
-#include "basic/stock_entry.h"
+#include "basic/reorder_level.h"
 #include "store/recordset.h"
 
 using namespace Qt::StringLiterals;

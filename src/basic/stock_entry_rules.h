@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <harrowby/db_value.h>
-
+#include <QLatin1StringView>
 #include <QString>
 
-#include <cstdint>
-
-/// A stock item as it is entered, checked and stored.
+/// A stock item as it is entered, checked and stored. An automatic ID: stock_id.h.
 namespace harrowby {
-
-/// The text of the ID field that asks for an automatic ID.
-inline constexpr QLatin1StringView automaticIdText("(Auto ID)");
 
 /// Whether an item is sold.
 inline constexpr QLatin1StringView enabledText("Enabled");
@@ -51,16 +45,8 @@ struct StockItem
 };
 [[nodiscard]] StockItem stockItem(const StockEntry &faultless);
 
-/// First three characters of the category, upper-cased; a shorter category gives fewer.
-[[nodiscard]] QString automaticIdPrefix(const QString &category);
-/// prefix "-" number, which has four digits at least.
-[[nodiscard]] QString automaticId(const QString &prefix, std::int16_t number);
-
 /// "Update Stock [item as it is listed] with new values?"
 [[nodiscard]] QString updateQuestion(const QString &listedKey, const StockItem &item);
 [[nodiscard]] QString multipleEntriesText(const StockItem &item);
-
-/// Whether an item is at or below its reorder level. A missing figure is neither.
-[[nodiscard]] bool needsReorder(const DbValue &reorderLevel, const DbValue &available);
 
 } // namespace harrowby

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "basic/stock_entry.h"
+#include "basic/stock_entry_rules.h"
 
 #include "basic/item_key.h"
 #include "basic/numbers.h"
-#include "basic/values.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,11 +20,6 @@ bool isAmount(const QString &text)
 bool isUse(const QString &text)
 {
     return text.compare(enabledText, Qt::CaseInsensitive) == 0 || text.compare(disabledText, Qt::CaseInsensitive) == 0;
-}
-
-bool isMissing(const DbValue &value)
-{
-    return std::holds_alternative<std::monostate>(value);
 }
 
 } // namespace
@@ -83,25 +77,6 @@ StockItem stockItem(const StockEntry &faultless)
     };
 }
 
-QString automaticIdPrefix(const QString &category)
-{
-    constexpr int characters = 3;
-    qsizetype end = 0;
-    for (int i = 0; i < characters && end < category.size(); ++i) {
-        // A surrogate pair is never split: UTF-8 has no half of one.
-        const bool isPair =
-            category.at(end).isHighSurrogate() && category.size() > end + 1 && category.at(end + 1).isLowSurrogate();
-        end += isPair ? 2 : 1;
-    }
-    return category.left(end).toUpper();
-}
-
-QString automaticId(const QString &prefix, std::int16_t number)
-{
-    constexpr int digits = 4;
-    return prefix + u'-' + QString::number(number).rightJustified(digits, u'0');
-}
-
 QString updateQuestion(const QString &listedKey, const StockItem &item)
 {
     return u"Update Stock ["_s + listedKey + u"] with "_s + itemKey(item.id, item.name) + u", "_s + item.category +
@@ -113,11 +88,6 @@ QString multipleEntriesText(const StockItem &item)
 {
     return u"Stock ["_s + item.name + u"] with ID ["_s + item.id +
            u"] cannot be updated because multiple entries already exist. Change Stock ID or Item Name and try again!"_s;
-}
-
-bool needsReorder(const DbValue &reorderLevel, const DbValue &available)
-{
-    return !isMissing(reorderLevel) && !isMissing(available) && valueNumber(reorderLevel) >= valueNumber(available);
 }
 
 } // namespace harrowby
