@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue.h"
 
+#include "basic/dates.h"
+#include "basic/item_key.h"
+#include "basic/purchase_id.h"
+#include "basic/purchase_text.h"
+
 #include <QByteArray>
+#include <QDateTime>
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <memory>
+
+using namespace Qt::StringLiterals;
 
 namespace harrowby::bench {
 
@@ -101,27 +109,36 @@ bool fillCategories(sqlite3 *database)
     return done;
 }
 
-/// Two lines of two items, as the till writes them.
-QByteArray purchasedItems(int number, int items)
+QString keyOf(int item, int items)
 {
-    const int first = number % items;
+    return itemKey(QString::fromLatin1(itemId(item)), QString::fromLatin1(itemName(item, items)));
+}
+
+/// Two lines of two items.
+QString itemsOf(int number, int items)
+{
     const int second = static_cast<int>(qint64{number} * 31 % items);
-    return "1 x " + itemId(first) + "  |  " + itemName(first, items) + " = 4.50, 2 x " + itemId(second) + "  |  " +
-           itemName(second, items) + " = 12.80";
+    return purchasedItems(
+        {{u"1"_s, keyOf(number % items, items), u"4.50"_s}, {u"2"_s, keyOf(second, items), u"12.80"_s}});
+}
+
+/// Spread over twelve hours of each day, ending with today.
+QDateTime timeOf(int number, int purchases, const QDate &today)
+{
+    const int back = purchases - 1 - number;
+    const int minute = 8 * 60 + (purchasesADay - 1 - back % purchasesADay) * 12 * 60 / purchasesADay;
+    return {today.addDays(-(back + purchasesADay / 2) / purchasesADay), QTime(minute / 60, minute % 60, number % 60),
+            Qt::UTC};
 }
 
 bool insertPurchase(sqlite3_stmt *statement, int number, int purchases, int items, const QDate &today)
 {
-    const int back = purchases - 1 - number;
-    const int minuteOfDay = 8 * 60 + (purchasesADay - 1 - back % purchasesADay) * 12 * 60 / purchasesADay;
-    const QByteArray minute = digits(minuteOfDay % 60, 2);
-    const QByteArray date = today.addDays(-(back + purchasesADay / 2) / purchasesADay).toString(u"yyMMdd").toLatin1() +
-                            digits(minuteOfDay / 60, 2) + minute + digits(number % 60, 2);
-    bindText(statement, 1, "HV" + date + minute);
-    bindText(statement, 2, purchasedItems(number, items));
+    const QDateTime time = timeOf(number, purchases, today);
+    bindText(statement, 1, purchaseId(time).toLatin1());
+    bindText(statement, 2, itemsOf(number, items).toLatin1());
     sqlite3_bind_double(statement, 3, 2.0);
     sqlite3_bind_double(statement, 4, 17.3);
-    bindText(statement, 5, date);
+    bindText(statement, 5, purchasedDate(time).toLatin1());
     bindText(statement, 6, "CASHIER" + QByteArray::number(number % cashiers));
     return insertRow(statement);
 }
