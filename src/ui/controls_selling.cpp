@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Panels that sell: quick sales, custom sale, search result and keypad.
 #include "ui/controls.h"
+#include "ui/search_columns.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/grid_walk.h"
@@ -91,7 +92,7 @@ void Controls::createCustomSale()
 
 void Controls::createSearchResult()
 {
-    LV2 = new RowList({QString(), u"Stock ID"_s, u"Stock Name"_s, u"Stock Category"_s}, Frame11);
+    LV2 = new RowList(searchHeadings(), Frame11);
     LV2->setObjectName(u"LV2"_s);
     LV2->setAccessibleName(u"Search result"_s);
     LV2->setItemDelegate(new TwoLineDelegate(LV2));

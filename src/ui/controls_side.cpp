@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The right-hand area: cart, sales activity and dashboard.
+#include "ui/cart_columns.h"
 #include "ui/controls.h"
 #include "ui/dashboard_elements.h"
 #include "ui/widget_factory.h"
@@ -102,13 +103,13 @@ void Controls::createSideArea()
 
 void Controls::createCart()
 {
-    LV3 = new RowList({u"Item"_s, u"Qty"_s, u"Cost"_s}, Frame4);
+    LV3 = new RowList(cartHeadings(), Frame4);
     LV3->setObjectName(u"LV3"_s);
     LV3->setAccessibleName(u"Cart"_s);
     LV3->setColumnShares({10, 1, 2});
     LV3->setColumnSamples({{}, u"999"_s, u"99,999.00"_s});
-    LV3->setFigureColumns({1, 2});
-    LV3->setItemDelegateForColumn(0, new ItemKeyDelegate(LV3));
+    LV3->setFigureColumns({CartColumn::Qty, CartColumn::Cost});
+    LV3->setItemDelegateForColumn(CartColumn::Item, new ItemKeyDelegate(LV3));
     Label5 = new TotalLabel(Frame4);
     Label5->setObjectName(u"Label5"_s);
     Label5->setText(u"Total: 0.00"_s);

@@ -3,6 +3,7 @@
 #include "theme/measures.h"
 #include "ui/controls.h"
 #include "ui/form_layout.h"
+#include "ui/stock_columns.h"
 #include "ui/widget_factory.h"
 #include "ui/widgets/elided_label.h"
 #include "ui/widgets/form_panel.h"
@@ -31,7 +32,7 @@ LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &capti
     level->setObjectName(name);
     level->setText(u"0"_s);
     level->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    level->setMinimumHeight(touchHeight);
+    level->setMinimumHeight(touchTarget);
     level->setAccessibleDescription(caption);
     setStyleWord(level, u"value"_s);
     return level;
@@ -73,15 +74,13 @@ void Controls::createStockFields()
 
 void Controls::createStockList()
 {
-    LV = new RowList({u"Stock ID"_s, u"Stock Name"_s, u"Category"_s, u"Unit Cost"_s, u"R. Level"_s, u"Avail."_s,
-                      u"Use"_s, u"Last Updated"_s},
-                     Frame10);
+    LV = new RowList(stockHeadings(), Frame10);
     LV->setObjectName(u"LV"_s);
     LV->setAccessibleName(u"Existing stock"_s);
     LV->setItemDelegate(new TwoLineDelegate(LV));
     LV->setColumnShares({0, 8, 1, 0, 0, 0, 0, 0});
     LV->setColumnSamples({u"OOO-0000"_s, {}, u"BEVERAGES"_s, u"9,999.00"_s, {}, {}, u"Disabled"_s, u"22-Oct-26 "_s});
-    LV->setFigureColumns({3, 4, 5});
+    LV->setFigureColumns({StockColumn::Cost, StockColumn::ReorderLevel, StockColumn::Available});
     Command5 = makeButton(Frame10, u"Command5"_s, u"Edit Stock"_s);
     Command6 = makeButton(Frame10, u"Command6"_s, u"Delete Stock"_s);
     Command7 = makePictureButton(Frame10, u"Command7"_s, u"refresh"_s, u"Read the stock list again"_s);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace harrowby {
 
@@ -16,6 +17,14 @@ inline constexpr int Available = 5;
 inline constexpr int Use = 6;
 inline constexpr int LastUpdated = 7;
 } // namespace StockColumn
+
+/// Their headings.
+[[nodiscard]] inline QStringList stockHeadings()
+{
+    return {QStringLiteral("Stock ID"),  QStringLiteral("Stock Name"),  QStringLiteral("Category"),
+            QStringLiteral("Unit Cost"), QStringLiteral("R. Level"),    QStringLiteral("Avail."),
+            QStringLiteral("Use"),       QStringLiteral("Last Updated")};
+}
 
 /// Texts of a stock item as the existing-stock list takes them, in its columns' order.
 struct ListedStock

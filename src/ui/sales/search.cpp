@@ -6,6 +6,7 @@
 #include "ui/inventory.h"
 #include "ui/panels.h"
 #include "ui/row_loop.h"
+#include "ui/search_columns.h"
 #include "ui/widgets/pick_list.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
@@ -17,17 +18,6 @@
 using namespace Qt::StringLiterals;
 
 namespace harrowby {
-
-namespace {
-
-/// Columns of the search result.
-namespace ResultColumn {
-constexpr int Id = 1;
-constexpr int Name = 2;
-constexpr int Category = 3;
-} // namespace ResultColumn
-
-} // namespace
 
 void Inventory::searchStock()
 {
