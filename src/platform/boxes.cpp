@@ -3,6 +3,7 @@
 
 #include "basic/text.h"
 #include "input/early_key_filter.h"
+#include "input/touch_target.h"
 #include "platform/long_text.h"
 
 #include <QAbstractButton>
@@ -28,10 +29,9 @@ constexpr int buttonBits = 0x0f;
 constexpr int iconBits = 0x70;
 constexpr int defaultBits = 0x300;
 
-// Touch targets, also where no style sheet of the application applies to the box. The same 44 as touchHeight in
-// theme/measures.h, which this room may not include.
-constexpr QSize touchSize(88, 44);
-constexpr QSize inputSize(320, 44);
+// Also where no style sheet of the application applies to the box.
+constexpr QSize touchSize(88, touchTarget);
+constexpr QSize inputSize(320, touchTarget);
 
 /// A dialog that its parent may destroy while it runs.
 template <class Dialog>

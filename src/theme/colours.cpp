@@ -15,6 +15,8 @@ constexpr double textContrast = 4.5;
 constexpr double figureContrast = 7.0;
 constexpr double edgeContrast = 3.1;
 
+constexpr QRgb darkDanger = 0xffff8076; ///< red, on dark grounds
+
 double linear(double channel)
 {
     return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
@@ -79,7 +81,7 @@ void setTexts(Colours &colours, const QPalette &palette)
     colours.price = readable(colours.dark ? colours.accent : mixed(colours.accent, Qt::black, 0.15),
                              {colours.card, colours.tile, colours.field, mixed(colours.card, colours.accent, 0.16)},
                              figureContrast);
-    colours.link = colours.dark ? readable(QColor(140, 180, 255), grounds, textContrast + 0.5) : QColor(0, 0, 255);
+    colours.link = colours.dark ? readable(QColor(darkLink), grounds, textContrast + 0.5) : QColor(lightLink);
 }
 
 void setAccents(Colours &colours)
@@ -91,13 +93,13 @@ void setAccents(Colours &colours)
     colours.selection = mixed(colours.card, colours.accent, 0.16);
     colours.chosenRow = mixed(colours.field, colours.accent, 0.25);
     colours.stripe = colours.dark ? colours.card : colours.tile;
-    colours.danger = colours.dark ? QColor(255, 128, 118) : QColor(186, 14, 14);
+    colours.danger = colours.dark ? QColor(darkDanger) : QColor(186, 14, 14);
     colours.onDanger = colours.dark ? QColor(45, 0, 0) : QColor(Qt::white);
 }
 
 void setStockSigns(Colours &colours)
 {
-    colours.lowRow = colours.dark ? readable(QColor(255, 128, 118), {colours.field, colours.selection}, textContrast)
+    colours.lowRow = colours.dark ? readable(QColor(darkDanger), {colours.field, colours.selection}, textContrast)
                                   : QColor(255, 0, 0);
     colours.enoughRow = colours.dark ? colours.text : QColor(0, 0, 0);
     colours.lowLevel = colours.dark ? QColor(255, 110, 98) : QColor(255, 0, 0);

@@ -7,11 +7,13 @@ class QPalette;
 
 namespace harrowby {
 
-/// The accent, which palettes of the program's own choose too, and what is written on it.
+/// The accent, which palettes of the program's own choose too, what is written on it, and the blue of links.
 constexpr QRgb lightAccent = 0xff006256;
 constexpr QRgb darkAccent = 0xff40c9ac;
 constexpr QRgb onLightAccent = 0xffffffff;
 constexpr QRgb onDarkAccent = 0xff041e19;
+constexpr QRgb lightLink = 0xff0000ff;
+constexpr QRgb darkLink = 0xff8cb4ff;
 
 /// What each colour is for. All of them follow the application's palette; the style texts and every widget that paints
 /// itself take their colours from here. Texts and edges are moved towards black or white until they can be read.
@@ -40,7 +42,7 @@ struct Colours
     QColor price;    ///< prices and totals, at least 7:1
     QColor danger;   ///< out of stock
     QColor onDanger; ///< text on it
-    QColor link;     ///< blue
+    QColor link;     ///< lightLink or darkLink
 
     QColor lowRow;    ///< text of a list row at or below its reorder level: red
     QColor enoughRow; ///< text of the other rows: black

@@ -65,7 +65,7 @@ void enlargeFont(QWidget &window)
 void makeTouchSized(QWidget &window)
 {
     for (auto *button : window.findChildren<QAbstractButton *>())
-        button->setMinimumSize(touchWidth, touchHeight);
+        button->setMinimumSize(touchWidth, touchTarget);
 }
 
 void centreCaptions(QFormLayout &form)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "input/touch_target.h" // for those who dress a window
+
 #include <QSize>
 
 namespace harrowby {
@@ -12,14 +14,11 @@ enum class Shape {
     Tall    ///< so too, and the side area below the panels that sell
 };
 
-/// How much room controls and texts take. The least that a finger needs is the same in each.
+/// How much room controls and texts take. The least that a finger needs is the same in each (input/touch_target.h).
 enum class Density { Compact, Usual, Large };
 
 [[nodiscard]] Shape shapeOf(const QSize &window);
 [[nodiscard]] Density densityOf(const QSize &window);
-
-/// The least height of what a finger touches, in device-independent pixels.
-constexpr int touchHeight = 44;
 
 /// Lengths in device-independent pixels.
 struct Measures

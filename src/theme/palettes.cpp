@@ -13,9 +13,9 @@ struct Shades
 };
 
 const Shades lightShades = {QColor(0xefefef), Qt::white,           QColor(0xefefef),      Qt::black,
-                            QColor(0x767676), QColor(lightAccent), QColor(onLightAccent), QColor(0x0000ff)};
+                            QColor(0x767676), QColor(lightAccent), QColor(onLightAccent), QColor(lightLink)};
 const Shades darkShades = {QColor(0x353535), QColor(0x232323),   QColor(0x353535),     Qt::white,
-                           QColor(0x9a9a9a), QColor(darkAccent), QColor(onDarkAccent), QColor(0x8cb4ff)};
+                           QColor(0x9a9a9a), QColor(darkAccent), QColor(onDarkAccent), QColor(darkLink)};
 
 QPalette paletteOf(const Shades &shades)
 {
