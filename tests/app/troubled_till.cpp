@@ -112,7 +112,7 @@ void TroubledTill::connectAll()
         told << failure.path + u": "_s + failure.reason;
         toldOfFiles.insert(failure.kind);
     });
-    m_log.setHandler([this](const QString &reason) { hasLogTrouble = !reason.isEmpty(); });
+    m_log.setHandler([this](const Result<void, QString> &written) { hasLogTrouble = !written; });
     InvBasic::setConnection(m_connection);
 }
 
