@@ -59,7 +59,7 @@ TableView::TableView(QWidget *parent) : QTreeView(parent), m_model(new TableMode
     setSelectionBehavior(SelectRows);
     setSortingEnabled(true);
     setHorizontalScrollMode(ScrollPerPixel);
-    header()->setMinimumHeight(touchTarget);
+    header()->setMinimumHeight(touchHeight);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     connect(header(), &QHeaderView::sortIndicatorChanged, this, &TableView::followHeading);

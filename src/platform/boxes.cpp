@@ -30,8 +30,8 @@ constexpr int iconBits = 0x70;
 constexpr int defaultBits = 0x300;
 
 // Also where no style sheet of the application applies to the box.
-constexpr QSize touchSize(88, touchTarget);
-constexpr QSize inputSize(320, touchTarget);
+constexpr QSize touchSize(88, touchHeight);
+constexpr QSize inputSize(320, touchHeight);
 
 /// A dialog that its parent may destroy while it runs.
 template <class Dialog>

@@ -65,7 +65,7 @@ void enlargeFont(QWidget &window)
 void makeTouchSized(QWidget &window)
 {
     for (auto *button : window.findChildren<QAbstractButton *>())
-        button->setMinimumSize(touchWidth, touchTarget);
+        button->setMinimumSize(touchWidth, touchHeight);
 }
 
 void centreCaptions(QFormLayout &form)

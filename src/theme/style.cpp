@@ -63,8 +63,8 @@ QString withMeasures(QString sheet, const Measures &measures)
     const std::pair<QString, int> lengths[] = {
         {u"@control@"_s, measures.control},
         {u"@control-focus@"_s, measures.control - 2},
-        {u"@finger@"_s, touchTarget},
-        {u"@touch@"_s, std::max(touchTarget, measures.control + 2)},
+        {u"@finger@"_s, touchHeight},
+        {u"@touch@"_s, std::max(touchHeight, measures.control + 2)},
         {u"@purchase@"_s, measures.purchase},
         {u"@purchase-focus@"_s, measures.purchase - 2},
         {u"@button@"_s, measures.buttonPadding},

@@ -32,7 +32,7 @@ LevelLabel *makeLevel(QWidget *parent, const QString &name, const QString &capti
     level->setObjectName(name);
     level->setText(u"0"_s);
     level->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    level->setMinimumHeight(touchTarget);
+    level->setMinimumHeight(touchHeight);
     level->setAccessibleDescription(caption);
     setStyleWord(level, u"value"_s);
     return level;
