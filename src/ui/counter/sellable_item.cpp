@@ -2,7 +2,7 @@
 #include "ui/counter/sellable_item.h"
 
 #include "basic/item_key.h"
-#include "basic/stock_entry.h"
+#include "basic/stock_entry_rules.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 #include "ui/row_loop.h"
