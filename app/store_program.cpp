@@ -223,7 +223,7 @@ void dressProgram(const CommandLine &line)
     const auto asked = lookNamed(line.look);
     if (asked && !saveLook(settings, *asked))
         printError(u"harrowby: The look could not be saved; it is used this time only.\n"_s);
-    wearLook(asked.value_or(savedLook(settings)));
+    applyLook(asked.value_or(savedLook(settings)));
 }
 
 Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &log)
@@ -238,7 +238,7 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
         return refuse(database.error());
     StoreGuard store(*std::move(database), *path, wait);
     wait.setWatcher([&sign] { sign.show(); });
-    log.prove();
+    log.probe();
     return line.office ? keepOffice(store, *path, wait, notice) : sell(store, wait, notice);
 }
 

@@ -40,8 +40,8 @@ void fillScreen(QWidget &window)
 
 BareScreen::BareScreen(QObject *parent) : QObject(parent)
 {
-    m_later.setSingleShot(true);
-    connect(&m_later, &QTimer::timeout, this, &BareScreen::settle);
+    m_arranging.setSingleShot(true);
+    connect(&m_arranging, &QTimer::timeout, this, &BareScreen::arrange);
     qApp->installEventFilter(this);
 }
 
@@ -51,7 +51,7 @@ bool BareScreen::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Show:
     case QEvent::WindowStateChange:
         if (auto *window = qobject_cast<QWidget *>(watched); window != nullptr && takesKeys(*window))
-            come(*window);
+            add(*window);
         break;
     case QEvent::MouseButtonPress:
         if (QApplication::activeWindow() != nullptr)
@@ -60,10 +60,10 @@ bool BareScreen::eventFilter(QObject *watched, QEvent *event)
         [[fallthrough]];
     case QEvent::Hide:
         if (watched->isWidgetType())
-            m_later.start();
+            m_arranging.start();
         break;
     case QEvent::Expose: // before it, XSetInputFocus on the window fails
-        m_later.start();
+        m_arranging.start();
         break;
     default:
         break;
@@ -71,7 +71,7 @@ bool BareScreen::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
-void BareScreen::come(QWidget &window)
+void BareScreen::add(QWidget &window)
 {
     if (!window.isVisible() || hasWindowManager())
         return;
@@ -79,11 +79,11 @@ void BareScreen::come(QWidget &window)
     m_windows << &window;
     if (qobject_cast<QDialog *>(&window) != nullptr && window.findChild<WindowEdge *>() == nullptr)
         new WindowEdge(window);
-    m_later.start(); // later: Qt handles the state change after this event
+    m_arranging.start(); // Qt handles the state change after this event
 }
 
 /// Takes the input focus from another program's window only when a person presses one of ours.
-void BareScreen::settle()
+void BareScreen::arrange()
 {
     const bool pressed = std::exchange(m_pressed, false);
     m_windows.removeIf([](const QPointer<QWidget> &window) { return window.isNull() || !window->isVisible(); });

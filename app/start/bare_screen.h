@@ -23,11 +23,11 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void come(QWidget &window);
-    void settle();
+    void add(QWidget &window);
+    void arrange();
 
     bool m_pressed = false;             ///< by a person, while the keys went elsewhere
-    QTimer m_later;                     ///< calls settle() once Qt has handled the event
+    QTimer m_arranging;                 ///< calls arrange() once Qt has handled the event
     QList<QPointer<QWidget>> m_windows; ///< that take keys, as they came
 };
 

@@ -92,7 +92,7 @@ bool LogFile::add(QtMsgType type, const QString &category, const QString &messag
     return outcome.has_value();
 }
 
-void LogFile::prove()
+void LogFile::probe()
 {
     tell(write({}));
 }

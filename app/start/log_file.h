@@ -30,7 +30,7 @@ public:
     /// False when the line could not be written. May be called on any thread.
     bool add(QtMsgType type, const QString &category, const QString &message);
     /// Finds out whether lines can be written, before there are any.
-    void prove();
+    void probe();
     /// Called on the thread that adds a line. To be set before that.
     void setHandler(Handler handler) { m_handler = std::move(handler); }
     [[nodiscard]] const QString &path() const { return m_path; }

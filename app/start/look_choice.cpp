@@ -57,7 +57,7 @@ std::optional<QPalette> lookPalette(LookChoice look)
     return look == LookChoice::Dark ? darkPalette() : lightPalette();
 }
 
-void wearLook(LookChoice look)
+void applyLook(LookChoice look)
 {
     if (const auto palette = lookPalette(look))
         QApplication::setPalette(*palette);

@@ -28,7 +28,7 @@ enum class LookChoice {
 /// The colours of a look; none for System.
 [[nodiscard]] std::optional<QPalette> lookPalette(LookChoice look);
 
-/// Gives them to the application. All its windows follow.
-void wearLook(LookChoice look);
+/// Sets the palette of the look on the application, which passes it on to open windows.
+void applyLook(LookChoice look);
 
 } // namespace harrowby::app

@@ -299,7 +299,7 @@ void FirstUserTest::boxesWearTheTillsTheme()
     QFETCH(const bool, dark);
     QFETCH(const QColor, colour);
     const QPalette before = QApplication::palette();
-    wearLook(dark ? LookChoice::Dark : LookChoice::Light);
+    applyLook(dark ? LookChoice::Dark : LookChoice::Light);
     QMessageBox box(icon, u"Store"_s, u"Stop it?"_s, QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::No);
     harrowby::dressBox(box);
@@ -361,7 +361,7 @@ void FirstUserTest::chosenLookIsWorn()
         }};
     QCOMPARE(savedLook(settings), look);
     const QPalette before = QApplication::palette();
-    wearLook(look);
+    applyLook(look);
     // Windows that are open already follow, too.
     QCOMPARE(harrowby::Colours::current().dark, dark);
     QCoreApplication::processEvents();

@@ -234,7 +234,7 @@ void LogFileTest::placeThatCannotBeWrittenIsToldOnce()
     LogFile log(m_path);
     QStringList told;
     log.setHandler([&](const Result<void, QString> &outcome) { told << reasonOf(outcome); });
-    log.prove();
+    log.probe();
     QCOMPARE(told, QStringList{u"Not a directory"_s});
     QVERIFY(!log.add(QtWarningMsg, u"c"_s, u"lost"_s));
     QVERIFY(!log.add(QtWarningMsg, u"c"_s, u"lost"_s));
