@@ -130,7 +130,7 @@ void TableView::resizeEvent(QResizeEvent *event)
 int TableView::usualWidth(const Column &column) const
 {
     const int heading = static_cast<int>(column.heading.size()) + headingExtra;
-    return std::max(heading, lettersOf(column.kind)) * fontMetrics().averageCharWidth();
+    return std::max({heading, lettersOf(column.kind), column.letters}) * fontMetrics().averageCharWidth();
 }
 
 bool TableView::isNarrow() const

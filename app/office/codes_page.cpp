@@ -28,11 +28,12 @@ namespace {
 
 constexpr std::size_t codeColumn = 0;
 constexpr int itemColumn = 1;
+constexpr int lettersOfCode = 22; // 14 digits are wider than as many letters
 
 tables::Table emptyTable()
 {
     tables::Table table;
-    table.columns = {{u"Code"_s, tables::Kind::Text, false},
+    table.columns = {{u"Code"_s, tables::Kind::Text, false, lettersOfCode},
                      {u"Item"_s, tables::Kind::Text, true},
                      {u"ID"_s, tables::Kind::Text, false},
                      {u"Units"_s, tables::Kind::Count, false}};
@@ -102,7 +103,7 @@ QHBoxLayout *CodesPage::makeButtons()
     makePrimary(*add);
     buttons->addWidget(add);
     m_forOne = {addButton(u"U&nits \u2026"_s, u"changeUnits"_s, &CodesPage::changeUnits),
-                addButton(u"&Give \u2026"_s, u"giveCode"_s, &CodesPage::giveCode),
+                addButton(u"&Give To \u2026"_s, u"giveCode"_s, &CodesPage::giveCode),
                 addButton(u"&Delete"_s, u"deleteCode"_s, &CodesPage::deleteCode)};
     for (QPushButton *button : std::as_const(m_forOne))
         buttons->addWidget(button);
