@@ -29,8 +29,10 @@
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
+#include "app/till/till.h"
 #include "basic/result.h"
 
+#include <harrowby/counter.h>
 #include <harrowby/file_failure.h>
 #include <harrowby/init.h>
 #include <harrowby/saved_settings.h>
@@ -158,6 +160,7 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
     LostStoreAlarm alarm(store, u"till"_s, closeTill);
     store.keepWatch();
     supplyForeignWindows(connection);
+    const Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal);
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
     if (QWidget *window = salesWindow()) {

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/banner/banner.h"
+#include "app/till/code_seller.h"
+#include "app/till/first_steps.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace harrowby::app {
+
+/// The store program's own at the counter. Made before the window opens; each window that opens gets its banner.
+class Till final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Counter and records must outlive it. `sound` is heard when something is refused.
+    Till(Counter &counter, Records &records, std::function<void()> sound);
+    ~Till() override;
+
+    [[nodiscard]] Banner &banner() { return m_banner; }
+
+private:
+    void furnish();
+    void keepCodes(const QString &oldId, const QString &newId);
+
+    Counter &m_counter;
+    Records &m_records;
+    Banner m_banner;
+    CodeSeller m_codes;
+    FirstSteps m_firstSteps;
+};
+
+} // namespace harrowby::app
