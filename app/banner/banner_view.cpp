@@ -14,7 +14,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int besides = 10; ///< left and right of the text
+constexpr int besides = 8; ///< left and right of the text
 constexpr int above = 2;
 
 QString toneName(BannerTone tone, bool isEmpty)
@@ -50,6 +50,13 @@ QString fitted(const QString &text, const QFontMetrics &metrics, const QSize &ro
     return text.first(fitting).trimmed() + u'\u2026';
 }
 
+/// So that the style sheet looks at changed properties.
+void repolish(QWidget &widget)
+{
+    widget.style()->unpolish(&widget);
+    widget.style()->polish(&widget);
+}
+
 } // namespace
 
 BannerView::BannerView(QWidget *parent) : QFrame(parent), m_label(new QLabel(this))
@@ -68,10 +75,8 @@ void BannerView::showLine(const QString &text, BannerTone tone)
 {
     m_text = tone == BannerTone::Refused && !text.isEmpty() ? u"\u26a0 "_s + text : text;
     setProperty("tone", toneName(tone, text.isEmpty()));
-    for (QWidget *dressed : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_label)}) {
-        style()->unpolish(dressed);
-        style()->polish(dressed);
-    }
+    repolish(*this);
+    repolish(*m_label);
     m_label->setAccessibleName(m_text);
     m_label->setToolTip(m_text.isEmpty() ? QString() : m_text.toHtmlEscaped());
     reportOutcome(m_label, m_text); // the whole of it is said
@@ -87,17 +92,32 @@ void BannerView::resizeEvent(QResizeEvent *event)
 void BannerView::changeEvent(QEvent *event)
 {
     QFrame::changeEvent(event);
-    if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange)
-        fit();
+    const bool isDressed = event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange;
+    if (!isDressed || m_isFitting)
+        return;
+    m_isFitting = true; // fitting dresses the label anew
+    fit();
+    m_isFitting = false;
 }
 
+/// First in smaller letters, then cut.
 void BannerView::fit()
 {
-    m_label->ensurePolished();
-    const QString shown =
-        fitted(m_text, m_label->fontMetrics(), contentsRect().adjusted(besides, above, -besides, -above).size());
+    const QSize room = contentsRect().adjusted(besides, above, -besides, -above).size();
+    setSmall(false);
+    setSmall(!m_text.isEmpty() && !fits(m_text, m_label->fontMetrics(), room));
+    const QString shown = fitted(m_text, m_label->fontMetrics(), room);
     if (m_label->text() != shown)
         m_label->setText(shown);
+}
+
+void BannerView::setSmall(bool isSmall)
+{
+    if (m_label->property("small").toBool() != isSmall) {
+        m_label->setProperty("small", isSmall);
+        repolish(*m_label);
+    }
+    m_label->ensurePolished();
 }
 
 } // namespace harrowby::app

@@ -9,8 +9,8 @@ class QLabel;
 
 namespace harrowby::app {
 
-/// A line of text that wraps within a place of fixed height; what does not fit ends in an ellipsis, and the tool tip
-/// has all of it.
+/// A text that wraps within a place of fixed height, in smaller letters where it has to; what does not fit even so ends
+/// in an ellipsis, and the tool tip has all of it.
 class BannerView final : public QFrame
 {
     Q_OBJECT
@@ -26,9 +26,11 @@ protected:
 
 private:
     void fit();
+    void setSmall(bool isSmall);
 
     QLabel *m_label;
     QString m_text;
+    bool m_isFitting = false;
 };
 
 } // namespace harrowby::app

@@ -24,8 +24,7 @@ void FirstSteps::look()
     const auto any = m_records.read({u"select StockID from StockList limit 1"_s, {}});
     if (any && any->isEmpty())
         m_banner.say(BannerTopic::FirstSteps,
-                     u"Set up the shop: 1. categories under \"Settings\"; 2. items under \"Add/Edit Stock\"; "
-                     "3. users and receipt in the store's office."_s);
+                     u"1. Settings: categories. 2. Add/Edit Stock: items. 3. Office: users, receipt."_s);
     else
         m_banner.clear(BannerTopic::FirstSteps);
 }

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void newViewShowsWhatWasSaid();
     void nothingIsLostWithoutAView();
     void longTextEndsInAnEllipsis();
+    void textThatJustFitsGetsSmallerLetters();
     void textIsPlain();
     void sizeIsThePlaces();
 
@@ -115,6 +116,19 @@ void BannerTest::longTextEndsInAnEllipsis()
     QVERIFY(lines.height() <= label()->height());
     m_view->setFixedSize(1200, 200);
     QTRY_COMPARE(label()->text(), text);
+}
+
+void BannerTest::textThatJustFitsGetsSmallerLetters()
+{
+    m_view->setFixedSize(266, 44); // of the smallest window
+    m_banner->say(BannerTopic::FirstSteps, u"Short."_s);
+    const int usual = label()->fontMetrics().height();
+    const QString text = u"1. Settings: categories. 2. Add/Edit Stock: items. 3. Office: users, receipt."_s;
+    m_banner->say(BannerTopic::FirstSteps, text);
+    QCOMPARE(label()->text(), text);
+    QVERIFY(label()->fontMetrics().height() < usual);
+    m_banner->say(BannerTopic::FirstSteps, u"Short."_s);
+    QCOMPARE(label()->fontMetrics().height(), usual);
 }
 
 void BannerTest::textIsPlain()
