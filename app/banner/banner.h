@@ -15,6 +15,7 @@ class BannerView;
 /// Who says something; the later one goes before the earlier one while both have something to say.
 enum class BannerTopic {
     FirstSteps, ///< what to do first in a shop without items
+    Reader,     ///< that a code reader is gone, or back
     Change,     ///< what the customer gets back, until the next item
     Cart,       ///< what became of the whole cart
     Code,       ///< what became of the last code, until the next one

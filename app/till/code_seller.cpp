@@ -54,6 +54,11 @@ QString wordsOf(Reason reason, const QString &item)
     }
 }
 
+QString boxIsOpen()
+{
+    return u"A code was not taken: close the box first."_s;
+}
+
 /// What the cashier should see that the cart does not say by itself.
 QString soldWords(const FoundCode &item)
 {
@@ -135,10 +140,16 @@ void CodeSeller::tellRefusal(Counter::CodeRefusal why)
 {
     switch (why) {
     case Counter::CodeRefusal::BoxOpen:
-        return refuse(u"A code was not taken: close the box first."_s);
+        return refuse(boxIsOpen());
     case Counter::CodeRefusal::Mixed:
         return refuse(u"Two readers came at once, and neither code was taken. Scan again, one after the other."_s);
     }
+}
+
+void CodeSeller::tellDeviceRefusal(CodeReaders::Refusal why)
+{
+    const bool isLong = why == CodeReaders::Refusal::TooLong;
+    refuse(isLong ? u"What was read is too long for a code."_s : boxIsOpen());
 }
 
 void CodeSeller::refuse(const QString &text)

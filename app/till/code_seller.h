@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/codes/code_finder.h"
+#include "app/readers/code_readers.h"
 
 #include <harrowby/counter.h>
 
@@ -26,6 +27,8 @@ public:
 
     void sell(const QString &code);
     void tellRefusal(Counter::CodeRefusal why);
+    /// The same of readers that are named by their device.
+    void tellDeviceRefusal(CodeReaders::Refusal why);
 
 private:
     [[nodiscard]] QString refusalOf(const QString &code, const FoundCode &found) const;

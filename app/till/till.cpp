@@ -10,20 +10,38 @@
 
 namespace harrowby::app {
 
-Till::Till(Counter &counter, Records &records, std::function<void()> sound) :
+Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound) :
     m_counter(counter), m_records(records), m_codes(counter, records, m_banner, std::move(sound)),
     m_firstSteps(counter, records, m_banner)
 {
     m_records.setBeforeWriting([&counter] { counter.finishReading(); });
     connect(&m_counter, &Counter::windowOpened, this, &Till::furnish);
     connect(&m_counter, &Counter::stockSaved, this, &Till::keepCodes);
+    takeCodes(settings);
     if (m_counter.isOpen())
         furnish();
 }
 
 Till::~Till()
 {
+    m_counter.takeCodes({});
     m_records.setBeforeWriting({});
+}
+
+/// Of readers that type, and of those that are named by their device.
+void Till::takeCodes(const OfficeSettings &settings)
+{
+    const ReaderSettings readers = readReaderSettings(settings);
+    if (readers.typing)
+        m_counter.takeCodes(CodeReaderSettings{.longestGapMs = readers.gapMs, .prefix = readers.prefix});
+    m_readers = std::make_unique<CodeReaders>(readers.devices);
+    connect(m_readers.get(), &CodeReaders::codeRead, &m_codes, &CodeSeller::sell);
+    connect(m_readers.get(), &CodeReaders::codeRefused, &m_codes, &CodeSeller::tellDeviceRefusal);
+    connect(m_readers.get(), &CodeReaders::readerLost, this, [this](const QString &, const QString &text) {
+        m_banner.say(BannerTopic::Reader, text, BannerTone::Refused);
+    });
+    connect(m_readers.get(), &CodeReaders::readerFound, this,
+            [this](const QString &, const QString &text) { m_banner.say(BannerTopic::Reader, text); });
 }
 
 void Till::furnish()

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "app/banner/banner.h"
+#include "app/readers/code_readers.h"
+#include "app/shop/office_settings.h"
 #include "app/till/code_seller.h"
 #include "app/till/first_steps.h"
 
@@ -9,6 +11,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 namespace harrowby::app {
 
@@ -18,13 +21,15 @@ class Till final : public QObject
     Q_OBJECT
 
 public:
-    /// Counter and records must outlive it. `sound` is heard when something is refused.
-    Till(Counter &counter, Records &records, std::function<void()> sound);
+    /// Counter and records must outlive it; the settings say which code readers this machine has. `sound` is heard when
+    /// something is refused.
+    Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound);
     ~Till() override;
 
     [[nodiscard]] Banner &banner() { return m_banner; }
 
 private:
+    void takeCodes(const OfficeSettings &settings);
     void furnish();
     void keepCodes(const QString &oldId, const QString &newId);
 
@@ -33,6 +38,7 @@ private:
     Banner m_banner;
     CodeSeller m_codes;
     FirstSteps m_firstSteps;
+    std::unique_ptr<CodeReaders> m_readers;
 };
 
 } // namespace harrowby::app

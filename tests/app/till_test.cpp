@@ -75,7 +75,9 @@ void TillTest::init()
     file.addItem(u"M1"_s, u"Mint tea"_s, 1, 10);
     m_records = std::make_unique<SqliteRecords>(file.handle());
     m_records->setFailureHandler([this](const DbFailure &failure) { m_failures << failure; });
-    m_till = std::make_unique<Till>(harrowby::Counter::instance(), *m_records, [this] { ++m_sounds; });
+    const OfficeSettings settings = {
+        [](const QString &, const QString &, const QString &defaultValue) { return defaultValue; }, {}};
+    m_till = std::make_unique<Till>(harrowby::Counter::instance(), *m_records, settings, [this] { ++m_sounds; });
     m_counter->open();
     QCoreApplication::sendPostedEvents();
     m_counter->logIn();
