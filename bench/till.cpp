@@ -2,6 +2,7 @@
 #include "bench/till.h"
 
 #include "app/search/finding_connection.h"
+#include "basic/quick_sale_page.h"
 #include "bench/catalogue.h"
 #include "bench/paint_watch.h"
 #include "store/inv_basic.h"
@@ -20,12 +21,6 @@
 using namespace Qt::StringLiterals;
 
 namespace harrowby::bench {
-
-namespace {
-
-constexpr int pageSize = 9;
-
-} // namespace
 
 Till::Till(sqlite3 *database, const QDateTime &now) :
     m_boxes(std::make_shared<YesBoxes>()),
@@ -138,13 +133,13 @@ bool Till::fillCart(int lines)
 {
     bool filled = firstPage();
     for (int line = 0; filled && line < lines; ++line)
-        filled = (line == 0 || line % pageSize != 0 || nextPage()) && press(line % pageSize);
+        filled = (line == 0 || line % quickSaleButtons != 0 || nextPage()) && press(line % quickSaleButtons);
     return filled && cartLines() == lines;
 }
 
 int Till::lastButton() const
 {
-    return (cartLines() - 1) % pageSize;
+    return (cartLines() - 1) % quickSaleButtons;
 }
 
 bool Till::firstPage()
