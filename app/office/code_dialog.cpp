@@ -26,7 +26,7 @@ CodeDialog::CodeDialog(Records &records, const QString &code, QWidget *parent) :
     enlargeFont(*this);
     layOut();
     dressDialog(*this);
-    resize(QSize(640, 600).boundedTo(screen()->availableSize()));
+    resize(QSize(640, 540).boundedTo(screen()->availableSize()));
     connect(m_action, &QPushButton::clicked, this, &CodeDialog::act);
 }
 
