@@ -15,7 +15,7 @@ namespace {
 // compared only there.
 constexpr QLatin1StringView times = purchase::quantityJoint;
 constexpr QLatin1StringView equals = purchase::amountJoint;
-constexpr QLatin1StringView joint = purchase::elementJoint;
+constexpr QLatin1StringView separator = purchase::elementJoint;
 
 constexpr int mostDigits = 17;
 /// Exact, all of them.
@@ -83,10 +83,10 @@ qsizetype findEquals(QStringView text, qsizetype from)
 }
 
 /// Where ", " stands next; below 0 when nowhere.
-qsizetype findJoint(QStringView text, qsizetype from)
+qsizetype findSeparator(QStringView text, qsizetype from)
 {
     for (qsizetype at = text.indexOf(u',', from); at >= 0; at = text.indexOf(u',', at + 1)) {
-        if (standsAt(text, at, joint))
+        if (standsAt(text, at, separator))
             return at;
     }
     return -1;
@@ -102,12 +102,12 @@ std::optional<Number> readStart(QStringView text, qsizetype at)
     return quantity;
 }
 
-/// Where the next line begins behind a joint, from `at` on; the text's length when none does.
+/// Where the next line begins behind a separator, from `at` on; the text's length when none does.
 qsizetype nextStart(QStringView text, qsizetype at)
 {
-    for (qsizetype found = findJoint(text, at); found >= 0; found = findJoint(text, found + 1)) {
-        if (readStart(text, found + joint.size()))
-            return found + joint.size();
+    for (qsizetype found = findSeparator(text, at); found >= 0; found = findSeparator(text, found + 1)) {
+        if (readStart(text, found + separator.size()))
+            return found + separator.size();
     }
     return text.size();
 }
@@ -118,8 +118,8 @@ struct LineEnd
     Number amount;
 };
 
-/// Finds the amount that ends a line. One with a joint behind it that no line follows may belong to the name, or what
-/// follows may be rubbish: it is rubbish when a line begins between it and the next possible end.
+/// Finds the amount that ends a line. One with a separator behind it that no line follows may belong to the name, or
+/// what follows may be rubbish: it is rubbish when a line begins between it and the next possible end.
 std::optional<LineEnd> findEnd(QStringView text, qsizetype keyStart)
 {
     std::optional<LineEnd> doubtful;
@@ -131,10 +131,10 @@ std::optional<LineEnd> findEnd(QStringView text, qsizetype keyStart)
         if (afterDoubt < at)
             return doubtful;
         const LineEnd end{at, *amount};
-        const bool joined = standsAt(text, amount->end, joint);
-        if (amount->end == text.size() || (joined && readStart(text, amount->end + joint.size())))
+        const bool isFollowed = standsAt(text, amount->end, separator);
+        if (amount->end == text.size() || (isFollowed && readStart(text, amount->end + separator.size())))
             return end;
-        if (joined && !doubtful) {
+        if (isFollowed && !doubtful) {
             doubtful = end;
             afterDoubt = nextStart(text, amount->end);
         }
@@ -171,7 +171,7 @@ void readItemLines(QStringView text, ItemLines &result)
             break;
         }
         addLine(text, *start, *end, result);
-        at = end->amount.end + joint.size();
+        at = end->amount.end + separator.size();
     }
 }
 

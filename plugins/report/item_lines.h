@@ -21,8 +21,8 @@ struct ItemLines
     bool whole = false; ///< every part of the text was a line
 };
 
-/// Takes a purchase's stored text apart. The joints are not escaped there, so a name may hold " x ", " = " and ", ": a
-/// line ends at the first amount that another line, or nothing, follows. `result` is given for its memory.
+/// Takes a purchase's stored text apart. The separators are not escaped there, so a name may hold " x ", " = " and ",
+/// ": a line ends at the first amount that another line, or nothing, follows. `result` is given for its memory.
 void readItemLines(QStringView text, ItemLines &result);
 
 struct IdAndName

@@ -33,7 +33,7 @@ void ItemTally::add(QStringView key, double quantity, double amount)
 
 void ItemTally::settle()
 {
-    fetch();
+    prefetch();
     for (const Line &line : m_gathered) {
         ItemSums &sums = sumsOf(QStringView(m_keys).sliced(line.begin, line.size), line.hash);
         ++sums.purchases;
@@ -45,23 +45,23 @@ void ItemTally::settle()
 }
 
 /// The entry in the first slot that such a key may be in.
-const ItemEntry *ItemTally::likely(std::uint32_t hash) const
+const ItemEntry *ItemTally::firstCandidate(std::uint32_t hash) const
 {
     const Slot &slot = m_slots[hash & (m_slots.size() - 1)];
     return slot.entry != 0 ? &m_entries[slot.entry - 1] : nullptr;
 }
 
 /// Prefetches the entries, and then their keys.
-void ItemTally::fetch() const
+void ItemTally::prefetch() const
 {
     if (m_slots.empty())
         return;
     for (const Line &line : m_gathered) {
-        if (const ItemEntry *entry = likely(line.hash))
+        if (const ItemEntry *entry = firstCandidate(line.hash))
             __builtin_prefetch(entry);
     }
     for (const Line &line : m_gathered) {
-        if (const ItemEntry *entry = likely(line.hash))
+        if (const ItemEntry *entry = firstCandidate(line.hash))
             __builtin_prefetch(entry->key.constData());
     }
 }

@@ -23,9 +23,9 @@ struct ItemEntry
 };
 
 /// The sums of each item key. Lookups take a view into a longer text. A long period has millions of lines over a
-/// hundred thousand keys, more than the caches hold, and memory latency took longer than reading them; so lines are
-/// gathered and their entries prefetched some dozens at a time. With one lookup a line, the report by item took 3.3
-/// times its statements; the limit is 2.5.
+/// hundred thousand keys, more than the caches hold, so that lookups are bound by memory latency: lines are gathered
+/// and their entries prefetched some dozens at a time. With a QHash and one lookup a line, the report by item
+/// takes 4.03 times its statements instead of 1.95; the limit is 2.5.
 class ItemTally
 {
 public:
@@ -51,8 +51,8 @@ private:
         double amount = 0.0;
     };
 
-    [[nodiscard]] const ItemEntry *likely(std::uint32_t hash) const;
-    void fetch() const;
+    [[nodiscard]] const ItemEntry *firstCandidate(std::uint32_t hash) const;
+    void prefetch() const;
     [[nodiscard]] ItemSums &sumsOf(QStringView key, std::uint32_t hash);
     void grow();
 
