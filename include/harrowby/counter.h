@@ -164,11 +164,19 @@ public:
     // Codes
     /// From now on bursts are recognised and told by codeRead() or codeRefused(). Without settings, as at first, none
     /// is, and every key goes where it always went.
+    ///
+    /// A code that is read while an entry that takes text has the focus lands there, without Enter, and is not told;
+    /// for entries of figures it is. Entries that hide their text are left alone. This holds in all windows of the
+    /// process.
     void takeCodes(const std::optional<CodeReaderSettings> &settings);
+    /// To be called from a slot of codeRead() when nobody knows the code. What was typed right behind it, within the
+    /// gap, is then refused as Mixed: it may be the end of a second reader's code, and another item's.
+    void codeNotKnown();
 
     enum class CodeRefusal {
         BoxOpen, ///< a box is open; it was not answered
-        Mixed,   ///< two readers at once
+        Mixed,   ///< two readers at once, or what is left of a code
+        TooLong,
     };
     Q_ENUM(CodeRefusal)
 

@@ -28,8 +28,21 @@ struct Teller
     void operator()(const event::PurchaseDeleted &told) const { Q_EMIT counter.purchaseDeleted(told.id); }
     void operator()(const event::StockSaved &told) const { Q_EMIT counter.stockSaved(told.oldId, told.newId); }
     void operator()(const event::StockDeleted &told) const { Q_EMIT counter.stockDeleted(told.id); }
-    void operator()(const event::CodeRead &told) const { Q_EMIT counter.codeRead(told.code); }
-    void operator()(const event::CodeRefused &told) const { Q_EMIT counter.codeRefused(told.why); }
+    void operator()(const event::CodeRead &told) const
+    {
+        HostLink &link = HostLink::instance();
+        if (told.joined && !link.isLastCodeGood()) {
+            Q_EMIT counter.codeRefused(Counter::CodeRefusal::Mixed);
+            return;
+        }
+        link.judgeLastCode(true);
+        Q_EMIT counter.codeRead(told.code);
+    }
+    void operator()(const event::CodeRefused &told) const
+    {
+        HostLink::instance().judgeLastCode(false);
+        Q_EMIT counter.codeRefused(told.why);
+    }
 };
 
 /// Asks the open window; `otherwise` without one.
@@ -129,6 +142,11 @@ bool Counter::setBanner(QWidget *banner)
 void Counter::takeCodes(const std::optional<CodeReaderSettings> &settings)
 {
     HostLink::instance().takeCodes(settings);
+}
+
+void Counter::codeNotKnown()
+{
+    HostLink::instance().judgeLastCode(false);
 }
 
 } // namespace harrowby

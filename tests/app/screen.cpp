@@ -139,7 +139,8 @@ void Screen::turnWheel(bool down) const
     input({u"click"_s, down ? u"5"_s : u"4"_s});
 }
 
-RunningProgram::RunningProgram(const Screen &screen, const QString &home) : m_screen(screen)
+RunningProgram::RunningProgram(const Screen &screen, const QString &home, const QString &program) :
+    m_screen(screen), m_program(program.isEmpty() ? QStringLiteral(HARROWBY_PROGRAM) : program)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DISPLAY"_s, screen.display());
@@ -164,7 +165,7 @@ RunningProgram::~RunningProgram()
 
 bool RunningProgram::start(const QStringList &arguments)
 {
-    m_process.start(QStringLiteral(HARROWBY_PROGRAM), arguments);
+    m_process.start(m_program, arguments);
     return m_process.waitForStarted(patience);
 }
 

@@ -54,7 +54,8 @@ private:
 class RunningProgram
 {
 public:
-    RunningProgram(const Screen &screen, const QString &home);
+    /// `program`: another host of the window, in place of the store program.
+    RunningProgram(const Screen &screen, const QString &home, const QString &program = {});
     ~RunningProgram();
 
     [[nodiscard]] bool start(const QStringList &arguments);
@@ -86,6 +87,7 @@ private:
     [[nodiscard]] QString answer();
 
     const Screen &m_screen;
+    QString m_program;
     QProcess m_process;
 };
 

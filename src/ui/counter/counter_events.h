@@ -55,6 +55,7 @@ struct StockDeleted
 struct CodeRead
 {
     QString code;
+    bool joined = false; ///< typed right behind the one before: see CodeBurst
 };
 struct CodeRefused
 {

@@ -2,9 +2,12 @@
 #include "ui/counter/host_link.h"
 
 #include "basic/logging.h"
+#include "ui/counter/code_taker.h"
 #include "ui/inventory.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/text_table_model.h"
+
+#include <QCoreApplication>
 
 #include <exception>
 #include <utility>
@@ -93,8 +96,10 @@ void HostLink::tellNext()
 
 void HostLink::takeCodes(const std::optional<CodeReaderSettings> &settings)
 {
-    m_codes = settings;
-    Q_EMIT codesChanged();
+    if (settings && !m_codes)
+        m_codes = new CodeTaker(*this, *QCoreApplication::instance());
+    if (m_codes)
+        m_codes->setSettings(settings);
 }
 
 } // namespace harrowby

@@ -15,6 +15,7 @@ class QAbstractItemModel;
 
 namespace harrowby {
 
+class CodeTaker;
 class Inventory;
 
 /// Between the process's window and the host's Counter: which window is open, what the host wants, and what it is told.
@@ -47,11 +48,9 @@ public:
 
     /// What is taken as a code from now on; empty while the host takes none.
     void takeCodes(const std::optional<CodeReaderSettings> &settings);
-    [[nodiscard]] const std::optional<CodeReaderSettings> &codes() const { return m_codes; }
-
-Q_SIGNALS:
-    /// The host takes codes, takes them otherwise, or takes them no longer: codes() says which.
-    void codesChanged();
+    /// Whether the code told last was read whole, and the host knew it.
+    [[nodiscard]] bool isLastCodeGood() const { return m_lastCodeGood; }
+    void judgeLastCode(bool good) { m_lastCodeGood = good; }
 
 private:
     HostLink() = default;
@@ -65,7 +64,8 @@ private:
     std::vector<CounterEvent> m_noted;
     bool m_cartNoted = false;
     std::deque<CounterEvent> m_told; ///< one posted call of tellNext() for each
-    std::optional<CodeReaderSettings> m_codes;
+    QPointer<CodeTaker> m_codes;     ///< of the application, since the host has taken codes
+    bool m_lastCodeGood = true;
 };
 
 } // namespace harrowby
