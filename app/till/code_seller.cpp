@@ -59,6 +59,11 @@ QString boxIsOpen()
     return u"A code was not taken: close the box first."_s;
 }
 
+QString tooLong()
+{
+    return u"What was read is too long for a code."_s;
+}
+
 /// What the cashier should see that the cart does not say by itself.
 QString soldWords(const FoundCode &item)
 {
@@ -93,9 +98,9 @@ void CodeSeller::sell(const QString &code)
     }
     const FoundCode found = m_finder.find(code);
     if (found.kind == Kind::Item)
-        sellItem(shownCode(code), found);
-    else
-        refuse(refusalOf(shownCode(code), found));
+        return sellItem(shownCode(code), found);
+    m_counter.codeNotKnown();
+    refuse(refusalOf(shownCode(code), found));
 }
 
 QString CodeSeller::refusalOf(const QString &code, const FoundCode &found) const
@@ -143,13 +148,15 @@ void CodeSeller::tellRefusal(Counter::CodeRefusal why)
         return refuse(boxIsOpen());
     case Counter::CodeRefusal::Mixed:
         return refuse(u"Two readers came at once, and neither code was taken. Scan again, one after the other."_s);
+    case Counter::CodeRefusal::TooLong:
+        return refuse(tooLong());
     }
 }
 
 void CodeSeller::tellDeviceRefusal(CodeReaders::Refusal why)
 {
     const bool isLong = why == CodeReaders::Refusal::TooLong;
-    refuse(isLong ? u"What was read is too long for a code."_s : boxIsOpen());
+    refuse(isLong ? tooLong() : boxIsOpen());
 }
 
 void CodeSeller::refuse(const QString &text)

@@ -79,6 +79,8 @@ void Screen::press(const QPoint &place) const
 void Screen::type(const QString &text) const
 {
     input({u"type"_s, u"--delay"_s, u"20"_s, text});
+    constexpr int breath = 60; // an Enter right behind would be a code reader's
+    QTest::qWait(breath);
 }
 
 void Screen::key(const QString &name) const
