@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup.h"
+#include "app/backup/backup_copy.h"
 #include "app/backup/backup_job.h"
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
@@ -94,6 +95,8 @@ private Q_SLOTS:
     void storeUnderAnotherNameIsRefused();
     void readOnlyPlaceIsTold();
     void linkLeadsToTheRealFile();
+    void reasonIsToldOfItsSide_data();
+    void reasonIsToldOfItsSide();
     void usualName();
     void jobReportsAndEnds();
     void jobEndsWithItsObject();
@@ -391,6 +394,31 @@ void BackupTest::linkLeadsToTheRealFile()
     QCOMPARE(backUpStore(store(), target(), true, goOn).outcome, Outcome::Done);
     QVERIFY(QFileInfo(target()).isSymLink());
     QCOMPARE(column(real, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
+}
+
+void BackupTest::reasonIsToldOfItsSide_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("ofStore");
+    QTest::addColumn<QString>("said");
+    const auto noSpace = u"There is no space left "_s;
+    QTest::newRow("store full") << SQLITE_FULL << true << noSpace + u"on the disk of the store file"_s;
+    QTest::newRow("place full") << SQLITE_FULL << false << noSpace + u"at the place of the backup"_s;
+    QTest::newRow("busy") << SQLITE_BUSY << true << u"Another program keeps the store file locked."_s;
+    QTest::newRow("locked") << SQLITE_LOCKED << true << u"Another program keeps the store file locked."_s;
+    QTest::newRow("no database") << SQLITE_NOTADB << true << u"The store file is damaged."_s;
+    QTest::newRow("store not opened") << SQLITE_CANTOPEN << true << u"The store file cannot be read"_s;
+    QTest::newRow("place not written") << SQLITE_READONLY << false << u"The place of the backup cannot be written"_s;
+    QTest::newRow("another") << SQLITE_NOMEM << true << u"The backup could not be made (why)."_s;
+}
+
+void BackupTest::reasonIsToldOfItsSide()
+{
+    QFETCH(const int, code);
+    QFETCH(const bool, ofStore);
+    QFETCH(const QString, said);
+    const QString told = copyProblem({code, u"why"_s}, ofStore ? BackupSide::Store : BackupSide::Place);
+    QVERIFY2(told.startsWith(said), qPrintable(told));
 }
 
 void BackupTest::usualName()

@@ -58,6 +58,8 @@ private Q_SLOTS:
     void cleanup() { qInstallMessageHandler(m_previous); }
 
     void lineHasTimeLevelAndCategory();
+    void levelIsNamed_data();
+    void levelIsNamed();
     void messageIsOneLine();
     void fullFileIsPutAsideOnce();
     void twoProgramsRotateOneLog();
@@ -88,6 +90,26 @@ void LogFileTest::lineHasTimeLevelAndCategory()
     const QRegularExpression form(
         u"^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3} warning harrowby\\.store: no such table: ü$"_s);
     QVERIFY2(form.match(lines.constFirst()).hasMatch(), qPrintable(lines.constFirst()));
+}
+
+void LogFileTest::levelIsNamed_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("level");
+    QTest::newRow("debug") << int{QtDebugMsg} << u"debug"_s;
+    QTest::newRow("info") << int{QtInfoMsg} << u"info"_s;
+    QTest::newRow("warning") << int{QtWarningMsg} << u"warning"_s;
+    QTest::newRow("critical") << int{QtCriticalMsg} << u"critical"_s;
+    QTest::newRow("fatal") << int{QtFatalMsg} << u"fatal"_s;
+}
+
+void LogFileTest::levelIsNamed()
+{
+    QFETCH(const int, type);
+    QFETCH(const QString, level);
+    LogFile log(m_path);
+    QVERIFY(log.add(static_cast<QtMsgType>(type), u"c"_s, u"text"_s));
+    QVERIFY2(linesOf(m_path).value(0).endsWith(u" "_s + level + u" c: text"_s), qPrintable(linesOf(m_path).value(0)));
 }
 
 void LogFileTest::messageIsOneLine()

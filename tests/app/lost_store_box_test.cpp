@@ -4,6 +4,7 @@
 #include "app/backup/lost_store_box.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"
+#include "app/shop/store_loss.h"
 #include "app/shop/store_open.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
@@ -61,6 +62,8 @@ private Q_SLOTS:
     void cleanup();
     void boxSaysWhatHappened_data();
     void boxSaysWhatHappened();
+    void adviceFollowsTheLoss_data();
+    void adviceFollowsTheLoss();
     void enterPressesNothing();
     void noLeadsBack();
     void questionThatStandsAlreadyIsAnsweredFirst();
@@ -153,6 +156,51 @@ void LostStoreBoxTest::boxSaysWhatHappened()
     QVERIFY2(text(u"lostStoreAdvice"_s).contains(advice), qPrintable(text(u"lostStoreAdvice"_s)));
     QFETCH(const bool, rescues);
     QCOMPARE(box()->findChild<QPushButton *>(u"makeRescueCopy"_s)->isVisible(), rescues);
+}
+
+void LostStoreBoxTest::adviceFollowsTheLoss_data()
+{
+    using Kind = StoreLoss::Kind;
+    QTest::addColumn<StoreLoss>("loss");
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("what");
+    const auto row = [](const char *name, const StoreLoss &loss, const QString &where, const QString &what) {
+        QTest::newRow(name) << loss << where << what;
+    };
+    const auto shop = u"shop"_s;
+    const auto stop = u"Stop here. Close all tills and the office of this store, bring back the last backup, and start "
+                      "again."_s;
+    row("overwritten", {Kind::Overwritten, shop, shop, {}, false}, u"Nothing more was written into the file."_s, stop);
+    row("overwritten, with a log", {Kind::Overwritten, shop, shop, u"log"_s, false},
+        u"Nothing more was written into the file. What was saved in the last moments is in its log, which was put "
+        u"aside "
+        "as \"log\"."_s,
+        stop);
+    const auto restart = u"Close the till and start it again; leave the files beside the store file alone."_s;
+    row("log lost", {Kind::LogLost, shop, {}, {}, true}, u"All that was saved before is in the store file."_s, restart);
+    row("log lost, not yet there", {Kind::LogLost, shop, {}, {}, false},
+        u"What was saved last is still on its way into the store file."_s, restart);
+    row("moved, not yet there", {Kind::Moved, shop, u"there"_s, {}, false},
+        u"What was saved last is still on its way into \"there\"."_s,
+        u"Stop here. Close the till, move the file back to its place, and start again."_s);
+    row("replaced, with a log", {Kind::Replaced, shop, u"there"_s, u"log"_s, false},
+        u"What was saved last is still on its way from \"log\" into \"there\"."_s,
+        u"Stop here. Close the till, find out which of the two files is the right one, put that in its place, and "
+        u"start "
+        "again."_s);
+    row("replaced, without a name", {Kind::Replaced, shop, {}, {}, true},
+        u"All that was saved before is still in reach, but only as long as this window is open. Make a rescue copy now."_s,
+        u"Then close all tills and the office of this store, find out whether the copy or the new file is the right "
+        u"one, "
+        "put that in its place, and start again."_s);
+}
+
+void LostStoreBoxTest::adviceFollowsTheLoss()
+{
+    QFETCH(const StoreLoss, loss);
+    QFETCH(const QString, where);
+    QFETCH(const QString, what);
+    QCOMPARE(lossAdvice(loss, u"till"_s), where + u"\n\n"_s + what);
 }
 
 /// A code reader goes on sending codes, each with Enter at its end.

@@ -4,9 +4,13 @@
 #include "tests/program/test_program.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -114,6 +118,54 @@ private Q_SLOTS:
         QVERIFY2(m_boxText.startsWith(u"It has not been saved as\n"_s + QDir::toNativeSeparators(m_path)),
                  qPrintable(m_boxText));
         QCOMPARE(done.size(), 0);
+    }
+
+    void savesWhereTheFileDialogSays()
+    {
+        OutputBar output(OutputSource{[this]() -> const Table & { return m_table; }, {}, [] { return u"Sales"_s; }});
+        const QSignalSpy done(&output, &OutputBar::done);
+        m_path = m_folder.filePath(u"chosen.csv"_s);
+        QString offered;
+        QTimer::singleShot(0, &output, [&] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            QVERIFY(dialog != nullptr);
+            offered = QFileInfo(dialog->selectedFiles().value(0)).fileName();
+            dialog->setDirectory(m_folder.path());
+            dialog->selectFile(u"chosen"_s); // the ending is added
+            static_cast<QDialog *>(dialog)->accept();
+        });
+        output.findChild<QPushButton *>(u"saveCsv"_s)->click();
+        QCOMPARE(offered, u"Sales.csv"_s);
+        QCOMPARE(saved(), QByteArray("Seller\r\nA\r\n"));
+        QCOMPARE(done.size(), 1);
+    }
+
+    void printsWhenTheDialogIsAccepted_data()
+    {
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("accepted") << true;
+        QTest::newRow("cancelled") << false;
+    }
+
+    void printsWhenTheDialogIsAccepted()
+    {
+        QFETCH(const bool, accepted);
+        qputenv("CUPS_SERVER", "127.0.0.1:1"); // nobody prints there
+        const auto output = bar();
+        const QSignalSpy done(output.get(), &OutputBar::done);
+        m_path = m_folder.filePath(accepted ? u"paper.pdf"_s : u"no paper.pdf"_s);
+        QTimer::singleShot(0, output.get(), [&] {
+            auto *dialog = qobject_cast<QPrintDialog *>(QApplication::activeModalWidget());
+            QVERIFY(dialog != nullptr);
+            auto *printers = dialog->findChild<QComboBox *>(u"printers"_s);
+            printers->setCurrentIndex(printers->findText(u"PDF"_s, Qt::MatchContains));
+            dialog->findChild<QLineEdit *>(u"filename"_s)->setText(m_path);
+            accepted ? static_cast<QDialog *>(dialog)->accept() : dialog->reject();
+        });
+        press(*output, u"print"_s);
+        QCOMPARE(saved().startsWith("%PDF"), accepted);
+        QCOMPARE(done.size(), accepted ? 1 : 0);
+        QCOMPARE(m_boxText, QString());
     }
 
     void theBarMayBeGoneWhenTheNameIsThere()
