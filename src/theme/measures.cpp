@@ -10,7 +10,7 @@ constexpr QSize largeSize(1600, 900);
 constexpr int tallHeight = 900;
 
 constexpr Measures compact{1.0, 4, 6, 40, 50, 8, 7, 28, 34, 26, 26, 400, 270, 304, 44, 960};
-constexpr Measures usual{1.0, 6, 12, 42, 62, 12, 13, 34, 40, 30, 30, 400, 294, 372, 52, 960};
+constexpr Measures usual{1.0, 6, 12, 42, 62, 12, 13, 34, 40, 30, 30, 400, 294, 372, 44, 960};
 constexpr Measures large{1.25, 8, 16, 50, 78, 18, 20, 34, 48, 38, 38, 500, 400, 540, 64, 1240};
 
 constexpr Measures dialog = [] {
