@@ -82,7 +82,7 @@ Bars dayBars(const Sales &sales, const Period &period)
     return bars;
 }
 
-/// A name where it lies, as there may be a hundred thousand of which seven are shown.
+/// Refers to a name instead of copying it: of a hundred thousand only seven are shown.
 struct NamedAmount
 {
     QStringView name;

@@ -20,7 +20,7 @@ struct Bars
 {
     std::vector<Bar> bars;
     QString title;
-    bool across = false;     ///< bars lie, for names; they stand, for days
+    bool across = false;     ///< horizontal bars, for names; else vertical ones, for days
     bool longLabels = false; ///< labels of standing bars that need to be turned
 };
 

@@ -21,8 +21,8 @@ struct ItemLines
     bool whole = false; ///< every part of the text was a line
 };
 
-/// Takes a purchase's stored text apart. The separators are not escaped there, so a name may hold " x ", " = " and ",
-/// ": a line ends at the first amount that another line, or nothing, follows. `result` is given for its memory.
+/// Parses a purchase's stored text. A name may hold the separators, as nothing escapes them: a line ends at the first
+/// amount that another line, or nothing, follows. `result` is overwritten, and its memory reused.
 void readItemLines(QStringView text, ItemLines &result);
 
 struct IdAndName

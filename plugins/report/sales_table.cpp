@@ -29,7 +29,7 @@ std::vector<tables::Column> sumsColumns(const QString &name, Kind kind)
             {u"Average"_s, Kind::Money, false}};
 }
 
-/// What stands where a day should stand is one row, whatever it is.
+/// Texts that are no day share one row.
 void addDays(tables::Table &table, const Sales &sales)
 {
     table.columns = sumsColumns(u"Day"_s, Kind::Day);

@@ -35,7 +35,7 @@ QByteArray openName(const QString &path, OpenMode mode)
     return "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1";
 }
 
-/// SQLite itself would let others read it. What cannot be made, SQLite says better.
+/// SQLite would create it with mode 0644. A failure is left to sqlite3_open_v2(), which reports it.
 void makeForOwnerAlone(const QString &path)
 {
     if (path != u":memory:"_s)
