@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue.h"
 #include "bench/counter_works.h"
+#include "bench/hold_works.h"
 #include "bench/report.h"
 #include "bench/report_work.h"
 #include "bench/resident.h"
@@ -92,6 +93,8 @@ std::vector<Line> Measurement::run()
             compare(*shops.front(), shop, size);
         if (!m_plan.reportOnly)
             add(measureCounter(shop.database(), options));
+        if (!m_plan.reportOnly)
+            add(measureHold(shop.database(), options));
         add(measureReport(shop.database(), options));
     }
     return m_lines;
