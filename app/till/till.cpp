@@ -12,11 +12,13 @@ namespace harrowby::app {
 
 Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound) :
     m_counter(counter), m_records(records), m_codes(counter, records, m_banner, std::move(sound)),
-    m_firstSteps(counter, records, m_banner)
+    m_firstSteps(counter, records, m_banner),
+    m_hold(counter, records, [this](const QString &text, bool isRefusal) { sayOfCart(text, isRefusal); })
 {
     m_records.setBeforeWriting([&counter] { counter.finishReading(); });
     connect(&m_counter, &Counter::windowOpened, this, &Till::furnish);
     connect(&m_counter, &Counter::stockSaved, this, &Till::keepCodes);
+    connect(&m_counter, &Counter::cartChanged, this, &Till::followCart);
     takeCodes(settings);
     if (m_counter.isOpen())
         furnish();
@@ -49,6 +51,20 @@ void Till::furnish()
     std::unique_ptr<QWidget> view(m_banner.createView());
     if (m_counter.setBanner(view.get()))
         view.release(); // the window's own now
+    m_hold.furnish();
+}
+
+/// Stands there until the cart changes again.
+void Till::sayOfCart(const QString &text, bool isRefusal)
+{
+    m_banner.say(BannerTopic::Cart, text, isRefusal ? BannerTone::Refused : BannerTone::Plain);
+    m_sayingOfCart = !isRefusal;
+}
+
+void Till::followCart()
+{
+    if (!std::exchange(m_sayingOfCart, false))
+        m_banner.clear(BannerTopic::Cart);
 }
 
 /// What cannot be kept is told by the records; nothing else depends on it.

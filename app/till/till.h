@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/banner/banner.h"
+#include "app/hold/hold_desk.h"
 #include "app/readers/code_readers.h"
 #include "app/shop/office_settings.h"
 #include "app/till/code_seller.h"
@@ -15,7 +16,8 @@
 
 namespace harrowby::app {
 
-/// The store program's own at the counter. Made before the window opens; each window that opens gets its banner.
+/// The store program's own at the counter. Made before the window opens; each window that opens gets its banner and
+/// buttons.
 class Till final : public QObject
 {
     Q_OBJECT
@@ -32,12 +34,16 @@ private:
     void takeCodes(const OfficeSettings &settings);
     void furnish();
     void keepCodes(const QString &oldId, const QString &newId);
+    void sayOfCart(const QString &text, bool isRefusal);
+    void followCart();
 
     Counter &m_counter;
     Records &m_records;
     Banner m_banner;
     CodeSeller m_codes;
     FirstSteps m_firstSteps;
+    HoldDesk m_hold;
+    bool m_sayingOfCart = false; ///< the change of the cart that was spoken of has not been heard of yet
     std::unique_ptr<CodeReaders> m_readers;
 };
 

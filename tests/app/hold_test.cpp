@@ -23,8 +23,8 @@
 
 #include <sqlite3.h>
 
+#include <deque>
 #include <functional>
-
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -123,7 +123,8 @@ private:
     [[nodiscard]] static harrowby::Counter &counter() { return harrowby::Counter::instance(); }
     [[nodiscard]] QStringList cart() const { return m_till->cart(); }
     void press(const QString &name) const;
-    /// Runs `act` when the next dialog is shown.
+    /// Runs `act` when the next dialog is shown, after those that were asked for before.
+    void meetDialog();
     void inNextDialog(const std::function<void(QDialog &)> &act);
     void answerNextBox(const QString &begin, const QString &button);
     void answerRecall(const QString &word, const QString &button);
@@ -138,6 +139,8 @@ private:
     std::unique_ptr<HoldDesk> m_desk;
     std::unique_ptr<HeldCarts> m_carts;
     QStringList m_said;
+    std::deque<std::function<void(QDialog &)>> m_acts;
+    QTimer m_poll;
     int m_dialogs = 0;
 };
 
@@ -145,6 +148,9 @@ void HoldTest::init()
 {
     m_said.clear();
     m_dialogs = 0;
+    m_acts.clear();
+    m_poll.setInterval(1);
+    connect(&m_poll, &QTimer::timeout, this, &HoldTest::meetDialog, Qt::UniqueConnection);
     m_till = std::make_unique<test::Counter>();
     const test::ShopFile &file = m_till->file;
     file.addItem(u"A1"_s, u"TEA"_s, 2.5, 30);
@@ -179,16 +185,25 @@ void HoldTest::press(const QString &name) const
 
 void HoldTest::inNextDialog(const std::function<void(QDialog &)> &act)
 {
-    QTimer::singleShot(0, this, [this, act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (dialog == nullptr)
-            return inNextDialog(act);
-        ++m_dialogs;
-        const QPointer<QDialog> shown(dialog);
-        act(*dialog);
-        if (QTest::currentTestFailed() && shown)
-            shown->reject();
-    });
+    m_acts.push_back(act);
+    m_poll.start();
+}
+
+/// One dialog after the other: each act closes its own.
+void HoldTest::meetDialog()
+{
+    auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    if (dialog == nullptr || m_acts.empty())
+        return;
+    const auto act = m_acts.front();
+    m_acts.pop_front();
+    ++m_dialogs;
+    const QPointer<QDialog> shown(dialog);
+    act(*dialog);
+    if (QTest::currentTestFailed() && shown)
+        shown->reject();
+    if (m_acts.empty())
+        m_poll.stop();
 }
 
 void HoldTest::answerNextBox(const QString &begin, const QString &button)
@@ -511,7 +526,7 @@ void HoldTest::cartThatIsGoneIsTold()
     inNextDialog([this](QDialog &dialog) { // another till recalls it while this one looks at the list
         QVERIFY(m_carts->drop(idOf(u"1"_s)));
         answerNextBox(u"\"1\" has just been recalled at another till."_s, u"OK"_s);
-        QTimer::singleShot(0, this, [this] { answerRecall(u"2"_s, u"listAction"_s); });
+        answerRecall(u"2"_s, u"listAction"_s);
         dialog.findChild<QPushButton *>(u"listAction"_s)->click();
     });
     press(u"recallCart"_s);
@@ -530,18 +545,16 @@ void HoldTest::misfitsAreToldInOneList()
                      "UPDATE StockList SET StockUse = 'Disabled' WHERE StockID = 'E5'"_s);
     QStringList told;
     answerRecall(u"1"_s, u"listAction"_s);
-    QTimer::singleShot(0, this, [&] {
-        inNextDialog([&](QDialog &dialog) {
-            const QAbstractItemModel *list = dialog.findChild<tables::TableView *>()->model();
-            for (int row = 0; row < list->rowCount(); ++row) {
-                QStringList texts;
-                for (int column = 0; column < list->columnCount(); ++column)
-                    texts << list->index(row, column).data().toString();
-                told << texts.join(u'|');
-            }
-            QVERIFY(dialog.findChild<QPushButton *>(u"cancelList"_s) == nullptr);
-            dialog.findChild<QPushButton *>(u"listAction"_s)->click();
-        });
+    inNextDialog([&](QDialog &dialog) {
+        const QAbstractItemModel *list = dialog.findChild<tables::TableView *>()->model();
+        for (int row = 0; row < list->rowCount(); ++row) {
+            QStringList texts;
+            for (int column = 0; column < list->columnCount(); ++column)
+                texts << list->index(row, column).data().toString();
+            told << texts.join(u'|');
+        }
+        QVERIFY(dialog.findChild<QPushButton *>(u"cancelList"_s) == nullptr);
+        dialog.findChild<QPushButton *>(u"listAction"_s)->click();
     });
     press(u"recallCart"_s);
     QCOMPARE(told, (QStringList{u"BREAD|3 for 3.60|3 for 4.50|at the price of today"_s,
@@ -603,8 +616,7 @@ void HoldTest::cartInBothPlacesIsTold()
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     holdAs(u"1"_s);
     answerRecall(u"1"_s, u"listAction"_s);
-    QTimer::singleShot(
-        0, this, [this] { answerNextBox(u"\"1\" is in the cart, but it could not be taken off the list"_s, u"OK"_s); });
+    answerNextBox(u"\"1\" is in the cart, but it could not be taken off the list"_s, u"OK"_s);
     m_records->texts.clear();
     m_records->failAt = 5; // list, begin, delete, read, delete, and the commit
     press(u"recallCart"_s);

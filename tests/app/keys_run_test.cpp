@@ -128,6 +128,15 @@ void KeysRunTest::sellByKeys(RunningProgram &program)
     QCOMPARE(program.text(u"Label5"_s), u"Total: 0.00"_s);
     m_screen->key(u"space"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
+    m_screen->key(u"alt+h"_s); // put aside, and brought back
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"heldWord"_s, 30000);
+    m_screen->key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 0.00"_s, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(program.place(u"recallCart"_s).x() > 0, 30000); // the window has the keys again
+    m_screen->key(u"alt+e"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"list"_s, 30000);
+    m_screen->key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
 
     // Holding the key that opened the box does not answer it.
     QVERIFY(program.press(u"Command14"_s)); // by the mouse, so that the button has the focus
@@ -152,8 +161,9 @@ void KeysRunTest::sellByKeys(RunningProgram &program)
 
 void KeysRunTest::enterAQuantity(RunningProgram &program)
 {
-    press(program, u"shift+Tab"_s, 3, u"TabStrip1"_s); // past "Next" and "Prev", which are disabled
+    press(program, u"shift+Tab"_s, 5, u"TabStrip1"_s); // past "Next" and "Prev", which are disabled
     m_screen->key(u"2"_s);
+    press(program, u"Tab"_s, 2, u"recallCart"_s); // the program's own buttons come behind the tabs
     press(program, u"Tab"_s, 3, u"Combo3"_s);
     m_screen->type(u"TEA-0001  |  TEA"_s);
     press(program, u"Tab"_s, 3, u"Command15"_s);

@@ -8,8 +8,12 @@
 
 #include <harrowby/counter.h>
 
+#include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -43,6 +47,7 @@ private Q_SLOTS:
     void codesThatCannotFollowAreTold();
     void emptyShopIsToldWhatToDoFirst();
     void nextWindowGetsTheBanner();
+    void whatBecameOfTheCartStandsUntilItChanges();
 
 private:
     void scan(const QString &code)
@@ -304,6 +309,23 @@ void TillTest::nextWindowGetsTheBanner()
     QCoreApplication::sendPostedEvents();
     const auto *label = m_counter->window().findChild<QLabel *>(u"hostBannerText"_s);
     QVERIFY(label && label->isVisible());
+}
+
+void TillTest::whatBecameOfTheCartStandsUntilItChanges()
+{
+    scan(u"A1"_s);
+    QTimer::singleShot(0, this, [] {
+        QTest::keyClick(QApplication::activeModalWidget()->findChild<QLineEdit *>(u"heldWord"_s), Qt::Key_Return);
+    });
+    m_counter->window().findChild<QPushButton *>(u"holdCart"_s)->click();
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(m_counter->cart(), QStringList());
+    QCOMPARE(said(), u"Held as \"1\"."_s);
+    m_counter->window().findChild<QPushButton *>(u"holdCart"_s)->click();
+    QCOMPARE(said(), u"The cart is empty: there is nothing to hold."_s);
+    scan(u"A1"_s);
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(said(), QString());
 }
 
 HARROWBY_TEST(app_till_test, TillTest)
