@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/keyboard/keyboard_room.h"
 
-#include "app/keyboard/keyboard_place.h"
+#include "app/keyboard/above_keyboard.h"
 
 #include <QEvent>
 #include <QList>

@@ -13,7 +13,8 @@ using Milliseconds = std::chrono::milliseconds;
 /// For a lock: one action of the user, however many statements it runs, or one step of a backup.
 inline constexpr Milliseconds longest{10'000};
 
-/// A shorter wait is not shown on the screen: neither one for a lock nor the opening of a store.
+/// What takes less is not shown on the screen: an action's waits for locks together, or the opening of a store. An
+/// action ends where the program's outermost event loop waits for the next event.
 inline constexpr Milliseconds quiet{300};
 
 /// Between two tries to get a lock, the last one again and again. Short at first: another till's sale holds the lock

@@ -11,8 +11,11 @@ namespace harrowby {
 
 namespace {
 
+/// Of any text on each ground that it may stand on; what is muted and the links of a dark window get half a step more.
 constexpr double textContrast = 4.5;
+/// Of the window's usual text, and of prices and totals, which are read from further away.
 constexpr double figureContrast = 7.0;
+/// Of the edges of entries, check boxes and buttons.
 constexpr double edgeContrast = 3.1;
 
 constexpr QRgb darkDanger = 0xffff8076; ///< red, on dark grounds
@@ -99,6 +102,8 @@ void setAccents(Colours &colours)
 
 void setStockSigns(Colours &colours)
 {
+    // Intended: in a light window these are the plain red, black and white that the shop knows, whatever their
+    // contrast; a sign in the row says the same as the red.
     colours.lowRow = colours.dark ? readable(QColor(darkDanger), {colours.field, colours.selection}, textContrast)
                                   : QColor(255, 0, 0);
     colours.enoughRow = colours.dark ? colours.text : QColor(0, 0, 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/keyboard/keyboard_place.h"
+#include "app/keyboard/above_keyboard.h"
 #include "app/keyboard/keyboard_room.h"
 #include "app/keyboard/touch_keyboard.h"
 

@@ -29,7 +29,8 @@ double quantityShown(const QString &typed)
     return wholeNumber(typed).value_or(leadingNumberWithoutCommas(typed));
 }
 
-/// The quantity as the cart takes it. Empty when it is not numeric, below 1, or above 32,767.
+/// The quantity as the cart takes it: a number with a fraction is rounded, halves to the even neighbour. Empty when it
+/// is not numeric, below 1 before it is rounded, or above 32,767 after.
 std::optional<std::int16_t> quantityToSell(const QString &typed)
 {
     const std::optional<double> number = wholeNumber(typed);

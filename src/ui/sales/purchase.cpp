@@ -133,7 +133,7 @@ bool Inventory::CheckoutCart(bool skipConfirm)
 
 void Inventory::SaveCart()
 {
-    // Intended: nothing is rolled back; a statement that fails is skipped, and the next ones run.
+    // Intended: nothing that has run is rolled back; a statement that fails is skipped, and the next ones run.
     const bool receipt = m_controls.Check5->isChecked();
     const ReceiptWriter writer(*m_platform.printers, *m_platform.settings,
                                [this](const QString &text) { PRINTS(text, false); });
