@@ -3,6 +3,7 @@
 
 #include <QFont>
 #include <QFontMetricsF>
+#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
