@@ -75,7 +75,7 @@ void HoldDesk::furnish()
     connect(recall.get(), &QPushButton::clicked, this, &HoldDesk::recall);
     for (auto *button : {&hold, &recall}) {
         if (m_counter.addButton(button->get()))
-            button->release(); // the window's own now
+            static_cast<void>(button->release()); // the window's own now
     }
 }
 

@@ -50,7 +50,7 @@ void Till::furnish()
 {
     std::unique_ptr<QWidget> view(m_banner.createView());
     if (m_counter.setBanner(view.get()))
-        view.release(); // the window's own now
+        static_cast<void>(view.release()); // the window's own now
     m_hold.furnish();
 }
 

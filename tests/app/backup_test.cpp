@@ -124,7 +124,7 @@ void BackupTest::init()
 void BackupTest::grow()
 {
     runAll(store(), {u"INSERT INTO SysUsage SELECT SystemUsage || hex(randomblob(500)), '', '' FROM SysUsage"_s});
-    QVERIFY(QFile(store()).size() > 3 * 256 * 4096);
+    QVERIFY(QFile(store()).size() > qint64{3} * 256 * 4096);
 }
 
 void BackupTest::copyHoldsEverythingInOneFile()
@@ -272,7 +272,7 @@ void BackupTest::failingSideIsTold()
     std::optional<BadDisk> disk;
     const BackupResult result = backUpStore(store(), target(), false, [&](const BackupProgress &progress) {
         if (!disk && progress.stage == Stage::Copying && progress.percent >= percent)
-            disk.emplace(file, BadDisk::Fault(fault));
+            disk.emplace(file, static_cast<BadDisk::Fault>(fault));
         return true;
     });
     QVERIFY(disk);

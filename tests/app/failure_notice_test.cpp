@@ -259,7 +259,7 @@ void FailureNoticeTest::filesThatFail()
     QFETCH(int, kind);
     QFETCH(QString, advice);
     FailureNotice notice;
-    const FileFailure failure = {FileFailure::Kind(kind), u"/deep/place"_s, u"No space left on device"_s};
+    const FileFailure failure = {static_cast<FileFailure::Kind>(kind), u"/deep/place"_s, u"No space left on device"_s};
     notice.add(failure);
     QVERIFY(notice.isVisible());
     QTEST(text(notice, u"failureWork"_s), "work");

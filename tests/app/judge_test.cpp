@@ -171,7 +171,7 @@ void JudgeTest::refusedFilesStayAsTheyWere_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("named");
 
-    const auto row = [](const char *name, Prepare prepare, ProblemKind kind, const QString &named) {
+    const auto row = [](const char *name, const Prepare &prepare, ProblemKind kind, const QString &named) {
         QTest::newRow(name) << prepare << static_cast<int>(kind) << named;
     };
     row(
@@ -243,11 +243,11 @@ void JudgeTest::everyTableAndColumnIsMissed_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("named");
     for (const StoreTable &table : storeTables()) {
-        QTest::addRow("%s", qPrintable(table.name)) << Prepare(dropping(u"DROP TABLE "_s + table.name))
-                                                    << static_cast<int>(ProblemKind::MissingTable) << table.name;
+        QTest::addRow("%s", qPrintable(table.name))
+            << dropping(u"DROP TABLE "_s + table.name) << static_cast<int>(ProblemKind::MissingTable) << table.name;
         for (const QString &column : table.columns) {
             QTest::addRow("%s.%s", qPrintable(table.name), qPrintable(column))
-                << Prepare(dropColumn(table.name, column)) << static_cast<int>(ProblemKind::MissingColumn)
+                << dropColumn(table.name, column) << static_cast<int>(ProblemKind::MissingColumn)
                 << QString(table.name + u'.' + column);
         }
     }

@@ -113,7 +113,7 @@ void KeyboardTest::missingKeyboardChangesNothing()
     const auto chosen = chooseTouchKeyboard();
     QCoreApplication::setLibraryPaths(folders);
     QVERIFY(!chosen);
-    const QString said = chosen.error();
+    const QString &said = chosen.error();
     QVERIFY(said.contains(u"not installed"_s) && said.contains(u"goes on without it"_s));
     QCOMPARE(qgetenv("QT_IM_MODULE"), before);
 }

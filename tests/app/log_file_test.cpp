@@ -155,6 +155,7 @@ void LogFileTest::manyProgramsLoseNoLine()
     constexpr int lines = 500;
     constexpr qint64 limit = 120'000; // reached once; a second rotation would drop the oldest lines
     std::vector<std::thread> running;
+    running.reserve(programs);
     for (int program = 0; program < programs; ++program) {
         running.emplace_back([this, program] {
             LogFile log(m_path, limit);
@@ -197,7 +198,7 @@ void LogFileTest::hugeFileIsPutAside()
     rlimit before = {};
     ::getrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit full = {rlim_t(1) << 40, before.rlim_max};
+    const rlimit full = {rlim_t{1} << 40, before.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &full);
     const bool written = LogFile(m_path).add(QtWarningMsg, u"c"_s, u"the first after it"_s);
     ::setrlimit(RLIMIT_FSIZE, &before);

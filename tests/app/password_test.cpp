@@ -68,7 +68,7 @@ void PasswordTest::refusedPassword_data()
     QTest::newRow("blank") << u"   "_s;
     QTest::newRow("no-break blank") << u"\u00a0"_s;
     QTest::newRow("single quote") << u"o'clock"_s;
-    QTest::newRow("NUL") << QString(u"a\0b"_s);
+    QTest::newRow("NUL") << u"a\0b"_s;
     QTest::newRow("line break") << u"a\nb"_s;
     QTest::newRow("line separator") << u"a\u2028b"_s;
     QTest::newRow("half a surrogate pair") << u"a"_s + QChar(0xd83d);

@@ -181,7 +181,7 @@ void RecordsTest::textIsNeverAStatement()
 void RecordsTest::asManyValuesAsMarks()
 {
     QVERIFY(!m_records->write(notes(), {u"insert into HarrowbyNote (Name) values (?)"_s, {}}));
-    QVERIFY(!m_records->read(notes(), {u"select * from StockList"_s, {u"a"_s}}).value_or(QList<RecordRow>()).size());
+    QVERIFY(m_records->read(notes(), {u"select * from StockList"_s, {u"a"_s}}).value_or(QList<RecordRow>()).isEmpty());
     QVERIFY(!m_records->read({u"select * from StockList"_s, {u"a"_s}}));
     QCOMPARE(m_told.size(), 2); // the second had no table to read
     QCOMPARE(m_told.constFirst().reason, u"0 values were given for 1 marks"_s);

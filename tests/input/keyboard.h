@@ -19,6 +19,7 @@
 #include <utility>
 
 QT_BEGIN_NAMESPACE
+// NOLINTNEXTLINE(readability-redundant-declaration): not where the test library is not linked
 Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject *, ulong, int, Qt::KeyboardModifiers, const QString &, bool,
                                                ushort);
 QT_END_NAMESPACE

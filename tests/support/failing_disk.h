@@ -14,7 +14,7 @@ enum class Mode {
 };
 
 /// Sets the folder; operations elsewhere neither fail nor count.
-void mount(const QString &folder);
+void mount(const QString &path);
 /// Lets the `operation`-th operation from now on (1-based) fail with the error (ENOSPC, EIO, EACCES); 0 for none.
 void failAt(int operation, Mode mode, int error);
 /// Operations that have failed since the last failAt().

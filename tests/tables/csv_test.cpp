@@ -31,7 +31,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("field");
         QTest::newRow("plain") << u"PEN BLUE"_s << QByteArray("PEN BLUE");
-        QTest::newRow("comma") << u"PEN, BLUE"_s << QByteArray("\"PEN, BLUE\"");
+        QTest::newRow("comma") << u"PEN, BLUE"_s << QByteArray(R"("PEN, BLUE")");
         QTest::newRow("quote") << u"7\" BOX"_s << QByteArray("\"7\"\" BOX\"");
         QTest::newRow("line break") << u"A\r\nB"_s << QByteArray("\"A\r\nB\"");
         QTest::newRow("blanks around") << u" A "_s << QByteArray("\" A \"");

@@ -177,7 +177,7 @@ private Q_SLOTS:
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             return m_path;
         });
-        QPushButton *button = output->findChild<QPushButton *>(u"saveCsv"_s);
+        auto *button = output->findChild<QPushButton *>(u"saveCsv"_s);
         QTimer::singleShot(0, button, [button] { button->click(); });
         QCoreApplication::processEvents();
         QTRY_VERIFY(!output);

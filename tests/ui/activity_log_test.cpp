@@ -47,7 +47,7 @@ QStringList entriesOf(const ActivityText &log)
 qsizetype memoryInUse()
 {
     const auto info = ::mallinfo2();
-    return static_cast<qsizetype>(info.uordblks + info.hblkhd);
+    return static_cast<qsizetype>(info.uordblks) + static_cast<qsizetype>(info.hblkhd);
 }
 
 } // namespace

@@ -241,7 +241,7 @@ void KillTest::theFileHoldsWhatWasDone()
             return;
         }
     }
-    qInfo("%d kills, %d within a statement, after %lld statements", kills, m_underWay, qlonglong(m_done));
+    qInfo("%d kills, %d within a statement, after %lld statements", kills, m_underWay, static_cast<qlonglong>(m_done));
     QVERIFY(m_underWay > 0);
 }
 

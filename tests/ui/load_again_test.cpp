@@ -123,7 +123,7 @@ int load_again_test(int argc, char **argv)
     for (const char *folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
         qputenv(folder, home.path().toLocal8Bit());
     QApplication application(argc, argv);
-    application.setQuitOnLastWindowClosed(false);
+    QApplication::setQuitOnLastWindowClosed(false);
     LoadAgainTest test;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&test, argc, argv);

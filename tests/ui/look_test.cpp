@@ -179,7 +179,7 @@ void LookTest::fits_data()
 }
 
 /// Shows the window with the data row's size and palette. All areas of a size share one window.
-#define SHOW_WINDOW(window)                                                                                            \
+#define SHOW_WINDOW()                                                                                                  \
     QFETCH(QSize, size);                                                                                               \
     QFETCH(bool, dark);                                                                                                \
     QFETCH(int, area);                                                                                                 \
@@ -196,7 +196,7 @@ void LookTest::fits_data()
 
 void LookTest::fits()
 {
-    SHOW_WINDOW(window);
+    SHOW_WINDOW();
     QCOMPARE(window.size(), size);
     for (QWidget *widget : window.findChildren<QWidget *>()) {
         if (!widget->isVisible() || widget->objectName().isEmpty() || !widget->parentWidget() ||
@@ -243,7 +243,7 @@ void LookTest::fieldsStayReadable()
 
 void LookTest::isLargeEnoughToTouch()
 {
-    SHOW_WINDOW(window);
+    SHOW_WINDOW();
     const auto targets = touchTargets(window);
     QVERIFY(targets.size() >= 10);
     for (const auto &[name, place] : targets) {
@@ -263,7 +263,7 @@ void LookTest::isLargeEnoughToTouch()
 
 void LookTest::cutsNoCaption()
 {
-    SHOW_WINDOW(window);
+    SHOW_WINDOW();
     for (const auto *button : window.findChildren<QAbstractButton *>()) {
         if (!button->isVisible() || button->inherits("harrowby::QuickSaleButton"))
             continue;
@@ -298,7 +298,7 @@ void LookTest::cutsNoCaption()
 
 void LookTest::namesEveryControl()
 {
-    SHOW_WINDOW(window);
+    SHOW_WINDOW();
     for (QWidget *widget : window.findChildren<QWidget *>()) {
         if (!widget->isVisible() || widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_"_s))
             continue;
@@ -309,7 +309,7 @@ void LookTest::namesEveryControl()
 
 void LookTest::reachesEveryControlByTab()
 {
-    SHOW_WINDOW(window);
+    SHOW_WINDOW();
     window.activateWindow();
     window.controls.TabStrip1->setFocus();
     QTRY_VERIFY(window.controls.TabStrip1->hasFocus());

@@ -264,7 +264,7 @@ void PickListTest::pickListDoesNotTakeTypingForAPick()
     QTRY_VERIFY(list->hasFocus());
     const QSignalSpy picked(list, &PickList::picked);
     QTest::keyClicks(list, u"TEA"_s);
-    QTest::keyClick(list, Qt::Key(key));
+    QTest::keyClick(list, static_cast<Qt::Key>(key));
     QCOMPARE(list->hasFocus(), key != Qt::Key_Tab);
     QCOMPARE(list->entryText(), u"TEA"_s);
     QCOMPARE(picked.count(), 0);

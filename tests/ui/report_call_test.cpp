@@ -87,6 +87,7 @@ class ValueReport : public QObject
     Q_OBJECT
 
 public Q_SLOTS:
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): the shape that is refused
     void AccountPreview(std::shared_ptr<harrowby::DbConnection>, const QString &, bool, const QString &, bool, bool,
                         bool, const QString &)
     {
