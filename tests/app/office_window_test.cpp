@@ -2,6 +2,7 @@
 #include "app/office/office_window.h"
 #include "app/office/user_rules.h"
 #include "app/shop/store_access.h"
+#include "tests/app/office_desk.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -10,37 +11,26 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QDir>
-#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QWheelEvent>
-
-#include <functional>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-class OfficeWindowTest : public QObject
+class OfficeWindowTest : public OfficeDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void openStoreIsToldAndClosed();
-    void leftFolderOfTheLastBackupIsRemoved();
     void usersAreListed();
     void usersBeforeADamagedRowAreListed();
     void rightIsSwitchedAndStored();
@@ -56,109 +46,11 @@ private Q_SLOTS:
     void unsavedReceiptIsAskedAbout();
     void searchIsSwitched();
     void failedSwitchOfTheSearchIsTold();
-    void backupIsMade();
-    void existingBackupIsAskedAbout();
-    void badPlaceOfBackupIsTold();
-    void focusStaysOnTheBackupPage_data();
-    void focusStaysOnTheBackupPage();
     void wheelTurnsNoPage();
     void wheelChangesNoType();
     void everythingIsLargeEnoughForAThumbAndNamed();
     void fitsASmallScreen();
-
-private:
-    template <class Widget>
-    [[nodiscard]] Widget *part(const char *name) const
-    {
-        return m_window->findChild<Widget *>(QString::fromLatin1(name));
-    }
-    void press(const char *name) { QTest::mouseClick(part<QAbstractButton>(name), Qt::LeftButton); }
-    void choose(const QString &user);
-    void inNextDialog(const std::function<void(QDialog &)> &act);
-    void answerNextBox(QMessageBox::ButtonRole role);
-    static void accept(QDialog &dialog);
-    static void enter(QDialog &dialog, const char *entry, const QString &text);
-    [[nodiscard]] QString read(const QString &select) const { return column(m_path, select).value(0); }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_path;
-    SqliteDatabase m_database;
-    QHash<QString, QString> m_saved;
-    QString m_boxText;
-    std::unique_ptr<OfficeWindow> m_window;
 };
-
-void OfficeWindowTest::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_path = m_folder->filePath(u"shop.sqlite"_s);
-    makeStore(m_path);
-    runAll(m_path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
-                    "VALUES ('ANNA', 'P', 'STAFF', -1, 0), ('BOB', 'P', 'OWNER', 0, -1)"_s});
-    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
-    m_saved.clear();
-    m_boxText.clear();
-    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &defaultValue) {
-                                         return m_saved.value(section + u'/' + key, defaultValue);
-                                     },
-                                     [this](const QString &section, const QString &key, const QString &value) {
-                                         m_saved.insert(section + u'/' + key, value);
-                                         return true;
-                                     }};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
-    m_window->show();
-}
-
-void OfficeWindowTest::cleanup()
-{
-    m_window.reset();
-    m_database.reset();
-    m_folder.reset();
-}
-
-void OfficeWindowTest::choose(const QString &user)
-{
-    auto *list = part<QListWidget>("users");
-    const auto rows = list->findItems(user + u'\n', Qt::MatchStartsWith);
-    QCOMPARE(rows.size(), 1);
-    list->setCurrentItem(rows.constFirst());
-}
-
-void OfficeWindowTest::inNextDialog(const std::function<void(QDialog &)> &act)
-{
-    QTimer::singleShot(0, this, [act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        act(*dialog);
-    });
-}
-
-void OfficeWindowTest::answerNextBox(QMessageBox::ButtonRole role)
-{
-    inNextDialog([this, role](QDialog &dialog) {
-        auto &box = dynamic_cast<QMessageBox &>(dialog);
-        m_boxText = box.text();
-        for (QAbstractButton *button : box.buttons()) {
-            if (box.buttonRole(button) == role)
-                return button->click();
-        }
-        box.reject();
-    });
-}
-
-void OfficeWindowTest::accept(QDialog &dialog)
-{
-    const auto *box = dialog.findChild<QDialogButtonBox *>();
-    for (QAbstractButton *button : box->buttons()) {
-        if (box->buttonRole(button) == QDialogButtonBox::AcceptRole)
-            QTest::mouseClick(button, Qt::LeftButton);
-    }
-}
-
-void OfficeWindowTest::enter(QDialog &dialog, const char *entry, const QString &text)
-{
-    dialog.findChild<QLineEdit *>(QString::fromLatin1(entry))->setText(text);
-}
 
 void OfficeWindowTest::openStoreIsToldAndClosed()
 {
@@ -178,19 +70,6 @@ void OfficeWindowTest::openStoreIsToldAndClosed()
     QVERIFY(!isOpenToOthers(m_path));
     QVERIFY(part<QLabel>("storeAccess")->text().contains(u"Only you"_s));
     QVERIFY(!part<QPushButton>("closeStoreAccess")->isVisible());
-}
-
-void OfficeWindowTest::leftFolderOfTheLastBackupIsRemoved()
-{
-    const QString left = m_folder->filePath(u"stick/.harrowby-backup-AbCdEf"_s);
-    QVERIFY(QDir().mkpath(left));
-    m_saved.insert(u"Office/LastBackup"_s, m_folder->filePath(u"stick/copy.db"_s));
-    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &usual) {
-                                         return m_saved.value(section + u'/' + key, usual);
-                                     },
-                                     {}};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
-    QVERIFY(!QFile::exists(left));
 }
 
 void OfficeWindowTest::usersAreListed()
@@ -394,82 +273,6 @@ void OfficeWindowTest::failedSwitchOfTheSearchIsTold()
     QVERIFY2(m_boxText.startsWith(u"The search was not switched."_s), qPrintable(m_boxText));
     QVERIFY(part<QCheckBox>("searchAnywhere")->isChecked());
     QCOMPARE(part<QLabel>("shopOutcome")->text(), QString());
-}
-
-void OfficeWindowTest::backupIsMade()
-{
-    const QString target = m_folder->filePath(u"copy.db"_s);
-    QCOMPARE(part<QLabel>("lastBackup")->text(), u"No backup has been made from here yet."_s);
-    part<QLineEdit>("backupPlace")->setText(target);
-    press("startBackup");
-    QVERIFY(!part<QPushButton>("startBackup")->isEnabled() && part<QPushButton>("stopBackup")->isEnabled());
-    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
-    QVERIFY2(part<QLabel>("backupOutcome")->text().contains(u"made and checked"_s),
-             qPrintable(part<QLabel>("backupOutcome")->text()));
-    QCOMPARE(column(target, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
-    QVERIFY(part<QLabel>("lastBackup")->text().contains(target));
-}
-
-void OfficeWindowTest::existingBackupIsAskedAbout()
-{
-    const QString target = m_folder->filePath(u"copy.db"_s);
-    runAll(target, {u"CREATE TABLE Other (x)"_s});
-    part<QLineEdit>("backupPlace")->setText(target);
-    answerNextBox(QMessageBox::RejectRole);
-    press("startBackup");
-    QVERIFY(m_boxText.contains(target));
-    QVERIFY(part<QPushButton>("startBackup")->isEnabled());
-    QCOMPARE(column(target, u"SELECT count(*) FROM Other"_s), QStringList{u"0"_s});
-    answerNextBox(QMessageBox::AcceptRole);
-    press("startBackup");
-    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
-    QCOMPARE(column(target, u"SELECT StockID FROM StockList"_s), QStringList{u"TEA-0001"_s});
-}
-
-void OfficeWindowTest::badPlaceOfBackupIsTold()
-{
-    part<QLineEdit>("backupPlace")->setText(m_path);
-    press("startBackup");
-    QVERIFY(part<QLabel>("backupOutcome")->text().contains(u"store file itself"_s));
-    QVERIFY(part<QPushButton>("startBackup")->isEnabled());
-}
-
-void OfficeWindowTest::focusStaysOnTheBackupPage_data()
-{
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("meanwhile");
-    QTest::addColumn<QByteArray>("after");
-    QTest::newRow("the button") << QByteArray("startBackup") << QByteArray("stopBackup") << QByteArray("startBackup");
-    QTest::newRow("the entry") << QByteArray("backupPlace") << QByteArray("backupPlace") << QByteArray("backupPlace");
-}
-
-/// Started by its letter, so that the focus is where it was.
-void OfficeWindowTest::focusStaysOnTheBackupPage()
-{
-    QFETCH(const QByteArray, from);
-    QFETCH(const QByteArray, meanwhile);
-    QFETCH(const QByteArray, after);
-    m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    part<QTabBar>("officeTabs")->setCurrentIndex(2);
-    const auto typeABlank = [this] { QTest::keyClick(m_window->focusWidget(), Qt::Key_Space); };
-    part<QLineEdit>("backupPlace")->setText(m_folder->filePath(u"copy.db"_s));
-    part<QWidget>(from.constData())->setFocus();
-    part<QPushButton>("startBackup")->click();
-    QCOMPARE(m_window->focusWidget(), part<QWidget>(meanwhile.constData()));
-    if (meanwhile == "backupPlace")
-        typeABlank();
-    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
-    QVERIFY(part<QLabel>("backupOutcome")->text().contains(u"made and checked"_s));
-    QCOMPARE(m_window->focusWidget(), part<QWidget>(after.constData()));
-    QCOMPARE(part<QLineEdit>("backupPlace")->text(), m_folder->filePath(u"copy.db"_s));
-    QVERIFY(!part<QLineEdit>("backupPlace")->isReadOnly());
-    if (after == "backupPlace") {
-        part<QLineEdit>("backupPlace")->end(false);
-        typeABlank();
-        QVERIFY(part<QLineEdit>("backupPlace")->text().endsWith(u' '));
-    }
-    QVERIFY(m_window->isVisible());
 }
 
 void OfficeWindowTest::wheelTurnsNoPage()

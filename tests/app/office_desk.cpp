@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "tests/app/office_desk.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app::test {
+
+void OfficeDesk::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_path = m_folder->filePath(u"shop.sqlite"_s);
+    makeStore(m_path);
+    runAll(m_path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
+                    "VALUES ('ANNA', 'P', 'STAFF', -1, 0), ('BOB', 'P', 'OWNER', 0, -1)"_s});
+    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    m_saved.clear();
+    m_boxText.clear();
+    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &defaultValue) {
+                                         return m_saved.value(section + u'/' + key, defaultValue);
+                                     },
+                                     [this](const QString &section, const QString &key, const QString &value) {
+                                         m_saved.insert(section + u'/' + key, value);
+                                         return true;
+                                     }};
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    m_window->show();
+}
+
+void OfficeDesk::cleanup()
+{
+    m_window.reset();
+    m_database.reset();
+    m_folder.reset();
+}
+
+void OfficeDesk::choose(const QString &user)
+{
+    auto *list = part<QListWidget>("users");
+    const auto rows = list->findItems(user + u'\n', Qt::MatchStartsWith);
+    QCOMPARE(rows.size(), 1);
+    list->setCurrentItem(rows.constFirst());
+}
+
+void OfficeDesk::inNextDialog(const std::function<void(QDialog &)> &act)
+{
+    QTimer::singleShot(0, this, [act] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        act(*dialog);
+    });
+}
+
+void OfficeDesk::answerNextBox(QMessageBox::ButtonRole role)
+{
+    inNextDialog([this, role](QDialog &dialog) {
+        auto &box = dynamic_cast<QMessageBox &>(dialog);
+        m_boxText = box.text();
+        for (QAbstractButton *button : box.buttons()) {
+            if (box.buttonRole(button) == role)
+                return button->click();
+        }
+        box.reject();
+    });
+}
+
+void OfficeDesk::accept(QDialog &dialog)
+{
+    const auto *box = dialog.findChild<QDialogButtonBox *>();
+    for (QAbstractButton *button : box->buttons()) {
+        if (box->buttonRole(button) == QDialogButtonBox::AcceptRole)
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+}
+
+void OfficeDesk::enter(QDialog &dialog, const char *entry, const QString &text)
+{
+    dialog.findChild<QLineEdit *>(QString::fromLatin1(entry))->setText(text);
+}
+
+} // namespace harrowby::app::test

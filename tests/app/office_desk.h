@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/office/office_window.h"
+#include "engine/database.h"
+#include "tests/app/store_files.h"
+
+#include <QAbstractButton>
+#include <QHash>
+#include <QMessageBox>
+#include <QObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+namespace harrowby::app::test {
+
+/// The office's window over a store with the users ADMINISTRATOR, ANNA and BOB, anew for each test function.
+class OfficeDesk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+protected:
+    template <class Widget>
+    [[nodiscard]] Widget *part(const char *name) const
+    {
+        return m_window->findChild<Widget *>(QString::fromLatin1(name));
+    }
+    void press(const char *name) { QTest::mouseClick(part<QAbstractButton>(name), Qt::LeftButton); }
+    void choose(const QString &user);
+    void inNextDialog(const std::function<void(QDialog &)> &act);
+    void answerNextBox(QMessageBox::ButtonRole role);
+    static void accept(QDialog &dialog);
+    static void enter(QDialog &dialog, const char *entry, const QString &text);
+    [[nodiscard]] QString read(const QString &select) const { return column(m_path, select).value(0); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_path;
+    SqliteDatabase m_database;
+    QHash<QString, QString> m_saved;
+    QString m_boxText;
+    std::unique_ptr<OfficeWindow> m_window;
+};
+
+} // namespace harrowby::app::test
