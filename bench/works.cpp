@@ -3,6 +3,7 @@
 
 #include "bench/catalogue.h"
 #include "bench/plain_window.h"
+#include "bench/scan_work.h"
 #include "bench/statement_lists.h"
 #include "store/statement_texts.h"
 
@@ -19,7 +20,7 @@ class Bench
 {
 public:
     Bench(sqlite3 *database, const WorksOptions &options) :
-        m_till(database, options.now), m_measuring(database, options, m_till)
+        m_database(database), m_till(database, options.now), m_measuring(database, options, m_till)
     {
     }
 
@@ -28,7 +29,8 @@ public:
 private:
     void measureLoading();
     void measurePress(int cartLines, const QString &name);
-    void measurePressWithinFrame();
+    void measureScan();
+    void measureWithinFrame();
     void measurePaging();
     void measureCategory();
     void measureDashboard();
@@ -37,6 +39,7 @@ private:
     [[nodiscard]] qint64 items() const { return m_measuring.options().items; }
     [[nodiscard]] int offset() const { return m_till.window().state().QuickSalesOffset; }
 
+    sqlite3 *m_database;
     Till m_till;
     Measuring m_measuring;
 };
@@ -47,13 +50,14 @@ std::vector<Line> Bench::run()
     require(m_till.logIn(), u"login"_s);
     measurePress(1, u"press a quick-sale button until cart and total are painted, 1 line"_s);
     if (items() == frameLimitItems)
-        measurePressWithinFrame();
+        measureWithinFrame();
     measurePress(50, u"press a quick-sale button until cart and total are painted, 50 lines"_s);
     m_till.emptyCart();
     measurePaging();
     measureCategory();
     measureCommit();
     measureDashboard();
+    measureScan();
     return m_measuring.lines();
 }
 
@@ -88,7 +92,24 @@ void Bench::measurePress(int cartLines, const QString &name)
         [this, key] { return pressStatements(key, m_till.now()); });
 }
 
-void Bench::measurePressWithinFrame()
+/// Last, as the banner stays in the window.
+void Bench::measureScan()
+{
+    m_till.emptyCart();
+    require(m_till.showQuickSales() && m_till.firstPage() && m_till.fillCart(1), u"filling the cart"_s);
+    const QString key = m_till.keysInCart().constLast();
+    ScanDesk desk(m_database, m_till);
+    const QString code = desk.codeOf(key);
+    m_measuring.measure(
+        u"scan a code until cart and total are painted"_s, {1.5, 2.0},
+        [&] { return timed([&] { return desk.scan(code); }); },
+        [&] { return ScanDesk::statements(code, key, m_till.now()); });
+    if (items() == frameLimitItems)
+        measureWithinFrame();
+}
+
+/// Of the press or the scan measured last, in one frame of the screen plus its disk writes.
+void Bench::measureWithinFrame()
 {
     const QString name = u"  of that, the disk writes"_s;
     const QString key = m_till.keysInCart().constLast();

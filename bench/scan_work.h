@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/raw_statements.h"
+
+#include <QDateTime>
+#include <QString>
+
+#include <memory>
+
+struct sqlite3;
+
+namespace harrowby::bench {
+
+class Till;
+
+/// The store program at the counter of a till whose window is open; every item of the shop has one code.
+class ScanDesk
+{
+public:
+    /// Throws std::runtime_error when the codes cannot be made. Both must outlive it.
+    ScanDesk(sqlite3 *database, Till &till);
+    ~ScanDesk();
+    ScanDesk(const ScanDesk &) = delete;
+    ScanDesk &operator=(const ScanDesk &) = delete;
+
+    /// The code of an item, `key` as it stands in the cart.
+    [[nodiscard]] QString codeOf(const QString &key) const;
+    /// From the moment at which the code is complete until cart and total are painted; false when that did not happen.
+    bool scan(const QString &code);
+    /// Finding the code, and the press of the item's button.
+    [[nodiscard]] static RawStatements statements(const QString &code, const QString &key, const QDateTime &now);
+
+private:
+    class Parts;
+
+    sqlite3 *m_database;
+    Till &m_till;
+    std::unique_ptr<Parts> m_parts;
+};
+
+} // namespace harrowby::bench
