@@ -18,11 +18,10 @@ namespace {
 
 using Kind = DoorAnswer::Kind;
 
+/// Why nobody is let in. Precondition: the answer is not Open.
 QString wordsOf(const DoorAnswer &answer)
 {
     switch (answer.kind) {
-    case Kind::Open:
-        return {};
     case Kind::Blank:
         return u"Please enter the password."_s;
     case Kind::Wrong:
@@ -33,6 +32,14 @@ QString wordsOf(const DoorAnswer &answer)
     default:
         return engineWords(u"The users could not be read."_s, answer.error);
     }
+}
+
+Result<void, QString> checkPasswordAtDoor(sqlite3 *database, const QString &password)
+{
+    const DoorAnswer answer = askAtDoor(database, password);
+    if (answer.kind != Kind::Open)
+        return Unexpected(wordsOf(answer));
+    return {};
 }
 
 } // namespace
@@ -48,7 +55,7 @@ OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSetting
         tellProblem(u"The store's office asks for a password, and there is no screen to ask for it."_s);
         return OfficeEnd::Refused;
     }
-    OfficePasswordDialog password([=](const QString &typed) { return wordsOf(askAtDoor(database, typed)); },
+    OfficePasswordDialog password([database](const QString &typed) { return checkPasswordAtDoor(database, typed); },
                                   WrongTries(officeTriesPath(store)));
     if (password.exec() != QDialog::Accepted)
         return OfficeEnd::Left;

@@ -74,9 +74,8 @@ void OfficePasswordDialog::accept()
     if (pause()) // after a wrong try in another office
         return sayPause();
     m_wrongTries.add(QDateTime::currentDateTimeUtc());
-    const QString problem = m_check(m_password->text());
-    if (!problem.isEmpty())
-        return refuse(problem);
+    if (const auto checked = m_check(m_password->text()); !checked)
+        return refuse(checked.error());
     m_wrongTries.forget();
     QDialog::accept();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/office/wrong_tries.h"
+#include "basic/result.h"
 
 #include <QDialog>
 
@@ -13,8 +14,8 @@ class QPushButton;
 
 namespace harrowby::app {
 
-/// Why a typed password does not open the office, in words for a person; empty when it does.
-using PasswordCheck = std::function<QString(const QString &password)>;
+/// Whether a typed password opens the office, or why not, in words for a person.
+using PasswordCheck = std::function<Result<void, QString>(const QString &password)>;
 
 /// Asks for ADMINISTRATOR's password until it is right or the person gives up. After several wrong tries the next one
 /// has to wait a little, also when they were made before the program was started.

@@ -246,8 +246,10 @@ void FirstUserTest::formsWearTheTillsTheme_data()
 {
     QTest::addColumn<Form>("make");
     QTest::addColumn<int>("captions");
-    QTest::newRow("password of the office")
-        << Form([] { return std::make_unique<OfficePasswordDialog>([](const QString &) { return QString(); }); }) << 2;
+    QTest::newRow("password of the office") << Form([] {
+        return std::make_unique<OfficePasswordDialog>(
+            [](const QString &) { return harrowby::Result<void, QString>(); });
+    }) << 2;
     QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Save()); }) << 4;
     QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Save()); })
                                   << 3;

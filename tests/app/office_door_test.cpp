@@ -101,7 +101,7 @@ void OfficeDoorTest::passwordOpens()
     QString asked;
     OfficePasswordDialog dialog([&](const QString &password) {
         asked = password;
-        return QString();
+        return Result<void, QString>();
     });
     dialog.show();
     dialog.findChild<QLineEdit *>(u"officePassword"_s)->setText(u"secret"_s);
@@ -116,7 +116,7 @@ void OfficeDoorTest::wrongPasswordIsRefusedAndSlowsDown()
     int asked = 0;
     OfficePasswordDialog dialog([&](const QString &) {
         ++asked;
-        return u"Not this one."_s;
+        return Unexpected(u"Not this one."_s);
     });
     dialog.show();
     for (int i = 0; i < 5; ++i)
@@ -132,14 +132,15 @@ void OfficeDoorTest::pauseOutlivesTheDialog()
     const QString file = folder.filePath(u"tries"_s);
     int asked = 0;
     {
-        OfficePasswordDialog dialog([&](const QString &) { return ++asked, u"Not this one."_s; }, WrongTries(file));
+        OfficePasswordDialog dialog([&](const QString &) { return ++asked, Unexpected(u"Not this one."_s); },
+                                    WrongTries(file));
         for (int i = 0; i < 5; ++i)
             dialog.accept();
     }
     QCOMPARE(asked, 3);
     for (int i = 0; i < 7; ++i) // so many that the pause lasts longer than the test
         WrongTries(file).add(QDateTime::currentDateTimeUtc());
-    const auto open = [&](const QString &) { return ++asked, QString(); };
+    const auto open = [&](const QString &) { return ++asked, Result<void, QString>(); };
     OfficePasswordDialog later(open, WrongTries(file));
     later.show();
     later.accept();

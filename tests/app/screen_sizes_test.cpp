@@ -193,7 +193,7 @@ void ScreenSizesTest::dialogsFit()
     proposal.currency = u"N"_s;
     FirstUserDialog first(m_path, proposal);
     UserDialog user({}, [](const NewUser &) { return UsersTable::Problem(); });
-    OfficePasswordDialog door([](const QString &) { return QString(); });
+    OfficePasswordDialog door([](const QString &) { return Result<void, QString>(); });
     for (QDialog *dialog : std::initializer_list<QDialog *>{&first, &user, &door}) {
         dialog->show();
         QVERIFY(QTest::qWaitForWindowExposed(dialog));
