@@ -19,8 +19,8 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int CartLines = 50;
-const QString HeldAs = u"BENCH"_s;
+constexpr int cartLines = 50;
+const QString heldAs = u"BENCH"_s;
 
 RawStatement raw(const char *sql, const QByteArrayList &values = {}, const QByteArrayList &columns = {})
 {
@@ -88,18 +88,18 @@ private:
 bool HoldBench::hold()
 {
     PaintWatch watch{m_till.window().controls().LV3->viewport(), m_till.window().controls().Label5};
-    return m_holder.hold(HeldAs) == app::CartHolder::Held::Done && watch.wait() && m_till.cartLines() == 0;
+    return m_holder.hold(heldAs) == app::CartHolder::Held::Done && watch.wait() && m_till.cartLines() == 0;
 }
 
 bool HoldBench::recall()
 {
     const auto carts = m_carts.list();
-    if (!carts || carts->isEmpty() || carts->constLast().word != HeldAs)
+    if (!carts || carts->isEmpty() || carts->constLast().word != heldAs)
         return false;
     PaintWatch watch{m_till.window().controls().LV3->viewport(), m_till.window().controls().Label5};
     std::vector<CounterMisfit> misfits;
     return m_holder.recall(carts->constLast().id, misfits) == app::HeldCarts::Taken::Done && watch.wait() &&
-           misfits.empty() && m_till.cartLines() == CartLines;
+           misfits.empty() && m_till.cartLines() == cartLines;
 }
 
 /// What the statements by hand have held.
@@ -112,7 +112,7 @@ void HoldBench::dropRaw() const
 
 std::vector<Line> HoldBench::run()
 {
-    require(m_till.openAfresh() && m_till.fillCart(CartLines), u"filling the cart"_s);
+    require(m_till.openAfresh() && m_till.fillCart(cartLines), u"filling the cart"_s);
     m_keys = m_till.keysInCart();
     require(hold(), u"the first hold"_s); // makes the tables
     m_measuring.measure(
