@@ -156,6 +156,7 @@ void CounterCodesTest::places()
 /// The gate refuses it, and nothing stays in the login's entries but what was typed into the hidden one.
 void CounterCodesTest::loggedOut()
 {
+    m_till->boxes.expect(u"Log out User[ANN]?"_s, box::AskDefaultNo, Answer::Yes);
     m_till->click("Command27");
     QVERIFY(m_till->hasFocus("Text3"));
     m_till->boxes.expect(u"You must Login in First!"_s, box::Exclamation);
