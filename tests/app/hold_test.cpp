@@ -5,23 +5,19 @@
 #include "app/hold/list_dialog.h"
 #include "app/records/sqlite_records.h"
 #include "tables/table_view.h"
+#include "tests/app/hold_till.h"
 #include "tests/program/test_program.h"
-#include "tests/support/counter.h"
 
 #include <harrowby/counter.h>
 
 #include <QAccessible>
 #include <QApplication>
-#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-
-#include <sqlite3.h>
 
 #include <deque>
 #include <functional>
@@ -30,51 +26,9 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
+using namespace harrowby::app::test;
 
 namespace {
-
-/// Notes its statements, and lets one of them fail.
-class FussyRecords final : public SqliteRecords
-{
-public:
-    using SqliteRecords::SqliteRecords;
-
-    QStringList texts;
-    int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
-
-protected:
-    Answer<QList<RecordRow>> select(const RecordStatement &statement) override
-    {
-        if (auto failure = fails(statement.text))
-            return Unexpected(*failure);
-        return SqliteRecords::select(statement);
-    }
-    Answer<std::int64_t> change(const RecordStatement &statement) override
-    {
-        if (auto failure = fails(statement.text))
-            return Unexpected(*failure);
-        return SqliteRecords::change(statement);
-    }
-    std::optional<DbFailure> begin() override
-    {
-        auto failure = fails(u"begin"_s);
-        return failure ? failure : SqliteRecords::begin();
-    }
-    std::optional<DbFailure> commit() override
-    {
-        auto failure = fails(u"commit"_s);
-        return failure ? failure : SqliteRecords::commit();
-    }
-
-private:
-    std::optional<DbFailure> fails(const QString &text)
-    {
-        texts << text;
-        if (texts.size() - 1 != failAt)
-            return {};
-        return DbFailure{DbFailure::Kind::Write, text, u"the disk is gone"_s, 10};
-    }
-};
 
 QString wordsOf(const std::vector<CounterLine> &lines)
 {
@@ -89,15 +43,12 @@ QString wordsOf(const std::vector<CounterLine> &lines)
 
 } // namespace
 
-/// "Hold" and "Recall" at the real window over a real file.
-class HoldTest : public QObject
+/// "Hold" at the real window over a real file, and back again. More on "Recall" is in recall_test.cpp.
+class HoldTest : public HoldTill
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void wordsAreTidied_data();
     void wordsAreTidied();
     void cartComesBackAsItWas();
@@ -107,160 +58,10 @@ private Q_SLOTS:
     void holdingCanBeCalledOff();
     void emptyCartIsNotHeld();
     void nobodyLoggedInIsTheGatesRefusal();
-    void heldCartsAreListed();
-    void recallCanBeCalledOff();
-    void recallIntoACartAsks();
-    void onlyOneTillGetsACart();
-    void cartThatIsGoneIsTold();
-    void misfitsAreToldInOneList();
     void failedHoldLeavesTheCart();
-    void failedRecallLeavesTheCartHeld();
-    void cartInBothPlacesIsTold();
     void everythingIsLargeEnoughAndNamed();
     void nextWindowGetsTheButtons();
-
-private:
-    [[nodiscard]] static harrowby::Counter &counter() { return harrowby::Counter::instance(); }
-    [[nodiscard]] QStringList cart() const { return m_till->cart(); }
-    void press(const QString &name) const;
-    /// Runs `act` when the next dialog is shown, after those that were asked for before.
-    void meetDialog();
-    void inNextDialog(const std::function<void(QDialog &)> &act);
-    void answerNextBox(const QString &begin, const QString &button);
-    void answerRecall(const QString &word, const QString &button);
-    /// Holds what is in the cart under a word, without the dialog.
-    void holdAs(const QString &word);
-    [[nodiscard]] QString idOf(const QString &word);
-    [[nodiscard]] QStringList heldWords();
-    [[nodiscard]] QStringList heldLines() const;
-
-    std::unique_ptr<test::Counter> m_till;
-    std::unique_ptr<FussyRecords> m_records;
-    std::unique_ptr<HoldDesk> m_desk;
-    std::unique_ptr<HeldCarts> m_carts;
-    QStringList m_said;
-    std::deque<std::function<void(QDialog &)>> m_acts;
-    QTimer m_poll;
-    int m_dialogs = 0;
 };
-
-void HoldTest::init()
-{
-    m_said.clear();
-    m_dialogs = 0;
-    m_acts.clear();
-    m_poll.setInterval(1);
-    connect(&m_poll, &QTimer::timeout, this, &HoldTest::meetDialog, Qt::UniqueConnection);
-    m_till = std::make_unique<test::Counter>();
-    const test::ShopFile &file = m_till->file;
-    file.addItem(u"A1"_s, u"TEA"_s, 2.5, 30);
-    file.addItem(u"b2"_s, u"HONEY"_s, 4, 5);
-    file.addItem(u"C3"_s, u"BREAD"_s, 1.2, 12);
-    file.addItem(u"D4"_s, u"MILK"_s, 0.99, 12);
-    file.addItem(u"E5"_s, u"EGGS"_s, 3, 12);
-    m_records = std::make_unique<FussyRecords>(file.handle());
-    m_carts = std::make_unique<HeldCarts>(*m_records);
-    m_desk = std::make_unique<HoldDesk>(counter(), *m_records, [this](const QString &text, bool isRefusal) {
-        m_said << (isRefusal ? u"! "_s : QString()) + text;
-    });
-    m_till->open();
-    m_desk->furnish();
-    m_till->logIn();
-}
-
-void HoldTest::cleanup()
-{
-    m_desk.reset();
-    m_carts.reset();
-    m_records.reset();
-    m_till.reset();
-}
-
-void HoldTest::press(const QString &name) const
-{
-    auto *button = m_till->window().findChild<QPushButton *>(name);
-    QVERIFY(button != nullptr);
-    QTest::mouseClick(button, Qt::LeftButton);
-}
-
-void HoldTest::inNextDialog(const std::function<void(QDialog &)> &act)
-{
-    m_acts.push_back(act);
-    m_poll.start();
-}
-
-/// One dialog after the other: each act closes its own.
-void HoldTest::meetDialog()
-{
-    auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-    if (dialog == nullptr || m_acts.empty())
-        return;
-    const auto act = m_acts.front();
-    m_acts.pop_front();
-    ++m_dialogs;
-    const QPointer<QDialog> shown(dialog);
-    act(*dialog);
-    if (QTest::currentTestFailed() && shown)
-        shown->reject();
-    if (m_acts.empty())
-        m_poll.stop();
-}
-
-void HoldTest::answerNextBox(const QString &begin, const QString &button)
-{
-    inNextDialog([begin, button](QDialog &dialog) {
-        auto *box = qobject_cast<QMessageBox *>(&dialog);
-        if (box == nullptr)
-            return dialog.reject();
-        if (!box->text().startsWith(begin))
-            qCritical("An unexpected box: %s", qPrintable(box->text()));
-        for (QAbstractButton *one : box->buttons()) {
-            if (one->text().remove(u'&') == button)
-                return one->click();
-        }
-        box->reject();
-    });
-}
-
-void HoldTest::answerRecall(const QString &word, const QString &button)
-{
-    inNextDialog([word, button](QDialog &dialog) {
-        auto *list = dialog.findChild<tables::TableView *>();
-        const auto found = list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, word, 1, Qt::MatchExactly);
-        if (!found.isEmpty())
-            list->setCurrentIndex(found.constFirst());
-        dialog.findChild<QPushButton *>(button)->click();
-    });
-}
-
-void HoldTest::holdAs(const QString &word)
-{
-    CartHolder holder(counter(), *m_carts);
-    QCOMPARE(holder.hold(word), CartHolder::Held::Done);
-}
-
-QString HoldTest::idOf(const QString &word)
-{
-    for (const HeldCart &cart : m_carts->list().value_or(QList<HeldCart>())) {
-        if (cart.word == word)
-            return cart.id;
-    }
-    return {};
-}
-
-QStringList HoldTest::heldWords()
-{
-    QStringList words;
-    for (const HeldCart &cart : m_carts->list().value_or(QList<HeldCart>()))
-        words << cart.word;
-    return words;
-}
-
-QStringList HoldTest::heldLines() const
-{
-    return m_till->file.rows(u"SELECT Position, StockID, StockName, Quantity, Cost, CostByHand FROM HarrowbyHeldLine "
-                             "ORDER BY HeldID, Position"_s);
-}
 
 void HoldTest::wordsAreTidied_data()
 {
@@ -429,143 +230,6 @@ void HoldTest::nobodyLoggedInIsTheGatesRefusal()
     QCOMPARE(heldWords(), QStringList{u"1"_s});
 }
 
-void HoldTest::heldCartsAreListed()
-{
-    QCOMPARE(counter().sell(u"A1"_s, 2), CounterAnswer::Done);
-    QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
-    holdAs(u"Mary"_s);
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    m_till->file.sql(u"UPDATE HarrowbyHeld SET HeldAt = '2026-03-05T09:15:00.000Z' WHERE Word = '1'"_s);
-    const QString since =
-        QDateTime(QDate(2026, 3, 5), QTime(9, 15), Qt::UTC).toLocalTime().toString(u"yyyy-MM-dd HH:mm");
-    QStringList first;
-    int rows = 0;
-    inNextDialog([&](QDialog &dialog) {
-        auto *list = dialog.findChild<tables::TableView *>();
-        rows = list->model()->rowCount();
-        for (int column = 0; column < list->model()->columnCount(); ++column)
-            first << list->model()->index(0, column).data().toString();
-        QTest::keyClick(list, Qt::Key_Return);
-    });
-    press(u"recallCart"_s);
-    QCOMPARE(rows, 2);
-    QCOMPARE(first, (QStringList{u"1"_s, since, u"ADMINISTRATOR"_s, u"1"_s, u"2.50"_s})); // held longest
-    QCOMPARE(m_said, QStringList{u"\"1\" is back in the cart."_s});
-    QCOMPARE(cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
-    QCOMPARE(heldWords(), QStringList{u"Mary"_s});
-}
-
-void HoldTest::recallCanBeCalledOff()
-{
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    answerRecall(u"1"_s, u"cancelList"_s);
-    press(u"recallCart"_s);
-    QCOMPARE(heldWords(), QStringList{u"1"_s});
-    QCOMPARE(cart(), QStringList());
-}
-
-void HoldTest::recallIntoACartAsks()
-{
-    QCOMPARE(counter().sell(u"A1"_s, 2), CounterAnswer::Done);
-    holdAs(u"Mary"_s);
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
-    const QString question = u"The cart is not empty (2 lines, 6.50). Add \"Mary\" to it?"_s;
-    inNextDialog([&](QDialog &dialog) {
-        answerNextBox(question, u"Cancel"_s);
-        dialog.findChild<QPushButton *>(u"listAction"_s)->click();
-    });
-    press(u"recallCart"_s);
-    QCOMPARE(heldWords(), QStringList{u"Mary"_s});
-    QCOMPARE(cart(), (QStringList{u"A1  |  TEA|1|2.50"_s, u"b2  |  HONEY|1|4.00"_s}));
-    inNextDialog([&](QDialog &dialog) {
-        answerNextBox(question, u"Add"_s);
-        dialog.findChild<QPushButton *>(u"listAction"_s)->click();
-    });
-    press(u"recallCart"_s);
-    QCOMPARE(heldWords(), QStringList());
-    QCOMPARE(cart(), (QStringList{u"A1  |  TEA|3|7.50"_s, u"b2  |  HONEY|1|4.00"_s}));
-    QCOMPARE(m_dialogs, 4);
-}
-
-void HoldTest::onlyOneTillGetsACart()
-{
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    const QString id = idOf(u"1"_s);
-    sqlite3 *raw = nullptr;
-    QCOMPARE(sqlite3_open(m_till->file.path().toUtf8().constData(), &raw), SQLITE_OK);
-    {
-        SqliteRecords records(raw);
-        HeldCarts other(records);
-        int got = 0;
-        const auto take = [&got](const std::vector<CounterLine> &lines) {
-            got += static_cast<int>(lines.size());
-            return true;
-        };
-        // The other till tries while this one is at it, and after that.
-        QCOMPARE(m_carts->take(id,
-                               [&](const std::vector<CounterLine> &lines) {
-                                   return other.take(id, take) == HeldCarts::Taken::Failed && take(lines);
-                               }),
-                 HeldCarts::Taken::Done);
-        QCOMPARE(other.take(id, take), HeldCarts::Taken::Gone);
-        QCOMPARE(got, 1);
-    }
-    sqlite3_close(raw);
-}
-
-void HoldTest::cartThatIsGoneIsTold()
-{
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
-    holdAs(u"2"_s);
-    inNextDialog([this](QDialog &dialog) { // another till recalls it while this one looks at the list
-        QVERIFY(m_carts->drop(idOf(u"1"_s)));
-        answerNextBox(u"\"1\" has just been recalled at another till."_s, u"OK"_s);
-        answerRecall(u"2"_s, u"listAction"_s);
-        dialog.findChild<QPushButton *>(u"listAction"_s)->click();
-    });
-    press(u"recallCart"_s);
-    QCOMPARE(cart(), QStringList{u"b2  |  HONEY|1|4.00"_s});
-}
-
-void HoldTest::misfitsAreToldInOneList()
-{
-    for (const QString &id : {u"A1"_s, u"b2"_s, u"C3"_s, u"D4"_s, u"E5"_s})
-        QCOMPARE(counter().sell(id, 3), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    m_till->file.sql(u"UPDATE StockList SET StockAvailable = 0 WHERE StockID = 'A1';"
-                     "UPDATE StockList SET StockAvailable = 2 WHERE StockID = 'b2';"
-                     "UPDATE StockList SET StockCost = 1.50 WHERE StockID = 'C3';"
-                     "DELETE FROM StockList WHERE StockID = 'D4';"
-                     "UPDATE StockList SET StockUse = 'Disabled' WHERE StockID = 'E5'"_s);
-    QStringList told;
-    answerRecall(u"1"_s, u"listAction"_s);
-    inNextDialog([&](QDialog &dialog) {
-        const QAbstractItemModel *list = dialog.findChild<tables::TableView *>()->model();
-        for (int row = 0; row < list->rowCount(); ++row) {
-            QStringList texts;
-            for (int column = 0; column < list->columnCount(); ++column)
-                texts << list->index(row, column).data().toString();
-            told << texts.join(u'|');
-        }
-        QVERIFY(dialog.findChild<QPushButton *>(u"cancelList"_s) == nullptr);
-        dialog.findChild<QPushButton *>(u"listAction"_s)->click();
-    });
-    press(u"recallCart"_s);
-    QCOMPARE(told, (QStringList{u"BREAD|3 for 3.60|3 for 4.50|at the price of today"_s,
-                                u"EGGS|3 for 9.00|\u2013|no longer for sale: left out"_s,
-                                u"HONEY|3 for 12.00|2 for 8.00|only 2 left"_s,
-                                u"MILK|3 for 2.97|\u2013|no such item any more: left out"_s,
-                                u"TEA|3 for 7.50|\u2013|sold out: left out"_s}));
-    QCOMPARE(cart(), (QStringList{u"b2  |  HONEY|2|8.00"_s, u"C3  |  BREAD|3|4.50"_s}));
-    QCOMPARE(heldWords(), QStringList());
-}
-
 void HoldTest::failedHoldLeavesTheCart()
 {
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
@@ -589,41 +253,6 @@ void HoldTest::failedHoldLeavesTheCart()
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     press(u"holdCart"_s);
     QCOMPARE(m_said, QStringList{u"! The cart was not held: it is here as before."_s});
-}
-
-void HoldTest::failedRecallLeavesTheCartHeld()
-{
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    const QString id = idOf(u"1"_s);
-    const QStringList lines = heldLines();
-    std::vector<CounterMisfit> misfits;
-    CartHolder holder(counter(), *m_carts);
-    for (int at = 0; at < 4; ++at) { // begin, delete, read, delete
-        m_records->texts.clear();
-        m_records->failAt = at;
-        QCOMPARE(holder.recall(id, misfits), HeldCarts::Taken::Failed);
-        m_records->failAt = -1;
-        QCOMPARE(cart(), QStringList());
-        QCOMPARE(heldWords(), QStringList{u"1"_s});
-        QCOMPARE(heldLines(), lines);
-    }
-}
-
-void HoldTest::cartInBothPlacesIsTold()
-{
-    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
-    holdAs(u"1"_s);
-    answerRecall(u"1"_s, u"listAction"_s);
-    answerNextBox(u"\"1\" is in the cart, but it could not be taken off the list"_s, u"OK"_s);
-    m_records->texts.clear();
-    m_records->failAt = 5; // list, begin, delete, read, delete, and the commit
-    press(u"recallCart"_s);
-    m_records->failAt = -1;
-    QCOMPARE(m_dialogs, 2);
-    QCOMPARE(cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
-    QCOMPARE(heldWords(), QStringList{u"1"_s});
 }
 
 void HoldTest::everythingIsLargeEnoughAndNamed()
