@@ -30,6 +30,7 @@ private Q_SLOTS:
     void otherLayout();
     void typing();
     void whileAListFills();
+    void twoReadersAtOnce();
     void manyScans();
 
 private:
@@ -261,6 +262,28 @@ void CodesRunTest::whileAListFills()
     QTRY_COMPARE_WITH_TIMEOUT(program().text(u"Label5"_s), u"Total: 11.00"_s, 30000);
     m_program.reset();
     runAll(m_store, {u"DELETE FROM StockList WHERE StockCategory = 'MANY'"_s});
+}
+
+/// What the first Enter ends is nobody's code; the rest of the other one, which could be an item's, is refused.
+void CodesRunTest::twoReadersAtOnce()
+{
+    runAll(m_store, {u"UPDATE StockList SET StockID = '0055' WHERE StockName = 'BREAD'"_s});
+    start();
+    if (QTest::currentTestFailed())
+        return;
+    logIn();
+    Wedge second(m_screen->display());
+    QVERIFY(m_reader->begin(u"TEA-0001\r"_s, 20, 100));
+    QVERIFY(second.begin(u"zy-10055\r"_s, 20, 190));
+    m_reader->finish();
+    second.finish();
+    QTRY_COMPARE_WITH_TIMEOUT(told().size(), 2, 30000);
+    constexpr int unknown = 3;
+    QVERIFY2(told().first().endsWith(u" %1"_s.arg(unknown)), qPrintable(told().first()));
+    QCOMPARE(told().last(), u"refused 1"_s);
+    QVERIFY(m_reader->type(u"TEA-0001\r"_s, 5));
+    QTRY_COMPARE_WITH_TIMEOUT(program().text(u"Label5"_s), u"Total: 2.50"_s, 30000);
+    runAll(m_store, {u"UPDATE StockList SET StockID = '40063813' WHERE StockName = 'BREAD'"_s});
 }
 
 /// 20 a second: each sold once, none lost, in order.
