@@ -3,7 +3,8 @@
 
 #include <harrowby/db_value.h>
 
-/// When an item is to be reordered: when it is at or below its reorder level, and still sold.
+/// When an item is to be reordered. Intended: the stock list marks what is at or below its level, whether it is still
+/// sold or not; the dashboard and the reorder list leave out what is not.
 namespace harrowby {
 
 /// Whether the item is at or below its level. A missing figure is neither.

@@ -85,7 +85,10 @@ void IniSettings::save(const QString &section, const QString &key, const QString
         return reportSaving(m_path, Unexpected(u"it cannot be read"_s));
     IniText text(*bytes);
     text.setValue(section, key, value);
-    reportSaving(m_path, writePrivateFile(m_path, text.bytes()));
+    const QByteArray changed = text.bytes();
+    if (changed.size() > largestFile)
+        return reportSaving(m_path, Unexpected(u"it would be larger than 1 MB"_s)); // and never be read again
+    reportSaving(m_path, writePrivateFile(m_path, changed));
 }
 
 } // namespace harrowby

@@ -251,6 +251,16 @@ private Q_SLOTS:
         QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"COM1"_s);
     }
 
+    void aFileIsNotMadeTooLargeToBeRead()
+    {
+        IniSettings().save(u"POS"_s, u"COM"_s, u"till"_s);
+        IniSettings().save(u"option"_s, u"Title"_s, QString(1'000'000, u'x'));
+        QCOMPARE(m_failures.size(), 1);
+        QCOMPARE(m_failures.constFirst().reason, u"it would be larger than 1 MB"_s);
+        QCOMPARE(IniSettings().get(u"POS"_s, u"COM"_s, u"COM1"_s), u"till"_s);
+        QCOMPARE(IniSettings().get(u"option"_s, u"Title"_s, u"none"_s), u"none"_s);
+    }
+
     void aNameThatNoLineCanHoldIsLogged()
     {
         const LogCapture log;
