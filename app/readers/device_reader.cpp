@@ -221,10 +221,15 @@ DeviceReader::DeviceReader(const ReaderDevice &device, QObject *parent) : Device
 {
 }
 
+/// The thread begins with the event loop, when whoever made the reader has connected its signals.
 DeviceReader::DeviceReader(const ReaderDevice &device, Hold hold, QObject *parent) :
-    QObject(parent), m_device(device), m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-    m_thread([work = std::make_shared<Work>(*this, std::move(hold))](const std::stop_token &stop) { work->run(stop); })
+    QObject(parent), m_device(device), m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
+    auto work = std::make_shared<Work>(*this, std::move(hold));
+    const auto begin = [this, work] {
+        m_thread = std::jthread([work](const std::stop_token &stop) { work->run(stop); });
+    };
+    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
 }
 
 DeviceReader::~DeviceReader()
@@ -232,7 +237,8 @@ DeviceReader::~DeviceReader()
     m_thread.request_stop();
     const std::uint64_t one = 1;
     static_cast<void>(!::write(m_wake, &one, sizeof(one)));
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
     ::close(m_wake);
 }
 
