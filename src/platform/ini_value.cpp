@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/ini_value.h"
 
+#include <QStringDecoder>
 #include <QStringView>
 
 #include <algorithm>
@@ -13,9 +14,10 @@ namespace {
 constexpr QStringView escapeLetters = u"\\\"nrt";
 constexpr QStringView escapedChars = u"\\\"\n\r\t";
 
-bool isControl(QChar c)
+/// Whether it is written by its number. Readers drop a byte order mark at the start of a value.
+bool isInvisible(QChar c)
 {
-    return c.unicode() < 0x20 || c.unicode() == 0x7f;
+    return c.unicode() < 0x20 || c.unicode() == 0x7f || c == QChar::ByteOrderMark;
 }
 
 bool isHexDigit(QChar c)
@@ -27,7 +29,7 @@ bool needsQuotes(const QString &value)
 {
     constexpr QStringView special = u"\";,=\\";
     return value != value.trimmed() ||
-           std::ranges::any_of(value, [&](QChar c) { return isControl(c) || special.contains(c); });
+           std::ranges::any_of(value, [&](QChar c) { return isInvisible(c) || special.contains(c); });
 }
 
 QString hexEscape(QChar c)
@@ -41,7 +43,7 @@ QString escaped(const QString &value)
     bool afterHex = false; // a digit there would be read as part of the number
     for (const QChar c : value) {
         const auto known = escapedChars.indexOf(c);
-        const bool asHex = known < 0 && (isControl(c) || (afterHex && isHexDigit(c)));
+        const bool asHex = known < 0 && (isInvisible(c) || (afterHex && isHexDigit(c)));
         if (known >= 0)
             out += u'\\' + escapeLetters.at(known);
         else
@@ -108,7 +110,10 @@ QByteArray encoded(const QString &value)
 
 QString decoded(const QByteArray &raw)
 {
-    const QString text = QString::fromUtf8(raw).trimmed();
+    // QString::fromUtf8() would drop a byte order mark, which QSettings writes as it is.
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = QString(utf8(raw)).trimmed();
     const QStringView view(text);
     const QString value = unescaped(isQuoted(view) ? view.mid(1, view.size() - 2) : view);
     return value.startsWith("@@"_L1) ? value.mid(1) : value;

@@ -150,6 +150,8 @@ void IniTextTest::roundTrip_data()
         u"\u0001a\u0002z"_s,
         u"\u001bf"_s,
         u"line\u2028separator"_s,
+        u"\ufeffmark"_s,
+        u"\ufeff\ufeffa\ufeff"_s,
         QString(10'000, u'x'),
     };
     for (const QString &value : values)

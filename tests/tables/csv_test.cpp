@@ -31,8 +31,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("field");
         QTest::newRow("plain") << u"PEN BLUE"_s << QByteArray("PEN BLUE");
-        QTest::newRow("comma") << u"PEN, BLUE"_s << QByteArray(R"("PEN, BLUE")");
-        QTest::newRow("quote") << u"7\" BOX"_s << QByteArray("\"7\"\" BOX\"");
+        QTest::newRow("comma") << u"PEN, BLUE"_s << QByteArray("\"PEN, BLUE\"");
+        QTest::newRow("quote") << u"7\" BOX"_s << QByteArray(R"("7"" BOX")");
         QTest::newRow("line break") << u"A\r\nB"_s << QByteArray("\"A\r\nB\"");
         QTest::newRow("blanks around") << u" A "_s << QByteArray("\" A \"");
         QTest::newRow("UTF-8") << u"CR\u00c8ME"_s << QByteArray("CR\xc3\x88ME");

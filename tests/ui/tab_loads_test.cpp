@@ -31,7 +31,7 @@ void fillShop(const Counter &counter)
 class InTheMiddle
 {
 public:
-    InTheMiddle(Counter &counter, int tab, std::function<void()> action)
+    InTheMiddle(Counter &counter, int tab, const std::function<void()> &action)
     {
         counter.connection->before = [this, tab, action, window = &counter.window()](const QString &statement) {
             if (!fills(tab, statement) || std::exchange(m_isBegun, true))
