@@ -109,7 +109,10 @@ FoundCode CodeFinder::findByRule(const QString &code) const
     const auto whole = inStoreCode(code);
     if (!whole)
         return {};
-    const auto rule = InStoreRule::fromText(m_settings.value(inStoreSetting(whole->first(2))));
+    const auto rules = m_settings.startingWith(inStoreSetting(whole->first(2)));
+    if (!rules)
+        return failed(); // which is not the same as nobody's code
+    const auto rule = rules->isEmpty() ? std::nullopt : InStoreRule::fromText(rules->constFirst().second);
     const auto reading = rule ? rule->read(*whole) : std::nullopt;
     if (!reading)
         return {};

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void exactEntryGoesBeforeTheRule();
     void foreignTypesFindNothingElse();
     void failedReadIsToldApart();
+    void rulesThatCannotBeReadAreToldApart();
     void statements();
 
     void itemsAreLookedFor();
@@ -307,6 +308,14 @@ void CodeFinderTest::failedReadIsToldApart()
     QVERIFY(found(u"TEA-0001"_s).kind == Kind::Failed);
     QCOMPARE(told.size(), 1);
     QVERIFY(told.constFirst().kind == DbFailure::Kind::Read);
+}
+
+void CodeFinderTest::rulesThatCannotBeReadAreToldApart()
+{
+    rule(u"21IIIIIPPPPPC 2"_s);
+    run(u"ALTER TABLE HarrowbySetting RENAME COLUMN Value TO Former"_s);
+    QVERIFY(found(u"2112345019994"_s).kind == Kind::Failed);
+    QVERIFY(found(u"4006381333931"_s).kind == Kind::Unknown); // no rule is for it
 }
 
 void CodeFinderTest::statements()
