@@ -85,11 +85,9 @@ int main(int argc, char **argv)
     harrowby::Counter &counter = harrowby::Counter::instance();
     QObject::connect(&counter, &harrowby::Counter::windowOpened, &app, [&opened] { opened = true; });
     harrowby::Init().LoadInventory(std::make_shared<harrowby::SqliteConnection>(database), {});
-    int code = 4;
     QTimer::singleShot(0, &app, [&] {
-        code = !windowIsThere() ? 1 : opened && usesTheCounter(counter) ? 0 : 4;
-        QApplication::quit();
+        const bool counts = opened && usesTheCounter(counter);
+        QApplication::exit(!windowIsThere() ? 1 : counts ? 0 : 4); // quit() would ask whether to close the window
     });
-    app.exec();
-    return code;
+    return app.exec();
 }
