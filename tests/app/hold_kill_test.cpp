@@ -196,6 +196,7 @@ void HoldKillTest::holdOne(const QString &word) const
     test::Database database(path());
     SqliteRecords records(database.handle());
     std::vector<CounterLine> lines;
+    lines.reserve(cartLines);
     for (int i = 0; i < cartLines; ++i)
         lines.push_back({u"A%1"_s.arg(i), u"NAME OF A%1"_s.arg(i), i + 1.0, 1.25 * (i + 1), false});
     QVERIFY(HeldCarts(records).hold({word, u"JACK"_s, lines, 7.5}));

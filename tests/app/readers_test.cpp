@@ -273,8 +273,8 @@ void ReadersTest::twoAtOnce()
         one.send("A\r") && two.send("B\r") && texts(read).contains(u"A"_s) && texts(read).contains(u"B"_s), patience);
     QTest::qWait(50);
     read.clear();
-    constexpr int scans = 50;
-    for (int scan = 0; scan < scans; ++scan) {
+    constexpr qsizetype scans = 50;
+    for (qsizetype scan = 0; scan < scans; ++scan) {
         for (int place = 0; place < 4; ++place) {
             QVERIFY(one.send(place < 3 ? "4" : "\r"));
             QVERIFY(two.send(place < 3 ? "5" : "\r"));

@@ -13,6 +13,7 @@
 #include <QBoxLayout>
 #include <QEvent>
 #include <QFrame>
+#include <QLabel>
 #include <QMainWindow>
 
 #include <functional>
