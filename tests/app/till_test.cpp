@@ -59,6 +59,19 @@ private:
     {
         QVERIFY(!CodeTable(*m_records).add(code, id, units));
     }
+    void saveItem(const QString &id, const QString &name)
+    {
+        for (const auto &[entry, text] : {std::pair("Combo5", u"DRINKS"_s),
+                                          {"Combo6", id},
+                                          {"Combo7", name},
+                                          {"Combo8", u"4.00"_s},
+                                          {"Combo13", u"1"_s},
+                                          {"Combo14", u"9"_s},
+                                          {"Combo15", u"Enabled"_s}})
+            m_counter->setText(entry, text);
+        m_counter->click("Command16");
+        QCoreApplication::sendPostedEvents();
+    }
     [[nodiscard]] QString said() const { return m_till->banner().text(); }
 
     std::unique_ptr<test::Counter> m_counter;
@@ -262,15 +275,22 @@ void TillTest::purchaseMakesRoomForTheNext()
 void TillTest::renamedItemKeepsItsCodes()
 {
     code(u"CODE"_s, u"A1"_s);
-    m_counter->file.sql(u"update StockList set StockID = 'B7' where StockID = 'A1'"_s);
-    Q_EMIT harrowby::Counter::instance().stockSaved(u"A1"_s, u"B7"_s);
+    m_counter->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
+    m_counter->chooseTab("TabStrip1", WorkArea::EditStock);
+    saveItem(u"B7"_s, u"TEA"_s); // found by its name: it has another ID now
     scan(u"CODE"_s);
-    QCOMPARE(m_counter->cart(), QStringList{u"B7  |  TEA|1|2.50"_s});
+    QCOMPARE(m_counter->cart(), QStringList{u"B7  |  TEA|1|4.00"_s});
+    saveItem(u"B7"_s, u"BLACK TEA"_s); // found by its ID: it has another name now
+    scan(u"CODE"_s);
+    QCOMPARE(m_counter->cart().last(), u"B7  |  BLACK TEA|1|4.00"_s);
     m_counter->file.sql(u"delete from StockList where StockID = 'B7'"_s);
-    m_counter->file.addItem(u"B7"_s, u"COFFEE"_s, 1, 5); // a free ID is given again
-    Q_EMIT harrowby::Counter::instance().stockSaved({}, u"B7"_s);
     scan(u"CODE"_s);
     QCOMPARE(said(), u"The code CODE belongs to an item that is gone. Nothing was added."_s);
+    saveItem(u"B7"_s, u"COFFEE"_s); // a free ID is given again
+    scan(u"CODE"_s);
+    QCOMPARE(said(), u"The code CODE belongs to an item that is gone. Nothing was added."_s);
+    scan(u"B7"_s);
+    QCOMPARE(m_counter->cart().last(), u"B7  |  COFFEE|1|4.00"_s);
 }
 
 void TillTest::codesThatCannotFollowAreTold()
