@@ -57,8 +57,8 @@ tables::Table heldTable(const QList<HeldCart> &carts)
                      {u"Lines"_s, Kind::Count, false},
                      {u"Total"_s, Kind::Money, false}};
     for (const HeldCart &cart : carts)
-        table.rows.push_back({cart.word, cart.since.toString(u"yyyy-MM-dd HH:mm"_s), cart.user,
-                              static_cast<double>(cart.lines), cart.total});
+        table.rows.push_back(
+            {cart.word, cart.since.toString(u"MM-dd HH:mm"_s), cart.user, static_cast<double>(cart.lines), cart.total});
     return table;
 }
 
