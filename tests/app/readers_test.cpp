@@ -96,6 +96,16 @@ QStringList texts(const QSignalSpy &spy)
     return all;
 }
 
+/// What came before the till held the line is nobody's; so a code is sent until one arrives, and then one that is the
+/// last of these.
+void begin(const SerialReader &line, QSignalSpy &read)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
+    QVERIFY(line.send("ready\r"));
+    QTRY_COMPARE_WITH_TIMEOUT(texts(read).value(texts(read).size() - 1), u"ready"_s, patience);
+    read.clear();
+}
+
 } // namespace
 
 class ReadersTest : public QObject
@@ -207,10 +217,7 @@ void ReadersTest::serialCodes()
     DeviceReader reader({Kind::Serial, path, 9600});
     QSignalSpy read(&reader, &DeviceReader::codeRead);
     QSignalSpy tooLong(&reader, &DeviceReader::tooLong);
-    // What came before the till held the line is nobody's; so a code is sent until one arrives.
-    QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
-    QTest::qWait(50);
-    read.clear();
+    begin(line, read);
     QVERIFY(line.send("4006381"));
     QVERIFY(line.send("333931\r\n"));
     QVERIFY(line.send("Stra\xC3\x9F"
@@ -246,9 +253,7 @@ void ReadersTest::serialGoesAndComes()
     QSignalSpy read(&reader, &DeviceReader::codeRead);
     QSignalSpy lost(&reader, &DeviceReader::lost);
     QSignalSpy found(&reader, &DeviceReader::found);
-    QTRY_VERIFY_WITH_TIMEOUT(line->send("first\r") && !read.isEmpty(), patience);
-    QTest::qWait(50);
-    read.clear();
+    begin(*line, read);
     QVERIFY(line->send("half"));
     line.reset();
     QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, patience);
@@ -269,10 +274,8 @@ void ReadersTest::twoAtOnce()
     const SerialReader two(paths[1]);
     CodeReaders readers({{Kind::Serial, paths[0], 9600}, {Kind::Serial, paths[1], 9600}});
     QSignalSpy read(&readers, &CodeReaders::codeRead);
-    QTRY_VERIFY_WITH_TIMEOUT(
-        one.send("A\r") && two.send("B\r") && texts(read).contains(u"A"_s) && texts(read).contains(u"B"_s), patience);
-    QTest::qWait(50);
-    read.clear();
+    begin(one, read);
+    begin(two, read);
     constexpr qsizetype scans = 50;
     for (qsizetype scan = 0; scan < scans; ++scan) {
         for (int place = 0; place < 4; ++place) {
@@ -345,9 +348,7 @@ void ReadersTest::whereCodesGo()
     CodeReaders readers({{Kind::Serial, path}});
     QSignalSpy read(&readers, &CodeReaders::codeRead);
     QSignalSpy refused(&readers, &CodeReaders::codeRefused);
-    QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
-    QTest::qWait(50);
-    read.clear();
+    begin(line, read);
     QWidget window;
     QLineEdit entry(&window);
     window.show();
