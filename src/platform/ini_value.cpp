@@ -113,7 +113,8 @@ QString decoded(const QByteArray &raw)
     // QString::fromUtf8() would drop a byte order mark, which QSettings writes as it is.
     QStringDecoder utf8(QStringDecoder::Utf8,
                         QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    const QString text = QString(utf8(raw)).trimmed();
+    const QString all = utf8.decode(raw);
+    const QString text = all.trimmed();
     const QStringView view(text);
     const QString value = unescaped(isQuoted(view) ? view.mid(1, view.size() - 2) : view);
     return value.startsWith("@@"_L1) ? value.mid(1) : value;
