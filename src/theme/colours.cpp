@@ -11,7 +11,8 @@ namespace harrowby {
 
 namespace {
 
-/// Of any text on each ground that it may stand on; what is muted and the links of a dark window get half a step more.
+/// Of a text that readable() is asked for, on the grounds it is given; what is muted and the links of a dark window get
+/// half a step more. The fixed colours below hold it too, but for the stock signs of a light window.
 constexpr double textContrast = 4.5;
 /// Of the window's usual text, and of prices and totals, which are read from further away.
 constexpr double figureContrast = 7.0;

@@ -15,7 +15,7 @@ KeyPanel {
         anchors.margins: 3
         radius: 8
         color: !control || !control.enabled ? "#2b3536"
-             : control.pressed || key.lit ? "#0f8a78"
+             : control.pressed || key.lit ? "#0e8373"
              : control.highlighted || control.functionKey ? "#25484a" : "#3b494b"
 
         Text {

@@ -67,7 +67,7 @@ KeyboardStyle {
             font.pixelSize: Math.round(parent.height * 0.5)
         }
     }
-    alternateKeysListHighlight: Rectangle { radius: 8; color: "#0f8a78" }
+    alternateKeysListHighlight: Rectangle { radius: 8; color: "#0e8373" }
     alternateKeysListBackground: Rectangle { radius: 8; color: style.popupColor }
 
     // No words are suggested, so their list takes no room.
