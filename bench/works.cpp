@@ -113,8 +113,10 @@ void Bench::measureWithinFrame()
 {
     const QString name = u"  of that, the disk writes"_s;
     const QString key = m_till.keysInCart().constLast();
+    const int runs = m_measuring.options().runs;
     std::vector<double> writes;
-    for (int i = 0; i < m_measuring.options().runs; ++i)
+    writes.reserve(static_cast<std::size_t>(runs));
+    for (int i = 0; i < runs; ++i)
         writes.push_back(m_measuring.rawMs(pressWrites(key, m_till.now()), name));
     Line &press = m_measuring.last();
     press.limit = (frameMs + median(writes)) / *press.rawMs;
