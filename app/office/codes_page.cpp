@@ -104,7 +104,7 @@ QHBoxLayout *CodesPage::makeButtons()
     buttons->addWidget(add);
     m_forOne = {addButton(u"U&nits \u2026"_s, u"changeUnits"_s, &CodesPage::changeUnits),
                 addButton(u"&Give To \u2026"_s, u"giveCode"_s, &CodesPage::giveCode),
-                addButton(u"&Delete"_s, u"deleteCode"_s, &CodesPage::deleteCode)};
+                addButton(u"Dele&te"_s, u"deleteCode"_s, &CodesPage::deleteCode)};
     for (QPushButton *button : std::as_const(m_forOne))
         buttons->addWidget(button);
     buttons->addStretch(1);

@@ -66,7 +66,7 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     pages->addWidget(new CodesPage(*m_records, this));
     tabs->addTab(u"S&hop"_s);
     pages->addWidget(m_shop);
-    tabs->addTab(u"Rea&ders"_s);
+    tabs->addTab(u"Read&ers"_s);
     pages->addWidget(m_readers);
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 

@@ -52,7 +52,7 @@ void ReceiptPage::createEntries()
     m_currency = makeEntry(this, u"receiptCurrency"_s, u"Currency"_s, m_saved.currency);
     for (QLineEdit *entry : {m_title, m_address, m_currency})
         connect(entry, &QLineEdit::textChanged, this, &ReceiptPage::showEntered);
-    m_emailReport = new QCheckBox(u"&Email the daily report"_s, this);
+    m_emailReport = new QCheckBox(u"Email the daily re&port"_s, this);
     m_emailReport->setObjectName(u"emailReport"_s);
     m_emailReport->setChecked(m_saved.emailReport);
     m_outcome = makeOfficeText(this, {});

@@ -19,7 +19,7 @@ StoreAccessLine::StoreAccessLine(QString store, QWidget *parent) : QWidget(paren
     m_text = makeOfficeText(this, u"\u26a0 Other users of this computer may read the store file, and with it all "
                                   "passwords."_s);
     m_text->setObjectName(u"storeAccess"_s);
-    m_close = new QPushButton(u"Close It to &Others"_s, this);
+    m_close = new QPushButton(u"Close &It to Others"_s, this);
     m_close->setObjectName(u"closeStoreAccess"_s);
     connect(m_close, &QPushButton::clicked, this, &StoreAccessLine::closeStore);
     auto *row = new QHBoxLayout(this);

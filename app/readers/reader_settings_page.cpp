@@ -120,7 +120,7 @@ QLayout *ReaderSettingsPage::makeTypingForm()
     auto *form = new QFormLayout;
     form->setVerticalSpacing(12);
     form->addRow(m_typing);
-    form->addRow(u"Longest time between two &keys:"_s, m_gap);
+    form->addRow(u"Longest time between two ke&ys:"_s, m_gap);
     form->addRow(u"&Prefix that they type before each code:"_s, m_prefix);
     centreCaptions(*form);
     return form;

@@ -11,6 +11,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHash>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -49,6 +51,7 @@ private Q_SLOTS:
     void wheelTurnsNoPage();
     void wheelChangesNoType();
     void everythingIsLargeEnoughForAThumbAndNamed();
+    void noLetterStandsForTwoThings();
     void fitsASmallScreen();
 };
 
@@ -321,6 +324,29 @@ void OfficeWindowTest::everythingIsLargeEnoughForAThumbAndNamed()
             QVERIFY2(widget->height() >= thumb, qPrintable(widget->objectName()));
             auto *accessible = QAccessible::queryAccessibleInterface(widget);
             QVERIFY2(!accessible->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
+        }
+    }
+}
+
+void OfficeWindowTest::noLetterStandsForTwoThings()
+{
+    auto *tabs = part<QTabBar>("officeTabs");
+    for (int page = 0; page < tabs->count(); ++page) {
+        tabs->setCurrentIndex(page);
+        QStringList texts = {u"Close &It to Others"_s}; // shown while others can read the store
+        for (int tab = 0; tab < tabs->count(); ++tab)
+            texts << tabs->tabText(tab);
+        for (const auto *button : m_window->findChildren<QAbstractButton *>())
+            texts << (button->isVisible() ? button->text() : QString());
+        for (const auto *label : m_window->findChildren<QLabel *>())
+            texts << (label->isVisible() && label->buddy() != nullptr ? label->text() : QString());
+        QHash<QString, QString> taken;
+        for (const QString &text : texts) {
+            const QString key = QKeySequence::mnemonic(text).toString();
+            if (key.isEmpty())
+                continue;
+            QVERIFY2(!taken.contains(key), qPrintable(taken.value(key) + u" / "_s + text));
+            taken.insert(key, text);
         }
     }
 }
