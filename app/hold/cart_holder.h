@@ -13,8 +13,8 @@ namespace harrowby::app {
 /// 1. Hold writes the cart into the file, committed, and only then empties the counter's. A kill in between leaves the
 ///    cart held.
 /// 2. Recall deletes the held cart and puts its lines into the counter's cart within one transaction, which is
-/// committed
-///    last. A kill before that undoes the deletion: the cart is held as before. After it, the cart is the counter's.
+///    committed last. A kill before that undoes the deletion: the cart is held as before. After it, the cart is the
+///    counter's.
 /// Where the last step fails without a kill, the cart is in both places, and the outcome says so.
 class CartHolder
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/wedge.h"
 
+#include <QTest>
+
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
 
@@ -132,6 +134,8 @@ bool Wedge::type(const QString &text, int gap, int pause)
 {
     const bool typed = begin(text, gap, pause);
     finish();
+    constexpr int breath = 60; // an Enter right behind would be the reader's second one
+    QTest::qWait(breath);
     return typed;
 }
 
