@@ -6,6 +6,8 @@
 #include "bench/counter_statements.h"
 #include "store/statement_texts.h"
 
+#include <QPushButton>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::bench {
