@@ -2,6 +2,8 @@
 #include "app/store_program.h"
 
 #include "app/backup/lost_store_box.h"
+#include "app/cash/drawer_name.h"
+#include "app/cash/run_locks.h"
 #include "app/demo/demo_shop.h"
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
@@ -146,7 +148,14 @@ void setUpApplication()
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
+Notice missingLock(const QString &reason)
+{
+    return {u"run lock"_s, u"This till cannot show other tills that it is open."_s, reason,
+            u"Allow writing to that file and its folder, then start the till again. Until then, payments that a killed "
+            "till leaves behind are settled a day later."_s};
+}
+
+int sell(StoreGuard &store, const CashStation &cash, BusyWait &wait, FailureNotice &notice)
 {
     SqliteRecords records(store.database());
     records.setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
@@ -160,7 +169,9 @@ int sell(StoreGuard &store, BusyWait &wait, FailureNotice &notice)
     LostStoreAlarm alarm(store, u"till"_s, closeTill);
     store.keepWatch();
     supplyForeignWindows(connection);
-    const Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal);
+    Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal, cash);
+    QObject::connect(&till.payments(), &Payments::lockMissing, &notice,
+                     [&notice](const QString &reason) { notice.tell(missingLock(reason)); });
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
     if (QWidget *window = salesWindow()) {
@@ -242,7 +253,11 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
     StoreGuard store(*std::move(database), *path, wait);
     wait.setWatcher([&sign] { sign.show(); });
     log.probe();
-    return line.office ? keepOffice(store, *path, wait, notice) : sell(store, wait, notice);
+    if (line.office)
+        return keepOffice(store, *path, wait, notice);
+    const CashStation cash = {drawerName(line.drawer, {savedSetting, saveSetting}),
+                              std::make_shared<FileRunLocks>(*path)};
+    return sell(store, cash, wait, notice);
 }
 
 Started<int> run(int argc, char **argv)

@@ -38,4 +38,23 @@ const RecordTable &held()
     return table;
 }
 
+const RecordTable &payment()
+{
+    // The runs' table first: where the payments' table is, so is that of the runs.
+    static const RecordTable table = {
+        u"HarrowbyPayment"_s,
+        {u"create table if not exists HarrowbyRun "
+         "(Run bigint not null primary key, Drawer text not null, Since text not null, StartedAt text not null, "
+         "EndedAt text not null, Locked integer not null)"_s,
+         u"create index if not exists harrowby_run_open on HarrowbyRun (EndedAt)"_s,
+         u"create table if not exists HarrowbyPayment "
+         "(PaymentID text not null, Part integer not null, PurchaseID text not null, State text not null, "
+         "Way text not null, Amount bigint not null, Given bigint not null, Total bigint not null, "
+         "Items text not null, Seller text not null, TakenAt text not null, Drawer text not null, "
+         "Run bigint not null, Origin integer not null, BackAt text not null, BackWhy text not null, "
+         "primary key (PaymentID, Part))"_s,
+         u"create index if not exists harrowby_payment_purchase on HarrowbyPayment (PurchaseID, State)"_s}};
+    return table;
+}
+
 } // namespace harrowby::app::kept

@@ -26,6 +26,11 @@ namespace kept {
 /// HeldID, Position, StockID, StockName, Quantity, Cost, CostByHand.
 [[nodiscard]] const RecordTable &held();
 
+/// How purchases were paid, one row for each part: PaymentID, Part, PurchaseID, State, Way, Amount, Given, Total,
+/// Items, Seller, TakenAt, Drawer, Run, Origin, BackAt, BackWhy. And the runs of the program at a till, in HarrowbyRun:
+/// Run, Drawer, Since, StartedAt, EndedAt, Locked.
+[[nodiscard]] const RecordTable &payment();
+
 } // namespace kept
 
 } // namespace harrowby::app

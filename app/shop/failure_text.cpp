@@ -47,6 +47,19 @@ QString codeWork(const QString &verb)
                                : u"The codes of an item were not changed."_s;
 }
 
+QString paymentWork(const QString &verb)
+{
+    return verb == u"DELETE"_s ? u"A payment that did not come about was not removed."_s
+                               : u"The payment of a purchase was not recorded."_s;
+}
+
+/// What the till writes beside the work of a person, and writes again by itself.
+bool isTriedAgain(const DbFailure &failure)
+{
+    return targetOf(failure.statement).table == u"HARROWBYPAYMENT"_s ||
+           targetOf(failure.statement).table == u"HARROWBYRUN"_s;
+}
+
 } // namespace
 
 QString failedWork(const DbFailure &failure)
@@ -66,6 +79,10 @@ QString failedWork(const DbFailure &failure)
         return codeWork(target.verb);
     if (target.table == u"HARROWBYSETTING"_s)
         return u"A setting of the shop was not saved."_s;
+    if (target.table == u"HARROWBYPAYMENT"_s)
+        return paymentWork(target.verb);
+    if (target.table == u"HARROWBYRUN"_s)
+        return u"It was not noted that this till is open, or closed."_s;
     return u"A change was not saved."_s;
 }
 
@@ -78,25 +95,27 @@ QString failureReason(const DbFailure &failure)
 
 QString failureAdvice(const DbFailure &failure)
 {
+    const QString again =
+        isTriedAgain(failure) ? u"and go on: the till does this again by itself"_s : u"then do the step again"_s;
     if (failure.engineCode == 0 && failure.reason.contains(u"text value"_s))
         return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
     if (failure.engineCode == SQLITE_READONLY_DBMOVED)
         return u"Nothing is being saved any more. Stop here and follow the box in front."_s;
     switch (failure.engineCode & 0xff) {
     case SQLITE_FULL:
-        return u"The disk is full. Free some space, then do the step again."_s;
+        return u"The disk is full. Free some space, %1."_s.arg(again);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return u"Another program keeps the store file locked. Close it, then do the step again."_s;
+        return u"Another program keeps the store file locked. Close it, %1."_s.arg(again);
     case SQLITE_READONLY:
     case SQLITE_PERM:
-        return u"The store file cannot be written. Allow writing to it, then do the step again."_s;
+        return u"The store file cannot be written. Allow writing to it, %1."_s.arg(again);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
         return u"The store file is damaged. Stop selling, keep a copy of it, and bring back the last backup."_s;
     case SQLITE_IOERR:
     case SQLITE_CANTOPEN:
-        return u"The disk does not answer as it should. Check the disk and its space, then do the step again."_s;
+        return u"The disk does not answer as it should. Check the disk and its space, %1."_s.arg(again);
     case SQLITE_CONSTRAINT:
         return u"The store file has a rule against it. Change the entry, or the rule."_s;
     default:

@@ -66,6 +66,8 @@ private:
         const bool hasValue = equals >= 0;
         if (name == u"--database"_s)
             readDatabase(hasValue, argument.mid(equals + 1));
+        else if (name == u"--drawer"_s)
+            readDrawer(hasValue ? argument.mid(equals + 1) : takeValue());
         else if (name == u"--look"_s)
             readLook(hasValue ? argument.mid(equals + 1) : takeValue());
         else if (hasValue || !readSwitch(argument))
@@ -108,6 +110,13 @@ private:
         if (!m_result.database.isEmpty())
             return fail(u"--database is given twice; a till sells from one store file."_s);
         m_result.database = file == memoryName ? file : QFileInfo(file).absoluteFilePath();
+    }
+
+    void readDrawer(const QString &value)
+    {
+        if (value.simplified().isEmpty())
+            return fail(u"--drawer needs the name of this till's drawer."_s);
+        m_result.drawer = value;
     }
 
     void readLook(const QString &value)
@@ -157,6 +166,8 @@ QString helpText()
            "  --office         open the store's office instead of the till: users and their rights, the receipt's "
            "head,\n"
            "                   and a backup; asks for ADMINISTRATOR's password\n"
+           "  --drawer NAME    the name that this till's payments bear; this machine's name otherwise, or what the "
+           "office says\n"
            "  --touch-keyboard show a keyboard on the screen wherever text is typed\n"
            "  --look LOOK      light, dark, or system, which is as the desktop has it; kept for the next start\n"
            "  --no-plugins     load no plugins: the till is without its sales report\n"

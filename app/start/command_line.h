@@ -18,6 +18,7 @@ struct CommandLine
     bool touchKeyboard = false; ///< Qt's keyboard on the screen
     bool noPlugins = false;     ///< no foreign component is loaded
     QString database;           ///< absolute path, or memoryName; empty when the option was not given
+    QString drawer;             ///< the name of this till's drawer; empty when the option was not given
     QString look;               ///< "light", "dark" or "system"; empty when the option was not given
     QString platform;           ///< what Qt's own option -platform names; empty when it was not given
     QString display;            ///< what Qt's own option -display names

@@ -10,9 +10,11 @@
 
 namespace harrowby::app {
 
-Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound) :
-    m_counter(counter), m_records(records), m_codes(counter, records, m_banner, std::move(sound)),
-    m_firstSteps(counter, records, m_banner),
+Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound,
+           CashStation cash) :
+    m_counter(counter),
+    m_records(records), m_payments(counter, records, std::move(cash)),
+    m_codes(counter, records, m_banner, std::move(sound)), m_firstSteps(counter, records, m_banner),
     m_hold(counter, records, [this](const QString &text, bool isRefusal) { sayOfCart(text, isRefusal); })
 {
     m_records.setBeforeWriting([&counter] { counter.finishReading(); });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/banner/banner.h"
+#include "app/cash/payments.h"
 #include "app/hold/hold_desk.h"
 #include "app/readers/code_readers.h"
 #include "app/shop/office_settings.h"
@@ -24,11 +25,13 @@ class Till final : public QObject
 
 public:
     /// Counter and records must outlive it; the settings say which code readers this machine has. `sound` is heard when
-    /// something is refused.
-    Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound);
+    /// something is refused. `cash` says where the payments go.
+    Till(Counter &counter, Records &records, const OfficeSettings &settings, std::function<void()> sound,
+         CashStation cash = {});
     ~Till() override;
 
     [[nodiscard]] Banner &banner() { return m_banner; }
+    [[nodiscard]] Payments &payments() { return m_payments; }
 
 private:
     void takeCodes(const OfficeSettings &settings);
@@ -40,6 +43,7 @@ private:
     Counter &m_counter;
     Records &m_records;
     Banner m_banner;
+    Payments m_payments;
     CodeSeller m_codes;
     FirstSteps m_firstSteps;
     HoldDesk m_hold;

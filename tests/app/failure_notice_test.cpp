@@ -109,6 +109,12 @@ void FailureNoticeTest::words_data()
     row("settings", u"Update StoreSettings SET Email = 1"_s, u"The store settings were not saved."_s);
     row("activity", u"INSERT INTO SysUsage (SystemUsage) Values ('A')"_s, u"The activity was not recorded."_s);
     row("code", u"insert into HarrowbyCode (Code) values (?)"_s, u"The code of an item was not added."_s);
+    row("payment", u"insert into HarrowbyPayment (PaymentID) values (?)"_s,
+        u"The payment of a purchase was not recorded."_s);
+    row("payment completed", u"UPDATE HarrowbyPayment"_s, u"The payment of a purchase was not recorded."_s);
+    row("intent", u"delete from HarrowbyPayment where PaymentID = ?"_s,
+        u"A payment that did not come about was not removed."_s);
+    row("run", u"insert into HarrowbyRun (Run) values (?)"_s, u"It was not noted that this till is open, or closed."_s);
     row("code gone", u"delete from HarrowbyCode where Code = ?"_s, u"The code of an item was not deleted."_s);
     row("codes of a renamed item", u"update HarrowbyCode set StockID = ?"_s,
         u"The codes of an item were not changed."_s);
@@ -154,6 +160,9 @@ void FailureNoticeTest::adviceOnAQuoteInAName()
 {
     const DbFailure refused = writeFailure(lowerStock, 0, u"a text value contains a single quote"_s);
     QVERIFY(failureAdvice(refused).contains(u"Change the name"_s));
+    // Nobody is to sell again because a payment could not be written.
+    QCOMPARE(failureAdvice(writeFailure(u"UPDATE HarrowbyPayment"_s, SQLITE_FULL)),
+             u"The disk is full. Free some space, and go on: the till does this again by itself."_s);
 }
 
 void FailureNoticeTest::longReasonIsCutShort()

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/hold/hold_desk.h"
-#include "app/records/sqlite_records.h"
+#include "tests/app/fussy_records.h"
 #include "tests/support/counter.h"
 
 #include <harrowby/counter.h>
@@ -13,56 +13,11 @@
 #include <QStringList>
 #include <QTimer>
 
-#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <optional>
 
 namespace harrowby::app::test {
-
-/// Notes its statements, and lets one of them fail.
-class FussyRecords final : public SqliteRecords
-{
-public:
-    using SqliteRecords::SqliteRecords;
-
-    QStringList texts;
-    int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
-
-protected:
-    Answer<QList<RecordRow>> select(const RecordStatement &statement) override
-    {
-        if (auto failure = fails(statement.text))
-            return Unexpected(*failure);
-        return SqliteRecords::select(statement);
-    }
-    Answer<std::int64_t> change(const RecordStatement &statement) override
-    {
-        if (auto failure = fails(statement.text))
-            return Unexpected(*failure);
-        return SqliteRecords::change(statement);
-    }
-    std::optional<DbFailure> begin() override
-    {
-        auto failure = fails(QStringLiteral("begin"));
-        return failure ? failure : SqliteRecords::begin();
-    }
-    std::optional<DbFailure> commit() override
-    {
-        auto failure = fails(QStringLiteral("commit"));
-        return failure ? failure : SqliteRecords::commit();
-    }
-
-private:
-    std::optional<DbFailure> fails(const QString &text)
-    {
-        texts << text;
-        if (texts.size() - 1 != failAt)
-            return {};
-        return DbFailure{DbFailure::Kind::Write, text, QStringLiteral("the disk is gone"), 10};
-    }
-};
 
 /// A till at which carts are held and recalled, with five items, anew for each test function.
 class HoldTill : public QObject

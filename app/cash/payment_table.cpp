@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+#include "app/cash/payment_table.h"
+
+#include "app/records/record_tables.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using State = PaymentState;
+
+QString wordOf(State state)
+{
+    switch (state) {
+    case State::Intent:
+        return u"INTENT"_s;
+    case State::Paid:
+        return u"PAID"_s;
+    case State::Unmatched:
+        return u"UNMATCHED"_s;
+    case State::Back:
+        return u"BACK"_s;
+    }
+    return {};
+}
+
+/// What is not known was written by a later version, which keeps its payments apart from these.
+State stateOf(const QString &word)
+{
+    constexpr std::array known = {State::Intent, State::Paid, State::Unmatched};
+    const auto *found = std::find_if(known.begin(), known.end(), [&](State state) { return wordOf(state) == word; });
+    return found != known.end() ? *found : State::Back;
+}
+
+PaymentOrigin originOf(std::int64_t number)
+{
+    const bool known = number == int(PaymentOrigin::Matched) || number == int(PaymentOrigin::Counted);
+    return known ? static_cast<PaymentOrigin>(number) : PaymentOrigin::Till;
+}
+
+/// Columns as selectPayments names them.
+Payment paymentOf(const RecordRow &row)
+{
+    Payment payment;
+    payment.id = recordText(row.at(0));
+    payment.purchaseId = recordText(row.at(1));
+    payment.state = stateOf(recordText(row.at(2)));
+    payment.total = recordNumber(row.at(6));
+    payment.items = recordText(row.at(7));
+    payment.seller = recordText(row.at(8));
+    payment.taken = timeOfRecord(recordText(row.at(9)));
+    payment.drawer = recordText(row.at(10));
+    payment.run = recordNumber(row.at(11));
+    payment.origin = originOf(recordNumber(row.at(12)));
+    payment.backWhy = recordText(row.at(13));
+    return payment;
+}
+
+const auto selectPayments = u"select PaymentID, PurchaseID, State, Way, Amount, Given, Total, Items, Seller, TakenAt, "
+                            "Drawer, Run, Origin, BackWhy from HarrowbyPayment where "_s;
+
+} // namespace
+
+namespace back_why {
+
+QString undone()
+{
+    return u"UNDONE"_s;
+}
+
+QString deleted()
+{
+    return u"DELETED"_s;
+}
+
+QString gone()
+{
+    return u"GONE"_s;
+}
+
+} // namespace back_why
+
+PaymentTable::Answer<QList<Payment>> PaymentTable::select(const QString &where, const QList<RecordValue> &values) const
+{
+    const auto rows = m_records.read(kept::payment(), {selectPayments + where, values});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<Payment> payments;
+    for (const RecordRow &row : *rows) {
+        if (payments.isEmpty() || payments.constLast().id != recordText(row.at(0)))
+            payments << paymentOf(row);
+        payments.last().parts << PaymentPart{recordText(row.at(3)), recordNumber(row.at(4)), recordNumber(row.at(5))};
+    }
+    return payments;
+}
+
+bool PaymentTable::change(const QString &text, const QList<RecordValue> &values)
+{
+    return m_records.write(kept::payment(), {text, values}).has_value();
+}
+
+PaymentTable::Answer<QList<Payment>> PaymentTable::ofPurchase(const QString &purchaseId) const
+{
+    return select(u"PurchaseID = ? and State = ? order by TakenAt, PaymentID, Part"_s,
+                  {purchaseId, wordOf(State::Paid)});
+}
+
+PaymentTable::Answer<QList<Payment>> PaymentTable::withoutPurchase(PaymentState state) const
+{
+    return select(u"PurchaseID = '' and State = ? order by TakenAt, PaymentID, Part"_s, {wordOf(state)});
+}
+
+PaymentTable::Answer<std::optional<Payment>> PaymentTable::withId(const QString &id) const
+{
+    const auto found = select(u"PaymentID = ? order by Part"_s, {id});
+    if (!found)
+        return Unexpected(found.error());
+    return found->isEmpty() ? std::nullopt : std::optional(found->constFirst());
+}
+
+bool PaymentTable::addIntent(const Payment &payment)
+{
+    const auto kept = m_records.together(kept::payment(), [&] { return insert(payment); });
+    return kept && *kept;
+}
+
+bool PaymentTable::record(const Payment &payment)
+{
+    const auto kept = m_records.together(kept::payment(), [&] {
+        const auto own = withId(payment.id);
+        if (!own || !makeRoom(payment))
+            return false;
+        return *own ? assign(payment.id, payment.purchaseId, PaymentOrigin::Till) : insert(payment);
+    });
+    return kept && *kept;
+}
+
+bool PaymentTable::removeIntent(const QString &id)
+{
+    return change(u"delete from HarrowbyPayment where PaymentID = ? and PurchaseID = ''"_s, {id});
+}
+
+bool PaymentTable::takeBack(const QString &purchaseId, const QString &why, const QDateTime &moment)
+{
+    return change(u"update HarrowbyPayment set State = ?, BackAt = ?, BackWhy = ? where PurchaseID = ? and State = ?"_s,
+                  {wordOf(State::Back), recordTime(moment), why, purchaseId, wordOf(State::Paid)});
+}
+
+bool PaymentTable::takeBackOne(const QString &id, const QString &why, const QDateTime &moment)
+{
+    return change(u"update HarrowbyPayment set State = ?, BackAt = ?, BackWhy = ? where PaymentID = ? and State = ?"_s,
+                  {wordOf(State::Back), recordTime(moment), why, id, wordOf(State::Paid)});
+}
+
+bool PaymentTable::insert(const Payment &payment)
+{
+    std::int64_t number = 0;
+    for (const PaymentPart &part : payment.parts) {
+        if (!change(u"insert into HarrowbyPayment (PaymentID, Part, PurchaseID, State, Way, Amount, Given, Total, "
+                    "Items, Seller, TakenAt, Drawer, Run, Origin, BackAt, BackWhy) "
+                    "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, '', '')"_s,
+                    {payment.id, ++number, payment.purchaseId, wordOf(payment.state), part.way, part.amount, part.given,
+                     payment.total, payment.items, payment.seller, recordTime(payment.taken), payment.drawer,
+                     payment.run, std::int64_t(payment.origin)}))
+            return false;
+    }
+    return true;
+}
+
+/// A matched one keeps its items: it may have to look for another purchase yet.
+bool PaymentTable::assign(const QString &id, const QString &purchaseId, PaymentOrigin origin)
+{
+    if (origin == PaymentOrigin::Matched)
+        return change(u"update HarrowbyPayment set PurchaseID = ?, State = ?, Origin = ? where PaymentID = ?"_s,
+                      {purchaseId, wordOf(State::Paid), std::int64_t(origin), id});
+    return change(u"update HarrowbyPayment set PurchaseID = ?, State = ?, Origin = ?, Items = '' where PaymentID = ?"_s,
+                  {purchaseId, wordOf(State::Paid), std::int64_t(origin), id});
+}
+
+bool PaymentTable::makeRoom(const Payment &payment)
+{
+    const auto paid = ofPurchase(payment.purchaseId);
+    if (!paid)
+        return false;
+    QList<Payment> others = *paid;
+    others.removeIf([&](const Payment &one) { return one.id == payment.id; });
+    const auto guess = std::find_if(others.cbegin(), others.cend(), [&](const Payment &one) {
+        return one.origin != PaymentOrigin::Till && one.total == payment.total;
+    });
+    if (guess == others.cend())
+        return true;
+    const auto purchases =
+        m_records.read({u"select count(*) from PurchaseCart where PurchaseID = ?"_s, {payment.purchaseId}});
+    if (!purchases || purchases->isEmpty())
+        return false;
+    if (others.size() < recordNumber(purchases->constFirst().constFirst()))
+        return true;
+    if (guess->origin == PaymentOrigin::Counted)
+        return change(u"delete from HarrowbyPayment where PaymentID = ?"_s, {guess->id});
+    return change(u"update HarrowbyPayment set PurchaseID = '', State = ?, Origin = 0 where PaymentID = ?"_s,
+                  {wordOf(State::Unmatched), guess->id});
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "app/cash/settlement.h"
+
+#include "app/cash/sold_items.h"
+#include "app/records/record_tables.h"
+#include "basic/dates.h"
+#include "basic/logging.h"
+
+#include <QSet>
+#include <QUuid>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr qint64 secondsOfADay = 24LL * 60 * 60;
+
+/// What a purchase and its intent have in common.
+QString keyOf(const QString &items, const QString &seller, Cents total)
+{
+    return itemsKey(items) + u'\n' + seller + u'\n' + QString::number(total);
+}
+
+/// Of a PurchasedDate, yyMMddHHmmss in local time and this century.
+QDateTime timeOfPurchase(const QString &text)
+{
+    return QDateTime::fromString(u"20"_s + text, u"yyyyMMddHHmmss"_s);
+}
+
+/// Seconds between an intent and a purchase; none where they are too far apart to belong together.
+std::optional<qint64> distance(const Payment &intent, const QDateTime &purchased)
+{
+    const qint64 seconds = std::abs(intent.taken.secsTo(purchased));
+    return intent.taken.isValid() && purchased.isValid() && seconds <= secondsOfADay ? std::optional(seconds)
+                                                                                     : std::nullopt;
+}
+
+} // namespace
+
+Settlement::Settlement(Records &records, const RunLocks *locks, Place place) :
+    m_records(records), m_locks(locks), m_place(std::move(place)), m_table(records)
+{
+}
+
+bool Settlement::settle(const QDateTime &now)
+{
+    m_now = now;
+    if (m_locks == nullptr)
+        return false;
+    const auto dead = deadRuns();
+    if (!dead || dead->isEmpty())
+        return false;
+    const auto kept = m_records.together(kept::payment(), [this] {
+        const auto runs = deadRuns(); // another start may have been quicker
+        if (!runs)
+            return false;
+        m_dead = *runs;
+        return m_dead.isEmpty() || settleRuns();
+    });
+    if (kept && *kept && !m_dead.isEmpty())
+        qCInfo(lcStore) << "Settled the payments of" << m_dead.size() << "runs that had not ended";
+    return kept && *kept;
+}
+
+bool Settlement::isDead(const Run &run) const
+{
+    if (run.number == m_place.run)
+        return false;
+    if (!run.isLocked)
+        return run.started.secsTo(m_now) > secondsOfADay;
+    return m_locks->holderOf(run.number) == RunLocks::Holder::Nobody;
+}
+
+Records::Answer<QList<Run>> Settlement::deadRuns() const
+{
+    auto runs = openRuns(m_records);
+    if (runs)
+        runs->removeIf([this](const Run &run) { return !isDead(run); });
+    return runs;
+}
+
+bool Settlement::settleRuns()
+{
+    const auto earlier = [](const Run &a, const Run &b) { return a.since < b.since; };
+    m_since = std::min_element(m_dead.cbegin(), m_dead.cend(), earlier)->since;
+    const auto odd = readIntents() ? oddPurchases() : Records::Answer<QStringList>(Unexpected(DbFailure()));
+    if (!odd)
+        return false;
+    const auto balanced = [this](const QString &id) { return balance(id); };
+    return std::all_of(odd->cbegin(), odd->cend(), balanced) && takeBackGone() && endRuns();
+}
+
+bool Settlement::readIntents()
+{
+    m_intents.clear();
+    m_living.clear();
+    QSet<std::int64_t> dead;
+    for (const Run &run : std::as_const(m_dead))
+        dead.insert(run.number);
+    const auto intents = m_table.withoutPurchase(PaymentState::Intent);
+    if (!intents)
+        return false;
+    for (const Payment &intent : *intents) {
+        const QString key = keyOf(intent.items, intent.seller, intent.total);
+        if (dead.contains(intent.run))
+            m_intents[key] << intent;
+        else
+            ++m_living[key];
+    }
+    return true;
+}
+
+/// The IDs of purchases of which there are more, or fewer, than payments.
+Records::Answer<QStringList> Settlement::oddPurchases() const
+{
+    constexpr qsizetype day = 6;
+    const auto rows = m_records.read(
+        kept::payment(), {u"select p.PurchaseID from (select PurchaseID, count(*) as Times from PurchaseCart "
+                          "where substr(PurchasedDate, 1, 6) >= ? and PurchasedDate >= ? group by PurchaseID) p "
+                          "where p.Times <> (select count(*) from HarrowbyPayment h "
+                          "where h.PurchaseID = p.PurchaseID and h.State = 'PAID' and h.Part = 1)"_s,
+                          {m_since.left(day), m_since}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QStringList ids;
+    for (const RecordRow &row : *rows)
+        ids << recordText(row.constFirst());
+    return ids;
+}
+
+Records::Answer<QList<Settlement::Purchase>> Settlement::purchasesOf(const QString &id) const
+{
+    const auto rows = m_records.read({u"select PurchasedItems, PurchasedItemsCost, PurchasedDate, Users "
+                                      "from PurchaseCart where PurchaseID = ?"_s,
+                                      {id}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<Purchase> purchases;
+    for (const RecordRow &row : *rows) {
+        // What cannot be told in cents has no payment.
+        if (const auto total = centsOf(recordReal(row.at(1))))
+            purchases << Purchase{id, recordText(row.at(0)), *total, timeOfPurchase(recordText(row.at(2))),
+                                  recordText(row.at(3))};
+    }
+    return purchases;
+}
+
+/// Purchases that share an ID get a payment each.
+bool Settlement::balance(const QString &id)
+{
+    auto purchases = purchasesOf(id);
+    auto payments = m_table.ofPurchase(id);
+    if (!purchases || !payments)
+        return false;
+    for (const Purchase &purchase : QList<Purchase>(std::exchange(*purchases, {}))) {
+        const auto its = std::find_if(payments->begin(), payments->end(),
+                                      [&](const Payment &payment) { return payment.total == purchase.total; });
+        if (its == payments->end())
+            purchases->append(purchase);
+        else
+            payments->erase(its);
+    }
+    return std::all_of(
+               payments->cbegin(), payments->cend(),
+               [this](const Payment &surplus) { return m_table.takeBackOne(surplus.id, back_why::gone(), m_now); }) &&
+           std::all_of(purchases->cbegin(), purchases->cend(), [this](const Purchase &unpaid) { return pay(unpaid); });
+}
+
+bool Settlement::pay(const Purchase &purchase)
+{
+    const QString key = keyOf(purchase.items, purchase.seller, purchase.total);
+    QList<Payment> &intents = m_intents[key];
+    qsizetype nearest = -1;
+    qint64 least = std::numeric_limits<qint64>::max();
+    for (qsizetype i = 0; i < intents.size(); ++i) {
+        const auto seconds = distance(intents.at(i), purchase.date);
+        if (seconds && *seconds < least) {
+            nearest = i;
+            least = *seconds;
+        }
+    }
+    if (nearest >= 0)
+        return m_table.assign(intents.takeAt(nearest).id, purchase.id, PaymentOrigin::Matched);
+    return m_living[key]-- > 0 || count(purchase);
+}
+
+/// The run that has most likely sold it: one at this drawer, or the latest that had begun.
+const Run &Settlement::likelyRun(const Purchase &purchase) const
+{
+    const QString date = purchasedDate(purchase.date);
+    const Run *likely = &m_dead.constFirst();
+    for (const Run &run : m_dead) {
+        if (run.drawer == m_place.drawer)
+            return run;
+        if (run.since <= date && run.since > likely->since)
+            likely = &run;
+    }
+    return *likely;
+}
+
+bool Settlement::count(const Purchase &purchase)
+{
+    const Run &run = likelyRun(purchase);
+    Payment payment;
+    payment.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    payment.purchaseId = purchase.id;
+    payment.state = PaymentState::Paid;
+    payment.parts = exactCash(purchase.total);
+    payment.total = purchase.total;
+    payment.seller = purchase.seller;
+    payment.taken = (purchase.date.isValid() ? purchase.date : m_now).toUTC();
+    payment.drawer = run.drawer;
+    payment.run = run.number;
+    payment.origin = PaymentOrigin::Counted;
+    return m_table.insert(payment);
+}
+
+/// The purchase IDs that begin with these letters, from a month before the dead runs on, and are paid for and gone.
+Records::Answer<QStringList> Settlement::goneAmong(const QString &prefix) const
+{
+    constexpr int month = 31;
+    const QDateTime since = timeOfPurchase(m_since);
+    const QString from = since.isValid() ? purchasedDate(since.addDays(-month)) : m_since;
+    const auto rows = m_records.read(
+        kept::payment(), {u"select distinct PurchaseID from HarrowbyPayment "
+                          "where PurchaseID >= ? and PurchaseID < ? and State = 'PAID' and not exists "
+                          "(select 1 from PurchaseCart p where p.PurchaseID = HarrowbyPayment.PurchaseID)"_s,
+                          {prefix + from, prefix + u':'}}); // ":" follows "9"
+    if (!rows)
+        return Unexpected(rows.error());
+    QStringList ids;
+    for (const RecordRow &row : *rows)
+        ids << recordText(row.constFirst());
+    return ids;
+}
+
+bool Settlement::takeBackGone()
+{
+    for (const QString &prefix : {u"HV"_s, u"HE"_s}) {
+        const auto gone = goneAmong(prefix);
+        if (!gone || !std::all_of(gone->cbegin(), gone->cend(),
+                                  [this](const QString &id) { return m_table.takeBack(id, back_why::gone(), m_now); }))
+            return false;
+    }
+    return true;
+}
+
+bool Settlement::endRuns()
+{
+    for (const Run &run : std::as_const(m_dead)) {
+        const auto listed =
+            m_records.write(kept::payment(), {u"update HarrowbyPayment set State = 'UNMATCHED' "
+                                              "where PurchaseID = '' and State = 'INTENT' and Run = ?"_s,
+                                              {run.number}});
+        if (!listed || !noteEnd(m_records, run.number, m_now))
+            return false;
+    }
+    return true;
+}
+
+} // namespace harrowby::app

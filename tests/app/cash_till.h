@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/cash/payments.h"
+#include "app/cash/run_locks.h"
+#include "tests/app/fussy_records.h"
+#include "tests/support/counter.h"
+
+#include <harrowby/counter.h>
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace harrowby::app::test {
+
+/// A till whose purchases are paid, with three items, anew for each test function. Its clock stands still; two
+/// purchases of one second share neither ID nor payment.
+class CashTill : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+protected:
+    [[nodiscard]] static harrowby::Counter &counter() { return harrowby::Counter::instance(); }
+    [[nodiscard]] const harrowby::test::ShopFile &file() const { return m_till->file; }
+    /// A run of the program at the file, with the window's events taken.
+    void startRun();
+    void endRun();
+    /// As a kill: what it has noted stays, and its lock is gone.
+    void killRun();
+    /// Has one unit of an item in the cart.
+    void fillCart(const QString &id = QStringLiteral("A1"));
+    /// Answers the counter's question about the cart of fillCart("A1").
+    void answerQuestion(Answer answer, std::function<void()> meanwhile = {});
+    /// "Purchase Cart" with one TEA, and no "Cash …".
+    void purchasePlainly();
+    void payCash(Cents given, Answer answer = Answer::Yes);
+    void laterBy(int seconds);
+    static void takeEvents();
+    /// State, purchase, way, amount, given, total, seller, drawer, run, origin of each row.
+    [[nodiscard]] QStringList payments() const;
+    [[nodiscard]] QString onePurchase() const;
+    /// The sums of purchases and of payments, in cents; equal when all is well.
+    [[nodiscard]] QString sums() const;
+
+    std::unique_ptr<harrowby::test::Counter> m_till;
+    std::unique_ptr<FussyRecords> m_records;
+    std::shared_ptr<FileRunLocks> m_locks;
+    std::unique_ptr<Payments> m_payments;
+    QStringList m_told; ///< by the signals
+    QStringList m_failures;
+};
+
+} // namespace harrowby::app::test

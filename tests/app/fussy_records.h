@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/sqlite_records.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+
+namespace harrowby::app::test {
+
+/// Notes its statements, and lets one of them fail.
+class FussyRecords final : public SqliteRecords
+{
+public:
+    using SqliteRecords::SqliteRecords;
+
+    QStringList texts;
+    int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
+    bool failAll = false;
+
+protected:
+    Answer<QList<RecordRow>> select(const RecordStatement &statement) override
+    {
+        if (auto failure = fails(statement.text))
+            return Unexpected(*failure);
+        return SqliteRecords::select(statement);
+    }
+    Answer<std::int64_t> change(const RecordStatement &statement) override
+    {
+        if (auto failure = fails(statement.text))
+            return Unexpected(*failure);
+        return SqliteRecords::change(statement);
+    }
+    std::optional<DbFailure> begin() override
+    {
+        auto failure = fails(QStringLiteral("begin"));
+        return failure ? failure : SqliteRecords::begin();
+    }
+    std::optional<DbFailure> commit() override
+    {
+        auto failure = fails(QStringLiteral("commit"));
+        return failure ? failure : SqliteRecords::commit();
+    }
+
+private:
+    std::optional<DbFailure> fails(const QString &text)
+    {
+        texts << text;
+        if (texts.size() - 1 != failAt && !failAll)
+            return {};
+        return DbFailure{DbFailure::Kind::Write, text, QStringLiteral("the disk is gone"), 10};
+    }
+};
+
+} // namespace harrowby::app::test
