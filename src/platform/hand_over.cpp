@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/hand_over.h"
 
+#include "basic/helper_process.h"
 #include "basic/logging.h"
-#include "platform/helper_process.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -24,7 +24,4 @@ struct PrintDeadlines
     std::chrono::milliseconds reachableWait{150};
 };
 
-/// How long a helper that was killed is waited for.
-inline constexpr std::chrono::milliseconds killWait{500};
-
 } // namespace harrowby

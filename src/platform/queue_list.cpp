@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/queue_list.h"
 
+#include "basic/helper_process.h"
 #include "basic/logging.h"
-#include "platform/helper_process.h"
 
 #include <QRegularExpression>
 

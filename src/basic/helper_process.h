@@ -32,6 +32,8 @@ public:
     /// Kills the program when it still runs. Tells nothing.
     ~HelperProcess() override;
 
+    /// What the program reads, to its end; without, it reads nothing. Before start().
+    void setInput(const QByteArray &input);
     /// Never waits. `done` is called exactly once, unless this object is destroyed before. It may destroy this
     /// object by deleteLater().
     void start(const QString &program, const QStringList &arguments, std::chrono::milliseconds deadline, Done done);
@@ -47,6 +49,7 @@ private:
     void onFinished(int exitCode, QProcess::ExitStatus status);
     void settle(const Outcome &outcome);
 
+    QByteArray m_input;
     QProcess m_process;
     QTimer m_deadline;
     Done m_done;

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/helper_process.h"
-
-#include "platform/print_deadlines.h"
+#include "basic/helper_process.h"
 
 #include <QProcessEnvironment>
 
@@ -12,6 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby {
 namespace {
+
+/// How long a program that was killed is waited for.
+constexpr std::chrono::milliseconds killWait{500};
 
 /// English answers, to be parsed, whatever the user's language; names of queues may be in any.
 QProcessEnvironment plainEnvironment()
@@ -42,6 +43,12 @@ HelperProcess::~HelperProcess()
     m_process.waitForFinished(static_cast<int>(killWait.count()));
 }
 
+void HelperProcess::setInput(const QByteArray &input)
+{
+    m_input = input;
+    m_process.setStandardInputFile(input.isEmpty() ? QProcess::nullDevice() : QString());
+}
+
 void HelperProcess::start(const QString &program, const QStringList &arguments, std::chrono::milliseconds deadline,
                           Done done)
 {
@@ -50,7 +57,11 @@ void HelperProcess::start(const QString &program, const QStringList &arguments, 
         abandon(u"no answer within %1 s"_s.arg(static_cast<double>(deadline.count()) / 1000));
     });
     m_deadline.start(deadline);
-    m_process.start(program, arguments, QIODevice::ReadOnly);
+    m_process.start(program, arguments, m_input.isEmpty() ? QIODevice::ReadOnly : QIODevice::ReadWrite);
+    if (m_input.isEmpty())
+        return;
+    m_process.write(m_input);
+    m_process.closeWriteChannel();
 }
 
 void HelperProcess::wait(std::chrono::milliseconds time)

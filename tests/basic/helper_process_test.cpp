@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/helper_process.h"
+#include "basic/helper_process.h"
 
 #include "tests/program/test_program.h"
 
@@ -65,6 +65,22 @@ private Q_SLOTS:
             QTEST(m_outcome->output, "output");
             QTEST(m_outcome->reason, "reason");
         }
+    }
+
+    void input()
+    {
+        HelperProcess helper(nullptr);
+        const QByteArray bytes("\x1bp\0\x19", 4);
+        helper.setInput(bytes);
+        start(helper, u"cat"_s);
+        QTRY_VERIFY(helper.isSettled());
+        QCOMPARE(m_outcome->output, bytes);
+        // One that reads nothing of it is no failure.
+        HelperProcess deaf(nullptr);
+        deaf.setInput(QByteArray(1'000'000, 'x'));
+        start(deaf, u"exec true"_s);
+        QTRY_VERIFY(deaf.isSettled());
+        QVERIFY2(m_outcome->succeeded, qPrintable(m_outcome->reason));
     }
 
     void aMissingProgram()
