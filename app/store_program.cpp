@@ -4,6 +4,7 @@
 #include "app/backup/lost_store_box.h"
 #include "app/cash/drawer_name.h"
 #include "app/cash/run_locks.h"
+#include "app/customer/customer_screen.h"
 #include "app/demo/demo_shop.h"
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
@@ -155,7 +156,22 @@ Notice missingLock(const QString &reason)
             "till leaves behind are settled a day later."_s};
 }
 
-int sell(StoreGuard &store, const CashStation &cash, BusyWait &wait, FailureNotice &notice)
+/// Nothing without the option.
+std::unique_ptr<CustomerScreen> makeCustomerScreen(const CommandLine &line, const Payments &payments)
+{
+    if (!line.customerDisplay)
+        return nullptr;
+    const auto chosen = [](const SettingPlace &place) { return savedSetting(place.section, place.key); };
+    auto screen = std::make_unique<CustomerScreen>(Counter::instance(), chosen(saved::ReceiptTitle),
+                                                   chosen(saved::Currency), *line.customerDisplay);
+    QObject::connect(&payments, &Payments::paid, screen.get(),
+                     [customer = screen.get()](const QString &, const QList<PaymentPart> &, qint64, qint64 change) {
+                         customer->showChange(static_cast<double>(change) / 100);
+                     });
+    return screen;
+}
+
+int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, BusyWait &wait, FailureNotice &notice)
 {
     SqliteRecords records(store.database());
     records.setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
@@ -172,6 +188,7 @@ int sell(StoreGuard &store, const CashStation &cash, BusyWait &wait, FailureNoti
     Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal, cash);
     QObject::connect(&till.payments(), &Payments::lockMissing, &notice,
                      [&notice](const QString &reason) { notice.tell(missingLock(reason)); });
+    const auto customer = makeCustomerScreen(line, till.payments());
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
     if (QWidget *window = salesWindow()) {
@@ -257,7 +274,7 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
         return keepOffice(store, *path, wait, notice);
     const CashStation cash = {drawerName(line.drawer, {savedSetting, saveSetting}),
                               std::make_shared<FileRunLocks>(*path)};
-    return sell(store, cash, wait, notice);
+    return sell(line, store, cash, wait, notice);
 }
 
 Started<int> run(int argc, char **argv)

@@ -68,6 +68,8 @@ private:
             readDatabase(hasValue, argument.mid(equals + 1));
         else if (name == u"--drawer"_s)
             readDrawer(hasValue ? argument.mid(equals + 1) : takeValue());
+        else if (name == u"--customer-display"_s)
+            readCustomerDisplay(hasValue, argument.mid(equals + 1));
         else if (name == u"--look"_s)
             readLook(hasValue ? argument.mid(equals + 1) : takeValue());
         else if (hasValue || !readSwitch(argument))
@@ -119,6 +121,18 @@ private:
         m_result.drawer = value;
     }
 
+    /// The screen may be left out, so what begins with a hyphen is the next option.
+    void readCustomerDisplay(bool hasValue, const QString &value)
+    {
+        const bool isNext = !hasValue && m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(u'-');
+        const QString screen = (isNext ? takeValue() : value).trimmed();
+        bool isNumber = false;
+        const bool isCounted = screen.toLongLong(&isNumber) >= 1;
+        if ((screen.isEmpty() && (hasValue || isNext)) || (isNumber && !isCounted))
+            return fail(u"--customer-display takes the name of a screen, or its number, counted from 1."_s);
+        m_result.customerDisplay = hasValue || isNext ? screen : u""_s;
+    }
+
     void readLook(const QString &value)
     {
         if (!lookNamed(value))
@@ -168,6 +182,8 @@ QString helpText()
            "                   and a backup; asks for ADMINISTRATOR's password\n"
            "  --drawer NAME    the name that this till's payments bear; this machine's name otherwise, or what the "
            "office says\n"
+           "  --customer-display [SCREEN]\n"
+           "                   show the customer what is sold on the second screen, or on that of this number or name\n"
            "  --touch-keyboard show a keyboard on the screen wherever text is typed\n"
            "  --look LOOK      light, dark, or system, which is as the desktop has it; kept for the next start\n"
            "  --no-plugins     load no plugins: the till is without its sales report\n"

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace harrowby::app {
 
 struct CommandLine
@@ -19,9 +21,11 @@ struct CommandLine
     bool noPlugins = false;     ///< no foreign component is loaded
     QString database;           ///< absolute path, or memoryName; empty when the option was not given
     QString drawer;             ///< the name of this till's drawer; empty when the option was not given
-    QString look;               ///< "light", "dark" or "system"; empty when the option was not given
-    QString platform;           ///< what Qt's own option -platform names; empty when it was not given
-    QString display;            ///< what Qt's own option -display names
+    /// Number or name of the customer's screen, empty for the second one; nothing when the option was not given.
+    std::optional<QString> customerDisplay;
+    QString look;     ///< "light", "dark" or "system"; empty when the option was not given
+    QString platform; ///< what Qt's own option -platform names; empty when it was not given
+    QString display;  ///< what Qt's own option -display names
 };
 
 /// Reads the arguments (without the program's name), or says why they are refused. Needs no application object, so that

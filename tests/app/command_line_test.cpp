@@ -32,6 +32,8 @@ private Q_SLOTS:
     void switchesStandTogether();
     void databaseBecomesAbsolute_data();
     void databaseBecomesAbsolute();
+    void customerDisplay_data();
+    void customerDisplay();
     void look();
     void refused_data();
     void refused();
@@ -45,6 +47,7 @@ void CommandLineTest::nothingGiven()
     QVERIFY(line.database.isEmpty() && line.platform.isEmpty());
     QVERIFY(!line.demo && !line.help && !line.version && !line.verbose);
     QVERIFY(!line.office && !line.touchKeyboard && !line.noPlugins);
+    QVERIFY(!line.customerDisplay);
 }
 
 void CommandLineTest::switches()
@@ -88,6 +91,29 @@ void CommandLineTest::databaseBecomesAbsolute()
     QCOMPARE(line.database, path);
 }
 
+void CommandLineTest::customerDisplay_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("screen");
+    QTest::newRow("the second one") << QStringList{u"--customer-display"_s} << u""_s;
+    QTest::newRow("before another option") << QStringList{u"--customer-display"_s, u"--demo"_s} << u""_s;
+    QTest::newRow("a number") << QStringList{u"--customer-display"_s, u"3"_s} << u"3"_s;
+    QTest::newRow("a name") << QStringList{u"--customer-display"_s, u"HDMI-1"_s, u"--demo"_s} << u"HDMI-1"_s;
+    QTest::newRow("one word") << QStringList{u"--customer-display=DP-2"_s} << u"DP-2"_s;
+    QTest::newRow("the last one counts") << QStringList{u"--customer-display=2"_s, u"--customer-display"_s, u"VGA 1"_s}
+                                         << u"VGA 1"_s;
+}
+
+void CommandLineTest::customerDisplay()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, screen);
+    const CommandLine line = accepted(arguments);
+    QVERIFY(line.customerDisplay);
+    QCOMPARE(*line.customerDisplay, screen);
+    QCOMPARE(line.demo, arguments.contains(u"--demo"_s));
+}
+
 void CommandLineTest::look()
 {
     QCOMPARE(accepted({}).look, QString());
@@ -108,6 +134,10 @@ void CommandLineTest::refused_data()
     QTest::newRow("no file") << QStringList{u"--database"_s} << u"--database"_s;
     QTest::newRow("empty file") << QStringList{u"--database="_s} << u"--database"_s;
     QTest::newRow("no look") << QStringList{u"--look"_s} << u"--look"_s;
+    QTest::newRow("no screen") << QStringList{u"--customer-display="_s} << u"counted from 1"_s;
+    QTest::newRow("an empty screen") << QStringList{u"--customer-display"_s, u" "_s} << u"counted from 1"_s;
+    QTest::newRow("screen 0") << QStringList{u"--customer-display"_s, u"0"_s} << u"counted from 1"_s;
+    QTest::newRow("a negative screen") << QStringList{u"--customer-display=-1"_s} << u"counted from 1"_s;
     QTest::newRow("unknown look") << QStringList{u"--look=pink"_s} << u"light, dark or system"_s;
     QTest::newRow("two files") << QStringList{u"--database=a"_s, u"--database=b"_s} << u"twice"_s;
     QTest::newRow("demo and file") << QStringList{u"--demo"_s, u"--database"_s, u"a"_s} << u"--demo"_s;
@@ -135,7 +165,7 @@ void CommandLineTest::helpNamesEveryOption()
 {
     for (const QString &option :
          {u"--database FILE"_s, u"--demo"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s,
-          u"--verbose"_s, u"--help"_s, u"--version"_s})
+          u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }
