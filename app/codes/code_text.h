@@ -3,12 +3,15 @@
 
 #include "basic/result.h"
 
+#include <harrowby/code_reader_settings.h>
+
 #include <QString>
 #include <QStringView>
 
 namespace harrowby::app {
 
-inline constexpr qsizetype longestCode = 64; ///< characters
+/// As long as a code that a reader types; but counted in QChars, so that a letter beyond the first 65,536 counts twice.
+inline constexpr qsizetype longestCode = CodeReaderSettings::UsualLongest;
 
 /// The code without blanks around it, or in a few words what makes it none: it is empty or too long, or holds
 /// something that no person sees: control characters, NUL included, marks that turn the direction of writing, halves of

@@ -12,7 +12,9 @@ namespace harrowby::app {
 class CodeLine
 {
 public:
-    static constexpr qsizetype longest = 1024; ///< characters; more are no code of anything that is sold
+    /// In QChars. Up to here a code is told, and checkCode() (app/codes/code_text.h) says that it is too long; beyond
+    /// it nothing is told but that.
+    static constexpr qsizetype longest = 1024;
 
     struct Outcome
     {

@@ -38,7 +38,7 @@ ReaderSettings readReaderSettings(const OfficeSettings &settings)
     bool isNumber = false;
     const int gap = settings.get(section, gapKey, {}).toInt(&isNumber);
     if (isNumber)
-        read.gapMs = std::clamp(gap, ReaderSettings::shortestGapMs, ReaderSettings::longestGapMs);
+        read.gapMs = std::clamp(gap, CodeReaderSettings::LeastGapMs, CodeReaderSettings::GreatestGapMs);
     read.prefix = settings.get(section, prefixKey, {});
     for (int number = 0; number < ReaderSettings::mostDevices; ++number) {
         if (const auto device = deviceOfLine(settings.get(section, deviceKey(number), {})))

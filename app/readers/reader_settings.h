@@ -3,6 +3,8 @@
 
 #include "app/shop/office_settings.h"
 
+#include <harrowby/code_reader_settings.h>
+
 #include <QList>
 #include <QString>
 
@@ -28,14 +30,11 @@ struct ReaderDevice
 /// The code readers of this machine; saved settings of this user.
 struct ReaderSettings
 {
-    static constexpr int shortestGapMs = 20;
-    static constexpr int longestGapMs = 300;
-    static constexpr int usualGapMs = 50;
     static constexpr int mostDevices = 4;
 
-    bool typing = true; ///< readers that type like a keyboard are told from people
-    int gapMs = usualGapMs;
-    QString prefix; ///< such readers type it before each code
+    bool typing = true;                         ///< readers that type like a keyboard are told from people
+    int gapMs = CodeReaderSettings::UsualGapMs; ///< the longest between two keys
+    QString prefix;                             ///< such readers type it before each code
     QList<ReaderDevice> devices;
 
     bool operator==(const ReaderSettings &) const = default;

@@ -43,8 +43,8 @@ QString shown(const ReaderDevice &device)
 /// Also the one that is saved, which a person may have written into the file.
 std::set<int> gapsToChoose(int saved)
 {
-    return {ReaderSettings::shortestGapMs, 30,   40, ReaderSettings::usualGapMs, 75, 100, 150, 200, 250,
-            ReaderSettings::longestGapMs,  saved};
+    using Bounds = CodeReaderSettings;
+    return {Bounds::LeastGapMs, 30, 40, Bounds::UsualGapMs, 75, 100, 150, 200, 250, Bounds::GreatestGapMs, saved};
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <harrowby/code_reader_settings.h>
 #include <harrowby/export.h>
 
 #include <QObject>
@@ -92,15 +93,6 @@ struct CounterMisfit
     Reason reason = Reason::Gone;
     double quantity = 0; ///< put back of this line; 0 when it was left out
     double cost = 0;     ///< of the cart's line now, with what was in it before; 0 when this one was left out
-};
-
-/// What is taken as the burst of a code reader that types like a keyboard.
-struct CodeReaderSettings
-{
-    int longestGapMs = 50; ///< between two keys, by the events' own timestamps: 20 to 300
-    int shortest = 4;      ///< characters, the prefix not counted
-    int longest = 64;
-    QString prefix; ///< typed before each code and taken off; empty when the reader types none
 };
 
 /// The one counter of the process. It exists without a window too, tells then of nothing, and answers NoWindow.

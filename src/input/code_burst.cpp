@@ -10,9 +10,7 @@ namespace {
 
 using Kind = CodeBurst::Verdict::Kind;
 
-constexpr int fewestGapMs = 20;
-constexpr int mostGapMs = 300;
-
+/// Code points.
 int characters(const QString &text)
 {
     return static_cast<int>(std::ranges::count_if(text, [](QChar part) { return !part.isLowSurrogate(); }));
@@ -20,9 +18,10 @@ int characters(const QString &text)
 
 } // namespace
 
-CodeBurst::CodeBurst(const CodeBurstRules &rules) : m_rules(rules)
+CodeBurst::CodeBurst(const CodeReaderSettings &settings) : m_settings(settings)
 {
-    m_rules.longestGapMs = std::clamp(m_rules.longestGapMs, fewestGapMs, mostGapMs);
+    m_settings.longestGapMs =
+        std::clamp(m_settings.longestGapMs, CodeReaderSettings::LeastGapMs, CodeReaderSettings::GreatestGapMs);
 }
 
 CodeBurst::Verdict CodeBurst::key(const Key &key)
@@ -54,7 +53,7 @@ void CodeBurst::giveUp()
 bool CodeBurst::follows(std::uint32_t time) const
 {
     const auto gap = static_cast<std::int32_t>(time - m_last);
-    return m_begun && gap <= m_rules.longestGapMs && gap >= -m_rules.longestGapMs;
+    return m_begun && gap <= m_settings.longestGapMs && gap >= -m_settings.longestGapMs;
 }
 
 CodeBurst::Verdict CodeBurst::character(const Key &key, int replay)
@@ -92,14 +91,14 @@ CodeBurst::Verdict CodeBurst::end(int replay)
 CodeBurst::Verdict CodeBurst::judged() const
 {
     if (m_given > 0) // too late to hold: the beginning has been replayed, but Enter must not press what has the focus
-        return {.kind = m_given >= m_rules.shortest ? Kind::Mixed : Kind::Pass};
+        return {.kind = m_given >= m_settings.shortest ? Kind::Mixed : Kind::Pass};
     const QString text = m_keys.join(QString());
-    const bool prefixed = text.startsWith(m_rules.prefix);
-    const QString code = prefixed ? text.sliced(m_rules.prefix.size()) : text;
+    const bool prefixed = text.startsWith(m_settings.prefix);
+    const QString code = prefixed ? text.sliced(m_settings.prefix.size()) : text;
     const int length = characters(code);
-    if (!prefixed || length < m_rules.shortest)
+    if (!prefixed || length < m_settings.shortest)
         return {.kind = m_joined ? Kind::Mixed : Kind::Pass};
-    if (length > m_rules.longest)
+    if (length > m_settings.longest)
         return {.kind = Kind::TooLong};
     return {.kind = Kind::Code, .code = code, .joined = m_joined};
 }
@@ -109,11 +108,11 @@ bool CodeBurst::mayBePrefixed() const
 {
     QString begin;
     for (const QString &key : m_keys) {
-        if (begin.size() >= m_rules.prefix.size())
+        if (begin.size() >= m_settings.prefix.size())
             break;
         begin += key;
     }
-    return begin.startsWith(m_rules.prefix) || m_rules.prefix.startsWith(begin);
+    return begin.startsWith(m_settings.prefix) || m_settings.prefix.startsWith(begin);
 }
 
 void CodeBurst::forget()

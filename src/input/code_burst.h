@@ -1,22 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <harrowby/code_reader_settings.h>
+
 #include <QString>
 #include <QStringList>
 
 #include <cstdint>
 
 namespace harrowby {
-
-/// What is taken as a code. The gap is between two keys, in milliseconds; lengths are in characters, the prefix not
-/// counted.
-struct CodeBurstRules
-{
-    int longestGapMs = 50; ///< 20 to 300; other values are brought within
-    int shortest = 4;
-    int longest = 64;
-    QString prefix{}; ///< typed before each code and taken off
-};
 
 /// Tells the keys of a code reader from those of a person, by the times that the key events bear. Knows no widget.
 ///
@@ -54,7 +46,7 @@ public:
         bool joined = false;
     };
 
-    explicit CodeBurst(const CodeBurstRules &rules);
+    explicit CodeBurst(const CodeReaderSettings &settings);
 
     [[nodiscard]] Verdict key(const Key &key);
     /// A key that no reader types, or a repeated one, or one without a time: all that are held are to be replayed.
@@ -64,8 +56,8 @@ public:
     void giveUp();
 
     [[nodiscard]] int held() const { return static_cast<int>(m_keys.size()); }
-    /// The longest gap, as it counts.
-    [[nodiscard]] int longestGapMs() const { return m_rules.longestGapMs; }
+    /// The longest gap, as it counts: within the bounds of CodeReaderSettings.
+    [[nodiscard]] int longestGapMs() const { return m_settings.longestGapMs; }
 
 private:
     [[nodiscard]] bool follows(std::uint32_t time) const;
@@ -75,7 +67,7 @@ private:
     [[nodiscard]] bool mayBePrefixed() const;
     void forget();
 
-    CodeBurstRules m_rules;
+    CodeReaderSettings m_settings;
     QStringList m_keys;       ///< held, oldest first
     int m_given = 0;          ///< characters of this burst that were given up
     bool m_begun = false;     ///< there is a last key

@@ -85,14 +85,14 @@ bool isCutOff(QObject *target)
 
 } // namespace
 
-void CodeKeys::setRules(const std::optional<CodeBurstRules> &rules)
+void CodeKeys::setSettings(const std::optional<CodeReaderSettings> &settings)
 {
     QCoreApplication::instance()->removeEventFilter(this);
     static_cast<void>(breakOff());
-    if (!rules)
+    if (!settings)
         return;
-    m_burst = CodeBurst(*rules);
-    m_prefixKeys = static_cast<int>(rules->prefix.size());
+    m_burst = CodeBurst(*settings);
+    m_prefixKeys = static_cast<int>(settings->prefix.size());
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.callOnTimeout(this, &CodeKeys::timeOut, Qt::UniqueConnection);

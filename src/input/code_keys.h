@@ -15,7 +15,7 @@
 namespace harrowby {
 
 /// Event filter of the application that takes the bursts of code readers out of its keys, in whichever window they are
-/// typed. Without rules, as at first, every key goes where it always went.
+/// typed. Without settings, as at first, every key goes where it always went.
 ///
 /// A key counts when it bears a time and is no repeat: keys of an on-screen keyboard, of accessibility and of tests do
 /// not. One that may belong to a code is held back, and replayed to where it was going when no code comes of it, by the
@@ -37,7 +37,7 @@ public:
     using QObject::QObject;
 
     /// Takes effect at once, also from within the delivery of a key.
-    void setRules(const std::optional<CodeBurstRules> &rules);
+    void setSettings(const std::optional<CodeReaderSettings> &settings);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 

@@ -15,7 +15,7 @@ namespace {
 class Account
 {
 public:
-    explicit Account(const CodeBurstRules &rules) : m_rules(rules), m_burst(rules) {}
+    explicit Account(const CodeReaderSettings &rules) : m_rules(rules), m_burst(rules) {}
 
     void press(const QString &text, bool ends, std::uint32_t time)
     {
@@ -54,7 +54,7 @@ private:
         demand(m_rules.prefix + code == m_held.join(QString()), "a code is what was held");
     }
 
-    CodeBurstRules m_rules;
+    CodeReaderSettings m_rules;
     CodeBurst m_burst;
     QStringList m_held;
 };
@@ -66,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     if (size == 0)
         return 0;
-    CodeBurstRules rules;
+    CodeReaderSettings rules;
     rules.longestGapMs = data[0] & 0x7F;
     rules.prefix = (data[0] & 0x80) != 0 ? u"]a"_s : QString();
     Account account(rules);

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using harrowby::CodeBurst;
-using harrowby::CodeBurstRules;
+using harrowby::CodeReaderSettings;
 using Kind = harrowby::CodeBurst::Verdict::Kind;
 
 namespace {
@@ -22,7 +22,7 @@ namespace {
 class Keys
 {
 public:
-    explicit Keys(const CodeBurstRules &rules, std::uint32_t begin = 1000) : m_burst(rules), m_time(begin) {}
+    explicit Keys(const CodeReaderSettings &rules, std::uint32_t begin = 1000) : m_burst(rules), m_time(begin) {}
 
     void play(const QString &script)
     {
@@ -108,14 +108,14 @@ private Q_SLOTS:
 
 void CodeBurstTest::keys_data()
 {
-    QTest::addColumn<CodeBurstRules>("rules");
+    QTest::addColumn<CodeReaderSettings>("rules");
     QTest::addColumn<QString>("script");
     QTest::addColumn<QString>("outcome");
     QTest::addColumn<QString>("held");
-    const CodeBurstRules usual;
-    const CodeBurstRules wide{.longestGapMs = 100};
-    const CodeBurstRules marked{.prefix = u"]"_s};
-    const CodeBurstRules named{.prefix = u"A1"_s};
+    const CodeReaderSettings usual;
+    const CodeReaderSettings wide{.longestGapMs = 100};
+    const CodeReaderSettings marked{.prefix = u"]"_s};
+    const CodeReaderSettings named{.prefix = u"A1"_s};
     const QString long64(64, u'7');
 
     QTest::newRow("a code") << usual << u"4006381333931E"_s << u"<4006381333931>"_s << QString();
@@ -182,7 +182,7 @@ void CodeBurstTest::keys_data()
 
 void CodeBurstTest::keys()
 {
-    QFETCH(const CodeBurstRules, rules);
+    QFETCH(const CodeReaderSettings, rules);
     QFETCH(const QString, script);
     Keys keys(rules);
     keys.play(script);

@@ -15,8 +15,8 @@
 #include <memory>
 
 using namespace Qt::StringLiterals;
-using harrowby::CodeBurstRules;
 using harrowby::CodeKeys;
+using harrowby::CodeReaderSettings;
 using namespace harrowby::test;
 
 class CodeKeysTest : public QObject
@@ -60,7 +60,7 @@ private:
 void CodeKeysTest::init()
 {
     m_keys = std::make_unique<CodeKeys>();
-    m_keys->setRules(CodeBurstRules());
+    m_keys->setSettings(CodeReaderSettings());
     m_read = std::make_unique<QSignalSpy>(m_keys.get(), &CodeKeys::codeRead);
     m_refused = std::make_unique<QSignalSpy>(m_keys.get(), &CodeKeys::codeRefused);
 }
@@ -103,7 +103,7 @@ void CodeKeysTest::places()
     QFETCH(const QString, name);
     QFETCH(const bool, toHost);
     for (const QChar end : {u'\r', u'\t'}) {
-        m_keys->setRules(CodeBurstRules()); // forgets the last one
+        m_keys->setSettings(CodeReaderSettings()); // forgets the last one
         Window window;
         window.focus(name);
         auto *control = window.findChild<QWidget *>(name);
@@ -151,7 +151,7 @@ void CodeKeysTest::personIsNotNoticed()
     for (const QString &name : {u"text"_s, u"longText"_s, u"editList"_s, u"password"_s, u"figure"_s, u"spin"_s,
                                 u"list"_s, u"tabs"_s, u"rows"_s, u"button"_s}) {
         const auto run = [&](bool recognises) {
-            m_keys->setRules(recognises ? std::optional<CodeBurstRules>(CodeBurstRules()) : std::nullopt);
+            m_keys->setSettings(recognises ? std::optional<CodeReaderSettings>(CodeReaderSettings()) : std::nullopt);
             Window window;
             window.focus(name);
             Log log;
@@ -300,7 +300,7 @@ void CodeKeysTest::plainShortcuts()
 
 void CodeKeysTest::prefixStaysOutOfEntries()
 {
-    m_keys->setRules(CodeBurstRules{.prefix = u"]"_s});
+    m_keys->setSettings(CodeReaderSettings{.prefix = u"]"_s});
     Window window;
     window.focus(u"text"_s);
     Keyboard keyboard(window);
@@ -443,11 +443,11 @@ void CodeKeysTest::rulesComeAndGo()
     window.focus(u"figure"_s);
     Keyboard keyboard(window);
     keyboard.type(u"12"_s, 5);
-    m_keys->setRules({});
+    m_keys->setSettings({});
     QCOMPARE(window.figure->text(), u"12"_s);
     keyboard.type(u"3456\r"_s, 5);
     QCOMPARE(window.figure->text(), u"123456"_s);
-    m_keys->setRules(CodeBurstRules{.longestGapMs = 100});
+    m_keys->setSettings(CodeReaderSettings{.longestGapMs = 100});
     keyboard.type(u"3456\r"_s, 99);
     QCOMPARE(codes(), QStringList(u"3456"_s));
 }

@@ -17,7 +17,8 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --config ${BUILD_TYPE} --prefix ${fi
 file(RENAME ${first_prefix} ${prefix})
 
 foreach(file
-        include/harrowby/init.h include/harrowby/counter.h include/harrowby/db_connection.h include/harrowby/db_value.h
+        include/harrowby/init.h include/harrowby/code_reader_settings.h include/harrowby/counter.h
+        include/harrowby/db_connection.h include/harrowby/db_value.h
         include/harrowby/sqlite_connection.h include/harrowby/export.h include/harrowby/file_failure.h include/harrowby/objects.h
         include/harrowby/report_component.h include/harrowby/saved_settings.h
         include/harrowby/window_marks.h

@@ -33,12 +33,7 @@ CodeTaker::CodeTaker(HostLink &host, QObject &application) : QObject(&applicatio
 
 void CodeTaker::setSettings(const std::optional<CodeReaderSettings> &settings)
 {
-    if (!settings)
-        return m_keys.setRules({});
-    m_keys.setRules(CodeBurstRules{.longestGapMs = settings->longestGapMs,
-                                   .shortest = settings->shortest,
-                                   .longest = settings->longest,
-                                   .prefix = settings->prefix});
+    m_keys.setSettings(settings);
 }
 
 } // namespace harrowby
