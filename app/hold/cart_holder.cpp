@@ -19,7 +19,14 @@ CartHolder::Held CartHolder::hold(const QString &word)
     std::vector<CounterLine> taken;
     if (m_counter.takeCart(taken) == CounterAnswer::Done)
         return Held::Done;
-    return m_carts.drop(*id) ? Held::NotHeld : Held::Both;
+    switch (m_carts.drop(*id)) {
+    case HeldCarts::Taken::Done:
+        return Held::NotHeld;
+    case HeldCarts::Taken::Gone:
+        return Held::Elsewhere;
+    default:
+        return Held::Both;
+    }
 }
 
 HeldCarts::Taken CartHolder::recall(const QString &id, std::vector<CounterMisfit> &misfits)

@@ -24,8 +24,9 @@ public:
         NobodyThere, ///< nobody is logged in
         CartEmpty,
         WordTaken,
-        NotHeld, ///< the cart is the counter's as before
-        Both,    ///< held, and still in the counter's cart
+        NotHeld,   ///< the cart is the counter's as before
+        Both,      ///< held, and still in the counter's cart
+        Elsewhere, ///< still in the counter's cart, and another till has recalled it already
     };
 
     /// Both must outlive it.

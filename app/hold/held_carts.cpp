@@ -80,29 +80,31 @@ bool HeldCarts::add(const QString &id, const CartToHold &cart)
 
 HeldCarts::Taken HeldCarts::take(const QString &id, const std::function<bool(const std::vector<CounterLine> &)> &put)
 {
-    auto taken = Taken::Failed;
-    const auto kept = m_records.together(kept::held(), [&] {
+    auto uncommitted = Taken::Failed; // what it is unless the writes are committed
+    const auto committed = m_records.together(kept::held(), [&] {
         const auto removed = m_records.write(kept::held(), {u"delete from HarrowbyHeld where HeldID = ?"_s, {id}});
         if (removed && *removed == 0)
-            taken = Taken::Gone;
+            uncommitted = Taken::Gone;
         if (!removed || *removed == 0)
             return false;
         const auto lines = linesOf(id);
         if (!lines || !m_records.write(kept::held(), {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}))
             return false;
         const bool isPut = put(*lines);
-        taken = isPut ? Taken::StillListed : Taken::NotPut;
+        uncommitted = isPut ? Taken::StillListed : Taken::NotPut;
         return isPut;
     });
-    return kept && *kept ? Taken::Done : taken;
+    return committed && *committed ? Taken::Done : uncommitted;
 }
 
-bool HeldCarts::drop(const QString &id)
+HeldCarts::Taken HeldCarts::drop(const QString &id)
 {
-    return m_records
-        .writeTogether(kept::held(), {{u"delete from HarrowbyHeld where HeldID = ?"_s, {id}},
-                                      {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}})
-        .has_value();
+    const auto removed =
+        m_records.writeTogether(kept::held(), {{u"delete from HarrowbyHeld where HeldID = ?"_s, {id}},
+                                               {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}});
+    if (!removed)
+        return Taken::Failed;
+    return removed->constFirst() == 0 ? Taken::Gone : Taken::Done;
 }
 
 Records::Answer<std::vector<CounterLine>> HeldCarts::linesOf(const QString &id) const

@@ -59,10 +59,11 @@ public:
     /// Holds the cart, all of it or nothing. Its ID.
     [[nodiscard]] Result<QString, NotHeld> hold(const CartToHold &cart);
     /// Takes the cart off the list and hands its lines to `put`, as one transaction that is committed when `put`
-    /// returns true. Of several tills that try, one gets it: the one whose DELETE has removed the row.
+    /// returns true. Of several tills that try, one gets it: the one whose DELETE has removed the row. The write lock
+    /// is taken before that (Records::together()), so that the others find no row.
     [[nodiscard]] Taken take(const QString &id, const std::function<bool(const std::vector<CounterLine> &)> &put);
-    /// Takes it off the list. False when it could not be.
-    [[nodiscard]] bool drop(const QString &id);
+    /// Takes it off the list, without its lines: Done, Gone or Failed.
+    [[nodiscard]] Taken drop(const QString &id);
 
 private:
     [[nodiscard]] Records::Answer<std::vector<CounterLine>> linesOf(const QString &id) const;

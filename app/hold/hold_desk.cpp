@@ -122,6 +122,10 @@ void HoldDesk::tellHeld(Held held, const QString &word)
     case Held::Both:
         return tellInOffice(salesWindow(), u"The cart is held as \"%1\", but it could not be taken off the counter. "
                                            "Do not sell it here: clear it."_s.arg(word));
+    case Held::Elsewhere:
+        return tellInOffice(salesWindow(),
+                            u"The cart was held as \"%1\" and has been recalled at another till, but it "
+                            "could not be taken off the counter. Do not sell it here: clear it."_s.arg(word));
     case Held::WordTaken:
     case Held::CartEmpty:
     case Held::NobodyThere:

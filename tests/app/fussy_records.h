@@ -7,7 +7,9 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace harrowby::app::test {
 
@@ -20,6 +22,7 @@ public:
     QStringList texts;
     int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
     bool failAll = false;
+    std::function<void()> afterCommit; ///< called once, behind the next commit
 
 protected:
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override
@@ -41,8 +44,12 @@ protected:
     }
     std::optional<DbFailure> commit() override
     {
-        auto failure = fails(QStringLiteral("commit"));
-        return failure ? failure : SqliteRecords::commit();
+        if (auto failure = fails(QStringLiteral("commit")))
+            return failure;
+        auto failure = SqliteRecords::commit();
+        if (const auto act = std::exchange(afterCommit, {}))
+            act();
+        return failure;
     }
 
 private:

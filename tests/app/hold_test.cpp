@@ -12,6 +12,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -59,6 +60,8 @@ private Q_SLOTS:
     void emptyCartIsNotHeld();
     void nobodyLoggedInIsTheGatesRefusal();
     void failedHoldLeavesTheCart();
+    void cartThatStaysAtTheCounterIsTold_data();
+    void cartThatStaysAtTheCounterIsTold();
     void everythingIsLargeEnoughAndNamed();
     void nextWindowGetsTheButtons();
 };
@@ -253,6 +256,54 @@ void HoldTest::failedHoldLeavesTheCart()
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     press(u"holdCart"_s);
     QCOMPARE(m_said, QStringList{u"! The cart was not held: it is here as before."_s});
+}
+
+void HoldTest::cartThatStaysAtTheCounterIsTold_data()
+{
+    QTest::addColumn<QString>("meanwhile");
+    QTest::addColumn<int>("failAt");
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<QStringList>("held");
+    QTest::newRow("taken back") << QString() << -1 << QString() << QStringList();
+    QTest::newRow("recalled at another till")
+        << u"DELETE FROM HarrowbyHeldLine; DELETE FROM HarrowbyHeld"_s << -1
+        << u"The cart was held as \"1\" and has been recalled at another till, but it could not be taken off the "
+           "counter."_s
+        << QStringList();
+    QTest::newRow("not taken back") << QString() << 0
+                                    << u"The cart is held as \"1\", but it could not be taken off the counter."_s
+                                    << QStringList{u"1"_s};
+}
+
+void HoldTest::cartThatStaysAtTheCounterIsTold()
+{
+    QFETCH(const QString, meanwhile);
+    QFETCH(const int, failAt);
+    QFETCH(const QString, box);
+    QFETCH(const QStringList, held);
+    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
+    const QStringList before = cart();
+    QDialog inTheWay(&m_till->window());
+    inTheWay.setModal(true);
+    inNextDialog([&](QDialog &dialog) {
+        m_records->afterCommit = [&] {
+            inTheWay.show(); // so that the counter's cart cannot be emptied
+            if (!meanwhile.isEmpty())
+                m_till->file.sql(meanwhile);
+            m_records->texts.clear();
+            m_records->failAt = failAt;
+        };
+        dialog.findChild<QPushButton *>(u"holdUnder"_s)->click();
+    });
+    if (!box.isEmpty())
+        answerNextBox(box, u"OK"_s);
+    press(u"holdCart"_s);
+    m_records->failAt = -1;
+    inTheWay.hide();
+    QCOMPARE(m_dialogs, box.isEmpty() ? 1 : 2);
+    QCOMPARE(m_said, box.isEmpty() ? QStringList{u"! The cart was not held: it is here as before."_s} : QStringList());
+    QCOMPARE(cart(), before);
+    QCOMPARE(heldWords(), held);
 }
 
 void HoldTest::everythingIsLargeEnoughAndNamed()
