@@ -34,11 +34,6 @@ PutLine leftOut(const CounterLine &line, Reason reason)
     return {{}, CounterMisfit{line, reason, 0, 0}};
 }
 
-double number(const TextTableModel &cart, int row, int column)
-{
-    return leadingNumberWithoutCommas(cart.text(row, column));
-}
-
 /// Cost of a new line at the price of today. A quantity that no entry takes, from lines that were merged, is priced as
 /// merging does.
 QString costOfToday(float unitCost, double quantity)
@@ -57,31 +52,28 @@ bool isPriceOfToday(const CounterLine &line, float unitCost)
 
 PutLine append(TextTableModel &cart, const QString &key, const CounterLine &line)
 {
-    const QString quantity = plainText(line.quantity);
-    cart.appendRow({key, quantity, line.costByHand ? formatFixed(line.cost) : formatMoney(line.cost)});
-    cart.setByHand(cart.lastRow(), line.costByHand);
-    return {addedLine(quantity, key), {}};
+    putCartLine(cart, key, line);
+    return {addedLine(plainText(line.quantity), key), {}};
 }
 
-/// Adds the line's cost to that of the cart's, instead of pricing both anew.
+PutLine changed(const TextTableModel &cart, int row)
+{
+    return {changedLine(cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item)), {}};
+}
+
+/// The line of an item that could not be read, so that its price of today is not known.
 PutLine addUp(TextTableModel &cart, int row, const CounterLine &line)
 {
-    const double cost = number(cart, row, CartColumn::Cost) + line.cost;
-    const bool byHand = line.costByHand || cart.isByHand(row);
-    cart.setByHand(row, byHand);
-    cart.setText(row, CartColumn::Qty, plainText(number(cart, row, CartColumn::Qty) + line.quantity));
-    cart.setText(row, CartColumn::Cost, byHand ? formatFixed(cost) : formatMoney(cost));
-    return {changedLine(cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item)), {}};
+    addToCartLine(cart, row, line);
+    return changed(cart, row);
 }
 
 PutLine put(TextTableModel &cart, int row, const CounterLine &line, const SellableItem &item)
 {
     if (row < 0)
         return append(cart, item.key, line);
-    if (line.costByHand || cart.isByHand(row))
-        return addUp(cart, row, line);
-    mergeIntoCartLine(cart, row, line.quantity, item.unitCost);
-    return {changedLine(cart.text(row, CartColumn::Qty), cart.text(row, CartColumn::Item)), {}};
+    joinCartLine(cart, row, line, item.unitCost);
+    return changed(cart, row);
 }
 
 /// The line at the price of today, with `quantity` units.
@@ -98,7 +90,7 @@ PutLine putWhatFits(TextTableModel &cart, const CounterLine &line, const Sellabl
     if (item.available <= 0.0F)
         return leftOut(line, Reason::SoldOut);
     const int row = cart.findRow(item.key);
-    const double inCart = row < 0 ? 0 : number(cart, row, CartColumn::Qty);
+    const double inCart = row < 0 ? 0 : cartNumber(cart, row, CartColumn::Qty);
     const bool fits = covers(item.available, line.quantity + inCart);
     if (fits && (line.costByHand || isPriceOfToday(line, item.unitCost)))
         return put(cart, row, line, item);
@@ -132,7 +124,7 @@ PutLine putLine(TextTableModel &cart, const CounterLine &line, const Result<Sell
         return leftOut(line, reasonOf(item.error()));
     }
     if (done.misfit && !done.logLine.isEmpty())
-        done.misfit->cost = number(cart, cart.findRow(key), CartColumn::Cost);
+        done.misfit->cost = cartNumber(cart, cart.findRow(key), CartColumn::Cost);
     return done;
 }
 

@@ -19,8 +19,8 @@ struct PutLine
     std::optional<CounterMisfit> misfit; ///< when it is not as it was
 };
 
-/// Puts a line into the cart, or merges it into the line of its item, as far as the stock goes. `item` is what was
-/// found under its ID.
+/// Puts a line into the cart, or into the line of its item (joinCartLine() in ui/sales/cart_list.h), as far as the
+/// stock goes. `item` is what was found under its ID.
 [[nodiscard]] PutLine putLine(TextTableModel &cart, const CounterLine &line,
                               const Result<SellableItem, CounterAnswer> &item);
 

@@ -46,6 +46,35 @@ void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unit
     cart.setByHand(row, false);
 }
 
+void putCartLine(TextTableModel &cart, const QString &itemKey, const CounterLine &line)
+{
+    cart.appendRow(
+        {itemKey, plainText(line.quantity), line.costByHand ? formatFixed(line.cost) : formatMoney(line.cost)});
+    cart.setByHand(cart.lastRow(), line.costByHand);
+}
+
+void joinCartLine(TextTableModel &cart, int row, const CounterLine &line, float unitCost)
+{
+    if (line.costByHand || cart.isByHand(row))
+        addToCartLine(cart, row, line);
+    else
+        mergeIntoCartLine(cart, row, line.quantity, unitCost);
+}
+
+void addToCartLine(TextTableModel &cart, int row, const CounterLine &line)
+{
+    const double cost = cartNumber(cart, row, CartColumn::Cost) + line.cost;
+    const bool byHand = line.costByHand || cart.isByHand(row);
+    cart.setByHand(row, byHand);
+    cart.setText(row, CartColumn::Qty, plainText(cartNumber(cart, row, CartColumn::Qty) + line.quantity));
+    cart.setText(row, CartColumn::Cost, byHand ? formatFixed(cost) : formatMoney(cost));
+}
+
+double cartNumber(const TextTableModel &cart, int row, int column)
+{
+    return leadingNumberWithoutCommas(cart.text(row, column));
+}
+
 std::vector<PurchaseLine> cartLines(const TextTableModel &cart)
 {
     std::vector<PurchaseLine> lines;

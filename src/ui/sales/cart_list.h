@@ -3,6 +3,8 @@
 
 #include "basic/purchase_text.h"
 
+#include <harrowby/counter.h>
+
 #include <QString>
 
 #include <cstdint>
@@ -19,9 +21,26 @@ struct Controls;
 [[nodiscard]] QString changedLine(const QString &quantity, const QString &itemKey);
 
 void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t qty, float unitCost);
-/// Adds `qty` to the line's quantity and prices the sum at the stock's current unit cost.
+
+// What becomes of the line of an item that comes into the cart again. By a press (quick sale, custom sale, an undo) all
+// units are priced at `unitCost`, the stock's of now. Intended: a cost that was changed by hand is lost then.
+
+/// Adds `qty` to the line's quantity.
 void mergeIntoCartLine(TextTableModel &cart, int row, double qty, float unitCost);
 void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
+
+// As a line that has a cost of its own (a recalled cart, a code that holds a price), it keeps what was set by hand.
+
+/// `line` as it is, in a row of its own.
+void putCartLine(TextTableModel &cart, const QString &itemKey, const CounterLine &line);
+/// Where either cost was changed by hand, the two are added, and the sum counts as changed by hand; else as
+/// mergeIntoCartLine().
+void joinCartLine(TextTableModel &cart, int row, const CounterLine &line, float unitCost);
+/// Adds the line's cost to that of the cart's, instead of pricing both anew.
+void addToCartLine(TextTableModel &cart, int row, const CounterLine &line);
+
+/// A figure of the cart as it shows.
+[[nodiscard]] double cartNumber(const TextTableModel &cart, int row, int column);
 
 [[nodiscard]] std::vector<PurchaseLine> cartLines(const TextTableModel &cart);
 
