@@ -20,7 +20,7 @@ std::optional<RestoredLine> restoredLine(const QString &element)
     QString uniform = element;
     uniform.replace(purchase::quantityJoint, itemKeySeparator).replace(purchase::amountJoint, itemKeySeparator);
     const QStringList parts = uniform.split(itemKeySeparator);
-    constexpr qsizetype needed = 3; // without the amount, as the price is read from the stock again
+    constexpr qsizetype needed = 3; // without the amount
     const std::optional<std::int16_t> quantity = toInt16(leadingNumber(parts.first()));
     if (parts.size() < needed || !quantity)
         return {};
