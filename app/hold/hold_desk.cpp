@@ -138,11 +138,13 @@ void HoldDesk::recall()
 {
     if (!isReady())
         return;
+    QStringList gone; // a damaged row, too, which can be listed and not be taken
     for (;;) {
-        const auto carts = m_carts.list();
+        auto carts = m_carts.list();
         if (!carts)
             return tellInOffice(salesWindow(), u"The held carts could not be read.\n%1\n%2"_s.arg(
                                                    failureReason(carts.error()), failureAdvice(carts.error())));
+        carts->removeIf([&gone](const HeldCart &cart) { return gone.contains(cart.id); });
         if (carts->isEmpty())
             return m_say(u"No cart is held."_s, true);
         Asking<ListDialog> dialog(
@@ -155,6 +157,7 @@ void HoldDesk::recall()
             std::find_if(carts->cbegin(), carts->cend(), [&](const HeldCart &cart) { return cart.word == word; });
         if (chosen == carts->cend() || recallOne(*chosen))
             return;
+        gone << chosen->id;
     }
 }
 

@@ -48,8 +48,6 @@ InStoreDialog::InStoreDialog(Records &records, QWidget *parent) : QDialog(parent
     dressDialog(*this);
     resize(QSize(640, 500).boundedTo(screen()->availableSize()));
     readRules();
-    nameEntries();
-    showRule();
 }
 
 void InStoreDialog::createParts()
@@ -132,10 +130,13 @@ void InStoreDialog::layOut()
 void InStoreDialog::readRules()
 {
     const auto rules = m_settings.startingWith(inStoreSetting({}));
-    if (!rules)
-        return showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The rules could not be read."_s, rules.error()));
-    for (const auto &[prefix, text] : *rules)
+    for (const auto &[prefix, text] : rules.value_or(QList<std::pair<QString, QString>>()))
         m_saved.insert(prefix, text);
+    nameEntries();
+    showRule();
+    m_save->setEnabled(rules.has_value()); // else a rule that nobody has seen would be replaced
+    if (!rules)
+        showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The rules could not be read."_s, rules.error()));
 }
 
 void InStoreDialog::nameEntries()
@@ -160,7 +161,8 @@ void InStoreDialog::showRule()
     m_isOn->setChecked(rule.has_value());
     for (QWidget *entry : {static_cast<QWidget *>(m_pattern), static_cast<QWidget *>(m_decimals)})
         entry->setEnabled(rule.has_value());
-    m_outcome->clear();
+    if (m_save->isEnabled())
+        m_outcome->clear();
     tryCode();
 }
 

@@ -18,7 +18,6 @@ ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_ch
 {
     m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
     m_search->setObjectName(u"searchAnywhere"_s);
-    m_search->setChecked(m_choice.findsAnywhere());
     connect(m_search, &QCheckBox::clicked, this, &ShopPage::chooseSearch);
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"shopOutcome"_s);
@@ -34,6 +33,16 @@ ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_ch
                                    "another program with this store file may rely on."_s));
     rows->addWidget(m_outcome);
     rows->addStretch(1);
+    readSearch();
+}
+
+void ShopPage::readSearch()
+{
+    const auto chosen = m_choice.read();
+    m_search->setChecked(chosen.value_or(false));
+    if (!chosen)
+        showOutcome(*m_outcome, u"\u26a0 What was chosen could not be read.\n%1\n%2"_s.arg(
+                                    failureReason(chosen.error()), failureAdvice(chosen.error())));
 }
 
 void ShopPage::chooseSearch(bool findsAnywhere)

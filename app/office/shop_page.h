@@ -19,6 +19,7 @@ public:
     explicit ShopPage(SearchChoice search, QWidget *parent = nullptr);
 
 private:
+    void readSearch();
     void chooseSearch(bool findsAnywhere);
 
     SearchChoice m_choice;

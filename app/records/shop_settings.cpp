@@ -18,8 +18,16 @@ RecordStatement removing(const QString &name)
 
 QString ShopSettings::value(const QString &name, const QString &defaultValue) const
 {
+    const auto found = read(name);
+    return found ? found->value_or(defaultValue) : defaultValue;
+}
+
+Records::Answer<std::optional<QString>> ShopSettings::read(const QString &name) const
+{
     const auto rows = m_records.read(kept::setting(), {u"select Value from HarrowbySetting where Name = ?"_s, {name}});
-    return rows && !rows->isEmpty() ? recordText(rows->constFirst().constFirst()) : defaultValue;
+    if (!rows)
+        return Unexpected(rows.error());
+    return rows->isEmpty() ? std::nullopt : std::optional(recordText(rows->constFirst().constFirst()));
 }
 
 Records::Answer<QList<std::pair<QString, QString>>> ShopSettings::startingWith(const QString &prefix) const

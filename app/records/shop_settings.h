@@ -18,6 +18,8 @@ public:
 
     /// `defaultValue` when there is none or the table cannot be read, which has been told then.
     [[nodiscard]] QString value(const QString &name, const QString &defaultValue = {}) const;
+    /// The same, for one who tells it; nothing when there is none.
+    [[nodiscard]] Records::Answer<std::optional<QString>> read(const QString &name) const;
     /// All whose name begins with `prefix`, by name without it.
     [[nodiscard]] Records::Answer<QList<std::pair<QString, QString>>> startingWith(const QString &prefix) const;
     /// The failure when it could not be saved; it has been told, and the old value stays.

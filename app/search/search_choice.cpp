@@ -15,8 +15,15 @@ const QString no = u"no"_s;
 
 bool SearchChoice::findsAnywhere() const
 {
-    const QString chosen = m_settings.value(setting);
-    return chosen == yes || (chosen != no && m_isOwnStore);
+    return read().value_or(m_isOwnStore);
+}
+
+Records::Answer<bool> SearchChoice::read() const
+{
+    const auto chosen = m_settings.read(setting);
+    if (!chosen)
+        return Unexpected(chosen.error());
+    return *chosen == yes || (*chosen != no && m_isOwnStore);
 }
 
 std::optional<DbFailure> SearchChoice::choose(bool findsAnywhere)

@@ -15,7 +15,10 @@ public:
     /// The records must outlive it.
     SearchChoice(Records &records, bool isOwnStore) : m_settings(records), m_isOwnStore(isOwnStore) {}
 
+    /// Where it cannot be read, which has been told then, as if nobody had chosen.
     [[nodiscard]] bool findsAnywhere() const;
+    /// The same, for one who tells it.
+    [[nodiscard]] Records::Answer<bool> read() const;
     /// The failure when it could not be saved; what was chosen before stays.
     [[nodiscard]] std::optional<DbFailure> choose(bool findsAnywhere);
 

@@ -23,8 +23,15 @@ public:
     int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
     bool failAll = false;
     std::function<void()> afterCommit; ///< called once, behind the next commit
+    bool countsLooks = false;          ///< the looks for a table are statements, too
 
 protected:
+    Answer<bool> hasTable(const RecordTable &table) override
+    {
+        if (auto failure = countsLooks ? fails(QStringLiteral("look for ") + table.name) : std::nullopt)
+            return Unexpected(*failure);
+        return SqliteRecords::hasTable(table);
+    }
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override
     {
         if (auto failure = fails(statement.text))

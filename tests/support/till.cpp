@@ -77,11 +77,15 @@ Till::~Till()
     InvBasic::setConnection(nullptr);
 }
 
-void Till::reportStatements()
+void Till::reportStatements(std::function<bool(const QString &)> isLeft)
 {
-    m_connection->beforeWrite = [](const QString &statement) { say(u"B "_s + statement); };
-    m_connection->afterWrite = [](const QString &statement, bool done) {
-        say((done ? u"A1 "_s : u"A0 "_s) + statement);
+    m_connection->beforeWrite = [isLeft](const QString &statement) {
+        if (!isLeft || !isLeft({}))
+            say(u"B "_s + statement);
+    };
+    m_connection->afterWrite = [isLeft](const QString &statement, bool done) {
+        if (!isLeft || !done || !isLeft(statement))
+            say((done ? u"A1 "_s : u"A0 "_s) + statement);
     };
 }
 
@@ -96,6 +100,11 @@ void Till::sell(QRandomGenerator &random)
 {
     for (int units = random.bounded(1, 7); units > 0; --units)
         click(u"Command1_%1"_s.arg(random.bounded(9)));
+    purchase();
+}
+
+void Till::purchase()
+{
     click(u"Command14"_s);
     m_clock->time = m_clock->time.addSecs(1);
 }

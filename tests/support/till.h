@@ -10,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace harrowby::test {
@@ -32,11 +33,14 @@ public:
     Till &operator=(const Till &) = delete;
 
     /// Prints each writing statement: "B" and the statement before it is begun, "A1" (done) or "A0" (failed) and the
-    /// statement after it.
-    void reportStatements();
+    /// statement after it. Those of which `isLeft` says so are left to another one's report: it is asked before with an
+    /// empty text and afterwards with what was done.
+    void reportStatements(std::function<bool(const QString &done)> isLeft = {});
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
     void sell(QRandomGenerator &random);
+    /// Commits the cart, and lets a second pass.
+    void purchase();
     /// Sells one unit of the item of a button, as a purchase of its own, in the same second as the one before.
     void sellOne(int button) const;
     /// Adds units to an item, and takes them back.

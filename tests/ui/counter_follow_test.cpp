@@ -10,6 +10,7 @@
 
 #include <QCheckBox>
 
+#include <memory>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +44,8 @@ class CounterFollowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init();
+    void cleanup();
     void cartChangesOnceForAHandler();
     void priceByHandIsTold();
     void purchaseIsTold();
@@ -61,64 +64,72 @@ private Q_SLOTS:
     void slotThatThrows();
     void slotThatSells();
     void whatIsOnTheCounter();
+
+private:
+    std::unique_ptr<test::Counter> m_till; ///< opened, with ANN logged in
+    std::unique_ptr<Guest> m_guest;        ///< who has been told of that
 };
+
+void CounterFollowTest::init()
+{
+    m_till = std::make_unique<test::Counter>();
+    openForGuests(*m_till);
+    m_guest = std::make_unique<Guest>();
+    static_cast<void>(m_guest->heard());
+}
+
+void CounterFollowTest::cleanup()
+{
+    m_guest.reset();
+    m_till.reset();
+}
 
 void CounterFollowTest::cartChangesOnceForAHandler()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.click("Command1_3"); // TEA: GREEN TEA, Mint tea, SAFE, TEA
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
-    till.click("Command1_3");
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
-    till.boxes.expect(u"Delete [A1  |  TEA] from Cart?"_s, box::Ask, Answer::No);
-    till.click("Command12");
-    QCOMPARE(guest.heard(), QStringList());
-    till.boxes.expect(u"Delete [A1  |  TEA] from Cart?"_s, box::Ask, Answer::Yes);
-    till.click("Command12");
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
+    m_till->click("Command1_3"); // TEA: GREEN TEA, Mint tea, SAFE, TEA
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
+    m_till->click("Command1_3");
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
+    m_till->boxes.expect(u"Delete [A1  |  TEA] from Cart?"_s, box::Ask, Answer::No);
+    m_till->click("Command12");
+    QCOMPARE(m_guest->heard(), QStringList());
+    m_till->boxes.expect(u"Delete [A1  |  TEA] from Cart?"_s, box::Ask, Answer::Yes);
+    m_till->click("Command12");
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
 }
 
 void CounterFollowTest::priceByHandIsTold()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    till.click("Command1_3");
-    static_cast<void>(guest.heard());
-    till.boxes.expectInput(u"Enter new price for item [A1  |  TEA]?"_s, {}, u"2.50"_s, u"2"_s);
-    Q_EMIT till.find<RowList>("LV3")->rowOpened(0);
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
+    m_till->click("Command1_3");
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expectInput(u"Enter new price for item [A1  |  TEA]?"_s, {}, u"2.50"_s, u"2"_s);
+    Q_EMIT m_till->find<RowList>("LV3")->rowOpened(0);
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
     QCOMPARE(lineTexts(harrowby::Counter::instance().cart()), QStringList{u"A1|TEA|1|2|hand"_s});
     // The same price again is by hand too, but no change of what the cart shows.
-    till.click("Command1_3"); // merging prices the line anew
+    m_till->click("Command1_3"); // merging prices the line anew
     QCOMPARE(lineTexts(harrowby::Counter::instance().cart()), QStringList{u"A1|TEA|2|5|"_s});
-    till.boxes.expectInput(u"Enter new price for item [A1  |  TEA]?"_s, {}, u"5.00"_s, u"5"_s);
-    Q_EMIT till.find<RowList>("LV3")->rowOpened(0);
+    m_till->boxes.expectInput(u"Enter new price for item [A1  |  TEA]?"_s, {}, u"5.00"_s, u"5"_s);
+    Q_EMIT m_till->find<RowList>("LV3")->rowOpened(0);
     QCOMPARE(lineTexts(harrowby::Counter::instance().cart()), QStringList{u"A1|TEA|2|5|hand"_s});
-    till.boxes.expect(u"Item Already Exist in Cart.\r\nTo Update - YES, To Replace - NO"_s, box::Ask, Answer::No);
-    InventoryProbe{till.window()}.addToCart(u"A1  |  TEA"_s, 3, false);
+    m_till->boxes.expect(u"Item Already Exist in Cart.\r\nTo Update - YES, To Replace - NO"_s, box::Ask, Answer::No);
+    InventoryProbe{m_till->window()}.addToCart(u"A1  |  TEA"_s, 3, false);
     QCOMPARE(lineTexts(harrowby::Counter::instance().cart()), QStringList{u"A1|TEA|3|7.5|"_s});
 }
 
 void CounterFollowTest::purchaseIsTold()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    till.click("Command1_2");
-    till.click("Command1_3");
-    static_cast<void>(guest.heard());
-    till.boxes.expect(
+    m_till->click("Command1_2");
+    m_till->click("Command1_3");
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expect(
         u"Item List:\r\n\r\n1. 1 x S1  |  SAFE = 1,250.00\r\n2. 1 x A1  |  TEA = 2.50\r\n\r\n\r\n\r\nPurchased Cart?"_s,
         box::Ask, Answer::Yes);
-    till.click("Command14");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
-    const CounterPurchase purchase = guest.purchases.back();
+    m_till->click("Command14");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
+    const CounterPurchase purchase = m_guest->purchases.back();
     QCOMPARE(purchase.items, u"1 x S1  |  SAFE = 1,250.00, 1 x A1  |  TEA = 2.50"_s);
-    QCOMPARE(purchase.items, till.file.rows(u"SELECT PurchasedItems FROM PurchaseCart"_s).first());
+    QCOMPARE(purchase.items, m_till->file.rows(u"SELECT PurchasedItems FROM PurchaseCart"_s).first());
     QCOMPARE(purchase.total, 1252.5F);
     QCOMPARE(purchase.user, u"ANN"_s);
     QCOMPARE(lineTexts(purchase.lines), (QStringList{u"S1|SAFE|1|1250|"_s, u"A1|TEA|1|2.5|"_s}));
@@ -127,17 +138,14 @@ void CounterFollowTest::purchaseIsTold()
 
 void CounterFollowTest::purchaseOfALogoutIsTold()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    till.click("Command1_3");
-    static_cast<void>(guest.heard());
-    till.boxes.expect(u"Log out User[ANN]?"_s, box::AskDefaultNo, Answer::Yes);
-    till.boxes.expect(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel, Answer::Yes);
-    till.click("Command27");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId, u"loggedOut ANN"_s}));
-    QCOMPARE(guest.purchases.back().row, Row::Written);
-    QCOMPARE(guest.purchases.back().user, u"ANN"_s);
+    m_till->click("Command1_3");
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expect(u"Log out User[ANN]?"_s, box::AskDefaultNo, Answer::Yes);
+    m_till->boxes.expect(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel, Answer::Yes);
+    m_till->click("Command27");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId, u"loggedOut ANN"_s}));
+    QCOMPARE(m_guest->purchases.back().row, Row::Written);
+    QCOMPARE(m_guest->purchases.back().user, u"ANN"_s);
 }
 
 void CounterFollowTest::rowOfThePurchase_data()
@@ -162,16 +170,13 @@ void CounterFollowTest::rowOfThePurchase()
     QFETCH(const QString, trouble);
     QFETCH(const Row, row);
     QFETCH(const int, rows);
-    test::Counter till;
-    openForGuests(till);
-    till.click("Command1_3");
-    Guest guest;
-    static_cast<void>(guest.heard());
-    RecordingConnection &connection = *till.connection;
+    m_till->click("Command1_3");
+    static_cast<void>(m_guest->heard());
+    RecordingConnection &connection = *m_till->connection;
     if (trouble.startsWith(u"insert"_s))
         connection.fails = [](const QString &statement) { return statement == u"insert PurchaseCart"_s; };
     if (trouble.startsWith(u"trigger"_s))
-        till.file.sql(u"CREATE TRIGGER no BEFORE INSERT ON PurchaseCart BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
+        m_till->file.sql(u"CREATE TRIGGER no BEFORE INSERT ON PurchaseCart BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
     if (trouble == u"check"_s)
         connection.fails = [](const QString &statement) {
             return statement.startsWith(u"Select * from PurchaseCart"_s);
@@ -182,257 +187,226 @@ void CounterFollowTest::rowOfThePurchase()
         connection.mayHave = true;
     if (trouble == u"commit, certain"_s)
         connection.mayHave = false;
-    Database other(till.file.path());
+    Database other(m_till->file.path());
     if (trouble == u"locked"_s)
         QVERIFY(other.run(u"BEGIN IMMEDIATE"_s));
     connection.statements.clear();
-    till.boxes.expect(teaQuestion, box::Ask, Answer::Yes);
-    till.click("Command14");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
-    QCOMPARE(guest.purchases.back().row, row);
+    m_till->boxes.expect(teaQuestion, box::Ask, Answer::Yes);
+    m_till->click("Command14");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
+    QCOMPARE(m_guest->purchases.back().row, row);
     QVERIFY(trouble != u"locked"_s || other.run(u"ROLLBACK"_s));
-    QCOMPARE(till.file.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(), rows);
+    QCOMPARE(m_till->file.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(), rows);
 }
 
 void CounterFollowTest::undoAndDeletion()
 {
-    test::Counter till;
-    openForGuests(till);
-    till.click("Command1_3");
-    till.boxes.expect(teaQuestion, box::Ask, Answer::Yes);
-    till.click("Command14");
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.boxes.expect(u"Undo last Purchased Cart with ID ["_s + firstId + u"]?"_s, box::Ask, Answer::Yes);
-    till.click("Command25");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchaseUndone "_s + firstId}));
-    till.boxes.expect(teaQuestion, box::Ask, Answer::Yes);
-    till.click("Command14");
-    static_cast<void>(guest.heard());
-    till.setText("Combo17", u" "_s + firstId);
-    till.boxes.expect(u"Delete Purchased Cart with ID ["_s + firstId +
-                          u"].\r\nAll purchased items will br restored (Y/N)?"_s,
-                      box::Ask, Answer::Yes);
-    till.click("Command4");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchaseDeleted "_s + firstId}));
-    till.setText("Combo17", firstId);
-    till.boxes.expect(u"Delete Purchased Cart with ID ["_s + firstId +
-                          u"].\r\nAll purchased items will br restored (Y/N)?"_s,
-                      box::Ask, Answer::Yes);
-    till.boxes.expect(u"Nothing to Undo!"_s, box::Exclamation);
-    till.click("Command4");
-    QCOMPARE(guest.heard(), QStringList());
+    m_till->click("Command1_3");
+    m_till->boxes.expect(teaQuestion, box::Ask, Answer::Yes);
+    m_till->click("Command14");
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expect(u"Undo last Purchased Cart with ID ["_s + firstId + u"]?"_s, box::Ask, Answer::Yes);
+    m_till->click("Command25");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchaseUndone "_s + firstId}));
+    m_till->boxes.expect(teaQuestion, box::Ask, Answer::Yes);
+    m_till->click("Command14");
+    static_cast<void>(m_guest->heard());
+    m_till->setText("Combo17", u" "_s + firstId);
+    m_till->boxes.expect(u"Delete Purchased Cart with ID ["_s + firstId +
+                             u"].\r\nAll purchased items will br restored (Y/N)?"_s,
+                         box::Ask, Answer::Yes);
+    m_till->click("Command4");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchaseDeleted "_s + firstId}));
+    m_till->setText("Combo17", firstId);
+    m_till->boxes.expect(u"Delete Purchased Cart with ID ["_s + firstId +
+                             u"].\r\nAll purchased items will br restored (Y/N)?"_s,
+                         box::Ask, Answer::Yes);
+    m_till->boxes.expect(u"Nothing to Undo!"_s, box::Exclamation);
+    m_till->click("Command4");
+    QCOMPARE(m_guest->heard(), QStringList());
 }
 
 void CounterFollowTest::failedDeletionIsNotTold()
 {
-    test::Counter till;
-    openForGuests(till);
-    till.click("Command1_3");
-    till.boxes.expect(teaQuestion, box::Ask, Answer::Yes);
-    till.click("Command14");
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.connection->fails = [](const QString &statement) {
+    m_till->click("Command1_3");
+    m_till->boxes.expect(teaQuestion, box::Ask, Answer::Yes);
+    m_till->click("Command14");
+    static_cast<void>(m_guest->heard());
+    m_till->connection->fails = [](const QString &statement) {
         return statement.startsWith(u"Delete from PurchaseCart"_s);
     };
-    till.boxes.expect(u"Undo last Purchased Cart with ID ["_s + firstId + u"]?"_s, box::Ask, Answer::Yes);
-    till.click("Command25");
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
+    m_till->boxes.expect(u"Undo last Purchased Cart with ID ["_s + firstId + u"]?"_s, box::Ask, Answer::Yes);
+    m_till->click("Command25");
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
 }
 
 void CounterFollowTest::stockSavedAndDeleted()
 {
-    test::Counter till;
-    openForGuests(till);
-    till.chooseTab("TabStrip1", WorkArea::EditStock);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    const auto enter = [&till](const QString &id, const QString &name) {
-        till.setText("Combo5", u"DRINKS"_s);
-        till.setText("Combo6", id);
-        till.setText("Combo7", name);
-        till.setText("Combo8", u"4.00"_s);
-        till.setText("Combo13", u"1"_s);
-        till.setText("Combo14", u"9"_s);
-        till.setText("Combo15", u"Enabled"_s);
-        till.click("Command16");
+    m_till->chooseTab("TabStrip1", WorkArea::EditStock);
+    static_cast<void>(m_guest->heard());
+    const auto enter = [this](const QString &id, const QString &name) {
+        m_till->setText("Combo5", u"DRINKS"_s);
+        m_till->setText("Combo6", id);
+        m_till->setText("Combo7", name);
+        m_till->setText("Combo8", u"4.00"_s);
+        m_till->setText("Combo13", u"1"_s);
+        m_till->setText("Combo14", u"9"_s);
+        m_till->setText("Combo15", u"Enabled"_s);
+        m_till->click("Command16");
     };
-    till.boxes.answerTheRest([](const QString &) { return Answer::Yes; });
+    m_till->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
     enter(u"N1"_s, u"NEW TEA"_s);
-    QCOMPARE(guest.heard(), QStringList{u"stockSaved >N1"_s});
+    QCOMPARE(m_guest->heard(), QStringList{u"stockSaved >N1"_s});
     enter(u"N2"_s, u"NEW TEA"_s); // found by its name: it has another ID now
-    QCOMPARE(guest.heard(), QStringList{u"stockSaved N1>N2"_s});
+    QCOMPARE(m_guest->heard(), QStringList{u"stockSaved N1>N2"_s});
     enter(u"N2"_s, u"NEWER TEA"_s);
-    QCOMPARE(guest.heard(), QStringList{u"stockSaved N2>N2"_s});
-    auto *list = till.find<RowList>("LV");
+    QCOMPARE(m_guest->heard(), QStringList{u"stockSaved N2>N2"_s});
+    auto *list = m_till->find<RowList>("LV");
     list->selectRow(list->rows().findRow(u"A2"_s));
-    till.click("Command6");
-    QCOMPARE(guest.heard(), QStringList{u"stockDeleted A2"_s});
-    QCOMPARE(till.file.cell(u"SELECT count(*) FROM StockList WHERE StockID = 'a2'"_s), u"0"_s);
-    till.connection->fails = [](const QString &statement) { return statement.startsWith(u"Delete from StockList"_s); };
+    m_till->click("Command6");
+    QCOMPARE(m_guest->heard(), QStringList{u"stockDeleted A2"_s});
+    QCOMPARE(m_till->file.cell(u"SELECT count(*) FROM StockList WHERE StockID = 'a2'"_s), u"0"_s);
+    m_till->connection->fails = [](const QString &statement) {
+        return statement.startsWith(u"Delete from StockList"_s);
+    };
     list->selectRow(list->rows().findRow(u"S1"_s));
-    till.click("Command6");
-    QCOMPARE(guest.heard(), QStringList());
+    m_till->click("Command6");
+    QCOMPARE(m_guest->heard(), QStringList());
 }
 
 void CounterFollowTest::stockThatWasNotWrittenIsNotTold()
 {
-    test::Counter till;
-    openForGuests(till);
-    till.chooseTab("TabStrip1", WorkArea::EditStock);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.connection->fails = [](const QString &statement) { return statement == u"insert StockList"_s; };
-    till.setText("Combo5", u"DRINKS"_s);
-    till.setText("Combo6", u"N1"_s);
-    till.setText("Combo7", u"NEW TEA"_s);
-    till.setText("Combo8", u"4.00"_s);
-    till.setText("Combo13", u"1"_s);
-    till.setText("Combo14", u"9"_s);
-    till.setText("Combo15", u"Enabled"_s);
-    till.click("Command16");
-    QCOMPARE(guest.heard(), QStringList());
+    m_till->chooseTab("TabStrip1", WorkArea::EditStock);
+    static_cast<void>(m_guest->heard());
+    m_till->connection->fails = [](const QString &statement) { return statement == u"insert StockList"_s; };
+    m_till->setText("Combo5", u"DRINKS"_s);
+    m_till->setText("Combo6", u"N1"_s);
+    m_till->setText("Combo7", u"NEW TEA"_s);
+    m_till->setText("Combo8", u"4.00"_s);
+    m_till->setText("Combo13", u"1"_s);
+    m_till->setText("Combo14", u"9"_s);
+    m_till->setText("Combo15", u"Enabled"_s);
+    m_till->click("Command16");
+    QCOMPARE(m_guest->heard(), QStringList());
 }
 
 void CounterFollowTest::toldAfterTheOutermostHandler()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
     QStringList meanwhile;
     Interruption sale(1, [&] {
-        till.click("Command1_3");
-        meanwhile = guest.heard(); // nothing yet: the outer handler still fills its list
-        QCOMPARE(till.cart().size(), 1);
+        m_till->click("Command1_3");
+        meanwhile = m_guest->heard(); // nothing yet: the outer handler still fills its list
+        QCOMPARE(m_till->cart().size(), 1);
     });
-    sale.watchButton(*till.find("Command1_1"));
-    till.click("Command24");
+    sale.watchButton(*m_till->find("Command1_1"));
+    m_till->click("Command24");
     QVERIFY(sale.isDone());
     QCOMPARE(meanwhile, QStringList());
-    QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});
+    QCOMPARE(m_guest->heard(), QStringList{u"cartChanged"_s});
 }
 
 void CounterFollowTest::toldAlsoWhenAHandlerEndsEarly()
 {
-    test::Counter till;
-    openForGuests(till);
-    till.click("Command1_3");
-    till.printers->setCurrent(std::make_shared<JammedPrinter>());
-    till.find<QCheckBox>("Check5")->setChecked(true);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.boxes.expect(teaQuestion, box::Ask, Answer::Yes);
-    till.click("Command14");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
-    QCOMPARE(guest.purchases.back().row, Row::Written);
+    m_till->click("Command1_3");
+    m_till->printers->setCurrent(std::make_shared<JammedPrinter>());
+    m_till->find<QCheckBox>("Check5")->setChecked(true);
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expect(teaQuestion, box::Ask, Answer::Yes);
+    m_till->click("Command14");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"purchased "_s + firstId}));
+    QCOMPARE(m_guest->purchases.back().row, Row::Written);
 }
 
 void CounterFollowTest::closedWindow()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    till.boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::No);
-    till.window().close();
-    QCOMPARE(guest.heard(), QStringList());
+    m_till->boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::No);
+    m_till->window().close();
+    QCOMPARE(m_guest->heard(), QStringList());
     QVERIFY(harrowby::Counter::instance().isOpen());
-    till.close();
-    QCOMPARE(guest.heard(), QStringList{u"windowClosed"_s});
+    m_till->close();
+    QCOMPARE(m_guest->heard(), QStringList{u"windowClosed"_s});
     QVERIFY(!harrowby::Counter::instance().isOpen());
     QVERIFY(!harrowby::Counter::instance().user());
     QCOMPARE(harrowby::Counter::instance().sell(u"A1"_s), CounterAnswer::NoWindow);
-    till.open();
-    QCOMPARE(guest.heard(), QStringList{u"windowOpened"_s});
+    m_till->open();
+    QCOMPARE(m_guest->heard(), QStringList{u"windowOpened"_s});
 }
 
 void CounterFollowTest::windowClosedWithinAHandler()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
     QStringList meanwhile;
     bool wasOpen = true;
     Interruption close(1, [&] {
-        till.click("Command1_3");
-        till.boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::Yes);
-        till.window().close();
-        meanwhile = guest.heard();
+        m_till->click("Command1_3");
+        m_till->boxes.expect(u"Close Inventory?"_s, box::Ask, Answer::Yes);
+        m_till->window().close();
+        meanwhile = m_guest->heard();
         wasOpen = harrowby::Counter::instance().isOpen();
     });
-    close.watchButton(*till.find("Command1_1"));
-    till.click("Command24");
+    close.watchButton(*m_till->find("Command1_1"));
+    m_till->click("Command24");
     QVERIFY(close.isDone());
     QVERIFY(!wasOpen);
     QCOMPARE(meanwhile, QStringList());
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"windowClosed"_s}));
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"windowClosed"_s}));
 }
 
 void CounterFollowTest::destroyedWindow()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
-    delete &till.window();
+    delete &m_till->window();
     QVERIFY(!harrowby::Counter::instance().isOpen());
-    QCOMPARE(guest.heard(), QStringList{u"windowClosed"_s});
+    QCOMPARE(m_guest->heard(), QStringList{u"windowClosed"_s});
 }
 
 void CounterFollowTest::slotThatThrows()
 {
-    test::Counter till;
-    openForGuests(till);
-    Guest guest;
-    static_cast<void>(guest.heard());
     QObject context;
     connect(&harrowby::Counter::instance(), &harrowby::Counter::cartChanged, &context,
             [] { throw std::runtime_error("the host's"); });
-    till.click("Command1_3");
-    static_cast<void>(guest.heard());
-    till.boxes.expect(u"Log out User[ANN]?"_s, box::AskDefaultNo, Answer::Yes);
-    till.boxes.expect(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel, Answer::No);
-    till.click("Command27");
-    QCOMPARE(guest.heard(), (QStringList{u"cartChanged"_s, u"loggedOut ANN"_s}));
+    m_till->click("Command1_3");
+    static_cast<void>(m_guest->heard());
+    m_till->boxes.expect(u"Log out User[ANN]?"_s, box::AskDefaultNo, Answer::Yes);
+    m_till->boxes.expect(u"Cart is not empty, Purchase Cart?"_s, box::AskOrCancel, Answer::No);
+    m_till->click("Command27");
+    QCOMPARE(m_guest->heard(), (QStringList{u"cartChanged"_s, u"loggedOut ANN"_s}));
 }
 
 void CounterFollowTest::slotThatSells()
 {
-    test::Counter till;
-    till.file.addUser(u"ANN"_s, u"PW"_s);
-    till.file.addItem(u"A1"_s, u"TEA"_s, 2.5, 10);
-    till.open();
-    Guest guest;
-    connect(&harrowby::Counter::instance(), &harrowby::Counter::loggedIn, &guest,
+    m_till.reset();
+    m_till = std::make_unique<test::Counter>();
+    m_till->file.addUser(u"ANN"_s, u"PW"_s);
+    m_till->file.addItem(u"A1"_s, u"TEA"_s, 2.5, 10);
+    m_till->open();
+    connect(&harrowby::Counter::instance(), &harrowby::Counter::loggedIn, m_guest.get(),
             [] { QCOMPARE(harrowby::Counter::instance().sell(u"A1"_s), CounterAnswer::Done); });
-    till.logIn(u"ANN"_s, u"PW"_s);
-    QCOMPARE(guest.heard(), (QStringList{u"loggedIn ANN"_s, u"cartChanged"_s}));
-    QCOMPARE(till.cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+    static_cast<void>(m_guest->heard());
+    m_till->logIn(u"ANN"_s, u"PW"_s);
+    QCOMPARE(m_guest->heard(), (QStringList{u"loggedIn ANN"_s, u"cartChanged"_s}));
+    QCOMPARE(m_till->cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
 }
 
 void CounterFollowTest::whatIsOnTheCounter()
 {
     harrowby::Counter &counter = harrowby::Counter::instance();
+    m_till.reset();
     QVERIFY(!counter.isOpen() && !counter.isBusy() && counter.cart().empty());
-    test::Counter till;
-    openForGuests(till);
+    m_till = std::make_unique<test::Counter>();
+    openForGuests(*m_till);
     QVERIFY(counter.isOpen());
     QCOMPARE(counter.total(), 0.0F);
-    till.click("Command1_2");
-    till.click("Command1_0");
+    m_till->click("Command1_2");
+    m_till->click("Command1_0");
     QCOMPARE(lineTexts(counter.cart()), (QStringList{u"S1|SAFE|1|1250|"_s, u"a2|GREEN TEA|1|3|"_s}));
     QCOMPARE(counter.total(), 1253.0F);
-    till.boxes.expectInput(u"Enter new price for item [S1  |  SAFE]?"_s, {}, u"1,250.00"_s, u"1000"_s);
-    Q_EMIT till.find<RowList>("LV3")->selectRow(0);
-    Q_EMIT till.find<RowList>("LV3")->rowOpened(0);
-    QCOMPARE(till.text("Label5"), u"Total: 1,253.00"_s); // stale
+    m_till->boxes.expectInput(u"Enter new price for item [S1  |  SAFE]?"_s, {}, u"1,250.00"_s, u"1000"_s);
+    Q_EMIT m_till->find<RowList>("LV3")->selectRow(0);
+    Q_EMIT m_till->find<RowList>("LV3")->rowOpened(0);
+    QCOMPARE(m_till->text("Label5"), u"Total: 1,253.00"_s); // stale
     QCOMPARE(counter.total(), 1003.0F);
     bool busy = false;
-    till.boxes.expect(u"Clear Cart?"_s, box::Ask, Answer::No, [&] { busy = counter.isBusy(); });
-    till.click("Command13");
+    m_till->boxes.expect(u"Clear Cart?"_s, box::Ask, Answer::No, [&] { busy = counter.isBusy(); });
+    m_till->click("Command13");
     QVERIFY(busy);
     QVERIFY(!counter.isBusy());
 }

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "app/hold/cart_holder.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_open.h"
+#include "app/till/till.h"
 
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/support/forked_process.h"
 #include "tests/support/till.h"
+#include "tests/ui/reporting_records.h"
 
 #include <QApplication>
 #include <QDir>
@@ -31,10 +34,51 @@ constexpr qint64 longestDelayUs = 4000;
 /// Kills after which a new shop is made, so that comparing all of its rows stays quick.
 constexpr int killsOfAShop = 60;
 
+/// The store program's own beside the window.
+struct Beside
+{
+    explicit Beside(sqlite3 *database) : records(database) {}
+
+    ReportingRecords records;
+    app::Till program{harrowby::Counter::instance(),
+                      records,
+                      {[](const QString &, const QString &, const QString &defaultValue) { return defaultValue; }, {}},
+                      [] {}};
+    app::HeldCarts carts{records};
+    app::CartHolder holder{harrowby::Counter::instance(), carts};
+};
+
+/// Puts two items into the cart.
+void scan(QRandomGenerator &random)
+{
+    for (int codes = 0; codes < 2; ++codes)
+        Q_EMIT harrowby::Counter::instance().codeRead(u"CODE%1"_s.arg(random.bounded(9)));
+}
+
+void sellByCode(Till &till, Beside &, QRandomGenerator &random)
+{
+    scan(random);
+    till.purchase();
+}
+
+/// Some carts are held at each moment.
+void holdAndRecall(Till &till, Beside &beside, QRandomGenerator &random)
+{
+    constexpr qsizetype mostHeld = 3;
+    scan(random);
+    (void)beside.holder.hold(QString::number(random.bounded(1'000'000)));
+    const auto held = beside.carts.list();
+    std::vector<CounterMisfit> misfits;
+    if (!held || held->size() <= mostHeld ||
+        beside.holder.recall(held->constFirst().id, misfits) != app::HeldCarts::Taken::Done)
+        return;
+    till.purchase();
+}
+
 /// What a till does again and again.
 struct Work
 {
-    void (*work)(Till &till, QRandomGenerator &random);
+    void (*work)(Till &till, Beside &beside, QRandomGenerator &random);
     const char *wholeOnce; ///< beginning of the statement that ends one round
     int kills;
 };
@@ -42,34 +86,37 @@ struct Work
 const QMap<QString, Work> &works()
 {
     static const QMap<QString, Work> all{
-        {u"sell"_s, {[](Till &till, QRandomGenerator &random) { till.sell(random); }, "INSERT INTO PurchaseCart", 60}},
+        {u"sell"_s,
+         {[](Till &till, Beside &, QRandomGenerator &random) { till.sell(random); }, "INSERT INTO PurchaseCart", 60}},
         {u"undo"_s,
-         {[](Till &till, QRandomGenerator &random) {
+         {[](Till &till, Beside &, QRandomGenerator &random) {
               till.sell(random);
               till.undo();
           },
           "Delete from PurchaseCart", 30}},
         {u"save"_s,
-         {[](Till &till, QRandomGenerator &random) {
+         {[](Till &till, Beside &, QRandomGenerator &random) {
               const QString id = u"N%1"_s.arg(random.bounded(1'000'000));
               till.saveItem(id, u"NEW"_s, random.bounded(1000));
               till.saveItem(id, u"CHANGED"_s, random.bounded(1000));
           },
           "UPDATE StockList SET StockID", 30}},
         {u"reorder"_s,
-         {[](Till &till, QRandomGenerator &random) {
+         {[](Till &till, Beside &, QRandomGenerator &random) {
               till.reorder(u"A%1  |  NAME"_s.arg(random.bounded(9)), random.bounded(1, 100));
               till.undoReorder();
           },
           "UPDATE StockList SET StockAvailable", 20}},
         {u"delete a category"_s,
-         {[](Till &till, QRandomGenerator &random) {
+         {[](Till &till, Beside &, QRandomGenerator &random) {
               const QString name = u"C%1"_s.arg(random.bounded(1'000'000));
               till.addCategory(name);
               till.saveItem(u"A%1"_s.arg(random.bounded(9)), name, 1000);
               till.deleteCategory();
           },
           "Update StockList Set StockCategory = 'OTHER CATEGORY'", 30}},
+        {u"sell by code"_s, {sellByCode, "INSERT INTO PurchaseCart", 15}},
+        {u"hold and recall"_s, {holdAndRecall, "delete from HarrowbyHeld where HeldID", 25}},
     };
     return all;
 }
@@ -82,14 +129,15 @@ int runTill(const QString &path, quint32 seed, const Work &work)
     if (!database)
         return 2;
     const app::StoreGuard store(*std::move(database), path, wait);
+    Beside beside(store.database());
     Till till(store.database());
-    till.reportStatements();
+    till.reportStatements([&records = beside.records](const QString &done) { return records.takesPart(done); });
     till.logIn(u"JACK"_s, u"PASS"_s);
     if (!till.state().login.IsLoggedIn)
         return 1;
     QRandomGenerator random(seed);
     for (;;)
-        work.work(till, random);
+        work.work(till, beside, random);
 }
 
 quint32 seed()
@@ -140,6 +188,7 @@ void KillTest::initTestCase()
 {
     // Before forking, one window is opened but not painted: Qt's painting starts threads, which a fork would not have.
     // The only other thread is Qt Test's watchdog.
+    (void)harrowby::Counter::instance();
     const ShopFile shop;
     const Till till(shop.path());
     QVERIFY(QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() <= 2);
@@ -160,6 +209,9 @@ void KillTest::makeShop()
     shop.addUser(u"JACK"_s, u"PASS"_s, {u"Sales"_s, u"Undo"_s, u"Settings"_s, u"Reorder"_s});
     for (int i = 0; i < 9; ++i)
         shop.addItem(u"A%1"_s.arg(i), u"NAME OF A%1"_s.arg(i), 1.25, 100000);
+    shop.sql(app::kept::code().making.join(u';'));
+    for (int i = 0; i < 9; ++i)
+        shop.sql(u"INSERT INTO HarrowbyCode VALUES ('CODE%1', 'A%1', %1 + 1)"_s.arg(i));
     m_folder = std::make_unique<QTemporaryDir>();
     m_expected = std::make_unique<test::Database>(u":memory:"_s);
     QVERIFY(m_expected->copy(test::Database(shop.path())));

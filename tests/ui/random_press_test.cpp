@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
+#include "tests/ui/random_host.h"
 #include "tests/ui/random_user.h"
 
 #include "ui/widgets/row_list.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -21,6 +23,8 @@ constexpr quint32 seeds = 12;
 constexpr int actionsOfEach = 450;
 /// In a long run only every n-th day is painted, as painting takes half of the time and shows nothing new.
 constexpr quint32 paintedDay = 8;
+/// Every n-th day nobody but the window stands at the counter.
+constexpr quint32 bareDay = 4;
 
 /// A number of the environment, where there is one.
 int given(const char *variable, int otherwise)
@@ -45,9 +49,9 @@ private Q_SLOTS:
 
 private:
     static void fillShop(const ShopFile &shop);
-    static void open(Counter &counter, bool painted);
-    static void reopen(Counter &counter, bool painted);
-    void check(Counter &counter, RandomUser &user, bool painted);
+    static void open(test::Counter &counter, bool painted);
+    static void reopen(test::Counter &counter, bool painted);
+    void check(test::Counter &counter, RandomUser &user, bool painted);
 
     bool m_hadNameless = false; ///< the shop of the day, an item without ID and name
     int m_days = 0;
@@ -56,6 +60,7 @@ private:
     int m_boxes = 0;
     int m_nested = 0;
     int m_windows = 0; ///< the host's
+    RandomHost::Figures m_figures;
 };
 
 void RandomPressTest::anything_data()
@@ -83,13 +88,13 @@ void RandomPressTest::fillShop(const ShopFile &shop)
         shop.sql(u"INSERT INTO InventoryCategory VALUES (%1, '')"_s.arg(quoted(QString::fromLatin1(category))));
 }
 
-void RandomPressTest::open(Counter &counter, bool painted)
+void RandomPressTest::open(test::Counter &counter, bool painted)
 {
     counter.open();
     counter.window().setUpdatesEnabled(painted);
 }
 
-void RandomPressTest::reopen(Counter &counter, bool painted)
+void RandomPressTest::reopen(test::Counter &counter, bool painted)
 {
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -97,7 +102,7 @@ void RandomPressTest::reopen(Counter &counter, bool painted)
         open(counter, painted);
 }
 
-void RandomPressTest::check(Counter &counter, RandomUser &user, bool painted)
+void RandomPressTest::check(test::Counter &counter, RandomUser &user, bool painted)
 {
     user.calmDown();
     reopen(counter, painted);
@@ -130,16 +135,19 @@ void RandomPressTest::anything()
     std::printf("HARROWBY_SEED=%u HARROWBY_ACTIONS=%d\n", seed, actions);
     std::fflush(stdout);
     const bool painted = !qEnvironmentVariableIsSet("HARROWBY_DAYS") || seed % paintedDay == 0;
-    Counter counter;
+    test::Counter counter;
     fillShop(counter.file);
     m_hadNameless = false;
+    const auto host = seed % bareDay == 0 ? nullptr : std::make_unique<RandomHost>(counter);
     open(counter, painted);
-    RandomUser user(counter, seed);
+    RandomUser user(counter, host.get(), seed);
     for (int action = 1; action <= actions; ++action) {
         user.act();
         reopen(counter, painted);
         if (action % 25 == 0 || action == actions)
             check(counter, user, painted);
+        if (host)
+            QCOMPARE(host->problems(), QStringList());
         if (QTest::currentTestFailed()) {
             std::printf("failed; replay with HARROWBY_SEED=%u HARROWBY_ACTIONS=%d\n", seed, action);
             return;
@@ -155,16 +163,23 @@ void RandomPressTest::anything()
     m_boxes += user.boxes();
     m_nested += user.nested();
     m_windows += user.windows();
+    if (host)
+        m_figures += host->figures();
 }
 
 void RandomPressTest::cleanupTestCase()
 {
     std::printf("%d days, %d actions, %d boxes, %d actions within another, %d windows of the host\n", m_days, m_actions,
                 m_boxes, m_nested, m_windows);
+    std::printf("%d codes sold, %d refused, %d carts held, %d recalled\n", m_figures.sold, m_figures.refused,
+                m_figures.held, m_figures.recalled);
     QVERIFY(m_boxes * 10 >= m_actions);
     QVERIFY(m_nested * 20 >= m_actions);
-    if (m_days >= static_cast<int>(seeds))
-        QVERIFY(m_windows > m_days);
+    if (m_days < static_cast<int>(seeds))
+        return;
+    QVERIFY(m_windows > m_days);
+    for (const int figure : {m_figures.sold, m_figures.refused, m_figures.held, m_figures.recalled})
+        QVERIFY(figure > m_days);
 }
 
 HARROWBY_TEST(random_press_test, RandomPressTest)

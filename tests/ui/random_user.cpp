@@ -107,10 +107,12 @@ QString randomText(QRandomGenerator &random)
     return text;
 }
 
-RandomUser::RandomUser(Counter &counter, quint32 seed) :
-    m_counter(counter), m_other(counter.file.path()), m_random(seed), m_boxSeeds(seed + 1),
+RandomUser::RandomUser(Counter &counter, RandomHost *host, quint32 seed) :
+    m_counter(counter), m_host(host), m_other(counter.file.path()), m_random(seed), m_boxSeeds(seed + 1),
     m_tells(qEnvironmentVariableIsSet("HARROWBY_TRACE"))
 {
+    if (m_host != nullptr)
+        m_host->watch([this](QRandomGenerator &random) { actLater(random); }, seed + 3);
     m_other.run(u"PRAGMA synchronous = OFF"_s);
     counter.qtBoxes->setObserver([this](QDialog &dialog) { meet(dialog); });
     counter.connection->before = [this](const QString &) { breathe(); };
@@ -139,6 +141,10 @@ const std::vector<RandomUser::Action> &RandomUser::actions()
         {3, "categories", &RandomUser::changeCategories},
         {3, "keypad", &RandomUser::pressKeypad},
         {3, "window", &RandomUser::openForeignWindow},
+        {12, "scan", &RandomUser::scan},
+        {3, "hold", &RandomUser::hold},
+        {4, "recall", &RandomUser::recall},
+        {2, "another till", &RandomUser::useAnotherTill},
         {2, "label", &RandomUser::clickLabel},
         {4, "close", &RandomUser::close},
         {1, "resize", &RandomUser::resize},
@@ -163,6 +169,8 @@ void RandomUser::act()
 
 void RandomUser::choose(QRandomGenerator &random)
 {
+    if (m_host != nullptr)
+        m_host->look(m_nested);
     int total = 0;
     for (const Action &action : actions())
         total += action.weight;
@@ -342,6 +350,30 @@ void RandomUser::interrupt(QRandomGenerator &random)
         choose(random);
 }
 
+void RandomUser::scan(QRandomGenerator &random)
+{
+    if (m_host != nullptr)
+        m_host->scan(random);
+}
+
+void RandomUser::hold(QRandomGenerator &)
+{
+    if (m_host != nullptr)
+        m_host->press(u"holdCart"_s);
+}
+
+void RandomUser::recall(QRandomGenerator &)
+{
+    if (m_host != nullptr)
+        m_host->press(u"recallCart"_s);
+}
+
+void RandomUser::useAnotherTill(QRandomGenerator &random)
+{
+    if (m_host != nullptr)
+        m_host->useAnotherTill(random);
+}
+
 void RandomUser::changeData(QRandomGenerator &random)
 {
     m_other.run(randomChange(random)); // may be refused by a lock
@@ -364,6 +396,7 @@ void RandomUser::printReceipts(QRandomGenerator &random)
 void RandomUser::meet(QDialog &dialog)
 {
     ++m_boxes;
+    RandomHost::leave(dialog);
     const quint32 seed = m_boxSeeds.generate();
     if (QRandomGenerator random(seed); chance(random, 10))
         actLater(random);

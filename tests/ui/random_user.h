@@ -4,6 +4,7 @@
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/ui/random_choice.h"
+#include "tests/ui/random_host.h"
 #include "tests/ui/random_windows.h"
 
 #include <QObject>
@@ -27,7 +28,8 @@ class RandomUser : public QObject
     Q_OBJECT
 
 public:
-    RandomUser(Counter &counter, quint32 seed);
+    /// `host` is null where nobody but the window stands at the counter.
+    RandomUser(Counter &counter, RandomHost *host, quint32 seed);
 
     /// One action at an open window.
     void act();
@@ -80,6 +82,12 @@ private:
     void pressKeypad(QRandomGenerator &random);
     void openForeignWindow(QRandomGenerator &random);
 
+    // At the store program's own (random_host.cpp)
+    void scan(QRandomGenerator &random);
+    void hold(QRandomGenerator &random);
+    void recall(QRandomGenerator &random);
+    void useAnotherTill(QRandomGenerator &random);
+
     // By other programs
     void changeData(QRandomGenerator &random);
     void lock(QRandomGenerator &random);
@@ -94,6 +102,7 @@ private:
     Widget *any(QRandomGenerator &random) const;
 
     Counter &m_counter;
+    RandomHost *m_host;
     Database m_other;
     QRandomGenerator m_random;
     QRandomGenerator m_boxSeeds;
