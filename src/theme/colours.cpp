@@ -11,14 +11,6 @@ namespace harrowby {
 
 namespace {
 
-/// Of a text that readable() is asked for, on the grounds it is given; what is muted and the links of a dark window get
-/// half a step more. The fixed colours below hold it too, but for the stock signs of a light window.
-constexpr double textContrast = 4.5;
-/// Of the window's usual text, and of prices and totals, which are read from further away.
-constexpr double figureContrast = 7.0;
-/// Of the edges of entries, check boxes and buttons.
-constexpr double edgeContrast = 3.1;
-
 constexpr QRgb darkDanger = 0xffff8076; ///< red, on dark grounds
 
 double linear(double channel)
@@ -78,14 +70,14 @@ void setGrounds(Colours &colours, const QPalette &palette)
 void setTexts(Colours &colours, const QPalette &palette)
 {
     const auto grounds = {colours.card, colours.tile, colours.field, colours.background};
-    colours.text = readable(palette.color(QPalette::Active, QPalette::WindowText), grounds, figureContrast);
-    colours.muted = readable(mixed(colours.text, colours.card, 0.30), grounds, textContrast + 0.5);
+    colours.text = readable(palette.color(QPalette::Active, QPalette::WindowText), grounds, contrast::figure);
+    colours.muted = readable(mixed(colours.text, colours.card, 0.30), grounds, contrast::muted);
     colours.border = mixed(colours.card, colours.text, 0.16);
-    colours.fieldBorder = readable(mixed(colours.card, colours.text, 0.45), grounds, edgeContrast);
+    colours.fieldBorder = readable(mixed(colours.card, colours.text, 0.45), grounds, contrast::edge);
     colours.price = readable(colours.dark ? colours.accent : mixed(colours.accent, Qt::black, 0.15),
                              {colours.card, colours.tile, colours.field, mixed(colours.card, colours.accent, 0.16)},
-                             figureContrast);
-    colours.link = colours.dark ? readable(QColor(darkLink), grounds, textContrast + 0.5) : QColor(lightLink);
+                             contrast::figure);
+    colours.link = colours.dark ? readable(QColor(darkLink), grounds, contrast::muted) : QColor(lightLink);
 }
 
 void setAccents(Colours &colours)
@@ -93,7 +85,7 @@ void setAccents(Colours &colours)
     colours.onAccent = QColor(colours.dark ? onDarkAccent : onLightAccent);
     colours.accentHover = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.12);
     colours.accentPressed = mixed(colours.accent, colours.dark ? Qt::white : Qt::black, 0.25);
-    colours.accentText = readable(colours.accent, {colours.card, colours.tile, colours.background}, textContrast);
+    colours.accentText = readable(colours.accent, {colours.card, colours.tile, colours.background}, contrast::text);
     colours.selection = mixed(colours.card, colours.accent, 0.16);
     colours.chosenRow = mixed(colours.field, colours.accent, 0.25);
     colours.stripe = colours.dark ? colours.card : colours.tile;
@@ -103,9 +95,8 @@ void setAccents(Colours &colours)
 
 void setStockSigns(Colours &colours)
 {
-    // Intended: in a light window these are the plain red, black and white that the shop knows, whatever their
-    // contrast; a sign in the row says the same as the red.
-    colours.lowRow = colours.dark ? readable(QColor(darkDanger), {colours.field, colours.selection}, textContrast)
+    // In a light window the plain red, black and white: see contrast.
+    colours.lowRow = colours.dark ? readable(QColor(darkDanger), {colours.field, colours.selection}, contrast::text)
                                   : QColor(255, 0, 0);
     colours.enoughRow = colours.dark ? colours.text : QColor(0, 0, 0);
     colours.lowLevel = colours.dark ? QColor(255, 110, 98) : QColor(255, 0, 0);

@@ -15,8 +15,21 @@ constexpr QRgb onDarkAccent = 0xff041e19;
 constexpr QRgb lightLink = 0xff0000ff;
 constexpr QRgb darkLink = 0xff8cb4ff;
 
+/// The least contrast (contrastRatio()) of what is read, on each ground that it stands on, whatever the palette. Texts
+/// and edges are moved towards black or white until they have it.
+///
+/// Intended: the reds of low stock in a light window have less, as they are the plain ones that the shop knows: 4.0 in
+/// a row of the list, 3.1 in the chosen one. A sign says the same as the red.
+namespace contrast {
+inline constexpr double text = 4.5;
+inline constexpr double muted = 5.0;  ///< captions, what is switched off, and the links of a dark window
+inline constexpr double figure = 7.0; ///< the window's usual text; prices and totals, which are read from further away
+inline constexpr double edge = 3.1;   ///< of entries, check boxes and buttons
+} // namespace contrast
+
 /// What each colour is for. All of them follow the application's palette; the style texts and every widget that paints
-/// itself take their colours from here. Texts and edges are moved towards black or white until they can be read.
+/// itself take their colours from here. Which text stands on which ground is said by the style sheets (common.qss,
+/// till.qss, dialogs.qss) and by widgets that paint themselves.
 struct Colours
 {
     bool dark;
@@ -25,10 +38,10 @@ struct Colours
     QColor card;       ///< panels of the till
     QColor tile;       ///< areas set off inside a panel
     QColor field;      ///< entries and lists
-    QColor text;
-    QColor muted; ///< captions and what is switched off
+    QColor text;       ///< contrast::figure
+    QColor muted;      ///< captions and what is switched off; contrast::muted
     QColor border;
-    QColor fieldBorder; ///< edges of entries, check boxes and buttons
+    QColor fieldBorder; ///< edges of entries, check boxes and buttons; contrast::edge
 
     QColor accent;
     QColor accentHover;
@@ -39,7 +52,7 @@ struct Colours
     QColor chosenRow;  ///< the same of dialogs: stronger, as every other row of a table there is tinted
     QColor stripe;     ///< that tint
 
-    QColor price;    ///< prices and totals, at least 7:1
+    QColor price;    ///< prices and totals; contrast::figure
     QColor danger;   ///< out of stock
     QColor onDanger; ///< text on it
     QColor link;     ///< lightLink or darkLink

@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QFrame>
+#include <QHash>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 
@@ -35,6 +37,54 @@ namespace {
 
 constexpr int touch = 44;
 
+/// What shows a text in the colour that the style sheet gives it. A level and a quick-sale button paint theirs
+/// themselves.
+bool showsText(const QWidget &widget)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(&widget))
+        return !label->text().isEmpty() && qobject_cast<const LevelLabel *>(label) == nullptr;
+    if (const auto *button = qobject_cast<const QAbstractButton *>(&widget))
+        return !button->text().isEmpty() && qobject_cast<const QuickSaleButton *>(button) == nullptr;
+    return widget.inherits("QLineEdit") || widget.inherits("QPlainTextEdit") || widget.inherits("QAbstractItemView");
+}
+
+QColor textColourOf(const QWidget &widget)
+{
+    const bool isLabel = widget.inherits("QLabel");
+    return widget.palette().color(isLabel ? widget.foregroundRole() : QPalette::Text);
+}
+
+/// The colour that most of a place has.
+QColor groundAt(const QImage &window, const QRect &place)
+{
+    constexpr int step = 3;
+    QHash<QRgb, int> counts;
+    for (int y = place.top(); y <= place.bottom(); y += step) {
+        for (int x = place.left(); x <= place.right(); x += step)
+            ++counts[window.pixel(x, y)];
+    }
+    const auto most = std::max_element(counts.cbegin(), counts.cend());
+    return most == counts.cend() ? QColor() : QColor(most.key());
+}
+
+/// What cannot be read: names, colours and ratios.
+QStringList unreadableTexts(BusyWindow &window)
+{
+    const QImage image = window.grab().toImage();
+    QStringList unreadable;
+    for (const QWidget *widget : window.findChildren<QWidget *>()) {
+        const QRect place = QRect(widget->mapTo(&window, QPoint()), widget->size()) & image.rect();
+        const QWidget *shown = widget->isVisible() ? window.childAt(place.center()) : nullptr;
+        if (!showsText(*widget) || (shown != widget && (shown == nullptr || !widget->isAncestorOf(shown))))
+            continue;
+        const QColor text = textColourOf(*widget);
+        const QColor ground = groundAt(image, place);
+        if (const double ratio = contrastRatio(text, ground); ratio < contrast::text)
+            unreadable << u"%1: %2 on %3, %4"_s.arg(widget->objectName(), text.name(), ground.name()).arg(ratio);
+    }
+    return unreadable;
+}
+
 } // namespace
 
 /// Colours, sizes and signs, in a light and a dark palette.
@@ -47,6 +97,8 @@ private Q_SLOTS:
     void cleanupTestCase() { m_window.reset(); }
     void contrasts_data();
     void contrasts();
+    void everyTextCanBeRead_data();
+    void everyTextCanBeRead();
     void keepsTheFixedColours();
     void followsThePalette();
     void totalIsTheLargestText();
@@ -92,25 +144,56 @@ void DressTest::contrasts()
     QFETCH(QPalette, palette);
     const Colours c = Colours::from(palette);
     for (const QColor &ground : {c.background, c.card, c.tile, c.field}) {
-        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
-        QVERIFY(contrastRatio(c.muted, ground) >= 4.5);
-        QVERIFY(contrastRatio(c.link, ground) >= 4.5);
+        QVERIFY(contrastRatio(c.text, ground) >= contrast::figure);
+        QVERIFY(contrastRatio(c.muted, ground) >= contrast::muted);
+        QVERIFY(contrastRatio(c.link, ground) >= (c.dark ? contrast::muted : contrast::text));
+        QVERIFY(contrastRatio(c.fieldBorder, ground) >= contrast::edge);
     }
     for (const QColor &ground : {c.card, c.tile, c.selection}) {
-        QVERIFY(contrastRatio(c.price, ground) >= 7.0);
-        QVERIFY(contrastRatio(c.text, ground) >= 7.0);
+        QVERIFY(contrastRatio(c.price, ground) >= contrast::figure);
+        QVERIFY(contrastRatio(c.text, ground) >= contrast::figure);
     }
-    QVERIFY(contrastRatio(c.accentText, c.background) >= 4.5);
+    for (const QColor &ground : {c.chosenRow, c.stripe})
+        QVERIFY(contrastRatio(c.text, ground) >= contrast::figure);
+    QVERIFY(contrastRatio(c.accentText, c.background) >= contrast::text);
     for (const QColor &ground : {c.accent, c.accentHover, c.accentPressed})
-        QVERIFY(contrastRatio(c.onAccent, ground) >= 4.5);
-    QVERIFY(contrastRatio(c.onDanger, c.danger) >= 4.5);
-    QVERIFY(contrastRatio(c.onLevel, c.level) >= 4.5);
-    QVERIFY(contrastRatio(c.onLowLevel, c.lowLevel) >= 4.5);
-    QVERIFY(contrastRatio(c.enoughRow, c.field) >= 4.5);
-    if (c.dark)
-        QVERIFY(contrastRatio(c.lowRow, c.field) >= 4.5);
-    QVERIFY(contrastRatio(c.fieldBorder, c.card) >= 3.0);
-    QVERIFY(contrastRatio(c.accent, c.card) >= 3.0);
+        QVERIFY(contrastRatio(c.onAccent, ground) >= contrast::text);
+    QVERIFY(contrastRatio(c.onDanger, c.danger) >= contrast::text);
+    QVERIFY(contrastRatio(c.onLevel, c.level) >= contrast::text);
+    QVERIFY(contrastRatio(c.onLowLevel, c.lowLevel) >= contrast::text);
+    for (const QColor &ground : {c.field, c.selection}) {
+        QVERIFY(contrastRatio(c.enoughRow, ground) >= contrast::text);
+        if (c.dark)
+            QVERIFY(contrastRatio(c.lowRow, ground) >= contrast::text);
+    }
+    QVERIFY(contrastRatio(c.accent, c.card) >= contrast::edge);
+}
+
+void DressTest::everyTextCanBeRead_data()
+{
+    QTest::addColumn<QPalette>("palette");
+    QTest::newRow("light") << lightPalette();
+    QTest::newRow("dark") << darkPalette();
+}
+
+/// In the colours that are painted.
+void DressTest::everyTextCanBeRead()
+{
+    QFETCH(const QPalette, palette);
+    QApplication::setPalette(palette);
+    BusyWindow window;
+    window.resize(1280, 860);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    for (const int area : {1, 2, 3, 4, 5, 6, 7, 8}) {
+        window.showWorkArea(area);
+        for (const bool enabled : {true, false}) {
+            window.centralWidget()->setEnabled(enabled);
+            const QStringList unreadable = unreadableTexts(window);
+            QVERIFY2(unreadable.isEmpty(), qPrintable(unreadable.join(u'\n')));
+        }
+        window.centralWidget()->setEnabled(true);
+    }
 }
 
 void DressTest::keepsTheFixedColours()
@@ -254,7 +337,7 @@ void DressTest::boxesHaveTheTillsIcons()
         for (int x = 0; x < drawing.width(); ++x)
             own += drawing.pixelColor(x, y) == colour ? 1 : 0;
     QVERIFY2(own > 100, qPrintable(QString::number(own)));
-    QVERIFY(contrastRatio(colour, Colours::current().card) >= 3.0);
+    QVERIFY(contrastRatio(colour, Colours::current().card) >= contrast::edge);
 }
 
 void DressTest::acceleratorsAreUnique()
