@@ -117,8 +117,8 @@ QString UserDialog::problem() const
     }
     if (const auto password = checkPassword(m_password->text()); !password)
         return password.error();
-    if (storedPassword(m_password->text()) != storedPassword(m_again->text()))
-        return u"The two entries differ. Please type the password again."_s;
+    if (const auto repeated = checkRepeated(m_password->text(), m_again->text()); !repeated)
+        return repeated.error();
     return m_save(entered()).value_or(QString());
 }
 

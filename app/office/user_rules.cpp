@@ -1,56 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_rules.h"
 
-#include "app/shop/password_rules.h"
 #include "basic/administrator.h"
 #include "basic/text.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-namespace {
-
-/// As SQLite's UPPER.
-QString upperCaseAscii(QString text)
-{
-    for (QChar &c : text) {
-        if (c >= u'a' && c <= u'z')
-            c = c.toUpper();
-    }
-    return text;
-}
-
-} // namespace
-
 bool isAdministrator(const QString &name)
 {
     return trimmedUpper(name) == administratorName;
-}
-
-Result<void, QString> checkUserName(const QString &name)
-{
-    if (trimmedUpper(name).isEmpty() || name.trimmed().isEmpty())
-        return Unexpected(u"Please enter a user name."_s);
-    if (name.contains(u'\''))
-        return Unexpected(u"A user name cannot hold a single quote (')."_s);
-    if (hasUntypable(name))
-        return Unexpected(u"A user name cannot hold characters that cannot be typed."_s);
-    return {};
-}
-
-QString storedUserName(const QString &name)
-{
-    return trimmedUpper(name);
-}
-
-bool canBeTyped(const QString &stored)
-{
-    const QString compared = upperCaseAscii(stored);
-    return !compared.isEmpty() && !compared.contains(u'\'') && !hasUntypable(compared) &&
-           trimmedUpper(compared) == compared;
 }
 
 const QList<Right> &userRights()

@@ -1,26 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "basic/result.h"
-
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-/// What the till's login makes of a user. It compares the entry, trimmed and in capitals, between single quotes, with
-/// SQLite's UPPER of what is stored, which knows only the letters A to Z.
+/// What a user may do. Which names and passwords the login finds again: app/shop/password_rules.h.
 namespace harrowby::app {
 
 /// The user who may do everything, whatever the row's flags say.
 [[nodiscard]] bool isAdministrator(const QString &name);
-
-/// Whether the name can be taken for a new user, or why not, in words for a person.
-[[nodiscard]] Result<void, QString> checkUserName(const QString &name);
-/// What is stored for it: the entry as the login compares it.
-[[nodiscard]] QString storedUserName(const QString &name);
-
-/// True when there is an entry that the login compares as equal with this stored name or password.
-[[nodiscard]] bool canBeTyped(const QString &stored);
 
 struct Right
 {

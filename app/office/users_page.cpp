@@ -4,6 +4,7 @@
 #include "app/boxes/office_box.h"
 #include "app/office/user_dialog.h"
 #include "app/office/user_rules.h"
+#include "app/shop/password_rules.h"
 #include "theme/dialogs.h"
 
 #include <QCheckBox>

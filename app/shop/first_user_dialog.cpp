@@ -138,8 +138,8 @@ FirstUserDialog::Problem FirstUserDialog::problem() const
 {
     if (const auto password = checkPassword(m_password->text()); !password)
         return {password.error(), m_password};
-    if (storedPassword(m_password->text()) != storedPassword(m_again->text()))
-        return {u"The two entries differ. Please type the password again."_s, m_again};
+    if (const auto repeated = checkRepeated(m_password->text(), m_again->text()); !repeated)
+        return {repeated.error(), m_again};
     const ReceiptProposal chosen = receipt();
     if (const auto title = checkReceiptHead({chosen.title.value_or(QString()), {}, u"N"_s}); !title)
         return {title.error(), m_title};

@@ -23,22 +23,63 @@ bool hasControlCharacter(const QString &text)
     });
 }
 
+/// `what` is "password" or "user name". Other white space than spaces alone is blank too, though the login would take
+/// it.
+Result<void, QString> check(const QString &entry, const QString &what)
+{
+    if (entry.trimmed().isEmpty())
+        return Unexpected(u"Please enter a %1."_s.arg(what));
+    if (entry.contains(u'\''))
+        return Unexpected(u"A %1 cannot hold a single quote (')."_s.arg(what));
+    if (hasUntypable(entry))
+        return Unexpected(u"A %1 cannot hold characters that cannot be typed."_s.arg(what));
+    return {};
+}
+
+/// As SQLite's UPPER.
+QString upperCaseAscii(QString text)
+{
+    for (QChar &c : text) {
+        if (c >= u'a' && c <= u'z')
+            c = c.toUpper();
+    }
+    return text;
+}
+
 } // namespace
 
 Result<void, QString> checkPassword(const QString &password)
 {
-    if (password.trimmed().isEmpty())
-        return Unexpected(u"Please enter a password."_s);
-    if (password.contains(u'\''))
-        return Unexpected(u"A password cannot hold a single quote (')."_s);
-    if (hasUntypable(password))
-        return Unexpected(u"A password cannot hold characters that cannot be typed."_s);
+    return check(password, u"password"_s);
+}
+
+Result<void, QString> checkRepeated(const QString &password, const QString &again)
+{
+    if (storedPassword(password) != storedPassword(again))
+        return Unexpected(u"The two entries differ. Please type the password again."_s);
     return {};
+}
+
+Result<void, QString> checkUserName(const QString &name)
+{
+    return check(name, u"user name"_s);
 }
 
 QString storedPassword(const QString &password)
 {
     return trimmedUpper(password);
+}
+
+QString storedUserName(const QString &name)
+{
+    return trimmedUpper(name);
+}
+
+bool canBeTyped(const QString &stored)
+{
+    const QString compared = upperCaseAscii(stored);
+    return !compared.isEmpty() && !compared.contains(u'\'') && !hasUntypable(compared) &&
+           trimmedUpper(compared) == compared;
 }
 
 bool hasUntypable(const QString &text)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_rules.h"
 #include "app/office/users_table.h"
+#include "app/shop/password_rules.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/statement_texts.h"
