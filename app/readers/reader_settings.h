@@ -20,9 +20,11 @@ struct ReaderDevice
         Serial,
     };
 
+    static constexpr int usualBaud = 9600;
+
     Kind kind = Kind::Serial;
     QString path;
-    int baud = 9600; ///< of a serial one; 8 bits, no parity, one stop bit
+    int baud = usualBaud; ///< of a serial one; 8 bits, no parity, one stop bit
 
     bool operator==(const ReaderDevice &) const = default;
 };

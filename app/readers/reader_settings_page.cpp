@@ -24,7 +24,6 @@ namespace harrowby::app {
 namespace {
 
 constexpr int longestPrefix = 8;
-constexpr int usualSpeed = 9600;
 
 template <typename Widget>
 Widget *named(Widget *widget, const QString &objectName, const QString &accessibleName)
@@ -99,7 +98,7 @@ void ReaderSettingsPage::createDeviceEntries(const QStringList &found)
     m_speed = named(new QComboBox(this), u"readerSpeed"_s, u"Speed of a serial reader"_s);
     for (const int speed : readerSpeeds())
         m_speed->addItem(u"%1 baud"_s.arg(speed), speed);
-    m_speed->setCurrentIndex(m_speed->findData(usualSpeed));
+    m_speed->setCurrentIndex(m_speed->findData(ReaderDevice::usualBaud));
     m_add = makeButton(u"addReader"_s, u"&Add"_s, &ReaderSettingsPage::addDevice);
     m_remove = makeButton(u"removeReader"_s, u"Re&move"_s, &ReaderSettingsPage::removeDevice);
     connect(m_path, &QComboBox::editTextChanged, this, &ReaderSettingsPage::showWhatCounts);

@@ -121,7 +121,10 @@ Statement moveStock(const QString &newCategory, const QString &oldCategory)
 
 Statement moveStockToOther(const QString &category)
 {
-    return Statement("Update StockList Set StockCategory = 'OTHER CATEGORY' where StockCategory = ").text(category);
+    return Statement("Update StockList Set StockCategory = ")
+        .text(otherCategory)
+        .fixed(" where StockCategory = ")
+        .text(category);
 }
 
 Statement stockById(const QString &id)
