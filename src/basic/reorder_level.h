@@ -7,7 +7,9 @@
 /// sold or not; the dashboard and the reorder list leave out what is not.
 namespace harrowby {
 
-/// Whether the item is at or below its level. A missing figure is neither.
+/// Whether the item is at or below its level. A missing figure is neither. Of a figure that is stored as text the
+/// number counts that it begins with (valueNumber()), while lowStockSelect leaves such a row to the engine's
+/// comparison.
 [[nodiscard]] bool needsReorder(const DbValue &reorderLevel, const DbValue &available);
 
 /// The items to reorder: what the dashboard counts, and what the reorder list shows. The index

@@ -49,7 +49,8 @@ void Inventory::UndoPurchase(const QString &purchaseId, bool mergeIntoCart, bool
     m_controls.LV3->rows().clear(); // Intended: the cart's lines go without a change of stock
     for (qsizetype i = 0; i < count; ++i) {
         if (const std::optional<RestoredLine> line = restoredLine(elements.value(i))) {
-            // Intended: by the ID alone; the item may have been renamed.
+            // Intended: by the ID alone; the item may have been renamed. Where it is gone, no row changes, its line
+            // comes into the cart at 0.00 (FindCost()), and the purchase goes all the same.
             Execute(connection(), statements::raiseStock(line->quantity, line->stockId));
             FindandUpdateCart(itemKey(line->stockId, line->stockName), line->quantity, mergeIntoCart);
         }

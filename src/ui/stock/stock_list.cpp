@@ -57,7 +57,8 @@ int placeRow(TextTableModel &list, StockRowReader &reader)
     // Looked for by the ID as it is listed: a letter may turn into two in upper case.
     const int listed = list.findRow(row.view(StockColumn::Id));
     const int placed = placeRow(list, std::move(row), listed, false);
-    // Intended: the last row is coloured, also when an earlier one was updated.
+    // Intended: the last row is coloured, also when an earlier one was updated: so the list of a shop always was, and a
+    // list that is filled afresh, where each row is the last one as it comes, has every mark right.
     list.setLow(list.lastRow(), reader.isLow());
     return placed;
 }
@@ -113,6 +114,7 @@ void Inventory::FindandUpdateStock(const ListedStock &stock, const QString &edit
     TextTableModel &list = m_controls.LV->rows();
     PackedRow row = rowOf(stock, list.columnCount());
     const int listed = FindStockRow(row.text(StockColumn::Id)); // by the ID as it is listed, as above
+    // Intended: the red mark stays as it was until the list is filled afresh; only LoadStock() sets it.
     m_controls.LV->selectRow(placeRow(list, std::move(row), listed, !editedId.isEmpty()));
 }
 
