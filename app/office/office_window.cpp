@@ -3,6 +3,7 @@
 
 #include "app/backup/backup_page.h"
 #include "app/boxes/office_box.h"
+#include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
 #include "app/office/receipt_page.h"
 #include "app/office/shop_page.h"
@@ -42,6 +43,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     m_receipt = new ReceiptPage(settings, this);
     m_readers = new ReaderSettingsPage(settings, foundDevices(), this);
     m_backup = new BackupPage(store, settings, this);
+    m_cash = new CashPage(*m_records, settings, this);
     m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
     layOut(new UsersPage(database, this), store);
     dressDialog(*this);
@@ -64,6 +66,8 @@ void OfficeWindow::layOut(QWidget *users, const QString &store)
     pages->addWidget(m_backup);
     tabs->addTab(u"C&odes"_s);
     pages->addWidget(new CodesPage(*m_records, this));
+    tabs->addTab(u"Ca&sh"_s);
+    pages->addWidget(m_cash);
     tabs->addTab(u"S&hop"_s);
     pages->addWidget(m_shop);
     tabs->addTab(u"Read&ers"_s);
@@ -101,6 +105,9 @@ void OfficeWindow::reject()
     if (m_readers->hasChanges() &&
         !askInOffice(this, u"What you have changed about the code readers is not saved. Discard it?"_s,
                      u"&Discard It"_s))
+        return;
+    if (m_cash->hasChanges() &&
+        !askInOffice(this, u"What you have changed about cash is not saved. Discard it?"_s, u"&Discard It"_s))
         return;
     QDialog::reject();
 }

@@ -13,12 +13,13 @@ struct sqlite3;
 namespace harrowby::app {
 
 class BackupPage;
+class CashPage;
 class ReaderSettingsPage;
 class ReceiptPage;
 class Records;
 class ShopPage;
 
-/// The "Store" window: users and rights, the receipt, the backup, the codes of items, what holds for all
+/// The "Store" window: users and rights, the receipt, the backup, the codes of items, cash, what holds for all
 /// tills of the shop, the code readers of this machine.
 class OfficeWindow final : public QDialog
 {
@@ -42,6 +43,7 @@ private:
     ReceiptPage *m_receipt = nullptr;
     ReaderSettingsPage *m_readers = nullptr;
     BackupPage *m_backup = nullptr;
+    CashPage *m_cash = nullptr;
     ShopPage *m_shop = nullptr;
 };
 

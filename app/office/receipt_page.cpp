@@ -62,7 +62,7 @@ void ReceiptPage::createEntries()
 
 QVBoxLayout *ReceiptPage::makeForm()
 {
-    auto *save = new QPushButton(u"&Save"_s, this);
+    auto *save = new QPushButton(u"Sa&ve"_s, this);
     save->setObjectName(u"saveReceipt"_s);
     makePrimary(*save);
     connect(save, &QPushButton::clicked, this, &ReceiptPage::save);

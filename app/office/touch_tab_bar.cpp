@@ -7,7 +7,7 @@ namespace harrowby::app {
 
 QSize TouchTabBar::tabSizeHint(int index) const
 {
-    constexpr QSize smallest(96, 48);
+    constexpr QSize smallest(84, 48);
     return QTabBar::tabSizeHint(index).expandedTo(smallest);
 }
 

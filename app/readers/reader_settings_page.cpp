@@ -59,7 +59,7 @@ ReaderSettingsPage::ReaderSettingsPage(OfficeSettings settings, const QStringLis
     rows->setSpacing(12);
     rows->addLayout(makeTypingForm());
     rows->addLayout(makeDeviceForm(), 1);
-    QPushButton *save = makeButton(u"saveReaders"_s, u"&Save"_s, &ReaderSettingsPage::save);
+    QPushButton *save = makeButton(u"saveReaders"_s, u"Sa&ve"_s, &ReaderSettingsPage::save);
     makePrimary(*save);
     auto *end = new QHBoxLayout;
     end->addWidget(m_outcome, 1);

@@ -15,6 +15,9 @@ Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, s
     m_counter(counter),
     m_records(records), m_payments(counter, records, std::move(cash)),
     m_codes(counter, records, m_banner, std::move(sound)), m_firstSteps(counter, records, m_banner),
+    m_cash(counter, records, m_payments,
+           {[this](const QString &text) { sayOfCart(text, true); },
+            [this](const QString &text) { m_banner.say(BannerTopic::Change, text, BannerTone::Large); }}),
     m_hold(counter, records, [this](const QString &text, bool isRefusal) { sayOfCart(text, isRefusal); })
 {
     m_records.setBeforeWriting([&counter] { counter.finishReading(); });
@@ -53,6 +56,7 @@ void Till::furnish()
     std::unique_ptr<QWidget> view(m_banner.createView());
     if (m_counter.setBanner(view.get()))
         static_cast<void>(view.release()); // the window's own now
+    m_cash.furnish();
     m_hold.furnish();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/banner/banner.h"
+#include "app/cash/cash_desk.h"
 #include "app/cash/payments.h"
 #include "app/hold/hold_desk.h"
 #include "app/readers/code_readers.h"
@@ -46,6 +47,7 @@ private:
     Payments m_payments;
     CodeSeller m_codes;
     FirstSteps m_firstSteps;
+    CashDesk m_cash;
     HoldDesk m_hold;
     bool m_sayingOfCart = false; ///< the change of the cart that was spoken of has not been heard of yet
     std::unique_ptr<CodeReaders> m_readers;

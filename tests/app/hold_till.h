@@ -24,7 +24,7 @@ class HoldTill : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void init();
     void cleanup();
 

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "app/cash/cash_choices.h"
+
+#include "app/cash/payment.h"
+#include "app/records/shop_settings.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr Cents centsOfOne = 100;
+
+const auto waysName = u"PaymentWays"_s;
+const auto notesName = u"CashNotes"_s;
+const auto usualWays = u"Card"_s;
+const auto usualNotes = u"5 10 20 50 100"_s;
+
+bool isIn(const QStringList &ways, const QString &way)
+{
+    return ways.contains(way, Qt::CaseInsensitive) || way.compare(cashWay(), Qt::CaseInsensitive) == 0;
+}
+
+/// Empty when it is none.
+std::optional<Cents> readNote(const QString &text)
+{
+    static const QRegularExpression shape(u"^([0-9]{1,7})(?:\\.([0-9]{1,2}))?$"_s);
+    const auto found = shape.match(text);
+    const Cents cents =
+        found.captured(1).toLongLong() * centsOfOne + found.captured(2).leftJustified(2, u'0').toLongLong();
+    return found.hasMatch() && cents > 0 ? std::optional(cents) : std::nullopt;
+}
+
+} // namespace
+
+Result<QStringList, QString> readWays(const QString &text)
+{
+    QStringList ways;
+    for (const QString &part : text.split(u',')) {
+        const QString way = part.simplified();
+        if (way.isEmpty())
+            continue;
+        if (way.size() > CashChoices::longestWay)
+            return Unexpected(u"\"%1\" is too long: at most %2 characters."_s.arg(way).arg(CashChoices::longestWay));
+        if (isIn(ways, way))
+            return Unexpected(u"\"%1\" is there already."_s.arg(way));
+        if (!std::all_of(way.cbegin(), way.cend(), [](QChar c) { return c.isPrint(); }))
+            return Unexpected(u"\"%1\" holds a sign that cannot be shown."_s.arg(way));
+        ways << way;
+    }
+    if (ways.size() > CashChoices::mostWays)
+        return Unexpected(u"At most %1 ways can be listed."_s.arg(CashChoices::mostWays));
+    return ways;
+}
+
+QString waysText(const QStringList &ways)
+{
+    return ways.join(u", "_s);
+}
+
+Result<QList<Cents>, QString> readNotes(const QString &text)
+{
+    static const QRegularExpression between(u"[\\s,;]+"_s);
+    QList<Cents> notes;
+    for (const QString &part : text.split(between, Qt::SkipEmptyParts)) {
+        const auto note = readNote(part);
+        if (!note)
+            return Unexpected(u"\"%1\" is no note. Write them as 5 10 20 or 0.50."_s.arg(part));
+        if (!notes.contains(*note))
+            notes << *note;
+    }
+    if (notes.size() > CashChoices::mostNotes)
+        return Unexpected(u"At most %1 notes can be listed."_s.arg(CashChoices::mostNotes));
+    std::sort(notes.begin(), notes.end());
+    return notes;
+}
+
+QString notesText(const QList<Cents> &notes)
+{
+    QStringList texts;
+    for (const Cents note : notes)
+        texts << noteText(note);
+    return texts.join(u' ');
+}
+
+QString noteText(Cents cents)
+{
+    const QString whole = QString::number(cents / centsOfOne);
+    return cents % centsOfOne == 0 ? whole : u"%1.%2"_s.arg(whole).arg(cents % centsOfOne, 2, 10, QChar(u'0'));
+}
+
+CashChoices readCashChoices(Records &records)
+{
+    const ShopSettings settings(records);
+    const auto ways = readWays(settings.value(waysName, usualWays));
+    const auto notes = readNotes(settings.value(notesName, usualNotes));
+    return {ways ? *ways : *readWays(usualWays), notes ? *notes : *readNotes(usualNotes)};
+}
+
+std::optional<DbFailure> saveCashChoices(Records &records, const CashChoices &choices)
+{
+    ShopSettings settings(records);
+    if (auto failure = settings.save(waysName, waysText(choices.ways)))
+        return failure;
+    return settings.save(notesName, notesText(choices.notes));
+}
+
+} // namespace harrowby::app

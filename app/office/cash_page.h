@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/cash/cash_choices.h"
+#include "app/shop/office_settings.h"
+
+#include <QWidget>
+
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPushButton;
+class QVBoxLayout;
+
+namespace harrowby::app {
+
+/// The office's page for cash: how customers may pay in this shop, this machine's drawer, and payments that found no
+/// purchase.
+class CashPage final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The records must outlive it.
+    CashPage(Records &records, OfficeSettings settings, QWidget *parent = nullptr);
+
+    [[nodiscard]] bool hasChanges() const;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void createEntries();
+    QLayout *makeShop();
+    QLayout *makeMachine();
+    QLayout *makeOpen();
+    QLayout *makeEnd();
+    QLineEdit *makeEntry(const QString &objectName, const QString &spoken, const QString &text);
+    void save();
+    void countOpen();
+    void showOpen();
+
+    Records &m_records;
+    OfficeSettings m_settings;
+    CashChoices m_saved;
+    QLineEdit *m_ways = nullptr;
+    QLineEdit *m_notes = nullptr;
+    QLineEdit *m_drawer = nullptr;
+    QLabel *m_outcome = nullptr;
+    QLabel *m_openWords = nullptr;
+    QPushButton *m_open = nullptr;
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "tests/app/screen.h"
+#include "tests/app/store_files.h"
+#include "tests/app/wedge.h"
+#include "tests/program/test_program.h"
+
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app::test;
+
+/// What a new cashier is shown first, with real keys and fingers: a cart of ten items of which seven have codes, held
+/// meanwhile for another customer, and paid in cash.
+class TrialTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void tenItemsAndAHeldCustomer();
+
+private:
+    void logIn();
+    void comesTo(const QString &total);
+    void scan(const QStringList &codes, const QString &total);
+    void saysAboveTheTotal(const QString &text);
+
+    QTemporaryDir m_home;
+    QString m_store;
+    std::unique_ptr<Screen> m_screen;
+    std::unique_ptr<Wedge> m_reader;
+    std::unique_ptr<RunningProgram> m_program;
+};
+
+void TrialTest::initTestCase()
+{
+    for (const QString &tool : {u"Xvfb"_s, u"openbox"_s, u"xdotool"_s})
+        QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
+    m_screen = std::make_unique<Screen>();
+    QVERIFY(m_screen->start(u"1024x768"_s));
+    m_reader = std::make_unique<Wedge>(m_screen->display());
+    m_store = m_home.filePath(u"store.sqlite"_s);
+    makeStore(m_store);
+    // Nine items for the buttons; the prices tell which ones a total is of.
+    QStringList items = {u"UPDATE StockList SET StockUse = 0"_s};
+    for (int i = 1; i <= 9; ++i)
+        items << u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
+                 "StockAvailable, StockUse) VALUES ('ITM-000%1', 'ITEM %1', 'TEA', '%1.10', 1, 50, -1)"_s.arg(i);
+    items
+        << u"CREATE TABLE HarrowbyCode (Code text not null primary key, StockID text not null, Units integer not null)"_s;
+    const QStringList codes = {u"4006381333931"_s, u"036000291452"_s, u"96385074"_s, u"5901234123457"_s};
+    for (int i = 0; i < codes.size(); ++i)
+        items << u"INSERT INTO HarrowbyCode VALUES ('%1', 'ITM-000%2', 1)"_s.arg(codes.at(i)).arg(i + 1);
+    runAll(m_store, items);
+    m_program = std::make_unique<RunningProgram>(*m_screen, m_home.path());
+    QVERIFY(m_program->start({u"--database"_s, m_store}));
+}
+
+void TrialTest::logIn()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->focus(), u"Text3"_s, 60000);
+    QVERIFY(m_reader->type(u"administrator\r"_s, 120));
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->focus(), u"Text4"_s, 30000);
+    QVERIFY(m_reader->type(u"secret\r"_s, 5));
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
+}
+
+void TrialTest::comesTo(const QString &total)
+{
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->text(u"Label5"_s), u"Total: "_s + total, 30000);
+}
+
+void TrialTest::scan(const QStringList &codes, const QString &total)
+{
+    for (const QString &code : codes)
+        QVERIFY(m_reader->type(code + u'\r', 5, 100));
+    comesTo(total);
+}
+
+void TrialTest::saysAboveTheTotal(const QString &text)
+{
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->text(u"hostBannerText"_s), text, 30000);
+}
+
+void TrialTest::tenItemsAndAHeldCustomer()
+{
+    logIn();
+    // The first customer: four scans, two fingers; then the purse is in the car.
+    scan({u"4006381333931"_s, u"036000291452"_s, u"96385074"_s, u"4006381333931"_s}, u"7.40"_s);
+    QVERIFY(m_program->press(u"Command1_5"_s)); // 6.10
+    comesTo(u"13.50"_s);
+    QVERIFY(m_program->press(u"Command1_6"_s)); // 7.10
+    comesTo(u"20.60"_s);
+    m_screen->key(u"alt+h"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->focus(), u"heldWord"_s, 30000);
+    m_screen->key(u"Return"_s);
+    saysAboveTheTotal(u"Held as \"1\"."_s);
+
+    // The next one, by finger alone: a scan, a note, the change.
+    scan({u"5901234123457"_s}, u"4.10"_s);
+    QVERIFY(m_program->press(u"payByCash"_s));
+    QVERIFY(m_program->press(u"cashNote_0"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->text(u"cashChange"_s), u"Change: 0.90"_s, 30000);
+    QVERIFY(m_program->press(u"payCash"_s));
+    QVERIFY(m_program->press(u"Yes"_s));
+    saysAboveTheTotal(u"Change: 0.90"_s);
+
+    // The first one again: three scans, a finger, and cash that is keyed in.
+    m_screen->key(u"alt+e"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->focus(), u"list"_s, 30000);
+    m_screen->key(u"Return"_s);
+    comesTo(u"20.60"_s);
+    scan({u"5901234123457"_s, u"96385074"_s, u"036000291452"_s}, u"29.90"_s);
+    QVERIFY(m_program->press(u"Command1_8"_s)); // 9.10
+    comesTo(u"39.00"_s);
+    m_screen->key(u"F11"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->focus(), u"cashGiven"_s, 30000);
+    m_screen->type(u"5000"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->text(u"cashChange"_s), u"Change: 11.00"_s, 30000);
+    m_screen->key(u"Return"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_program->box().endsWith(u"Purchased Cart?"_s), 30000);
+    m_screen->key(u"y"_s);
+    saysAboveTheTotal(u"Change: 11.00"_s);
+    comesTo(u"0.00"_s);
+
+    QCOMPARE(
+        column(m_store, u"SELECT PurchasedItemsTotal || ' ' || PurchasedItemsCost FROM PurchaseCart ORDER BY rowid"_s),
+        (QStringList{u"1 4.1"_s, u"7 39.0"_s}));
+    QCOMPARE(column(m_store, u"SELECT Way || ' ' || Amount || ' ' || Given || ' ' || State FROM HarrowbyPayment "
+                             "ORDER BY TakenAt"_s),
+             (QStringList{u"Cash 410 500 PAID"_s, u"Cash 3900 5000 PAID"_s}));
+    QCOMPARE(column(m_store, u"SELECT count(*) FROM HarrowbyHeld"_s), QStringList{u"0"_s});
+}
+
+HARROWBY_CORE_TEST(app_trial_test, TrialTest)
+#include "trial_test.moc"
