@@ -134,6 +134,8 @@ bool PaymentTable::record(const Payment &payment)
 {
     const auto kept = m_records.together(kept::payment(), [&] {
         const auto own = withId(payment.id);
+        if (!own)
+            m_records.tellNotTried(kept::payment(), own.error());
         if (!own || !makeRoom(payment))
             return false;
         return *own ? assign(payment.id, payment.purchaseId, PaymentOrigin::Till) : insert(payment);
@@ -186,8 +188,10 @@ bool PaymentTable::assign(const QString &id, const QString &purchaseId, PaymentO
 bool PaymentTable::makeRoom(const Payment &payment)
 {
     const auto paid = ofPurchase(payment.purchaseId);
-    if (!paid)
+    if (!paid) {
+        m_records.tellNotTried(kept::payment(), paid.error());
         return false;
+    }
     QList<Payment> others = *paid;
     others.removeIf([&](const Payment &one) { return one.id == payment.id; });
     const auto guess = std::find_if(others.cbegin(), others.cend(), [&](const Payment &one) {
@@ -197,9 +201,11 @@ bool PaymentTable::makeRoom(const Payment &payment)
         return true;
     const auto purchases =
         m_records.read({u"select count(*) from PurchaseCart where PurchaseID = ?"_s, {payment.purchaseId}});
-    if (!purchases || purchases->isEmpty())
+    if (!purchases) {
+        m_records.tellNotTried(kept::payment(), purchases.error());
         return false;
-    if (others.size() < recordNumber(purchases->constFirst().constFirst()))
+    }
+    if (others.size() < recordNumber(purchases->value(0).value(0)))
         return true;
     if (guess->origin == PaymentOrigin::Counted)
         return change(u"delete from HarrowbyPayment where PaymentID = ?"_s, {guess->id});

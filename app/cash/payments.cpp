@@ -45,7 +45,7 @@ Payments::Payments(Counter &counter, Records &records, CashStation station, QObj
     if (m_counter.isOpen())
         settleSoon();
     if (m_counter.user())
-        noteRun();
+        QMetaObject::invokeMethod(this, &Payments::noteRun, Qt::QueuedConnection);
 }
 
 Payments::~Payments()
@@ -55,10 +55,9 @@ Payments::~Payments()
         m_run.end(m_station.now());
 }
 
-/// Once the window has been painted: no start waits for it.
 void Payments::settleSoon()
 {
-    QTimer::singleShot(0, this, [this] {
+    QTimer::singleShot(m_station.restMs, this, [this] {
         Settlement(m_records, m_station.locks.get(), {m_run.number(), m_station.drawer}).settle(m_station.now());
     });
 }

@@ -25,6 +25,8 @@ struct CashStation
     /// Of the store's runs; without, this run settles nothing of others.
     std::shared_ptr<RunLocks> locks;
     std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); };
+    /// After a window has opened, until dead runs are settled: it is painted first.
+    int restMs = 200;
 };
 
 /// How the purchases of this till were paid: follows the counter, so that each gets its payment.

@@ -127,6 +127,14 @@ std::optional<DbFailure> Records::make(const RecordTable &table, const QString &
     return {};
 }
 
+void Records::tellNotTried(const RecordTable &table, const DbFailure &reading) const
+{
+    DbFailure failure = reading;
+    failure.kind = Kind::Write;
+    failure.statement = u"UPDATE "_s + table.name;
+    (void)told(std::move(failure));
+}
+
 DbFailure Records::told(DbFailure failure) const
 {
     qCWarning(lcStore).noquote() << "Failed:" << failure.statement << '-' << failure.reason;

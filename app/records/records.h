@@ -65,6 +65,9 @@ public:
     /// Called with each failure as it happens; must not throw, enter an event loop or use these records.
     void setFailureHandler(FailureHandler handler) { m_failureHandler = std::move(handler); }
 
+    /// Reports a write that was not even tried, because of what could not be read before it.
+    void tellNotTried(const RecordTable &table, const DbFailure &reading) const;
+
     /// Called before each write: where another reader of the same connection is in the middle of a long list, SQLite
     /// refuses a write once another program has written. It may end such reads; must not throw.
     void setBeforeWriting(std::function<void()> prepare) { m_beforeWriting = std::move(prepare); }

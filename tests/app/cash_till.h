@@ -53,8 +53,8 @@ protected:
     std::unique_ptr<FussyRecords> m_records;
     std::shared_ptr<FileRunLocks> m_locks;
     std::unique_ptr<Payments> m_payments;
-    QStringList m_told; ///< by the signals
-    QStringList m_failures;
+    QStringList m_told;     ///< by the signals
+    QStringList m_failures; ///< that a person is told of
 };
 
 } // namespace harrowby::app::test

@@ -34,7 +34,7 @@ protected:
     }
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override
     {
-        if (auto failure = fails(statement.text))
+        if (auto failure = fails(statement.text, DbFailure::Kind::Read))
             return Unexpected(*failure);
         return SqliteRecords::select(statement);
     }
@@ -60,12 +60,12 @@ protected:
     }
 
 private:
-    std::optional<DbFailure> fails(const QString &text)
+    std::optional<DbFailure> fails(const QString &text, DbFailure::Kind kind = DbFailure::Kind::Write)
     {
         texts << text;
         if (texts.size() - 1 != failAt && !failAll)
             return {};
-        return DbFailure{DbFailure::Kind::Write, text, QStringLiteral("the disk is gone"), 10};
+        return DbFailure{kind, text, QStringLiteral("the disk is gone"), 10};
     }
 };
 
