@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "input/early_key_filter.h"
 
+#include "input/key_repeats.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QTimer>
@@ -14,12 +16,6 @@ namespace harrowby {
 namespace {
 
 const auto childName = u"earlyKeys"_s;
-
-/// Identifies the physical key: key() can differ between press and release when a modifier changed in between.
-quint32 keyOf(const QKeyEvent &event)
-{
-    return event.nativeScanCode() != 0 ? event.nativeScanCode() : ~static_cast<quint32>(event.key());
-}
 
 } // namespace
 
@@ -91,14 +87,14 @@ void EarlyKeyFilter::notePaint()
 
 void EarlyKeyFilter::noteRelease(const QKeyEvent &key)
 {
-    m_releasedAt.insert(keyOf(key), key.timestamp());
+    m_releasedAt.insert(physicalKey(key), key.timestamp());
 }
 
 /// X11 repeats a held key as release and press with one timestamp. Qt sets isAutoRepeat() only when both are in its
 /// queue at once, so the timestamps are compared too.
 bool EarlyKeyFilter::isRepeated(const QKeyEvent &key) const
 {
-    return key.isAutoRepeat() || (key.timestamp() != 0 && m_releasedAt.value(keyOf(key)) == key.timestamp());
+    return key.isAutoRepeat() || (key.timestamp() != 0 && m_releasedAt.value(physicalKey(key)) == key.timestamp());
 }
 
 /// Called several times for one event, which goes from the window to the focus widget and up its parents.
@@ -107,8 +103,8 @@ bool EarlyKeyFilter::answers(const QKeyEvent &key)
     if (!m_listening)
         return false;
     if (key.type() != QEvent::KeyRelease && !isRepeated(key))
-        m_pressedSince.insert(keyOf(key));
-    return m_pressedSince.contains(keyOf(key));
+        m_pressedSince.insert(physicalKey(key));
+    return m_pressedSince.contains(physicalKey(key));
 }
 
 } // namespace harrowby
