@@ -5,7 +5,7 @@ cmake_minimum_required(VERSION 3.25)
 
 file(STRINGS ${SOURCE_DIR}/ARCHITECTURE.md lines)
 file(GLOB_RECURSE files LIST_DIRECTORIES FALSE RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/src/* ${SOURCE_DIR}/app/*
-    ${SOURCE_DIR}/plugins/* ${SOURCE_DIR}/tables/* ${SOURCE_DIR}/include/* ${SOURCE_DIR}/tests/*)
+    ${SOURCE_DIR}/plugins/* ${SOURCE_DIR}/tables/* ${SOURCE_DIR}/include/* ${SOURCE_DIR}/tests/* ${SOURCE_DIR}/bench/* ${SOURCE_DIR}/script/*)
 set(wrong)
 
 # Sets `text` to what a file holds, and with it its header or source.
@@ -26,7 +26,7 @@ function(check_leaned leaned)
     string(REGEX MATCHALL "`[^`]+`" tokens "${leaned}")
     foreach(token IN LISTS tokens)
         string(REPLACE "`" "" token "${token}")
-        if(token MATCHES "\\.(cpp|h|qss|qml)$")
+        if(token MATCHES "\\.(cpp|h|qss|qml)$|^script/")
             string(REPLACE "." "\\." pattern "${token}")
             set(found ${files})
             list(FILTER found INCLUDE REGEX "(^|/)${pattern}$")
