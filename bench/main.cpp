@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -37,7 +38,8 @@ struct Plan
     int runs = 0;
     bool counterOnly = false;
     bool reportOnly = false;
-    qint64 comparedAt = 0; ///< items of the shop in which growth and memory are measured
+    qint64 comparedAt = 0;              ///< items of the shop in which growth and memory are measured
+    std::optional<CatalogueSize> frame; ///< the shop in which a press and a scan must end within a frame
 };
 
 Plan planFor(const QCommandLineParser &options)
@@ -45,11 +47,19 @@ Plan planFor(const QCommandLineParser &options)
     const bool counterOnly = options.isSet(u"counter"_s);
     const bool reportOnly = options.isSet(u"report"_s);
     if (options.isSet(u"quick"_s))
-        return {{1'000, 100}, {{1'000, 10'000}, {10'000, 20'000}}, 5, counterOnly, reportOnly, 10'000};
+        return {{1'000, 100},
+                {{1'000, 10'000}, {10'000, 20'000}},
+                5,
+                counterOnly,
+                reportOnly,
+                10'000,
+                CatalogueSize{2'000, 100}};
     const int runs = std::max(1, options.value(u"runs"_s).toInt());
-    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, reportOnly, 100'000};
+    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, reportOnly, 100'000, {}};
     if (options.isSet(u"million"_s))
         plan.sizes.push_back({1'000'000, 1'000'000});
+    else if (!counterOnly && !reportOnly)
+        plan.frame = CatalogueSize{1'000'000, 1'000};
     return plan;
 }
 
@@ -97,6 +107,8 @@ std::vector<Line> Measurement::run()
             add(measureHold(shop.database(), options));
         add(measureReport(shop.database(), options));
     }
+    if (m_plan.frame)
+        add(measureWithinFrame(makeShop(*m_plan.frame)->database(), {m_plan.frame->items, m_plan.runs, m_now}));
     return m_lines;
 }
 
@@ -156,7 +168,7 @@ void addOptions(QCommandLineParser &options)
     options.addOption({u"quick"_s, u"Small shops and few runs, to see that it works."_s});
     options.addOption({u"counter"_s, u"Leaves out what sells: stock, custom sale, undo and deletion alone."_s});
     options.addOption({u"report"_s, u"The sales report alone."_s});
-    options.addOption({u"million"_s, u"Measures at 1,000,000 items as well."_s});
+    options.addOption({u"million"_s, u"Measures everything at 1,000,000 items as well."_s});
     options.addOption({u"keep"_s, u"Makes the shops in this empty folder and leaves them there."_s, u"folder"_s});
     QCommandLineOption resident(u"resident"_s, {}, u"window"_s);
     resident.setFlags(QCommandLineOption::HiddenFromHelp);

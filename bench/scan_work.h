@@ -26,8 +26,10 @@ public:
 
     /// The code of an item, `key` as it stands in the cart.
     [[nodiscard]] QString codeOf(const QString &key) const;
-    /// From the moment at which the code is complete until cart and total are painted; false when that did not happen.
-    bool scan(const QString &code);
+    /// Types a code as a reader does, but for the Enter behind it.
+    void type(const QString &code);
+    /// Enter, the last key of a scan; ends when cart and total are painted, false when that did not happen.
+    bool end();
     /// Finding the code, and the press of the item's button.
     [[nodiscard]] static RawStatements statements(const QString &code, const QString &key, const QDateTime &now);
 

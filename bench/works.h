@@ -9,6 +9,10 @@ namespace harrowby::bench {
 /// Throws std::runtime_error when a piece of work does not do what it should.
 [[nodiscard]] std::vector<Line> measureWorks(sqlite3 *database, const WorksOptions &options);
 
+/// A press of a quick-sale button and a scan alone, each of which must end within a frame of the screen and its disk
+/// writes.
+[[nodiscard]] std::vector<Line> measureWithinFrame(sqlite3 *database, const WorksOptions &options);
+
 /// How a press of a quick-sale button grows from a small shop to a big one.
 [[nodiscard]] Line measurePressGrowth(sqlite3 *small, sqlite3 *big, const WorksOptions &options);
 
