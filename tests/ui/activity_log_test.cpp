@@ -9,9 +9,11 @@
 
 #include <QCheckBox>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 #include <algorithm>
 #include <malloc.h>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -35,6 +37,7 @@ private Q_SLOTS:
     void memoryIsBounded_data();
     void memoryIsBounded();
     void oneHugeEntryStays();
+    void batch();
 };
 
 namespace {
@@ -199,10 +202,13 @@ void ActivityLogTest::memoryIsBounded_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<int>("times");
     QTest::addColumn<int>("kept");
-    QTest::newRow("usual") << u"12 of EARL-GREY-0001  |  EARL GREY TEA, 100 BAGS Added to Cart!"_s << 6000 << 5000;
-    QTest::newRow("long") << QString(1000, u'x') << 3000 << 0;
-    QTest::newRow("very long") << u"word "_s.repeated(2000) << 300 << 0;
-    QTest::newRow("many lines") << u"x\n"_s.repeated(500) << 100 << 0;
+    QTest::addColumn<int>("together");
+    const QString usual = u"12 of EARL-GREY-0001  |  EARL GREY TEA, 100 BAGS Added to Cart!"_s;
+    QTest::newRow("usual") << usual << 6000 << 5000 << 1;
+    QTest::newRow("in batches") << usual << 6000 << 5000 << 50;
+    QTest::newRow("long") << QString(1000, u'x') << 3000 << 0 << 1;
+    QTest::newRow("very long") << u"word "_s.repeated(2000) << 300 << 0 << 1;
+    QTest::newRow("many lines") << u"x\n"_s.repeated(500) << 100 << 0 << 1;
 }
 
 void ActivityLogTest::memoryIsBounded()
@@ -210,14 +216,18 @@ void ActivityLogTest::memoryIsBounded()
     QFETCH(QString, message);
     QFETCH(int, times);
     QFETCH(int, kept);
+    QFETCH(int, together);
     ActivityText log;
     log.setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     log.resize(340, 500);
     log.show();
     QCoreApplication::processEvents();
     const qsizetype before = memoryInUse();
-    for (int i = 0; i < times; ++i)
-        log.prepend(u"[21.11.26 12:00:00] -- "_s + message + u"\n\n"_s);
+    for (int i = 0; i < times; i += together) {
+        const auto batch = together > 1 ? std::make_unique<ActivityText::Batch>(log) : nullptr;
+        for (int entry = 0; entry < together; ++entry)
+            log.prepend(u"[21.11.26 12:00:00] -- "_s + message + u"\n\n"_s);
+    }
     QVERIFY(memoryInUse() - before <= activity_log::mostBytes);
     if (kept > 0)
         QCOMPARE(entriesOf(log).size(), kept);
@@ -239,6 +249,34 @@ void ActivityLogTest::oneHugeEntryStays()
     QCOMPARE(entriesOf(log), QStringList{huge});
     log.prepend(u"new\n\n"_s);
     QCOMPARE(log.toPlainText(), u"new\n\n"_s);
+}
+
+void ActivityLogTest::batch()
+{
+    ActivityText log;
+    log.resize(340, 500);
+    log.show();
+    log.prepend(u"before\n\n"_s);
+    const QSignalSpy layouts(log.document(), &QTextDocument::contentsChange);
+    {
+        const ActivityText::Batch batch(log);
+        log.prepend(u"one\n\n"_s);
+        log.prepend(u"two\r\nlines\n\n"_s);
+        QCOMPARE(log.toPlainText(), u"two\nlines\n\none\n\nbefore\n\n"_s); // whoever reads it meanwhile
+        QCOMPARE(layouts.count(), 0);
+    }
+    QCOMPARE(layouts.count(), 1);
+    QCOMPARE(log.toPlainText(), u"two\nlines\n\none\n\nbefore\n\n"_s);
+    {
+        const ActivityText::Batch batch(log);
+        for (int i = 0; i < 5010; ++i)
+            log.prepend(u"number %1\n\n"_s.arg(i));
+    }
+    log.prepend(u"after\n\n"_s);
+    const QStringList entries = entriesOf(log);
+    QCOMPARE(entries.size(), 5000);
+    QCOMPARE(entries.constFirst(), u"after"_s);
+    QCOMPARE(entries.constLast(), u"number 11"_s);
 }
 
 HARROWBY_TEST(activity_log_test, ActivityLogTest)

@@ -5,6 +5,9 @@
 #include "tests/ui/counter_guest.h"
 #include "ui/widgets/row_list.h"
 
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -194,8 +197,12 @@ void CounterCartTest::logLines()
     Guest guest;
     static_cast<void>(guest.heard());
     std::vector<CounterMisfit> misfits;
+    const QSignalSpy layouts(till.find<QPlainTextEdit>("Text1")->document(), &QTextDocument::contentsChange);
     QCOMPARE(name(guestCounter().putCart({tea(2, 5), tea(1, 2.5), {u"Z9"_s, u"NONE"_s, 1, 1, false}}, misfits)),
              "Done");
+    QCOMPARE(layouts.count(), 1); // a long cart's lines are not laid out one by one
+    const QString log = till.text("Text1");
+    QVERIFY(log.indexOf(u"3 of A1  |  TEA Added!"_s) < log.indexOf(u"2 of A1  |  TEA Added to Cart!"_s));
     QCOMPARE(till.file.rows(u"SELECT SystemUsage FROM SysUsage ORDER BY rowid DESC LIMIT 2"_s),
              (QStringList{u"3 of A1  |  TEA Added!"_s, u"2 of A1  |  TEA Added to Cart!"_s}));
     QCOMPARE(guest.heard(), QStringList{u"cartChanged"_s});

@@ -6,6 +6,7 @@
 #include "ui/counter/sellable_item.h"
 #include "ui/gates.h"
 #include "ui/inventory.h"
+#include "ui/widgets/activity_text.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 #include "ui/widgets/text_table_model.h"
@@ -81,6 +82,7 @@ CounterAnswer CounterDesk::putCart(const std::vector<CounterLine> &lines, std::v
 void CounterDesk::putLines(const std::vector<CounterLine> &lines, std::vector<CounterMisfit> &misfits) const
 {
     RowList &list = *m_window.m_controls.LV3;
+    const ActivityText::Batch log(*m_window.m_controls.Text1);
     for (const CounterLine &line : lines) {
         const PutLine put = putLine(list.rows(), line, sellableItem(line.stockId, m_window.connection()));
         if (put.misfit)

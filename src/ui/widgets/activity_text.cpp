@@ -4,8 +4,9 @@
 #include "ui/activity_log_limit.h"
 
 #include <QTextBlock>
-#include <QTextCursor>
 #include <QTextLayout>
+
+#include <utility>
 
 namespace harrowby {
 
@@ -24,8 +25,25 @@ void ActivityText::prepend(const QString &entry)
     const Entry added = {document()->characterCount() - characters, document()->blockCount() - paragraphs};
     m_entries.push_front(added);
     m_bytes += bytesOf(added);
-    dropLayout(added.paragraphs);
+    m_toDrop += added.paragraphs;
+    if (m_inBatch)
+        return;
+    dropLayout(std::exchange(m_toDrop, 0));
     forgetOldest();
+}
+
+ActivityText::Batch::Batch(ActivityText &text) : m_text(text), m_edit(text.document())
+{
+    m_text.m_inBatch = true;
+    m_edit.beginEditBlock();
+}
+
+ActivityText::Batch::~Batch()
+{
+    m_text.forgetOldest();
+    m_edit.endEditBlock();
+    m_text.m_inBatch = false;
+    m_text.dropLayout(std::exchange(m_text.m_toDrop, 0));
 }
 
 void ActivityText::clearEntries()

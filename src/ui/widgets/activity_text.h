@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <QTextCursor>
 
 #include <deque>
 
@@ -19,6 +20,21 @@ public:
     void prepend(const QString &entry);
     void clearEntries();
 
+    /// For several entries at a time: while it lives they are put in front without being laid out. That is done once,
+    /// when it goes.
+    class Batch
+    {
+    public:
+        explicit Batch(ActivityText &text);
+        ~Batch();
+        Batch(const Batch &) = delete;
+        Batch &operator=(const Batch &) = delete;
+
+    private:
+        ActivityText &m_text;
+        QTextCursor m_edit;
+    };
+
 private:
     struct Entry
     {
@@ -32,6 +48,8 @@ private:
 
     std::deque<Entry> m_entries; ///< newest first
     qsizetype m_bytes = 0;
+    bool m_inBatch = false;
+    int m_toDrop = 0; ///< paragraphs in front whose layout is to be dropped
 };
 
 } // namespace harrowby
