@@ -127,16 +127,26 @@ void CodesPage::showEvent(QShowEvent *event)
         read();
 }
 
-void CodesPage::read()
+/// Also tells what could not be read.
+bool CodesPage::read()
 {
     const auto codes = m_table.list();
     m_codes = codes.value_or(QList<ItemCode>());
     const auto isOrphan = [](const ItemCode &entry) { return entry.isOrphan; };
-    m_count->setText(countWords(m_codes.size(), std::count_if(m_codes.cbegin(), m_codes.cend(), isOrphan)));
+    const QString count = countWords(m_codes.size(), std::count_if(m_codes.cbegin(), m_codes.cend(), isOrphan));
+    m_count->setText(codes ? count : QString());
     m_outcome->clear();
     list();
     if (!codes)
         showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The codes could not be read."_s, codes.error()));
+    return codes.has_value();
+}
+
+/// Reads the codes again; where that fails, both are told.
+void CodesPage::readAfter(const QString &outcome)
+{
+    const bool isRead = read();
+    showOutcome(*m_outcome, isRead ? outcome : outcome + u'\n' + m_outcome->text());
 }
 
 void CodesPage::list()
@@ -214,8 +224,7 @@ void CodesPage::giveCode()
     dialog.exec();
     if (!dialog.hasChanged())
         return;
-    read();
-    showOutcome(*m_outcome, u"Saved: the code has another item now."_s);
+    readAfter(u"Saved: the code has another item now."_s);
 }
 
 void CodesPage::deleteCode()
@@ -237,11 +246,10 @@ void CodesPage::setRules()
 /// Reads the codes again, also after a failure.
 void CodesPage::finish(const Records::Answer<bool> &done, const QString &what, const QString &outcome)
 {
+    if (done)
+        return readAfter(*done ? outcome : u"The code has gone meanwhile. Nothing was changed."_s);
     read();
-    if (!done)
-        tellInOffice(this, failureWords(what, done.error()));
-    else
-        showOutcome(*m_outcome, *done ? outcome : u"The code has gone meanwhile. Nothing was changed."_s);
+    tellInOffice(this, failureWords(what, done.error()));
 }
 
 } // namespace harrowby::app

@@ -35,7 +35,8 @@ private:
     QHBoxLayout *makeHead();
     QHBoxLayout *makeButtons();
     QPushButton *addButton(const QString &caption, const QString &name, void (CodesPage::*act)());
-    void read();
+    bool read();
+    void readAfter(const QString &outcome);
     void list();
     void followChoice();
     /// The entry of the chosen row; null when none is chosen.

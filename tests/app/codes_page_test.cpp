@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/codes/code_finder.h"
-#include "app/office/code_dialog.h"
-#include "app/office/codes_page.h"
-#include "app/office/in_store_dialog.h"
-#include "app/records/sqlite_records.h"
-#include "app/shop/schema.h"
 #include "tables/table_view.h"
-#include "tests/app/store_files.h"
+#include "tests/app/codes_desk.h"
 #include "tests/program/test_program.h"
-#include "theme/dialogs.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -23,22 +16,16 @@
 #include <QTest>
 #include <QTimer>
 
-#include <functional>
-#include <memory>
-
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-class CodesPageTest : public QObject
+class CodesPageTest : public CodesDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void codesAreListed();
     void listIsSearched();
     void codeIsScannedIn();
@@ -52,97 +39,7 @@ private Q_SLOTS:
     void ruleIsSwitchedOnAndOff();
     void wrongPatternIsNotSaved();
     void everythingIsLargeEnoughForAThumbAndNamed();
-
-private:
-    template <class Widget>
-    [[nodiscard]] static Widget *in(QWidget &parent, const char *name)
-    {
-        return parent.findChild<Widget *>(QString::fromLatin1(name));
-    }
-    void press(const char *name) { QTest::mouseClick(in<QPushButton>(*m_window, name), Qt::LeftButton); }
-    void choose(const QString &code);
-    void inNextDialog(const std::function<void(QDialog &)> &act);
-    void answerNextBox(QMessageBox::ButtonRole role);
-    [[nodiscard]] QStringList listed() const;
-    [[nodiscard]] QString outcome() const { return in<QLabel>(*m_window, "codesOutcome")->text(); }
-    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
-
-    SqliteDatabase m_database;
-    std::unique_ptr<SqliteRecords> m_records;
-    std::unique_ptr<QWidget> m_window;
-    QString m_boxText;
 };
-
-void CodesPageTest::init()
-{
-    QVERIFY(!into(m_database, openDatabase(u":memory:"_s, OpenMode::Create)));
-    QVERIFY(!createTables(m_database.get()));
-    for (const auto &[id, name] : {std::pair(u"TEA-0001"_s, u"TEA"_s), {u"MIL-0001"_s, u"MILK"_s}})
-        QVERIFY(!runSql(m_database.get(), u"INSERT INTO StockList (StockID, StockName, StockCost) VALUES (?1, ?2, 1)"_s,
-                        {id, name}));
-    m_records = std::make_unique<SqliteRecords>(m_database.get());
-    QVERIFY(!CodeTable(*m_records).add(u"036000291452"_s, u"TEA-0001"_s, 1));
-    QVERIFY(!CodeTable(*m_records).add(u"CASE"_s, u"TEA-0001"_s, 12));
-    QVERIFY(m_records->write(
-        kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values ('GONE', 'BUT-0001', 1)"_s, {}}));
-    m_boxText.clear();
-    m_window = std::make_unique<CodesPage>(*m_records);
-    enlargeFont(*m_window);
-    dressDialog(*m_window);
-    m_window->resize(760, 480);
-    m_window->show();
-}
-
-void CodesPageTest::cleanup()
-{
-    m_window.reset();
-    m_records.reset();
-    m_database.reset();
-}
-
-QStringList CodesPageTest::listed() const
-{
-    QStringList lines;
-    for (const tables::Row &row : in<tables::TableView>(*m_window, "codes")->table().rows)
-        lines << std::get<QString>(row.at(0)) + u' ' + std::get<QString>(row.at(1)) + u' ' +
-                     QString::number(std::get<double>(row.at(3)));
-    return lines;
-}
-
-void CodesPageTest::choose(const QString &code)
-{
-    auto *view = in<tables::TableView>(*m_window, "codes");
-    for (int row = 0; row < view->model()->rowCount(); ++row) {
-        const QModelIndex index = view->model()->index(row, 0);
-        if (index.data().toString() == code)
-            return view->setCurrentIndex(index);
-    }
-    QFAIL(qPrintable(u"not listed: "_s + code));
-}
-
-void CodesPageTest::inNextDialog(const std::function<void(QDialog &)> &act)
-{
-    QTimer::singleShot(0, this, [act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        act(*dialog);
-        dialog->reject();
-    });
-}
-
-void CodesPageTest::answerNextBox(QMessageBox::ButtonRole role)
-{
-    QTimer::singleShot(0, this, [this, role] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        QVERIFY(box);
-        m_boxText = box->text();
-        for (QAbstractButton *button : box->buttons()) {
-            if (box->buttonRole(button) == role)
-                return button->click();
-        }
-        box->reject();
-    });
-}
 
 void CodesPageTest::codesAreListed()
 {

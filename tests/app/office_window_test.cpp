@@ -266,6 +266,9 @@ void OfficeWindowTest::searchIsSwitched()
     QVERIFY(reopen());
     runAll(m_path, {u"DELETE FROM HarrowbySetting"_s, u"PRAGMA application_id = 77"_s});
     QVERIFY(!reopen()); // a file from elsewhere
+    QVERIFY(!runSql(m_database.get(), u"ALTER TABLE HarrowbySetting RENAME COLUMN Value TO Former"_s));
+    QVERIFY(!reopen());
+    QVERIFY(part<QLabel>("shopOutcome")->text().startsWith(u"\u26a0 What was chosen could not be read.\n"_s));
 }
 
 void OfficeWindowTest::failedSwitchOfTheSearchIsTold()
