@@ -116,15 +116,16 @@ bool Settlement::readIntents()
     return true;
 }
 
-/// The IDs of purchases of which there are more, or fewer, than payments.
+/// The IDs of purchases of which there are more, or fewer, than payments. Grouped by "|| ''": for a plain ID SQLite
+/// goes through the purchases of all times, in the order of the IDs.
 Records::Answer<QStringList> Settlement::oddPurchases() const
 {
     constexpr qsizetype day = 6;
     const auto rows = m_records.read(
-        kept::payment(), {u"select p.PurchaseID from (select PurchaseID, count(*) as Times from PurchaseCart "
-                          "where substr(PurchasedDate, 1, 6) >= ? and PurchasedDate >= ? group by PurchaseID) p "
+        kept::payment(), {u"select p.ID from (select PurchaseID || '' as ID, count(*) as Times from PurchaseCart "
+                          "where substr(PurchasedDate, 1, 6) >= ? and PurchasedDate >= ? group by PurchaseID || '') p "
                           "where p.Times <> (select count(*) from HarrowbyPayment h "
-                          "where h.PurchaseID = p.PurchaseID and h.State = 'PAID' and h.Part = 1)"_s,
+                          "where h.PurchaseID = p.ID and h.State = 'PAID' and h.Part = 1)"_s,
                           {m_since.left(day), m_since}});
     if (!rows)
         return Unexpected(rows.error());

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/cash/open_intents.h"
 #include "app/cash/settlement.h"
+#include "app/shop/schema.h"
 #include "platform/boxes.h"
 #include "tests/app/cash_till.h"
 #include "tests/program/test_program.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -36,6 +38,7 @@ private Q_SLOTS:
     void storeThatFailsIsLeftToTheNextStart();
     void sumsWithoutCentsAreLeftAlone();
     void drawerIsThatOfTheDeadRun();
+    void noStatementReadsAWholeTable();
     void personCountsAnIntent();
     void personRemovesAnIntent();
 
@@ -313,6 +316,37 @@ void SettlementTest::drawerIsThatOfTheDeadRun()
     addPurchase(u"HV1"_s, tea, u"2.5"_s);
     settle(u"Side"_s);
     QCOMPARE(payments().first().section(u'|', 7, 8), u"Side|8"_s);
+}
+
+void SettlementTest::noStatementReadsAWholeTable()
+{
+    QVERIFY(createMissingIndexes(file().handle()));
+    m_records->texts.clear();
+    addRun(7);
+    addIntent(u"i"_s, 7);
+    addPurchase(u"HV1"_s, tea, u"2.5"_s, 40);
+    addPurchase(u"HV2"_s, u"1 x B2  |  HONEY = 4.00"_s, u"4"_s);
+    settle();
+    addIntent(u"open"_s, 7);
+    settle();
+    purchasePlainly();
+    m_till->click("Command25");
+    takeEvents();
+    const auto open = PaymentTable(*m_records).withId(u"open"_s);
+    QVERIFY(open && *open);
+    (void)OpenIntents(*m_records).choicesFor(**open);
+    (void)OpenIntents(*m_records).remove(u"open"_s);
+    endRun();
+    int looked = 0;
+    for (const QString &text : std::as_const(m_records->texts)) {
+        if (text == u"begin"_s || text == u"commit"_s)
+            continue;
+        const QString plan = file().rows(u"EXPLAIN QUERY PLAN "_s + text).join(u'\n');
+        QVERIFY2(!plan.contains(QRegularExpression(u"SCAN (PurchaseCart|Harrowby|h\\b)"_s)),
+                 qPrintable(text + u'\n' + plan));
+        ++looked;
+    }
+    QVERIFY(looked > 20);
 }
 
 void SettlementTest::personCountsAnIntent()

@@ -263,13 +263,13 @@ void TillTest::purchaseMakesRoomForTheNext()
 {
     code(u"CASE"_s, u"A1"_s, 12);
     scan(u"CASE"_s);
-    m_till->banner().say(BannerTopic::Change, u"Change: 3.50"_s);
+    m_till->banner().say(BannerTopic::Reader, u"A reader is gone."_s);
     QCOMPARE(said(), u"12 x TEA (A1)"_s);
     m_counter->boxes.expect(u"Item List:\r\n\r\n1. 12 x A1  |  TEA = 30.00\r\n\r\n\r\n\r\nPurchased Cart?"_s, box::Ask,
                             Answer::Yes);
     m_counter->click("Command14");
     QCoreApplication::sendPostedEvents();
-    QCOMPARE(said(), u"Change: 3.50"_s);
+    QCOMPARE(said(), u"A reader is gone."_s);
 }
 
 void TillTest::renamedItemKeepsItsCodes()
