@@ -68,6 +68,7 @@ RandomHost::Figures &RandomHost::Figures::operator+=(const Figures &other)
     refused += other.refused;
     held += other.held;
     recalled += other.recalled;
+    paid += other.paid;
     return *this;
 }
 
@@ -192,6 +193,23 @@ void RandomHost::press(const QString &button)
         QTest::mouseClick(found, Qt::LeftButton);
 }
 
+/// In one way or in two, with change or without.
+void RandomHost::pay(QRandomGenerator &random)
+{
+    const auto sum = m_till->payments().sum();
+    if (!sum)
+        return;
+    const app::Cents byCard = chance(random, 50) ? *sum / 2 : chance(random, 50) ? 0 : *sum;
+    const app::Cents cash = *sum - byCard;
+    QList<app::PaymentPart> parts;
+    if (byCard != 0)
+        parts << app::PaymentPart{app::cardWay(), byCard, byCard};
+    if (cash != 0 || parts.isEmpty())
+        parts << app::PaymentPart{app::cashWay(), cash, cash + random.bounded(3) * 500};
+    if (m_till->payments().pay(parts) == CounterAnswer::Done)
+        ++m_figures.paid;
+}
+
 void RandomHost::useAnotherTill(QRandomGenerator &random)
 {
     app::HeldCarts carts(m_others);
@@ -237,6 +255,13 @@ QStringList RandomHost::problems()
     if (codes != QStringList{u"(failed)"_s} && codes != m_codes)
         all << u"codes in the file: "_s + codes.join(u", ");
     return all;
+}
+
+QStringList RandomHost::problemsOfTheDay()
+{
+    // What could not be written under a lock is written with the next of its kind.
+    Q_EMIT theCounter().purchaseDeleted(u"nothing"_s);
+    return problems() + m_paid.problems(m_office);
 }
 
 RandomHost::Figures RandomHost::figures() const

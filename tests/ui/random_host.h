@@ -5,6 +5,7 @@
 #include "tests/support/counter.h"
 #include "tests/support/database.h"
 #include "tests/ui/held_book.h"
+#include "tests/ui/paid_book.h"
 #include "tests/ui/random_choice.h"
 
 #include <QMap>
@@ -21,8 +22,9 @@ class QDialog;
 namespace harrowby::test {
 
 /// The store program's own at the counter, as a random user meets it: codes that are typed by a reader or read by a
-/// named device, carts that are held and recalled here and at another till, and the search that finds anywhere. Watches
-/// that a code sells its own item alone, that no cart is lost or comes back twice, and that the codes stay.
+/// named device, carts that are held and recalled here and at another till, payments, and the search that finds
+/// anywhere. Watches that a code sells its own item alone, that no cart is lost or comes back twice, that the codes
+/// stay, and that the payments of a day come to its purchases.
 class RandomHost : public QObject
 {
     Q_OBJECT
@@ -34,6 +36,7 @@ public:
         int refused = 0; ///< codes
         int held = 0;
         int recalled = 0;
+        int paid = 0; ///< otherwise than by "Purchase Cart" alone
 
         Figures &operator+=(const Figures &other);
     };
@@ -49,12 +52,15 @@ public:
 
     void scan(QRandomGenerator &random);
     void press(const QString &button);
+    void pay(QRandomGenerator &random);
     void useAnotherTill(QRandomGenerator &random);
 
     /// Between two actions; `nested` is how many have been entered in the middle of another one.
     void look(int nested);
     /// What was seen that must not be.
     [[nodiscard]] QStringList problems();
+    /// The same at the end of a day, when nothing keeps the file locked.
+    [[nodiscard]] QStringList problemsOfTheDay();
     [[nodiscard]] Figures figures() const;
 
 protected:
@@ -80,6 +86,7 @@ private:
 
     Counter &m_counter;
     HeldBook m_book;
+    PaidBook m_paid;
     WatchedRecords m_records;
     Database m_office; ///< another program at the same file: the office, or the till beside this one
     WatchedRecords m_others;

@@ -163,22 +163,24 @@ void RandomPressTest::anything()
     m_boxes += user.boxes();
     m_nested += user.nested();
     m_windows += user.windows();
-    if (host)
+    if (host) {
+        QCOMPARE(host->problemsOfTheDay(), QStringList());
         m_figures += host->figures();
+    }
 }
 
 void RandomPressTest::cleanupTestCase()
 {
     std::printf("%d days, %d actions, %d boxes, %d actions within another, %d windows of the host\n", m_days, m_actions,
                 m_boxes, m_nested, m_windows);
-    std::printf("%d codes sold, %d refused, %d carts held, %d recalled\n", m_figures.sold, m_figures.refused,
-                m_figures.held, m_figures.recalled);
+    std::printf("%d codes sold, %d refused, %d carts held, %d recalled, %d paid by hand\n", m_figures.sold,
+                m_figures.refused, m_figures.held, m_figures.recalled, m_figures.paid);
     QVERIFY(m_boxes * 10 >= m_actions);
     QVERIFY(m_nested * 20 >= m_actions);
     if (m_days < static_cast<int>(seeds))
         return;
     QVERIFY(m_windows > m_days);
-    for (const int figure : {m_figures.sold, m_figures.refused, m_figures.held, m_figures.recalled})
+    for (const int figure : {m_figures.sold, m_figures.refused, m_figures.held, m_figures.recalled, m_figures.paid})
         QVERIFY(figure > m_days);
 }
 

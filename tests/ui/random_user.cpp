@@ -144,6 +144,7 @@ const std::vector<RandomUser::Action> &RandomUser::actions()
         {12, "scan", &RandomUser::scan},
         {3, "hold", &RandomUser::hold},
         {4, "recall", &RandomUser::recall},
+        {6, "pay", &RandomUser::pay},
         {2, "another till", &RandomUser::useAnotherTill},
         {2, "label", &RandomUser::clickLabel},
         {4, "close", &RandomUser::close},
@@ -366,6 +367,12 @@ void RandomUser::recall(QRandomGenerator &)
 {
     if (m_host != nullptr)
         m_host->press(u"recallCart"_s);
+}
+
+void RandomUser::pay(QRandomGenerator &random)
+{
+    if (m_host != nullptr)
+        chance(random, 40) ? m_host->press(u"payByCash"_s) : m_host->pay(random);
 }
 
 void RandomUser::useAnotherTill(QRandomGenerator &random)

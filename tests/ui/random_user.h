@@ -86,6 +86,7 @@ private:
     void scan(QRandomGenerator &random);
     void hold(QRandomGenerator &random);
     void recall(QRandomGenerator &random);
+    void pay(QRandomGenerator &random);
     void useAnotherTill(QRandomGenerator &random);
 
     // By other programs
