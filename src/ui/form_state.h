@@ -34,7 +34,7 @@ struct FormState
     Login login;
     StoreSettings settings;
     LastActions last;
-    std::int16_t QuickSalesOffset = 0; ///< first row of the quick-sale page: 0, 9, 18, …
+    std::int16_t QuickSalesOffset = 0; ///< first row of the quick-sale page: a multiple of quickSaleButtons
     std::int16_t CartCount = 0;        ///< Intended: 0 at load and never changed by the cart; read when closing
     QString MsgTitle;                  ///< caption of every message box; never assigned, so empty
 };

@@ -28,7 +28,8 @@ struct Gate
     Right right = nullptr; ///< null: a login is enough
     WithoutRight withoutRight = WithoutRight::TellAndSendAway;
     WithoutLogin withoutLogin = WithoutLogin::LeadToLogin;
-    bool deafDuringUndo = false; ///< Intended: nothing at all happens while a purchase is taken back
+    bool deafDuringUndo =
+        false; ///< Intended: no box either while a purchase is taken back, whose loop the press came into
 };
 
 namespace gates {

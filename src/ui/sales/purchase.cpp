@@ -120,7 +120,8 @@ bool Inventory::CheckoutCart(bool skipConfirm)
         return false;
     SaveCart();
     UpdateCart();
-    // Intended: on the settings tab only; its list of purchases is read anew when the tab is opened.
+    // Intended: on the reorder tab alone, though the list stands on that of the settings, where it is read anew
+    // whenever the tab is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
     resetCustomSale(m_controls);

@@ -74,7 +74,8 @@ void Inventory::undoLastPurchase()
     UndoPurchase(m_state.last.LastPurchaseID, true);
     m_state.last.ReceiptText.clear(); // a purchase that was taken back cannot be reprinted
     LogActivity(u"Last Purchased Undone!"_s, box::Information, false, true);
-    // Intended: on the settings tab only; its list of purchases is read anew when the tab is opened.
+    // Intended: on the reorder tab alone, though the list stands on that of the settings, where it is read anew
+    // whenever the tab is opened.
     if (m_controls.TabStrip1->selectedTab() == WorkArea::ReorderStock)
         LoadPurchaseIDs();
 }

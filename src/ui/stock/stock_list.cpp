@@ -57,8 +57,8 @@ int placeRow(TextTableModel &list, StockRowReader &reader)
     // Looked for by the ID as it is listed: a letter may turn into two in upper case.
     const int listed = list.findRow(row.view(StockColumn::Id));
     const int placed = placeRow(list, std::move(row), listed, false);
-    // Intended: the last row is coloured, also when an earlier one was updated: so the list of a shop always was, and a
-    // list that is filled afresh, where each row is the last one as it comes, has every mark right.
+    // Intended: the last row is coloured, also when an earlier one was updated. A list that is filled afresh has every
+    // mark right, as each row is the last one when it comes.
     list.setLow(list.lastRow(), reader.isLow());
     return placed;
 }
