@@ -15,7 +15,8 @@ class BusyWait;
 
 /// Looks at an existing file before anything is written to it, and says why it cannot serve as a store; empty when
 /// it can. Neither the file nor its log is changed, except that SQLite rolls back what a crash has left half done.
-/// SQLite's check of the whole file gives up after `checkLimit`.
+/// SQLite's check of the whole file gives up after `checkLimit`. Neither the application id nor the schema version
+/// counts: a file of any program's will do whose tables fit, a newer one of ours too.
 [[nodiscard]] std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait,
                                                      std::chrono::milliseconds checkLimit = wait_times::longestCheck);
 
