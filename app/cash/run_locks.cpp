@@ -58,15 +58,34 @@ FileRunLocks::FileRunLocks(const QString &storePath)
 
 FileRunLocks::~FileRunLocks()
 {
+    struct flock all = byteOf(0);
+    all.l_len = 0;
+    if (!m_held.isEmpty() && ::fcntl(m_file, F_OFD_SETLK, &all) == 0 && isAtItsPath())
+        (void)::unlink(QFile::encodeName(m_path).constData());
+    closeFile();
+}
+
+void FileRunLocks::closeFile() const
+{
     if (m_file >= 0)
         ::close(m_file);
+    m_file = -1;
+}
+
+bool FileRunLocks::isAtItsPath() const
+{
+    struct stat named = {};
+    struct stat opened = {};
+    return ::stat(QFile::encodeName(m_path).constData(), &named) == 0 && ::fstat(m_file, &opened) == 0 &&
+           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
 /// The open file; -1 with errno set when there is none.
 int FileRunLocks::open(bool make) const
 {
-    if (m_file >= 0)
+    if (m_file >= 0 && (!m_held.isEmpty() || isAtItsPath()))
         return m_file;
+    closeFile();
     const QByteArray path = QFile::encodeName(m_path);
     m_file = ::open(path.constData(), openFlags);
     if (m_file < 0 && errno == ENOENT && make)
@@ -76,12 +95,21 @@ int FileRunLocks::open(bool make) const
 
 Result<void, QString> FileRunLocks::hold(std::int64_t run)
 {
-    const int file = open(true);
-    struct flock lock = byteOf(run);
-    if (file < 0 || ::fcntl(file, F_OFD_SETLK, &lock) != 0)
-        return Unexpected(u"%1: %2"_s.arg(m_path, systemWords(errno)));
-    m_held.insert(run);
-    return {};
+    constexpr int tries = 20;
+    constexpr useconds_t pause = 1000; // another one that removes the file holds all of it for so long, at most
+    for (int left = tries; left > 0; --left) {
+        const int file = open(true);
+        struct flock lock = byteOf(run);
+        const bool isLocked = file >= 0 && ::fcntl(file, F_OFD_SETLK, &lock) == 0;
+        if (!isLocked && errno != EAGAIN && errno != EACCES)
+            break;
+        if (isLocked && (!m_held.isEmpty() || isAtItsPath())) {
+            m_held.insert(run);
+            return {};
+        }
+        ::usleep(pause);
+    }
+    return Unexpected(u"%1: %2"_s.arg(m_path, systemWords(errno)));
 }
 
 RunLocks::Holder FileRunLocks::holderOf(std::int64_t run) const

@@ -33,6 +33,8 @@ public:
 
 /// Locks in an empty file beside the store, STORE-runs: for each run one byte, at the place of its number. They are
 /// locks of the open file (F_OFD_SETLK), which the kernel drops with the process, and not those by which SQLite locks.
+/// The last one that ends removes the file, with all of it locked; so whoever has locked looks whether the file still
+/// bears the name.
 class FileRunLocks final : public RunLocks
 {
 public:
@@ -47,6 +49,8 @@ public:
 
 private:
     [[nodiscard]] int open(bool make) const;
+    void closeFile() const;
+    [[nodiscard]] bool isAtItsPath() const;
 
     QString m_storePath;
     QString m_path;
