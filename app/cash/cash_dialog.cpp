@@ -4,6 +4,7 @@
 #include "app/boxes/office_box.h"
 #include "app/cash/cash_words.h"
 #include "theme/dialogs.h"
+#include "theme/measures.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -63,7 +64,9 @@ QString plainCaption(QString name)
 
 CashDialog::CashDialog(Cents total, const CashChoices &choices, QWidget *parent) : QDialog(parent), m_tender(total)
 {
+    setObjectName(u"cashDialog"_s);
     setWindowTitle(u"Cash"_s);
+    setProperty("large", parent != nullptr && densityOf(parent->size()) == Density::Large);
     enlargeFont(*this);
     createAmounts();
     layOut(choices);
@@ -82,7 +85,11 @@ void CashDialog::createAmounts()
     m_given->setAlignment(Qt::AlignRight);
     m_charged = makeLine(this, u"cashCharged"_s, {});
     m_change = makeLine(this, u"cashChange"_s, u"change"_s);
+    m_change->setWordWrap(false);
     m_takeBack = makeKey(u"Take &Back"_s, u"cashTakeBack"_s, u"Take the last charge back"_s);
+    QSizePolicy keepsItsRoom = m_takeBack->sizePolicy();
+    keepsItsRoom.setRetainSizeWhenHidden(true);
+    m_takeBack->setSizePolicy(keepsItsRoom);
     connect(m_takeBack, &QPushButton::clicked, this, [this] {
         m_tender.takeBack();
         follow();
@@ -94,7 +101,7 @@ void CashDialog::layOut(const CashChoices &choices)
     auto *left = new QVBoxLayout;
     left->setSpacing(gap);
     left->addLayout(makeSum());
-    left->addWidget(m_given);
+    left->addLayout(makeGiven());
     left->addWidget(m_change);
     left->addStretch(1);
     left->addLayout(makeWays(choices.ways));
@@ -123,6 +130,18 @@ QLayout *CashDialog::makeSum()
     rows->addWidget(total);
     rows->addLayout(charged);
     return rows;
+}
+
+QLayout *CashDialog::makeGiven()
+{
+    auto *caption = new QLabel(u"Given:"_s, this);
+    caption->setProperty("styleWord", u"sum"_s);
+    caption->setBuddy(m_given);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(gap);
+    row->addWidget(caption);
+    row->addWidget(m_given, 1);
+    return row;
 }
 
 QLayout *CashDialog::makeWays(const QStringList &ways)
@@ -160,7 +179,8 @@ QLayout *CashDialog::makeNotes(const QList<Cents> &notes)
         follow();
     });
     const int place = static_cast<int>(notes.size());
-    grid->addWidget(exact, place / notesInARow, place % notesInARow);
+    const int column = place % notesInARow;
+    grid->addWidget(exact, place / notesInARow, column, 1, notesInARow - column);
     return grid;
 }
 
@@ -295,7 +315,7 @@ void CashDialog::follow()
 {
     m_given->setText(centsText(m_tender.given()));
     m_charged->setText(chargedWords(m_tender.charged()));
-    m_takeBack->setEnabled(!m_tender.charged().isEmpty());
+    m_takeBack->setVisible(!m_tender.charged().isEmpty());
     m_pay->setEnabled(m_tender.isEnough());
     tellChange();
 }
@@ -306,6 +326,8 @@ void CashDialog::tellChange()
     const bool isEnough = m_tender.isEnough();
     const QString text = isEnough ? u"Change: %1"_s.arg(centsText(m_tender.change()))
                                   : u"Still to pay: %1"_s.arg(centsText(-m_tender.change()));
+    constexpr qsizetype mostLarge = 16; // characters, "Change: 1,234.56"
+    setWord(*m_change, "small", !isEnough || text.size() > mostLarge);
     setWord(*m_change, "missing", !isEnough);
     showOutcome(*m_change, text);
 }

@@ -34,6 +34,7 @@ private:
     void createAmounts();
     void layOut(const CashChoices &choices);
     QLayout *makeSum();
+    QLayout *makeGiven();
     QLayout *makeWays(const QStringList &ways);
     QLayout *makeNotes(const QList<Cents> &notes);
     QLayout *makeKeypad();

@@ -95,7 +95,7 @@ QLayout *CashPage::makeOpen()
 {
     m_openWords = makeOfficeText(this, {});
     m_openWords->setObjectName(u"openPaymentsCount"_s);
-    m_open = new QPushButton(u"&Look at Them \u2026"_s, this);
+    m_open = new QPushButton(u"Look at The&m \u2026"_s, this);
     m_open->setObjectName(u"openPayments"_s);
     connect(m_open, &QPushButton::clicked, this, &CashPage::showOpen);
     auto *row = new QHBoxLayout;

@@ -196,7 +196,7 @@ void CashTest::waysShareTheSum()
     CashDialog dialog(1250, {{u"Card"_s, u"Voucher"_s}, {500}}, nullptr);
     dialog.show();
     const auto *takeBack = dialog.findChild<QPushButton *>(u"cashTakeBack"_s);
-    QVERIFY(!takeBack->isEnabled());
+    QVERIFY(!takeBack->isVisible());
     type(dialog, u"13."_s);
     pressIn(dialog, u"cashWay_0"_s);
     QCOMPARE(textOf(dialog, u"cashCharged"_s), u"\u26a0 No more than 12.50 is to pay: Card gives no change."_s);
@@ -234,6 +234,8 @@ void CashTest::everythingIsLargeEnoughAndNamed()
         CashDialog dialog(1250, usual, nullptr);
         dialog.show();
         QStringList letters;
+        dialog.findChild<QPushButton *>(u"cashTakeBack"_s)->show();
+        QCoreApplication::processEvents();
         for (auto *button : dialog.findChildren<QPushButton *>()) {
             QVERIFY2(button->height() >= 44 && button->width() >= 44, qPrintable(button->objectName()));
             QVERIFY(button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() <= button->width() - 8);
