@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/cash/drawer_name.h"
 
+#include "basic/text.h"
+
 #include <QSysInfo>
 
 using namespace Qt::StringLiterals;
@@ -36,10 +38,7 @@ bool saveDrawerName(const OfficeSettings &settings, const QString &name)
 
 QString drawerNameOf(const QString &typed)
 {
-    constexpr qsizetype longest = 40;
-    QString name = typed;
-    name.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
-    return name.simplified().left(longest).trimmed();
+    return tidyLabel(typed);
 }
 
 } // namespace harrowby::app

@@ -16,7 +16,7 @@ namespace harrowby::app {
 /// False when it could not be saved.
 [[nodiscard]] bool saveDrawerName(const OfficeSettings &settings, const QString &name);
 
-/// What was typed, as a drawer can be called: no control characters, no needless blanks, 40 characters at most.
+/// What was typed, as a drawer can be called (tidyLabel()).
 [[nodiscard]] QString drawerNameOf(const QString &typed);
 
 } // namespace harrowby::app

@@ -29,13 +29,11 @@ Records::Answer<QList<Payment>> OpenIntents::list() const
 
 Records::Answer<QList<IntentChoice>> OpenIntents::choicesFor(const Payment &intent) const
 {
-    constexpr qsizetype day = 6;
     const QDateTime taken = intent.taken.toLocalTime();
-    const auto rows =
-        m_records.read({u"select PurchaseID, PurchasedItems, PurchasedItemsCost, PurchasedDate, Users "
-                        "from PurchaseCart where substr(PurchasedDate, 1, 6) >= ? "
-                        "and substr(PurchasedDate, 1, 6) <= ? order by PurchasedDate, PurchaseID"_s,
-                        {purchasedDate(taken.addDays(-1)).left(day), purchasedDate(taken.addDays(1)).left(day)}});
+    const auto rows = m_records.read({u"select PurchaseID, PurchasedItems, PurchasedItemsCost, PurchasedDate, Users "
+                                      "from PurchaseCart where substr(PurchasedDate, 1, 6) >= ? "
+                                      "and substr(PurchasedDate, 1, 6) <= ? order by PurchasedDate, PurchaseID"_s,
+                                      {dayKey(taken.addDays(-1)), dayKey(taken.addDays(1))}});
     if (!rows)
         return Unexpected(rows.error());
     QList<IntentChoice> choices;

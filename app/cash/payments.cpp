@@ -175,8 +175,7 @@ void Payments::record(const CounterPurchase &purchase)
 void Payments::advanceClock()
 {
     const QString now = purchasedDate(m_station.now());
-    constexpr qsizetype day = 6;
-    if (m_run.isNoted() && m_queue.isEmpty() && !m_inDoubt && m_run.since().left(day) < now.left(day))
+    if (m_run.isNoted() && m_queue.isEmpty() && !m_inDoubt && dayKeyOf(m_run.since()) < dayKeyOf(now))
         m_run.setSince(now);
 }
 

@@ -120,13 +120,12 @@ bool Settlement::readIntents()
 /// goes through the purchases of all times, in the order of the IDs.
 Records::Answer<QStringList> Settlement::oddPurchases() const
 {
-    constexpr qsizetype day = 6;
     const auto rows = m_records.read(
         kept::payment(), {u"select p.ID from (select PurchaseID || '' as ID, count(*) as Times from PurchaseCart "
                           "where substr(PurchasedDate, 1, 6) >= ? and PurchasedDate >= ? group by PurchaseID || '') p "
                           "where p.Times <> (select count(*) from HarrowbyPayment h "
                           "where h.PurchaseID = p.ID and h.State = 'PAID' and h.Part = 1)"_s,
-                          {m_since.left(day), m_since}});
+                          {dayKeyOf(m_since), m_since}});
     if (!rows)
         return Unexpected(rows.error());
     QStringList ids;

@@ -2,6 +2,7 @@
 #include "app/hold/held_carts.h"
 
 #include "app/records/record_tables.h"
+#include "basic/text.h"
 
 #include <QUuid>
 
@@ -122,10 +123,7 @@ Records::Answer<std::vector<CounterLine>> HeldCarts::linesOf(const QString &id) 
 
 QString heldWord(const QString &typed)
 {
-    constexpr qsizetype longest = 40;
-    QString word = typed;
-    word.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
-    return word.simplified().left(longest).trimmed();
+    return tidyLabel(typed);
 }
 
 bool isTaken(const QList<HeldCart> &carts, const QString &word)

@@ -72,7 +72,7 @@ private:
     Records &m_records;
 };
 
-/// What was typed, as a cart is held under it: no control characters, no needless blanks, 40 characters at most.
+/// What was typed, as a cart is held under it (tidyLabel()).
 [[nodiscard]] QString heldWord(const QString &typed);
 /// Whether a cart is held under the word, in whatever case.
 [[nodiscard]] bool isTaken(const QList<HeldCart> &carts, const QString &word);

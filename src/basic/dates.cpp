@@ -26,6 +26,12 @@ QString dayKey(const QDateTime &time)
     return formatted(time, u"yyMMdd"_s);
 }
 
+QString dayKeyOf(const QString &purchased)
+{
+    constexpr qsizetype digits = 6;
+    return purchased.left(digits);
+}
+
 QString activityLogTime(const QDateTime &time)
 {
     return formatted(time, u"dd.MM.yy HH:mm:ss"_s);

@@ -12,6 +12,8 @@ namespace harrowby {
 [[nodiscard]] QString purchasedDate(const QDateTime &time);
 /// "yyMMdd": the first six characters of a purchasedDate().
 [[nodiscard]] QString dayKey(const QDateTime &time);
+/// The dayKey() of a purchasedDate(), from its text.
+[[nodiscard]] QString dayKeyOf(const QString &purchased);
 /// "dd.MM.yy HH:mm:ss", in the activity log on screen.
 [[nodiscard]] QString activityLogTime(const QDateTime &time);
 /// "yyyy-MM-dd HH:mm:ss", in SysUsage.

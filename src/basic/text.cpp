@@ -17,4 +17,11 @@ QString trimmedUpper(QStringView text)
     return trimBlanks(text).toUpper();
 }
 
+QString tidyLabel(const QString &typed)
+{
+    QString label = typed;
+    label.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
+    return label.simplified().left(longestLabel).trimmed();
+}
+
 } // namespace harrowby
