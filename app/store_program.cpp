@@ -156,6 +156,16 @@ Notice missingLock(const QString &reason)
             "till leaves behind are settled a day later."_s};
 }
 
+void tellDrawerFailures(const DrawerDesk &drawer, FailureNotice &notice)
+{
+    const auto subject = u"cash drawer"_s;
+    QObject::connect(
+        &drawer, &DrawerDesk::failed, &notice, [&notice, subject](const QString &queue, const QString &reason) {
+            notice.tell({subject, u"The cash drawer was not opened."_s, reason, drawerAdvice(queue), true, false});
+        });
+    QObject::connect(&drawer, &DrawerDesk::opened, &notice, [&notice, subject] { notice.tellOver(subject); });
+}
+
 /// Nothing without the option.
 std::unique_ptr<CustomerScreen> makeCustomerScreen(const CommandLine &line, const Payments &payments)
 {
@@ -188,6 +198,7 @@ int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, Bu
     Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal, cash);
     QObject::connect(&till.payments(), &Payments::lockMissing, &notice,
                      [&notice](const QString &reason) { notice.tell(missingLock(reason)); });
+    tellDrawerFailures(till.drawer(), notice);
     const auto customer = makeCustomerScreen(line, till.payments());
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);

@@ -23,6 +23,16 @@ const RecordTable &code()
     return table;
 }
 
+const RecordTable &drawerOpening()
+{
+    static const RecordTable table = {
+        u"HarrowbyDrawerOpening"_s,
+        {u"create table if not exists HarrowbyDrawerOpening "
+         "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text not null, "
+         "Reason text not null)"_s}};
+    return table;
+}
+
 const RecordTable &held()
 {
     // The lines' table first: where the carts' table is, so is that of their lines.

@@ -22,6 +22,9 @@ namespace kept {
 /// Codes of items: Code, StockID, Units.
 [[nodiscard]] const RecordTable &code();
 
+/// Openings of a cash drawer by hand, only ever added to: OpeningID, OpenedAt, OpenedBy, Drawer, Reason.
+[[nodiscard]] const RecordTable &drawerOpening();
+
 /// Carts that are held: HeldID, Word, HeldAt, HeldBy, HeldLines, Total; and the lines of each in HarrowbyHeldLine:
 /// HeldID, Position, StockID, StockName, Quantity, Cost, CostByHand.
 [[nodiscard]] const RecordTable &held();

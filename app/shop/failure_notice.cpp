@@ -172,7 +172,9 @@ void FailureNotice::showLines()
     const QString first = clockTime(m_first);
     const QString last = clockTime(QDateTime::currentDateTime());
     const QString time = first == last ? first : u"%1 to %2"_s.arg(first, last);
-    m_heading->setText(u"\u26a0 Not saved (%1)"_s.arg(time));
+    const bool isOfData =
+        std::any_of(m_lines.cbegin(), m_lines.cend(), [](const Line &line) { return line.notice.isOfData; });
+    m_heading->setText((isOfData ? u"\u26a0 Not saved (%1)"_s : u"\u26a0 Not done (%1)"_s).arg(time));
     QStringList works;
     QStringList reasons;
     QStringList advices;

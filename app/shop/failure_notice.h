@@ -26,6 +26,7 @@ struct Notice
     QString reason;
     QString advice;         ///< what to do about it
     bool isCounted = false; ///< says how often it has happened
+    bool isOfData = true;   ///< something was not saved; otherwise it was not done
 };
 
 /// The failure notice: a small window that says which writes failed, when, why, and what to do. It takes no focus,

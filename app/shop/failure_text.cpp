@@ -77,6 +77,8 @@ QString failedWork(const DbFailure &failure)
         return u"The activity was not recorded."_s;
     if (target.table == u"HARROWBYCODE"_s)
         return codeWork(target.verb);
+    if (target.table == u"HARROWBYDRAWEROPENING"_s)
+        return u"The opening of the cash drawer was not recorded, so the drawer stays shut."_s;
     if (target.table == u"HARROWBYSETTING"_s)
         return u"A setting of the shop was not saved."_s;
     if (target.table == u"HARROWBYPAYMENT"_s)

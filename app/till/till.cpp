@@ -14,6 +14,7 @@ Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, s
            CashStation cash) :
     m_counter(counter),
     m_records(records), m_payments(counter, records, std::move(cash)),
+    m_drawer(counter, records, m_payments, readDrawerSettings(settings)),
     m_codes(counter, records, m_banner, std::move(sound)), m_firstSteps(counter, records, m_banner),
     m_cash(counter, records, m_payments,
            {[this](const QString &text) { sayOfCart(text, true); },
@@ -58,6 +59,7 @@ void Till::furnish()
         static_cast<void>(view.release()); // the window's own now
     m_cash.furnish();
     m_hold.furnish();
+    m_drawer.furnish();
 }
 
 /// Stands there until the cart changes again.

@@ -3,6 +3,7 @@
 
 #include "app/banner/banner.h"
 #include "app/cash/cash_desk.h"
+#include "app/cash/drawer_desk.h"
 #include "app/cash/payments.h"
 #include "app/hold/hold_desk.h"
 #include "app/readers/code_readers.h"
@@ -33,6 +34,7 @@ public:
 
     [[nodiscard]] Banner &banner() { return m_banner; }
     [[nodiscard]] Payments &payments() { return m_payments; }
+    [[nodiscard]] DrawerDesk &drawer() { return m_drawer; }
 
 private:
     void takeCodes(const OfficeSettings &settings);
@@ -45,6 +47,7 @@ private:
     Records &m_records;
     Banner m_banner;
     Payments m_payments;
+    DrawerDesk m_drawer;
     CodeSeller m_codes;
     FirstSteps m_firstSteps;
     CashDesk m_cash;

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void failuresAreCounted();
     void dismissingForgets();
     void noticesComeOnceForEachCause();
+    void notAllIsAboutSaving();
     void filesThatFail_data();
     void filesThatFail();
     void logThatCannotBeWritten();
@@ -115,6 +116,8 @@ void FailureNoticeTest::words_data()
     row("intent", u"delete from HarrowbyPayment where PaymentID = ?"_s,
         u"A payment that did not come about was not removed."_s);
     row("run", u"insert into HarrowbyRun (Run) values (?)"_s, u"It was not noted that this till is open, or closed."_s);
+    row("drawer", u"insert into HarrowbyDrawerOpening (OpeningID) values (?)"_s,
+        u"The opening of the cash drawer was not recorded, so the drawer stays shut."_s);
     row("code gone", u"delete from HarrowbyCode where Code = ?"_s, u"The code of an item was not deleted."_s);
     row("codes of a renamed item", u"update HarrowbyCode set StockID = ?"_s,
         u"The codes of an item were not changed."_s);
@@ -239,6 +242,20 @@ void FailureNoticeTest::noticesComeOnceForEachCause()
     notice.tellOver(log.subject);
     notice.tell(log);
     QVERIFY(notice.isVisible());
+}
+
+void FailureNoticeTest::notAllIsAboutSaving()
+{
+    FailureNotice notice;
+    Notice drawer{u"drawer"_s, u"The drawer was not opened."_s, u"no answer"_s, u"Use the key."_s, true, false};
+    notice.tell(drawer);
+    QVERIFY2(text(notice, u"failureHeading"_s).startsWith(u"\u26a0 Not done ("_s),
+             qPrintable(text(notice, u"failureHeading"_s)));
+    drawer.reason = u"refused"_s;
+    notice.tell(drawer);
+    QCOMPARE(text(notice, u"failureWork"_s), u"The drawer was not opened. (2 times)"_s);
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(text(notice, u"failureHeading"_s).startsWith(u"\u26a0 Not saved ("_s));
 }
 
 void FailureNoticeTest::filesThatFail_data()
