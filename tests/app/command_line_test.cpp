@@ -34,6 +34,7 @@ private Q_SLOTS:
     void databaseBecomesAbsolute();
     void customerDisplay_data();
     void customerDisplay();
+    void drawer();
     void look();
     void refused_data();
     void refused();
@@ -114,6 +115,14 @@ void CommandLineTest::customerDisplay()
     QCOMPARE(line.demo, arguments.contains(u"--demo"_s));
 }
 
+void CommandLineTest::drawer()
+{
+    QCOMPARE(accepted({}).drawer, QString());
+    QCOMPARE(accepted({u"--drawer"_s, u"Front desk"_s}).drawer, u"Front desk"_s);
+    QCOMPARE(accepted({u"--drawer=2"_s, u"--demo"_s}).drawer, u"2"_s);
+    QCOMPARE(accepted({u"--drawer=1"_s, u"--drawer=a=b"_s}).drawer, u"a=b"_s);
+}
+
 void CommandLineTest::look()
 {
     QCOMPARE(accepted({}).look, QString());
@@ -133,6 +142,8 @@ void CommandLineTest::refused_data()
     QTest::newRow("empty") << QStringList{QString()} << u"\"\""_s;
     QTest::newRow("no file") << QStringList{u"--database"_s} << u"--database"_s;
     QTest::newRow("empty file") << QStringList{u"--database="_s} << u"--database"_s;
+    QTest::newRow("no drawer") << QStringList{u"--drawer"_s} << u"--drawer"_s;
+    QTest::newRow("blank drawer") << QStringList{u"--drawer= "_s} << u"--drawer"_s;
     QTest::newRow("no look") << QStringList{u"--look"_s} << u"--look"_s;
     QTest::newRow("no screen") << QStringList{u"--customer-display="_s} << u"counted from 1"_s;
     QTest::newRow("an empty screen") << QStringList{u"--customer-display"_s, u" "_s} << u"counted from 1"_s;
@@ -164,8 +175,8 @@ void CommandLineTest::optionsOfQtPass()
 void CommandLineTest::helpNamesEveryOption()
 {
     for (const QString &option :
-         {u"--database FILE"_s, u"--demo"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s,
-          u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+         {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s,
+          u"--no-plugins"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

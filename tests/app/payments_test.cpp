@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "app/cash/drawer_name.h"
 #include "app/cash/money.h"
 #include "platform/boxes.h"
 #include "tests/app/cash_till.h"
 #include "tests/program/test_program.h"
 
+#include <QSysInfo>
 #include <QTest>
 
 #include <limits>
@@ -24,12 +26,15 @@ private Q_SLOTS:
     void centsOfAnAmount();
     void centsAreWritten_data();
     void centsAreWritten();
+    void drawerIsCalled_data();
+    void drawerIsCalled();
     void purchaseWithoutCashCountsAsCashExact();
     void paymentIsWrittenBeforeAndCompletedAfterwards();
     void twoWaysAreTwoRows();
     void answerNoLeavesNothing();
     void partsThatDoNotAddUpArePaidForNothing();
     void undoneSaleTakesItsPaymentsBack();
+    void runMovesOnWithTheDays();
     void endedRunIsNoted();
 };
 
@@ -74,6 +79,30 @@ void PaymentsTest::centsAreWritten()
 {
     QFETCH(const qint64, cents);
     QTEST(centsText(cents), "text");
+}
+
+void PaymentsTest::drawerIsCalled_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("saved");
+    QTest::addColumn<QString>("name");
+    const QString machine = drawerNameOf(QSysInfo::machineHostName());
+    QTest::newRow("by the command line") << u" Front  desk "_s << u"Back"_s << u"Front desk"_s;
+    QTest::newRow("by what is saved") << QString() << u"Back"_s << u"Back"_s;
+    QTest::newRow("as the machine") << QString() << u" "_s << (machine.isEmpty() ? u"Till"_s : machine);
+    QTest::newRow("control characters are nothing") << QString(QChar(u'\a')) << u"Back"_s << u"Back"_s;
+    QTest::newRow("at most 40 characters") << QString(100, u'x') << QString() << QString(40, u'x');
+}
+
+void PaymentsTest::drawerIsCalled()
+{
+    QFETCH(const QString, option);
+    QFETCH(const QString, saved);
+    const OfficeSettings settings = {[&](const QString &section, const QString &key, const QString &) {
+                                         return section == u"Cash"_s && key == u"Drawer"_s ? saved : QString();
+                                     },
+                                     {}};
+    QTEST(drawerName(option, settings), "name");
 }
 
 void PaymentsTest::purchaseWithoutCashCountsAsCashExact()
@@ -154,6 +183,25 @@ void PaymentsTest::undoneSaleTakesItsPaymentsBack()
     QCOMPARE(file().rows(u"SELECT DISTINCT State, BackWhy, BackAt FROM HarrowbyPayment"_s),
              QStringList{u"BACK|UNDONE|"_s + recordTime(m_till->clock->now())});
     QCOMPARE(sums(), u"0 of 0"_s);
+}
+
+void PaymentsTest::runMovesOnWithTheDays()
+{
+    const QString since = u"SELECT Since FROM HarrowbyRun"_s;
+    laterBy(60);
+    purchasePlainly();
+    QCOMPARE(file().cell(since), u"180305140709"_s);
+    laterBy(24 * 60 * 60);
+    m_records->failAll = true;
+    purchasePlainly();
+    m_records->failAll = false;
+    QCOMPARE(file().cell(since), u"180305140709"_s); // that one has to be looked for yet
+    laterBy(60);
+    purchasePlainly();
+    QCOMPARE(file().cell(since), u"180306140909"_s);
+    laterBy(-48 * 60 * 60); // the clock goes back, and somebody sells
+    fillCart();
+    QCOMPARE(file().cell(since), u"180304140909"_s);
 }
 
 void PaymentsTest::endedRunIsNoted()

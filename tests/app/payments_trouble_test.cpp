@@ -26,6 +26,7 @@ private Q_SLOTS:
     void eachStatementFailsAndTheSaleGoesOn();
     void whatFailsToTheEndIsSettledByTheNextStart();
     void undoThatCannotBeWrittenIsWrittenLater();
+    void undoWaitsForItsPayment();
     void rowThatWasNotWrittenHasNoPayment();
     void rowThatIsNotKnownKeepsItsIntent_data();
     void rowThatIsNotKnownKeepsItsIntent();
@@ -155,6 +156,29 @@ void PaymentsTroubleTest::undoThatCannotBeWrittenIsWrittenLater()
     QCOMPARE(sums(), u"400 of 400"_s);
     QCOMPARE(file().rows(u"SELECT State, sum(Amount) FROM HarrowbyPayment GROUP BY State"_s),
              (QStringList{u"BACK|400"_s, u"PAID|400"_s}));
+}
+
+void PaymentsTroubleTest::undoWaitsForItsPayment()
+{
+    PaymentTable table(*m_records);
+    PaymentQueue queue(table);
+    Payment payment;
+    payment.id = u"p"_s;
+    payment.purchaseId = u"HV1"_s;
+    payment.state = PaymentState::Paid;
+    payment.parts = exactCash(100);
+    payment.total = 100;
+    queue.record(payment);
+    queue.takeBack(u"HV1"_s, u"UNDONE"_s, m_till->clock->now());
+    m_records->texts.clear();
+    m_records->failAt = 0; // the payment alone
+    queue.write();
+    QCOMPARE(payments(), QStringList());
+    QVERIFY(!queue.isEmpty());
+    queue.write();
+    QCOMPARE(payments().size(), 1);
+    QVERIFY(payments().first().startsWith(u"BACK|HV1|"_s));
+    QVERIFY(queue.isEmpty());
 }
 
 void PaymentsTroubleTest::rowThatWasNotWrittenHasNoPayment()
