@@ -14,7 +14,7 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int cartLines = 10;
+constexpr int linesSold = 10;
 constexpr int oldPurchases = 5000; ///< entry of the list at which deleting begins
 constexpr double longestWaitMs = 100.0;
 
@@ -143,7 +143,7 @@ void Counter::measureUndo()
         [&] { return undoStatements(m_till.window().state().last.LastPurchaseID, keys, m_till.now(), offset()); },
         [&] {
             m_till.nextSecond();
-            require(m_till.cartLines() > 0 || m_till.fillCart(cartLines), u"filling the cart"_s);
+            require(m_till.cartLines() > 0 || m_till.fillCart(linesSold), u"filling the cart"_s);
             keys = m_till.keysInCart();
             require(m_till.sell(), u"a purchase"_s);
         });

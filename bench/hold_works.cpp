@@ -19,7 +19,7 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr int cartLines = 50;
+constexpr int linesHeld = 50;
 const QString heldAs = u"BENCH"_s;
 
 RawStatement raw(const char *sql, const QByteArrayList &values = {}, const QByteArrayList &columns = {})
@@ -99,7 +99,7 @@ bool HoldBench::recall()
     PaintWatch watch{m_till.window().controls().LV3->viewport(), m_till.window().controls().Label5};
     std::vector<CounterMisfit> misfits;
     return m_holder.recall(carts->constLast().id, misfits) == app::HeldCarts::Taken::Done && watch.wait() &&
-           misfits.empty() && m_till.cartLines() == cartLines;
+           misfits.empty() && m_till.cartLines() == linesHeld;
 }
 
 /// What the statements by hand have held.
@@ -112,7 +112,7 @@ void HoldBench::dropRaw() const
 
 std::vector<Line> HoldBench::run()
 {
-    require(m_till.openAfresh() && m_till.fillCart(cartLines), u"filling the cart"_s);
+    require(m_till.openAfresh() && m_till.fillCart(linesHeld), u"filling the cart"_s);
     m_keys = m_till.keysInCart();
     require(hold(), u"the first hold"_s); // makes the tables
     m_measuring.measure(

@@ -146,7 +146,6 @@ QPixmap receiptPreview(const ReceiptHead &head, int width, qreal pixelRatio)
     picture.fill(Qt::white);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    constexpr qreal mmPerInch = 25.4;
     const qreal unitsWide = paper.width() / mmPerInch * receiptUnitsPerInch;
     painter.scale(width / unitsWide, width / unitsWide);
     layout.draw(painter, 0);

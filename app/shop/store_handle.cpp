@@ -10,7 +10,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int headerSize = 100;
+constexpr int bytesOfHeader = 100;
 
 sqlite3_file *fileOf(sqlite3 *database)
 {
@@ -35,8 +35,8 @@ bool StoreHandle::hasMoved() const
 QByteArray StoreHandle::header() const
 {
     sqlite3_file *file = fileOf(m_database);
-    QByteArray bytes(headerSize, '\0');
-    if (file == nullptr || file->pMethods->xRead(file, bytes.data(), headerSize, 0) != SQLITE_OK)
+    QByteArray bytes(bytesOfHeader, '\0');
+    if (file == nullptr || file->pMethods->xRead(file, bytes.data(), bytesOfHeader, 0) != SQLITE_OK)
         return {};
     return bytes;
 }

@@ -16,8 +16,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby {
 namespace {
 
-constexpr double mmPerInch = 25.4;
-
 constexpr double longestPageMm = 297;
 // A page wider than it is high would be turned by print filters.
 constexpr double shortestPageMm = receiptPaperMm + 1;

@@ -15,7 +15,6 @@ namespace {
 
 constexpr int largestFontSize = 72;
 
-constexpr double mmPerInch = 25.4;
 constexpr double pointsPerInch = 72;
 
 constexpr double unitsOfPoints(double points)

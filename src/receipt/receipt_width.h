@@ -12,6 +12,7 @@ namespace harrowby {
 /// The length unit of receipts: so fine that fonts keep their widths when sizes are rounded to it.
 inline constexpr int receiptUnitsPerInch = 1200;
 
+inline constexpr double mmPerInch = 25.4;
 inline constexpr double receiptPaperMm = 80;
 inline constexpr double receiptMarginMm = 4; ///< on each side
 inline constexpr int receiptLineCharacters = 63;

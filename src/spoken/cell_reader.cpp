@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "spoken/cell_reader.h"
 
+#include "spoken/combo_reader.h"
 #include "spoken/spoken.h"
 
 #include <QAbstractItemView>
@@ -17,12 +18,6 @@ const QHeaderView *headerOf(const QAbstractItemView &view)
 {
     const auto *tree = qobject_cast<const QTreeView *>(&view);
     return tree != nullptr ? tree->header() : nullptr;
-}
-
-/// The combo box whose popup this list is.
-QComboBox *comboOf(const QAbstractItemView &view)
-{
-    return view.parent() != nullptr ? qobject_cast<QComboBox *>(view.parent()->parent()) : nullptr;
 }
 
 void pick(QComboBox &combo, int row)

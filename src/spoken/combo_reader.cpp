@@ -87,4 +87,9 @@ void ComboReader::doAction(const QString &action)
         combo()->showPopup();
 }
 
+QComboBox *comboOf(const QAbstractItemView &list)
+{
+    return list.parent() != nullptr ? qobject_cast<QComboBox *>(list.parent()->parent()) : nullptr;
+}
+
 } // namespace harrowby

@@ -3,6 +3,7 @@
 
 #include <QAccessibleWidget>
 
+class QAbstractItemView;
 class QComboBox;
 
 namespace harrowby {
@@ -25,5 +26,8 @@ public:
 private:
     [[nodiscard]] QComboBox *combo() const;
 };
+
+/// The combo box whose popup the list is; null when it is none's.
+[[nodiscard]] QComboBox *comboOf(const QAbstractItemView &list);
 
 } // namespace harrowby

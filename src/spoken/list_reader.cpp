@@ -2,6 +2,7 @@
 #include "spoken/list_reader.h"
 
 #include "spoken/cell_reader.h"
+#include "spoken/combo_reader.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -15,11 +16,6 @@ namespace {
 QAccessible::Role roleOf(const QAbstractItemView &view)
 {
     return qobject_cast<const QListView *>(&view) != nullptr ? QAccessible::List : QAccessible::Table;
-}
-
-QComboBox *comboOf(const QAbstractItemView &view)
-{
-    return view.parent() != nullptr ? qobject_cast<QComboBox *>(view.parent()->parent()) : nullptr;
 }
 
 } // namespace

@@ -33,8 +33,8 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, Address &address)
 
 namespace {
 
-constexpr int patience = 30000; // milliseconds
-constexpr int labelledBy = 2;   // of AT-SPI's relations
+constexpr int busPatience = 30000; // milliseconds
+constexpr int labelledBy = 2;      // of AT-SPI's relations
 const QString busName = u"harrowby-screen-reader"_s;
 const QString accessible = u"org.a11y.atspi.Accessible"_s;
 const QString actions = u"org.a11y.atspi.Action"_s;
@@ -72,7 +72,7 @@ bool ScreenReader::start(const QString &display)
     environment.insert(u"DISPLAY"_s, display);
     m_bus.setProcessEnvironment(environment);
     m_bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
-    if (!m_bus.waitForReadyRead(patience))
+    if (!m_bus.waitForReadyRead(busPatience))
         return false;
     const QString address = QString::fromUtf8(m_bus.readLine()).trimmed();
     qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
@@ -121,7 +121,7 @@ QDBusMessage ScreenReader::ask(const Address &whom, const QString &interface, co
 {
     QDBusMessage question = QDBusMessage::createMethodCall(whom.service, whom.path.path(), interface, method);
     question.setArguments(arguments);
-    return bus().call(question, QDBus::Block, patience);
+    return bus().call(question, QDBus::Block, busPatience);
 }
 
 QVariant ScreenReader::property(const Address &whom, const QString &interface, const QString &name) const
@@ -209,7 +209,7 @@ std::optional<Part> ScreenReader::find(const QString &role, const QString &name)
         }
         return found.has_value();
     };
-    if (QTest::qWaitFor(look, patience))
+    if (QTest::qWaitFor(look, busPatience))
         return found;
     qWarning("No %s \"%s\" on the screen, but:", qPrintable(role), qPrintable(name));
     for (const Part &part : everything())

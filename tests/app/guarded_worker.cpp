@@ -21,7 +21,7 @@ namespace harrowby::app::test {
 
 namespace {
 
-constexpr int patience = 30000;
+constexpr int workerPatience = 30000;
 
 QString reasonOf(const std::optional<SqlError> &error)
 {
@@ -134,7 +134,7 @@ void runInFolder(const QString &folder, const QString &commands)
     QProcess shell;
     shell.setWorkingDirectory(folder);
     shell.start(u"sh"_s, {u"-c"_s, u"S=shop.sqlite; O=other.sqlite; "_s + commands});
-    QVERIFY(shell.waitForFinished(patience));
+    QVERIFY(shell.waitForFinished(workerPatience));
     QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
 }
 
@@ -150,7 +150,7 @@ Worker::Worker(const QString &role, const QString &store)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QCoreApplication::applicationFilePath(), {u"app_store_guard_test"_s, u"--work"_s, role, store});
-    if (!m_process.waitForReadyRead(patience) || m_process.readLine() != "ready\n")
+    if (!m_process.waitForReadyRead(workerPatience) || m_process.readLine() != "ready\n")
         qFatal("The worker does not start");
 }
 
@@ -168,13 +168,13 @@ QString Worker::ask(const QString &order)
 void Worker::send(const QString &order)
 {
     m_process.write(order.toUtf8() + '\n');
-    m_process.waitForBytesWritten(patience);
+    m_process.waitForBytesWritten(workerPatience);
 }
 
 QString Worker::hear()
 {
     while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patience))
+        if (!m_process.waitForReadyRead(workerPatience))
             return u"no answer"_s;
     }
     return QString::fromUtf8(m_process.readLine()).chopped(1);
@@ -183,14 +183,15 @@ QString Worker::hear()
 int Worker::close()
 {
     m_process.closeWriteChannel();
-    return m_process.waitForFinished(patience) && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
-                                                                                                 : -1;
+    return m_process.waitForFinished(workerPatience) && m_process.exitStatus() == QProcess::NormalExit
+               ? m_process.exitCode()
+               : -1;
 }
 
 void Worker::kill()
 {
     m_process.kill();
-    m_process.waitForFinished(patience);
+    m_process.waitForFinished(workerPatience);
 }
 
 } // namespace harrowby::app::test

@@ -21,7 +21,7 @@ using namespace harrowby::app::test;
 
 namespace {
 
-const std::chrono::milliseconds shortWait(60);
+const std::chrono::milliseconds soon(60);
 
 } // namespace
 
@@ -52,7 +52,7 @@ private:
     QString path(const QString &name = u"shop.sqlite"_s) const { return m_folder->filePath(name); }
     std::optional<StoreProblem> judge(const QString &file)
     {
-        BusyWait wait(shortWait);
+        BusyWait wait(soon);
         return judgeStore(file, wait);
     }
 
@@ -85,7 +85,7 @@ void OpenTest::lockedByAnotherProgram()
     }
 
     const QByteArray before = bytesOf(path()).file;
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     const auto problem = into(database, openStore(path(), wait));
     QVERIFY(problem);
@@ -115,7 +115,7 @@ void OpenTest::logOfACrashIsRecovered()
     const Bytes before = bytesOf(path());
     QVERIFY(!judge(path()));
     QVERIFY(bytesOf(path()) == before);
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"SELECT StockAvailable FROM StockList"_s), u"7"_s);
@@ -135,7 +135,7 @@ void OpenTest::journalOfACrashIsRecovered()
         copyAsAfterCrash(live, path());
     }
     QVERIFY(QFile(journalOf(path())).size() > 0);
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
@@ -157,7 +157,7 @@ void OpenTest::foreignFileKeepsItsIdentityAndGetsIndexes()
                << u"CREATE INDEX harrowby_purchase_id ON PurchaseCart (Users)"_s;
     runAll(path(), statements);
 
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
@@ -175,7 +175,7 @@ void OpenTest::newerSchemaVersionOpens()
 {
     makeStore(path());
     runAll(path(), {u"PRAGMA user_version = 900"_s, u"ALTER TABLE StockList ADD COLUMN Shelf"_s});
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"PRAGMA user_version"_s), u"900"_s);
@@ -185,7 +185,7 @@ void OpenTest::openStoreIsSetToLoseNothing()
 {
     makeStore(path());
     runAll(path(), {u"PRAGMA journal_mode = DELETE"_s});
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     QVERIFY(!into(database, openStore(path(), wait)));
     QCOMPARE(readText(database.get(), u"PRAGMA journal_mode"_s), u"wal"_s);
@@ -201,7 +201,7 @@ void OpenTest::readerInRollbackModeMeansExtra()
     SqliteStatement reading(reader.get(), u"SELECT * FROM StockList"_s);
     QVERIFY(reading.next());
 
-    BusyWait wait(shortWait);
+    BusyWait wait(soon);
     SqliteDatabase database;
     const auto problem = into(database, openStore(path(), wait));
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
@@ -230,7 +230,7 @@ void OpenTest::openStoreIsUsedAsItIsAndLogged()
     SqliteDatabase database;
     {
         const LogRouting routing(log, false);
-        BusyWait wait(shortWait);
+        BusyWait wait(soon);
         QVERIFY(!into(database, openStore(path(), wait)));
     }
     QCOMPARE(permissionsText(path()), before);

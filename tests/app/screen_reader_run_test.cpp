@@ -13,7 +13,7 @@ using namespace harrowby::app::test;
 
 namespace {
 
-constexpr int patience = 30000;
+constexpr int speechPatience = 30000;
 
 using Told = ScreenReader::Told;
 
@@ -112,7 +112,7 @@ void ScreenReaderRunTest::whatIsSelectedAndFocused()
     const auto strip = m_reader.find(u"page tab list"_s, u"Work areas"_s);
     QVERIFY(m_reader.focus(*strip));
     const auto focusedTabs = [this] { return tabsThat(Focused, m_reader.everything()); };
-    QTRY_COMPARE_WITH_TIMEOUT(focusedTabs(), QStringList{u"Quick Sales"_s}, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(focusedTabs(), QStringList{u"Quick Sales"_s}, speechPatience);
     QCOMPARE(focused(m_reader.everything()), QStringList{u"page tab list Work areas"_s});
 
     // A press on a tab of the other strip leaves the focus where it is, and tells of none.
@@ -217,7 +217,7 @@ void ScreenReaderRunTest::wholeSaleByActions()
     QVERIFY(m_reader.press(u"push button"_s, u"OK"_s));
     QVERIFY(m_reader.find(u"page tab"_s, u"Cart(0)"_s));
     QTRY_COMPARE_WITH_TIMEOUT(column(store(), u"SELECT StockAvailable FROM StockList WHERE StockID = 'TEA-0001'"_s),
-                              QStringList{u"18"_s}, patience);
+                              QStringList{u"18"_s}, speechPatience);
     QCOMPARE(column(store(), u"SELECT PurchasedItems || '/' || Users FROM PurchaseCart"_s),
              QStringList{u"2 x TEA-0001  |  TEA = 5.00/ADMINISTRATOR"_s});
     QVERIFY(m_reader.find(u"link"_s, u"  1"_s));
@@ -238,7 +238,7 @@ void ScreenReaderRunTest::officeIsNamed()
     QVERIFY(m_reader.find(u"combo box"_s, u"Type: ADMINISTRATOR"_s));
     for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Users"_s}) {
         QVERIFY(m_reader.press(u"page tab"_s, page));
-        QTRY_COMPARE_WITH_TIMEOUT(tabsThat(Selected, m_reader.everything()), QStringList{page}, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(tabsThat(Selected, m_reader.everything()), QStringList{page}, speechPatience);
         QCOMPARE(focused(m_reader.everything()).size(), 1);
         for (const Part &part : m_reader.everything()) {
             if (part.is(Editable) || part.role == u"push button"_s || part.role == u"list"_s)

@@ -10,8 +10,6 @@
 using namespace harrowby;
 using namespace Qt::StringLiterals;
 
-Q_DECLARE_METATYPE(DbValue)
-
 namespace {
 
 constexpr int none = 1 << 20;

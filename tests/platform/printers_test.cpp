@@ -44,7 +44,7 @@ for file; do :; done
 cp "$file" "$HOME/printed.pdf"
 )"_s;
 
-const auto filePrinter = u"Receipt file (PDF)"_s;
+const auto receiptFile = u"Receipt file (PDF)"_s;
 
 QString text(const QString &path)
 {
@@ -52,7 +52,7 @@ QString text(const QString &path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-PrintOptions quick()
+PrintOptions quickAnswers()
 {
     PrintOptions options;
     options.listWait = 300ms;
@@ -95,9 +95,9 @@ private Q_SLOTS:
     void theFilePrinterWritesPdfs()
     {
         NativePrinters printers(m_clock);
-        const auto printer = printers.printer(filePrinter);
+        const auto printer = printers.printer(receiptFile);
         QVERIFY(printer);
-        QCOMPARE(printer->deviceName(), filePrinter);
+        QCOMPARE(printer->deviceName(), receiptFile);
         printer->setFontBold(true);
         printer->setFontSize(12);
         printer->printLine(u"HARROWBY STORES"_s);
@@ -115,7 +115,7 @@ private Q_SLOTS:
     void endingNothingDoesNothing()
     {
         NativePrinters printers(m_clock);
-        const auto printer = printers.printer(filePrinter);
+        const auto printer = printers.printer(receiptFile);
         printer->setFontSize(8);
         printer->endDocument();
         QCOMPARE(m_home.receiptFiles(), QStringList());
@@ -129,10 +129,10 @@ private Q_SLOTS:
     void theFontStaysForTheNextJob()
     {
         NativePrinters printers(m_clock);
-        const auto printer = printers.printer(filePrinter);
+        const auto printer = printers.printer(receiptFile);
         printer->setFontSize(7);
         printOn(printer, QString(80, u'-'));
-        printOn(printers.printer(filePrinter), QString(80, u'-'));
+        printOn(printers.printer(receiptFile), QString(80, u'-'));
         for (const QString &file : m_home.receiptFiles())
             QCOMPARE(pdfLines(file), {QString(80, u'-')}); // would wrap at size 10
     }
@@ -140,7 +140,7 @@ private Q_SLOTS:
     void listsTheQueuesAndThenTheFilePrinter()
     {
         NativePrinters printers(m_clock);
-        QCOMPARE(printers.deviceNames(), QStringList({u"till"_s, u"kitchen"_s, u"upstairs"_s, filePrinter}));
+        QCOMPARE(printers.deviceNames(), QStringList({u"till"_s, u"kitchen"_s, u"upstairs"_s, receiptFile}));
         QVERIFY(!printers.printer(u"Till"_s));
         QVERIFY(!printers.printer(u"COM1"_s));
         QVERIFY(!printers.printer({}));
@@ -165,8 +165,8 @@ private Q_SLOTS:
         NativePrinters printers(m_clock, options);
         QVERIFY(printers.deviceNames().contains(u"till"_s));
         m_home.addProgram(u"lpstat"_s, u"[ \"$1\" = -e ] || echo 'bar accepting requests since today'"_s);
-        QCOMPARE(printers.deviceNames(), QStringList({u"bar"_s, filePrinter}));
-        QCOMPARE(printers.current()->deviceName(), filePrinter);
+        QCOMPARE(printers.deviceNames(), QStringList({u"bar"_s, receiptFile}));
+        QCOMPARE(printers.current()->deviceName(), receiptFile);
     }
 
     void theCurrentPrinter()
@@ -222,7 +222,7 @@ private Q_SLOTS:
         QFETCH(const QString, script);
         QFETCH(const QString, reason);
         const LogCapture log;
-        PrintOptions options = quick();
+        PrintOptions options = quickAnswers();
         m_home.addProgram(u"lp"_s, script);
         if (script.isNull())
             options.printProgram = m_home.path(u"no such folder/lp"_s);
@@ -239,7 +239,7 @@ private Q_SLOTS:
         const LogCapture log;
         m_home.addProgram(u"lp"_s, u"exec sleep 60"_s);
         {
-            NativePrinters printers(m_clock, quick());
+            NativePrinters printers(m_clock, quickAnswers());
             printOn(printers.current(), u"for the till"_s);
         }
         QVERIFY(log.hasLine({u"harrowby.print"_s, u"till"_s, m_receipt, u"the program ended"_s}));
@@ -249,7 +249,7 @@ private Q_SLOTS:
     void aQuickHandOverIsStillDoneWhenTheProgramEnds()
     {
         {
-            PrintOptions patient = quick();
+            PrintOptions patient = quickAnswers();
             patient.exitWait = 10s;
             NativePrinters printers(m_clock, patient);
             printOn(printers.current(), u"for the till"_s);
@@ -262,13 +262,13 @@ private Q_SLOTS:
     {
         const LogCapture log;
         m_home.addProgram(u"lpstat"_s, u"exec sleep 60"_s);
-        NativePrinters printers(m_clock, quick());
+        NativePrinters printers(m_clock, quickAnswers());
         QElapsedTimer timer;
         timer.start();
         for (int i = 0; i < 20; ++i) { // all of them together
-            QCOMPARE(printers.deviceNames(), {filePrinter});
+            QCOMPARE(printers.deviceNames(), {receiptFile});
             QVERIFY(!printers.printer(u"till"_s));
-            QCOMPARE(printers.current()->deviceName(), filePrinter);
+            QCOMPARE(printers.current()->deviceName(), receiptFile);
         }
         QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
         QTRY_VERIFY(log.hasLine({u"harrowby.print"_s, u"no answer"_s}));
@@ -276,7 +276,7 @@ private Q_SLOTS:
 
     void theLastListIsServedDuringAHangAndANewOneAfterIt()
     {
-        PrintOptions options = quick();
+        PrintOptions options = quickAnswers();
         options.listFreshness = 0ms;
         NativePrinters printers(m_clock, options);
         QCOMPARE(printers.deviceNames().size(), 4);
@@ -284,7 +284,7 @@ private Q_SLOTS:
         QCOMPARE(printers.deviceNames().size(), 4);
         QCOMPARE(printers.current()->deviceName(), u"till"_s);
         m_home.addProgram(u"lpstat"_s, u"[ \"$1\" = -e ] || echo 'bar accepting requests since today'"_s);
-        QTRY_COMPARE(printers.deviceNames(), QStringList({u"bar"_s, filePrinter}));
+        QTRY_COMPARE(printers.deviceNames(), QStringList({u"bar"_s, receiptFile}));
     }
 
     void withoutAnyPrintServiceThereIsTheFilePrinter()
@@ -292,7 +292,7 @@ private Q_SLOTS:
         PrintOptions options;
         options.listProgram = u"no-such-lpstat"_s;
         NativePrinters printers(m_clock, options);
-        QCOMPARE(printers.deviceNames(), {filePrinter});
+        QCOMPARE(printers.deviceNames(), {receiptFile});
         printOn(printers.current(), u"kept"_s);
         QCOMPARE(pdfLines(m_receipt), {u"kept"_s});
     }

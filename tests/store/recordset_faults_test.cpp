@@ -14,8 +14,6 @@ using namespace Qt::StringLiterals;
 using Access = DbRecordset::Access;
 using Fault = ScriptedConnection::Fault;
 
-Q_DECLARE_METATYPE(ScriptedConnection::Fault)
-
 namespace {
 
 const Statement everything("Select * from StockList");

@@ -14,7 +14,7 @@ using Access = DbRecordset::Access;
 
 namespace {
 
-const Statement everything("Select * from StockList");
+const Statement allRows("Select * from StockList");
 
 QStringList walk(DbRecordset &rows)
 {
@@ -83,7 +83,7 @@ void TestRecordset::walksEveryRow()
     m_connection->fill(count);
     for (const Access access : {Access::Read, Access::Edit}) {
         DbRecordset rows;
-        rows.Open(everything, m_connection, access);
+        rows.Open(allRows, m_connection, access);
         QCOMPARE(rows.RecordCount(), count);
         QCOMPARE(walk(rows), namesOf(count));
         QVERIFY(rows.IsEof());
@@ -110,7 +110,7 @@ void TestRecordset::isEmptyBeforeOpening()
 void TestRecordset::emptyResultHasNoRow()
 {
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QVERIFY(rows.IsEof());
     QCOMPARE(rows.RecordCount(), 0);
     QVERIFY(!rows.HasFailed());
@@ -127,7 +127,7 @@ void TestRecordset::smallResultIsReadOnce()
 {
     m_connection->fill(9);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QCOMPARE(rows.RecordCount(), 9);
     QCOMPARE(walk(rows), namesOf(9));
     QCOMPARE(m_connection->calls.value(u"query"_s), 1);
@@ -140,7 +140,7 @@ void TestRecordset::countingReadsFewRows()
 {
     m_connection->fill(100'000);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QCOMPARE(rows.RecordCount(), 100'000);
     QVERIFY(!rows.IsEof());
     QCOMPARE(m_connection->calls.value(u"query"_s), 1);
@@ -152,19 +152,19 @@ void TestRecordset::countIsAskedOnce()
 {
     m_connection->fill(50);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     for (int i = 0; i < 5; ++i)
         QCOMPARE(rows.RecordCount(), 50);
     QVERIFY(!rows.HasFailed());
     QCOMPARE(m_connection->calls.value(u"countRows"_s), 1);
-    QCOMPARE(m_connection->statements, QStringList({everything.sql(), everything.sql()}));
+    QCOMPARE(m_connection->statements, QStringList({allRows.sql(), allRows.sql()}));
 }
 
 void TestRecordset::readsWholeResultOnlyForARow()
 {
     m_connection->fill(50);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QVERIFY(!rows.IsEof());
     QCOMPARE(m_connection->calls.value(u"query"_s), 1);
     QCOMPARE(rows.Field(u"NAME"_s).text(), u"row 0"_s);
@@ -179,7 +179,7 @@ void TestRecordset::walkingReadsWholeResultWithoutField()
 {
     m_connection->fill(50);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     int steps = 0;
     for (; !rows.IsEof(); rows.MoveNext())
         ++steps;
@@ -192,7 +192,7 @@ void TestRecordset::countStandsWhenTableChanges()
 {
     m_connection->fill(50);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QCOMPARE(rows.RecordCount(), 50);
     m_connection->rows.resize(40);
     QStringList names = walk(rows);
@@ -225,7 +225,7 @@ void TestRecordset::hugeCountFits32Bits()
         [[nodiscard]] QString location() const override { return {}; }
     };
     DbRecordset rows;
-    rows.Open(everything, std::make_shared<Endless>());
+    rows.Open(allRows, std::make_shared<Endless>());
     QCOMPARE(rows.RecordCount(), std::numeric_limits<std::int32_t>::max());
 }
 
@@ -233,7 +233,7 @@ void TestRecordset::openingAgainReplacesRows()
 {
     m_connection->fill(3);
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allRows, m_connection, Access::Edit);
     rows.MoveNext();
     rows.Field(u"name"_s).assign(u"unwritten"_s);
     rows.AddNew();
@@ -258,7 +258,7 @@ void TestRecordset::keepsNoCursor()
     m_connection->fill(count);
     for (const Access access : {Access::Read, Access::Edit}) {
         DbRecordset rows;
-        rows.Open(everything, m_connection, access);
+        rows.Open(allRows, m_connection, access);
         QCOMPARE(m_connection->liveCursors, 0);
         (void)rows.RecordCount();
         QCOMPARE(m_connection->liveCursors, 0);
@@ -275,7 +275,7 @@ void TestRecordset::unknownFieldHasNoValue()
 {
     m_connection->fill(1);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allRows, m_connection);
     QVERIFY(!rows.Field(u"Price"_s).value());
     QCOMPARE(rows.Field(u"Price"_s).text(u"old"_s), u"old"_s);
     QCOMPARE(rows.Field(u"Price"_s).number(-1), -1.0);

@@ -13,7 +13,7 @@ using Fault = ScriptedConnection::Fault;
 
 namespace {
 
-const Statement everything("Select * from StockList");
+const Statement allOfThem("Select * from StockList");
 
 } // namespace
 
@@ -54,7 +54,7 @@ void TestRecordsetWriting::init()
 void TestRecordsetWriting::assignsInOrderAndOnlyAssigned()
 {
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allOfThem, m_connection);
     rows.AddNew();
     rows.Field(u"Name"_s).assign(u"1"_s);
     rows.Field(u"ID"_s).assign(2.5);
@@ -69,7 +69,7 @@ void TestRecordsetWriting::writesTheRowItStandsOn()
 {
     m_connection->fill(60);
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     QVERIFY(m_connection->idsAskedOnFirstRow);
     for (int i = 0; i < 45; ++i)
         rows.MoveNext();
@@ -86,7 +86,7 @@ void TestRecordsetWriting::readsBackWhatItWrote()
 {
     m_connection->fill(2);
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();
     QCOMPARE(rows.Field(u"name"_s).text(), u"new"_s);
@@ -104,7 +104,7 @@ void TestRecordsetWriting::failedUpdateKeepsOldValues()
     m_connection->fill(1);
     m_connection->faults[u"updateRow"_s] = Fault::Failure;
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();
     QCOMPARE(rows.Field(u"Name"_s).text(), u"row 0"_s);
@@ -115,7 +115,7 @@ void TestRecordsetWriting::movingForgetsAssignments()
 {
     m_connection->fill(2);
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.MoveNext();
     rows.Update();
@@ -127,7 +127,7 @@ void TestRecordsetWriting::readAccessCannotChange()
 {
     m_connection->fill(1);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allOfThem, m_connection);
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();
     QCOMPARE(m_connection->calls.value(u"updateRow"_s), 0);
@@ -142,7 +142,7 @@ void TestRecordsetWriting::rowsWithoutIdentityCannotChange()
     m_connection->fill(3);
     m_connection->ids.pop_back(); // fewer identities than rows
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     QCOMPARE(rows.RecordCount(), 3);
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();
@@ -156,7 +156,7 @@ void TestRecordsetWriting::updateWithoutAssignmentsDoesNothing()
 {
     m_connection->fill(1);
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.Update();
     QCOMPARE(m_connection->calls.value(u"updateRow"_s), 0);
     QVERIFY(m_connection->failures.empty());
@@ -165,7 +165,7 @@ void TestRecordsetWriting::updateWithoutAssignmentsDoesNothing()
 void TestRecordsetWriting::assignmentWithoutRowIsDropped()
 {
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.Field(u"Name"_s).assign(u"new"_s);
     QVERIFY(!rows.Field(u"Name"_s).value());
     rows.Update();
@@ -177,7 +177,7 @@ void TestRecordsetWriting::assignmentWithoutRowIsDropped()
 void TestRecordsetWriting::addsToEmptyResult()
 {
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     QCOMPARE(rows.RecordCount(), 0);
     rows.AddNew();
     QVERIFY(!rows.IsEof());
@@ -199,7 +199,7 @@ void TestRecordsetWriting::addsToFoundRow()
 {
     m_connection->fill(2);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allOfThem, m_connection);
     rows.Field(u"Name"_s).assign(u"dropped"_s);
     rows.AddNew();
     QVERIFY(!rows.Field(u"Name"_s).value());
@@ -214,7 +214,7 @@ void TestRecordsetWriting::addsAfterLongResult()
 {
     m_connection->fill(50);
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allOfThem, m_connection);
     rows.AddNew();
     rows.Update();
     rows.MoveNext();
@@ -243,7 +243,7 @@ void TestRecordsetWriting::addingFailsQuietly()
     m_connection->fill(1);
     m_connection->faults[u"insertRow"_s] = Fault::Failure;
     DbRecordset rows;
-    rows.Open(everything, m_connection);
+    rows.Open(allOfThem, m_connection);
     rows.AddNew();
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();
@@ -254,7 +254,7 @@ void TestRecordsetWriting::addingFailsQuietly()
 void TestRecordsetWriting::changingAddedRowFails()
 {
     DbRecordset rows;
-    rows.Open(everything, m_connection, Access::Edit);
+    rows.Open(allOfThem, m_connection, Access::Edit);
     rows.AddNew();
     rows.Field(u"Name"_s).assign(u"new"_s);
     rows.Update();

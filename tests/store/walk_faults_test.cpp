@@ -17,8 +17,6 @@ using namespace Qt::StringLiterals;
 using Access = DbRecordset::Access;
 using Fault = ScriptedConnection::Fault;
 
-Q_DECLARE_METATYPE(ScriptedConnection::Fault)
-
 /// A long result that breaks while its rows are fetched.
 class TestWalkFaults : public QObject
 {

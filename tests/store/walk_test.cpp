@@ -17,8 +17,6 @@ using namespace Qt::StringLiterals;
 using Access = DbRecordset::Access;
 using Fault = ScriptedConnection::Fault;
 
-Q_DECLARE_METATYPE(ScriptedConnection::Fault)
-
 /// A long result whose rows are fetched as its loop goes.
 class TestWalk : public QObject
 {

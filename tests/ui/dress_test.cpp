@@ -35,7 +35,7 @@ using harrowby::test::lightPalette;
 
 namespace {
 
-constexpr int touch = 44;
+constexpr int thumb = 44;
 
 /// What shows a text in the colour that the style sheet gives it. A level and a quick-sale button paint theirs
 /// themselves.
@@ -300,7 +300,7 @@ void DressTest::boxesAreLargeEnoughToTouch()
         const auto buttons = box->findChildren<QPushButton *>();
         QCOMPARE(buttons.size(), 2);
         for (const QPushButton *button : buttons)
-            QVERIFY(button->height() >= touch);
+            QVERIFY(button->height() >= thumb);
     }
 }
 
@@ -388,7 +388,7 @@ void DressTest::hiddenPanelsAreDressedWhenShown()
     QApplication::setPalette(darkPalette());
     window.showWorkArea(WorkArea::ReorderStock);
     QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
-    QVERIFY(button->height() >= touch);
+    QVERIFY(button->height() >= thumb);
     QVERIFY(button->font().bold());
     QCOMPARE(button->grab().toImage().pixelColor(20, 8), Colours::current().accent);
     QCOMPARE(level->palette().color(level->foregroundRole()), Colours::current().price);

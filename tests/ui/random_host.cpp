@@ -26,7 +26,7 @@ namespace harrowby::test {
 
 namespace {
 
-constexpr int items = 30;
+constexpr int knownItems = 30;
 constexpr int mostSteps = 6; ///< in one dialog
 constexpr const char *isLeft = "answeredByAnother";
 const QString cheese = u"12345"_s; ///< stands in the codes with a price inside
@@ -98,7 +98,7 @@ void RandomHost::fillTables()
         m_counter.file.sql(table.making.join(u';'));
     m_counter.file.sql(u"INSERT INTO HarrowbySetting VALUES ('InStoreCode.21', '21IIIIIPPPPPC 2')"_s);
     m_counter.file.addItem(cheese, u"CHEESE"_s, 9.99, 40);
-    for (int item = 0; item < items; ++item)
+    for (int item = 0; item < knownItems; ++item)
         m_counter.file.sql(u"INSERT INTO HarrowbyCode VALUES ('CODE%1', 'A%1', 1), ('CASE%1', 'A%1', 12)"_s.arg(item));
     m_counter.file.sql(u"INSERT INTO HarrowbyCode VALUES ('4006381333931', 'A1', 1), ('036000291452', 'A2', 3), "
                        "('it''s', 'A3', 1), ('100%', 'A4', 1), ('****', 'A5', 1), ('GONE', 'NOBODY', 1)"_s);
@@ -113,7 +113,7 @@ void RandomHost::watch(std::function<void(QRandomGenerator &)> meanwhile, quint3
 
 QString RandomHost::randomCode(QRandomGenerator &random) const
 {
-    const QString number = QString::number(random.bounded(items));
+    const QString number = QString::number(random.bounded(knownItems));
     const std::array known{u"A"_s + number,     u"CODE"_s + number, u"CASE"_s + number, u"4006381333931"_s,
                            u"04006381333931"_s, u"036000291452"_s,  u"2112345019994"_s};
     const std::array odd{u"it's"_s,          u"100%"_s, u"****"_s, u"GONE"_s,       u"' or '1'='1"_s,  u"????"_s,
@@ -217,7 +217,7 @@ void RandomHost::useAnotherTill(QRandomGenerator &random)
     if (chance(random, 20)) {
         (void)app::SearchChoice(m_others, true).choose(chance(random, 50));
     } else if (chance(random, 50) || !all || all->isEmpty()) {
-        const int item = random.bounded(items);
+        const int item = random.bounded(knownItems);
         const CounterLine line{u"A%1"_s.arg(item), u"ITEM %1"_s.arg(10 + item), 1.0 + random.bounded(3), 4.5,
                                chance(random, 30)};
         const QString word =

@@ -36,7 +36,7 @@ QAccessibleInterface *readerOf(QObject *object)
     return QAccessible::queryAccessibleInterface(object);
 }
 
-QString nameOf(QObject *object)
+QString spokenName(QObject *object)
 {
     return readerOf(object)->text(QAccessible::Name);
 }
@@ -321,7 +321,7 @@ void SpokenTest::windowsOfOthersAreLeftAlone()
     QTabBar bar;
     bar.setAccessibleName(u"Theirs"_s);
     bar.addTab(u"One"_s);
-    QCOMPARE(nameOf(&bar), u"One"_s); // as Qt has it
+    QCOMPARE(spokenName(&bar), u"One"_s); // as Qt has it
 }
 
 void SpokenTest::markedWindow()
@@ -355,12 +355,12 @@ void SpokenTest::combosThatTakeNoText()
     speakTruly(&window);
     auto *alone = new QComboBox(&window);
     alone->setAccessibleName(u"Type"_s);
-    QCOMPARE(nameOf(alone), u"Type"_s);
+    QCOMPARE(spokenName(alone), u"Type"_s);
     alone->addItems({u"STAFF"_s, u"MANAGER"_s});
-    QCOMPARE(nameOf(alone), u"Type: STAFF"_s);
+    QCOMPARE(spokenName(alone), u"Type: STAFF"_s);
     const QSignalSpy activated(alone, &QComboBox::activated);
     press(readerOf(alone)->child(0)->child(1));
-    QCOMPARE(nameOf(alone), u"Type: MANAGER"_s);
+    QCOMPARE(spokenName(alone), u"Type: MANAGER"_s);
     QCOMPARE(activated.size(), 1);
 
     auto *labelled = new QComboBox(&window);
@@ -368,7 +368,7 @@ void SpokenTest::combosThatTakeNoText()
     labelled->setAccessibleName(u"Period"_s);
     QLabel label(u"&Period"_s, &window);
     label.setBuddy(labelled);
-    QCOMPARE(nameOf(labelled), u"Today"_s); // its label says what it is for
+    QCOMPARE(spokenName(labelled), u"Today"_s); // its label says what it is for
     const auto labels = readerOf(labelled)->relations(QAccessible::Label);
     QCOMPARE(labels.size(), 1);
     QCOMPARE(labels.first().first->text(QAccessible::Name), u"Period"_s);
@@ -386,14 +386,14 @@ void SpokenTest::boxes()
     for (const auto &[icon, name] : kinds) {
         QMessageBox box(&window);
         box.setIcon(icon);
-        QCOMPARE(nameOf(&box), name);
+        QCOMPARE(spokenName(&box), name);
         QCOMPARE(readerOf(&box)->role(), QAccessible::AlertMessage);
         box.setWindowTitle(u"Store"_s);
-        QCOMPARE(nameOf(&box), u"Store"_s);
+        QCOMPARE(spokenName(&box), u"Store"_s);
     }
     QInputDialog input(&window);
     input.setLabelText(u"Enter new price?"_s);
-    QCOMPARE(nameOf(&input), u"Enter new price?"_s);
+    QCOMPARE(spokenName(&input), u"Enter new price?"_s);
     QCOMPARE(readerOf(&input)->role(), QAccessible::Dialog);
 }
 
@@ -443,8 +443,8 @@ void SpokenTest::everyPartOfTheCounterIsNamed()
     QMainWindow form;
     const Controls controls(form);
     for (PickList *list : form.findChildren<PickList *>()) {
-        QVERIFY2(!nameOf(list).isEmpty(), qPrintable(list->objectName()));
-        QCOMPARE(nameOf(list->lineEdit()), nameOf(list));
+        QVERIFY2(!spokenName(list).isEmpty(), qPrintable(list->objectName()));
+        QCOMPARE(spokenName(list->lineEdit()), spokenName(list));
     }
     for (const QFrame *panel :
          {controls.Frame1, controls.Frame2, controls.Frame3, controls.Frame4, controls.Frame5, controls.Frame7,
@@ -458,7 +458,7 @@ void SpokenTest::everyPartOfTheCounterIsNamed()
         const auto labels = readerOf(controls.Label6.at(static_cast<size_t>(figure)))->relations(QAccessible::Label);
         QCOMPARE(labels.size(), 1);
         QCOMPARE(labels.first().first->text(QAccessible::Name), caption);
-        QCOMPARE(nameOf(controls.Label6.at(static_cast<size_t>(figure))),
+        QCOMPARE(spokenName(controls.Label6.at(static_cast<size_t>(figure))),
                  controls.Label6.at(static_cast<size_t>(figure))->text());
     }
 }

@@ -20,7 +20,7 @@ namespace harrowby {
 
 namespace {
 
-constexpr int cornerRadius = 12;
+constexpr int cardRadius = 12;
 constexpr int padding = 12;
 constexpr int paddingShare = 18; ///< of a narrow card, left and right of its texts
 constexpr int mostNameLines = 3;
@@ -200,7 +200,7 @@ void QuickSaleButton::paintCard(QPainter &painter, const QRectF &card, const Col
         edge = QPen(colours.accent, 3.0);
     painter.setPen(edge);
     painter.setBrush(ground);
-    painter.drawRoundedRect(card, cornerRadius, cornerRadius);
+    painter.drawRoundedRect(card, cardRadius, cardRadius);
 }
 
 void QuickSaleButton::paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const
@@ -213,7 +213,7 @@ void QuickSaleButton::paintBlank(QPainter &painter, const QRect &inside, const C
 void QuickSaleButton::paintBand(QPainter &painter, const QRectF &card, const Face &face, const Colours &colours) const
 {
     QPainterPath shape;
-    shape.addRoundedRect(card, cornerRadius, cornerRadius);
+    shape.addRoundedRect(card, cardRadius, cardRadius);
     painter.save();
     painter.setClipPath(shape);
     const QRectF band(card.left(), card.top(), card.width(), face.bandHeight);
