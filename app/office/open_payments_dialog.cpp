@@ -19,7 +19,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr QSize usualSize(760, 540);
+constexpr QSize paymentsSize(760, 540);
 
 /// One line; the rows of a purchase's items are many.
 QString itemsLine(const QString &items)
@@ -62,7 +62,7 @@ OpenPaymentsDialog::OpenPaymentsDialog(Records &records, QWidget *parent) : QDia
     rows->addWidget(m_outcome);
     rows->addLayout(makeButtons());
     dressDialog(*this);
-    resize(usualSize.boundedTo(screen()->availableSize()));
+    resize(paymentsSize.boundedTo(screen()->availableSize()));
     connect(m_list, &QListWidget::currentRowChanged, this, &OpenPaymentsDialog::readChoices);
     connect(m_purchases, &QListWidget::currentRowChanged, this, &OpenPaymentsDialog::followChoice);
     read();
