@@ -11,7 +11,7 @@ namespace harrowby::app {
 
 namespace {
 
-const auto section = u"Cash"_s;
+const auto cashSection = u"Cash"_s;
 const auto nameKey = u"Drawer"_s;
 
 } // namespace
@@ -28,12 +28,12 @@ QString drawerName(const QString &option, const OfficeSettings &settings)
 
 QString savedDrawerName(const OfficeSettings &settings)
 {
-    return drawerNameOf(settings.get(section, nameKey, {}));
+    return drawerNameOf(settings.get(cashSection, nameKey, {}));
 }
 
 bool saveDrawerName(const OfficeSettings &settings, const QString &name)
 {
-    return settings.save(section, nameKey, drawerNameOf(name));
+    return settings.save(cashSection, nameKey, drawerNameOf(name));
 }
 
 QString drawerNameOf(const QString &typed)
