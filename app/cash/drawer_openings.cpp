@@ -2,6 +2,7 @@
 #include "app/cash/drawer_openings.h"
 
 #include "app/records/record_tables.h"
+#include "basic/text.h"
 
 #include <QUuid>
 
@@ -22,9 +23,7 @@ bool recordOpening(Records &records, const DrawerOpening &opening)
 QString openingReason(const QString &typed)
 {
     constexpr qsizetype longest = 200;
-    QString reason = typed;
-    reason.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
-    return reason.simplified().left(longest).trimmed();
+    return tidyLabel(typed, longest);
 }
 
 } // namespace harrowby::app

@@ -17,11 +17,11 @@ QString trimmedUpper(QStringView text)
     return trimBlanks(text).toUpper();
 }
 
-QString tidyLabel(const QString &typed)
+QString tidyLabel(const QString &typed, qsizetype longest)
 {
     QString label = typed;
     label.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
-    return label.simplified().left(longestLabel).trimmed();
+    return label.simplified().left(longest).trimmed();
 }
 
 } // namespace harrowby

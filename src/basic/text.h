@@ -13,9 +13,9 @@ inline constexpr QLatin1StringView crLf("\r\n");
 /// Trimmed and upper-cased, as names are compared.
 [[nodiscard]] QString trimmedUpper(QStringView text);
 
-/// What a person has typed as the name of something of theirs (a held cart, a drawer): without control characters and
-/// needless blanks, longestLabel characters at most.
-[[nodiscard]] QString tidyLabel(const QString &typed);
+/// Characters of what a person calls something of theirs: a held cart, a drawer.
 inline constexpr qsizetype longestLabel = 40;
+/// What was typed as such a name, or as another text of one line: without control characters and needless blanks.
+[[nodiscard]] QString tidyLabel(const QString &typed, qsizetype longest = longestLabel);
 
 } // namespace harrowby
