@@ -97,12 +97,13 @@ void CashDesk::finish(CounterAnswer answer)
         m_voice.refuse(u"Nothing was sold. Take the money again with \"Cash \u2026\"."_s);
 }
 
-/// A purchase by "Purchase Cart" counts as paid exactly, which need not be said.
+/// A purchase by "Purchase Cart" counts as paid exactly, which need not be said; what was to be given back of the same
+/// cart, undone before, is settled with it.
 void CashDesk::tellPaid(const QList<PaymentPart> &parts, Cents change)
 {
     if (std::exchange(m_isEntered, false))
         sayAmount(paidWords(parts, change));
-    else
+    else if (m_isSaid)
         sayAmount({});
 }
 

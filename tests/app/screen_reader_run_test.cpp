@@ -58,6 +58,7 @@ private Q_SLOTS:
     void officeIsNamed();
 
 private:
+    void askForCash();
     [[nodiscard]] QString store() const { return m_home.filePath(u"shop.sqlite"_s); }
     void logIn();
     [[nodiscard]] bool sell(const QString &quantity);
@@ -187,6 +188,26 @@ bool ScreenReaderRunTest::sell(const QString &quantity)
     return m_reader.press(u"push button"_s, u"TEA, 2.50"_s) && m_reader.find(u"cell"_s, quantity);
 }
 
+/// The change comes up as a notification while it is entered.
+void ScreenReaderRunTest::askForCash()
+{
+    QVERIFY(m_reader.press(u"push button"_s, u"Cash \u2026"_s));
+    QVERIFY(m_reader.find(u"text"_s, u"Cash given"_s));
+    QVERIFY(m_reader.find(u"notification"_s, u"Still to pay: 5.00"_s));
+    for (const Part &part : m_reader.everything())
+        QVERIFY2(part.role != u"push button"_s || !part.name.isEmpty(), qPrintable(part.description));
+    static_cast<void>(m_reader.heard());
+    QVERIFY(m_reader.press(u"push button"_s, u"A note of 20"_s));
+    QVERIFY(m_reader.find(u"notification"_s, u"Change: 15.00"_s));
+    QStringList shown;
+    for (const Told &told : m_reader.heard()) {
+        if (told.what == u"showing"_s && told.detail == 1)
+            shown << m_reader.nameOf(told.whom);
+    }
+    QCOMPARE(shown, QStringList{u"Change: 15.00"_s});
+    QVERIFY(m_reader.press(u"push button"_s, u"Cancel"_s));
+}
+
 void ScreenReaderRunTest::wholeSaleByActions()
 {
     QVERIFY(sell(u"1"_s));
@@ -209,6 +230,7 @@ void ScreenReaderRunTest::wholeSaleByActions()
     QVERIFY(m_reader.sees(u"notification"_s, u"TEA-0001  |  TEA Added to Cart!"_s));
     QVERIFY(m_reader.sees(u"cell"_s, u"TEA-0001  |  TEA"_s));
 
+    askForCash();
     QVERIFY(m_reader.press(u"push button"_s, u"Purchase Cart"_s));
     QVERIFY(m_reader.find(u"alert message"_s, u"Question"_s));
     QCOMPARE(focused(m_reader.everything()), QStringList{u"push button Yes"_s});
@@ -236,7 +258,7 @@ void ScreenReaderRunTest::officeIsNamed()
     QVERIFY(m_reader.press(u"push button"_s, u"Open"_s));
     QVERIFY(m_reader.find(u"list"_s, u"Users"_s));
     QVERIFY(m_reader.find(u"combo box"_s, u"Type: ADMINISTRATOR"_s));
-    for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Users"_s}) {
+    for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Cash"_s, u"Users"_s}) {
         QVERIFY(m_reader.press(u"page tab"_s, page));
         QTRY_COMPARE_WITH_TIMEOUT(tabsThat(Selected, m_reader.everything()), QStringList{page}, speechPatience);
         QCOMPARE(focused(m_reader.everything()).size(), 1);
