@@ -33,6 +33,7 @@ private Q_SLOTS:
     void twoWaysAreTwoRows();
     void answerNoLeavesNothing();
     void partsThatDoNotAddUpArePaidForNothing();
+    void intentOfAnotherSumIsNotTaken();
     void undoneSaleTakesItsPaymentsBack();
     void runMovesOnWithTheDays();
     void endedRunIsNoted();
@@ -167,6 +168,20 @@ void PaymentsTest::partsThatDoNotAddUpArePaidForNothing()
     }
     QCOMPARE(payments(), QStringList());
     QCOMPARE(m_till->cart().size(), 1);
+}
+
+void PaymentsTest::intentOfAnotherSumIsNotTaken()
+{
+    fillCart();
+    CounterPurchase other;
+    answerQuestion(Answer::Yes, [&] {
+        other = {u"HV1"_s, u"1 X A1  |  TEA = 2.50"_s, u"ADMINISTRATOR"_s, 9, {}, CounterPurchase::Row::Written};
+        Q_EMIT counter().purchased(other);
+    });
+    QCOMPARE(m_payments->pay({{cardWay(), 250, 250}}), CounterAnswer::Done);
+    takeEvents();
+    QCOMPARE(file().rows(u"SELECT State, Way, Amount FROM HarrowbyPayment ORDER BY Amount"_s),
+             (QStringList{u"PAID|Cash|250"_s, u"PAID|Cash|900"_s}));
 }
 
 void PaymentsTest::undoneSaleTakesItsPaymentsBack()

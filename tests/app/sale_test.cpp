@@ -128,7 +128,7 @@ void SaleTest::itemIsSold()
     runAll(store(), {u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
                      "StockAvailable, StockUse) VALUES ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s});
     RunningProgram program(m_screen, m_home.path());
-    QVERIFY(program.start({}));
+    QVERIFY(program.start({u"--drawer"_s, u"Front desk"_s}));
     logIn(program, u"administrator"_s, u"pass1"_s);
     QVERIFY(program.press(u"Command1_0"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Label5"_s), u"Total: 2.50"_s, 30000);
@@ -149,6 +149,14 @@ void SaleTest::itemIsSold()
                     u"SELECT PurchasedItems || '/' || PurchasedItemsTotal || '/' || PurchasedItemsCost || '/' || "
                     "Users FROM PurchaseCart"_s),
              QStringList{u"2 x TEA-0001  |  TEA = 5.00/1/5/ADMINISTRATOR"_s});
+    QCOMPARE(column(store(), u"SELECT State || '/' || Way || '/' || Amount || '/' || Drawer || '/' || "
+                             "(PurchaseID = (SELECT PurchaseID FROM PurchaseCart)) FROM HarrowbyPayment"_s),
+             QStringList{u"PAID/Cash/500/Front desk/1"_s});
+    QCOMPARE(column(store(), u"SELECT count(*) FROM HarrowbyRun WHERE EndedAt = ''"_s), QStringList{u"0"_s});
+    QVERIFY(!QFile::exists(store() + u"-runs"_s));
+    // As if that till had been killed before it could write the payment; the next starts see to it.
+    runAll(store(), {u"DELETE FROM HarrowbyPayment"_s,
+                     u"UPDATE HarrowbyRun SET EndedAt = '' WHERE Run = (SELECT max(Run) FROM HarrowbyRun)"_s});
     const QString receipt = receiptText();
     QVERIFY2(receipt.contains(u"Payment Receipt"_s), qPrintable(receipt));
     QVERIFY2(receipt.contains(column(store(), u"SELECT PurchaseID FROM PurchaseCart"_s).constFirst()),
@@ -324,6 +332,9 @@ void SaleTest::rescuedStoreSellsOn()
     const auto login = u"ADMINISTRATOR successfully logged in!"_s;
     const QStringList after = before + QStringList{login, login};
     QCOMPARE(column(store(), u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s), after);
+    QCOMPARE(column(store(), u"SELECT State || '/' || Way || '/' || Amount || '/' || Drawer || '/' || Origin "
+                             "FROM HarrowbyPayment"_s),
+             QStringList{u"PAID/Cash/500/Front desk/2"_s});
 }
 
 void SaleTest::demoShopTellsHowToLogIn()
