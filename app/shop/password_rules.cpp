@@ -23,8 +23,8 @@ bool hasControlCharacter(const QString &text)
     });
 }
 
-/// `what` is "password" or "user name". Other white space than spaces alone is blank too, though the login would take
-/// it.
+/// `what` is "password" or "user name". What holds nothing but white space is blank here, though the login trims spaces
+/// alone.
 Result<void, QString> check(const QString &entry, const QString &what)
 {
     if (entry.trimmed().isEmpty())
