@@ -70,7 +70,7 @@ QLayout *CashPage::makeShop()
     auto *rows = new QVBoxLayout;
     rows->setSpacing(8);
     rows->addWidget(
-        makeOfficeText(this, u"In every till of this shop. Commas between the ways, blanks between the notes."_s));
+        makeOfficeText(this, u"For every till of this shop. Commas between the ways, blanks between the notes."_s));
     rows->addLayout(form);
     rows->addStretch(1);
     return rows;
@@ -85,7 +85,7 @@ QLayout *CashPage::makeMachine()
     form->addRow(u"Name of the &drawer:"_s, m_drawer);
     auto *rows = new QVBoxLayout;
     rows->setSpacing(8);
-    rows->addWidget(makeOfficeText(this, u"At this computer. Each payment is kept with the name of its drawer."_s));
+    rows->addWidget(makeOfficeText(this, u"For this computer. Each payment is kept with the name of its drawer."_s));
     rows->addLayout(form);
     rows->addStretch(1);
     return rows;

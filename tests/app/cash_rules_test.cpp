@@ -210,7 +210,14 @@ void CashRulesTest::chargeIsNeverMoreThanIsDue()
     tender.addNote(2000);
     QCOMPARE(tender.charge(u"Card"_s), Tender::Charged::TooMuch);
     QCOMPARE(tender.given(), 2000);
+    for (const QChar key : u"1251"_s)
+        tender.type(key);
+    QCOMPARE(tender.charge(u"Card"_s), Tender::Charged::TooMuch);
     QVERIFY(tender.charged().isEmpty());
+    tender.erase();
+    tender.type(u'0');
+    QCOMPARE(tender.charge(u"Card"_s), Tender::Charged::Done);
+    QCOMPARE(tender.due(), 0);
 }
 
 void CashRulesTest::chargeIsTakenBack()
