@@ -4,8 +4,11 @@
 cmake_minimum_required(VERSION 3.25)
 
 file(STRINGS ${SOURCE_DIR}/ARCHITECTURE.md lines)
-file(GLOB_RECURSE files LIST_DIRECTORIES FALSE RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/src/* ${SOURCE_DIR}/app/*
-    ${SOURCE_DIR}/plugins/* ${SOURCE_DIR}/tables/* ${SOURCE_DIR}/include/* ${SOURCE_DIR}/tests/* ${SOURCE_DIR}/bench/* ${SOURCE_DIR}/script/*)
+set(files)
+foreach(folder src app plugins tables include tests bench script docs)
+    file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/${folder}/*)
+    list(APPEND files ${found})
+endforeach()
 set(wrong)
 
 # Sets `text` to what a file holds, and with it its header or source.
@@ -26,7 +29,7 @@ function(check_leaned leaned)
     string(REGEX MATCHALL "`[^`]+`" tokens "${leaned}")
     foreach(token IN LISTS tokens)
         string(REPLACE "`" "" token "${token}")
-        if(token MATCHES "\\.(cpp|h|qss|qml)$|^script/")
+        if(token MATCHES "\\.(cpp|h|qss|qml|md)$|^script/")
             string(REPLACE "." "\\." pattern "${token}")
             set(found ${files})
             list(FILTER found INCLUDE REGEX "(^|/)${pattern}$")
