@@ -14,14 +14,42 @@
 #include <QDialogButtonBox>
 #include <QFrame>
 #include <QLabel>
+#include <QSet>
 #include <QTabBar>
 
 namespace harrowby {
 
 namespace {
 
-constexpr auto mark = "harrowbySpeaksTruly";
-constexpr auto outcomeMark = "harrowbySpeaksOutcomes";
+/// Widgets that were marked, until they are destroyed. Qt makes an interface for each widget when it first tells of it,
+/// whether or not anybody listens, and a property takes long to look up.
+class Marks
+{
+public:
+    void add(QObject *object)
+    {
+        if (contains(object))
+            return;
+        m_marked.insert(object);
+        QObject::connect(object, &QObject::destroyed, [this](const QObject *gone) { m_marked.remove(gone); });
+    }
+    [[nodiscard]] bool contains(const QObject *object) const { return m_marked.contains(object); }
+
+private:
+    QSet<const QObject *> m_marked;
+};
+
+Marks &windows()
+{
+    static auto *const marks = new Marks; // for good: a host's static window may go after all else
+    return *marks;
+}
+
+Marks &outcomeLabels()
+{
+    static auto *const marks = new Marks; // for good: a host's static window may go after all else
+    return *marks;
+}
 
 class OutcomeReader final : public QAccessibleWidget
 {
@@ -36,35 +64,50 @@ public:
 bool isMarked(const QObject *object)
 {
     for (; object != nullptr; object = object->parent()) {
-        if (dynamic_cast<const SpokenParts *>(object) != nullptr || object->property(mark).isValid())
+        if (windows().contains(object) || dynamic_cast<const SpokenParts *>(object) != nullptr)
             return true;
     }
     return false;
 }
 
-QAccessibleInterface *readerOf(QWidget *widget)
+using Maker = QAccessibleInterface *(*)(QWidget *);
+
+template <typename Reader, typename Widget>
+QAccessibleInterface *make(QWidget *widget)
 {
-    if (auto *bar = qobject_cast<QTabBar *>(widget))
-        return new TabBarReader(bar);
-    if (auto *combo = qobject_cast<QComboBox *>(widget))
-        return new ComboReader(combo);
-    if (auto *box = qobject_cast<QDialogButtonBox *>(widget))
-        return new ButtonBoxReader(box);
-    if (auto *dialog = qobject_cast<QDialog *>(widget))
-        return new DialogReader(dialog);
+    return new Reader(static_cast<Widget *>(widget));
+}
+
+QAccessibleInterface *makeGrouping(QWidget *widget)
+{
+    return new QAccessibleWidget(widget, QAccessible::Grouping);
+}
+
+/// Null for a widget of another kind.
+Maker makerFor(const QWidget *widget)
+{
+    if (qobject_cast<const QTabBar *>(widget) != nullptr)
+        return make<TabBarReader, QTabBar>;
+    if (qobject_cast<const QComboBox *>(widget) != nullptr)
+        return make<ComboReader, QComboBox>;
+    if (qobject_cast<const QDialogButtonBox *>(widget) != nullptr)
+        return make<ButtonBoxReader, QDialogButtonBox>;
+    if (qobject_cast<const QDialog *>(widget) != nullptr)
+        return make<DialogReader, QDialog>;
     if (ListReader::knows(widget))
-        return new ListReader(static_cast<QAbstractItemView *>(widget));
+        return make<ListReader, QAbstractItemView>;
     // Qt gives a QFrame with children the role of a window.
     const bool panel = widget->metaObject() == &QFrame::staticMetaObject || widget->inherits("harrowby::Panel");
-    return panel ? new QAccessibleWidget(widget, QAccessible::Grouping) : nullptr;
+    return panel ? makeGrouping : nullptr;
 }
 
 QAccessibleInterface *makeReader(const QString &, QObject *object)
 {
     if (auto *label = qobject_cast<QLabel *>(object))
-        return label->property(outcomeMark).isValid() ? new OutcomeReader(label) : nullptr;
+        return outcomeLabels().contains(label) ? new OutcomeReader(label) : nullptr;
     auto *widget = qobject_cast<QWidget *>(object);
-    return widget != nullptr && isMarked(widget) ? readerOf(widget) : nullptr;
+    const Maker maker = widget != nullptr ? makerFor(widget) : nullptr;
+    return maker != nullptr && isMarked(widget) ? maker(widget) : nullptr;
 }
 
 void installReaders()
@@ -92,7 +135,7 @@ void speakTruly(QWidget *window)
         for (QWidget *widget : window->findChildren<QWidget *>())
             forget(widget);
     }
-    window->setProperty(mark, true);
+    windows().add(window);
 }
 
 SpokenParts::SpokenParts()
@@ -107,10 +150,10 @@ void reportOutcome(QLabel *label, const QString &text)
     label->setText(text);
     if (text.isEmpty() || !QAccessible::isActive())
         return;
-    if (!label->property(outcomeMark).isValid()) {
+    if (!outcomeLabels().contains(label)) {
         installReaders();
         forget(label);
-        label->setProperty(outcomeMark, true);
+        outcomeLabels().add(label);
     }
     // Screen readers announce a notification when it appears; Qt 6.4 has no announcement event.
     QAccessibleEvent shown(label, QAccessible::ObjectShow);
