@@ -27,7 +27,7 @@ struct Column
     QString heading;
     Kind kind = Kind::Text;
     bool stretches = false; ///< takes the room that the others leave
-    int letters = 0;        ///< room for so many, where its kind usually has less
+    int letters = 0; ///< room for so many, where its kind usually has less; the others give way to one that stretches
 };
 
 struct Table

@@ -138,7 +138,7 @@ bool TableView::isNarrow() const
     const std::vector<Column> &columns = m_model->table().columns;
     const int letter = fontMetrics().averageCharWidth();
     const int taken = std::accumulate(columns.begin(), columns.end(), 0, [&](int sum, const Column &column) {
-        return sum + (column.stretches ? lettersOfStretching * letter : usualWidth(column));
+        return sum + (column.stretches ? std::max(lettersOfStretching, column.letters) * letter : usualWidth(column));
     });
     return taken > viewport()->width();
 }

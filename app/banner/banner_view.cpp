@@ -14,7 +14,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int besides = 8; ///< left and right of the text
+constexpr int besides = 6; ///< left and right of the text
 constexpr int above = 2;
 
 QString toneName(BannerTone tone, bool isEmpty)

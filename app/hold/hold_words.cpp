@@ -2,6 +2,7 @@
 #include "app/hold/hold_words.h"
 
 #include "basic/numbers.h"
+#include "basic/text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -51,7 +52,7 @@ tables::Table heldTable(const QList<HeldCart> &carts)
 {
     using tables::Kind;
     tables::Table table;
-    table.columns = {{u"Held as"_s, Kind::Text, true},
+    table.columns = {{u"Held as"_s, Kind::Text, true, static_cast<int>(longestLabel)},
                      {u"Since"_s, Kind::Text, false},
                      {u"By"_s, Kind::Text, false},
                      {u"Lines"_s, Kind::Count, false},
@@ -66,10 +67,12 @@ tables::Table misfitTable(const std::vector<CounterMisfit> &misfits)
 {
     using tables::Kind;
     tables::Table table;
-    table.columns = {{u"Item"_s, Kind::Text, true},
+    constexpr int lettersOfName = 30;
+    constexpr int lettersOfReason = 40;
+    table.columns = {{u"Item"_s, Kind::Text, true, lettersOfName},
                      {u"Was"_s, Kind::Text, false},
                      {u"Now"_s, Kind::Text, false},
-                     {u"Why"_s, Kind::Text, false}};
+                     {u"Why"_s, Kind::Text, false, lettersOfReason}};
     for (const CounterMisfit &misfit : misfits)
         table.rows.push_back({misfit.line.name,
                               u"%1 for %2"_s.arg(plainText(misfit.line.quantity), formatMoney(misfit.line.cost)),

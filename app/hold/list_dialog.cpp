@@ -9,7 +9,6 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -20,7 +19,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr QSize usualSize(760, 480);
+constexpr QSize usualSize(880, 520);
 
 } // namespace
 
@@ -31,10 +30,11 @@ ListDialog::ListDialog(const Words &words, tables::Table table, QWidget *parent)
     enlargeFont(*this);
     m_view->setObjectName(u"list"_s);
     m_view->setAccessibleName(words.tableName);
-    m_view->show(std::move(table), words.sortedBy, Qt::AscendingOrder);
     layOut(words);
     dressDialog(*this);
-    resize(usualSize.boundedTo(screen()->availableSize()));
+    resize(usualSize.boundedTo(roomFor(*this)));
+    m_view->ensurePolished(); // widths are measured in its letters
+    m_view->show(std::move(table), words.sortedBy, Qt::AscendingOrder);
     if (!m_view->table().rows.empty())
         m_view->setCurrentIndex(m_view->model()->index(0, 0));
     m_view->setFocus();

@@ -19,7 +19,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -47,7 +46,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
     layOut(new UsersPage(database, this), store);
     dressDialog(*this);
-    resize(usualSize.boundedTo(screen()->availableSize()));
+    resize(usualSize.boundedTo(roomFor(*this)));
 }
 
 OfficeWindow::~OfficeWindow() = default;

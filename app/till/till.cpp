@@ -62,9 +62,10 @@ void Till::furnish()
     m_drawer.furnish();
 }
 
-/// Stands there until the cart changes again.
+/// Stands there until the cart changes again. What was said of a code before it is over.
 void Till::sayOfCart(const QString &text, bool isRefusal)
 {
+    m_banner.clear(BannerTopic::Code);
     m_banner.say(BannerTopic::Cart, text, isRefusal ? BannerTone::Refused : BannerTone::Plain);
     m_sayingOfCart = !isRefusal;
 }

@@ -21,7 +21,10 @@ QString tidyLabel(const QString &typed, qsizetype longest)
 {
     QString label = typed;
     label.removeIf([](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
-    return label.simplified().left(longest).trimmed();
+    label = label.simplified().left(longest).trimmed();
+    if (!label.isEmpty() && label.back().isHighSurrogate())
+        label.chop(1); // half a character, which a file would not give back
+    return label;
 }
 
 } // namespace harrowby

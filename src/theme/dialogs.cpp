@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QWidget>
 
 #include <algorithm>
@@ -60,6 +61,12 @@ void enlargeFont(QWidget &window)
     QFont font = window.font();
     font.setPointSizeF(std::max(font.pointSizeF(), readablePoints));
     window.setFont(font);
+}
+
+QSize roomFor(const QWidget &window)
+{
+    constexpr QSize frame(12, 40); // of a window manager with large letters
+    return window.screen()->availableSize() - frame;
 }
 
 void makeTouchSized(QWidget &window)

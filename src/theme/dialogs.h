@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QSize>
+
 class QFormLayout;
 class QMessageBox;
 class QPushButton;
@@ -21,6 +23,9 @@ void makePrimary(QPushButton &button);
 
 /// Sets the window's font, large enough to be read at arm's length. Called before sizes are computed from it.
 void enlargeFont(QWidget &window);
+
+/// What a window may take on its screen, with a frame around it.
+[[nodiscard]] QSize roomFor(const QWidget &window);
 
 /// Gives the buttons of a window without the till's theme touch size.
 void makeTouchSized(QWidget &window);

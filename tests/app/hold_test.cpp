@@ -63,6 +63,7 @@ private Q_SLOTS:
     void cartThatStaysAtTheCounterIsTold_data();
     void cartThatStaysAtTheCounterIsTold();
     void everythingIsLargeEnoughAndNamed();
+    void wordsAndReasonsAreNotCut();
     void nextWindowGetsTheButtons();
 };
 
@@ -78,6 +79,7 @@ void HoldTest::wordsAreTidied_data()
     QTest::newRow("quotes and signs") << u"O'NEIL 100% * \"x\""_s << u"O'NEIL 100% * \"x\""_s;
     QTest::newRow("NUL") << u"A"_s + QChar(u'\0') + u"B\u0007"_s << u"AB"_s;
     QTest::newRow("long") << QString(10'000, u'x') << QString(40, u'x');
+    QTest::newRow("half a character at the end") << QString(39, u'x') + u"\U0001F34E"_s << QString(39, u'x');
 }
 
 void HoldTest::wordsAreTidied()
@@ -339,6 +341,27 @@ void HoldTest::everythingIsLargeEnoughAndNamed()
     }
     QVERIFY(letters.contains(u"H"_s) && letters.contains(u"E"_s));
     QCOMPARE(letters.removeDuplicates(), 0);
+}
+
+/// In the lists, on the smallest screen.
+void HoldTest::wordsAndReasonsAreNotCut()
+{
+    CounterMisfit misfit;
+    misfit.line = {u"A1"_s, u"BATTERIES"_s, 12, 1234.5, false};
+    misfit.reason = CounterMisfit::Reason::NotRead;
+    const HeldCart cart{u"id"_s, u"The lady with the red coat"_s, QDateTime::currentDateTime(), u"CASHIER"_s, 12,
+                        1234.5};
+    for (const tables::Table &table : {heldTable({cart}), misfitTable({misfit})}) {
+        ListDialog list(ListDialog::Words{u"Recall"_s, u"Which?"_s, u"Carts"_s, u"&Recall"_s, 1}, table, nullptr);
+        list.resize(788, 560);
+        list.show();
+        const auto *view = list.findChild<tables::TableView *>();
+        for (int column = 0; column < view->model()->columnCount(); ++column) {
+            const QModelIndex cell = view->model()->index(0, column);
+            const int text = view->fontMetrics().horizontalAdvance(cell.data().toString());
+            QVERIFY2(view->visualRect(cell).width() > text + 8, qPrintable(cell.data().toString()));
+        }
+    }
 }
 
 void HoldTest::nextWindowGetsTheButtons()

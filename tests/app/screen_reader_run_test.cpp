@@ -54,6 +54,7 @@ private Q_SLOTS:
     void whatIsSelectedAndFocused();
     void whatThingsAreCalled();
     void pageTurnIsToldOnce();
+    void cartHeldAndRecalledByActions();
     void wholeSaleByActions();
     void officeIsNamed();
 
@@ -186,6 +187,31 @@ void ScreenReaderRunTest::pageTurnIsToldOnce()
 bool ScreenReaderRunTest::sell(const QString &quantity)
 {
     return m_reader.press(u"push button"_s, u"TEA, 2.50"_s) && m_reader.find(u"cell"_s, quantity);
+}
+
+void ScreenReaderRunTest::cartHeldAndRecalledByActions()
+{
+    QVERIFY(sell(u"1"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Hold"_s));
+    QVERIFY(m_reader.find(u"dialog"_s, u"Hold"_s));
+    QCOMPARE(focused(m_reader.everything()), QStringList{u"text Word or number"_s});
+    QVERIFY(m_reader.enter(u"text"_s, u"Word or number"_s, u"MARY"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Hold"_s)); // the dialog's
+    QVERIFY(m_reader.find(u"page tab"_s, u"Cart(0)"_s));
+    QVERIFY(m_reader.find(u"notification"_s, u"Held as \"MARY\"."_s));
+    QCOMPARE(column(store(), u"SELECT Word || '/' || HeldBy || '/' || Total FROM HarrowbyHeld"_s),
+             QStringList{u"MARY/ADMINISTRATOR/2.5"_s});
+
+    QVERIFY(m_reader.press(u"push button"_s, u"Recall"_s));
+    QVERIFY(m_reader.find(u"table"_s, u"Held carts"_s));
+    QVERIFY(m_reader.sees(u"cell"_s, u"MARY"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Recall"_s));
+    QVERIFY(m_reader.find(u"notification"_s, u"\"MARY\" is back in the cart."_s));
+    QVERIFY(m_reader.find(u"cell"_s, u"TEA-0001  |  TEA"_s));
+    QCOMPARE(column(store(), u"SELECT count(*) FROM HarrowbyHeld"_s), QStringList{u"0"_s});
+    QVERIFY(m_reader.press(u"push button"_s, u"Clear Cart"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Yes"_s));
+    QVERIFY(m_reader.find(u"page tab"_s, u"Cart(0)"_s));
 }
 
 /// The change comes up as a notification while it is entered.
