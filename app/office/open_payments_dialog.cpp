@@ -42,6 +42,13 @@ QString choiceWords(const IntentChoice &choice)
                                    choice.purchaseId, itemsLine(choice.items));
 }
 
+/// The tool tip has all items.
+void addRow(QListWidget &list, const QString &text, const QString &items)
+{
+    auto *row = new QListWidgetItem(text, &list);
+    row->setToolTip(items.toHtmlEscaped());
+}
+
 } // namespace
 
 OpenPaymentsDialog::OpenPaymentsDialog(Records &records, QWidget *parent) : QDialog(parent), m_intents(records)
@@ -74,6 +81,9 @@ QListWidget *OpenPaymentsDialog::makeList(const QString &objectName, const QStri
     auto *list = new QListWidget(this);
     list->setObjectName(objectName);
     list->setAccessibleName(spoken);
+    list->setWordWrap(true);
+    list->setResizeMode(QListView::Adjust);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     return list;
 }
 
@@ -103,7 +113,7 @@ void OpenPaymentsDialog::read()
     m_payments = open.value_or(QList<Payment>());
     m_list->clear();
     for (const Payment &payment : std::as_const(m_payments))
-        m_list->addItem(paymentWords(payment));
+        addRow(*m_list, paymentWords(payment), payment.items);
     if (!m_payments.isEmpty())
         m_list->setCurrentRow(0);
     readChoices();
@@ -118,7 +128,7 @@ void OpenPaymentsDialog::readChoices()
         payment != nullptr ? m_intents.choicesFor(*payment).value_or(QList<IntentChoice>()) : QList<IntentChoice>();
     m_purchases->clear();
     for (const IntentChoice &choice : std::as_const(m_choices))
-        m_purchases->addItem(choiceWords(choice));
+        addRow(*m_purchases, choiceWords(choice), choice.items);
     followChoice();
 }
 
