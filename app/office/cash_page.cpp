@@ -5,6 +5,7 @@
 #include "app/cash/drawer_name.h"
 #include "app/cash/open_intents.h"
 #include "app/codes/code_table.h"
+#include "app/office/drawer_settings_dialog.h"
 #include "app/office/open_payments_dialog.h"
 #include "theme/dialogs.h"
 
@@ -83,10 +84,14 @@ QLayout *CashPage::makeMachine()
     form->setVerticalSpacing(8);
     form->setRowWrapPolicy(QFormLayout::WrapAllRows);
     form->addRow(u"Name of the &drawer:"_s, m_drawer);
+    auto *opening = new QPushButton(u"&Printer That Opens It \u2026"_s, this);
+    opening->setObjectName(u"drawerSettings"_s);
+    connect(opening, &QPushButton::clicked, this, &CashPage::chooseDrawer);
     auto *rows = new QVBoxLayout;
     rows->setSpacing(8);
     rows->addWidget(makeOfficeText(this, u"For this computer. Each payment is kept with the name of its drawer."_s));
     rows->addLayout(form);
+    rows->addWidget(opening, 0, Qt::AlignLeft);
     rows->addStretch(1);
     return rows;
 }
@@ -149,6 +154,12 @@ void CashPage::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
     if (!event->spontaneous())
         countOpen();
+}
+
+void CashPage::chooseDrawer()
+{
+    if (DrawerSettingsDialog(m_settings, this).exec() == QDialog::Accepted)
+        showOutcome(*m_outcome, u"Saved. The drawer's printer counts when the till is started the next time."_s);
 }
 
 void CashPage::countOpen()

@@ -39,6 +39,7 @@ private:
     void save();
     void countOpen();
     void showOpen();
+    void chooseDrawer();
 
     Records &m_records;
     OfficeSettings m_settings;

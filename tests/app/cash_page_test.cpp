@@ -2,9 +2,12 @@
 #include "app/cash/cash_choices.h"
 #include "app/records/record_tables.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/false_print_service.h"
 #include "tests/app/office_desk.h"
 #include "tests/program/test_program.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -28,6 +31,8 @@ private Q_SLOTS:
     void wrongEntriesAreToldOf();
     void failedSaveIsTold();
     void drawerIsNamed();
+    void drawerIsSwitchedOn();
+    void drawerIsTried();
     void changesAreAskedAbout();
     void openPaymentsAreCounted();
     void openPaymentFindsItsSale();
@@ -108,6 +113,61 @@ void CashPageTest::drawerIsNamed()
     press("saveCash");
     QCOMPARE(m_saved.value(u"Cash/Drawer"_s), u"Front desk"_s);
     QCOMPARE(part<QLineEdit>("drawerName")->text(), u"Front desk"_s);
+}
+
+void CashPageTest::drawerIsSwitchedOn()
+{
+    FalsePrintService service;
+    service.answerList(u"kitchen\ntill"_s);
+    openPage();
+    inNextDialog([](QDialog &dialog) {
+        auto *queue = dialog.findChild<QComboBox *>(u"drawerQueue"_s);
+        auto *save = dialog.findChild<QPushButton *>(u"saveDrawer"_s);
+        QVERIFY(!queue->isEnabled());
+        QTRY_COMPARE(queue->count(), 2); // in the background
+        QCOMPARE(queue->currentText(), QString());
+        dialog.findChild<QCheckBox *>(u"drawerOn"_s)->setChecked(true);
+        save->click();
+        QCOMPARE(dialog.findChild<QLabel *>(u"drawerOutcome"_s)->text(),
+                 u"\u26a0 Choose the printer that the drawer hangs on."_s);
+        QVERIFY(dialog.isVisible());
+        queue->setCurrentIndex(1);
+        dialog.findChild<QComboBox *>(u"drawerPin"_s)->setCurrentIndex(1);
+        dialog.findChild<QComboBox *>(u"drawerPulse"_s)->setCurrentIndex(0);
+        save->click();
+    });
+    press("drawerSettings");
+    QVERIFY(part<QLabel>("cashOutcome")->text().startsWith(u"Saved."_s));
+    QCOMPARE(m_saved.value(u"Drawer/On"_s), u"1"_s);
+    QCOMPARE(m_saved.value(u"Drawer/Queue"_s), u"till"_s);
+    QCOMPARE(m_saved.value(u"Drawer/Pin"_s), u"5"_s);
+    QCOMPARE(m_saved.value(u"Drawer/Pulse"_s), u"20"_s);
+    QVERIFY(!m_saved.contains(u"Drawer/Pause"_s));
+}
+
+void CashPageTest::drawerIsTried()
+{
+    FalsePrintService service;
+    service.answerList(QString());
+    openPage();
+    inNextDialog([&service](QDialog &dialog) {
+        auto *outcome = dialog.findChild<QLabel *>(u"drawerOutcome"_s);
+        auto *attempt = dialog.findChild<QPushButton *>(u"tryDrawer"_s);
+        QVERIFY(!attempt->isEnabled());
+        dialog.findChild<QCheckBox *>(u"drawerOn"_s)->setChecked(true);
+        dialog.findChild<QComboBox *>(u"drawerQueue"_s)->setEditText(u"till"_s);
+        service.answerLp(u"echo 'lp: no such printer' >&2; exit 1"_s);
+        attempt->click();
+        QVERIFY(!attempt->isEnabled()); // one at a time
+        QTRY_COMPARE(outcome->text(), u"\u26a0 Not opened: lp: no such printer"_s);
+        service.reset();
+        attempt->click();
+        QTRY_VERIFY(outcome->text().startsWith(u"The printer has taken it."_s));
+        dialog.reject();
+    });
+    press("drawerSettings");
+    QCOMPARE(service.printed(), QByteArray("\x1bp\0\x19\xfa", 5));
+    QVERIFY(m_saved.isEmpty());
 }
 
 void CashPageTest::changesAreAskedAbout()

@@ -45,6 +45,11 @@ void FalsePrintService::answerLp(const QString &script) const
         write(u"lp"_s, script);
 }
 
+void FalsePrintService::answerList(const QString &lines) const
+{
+    write(u"lpstat"_s, u"cat <<'END'\n%1\nEND"_s.arg(lines));
+}
+
 void FalsePrintService::answerCancel(const QString &script) const
 {
     write(u"cancel"_s, script);

@@ -24,6 +24,8 @@ public:
     /// The lines of a shell script that runs in its place, after the call has been noted; "-": there is no such
     /// program.
     void answerLp(const QString &script) const;
+    /// What lpstat says, instead of the jobs.
+    void answerList(const QString &lines) const;
     void answerCancel(const QString &script) const;
     /// The programs of the system count again.
     void leave() const;
