@@ -55,7 +55,9 @@ DrawerSettingsDialog::DrawerSettingsDialog(OfficeSettings settings, QWidget *par
     form->setVerticalSpacing(12);
     form->addRow(m_on);
     form->addRow(u"&Printer that it hangs on:"_s, m_queue);
-    form->addRow(u"P&in of its plug, pulse, rest:"_s, makeTimes());
+    auto *times = new QLabel(u"P&in of its plug, pulse, rest:"_s, this);
+    times->setBuddy(m_pin);
+    form->addRow(times, makeTimes());
     centreCaptions(*form);
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(16, 16, 16, 12);
