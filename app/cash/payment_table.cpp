@@ -136,9 +136,11 @@ bool PaymentTable::record(const Payment &payment)
         const auto own = withId(payment.id);
         if (!own)
             m_records.tellNotTried(kept::payment(), own.error());
-        if (!own || !makeRoom(payment))
+        const auto room = own ? makeRoom(payment) : std::nullopt;
+        if (!room)
             return false;
-        return *own ? assign(payment.id, payment.purchaseId, PaymentOrigin::Till) : insert(payment);
+        const bool isWritten = *own ? assign(payment.id, payment.purchaseId, PaymentOrigin::Till) : insert(payment);
+        return isWritten && (*room || takeBackOne(payment.id, back_why::gone(), payment.taken));
     });
     return kept && *kept;
 }
@@ -185,32 +187,39 @@ bool PaymentTable::assign(const QString &id, const QString &purchaseId, PaymentO
                   {purchaseId, wordOf(State::Paid), std::int64_t(origin), id});
 }
 
-bool PaymentTable::makeRoom(const Payment &payment)
+/// Whether there is a purchase for it: another till may have deleted all of its ID by now. Empty when it failed.
+std::optional<bool> PaymentTable::makeRoom(const Payment &payment)
 {
     const auto paid = ofPurchase(payment.purchaseId);
-    if (!paid) {
-        m_records.tellNotTried(kept::payment(), paid.error());
-        return false;
-    }
-    QList<Payment> others = *paid;
-    others.removeIf([&](const Payment &one) { return one.id == payment.id; });
-    const auto guess = std::find_if(others.cbegin(), others.cend(), [&](const Payment &one) {
-        return one.origin != PaymentOrigin::Till && one.total == payment.total;
-    });
-    if (guess == others.cend())
-        return true;
-    const auto purchases =
-        m_records.read({u"select count(*) from PurchaseCart where PurchaseID = ?"_s, {payment.purchaseId}});
+    const auto purchases = paid ? m_records.read({u"select PurchasedItemsCost from PurchaseCart where PurchaseID = ?"_s,
+                                                  {payment.purchaseId}})
+                                : Answer<QList<RecordRow>>(Unexpected(paid.error()));
     if (!purchases) {
         m_records.tellNotTried(kept::payment(), purchases.error());
-        return false;
+        return {};
     }
-    if (others.size() < recordNumber(purchases->value(0).value(0)))
-        return true;
-    if (guess->origin == PaymentOrigin::Counted)
-        return change(u"delete from HarrowbyPayment where PaymentID = ?"_s, {guess->id});
+    const auto isSame = [&](const Payment &one) { return one.id != payment.id && one.total == payment.total; };
+    const auto others = std::count_if(paid->cbegin(), paid->cend(), isSame);
+    const auto there = std::count_if(purchases->cbegin(), purchases->cend(), [&](const RecordRow &row) {
+        return centsOf(recordReal(row.constFirst())) == payment.total;
+    });
+    const auto guess = std::find_if(paid->cbegin(), paid->cend(), [&](const Payment &one) {
+        return isSame(one) && one.origin != PaymentOrigin::Till;
+    });
+    if (others < there || guess == paid->cend())
+        return others < there;
+    if (!release(*guess))
+        return {};
+    return others - 1 < there;
+}
+
+/// One that a start has counted goes; one that it has matched is without a purchase again.
+bool PaymentTable::release(const Payment &guess)
+{
+    if (guess.origin == PaymentOrigin::Counted)
+        return change(u"delete from HarrowbyPayment where PaymentID = ?"_s, {guess.id});
     return change(u"update HarrowbyPayment set PurchaseID = '', State = ?, Origin = 0 where PaymentID = ?"_s,
-                  {wordOf(State::Unmatched), guess->id});
+                  {wordOf(State::Unmatched), guess.id});
 }
 
 } // namespace harrowby::app

@@ -31,7 +31,8 @@ public:
 
     [[nodiscard]] bool addIntent(const Payment &payment);
     /// As the payment of its purchase, from the till that has sold it. Its intent becomes it, wherever that stands;
-    /// what a start has counted for this purchase meanwhile makes room. May be repeated.
+    /// what a start has counted for this purchase meanwhile makes room. Where another till has deleted the purchase
+    /// already, with all of its ID, it is taken back at once. May be repeated.
     [[nodiscard]] bool record(const Payment &payment);
     /// One that has no purchase.
     [[nodiscard]] bool removeIntent(const QString &id);
@@ -42,12 +43,11 @@ public:
     [[nodiscard]] bool insert(const Payment &payment);
     [[nodiscard]] bool assign(const QString &id, const QString &purchaseId, PaymentOrigin origin);
     [[nodiscard]] bool takeBackOne(const QString &id, const QString &why, const QDateTime &moment);
-    /// Makes room for the purchase's own payment: one that a start has counted goes, one that it has matched is without
-    /// a purchase again. Only where there would be more payments than purchases otherwise.
-    [[nodiscard]] bool makeRoom(const Payment &payment);
 
 private:
     [[nodiscard]] Answer<QList<Payment>> select(const QString &where, const QList<RecordValue> &values) const;
+    [[nodiscard]] std::optional<bool> makeRoom(const Payment &payment);
+    [[nodiscard]] bool release(const Payment &guess);
     [[nodiscard]] bool change(const QString &text, const QList<RecordValue> &values);
 
     Records &m_records;

@@ -181,7 +181,7 @@ void PaymentsTest::intentOfAnotherSumIsNotTaken()
     QCOMPARE(m_payments->pay({{cardWay(), 250, 250}}), CounterAnswer::Done);
     takeEvents();
     QCOMPARE(file().rows(u"SELECT State, Way, Amount FROM HarrowbyPayment ORDER BY Amount"_s),
-             (QStringList{u"PAID|Cash|250"_s, u"PAID|Cash|900"_s}));
+             (QStringList{u"PAID|Cash|250"_s, u"BACK|Cash|900"_s}));
 }
 
 void PaymentsTest::undoneSaleTakesItsPaymentsBack()
