@@ -25,7 +25,9 @@ function(harrowby_precompile prefix)
 endfunction()
 harrowby_precompile(harrowby)
 if(HARROWBY_BUILD_TESTS AND HARROWBY_TEST_OPTIONS)
+    set(WITHIN_HARROWBY_OF_TESTS ON)
     harrowby_precompile(harrowby_tests ${HARROWBY_TEST_OPTIONS})
+    unset(WITHIN_HARROWBY_OF_TESTS)
 endif()
 
 # Whether a target's sources may include windows: it links Qt6::Widgets, or a library of ours that hands it on. The word
