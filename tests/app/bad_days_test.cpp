@@ -62,6 +62,8 @@ private:
     void add() { Q_EMIT counter().stockSaved({}, u"NEW"_s); }
     void hold();
     void recall();
+    void purchase();
+    void undo();
 
     [[nodiscard]] static harrowby::Counter &counter() { return harrowby::Counter::instance(); }
     static void scan(const QString &code)
@@ -184,6 +186,23 @@ void BadDaysTest::recall()
     press(u"recallCart"_s);
 }
 
+/// Paid by card and in cash.
+void BadDaysTest::purchase()
+{
+    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
+    const Cents card = 100;
+    const Cents rest = m_till->payments().sum().value_or(0) - card;
+    QCOMPARE(m_till->payments().pay({{cardWay(), card, card}, {cashWay(), rest, rest + 50}}), CounterAnswer::Done);
+    QCoreApplication::sendPostedEvents();
+    m_counter->clock->time = m_counter->clock->time.addSecs(1);
+}
+
+void BadDaysTest::undo()
+{
+    m_counter->click("Command25");
+    QCoreApplication::sendPostedEvents();
+}
+
 const std::vector<std::pair<const char *, BadDaysTest::Deed>> &BadDaysTest::deeds()
 {
     static const std::vector<std::pair<const char *, Deed>> all{
@@ -197,6 +216,8 @@ const std::vector<std::pair<const char *, BadDaysTest::Deed>> &BadDaysTest::deed
         {"add", &BadDaysTest::add},
         {"hold", &BadDaysTest::hold},
         {"recall", &BadDaysTest::recall},
+        {"purchase", &BadDaysTest::purchase},
+        {"undo", &BadDaysTest::undo},
     };
     return all;
 }
@@ -220,7 +241,10 @@ void BadDaysTest::checkSaleGoesOn()
     QCOMPARE(m_counter->cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
     QCOMPARE(counter().purchase(), CounterAnswer::Done);
     QCoreApplication::sendPostedEvents();
+    m_counter->clock->time = m_counter->clock->time.addSecs(1);
     QCOMPARE(m_counter->file.cell(u"SELECT count(*) FROM PurchaseCart"_s).toInt(), before + 1);
+    QCOMPARE(m_counter->file.cell(u"SELECT sum(Amount) FROM HarrowbyPayment WHERE State = 'PAID'"_s),
+             m_counter->file.cell(u"SELECT CAST(round(sum(PurchasedItemsCost) * 100) AS INTEGER) FROM PurchaseCart"_s));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
 }
 
@@ -237,6 +261,7 @@ void BadDaysTest::everyStatementMayFail()
     const auto &[name, act] = deeds()[static_cast<std::size_t>(deed)];
     const bool isOfCarts = act == &BadDaysTest::hold || act == &BadDaysTest::recall;
     const bool isScan = QByteArray(name).startsWith("scan");
+    checkSaleGoesOn(); // there is something to undo
     int statements = 0;
     for (;; ++statements) {
         reset();
@@ -249,7 +274,10 @@ void BadDaysTest::everyStatementMayFail()
         const QByteArray at = m_records->texts.at(statements).toUtf8();
         if (m_told.isEmpty() && at.startsWith("look for"))
             continue; // the table was made instead, or was there
-        QVERIFY2(m_told.size() == 1, at.constData());
+        // Of a payment that was not written as a look before it failed, both are told.
+        const bool isNotTried =
+            m_told.constLast().statement == u"UPDATE HarrowbyPayment"_s && at != "begin" && at != "commit";
+        QVERIFY2(m_told.size() == (isNotTried ? 2 : 1), at.constData());
         QVERIFY2(!isScan || (m_sounds == 1 && m_till->banner().text().contains(u"was not sold"_s)), at.constData());
         QVERIFY2(!isScan || m_counter->cart().isEmpty(), at.constData());
         const bool isSaid = m_till->banner().text().contains(u"not"_s) || m_boxes.join(u' ').contains(u"not"_s);
@@ -377,8 +405,8 @@ void BadDaysTest::lockedStore()
     harrowby::test::Database other(m_counter->file.path());
     QVERIFY(other.run(u"BEGIN EXCLUSIVE"_s));
     for (const auto &[name, deed] : deeds()) {
-        if (deed == &BadDaysTest::hold)
-            continue; // which sells first
+        if (deed == &BadDaysTest::hold || deed == &BadDaysTest::purchase || deed == &BadDaysTest::undo)
+            continue; // the counter's own, first of all
         m_told.clear();
         (this->*deed)();
         QVERIFY2(!m_told.isEmpty(), name);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/hold/cart_holder.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/kill_steps.h"
 #include "tests/doubles/shop_file.h"
 #include "tests/program/test_program.h"
 #include "tests/support/database.h"
@@ -12,7 +13,6 @@
 
 #include <sqlite3.h>
 
-#include <csignal>
 #include <memory>
 
 #include <unistd.h>
@@ -26,40 +26,11 @@ namespace {
 
 constexpr int cartLines = 3;
 
-/// Everything that happens to file or cart while a cart is held or recalled: each row that is written, each commit, the
-/// moment after it, and the end. Tells before each what is in the counter's cart, and is killed at one of them.
-struct Steps
+/// Tells what is in the counter's cart.
+void sayCart()
 {
-    int left; ///< before the one at which the process is killed
-
-    void step()
-    {
-        say(u"CART %1"_s.arg(harrowby::Counter::instance().cart().size()));
-        if (left-- == 0)
-            ::raise(SIGKILL);
-    }
-    void watch(sqlite3 *database)
-    {
-        sqlite3_update_hook(
-            database,
-            [](void *self, int, const char *, const char *, sqlite3_int64) { static_cast<Steps *>(self)->step(); },
-            this);
-        sqlite3_commit_hook(
-            database,
-            [](void *self) {
-                static_cast<Steps *>(self)->step();
-                return 0;
-            },
-            this);
-        sqlite3_wal_hook(
-            database,
-            [](void *self, sqlite3 *, const char *, int) {
-                static_cast<Steps *>(self)->step();
-                return SQLITE_OK;
-            },
-            this);
-    }
-};
+    say(u"CART %1"_s.arg(harrowby::Counter::instance().cart().size()));
+}
 
 /// A cart of three lines at the counter, or held as "1".
 enum class Begin { InTheCart, Held };
@@ -100,7 +71,7 @@ bool fillCart()
 int work(const QString &path, Begin begin, int killAt)
 {
     OpenTill open(path);
-    Steps steps{killAt};
+    KillSteps steps{killAt, sayCart};
     bool done = false;
     if (begin == Begin::InTheCart) {
         if (!fillCart())

@@ -2,6 +2,7 @@
 #include "app/cash/payments.h"
 #include "app/cash/settlement.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/kill_steps.h"
 #include "tests/doubles/shop_file.h"
 #include "tests/program/test_program.h"
 #include "tests/support/database.h"
@@ -18,7 +19,6 @@
 
 #include <sqlite3.h>
 
-#include <csignal>
 #include <memory>
 
 #include <unistd.h>
@@ -36,39 +36,6 @@ QDateTime day()
 {
     return {QDate(2018, 3, 5), QTime(14, 7, 9)};
 }
-
-/// Every row that is written, each commit and the moment after it; the process is killed at one of them.
-struct Steps
-{
-    int left;
-
-    void step()
-    {
-        if (left-- == 0)
-            ::raise(SIGKILL);
-    }
-    void watch(sqlite3 *database)
-    {
-        sqlite3_update_hook(
-            database,
-            [](void *self, int, const char *, const char *, sqlite3_int64) { static_cast<Steps *>(self)->step(); },
-            this);
-        sqlite3_commit_hook(
-            database,
-            [](void *self) {
-                static_cast<Steps *>(self)->step();
-                return 0;
-            },
-            this);
-        sqlite3_wal_hook(
-            database,
-            [](void *self, sqlite3 *, const char *, int) {
-                static_cast<Steps *>(self)->step();
-                return SQLITE_OK;
-            },
-            this);
-    }
-};
 
 /// A till at the file whose purchases are paid, with somebody logged in.
 struct PaidTill
@@ -108,7 +75,7 @@ struct PaidTill
 int work(const QString &path, const QString &kind, int killAt)
 {
     const PaidTill open(path, u"Front"_s);
-    Steps steps{killAt};
+    KillSteps steps{killAt};
     const bool isPaid = kind == u"pay"_s;
     bool done = isPaid || (open.sell(false) && open.sell(true));
     steps.watch(open.database.handle());

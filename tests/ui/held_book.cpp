@@ -125,8 +125,10 @@ void WatchedRecords::judgeGone(const QString &id)
         return;
     }
     ++m_book.recalled;
-    for (const CounterLine &line : lines)
+    for (CounterLine line : lines) {
+        line.quantity = unitsOf(lines, line); // an item may stand in two lines of another till's
         judgeRecalled(line);
+    }
 }
 
 void WatchedRecords::judgeRecalled(const CounterLine &line)
