@@ -213,8 +213,7 @@ private:
         const QFontMetrics metrics = m_painter.fontMetrics();
         LineColumns columns;
         const auto wider = [&metrics](int width, const QString &text) {
-            constexpr int rounding = 4;
-            return std::max(width, metrics.horizontalAdvance(text) + rounding);
+            return std::max(width, metrics.horizontalAdvance(text));
         };
         for (std::size_t line = sight.first; line < sight.first + sight.count; ++line) {
             columns.quantity = wider(columns.quantity, times(m_page.lines[line]));

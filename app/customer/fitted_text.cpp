@@ -11,6 +11,8 @@ namespace harrowby::app {
 
 namespace {
 
+constexpr int rounding = 4; ///< between the width that is said of a text and the one that it is drawn in
+
 /// The lines that a text is broken into; each in the text's own direction.
 QStringList brokenLines(const QString &text, const QFont &font, const QSize &room)
 {
@@ -25,7 +27,7 @@ QStringList brokenLines(const QString &text, const QFont &font, const QSize &roo
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(room.width());
         if (lines.size() == most - 1) {
-            lines << metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, room.width());
+            lines << shownText(metrics, text.mid(line.textStart()).trimmed(), room.width());
             break;
         }
         lines << text.mid(line.textStart(), line.textLength()).trimmed();
@@ -48,17 +50,23 @@ QFont fittedFont(const QFont &font, const QString &text, const QSize &room, int 
         fitted.setPixelSize(size);
         const QFontMetrics metrics(fitted);
         const int width = metrics.horizontalAdvance(text);
-        if (size <= least || (width <= room.width() && metrics.height() <= room.height()))
+        if (size <= least || (width + rounding <= room.width() && metrics.height() <= room.height()))
             return fitted;
         // Straight to about the size that fits.
-        if (width > room.width())
+        if (width + rounding > room.width())
             size = std::max(least + 1, std::min(size, size * room.width() / width + 2));
     }
 }
 
+QString shownText(const QFontMetrics &metrics, const QString &text, int width)
+{
+    // elidedText() counts fractions, and would cut a text that just fits.
+    return metrics.horizontalAdvance(text) <= width ? text : metrics.elidedText(text, Qt::ElideRight, width);
+}
+
 void drawLine(QPainter &painter, const QRect &room, Qt::Alignment alignment, const QString &text)
 {
-    const QString shown = painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width());
+    const QString shown = shownText(painter.fontMetrics(), text, room.width());
     painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     painter.drawText(room, absolute(alignment) | Qt::TextSingleLine, shown);
 }

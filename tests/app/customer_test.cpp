@@ -266,6 +266,12 @@ void CustomerTest::lettersAreMadeFit()
     const QFont fitted = fittedFont(font, wide, {400, 300}, 100, 20);
     QVERIFY(QFontMetrics(fitted).horizontalAdvance(wide) <= 400);
     QVERIFY(fitted.pixelSize() > 20);
+    QCOMPARE(shownText(QFontMetrics(fitted), wide, 400), wide);
+    for (int width = 60; width < 900; ++width) { // an amount that is made fit is never cut
+        const QFont total = fittedFont(font, u"34.43"_s, {width, 300}, 200, 20);
+        QCOMPARE(shownText(QFontMetrics(total), u"34.43"_s, width), u"34.43"_s);
+    }
+    QVERIFY(shownText(QFontMetrics(fitted), wide, 300).endsWith(u'\u2026'));
     QCOMPARE(fittedFont(font, QString(1000, u'W'), {400, 300}, 100, 20).pixelSize(), 20);
     QCOMPARE(fittedFont(font, wide, {0, 0}, 100, 20).pixelSize(), 20);
 }
