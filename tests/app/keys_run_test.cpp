@@ -161,9 +161,9 @@ void KeysRunTest::sellByKeys(RunningProgram &program)
 
 void KeysRunTest::enterAQuantity(RunningProgram &program)
 {
-    press(program, u"shift+Tab"_s, 5, u"TabStrip1"_s); // past "Next" and "Prev", which are disabled
+    press(program, u"shift+Tab"_s, 6, u"TabStrip1"_s); // past "Next" and "Prev", which are disabled
     m_screen->key(u"2"_s);
-    press(program, u"Tab"_s, 2, u"recallCart"_s); // the program's own buttons come behind the tabs
+    press(program, u"Tab"_s, 3, u"recallCart"_s); // the program's own buttons come behind the tabs
     press(program, u"Tab"_s, 3, u"Combo3"_s);
     m_screen->type(u"TEA-0001  |  TEA"_s);
     press(program, u"Tab"_s, 3, u"Command15"_s);

@@ -122,6 +122,9 @@ void OfficeRunTest::newCashierLogsInAtTheOpenTill()
     enter(till, u"Text4"_s, u"KEY1"_s);
     m_screen.key(u"Return"_s);
     QTRY_COMPARE_WITH_TIMEOUT(till.text(u"StatusBar1_1"_s), u"User: CLARA"_s, 30000);
+    QVERIFY(till.press(u"Close Inventory"_s));
+    QVERIFY(till.press(u"Yes"_s));
+    QCOMPARE(till.waitForEnd(), 0); // a killed one would leave its lock file beside the store
 }
 
 void OfficeRunTest::replacedStoreEndsTheOffice()
