@@ -51,11 +51,13 @@ bool isEnd(const QKeyEvent &key)
     return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || key.key() == Qt::Key_Tab;
 }
 
+/// Marks that turn the direction of writing, too: a code with one is no item's, but its Enter must press nothing.
 bool isCharacter(const QKeyEvent &key)
 {
     const QString text = key.text();
-    return !text.isEmpty() &&
-           std::ranges::all_of(text, [](QChar part) { return part.isPrint() || part.isSurrogate(); });
+    return !text.isEmpty() && std::ranges::all_of(text, [](QChar part) {
+        return part.isPrint() || part.isSurrogate() || part.category() == QChar::Other_Format;
+    });
 }
 
 /// Ctrl, Alt and Meta make a command of a key.

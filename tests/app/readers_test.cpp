@@ -139,6 +139,9 @@ void ReadersTest::lines_data()
     QTest::newRow("carriage return") << u"4006\r"_s << QStringList{u"4006"_s};
     QTest::newRow("both") << u"4006\r\n590\r\n"_s << QStringList{u"4006"_s, u"590"_s};
     QTest::newRow("tab") << u"A B\t"_s << QStringList{u"A B"_s};
+    for (const QString &odd : {u"A1' or '1'='1"_s, u"%_*?\"\\"_s, u"A1\u0000"_s, u"\u202eA1"_s})
+        QTest::newRow(qPrintable(u"as it is: "_s + odd)) << odd + u'\r' << QStringList{odd};
+    QTest::newRow("ten thousand") << QString(10'000, u'7') + u"\r4006\r"_s << QStringList{u"!"_s, u"4006"_s};
     QTest::newRow("no end") << u"4006"_s << QStringList();
     QTest::newRow("ends alone") << u"\r\n\r"_s << QStringList();
     QTest::newRow("short") << u"1\r"_s << QStringList{u"1"_s};

@@ -28,6 +28,8 @@ private Q_SLOTS:
     void boxIsNotAnswered();
     void restBehindAnUnknownCode();
     void whileAListFills();
+    void oddCodes_data();
+    void oddCodes();
     void noWindow();
 
 private:
@@ -222,6 +224,32 @@ void CounterCodesTest::whileAListFills()
     m_till->click("Command7");
     QTRY_COMPARE(m_told, (QStringList{u"A1"_s, u"Done"_s}));
     QCOMPARE(m_till->cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+}
+
+void CounterCodesTest::oddCodes_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("isTold");
+    QTest::newRow("quotes") << u"A1' or '1'='1"_s << true;
+    QTest::newRow("another statement") << u"A1';delete from StockList;--"_s << true;
+    QTest::newRow("signs of patterns") << u"%_*?\"\\"_s << true;
+    QTest::newRow("right to left") << u"\u202eA1\u200f"_s << true; // as a keyboard's layout may have it
+    QTest::newRow("ten thousand") << QString(10'000, u'9') << false;
+}
+
+/// Told as they were typed, and sold to nobody.
+void CounterCodesTest::oddCodes()
+{
+    QFETCH(const QString, typed);
+    QFETCH(const bool, isTold);
+    const QStringList stock = m_till->file.rows(u"SELECT * FROM StockList"_s);
+    m_till->find("Command1_0")->setFocus();
+    type(typed + u'\r');
+    QCOMPARE(told(), isTold ? QStringList({typed, u"Unknown"_s}) : QStringList{u"refused 2"_s});
+    QCOMPARE(m_till->cart(), QStringList());
+    QCOMPARE(m_till->file.rows(u"SELECT * FROM StockList"_s), stock);
+    type(u"A1\r"_s);
+    QCOMPARE(told(), (QStringList{u"A1"_s, u"Done"_s}));
 }
 
 void CounterCodesTest::noWindow()
