@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/cash/payment_queue.h"
 
-#include <QSet>
-
 namespace harrowby::app {
 
 void PaymentQueue::takeBack(const QString &purchaseId, const QString &why, const QDateTime &moment)
@@ -14,17 +12,7 @@ void PaymentQueue::takeBack(const QString &purchaseId, const QString &why, const
 
 void PaymentQueue::write()
 {
-    QSet<QString> waiting;
-    QList<Work> left;
-    for (const Work &work : std::as_const(m_works)) {
-        const QString &purchase = work.payment.purchaseId;
-        if (waiting.contains(purchase) || !isDone(work)) {
-            left << work;
-            if (!purchase.isEmpty())
-                waiting.insert(purchase);
-        }
-    }
-    m_works = left;
+    m_works.removeIf([this](const Work &work) { return isDone(work); });
 }
 
 bool PaymentQueue::isDone(const Work &work)

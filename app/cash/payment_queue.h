@@ -20,7 +20,7 @@ public:
     void removeIntent(const Payment &payment) { m_works << Work{Work::Remove, payment, {}, {}}; }
     void takeBack(const QString &purchaseId, const QString &why, const QDateTime &moment);
 
-    /// Writes what there is. What follows something of the same purchase that could not be written waits for it.
+    /// Writes what there is. A payment that comes after the end of its purchase is taken back at once by the table.
     void write();
     [[nodiscard]] bool isEmpty() const { return m_works.isEmpty(); }
 

@@ -150,10 +150,47 @@ bool PaymentTable::removeIntent(const QString &id)
     return change(u"delete from HarrowbyPayment where PaymentID = ? and PurchaseID = ''"_s, {id});
 }
 
+PaymentTable::Answer<QList<Cents>> PaymentTable::sumsOf(const QString &purchaseId) const
+{
+    const auto rows =
+        m_records.read({u"select PurchasedItemsCost from PurchaseCart where PurchaseID = ?"_s, {purchaseId}});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<Cents> sums;
+    for (const RecordRow &row : *rows) {
+        if (const auto sum = centsOf(recordReal(row.constFirst())))
+            sums << *sum;
+    }
+    return sums;
+}
+
+PaymentTable::Answer<QList<Payment>> PaymentTable::withoutTheirs(const QString &purchaseId) const
+{
+    auto paid = ofPurchase(purchaseId);
+    if (!paid || paid->isEmpty())
+        return paid;
+    const auto sums = sumsOf(purchaseId);
+    if (!sums)
+        return Unexpected(sums.error());
+    for (const Cents sum : *sums) { // a purchase that is there was made last
+        const auto last = std::find_if(paid->crbegin(), paid->crend(),
+                                       [sum](const Payment &payment) { return payment.total == sum; });
+        if (last != paid->crend())
+            paid->erase(std::next(last).base());
+    }
+    return paid;
+}
+
 bool PaymentTable::takeBack(const QString &purchaseId, const QString &why, const QDateTime &moment)
 {
-    return change(u"update HarrowbyPayment set State = ?, BackAt = ?, BackWhy = ? where PurchaseID = ? and State = ?"_s,
-                  {wordOf(State::Back), recordTime(moment), why, purchaseId, wordOf(State::Paid)});
+    const auto kept = m_records.together(kept::payment(), [&] {
+        const auto gone = withoutTheirs(purchaseId);
+        if (!gone)
+            m_records.tellNotTried(kept::payment(), gone.error());
+        return gone && std::all_of(gone->cbegin(), gone->cend(),
+                                   [&](const Payment &payment) { return takeBackOne(payment.id, why, moment); });
+    });
+    return kept && *kept;
 }
 
 bool PaymentTable::takeBackOne(const QString &id, const QString &why, const QDateTime &moment)
@@ -191,18 +228,14 @@ bool PaymentTable::assign(const QString &id, const QString &purchaseId, PaymentO
 std::optional<bool> PaymentTable::makeRoom(const Payment &payment)
 {
     const auto paid = ofPurchase(payment.purchaseId);
-    const auto purchases = paid ? m_records.read({u"select PurchasedItemsCost from PurchaseCart where PurchaseID = ?"_s,
-                                                  {payment.purchaseId}})
-                                : Answer<QList<RecordRow>>(Unexpected(paid.error()));
-    if (!purchases) {
-        m_records.tellNotTried(kept::payment(), purchases.error());
+    const auto sums = paid ? sumsOf(payment.purchaseId) : Answer<QList<Cents>>(Unexpected(paid.error()));
+    if (!sums) {
+        m_records.tellNotTried(kept::payment(), sums.error());
         return {};
     }
     const auto isSame = [&](const Payment &one) { return one.id != payment.id && one.total == payment.total; };
     const auto others = std::count_if(paid->cbegin(), paid->cend(), isSame);
-    const auto there = std::count_if(purchases->cbegin(), purchases->cend(), [&](const RecordRow &row) {
-        return centsOf(recordReal(row.constFirst())) == payment.total;
-    });
+    const auto there = sums->count(payment.total);
     const auto guess = std::find_if(paid->cbegin(), paid->cend(), [&](const Payment &one) {
         return isSame(one) && one.origin != PaymentOrigin::Till;
     });

@@ -24,6 +24,8 @@ public:
 
     /// What is paid for the purchases of that ID, and not taken back.
     [[nodiscard]] Answer<QList<Payment>> ofPurchase(const QString &purchaseId) const;
+    /// Those of them for which there is no purchase of that sum.
+    [[nodiscard]] Answer<QList<Payment>> withoutTheirs(const QString &purchaseId) const;
     /// All that is in the state Intent or Unmatched, oldest first.
     [[nodiscard]] Answer<QList<Payment>> withoutPurchase(PaymentState state) const;
     /// Nothing when there is none of that ID.
@@ -36,7 +38,7 @@ public:
     [[nodiscard]] bool record(const Payment &payment);
     /// One that has no purchase.
     [[nodiscard]] bool removeIntent(const QString &id);
-    /// Everything that is paid for the purchases of that ID.
+    /// What is paid for purchases of that ID that are gone. Another till may have sold anew under it meanwhile.
     [[nodiscard]] bool takeBack(const QString &purchaseId, const QString &why, const QDateTime &moment);
 
     // For work within a transaction of the caller's.
@@ -46,6 +48,7 @@ public:
 
 private:
     [[nodiscard]] Answer<QList<Payment>> select(const QString &where, const QList<RecordValue> &values) const;
+    [[nodiscard]] Answer<QList<Cents>> sumsOf(const QString &purchaseId) const;
     [[nodiscard]] std::optional<bool> makeRoom(const Payment &payment);
     [[nodiscard]] bool release(const Payment &guess);
     [[nodiscard]] bool change(const QString &text, const QList<RecordValue> &values);

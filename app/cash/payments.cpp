@@ -182,7 +182,7 @@ void Payments::advanceClock()
 void Payments::takeBack(const QString &purchaseId, const QString &why)
 {
     m_queue.write(); // a payment that waits may be this purchase's
-    const auto found = m_table.ofPurchase(purchaseId);
+    const auto found = m_table.withoutTheirs(purchaseId);
     m_queue.takeBack(purchaseId, why, m_station.now());
     m_queue.write();
     if (!found || found->isEmpty())

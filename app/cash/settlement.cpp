@@ -99,7 +99,6 @@ bool Settlement::settleRuns()
 bool Settlement::readIntents()
 {
     m_intents.clear();
-    m_living.clear();
     QSet<std::int64_t> dead;
     for (const Run &run : std::as_const(m_dead))
         dead.insert(run.number);
@@ -107,11 +106,8 @@ bool Settlement::readIntents()
     if (!intents)
         return false;
     for (const Payment &intent : *intents) {
-        const QString key = keyOf(intent.items, intent.seller, intent.total);
         if (dead.contains(intent.run))
-            m_intents[key] << intent;
-        else
-            ++m_living[key];
+            m_intents[keyOf(intent.items, intent.seller, intent.total)] << intent;
     }
     return true;
 }
@@ -174,8 +170,7 @@ bool Settlement::balance(const QString &id)
 
 bool Settlement::pay(const Purchase &purchase)
 {
-    const QString key = keyOf(purchase.items, purchase.seller, purchase.total);
-    QList<Payment> &intents = m_intents[key];
+    QList<Payment> &intents = m_intents[keyOf(purchase.items, purchase.seller, purchase.total)];
     qsizetype nearest = -1;
     qint64 least = std::numeric_limits<qint64>::max();
     for (qsizetype i = 0; i < intents.size(); ++i) {
@@ -187,7 +182,7 @@ bool Settlement::pay(const Purchase &purchase)
     }
     if (nearest >= 0)
         return m_table.assign(intents.takeAt(nearest).id, purchase.id, PaymentOrigin::Matched);
-    return m_living[key]-- > 0 || count(purchase);
+    return count(purchase);
 }
 
 /// The run that has most likely sold it: one at this drawer, or the latest that had begun.
@@ -244,8 +239,7 @@ bool Settlement::takeBackGone()
 {
     for (const QString &prefix : {u"HV"_s, u"HE"_s}) {
         const auto gone = goneAmong(prefix);
-        if (!gone || !std::all_of(gone->cbegin(), gone->cend(),
-                                  [this](const QString &id) { return m_table.takeBack(id, back_why::gone(), m_now); }))
+        if (!gone || !std::all_of(gone->cbegin(), gone->cend(), [this](const QString &id) { return balance(id); }))
             return false;
     }
     return true;

@@ -15,8 +15,9 @@ namespace harrowby::app {
 ///
 /// 1. A purchase without a payment gets the intent of a dead run that fits it: the same items, seller and sum, and the
 ///    nearest time within a day.
-/// 2. Or else, where no intent of a living run fits it, it counts as paid in cash, exact. Should it be a living run's
-///    after all, that one puts its own payment in the place of the counted one.
+/// 2. Or else it counts as paid in cash, exact. Should it be a living run's that has not heard of it yet, that one puts
+///    its own payment in the place of the counted one. (An intent of a living run tells nothing: its purchase may be
+///    yet to come.)
 /// 3. Payments whose purchase is gone are taken back.
 /// 4. Intents of dead runs that are left are Unmatched: a person decides (open_intents.h). None is removed: the money
 ///    may lie in the drawer.
@@ -73,7 +74,6 @@ private:
     QList<Run> m_dead;
     QString m_since;
     QHash<QString, QList<Payment>> m_intents; ///< of dead runs, by what was sold
-    QHash<QString, int> m_living;             ///< how many of living runs, likewise
 };
 
 } // namespace harrowby::app
