@@ -26,7 +26,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const QByteArray pulse("\x1bp\0\x19\xfa", 5);
+const QByteArray usualPulse("\x1bp\0\x19\xfa", 5);
 constexpr int patience = 10'000;
 
 DrawerSettings switchedOn(const QString &queue = u"till"_s)
@@ -178,7 +178,7 @@ void DrawerJobTest::settingsThatAreNone()
 void DrawerJobTest::pulseOfEachPin()
 {
     DrawerSettings settings;
-    QCOMPARE(drawerPulse(settings), pulse);
+    QCOMPARE(drawerPulse(settings), usualPulse);
     settings = {true, {}, 5, 510, 2};
     QCOMPARE(drawerPulse(settings), QByteArray("\x1bp\1\xff\1", 5));
 }
@@ -206,7 +206,7 @@ void DrawerJobTest::printerGetsFiveBytes()
     one->open();
     QCOMPARE(m_told, QStringList()); // nothing waits
     QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{QString()}, patience);
-    QCOMPARE(m_service.printed(), pulse);
+    QCOMPARE(m_service.printed(), usualPulse);
     QCOMPARE(m_service.calls(), (QStringList{u"lp -d till -o raw -o job-sheets=none -t Cash drawer"_s,
                                              u"lpstat -W not-completed -o till"_s, u"lpstat -W not-completed -o till"_s,
                                              u"lpstat -W not-completed -o till"_s}));
@@ -282,7 +282,7 @@ void DrawerJobTest::endOfTheProgramHandsItOver()
     auto one = drawer(switchedOn());
     one->open();
     one.reset();
-    QCOMPARE(m_service.printed(), pulse);
+    QCOMPARE(m_service.printed(), usualPulse);
     QCOMPARE(m_told, QStringList());
 }
 
@@ -302,9 +302,9 @@ void DrawerJobTest::realQueue()
     options.pause = 100ms;
     const auto one = drawer(switchedOn(u"drawer"_s), options);
     one->open();
-    QTRY_COMPARE_WITH_TIMEOUT(printer.received(), pulse, patience); // and no cover sheet
+    QTRY_COMPARE_WITH_TIMEOUT(printer.received(), usualPulse, patience); // and no cover sheet
     QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{QString()}, patience);
-    QCOMPARE(printer.received(), pulse);
+    QCOMPARE(printer.received(), usualPulse);
 
     printer.switchOff();
     options.deadline = 1s;

@@ -58,8 +58,9 @@ public:
     template <typename Words>
     Owned<std::uint32_t> ask(Request request, Words &words)
     {
-        return Owned<std::uint32_t>(
-            static_cast<std::uint32_t *>(xcb_wait_for_reply(server(), send(request, words, 0), nullptr)));
+        void *reply = xcb_wait_for_reply(server(), send(request, words, 0), nullptr);
+        Owned<std::uint32_t> owned(static_cast<std::uint32_t *>(reply));
+        return owned;
     }
     template <typename Words>
     [[nodiscard]] bool tell(Request request, Words &words)
