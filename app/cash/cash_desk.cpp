@@ -62,7 +62,7 @@ bool CashDesk::isReady()
     if (m_counter.isBusy() || !m_counter.isOpen())
         return false;
     if (!m_counter.user()) {
-        (void)m_counter.purchase(); // asks at the login's gate, which shows its box
+        (void)m_counter.purchase(); // with nobody logged in, nothing is purchased: the gate shows its box
         return false;
     }
     m_counter.finishReading(); // no list stays half read while a box is open

@@ -69,8 +69,8 @@ bool DrawerDesk::mayOpen()
         return false;
     const auto user = m_counter.user();
     if (!user) {
-        std::vector<CounterLine> none;
-        (void)m_counter.takeCart(none); // asks at the login's gate, which shows its box
+        std::vector<CounterLine> none; // with nobody logged in, nothing is taken: the gate shows its box
+        (void)m_counter.takeCart(none);
         return false;
     }
     if (!user->rights.settings)

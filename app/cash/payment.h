@@ -67,7 +67,16 @@ struct Payment
     return {{cashWay(), total, total}};
 }
 
-/// Whether the parts make up the sum, and each is one that can be.
+/// What goes back to the customer, in cash; negative as long as too little has been handed over.
+[[nodiscard]] inline Cents changeOf(const QList<PaymentPart> &parts)
+{
+    Cents change = 0;
+    for (const PaymentPart &part : parts)
+        change += part.given - part.amount;
+    return change;
+}
+
+/// Whether the parts make up the sum, and each is one that can be: cash is at least the amount, another way just that.
 [[nodiscard]] inline bool addUp(const QList<PaymentPart> &parts, Cents total)
 {
     Cents sum = 0;

@@ -20,14 +20,6 @@ namespace {
 
 using Row = CounterPurchase::Row;
 
-Cents changeOf(const QList<PaymentPart> &parts)
-{
-    Cents change = 0;
-    for (const PaymentPart &part : parts)
-        change += part.given - part.amount;
-    return change;
-}
-
 } // namespace
 
 Payments::Payments(Counter &counter, Records &records, CashStation station, QObject *parent) :

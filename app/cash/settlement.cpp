@@ -5,6 +5,7 @@
 #include "app/records/record_tables.h"
 #include "basic/dates.h"
 #include "basic/logging.h"
+#include "basic/purchase_id.h"
 
 #include <QSet>
 #include <QUuid>
@@ -20,6 +21,8 @@ namespace harrowby::app {
 namespace {
 
 constexpr qint64 secondsOfADay = 24LL * 60 * 60;
+constexpr qint64 furthestPurchaseSeconds = secondsOfADay; ///< from its intent, by two clocks
+constexpr qint64 longestUnlockedRunSeconds = secondsOfADay;
 
 /// What a purchase and its intent have in common.
 QString keyOf(const QString &items, const QString &seller, Cents total)
@@ -37,8 +40,8 @@ QDateTime timeOfPurchase(const QString &text)
 std::optional<qint64> distance(const Payment &intent, const QDateTime &purchased)
 {
     const qint64 seconds = std::abs(intent.taken.secsTo(purchased));
-    return intent.taken.isValid() && purchased.isValid() && seconds <= secondsOfADay ? std::optional(seconds)
-                                                                                     : std::nullopt;
+    return intent.taken.isValid() && purchased.isValid() && seconds <= furthestPurchaseSeconds ? std::optional(seconds)
+                                                                                               : std::nullopt;
 }
 
 } // namespace
@@ -73,7 +76,7 @@ bool Settlement::isDead(const Run &run) const
     if (run.number == m_place.run)
         return false;
     if (!run.isLocked)
-        return run.started.secsTo(m_now) > secondsOfADay;
+        return run.started.secsTo(m_now) > longestUnlockedRunSeconds;
     return m_locks->holderOf(run.number) == RunLocks::Holder::Nobody;
 }
 
@@ -150,22 +153,24 @@ Records::Answer<QList<Settlement::Purchase>> Settlement::purchasesOf(const QStri
 /// Purchases that share an ID get a payment each.
 bool Settlement::balance(const QString &id)
 {
-    auto purchases = purchasesOf(id);
-    auto payments = m_table.ofPurchase(id);
+    const auto purchases = purchasesOf(id);
+    const auto payments = m_table.ofPurchase(id);
     if (!purchases || !payments)
         return false;
-    for (const Purchase &purchase : QList<Purchase>(std::exchange(*purchases, {}))) {
-        const auto its = std::find_if(payments->begin(), payments->end(),
+    QList<Purchase> unpaid;
+    QList<Payment> surplus = *payments;
+    for (const Purchase &purchase : *purchases) {
+        const auto its = std::find_if(surplus.cbegin(), surplus.cend(),
                                       [&](const Payment &payment) { return payment.total == purchase.total; });
-        if (its == payments->end())
-            purchases->append(purchase);
+        if (its == surplus.cend())
+            unpaid << purchase;
         else
-            payments->erase(its);
+            surplus.erase(its);
     }
-    return std::all_of(
-               payments->cbegin(), payments->cend(),
-               [this](const Payment &surplus) { return m_table.takeBackOne(surplus.id, back_why::gone(), m_now); }) &&
-           std::all_of(purchases->cbegin(), purchases->cend(), [this](const Purchase &unpaid) { return pay(unpaid); });
+    const auto takeBack = [this](const Payment &one) { return m_table.takeBackOne(one.id, back_why::gone(), m_now); };
+    const auto payOne = [this](const Purchase &one) { return pay(one); };
+    return std::all_of(surplus.cbegin(), surplus.cend(), takeBack) &&
+           std::all_of(unpaid.cbegin(), unpaid.cend(), payOne);
 }
 
 bool Settlement::pay(const Purchase &purchase)
@@ -182,7 +187,7 @@ bool Settlement::pay(const Purchase &purchase)
     }
     if (nearest >= 0)
         return m_table.assign(intents.takeAt(nearest).id, purchase.id, PaymentOrigin::Matched);
-    return count(purchase);
+    return countAsExactCash(purchase);
 }
 
 /// The run that has most likely sold it: one at this drawer, or the latest that had begun.
@@ -199,7 +204,7 @@ const Run &Settlement::likelyRun(const Purchase &purchase) const
     return *likely;
 }
 
-bool Settlement::count(const Purchase &purchase)
+bool Settlement::countAsExactCash(const Purchase &purchase)
 {
     const Run &run = likelyRun(purchase);
     Payment payment;
@@ -237,8 +242,8 @@ Records::Answer<QStringList> Settlement::goneAmong(const QString &prefix) const
 
 bool Settlement::takeBackGone()
 {
-    for (const QString &prefix : {u"HV"_s, u"HE"_s}) {
-        const auto gone = goneAmong(prefix);
+    for (const QStringView prefix : {purchaseIdPrefix, secondPurchaseIdPrefix}) {
+        const auto gone = goneAmong(prefix.toString());
         if (!gone || !std::all_of(gone->cbegin(), gone->cend(), [this](const QString &id) { return balance(id); }))
             return false;
     }

@@ -62,7 +62,7 @@ private:
     [[nodiscard]] bool balance(const QString &id);
     [[nodiscard]] bool takeBackGone();
     [[nodiscard]] bool pay(const Purchase &purchase);
-    [[nodiscard]] bool count(const Purchase &purchase);
+    [[nodiscard]] bool countAsExactCash(const Purchase &purchase);
     [[nodiscard]] bool endRuns();
     [[nodiscard]] const Run &likelyRun(const Purchase &purchase) const;
 

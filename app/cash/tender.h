@@ -43,10 +43,9 @@ public:
     [[nodiscard]] Cents due() const;
     /// Handed over in cash.
     [[nodiscard]] Cents given() const;
-    [[nodiscard]] bool isEnough() const { return given() >= due(); }
-    /// What goes back to the customer once it is enough.
-    [[nodiscard]] Cents change() const { return given() - due(); }
-    /// As a payment; once it is enough.
+    [[nodiscard]] bool isEnough() const { return change() >= 0; }
+    [[nodiscard]] Cents change() const { return changeOf(parts()); }
+    /// As a payment, which can be made once it is enough.
     [[nodiscard]] QList<PaymentPart> parts() const;
 
 private:

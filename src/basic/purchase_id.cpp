@@ -20,12 +20,12 @@ QString digits(const QDateTime &time)
 
 QString purchaseId(const QDateTime &time)
 {
-    return u"HV"_s + digits(time);
+    return purchaseIdPrefix.toString() + digits(time);
 }
 
 QString purchaseIdToSave(const QString &id, bool isTaken, const std::function<QDateTime()> &now)
 {
-    return isTaken ? u"HE"_s + digits(now()) : id;
+    return isTaken ? secondPurchaseIdPrefix.toString() + digits(now()) : id;
 }
 
 } // namespace harrowby

@@ -86,6 +86,7 @@ void Inventory::addCategory()
         warn(u"Category Already Added!"_s);
         return;
     }
+    // Intended: a name that the statement refuses (one with a single quote) is listed and logged all the same.
     Execute(connection(), statements::addCategory(name, usageTime(m_platform.clock->now())));
     LoadCategory();
     m_controls.List2->addItem(name);
@@ -106,7 +107,7 @@ void Inventory::renameCategory()
     const QString answer = askForText(u"Change Category["_s + oldName + u"] to what new name?"_s,
                                       u"Change Category - "_s + m_state.MsgTitle, QString());
     const QString newName = trimmedUpper(answer);
-    constexpr qsizetype shortest = 3; // Intended: surrounding blanks count
+    constexpr qsizetype shortest = 3; // Intended: counted before trimming; adding asks for no length
     if (answer.toUpper().size() < shortest || newName.isEmpty()) {
         warn(u"Category Name too short!"_s);
         return;
