@@ -18,7 +18,7 @@ constexpr Cents centsOfOne = 100;
 
 const auto waysName = u"PaymentWays"_s;
 const auto notesName = u"CashNotes"_s;
-const auto usualWays = u"Card"_s;
+const auto usualWays = cardWay();
 const auto usualNotes = u"5 10 20 50 100"_s;
 
 bool isIn(const QStringList &ways, const QString &way)

@@ -58,7 +58,7 @@ FoundCode judged(const QList<FoundCode> &hits, bool isExact, bool isEntered)
     return first;
 }
 
-/// What stands behind as many zeros as the number begins with, and with each of them before it: "0042", "042", "42".
+/// The number, and again with each of its leading zeros taken away in turn: "0042", "042", "42".
 QStringList withoutZeros(QString number)
 {
     QStringList numbers = {number};

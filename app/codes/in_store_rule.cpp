@@ -97,9 +97,9 @@ Result<InStoreRule, QString> InStoreRule::fromPattern(const QString &pattern, in
     if (const QString problem = problemOf(pattern); !problem.isEmpty())
         return Unexpected(problem);
     const bool isPrice = pattern.contains(u'P');
-    // The cart holds cents; a third decimal of a price would have to be guessed away.
-    if (decimals < 0 || decimals > (isPrice ? 2 : 4))
-        return Unexpected(isPrice ? u"A price has at most 2 decimals."_s : u"A weight has at most 4 decimals."_s);
+    const int most = isPrice ? mostPriceDecimals : mostWeightDecimals;
+    if (decimals < 0 || decimals > most)
+        return Unexpected(u"A %1 has at most %2 decimals."_s.arg(isPrice ? u"price"_s : u"weight"_s).arg(most));
     return InStoreRule(pattern, decimals);
 }
 

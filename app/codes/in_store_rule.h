@@ -25,9 +25,12 @@ struct InStoreReading
 class InStoreRule
 {
 public:
+    static constexpr int mostPriceDecimals = 2; ///< the cart holds cents: a third would have to be guessed away
+    static constexpr int mostWeightDecimals = 4;
+
     /// Why a pattern is none, in words for a person.
     [[nodiscard]] static Result<InStoreRule, QString> fromPattern(const QString &pattern, int decimals);
-    /// "21IIIIIPPPPPC 2"; nothing for what write() has not written.
+    /// "21IIIIIPPPPPC 2"; nothing for what text() has not made.
     [[nodiscard]] static std::optional<InStoreRule> fromText(const QString &text);
     [[nodiscard]] QString text() const;
 

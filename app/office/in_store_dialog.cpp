@@ -66,7 +66,8 @@ void InStoreDialog::createParts()
     m_decimals = new QComboBox(this);
     m_decimals->setObjectName(u"inStoreDecimals"_s);
     m_decimals->setAccessibleName(u"Decimals of the price or the weight"_s);
-    m_decimals->addItems({u"0"_s, u"1"_s, u"2"_s, u"3"_s, u"4"_s});
+    for (int decimals = 0; decimals <= InStoreRule::mostWeightDecimals; ++decimals)
+        m_decimals->addItem(QString::number(decimals));
     m_sample = new QLineEdit(this);
     m_sample->setObjectName(u"inStoreSample"_s);
     m_sample->setAccessibleName(u"Try a code"_s);

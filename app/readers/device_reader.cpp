@@ -16,6 +16,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -48,26 +49,21 @@ private:
     int m_number;
 };
 
+constexpr std::array<std::pair<int, speed_t>, 8> speeds{{{1200, B1200},
+                                                         {2400, B2400},
+                                                         {4800, B4800},
+                                                         {9600, B9600},
+                                                         {19200, B19200},
+                                                         {38400, B38400},
+                                                         {57600, B57600},
+                                                         {115200, B115200}}};
+
+/// Of readerSpeeds(), as termios has it.
 speed_t speedOf(int baud)
 {
-    switch (baud) {
-    case 1200:
-        return B1200;
-    case 2400:
-        return B2400;
-    case 4800:
-        return B4800;
-    case 19200:
-        return B19200;
-    case 38400:
-        return B38400;
-    case 57600:
-        return B57600;
-    case 115200:
-        return B115200;
-    default:
-        return B9600;
-    }
+    const auto *const found =
+        std::find_if(speeds.cbegin(), speeds.cend(), [baud](const auto &speed) { return speed.first == baud; });
+    return found == speeds.cend() ? B9600 : found->second;
 }
 
 bool holdKeyboard(int descriptor)
@@ -240,6 +236,14 @@ DeviceReader::~DeviceReader()
     if (m_thread.joinable())
         m_thread.join();
     ::close(m_wake);
+}
+
+QList<int> readerSpeeds()
+{
+    QList<int> bauds;
+    for (const auto &[baud, speed] : speeds)
+        bauds << baud;
+    return bauds;
 }
 
 } // namespace harrowby::app

@@ -3,6 +3,7 @@
 
 #include "app/readers/reader_settings.h"
 
+#include <QList>
 #include <QObject>
 
 #include <functional>
@@ -20,7 +21,8 @@ class DeviceReader final : public QObject
     Q_OBJECT
 
 public:
-    /// Holds an opened device; errno otherwise. A test has no input device to hold.
+    /// Holds an opened device for this program alone; false, with errno set, where it cannot. A test, which has no
+    /// input device, hands in its own.
     using Hold = std::function<bool(int descriptor)>;
 
     explicit DeviceReader(const ReaderDevice &device, QObject *parent = nullptr);
@@ -46,5 +48,8 @@ private:
     int m_wake = -1; ///< an eventfd that ends the thread's wait
     std::jthread m_thread;
 };
+
+/// The speeds that a serial device can have, in baud.
+[[nodiscard]] QList<int> readerSpeeds();
 
 } // namespace harrowby::app

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/readers/reader_settings.h"
 
+#include "app/readers/device_reader.h"
+
 #include <QDir>
 
 #include <algorithm>
@@ -94,11 +96,6 @@ QStringList foundDevices(const QString &deviceFolder)
     const QStringList serial =
         named.isEmpty() ? entries(deviceFolder, {u"ttyACM*"_s, u"ttyUSB*"_s, u"rfcomm*"_s}) : named;
     return entries(deviceFolder + u"/input/by-id"_s, {u"*-event-kbd"_s}) + serial;
-}
-
-QList<int> readerSpeeds()
-{
-    return {1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
 }
 
 } // namespace harrowby::app

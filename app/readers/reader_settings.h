@@ -57,7 +57,5 @@ struct ReaderSettings
 /// The devices of this machine that may be readers: paths that stay the same when it is started again or plugged in
 /// elsewhere, where there are such.
 [[nodiscard]] QStringList foundDevices(const QString &deviceFolder = QStringLiteral("/dev"));
-/// The speeds that a serial device can have.
-[[nodiscard]] QList<int> readerSpeeds();
 
 } // namespace harrowby::app

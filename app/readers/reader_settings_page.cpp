@@ -2,6 +2,7 @@
 #include "app/readers/reader_settings_page.h"
 
 #include "app/boxes/office_box.h"
+#include "app/readers/device_reader.h"
 #include "theme/dialogs.h"
 
 #include <QCheckBox>

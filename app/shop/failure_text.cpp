@@ -99,6 +99,7 @@ QString failureAdvice(const DbFailure &failure)
 {
     const QString again =
         isTriedAgain(failure) ? u"and go on: the till does this again by itself"_s : u"then do the step again"_s;
+    // What a Statement was refused for (store/statement.cpp).
     if (failure.engineCode == 0 && failure.reason.contains(u"text value"_s))
         return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
     if (failure.engineCode == SQLITE_READONLY_DBMOVED)

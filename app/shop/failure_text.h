@@ -7,7 +7,7 @@
 
 #include <QString>
 
-/// What failed, in the words of the person at the till. First of all statements.
+/// What failed, in the words of the person at the till: first for statements, then for what lies outside the database.
 namespace harrowby::app {
 
 /// What has not been done, for example "The purchase was not recorded."

@@ -130,12 +130,12 @@ void CodeSeller::sellItem(const QString &code, const FoundCode &item)
         m_banner.say(BannerTopic::Code, soldWords(item));
 }
 
-/// One unit at the price that the code holds, as a price that was changed by hand.
+/// At the price that the code holds, as a price that was changed by hand.
 CounterAnswer CodeSeller::sellPriced(const FoundCode &item, QString &misfit)
 {
     std::vector<CounterMisfit> misfits;
-    const CounterAnswer answer =
-        m_counter.putCart({CounterLine{item.stockId, item.name.toUpper(), 1, *item.cost, true}}, misfits);
+    const CounterAnswer answer = m_counter.putCart(
+        {CounterLine{item.stockId, item.name.toUpper(), double(item.units), *item.cost, true}}, misfits);
     if (!misfits.empty())
         misfit = wordsOf(misfits.front().reason, itemWords(item.name, item.stockId));
     return answer;

@@ -7,9 +7,9 @@
 /// sold or not; the dashboard and the reorder list leave out what is not.
 namespace harrowby {
 
-/// Whether the item is at or below its level. A missing figure is neither. Of a figure that is stored as text the
-/// number counts that it begins with (valueNumber()), while lowStockSelect leaves such a row to the engine's
-/// comparison.
+/// Whether the item is at or below its level. False where a figure is missing. A figure that is stored as text counts
+/// by the number that it begins with (valueNumber()); lowStockSelect compares it as the engine does, so the two can
+/// differ for such rows.
 [[nodiscard]] bool needsReorder(const DbValue &reorderLevel, const DbValue &available);
 
 /// The items to reorder: what the dashboard counts, and what the reorder list shows. The index

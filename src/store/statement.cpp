@@ -34,6 +34,7 @@ Statement &Statement::text(const QString &value)
 
 Statement &Statement::text(FixedText before, const QString &value, FixedText after)
 {
+    // The store program's advice (app/shop/failure_text.cpp) looks for "text value".
     if (value.contains(u'\''))
         m_refusal = "a text value contains a single quote"_L1;
     else if (value.contains(QChar(u'\0')))
