@@ -88,6 +88,32 @@ private:
     int m_file = -1;
 };
 
+/// What the thread of a reader tells, once it has reached this one. A QSignalSpy would be written to by that thread.
+class Heard
+{
+public:
+    template <typename... Arguments>
+    Heard(const DeviceReader *reader, void (DeviceReader::*signal)(Arguments...))
+    {
+        QObject::connect(reader, signal, &m_here,
+                         [this](const Arguments &...arguments) { m_texts << QString((QString() + ... + arguments)); });
+    }
+
+    [[nodiscard]] const QStringList &all() const { return m_texts; }
+    [[nodiscard]] qsizetype size() const { return m_texts.size(); }
+    [[nodiscard]] bool isEmpty() const { return m_texts.isEmpty(); }
+    void clear() { m_texts.clear(); }
+
+private:
+    QStringList m_texts;
+    QObject m_here;
+};
+
+QStringList texts(const Heard &heard)
+{
+    return heard.all();
+}
+
 QStringList texts(const QSignalSpy &spy)
 {
     QStringList all;
@@ -98,7 +124,8 @@ QStringList texts(const QSignalSpy &spy)
 
 /// What came before the till held the line is nobody's; so a code is sent until one arrives, and then one that is the
 /// last of these.
-void begin(const SerialReader &line, QSignalSpy &read)
+template <typename Read>
+void begin(const SerialReader &line, Read &read)
 {
     QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
     QVERIFY(line.send("ready\r"));
@@ -218,8 +245,8 @@ void ReadersTest::serialCodes()
     const SerialReader line(path);
     QVERIFY(line.isGood());
     DeviceReader reader({Kind::Serial, path, 9600});
-    QSignalSpy read(&reader, &DeviceReader::codeRead);
-    QSignalSpy tooLong(&reader, &DeviceReader::tooLong);
+    Heard read(&reader, &DeviceReader::codeRead);
+    Heard tooLong(&reader, &DeviceReader::tooLong);
     begin(line, read);
     QVERIFY(line.send("4006381"));
     QVERIFY(line.send("333931\r\n"));
@@ -237,11 +264,11 @@ void ReadersTest::serialIsHeldAlone()
     const QString path = m_folder.filePath(u"held"_s);
     const SerialReader line(path);
     auto first = std::make_unique<DeviceReader>(ReaderDevice{Kind::Serial, path, 115200});
-    QSignalSpy read(first.get(), &DeviceReader::codeRead);
+    Heard read(first.get(), &DeviceReader::codeRead);
     QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
     DeviceReader second({Kind::Serial, path, 115200});
-    QSignalSpy lost(&second, &DeviceReader::lost);
-    QSignalSpy found(&second, &DeviceReader::found);
+    Heard lost(&second, &DeviceReader::lost);
+    Heard found(&second, &DeviceReader::found);
     QTRY_COMPARE_WITH_TIMEOUT(texts(lost), QStringList{u"Another program uses it"_s}, patience);
     first.reset();
     QTRY_COMPARE_WITH_TIMEOUT(found.size(), 1, patience);
@@ -253,9 +280,9 @@ void ReadersTest::serialGoesAndComes()
     const QString path = m_folder.filePath(u"moving"_s);
     auto line = std::make_unique<SerialReader>(path);
     DeviceReader reader({Kind::Serial, path, 9600});
-    QSignalSpy read(&reader, &DeviceReader::codeRead);
-    QSignalSpy lost(&reader, &DeviceReader::lost);
-    QSignalSpy found(&reader, &DeviceReader::found);
+    Heard read(&reader, &DeviceReader::codeRead);
+    Heard lost(&reader, &DeviceReader::lost);
+    Heard found(&reader, &DeviceReader::found);
     begin(*line, read);
     QVERIFY(line->send("half"));
     line.reset();
@@ -297,7 +324,7 @@ void ReadersTest::inputDevice()
     const InputDevice device(path);
     int held = 0;
     DeviceReader reader({Kind::Keyboard, path}, [&held](int) { return ++held > 0; });
-    QSignalSpy read(&reader, &DeviceReader::codeRead);
+    Heard read(&reader, &DeviceReader::codeRead);
     for (const int key : {KEY_4, KEY_0, KEY_0, KEY_6, KEY_LEFTSHIFT})
         QVERIFY(device.tap(key));
     QVERIFY(device.send(EV_KEY, KEY_LEFTSHIFT, 1));
@@ -315,7 +342,7 @@ void ReadersTest::inputDeviceThatLosesKeys()
     const QString path = m_folder.filePath(u"event1"_s);
     const InputDevice device(path);
     DeviceReader reader({Kind::Keyboard, path}, [](int) { return true; });
-    QSignalSpy read(&reader, &DeviceReader::codeRead);
+    Heard read(&reader, &DeviceReader::codeRead);
     QVERIFY(device.tap(KEY_4));
     QVERIFY(device.send(EV_SYN, SYN_DROPPED, 0));
     for (const int key : {KEY_0, KEY_6, KEY_ENTER, KEY_5, KEY_9, KEY_ENTER})
@@ -328,8 +355,8 @@ void ReadersTest::inputDeviceOfAnother()
     const QString path = m_folder.filePath(u"event2"_s);
     const InputDevice device(path);
     DeviceReader reader({Kind::Keyboard, path}); // held for real, which a FIFO does not let happen
-    QSignalSpy read(&reader, &DeviceReader::codeRead);
-    QSignalSpy lost(&reader, &DeviceReader::lost);
+    Heard read(&reader, &DeviceReader::codeRead);
+    Heard lost(&reader, &DeviceReader::lost);
     QVERIFY(device.tap(KEY_4));
     QVERIFY(device.tap(KEY_ENTER));
     QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, patience);
