@@ -17,9 +17,10 @@ struct DrawerSettings
     static constexpr int usualPauseMs = 500;
 
     bool isOn = false;
-    QString queue;              ///< of the print service
-    int pin = 2;                ///< of the drawer's plug: 2 or 5
-    int pulseMs = usualPulseMs; ///< how long the drawer's magnet is on; an even number, as the next one
+    QString queue; ///< of the print service
+    int pin = 2;   ///< of the drawer's plug: 2 or 5
+    int pulseMs =
+        usualPulseMs; ///< how long the drawer's magnet is on; both times are even, as the printer counts steps of 2 ms
     int pauseMs = usualPauseMs; ///< how long it rests then
 
     bool operator==(const DrawerSettings &) const = default;

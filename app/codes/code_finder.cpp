@@ -39,7 +39,8 @@ bool isSameItem(const FoundCode &a, const FoundCode &b)
     return a.stockId == b.stockId && a.name == b.name;
 }
 
-/// The one item that all hits name. Of several entries of one item the exact one tells the units.
+/// The one item that all hits name. Of several entries of one item the exact one tells the units: it stands first where
+/// `isExact`. `isEntered`: an entry of the code exists, maybe without its item.
 FoundCode judged(const QList<FoundCode> &hits, bool isExact, bool isEntered)
 {
     FoundCode found;

@@ -29,7 +29,7 @@ void appendCartLine(TextTableModel &cart, const QString &itemKey, std::int16_t q
 void mergeIntoCartLine(TextTableModel &cart, int row, double qty, float unitCost);
 void replaceCartLine(TextTableModel &cart, int row, std::int16_t qty, float unitCost);
 
-// As a line that has a cost of its own (a recalled cart, a code that holds a price), it keeps what was set by hand.
+// What a recalled cart or a code with a price does: a cost that was set by hand is kept, in whichever line it stands.
 
 /// `line` as it is, in a row of its own.
 void putCartLine(TextTableModel &cart, const QString &itemKey, const CounterLine &line);

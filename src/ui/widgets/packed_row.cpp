@@ -61,9 +61,10 @@ void RowPacker::add(QAnyStringView text)
 void RowPacker::addUpper(QAnyStringView text)
 {
     text.visit([this](auto view) {
-        if constexpr (std::is_same_v<decltype(view), QStringView>)
-            addUtf16(view.toString().toUpper());
-        else if (!addAscii(view, upperAscii))
+        bool isAdded = false;
+        if constexpr (!std::is_same_v<decltype(view), QStringView>)
+            isAdded = addAscii(view, upperAscii);
+        if (!isAdded)
             addUtf16(view.toString().toUpper());
     });
 }
