@@ -19,20 +19,21 @@ QString usualBackupFolder()
 
 QString usualBackupName(const QDate &day)
 {
-    return u"harrowby-%1.db"_s.arg(day.toString(Qt::ISODate));
+    return u"harrowby-%1.%2"_s.arg(day.toString(Qt::ISODate), copySuffix);
 }
 
 QString usualRescuePlace(const QString &store, const QDateTime &now)
 {
     const QString name = QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s);
+    const QString suffix = u'.' + copySuffix.toString();
     QDir folder = QFileInfo(store).absoluteDir();
-    if (judgeNewPlace(folder.filePath(name + u".db"_s), false))
+    if (judgeNewPlace(folder.filePath(name + suffix), false))
         folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     if (!folder.exists())
         folder = QDir::home();
-    QString place = folder.filePath(name + u".db"_s);
+    QString place = folder.filePath(name + suffix);
     for (int number = 2; QFileInfo::exists(place); ++number)
-        place = folder.filePath(u"%1-%2.db"_s.arg(name).arg(number));
+        place = folder.filePath(name + u'-' + QString::number(number) + suffix);
     return place;
 }
 

@@ -4,10 +4,14 @@
 #include <QDate>
 #include <QDateTime>
 #include <QString>
+#include <QStringView>
 
 /// Where the copies of a store go, and under which names, unless a person chooses others. Whether a place will do:
 /// backup_place.h.
 namespace harrowby::app {
+
+/// Of every copy; a backup's name gets it when a person gives none.
+inline constexpr QStringView copySuffix = u"db";
 
 /// The folder that is offered for a backup: the documents, or the home folder where there are none.
 [[nodiscard]] QString usualBackupFolder();

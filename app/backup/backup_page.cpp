@@ -124,7 +124,7 @@ void BackupPage::choosePlace()
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite); // asked before the backup starts
-    dialog.setDefaultSuffix(u"db"_s);
+    dialog.setDefaultSuffix(copySuffix.toString());
     dialog.selectFile(m_place->text());
     dressDialog(dialog);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())

@@ -40,7 +40,8 @@ State stateOf(const QString &word)
 
 PaymentOrigin originOf(std::int64_t number)
 {
-    const bool known = number == int(PaymentOrigin::Matched) || number == int(PaymentOrigin::Counted);
+    const bool known =
+        number == static_cast<int>(PaymentOrigin::Matched) || number == static_cast<int>(PaymentOrigin::Counted);
     return known ? static_cast<PaymentOrigin>(number) : PaymentOrigin::Till;
 }
 
@@ -208,7 +209,7 @@ bool PaymentTable::insert(const Payment &payment)
                     "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, '', '')"_s,
                     {payment.id, ++number, payment.purchaseId, wordOf(payment.state), part.way, part.amount, part.given,
                      payment.total, payment.items, payment.seller, recordTime(payment.taken), payment.drawer,
-                     payment.run, std::int64_t(payment.origin)}))
+                     payment.run, static_cast<std::int64_t>(payment.origin)}))
             return false;
     }
     return true;
@@ -219,9 +220,9 @@ bool PaymentTable::assign(const QString &id, const QString &purchaseId, PaymentO
 {
     if (origin == PaymentOrigin::Matched)
         return change(u"update HarrowbyPayment set PurchaseID = ?, State = ?, Origin = ? where PaymentID = ?"_s,
-                      {purchaseId, wordOf(State::Paid), std::int64_t(origin), id});
+                      {purchaseId, wordOf(State::Paid), static_cast<std::int64_t>(origin), id});
     return change(u"update HarrowbyPayment set PurchaseID = ?, State = ?, Origin = ?, Items = '' where PaymentID = ?"_s,
-                  {purchaseId, wordOf(State::Paid), std::int64_t(origin), id});
+                  {purchaseId, wordOf(State::Paid), static_cast<std::int64_t>(origin), id});
 }
 
 /// Whether there is a purchase for it: another till may have deleted all of its ID by now. Empty when it failed.

@@ -70,7 +70,7 @@ bool TillRun::add(Run run)
         .write(
             kept::payment(),
             {u"insert into HarrowbyRun (Run, Drawer, Since, StartedAt, EndedAt, Locked) values (?, ?, ?, ?, '', ?)"_s,
-             {run.number, run.drawer, run.since, recordTime(run.started), std::int64_t(run.isLocked ? 1 : 0)}})
+             {run.number, run.drawer, run.since, recordTime(run.started), std::int64_t{run.isLocked ? 1 : 0}}})
         .has_value();
 }
 

@@ -8,13 +8,11 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_choice(std::move(search))
+ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_choice(search)
 {
     m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
     m_search->setObjectName(u"searchAnywhere"_s);

@@ -135,7 +135,7 @@ CounterAnswer CodeSeller::sellPriced(const FoundCode &item, QString &misfit)
 {
     std::vector<CounterMisfit> misfits;
     const CounterAnswer answer = m_counter.putCart(
-        {CounterLine{item.stockId, item.name.toUpper(), double(item.units), *item.cost, true}}, misfits);
+        {CounterLine{item.stockId, item.name.toUpper(), static_cast<double>(item.units), *item.cost, true}}, misfits);
     if (!misfits.empty())
         misfit = wordsOf(misfits.front().reason, itemWords(item.name, item.stockId));
     return answer;

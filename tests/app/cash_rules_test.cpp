@@ -72,7 +72,7 @@ void CashRulesTest::amountIsKeyedIn_data()
     QTest::addColumn<QString>("keys");
     QTest::addColumn<Cents>("cents");
     const auto row = [](const QString &keys, Cents cents) { QTest::addRow("%s", qPrintable(keys)) << keys << cents; };
-    QTest::newRow("nothing") << QString() << Cents(0);
+    QTest::newRow("nothing") << QString() << Cents{0};
     row(u"5"_s, 5);
     row(u"1250"_s, 1250);
     row(u"2000"_s, 2000);
@@ -121,13 +121,13 @@ void CashRulesTest::change_data()
     QTest::addColumn<QString>("keys");
     QTest::addColumn<bool>("isEnough");
     QTest::addColumn<Cents>("change");
-    QTest::newRow("nothing given") << Cents(1250) << QString() << false << Cents(-1250);
-    QTest::newRow("a cent too little") << Cents(1250) << u"1249"_s << false << Cents(-1);
-    QTest::newRow("just enough") << Cents(1250) << u"1250"_s << true << Cents(0);
-    QTest::newRow("more") << Cents(1250) << u"2000"_s << true << Cents(750);
-    QTest::newRow("nothing to pay") << Cents(0) << QString() << true << Cents(0);
-    QTest::newRow("large") << Cents(9'007'199'254'740'991) << u"123456789012.99"_s << false
-                           << Cents(12'345'678'901'299 - 9'007'199'254'740'991);
+    QTest::newRow("nothing given") << Cents{1250} << QString() << false << Cents{-1250};
+    QTest::newRow("a cent too little") << Cents{1250} << u"1249"_s << false << Cents{-1};
+    QTest::newRow("just enough") << Cents{1250} << u"1250"_s << true << Cents{0};
+    QTest::newRow("more") << Cents{1250} << u"2000"_s << true << Cents{750};
+    QTest::newRow("nothing to pay") << Cents{0} << QString() << true << Cents{0};
+    QTest::newRow("large") << Cents{9'007'199'254'740'991} << u"123456789012.99"_s << false
+                           << Cents{12'345'678'901'299 - 9'007'199'254'740'991};
 }
 
 void CashRulesTest::change()

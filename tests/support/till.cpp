@@ -77,7 +77,7 @@ Till::~Till()
     InvBasic::setConnection(nullptr);
 }
 
-void Till::reportStatements(std::function<bool(const QString &)> isLeft)
+void Till::reportStatements(const std::function<bool(const QString &)> &isLeft)
 {
     m_connection->beforeWrite = [isLeft](const QString &statement) {
         if (!isLeft || !isLeft({}))

@@ -35,7 +35,7 @@ public:
     /// Prints each writing statement: "B" and the statement before it is begun, "A1" (done) or "A0" (failed) and the
     /// statement after it. Those of which `isLeft` says so are left to another one's report: it is asked before with an
     /// empty text and afterwards with what was done.
-    void reportStatements(std::function<bool(const QString &done)> isLeft = {});
+    void reportStatements(const std::function<bool(const QString &done)> &isLeft = {});
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
     void sell(QRandomGenerator &random);

@@ -205,7 +205,7 @@ void RandomHost::pay(QRandomGenerator &random)
     if (byCard != 0)
         parts << app::PaymentPart{app::cardWay(), byCard, byCard};
     if (cash != 0 || parts.isEmpty())
-        parts << app::PaymentPart{app::cashWay(), cash, cash + random.bounded(3) * 500};
+        parts << app::PaymentPart{app::cashWay(), cash, cash + app::Cents{500} * random.bounded(3)};
     if (m_till->payments().pay(parts) == CounterAnswer::Done)
         ++m_figures.paid;
 }
