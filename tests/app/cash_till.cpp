@@ -87,7 +87,7 @@ void CashTill::fillCart(const QString &id)
     takeEvents();
 }
 
-void CashTill::answerQuestion(Answer answer, std::function<void()> meanwhile)
+void CashTill::answerQuestion(Answer answer, const std::function<void()> &meanwhile)
 {
     m_till->boxes.answerTheRest([answer, meanwhile](const QString &) {
         if (meanwhile)

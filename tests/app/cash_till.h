@@ -37,7 +37,7 @@ protected:
     /// Has one unit of an item in the cart.
     void fillCart(const QString &id = QStringLiteral("A1"));
     /// Answers the counter's question about the cart of fillCart("A1").
-    void answerQuestion(Answer answer, std::function<void()> meanwhile = {});
+    void answerQuestion(Answer answer, const std::function<void()> &meanwhile = {});
     /// "Purchase Cart" with one TEA, and no "Cash …".
     void purchasePlainly();
     void payCash(Cents given, Answer answer = Answer::Yes);

@@ -44,14 +44,14 @@ void PaymentsTest::centsOfAnAmount_data()
     QTest::addColumn<double>("amount");
     QTest::addColumn<qint64>("cents");
     constexpr qint64 none = std::numeric_limits<qint64>::min();
-    QTest::newRow("nothing") << 0.0 << qint64(0);
-    QTest::newRow("price") << 99.99 << qint64(9999);
-    QTest::newRow("below nothing") << -2.5 << qint64(-250);
-    QTest::newRow("half to even, down") << 0.125 << qint64(12);
-    QTest::newRow("half to even, up") << 0.375 << qint64(38);
-    QTest::newRow("0.015 lies below the half") << 0.015 << qint64(1);
-    QTest::newRow("0.025 lies above it") << 0.025 << qint64(3);
-    QTest::newRow("largest") << 90071992547409.92 << qint64(9007199254740992);
+    QTest::newRow("nothing") << 0.0 << qint64{0};
+    QTest::newRow("price") << 99.99 << qint64{9999};
+    QTest::newRow("below nothing") << -2.5 << qint64{-250};
+    QTest::newRow("half to even, down") << 0.125 << qint64{12};
+    QTest::newRow("half to even, up") << 0.375 << qint64{38};
+    QTest::newRow("0.015 lies below the half") << 0.015 << qint64{1};
+    QTest::newRow("0.025 lies above it") << 0.025 << qint64{3};
+    QTest::newRow("largest") << 90071992547409.92 << qint64{9007199254740992};
     QTest::newRow("too large") << 90071992547410.0 << none;
     QTest::newRow("huge") << 1e300 << none;
     QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << none;
@@ -62,18 +62,18 @@ void PaymentsTest::centsOfAnAmount()
 {
     QFETCH(const double, amount);
     QFETCH(const qint64, cents);
-    QCOMPARE(qint64(centsOf(amount).value_or(std::numeric_limits<Cents>::min())), cents);
+    QCOMPARE(static_cast<qint64>(centsOf(amount).value_or(std::numeric_limits<Cents>::min())), cents);
 }
 
 void PaymentsTest::centsAreWritten_data()
 {
     QTest::addColumn<qint64>("cents");
     QTest::addColumn<QString>("text");
-    QTest::newRow("0") << qint64(0) << u"0.00"_s;
-    QTest::newRow("5") << qint64(5) << u"0.05"_s;
-    QTest::newRow("-5") << qint64(-5) << u"-0.05"_s;
-    QTest::newRow("-123450") << qint64(-123450) << u"-1,234.50"_s;
-    QTest::newRow("most") << qint64(9007199254740992) << u"90,071,992,547,409.92"_s;
+    QTest::newRow("0") << qint64{0} << u"0.00"_s;
+    QTest::newRow("5") << qint64{5} << u"0.05"_s;
+    QTest::newRow("-5") << qint64{-5} << u"-0.05"_s;
+    QTest::newRow("-123450") << qint64{-123450} << u"-1,234.50"_s;
+    QTest::newRow("most") << qint64{9007199254740992} << u"90,071,992,547,409.92"_s;
 }
 
 void PaymentsTest::centsAreWritten()
