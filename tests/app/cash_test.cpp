@@ -74,6 +74,7 @@ private Q_SLOTS:
     void sumThatIsNoneIsToldOf();
     void purchaseWithoutItSaysNothing();
     void undoTellsWhatToGiveBack();
+    void deletionTellsWhatToGiveBack();
     void lettersAreTheWindowsOwn();
 
 private:
@@ -432,6 +433,27 @@ void CashTest::undoTellsWhatToGiveBack()
     QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
     QCoreApplication::processEvents();
     QCOMPARE(m_amounts.constLast(), QString());
+}
+
+void CashTest::deletionTellsWhatToGiveBack()
+{
+    expectSale();
+    payWith([](QDialog &dialog) {
+        pressIn(dialog, u"cashNote_1"_s);
+        pressIn(dialog, u"cashWay_0"_s);
+        pressIn(dialog, u"cashNote_1"_s);
+        pressIn(dialog, u"payCash"_s);
+    });
+    const QString id = m_till->file.cell(u"SELECT PurchaseID FROM PurchaseCart"_s);
+    m_till->setText("Combo17", id);
+    m_till->boxes.expect(u"Delete Purchased Cart with ID ["_s + id +
+                             u"].\r\nAll purchased items will br restored (Y/N)?"_s,
+                         box::Ask, Answer::Yes);
+    m_till->click("Command4");
+    QCoreApplication::processEvents();
+    QCOMPARE(m_amounts.constLast(), u"Give back: 2.50, Card 10.00"_s);
+    QCOMPARE(m_till->file.rows(u"SELECT Way, State, BackWhy FROM HarrowbyPayment"_s),
+             (QStringList{u"Card|BACK|DELETED"_s, u"Cash|BACK|DELETED"_s}));
 }
 
 void CashTest::lettersAreTheWindowsOwn()
