@@ -23,13 +23,26 @@ const RecordTable &code()
     return table;
 }
 
+const RecordTable &activity()
+{
+    static const RecordTable table = {
+        u"HarrowbyActivity"_s,
+        {u"create table if not exists HarrowbyActivity "
+         "(DeedID text not null primary key, DoneAt text not null, Kind text not null, Who text not null, "
+         "Place text not null, What text not null)"_s,
+         u"create index if not exists harrowby_activity_time on HarrowbyActivity (DoneAt, DeedID)"_s},
+        true};
+    return table;
+}
+
 const RecordTable &drawerOpening()
 {
     static const RecordTable table = {
         u"HarrowbyDrawerOpening"_s,
         {u"create table if not exists HarrowbyDrawerOpening "
          "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text not null, "
-         "Reason text not null)"_s}};
+         "Reason text not null)"_s},
+        true};
     return table;
 }
 

@@ -11,7 +11,8 @@ namespace harrowby::app {
 struct RecordTable
 {
     QString name;
-    QStringList making; ///< statements that make it and its indexes, and do nothing where they are there
+    QStringList making;         ///< statements that make it and its indexes, and do nothing where they are there
+    bool isOnlyAddedTo = false; ///< no row is ever changed or deleted: Records has the engine refuse it
 };
 
 namespace kept {
@@ -21,6 +22,9 @@ namespace kept {
 
 /// Codes of items: Code, StockID, Units.
 [[nodiscard]] const RecordTable &code();
+
+/// Who did what beside the till's own log, only ever added to: DeedID, DoneAt, Kind, Who, Place, What. See Deeds.
+[[nodiscard]] const RecordTable &activity();
 
 /// Openings of a cash drawer by hand, only ever added to: OpeningID, OpenedAt, OpenedBy, Drawer, Reason.
 [[nodiscard]] const RecordTable &drawerOpening();

@@ -61,6 +61,11 @@ Records::Answer<std::int64_t> Records::write(const RecordTable &table, const Rec
 Records::Answer<QList<std::int64_t>> Records::writeTogether(const RecordTable &table,
                                                             const QList<RecordStatement> &statements)
 {
+    for (const RecordStatement &statement : statements) {
+        auto failure = statement.table != nullptr ? prepare(*statement.table) : std::nullopt;
+        if (failure)
+            return Unexpected(*std::move(failure));
+    }
     QList<std::int64_t> changed;
     std::optional<DbFailure> failure;
     const auto kept = together(table, [&] {
@@ -79,6 +84,12 @@ Records::Answer<QList<std::int64_t>> Records::writeTogether(const RecordTable &t
     if (!kept)
         return Unexpected(kept.error());
     return changed;
+}
+
+std::optional<DbFailure> Records::prepare(const RecordTable &table)
+{
+    auto failure = make(table, u"UPDATE "_s + table.name);
+    return failure ? std::optional(told(*std::move(failure))) : std::nullopt;
 }
 
 Records::Answer<bool> Records::together(const RecordTable &table, const std::function<bool()> &work)
@@ -115,15 +126,24 @@ std::optional<DbFailure> Records::make(const RecordTable &table, const QString &
     if (m_beforeWriting)
         m_beforeWriting();
     const auto there = hasTable(table);
-    if (there && *there)
-        return {};
-    for (const QString &making : table.making) {
-        if (const auto made = change({making, {}}); !made) {
-            DbFailure failure = made.error();
-            failure.statement = forStatement; // what was not done is the write, not the table
-            return failure;
+    std::optional<DbFailure> failure;
+    if (!there || !*there) {
+        for (const QString &making : table.making) {
+            if (const auto made = change({making, {}}); !made) {
+                failure = made.error();
+                break;
+            }
         }
     }
+    if (!failure && table.isOnlyAddedTo)
+        failure = keepRows(table);
+    if (failure)
+        failure->statement = forStatement; // what was not done is the write, not the table
+    return failure;
+}
+
+std::optional<DbFailure> Records::keepRows(const RecordTable &)
+{
     return {};
 }
 

@@ -27,6 +27,7 @@ struct RecordStatement
 {
     QString text;
     QList<RecordValue> values;
+    const RecordTable *table = nullptr; ///< made before it is written together with writes to another one
 };
 
 /// The store program's own records, whatever the engine. User-interface thread only. No function throws, waits for a
@@ -53,7 +54,8 @@ public:
     [[nodiscard]] Answer<QList<RecordRow>> read(const RecordStatement &statement);
     /// The number of rows that an INSERT, UPDATE or DELETE has changed.
     [[nodiscard]] Answer<std::int64_t> write(const RecordTable &table, const RecordStatement &statement);
-    /// Several writes: all of them, or none. The rows that each has changed.
+    /// Several writes: all of them, or none. The rows that each has changed. A write that is not to `table`, nor to one
+    /// of the component's, names its own.
     [[nodiscard]] Answer<QList<std::int64_t>> writeTogether(const RecordTable &table,
                                                             const QList<RecordStatement> &statements);
 
@@ -61,6 +63,9 @@ public:
     /// undone when it returns false or when keeping them fails; whether they were kept. A failure in `work` has been
     /// told already when it returns. Not within another one.
     [[nodiscard]] Answer<bool> together(const RecordTable &table, const std::function<bool()> &work);
+
+    /// Makes the table where it is not there, before `together` begins with another one. The failure, which is told.
+    [[nodiscard]] std::optional<DbFailure> prepare(const RecordTable &table);
 
     /// Called with each failure as it happens; must not throw, enter an event loop or use these records.
     void setFailureHandler(FailureHandler handler) { m_failureHandler = std::move(handler); }
@@ -75,6 +80,9 @@ public:
 protected:
     /// How the engine does it. Each returns the failure, which is told by its caller.
     virtual Answer<bool> hasTable(const RecordTable &table) = 0;
+    /// Has the engine refuse to change or delete rows of a table that is there; asked before each write to a table that
+    /// is only added to. An engine with rights of its own has nothing to do here.
+    virtual std::optional<DbFailure> keepRows(const RecordTable &table);
     virtual Answer<QList<RecordRow>> select(const RecordStatement &statement) = 0;
     virtual Answer<std::int64_t> change(const RecordStatement &statement) = 0;
     /// Takes the write lock.

@@ -42,6 +42,19 @@ DbFailure failureOf(Kind kind, const QString &text, const SqliteStatement &state
     return {kind, text, error.reason, isLost ? error.code : statement.extendedCode()};
 }
 
+/// "harrowby_activity_update", "harrowby_activity_delete"
+QString guardName(const RecordTable &table, const QString &action)
+{
+    return QString(table.name).replace(u"Harrowby"_s, u"harrowby_"_s).toLower() + u'_' + action;
+}
+
+/// VACUUM and the engine's own copies run no trigger.
+QString guardStatement(const RecordTable &table, const QString &action)
+{
+    return u"create trigger if not exists %1 before %2 on %3 begin select raise(abort, '%3 is only ever added to'); end"_s
+        .arg(guardName(table, action), action, table.name);
+}
+
 } // namespace
 
 Records::Answer<bool> SqliteRecords::hasTable(const RecordTable &table)
@@ -52,6 +65,21 @@ Records::Answer<bool> SqliteRecords::hasTable(const RecordTable &table)
     if (query.hasFailed())
         return Unexpected(failureOf(Kind::Read, text, query));
     return found;
+}
+
+std::optional<DbFailure> SqliteRecords::keepRows(const RecordTable &table)
+{
+    const QString text = u"select name from sqlite_master where type = 'trigger' and tbl_name = ?"_s;
+    const auto rows = select({text, {table.name}});
+    if (!rows)
+        return rows.error();
+    for (const QString &action : {u"update"_s, u"delete"_s}) {
+        if (rows->contains(RecordRow{guardName(table, action)}))
+            continue;
+        if (auto failure = run(guardStatement(table, action)))
+            return failure;
+    }
+    return {};
 }
 
 Records::Answer<QList<RecordRow>> SqliteRecords::select(const RecordStatement &statement)

@@ -17,6 +17,7 @@ public:
 
 protected:
     Answer<bool> hasTable(const RecordTable &table) override;
+    std::optional<DbFailure> keepRows(const RecordTable &table) override;
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override;
     Answer<std::int64_t> change(const RecordStatement &statement) override;
     std::optional<DbFailure> begin() override;

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/records.h"
+
+#include <QLatin1StringView>
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// Kinds of deeds, as they are stored. A kind that is stored once is never renamed.
+namespace deed {
+
+inline constexpr QLatin1StringView priceByHand("PriceByHand");
+inline constexpr QLatin1StringView drawerOpened("DrawerOpened"); ///< only shown: HarrowbyDrawerOpening holds them
+inline constexpr QLatin1StringView itemDeleted("ItemDeleted");
+inline constexpr QLatin1StringView purchaseDeleted("PurchaseDeleted");
+inline constexpr QLatin1StringView categoryDeleted("CategoryDeleted");
+inline constexpr QLatin1StringView rightsChanged("RightsChanged");
+inline constexpr QLatin1StringView userAdded("UserAdded");
+inline constexpr QLatin1StringView passwordSet("PasswordSet");
+inline constexpr QLatin1StringView loginRefused("LoginRefused");
+inline constexpr QLatin1StringView officeOpened("OfficeOpened");
+inline constexpr QLatin1StringView settingChanged("SettingChanged");
+inline constexpr QLatin1StringView codeChanged("CodeChanged");
+inline constexpr QLatin1StringView paymentSettled("PaymentSettled"); ///< one without a purchase, by a person
+inline constexpr QLatin1StringView imported("Imported");
+inline constexpr QLatin1StringView importTakenBack("ImportTakenBack");
+inline constexpr QLatin1StringView exported("Exported");
+inline constexpr QLatin1StringView backedUp("BackedUp");
+inline constexpr QLatin1StringView restored("Restored");
+inline constexpr QLatin1StringView labelsPrinted("LabelsPrinted");
+
+} // namespace deed
+
+/// One thing that somebody did.
+struct Deed
+{
+    QString kind; ///< one of `deed`
+    QString who;  ///< the user as stored; "command line (LINUXUSER)"; empty where nobody knows
+    QString what; ///< a line to read, such as "Cost of TEA-0001 from 2.00 to 1.50"
+};
+
+/// Who did what, in the table HarrowbyActivity, which is only ever added to. What the component's own log says already
+/// is not said again. The time of a deed is that of its statement.
+class Deeds
+{
+public:
+    /// The records must outlive it. `place`: where it is done, such as "office", "command line" or a till's name.
+    Deeds(Records &records, QString place);
+
+    /// For writeTogether, so that a deed is stored with what it tells, or neither is.
+    [[nodiscard]] RecordStatement statement(const Deed &deed) const;
+    /// By itself. A failure has been logged and told; what the deed tells stays done.
+    std::optional<DbFailure> add(const Deed &deed) const;
+
+    [[nodiscard]] Records &records() const { return m_records; }
+
+private:
+    Records &m_records;
+    QString m_place;
+};
+
+/// Who works at the command line: "command line (LINUXUSER)".
+[[nodiscard]] QString commandLineUser();
+
+/// The place of what is done at the command line.
+inline constexpr QLatin1StringView commandLinePlace("command line");
+/// The place of what is done in the office.
+inline constexpr QLatin1StringView officePlace("office");
+
+} // namespace harrowby::app
