@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// What is asked before the office is closed over something that would be lost.
+struct LeavingQuestion
+{
+    QString text;
+    QString action; ///< caption of the button that leaves all the same
+};
+
+/// One page of the store's office. It is built when it is turned to for the first time, or when a setting is looked
+/// for, so its constructor reads nothing that takes long; showEvent() may.
+class OfficePage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    /// Nothing when the page can be left as it is.
+    [[nodiscard]] virtual std::optional<LeavingQuestion> leaving() const { return {}; }
+
+Q_SIGNALS:
+    /// The store file holds another store now. The office closes its pages and asks for the login again; `what` says
+    /// why, in words for a person.
+    void storeReplaced(const QString &what);
+};
+
+} // namespace harrowby::app
