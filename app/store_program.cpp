@@ -6,6 +6,7 @@
 #include "app/cash/run_locks.h"
 #include "app/customer/customer_screen.h"
 #include "app/demo/demo_shop.h"
+#include "app/errands/errands.h"
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
 #include "app/office/office.h"
@@ -29,6 +30,7 @@
 #include "app/start/command_line.h"
 #include "app/start/display.h"
 #include "app/start/early_key_installer.h"
+#include "app/start/exit_code.h"
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
@@ -139,10 +141,15 @@ Started<QString> prepareDemo()
     return path;
 }
 
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(u"Harrowby"_s);
+    QCoreApplication::setApplicationVersion(QLatin1StringView(HARROWBY_VERSION));
+}
+
 void setUpApplication()
 {
-    QApplication::setApplicationName(u"Harrowby"_s);
-    QApplication::setApplicationVersion(QLatin1StringView(HARROWBY_VERSION));
+    nameApplication();
     QApplication::setDesktopFileName(u"harrowby"_s);
     QApplication::setWindowIcon(QIcon(u":/harrowby/harrowby.svg"_s));
     // The boxes before the window are windows too, and closing one must not end the program.
@@ -288,11 +295,23 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
     return sell(line, store, cash, wait, notice);
 }
 
+/// Needs no display.
+int goOnErrand(const CommandLine &line, int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    nameApplication();
+    LogFile log(logPath());
+    const LogRouting routing(log, line.verbose);
+    return static_cast<int>(runErrand(line));
+}
+
 Started<int> run(int argc, char **argv)
 {
     const auto line = readArguments(argc, argv);
     if (!line)
         return Unexpected(line.error());
+    if (line->errand.isGiven())
+        return goOnErrand(*line, argc, argv);
     auto display = reachDisplay(*line);
     if (!display)
         return Unexpected(display.error());

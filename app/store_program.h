@@ -3,17 +3,7 @@
 
 namespace harrowby::app {
 
-/// What the program leaves behind; docs/store-program.md lists the numbers.
-enum class ExitCode {
-    Done = 0,
-    Failed = 1,        ///< an unforeseen error
-    WrongUsage = 2,    ///< the command line is refused
-    NoDisplay = 3,     ///< no window can be shown
-    StoreRefused = 4,  ///< the store file cannot be used
-    StoreDeclined = 5, ///< the person did not want to create a new store
-};
-
-/// The whole program.
+/// The whole program. Its exit code: app/start/exit_code.h.
 [[nodiscard]] int runStoreProgram(int argc, char **argv) noexcept;
 
 } // namespace harrowby::app

@@ -53,6 +53,8 @@ public:
             readOption(m_arguments.at(m_next++));
         if (!m_error && m_result.demo && !m_result.database.isEmpty())
             fail(u"--demo opens the demo shop's own file: leave out either --demo or --database."_s);
+        if (!m_error)
+            finishErrand();
         if (m_error)
             return Unexpected(*m_error);
         return m_result;
@@ -72,6 +74,8 @@ private:
             readCustomerDisplay(hasValue, argument.mid(equals + 1));
         else if (name == u"--look"_s)
             readLook(hasValue ? argument.mid(equals + 1) : takeValue());
+        else if (const auto values = ErrandLineReader::valuesOf(name))
+            readErrand(name, values->size(), hasValue ? argument.mid(equals + 1) : QString(), hasValue);
         else if (hasValue || !readSwitch(argument))
             readQtOption(argument, name, hasValue ? argument.mid(equals + 1) : QString(), hasValue);
     }
@@ -140,6 +144,25 @@ private:
         m_result.look = value.toLower();
     }
 
+    void readErrand(const QString &name, qsizetype needed, const QString &givenValue, bool hasValue)
+    {
+        QStringList values = hasValue ? QStringList(givenValue) : QStringList();
+        while (values.size() < needed && m_next < m_arguments.size())
+            values << takeValue();
+        if (const QString error = m_errand.take(name, values); !error.isEmpty())
+            fail(error);
+    }
+
+    void finishErrand()
+    {
+        auto errand = m_errand.finish();
+        if (!errand)
+            return fail(errand.error());
+        m_result.errand = *std::move(errand);
+        if (m_result.errand.isGiven() && m_result.office)
+            fail(u"%1 needs no window: leave out --office."_s.arg(m_result.errand.name));
+    }
+
     void readQtOption(const QString &argument, const QString &dashedName, const QString &givenValue, bool hasValue)
     {
         const QString name = dashedName.startsWith(u"--"_s) ? dashedName.mid(2) : dashedName.mid(1);
@@ -160,6 +183,7 @@ private:
     QStringList m_arguments;
     qsizetype m_next = 0;
     CommandLine m_result;
+    ErrandLineReader m_errand;
     std::optional<QString> m_error;
 };
 
@@ -190,6 +214,7 @@ QString helpText()
            "  --look LOOK      light, dark, or system, which is as the desktop has it; kept for the next start\n"
            "  --no-plugins     load no plugins: the till is without its sales report\n"
            "  --verbose        show what goes into the log file in the terminal too\n"
+           "  --backup FOLDER  make a checked backup in this folder, beside tills that sell; needs no display\n"
            "  -h, --help       show this help and leave\n"
            "  -v, --version    show the version and leave\n"
            "\n"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/start/errand_line.h"
 #include "basic/result.h"
 
 #include <QString>
@@ -23,9 +24,10 @@ struct CommandLine
     QString drawer;             ///< the name of this till's drawer; empty when the option was not given
     /// Number or name of the customer's screen, empty for the second one; nothing when the option was not given.
     std::optional<QString> customerDisplay;
-    QString look;     ///< "light", "dark" or "system"; empty when the option was not given
-    QString platform; ///< what Qt's own option -platform names; empty when it was not given
-    QString display;  ///< what Qt's own option -display names
+    ErrandLine errand; ///< what is to be done without a window
+    QString look;      ///< "light", "dark" or "system"; empty when the option was not given
+    QString platform;  ///< what Qt's own option -platform names; empty when it was not given
+    QString display;   ///< what Qt's own option -display names
 };
 
 /// Reads the arguments (without the program's name), or says why they are refused. Needs no application object, so that

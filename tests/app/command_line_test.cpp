@@ -36,6 +36,7 @@ private Q_SLOTS:
     void customerDisplay();
     void drawer();
     void look();
+    void errand();
     void refused_data();
     void refused();
     void optionsOfQtPass();
@@ -131,6 +132,16 @@ void CommandLineTest::look()
     QCOMPARE(accepted({u"--look"_s, u"system"_s}).look, u"system"_s);
 }
 
+void CommandLineTest::errand()
+{
+    QVERIFY(!accepted({u"--demo"_s}).errand.isGiven());
+    const CommandLine two = accepted({u"--backup"_s, u"-a b"_s, u"--database=/x"_s});
+    QCOMPARE(two.errand.name, u"--backup"_s);
+    QCOMPARE(two.errand.values, QStringList{u"-a b"_s});
+    QCOMPARE(two.database, u"/x"_s);
+    QCOMPARE(accepted({u"--backup=/a=b"_s}).errand.values, QStringList{u"/a=b"_s});
+}
+
 void CommandLineTest::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -151,6 +162,12 @@ void CommandLineTest::refused_data()
     QTest::newRow("a negative screen") << QStringList{u"--customer-display=-1"_s} << u"counted from 1"_s;
     QTest::newRow("unknown look") << QStringList{u"--look=pink"_s} << u"light, dark or system"_s;
     QTest::newRow("two files") << QStringList{u"--database=a"_s, u"--database=b"_s} << u"twice"_s;
+    QTest::newRow("no folder") << QStringList{u"--backup"_s} << u"--backup needs the folder"_s;
+    QTest::newRow("an empty folder") << QStringList{u"--backup="_s} << u"--backup needs the folder"_s;
+    QTest::newRow("an option for a folder")
+        << QStringList{u"--backup"_s, u"--demo"_s} << u"--backup needs the folder"_s;
+    QTest::newRow("two errands") << QStringList{u"--backup=a"_s, u"--backup"_s, u"b"_s} << u"one at a time"_s;
+    QTest::newRow("an errand and a window") << QStringList{u"--backup=a"_s, u"--office"_s} << u"needs no window"_s;
     QTest::newRow("demo and file") << QStringList{u"--demo"_s, u"--database"_s, u"a"_s} << u"--demo"_s;
 }
 
@@ -174,9 +191,9 @@ void CommandLineTest::optionsOfQtPass()
 
 void CommandLineTest::helpNamesEveryOption()
 {
-    for (const QString &option :
-         {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s,
-          u"--no-plugins"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s,
+                                  u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s, u"--backup FOLDER"_s,
+                                  u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/errands/errand.h"
+#include "basic/result.h"
+
+namespace harrowby::app {
+
+/// "--backup FOLDER": a checked copy of the store in that folder, under a name that says which store's and when.
+[[nodiscard]] Result<Errand, QString> readBackupErrand(const ErrandLine &line);
+
+} // namespace harrowby::app

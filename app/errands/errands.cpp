@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "app/errands/errands.h"
+
+#include "app/errands/backup_errand.h"
+#include "app/errands/errand.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/file_facts.h"
+#include "app/shop/store_guard.h"
+#include "app/shop/store_open.h"
+#include "app/shop/store_paths.h"
+#include "app/shop/workshop.h"
+#include "app/start/command_line.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// Each errand by its option.
+Result<Errand, QString> readErrand(const ErrandLine &line)
+{
+    const std::pair<QString, Result<Errand, QString> (*)(const ErrandLine &)> readers[] = {
+        {u"--backup"_s, readBackupErrand},
+    };
+    for (const auto &[name, read] : readers) {
+        if (line.name == name)
+            return read(line);
+    }
+    return Unexpected(u"%1 cannot be done."_s.arg(line.name));
+}
+
+QString storeOf(const CommandLine &line)
+{
+    if (line.demo)
+        return demoStorePath();
+    return line.database.isEmpty() ? defaultStorePath() : line.database;
+}
+
+} // namespace
+
+ExitCode runErrand(const CommandLine &line)
+{
+    const auto errand = readErrand(line.errand);
+    if (!errand) {
+        tellOfErrand(u"%1\nTry \"harrowby --help\"."_s.arg(errand.error()));
+        return ExitCode::WrongUsage;
+    }
+    const QString path = storeOf(line);
+    if (!nameIsTaken(path)) {
+        tellOfErrand(u"There is no store file \"%1\"."_s.arg(path));
+        return ExitCode::StoreRefused;
+    }
+    removeLeftWorkshops(QFileInfo(path).absolutePath());
+    BusyWait wait;
+    auto database = openStore(path, wait);
+    if (!database) {
+        tellOfErrand(database.error().text);
+        return ExitCode::StoreRefused;
+    }
+    StoreGuard guard(*std::move(database), path, wait);
+    wait.refill();
+    return (*errand)({path, guard, wait});
+}
+
+} // namespace harrowby::app
