@@ -30,7 +30,4 @@ using Errand = std::function<ExitCode(const ErrandStore &store)>;
 /// To standard error, with the program's name before it.
 void tellOfErrand(const QString &text);
 
-/// The name under which records are kept of what was done without anybody logged in: "command line (anna)".
-[[nodiscard]] QString commandLineUser();
-
 } // namespace harrowby::app
