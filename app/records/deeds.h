@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -17,12 +18,12 @@ inline constexpr QLatin1StringView priceByHand("PriceByHand");
 inline constexpr QLatin1StringView drawerOpened("DrawerOpened"); ///< only shown: HarrowbyDrawerOpening holds them
 inline constexpr QLatin1StringView itemDeleted("ItemDeleted");
 inline constexpr QLatin1StringView purchaseDeleted("PurchaseDeleted");
-inline constexpr QLatin1StringView categoryDeleted("CategoryDeleted");
+inline constexpr QLatin1StringView purchaseUndone("PurchaseUndone"); ///< the last one, right after it was made
 inline constexpr QLatin1StringView rightsChanged("RightsChanged");
 inline constexpr QLatin1StringView userAdded("UserAdded");
 inline constexpr QLatin1StringView passwordSet("PasswordSet");
 inline constexpr QLatin1StringView loginRefused("LoginRefused");
-inline constexpr QLatin1StringView officeOpened("OfficeOpened");
+inline constexpr QLatin1StringView loggedIn("LoggedIn"); ///< at the office
 inline constexpr QLatin1StringView settingChanged("SettingChanged");
 inline constexpr QLatin1StringView codeChanged("CodeChanged");
 inline constexpr QLatin1StringView paymentSettled("PaymentSettled"); ///< one without a purchase, by a person
@@ -61,6 +62,28 @@ public:
 private:
     Records &m_records;
     QString m_place;
+};
+
+/// The deeds of one user at one place.
+class SignedDeeds
+{
+public:
+    /// The records must outlive it.
+    SignedDeeds(Records &records, const QString &place, QString who) : m_deeds(records, place), m_who(std::move(who)) {}
+
+    [[nodiscard]] RecordStatement statement(const QString &kind, const QString &what) const
+    {
+        return m_deeds.statement({kind, m_who, what});
+    }
+    std::optional<DbFailure> add(const QString &kind, const QString &what) const
+    {
+        return m_deeds.add({kind, m_who, what});
+    }
+    [[nodiscard]] Records &records() const { return m_deeds.records(); }
+
+private:
+    Deeds m_deeds;
+    QString m_who;
 };
 
 /// Who works at the command line: "command line (LINUXUSER)".

@@ -136,6 +136,8 @@ CounterAnswer CodeSeller::sellPriced(const FoundCode &item, QString &misfit)
     std::vector<CounterMisfit> misfits;
     const CounterAnswer answer = m_counter.putCart(
         {CounterLine{item.stockId, item.name.toUpper(), static_cast<double>(item.units), *item.cost, true}}, misfits);
+    if (answer == CounterAnswer::Done && misfits.empty())
+        Q_EMIT soldAtPriceOfCode(item.stockId, item.units, *item.cost);
     if (!misfits.empty())
         misfit = wordsOf(misfits.front().reason, itemWords(item.name, item.stockId));
     return answer;

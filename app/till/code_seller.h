@@ -30,6 +30,10 @@ public:
     /// The same of readers that are named by their device.
     void tellDeviceRefusal(CodeReaders::Refusal why);
 
+Q_SIGNALS:
+    /// Is in the cart at a price that the code holds, and that nobody has chosen.
+    void soldAtPriceOfCode(const QString &stockId, double units, double cost);
+
 private:
     [[nodiscard]] QString refusalOf(const QString &code, const FoundCode &found) const;
     void sellItem(const QString &code, const FoundCode &item);

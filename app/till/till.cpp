@@ -15,7 +15,8 @@ Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, s
     m_counter(counter),
     m_records(records), m_payments(counter, records, std::move(cash)),
     m_drawer(counter, records, m_payments, readDrawerSettings(settings)),
-    m_codes(counter, records, m_banner, std::move(sound)), m_firstSteps(counter, records, m_banner),
+    m_codes(counter, records, m_banner, std::move(sound)), m_deeds(counter, records, m_payments.drawer()),
+    m_firstSteps(counter, records, m_banner),
     m_cash(counter, records, m_payments,
            {[this](const QString &text) { sayOfCart(text, true); },
             [this](const QString &text) { m_banner.say(BannerTopic::Change, text, BannerTone::Large); }}),
@@ -25,6 +26,7 @@ Till::Till(Counter &counter, Records &records, const OfficeSettings &settings, s
     connect(&m_counter, &Counter::windowOpened, this, &Till::furnish);
     connect(&m_counter, &Counter::stockSaved, this, &Till::keepCodes);
     connect(&m_counter, &Counter::cartChanged, this, &Till::followCart);
+    connect(&m_codes, &CodeSeller::soldAtPriceOfCode, &m_deeds, &TillDeeds::notePriceOfCode);
     takeCodes(settings);
     if (m_counter.isOpen())
         furnish();

@@ -10,6 +10,7 @@
 #include "app/shop/office_settings.h"
 #include "app/till/code_seller.h"
 #include "app/till/first_steps.h"
+#include "app/till/till_deeds.h"
 
 #include <QObject>
 #include <QString>
@@ -49,6 +50,7 @@ private:
     Payments m_payments;
     DrawerDesk m_drawer;
     CodeSeller m_codes;
+    TillDeeds m_deeds;
     FirstSteps m_firstSteps;
     CashDesk m_cash;
     HoldDesk m_hold;

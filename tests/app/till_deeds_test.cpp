@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include "app/codes/code_finder.h"
+#include "app/till/till.h"
+#include "tests/app/fussy_records.h"
+#include "tests/program/test_program.h"
+#include "tests/support/counter.h"
+#include "ui/widgets/row_list.h"
+
+#include <harrowby/counter.h>
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby;
+using namespace harrowby::app;
+
+/// What the till writes down of who did what, at the real window.
+class TillDeedsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void priceByHandIsTold();
+    void priceByHandOfNoPurchaseIsNotTold();
+    void priceOfACodeIsNotByHand();
+    void priceByHandOnTopOfACodeIsTold();
+    void purchasesTakenBackAreTold();
+    void deletedItemIsTold();
+    void refusedLoginIsTold();
+    void unknownNameIsNotKept();
+    void saleGoesOnWithoutItsDeed();
+
+private:
+    void setPrice(const QString &key, const QString &before, const QString &price)
+    {
+        m_counter->boxes.expectInput(u"Enter new price for item [%1]?"_s.arg(key), {}, before, price);
+        Q_EMIT m_counter->find<RowList>("LV3")->rowOpened(0);
+        QCoreApplication::sendPostedEvents();
+    }
+    void scan(const QString &code)
+    {
+        Q_EMIT harrowby::Counter::instance().codeRead(code);
+        QCoreApplication::sendPostedEvents();
+    }
+    void click(const char *name)
+    {
+        m_counter->click(name);
+        QCoreApplication::sendPostedEvents();
+    }
+    /// Each as KIND|WHO|PLACE|WHAT.
+    [[nodiscard]] QStringList deeds() const
+    {
+        QStringList all;
+        const auto rows = m_records->read(
+            kept::activity(), {u"select Kind, Who, Place, What from HarrowbyActivity order by rowid"_s, {}});
+        for (const RecordRow &row : rows.value_or(QList<RecordRow>()))
+            all << recordText(row.at(0)) + u'|' + recordText(row.at(1)) + u'|' + recordText(row.at(2)) + u'|' +
+                       recordText(row.at(3)).replace(m_id, u"ID"_s);
+        return all;
+    }
+
+    std::unique_ptr<harrowby::test::Counter> m_counter;
+    std::unique_ptr<app::test::FussyRecords> m_records;
+    std::unique_ptr<Till> m_till;
+    QString m_id; ///< of the purchase
+    QStringList m_failures;
+};
+
+void TillDeedsTest::init()
+{
+    m_failures.clear();
+    m_id = u"no purchase yet"_s;
+    m_counter = std::make_unique<harrowby::test::Counter>();
+    m_counter->file.addItem(u"A1"_s, u"TEA"_s, 2.5, 30);
+    m_counter->file.addItem(u"12345"_s, u"CHEESE"_s, 9.99, 9);
+    m_records = std::make_unique<app::test::FussyRecords>(m_counter->file.handle());
+    m_records->setFailureHandler([this](const DbFailure &failure) { m_failures << failure.statement; });
+    QVERIFY(!ShopSettings(*m_records).save(inStoreSetting(u"21"_s), u"21IIIIIPPPPPC 2"_s));
+    const OfficeSettings settings = {
+        [](const QString &, const QString &, const QString &defaultValue) { return defaultValue; }, {}};
+    m_till = std::make_unique<Till>(
+        harrowby::Counter::instance(), *m_records, settings, [] {}, CashStation{u"DESK 1"_s, nullptr});
+    connect(&harrowby::Counter::instance(), &harrowby::Counter::purchased, m_till.get(),
+            [this](const CounterPurchase &purchase) { m_id = purchase.id; });
+    m_counter->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
+    m_counter->open();
+    m_counter->logIn();
+    QCoreApplication::sendPostedEvents();
+}
+
+void TillDeedsTest::cleanup()
+{
+    m_till.reset();
+    m_records.reset();
+    m_counter.reset();
+}
+
+void TillDeedsTest::priceByHandIsTold()
+{
+    scan(u"A1"_s);
+    scan(u"A1"_s);
+    setPrice(u"A1  |  TEA"_s, u"5.00"_s, u"3"_s);
+    QCOMPARE(deeds(), QStringList());
+    click("Command14");
+    QCOMPARE(deeds(), QStringList{u"PriceByHand|ADMINISTRATOR|till DESK 1|"
+                                  "2 x TEA (A1) sold for 3.00 instead of 5.00, purchase ID"_s});
+}
+
+void TillDeedsTest::priceByHandOfNoPurchaseIsNotTold()
+{
+    scan(u"A1"_s);
+    setPrice(u"A1  |  TEA"_s, u"2.50"_s, u"2.5"_s); // what it costs anyway
+    click("Command14");
+    QVERIFY(m_id != u"no purchase yet"_s);
+    QCOMPARE(deeds(), QStringList());
+}
+
+void TillDeedsTest::priceOfACodeIsNotByHand()
+{
+    scan(u"2112345019994"_s);
+    scan(u"2112345019994"_s);
+    QCOMPARE(m_counter->cart().value(0).section(u'|', -2), u"2|39.98"_s);
+    click("Command14");
+    QVERIFY(m_id != u"no purchase yet"_s);
+    QCOMPARE(deeds(), QStringList());
+    // What one cart's codes said is nothing to the next.
+    scan(u"12345"_s);
+    setPrice(u"12345  |  CHEESE"_s, u"9.99"_s, u"19.99"_s);
+    click("Command14");
+    QCOMPARE(deeds().value(0).section(u'|', -1), u"1 x CHEESE (12345) sold for 19.99 instead of 9.99, purchase ID"_s);
+}
+
+void TillDeedsTest::priceByHandOnTopOfACodeIsTold()
+{
+    scan(u"2112345019994"_s);
+    setPrice(u"12345  |  CHEESE"_s, u"19.99"_s, u"1"_s);
+    click("Command14");
+    QCOMPARE(deeds().value(0).section(u'|', -1), u"1 x CHEESE (12345) sold for 1.00 instead of 19.99, purchase ID"_s);
+}
+
+void TillDeedsTest::purchasesTakenBackAreTold()
+{
+    scan(u"A1"_s);
+    click("Command14");
+    click("Command25");
+    QCOMPARE(deeds(), QStringList{u"PurchaseUndone|ADMINISTRATOR|till DESK 1|The last purchase, ID, was undone."_s});
+    click("Command14");
+    m_counter->setText("Combo17", m_id);
+    click("Command4");
+    QCOMPARE(deeds().value(1), u"PurchaseDeleted|ADMINISTRATOR|till DESK 1|The purchase ID was deleted."_s);
+}
+
+void TillDeedsTest::deletedItemIsTold()
+{
+    m_counter->chooseTab("TabStrip1", WorkArea::EditStock);
+    QCoreApplication::sendPostedEvents();
+    const QStringList rows = m_counter->rows("LV");
+    const auto tea = rows.indexOf(QRegularExpression(u".*TEA.*"_s));
+    QVERIFY(tea >= 0);
+    m_counter->find<RowList>("LV")->selectRow(static_cast<int>(tea));
+    click("Command6");
+    QCOMPARE(deeds(), QStringList{u"ItemDeleted|ADMINISTRATOR|till DESK 1|The item with the ID A1 was deleted."_s});
+}
+
+void TillDeedsTest::refusedLoginIsTold()
+{
+    m_counter->logIn(u"administrator"_s, u"wrong"_s);
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(deeds(),
+             QStringList{u"LoginRefused|ADMINISTRATOR|till DESK 1|The till refused to log in ADMINISTRATOR."_s});
+}
+
+void TillDeedsTest::unknownNameIsNotKept()
+{
+    m_counter->logIn(u"my secret"_s, u"wrong"_s);
+    m_counter->logIn(QString(), u"wrong"_s); // nobody
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(deeds(), QStringList{u"LoginRefused||till DESK 1|"
+                                  "The till refused to log in somebody whose name the store does not have."_s});
+}
+
+void TillDeedsTest::saleGoesOnWithoutItsDeed()
+{
+    m_counter->file.sql(u"create table HarrowbyActivity (Other text)"_s); // nothing can be added to this one
+    scan(u"A1"_s);
+    setPrice(u"A1  |  TEA"_s, u"2.50"_s, u"1"_s);
+    click("Command14");
+    QCOMPARE(m_counter->cart(), QStringList());
+    QVERIFY(m_id != u"no purchase yet"_s);
+    QCOMPARE(m_failures.size(), 1);
+    QVERIFY(m_failures.constFirst().startsWith(u"insert into HarrowbyActivity"_s));
+}
+
+HARROWBY_TEST(app_till_deeds_test, TillDeedsTest)
+#include "till_deeds_test.moc"
