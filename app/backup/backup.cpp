@@ -138,9 +138,16 @@ BackupResult makeCopy(const Source &source, const QString &file, const BackupWat
     return closeCopy(*copy);
 }
 
-Naming nameCopy(const QString &file, const QString &target, bool replace)
+/// What becomes of a copy whose name a file has already.
+enum class IfTaken {
+    Fail,
+    Replace,
+    Number,
+};
+
+Naming nameCopy(const QString &file, const QString &target, IfTaken ifTaken)
 {
-    if (replace)
+    if (ifTaken == IfTaken::Replace)
         return replaceFile(file, target);
     const Naming named = nameNewFile(file, target);
     // Some file systems have neither RENAME_NOREPLACE nor link().
@@ -149,21 +156,37 @@ Naming nameCopy(const QString &file, const QString &target, bool replace)
     return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : named;
 }
 
-BackupResult giveName(const QString &file, const QString &target, bool replace)
+/// "copy-2.db" of "copy.db".
+QString numbered(const QString &target, int number)
 {
+    const QFileInfo info(target);
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    return u"%1/%2-%3%4"_s.arg(info.absolutePath(), info.completeBaseName(), QString::number(number), suffix);
+}
+
+BackupResult giveName(const QString &file, const QString &wanted, IfTaken ifTaken)
+{
+    constexpr int mostNames = 1000;
+    QString target = wanted;
     Naming named = syncFile(file);
     if (named)
-        named = nameCopy(file, target, replace);
+        named = nameCopy(file, target, ifTaken);
+    for (int number = 2;
+         !named && named.error() == std::errc::file_exists && ifTaken == IfTaken::Number && number <= mostNames;
+         ++number) {
+        target = numbered(wanted, number);
+        named = nameCopy(file, target, ifTaken);
+    }
     if (!named && named.error() == std::errc::file_exists)
         return failed(u"A file \"%1\" has appeared there in the meantime. It was left as it was."_s.arg(target));
     if (!named)
         return failed(u"The backup could not be written to its place (%1)."_s.arg(
             QString::fromLocal8Bit(named.error().message())));
     syncFolder(QFileInfo(target).absolutePath());
-    return {Outcome::Done, {}, QFileInfo(target).size()};
+    return {Outcome::Done, {}, QFileInfo(target).size(), target};
 }
 
-BackupResult copyTo(const QString &target, bool replace, const Source &source, const BackupWatch &watch)
+BackupResult copyTo(const QString &target, IfTaken ifTaken, const Source &source, const BackupWatch &watch)
 {
     const QString place = realTarget(target);
     const QString folder = QFileInfo(place).absolutePath();
@@ -174,12 +197,10 @@ BackupResult copyTo(const QString &target, bool replace, const Source &source, c
     const QString file = workshop.filePath(u"backup.db"_s);
     if (auto result = makeCopy(source, file, watch); result.outcome != Outcome::Done)
         return result;
-    return giveName(file, place, replace);
+    return giveName(file, place, ifTaken);
 }
 
-} // namespace
-
-BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
+BackupResult backUp(const QString &store, const QString &target, IfTaken ifTaken, const BackupWatch &watch)
 {
     if (const auto place = checkBackupPlace(store, target); !place)
         return failed(place.error());
@@ -187,7 +208,19 @@ BackupResult backUpStore(const QString &store, const QString &target, bool repla
         [&](sqlite3 *copy) { return copyStore(store, copy, watch); },
         [&] { return isBadFile(store, watch); },
     };
-    return copyTo(target, replace, source, watch);
+    return copyTo(target, ifTaken, source, watch);
+}
+
+} // namespace
+
+BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
+{
+    return backUp(store, target, replace ? IfTaken::Replace : IfTaken::Fail, watch);
+}
+
+BackupResult backUpStoreNumbered(const QString &store, const QString &target, const BackupWatch &watch)
+{
+    return backUp(store, target, IfTaken::Number, watch);
 }
 
 BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
@@ -198,7 +231,7 @@ BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &tar
         [&](sqlite3 *copy) { return copyOpenStore(store, copy, watch); },
         [&] { return isBad(store, watch); },
     };
-    return copyTo(target, false, source, watch);
+    return copyTo(target, IfTaken::Fail, source, watch);
 }
 
 } // namespace harrowby::app

@@ -29,6 +29,7 @@ struct BackupResult
     Outcome outcome = Outcome::Failed;
     QString problem; ///< in words for a person, when it has failed
     qint64 bytes = 0;
+    QString file = {}; ///< that it went into, when it is done
 };
 
 /// Called with the progress; returning false stops the backup, and must go on returning false. During the check it is
@@ -40,6 +41,9 @@ using BackupWatch = std::function<bool(const BackupProgress &)>;
 /// `replace` it takes the place of a file of that name, else such a file is a failure.
 [[nodiscard]] BackupResult backUpStore(const QString &store, const QString &target, bool replace,
                                        const BackupWatch &watch);
+
+/// The same under the first free name: "copy.db", else "copy-2.db", and so on. Several programs may do so at once.
+[[nodiscard]] BackupResult backUpStoreNumbered(const QString &store, const QString &target, const BackupWatch &watch);
 
 /// The same through the open connection of a store whose file has no name any more; `path` is the one that it had. A
 /// file that is at the target stays.

@@ -3,10 +3,17 @@
 
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
+#include "basic/logging.h"
 
 #include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSysInfo>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,12 +30,61 @@ QString markOf(const QString &store)
     return QString::fromLatin1(QCryptographicHash::hash(where, QCryptographicHash::Sha256).toHex().left(shortened));
 }
 
+QString baseOf(const QString &store)
+{
+    return QFileInfo(realTarget(store)).completeBaseName();
+}
+
+/// The moment in a name, and the number of one that was made within the same second.
+using Place = std::pair<QString, int>;
+
+/// Of those removed, all are older than `made`: another program's newer one stays, even when both keep one only.
+void removeOldest(KeptBackup &kept, const QString &folder, const QString &store, int keep)
+{
+    const QString made = QFileInfo(kept.result.file).fileName();
+    const QStringList all = keptBackups(folder, store);
+    for (qsizetype at = 0, own = -1; at < all.size(); ++at) {
+        if (QFileInfo(all.at(at)).fileName() == made)
+            own = at;
+        else if (own >= 0 && at >= keep)
+            (QFile::remove(all.at(at)) || !QFile::exists(all.at(at)) ? kept.removed : kept.notRemoved) << all.at(at);
+    }
+    for (const QString &left : std::as_const(kept.notRemoved))
+        qCWarning(lcStore).noquote() << "The old backup" << left << "could not be removed.";
+}
+
 } // namespace
 
 QString keptBackupName(const QString &store, const QDateTime &moment)
 {
-    return u"%1-%2-%3.%4"_s.arg(QFileInfo(realTarget(store)).completeBaseName(),
-                                moment.toString(u"yyyy-MM-dd-HHmmss"_s), markOf(store), copySuffix);
+    return u"%1-%2-%3.%4"_s.arg(baseOf(store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), markOf(store), copySuffix);
+}
+
+QStringList keptBackups(const QString &folder, const QString &store)
+{
+    const QRegularExpression form(u"^%1-(\\d{4}-\\d{2}-\\d{2}-\\d{6})-%2(?:-(\\d{1,4}))?\\.%3$"_s.arg(
+        QRegularExpression::escape(baseOf(store)), markOf(store), copySuffix));
+    QList<std::pair<Place, QString>> found;
+    const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &file : files) {
+        if (const auto match = form.match(file.fileName()); match.hasMatch())
+            found.emplaceBack(Place(match.captured(1), match.captured(2).toInt()), file.absoluteFilePath());
+    }
+    std::ranges::sort(found, std::greater());
+    QStringList paths;
+    for (const auto &[place, path] : std::as_const(found))
+        paths << path;
+    return paths;
+}
+
+KeptBackup keepBackup(const QString &store, const QString &folder, int keep, const QDateTime &now,
+                      const BackupWatch &watch)
+{
+    const QString target = QDir(folder).absoluteFilePath(keptBackupName(store, now));
+    KeptBackup kept = {backUpStoreNumbered(store, target, watch), {}, {}};
+    if (kept.result.outcome == BackupResult::Outcome::Done && keep > 0)
+        removeOldest(kept, folder, store, keep);
+    return kept;
 }
 
 } // namespace harrowby::app

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "app/errands/backup_errand.h"
 
-#include "app/backup/backup.h"
+#include "app/backup/good_backups.h"
 #include "app/backup/kept_backups.h"
+#include "app/records/deeds.h"
+#include "app/records/sqlite_records.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
 #include "app/start/start_message.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -15,17 +18,36 @@ namespace harrowby::app {
 
 namespace {
 
-ExitCode backUp(const ErrandStore &store, const QString &folder)
+constexpr int mostKept = 9999;
+
+/// In the store, for its office. The backup is good without it.
+void note(const ErrandStore &store, const BackupResult &made)
 {
-    const QString target = QDir(folder).absoluteFilePath(keptBackupName(store.path, QDateTime::currentDateTime()));
-    const BackupResult result = backUpStore(store.path, target, false, [](const BackupProgress &) { return true; });
+    store.wait.refill();
+    SqliteRecords records(store.guard.database());
+    auto failure = noteGoodBackup(records, made.file, made.bytes, QDateTime::currentDateTimeUtc());
+    if (!failure)
+        failure = Deeds(records, commandLinePlace).add({deed::backedUp, commandLineUser(), made.file});
+    if (failure)
+        tellOfErrand(
+            u"The store could not note that this backup was made (%1). The backup is good."_s.arg(failure->reason));
+}
+
+ExitCode backUp(const ErrandStore &store, const QString &folder, int keep)
+{
+    const KeptBackup kept =
+        keepBackup(store.path, folder, keep, QDateTime::currentDateTime(), [](const BackupProgress &) { return true; });
     if (!storeIsStillThere(store))
         return ExitCode::ErrandFailed;
-    if (result.outcome != BackupResult::Outcome::Done) {
-        tellOfErrand(result.problem);
+    if (kept.result.outcome != BackupResult::Outcome::Done) {
+        tellOfErrand(kept.result.problem);
         return ExitCode::ErrandFailed;
     }
-    printOut(u"The backup is made and checked: %1, %2\n"_s.arg(target, QLocale::c().formattedDataSize(result.bytes)));
+    note(store, kept.result);
+    for (const QString &left : kept.notRemoved)
+        tellOfErrand(u"The old backup \"%1\" could not be removed."_s.arg(left));
+    const QString size = QLocale::c().formattedDataSize(kept.result.bytes);
+    printOut(u"The backup is made and checked: %1, %2\n"_s.arg(kept.result.file, size));
     return ExitCode::Done;
 }
 
@@ -33,7 +55,15 @@ ExitCode backUp(const ErrandStore &store, const QString &folder)
 
 Result<Errand, QString> readBackupErrand(const ErrandLine &line)
 {
-    return Errand([folder = line.values.constFirst()](const ErrandStore &store) { return backUp(store, folder); });
+    int keep = 0;
+    if (line.options.contains(u"--keep"_s)) {
+        bool isNumber = false;
+        keep = line.options.value(u"--keep"_s).toInt(&isNumber);
+        if (!isNumber || keep < 1 || keep > mostKept)
+            return Unexpected(u"--keep takes how many backups stay, from 1 to %1."_s.arg(mostKept));
+    }
+    return Errand(
+        [folder = line.values.constFirst(), keep](const ErrandStore &store) { return backUp(store, folder, keep); });
 }
 
 } // namespace harrowby::app

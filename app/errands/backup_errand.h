@@ -6,7 +6,8 @@
 
 namespace harrowby::app {
 
-/// "--backup FOLDER": a checked copy of the store in that folder, under a name that says which store's and when.
+/// "--backup FOLDER [--keep N]": a checked copy of the store in that folder, under a name that says which store's and
+/// when; with N, older ones of these go.
 [[nodiscard]] Result<Errand, QString> readBackupErrand(const ErrandLine &line);
 
 } // namespace harrowby::app

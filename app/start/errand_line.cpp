@@ -38,7 +38,7 @@ QString ownersOf(const QString &option)
 const QList<ErrandForm> &errandForms()
 {
     static const QList<ErrandForm> forms = {
-        {u"--backup"_s, {u"the folder that the backup goes into"_s}, {}},
+        {u"--backup"_s, {u"the folder that the backup goes into"_s}, {{u"--keep"_s, u"how many backups stay"_s}}},
     };
     return forms;
 }

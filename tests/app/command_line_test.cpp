@@ -139,6 +139,9 @@ void CommandLineTest::errand()
     QCOMPARE(two.errand.name, u"--backup"_s);
     QCOMPARE(two.errand.values, QStringList{u"-a b"_s});
     QCOMPARE(two.database, u"/x"_s);
+    QVERIFY(two.errand.options.isEmpty());
+    const CommandLine kept = accepted({u"--keep"_s, u"14"_s, u"--backup"_s, u"b"_s});
+    QCOMPARE(kept.errand.options, (QMap<QString, QString>{{u"--keep"_s, u"14"_s}}));
     QCOMPARE(accepted({u"--backup=/a=b"_s}).errand.values, QStringList{u"/a=b"_s});
 }
 
@@ -168,6 +171,9 @@ void CommandLineTest::refused_data()
         << QStringList{u"--backup"_s, u"--demo"_s} << u"--backup needs the folder"_s;
     QTest::newRow("two errands") << QStringList{u"--backup=a"_s, u"--backup"_s, u"b"_s} << u"one at a time"_s;
     QTest::newRow("an errand and a window") << QStringList{u"--backup=a"_s, u"--office"_s} << u"needs no window"_s;
+    QTest::newRow("an option without its errand") << QStringList{u"--keep=3"_s} << u"--keep goes with --backup"_s;
+    QTest::newRow("an option without its value") << QStringList{u"--backup=a"_s, u"--keep"_s} << u"--keep needs"_s;
+    QTest::newRow("an option twice") << QStringList{u"--keep=1"_s, u"--backup=a"_s, u"--keep=2"_s} << u"twice"_s;
     QTest::newRow("demo and file") << QStringList{u"--demo"_s, u"--database"_s, u"a"_s} << u"--demo"_s;
 }
 
@@ -191,9 +197,10 @@ void CommandLineTest::optionsOfQtPass()
 
 void CommandLineTest::helpNamesEveryOption()
 {
-    for (const QString &option : {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s,
-                                  u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s, u"--backup FOLDER"_s,
-                                  u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+    for (const QString &option :
+         {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s,
+          u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s,
+          u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

@@ -12,6 +12,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/resource.h>
+
+#include <csignal>
+#include <functional>
+
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
@@ -39,6 +44,11 @@ private Q_SLOTS:
     void refusedStoreIsTold_data();
     void refusedStoreIsTold();
     void backupThatFailsIsTold();
+    void backupsAreKept();
+    void wrongNumberIsRefused_data();
+    void wrongNumberIsRefused();
+    void fullDiskKeepsTheOldBackup();
+    void killedBackupLeavesNothing();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
@@ -46,7 +56,8 @@ private:
     {
         return QDir(path(u"away"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
-    [[nodiscard]] Outcome run(const QStringList &arguments) const;
+    void prepare(QProcess &process) const;
+    [[nodiscard]] Outcome run(const QStringList &arguments, const std::function<void()> &inChild = {}) const;
 
     std::unique_ptr<QTemporaryDir> m_home;
 };
@@ -58,7 +69,7 @@ void ErrandsTest::init()
     QVERIFY(QDir(m_home->path()).mkdir(u"away"_s));
 }
 
-Outcome ErrandsTest::run(const QStringList &arguments) const
+void ErrandsTest::prepare(QProcess &process) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s, u"XDG_SESSION_TYPE"_s})
@@ -66,9 +77,16 @@ Outcome ErrandsTest::run(const QStringList &arguments) const
     environment.insert(u"HOME"_s, m_home->path());
     environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
     environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
-    QProcess process;
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_home->path());
+}
+
+Outcome ErrandsTest::run(const QStringList &arguments, const std::function<void()> &inChild) const
+{
+    QProcess process;
+    prepare(process);
+    if (inChild)
+        process.setChildProcessModifier(inChild);
     process.start(QStringLiteral(HARROWBY_PROGRAM), arguments);
     if (!process.waitForFinished(60000))
         return {};
@@ -122,6 +140,74 @@ void ErrandsTest::backupThatFailsIsTold()
     QCOMPARE(outcome.code, 6);
     QVERIFY2(outcome.errors.contains(path(u"missing/folder"_s)), qPrintable(outcome.errors));
     QVERIFY(!QFile::exists(path(u"missing"_s)));
+}
+
+void ErrandsTest::backupsAreKept()
+{
+    const QStringList backup = {u"--database"_s, u"shop.sqlite"_s, u"--backup"_s, u"away"_s, u"--keep"_s, u"2"_s};
+    for (int times = 0; times < 3; ++times)
+        QCOMPARE(run(backup).code, 0);
+    QCOMPARE(away().size(), 2);
+    // What the store says of them.
+    const QString shop = path(u"shop.sqlite"_s);
+    QVERIFY(column(shop, u"select Value from HarrowbySetting where Name = 'GoodBackups'"_s)
+                .constFirst()
+                .contains(away().constLast()));
+    QCOMPARE(column(shop, u"select Kind from HarrowbyActivity"_s), QStringList(3, u"BackedUp"_s));
+    QVERIFY(column(shop, u"select Who from HarrowbyActivity"_s).constFirst().startsWith(u"command line"_s));
+}
+
+void ErrandsTest::wrongNumberIsRefused_data()
+{
+    QTest::addColumn<QString>("number");
+    for (const QString &number : {u"0"_s, u"-1"_s, u"many"_s, u"10000"_s, u"2.5"_s})
+        QTest::newRow(qPrintable(number)) << number;
+}
+
+void ErrandsTest::wrongNumberIsRefused()
+{
+    QFETCH(QString, number);
+    const Outcome outcome = run({u"--database=shop.sqlite"_s, u"--backup=away"_s, u"--keep"_s, number});
+    QCOMPARE(outcome.code, 2);
+    QVERIFY2(outcome.errors.contains(u"--keep takes"_s), qPrintable(outcome.errors));
+    QVERIFY(away().isEmpty());
+}
+
+void ErrandsTest::fullDiskKeepsTheOldBackup()
+{
+    const QStringList backup = {u"--database=shop.sqlite"_s, u"--backup=away"_s, u"--keep=1"_s};
+    QCOMPARE(run(backup).code, 0);
+    const QStringList before = away();
+    runAll(path(u"shop.sqlite"_s), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(2000000)), '', '')"_s});
+    const Outcome outcome = run(backup, [] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit full = {1000000, 1000000};
+        ::setrlimit(RLIMIT_FSIZE, &full);
+    });
+    QCOMPARE(outcome.code, 6);
+    QVERIFY2(outcome.errors.contains(u"place of the backup"_s), qPrintable(outcome.errors));
+    QCOMPARE(away(), before);
+}
+
+void ErrandsTest::killedBackupLeavesNothing()
+{
+    runAll(path(u"shop.sqlite"_s), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(20000000)), '', '')"_s});
+    const QStringList backup = {u"--database=shop.sqlite"_s, u"--backup=away"_s, u"--keep=1"_s};
+    QCOMPARE(run(backup).code, 0);
+    const QStringList before = away();
+    QProcess process;
+    prepare(process);
+    process.start(QStringLiteral(HARROWBY_PROGRAM), backup);
+    QTRY_VERIFY_WITH_TIMEOUT(away() != before, 30000); // it has begun
+    process.kill();
+    QVERIFY(process.waitForFinished());
+    QVERIFY(away().contains(before.constFirst()));
+    for (const QString &name : away()) {
+        if (name.endsWith(u".db"_s)) // it may have been quicker
+            QCOMPARE(column(path(u"away/"_s + name), u"PRAGMA quick_check"_s), QStringList{u"ok"_s});
+    }
+    QCOMPARE(run(backup).code, 0);
+    QCOMPARE(away().size(), 1);
 }
 
 HARROWBY_CORE_TEST(app_errands_test, ErrandsTest)
