@@ -144,6 +144,7 @@ const QList<StoreIndex> &storeIndexes()
         {u"harrowby_purchase_day"_s, u"PurchaseCart"_s,
          u"(substr(PurchasedDate, 1, 6), Users, PurchasedItemsCost, PurchasedDate)"_s},
         {u"harrowby_user_name"_s, u"Users"_s, u"(UPPER(Username))"_s},
+        {u"harrowby_usage_time"_s, u"SysUsage"_s, u"(Dates)"_s},
     };
     return indexes;
 }

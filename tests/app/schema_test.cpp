@@ -108,6 +108,10 @@ QList<Expected> stockKeepingStatements()
          false},
         {u"Delete from PurchaseCart where PurchaseID = 'A'"_s, u"harrowby_purchase_id"_s, false},
         {u"Select PurchaseID from PurchaseCart Order by PurchaseID DESC"_s, u"harrowby_purchase_id"_s, false, false},
+        {u"select Dates, SystemUsage from SysUsage where Dates is not null and Dates <= 'A' order by Dates desc limit 9"_s,
+         u"harrowby_usage_time"_s, false, false},
+        {u"select Dates, SystemUsage from SysUsage where Dates is null order by SystemUsage"_s,
+         u"harrowby_usage_time"_s, false},
     };
 }
 
