@@ -47,6 +47,7 @@ private Q_SLOTS:
                                    << QByteArray("'\xef\xbc\x9d"
                                                  "1");
         QTest::newRow("with a quote in it") << u"=HYPERLINK(\"x\")"_s << QByteArray("\"'=HYPERLINK(\"\"x\"\")\"");
+        QTest::newRow("apostrophe") << u"'90S MUG"_s << QByteArray("''90S MUG");
         QTest::newRow("sign within") << u"A=1"_s << QByteArray("A=1");
         QTest::newRow("empty") << QString() << QByteArray();
     }
