@@ -18,7 +18,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
-using Kind = ReaderDevice::Kind;
+using ReaderKind = ReaderDevice::Kind;
 
 /// What is saved, and the page for it.
 class ReaderSettingsTest : public QObject
@@ -70,8 +70,8 @@ void ReaderSettingsTest::readBack()
     const ReaderSettings set{false,
                              99,
                              u"]"_s,
-                             {{Kind::Keyboard, u"/dev/input/by-id/usb-A reader: 1-event-kbd"_s, 9600},
-                              {Kind::Serial, u"/dev/ttyACM0"_s, 115200}}};
+                             {{ReaderKind::Keyboard, u"/dev/input/by-id/usb-A reader: 1-event-kbd"_s, 9600},
+                              {ReaderKind::Serial, u"/dev/ttyACM0"_s, 115200}}};
     QVERIFY(saveReaderSettings(settings(), {}, set));
     QVERIFY(readReaderSettings(settings()) == set);
     QVERIFY(saveReaderSettings(settings(), set, {}));
@@ -131,8 +131,8 @@ void ReaderSettingsTest::devicesAreFound()
              (QStringList{folder.filePath(u"input/by-id/usb-Reader-event-kbd"_s), folder.filePath(u"ttyUSB0"_s)}));
     make(u"serial/by-id/usb-Reader-if00"_s);
     QCOMPARE(foundDevices(folder.path()).last(), folder.filePath(u"serial/by-id/usb-Reader-if00"_s));
-    QCOMPARE(kindOfPath(u"/dev/input/event3"_s), Kind::Keyboard);
-    QCOMPARE(kindOfPath(u"/dev/ttyACM0"_s), Kind::Serial);
+    QCOMPARE(kindOfPath(u"/dev/input/event3"_s), ReaderKind::Keyboard);
+    QCOMPARE(kindOfPath(u"/dev/ttyACM0"_s), ReaderKind::Serial);
 }
 
 void ReaderSettingsTest::pageSaves()
@@ -166,8 +166,8 @@ void ReaderSettingsTest::pageSaves()
     const ReaderSettings expected{true,
                                   200,
                                   u"~"_s,
-                                  {{Kind::Keyboard, u"/dev/input/by-id/usb-Reader-event-kbd"_s, 9600},
-                                   {Kind::Serial, u"/dev/ttyUSB7"_s, 115200}}};
+                                  {{ReaderKind::Keyboard, u"/dev/input/by-id/usb-Reader-event-kbd"_s, 9600},
+                                   {ReaderKind::Serial, u"/dev/ttyUSB7"_s, 115200}}};
     QVERIFY(readReaderSettings(settings()) == expected);
     page.findChild<QCheckBox *>(u"readersType"_s)->setChecked(false);
     QVERIFY(!gap->isEnabled());

@@ -24,7 +24,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
-using Kind = ReaderDevice::Kind;
+using ReaderKind = ReaderDevice::Kind;
 
 namespace {
 
@@ -244,7 +244,7 @@ void ReadersTest::serialCodes()
     const QString path = m_folder.filePath(u"serial"_s);
     const SerialReader line(path);
     QVERIFY(line.isGood());
-    DeviceReader reader({Kind::Serial, path, 9600});
+    DeviceReader reader({ReaderKind::Serial, path, 9600});
     Heard read(&reader, &DeviceReader::codeRead);
     Heard tooLong(&reader, &DeviceReader::tooLong);
     begin(line, read);
@@ -263,10 +263,10 @@ void ReadersTest::serialIsHeldAlone()
 {
     const QString path = m_folder.filePath(u"held"_s);
     const SerialReader line(path);
-    auto first = std::make_unique<DeviceReader>(ReaderDevice{Kind::Serial, path, 115200});
+    auto first = std::make_unique<DeviceReader>(ReaderDevice{ReaderKind::Serial, path, 115200});
     Heard read(first.get(), &DeviceReader::codeRead);
     QTRY_VERIFY_WITH_TIMEOUT(line.send("first\r") && !read.isEmpty(), patience);
-    DeviceReader second({Kind::Serial, path, 115200});
+    DeviceReader second({ReaderKind::Serial, path, 115200});
     Heard lost(&second, &DeviceReader::lost);
     Heard found(&second, &DeviceReader::found);
     QTRY_COMPARE_WITH_TIMEOUT(texts(lost), QStringList{u"Another program uses it"_s}, patience);
@@ -279,7 +279,7 @@ void ReadersTest::serialGoesAndComes()
 {
     const QString path = m_folder.filePath(u"moving"_s);
     auto line = std::make_unique<SerialReader>(path);
-    DeviceReader reader({Kind::Serial, path, 9600});
+    DeviceReader reader({ReaderKind::Serial, path, 9600});
     Heard read(&reader, &DeviceReader::codeRead);
     Heard lost(&reader, &DeviceReader::lost);
     Heard found(&reader, &DeviceReader::found);
@@ -302,7 +302,7 @@ void ReadersTest::twoAtOnce()
     const std::array paths{m_folder.filePath(u"one"_s), m_folder.filePath(u"two"_s)};
     const SerialReader one(paths[0]);
     const SerialReader two(paths[1]);
-    CodeReaders readers({{Kind::Serial, paths[0], 9600}, {Kind::Serial, paths[1], 9600}});
+    CodeReaders readers({{ReaderKind::Serial, paths[0], 9600}, {ReaderKind::Serial, paths[1], 9600}});
     QSignalSpy read(&readers, &CodeReaders::codeRead);
     begin(one, read);
     begin(two, read);
@@ -323,7 +323,7 @@ void ReadersTest::inputDevice()
     const QString path = m_folder.filePath(u"event0"_s);
     const InputDevice device(path);
     int held = 0;
-    DeviceReader reader({Kind::Keyboard, path}, [&held](int) { return ++held > 0; });
+    DeviceReader reader({ReaderKind::Keyboard, path}, [&held](int) { return ++held > 0; });
     Heard read(&reader, &DeviceReader::codeRead);
     for (const int key : {KEY_4, KEY_0, KEY_0, KEY_6, KEY_LEFTSHIFT})
         QVERIFY(device.tap(key));
@@ -341,7 +341,7 @@ void ReadersTest::inputDeviceThatLosesKeys()
 {
     const QString path = m_folder.filePath(u"event1"_s);
     const InputDevice device(path);
-    DeviceReader reader({Kind::Keyboard, path}, [](int) { return true; });
+    DeviceReader reader({ReaderKind::Keyboard, path}, [](int) { return true; });
     Heard read(&reader, &DeviceReader::codeRead);
     QVERIFY(device.tap(KEY_4));
     QVERIFY(device.send(EV_SYN, SYN_DROPPED, 0));
@@ -354,7 +354,7 @@ void ReadersTest::inputDeviceOfAnother()
 {
     const QString path = m_folder.filePath(u"event2"_s);
     const InputDevice device(path);
-    DeviceReader reader({Kind::Keyboard, path}); // held for real, which a FIFO does not let happen
+    DeviceReader reader({ReaderKind::Keyboard, path}); // held for real, which a FIFO does not let happen
     Heard read(&reader, &DeviceReader::codeRead);
     Heard lost(&reader, &DeviceReader::lost);
     QVERIFY(device.tap(KEY_4));
@@ -365,7 +365,7 @@ void ReadersTest::inputDeviceOfAnother()
 
 void ReadersTest::missingFromTheStart()
 {
-    CodeReaders readers({{Kind::Serial, u"/nowhere/ttyACM0"_s}});
+    CodeReaders readers({{ReaderKind::Serial, u"/nowhere/ttyACM0"_s}});
     QSignalSpy lost(&readers, &CodeReaders::readerLost);
     QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, patience);
     QCOMPARE(lost.first().at(1).toString(), u"The code reader \"ttyACM0\" is not there: No such file or directory."_s);
@@ -375,7 +375,7 @@ void ReadersTest::whereCodesGo()
 {
     const QString path = m_folder.filePath(u"places"_s);
     const SerialReader line(path);
-    CodeReaders readers({{Kind::Serial, path}});
+    CodeReaders readers({{ReaderKind::Serial, path}});
     QSignalSpy read(&readers, &CodeReaders::codeRead);
     QSignalSpy refused(&readers, &CodeReaders::codeRefused);
     begin(line, read);
