@@ -22,7 +22,7 @@ using namespace harrowby::app::test;
 
 namespace {
 
-const QString lines = u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s;
+const QString usageLines = u"SELECT SystemUsage FROM SysUsage ORDER BY rowid"_s;
 
 } // namespace
 
@@ -142,7 +142,7 @@ void StoreGuardPeaceTest::openLogIsNotWaitedFor()
     QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));
     QVERIFY(!store->isLost());
     QVERIFY(!runSql(other.get(), u"COMMIT"_s));
-    SqliteStatement reading(other.get(), lines);
+    SqliteStatement reading(other.get(), usageLines);
     QVERIFY(reading.next());
     store->tick();
     QCOMPARE(m_wait.remaining(), std::chrono::milliseconds(5000));
