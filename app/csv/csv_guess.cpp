@@ -14,7 +14,6 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr QByteArrayView utf8Mark("\xEF\xBB\xBF");
 constexpr QByteArrayView littleMark("\xFF\xFE");
 constexpr QByteArrayView bigMark("\xFE\xFF");
 

@@ -22,8 +22,6 @@ enum Meaning : std::uint8_t {
     Break = 16,
 };
 
-constexpr QByteArrayView utf8Mark("\xEF\xBB\xBF");
-
 char asciiOf(QChar separator)
 {
     return csvSeparators().contains(separator) ? separator.toLatin1() : ',';

@@ -9,6 +9,8 @@
 
 namespace harrowby::app {
 
+inline constexpr QByteArrayView utf8Mark("\xEF\xBB\xBF"); ///< U+FEFF
+
 [[nodiscard]] inline bool isUtf16(CsvEncoding encoding)
 {
     return encoding == CsvEncoding::Utf16LittleEndian || encoding == CsvEncoding::Utf16BigEndian;
