@@ -44,7 +44,7 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     m_backup = new BackupPage(store, settings, this);
     m_cash = new CashPage(*m_records, settings, this);
     m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
-    layOut(new UsersPage(database, this), store);
+    layOut(new UsersPage(database, SignedDeeds(*m_records, officePlace, {}), this), store);
     dressDialog(*this);
     resize(usualSize.boundedTo(roomFor(*this)));
 }

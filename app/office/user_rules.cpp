@@ -8,6 +8,29 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
+namespace {
+
+QStringList allRights()
+{
+    QStringList all;
+    for (const Right &right : userRights())
+        all << right.column;
+    return all;
+}
+
+/// What is in the one and not in the other.
+QStringList without(const QStringList &rights, const QStringList &others)
+{
+    QStringList left;
+    for (const QString &right : rights) {
+        if (!others.contains(right))
+            left << right;
+    }
+    return left;
+}
+
+} // namespace
+
 bool isAdministrator(const QString &name)
 {
     return trimmedUpper(name) == administratorName;
@@ -43,10 +66,47 @@ QStringList usualRights(const QString &type)
         return {};
     if (type != u"MANAGER"_s)
         return {u"InventoryUse"_s, u"InventorySales"_s};
-    QStringList all;
-    for (const Right &right : userRights())
-        all << right.column;
-    return all;
+    return allRights();
+}
+
+const QList<Role> &userRoles()
+{
+    // A shift leader keeps the counter going; prices, items and deleted sales stay with the manager.
+    static const QList<Role> roles = {
+        {u"Cashier"_s, {u"InventoryUse"_s, u"InventorySales"_s}},
+        {u"Shift leader"_s, {u"InventoryUse"_s, u"InventorySales"_s, u"InventoryReport"_s, u"InventoryUndo"_s}},
+        {u"Manager"_s, allRights()},
+    };
+    return roles;
+}
+
+const Role *roleWith(const QStringList &rights)
+{
+    for (const Role &role : userRoles()) {
+        if (without(role.rights, rights).isEmpty() && without(rights, role.rights).isEmpty())
+            return &role;
+    }
+    return nullptr;
+}
+
+QString titlesOf(const QStringList &columns)
+{
+    QStringList titles;
+    for (const Right &right : userRights()) {
+        if (columns.contains(right.column))
+            titles << right.title;
+    }
+    return titles.join(u", "_s);
+}
+
+QString changeWords(const QStringList &before, const QStringList &after)
+{
+    QStringList words;
+    if (const QString given = titlesOf(without(after, before)); !given.isEmpty())
+        words << u"Given: %1."_s.arg(given);
+    if (const QString taken = titlesOf(without(before, after)); !taken.isEmpty())
+        words << u"Taken away: %1."_s.arg(taken);
+    return words.join(u' ');
 }
 
 } // namespace harrowby::app

@@ -35,4 +35,21 @@ inline constexpr QLatin1StringView viewerType("VIEWER");
 /// The columns of the rights that a new user of this type is given.
 [[nodiscard]] QStringList usualRights(const QString &type);
 
+/// What somebody does in the shop, and the rights for it: exactly these.
+struct Role
+{
+    QString name; ///< "Shift leader"
+    QStringList rights;
+};
+
+[[nodiscard]] const QList<Role> &userRoles();
+/// The role whose rights are exactly these; null when there is none.
+[[nodiscard]] const Role *roleWith(const QStringList &rights);
+
+/// The titles of rights, in the order of userRights(): "Sales report, Undo".
+[[nodiscard]] QString titlesOf(const QStringList &columns);
+
+/// "Given: Sales report, Undo. Taken away: Stock."; empty when nothing changes.
+[[nodiscard]] QString changeWords(const QStringList &before, const QStringList &after);
+
 } // namespace harrowby::app

@@ -37,7 +37,9 @@ constexpr int rowHeight = 56;
 QString secondLine(const StoreUser &user)
 {
     const QString obstacle = loginObstacle(user);
-    return user.type + (obstacle.isEmpty() ? QString() : u" \u2013 "_s + obstacle);
+    const Role *role = isAdministrator(user.name) ? nullptr : roleWith(user.rights);
+    return user.type + (role != nullptr ? u", "_s + role->name.toLower() : QString()) +
+           (obstacle.isEmpty() ? QString() : u" \u2013 "_s + obstacle);
 }
 
 QListWidgetItem *makeRow(const StoreUser &user)
@@ -81,7 +83,8 @@ void showLockedAsText(QCheckBox &box)
 
 } // namespace
 
-UsersPage::UsersPage(sqlite3 *database, QWidget *parent) : QWidget(parent), m_table(database)
+UsersPage::UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *parent) :
+    QWidget(parent), m_table(database, deeds)
 {
     auto *columns = new QHBoxLayout(this);
     columns->setContentsMargins(16, 16, 16, 16);
@@ -143,6 +146,7 @@ QVBoxLayout *UsersPage::makeDetails()
     line->addWidget(m_type, 1);
     line->addWidget(m_password);
     rows->addLayout(line);
+    rows->addLayout(makeRoles());
     for (const Right &right : userRights()) {
         auto *box = new QCheckBox(rightText(right), this);
         box->setAccessibleName(rightText(right));
@@ -156,6 +160,27 @@ QVBoxLayout *UsersPage::makeDetails()
     rows->addStretch(1);
     rows->addWidget(m_outcome);
     return rows;
+}
+
+/// One press for all seven switches below.
+QLayout *UsersPage::makeRoles()
+{
+    auto *line = new QHBoxLayout;
+    line->setSpacing(8);
+    const QStringList captions = {u"&Cashier"_s, u"Shi&ft Leader"_s, u"&Manager"_s};
+    for (qsizetype i = 0; i < userRoles().size(); ++i) {
+        const Role &role = userRoles().at(i);
+        auto *button = new QPushButton(captions.at(i), this);
+        button->setObjectName(u"role%1"_s.arg(i));
+        button->setCheckable(true); // checked: the user has exactly its rights
+        const QString words = i + 1 < userRoles().size() ? titlesOf(role.rights) : u"Every right"_s;
+        button->setToolTip(words);
+        button->setAccessibleDescription(words);
+        connect(button, &QPushButton::clicked, this, [this, i] { takeRole(userRoles().at(i)); });
+        m_roles << button;
+        line->addWidget(button, 1);
+    }
+    return line;
 }
 
 /// A low window scrolls the rights.
@@ -240,6 +265,11 @@ void UsersPage::showUser()
         m_rights.at(i)->setChecked(user != nullptr && user->rights.contains(userRights().at(i).column));
         m_rights.at(i)->setEnabled(!locked);
     }
+    const Role *role = user != nullptr && !locked ? roleWith(user->rights) : nullptr;
+    for (qsizetype i = 0; i < m_roles.size(); ++i) {
+        m_roles.at(i)->setChecked(role == &userRoles().at(i));
+        m_roles.at(i)->setEnabled(!locked);
+    }
     m_password->setEnabled(user != nullptr);
     m_type->setEnabled(user != nullptr && (!locked || !user->hasType || user->type == viewerType));
     if (user != nullptr)
@@ -308,6 +338,22 @@ void UsersPage::changeType()
     if (user == nullptr || m_type->currentData().toString() == user->type)
         return;
     finish(m_table.setType(*user, m_type->currentData().toString()), u"Saved: the type of %1."_s.arg(user->name));
+}
+
+void UsersPage::takeRole(const Role &role)
+{
+    const StoreUser *user = current();
+    if (user == nullptr)
+        return;
+    const QString name = user->name;
+    const QString changes = changeWords(user->rights, role.rights);
+    if (changes.isEmpty()) {
+        fill(); // the press has unchecked the button
+        return showOutcome(*m_outcome, u"%1 has exactly these rights already."_s.arg(name));
+    }
+    finish(m_table.setRole(*user, role),
+           u"Saved: %1 has the rights of a %2. %3 It takes effect at the next login."_s.arg(name, role.name.toLower(),
+                                                                                            changes));
 }
 
 /// Reads the users again, also after a failure.

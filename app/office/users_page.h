@@ -11,20 +11,21 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLayout;
 class QListWidget;
 class QPushButton;
 class QVBoxLayout;
 
 namespace harrowby::app {
 
-/// The store's users: each right is a switch that is stored at once.
+/// The store's users: each right is a switch that is stored at once, and a role is seven of them.
 class UsersPage final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The database must outlive it.
-    explicit UsersPage(sqlite3 *database, QWidget *parent = nullptr);
+    /// The database and the deeds' records must outlive it.
+    UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *parent = nullptr);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -34,6 +35,7 @@ private:
     QVBoxLayout *makeList();
     QVBoxLayout *makeDetails();
     QWidget *makeScroller(QLayout *details);
+    QLayout *makeRoles();
     void wrapRights();
     void fill();
     void showUser();
@@ -44,6 +46,7 @@ private:
     void changePassword();
     void switchRight(const QString &column, bool on);
     void changeType();
+    void takeRole(const Role &role);
     void finish(const UsersTable::Problem &problem, const QString &done);
 
     UsersTable m_table;
@@ -51,7 +54,8 @@ private:
     QListWidget *m_list = nullptr;
     QLabel *m_name = nullptr;
     QComboBox *m_type = nullptr;
-    QList<QCheckBox *> m_rights; ///< in the order of userRights()
+    QList<QCheckBox *> m_rights;  ///< in the order of userRights()
+    QList<QPushButton *> m_roles; ///< in the order of userRoles()
     QPushButton *m_password = nullptr;
     QLabel *m_outcome = nullptr;
 };

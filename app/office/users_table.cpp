@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/users_table.h"
 
+#include "app/codes/code_table.h" // failureWords
 #include "app/office/user_rules.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/password_rules.h"
 #include "basic/text.h"
 #include "basic/values.h"
+
+#include <QCryptographicHash>
 
 #include <sqlite3.h>
 
@@ -20,6 +23,7 @@ namespace {
 constexpr int storedTrue = -1; // the only number that the login takes for the right to use the till
 
 const auto noChange = u"The user was not changed."_s;
+const auto notAdded = u"The user was not added."_s;
 
 QStringList rightColumns()
 {
@@ -44,6 +48,7 @@ StoreUser userOf(const SqliteStatement &row, const QStringList &columns)
     user.hasType = !std::holds_alternative<std::monostate>(row.value(2));
     user.nameCanBeTyped = canBeTyped(user.name);
     user.passwordCanBeTyped = canBeTyped(row.text(3));
+    user.passwordMark = QCryptographicHash::hash(row.text(3).toUtf8(), QCryptographicHash::Sha256);
     const bool administrator = isAdministrator(user.name);
     for (int i = 0; i < columns.size(); ++i) {
         if (administrator || gives(columns.at(i), row.value(4 + i)))
@@ -59,6 +64,17 @@ DbValue flagLike(const DbValue &before, bool on)
     if (text != nullptr && (*text == u"True"_s || *text == u"False"_s))
         return on ? u"True"_s : u"False"_s;
     return std::int64_t{on ? storedTrue : 0};
+}
+
+Unexpected<QString> changedMeanwhile(const QString &name)
+{
+    return Unexpected(
+        u"Somebody else has changed %1 meanwhile. Nothing was changed: look at what is stored now."_s.arg(name));
+}
+
+QString selectUsers(const QString &rest)
+{
+    return u"SELECT rowid, Username, Type, Password, %1 FROM Users %2"_s.arg(rightColumns().join(u", "_s), rest);
 }
 
 } // namespace
@@ -86,9 +102,7 @@ UsersTable::Listing UsersTable::list() const
 {
     Listing listing;
     const QStringList columns = rightColumns();
-    SqliteStatement query(
-        m_database, u"SELECT rowid, Username, Type, Password, %1 FROM Users ORDER BY UPPER(Username), rowid"_s.arg(
-                        columns.join(u", "_s)));
+    SqliteStatement query(m_database, selectUsers(u"ORDER BY UPPER(Username), rowid"_s));
     while (query.next())
         listing.users << userOf(query, columns);
     if (query.error())
@@ -102,18 +116,8 @@ UsersTable::Problem UsersTable::add(const NewUser &user) const
         return name.error();
     if (const auto password = checkPassword(user.password); !password)
         return password.error();
-    const auto notAdded = u"The user was not added."_s;
     // One transaction, so that no other program adds the same name between check and insert.
-    if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
-        return engineWords(notAdded, *error);
-    auto problem = addUnlessTaken(user);
-    if (!problem) {
-        if (auto error = runSql(m_database, u"COMMIT"_s))
-            problem = engineWords(notAdded, *error);
-    }
-    if (problem)
-        (void)runSql(m_database, u"ROLLBACK"_s);
-    return problem;
+    return together(notAdded, [&] { return addUnlessTaken(user); });
 }
 
 UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
@@ -137,51 +141,141 @@ UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
     const QString insert = u"INSERT INTO Users (Username, Password, Type, %1) VALUES (%2)"_s.arg(columns.join(u", "_s),
                                                                                                  places.join(u", "_s));
     if (auto error = runSql(m_database, insert, values))
-        return engineWords(u"The user was not added."_s, *error);
-    return {};
+        return engineWords(notAdded, *error);
+    const QString rights = user.rights.isEmpty() ? u"no right"_s : titlesOf(user.rights);
+    return tell(m_deeds.statement(deed::userAdded, u"%1 was added as %2 with: %3."_s.arg(name, user.type, rights)),
+                notAdded);
 }
 
 UsersTable::Problem UsersTable::setPassword(const StoreUser &user, const QString &password) const
 {
     if (const auto checked = checkPassword(password); !checked)
         return checked.error();
-    return change(user, u"Password"_s, storedPassword(password));
+    const Plan plan = [&](const StoreUser &now, const QList<DbValue> &) -> Result<Columns, QString> {
+        if (now.passwordMark != user.passwordMark)
+            return changedMeanwhile(user.name);
+        return Columns{{u"Password"_s, storedPassword(password)}};
+    };
+    return change(user, plan,
+                  m_deeds.statement(deed::passwordSet, u"The password of %1 was changed."_s.arg(user.name)));
 }
 
 UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &column, bool on) const
 {
-    if (!rightColumns().contains(column))
+    const auto at = rightColumns().indexOf(column);
+    if (at < 0)
         return noChange;
     if (isAdministrator(user.name))
         return u"ADMINISTRATOR has every right and keeps it."_s;
-    DbValue stored;
-    {
-        // Closed before the change: with an open read statement SQLite returns SQLITE_BUSY without calling the handler.
-        SqliteStatement before(m_database, u"SELECT %1 FROM Users WHERE rowid = ?1"_s.arg(column), {user.row});
-        if (before.next())
-            stored = before.value(0);
-        if (before.error())
-            return engineWords(noChange, *before.error());
-    }
-    return change(user, column, flagLike(stored, on));
+    const Plan plan = [&](const StoreUser &now, const QList<DbValue> &flags) -> Result<Columns, QString> {
+        if (now.rights.contains(column) != user.rights.contains(column))
+            return changedMeanwhile(user.name);
+        return Columns{{column, flagLike(flags.at(at), on)}};
+    };
+    const QString what = on ? u"%1 was given the right \"%2\"."_s : u"%1 was taken the right \"%2\" away."_s;
+    return change(user, plan, m_deeds.statement(deed::rightsChanged, what.arg(user.name, titlesOf({column}))));
 }
 
 UsersTable::Problem UsersTable::setType(const StoreUser &user, const QString &type) const
 {
     if (isAdministrator(user.name) && type == viewerType)
         return u"ADMINISTRATOR must be able to log in."_s;
-    return change(user, u"Type"_s, type);
+    const Plan plan = [&](const StoreUser &now, const QList<DbValue> &) -> Result<Columns, QString> {
+        if (now.type != user.type || now.hasType != user.hasType)
+            return changedMeanwhile(user.name);
+        return Columns{{u"Type"_s, type}};
+    };
+    const QString before = user.type.isEmpty() ? u"none"_s : user.type;
+    return change(
+        user, plan,
+        m_deeds.statement(deed::rightsChanged, u"The type of %1: %2, before %3."_s.arg(user.name, type, before)));
 }
 
-UsersTable::Problem UsersTable::change(const StoreUser &user, const QString &column, const DbValue &value) const
+UsersTable::Problem UsersTable::setRole(const StoreUser &user, const Role &role) const
+{
+    if (isAdministrator(user.name))
+        return u"ADMINISTRATOR has every right and keeps it."_s;
+    const Plan plan = [&](const StoreUser &now, const QList<DbValue> &flags) -> Result<Columns, QString> {
+        if (now.rights != user.rights)
+            return changedMeanwhile(user.name);
+        Columns columns;
+        for (qsizetype i = 0; i < flags.size(); ++i) {
+            const QString column = rightColumns().at(i);
+            columns.emplaceBack(column, flagLike(flags.at(i), role.rights.contains(column)));
+        }
+        return columns;
+    };
+    return change(
+        user, plan,
+        m_deeds.statement(deed::rightsChanged, u"%1 was made %2. %3"_s.arg(user.name, role.name.toLower(),
+                                                                           changeWords(user.rights, role.rights))));
+}
+
+UsersTable::Problem UsersTable::change(const StoreUser &user, const Plan &plan, const RecordStatement &told) const
+{
+    return together(noChange, [&] { return changeLocked(user, plan, told); });
+}
+
+UsersTable::Problem UsersTable::changeLocked(const StoreUser &user, const Plan &plan, const RecordStatement &told) const
 {
     // The name is compared too: VACUUM by another program may have renumbered the rows since they were read.
-    const QString update = u"UPDATE Users SET %1 = ?1 WHERE rowid = ?2 AND Username = ?3"_s.arg(column);
-    if (auto error = runSql(m_database, update, {value, user.row, user.name}))
-        return engineWords(noChange, *error);
-    if (sqlite3_changes(m_database) == 0)
+    std::optional<StoreUser> now;
+    QList<DbValue> flags;
+    {
+        SqliteStatement row(m_database, selectUsers(u"WHERE rowid = ?1 AND Username = ?2"_s), {user.row, user.name});
+        if (row.next()) {
+            now = userOf(row, rightColumns());
+            for (int i = 0; i < rightColumns().size(); ++i)
+                flags << row.value(4 + i);
+        }
+        if (row.error())
+            return engineWords(noChange, *row.error());
+    }
+    if (!now)
         return u"The store has no user \"%1\" any more. Nothing was changed."_s.arg(user.name);
+    const auto columns = plan(*now, flags);
+    if (!columns)
+        return columns.error();
+    if (auto problem = store(user, *columns))
+        return problem;
+    return tell(told, noChange);
+}
+
+UsersTable::Problem UsersTable::store(const StoreUser &user, const Columns &columns) const
+{
+    QStringList sets;
+    QList<DbValue> values = {user.row, user.name};
+    for (const auto &[column, value] : columns) {
+        values << value;
+        sets << u"%1 = ?%2"_s.arg(column).arg(values.size());
+    }
+    const QString update = u"UPDATE Users SET %1 WHERE rowid = ?1 AND Username = ?2"_s.arg(sets.join(u", "_s));
+    if (auto error = runSql(m_database, update, values))
+        return engineWords(noChange, *error);
     return {};
+}
+
+UsersTable::Problem UsersTable::tell(const RecordStatement &told, const QString &notDone) const
+{
+    if (const auto written = m_deeds.records().write(kept::activity(), told); !written)
+        return failureWords(notDone, written.error());
+    return {};
+}
+
+UsersTable::Problem UsersTable::together(const QString &notDone, const std::function<Problem()> &work) const
+{
+    if (const auto failure = m_deeds.records().prepare(kept::activity()))
+        return failureWords(notDone, *failure);
+    if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
+        return engineWords(notDone, *error);
+    auto problem = work();
+    if (!problem) {
+        if (auto error = runSql(m_database, u"COMMIT"_s))
+            problem = engineWords(notDone, *error);
+    }
+    if (problem)
+        (void)runSql(m_database, u"ROLLBACK"_s);
+    return problem;
 }
 
 } // namespace harrowby::app

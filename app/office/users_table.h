@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/office/user_rules.h"
+#include "app/records/deeds.h"
 #include "engine/database.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -20,6 +25,7 @@ struct StoreUser
     QStringList rights; ///< columns of those that the till would give
     bool nameCanBeTyped = false;
     bool passwordCanBeTyped = false;
+    QByteArray passwordMark; ///< equal for equal passwords
 };
 
 struct NewUser
@@ -35,6 +41,8 @@ struct NewUser
 
 /// The table Users. What it stores is what the till's login finds again; columns that it does not know stay as they
 /// are. Every function returns, when it fails, what happened in words for a person, and then nothing has changed.
+/// What changes a user is refused when another program has changed the same of that user since it was read. Each
+/// change is stored together with the deed that tells it.
 class UsersTable
 {
 public:
@@ -46,8 +54,8 @@ public:
         Problem problem;        ///< set when reading failed; `users` are then those before the failure
     };
 
-    /// The database must outlive it.
-    explicit UsersTable(sqlite3 *database) : m_database(database) {}
+    /// The database must outlive it; the deeds' records work on the same one.
+    UsersTable(sqlite3 *database, SignedDeeds deeds) : m_database(database), m_deeds(std::move(deeds)) {}
 
     [[nodiscard]] Listing list() const;
     /// Refuses a name that the store has already under any capitals, and what the login would not find.
@@ -56,12 +64,24 @@ public:
     /// `column` is one of userRights(). ADMINISTRATOR has all rights and keeps them.
     [[nodiscard]] Problem setRight(const StoreUser &user, const QString &column, bool on) const;
     [[nodiscard]] Problem setType(const StoreUser &user, const QString &type) const;
+    /// All seven at once. ADMINISTRATOR has all rights and keeps them.
+    [[nodiscard]] Problem setRole(const StoreUser &user, const Role &role) const;
 
 private:
+    using Columns = QList<std::pair<QString, DbValue>>;
+    /// What is to be stored for a user, who is as the store has it now; or why it is not.
+    using Plan = std::function<Result<Columns, QString>(const StoreUser &now, const QList<DbValue> &flags)>;
+
     [[nodiscard]] Problem addUnlessTaken(const NewUser &user) const;
-    [[nodiscard]] Problem change(const StoreUser &user, const QString &column, const DbValue &value) const;
+    [[nodiscard]] Problem change(const StoreUser &user, const Plan &plan, const RecordStatement &told) const;
+    [[nodiscard]] Problem changeLocked(const StoreUser &user, const Plan &plan, const RecordStatement &told) const;
+    [[nodiscard]] Problem store(const StoreUser &user, const Columns &columns) const;
+    [[nodiscard]] Problem tell(const RecordStatement &told, const QString &notDone) const;
+    /// Runs the work in one transaction that is undone when the work has a problem.
+    [[nodiscard]] Problem together(const QString &notDone, const std::function<Problem()> &work) const;
 
     sqlite3 *m_database;
+    SignedDeeds m_deeds;
 };
 
 /// The words for an error of the engine: `what` was not done, why, and what to do.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_rules.h"
 #include "app/office/users_table.h"
+#include "app/records/sqlite_records.h"
 #include "app/shop/password_rules.h"
 #include "basic/text.h"
 #include "basic/values.h"
@@ -12,6 +13,8 @@
 #include <QTest>
 
 #include <sqlite3.h>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -44,17 +47,27 @@ private Q_SLOTS:
     void rightWaitsForATillThatWrites();
     void ruleOfTheHostIsTold();
     void usualRightsOfTypes();
+    void roleSetsAllSeven();
+    void rolesAreTold();
+    void everyChangeIsTold();
+    void changeWithoutItsDeedIsNotMade();
+    void changeOfAnotherOfficeIsNotLost_data();
+    void changeOfAnotherOfficeIsNotLost();
 
 private:
     [[nodiscard]] StoreUser user(const QString &name) const;
     [[nodiscard]] int foundByLogin(const QString &name, const QString &password) const;
     void run(const QString &statement) { QVERIFY2(!runSql(m_database.get(), statement), qPrintable(statement)); }
     [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
-    [[nodiscard]] UsersTable store() const { return UsersTable(m_database.get()); }
+    [[nodiscard]] UsersTable store() const
+    {
+        return UsersTable(m_database.get(), SignedDeeds(*m_records, u"office"_s, u"ADMINISTRATOR"_s));
+    }
 
     QTemporaryDir m_folder;
     QString m_path;
     SqliteDatabase m_database;
+    std::unique_ptr<SqliteRecords> m_records;
 };
 
 void UsersTableTest::init()
@@ -63,6 +76,8 @@ void UsersTableTest::init()
                                QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s);
     makeStore(m_path);
     QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    run(u"PRAGMA synchronous = OFF"_s);
+    m_records = std::make_unique<SqliteRecords>(m_database.get());
 }
 
 StoreUser UsersTableTest::user(const QString &name) const
@@ -308,6 +323,92 @@ void UsersTableTest::usualRightsOfTypes()
     QCOMPARE(usualRights(u"STAFF"_s), (QStringList{u"InventoryUse"_s, u"InventorySales"_s}));
     QCOMPARE(usualRights(u"MANAGER"_s).size(), userRights().size());
     QCOMPARE(usualRights(u"VIEWER"_s), QStringList());
+}
+
+void UsersTableTest::roleSetsAllSeven()
+{
+    run(u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryDelete, InventoryReorder) "
+        "VALUES ('ANNA', 'P', 'STAFF', 0, -1, 'True')"_s);
+    QVERIFY(!store().setRole(user(u"ANNA"_s), userRoles().at(1)));
+    QCOMPARE(user(u"ANNA"_s).rights, userRoles().at(1).rights);
+    // The form of the host's flags stays.
+    QCOMPARE(read(u"SELECT InventoryUse || InventorySales || InventoryReport || InventoryUndo || InventoryDelete || "
+                  "InventorySettings || InventoryReorder || Type || Password FROM Users WHERE Username = 'ANNA'"_s),
+             u"-1-1-1-100FalseSTAFFP"_s);
+    QCOMPARE(roleWith(user(u"ANNA"_s).rights), &userRoles().at(1));
+    QVERIFY(store().setRole(user(u"ADMINISTRATOR"_s), userRoles().at(0)));
+    QCOMPARE(user(u"ADMINISTRATOR"_s).rights.size(), 7);
+}
+
+void UsersTableTest::rolesAreTold()
+{
+    QCOMPARE(roleWith({u"InventorySales"_s, u"InventoryUse"_s})->name, u"Cashier"_s);
+    QVERIFY(roleWith({u"InventoryUse"_s}) == nullptr);
+    QVERIFY(roleWith({}) == nullptr);
+    QCOMPARE(userRoles().last().rights.size(), 7);
+    QCOMPARE(changeWords({u"InventoryUse"_s, u"InventoryReorder"_s}, userRoles().at(1).rights),
+             u"Given: Custom sales, Sales report, Undo. Taken away: Stock."_s);
+    QCOMPARE(changeWords(userRoles().at(0).rights, userRoles().at(0).rights), QString());
+}
+
+void UsersTableTest::everyChangeIsTold()
+{
+    QVERIFY(!store().add({u"anna"_s, u"P"_s, u"STAFF"_s, usualRights(u"STAFF"_s)}));
+    QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, true));
+    QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, false));
+    QVERIFY(!store().setRole(user(u"ANNA"_s), userRoles().at(1)));
+    QVERIFY(!store().setType(user(u"ANNA"_s), u"MANAGER"_s));
+    QVERIFY(!store().setPassword(user(u"ANNA"_s), u"secret word"_s));
+    QCOMPARE(column(m_path, u"SELECT Kind || '|' || Who || '|' || What FROM HarrowbyActivity ORDER BY rowid"_s),
+             (QStringList{u"UserAdded|ADMINISTRATOR|ANNA was added as STAFF with: Use the till, Custom sales."_s,
+                          u"RightsChanged|ADMINISTRATOR|ANNA was given the right \"Undo\"."_s,
+                          u"RightsChanged|ADMINISTRATOR|ANNA was taken the right \"Undo\" away."_s,
+                          u"RightsChanged|ADMINISTRATOR|ANNA was made shift leader. Given: Sales report, Undo."_s,
+                          u"RightsChanged|ADMINISTRATOR|The type of ANNA: MANAGER, before STAFF."_s,
+                          u"PasswordSet|ADMINISTRATOR|The password of ANNA was changed."_s}));
+}
+
+void UsersTableTest::changeWithoutItsDeedIsNotMade()
+{
+    run(u"CREATE TABLE HarrowbyActivity (Other)"_s);
+    const auto problem = store().add({u"anna"_s, u"P"_s, u"STAFF"_s, {}});
+    QVERIFY(problem);
+    QVERIFY2(problem->startsWith(u"The user was not added."_s), qPrintable(*problem));
+    QCOMPARE(user(u"ANNA"_s).name, QString());
+    QVERIFY(store().setType(user(u"ADMINISTRATOR"_s), u"MANAGER"_s));
+    QCOMPARE(user(u"ADMINISTRATOR"_s).type, u"ADMINISTRATOR"_s);
+}
+
+void UsersTableTest::changeOfAnotherOfficeIsNotLost_data()
+{
+    QTest::addColumn<QString>("theirs");
+    QTest::addColumn<QStringList>("mayNot"); // of right, role, type, password
+    QTest::newRow("right") << u"InventoryUndo = -1"_s << QStringList{u"right"_s, u"role"_s};
+    QTest::newRow("another right") << u"InventoryReport = -1"_s << QStringList{u"role"_s};
+    QTest::newRow("type") << u"Type = 'MANAGER'"_s << QStringList{u"type"_s};
+    QTest::newRow("password") << u"Password = 'Q'"_s << QStringList{u"password"_s};
+}
+
+void UsersTableTest::changeOfAnotherOfficeIsNotLost()
+{
+    QFETCH(QString, theirs);
+    QFETCH(QStringList, mayNot);
+    for (const auto &mine : {u"right"_s, u"role"_s, u"type"_s, u"password"_s}) {
+        run(u"DELETE FROM Users WHERE Username = 'ANNA'"_s);
+        run(u"INSERT INTO Users (Username, Password, Type, InventoryUse) VALUES ('ANNA', 'P', 'STAFF', -1)"_s);
+        const StoreUser seen = user(u"ANNA"_s);
+        run(u"UPDATE Users SET %1 WHERE Username = 'ANNA'"_s.arg(theirs));
+        const auto problem = mine == u"right"  ? store().setRight(seen, u"InventoryUndo"_s, true)
+                             : mine == u"role" ? store().setRole(seen, userRoles().at(0))
+                             : mine == u"type" ? store().setType(seen, u"VIEWER"_s)
+                                               : store().setPassword(seen, u"R"_s);
+        QCOMPARE(problem.has_value(), mayNot.contains(mine));
+        if (problem)
+            QVERIFY2(problem->contains(u"Somebody else has changed ANNA meanwhile."_s), qPrintable(*problem));
+        const QString stays = u"SELECT count(*) FROM Users WHERE Username = 'ANNA' AND "_s + theirs;
+        if (mine != u"role" || problem)
+            QCOMPARE(read(stays), u"1"_s);
+    }
 }
 
 HARROWBY_CORE_TEST(app_users_table_test, UsersTableTest)
