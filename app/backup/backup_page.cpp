@@ -53,7 +53,7 @@ QString lastText(const QString &file)
 } // namespace
 
 BackupPage::BackupPage(const QString &store, OfficeSettings settings, QWidget *parent) :
-    QWidget(parent), m_store(store), m_settings(std::move(settings))
+    OfficePage(parent), m_store(store), m_settings(std::move(settings))
 {
     createControls();
     layOut();
@@ -129,6 +129,13 @@ void BackupPage::choosePlace()
     dressDialog(dialog);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
         m_place->setText(QDir::toNativeSeparators(dialog.selectedFiles().constFirst()));
+}
+
+std::optional<LeavingQuestion> BackupPage::leaving() const
+{
+    if (!m_job.isRunning())
+        return {};
+    return LeavingQuestion{u"A backup is being made. Stop it?"_s, u"&Stop It"_s};
 }
 
 QString BackupPage::loss() const

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "app/backup/backup_job.h"
+#include "app/boxes/office_page.h"
 #include "app/shop/office_settings.h"
-
-#include <QWidget>
 
 #include <functional>
 #include <utility>
@@ -18,14 +17,14 @@ class QVBoxLayout;
 namespace harrowby::app {
 
 /// Makes a backup of the store at a chosen place while tills sell.
-class BackupPage final : public QWidget
+class BackupPage final : public OfficePage
 {
     Q_OBJECT
 
 public:
     BackupPage(const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
 
-    [[nodiscard]] bool isRunning() const { return m_job.isRunning(); }
+    [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
     /// `loss` says what has happened to the store file once it is lost: no copy counts then.
     void watchStore(std::function<QString()> loss) { m_loss = std::move(loss); }
 

@@ -28,9 +28,8 @@ public:
     [[nodiscard]] virtual std::optional<LeavingQuestion> leaving() const { return {}; }
 
 Q_SIGNALS:
-    /// The store file holds another store now. The office closes its pages and asks for the login again; `what` says
-    /// why, in words for a person.
-    void storeReplaced(const QString &what);
+    /// A backup is to take the store's place: the office asks its leaving questions, and closes for it.
+    void restoreAsked(const QString &backup);
 };
 
 } // namespace harrowby::app

@@ -24,7 +24,7 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 CashPage::CashPage(Records &records, OfficeSettings settings, QWidget *parent) :
-    QWidget(parent), m_records(records), m_settings(std::move(settings)), m_saved(readCashChoices(records))
+    OfficePage(parent), m_records(records), m_settings(std::move(settings)), m_saved(readCashChoices(records))
 {
     createEntries();
     auto *columns = new QHBoxLayout;
@@ -121,10 +121,13 @@ QLayout *CashPage::makeEnd()
     return row;
 }
 
-bool CashPage::hasChanges() const
+std::optional<LeavingQuestion> CashPage::leaving() const
 {
-    return m_ways->text() != waysText(m_saved.ways) || m_notes->text() != notesText(m_saved.notes) ||
-           m_drawer->text() != savedDrawerName(m_settings);
+    const bool changed = m_ways->text() != waysText(m_saved.ways) || m_notes->text() != notesText(m_saved.notes) ||
+                         m_drawer->text() != savedDrawerName(m_settings);
+    if (!changed)
+        return {};
+    return LeavingQuestion{u"What you have changed about cash is not saved. Discard it?"_s, u"&Discard It"_s};
 }
 
 void CashPage::save()

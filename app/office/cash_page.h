@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/cash/cash_choices.h"
 #include "app/shop/office_settings.h"
-
-#include <QWidget>
 
 class QLabel;
 class QLayout;
@@ -16,7 +15,7 @@ namespace harrowby::app {
 
 /// The office's page for cash: how customers may pay in this shop, this machine's drawer, and payments that found no
 /// purchase.
-class CashPage final : public QWidget
+class CashPage final : public OfficePage
 {
     Q_OBJECT
 
@@ -24,7 +23,7 @@ public:
     /// The records must outlive it.
     CashPage(Records &records, OfficeSettings settings, QWidget *parent = nullptr);
 
-    [[nodiscard]] bool hasChanges() const;
+    [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
 protected:
     void showEvent(QShowEvent *event) override;

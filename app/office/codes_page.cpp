@@ -56,7 +56,7 @@ QString countWords(qsizetype all, qsizetype orphans)
 
 } // namespace
 
-CodesPage::CodesPage(Records &records, QWidget *parent) : QWidget(parent), m_records(records), m_table(records)
+CodesPage::CodesPage(Records &records, QWidget *parent) : OfficePage(parent), m_records(records), m_table(records)
 {
     m_view = new tables::TableView(this);
     m_view->setObjectName(u"codes"_s);
@@ -103,7 +103,7 @@ QHBoxLayout *CodesPage::makeButtons()
     makePrimary(*add);
     buttons->addWidget(add);
     m_forOne = {addButton(u"U&nits \u2026"_s, u"changeUnits"_s, &CodesPage::changeUnits),
-                addButton(u"&Give To \u2026"_s, u"giveCode"_s, &CodesPage::giveCode),
+                addButton(u"Gi&ve To \u2026"_s, u"giveCode"_s, &CodesPage::giveCode),
                 addButton(u"Dele&te"_s, u"deleteCode"_s, &CodesPage::deleteCode)};
     for (QPushButton *button : std::as_const(m_forOne))
         buttons->addWidget(button);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/codes/code_table.h"
 
 #include <QList>
 #include <QString>
-#include <QWidget>
 
 class QHBoxLayout;
 class QLabel;
@@ -19,7 +19,7 @@ class TableView;
 namespace harrowby::app {
 
 /// The codes of the items: looked through, added, given their units, and deleted, also those of items that are gone.
-class CodesPage final : public QWidget
+class CodesPage final : public OfficePage
 {
     Q_OBJECT
 

@@ -2,13 +2,16 @@
 #include "app/office/office.h"
 
 #include "app/office/office_door.h"
-#include "app/office/office_password_dialog.h"
+#include "app/office/office_login_dialog.h"
 #include "app/office/office_window.h"
 #include "app/office/users_table.h"
+#include "app/records/deeds.h"
+#include "app/records/sqlite_records.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_paths.h"
 #include "app/start/display.h"
 #include "app/start/start_message.h"
+#include "basic/text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,48 +21,91 @@ namespace {
 
 using Kind = DoorAnswer::Kind;
 
-/// Why nobody is let in. Precondition: the answer is not Open.
-QString wordsOf(const DoorAnswer &answer)
+/// Why the user is not let in. Precondition: the answer is not Open.
+QString wordsOf(const DoorAnswer &answer, const QString &name)
 {
     switch (answer.kind) {
     case Kind::Blank:
-        return u"Please enter the password."_s;
+        return u"Please enter user name and password."_s;
     case Kind::Wrong:
-        return u"This is not the password of ADMINISTRATOR."_s;
-    case Kind::NoAdministrator:
-        return u"The store has no user ADMINISTRATOR who can log in, so nobody can open its office.\n"
-               "Let the program that keeps the users add one; the type must not be VIEWER."_s;
+        return u"This is not the password of %1, or there is no such user."_s.arg(name);
+    case Kind::NotEnabled:
+        return u"%1 may not use the till, and so not the office."_s.arg(name);
+    case Kind::NoRight:
+        return u"%1 may not open the office: that takes the right \"Stock\"."_s.arg(name);
+    case Kind::NobodyCould:
+        return u"The store has no user ADMINISTRATOR who can log in, and no other one with the right to stock, so "
+               u"nobody "
+               "can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;
     default:
         return engineWords(u"The users could not be read."_s, answer.error);
     }
 }
 
-Result<void, QString> checkPasswordAtDoor(sqlite3 *database, const QString &password)
+/// What was tried, for the list of deeds. A name that is none of the store's may be a password in the wrong field.
+void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name)
 {
-    const DoorAnswer answer = askAtDoor(database, password);
+    SqliteRecords records(database);
+    const Deeds deeds(records, officePlace);
+    const auto known = [database, &name] {
+        SqliteStatement query(database, u"SELECT 1 FROM Users WHERE UPPER(Username) = ?1"_s, {name});
+        return query.next();
+    };
+    switch (answer.kind) {
+    case Kind::Open:
+        (void)deeds.add({deed::loggedIn, name, u"Opened the office"_s});
+        break;
+    case Kind::Wrong:
+        (void)deeds.add(
+            {deed::loginRefused, known() ? name : QString(), known() ? u"Wrong password"_s : u"Unknown user name"_s});
+        break;
+    case Kind::NotEnabled:
+    case Kind::NoRight:
+        (void)deeds.add({deed::loginRefused, name, u"Not enough rights"_s});
+        break;
+    default:
+        break;
+    }
+}
+
+Result<OfficeUser, QString> letIn(sqlite3 *database, const QString &typedName, const QString &password)
+{
+    const QString name = trimmedUpper(typedName);
+    const DoorAnswer answer = askAtDoor(database, name, password);
+    noteAtDoor(database, answer, name);
     if (answer.kind != Kind::Open)
-        return Unexpected(wordsOf(answer));
-    return {};
+        return Unexpected(wordsOf(answer, name));
+    return answer.user;
+}
+
+/// False when nobody can be let in; the message has been shown.
+bool canAskAtDoor(sqlite3 *database)
+{
+    if (const DoorAnswer door = findKeyHolder(database); door.kind != Kind::Open) {
+        tellProblem(wordsOf(door, {}));
+        return false;
+    }
+    if (!canShowBoxes()) {
+        tellProblem(u"The store's office asks for a password, and there is no screen to ask for it."_s);
+        return false;
+    }
+    return true;
 }
 
 } // namespace
 
-OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings)
+OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings, const QString &reason)
 {
     sqlite3 *database = guard.database();
-    if (const DoorAnswer door = findAdministrator(database); door.kind != Kind::Open) {
-        tellProblem(wordsOf(door));
+    if (!canAskAtDoor(database))
         return OfficeEnd::Refused;
-    }
-    if (!canShowBoxes()) {
-        tellProblem(u"The store's office asks for a password, and there is no screen to ask for it."_s);
-        return OfficeEnd::Refused;
-    }
-    OfficePasswordDialog password([database](const QString &typed) { return checkPasswordAtDoor(database, typed); },
-                                  WrongTries(officeTriesPath(store)));
-    if (password.exec() != QDialog::Accepted)
+    const auto check = [database](const QString &name, const QString &password) {
+        return letIn(database, name, password);
+    };
+    OfficeLoginDialog login(check, WrongTries(officeTriesPath(store)), reason);
+    if (login.exec() != QDialog::Accepted)
         return OfficeEnd::Left;
-    OfficeWindow window(database, store, settings);
+    OfficeWindow window(database, store, settings, login.user());
     window.watchStore([&guard] { return guard.check() ? QString() : lossHeadline(guard.loss()); });
     window.exec();
     return OfficeEnd::Left;

@@ -5,17 +5,19 @@
 
 #include <QString>
 
-/// The store's office: windows for its ADMINISTRATOR, beside the till.
+/// The store's office: its own windows beside the till, for those who may keep it.
 namespace harrowby::app {
 
 class StoreGuard;
 
 enum class OfficeEnd {
-    Left,    ///< the window was closed, or the password was not given
+    Left,    ///< the window was closed, or nobody logged in
     Refused, ///< nobody can be let in; the message has been shown
 };
 
-/// Asks for the password and shows the window until it is closed.
-[[nodiscard]] OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings);
+/// Asks for user name and password and shows the window until it is closed. `reason`: why it is opened again, which the
+/// login says.
+[[nodiscard]] OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings,
+                                  const QString &reason = {});
 
 } // namespace harrowby::app

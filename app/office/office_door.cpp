@@ -4,6 +4,7 @@
 #include "app/office/user_rules.h"
 #include "basic/administrator.h"
 #include "basic/text.h"
+#include "basic/values.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,31 +14,45 @@ namespace {
 
 using Kind = DoorAnswer::Kind;
 
-const auto administrators =
-    u"SELECT 1 FROM Users WHERE Type <> '%1' AND UPPER(Username) = '%2'"_s.arg(viewerType, administratorName);
+/// Those who can log in at all, with what decides whether they are let in.
+const auto loginRows =
+    u"SELECT UPPER(Username), InventoryUse, InventoryReorder FROM Users WHERE Type <> '%1'"_s.arg(viewerType);
 
-DoorAnswer answer(sqlite3 *database, const QString &select, const QList<DbValue> &values, Kind otherwise)
+/// A row of `loginRows`. As the till's login reads it: who may use it, and the right to stock.
+DoorAnswer answerFor(const SqliteStatement &row)
 {
-    SqliteStatement query(database, select, values);
-    const bool found = query.next();
-    if (query.error())
-        return {Kind::Failed, *query.error()};
-    return {found ? Kind::Open : otherwise, {}};
+    const QString name = row.text(0);
+    if (name == administratorName)
+        return {Kind::Open, {}, {name, true, true}};
+    if (!valueEqualsTrue(row.value(1)))
+        return {Kind::NotEnabled, {}, {name, false, false}};
+    const bool mayKeepStock = valueIsTrue(row.value(2));
+    return {mayKeepStock ? Kind::Open : Kind::NoRight, {}, {name, false, mayKeepStock}};
 }
 
 } // namespace
 
-DoorAnswer askAtDoor(sqlite3 *database, const QString &password)
+DoorAnswer askAtDoor(sqlite3 *database, const QString &name, const QString &password)
 {
+    const QString comparedName = trimmedUpper(name);
     const QString compared = trimmedUpper(password);
-    if (compared.isEmpty())
-        return {Kind::Blank, {}};
-    return answer(database, administrators + u" AND UPPER(Password) = ?1"_s, {compared}, Kind::Wrong);
+    if (comparedName.isEmpty() || compared.isEmpty())
+        return {Kind::Blank, {}, {}};
+    SqliteStatement query(database, loginRows + u" AND UPPER(Username) = ?1 AND UPPER(Password) = ?2"_s,
+                          {comparedName, compared});
+    if (query.next()) // of several, the till takes the first one, too
+        return answerFor(query);
+    return query.error() ? DoorAnswer{Kind::Failed, *query.error(), {}} : DoorAnswer{Kind::Wrong, {}, {}};
 }
 
-DoorAnswer findAdministrator(sqlite3 *database)
+DoorAnswer findKeyHolder(sqlite3 *database)
 {
-    return answer(database, administrators, {}, Kind::NoAdministrator);
+    SqliteStatement query(database, loginRows);
+    while (query.next()) {
+        if (answerFor(query).kind == Kind::Open)
+            return {Kind::Open, {}, {}};
+    }
+    return query.error() ? DoorAnswer{Kind::Failed, *query.error(), {}} : DoorAnswer{Kind::NobodyCould, {}, {}};
 }
 
 } // namespace harrowby::app

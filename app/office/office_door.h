@@ -1,31 +1,35 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/office/office_user.h"
 #include "engine/database.h"
 
 #include <QString>
 
-/// Who may go into the store's office: ADMINISTRATOR, with the password that the till's login takes. How long the next
-/// try waits after wrong ones: wrong_tries.h.
+/// Who may go into the store's office: ADMINISTRATOR and who has the right to stock, with the name and the password
+/// that the till's login takes. How long the next try waits after wrong ones: wrong_tries.h.
 namespace harrowby::app {
 
 struct DoorAnswer
 {
     enum class Kind {
         Open,
-        Blank,           ///< nothing was typed
-        Wrong,           ///< another password
-        NoAdministrator, ///< the store has none who could log in
-        Failed,          ///< the store could not be read; the reason says why
+        Blank,       ///< nothing was typed for the name or the password
+        Wrong,       ///< no user has this name and this password
+        NotEnabled,  ///< the user may not use the till, and so not the office
+        NoRight,     ///< the user has no right to stock
+        NobodyCould, ///< the store has none who could be let in
+        Failed,      ///< the store could not be read; the reason says why
     };
     Kind kind = Kind::Failed;
     SqlError error;
+    OfficeUser user; ///< when it is open; the name whenever it is known
 };
 
 /// Compares as the login does: trimmed and in capitals, and never a user of the type VIEWER.
-[[nodiscard]] DoorAnswer askAtDoor(sqlite3 *database, const QString &password);
+[[nodiscard]] DoorAnswer askAtDoor(sqlite3 *database, const QString &name, const QString &password);
 
-/// What stands in the way before any password is typed; Open when nothing does.
-[[nodiscard]] DoorAnswer findAdministrator(sqlite3 *database);
+/// What stands in the way before anything is typed; Open when nothing does.
+[[nodiscard]] DoorAnswer findKeyHolder(sqlite3 *database);
 
 } // namespace harrowby::app

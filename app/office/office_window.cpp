@@ -1,26 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_window.h"
 
-#include "app/backup/backup_page.h"
 #include "app/boxes/office_box.h"
-#include "app/office/cash_page.h"
-#include "app/office/codes_page.h"
-#include "app/office/receipt_page.h"
-#include "app/office/shop_page.h"
+#include "app/boxes/office_page.h"
+#include "app/office/page_list.h"
 #include "app/office/store_access_line.h"
-#include "app/office/touch_tab_bar.h"
-#include "app/office/users_page.h"
-#include "app/readers/reader_settings_page.h"
 #include "app/records/sqlite_records.h"
 #include "app/shop/failure_text.h"
-#include "app/shop/schema.h"
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>
+#include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
+#include <QResizeEvent>
+#include <QScrollArea>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -29,85 +28,285 @@ namespace harrowby::app {
 namespace {
 
 constexpr QSize usualSize(1000, 680);
+constexpr QSize smallestSize(760, 540);
+constexpr int sideWidth = 208;
+constexpr int sideFrom = 960; ///< width of a window that has room for side and page
+
+/// The first control of the page that takes the focus.
+QWidget *firstOf(const QWidget &page)
+{
+    for (QWidget *next = page.nextInFocusChain(); next != &page; next = next->nextInFocusChain()) {
+        if (page.isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0 && next->isEnabled() &&
+            next->isVisibleTo(&page))
+            return next;
+    }
+    return nullptr;
+}
+
+void bringIntoView(QWidget &control)
+{
+    for (QWidget *around = control.parentWidget(); around != nullptr; around = around->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(around))
+            area->ensureWidgetVisible(&control);
+    }
+}
 
 } // namespace
 
-OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, QWidget *parent) :
-    QDialog(parent), m_records(std::make_unique<SqliteRecords>(database))
+OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings,
+                           const OfficeUser &user, QWidget *parent) :
+    QDialog(parent),
+    m_records(std::make_unique<SqliteRecords>(database)),
+    m_context{database, m_records.get(), store, settings, user, [this] { return m_loss ? m_loss() : QString(); }}
 {
     setWindowTitle(u"Store"_s);
     setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
     setWindowFlag(Qt::WindowMinMaxButtonsHint);
     enlargeFont(*this);
-    m_receipt = new ReceiptPage(settings, this);
-    m_readers = new ReaderSettingsPage(settings, foundDevices(), this);
-    m_backup = new BackupPage(store, settings, this);
-    m_cash = new CashPage(*m_records, settings, this);
-    m_shop = new ShopPage(SearchChoice(*m_records, isOwnStore(database)), this);
-    layOut(new UsersPage(database, SignedDeeds(*m_records, officePlace, {}), this), store);
+    for (const OfficePageEntry &entry : officePagesFor(user))
+        m_pages.append({entry, nullptr});
+    layOut();
+    addShortcuts();
     dressDialog(*this);
+    turnTo(0);
+    m_side->setFocus(); // no entry, which would bring the keyboard onto the screen
+    setMinimumSize(smallestSize);
     resize(usualSize.boundedTo(roomFor(*this)));
 }
 
 OfficeWindow::~OfficeWindow() = default;
 
-void OfficeWindow::layOut(QWidget *users, const QString &store)
+void OfficeWindow::layOut()
 {
-    auto *tabs = new TouchTabBar(this);
-    tabs->setObjectName(u"officeTabs"_s);
-    tabs->setAccessibleName(u"Pages"_s);
-    auto *pages = new QStackedWidget(this);
-    tabs->addTab(u"&Users"_s);
-    pages->addWidget(users);
-    tabs->addTab(u"&Receipt"_s);
-    pages->addWidget(m_receipt);
-    tabs->addTab(u"Bac&kup"_s);
-    pages->addWidget(m_backup);
-    tabs->addTab(u"C&odes"_s);
-    pages->addWidget(new CodesPage(*m_records, this));
-    tabs->addTab(u"Ca&sh"_s);
-    pages->addWidget(m_cash);
-    tabs->addTab(u"S&hop"_s);
-    pages->addWidget(m_shop);
-    tabs->addTab(u"Read&ers"_s);
-    pages->addWidget(m_readers);
-    connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
-
-    auto *close = new QPushButton(u"C&lose"_s, this);
-    close->setObjectName(u"closeOffice"_s);
-    connect(close, &QPushButton::clicked, this, &OfficeWindow::reject);
-    auto *top = new QHBoxLayout;
-    top->addWidget(tabs, 1);
-    top->addWidget(close);
-    auto *rows = new QVBoxLayout(this);
-    rows->addLayout(top);
-    rows->addWidget(new StoreAccessLine(store, this));
-    rows->addWidget(pages, 1);
-    rows->addWidget(makeOfficeText(this, wrappingPath(store)));
-    // No default button: Enter in an entry presses the button beside it only.
-    for (QPushButton *button : findChildren<QPushButton *>())
-        button->setAutoDefault(false);
+    QList<OfficePageEntry> entries;
+    for (const BuiltPage &page : std::as_const(m_pages))
+        entries << page.entry;
+    m_side = new PageList(
+        entries, [this](const QString &typed) { return find(typed); }, this);
+    connect(m_side, &PageList::turnedTo, this, &OfficeWindow::turnTo);
+    connect(m_side, &PageList::chosen, this, &OfficeWindow::goTo);
+    connect(m_side, &PageList::left, this, &OfficeWindow::leaveSide);
+    m_content = makeContent();
+    auto *columns = new QHBoxLayout(this);
+    columns->setSpacing(12);
+    columns->setSizeConstraint(QLayout::SetNoConstraint); // the side goes before the window stops becoming narrower
+    columns->addWidget(m_side);
+    columns->addWidget(m_content, 1);
 }
 
-void OfficeWindow::watchStore(const std::function<QString()> &loss)
+QWidget *OfficeWindow::makeContent()
 {
-    m_backup->watchStore(loss);
+    auto *content = new QWidget(this);
+    m_stack = new QStackedWidget(content);
+    auto *rows = new QVBoxLayout(content);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addLayout(makeHead());
+    if (m_context.user.isAdministrator)
+        rows->addWidget(new StoreAccessLine(m_context.store, content));
+    addWarnings(*rows);
+    rows->addWidget(m_stack, 1);
+    auto *foot = makeOfficeText(content, u"%1 \u2013 %2"_s.arg(m_context.user.name, wrappingPath(m_context.store)));
+    foot->setObjectName(u"officeFoot"_s);
+    rows->addWidget(foot);
+    return content;
+}
+
+QHBoxLayout *OfficeWindow::makeHead()
+{
+    m_menu = new QPushButton(u"\u2630 Pages"_s, this);
+    m_menu->setObjectName(u"officeMenu"_s);
+    m_menu->setAccessibleName(u"Pages"_s);
+    m_menu->setAutoDefault(false);
+    connect(m_menu, &QPushButton::clicked, this, [this] { openSide(true); });
+    m_title = new QLabel(this);
+    m_title->setObjectName(u"officeTitle"_s);
+    m_title->setTextFormat(Qt::PlainText);
+    m_title->setProperty("styleWord", u"title"_s);
+    auto *close = new QPushButton(u"Close"_s, this);
+    close->setObjectName(u"closeOffice"_s);
+    close->setAutoDefault(false);
+    connect(close, &QPushButton::clicked, this, &OfficeWindow::reject);
+    auto *head = new QHBoxLayout;
+    head->setSpacing(12);
+    head->addWidget(m_menu);
+    head->addWidget(m_title, 1);
+    head->addWidget(close);
+    return head;
+}
+
+void OfficeWindow::addWarnings(QVBoxLayout &rows)
+{
+    for (const BuiltPage &page : std::as_const(m_pages)) {
+        const QString warning = page.entry.warning ? page.entry.warning(m_context) : QString();
+        if (warning.isEmpty())
+            continue;
+        auto *go = new QPushButton(u"Go to %1"_s.arg(page.entry.title()), this);
+        go->setObjectName(u"goTo"_s + page.entry.title());
+        go->setAutoDefault(false);
+        connect(go, &QPushButton::clicked, this, [this, title = page.entry.title()] { showPage(title); });
+        auto *text = makeOfficeText(this, u"\u26a0 "_s + warning);
+        text->setObjectName(u"warningOf"_s + page.entry.title());
+        auto *line = new QHBoxLayout;
+        line->setContentsMargins(16, 8, 16, 0);
+        line->addWidget(text, 1);
+        line->addWidget(go);
+        rows.addLayout(line);
+    }
+}
+
+void OfficeWindow::addShortcuts()
+{
+    for (qsizetype i = 0; i < m_pages.size(); ++i) {
+        auto *letter = new QShortcut(QKeySequence::mnemonic(m_pages.at(i).entry.caption), this);
+        connect(letter, &QShortcut::activated, this, [this, i] { goTo({i, nullptr, {}, {}}, true); });
+    }
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, &OfficeWindow::beginSearch);
+    connect(new QShortcut(Qt::CTRL | Qt::Key_PageDown, this), &QShortcut::activated, this, [this] { step(1); });
+    connect(new QShortcut(Qt::CTRL | Qt::Key_PageUp, this), &QShortcut::activated, this, [this] { step(-1); });
+}
+
+OfficePage *OfficeWindow::built(qsizetype page)
+{
+    BuiltPage &wanted = m_pages[page];
+    if (wanted.page != nullptr)
+        return wanted.page;
+    OfficePage *made = wanted.entry.make(m_context, m_stack);
+    wanted.page = made;
+    dressPart(*made);
+    // No default button: Enter in an entry presses the button beside it only.
+    for (QPushButton *button : made->findChildren<QPushButton *>())
+        button->setAutoDefault(false);
+    connect(made, &OfficePage::restoreAsked, this, &OfficeWindow::leaveForRestore, Qt::QueuedConnection);
+    m_stack->addWidget(made);
+    return made;
+}
+
+void OfficeWindow::buildPages()
+{
+    for (qsizetype i = 0; i < m_pages.size(); ++i)
+        built(i);
+}
+
+void OfficeWindow::turnTo(qsizetype page)
+{
+    if (page < 0 || page >= m_pages.size())
+        return;
+    OfficePage *shown = built(page);
+    m_current = page;
+    m_side->setCurrentPage(page);
+    m_title->setText(m_pages.at(page).entry.title());
+    m_stack->setCurrentWidget(shown);
+}
+
+void OfficeWindow::step(qsizetype pages)
+{
+    const qsizetype next = m_current + pages;
+    if (next >= 0 && next < m_pages.size())
+        goTo({next, nullptr, {}, {}}, true);
+}
+
+void OfficeWindow::goTo(const OfficePlace &place, bool byKey)
+{
+    m_side->endSearch();
+    turnTo(place.page);
+    openSide(false);
+    QWidget *control = place.control;
+    if (control != nullptr && !control->isEnabled())
+        control = nullptr;
+    // A touch on a page leaves the focus, so that no keyboard comes onto the screen.
+    if (control == nullptr && byKey)
+        control = firstOf(*m_pages.at(place.page).page);
+    if (control == nullptr)
+        return;
+    control->setFocus(Qt::TabFocusReason);
+    bringIntoView(*control);
+}
+
+void OfficeWindow::showPage(const QString &title)
+{
+    for (qsizetype i = 0; i < m_pages.size(); ++i) {
+        if (m_pages.at(i).entry.title() == title)
+            goTo({i, nullptr, {}, {}}, false);
+    }
+}
+
+QStringList OfficeWindow::pageTitles() const
+{
+    QStringList titles;
+    for (const BuiltPage &page : m_pages)
+        titles << page.entry.title();
+    return titles;
+}
+
+QList<OfficePlace> OfficeWindow::find(const QString &typed)
+{
+    buildPages();
+    return findPlaces(typed, m_pages);
+}
+
+void OfficeWindow::beginSearch()
+{
+    openSide(true);
+    m_side->beginSearch();
+}
+
+/// In a wide window it is always open.
+void OfficeWindow::openSide(bool open)
+{
+    const bool hadFocus = m_side->isAncestorOf(focusWidget());
+    m_sideOpen = open && m_narrow;
+    m_content->setVisible(!m_sideOpen);
+    m_side->setVisible(!m_narrow || m_sideOpen);
+    if (m_sideOpen)
+        m_side->setFocus();
+    else if (m_narrow && hadFocus)
+        m_menu->setFocus();
+}
+
+/// Escape in the list, which stands in place of the page in a narrow window.
+void OfficeWindow::leaveSide()
+{
+    if (m_sideOpen)
+        openSide(false);
+    else
+        reject();
+}
+
+void OfficeWindow::resizeEvent(QResizeEvent *event)
+{
+    QDialog::resizeEvent(event);
+    m_narrow = width() < sideFrom;
+    m_menu->setVisible(m_narrow);
+    m_side->setMaximumWidth(m_narrow ? QWIDGETSIZE_MAX : sideWidth);
+    m_side->setMinimumWidth(m_narrow ? 0 : sideWidth);
+    openSide(m_sideOpen);
+}
+
+QSize OfficeWindow::minimumSizeHint() const
+{
+    const QMargins around = layout()->contentsMargins();
+    return m_content->minimumSizeHint().grownBy(around);
+}
+
+bool OfficeWindow::mayLeave()
+{
+    return std::all_of(m_pages.cbegin(), m_pages.cend(), [this](const BuiltPage &page) {
+        const auto question = page.page != nullptr ? page.page->leaving() : std::nullopt;
+        return !question || askInOffice(this, question->text, question->action);
+    });
 }
 
 void OfficeWindow::reject()
 {
-    if (m_backup->isRunning() && !askInOffice(this, u"A backup is being made. Stop it?"_s, u"&Stop It"_s))
+    if (mayLeave())
+        QDialog::reject();
+}
+
+void OfficeWindow::leaveForRestore(const QString &backup)
+{
+    if (!mayLeave())
         return;
-    if (m_receipt->hasChanges() &&
-        !askInOffice(this, u"What you have typed for the receipt is not saved. Discard it?"_s, u"&Discard It"_s))
-        return;
-    if (m_readers->hasChanges() &&
-        !askInOffice(this, u"What you have changed about the code readers is not saved. Discard it?"_s,
-                     u"&Discard It"_s))
-        return;
-    if (m_cash->hasChanges() &&
-        !askInOffice(this, u"What you have changed about cash is not saved. Discard it?"_s, u"&Discard It"_s))
-        return;
+    m_askedRestore = backup;
     QDialog::reject();
 }
 

@@ -34,7 +34,7 @@ QLineEdit *makeEntry(QWidget *parent, const QString &objectName, const QString &
 } // namespace
 
 ReceiptPage::ReceiptPage(OfficeSettings settings, QWidget *parent) :
-    QWidget(parent), m_settings(std::move(settings)), m_saved(readReceiptHead(m_settings))
+    OfficePage(parent), m_settings(std::move(settings)), m_saved(readReceiptHead(m_settings))
 {
     createEntries();
     auto *columns = new QHBoxLayout(this);
@@ -100,6 +100,13 @@ QVBoxLayout *ReceiptPage::makePicture()
     rows->addWidget(m_picture);
     rows->addStretch(1);
     return rows;
+}
+
+std::optional<LeavingQuestion> ReceiptPage::leaving() const
+{
+    if (entered() == m_saved)
+        return {};
+    return LeavingQuestion{u"What you have typed for the receipt is not saved. Discard it?"_s, u"&Discard It"_s};
 }
 
 ReceiptHead ReceiptPage::entered() const

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/shop/receipt_head.h"
-
-#include <QWidget>
 
 class QCheckBox;
 class QLabel;
@@ -13,14 +12,14 @@ class QVBoxLayout;
 namespace harrowby::app {
 
 /// What stands on a receipt, with a picture of it, and whether the daily report is mailed.
-class ReceiptPage final : public QWidget
+class ReceiptPage final : public OfficePage
 {
     Q_OBJECT
 
 public:
     explicit ReceiptPage(OfficeSettings settings, QWidget *parent = nullptr);
 
-    [[nodiscard]] bool hasChanges() const { return entered() != m_saved; }
+    [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
 private:
     void createEntries();

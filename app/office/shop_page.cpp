@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-ShopPage::ShopPage(SearchChoice search, QWidget *parent) : QWidget(parent), m_choice(search)
+ShopPage::ShopPage(SearchChoice search, QWidget *parent) : OfficePage(parent), m_choice(search)
 {
     m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
     m_search->setObjectName(u"searchAnywhere"_s);

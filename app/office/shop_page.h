@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/search/search_choice.h"
-
-#include <QWidget>
 
 class QCheckBox;
 class QLabel;
@@ -11,7 +10,7 @@ class QLabel;
 namespace harrowby::app {
 
 /// What holds for all tills of the shop.
-class ShopPage final : public QWidget
+class ShopPage final : public OfficePage
 {
     Q_OBJECT
 

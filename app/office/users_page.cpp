@@ -84,7 +84,7 @@ void showLockedAsText(QCheckBox &box)
 } // namespace
 
 UsersPage::UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *parent) :
-    QWidget(parent), m_table(database, deeds)
+    OfficePage(parent), m_table(database, deeds)
 {
     auto *columns = new QHBoxLayout(this);
     columns->setContentsMargins(16, 16, 16, 16);

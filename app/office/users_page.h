@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/office/users_table.h"
 
 #include <QList>
-#include <QWidget>
 
 #include <functional>
 
@@ -19,7 +19,7 @@ class QVBoxLayout;
 namespace harrowby::app {
 
 /// The store's users: each right is a switch that is stored at once, and a role is seven of them.
-class UsersPage final : public QWidget
+class UsersPage final : public OfficePage
 {
     Q_OBJECT
 

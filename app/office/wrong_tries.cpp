@@ -61,6 +61,15 @@ void WrongTries::forget()
         QFile::remove(m_file);
 }
 
+void WrongTries::takeBack()
+{
+    load();
+    if (m_count <= 1)
+        return forget();
+    --m_count;
+    save();
+}
+
 std::chrono::milliseconds WrongTries::pause(const QDateTime &now)
 {
     load();

@@ -12,9 +12,9 @@ namespace harrowby::app {
 /// The whole pause after so many wrong tries: none after two, then 1 s, doubled with each up to 16 s.
 [[nodiscard]] std::chrono::milliseconds pauseAfter(int wrongTries);
 
-/// The wrong passwords at the store's office since the last right one, and what is left of the pause before the next
-/// try. Kept in a small file, so that a restart changes nothing and several offices share one pause. A file that cannot
-/// be read counts as none.
+/// The wrong passwords at the store's office since the last right one of ADMINISTRATOR, and what is left of the pause
+/// before the next try. Kept in a small file, so that a restart changes nothing and several offices share one pause. A
+/// file that cannot be read counts as none.
 class WrongTries
 {
 public:
@@ -25,6 +25,8 @@ public:
     void add(const QDateTime &now);
     /// The password was right.
     void forget();
+    /// The last try was right, and those before it still count.
+    void takeBack();
     /// How long the next try still has to wait: pauseAfter() less the time since the last try. Never longer than
     /// pauseAfter(), whatever the clock says.
     [[nodiscard]] std::chrono::milliseconds pause(const QDateTime &now);

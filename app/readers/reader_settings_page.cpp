@@ -50,7 +50,7 @@ std::set<int> gapsToChoose(int saved)
 } // namespace
 
 ReaderSettingsPage::ReaderSettingsPage(OfficeSettings settings, const QStringList &found, QWidget *parent) :
-    QWidget(parent), m_settings(std::move(settings)), m_saved(readReaderSettings(m_settings)),
+    OfficePage(parent), m_settings(std::move(settings)), m_saved(readReaderSettings(m_settings)),
     m_devices(m_saved.devices)
 {
     createEntries();
@@ -120,7 +120,7 @@ QLayout *ReaderSettingsPage::makeTypingForm()
     auto *form = new QFormLayout;
     form->setVerticalSpacing(12);
     form->addRow(m_typing);
-    form->addRow(u"Longest time between two ke&ys:"_s, m_gap);
+    form->addRow(u"Longest time between t&wo keys:"_s, m_gap);
     form->addRow(u"&Prefix that they type before each code:"_s, m_prefix);
     centreCaptions(*form);
     return form;
@@ -144,6 +144,14 @@ QLayout *ReaderSettingsPage::makeDeviceForm()
     next->addWidget(m_add);
     rows->addLayout(next);
     return rows;
+}
+
+std::optional<LeavingQuestion> ReaderSettingsPage::leaving() const
+{
+    if (entered() == m_saved)
+        return {};
+    return LeavingQuestion{u"What you have changed about the code readers is not saved. Discard it?"_s,
+                           u"&Discard It"_s};
 }
 
 ReaderSettings ReaderSettingsPage::entered() const

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/boxes/office_page.h"
 #include "app/readers/reader_settings.h"
-
-#include <QWidget>
 
 class QCheckBox;
 class QComboBox;
@@ -16,7 +15,7 @@ class QPushButton;
 namespace harrowby::app {
 
 /// The office's page for this machine's code readers.
-class ReaderSettingsPage final : public QWidget
+class ReaderSettingsPage final : public OfficePage
 {
     Q_OBJECT
 
@@ -25,7 +24,7 @@ public:
     explicit ReaderSettingsPage(OfficeSettings settings, const QStringList &found = foundDevices(),
                                 QWidget *parent = nullptr);
 
-    [[nodiscard]] bool hasChanges() const { return entered() != m_saved; }
+    [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
 private:
     void createEntries();

@@ -34,9 +34,14 @@ void dressDialog(QWidget &window)
 {
     applyDialogStyle(window);
     speakTruly(&window);
-    for (auto *list : window.findChildren<QComboBox *>())
+    dressPart(window);
+}
+
+void dressPart(QWidget &part)
+{
+    for (auto *list : part.findChildren<QComboBox *>())
         list->setMaxVisibleItems(mostEntries);
-    for (const auto *box : window.findChildren<QDialogButtonBox *>()) {
+    for (const auto *box : part.findChildren<QDialogButtonBox *>()) {
         for (QAbstractButton *button : box->buttons())
             button->setIcon({}); // of another style
     }

@@ -15,6 +15,9 @@ namespace harrowby {
 /// show their whole list. Follows the application's palette. Called after the window's children have been created.
 void dressDialog(QWidget &window);
 
+/// The same for what is built within such a window later; its style and what is spoken come from the window.
+void dressPart(QWidget &part);
+
 /// The same for a message box, called after its buttons have been added. Its default button becomes the main one.
 void dressBox(QMessageBox &box);
 

@@ -13,7 +13,6 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTabBar>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -39,19 +38,15 @@ private Q_SLOTS:
     void openPaymentIsRemoved();
 
 private:
-    void openPage() const;
+    void openPage();
     void addOpenPayment(const QString &id, int cents);
 };
 
 /// Shown anew, so that it counts again.
-void CashPageTest::openPage() const
+void CashPageTest::openPage()
 {
-    auto *tabs = part<QTabBar>("officeTabs");
-    tabs->setCurrentIndex(0);
-    for (int i = 0; i < tabs->count(); ++i) {
-        if (tabs->tabText(i) == u"Ca&sh"_s)
-            tabs->setCurrentIndex(i);
-    }
+    showPage(u"Users"_s);
+    showPage(u"Cash"_s);
 }
 
 void CashPageTest::addOpenPayment(const QString &id, int cents)

@@ -23,7 +23,7 @@ using namespace harrowby::app::test;
 
 namespace {
 
-struct Outcome
+struct ErrandEnd
 {
     int code = -1;
     QString out;
@@ -57,7 +57,7 @@ private:
         return QDir(path(u"away"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
     void prepare(QProcess &process) const;
-    [[nodiscard]] Outcome run(const QStringList &arguments, const std::function<void()> &inChild = {}) const;
+    [[nodiscard]] ErrandEnd run(const QStringList &arguments, const std::function<void()> &inChild = {}) const;
 
     std::unique_ptr<QTemporaryDir> m_home;
 };
@@ -81,7 +81,7 @@ void ErrandsTest::prepare(QProcess &process) const
     process.setWorkingDirectory(m_home->path());
 }
 
-Outcome ErrandsTest::run(const QStringList &arguments, const std::function<void()> &inChild) const
+ErrandEnd ErrandsTest::run(const QStringList &arguments, const std::function<void()> &inChild) const
 {
     QProcess process;
     prepare(process);
@@ -97,7 +97,7 @@ Outcome ErrandsTest::run(const QStringList &arguments, const std::function<void(
 
 void ErrandsTest::backupIsMade()
 {
-    const Outcome outcome = run({u"--backup"_s, u"away"_s, u"--database"_s, u"shop.sqlite"_s});
+    const ErrandEnd outcome = run({u"--backup"_s, u"away"_s, u"--database"_s, u"shop.sqlite"_s});
     QCOMPARE(outcome.errors, QString());
     QCOMPARE(outcome.code, 0);
     QCOMPARE(away().size(), 1);
@@ -126,7 +126,7 @@ void ErrandsTest::refusedStoreIsTold()
     QFETCH(QString, said);
     QFile text(path(u"text"_s));
     QVERIFY(text.open(QIODevice::WriteOnly) && text.write(QByteArray(2000, 't')) == 2000 && text.flush());
-    const Outcome outcome = run({u"--database"_s, name, u"--backup"_s, path(u"away"_s)});
+    const ErrandEnd outcome = run({u"--database"_s, name, u"--backup"_s, path(u"away"_s)});
     QCOMPARE(outcome.code, 4);
     QVERIFY2(outcome.errors.contains(name) && outcome.errors.contains(said), qPrintable(outcome.errors));
     QVERIFY(away().isEmpty());
@@ -136,7 +136,7 @@ void ErrandsTest::refusedStoreIsTold()
 void ErrandsTest::backupThatFailsIsTold()
 {
     const QStringList backup = {u"--database"_s, path(u"shop.sqlite"_s), u"--backup"_s, path(u"missing/folder"_s)};
-    const Outcome outcome = run(backup);
+    const ErrandEnd outcome = run(backup);
     QCOMPARE(outcome.code, 6);
     QVERIFY2(outcome.errors.contains(path(u"missing/folder"_s)), qPrintable(outcome.errors));
     QVERIFY(!QFile::exists(path(u"missing"_s)));
@@ -167,7 +167,7 @@ void ErrandsTest::wrongNumberIsRefused_data()
 void ErrandsTest::wrongNumberIsRefused()
 {
     QFETCH(QString, number);
-    const Outcome outcome = run({u"--database=shop.sqlite"_s, u"--backup=away"_s, u"--keep"_s, number});
+    const ErrandEnd outcome = run({u"--database=shop.sqlite"_s, u"--backup=away"_s, u"--keep"_s, number});
     QCOMPARE(outcome.code, 2);
     QVERIFY2(outcome.errors.contains(u"--keep takes"_s), qPrintable(outcome.errors));
     QVERIFY(away().isEmpty());
@@ -179,7 +179,7 @@ void ErrandsTest::fullDiskKeepsTheOldBackup()
     QCOMPARE(run(backup).code, 0);
     const QStringList before = away();
     runAll(path(u"shop.sqlite"_s), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(2000000)), '', '')"_s});
-    const Outcome outcome = run(backup, [] {
+    const ErrandEnd outcome = run(backup, [] {
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit full = {1000000, 1000000};
         ::setrlimit(RLIMIT_FSIZE, &full);

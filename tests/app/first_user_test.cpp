@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup_page.h"
-#include "app/office/office_password_dialog.h"
+#include "app/office/office_login_dialog.h"
 #include "app/office/receipt_page.h"
 #include "app/office/user_dialog.h"
 #include "app/shop/first_user_dialog.h"
@@ -247,8 +247,8 @@ void FirstUserTest::formsWearTheTillsTheme_data()
     QTest::addColumn<Form>("make");
     QTest::addColumn<int>("captions");
     QTest::newRow("password of the office") << Form([] {
-        return std::make_unique<OfficePasswordDialog>(
-            [](const QString &) { return harrowby::Result<void, QString>(); });
+        return std::make_unique<OfficeLoginDialog>(
+            [](const QString &, const QString &) { return harrowby::Result<OfficeUser, QString>(OfficeUser()); });
     }) << 2;
     QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Save()); }) << 4;
     QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Save()); })

@@ -403,7 +403,7 @@ void LostStoreBoxTest::noBackupOfAFileThatIsGone()
     makeStore(path(u"another.sqlite"_s));
     QVERIFY(QFile::rename(path(u"another.sqlite"_s), path()));
     page.findChild<QPushButton *>(u"startBackup"_s)->click();
-    QVERIFY(!page.isRunning());
+    QVERIFY(!page.leaving());
     QVERIFY(page.findChild<QLabel *>(u"backupOutcome"_s)->text().contains(u"Another file was put in the place"_s));
     QVERIFY(!QFile::exists(copy));
 }

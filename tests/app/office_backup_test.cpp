@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTabBar>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -36,7 +35,8 @@ void OfficeBackupTest::leftFolderOfTheLastBackupIsRemoved()
                                          return m_saved.value(section + u'/' + key, usual);
                                      },
                                      {}};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+    showPage(u"Backup"_s);
     QVERIFY(!QFile::exists(left));
 }
 
@@ -44,6 +44,7 @@ void OfficeBackupTest::backupIsMade()
 {
     const QString target = m_folder->filePath(u"copy.db"_s);
     QCOMPARE(part<QLabel>("lastBackup")->text(), u"No backup has been made from here yet."_s);
+    showPage(u"Backup"_s);
     part<QLineEdit>("backupPlace")->setText(target);
     press("startBackup");
     QVERIFY(!part<QPushButton>("startBackup")->isEnabled() && part<QPushButton>("stopBackup")->isEnabled());
@@ -95,7 +96,7 @@ void OfficeBackupTest::focusStaysOnTheBackupPage()
     QFETCH(const QByteArray, after);
     m_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    part<QTabBar>("officeTabs")->setCurrentIndex(2);
+    showPage(u"Backup"_s);
     const auto typeABlank = [this] { QTest::keyClick(m_window->focusWidget(), Qt::Key_Space); };
     part<QLineEdit>("backupPlace")->setText(m_folder->filePath(u"copy.db"_s));
     part<QWidget>(from.constData())->setFocus();

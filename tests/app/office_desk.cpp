@@ -28,7 +28,9 @@ void OfficeDesk::init()
                                          m_saved.insert(section + u'/' + key, value);
                                          return true;
                                      }};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings);
+    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+    m_window->buildPages();
+    m_window->resize(1000, 680); // with the list at the side
     m_window->show();
 }
 

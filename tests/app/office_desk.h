@@ -17,7 +17,13 @@
 
 namespace harrowby::app::test {
 
-/// The office's window over a store with the users ADMINISTRATOR, ANNA and BOB, anew for each test function.
+[[nodiscard]] inline OfficeUser officeAdministrator()
+{
+    return {QStringLiteral("ADMINISTRATOR"), true, true};
+}
+
+/// The office's window, with all its pages built, over a store with the users ADMINISTRATOR, ANNA and BOB, anew for
+/// each test function.
 class OfficeDesk : public QObject
 {
     Q_OBJECT
@@ -33,6 +39,7 @@ protected:
         return m_window->findChild<Widget *>(QString::fromLatin1(name));
     }
     void press(const char *name) { QTest::mouseClick(part<QAbstractButton>(name), Qt::LeftButton); }
+    void showPage(const QString &title) { m_window->showPage(title); }
     void choose(const QString &user);
     void inNextDialog(const std::function<void(QDialog &)> &act);
     void answerNextBox(QMessageBox::ButtonRole role);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_door.h"
-#include "app/office/office_password_dialog.h"
+#include "app/office/office_login_dialog.h"
 #include "app/office/wrong_tries.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
@@ -17,7 +17,7 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-using Kind = DoorAnswer::Kind;
+using AtDoor = DoorAnswer::Kind;
 Q_DECLARE_METATYPE(DoorAnswer::Kind)
 
 class OfficeDoorTest : public QObject
@@ -25,96 +25,129 @@ class OfficeDoorTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void passwordIsComparedAsAtTheTill_data();
-    void passwordIsComparedAsAtTheTill();
+    void loginIsComparedAsAtTheTill_data();
+    void loginIsComparedAsAtTheTill();
     void storeWithoutAdministrator_data();
     void storeWithoutAdministrator();
     void missingTableIsAFailure();
-    void passwordOpens();
+    void loginOpens();
     void wrongPasswordIsRefusedAndSlowsDown();
     void pauseOutlivesTheDialog();
+    void othersLoginForgetsNoWrongTries();
 };
 
-void OfficeDoorTest::passwordIsComparedAsAtTheTill_data()
+void OfficeDoorTest::loginIsComparedAsAtTheTill_data()
 {
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<Kind>("answer");
-    QTest::newRow("right") << u"secret"_s << Kind::Open;
-    QTest::newRow("other capitals and blanks") << u"  SeCret "_s << Kind::Open;
-    QTest::newRow("wrong") << u"secrets"_s << Kind::Wrong;
-    QTest::newRow("blank") << u"  "_s << Kind::Blank;
-    QTest::newRow("no way around") << u"' OR '1'='1"_s << Kind::Wrong;
-    QTest::newRow("another user's") << u"MINE"_s << Kind::Wrong;
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<AtDoor>("answer");
+    const auto row = [](const char *what, const QString &name, const QString &password, AtDoor answer) {
+        QTest::newRow(what) << name << password << answer;
+    };
+    row("right", u"ADMINISTRATOR"_s, u"secret"_s, AtDoor::Open);
+    row("other capitals and blanks", u" Administrator "_s, u"  SeCret "_s, AtDoor::Open);
+    row("wrong", u"ADMINISTRATOR"_s, u"secrets"_s, AtDoor::Wrong);
+    row("blank password", u"ADMINISTRATOR"_s, u"  "_s, AtDoor::Blank);
+    row("blank name", u" "_s, u"secret"_s, AtDoor::Blank);
+    row("no way around", u"ADMINISTRATOR"_s, u"' OR '1'='1"_s, AtDoor::Wrong);
+    row("no way around by the name", u"' OR '1'='1"_s, u"' OR '1'='1"_s, AtDoor::Wrong);
+    row("another user's", u"ADMINISTRATOR"_s, u"MINE"_s, AtDoor::Wrong);
+    row("the type gives nothing", u"BOB"_s, u"MINE"_s, AtDoor::NotEnabled);
+    row("stock right", u"anna"_s, u"a"_s, AtDoor::Open);
+    row("stock right of any number", u"CLARA"_s, u"c"_s, AtDoor::Open);
+    row("no stock right", u"DORA"_s, u"d"_s, AtDoor::NoRight);
+    row("stock right, but not the till", u"EVE"_s, u"e"_s, AtDoor::NotEnabled);
+    row("1 is not the till", u"FRED"_s, u"f"_s, AtDoor::NotEnabled);
+    row("viewer", u"GINA"_s, u"g"_s, AtDoor::Wrong);
+    row("of two, the first", u"HUGH"_s, u"h"_s, AtDoor::NoRight);
 }
 
-void OfficeDoorTest::passwordIsComparedAsAtTheTill()
+void OfficeDoorTest::loginIsComparedAsAtTheTill()
 {
-    QFETCH(QString, typed);
-    QFETCH(Kind, answer);
+    QFETCH(QString, name);
+    QFETCH(QString, password);
+    QFETCH(AtDoor, answer);
     QTemporaryDir folder;
     const QString path = folder.filePath(u"shop.sqlite"_s);
     makeStore(path);
-    runAll(path, {u"INSERT INTO Users (Username, Password, Type) VALUES ('BOB', 'MINE', 'ADMINISTRATOR')"_s});
+    runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
+                  "('BOB', 'MINE', 'ADMINISTRATOR', 0, 0), ('Anna', 'a', 'STAFF', -1, -1), "
+                  "('CLARA', 'C', 'STAFF', 'True', 2), ('DORA', 'D', 'STAFF', -1, 0), ('EVE', 'E', 'STAFF', 0, -1), "
+                  "('FRED', 'F', 'STAFF', 1, -1), ('GINA', 'G', 'VIEWER', -1, -1), ('HUGH', 'H', 'STAFF', -1, 0), "
+                  "('HUGH', 'H', 'STAFF', -1, -1)"_s});
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    QCOMPARE(findAdministrator(database.get()).kind, Kind::Open);
-    QCOMPARE(askAtDoor(database.get(), typed).kind, answer);
+    const DoorAnswer found = askAtDoor(database.get(), name, password);
+    QCOMPARE(found.kind, answer);
+    const bool administrator = name.trimmed().toUpper() == u"ADMINISTRATOR"_s;
+    if (answer == AtDoor::Open) {
+        QCOMPARE(found.user.name, name.trimmed().toUpper());
+        QCOMPARE(found.user.isAdministrator, administrator);
+        QVERIFY(found.user.mayKeepStock);
+    }
 }
 
 void OfficeDoorTest::storeWithoutAdministrator_data()
 {
     QTest::addColumn<QString>("change");
-    QTest::addColumn<Kind>("found");
-    QTest::newRow("none") << u"DELETE FROM Users"_s << Kind::NoAdministrator;
-    QTest::newRow("viewer") << u"UPDATE Users SET Type = 'VIEWER'"_s << Kind::NoAdministrator;
-    QTest::newRow("no type") << u"UPDATE Users SET Type = NULL"_s << Kind::NoAdministrator;
+    QTest::addColumn<AtDoor>("found");
+    QTest::newRow("none") << u"DELETE FROM Users"_s << AtDoor::NobodyCould;
+    QTest::newRow("viewer") << u"UPDATE Users SET Type = 'VIEWER'"_s << AtDoor::NobodyCould;
+    QTest::newRow("no type") << u"UPDATE Users SET Type = NULL"_s << AtDoor::NobodyCould;
     QTest::newRow("small letters") << u"UPDATE Users SET Username = 'administrator', Password = 'Secret'"_s
-                                   << Kind::Open;
-    QTest::newRow("no flags") << u"UPDATE Users SET InventoryUse = 0"_s << Kind::Open;
+                                   << AtDoor::Open;
+    QTest::newRow("no flags") << u"UPDATE Users SET InventoryUse = 0"_s << AtDoor::Open;
+    QTest::newRow("another name") << u"UPDATE Users SET Username = 'BOSS', InventoryUse = 0"_s << AtDoor::NobodyCould;
+    QTest::newRow("another who keeps the stock")
+        << u"UPDATE Users SET Username = 'BOSS', InventoryUse = -1, InventoryReorder = -1"_s << AtDoor::Open;
 }
 
 void OfficeDoorTest::storeWithoutAdministrator()
 {
     QFETCH(QString, change);
-    QFETCH(Kind, found);
+    QFETCH(AtDoor, found);
     QTemporaryDir folder;
     const QString path = folder.filePath(u"shop.sqlite"_s);
     makeStore(path);
     runAll(path, {change});
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    QCOMPARE(findAdministrator(database.get()).kind, found);
-    QCOMPARE(askAtDoor(database.get(), u"secret"_s).kind, found == Kind::Open ? Kind::Open : Kind::Wrong);
+    QCOMPARE(findKeyHolder(database.get()).kind, found);
 }
 
 void OfficeDoorTest::missingTableIsAFailure()
 {
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(u":memory:"_s, OpenMode::Create)));
-    const DoorAnswer answer = findAdministrator(database.get());
-    QCOMPARE(answer.kind, Kind::Failed);
-    QVERIFY(answer.error.reason.contains(u"no such table"_s));
+    for (const DoorAnswer &answer :
+         {findKeyHolder(database.get()), askAtDoor(database.get(), u"ADMINISTRATOR"_s, u"secret"_s)}) {
+        QCOMPARE(answer.kind, AtDoor::Failed);
+        QVERIFY(answer.error.reason.contains(u"no such table"_s));
+    }
 }
 
-void OfficeDoorTest::passwordOpens()
+void OfficeDoorTest::loginOpens()
 {
-    QString asked;
-    OfficePasswordDialog dialog([&](const QString &password) {
-        asked = password;
-        return Result<void, QString>();
+    QStringList asked;
+    OfficeLoginDialog dialog([&](const QString &name, const QString &password) {
+        asked = {name, password};
+        return Result<OfficeUser, QString>(OfficeUser{name, true, true});
     });
     dialog.show();
-    dialog.findChild<QLineEdit *>(u"officePassword"_s)->setText(u"secret"_s);
-    QTest::keyClick(dialog.findChild<QLineEdit *>(), Qt::Key_Return);
+    auto *password = dialog.findChild<QLineEdit *>(u"officePassword"_s);
+    QCOMPARE(dialog.focusWidget(), password); // the name is proposed
+    password->setText(u"secret"_s);
+    QTest::keyClick(password, Qt::Key_Return);
     QCOMPARE(dialog.result(), static_cast<int>(QDialog::Accepted));
-    QCOMPARE(asked, u"secret"_s);
-    QCOMPARE(dialog.findChild<QLineEdit *>()->echoMode(), QLineEdit::Password);
+    QCOMPARE(asked, (QStringList{u"ADMINISTRATOR"_s, u"secret"_s}));
+    QCOMPARE(dialog.user().name, u"ADMINISTRATOR"_s);
+    QCOMPARE(password->echoMode(), QLineEdit::Password);
 }
 
 void OfficeDoorTest::wrongPasswordIsRefusedAndSlowsDown()
 {
     int asked = 0;
-    OfficePasswordDialog dialog([&](const QString &) {
+    OfficeLoginDialog dialog([&](const QString &, const QString &) {
         ++asked;
         return Unexpected(u"Not this one."_s);
     });
@@ -132,16 +165,19 @@ void OfficeDoorTest::pauseOutlivesTheDialog()
     const QString file = folder.filePath(u"tries"_s);
     int asked = 0;
     {
-        OfficePasswordDialog dialog([&](const QString &) { return ++asked, Unexpected(u"Not this one."_s); },
-                                    WrongTries(file));
+        OfficeLoginDialog dialog(
+            [&](const QString &, const QString &) { return ++asked, Unexpected(u"Not this one."_s); },
+            WrongTries(file));
         for (int i = 0; i < 5; ++i)
             dialog.accept();
     }
     QCOMPARE(asked, 3);
     for (int i = 0; i < 7; ++i) // so many that the pause lasts longer than the test
         WrongTries(file).add(QDateTime::currentDateTimeUtc());
-    const auto open = [&](const QString &) { return ++asked, Result<void, QString>(); };
-    OfficePasswordDialog later(open, WrongTries(file));
+    const auto open = [&](const QString &name, const QString &) {
+        return ++asked, Result<OfficeUser, QString>(OfficeUser{name, true, true});
+    };
+    OfficeLoginDialog later(open, WrongTries(file));
     later.show();
     later.accept();
     QCOMPARE(asked, 3);
@@ -149,10 +185,29 @@ void OfficeDoorTest::pauseOutlivesTheDialog()
 
     WrongTries(file).forget();
     WrongTries(file).add(QDateTime::currentDateTimeUtc());
-    OfficePasswordDialog right(open, WrongTries(file));
+    OfficeLoginDialog right(open, WrongTries(file));
     right.accept();
     QCOMPARE(asked, 4);
     QVERIFY(!QFile::exists(file));
+}
+
+/// Who knows a password of her own could try others between her logins.
+void OfficeDoorTest::othersLoginForgetsNoWrongTries()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"tries"_s);
+    for (int i = 0; i < 2; ++i)
+        WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    OfficeLoginDialog anna(
+        [](const QString &name, const QString &) {
+            return Result<OfficeUser, QString>(OfficeUser{name, false, true});
+        },
+        WrongTries(file));
+    anna.accept();
+    QCOMPARE(anna.result(), static_cast<int>(QDialog::Accepted));
+    QCOMPARE(WrongTries(file).pause(QDateTime::currentDateTimeUtc()).count(), 0); // hers was no wrong one
+    WrongTries(file).add(QDateTime::currentDateTimeUtc());
+    QVERIFY(WrongTries(file).pause(QDateTime::currentDateTimeUtc()).count() > 0);
 }
 
 HARROWBY_TEST(app_office_door_test, OfficeDoorTest)

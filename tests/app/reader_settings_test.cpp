@@ -139,7 +139,7 @@ void ReaderSettingsTest::pageSaves()
 {
     m_saved[u"Readers/Gap"_s] = u"99"_s; // written by hand
     ReaderSettingsPage page(settings(), {u"/dev/input/by-id/usb-Reader-event-kbd"_s, u"/dev/ttyACM0"_s});
-    QVERIFY(!page.hasChanges());
+    QVERIFY(!page.leaving().has_value());
     auto *gap = page.findChild<QComboBox *>(u"readerGap"_s);
     QCOMPARE(gap->currentText(), u"99 ms"_s);
     gap->setCurrentIndex(gap->findData(200));
@@ -160,9 +160,9 @@ void ReaderSettingsTest::pageSaves()
     page.findChild<QListWidget *>(u"readerDevices"_s)->setCurrentRow(1);
     QVERIFY(remove->isEnabled());
     remove->click();
-    QVERIFY(page.hasChanges());
+    QVERIFY(page.leaving().has_value());
     page.findChild<QPushButton *>(u"saveReaders"_s)->click();
-    QVERIFY(!page.hasChanges());
+    QVERIFY(!page.leaving().has_value());
     const ReaderSettings expected{true,
                                   200,
                                   u"~"_s,
@@ -171,7 +171,7 @@ void ReaderSettingsTest::pageSaves()
     QVERIFY(readReaderSettings(settings()) == expected);
     page.findChild<QCheckBox *>(u"readersType"_s)->setChecked(false);
     QVERIFY(!gap->isEnabled());
-    QVERIFY(page.hasChanges());
+    QVERIFY(page.leaving().has_value());
 }
 
 void ReaderSettingsTest::pageRefuses()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/office/office_password_dialog.h"
+#include "app/office/office_login_dialog.h"
 
 #include "app/boxes/office_box.h"
 #include "basic/administrator.h"
@@ -20,31 +20,40 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-OfficePasswordDialog::OfficePasswordDialog(PasswordCheck check, WrongTries wrongTries, QWidget *parent) :
+OfficeLoginDialog::OfficeLoginDialog(LoginCheck check, WrongTries wrongTries, const QString &reason, QWidget *parent) :
     QDialog(parent), m_check(std::move(check)), m_wrongTries(std::move(wrongTries))
 {
     setWindowTitle(u"Store"_s);
     setMinimumWidth(480);
     enlargeFont(*this);
-    layOut();
+    createEntries();
+    layOut(reason);
     dressDialog(*this);
+    m_password->setFocus();
     if (pause())
         sayPause();
 }
 
-void OfficePasswordDialog::layOut()
+void OfficeLoginDialog::createEntries()
 {
+    m_name = new QLineEdit(administratorName, this);
+    m_name->setObjectName(u"officeUser"_s);
+    m_name->setAccessibleName(u"User name"_s);
     m_password = new QLineEdit(this);
     m_password->setObjectName(u"officePassword"_s);
-    m_password->setAccessibleName(u"Password of ADMINISTRATOR"_s);
+    m_password->setAccessibleName(u"Password"_s);
     m_password->setEchoMode(QLineEdit::Password);
+}
+
+void OfficeLoginDialog::layOut(const QString &reason)
+{
     m_problem = makeOfficeText(this, {});
     m_problem->setObjectName(u"problem"_s);
     // The empty line takes its room from the start, so that no control moves when it is filled.
     m_problem->setMinimumHeight(m_problem->fontMetrics().height() * 2);
 
     auto *form = new QFormLayout;
-    form->addRow(u"User name:"_s, makeOfficeText(this, administratorName));
+    form->addRow(u"&User name:"_s, m_name);
     form->addRow(u"&Password:"_s, m_password);
     form->setVerticalSpacing(12);
     centreCaptions(*form);
@@ -55,40 +64,51 @@ void OfficePasswordDialog::layOut()
     makePrimary(*m_open);
     buttons->addButton(QDialogButtonBox::Cancel);
     buttons->layout()->setSpacing(12);
-    connect(buttons, &QDialogButtonBox::accepted, this, &OfficePasswordDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &OfficePasswordDialog::reject);
+    connect(buttons, &QDialogButtonBox::accepted, this, &OfficeLoginDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &OfficeLoginDialog::reject);
 
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(24, 24, 24, 24);
     rows->setSpacing(16);
-    rows->addWidget(makeOfficeText(this, u"The store's users, its receipt and its backup."_s));
+    if (!reason.isEmpty())
+        rows->addWidget(makeOfficeText(this, reason));
+    rows->addWidget(makeOfficeText(
+        this,
+        u"ADMINISTRATOR sees all of the store's office; who has the right \"Stock\" sees the pages about stock."_s));
     rows->addLayout(form);
     rows->addWidget(m_problem);
     rows->addWidget(buttons);
 }
 
-void OfficePasswordDialog::accept()
+void OfficeLoginDialog::accept()
 {
     if (!m_open->isEnabled())
         return;  // Enter during the pause
     if (pause()) // after a wrong try in another office
         return sayPause();
     m_wrongTries.add(QDateTime::currentDateTimeUtc());
-    if (const auto checked = m_check(m_password->text()); !checked)
+    const auto checked = m_check(m_name->text(), m_password->text());
+    if (!checked)
         return refuse(checked.error());
-    m_wrongTries.forget();
+    m_user = *checked;
+    // Somebody else's login must not shorten the pause of who tries to guess ADMINISTRATOR's password.
+    if (m_user.isAdministrator)
+        m_wrongTries.forget();
+    else
+        m_wrongTries.takeBack();
     QDialog::accept();
 }
 
-void OfficePasswordDialog::refuse(const QString &problem)
+void OfficeLoginDialog::refuse(const QString &problem)
 {
     showOutcome(*m_problem, u"\u26a0 "_s + problem);
-    m_password->setFocus();
-    m_password->selectAll();
+    QLineEdit *entry = m_name->text().trimmed().isEmpty() ? m_name : m_password;
+    entry->setFocus();
+    entry->selectAll();
     pause();
 }
 
-bool OfficePasswordDialog::pause()
+bool OfficeLoginDialog::pause()
 {
     const std::chrono::milliseconds left = m_wrongTries.pause(QDateTime::currentDateTimeUtc());
     if (left.count() == 0)
@@ -98,7 +118,7 @@ bool OfficePasswordDialog::pause()
     return true;
 }
 
-void OfficePasswordDialog::sayPause()
+void OfficeLoginDialog::sayPause()
 {
     showOutcome(*m_problem, u"\u26a0 After wrong passwords the next try has to wait a little."_s);
 }

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "app/office/office_pages.h"
+
+#include "app/backup/backup_page.h"
+#include "app/office/cash_page.h"
+#include "app/office/codes_page.h"
+#include "app/office/receipt_page.h"
+#include "app/office/shop_page.h"
+#include "app/office/users_page.h"
+#include "app/readers/reader_settings_page.h"
+#include "app/shop/schema.h"
+
+#include <algorithm>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Context = OfficeContext;
+using enum OfficeRight;
+
+const auto shopGroup = u"Shop"_s;
+const auto stockGroup = u"Stock"_s;
+const auto keepingGroup = u"Keeping"_s;
+const auto machineGroup = u"This Machine"_s;
+
+OfficePageEntry usersEntry()
+{
+    return {u"&Users"_s,
+            shopGroup,
+            Administrator,
+            u"Who may log in, and what each may do"_s,
+            {{u"rights role cashier staff manager person permission"_s, {}},
+             {u"new user cashier person"_s, u"addUser"_s},
+             {u"forgotten password reset"_s, u"changePassword"_s}},
+            [](const Context &c, QWidget *parent) { return new UsersPage(c.database, c.deeds(), parent); }};
+}
+
+OfficePageEntry receiptEntry()
+{
+    return {u"&Receipt"_s,
+            shopGroup,
+            Administrator,
+            u"Title, address and currency of the receipts"_s,
+            {{u"name of the shop header"_s, u"receiptTitle"_s},
+             {u"money symbol"_s, u"receiptCurrency"_s},
+             {u"mail"_s, u"emailReport"_s}},
+            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.settings, parent); }};
+}
+
+OfficePageEntry cashEntry()
+{
+    return {u"Ca&sh"_s,
+            shopGroup,
+            Administrator,
+            u"Ways of paying, notes and the drawer"_s,
+            {{u"payment money"_s, {}},
+             {u"card voucher cheque"_s, u"paymentWays"_s},
+             {u"banknotes bills"_s, u"cashNotes"_s},
+             {u"drawer kick pin plug pulse"_s, u"drawerSettings"_s},
+             {u"open payments without a purchase"_s, u"openPayments"_s}},
+            [](const Context &c, QWidget *parent) { return new CashPage(*c.records, c.settings, parent); }};
+}
+
+OfficePageEntry shopEntry()
+{
+    return {u"S&hop"_s,
+            shopGroup,
+            Administrator,
+            u"What holds for all tills"_s,
+            {{u"search part of a name"_s, u"searchAnywhere"_s}},
+            [](const Context &c, QWidget *parent) {
+                return new ShopPage(SearchChoice(*c.records, isOwnStore(c.database)), parent);
+            }};
+}
+
+OfficePageEntry codesEntry()
+{
+    return {u"C&odes"_s,
+            stockGroup,
+            Stock,
+            u"The codes of items that readers read"_s,
+            {{u"barcode EAN UPC GTIN scan"_s, {}}, {u"scale weight price in the code"_s, u"inStoreCodes"_s}},
+            [](const Context &c, QWidget *parent) { return new CodesPage(*c.records, parent); }};
+}
+
+OfficePageEntry backupEntry()
+{
+    return {u"Bac&kup"_s,
+            keepingGroup,
+            Administrator,
+            u"Copies of the store"_s,
+            {{u"save copy safe stick"_s, {}}},
+            [](const Context &c, QWidget *parent) {
+                auto *page = new BackupPage(c.store, c.settings, parent);
+                page->watchStore(c.loss);
+                return page;
+            }};
+}
+
+OfficePageEntry readersEntry()
+{
+    return {
+        u"Read&ers"_s,
+        machineGroup,
+        Administrator,
+        u"The code readers of this machine"_s,
+        {{u"scanner barcode"_s, {}}, {u"serial port USB"_s, u"readerPath"_s}, {u"baud"_s, u"readerSpeed"_s}},
+        [](const Context &c, QWidget *parent) { return new ReaderSettingsPage(c.settings, foundDevices(), parent); }};
+}
+
+} // namespace
+
+SignedDeeds OfficeContext::deeds() const
+{
+    return {*records, officePlace, user.name};
+}
+
+QString OfficePageEntry::title() const
+{
+    return QString(caption).remove(u'&');
+}
+
+const QList<OfficePageEntry> &officePages()
+{
+    static const QList<OfficePageEntry> pages = {
+        usersEntry(),   receiptEntry(), cashEntry(), shopEntry(), // Shop
+        codesEntry(),                                             // Stock
+        backupEntry(),                                            // Keeping
+        readersEntry(),                                           // This Machine
+    };
+    return pages;
+}
+
+QList<OfficePageEntry> officePagesFor(const OfficeUser &user)
+{
+    QList<OfficePageEntry> pages;
+    std::copy_if(officePages().cbegin(), officePages().cend(), std::back_inserter(pages),
+                 [&user](const OfficePageEntry &entry) {
+                     return user.isAdministrator || (entry.right == Stock && user.mayKeepStock);
+                 });
+    return pages;
+}
+
+} // namespace harrowby::app
