@@ -29,6 +29,7 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QString store() const { return m_home.filePath(u"shop.sqlite"_s); }
     [[nodiscard]] QStringList officeArguments() const { return {u"--office"_s, u"--database"_s, store()}; }
+    [[nodiscard]] QStringList deedsAtTheDoor() const;
     void enter(RunningProgram &program, const QString &entry, const QString &text);
     void openOffice(RunningProgram &office);
     void rescueAndClose(RunningProgram &program, bool isTill);
@@ -43,6 +44,13 @@ void OfficeRunTest::initTestCase()
         QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), qPrintable(tool + u" is needed"_s));
     QVERIFY(m_screen.start(u"1280x1024"_s));
     makeStore(store());
+}
+
+QStringList OfficeRunTest::deedsAtTheDoor() const
+{
+    return column(store(),
+                  u"SELECT Kind || ' ' || Who FROM HarrowbyActivity WHERE Kind IN ('LoginRefused', 'LoggedIn') "
+                  "ORDER BY DoneAt"_s);
 }
 
 void OfficeRunTest::enter(RunningProgram &program, const QString &entry, const QString &text)
@@ -81,6 +89,7 @@ void OfficeRunTest::wrongPasswordStaysOutside()
     QVERIFY(office.press(u"Cancel"_s));
     const int code = office.waitForEnd();
     QVERIFY2(code == 0, qPrintable(office.errors()));
+    QCOMPARE(deedsAtTheDoor(), QStringList{u"LoginRefused ADMINISTRATOR"_s});
 }
 
 void OfficeRunTest::newCashierLogsInAtTheOpenTill()
@@ -110,6 +119,7 @@ void OfficeRunTest::newCashierLogsInAtTheOpenTill()
         QVERIFY(office.press(u"closeOffice"_s));
         QCOMPARE(office.waitForEnd(), 0);
     }
+    QCOMPARE(deedsAtTheDoor().constLast(), u"LoggedIn ADMINISTRATOR"_s);
     const QStringList copies = QDir(m_home.path()).entryList({u"harrowby-*.db"_s}) +
                                QDir(m_home.filePath(u"Documents"_s)).entryList({u"harrowby-*.db"_s});
     QCOMPARE(copies.size(), 1);

@@ -17,14 +17,19 @@ constexpr int speechPatience = 30000;
 
 using Told = ScreenReader::Told;
 
-QStringList tabsThat(int state, const QList<Part> &parts)
+QStringList thoseThat(int state, const QString &role, const QList<Part> &parts)
 {
     QStringList names;
     for (const Part &part : parts) {
-        if (part.role == u"page tab"_s && part.is(state))
+        if (part.role == role && part.is(state))
             names << part.name;
     }
     return names;
+}
+
+QStringList tabsThat(int state, const QList<Part> &parts)
+{
+    return thoseThat(state, u"page tab"_s, parts);
 }
 
 /// What says that it has the keyboard focus; what stands within such a part is left out, as its text or its row.
@@ -280,19 +285,24 @@ void ScreenReaderRunTest::officeIsNamed()
 {
     RunningProgram office(m_screen, m_home.path());
     QVERIFY(office.start({u"--office"_s, u"--database"_s, store()}));
-    QVERIFY2(m_reader.enter(u"text"_s, u"Password of ADMINISTRATOR"_s, u"SECRET"_s), qPrintable(office.errors()));
+    QVERIFY2(m_reader.enter(u"text"_s, u"Password"_s, u"SECRET"_s), qPrintable(office.errors()));
     QVERIFY(m_reader.press(u"push button"_s, u"Open"_s));
     QVERIFY(m_reader.find(u"list"_s, u"Users"_s));
     QVERIFY(m_reader.find(u"combo box"_s, u"Type: ADMINISTRATOR"_s));
     for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Cash"_s, u"Users"_s}) {
-        QVERIFY(m_reader.press(u"page tab"_s, page));
-        QTRY_COMPARE_WITH_TIMEOUT(tabsThat(Selected, m_reader.everything()), QStringList{page}, speechPatience);
+        QVERIFY(m_reader.press(u"list item"_s, page));
+        QTRY_COMPARE_WITH_TIMEOUT(thoseThat(Selected, u"list item"_s, m_reader.everything()).value(0), page,
+                                  speechPatience);
         QCOMPARE(focused(m_reader.everything()).size(), 1);
         for (const Part &part : m_reader.everything()) {
             if (part.is(Editable) || part.role == u"push button"_s || part.role == u"list"_s)
                 QVERIFY2(!part.name.isEmpty(), qPrintable(part.role));
         }
     }
+    QVERIFY(m_reader.enter(u"text"_s, u"Find a page or a setting"_s, u"drawer"_s));
+    QVERIFY(m_reader.press(u"list item"_s, u"Name of the drawer, Cash"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(focused(m_reader.everything()), QStringList{u"text Name of the drawer"_s},
+                              speechPatience);
     QVERIFY(m_reader.press(u"push button"_s, u"Close"_s));
     QCOMPARE(office.waitForEnd(), 0);
 }
