@@ -32,17 +32,6 @@ bool isInFolder(const QString &file, const QString &other)
            isSameFile(QFileInfo(file).absolutePath(), QFileInfo(other).absolutePath());
 }
 
-bool belongsToStore(const QString &store, const QString &target)
-{
-    if (isSameFile(store, target))
-        return true;
-    for (const QString &file : {logFileOf(store), logIndexOf(store), journalOf(store)}) {
-        if (isInFolder(file, target))
-            return true;
-    }
-    return false;
-}
-
 Result<void, QString> checkName(const QString &target)
 {
     const QFileInfo info(target);
@@ -83,6 +72,17 @@ Result<void, QString> checkSpace(const QString &store, const QString &target)
 }
 
 } // namespace
+
+bool belongsToStore(const QString &store, const QString &target)
+{
+    if (isSameFile(store, target))
+        return true;
+    for (const QString &file : {logFileOf(store), logIndexOf(store), journalOf(store)}) {
+        if (isInFolder(file, target))
+            return true;
+    }
+    return false;
+}
 
 Result<void, QString> checkBackupPlace(const QString &store, const QString &target)
 {

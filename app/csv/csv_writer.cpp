@@ -37,6 +37,7 @@ void CsvWriter::endRow()
     if (m_isOneEmpty) // else it would be a line without a row
         m_bytes += "\"\"";
     m_bytes += "\r\n";
+    ++m_rows;
     m_cells = 0;
     m_isOneEmpty = false;
 }

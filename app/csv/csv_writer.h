@@ -27,6 +27,8 @@ public:
     /// A row of texts.
     void row(const QStringList &texts);
 
+    /// Rows that were ended, of all that was ever written.
+    [[nodiscard]] qint64 rows() const { return m_rows; }
     [[nodiscard]] qsizetype size() const { return m_bytes.size(); }
     /// What was written since the last time.
     [[nodiscard]] QByteArray take();
@@ -36,6 +38,7 @@ private:
 
     CsvForm m_form;
     QByteArray m_bytes;
+    qint64 m_rows = 0;
     int m_cells = 0;
     bool m_isOneEmpty = false; ///< the row's only cell so far is empty
 };

@@ -3,6 +3,7 @@
 
 #include "app/errands/backup_errand.h"
 #include "app/errands/errand.h"
+#include "app/errands/export_errand.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/store_guard.h"
@@ -26,6 +27,7 @@ Result<Errand, QString> readErrand(const ErrandLine &line)
 {
     const std::pair<QString, Result<Errand, QString> (*)(const ErrandLine &)> readers[] = {
         {u"--backup"_s, readBackupErrand},
+        {u"--export"_s, readExportErrand},
     };
     for (const auto &[name, read] : readers) {
         if (line.name == name)

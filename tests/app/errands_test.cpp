@@ -49,6 +49,10 @@ private Q_SLOTS:
     void wrongNumberIsRefused();
     void fullDiskKeepsTheOldBackup();
     void killedBackupLeavesNothing();
+    void listsAreExported();
+    void wrongExportIsRefused_data();
+    void wrongExportIsRefused();
+    void fullDiskKeepsTheOldList();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
@@ -208,6 +212,71 @@ void ErrandsTest::killedBackupLeavesNothing()
     }
     QCOMPARE(run(backup).code, 0);
     QCOMPARE(away().size(), 1);
+}
+
+void ErrandsTest::listsAreExported()
+{
+    const ErrandEnd outcome = run({u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s,
+                                   u"--separator"_s, u"semicolon"_s, u"--decimal"_s, u"comma"_s});
+    QCOMPARE(outcome.errors, QString());
+    QCOMPARE(outcome.code, 0);
+    QCOMPARE(outcome.out, u"Items, 1 row, to %1\n"_s.arg(path(u"away/items.csv"_s)));
+    QFile made(path(u"away/items.csv"_s));
+    QVERIFY(made.open(QIODevice::ReadOnly));
+    QVERIFY(made.readAll().startsWith("StockID;StockName;StockCategory;StockCost;"));
+    QCOMPARE(column(path(u"shop.sqlite"_s), u"SELECT Kind || ' ' || What FROM HarrowbyActivity"_s),
+             QStringList(u"Exported "_s + outcome.out.chopped(1)));
+    const ErrandEnd none = run({u"--export"_s, u"Purchases"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s,
+                                u"--from"_s, u"2019-01-01"_s, u"--to"_s, u"yesterday"_s});
+    QCOMPARE(none.errors, QString());
+    QVERIFY(none.out.startsWith(u"Purchases 2019-01-01 to "_s));
+    QCOMPARE(away(), QStringList(u"items.csv"_s));
+}
+
+void ErrandsTest::wrongExportIsRefused_data()
+{
+    QTest::addColumn<QStringList>("given");
+    QTest::addColumn<QString>("said");
+    const QStringList purchases = {u"--export"_s, u"purchases"_s, u"away/x.csv"_s};
+    QTest::newRow("nothing") << QStringList(u"--export"_s) << u"--export needs what is exported"_s;
+    QTest::newRow("no file") << QStringList{u"--export"_s, u"items"_s} << u"--export needs a file"_s;
+    QTest::newRow("unknown list") << QStringList{u"--export"_s, u"users"_s, u"away/x.csv"_s} << u"takes items,"_s;
+    QTest::newRow("separator") << purchases + QStringList{u"--separator"_s, u":"_s} << u"--separator takes"_s;
+    QTest::newRow("decimal sign") << purchases + QStringList{u"--decimal"_s, u";"_s} << u"--decimal takes"_s;
+    QTest::newRow("no day") << purchases + QStringList{u"--from"_s, u"2026-02-30"_s} << u"--from takes a day"_s;
+    QTest::newRow("days around") << purchases + QStringList{u"--from"_s, u"2026-02-02"_s, u"--to"_s, u"2026-02-01"_s}
+                                 << u"later than"_s;
+    QTest::newRow("days of items") << QStringList{u"--export"_s, u"items"_s, u"away/x.csv"_s, u"--from"_s, u"today"_s}
+                                   << u"with purchases only"_s;
+}
+
+void ErrandsTest::wrongExportIsRefused()
+{
+    QFETCH(const QStringList, given);
+    const ErrandEnd outcome = run(given + QStringList{u"--database"_s, u"shop.sqlite"_s});
+    QCOMPARE(outcome.code, 2);
+    QFETCH(const QString, said);
+    QVERIFY2(outcome.errors.contains(said), qPrintable(outcome.errors));
+    QVERIFY(away().isEmpty());
+}
+
+void ErrandsTest::fullDiskKeepsTheOldList()
+{
+    const QStringList arguments = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s};
+    QCOMPARE(run(arguments).code, 0);
+    runAll(path(u"shop.sqlite"_s),
+           {u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) INSERT INTO "
+            "StockList (StockID, StockName) SELECT i, 'A NAME' FROM n"_s});
+    const ErrandEnd outcome = run(arguments, [] {
+        const rlimit most = {100'000, 100'000};
+        ::setrlimit(RLIMIT_FSIZE, &most);
+        std::signal(SIGXFSZ, SIG_IGN);
+    });
+    QCOMPARE(outcome.code, 6);
+    QVERIFY2(outcome.errors.contains(u"could not be written to its place"_s), qPrintable(outcome.errors));
+    QCOMPARE(away(), QStringList(u"items.csv"_s));
+    QFile list(path(u"away/items.csv"_s));
+    QVERIFY(list.size() > 0 && list.size() < 1000);
 }
 
 HARROWBY_CORE_TEST(app_errands_test, ErrandsTest)

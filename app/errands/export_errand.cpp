@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "app/errands/export_errand.h"
+
+#include "app/export/export.h"
+#include "app/records/deeds.h"
+#include "app/records/sqlite_records.h"
+#include "app/shop/busy_wait.h"
+#include "app/shop/store_guard.h"
+#include "app/start/start_message.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using Reason = std::optional<QString>;
+
+/// In the store, for its activity. The file is good without it.
+void note(const ErrandStore &store, const QString &what)
+{
+    store.wait.refill();
+    SqliteRecords records(store.guard.database());
+    if (const auto failure = Deeds(records, commandLinePlace).add({deed::exported, commandLineUser(), what}))
+        tellOfErrand(
+            u"The store could not note that this list was exported (%1). The file is good."_s.arg(failure->reason));
+}
+
+ExitCode exportFrom(const ErrandStore &store, const ExportRequest &request, const QString &file)
+{
+    const ExportEnd end = exportList(store.path, file, request, [](const WorkStep &) { return true; });
+    if (!storeIsStillThere(store))
+        return ExitCode::ErrandFailed;
+    if (end.outcome != ExportEnd::Outcome::Done) {
+        tellOfErrand(end.problem);
+        return ExitCode::ErrandFailed;
+    }
+    const QString done = exportDeedWords(request, end, file);
+    note(store, done);
+    printOut(done + u'\n');
+    return ExitCode::Done;
+}
+
+std::optional<QDate> dayNamed(const QString &text)
+{
+    const QDate today = QDate::currentDate();
+    if (text == u"today"_s)
+        return today;
+    if (text == u"yesterday"_s)
+        return today.addDays(-1);
+    const QDate day = QDate::fromString(text, Qt::ISODate);
+    return day.isValid() && day.toString(Qt::ISODate) == text ? std::optional(day) : std::nullopt;
+}
+
+Reason readDay(const ErrandLine &line, const QString &option, QDate &day)
+{
+    if (!line.options.contains(option))
+        return {};
+    const auto named = dayNamed(line.options.value(option));
+    if (!named)
+        return u"%1 takes a day, such as 2026-11-30, today or yesterday."_s.arg(option);
+    day = *named;
+    return {};
+}
+
+Reason readDays(const ErrandLine &line, ExportRequest &request)
+{
+    for (const auto &[option, day] : {std::pair(u"--from"_s, &request.from), std::pair(u"--to"_s, &request.to)}) {
+        if (const Reason refused = readDay(line, option, *day))
+            return refused;
+    }
+    const bool isLimited = request.from.isValid() || request.to.isValid();
+    if (isLimited && request.kind != ExportKind::Purchases)
+        return u"--from and --to go with purchases only."_s;
+    if (request.from.isValid() && request.to.isValid() && request.from > request.to)
+        return u"--from is later than --to."_s;
+    return {};
+}
+
+Reason readForm(const ErrandLine &line, CsvForm &form)
+{
+    if (line.options.contains(u"--separator"_s)) {
+        const auto separator = separatorNamed(line.options.value(u"--separator"_s));
+        if (!separator)
+            return u"--separator takes comma, semicolon, tab or bar."_s;
+        form.separator = *separator;
+    }
+    if (line.options.contains(u"--decimal"_s)) {
+        const auto sign = decimalSignNamed(line.options.value(u"--decimal"_s));
+        if (!sign)
+            return u"--decimal takes point or comma."_s;
+        form.decimalSign = *sign;
+    }
+    return {};
+}
+
+} // namespace
+
+Result<Errand, QString> readExportErrand(const ErrandLine &line)
+{
+    ExportRequest request;
+    const auto kind = exportKindNamed(line.values.at(0));
+    if (!kind)
+        return Unexpected(u"--export takes items, categories, codes or purchases, then a file."_s);
+    request.kind = *kind;
+    if (const Reason refused = readForm(line, request.form))
+        return Unexpected(*refused);
+    if (const Reason refused = readDays(line, request))
+        return Unexpected(*refused);
+    return Errand([request, file = QFileInfo(line.values.at(1)).absoluteFilePath()](const ErrandStore &store) {
+        return exportFrom(store, request, file);
+    });
+}
+
+} // namespace harrowby::app
