@@ -3,19 +3,14 @@
 
 #include "app/backup/backup_copy.h"
 #include "app/backup/backup_place.h"
+#include "app/backup/stoppable_check.h"
 #include "app/shop/file_naming.h"
-#include "app/shop/quick_check.h"
 #include "app/shop/workshop.h"
 #include "basic/logging.h"
 
 #include <QFileInfo>
 
 #include <sqlite3.h>
-
-#include <condition_variable>
-#include <mutex>
-#include <stop_token>
-#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -31,38 +26,9 @@ BackupResult failed(const QString &problem)
     return {Outcome::Failed, problem, 0};
 }
 
-/// Polls the watch on another thread, and calls sqlite3_interrupt() to stop the check, which is a single step.
-class StopWatch
+QuickCheck checkFile(sqlite3 *database, const BackupWatch &watch)
 {
-public:
-    StopWatch(sqlite3 *database, const BackupWatch &watch) :
-        m_thread([=, &watch](const std::stop_token &end) { run(database, watch, end); })
-    {
-    }
-
-private:
-    static void run(sqlite3 *database, const BackupWatch &watch, const std::stop_token &end)
-    {
-        std::mutex mutex;
-        std::unique_lock lock(mutex);
-        std::condition_variable_any ended;
-        bool stopped = false;
-        while (!end.stop_requested()) {
-            if (!stopped && !watch({BackupProgress::Stage::Checking, 100}))
-                stopped = true;
-            if (stopped)
-                sqlite3_interrupt(database);
-            ended.wait_for(lock, end, std::chrono::milliseconds(50), [] { return false; });
-        }
-    }
-
-    std::jthread m_thread;
-};
-
-QuickCheck checkUnlessStopped(sqlite3 *copy, const BackupWatch &watch)
-{
-    const StopWatch stopWatch(copy, watch);
-    return quickCheck(copy, std::chrono::hours(1));
+    return checkUnlessStopped(database, [&watch] { return watch({BackupProgress::Stage::Checking, 100}); });
 }
 
 /// Where a copy comes from.
@@ -74,7 +40,7 @@ struct Source
 
 bool isBad(sqlite3 *store, const BackupWatch &watch)
 {
-    const QuickCheck check = checkUnlessStopped(store, watch);
+    const QuickCheck check = checkFile(store, watch);
     return check.result == QuickCheck::Result::Damaged || check.result == QuickCheck::Result::Failed;
 }
 
@@ -95,7 +61,7 @@ QString damageText(BackupSide side, const QString &reason)
 
 BackupResult checkCopy(sqlite3 *copy, const Source &source, const RowCounts &expected, const BackupWatch &watch)
 {
-    const QuickCheck check = checkUnlessStopped(copy, watch);
+    const QuickCheck check = checkFile(copy, watch);
     if (!watch({BackupProgress::Stage::Checking, 100}))
         return {Outcome::Stopped, {}, 0};
     if (check.result == QuickCheck::Result::Failed && check.error.code == SQLITE_IOERR)
@@ -211,6 +177,18 @@ BackupResult backUp(const QString &store, const QString &target, IfTaken ifTaken
     return copyTo(target, ifTaken, source, watch);
 }
 
+BackupResult copyOpened(sqlite3 *store, const QString &path, const QString &target, IfTaken ifTaken,
+                        const BackupWatch &watch)
+{
+    if (const auto place = checkBackupPlace(path, target); !place)
+        return failed(place.error());
+    const Source source = {
+        [&](sqlite3 *copy) { return copyOpenStore(store, copy, watch); },
+        [&] { return isBad(store, watch); },
+    };
+    return copyTo(target, ifTaken, source, watch);
+}
+
 } // namespace
 
 BackupResult backUpStore(const QString &store, const QString &target, bool replace, const BackupWatch &watch)
@@ -225,13 +203,12 @@ BackupResult backUpStoreNumbered(const QString &store, const QString &target, co
 
 BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
 {
-    if (const auto place = checkBackupPlace(path, target); !place)
-        return failed(place.error());
-    const Source source = {
-        [&](sqlite3 *copy) { return copyOpenStore(store, copy, watch); },
-        [&] { return isBad(store, watch); },
-    };
-    return copyTo(target, IfTaken::Fail, source, watch);
+    return copyOpened(store, path, target, IfTaken::Fail, watch);
+}
+
+BackupResult backUpOpenStore(sqlite3 *store, const QString &path, const QString &target, const BackupWatch &watch)
+{
+    return copyOpened(store, path, target, IfTaken::Number, watch);
 }
 
 } // namespace harrowby::app

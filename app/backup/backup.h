@@ -50,4 +50,8 @@ using BackupWatch = std::function<bool(const BackupProgress &)>;
 [[nodiscard]] BackupResult rescueStore(sqlite3 *store, const QString &path, const QString &target,
                                        const BackupWatch &watch);
 
+/// The same for a store that is sound, under the first free name.
+[[nodiscard]] BackupResult backUpOpenStore(sqlite3 *store, const QString &path, const QString &target,
+                                           const BackupWatch &watch);
+
 } // namespace harrowby::app

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/cash/run_locks.h"
 
+#include "app/shop/file_facts.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -53,7 +55,7 @@ FileRunLocks::FileRunLocks(const QString &storePath)
 {
     const QString real = QFileInfo(storePath).canonicalFilePath();
     m_storePath = real.isEmpty() ? storePath : real;
-    m_path = m_storePath + u"-runs"_s;
+    m_path = runLocksOf(m_storePath);
 }
 
 FileRunLocks::~FileRunLocks()

@@ -4,6 +4,7 @@
 #include "app/errands/backup_errand.h"
 #include "app/errands/errand.h"
 #include "app/errands/export_errand.h"
+#include "app/errands/restore_errand.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/store_guard.h"
@@ -21,6 +22,9 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
+
+/// The one errand that needs the store for itself.
+const auto restoring = u"--restore"_s;
 
 /// Each errand by its option.
 Result<Errand, QString> readErrand(const ErrandLine &line)
@@ -43,21 +47,21 @@ QString storeOf(const CommandLine &line)
     return line.database.isEmpty() ? defaultStorePath() : line.database;
 }
 
-} // namespace
-
-ExitCode runErrand(const CommandLine &line)
+template <typename Work>
+ExitCode onExistingStore(const CommandLine &line, Work work)
 {
-    const auto errand = readErrand(line.errand);
-    if (!errand) {
-        tellOfErrand(u"%1\nTry \"harrowby --help\"."_s.arg(errand.error()));
-        return ExitCode::WrongUsage;
-    }
     const QString path = storeOf(line);
     if (!nameIsTaken(path)) {
         tellOfErrand(u"There is no store file \"%1\"."_s.arg(path));
         return ExitCode::StoreRefused;
     }
     removeLeftWorkshops(QFileInfo(path).absolutePath());
+    return work(path);
+}
+
+/// The store is open as long as the errand runs.
+ExitCode onOpenStore(const QString &path, const Errand &errand)
+{
     BusyWait wait;
     auto database = openStore(path, wait);
     if (!database) {
@@ -66,7 +70,22 @@ ExitCode runErrand(const CommandLine &line)
     }
     StoreGuard guard(*std::move(database), path, wait);
     wait.refill();
-    return (*errand)({path, guard, wait});
+    return errand({path, guard, wait});
+}
+
+} // namespace
+
+ExitCode runErrand(const CommandLine &line)
+{
+    if (line.errand.name == restoring)
+        return onExistingStore(
+            line, [&](const QString &path) { return restoreWithoutWindow(path, line.errand.values.constFirst()); });
+    const auto errand = readErrand(line.errand);
+    if (!errand) {
+        tellOfErrand(u"%1\nTry \"harrowby --help\"."_s.arg(errand.error()));
+        return ExitCode::WrongUsage;
+    }
+    return onExistingStore(line, [&](const QString &path) { return onOpenStore(path, *errand); });
 }
 
 } // namespace harrowby::app

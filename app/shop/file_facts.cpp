@@ -53,6 +53,11 @@ QString logFileOf(const QString &path)
     return realPath(path) + u"-wal"_s;
 }
 
+QString runLocksOf(const QString &path)
+{
+    return realPath(path) + u"-runs"_s;
+}
+
 QString logIndexOf(const QString &path)
 {
     return realPath(path) + u"-shm"_s;

@@ -20,6 +20,9 @@ inline constexpr QStringView memoryName = u":memory:";
 [[nodiscard]] QString logIndexOf(const QString &path);
 [[nodiscard]] QString journalOf(const QString &path);
 
+/// The file in which tills show that they live (app/cash/run_locks.h).
+[[nodiscard]] QString runLocksOf(const QString &path);
+
 /// True when this name exists, a dangling link included.
 [[nodiscard]] bool nameIsTaken(const QString &path);
 

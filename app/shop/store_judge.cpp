@@ -116,25 +116,34 @@ Result<SqliteDatabase, SqlError> openForJudging(const QString &path, OpenMode mo
 
 } // namespace
 
-std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std::chrono::milliseconds checkLimit)
+Result<SqliteDatabase, StoreProblem> openJudged(const QString &path, BusyWait &wait,
+                                                std::chrono::milliseconds checkLimit)
 {
-    if (auto problem = judgePlace(path))
-        return problem;
     const QByteArray header = readHeader(path);
     if (header.isEmpty())
-        return storeProblem(ProblemKind::Empty, path);
+        return Unexpected(storeProblem(ProblemKind::Empty, path));
     if (!isDatabaseHeader(header))
-        return storeProblem(ProblemKind::NoDatabase, path);
+        return Unexpected(storeProblem(ProblemKind::NoDatabase, path));
     if (hasForeignLog(path))
-        return storeProblem(ProblemKind::ForeignLog, path, logFileOf(path));
+        return Unexpected(storeProblem(ProblemKind::ForeignLog, path, logFileOf(path)));
 
     auto database = openForJudging(path, gentlestMode(path, header), wait);
     // A crash has left a journal. Only SQLite may judge it, and it needs to write to do so.
     if (!database && database.error().code == SQLITE_READONLY)
         database = openForJudging(path, OpenMode::Write, wait);
     if (!database)
-        return engineProblem(database.error(), path);
-    return judgeContent(database->get(), path, checkLimit);
+        return Unexpected(engineProblem(database.error(), path));
+    if (auto problem = judgeContent(database->get(), path, checkLimit))
+        return Unexpected(*std::move(problem));
+    return *std::move(database);
+}
+
+std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait, std::chrono::milliseconds checkLimit)
+{
+    if (auto problem = judgePlace(path))
+        return problem;
+    const auto judged = openJudged(path, wait, checkLimit);
+    return judged ? std::nullopt : std::optional(judged.error());
 }
 
 std::optional<StoreProblem> judgeNewStore(const QString &path, bool makeFolder)

@@ -3,6 +3,8 @@
 
 #include "app/shop/store_problem.h"
 #include "app/shop/wait_times.h"
+#include "basic/result.h"
+#include "engine/database.h"
 
 #include <QString>
 
@@ -19,6 +21,11 @@ class BusyWait;
 /// counts: a file of any program's will do whose tables fit, a newer one of ours too.
 [[nodiscard]] std::optional<StoreProblem> judgeStore(const QString &path, BusyWait &wait,
                                                      std::chrono::milliseconds checkLimit = wait_times::longestCheck);
+
+/// The same rules for a file that is only read, wherever it lies, such as a backup on a medium that cannot be written.
+/// It is open for reading then.
+[[nodiscard]] Result<SqliteDatabase, StoreProblem> openJudged(const QString &path, BusyWait &wait,
+                                                              std::chrono::milliseconds checkLimit);
 
 /// Why no new store file can be made at this name; empty when one can. Nothing is written.
 /// With `makeFolder` the folder itself may still be missing.

@@ -222,6 +222,7 @@ QString helpText()
            "                   write items, categories, codes or purchases (of these days) into a CSV file, with a "
            "comma,\n"
            "                   semicolon, tab or bar between cells and a decimal point or comma; needs no display\n"
+           "  --restore FILE   bring back what this backup holds, while nobody has the store open; needs no display\n"
            "  -h, --help       show this help and leave\n"
            "  -v, --version    show the version and leave\n"
            "\n"

@@ -46,6 +46,7 @@ const QList<ErrandForm> &errandForms()
           {u"--to"_s, u"a day"_s},
           {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
           {u"--decimal"_s, u"point or comma"_s}}},
+        {u"--restore"_s, {u"the backup that is to be brought back"_s}, {}},
     };
     return forms;
 }

@@ -9,6 +9,7 @@
 #include "app/shop/store_judge.h"
 #include "app/shop/workshop.h"
 #include "tests/app/bad_disk.h"
+#include "tests/app/full_disk.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -20,9 +21,6 @@
 
 #include <sqlite3.h>
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -45,25 +43,6 @@ QByteArray bytes(const QString &path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-/// While it lives, no file can grow beyond the limit, as on a full disk.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t limit)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit full = {limit, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &full);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before = {};
-};
 
 } // namespace
 

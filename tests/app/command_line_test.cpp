@@ -199,8 +199,8 @@ void CommandLineTest::helpNamesEveryOption()
 {
     for (const QString &option :
          {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s,
-          u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s,
-          u"--help"_s, u"--version"_s})
+          u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s, u"--restore FILE"_s, u"--customer-display [SCREEN]"_s,
+          u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_judge.h"
+#include "app/shop/store_open.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -53,6 +54,7 @@ private Q_SLOTS:
     void wrongExportIsRefused_data();
     void wrongExportIsRefused();
     void fullDiskKeepsTheOldList();
+    void backupIsRestored();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
@@ -277,6 +279,32 @@ void ErrandsTest::fullDiskKeepsTheOldList()
     QCOMPARE(away(), QStringList(u"items.csv"_s));
     QFile list(path(u"away/items.csv"_s));
     QVERIFY(list.size() > 0 && list.size() < 1000);
+}
+
+void ErrandsTest::backupIsRestored()
+{
+    const QString shop = path(u"shop.sqlite"_s);
+    QCOMPARE(run({u"--database=shop.sqlite"_s, u"--backup=away"_s}).code, 0);
+    const QString backup = path(u"away/"_s + away().constFirst());
+    runAll(shop, {u"UPDATE StockList SET StockName = 'LATER'"_s});
+    const QStringList restoring = {u"--database=shop.sqlite"_s, u"--restore"_s, backup};
+    {
+        BusyWait wait;
+        const auto till = openStore(shop, wait);
+        QVERIFY(till);
+        const ErrandEnd refused = run(restoring);
+        QCOMPARE(refused.code, 6);
+        QVERIFY2(refused.errors.contains(u"(process %1)"_s.arg(QCoreApplication::applicationPid())),
+                 qPrintable(refused.errors));
+        QCOMPARE(column(shop, u"SELECT StockName FROM StockList"_s), QStringList{u"LATER"_s});
+    }
+    const ErrandEnd outcome = run(restoring);
+    QCOMPARE(outcome.errors, QString());
+    QCOMPARE(outcome.code, 0);
+    QCOMPARE(column(shop, u"SELECT StockName FROM StockList"_s), column(backup, u"SELECT StockName FROM StockList"_s));
+    QVERIFY2(outcome.out.contains(u"shop-before-restore-"_s), qPrintable(outcome.out));
+    QCOMPARE(run({u"--database=none"_s, u"--restore"_s, backup}).code, 4);
+    QVERIFY(!QFile::exists(path(u"none"_s)));
 }
 
 HARROWBY_CORE_TEST(app_errands_test, ErrandsTest)

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "app/backup/carried_records.h"
+
+#include "app/backup/good_backups.h"
+#include "app/records/sqlite_records.h"
+#include "basic/logging.h"
+#include "engine/database.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+struct Carried
+{
+    const RecordTable &table;
+    QStringList columns;
+};
+
+bool isThere(sqlite3 *database, const QString &table)
+{
+    return !readText(database, u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1"_s, {table}).isEmpty();
+}
+
+/// Rows whose key the copy has already are the same ones.
+std::optional<SqlError> carryRows(sqlite3 *store, sqlite3 *copy, const Carried &carried)
+{
+    const QString columns = carried.columns.join(u", "_s);
+    const QString places = QStringList(carried.columns.size(), u"?"_s).join(u", "_s);
+    const QString insert = u"INSERT OR IGNORE INTO %1 (%2) VALUES (%3)"_s.arg(carried.table.name, columns, places);
+    SqliteStatement rows(store, u"SELECT %1 FROM %2 ORDER BY rowid"_s.arg(columns, carried.table.name));
+    while (rows.next()) {
+        QList<DbValue> values;
+        for (int column = 0; column < carried.columns.size(); ++column)
+            values << rows.value(column);
+        if (auto error = runSql(copy, insert, values))
+            return error;
+    }
+    return rows.error();
+}
+
+void carryTable(sqlite3 *store, sqlite3 *copy, const Carried &carried)
+{
+    if (!isThere(store, carried.table.name))
+        return;
+    SqliteRecords records(copy);
+    if (records.prepare(carried.table))
+        return;
+    std::optional<SqlError> error = runSql(copy, u"BEGIN"_s);
+    if (!error)
+        error = carryRows(store, copy, carried);
+    if (!error)
+        error = runSql(copy, u"COMMIT"_s);
+    if (!error)
+        return;
+    (void)runSql(copy, u"ROLLBACK"_s);
+    qCWarning(lcStore).noquote() << "The rows of" << carried.table.name
+                                 << "could not be carried over to the restored store:" << error->reason;
+}
+
+} // namespace
+
+void carryRecords(sqlite3 *store, sqlite3 *copy)
+{
+    const Carried all[] = {
+        {kept::activity(), {u"DeedID"_s, u"DoneAt"_s, u"Kind"_s, u"Who"_s, u"Place"_s, u"What"_s}},
+        {kept::drawerOpening(), {u"OpeningID"_s, u"OpenedAt"_s, u"OpenedBy"_s, u"Drawer"_s, u"Reason"_s}},
+    };
+    for (const Carried &carried : all)
+        carryTable(store, copy, carried);
+    SqliteRecords from(store);
+    SqliteRecords to(copy);
+    QList<GoodBackup> noted = goodBackups(from);
+    for (auto backup = noted.crbegin(); backup != noted.crend(); ++backup)
+        (void)noteGoodBackup(to, backup->file, backup->bytes, backup->made);
+}
+
+} // namespace harrowby::app
