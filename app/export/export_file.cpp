@@ -44,8 +44,9 @@ ExportEnd putIntoPlace(QByteArrayView bytes, const QString &target, const WorkWa
     }
     if (const auto synced = writeToDisk(file.handle(), {}); !synced)
         return notWritten(synced.error());
-    if (!file.commit())
-        return notWritten(file.errorString());
+    errno = 0;
+    if (!file.commit()) // which may know no reason
+        return notWritten(errno != 0 ? qt_error_string(errno) : file.errorString());
     syncFolder(QFileInfo(target).absolutePath());
     return {ExportEnd::Outcome::Done, {}, 0, bytes.size()};
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/backup.h"
+#include "app/export/export.h"
 #include "app/shop/receipt_head.h"
 #include "app/shop/store_create.h"
 #include "app/shop/store_open.h"
@@ -11,6 +12,7 @@
 #include <harrowby/saved_settings.h>
 
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QTest>
@@ -70,6 +72,18 @@ QString lostInSilence(const TroubledTill &till, const Figures &found, const Figu
     if (found.savedEmail != whole.savedEmail && !files.contains(Kind::SettingsWrite))
         return u"a saved setting"_s;
     return {};
+}
+
+QByteArray bytesAt(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeAt(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 struct Action
@@ -182,6 +196,8 @@ private Q_SLOTS:
     void everyOperationOfAnAction();
     void everyOperationOfABackup_data();
     void everyOperationOfABackup();
+    void everyOperationOfAnExport_data();
+    void everyOperationOfAnExport();
     void everyOperationOfAFirstStart_data();
     void everyOperationOfAFirstStart();
 
@@ -311,6 +327,50 @@ void DiskTroubleTest::everyOperationOfABackup()
         QVERIFY2(till.differsFromWhatWasDone().isEmpty(), qPrintable(fault));
     }
     QVERIFY(operation > 10 && operation < mostOperations);
+}
+
+void DiskTroubleTest::everyOperationOfAnExport_data()
+{
+    QTest::addColumn<QString>("name");
+    addModes();
+    addRows(u"over an older one"_s);
+}
+
+/// The list is whole, or the older one stays and the reason is told; nothing else is left there.
+void DiskTroubleTest::everyOperationOfAnExport()
+{
+    QFETCH(const Mode, mode);
+    QFETCH(const int, error);
+    TroubledTill till;
+    till.sell();
+    const QString target = till.home() + u"/list.csv"_s;
+    const auto list = [&] { return exportList(till.storePath(), target, {}, [](const WorkStep &) { return true; }); };
+    QVERIFY(list().outcome == ExportEnd::Outcome::Done);
+    const QByteArray whole = bytesAt(target);
+    FailingDisk::mount(till.home());
+    int failures = 1;
+    int operation = 1;
+    for (; operation < mostOperations && failures > 0; ++operation) {
+        QVERIFY(writeAt(target, "an older one"));
+        till.forget();
+        FailingDisk::failAt(operation, mode, error);
+        const ExportEnd end = list();
+        failures = FailingDisk::failures();
+        const QString fault = faultText(operation);
+        const bool isAtThePlace = FailingDisk::firstFailure().startsWith(u"write "_s + target);
+        FailingDisk::failAt(0, mode, error);
+        if (end.outcome == ExportEnd::Outcome::Done) {
+            QCOMPARE(bytesAt(target), whole);
+        } else {
+            QVERIFY2(failures > 0 && !end.problem.isEmpty(), qPrintable(fault));
+            QCOMPARE(bytesAt(target), QByteArray("an older one"));
+            if (isAtThePlace && error == ENOSPC)
+                QVERIFY2(end.problem.contains(u"no space left"_s), qPrintable(end.problem));
+        }
+        QCOMPARE(QDir(till.home()).entryList({u"list*"_s}, QDir::AllEntries | QDir::Hidden).size(), 1);
+        QVERIFY2(till.differsFromWhatWasDone().isEmpty(), qPrintable(fault));
+    }
+    QVERIFY(operation > 5 && operation < mostOperations);
 }
 
 void DiskTroubleTest::everyOperationOfAFirstStart_data()
