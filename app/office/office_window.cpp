@@ -172,6 +172,7 @@ OfficePage *OfficeWindow::built(qsizetype page)
         return wanted.page;
     OfficePage *made = wanted.entry.make(m_context, m_stack);
     wanted.page = made;
+    made->setAccessibleName(wanted.entry.title()); // said when the focus comes onto the page
     dressPart(*made);
     // No default button: Enter in an entry presses the button beside it only.
     for (QPushButton *button : made->findChildren<QPushButton *>())
