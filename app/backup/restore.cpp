@@ -33,7 +33,7 @@ namespace harrowby::app {
 
 namespace {
 
-using Outcome = RestoreResult::Outcome;
+using RestoreEnd = RestoreResult::Outcome;
 
 const auto reading = u"The backup is being read \u2026"_s;
 const auto copyName = u"restored.db"_s;
@@ -56,7 +56,7 @@ public:
             if (const End end = (this->*step)())
                 return *end;
         }
-        return {Outcome::Done, {}, m_kept, true};
+        return {RestoreEnd::Done, {}, m_kept, true};
     }
 
 private:
@@ -76,11 +76,11 @@ private:
     {
         return m_watch({words, percent});
     }
-    [[nodiscard]] RestoreResult stopped() const { return {Outcome::Stopped, {}, m_kept, false}; }
+    [[nodiscard]] RestoreResult stopped() const { return {RestoreEnd::Stopped, {}, m_kept, false}; }
     [[nodiscard]] RestoreResult failed(const QString &problem) const
     {
         qCWarning(lcStore).noquote() << "The restore of" << m_order.store << "failed:" << problem;
-        return {Outcome::Failed, problem, m_kept, m_isReplaced};
+        return {RestoreEnd::Failed, problem, m_kept, m_isReplaced};
     }
 
     const RestoreOrder &m_order;
