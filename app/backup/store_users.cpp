@@ -98,7 +98,7 @@ StoreUsers findStoreUsers(const QString &store)
         const qint64 number = process.toLongLong(&isNumber);
         const QString folder = u"/proc/"_s + process;
         if (isNumber && number != ::getpid() && hasOpen(folder, files))
-            users.programs << StoreUser{number, nameOf(folder)};
+            users.programs << StoreProgram{number, nameOf(folder)};
     }
     return users;
 }
@@ -106,10 +106,10 @@ StoreUsers findStoreUsers(const QString &store)
 QString storeUsersText(const StoreUsers &users)
 {
     QStringList names;
-    for (const StoreUser &user : users.programs)
+    for (const StoreProgram &user : users.programs)
         names << u"%1 (process %2)"_s.arg(user.name, QString::number(user.process));
     const bool isSeen =
-        std::ranges::any_of(users.programs, [](const StoreUser &user) { return user.name == u"a till"_s; });
+        std::ranges::any_of(users.programs, [](const StoreProgram &user) { return user.name == u"a till"_s; });
     if (users.tillLives && !isSeen)
         names << u"a till, under another user name or on another computer"_s;
     if (names.size() < 2)

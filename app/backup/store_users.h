@@ -7,7 +7,7 @@
 namespace harrowby::app {
 
 /// A program of this machine that has a store's file open.
-struct StoreUser
+struct StoreProgram
 {
     qint64 process = 0;
     QString name; ///< in words: "the office", "a till", or the program's own name
@@ -17,7 +17,7 @@ struct StoreUser
 /// superuser asks; who is allowed to is proven by SQLite's lock alone (restore.cpp).
 struct StoreUsers
 {
-    QList<StoreUser> programs;
+    QList<StoreProgram> programs;
     bool tillLives = false; ///< a till of this or another machine holds its lock in STORE-runs
 
     [[nodiscard]] bool isEmpty() const { return programs.isEmpty() && !tillLives; }
