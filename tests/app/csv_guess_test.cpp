@@ -97,6 +97,7 @@ private Q_SLOTS:
         QTest::newRow("doubled quotes") << QByteArray("NAME,NOTE\n\"say \"\"a;b\"\"\",\"x\ny;z\"\n") << u","_s;
         QTest::newRow("item keys") << QByteArray("A  |  B;C;D\nX  |  Y;1;2\n") << u";"_s;
         QTest::newRow("ragged") << QByteArray("A;B;C\n1;2;3\n1;2\n1;2;3\n1,5;2;3\n") << u";"_s;
+        QTest::newRow("ragged, decimal commas") << QByteArray("A;B;C\n1,5;2;3\n1,5;2\n1,5;2;3\n1,5\n") << u";"_s;
         QTest::newRow("named") << QByteArray("sep=|\nA;B|C;D\n") << u"|"_s;
         QTest::newRow("mark") << QByteArray("\xEF\xBB\xBF\"A;B\";\"C\"\n") << u";"_s;
         QTest::newRow("UTF-16") << QByteArray("\xFF\xFE"
