@@ -24,7 +24,7 @@ void FirstSteps::look()
     const auto any = m_records.read({u"select StockID from StockList limit 1"_s, {}});
     if (any && any->isEmpty())
         m_banner.say(BannerTopic::FirstSteps,
-                     u"1. Settings: categories. 2. Add/Edit Stock: items. 3. Office: users, receipt."_s);
+                     u"1. Office, Catalogue: a list of items; or Settings, Add/Edit Stock. 2. Users."_s);
     else
         m_banner.clear(BannerTopic::FirstSteps);
 }

@@ -123,7 +123,7 @@ void BannerTest::textThatJustFitsGetsSmallerLetters()
     m_view->setFixedSize(266, 44); // of the smallest window
     m_banner->say(BannerTopic::FirstSteps, u"Short."_s);
     const int usual = label()->fontMetrics().height();
-    const QString text = u"1. Settings: categories. 2. Add/Edit Stock: items. 3. Office: users, receipt."_s;
+    const QString text = u"1. Office, Catalogue: a list of items; or Settings, Add/Edit Stock. 2. Users."_s;
     m_banner->say(BannerTopic::FirstSteps, text);
     QCOMPARE(label()->text(), text);
     QVERIFY(label()->fontMetrics().height() < usual);
