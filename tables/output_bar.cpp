@@ -33,28 +33,6 @@ public:
     Q_DISABLE_COPY_MOVE(WaitCursor)
 };
 
-QString askForFile(QWidget *parent, const QString &suggestion, const QString &suffix)
-{
-    const QString filter = u"%1 files (*.%2)"_s.arg(suffix.toUpper(), suffix);
-    const QPointer<QFileDialog> dialog(new QFileDialog(parent, u"Save as %1"_s.arg(suffix.toUpper())));
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setNameFilter(filter);
-    dialog->setDefaultSuffix(suffix);
-    dialog->setDirectory(QFileInfo(suggestion).path());
-    dialog->selectFile(QFileInfo(suggestion).fileName());
-    dressDialog(*dialog);
-    const bool chosen = dialog->exec() == QDialog::Accepted;
-    const QString path = chosen && dialog ? dialog->selectedFiles().value(0) : QString();
-    delete dialog;
-    return path;
-}
-
-QString documents()
-{
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QFileInfo(folder).isDir() ? folder : QDir::homePath();
-}
-
 void tellFailure(QWidget *parent, const QString &text)
 {
     const QPointer<QMessageBox> box(
@@ -74,6 +52,28 @@ bool printPages(QPrinter &printer, const Table &table, const Figure &figure)
 }
 
 } // namespace
+
+QString askForFile(QWidget *parent, const QString &suggestion, const QString &suffix)
+{
+    const QString filter = u"%1 files (*.%2)"_s.arg(suffix.toUpper(), suffix);
+    const QPointer<QFileDialog> dialog(new QFileDialog(parent, u"Save as %1"_s.arg(suffix.toUpper())));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setNameFilter(filter);
+    dialog->setDefaultSuffix(suffix);
+    dialog->setDirectory(QFileInfo(suggestion).path());
+    dialog->selectFile(QFileInfo(suggestion).fileName());
+    dressDialog(*dialog);
+    const bool chosen = dialog->exec() == QDialog::Accepted;
+    const QString path = chosen && dialog ? dialog->selectedFiles().value(0) : QString();
+    delete dialog;
+    return path;
+}
+
+QString documentsFolder()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(folder).isDir() ? folder : QDir::homePath();
+}
 
 OutputBar::OutputBar(OutputSource source, QWidget *parent) :
     QWidget(parent), m_source(std::move(source)), m_chooseFile(askForFile)
@@ -136,7 +136,7 @@ void OutputBar::save(const QString &suffix, const std::function<QByteArray()> &c
     const QString name = fileNameFor(m_source.fileWords()) + u'.' + suffix;
     const QPointer<OutputBar> self(this);
     const FileChooser chooseFile = m_chooseFile; // outlives this bar, should that go while the question is open
-    const QString path = chooseFile(this, documents() + u'/' + name, suffix);
+    const QString path = chooseFile(this, documentsFolder() + u'/' + name, suffix);
     if (path.isEmpty() || !self)
         return;
     const auto saved = [&]() -> Result<void, QString> {

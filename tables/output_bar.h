@@ -19,6 +19,13 @@ struct OutputSource
     std::function<QString()> fileWords; ///< what a file is called, without its ending
 };
 
+/// Asks for a place to save at, in a box; empty when there is to be none. `suggestion` is a path, `suffix` such as
+/// "pdf".
+[[nodiscard]] QString askForFile(QWidget *parent, const QString &suggestion, const QString &suffix);
+
+/// The user's folder of documents, or the home folder where there is none.
+[[nodiscard]] QString documentsFolder();
+
 /// Buttons that print a table and save it as PDF and CSV. What fails is told in a box.
 class OutputBar : public QWidget
 {

@@ -15,7 +15,7 @@ LabelPaper roll(double width, double height)
 {
     const QSizeF size(width, height);
     return {u"roll-38x25"_s,
-            u"Roll, %1 \u00d7 %2 mm"_s.arg(width).arg(height),
+            u"Roll: %1 \u00d7 %2 mm"_s.arg(width).arg(height),
             size,
             size,
             1,
@@ -33,7 +33,7 @@ LabelPaper sheet(QSizeF label, int columns, int rows, double gap, QSizeF margin)
     const QPointF first((a4.width() - columns * step.width() + gap) / 2, (a4.height() - rows * step.height()) / 2);
     const int count = columns * rows;
     return {u"a4-%1"_s.arg(count),
-            u"A4 sheet, %1 of %2 \u00d7 %3 mm"_s.arg(count).arg(label.width()).arg(label.height()),
+            u"A4: %1 of %2 \u00d7 %3 mm"_s.arg(count).arg(label.width()).arg(label.height()),
             a4,
             label,
             columns,

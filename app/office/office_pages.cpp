@@ -2,6 +2,7 @@
 #include "app/office/office_pages.h"
 
 #include "app/backup/backup_page.h"
+#include "app/labels/labels_page.h"
 #include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
 #include "app/office/receipt_page.h"
@@ -101,6 +102,20 @@ OfficePageEntry backupEntry()
             }};
 }
 
+OfficePageEntry labelsEntry()
+{
+    return {u"&Labels"_s,
+            stockGroup,
+            Stock,
+            u"Labels with name, price and code"_s,
+            {{u"price tag sticker barcode EAN UPC"_s, {}},
+             {u"roll sheet A4"_s, u"labelPaper"_s},
+             {u"half used sheet position"_s, u"labelPlace"_s},
+             {u"offset millimetres margin dots dpi"_s, u"adjustLabels"_s},
+             {u"category without a code last import in stock"_s, u"addLabelItems"_s}},
+            [](const Context &c, QWidget *parent) { return new LabelsPage(c.deeds(), c.store, c.settings, parent); }};
+}
+
 OfficePageEntry readersEntry()
 {
     return {
@@ -128,7 +143,7 @@ const QList<OfficePageEntry> &officePages()
 {
     static const QList<OfficePageEntry> pages = {
         usersEntry(),   receiptEntry(), cashEntry(), shopEntry(), // Shop
-        codesEntry(),                                             // Stock
+        codesEntry(),   labelsEntry(),                            // Stock
         backupEntry(),                                            // Keeping
         readersEntry(),                                           // This Machine
     };

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "app/labels/label_making.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// Sorts out what is too long; false when it was stopped.
+bool collect(const LabelOrder &order, LabelsMade &made, QList<LabelRun> &runs, const WorkWatch &watch)
+{
+    const LabelDrawing drawing(order.plan.paper, order.plan.dotsPerInch);
+    for (qsizetype i = 0; i < order.rows.size(); ++i) {
+        if (!watch({u"The labels are being laid out \u2026"_s, percentOf(i, order.rows.size())}))
+            return false;
+        const LabelRow &row = order.rows.at(i);
+        Label label = labelOf(row, order.currency);
+        const QString &code = row.chosen().code;
+        if (!code.isEmpty() && (!label.symbol || !drawing.takesSymbol(*label.symbol))) {
+            made.longCodes << u"%1: %2"_s.arg(labelItemWords(row.item), code);
+            label.symbol.reset();
+        }
+        if (drawing.takesPrice(label))
+            runs << LabelRun{std::move(label), row.count};
+        else
+            made.longPrices << labelItemWords(row.item);
+    }
+    return true;
+}
+
+} // namespace
+
+LabelsMade makeLabels(const LabelOrder &order, const WorkWatch &watch)
+{
+    LabelsMade made;
+    QList<LabelRun> runs;
+    made.isStopped = !collect(order, made, runs, watch);
+    const bool fits = made.longCodes.isEmpty() && made.longPrices.isEmpty();
+    if (made.isStopped || runs.isEmpty() || !(fits || order.asFits))
+        return made;
+    bool isStopped = false;
+    made.pdf = labelsPdf(runs, order.plan, [&](const WorkStep &step) {
+        isStopped = !watch(step);
+        return !isStopped;
+    });
+    made.isStopped = isStopped;
+    for (const LabelRun &run : std::as_const(runs))
+        made.labels += run.count;
+    return made;
+}
+
+} // namespace harrowby::app

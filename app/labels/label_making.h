@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/labels/label_list.h"
+#include "app/labels/label_pdf.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+namespace harrowby::app {
+
+/// What is to be printed.
+struct LabelOrder
+{
+    QList<LabelRow> rows;
+    LabelPlan plan;
+    QString currency;
+    bool asFits = false; ///< without the codes that are too long, and without the labels whose price is
+};
+
+/// What became of it.
+struct LabelsMade
+{
+    QByteArray pdf; ///< empty when there is something too long, and it was not to be made as it fits
+    qint64 labels = 0;
+    QStringList longCodes;  ///< the items, each with its code
+    QStringList longPrices; ///< the items
+    bool isStopped = false;
+};
+
+/// May be called on any thread.
+[[nodiscard]] LabelsMade makeLabels(const LabelOrder &order, const WorkWatch &watch);
+
+} // namespace harrowby::app
