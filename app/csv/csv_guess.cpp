@@ -4,6 +4,7 @@
 #include "app/csv/csv_reader.h"
 #include "app/csv/decoding.h"
 #include "app/csv/figures.h"
+#include "app/csv/stored_cell.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -157,16 +158,12 @@ QChar guessSeparator(QByteArrayView bytes)
 class DecimalEvidence
 {
 public:
-    void look(const QString &cell, qint64 line, int column)
+    void look(const CsvRow &row, const QSet<int> &columns)
     {
-        const DecimalHint hint = decimalHint(cell);
-        if (hint == DecimalHint::None)
-            return;
-        const bool contradicts = (hint == DecimalHint::Point && m_comma) || (hint == DecimalHint::Comma && m_point);
-        if ((contradicts && !isContradictory()) || (hint == DecimalHint::Either && m_guess.line == 0))
-            m_guess = {{}, cell, line, column};
-        m_point = m_point || hint == DecimalHint::Point;
-        m_comma = m_comma || hint == DecimalHint::Comma;
+        for (int column = 0; column < row.cells.size(); ++column) {
+            if (columns.isEmpty() || columns.contains(column))
+                look(row.cells.at(column), row.line, column);
+        }
     }
 
     /// `likely`: where no figure has such a sign.
@@ -180,6 +177,18 @@ public:
     }
 
 private:
+    void look(const QString &cell, qint64 line, int column)
+    {
+        const DecimalHint hint = decimalHint(cell);
+        if (hint == DecimalHint::None)
+            return;
+        const bool contradicts = (hint == DecimalHint::Point && m_comma) || (hint == DecimalHint::Comma && m_point);
+        if ((contradicts && !isContradictory()) || (hint == DecimalHint::Either && m_guess.line == 0))
+            m_guess = {{}, cell, line, column};
+        m_point = m_point || hint == DecimalHint::Point;
+        m_comma = m_comma || hint == DecimalHint::Comma;
+    }
+
     [[nodiscard]] bool isContradictory() const { return m_point && m_comma; }
 
     DecimalGuess m_guess;
@@ -190,6 +199,17 @@ private:
 QChar likelySign(QChar separator)
 {
     return separator == u';' ? u',' : u'.';
+}
+
+/// Of the rows behind the headings of an export of our own.
+std::optional<QChar> signOfExport(CsvReader &reader, const QList<StoredColumn> &columns)
+{
+    CsvRow row;
+    while (reader.next(row)) {
+        if (const auto sign = decimalSignOfStoredRow(row.cells, columns))
+            return sign;
+    }
+    return {};
 }
 
 } // namespace
@@ -212,15 +232,15 @@ DecimalGuess guessDecimalSign(QByteArrayView bytes, const CsvForm &form, const Q
     DecimalEvidence evidence;
     CsvReader reader(bytes, form);
     CsvRow row;
-    while (reader.next(row)) {
-        for (int column = 0; column < row.cells.size(); ++column) {
-            if (columns.isEmpty() || columns.contains(column))
-                evidence.look(row.cells.at(column), row.line, column);
-        }
+    if (reader.next(row)) {
+        if (const auto *stored = columnsOfExport(row.cells))
+            return {signOfExport(reader, *stored).value_or(likelySign(form.separator)), {}, 0, 0};
+        evidence.look(row, columns);
     }
+    while (reader.next(row))
+        evidence.look(row, columns);
     return evidence.guess(likelySign(form.separator));
 }
-
 CsvGuess guessForm(QByteArrayView bytes)
 {
     CsvForm form;

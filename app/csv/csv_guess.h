@@ -32,7 +32,8 @@ struct CsvGuess
 [[nodiscard]] CsvGuess guessForm(QByteArrayView bytes);
 
 /// The decimal sign alone, from these columns (from 0) or, without any, from all: once it is known which columns are to
-/// hold figures, codes and dates in the others leave nothing open. The form's own decimal sign does not count.
+/// hold figures, codes and dates in the others leave nothing open. The form's own decimal sign does not count. An
+/// export of our own leaves nothing open.
 [[nodiscard]] DecimalGuess guessDecimalSign(QByteArrayView bytes, const CsvForm &form, const QSet<int> &columns = {});
 
 /// The encoding by mark, zero bytes and what is valid UTF-8. What is spoilt UTF-8 rather than Windows-1252 is UTF-8.

@@ -227,6 +227,32 @@ std::optional<QList<StoredValue>> readStoredRow(const QStringList &cells, const 
     return marks->isEmpty() ? std::optional(values) : fail(columns.size());
 }
 
+std::optional<QChar> decimalSignOfStoredRow(const QStringList &cells, const QList<StoredColumn> &columns)
+{
+    const auto marks = cells.size() == columns.size() + 1 ? readMarks(cells.constLast()) : std::nullopt;
+    if (!marks)
+        return {};
+    for (qsizetype i = 0; i < columns.size(); ++i) {
+        const QString usual = columns.at(i).kind == ColumnKind::Figure ? mark::real : mark::text;
+        if (marks->value(columns.at(i).name, usual) != mark::real)
+            continue;
+        for (const QChar sign : {u'.', u','}) {
+            if (cells.at(i).contains(sign))
+                return sign;
+        }
+    }
+    return {};
+}
+
+const QList<StoredColumn> *columnsOfExport(const QStringList &headings)
+{
+    for (const auto *columns : {&itemColumns(), &categoryColumns(), &codeColumns(), &purchaseColumns()}) {
+        if (isExportOf(headings, *columns))
+            return columns;
+    }
+    return nullptr;
+}
+
 const QList<StoredColumn> &itemColumns()
 {
     using enum ColumnKind;

@@ -74,11 +74,18 @@ private:
 /// Whether these are the headings of an export of a table, in its order, with "As Stored" as the last.
 [[nodiscard]] bool isExportOf(const QStringList &headings, const QList<StoredColumn> &columns);
 
+/// The decimal sign of the first figure of such a row that has one; nothing when none has. A sign within a figure of an
+/// export is always the decimal one.
+[[nodiscard]] std::optional<QChar> decimalSignOfStoredRow(const QStringList &cells, const QList<StoredColumn> &columns);
+
 /// The very values of a row of such a file (its cells, without those of a fault), or nothing when its last cell, or
 /// what it says of another one, cannot be understood; `faultyColumn` is that column then, from 0.
 [[nodiscard]] std::optional<QList<StoredValue>> readStoredRow(const QStringList &cells,
                                                               const QList<StoredColumn> &columns, QChar decimalSign,
                                                               int *faultyColumn = nullptr);
+
+/// Those whose export has these headings, or null.
+[[nodiscard]] const QList<StoredColumn> *columnsOfExport(const QStringList &headings);
 
 /// The columns of the tables that are exported, as the store has them.
 [[nodiscard]] const QList<StoredColumn> &itemColumns();     ///< of StockList

@@ -155,6 +155,26 @@ private Q_SLOTS:
         QCOMPARE(decimalOf(guessDecimalSign(whole, guess.form, {2})), u","_s);
     }
 
+    void anExportLeavesNothingOpen_data()
+    {
+        QTest::addColumn<QByteArray>("rows");
+        QTest::addColumn<QString>("decimal");
+        QTest::newRow("none") << QByteArray() << u","_s;
+        QTest::newRow("what could be either elsewhere") << QByteArray("TEA;A;1,234;\r\n") << u","_s;
+        QTest::newRow("the other sign") << QByteArray("TEA;A;1.234;\r\n") << u"."_s;
+        QTest::newRow("a text as well") << QByteArray("TEA;A;1.234;Units:text\r\nCUP;A;1,5;\r\n") << u","_s;
+        QTest::newRow("names tell nothing") << QByteArray("1.5;2.5;1;\r\n") << u","_s;
+        QTest::newRow("but figures where texts are usual") << QByteArray("1.5;A;1;Code:real\r\n") << u"."_s;
+    }
+    void anExportLeavesNothingOpen()
+    {
+        QFETCH(const QByteArray, rows);
+        const QByteArray bytes = "Code;StockID;Units;As Stored\r\n" + rows;
+        const CsvGuess guess = guessForm(bytes);
+        QTEST(decimalOf(guess.decimal), "decimal");
+        QTEST(decimalOf(guessDecimalSign(bytes, guess.form, {2})), "decimal");
+    }
+
     void anyBytesGetAForm()
     {
         for (const QByteArray &bytes : {QByteArray("\""), QByteArray("\xFF\xFE"), QByteArray("\xFF\xFE\x00", 3),
