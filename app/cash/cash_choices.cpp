@@ -110,4 +110,25 @@ std::optional<DbFailure> saveCashChoices(Records &records, const CashChoices &ch
     return settings.save(notesName, notesText(choices.notes));
 }
 
+Records::Answer<bool> changeCashChoices(const SignedDeeds &deeds, const CashChoices &before, const CashChoices &choices)
+{
+    Records &records = deeds.records();
+    const bool newWays = choices.ways != before.ways;
+    const bool newNotes = choices.notes != before.notes;
+    QList<RecordStatement> statements;
+    const auto replace = [&](const QString &name, const QString &title, const QString &was, const QString &is) {
+        statements += ShopSettings::saving(name, is);
+        statements << deeds.statement(deed::settingChanged, u"%1: %2; before: %3."_s.arg(title, is, was));
+    };
+    if (newWays)
+        replace(waysName, u"Ways of paying beside cash"_s, waysText(before.ways), waysText(choices.ways));
+    if (newNotes)
+        replace(notesName, u"Notes"_s, notesText(before.notes), notesText(choices.notes));
+    const auto isAsBefore = [&]() -> Records::Answer<bool> {
+        const CashChoices now = readCashChoices(records);
+        return (!newWays || now.ways == before.ways) && (!newNotes || now.notes == before.notes);
+    };
+    return records.writeTogetherIf(kept::setting(), isAsBefore, statements);
+}
+
 } // namespace harrowby::app

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/cash/money.h"
-#include "app/records/records.h"
+#include "app/records/deeds.h"
 #include "basic/result.h"
 
 #include <QList>
@@ -37,5 +37,9 @@ struct CashChoices
 [[nodiscard]] CashChoices readCashChoices(Records &records);
 /// The failure when they could not be saved; it has been told.
 [[nodiscard]] std::optional<DbFailure> saveCashChoices(Records &records, const CashChoices &choices);
+/// Saves what differs from `before`, which was read, and tells it by deeds. False, and nothing is saved, when something
+/// of that was changed by somebody else meanwhile.
+[[nodiscard]] Records::Answer<bool> changeCashChoices(const SignedDeeds &deeds, const CashChoices &before,
+                                                      const CashChoices &choices);
 
 } // namespace harrowby::app

@@ -53,6 +53,9 @@ Records::Answer<QList<IntentChoice>> OpenIntents::choicesFor(const Payment &inte
 
 OpenIntents::Outcome OpenIntents::countFor(const QString &paymentId, const QString &purchaseId)
 {
+    const auto deed = told(u"The payment %1 was counted for the purchase %2."_s.arg(paymentId, purchaseId));
+    if (deed && m_records.prepare(*deed->table))
+        return Outcome::Failed;
     auto outcome = Outcome::Failed;
     const auto kept = m_records.together(kept::payment(), [&] {
         PaymentTable table(m_records);
@@ -70,7 +73,8 @@ OpenIntents::Outcome OpenIntents::countFor(const QString &paymentId, const QStri
             return false;
         const auto removed =
             m_records.write(kept::payment(), {u"delete from HarrowbyPayment where PaymentID = ?"_s, {counted->id}});
-        const bool isDone = removed && table.assign(paymentId, purchaseId, PaymentOrigin::Till);
+        const bool isDone = removed && table.assign(paymentId, purchaseId, PaymentOrigin::Till) &&
+                            (!deed || m_records.write(*deed->table, *deed));
         outcome = isDone ? Outcome::Done : Outcome::Failed;
         return isDone;
     });
@@ -79,11 +83,18 @@ OpenIntents::Outcome OpenIntents::countFor(const QString &paymentId, const QStri
 
 OpenIntents::Outcome OpenIntents::remove(const QString &paymentId)
 {
-    const auto removed = m_records.write(
-        kept::payment(), {u"delete from HarrowbyPayment where PaymentID = ? and State = 'UNMATCHED'"_s, {paymentId}});
+    const auto removed = writeTold(
+        m_records, kept::payment(),
+        {u"delete from HarrowbyPayment where PaymentID = ? and State = 'UNMATCHED'"_s, {paymentId}},
+        told(u"The payment %1, which had found no purchase, was removed: nothing was sold."_s.arg(paymentId)));
     if (!removed)
         return Outcome::Failed;
-    return *removed > 0 ? Outcome::Done : Outcome::Gone;
+    return *removed ? Outcome::Done : Outcome::Gone;
+}
+
+std::optional<RecordStatement> OpenIntents::told(const QString &what) const
+{
+    return m_deeds ? std::optional(m_deeds->statement(deed::paymentSettled, what)) : std::nullopt;
 }
 
 } // namespace harrowby::app

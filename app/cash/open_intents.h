@@ -2,9 +2,12 @@
 #pragma once
 
 #include "app/cash/payment.h"
-#include "app/records/records.h"
+#include "app/records/deeds.h"
 
 #include <QString>
+
+#include <optional>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -29,8 +32,9 @@ public:
         Failed, ///< told by the records
     };
 
-    /// The records must outlive it.
-    explicit OpenIntents(Records &records) : m_records(records) {}
+    /// The records must outlive it. With deeds, what is decided is told by them.
+    explicit OpenIntents(Records &records, std::optional<SignedDeeds> deeds = {}) :
+        m_records(records), m_deeds(std::move(deeds)) {}
 
     /// Oldest first; each is in the state Unmatched, its `taken` in UTC.
     [[nodiscard]] Records::Answer<QList<Payment>> list() const;
@@ -44,7 +48,10 @@ public:
     [[nodiscard]] Outcome remove(const QString &paymentId);
 
 private:
+    [[nodiscard]] std::optional<RecordStatement> told(const QString &what) const;
+
     Records &m_records;
+    std::optional<SignedDeeds> m_deeds;
 };
 
 } // namespace harrowby::app

@@ -35,6 +35,7 @@ ItemCode entryOf(const RecordRow &row)
     ItemCode entry;
     entry.code = recordText(row.at(0));
     entry.stockId = recordText(row.at(1));
+    entry.storedUnits = row.at(2);
     entry.units = static_cast<int>(std::clamp<std::int64_t>(recordNumber(row.at(2)), 1, most));
     // A foreign store may compare IDs as numbers, or without regard to case.
     entry.isOrphan = entry.stockId.isEmpty() || recordText(row.at(3)) != entry.stockId;
@@ -48,14 +49,6 @@ QString selectEntries(const QString &where)
     return u"select c.Code, c.StockID, c.Units, s.StockID, s.StockName from HarrowbyCode c "
            "left join StockList s on s.StockID = c.StockID"_s +
            where;
-}
-
-/// True when the one row was changed.
-Records::Answer<bool> isOne(const Records::Answer<std::int64_t> &changed)
-{
-    if (!changed)
-        return Unexpected(changed.error());
-    return *changed > 0;
 }
 
 template <typename T>
@@ -160,14 +153,19 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
         return u"This is no code: %1."_s.arg(code.error());
     if (const auto taken = readUnits(QString::number(units)); !taken)
         return taken.error();
+    const auto deed = told(u"The code %1 was added to %2, %3 for one scan."_s.arg(*code, stockId).arg(units));
     Problem problem;
+    if (const auto failure = deed ? m_records.prepare(*deed->table) : std::nullopt)
+        return failureWords(notAdded, *failure);
     const auto added = m_records.together(kept::code(), [&] {
         problem = takenBy(*code, stockId);
         if (problem)
             return false;
-        const auto written =
+        auto written =
             m_records.write(kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values (?, ?, ?)"_s,
                                            {*code, stockId, static_cast<std::int64_t>(units)}});
+        if (written && deed)
+            written = m_records.write(*deed->table, *deed);
         if (!written)
             problem = failureWords(notAdded, written.error());
         return !problem;
@@ -177,21 +175,34 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
     return problem;
 }
 
-Records::Answer<bool> CodeTable::setUnits(const QString &code, int units)
+std::optional<RecordStatement> CodeTable::told(const QString &what) const
+{
+    return m_deeds ? std::optional(m_deeds->statement(deed::codeChanged, what)) : std::nullopt;
+}
+
+Records::Answer<bool> CodeTable::setUnits(const ItemCode &seen, int units)
 {
     const std::int64_t taken = std::clamp(units, 1, mostUnits);
-    return isOne(m_records.write(kept::code(), {u"update HarrowbyCode set Units = ? where Code = ?"_s, {taken, code}}));
+    return writeTold(m_records, kept::code(),
+                     {u"update HarrowbyCode set Units = ? where Code = ? and Units = ?"_s,
+                      {taken, seen.code, seen.storedUnits}},
+                     told(u"One scan of %1 sells %2, before %3."_s.arg(seen.code).arg(taken).arg(seen.units)));
 }
 
-Records::Answer<bool> CodeTable::remove(const QString &code)
+Records::Answer<bool> CodeTable::remove(const ItemCode &seen)
 {
-    return isOne(m_records.write(kept::code(), {u"delete from HarrowbyCode where Code = ?"_s, {code}}));
+    return writeTold(m_records, kept::code(),
+                     {u"delete from HarrowbyCode where Code = ? and StockID = ? and Units = ?"_s,
+                      {seen.code, seen.stockId, seen.storedUnits}},
+                     told(u"The code %1 of %2 was deleted."_s.arg(seen.code, seen.stockId)));
 }
 
-Records::Answer<bool> CodeTable::giveTo(const QString &code, const QString &stockId)
+Records::Answer<bool> CodeTable::giveTo(const ItemCode &seen, const QString &stockId)
 {
-    return isOne(
-        m_records.write(kept::code(), {u"update HarrowbyCode set StockID = ? where Code = ?"_s, {stockId, code}}));
+    return writeTold(m_records, kept::code(),
+                     {u"update HarrowbyCode set StockID = ? where Code = ? and StockID = ?"_s,
+                      {stockId, seen.code, seen.stockId}},
+                     told(u"The code %1 was given to %2, before of %3."_s.arg(seen.code, stockId, seen.stockId)));
 }
 
 std::optional<DbFailure> CodeTable::itemRenamed(const QString &oldId, const QString &newId)

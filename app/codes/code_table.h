@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/records/records.h"
+#include "app/records/deeds.h"
 
 #include <QList>
 #include <QString>
@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -22,6 +23,7 @@ struct ItemCode
     QString name;          ///< as stored; empty for an orphan
     int units = 1;         ///< that one scan sells
     bool isOrphan = false; ///< its item is gone
+    RecordValue storedUnits = {}; ///< as the table has them
 };
 
 struct StockItem
@@ -42,8 +44,9 @@ public:
     /// Why a code was not added, in words for a person.
     using Problem = std::optional<QString>;
 
-    /// The records must outlive it.
-    explicit CodeTable(Records &records) : m_records(records) {}
+    /// The records must outlive it. With deeds, what is added, changed and deleted is told by them.
+    explicit CodeTable(Records &records, std::optional<SignedDeeds> deeds = {}) :
+        m_records(records), m_deeds(std::move(deeds)) {}
 
     /// All codes, by item and code.
     [[nodiscard]] Answer<QList<ItemCode>> list() const;
@@ -57,11 +60,11 @@ public:
     /// Adds a code to an item that there is. Refuses what is no code, units that the counter does not take, and a code
     /// that is taken: as an ID or a code, also in another length of the same number.
     [[nodiscard]] Problem add(const QString &text, const QString &stockId, int units);
-    /// False when the code has gone meanwhile.
-    [[nodiscard]] Answer<bool> setUnits(const QString &code, int units);
-    [[nodiscard]] Answer<bool> remove(const QString &code);
+    // Of a code as it was read; false, and nothing is changed, when it has gone meanwhile, or is no longer so.
+    [[nodiscard]] Answer<bool> setUnits(const ItemCode &seen, int units);
+    [[nodiscard]] Answer<bool> remove(const ItemCode &seen);
     /// Gives an orphan to another item.
-    [[nodiscard]] Answer<bool> giveTo(const QString &code, const QString &stockId);
+    [[nodiscard]] Answer<bool> giveTo(const ItemCode &seen, const QString &stockId);
 
     /// The item has another ID now: its codes follow it, unless a second item has the old one.
     std::optional<DbFailure> itemRenamed(const QString &oldId, const QString &newId);
@@ -71,8 +74,10 @@ public:
 private:
     [[nodiscard]] Problem takenBy(const QString &code, const QString &stockId) const;
     std::optional<DbFailure> moveCodes(const QString &oldId, const QString &newId);
+    [[nodiscard]] std::optional<RecordStatement> told(const QString &what) const;
 
     Records &m_records;
+    std::optional<SignedDeeds> m_deeds;
 };
 
 /// What a failure means: `what` was not done, why, and what to do.

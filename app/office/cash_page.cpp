@@ -23,8 +23,19 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-CashPage::CashPage(Records &records, OfficeSettings settings, QWidget *parent) :
-    OfficePage(parent), m_records(records), m_settings(std::move(settings)), m_saved(readCashChoices(records))
+namespace {
+
+QString drawerWords(const OfficeSettings &settings)
+{
+    const DrawerSettings drawer = readDrawerSettings(settings);
+    return drawer.isOn ? u"\"%1\", pin %2, %3 ms"_s.arg(drawer.queue).arg(drawer.pin).arg(drawer.pulseMs) : u"none"_s;
+}
+
+} // namespace
+
+CashPage::CashPage(const SignedDeeds &deeds, OfficeSettings settings, QWidget *parent) :
+    OfficePage(parent), m_deeds(deeds), m_settings(std::move(settings)), m_saved(readCashChoices(deeds.records())),
+    m_savedDrawer(savedDrawerName(m_settings))
 {
     createEntries();
     auto *columns = new QHBoxLayout;
@@ -44,7 +55,7 @@ void CashPage::createEntries()
 {
     m_ways = makeEntry(u"paymentWays"_s, u"Ways of paying beside cash"_s, waysText(m_saved.ways));
     m_notes = makeEntry(u"cashNotes"_s, u"Notes"_s, notesText(m_saved.notes));
-    m_drawer = makeEntry(u"drawerName"_s, u"Name of the drawer"_s, savedDrawerName(m_settings));
+    m_drawer = makeEntry(u"drawerName"_s, u"Name of the drawer"_s, m_savedDrawer);
     m_drawer->setPlaceholderText(drawerName({}, m_settings));
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"cashOutcome"_s);
@@ -124,7 +135,7 @@ QLayout *CashPage::makeEnd()
 std::optional<LeavingQuestion> CashPage::leaving() const
 {
     const bool changed = m_ways->text() != waysText(m_saved.ways) || m_notes->text() != notesText(m_saved.notes) ||
-                         m_drawer->text() != savedDrawerName(m_settings);
+                         m_drawer->text() != m_savedDrawer;
     if (!changed)
         return {};
     return LeavingQuestion{u"What you have changed about cash is not saved. Discard it?"_s, u"&Discard It"_s};
@@ -137,19 +148,58 @@ void CashPage::save()
     if (!ways || !notes)
         return showOutcome(*m_outcome, u"\u26a0 "_s + (ways ? notes.error() : ways.error()));
     const CashChoices choices{*ways, *notes};
-    if (choices != m_saved) {
-        if (const auto failure = saveCashChoices(m_records, choices))
-            return tellInOffice(this, failureWords(u"Ways and notes were not saved."_s, *failure));
-        m_saved = choices;
-    }
+    if (choices != m_saved && !saveChoices(choices))
+        return;
     const QString drawer = drawerNameOf(m_drawer->text());
-    if (drawer != savedDrawerName(m_settings) && !saveDrawerName(m_settings, drawer))
-        return tellInOffice(this, u"The name of the drawer could not be saved. Check the disk and the folder of the "
-                                  "settings file, then save again."_s);
-    m_ways->setText(waysText(choices.ways));
-    m_notes->setText(notesText(choices.notes));
+    if (drawer != m_savedDrawer && !saveDrawer(drawer))
+        return;
+    m_ways->setText(waysText(m_saved.ways));
+    m_notes->setText(notesText(m_saved.notes));
     m_drawer->setText(drawer);
     showOutcome(*m_outcome, u"Saved. What belongs to this computer counts when the till is started the next time."_s);
+}
+
+bool CashPage::saveChoices(const CashChoices &choices)
+{
+    const auto changed = changeCashChoices(m_deeds, m_saved, choices);
+    if (!changed) {
+        tellInOffice(this, failureWords(u"Ways and notes were not saved."_s, changed.error()));
+        return false;
+    }
+    if (!*changed) {
+        showChangedMeanwhile();
+        return false;
+    }
+    // What was left as it was read may have been changed by another office.
+    m_saved = readCashChoices(m_deeds.records());
+    return true;
+}
+
+bool CashPage::saveDrawer(const QString &name)
+{
+    if (savedDrawerName(m_settings) != m_savedDrawer) {
+        showChangedMeanwhile();
+        return false;
+    }
+    if (!saveDrawerName(m_settings, name)) {
+        tellInOffice(this, u"The name of the drawer could not be saved. Check the disk and the folder of the "
+                           "settings file, then save again."_s);
+        return false;
+    }
+    (void)m_deeds.add(deed::settingChanged, u"Name of the drawer of this computer: %1; before: %2."_s.arg(name, m_savedDrawer));
+    m_savedDrawer = name;
+    return true;
+}
+
+void CashPage::showChangedMeanwhile()
+{
+    m_saved = readCashChoices(m_deeds.records());
+    m_savedDrawer = savedDrawerName(m_settings);
+    m_ways->setText(waysText(m_saved.ways));
+    m_notes->setText(notesText(m_saved.notes));
+    m_drawer->setText(m_savedDrawer);
+    showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what you typed "
+                            "was not saved."_s);
 }
 
 void CashPage::showEvent(QShowEvent *event)
@@ -161,13 +211,15 @@ void CashPage::showEvent(QShowEvent *event)
 
 void CashPage::chooseDrawer()
 {
-    if (DrawerSettingsDialog(m_settings, this).exec() == QDialog::Accepted)
-        showOutcome(*m_outcome, u"Saved. The drawer's printer counts when the till is started the next time."_s);
+    if (DrawerSettingsDialog(m_settings, this).exec() != QDialog::Accepted)
+        return;
+    (void)m_deeds.add(deed::settingChanged, u"The printer that opens the drawer of this computer: %1."_s.arg(drawerWords(m_settings)));
+    showOutcome(*m_outcome, u"Saved. The drawer's printer counts when the till is started the next time."_s);
 }
 
 void CashPage::countOpen()
 {
-    const auto open = OpenIntents(m_records).list();
+    const auto open = OpenIntents(m_deeds.records()).list();
     const qsizetype count = open ? open->size() : 0;
     m_open->setVisible(count > 0);
     m_openWords->setText(!open        ? u"\u26a0 "_s + failureWords(u"The payments could not be read."_s, open.error())
@@ -178,7 +230,7 @@ void CashPage::countOpen()
 
 void CashPage::showOpen()
 {
-    OpenPaymentsDialog(m_records, this).exec();
+    OpenPaymentsDialog(m_deeds, this).exec();
     countOpen();
 }
 

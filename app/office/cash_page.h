@@ -20,8 +20,8 @@ class CashPage final : public OfficePage
     Q_OBJECT
 
 public:
-    /// The records must outlive it.
-    CashPage(Records &records, OfficeSettings settings, QWidget *parent = nullptr);
+    /// The deeds' records must outlive it.
+    CashPage(const SignedDeeds &deeds, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
@@ -36,13 +36,17 @@ private:
     QLayout *makeEnd();
     QLineEdit *makeEntry(const QString &objectName, const QString &spoken, const QString &text);
     void save();
+    [[nodiscard]] bool saveChoices(const CashChoices &choices);
+    [[nodiscard]] bool saveDrawer(const QString &name);
+    void showChangedMeanwhile();
     void countOpen();
     void showOpen();
     void chooseDrawer();
 
-    Records &m_records;
+    SignedDeeds m_deeds;
     OfficeSettings m_settings;
     CashChoices m_saved;
+    QString m_savedDrawer;
     QLineEdit *m_ways = nullptr;
     QLineEdit *m_notes = nullptr;
     QLineEdit *m_drawer = nullptr;

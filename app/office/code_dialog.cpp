@@ -15,14 +15,17 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-CodeDialog::CodeDialog(Records &records, const QString &code, QWidget *parent) :
-    QDialog(parent), m_table(records), m_given(code), m_items(new ItemPicker(records, this))
+CodeDialog::CodeDialog(const SignedDeeds &deeds, ItemCode given, QWidget *parent) :
+    QDialog(parent), m_table(deeds.records(), deeds), m_given(std::move(given)),
+    m_items(new ItemPicker(deeds.records(), this))
 {
-    setWindowTitle(code.isEmpty() ? u"Add Codes"_s : u"Give Code to an Item"_s);
+    setWindowTitle(m_given.code.isEmpty() ? u"Add Codes"_s : u"Give Code to an Item"_s);
     enlargeFont(*this);
     layOut();
     dressDialog(*this);
@@ -34,8 +37,8 @@ QFormLayout *CodeDialog::makeForm()
 {
     auto *form = new QFormLayout;
     form->setVerticalSpacing(12);
-    if (!m_given.isEmpty()) {
-        form->addRow(u"Code:"_s, makeOfficeText(this, shownCode(m_given)));
+    if (!m_given.code.isEmpty()) {
+        form->addRow(u"Code:"_s, makeOfficeText(this, shownCode(m_given.code)));
         return form;
     }
     m_code = new QLineEdit(this);
@@ -59,7 +62,7 @@ void CodeDialog::layOut()
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"codeOutcome"_s);
     m_outcome->setMinimumHeight(m_outcome->fontMetrics().height() * 2);
-    m_action = new QPushButton(m_given.isEmpty() ? u"&Add Code"_s : u"&Give Code"_s, this);
+    m_action = new QPushButton(m_given.code.isEmpty() ? u"&Add Code"_s : u"&Give Code"_s, this);
     m_action->setObjectName(u"codeAction"_s);
     m_action->setAutoDefault(false);
     makePrimary(*m_action);
@@ -96,7 +99,7 @@ void CodeDialog::act()
     const auto item = m_items->current();
     if (!item)
         return refuse(u"Pick the item first."_s);
-    if (m_given.isEmpty())
+    if (m_given.code.isEmpty())
         addCode(*item);
     else
         giveCode(*item);
@@ -125,6 +128,8 @@ void CodeDialog::giveCode(const StockItem &item)
     const auto given = m_table.giveTo(m_given, item.id);
     if (!given)
         return refuse(failureWords(u"The code was not given."_s, given.error()));
+    if (!*given)
+        return refuse(u"Somebody else has deleted the code meanwhile, or given it to an item."_s);
     m_hasChanged = true;
     accept();
 }

@@ -21,8 +21,9 @@ class CodeDialog final : public QDialog
     Q_OBJECT
 
 public:
-    /// With a `code`, it is given to the item that is picked, and the dialog closes. The records must outlive it.
-    explicit CodeDialog(Records &records, const QString &code = {}, QWidget *parent = nullptr);
+    /// With a `given` code, it is given to the item that is picked, and the dialog closes. The deeds' records must
+    /// outlive it.
+    explicit CodeDialog(const SignedDeeds &deeds, ItemCode given = {}, QWidget *parent = nullptr);
 
     /// A code was added or given.
     [[nodiscard]] bool hasChanged() const { return m_hasChanged; }
@@ -39,7 +40,7 @@ private:
     void refuse(const QString &text);
 
     CodeTable m_table;
-    QString m_given; ///< the code to give; empty when codes are added
+    ItemCode m_given; ///< the code to give; an empty one when codes are added
     bool m_hasChanged = false;
     ItemPicker *m_items;
     QLineEdit *m_code = nullptr;

@@ -56,7 +56,8 @@ QString countWords(qsizetype all, qsizetype orphans)
 
 } // namespace
 
-CodesPage::CodesPage(Records &records, QWidget *parent) : OfficePage(parent), m_records(records), m_table(records)
+CodesPage::CodesPage(const SignedDeeds &deeds, QWidget *parent) :
+    OfficePage(parent), m_deeds(deeds), m_table(deeds.records(), deeds)
 {
     m_view = new tables::TableView(this);
     m_view->setObjectName(u"codes"_s);
@@ -188,7 +189,7 @@ void CodesPage::followChoice()
 
 void CodesPage::addCodes()
 {
-    CodeDialog dialog(m_records, {}, this);
+    CodeDialog dialog(m_deeds, {}, this);
     dialog.exec();
     if (dialog.hasChanged())
         read();
@@ -199,11 +200,11 @@ void CodesPage::changeUnits()
     const ItemCode *entry = current();
     if (entry == nullptr)
         return;
-    const QString code = entry->code;
+    const ItemCode seen = *entry;
     QInputDialog dialog(this);
     dialog.setWindowTitle(u"Units"_s);
-    dialog.setTextValue(QString::number(entry->units));
-    dialog.setLabelText(u"How many units does one scan of %1 sell?"_s.arg(shownCode(code)));
+    dialog.setTextValue(QString::number(seen.units));
+    dialog.setLabelText(u"How many units does one scan of %1 sell?"_s.arg(shownCode(seen.code)));
     enlargeFont(dialog);
     dressDialog(dialog);
     if (dialog.exec() != QDialog::Accepted)
@@ -211,8 +212,8 @@ void CodesPage::changeUnits()
     const auto units = readUnits(dialog.textValue());
     if (!units)
         return tellInOffice(this, units.error());
-    finish(m_table.setUnits(code, *units), u"The units were not changed."_s,
-           u"Saved: one scan of %1 sells %2."_s.arg(shownCode(code)).arg(*units));
+    finish(m_table.setUnits(seen, *units), u"The units were not changed."_s,
+           u"Saved: one scan of %1 sells %2."_s.arg(shownCode(seen.code)).arg(*units));
 }
 
 void CodesPage::giveCode()
@@ -220,7 +221,7 @@ void CodesPage::giveCode()
     const ItemCode *entry = current();
     if (entry == nullptr)
         return;
-    CodeDialog dialog(m_records, entry->code, this);
+    CodeDialog dialog(m_deeds, *entry, this);
     dialog.exec();
     if (!dialog.hasChanged())
         return;
@@ -232,22 +233,23 @@ void CodesPage::deleteCode()
     const ItemCode *entry = current();
     if (entry == nullptr)
         return;
-    const QString code = entry->code;
-    const QString of = entry->isOrphan ? QString() : u" of %1"_s.arg(itemWords(entry->name, entry->stockId));
-    if (askInOffice(this, u"Delete the code %1%2?"_s.arg(shownCode(code), of), u"&Delete"_s))
-        finish(m_table.remove(code), u"The code was not deleted."_s, u"Deleted: %1."_s.arg(shownCode(code)));
+    const ItemCode seen = *entry;
+    const QString of = seen.isOrphan ? QString() : u" of %1"_s.arg(itemWords(seen.name, seen.stockId));
+    const QString code = shownCode(seen.code);
+    if (askInOffice(this, u"Delete the code %1%2?"_s.arg(code, of), u"&Delete"_s))
+        finish(m_table.remove(seen), u"The code was not deleted."_s, u"Deleted: %1."_s.arg(code));
 }
 
 void CodesPage::setRules()
 {
-    InStoreDialog(m_records, this).exec();
+    InStoreDialog(m_deeds, this).exec();
 }
 
 /// Reads the codes again, also after a failure.
 void CodesPage::finish(const Records::Answer<bool> &done, const QString &what, const QString &outcome)
 {
     if (done)
-        return readAfter(*done ? outcome : u"The code has gone meanwhile. Nothing was changed."_s);
+        return readAfter(*done ? outcome : u"Somebody else has deleted or changed the code meanwhile. Nothing was changed."_s);
     read();
     tellInOffice(this, failureWords(what, done.error()));
 }

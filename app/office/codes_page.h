@@ -24,8 +24,8 @@ class CodesPage final : public OfficePage
     Q_OBJECT
 
 public:
-    /// The records must outlive it.
-    explicit CodesPage(Records &records, QWidget *parent = nullptr);
+    /// The deeds' records must outlive it.
+    explicit CodesPage(const SignedDeeds &deeds, QWidget *parent = nullptr);
 
 protected:
     /// Reads the codes each time it is turned to.
@@ -49,7 +49,7 @@ private:
     void setRules();
     void finish(const Records::Answer<bool> &done, const QString &what, const QString &outcome);
 
-    Records &m_records;
+    SignedDeeds m_deeds;
     CodeTable m_table;
     QList<ItemCode> m_codes;
     QLineEdit *m_search = nullptr;

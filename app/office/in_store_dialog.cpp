@@ -39,7 +39,8 @@ QString readingWords(const InStoreReading &reading)
 
 } // namespace
 
-InStoreDialog::InStoreDialog(Records &records, QWidget *parent) : QDialog(parent), m_settings(records)
+InStoreDialog::InStoreDialog(const SignedDeeds &deeds, QWidget *parent) :
+    QDialog(parent), m_deeds(deeds), m_settings(deeds.records())
 {
     setWindowTitle(u"Codes with a Price or a Weight"_s);
     enlargeFont(*this);
@@ -131,6 +132,7 @@ void InStoreDialog::layOut()
 void InStoreDialog::readRules()
 {
     const auto rules = m_settings.startingWith(inStoreSetting({}));
+    m_saved.clear();
     for (const auto &[prefix, text] : rules.value_or(QList<std::pair<QString, QString>>()))
         m_saved.insert(prefix, text);
     nameEntries();
@@ -138,6 +140,12 @@ void InStoreDialog::readRules()
     m_save->setEnabled(rules.has_value()); // else a rule that nobody has seen would be replaced
     if (!rules)
         showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The rules could not be read."_s, rules.error()));
+}
+
+/// The chosen prefix's rule as it was read.
+std::optional<QString> InStoreDialog::saved() const
+{
+    return m_saved.contains(prefix()) ? std::optional(m_saved.value(prefix())) : std::nullopt;
 }
 
 void InStoreDialog::nameEntries()
@@ -194,10 +202,18 @@ void InStoreDialog::save()
     const bool on = m_isOn->isChecked();
     if (on && !rule)
         return showOutcome(*m_outcome, u"\u26a0 "_s + rule.error());
-    const auto failure =
-        on ? m_settings.save(inStoreSetting(prefix()), rule->text()) : m_settings.remove(inStoreSetting(prefix()));
-    if (failure)
-        return tellInOffice(this, failureWords(u"The rule was not saved."_s, *failure));
+    const std::optional<QString> text = on ? std::optional(rule->text()) : std::nullopt;
+    const QString unread = u"not read"_s;
+    const auto replaced = m_settings.replace(
+        inStoreSetting(prefix()), saved(), text,
+        m_deeds.statement(deed::settingChanged, u"Codes that begin with %1: %2, before %3."_s.arg(
+                                                    prefix(), text.value_or(unread), saved().value_or(unread))));
+    if (!replaced)
+        return tellInOffice(this, failureWords(u"The rule was not saved."_s, replaced.error()));
+    if (!*replaced) {
+        readRules();
+        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this rule meanwhile. What is stored now is shown."_s);
+    }
     if (on)
         m_saved.insert(prefix(), rule->text());
     else

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/codes/in_store_rule.h"
+#include "app/records/deeds.h"
 #include "app/records/shop_settings.h"
 
 #include <QDialog>
@@ -27,7 +28,7 @@ class InStoreDialog final : public QDialog
 
 public:
     /// The records must outlive it.
-    explicit InStoreDialog(Records &records, QWidget *parent = nullptr);
+    explicit InStoreDialog(const SignedDeeds &deeds, QWidget *parent = nullptr);
 
 private:
     void createParts();
@@ -39,8 +40,10 @@ private:
     void showRule();
     void tryCode();
     void save();
+    [[nodiscard]] std::optional<QString> saved() const;
     [[nodiscard]] Result<InStoreRule, QString> entered() const;
 
+    SignedDeeds m_deeds;
     ShopSettings m_settings;
     QMap<QString, QString> m_saved; ///< rules that are switched on, by prefix
     QComboBox *m_prefix = nullptr;

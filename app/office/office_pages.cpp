@@ -49,7 +49,7 @@ OfficePageEntry receiptEntry()
             {{u"name of the shop header"_s, u"receiptTitle"_s},
              {u"money symbol"_s, u"receiptCurrency"_s},
              {u"mail"_s, u"emailReport"_s}},
-            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.settings, parent); }};
+            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.settings, c.deeds(), parent); }};
 }
 
 OfficePageEntry cashEntry()
@@ -63,7 +63,7 @@ OfficePageEntry cashEntry()
              {u"banknotes bills"_s, u"cashNotes"_s},
              {u"drawer kick pin plug pulse"_s, u"drawerSettings"_s},
              {u"open payments without a purchase"_s, u"openPayments"_s}},
-            [](const Context &c, QWidget *parent) { return new CashPage(*c.records, c.settings, parent); }};
+            [](const Context &c, QWidget *parent) { return new CashPage(c.deeds(), c.settings, parent); }};
 }
 
 OfficePageEntry shopEntry()
@@ -74,7 +74,7 @@ OfficePageEntry shopEntry()
             u"What holds for all tills"_s,
             {{u"search part of a name"_s, u"searchAnywhere"_s}},
             [](const Context &c, QWidget *parent) {
-                return new ShopPage(SearchChoice(*c.records, isOwnStore(c.database)), parent);
+                return new ShopPage(SearchChoice(*c.records, isOwnStore(c.database)), c.deeds(), parent);
             }};
 }
 
@@ -85,7 +85,7 @@ OfficePageEntry codesEntry()
             Stock,
             u"The codes of items that readers read"_s,
             {{u"barcode EAN UPC GTIN scan"_s, {}}, {u"scale weight price in the code"_s, u"inStoreCodes"_s}},
-            [](const Context &c, QWidget *parent) { return new CodesPage(*c.records, parent); }};
+            [](const Context &c, QWidget *parent) { return new CodesPage(c.deeds(), parent); }};
 }
 
 OfficePageEntry backupEntry()
@@ -124,7 +124,13 @@ OfficePageEntry readersEntry()
         Administrator,
         u"The code readers of this machine"_s,
         {{u"scanner barcode"_s, {}}, {u"serial port USB"_s, u"readerPath"_s}, {u"baud"_s, u"readerSpeed"_s}},
-        [](const Context &c, QWidget *parent) { return new ReaderSettingsPage(c.settings, foundDevices(), parent); }};
+        [](const Context &c, QWidget *parent) {
+            auto *page = new ReaderSettingsPage(c.settings, foundDevices(), parent);
+            QObject::connect(page, &ReaderSettingsPage::saved, page, [deeds = c.deeds()](const QString &what) {
+                (void)deeds.add(deed::settingChanged, what); // a failure has been logged
+            });
+            return page;
+        }};
 }
 
 } // namespace

@@ -51,7 +51,8 @@ void addRow(QListWidget &list, const QString &text, const QString &items)
 
 } // namespace
 
-OpenPaymentsDialog::OpenPaymentsDialog(Records &records, QWidget *parent) : QDialog(parent), m_intents(records)
+OpenPaymentsDialog::OpenPaymentsDialog(const SignedDeeds &deeds, QWidget *parent) :
+    QDialog(parent), m_intents(deeds.records(), deeds)
 {
     setWindowTitle(u"Payments Without a Purchase"_s);
     enlargeFont(*this);

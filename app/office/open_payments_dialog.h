@@ -21,7 +21,7 @@ class OpenPaymentsDialog final : public QDialog
 
 public:
     /// The records must outlive it.
-    explicit OpenPaymentsDialog(Records &records, QWidget *parent = nullptr);
+    explicit OpenPaymentsDialog(const SignedDeeds &deeds, QWidget *parent = nullptr);
 
 private:
     QListWidget *makeList(const QString &objectName, const QString &spoken);

@@ -33,8 +33,8 @@ QLineEdit *makeEntry(QWidget *parent, const QString &objectName, const QString &
 
 } // namespace
 
-ReceiptPage::ReceiptPage(OfficeSettings settings, QWidget *parent) :
-    OfficePage(parent), m_settings(std::move(settings)), m_saved(readReceiptHead(m_settings))
+ReceiptPage::ReceiptPage(OfficeSettings settings, SignedDeeds deeds, QWidget *parent) :
+    OfficePage(parent), m_settings(std::move(settings)), m_deeds(std::move(deeds)), m_saved(readReceiptHead(m_settings))
 {
     createEntries();
     auto *columns = new QHBoxLayout(this);
@@ -127,13 +127,46 @@ void ReceiptPage::save()
     const ReceiptHead head = entered();
     if (const auto fits = checkReceiptHead(head); !fits)
         return showOutcome(*m_outcome, u"\u26a0 "_s + fits.error());
-    const bool saved = saveReceiptHead(m_settings, m_saved, head);
+    const ReceiptHead before = readReceiptHead(m_settings);
+    if (before != m_saved) {
+        showSaved();
+        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what "
+                                       "you typed was not saved."_s);
+    }
+    const bool saved = saveReceiptHead(m_settings, before, head);
     m_saved = readReceiptHead(m_settings);
+    tellWhatChanged(before);
     if (saved)
         showOutcome(*m_outcome, u"Saved. It will be on the next receipt."_s);
     else
         tellInOffice(this, u"The settings could not be saved. Check the disk and the folder of the settings file, then "
                            "save again."_s);
+}
+
+void ReceiptPage::showSaved()
+{
+    m_saved = readReceiptHead(m_settings);
+    m_title->setText(m_saved.title);
+    m_address->setText(m_saved.address);
+    m_currency->setText(m_saved.currency);
+    m_emailReport->setChecked(m_saved.emailReport);
+}
+
+/// The settings are this machine's, so the deed cannot be stored together with them.
+void ReceiptPage::tellWhatChanged(const ReceiptHead &before) const
+{
+    QStringList changes;
+    const auto note = [&changes](const QString &title, const QString &was, const QString &is) {
+        if (was != is)
+            changes << u"%1 \"%2\", before \"%3\""_s.arg(title, is, was);
+    };
+    const auto sent = [](const ReceiptHead &head) { return head.emailReport ? u"on"_s : u"off"_s; };
+    note(u"title"_s, before.title, m_saved.title);
+    note(u"address"_s, before.address, m_saved.address);
+    note(u"currency"_s, before.currency, m_saved.currency);
+    note(u"daily report by e-mail"_s, sent(before), sent(m_saved));
+    if (!changes.isEmpty())
+        (void)m_deeds.add(deed::settingChanged, u"Receipt of this computer: %1."_s.arg(changes.join(u"; "_s)));
 }
 
 } // namespace harrowby::app

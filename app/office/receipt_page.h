@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/boxes/office_page.h"
+#include "app/records/deeds.h"
 #include "app/shop/receipt_head.h"
 
 class QCheckBox;
@@ -17,7 +18,8 @@ class ReceiptPage final : public OfficePage
     Q_OBJECT
 
 public:
-    explicit ReceiptPage(OfficeSettings settings, QWidget *parent = nullptr);
+    /// The deeds' records must outlive it.
+    ReceiptPage(OfficeSettings settings, SignedDeeds deeds, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
@@ -28,8 +30,11 @@ private:
     [[nodiscard]] ReceiptHead entered() const;
     void showEntered();
     void save();
+    void showSaved();
+    void tellWhatChanged(const ReceiptHead &before) const;
 
     OfficeSettings m_settings;
+    SignedDeeds m_deeds;
     ReceiptHead m_saved;
     QLineEdit *m_title = nullptr;
     QLineEdit *m_address = nullptr;

@@ -8,11 +8,14 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-ShopPage::ShopPage(SearchChoice search, QWidget *parent) : OfficePage(parent), m_choice(search)
+ShopPage::ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent) :
+    OfficePage(parent), m_choice(search), m_deeds(std::move(deeds))
 {
     m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
     m_search->setObjectName(u"searchAnywhere"_s);
@@ -45,12 +48,17 @@ void ShopPage::readSearch()
 
 void ShopPage::chooseSearch(bool findsAnywhere)
 {
-    const auto failure = m_choice.choose(findsAnywhere);
-    if (!failure)
+    const auto changed = m_choice.change(!findsAnywhere, findsAnywhere, m_deeds);
+    if (changed && *changed)
         return showOutcome(*m_outcome, u"Saved. It counts from the next search on."_s);
+    if (changed) {
+        showOutcome(*m_outcome, u"\u26a0 Somebody else has switched it meanwhile. Nothing was changed."_s);
+        return readSearch();
+    }
     m_search->setChecked(!findsAnywhere);
     showOutcome(*m_outcome, {});
-    tellInOffice(this, u"The search was not switched.\n%1\n%2"_s.arg(failureReason(*failure), failureAdvice(*failure)));
+    tellInOffice(this, u"The search was not switched.\n%1\n%2"_s.arg(failureReason(changed.error()),
+                                                                      failureAdvice(changed.error())));
 }
 
 } // namespace harrowby::app

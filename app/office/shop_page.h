@@ -15,13 +15,14 @@ class ShopPage final : public OfficePage
     Q_OBJECT
 
 public:
-    explicit ShopPage(SearchChoice search, QWidget *parent = nullptr);
+    ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent = nullptr);
 
 private:
     void readSearch();
     void chooseSearch(bool findsAnywhere);
 
     SearchChoice m_choice;
+    SignedDeeds m_deeds;
     QCheckBox *m_search = nullptr;
     QLabel *m_outcome = nullptr;
 };

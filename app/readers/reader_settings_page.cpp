@@ -47,6 +47,17 @@ std::set<int> gapsToChoose(int saved)
     return {Bounds::LeastGapMs, 30, 40, Bounds::UsualGapMs, 75, 100, 150, 200, 250, Bounds::GreatestGapMs, saved};
 }
 
+QString settingsWords(const ReaderSettings &settings)
+{
+    QStringList words;
+    if (settings.typing)
+        words << u"readers that type, %1 ms%2"_s.arg(settings.gapMs).arg(
+            settings.prefix.isEmpty() ? QString() : u", prefix %1"_s.arg(settings.prefix));
+    for (const ReaderDevice &device : settings.devices)
+        words << shown(device);
+    return u"The code readers of this computer: %1."_s.arg(words.isEmpty() ? u"none"_s : words.join(u"; "_s));
+}
+
 } // namespace
 
 ReaderSettingsPage::ReaderSettingsPage(OfficeSettings settings, const QStringList &found, QWidget *parent) :
@@ -202,13 +213,33 @@ void ReaderSettingsPage::showWhatCounts()
 
 void ReaderSettingsPage::save()
 {
-    const bool saved = saveReaderSettings(m_settings, m_saved, entered());
+    const ReaderSettings now = readReaderSettings(m_settings);
+    if (now != m_saved) {
+        showSaved(now);
+        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; "
+                                       "nothing of yours was saved."_s);
+    }
+    const bool isSaved = saveReaderSettings(m_settings, m_saved, entered());
     m_saved = readReaderSettings(m_settings);
-    if (saved)
+    if (isSaved && m_saved != now)
+        Q_EMIT saved(settingsWords(m_saved));
+    if (isSaved)
         return showOutcome(*m_outcome, u"Saved. It counts when the till is started the next time."_s);
     tellInOffice(this,
                  u"The settings could not be saved. Check the disk and the folder of the settings file, then save "
                  "again."_s);
+}
+
+void ReaderSettingsPage::showSaved(const ReaderSettings &settings)
+{
+    m_saved = settings;
+    m_typing->setChecked(settings.typing);
+    if (m_gap->findData(settings.gapMs) < 0)
+        m_gap->addItem(u"%1 ms"_s.arg(settings.gapMs), settings.gapMs);
+    m_gap->setCurrentIndex(m_gap->findData(settings.gapMs));
+    m_prefix->setText(settings.prefix);
+    m_devices = settings.devices;
+    showDevices();
 }
 
 } // namespace harrowby::app

@@ -26,6 +26,10 @@ public:
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 
+Q_SIGNALS:
+    /// In words: what counts from now on.
+    void saved(const QString &what);
+
 private:
     void createEntries();
     void createDeviceEntries(const QStringList &found);
@@ -38,6 +42,7 @@ private:
     void showDevices();
     void showWhatCounts();
     void save();
+    void showSaved(const ReaderSettings &settings);
 
     OfficeSettings m_settings;
     ReaderSettings m_saved;

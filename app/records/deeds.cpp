@@ -35,6 +35,27 @@ std::optional<DbFailure> Deeds::add(const Deed &deed) const
     return written ? std::nullopt : std::optional(written.error());
 }
 
+Records::Answer<bool> writeTold(Records &records, const RecordTable &table, const RecordStatement &statement,
+                                const std::optional<RecordStatement> &told)
+{
+    if (told) {
+        if (const auto failure = records.prepare(*told->table))
+            return Unexpected(*failure);
+    }
+    std::optional<DbFailure> failure;
+    const auto kept = records.together(table, [&] {
+        auto changed = records.write(table, statement);
+        if (changed && *changed > 0 && told)
+            changed = records.write(*told->table, *told);
+        if (!changed)
+            failure = changed.error();
+        return changed && *changed > 0;
+    });
+    if (failure)
+        return Unexpected(*std::move(failure));
+    return kept;
+}
+
 QString commandLineUser()
 {
     QString user = qEnvironmentVariable("USER");

@@ -86,6 +86,34 @@ Records::Answer<QList<std::int64_t>> Records::writeTogether(const RecordTable &t
     return changed;
 }
 
+Records::Answer<bool> Records::writeTogetherIf(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
+                                               const QList<RecordStatement> &statements)
+{
+    for (const RecordStatement &statement : statements) {
+        auto failure = statement.table != nullptr ? prepare(*statement.table) : std::nullopt;
+        if (failure)
+            return Unexpected(*std::move(failure));
+    }
+    std::optional<DbFailure> failure;
+    const auto kept = together(table, [&] {
+        const auto may = mayWrite();
+        if (!may)
+            failure = may.error();
+        if (!may || !*may)
+            return false;
+        for (const RecordStatement &statement : statements) {
+            if (const auto written = write(table, statement); !written) {
+                failure = written.error();
+                return false;
+            }
+        }
+        return true;
+    });
+    if (failure)
+        return Unexpected(*std::move(failure));
+    return kept;
+}
+
 std::optional<DbFailure> Records::prepare(const RecordTable &table)
 {
     auto failure = make(table, u"UPDATE "_s + table.name);

@@ -59,6 +59,11 @@ public:
     [[nodiscard]] Answer<QList<std::int64_t>> writeTogether(const RecordTable &table,
                                                             const QList<RecordStatement> &statements);
 
+    /// The same when `mayWrite` says so, which reads with no other program's write between it and these. False, and
+    /// nothing is written, when it does not.
+    [[nodiscard]] Answer<bool> writeTogetherIf(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
+                                               const QList<RecordStatement> &statements);
+
     /// Runs reads and writes with no other program's write between them. They are kept when `work` returns true, and
     /// undone when it returns false or when keeping them fails; whether they were kept. A failure in `work` has been
     /// told already when it returns. Not within another one.

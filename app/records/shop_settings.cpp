@@ -44,11 +44,29 @@ Records::Answer<QList<std::pair<QString, QString>>> ShopSettings::startingWith(c
     return found;
 }
 
+QList<RecordStatement> ShopSettings::saving(const QString &name, const std::optional<QString> &value)
+{
+    QList<RecordStatement> statements{removing(name)};
+    if (value)
+        statements << RecordStatement{u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s, {name, *value}};
+    return statements;
+}
+
+Records::Answer<bool> ShopSettings::replace(const QString &name, const std::optional<QString> &before,
+                                            const std::optional<QString> &value, const RecordStatement &told)
+{
+    const auto isAsBefore = [&]() -> Records::Answer<bool> {
+        const auto now = read(name);
+        if (!now)
+            return Unexpected(now.error());
+        return *now == before;
+    };
+    return m_records.writeTogetherIf(kept::setting(), isAsBefore, saving(name, value) + QList<RecordStatement>{told});
+}
+
 std::optional<DbFailure> ShopSettings::save(const QString &name, const QString &value)
 {
-    const auto saved = m_records.writeTogether(
-        kept::setting(),
-        {removing(name), {u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s, {name, value}}});
+    const auto saved = m_records.writeTogether(kept::setting(), saving(name, value));
     return saved ? std::nullopt : std::optional(saved.error());
 }
 

@@ -22,6 +22,13 @@ public:
     [[nodiscard]] Records::Answer<std::optional<QString>> read(const QString &name) const;
     /// All whose name begins with `prefix`, by name without it.
     [[nodiscard]] Records::Answer<QList<std::pair<QString, QString>>> startingWith(const QString &prefix) const;
+    /// Saves a value in place of the one that was read before, none in either for a setting that is not there, together
+    /// with the deed that tells it. False, and nothing is stored, when it has another value by now.
+    [[nodiscard]] Records::Answer<bool> replace(const QString &name, const std::optional<QString> &before,
+                                                const std::optional<QString> &value, const RecordStatement &told);
+    /// What saves a value, or removes it, for work that is kept together.
+    [[nodiscard]] static QList<RecordStatement> saving(const QString &name, const std::optional<QString> &value);
+
     /// The failure when it could not be saved; it has been told, and the old value stays.
     std::optional<DbFailure> save(const QString &name, const QString &value);
     /// So that `defaultValue` counts again; likewise.

@@ -23,7 +23,24 @@ Records::Answer<bool> SearchChoice::read() const
     const auto chosen = m_settings.read(setting);
     if (!chosen)
         return Unexpected(chosen.error());
-    return *chosen == yes || (*chosen != no && m_isOwnStore);
+    return meaningOf(*chosen);
+}
+
+bool SearchChoice::meaningOf(const std::optional<QString> &stored) const
+{
+    return stored == yes || (stored != no && m_isOwnStore);
+}
+
+Records::Answer<bool> SearchChoice::change(bool before, bool findsAnywhere, const SignedDeeds &deeds)
+{
+    const auto stored = m_settings.read(setting);
+    if (!stored)
+        return Unexpected(stored.error());
+    if (meaningOf(*stored) != before)
+        return false;
+    const QString what = findsAnywhere ? u"The search finds a text anywhere: switched on."_s
+                                       : u"The search finds a text anywhere: switched off."_s;
+    return m_settings.replace(setting, *stored, findsAnywhere ? yes : no, deeds.statement(deed::settingChanged, what));
 }
 
 std::optional<DbFailure> SearchChoice::choose(bool findsAnywhere)

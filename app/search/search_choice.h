@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/deeds.h"
 #include "app/records/shop_settings.h"
 
 #include <optional>
@@ -21,8 +22,12 @@ public:
     [[nodiscard]] Records::Answer<bool> read() const;
     /// The failure when it could not be saved; what was chosen before stays.
     [[nodiscard]] std::optional<DbFailure> choose(bool findsAnywhere);
+    /// In place of what was read. False, and nothing is changed, when somebody else has chosen meanwhile.
+    [[nodiscard]] Records::Answer<bool> change(bool before, bool findsAnywhere, const SignedDeeds &deeds);
 
 private:
+    [[nodiscard]] bool meaningOf(const std::optional<QString> &stored) const;
+
     ShopSettings m_settings;
     bool m_isOwnStore;
 };

@@ -75,6 +75,10 @@ private:
     }
     void rule(const QString &text) { QVERIFY(!ShopSettings(*m_records).save(inStoreSetting(text.first(2)), text)); }
     [[nodiscard]] CodeTable table() { return CodeTable(*m_records); }
+    [[nodiscard]] ItemCode seen(const QString &code)
+    {
+        return table().entries({code}).value_or(QList<ItemCode>()).value(0);
+    }
     [[nodiscard]] FoundCode found(const QString &code) { return CodeFinder(*m_records).find(code); }
     [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
 
@@ -444,7 +448,7 @@ void CodeFinderTest::newItemGetsNobodysCodes()
     QVERIFY(!table().itemAdded(u"MIL-0001"_s));
     QVERIFY(found(u"A"_s).kind == Kind::Orphan);
     QCOMPARE(table().list().value_or(QList<ItemCode>()).size(), 1);
-    QVERIFY(table().giveTo(u"A"_s, u"TEA-0001"_s).value_or(false));
+    QVERIFY(table().giveTo(seen(u"A"_s), u"TEA-0001"_s).value_or(false));
     QCOMPARE(found(u"A"_s).name, u"TEA"_s);
 }
 
@@ -460,11 +464,17 @@ void CodeFinderTest::shopWithoutCodesGetsNoTable()
 void CodeFinderTest::unitsAndDeleting()
 {
     code(u"A"_s, u"MIL-0001"_s);
-    QVERIFY(table().setUnits(u"A"_s, 24).value_or(false));
+    const ItemCode first = seen(u"A"_s);
+    QVERIFY(table().setUnits(first, 24).value_or(false));
     QCOMPARE(found(u"A"_s).units, 24);
-    QVERIFY(table().remove(u"A"_s).value_or(false));
-    QVERIFY(!table().remove(u"A"_s).value_or(true)); // gone meanwhile
-    QVERIFY(!table().setUnits(u"A"_s, 2).value_or(true));
+    QVERIFY(!table().setUnits(first, 6).value_or(true)); // another has changed it meanwhile
+    QVERIFY(!table().remove(first).value_or(true));
+    QCOMPARE(found(u"A"_s).units, 24);
+    const ItemCode now = seen(u"A"_s);
+    QVERIFY(table().remove(now).value_or(false));
+    QVERIFY(!table().remove(now).value_or(true)); // gone meanwhile
+    QVERIFY(!table().setUnits(now, 2).value_or(true));
+    QVERIFY(!table().giveTo(now, u"TEA-0001"_s).value_or(true));
     QVERIFY(found(u"A"_s).kind == Kind::Unknown);
 }
 
