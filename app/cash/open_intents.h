@@ -34,7 +34,9 @@ public:
 
     /// The records must outlive it. With deeds, what is decided is told by them.
     explicit OpenIntents(Records &records, std::optional<SignedDeeds> deeds = {}) :
-        m_records(records), m_deeds(std::move(deeds)) {}
+        m_records(records), m_deeds(std::move(deeds))
+    {
+    }
 
     /// Oldest first; each is in the state Unmatched, its `taken` in UTC.
     [[nodiscard]] Records::Answer<QList<Payment>> list() const;

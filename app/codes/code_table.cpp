@@ -35,8 +35,8 @@ ItemCode entryOf(const RecordRow &row)
     ItemCode entry;
     entry.code = recordText(row.at(0));
     entry.stockId = recordText(row.at(1));
-    entry.storedUnits = row.at(2);
-    entry.units = static_cast<int>(std::clamp<std::int64_t>(recordNumber(row.at(2)), 1, most));
+    entry.storedUnits = recordNumber(row.at(2));
+    entry.units = static_cast<int>(std::clamp<std::int64_t>(entry.storedUnits, 1, most));
     // A foreign store may compare IDs as numbers, or without regard to case.
     entry.isOrphan = entry.stockId.isEmpty() || recordText(row.at(3)) != entry.stockId;
     if (!entry.isOrphan)
@@ -184,7 +184,7 @@ Records::Answer<bool> CodeTable::setUnits(const ItemCode &seen, int units)
 {
     const std::int64_t taken = std::clamp(units, 1, mostUnits);
     return writeTold(m_records, kept::code(),
-                     {u"update HarrowbyCode set Units = ? where Code = ? and Units = ?"_s,
+                     {u"update HarrowbyCode set Units = ? where Code = ? and cast(Units as integer) = ?"_s,
                       {taken, seen.code, seen.storedUnits}},
                      told(u"One scan of %1 sells %2, before %3."_s.arg(seen.code).arg(taken).arg(seen.units)));
 }
@@ -192,17 +192,17 @@ Records::Answer<bool> CodeTable::setUnits(const ItemCode &seen, int units)
 Records::Answer<bool> CodeTable::remove(const ItemCode &seen)
 {
     return writeTold(m_records, kept::code(),
-                     {u"delete from HarrowbyCode where Code = ? and StockID = ? and Units = ?"_s,
+                     {u"delete from HarrowbyCode where Code = ? and StockID = ? and cast(Units as integer) = ?"_s,
                       {seen.code, seen.stockId, seen.storedUnits}},
                      told(u"The code %1 of %2 was deleted."_s.arg(seen.code, seen.stockId)));
 }
 
 Records::Answer<bool> CodeTable::giveTo(const ItemCode &seen, const QString &stockId)
 {
-    return writeTold(m_records, kept::code(),
-                     {u"update HarrowbyCode set StockID = ? where Code = ? and StockID = ?"_s,
-                      {stockId, seen.code, seen.stockId}},
-                     told(u"The code %1 was given to %2, before of %3."_s.arg(seen.code, stockId, seen.stockId)));
+    return writeTold(
+        m_records, kept::code(),
+        {u"update HarrowbyCode set StockID = ? where Code = ? and StockID = ?"_s, {stockId, seen.code, seen.stockId}},
+        told(u"The code %1 was given to %2, before of %3."_s.arg(seen.code, stockId, seen.stockId)));
 }
 
 std::optional<DbFailure> CodeTable::itemRenamed(const QString &oldId, const QString &newId)

@@ -19,11 +19,11 @@ inline constexpr int mostUnits = 32767; ///< that one press of the counter takes
 struct ItemCode
 {
     QString code;
-    QString stockId;       ///< empty when another item has got its former item's ID
-    QString name;          ///< as stored; empty for an orphan
-    int units = 1;         ///< that one scan sells
-    bool isOrphan = false; ///< its item is gone
-    RecordValue storedUnits = {}; ///< as the table has them
+    QString stockId;              ///< empty when another item has got its former item's ID
+    QString name;                 ///< as stored; empty for an orphan
+    int units = 1;                ///< that one scan sells
+    bool isOrphan = false;        ///< its item is gone
+    std::int64_t storedUnits = 1; ///< as the table has them
 };
 
 struct StockItem
@@ -46,7 +46,9 @@ public:
 
     /// The records must outlive it. With deeds, what is added, changed and deleted is told by them.
     explicit CodeTable(Records &records, std::optional<SignedDeeds> deeds = {}) :
-        m_records(records), m_deeds(std::move(deeds)) {}
+        m_records(records), m_deeds(std::move(deeds))
+    {
+    }
 
     /// All codes, by item and code.
     [[nodiscard]] Answer<QList<ItemCode>> list() const;

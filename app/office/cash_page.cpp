@@ -186,7 +186,8 @@ bool CashPage::saveDrawer(const QString &name)
                            "settings file, then save again."_s);
         return false;
     }
-    (void)m_deeds.add(deed::settingChanged, u"Name of the drawer of this computer: %1; before: %2."_s.arg(name, m_savedDrawer));
+    (void)m_deeds.add(deed::settingChanged,
+                      u"Name of the drawer of this computer: %1; before: %2."_s.arg(name, m_savedDrawer));
     m_savedDrawer = name;
     return true;
 }
@@ -198,8 +199,9 @@ void CashPage::showChangedMeanwhile()
     m_ways->setText(waysText(m_saved.ways));
     m_notes->setText(notesText(m_saved.notes));
     m_drawer->setText(m_savedDrawer);
-    showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what you typed "
-                            "was not saved."_s);
+    showOutcome(*m_outcome,
+                u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what you typed "
+                "was not saved."_s);
 }
 
 void CashPage::showEvent(QShowEvent *event)
@@ -213,7 +215,8 @@ void CashPage::chooseDrawer()
 {
     if (DrawerSettingsDialog(m_settings, this).exec() != QDialog::Accepted)
         return;
-    (void)m_deeds.add(deed::settingChanged, u"The printer that opens the drawer of this computer: %1."_s.arg(drawerWords(m_settings)));
+    (void)m_deeds.add(deed::settingChanged,
+                      u"The printer that opens the drawer of this computer: %1."_s.arg(drawerWords(m_settings)));
     showOutcome(*m_outcome, u"Saved. The drawer's printer counts when the till is started the next time."_s);
 }
 

@@ -249,7 +249,8 @@ void CodesPage::setRules()
 void CodesPage::finish(const Records::Answer<bool> &done, const QString &what, const QString &outcome)
 {
     if (done)
-        return readAfter(*done ? outcome : u"Somebody else has deleted or changed the code meanwhile. Nothing was changed."_s);
+        return readAfter(*done ? outcome
+                               : u"Somebody else has deleted or changed the code meanwhile. Nothing was changed."_s);
     read();
     tellInOffice(this, failureWords(what, done.error()));
 }

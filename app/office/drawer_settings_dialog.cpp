@@ -146,8 +146,9 @@ void DrawerSettingsDialog::accept()
     if (drawer.isOn && drawer.queue.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 Choose the printer that the drawer hangs on."_s);
     if (readDrawerSettings(m_settings) != m_saved)
-        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. Nothing was saved: close this "
-                                       "and open it again."_s);
+        return showOutcome(*m_outcome,
+                           u"\u26a0 Somebody else has changed this meanwhile. Nothing was saved: close this "
+                           "and open it again."_s);
     const bool saved = saveDrawerSettings(m_settings, m_saved, drawer);
     m_saved = readDrawerSettings(m_settings);
     if (saved)

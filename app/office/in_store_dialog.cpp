@@ -212,7 +212,8 @@ void InStoreDialog::save()
         return tellInOffice(this, failureWords(u"The rule was not saved."_s, replaced.error()));
     if (!*replaced) {
         readRules();
-        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this rule meanwhile. What is stored now is shown."_s);
+        return showOutcome(*m_outcome,
+                           u"\u26a0 Somebody else has changed this rule meanwhile. What is stored now is shown."_s);
     }
     if (on)
         m_saved.insert(prefix(), rule->text());

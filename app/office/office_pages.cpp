@@ -49,7 +49,7 @@ OfficePageEntry receiptEntry()
             {{u"name of the shop header"_s, u"receiptTitle"_s},
              {u"money symbol"_s, u"receiptCurrency"_s},
              {u"mail"_s, u"emailReport"_s}},
-            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.settings, c.deeds(), parent); }};
+            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.deeds(), c.settings, parent); }};
 }
 
 OfficePageEntry cashEntry()
@@ -118,19 +118,18 @@ OfficePageEntry labelsEntry()
 
 OfficePageEntry readersEntry()
 {
-    return {
-        u"Read&ers"_s,
-        machineGroup,
-        Administrator,
-        u"The code readers of this machine"_s,
-        {{u"scanner barcode"_s, {}}, {u"serial port USB"_s, u"readerPath"_s}, {u"baud"_s, u"readerSpeed"_s}},
-        [](const Context &c, QWidget *parent) {
-            auto *page = new ReaderSettingsPage(c.settings, foundDevices(), parent);
-            QObject::connect(page, &ReaderSettingsPage::saved, page, [deeds = c.deeds()](const QString &what) {
-                (void)deeds.add(deed::settingChanged, what); // a failure has been logged
-            });
-            return page;
-        }};
+    return {u"Read&ers"_s,
+            machineGroup,
+            Administrator,
+            u"The code readers of this machine"_s,
+            {{u"scanner barcode"_s, {}}, {u"serial port USB"_s, u"readerPath"_s}, {u"baud"_s, u"readerSpeed"_s}},
+            [](const Context &c, QWidget *parent) {
+                auto *page = new ReaderSettingsPage(c.settings, foundDevices(), parent);
+                QObject::connect(page, &ReaderSettingsPage::saved, page, [deeds = c.deeds()](const QString &what) {
+                    (void)deeds.add(deed::settingChanged, what); // a failure has been logged
+                });
+                return page;
+            }};
 }
 
 } // namespace

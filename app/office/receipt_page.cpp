@@ -33,8 +33,8 @@ QLineEdit *makeEntry(QWidget *parent, const QString &objectName, const QString &
 
 } // namespace
 
-ReceiptPage::ReceiptPage(OfficeSettings settings, SignedDeeds deeds, QWidget *parent) :
-    OfficePage(parent), m_settings(std::move(settings)), m_deeds(std::move(deeds)), m_saved(readReceiptHead(m_settings))
+ReceiptPage::ReceiptPage(const SignedDeeds &deeds, OfficeSettings settings, QWidget *parent) :
+    OfficePage(parent), m_settings(std::move(settings)), m_deeds(deeds), m_saved(readReceiptHead(m_settings))
 {
     createEntries();
     auto *columns = new QHBoxLayout(this);
@@ -130,8 +130,9 @@ void ReceiptPage::save()
     const ReceiptHead before = readReceiptHead(m_settings);
     if (before != m_saved) {
         showSaved();
-        return showOutcome(*m_outcome, u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what "
-                                       "you typed was not saved."_s);
+        return showOutcome(*m_outcome,
+                           u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what "
+                           "you typed was not saved."_s);
     }
     const bool saved = saveReceiptHead(m_settings, before, head);
     m_saved = readReceiptHead(m_settings);

@@ -19,7 +19,7 @@ class ReceiptPage final : public OfficePage
 
 public:
     /// The deeds' records must outlive it.
-    ReceiptPage(OfficeSettings settings, SignedDeeds deeds, QWidget *parent = nullptr);
+    ReceiptPage(const SignedDeeds &deeds, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
 

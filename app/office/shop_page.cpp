@@ -58,7 +58,7 @@ void ShopPage::chooseSearch(bool findsAnywhere)
     m_search->setChecked(!findsAnywhere);
     showOutcome(*m_outcome, {});
     tellInOffice(this, u"The search was not switched.\n%1\n%2"_s.arg(failureReason(changed.error()),
-                                                                      failureAdvice(changed.error())));
+                                                                     failureAdvice(changed.error())));
 }
 
 } // namespace harrowby::app

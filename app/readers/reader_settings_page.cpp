@@ -51,8 +51,8 @@ QString settingsWords(const ReaderSettings &settings)
 {
     QStringList words;
     if (settings.typing)
-        words << u"readers that type, %1 ms%2"_s.arg(settings.gapMs).arg(
-            settings.prefix.isEmpty() ? QString() : u", prefix %1"_s.arg(settings.prefix));
+        words << u"readers that type, %1 ms%2"_s.arg(settings.gapMs)
+                     .arg(settings.prefix.isEmpty() ? QString() : u", prefix %1"_s.arg(settings.prefix));
     for (const ReaderDevice &device : settings.devices)
         words << shown(device);
     return u"The code readers of this computer: %1."_s.arg(words.isEmpty() ? u"none"_s : words.join(u"; "_s));

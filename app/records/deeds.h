@@ -86,8 +86,8 @@ private:
     QString m_who;
 };
 
-/// A write that must change a row, and the deed that tells it, when there is one: both are stored, or neither. False when
-/// there was no row to change: somebody else has changed what the write's condition names.
+/// A write that must change a row, and the deed that tells it, when there is one: both are stored, or neither. False
+/// when there was no row to change: somebody else has changed what the write's condition names.
 [[nodiscard]] Records::Answer<bool> writeTold(Records &records, const RecordTable &table,
                                               const RecordStatement &statement,
                                               const std::optional<RecordStatement> &told);

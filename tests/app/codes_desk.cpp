@@ -28,7 +28,7 @@ void CodesDesk::init()
     QVERIFY(m_records->write(
         kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) values ('GONE', 'BUT-0001', 1)"_s, {}}));
     m_boxText.clear();
-    m_window = std::make_unique<CodesPage>(*m_records);
+    m_window = std::make_unique<CodesPage>(SignedDeeds(*m_records, officePlace, u"ADMINISTRATOR"_s));
     enlargeFont(*m_window);
     dressDialog(*m_window);
     m_window->resize(760, 480);

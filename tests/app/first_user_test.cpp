@@ -3,6 +3,7 @@
 #include "app/office/office_login_dialog.h"
 #include "app/office/receipt_page.h"
 #include "app/office/user_dialog.h"
+#include "app/records/sqlite_records.h"
 #include "app/shop/first_user_dialog.h"
 #include "app/start/look_choice.h"
 #include "theme/colours.h"
@@ -45,6 +46,13 @@ Form pageOf(const Arguments &...arguments)
         harrowby::dressDialog(*window);
         return window;
     };
+}
+
+/// Of a form that is only looked at.
+SqliteRecords &noStore()
+{
+    static SqliteRecords records(nullptr);
+    return records;
 }
 
 } // namespace
@@ -253,7 +261,7 @@ void FirstUserTest::formsWearTheTillsTheme_data()
     QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Save()); }) << 4;
     QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Save()); })
                                   << 3;
-    QTest::newRow("receipt") << pageOf<ReceiptPage>() << 3;
+    QTest::newRow("receipt") << pageOf<ReceiptPage>(SignedDeeds(noStore(), officePlace, {})) << 3;
     QTest::newRow("backup") << pageOf<BackupPage>(u"/s"_s) << 1;
 }
 

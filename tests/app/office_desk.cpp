@@ -21,17 +21,27 @@ void OfficeDesk::init()
     QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
     m_saved.clear();
     m_boxText.clear();
-    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &defaultValue) {
-                                         return m_saved.value(section + u'/' + key, defaultValue);
-                                     },
-                                     [this](const QString &section, const QString &key, const QString &value) {
-                                         m_saved.insert(section + u'/' + key, value);
-                                         return true;
-                                     }};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
-    m_window->buildPages();
-    m_window->resize(1000, 680); // with the list at the side
+    m_window = makeWindow(m_database.get());
     m_window->show();
+}
+
+OfficeSettings OfficeDesk::settings()
+{
+    return {[this](const QString &section, const QString &key, const QString &defaultValue) {
+                return m_saved.value(section + u'/' + key, defaultValue);
+            },
+            [this](const QString &section, const QString &key, const QString &value) {
+                m_saved.insert(section + u'/' + key, value);
+                return true;
+            }};
+}
+
+std::unique_ptr<OfficeWindow> OfficeDesk::makeWindow(sqlite3 *database)
+{
+    auto window = std::make_unique<OfficeWindow>(database, m_path, settings(), officeAdministrator());
+    window->buildPages();
+    window->resize(1000, 680); // with the list at the side
+    return window;
 }
 
 void OfficeDesk::cleanup()

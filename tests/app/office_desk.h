@@ -28,7 +28,7 @@ class OfficeDesk : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void init();
     void cleanup();
 
@@ -41,6 +41,9 @@ protected:
     void press(const char *name) { QTest::mouseClick(part<QAbstractButton>(name), Qt::LeftButton); }
     void showPage(const QString &title) { m_window->showPage(title); }
     void choose(const QString &user);
+    [[nodiscard]] OfficeSettings settings();
+    /// A further window of the same shop on the same machine.
+    [[nodiscard]] std::unique_ptr<OfficeWindow> makeWindow(sqlite3 *database);
     void inNextDialog(const std::function<void(QDialog &)> &act);
     void answerNextBox(QMessageBox::ButtonRole role);
     static void accept(QDialog &dialog);
