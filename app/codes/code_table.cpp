@@ -128,22 +128,10 @@ CodeTable::Problem CodeTable::takenBy(const QString &code, const QString &stockI
     const auto items = itemsWithIds(spellings);
     if (!items)
         return failureWords(notAdded, items.error());
-    for (const StockItem &item : *items) {
-        if (item.id == stockId)
-            return u"%1 is the item's own ID, which is read without an entry."_s.arg(shownCode(code));
-        return u"The code is taken: it is the ID of %1."_s.arg(itemWords(item.name, item.id));
-    }
     const auto entered = entries(spellings);
     if (!entered)
         return failureWords(notAdded, entered.error());
-    if (entered->isEmpty())
-        return {};
-    const ItemCode &entry = entered->constFirst();
-    if (entry.isOrphan)
-        return u"The code is taken by an item that is gone. Delete it there, or give it to this item."_s;
-    if (entry.stockId == stockId)
-        return u"%1 has the code already, as %2."_s.arg(itemWords(entry.name, stockId), entry.code);
-    return u"The code is taken: it belongs to %1."_s.arg(itemWords(entry.name, entry.stockId));
+    return takenWords(code, stockId, *items, *entered);
 }
 
 CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, int units)
@@ -233,6 +221,24 @@ std::optional<DbFailure> CodeTable::moveCodes(const QString &oldId, const QStrin
         return failureIn(codes);
     return failureIn(
         m_records.write(kept::code(), {u"update HarrowbyCode set StockID = ? where StockID = ?"_s, {newId, oldId}}));
+}
+
+std::optional<QString> takenWords(const QString &code, const QString &stockId, const QList<StockItem> &items,
+                                  const QList<ItemCode> &entries)
+{
+    for (const StockItem &item : items) {
+        if (item.id == stockId)
+            return u"%1 is the item's own ID, which is read without an entry."_s.arg(shownCode(code));
+        return u"The code is taken: it is the ID of %1."_s.arg(itemWords(item.name, item.id));
+    }
+    if (entries.isEmpty())
+        return {};
+    const ItemCode &entry = entries.constFirst();
+    if (entry.isOrphan)
+        return u"The code is taken by an item that is gone. Delete it there, or give it to this item."_s;
+    if (entry.stockId == stockId)
+        return u"%1 has the code already, as %2."_s.arg(itemWords(entry.name, stockId), entry.code);
+    return u"The code is taken: it belongs to %1."_s.arg(itemWords(entry.name, entry.stockId));
 }
 
 QString failureWords(const QString &what, const DbFailure &failure)

@@ -82,6 +82,11 @@ private:
     std::optional<SignedDeeds> m_deeds;
 };
 
+/// Why a code cannot be added to an item, in words for a person: `items` have one of its spellings as their ID,
+/// `entries` as their code. Nothing when it can.
+[[nodiscard]] std::optional<QString> takenWords(const QString &code, const QString &stockId,
+                                                const QList<StockItem> &items, const QList<ItemCode> &entries);
+
 /// What a failure means: `what` was not done, why, and what to do.
 [[nodiscard]] QString failureWords(const QString &what, const DbFailure &failure);
 

@@ -38,6 +38,11 @@ namespace kept {
 /// Run, Drawer, Since, StartedAt, EndedAt, Locked.
 [[nodiscard]] const RecordTable &payment();
 
+/// Imports of CSV files, staged, carried out or taken back: ImportID, Kind, State, FileName, FileHash, Choices, Owner,
+/// StagedAt, DoneAt, DoneBy, DoneUser, TakenBackAt, TakenBackBy, NewRows, ChangedRows, UnchangedRows, RefusedRows.
+/// Their rows are in HarrowbyImportRow, and what goes with them in HarrowbyImportCode and HarrowbyImportCategory.
+[[nodiscard]] const RecordTable &import();
+
 } // namespace kept
 
 } // namespace harrowby::app

@@ -114,6 +114,24 @@ Records::Answer<bool> Records::writeTogetherIf(const RecordTable &table, const s
     return kept;
 }
 
+Records::Answer<std::int64_t> Records::writeEach(const RecordTable &table, const QString &text,
+                                                 const QList<QList<RecordValue>> &rows)
+{
+    std::optional<DbFailure> failure;
+    for (const QList<RecordValue> &values : rows) {
+        if (!failure)
+            failure = misfit(Kind::Write, {text, values});
+    }
+    if (!failure)
+        failure = make(table, text);
+    if (failure)
+        return Unexpected(told(*std::move(failure)));
+    auto changed = changeEach(text, rows);
+    if (!changed)
+        return Unexpected(told(changed.error()));
+    return changed;
+}
+
 std::optional<DbFailure> Records::prepare(const RecordTable &table)
 {
     auto failure = make(table, u"UPDATE "_s + table.name);
@@ -210,6 +228,8 @@ QString recordText(const RecordValue &value)
 {
     if (const auto *text = std::get_if<QString>(&value))
         return *text;
+    if (const auto *bytes = std::get_if<QByteArray>(&value))
+        return QString::fromUtf8(*bytes);
     if (const auto *integer = std::get_if<std::int64_t>(&value))
         return QString::number(*integer);
     const auto *real = std::get_if<double>(&value);
@@ -231,8 +251,7 @@ double recordReal(const RecordValue &value)
         return *real;
     if (const auto *integer = std::get_if<std::int64_t>(&value))
         return static_cast<double>(*integer);
-    const auto *text = std::get_if<QString>(&value);
-    return text != nullptr ? leadingNumber(*text) : 0;
+    return leadingNumber(recordText(value));
 }
 
 } // namespace harrowby::app

@@ -5,6 +5,7 @@
 #include "basic/result.h"
 
 #include <harrowby/db_connection.h>
+#include <harrowby/db_value.h>
 
 #include <QDateTime>
 #include <QList>
@@ -14,11 +15,11 @@
 #include <functional>
 #include <optional>
 #include <utility>
-#include <variant>
 
 namespace harrowby::app {
 
-using RecordValue = std::variant<std::monostate, std::int64_t, double, QString>;
+/// Bytes are there for what other programs may have put into the component's tables; the program's own hold none.
+using RecordValue = DbValue;
 using RecordRow = QList<RecordValue>;
 
 /// A statement and its values. A "?" of the text stands for the next value; what a person has typed comes in as a value
@@ -30,7 +31,7 @@ struct RecordStatement
     const RecordTable *table = nullptr; ///< made before it is written together with writes to another one
 };
 
-/// The store program's own records, whatever the engine. User-interface thread only. No function throws, waits for a
+/// The store program's own records, whatever the engine. Used by one thread at a time. No function throws, waits for a
 /// person, or enters an event loop.
 ///
 /// A table is made before the first write to it; until then it reads as one without rows.
@@ -64,6 +65,11 @@ public:
     [[nodiscard]] Answer<bool> writeTogetherIf(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
                                                const QList<RecordStatement> &statements);
 
+    /// One statement, once for each of these rows of values: quicker than as many writes. The rows changed. Those
+    /// before the one that fails stay written, unless this is within `together`.
+    [[nodiscard]] Answer<std::int64_t> writeEach(const RecordTable &table, const QString &text,
+                                                 const QList<QList<RecordValue>> &rows);
+
     /// Runs reads and writes with no other program's write between them. They are kept when `work` returns true, and
     /// undone when it returns false or when keeping them fails; whether they were kept. A failure in `work` has been
     /// told already when it returns. Not within another one.
@@ -90,6 +96,7 @@ protected:
     virtual std::optional<DbFailure> keepRows(const RecordTable &table);
     virtual Answer<QList<RecordRow>> select(const RecordStatement &statement) = 0;
     virtual Answer<std::int64_t> change(const RecordStatement &statement) = 0;
+    virtual Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) = 0;
     /// Takes the write lock.
     virtual std::optional<DbFailure> begin() = 0;
     virtual std::optional<DbFailure> commit() = 0;

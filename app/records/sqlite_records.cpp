@@ -13,27 +13,6 @@ namespace {
 
 using Kind = DbFailure::Kind;
 
-QList<DbValue> bound(const QList<RecordValue> &values)
-{
-    QList<DbValue> all;
-    for (const RecordValue &value : values)
-        all << std::visit([](const auto &one) { return DbValue(one); }, value);
-    return all;
-}
-
-/// Bytes, which no table of the program's own holds, are read as the text that they are.
-RecordValue stored(const DbValue &value)
-{
-    if (const auto *integer = std::get_if<std::int64_t>(&value))
-        return *integer;
-    if (const auto *real = std::get_if<double>(&value))
-        return *real;
-    if (const auto *text = std::get_if<QString>(&value))
-        return *text;
-    const auto *bytes = std::get_if<QByteArray>(&value);
-    return bytes != nullptr ? RecordValue(QString::fromUtf8(*bytes)) : RecordValue();
-}
-
 /// A lost file has its own code and reason, which the engine does not know.
 DbFailure failureOf(Kind kind, const QString &text, const SqliteStatement &statement)
 {
@@ -84,13 +63,13 @@ std::optional<DbFailure> SqliteRecords::keepRows(const RecordTable &table)
 
 Records::Answer<QList<RecordRow>> SqliteRecords::select(const RecordStatement &statement)
 {
-    SqliteStatement query(m_database, statement.text, bound(statement.values));
+    SqliteStatement query(m_database, statement.text, statement.values);
     const int columns = static_cast<int>(query.hasFailed() ? 0 : query.columnNames().size());
     QList<RecordRow> rows;
     while (query.next()) {
         RecordRow row;
         for (int column = 0; column < columns; ++column)
-            row << stored(query.value(column));
+            row << query.value(column);
         rows << row;
     }
     if (query.hasFailed())
@@ -100,12 +79,31 @@ Records::Answer<QList<RecordRow>> SqliteRecords::select(const RecordStatement &s
 
 Records::Answer<std::int64_t> SqliteRecords::change(const RecordStatement &statement)
 {
-    SqliteStatement query(m_database, statement.text, bound(statement.values));
+    SqliteStatement query(m_database, statement.text, statement.values);
     while (query.next()) {
     }
     if (query.hasFailed())
         return Unexpected(failureOf(Kind::Write, statement.text, query));
     return sqlite3_changes(m_database);
+}
+
+Records::Answer<std::int64_t> SqliteRecords::changeEach(const QString &text, const QList<QList<RecordValue>> &rows)
+{
+    SqliteStatement query(m_database, text, QList<DbValue>());
+    std::int64_t changed = 0;
+    for (const QList<RecordValue> &values : rows) {
+        query.beginAgain();
+        for (qsizetype i = 0; i < values.size(); ++i)
+            query.bind(static_cast<int>(i) + 1, values.at(i));
+        while (query.next()) {
+        }
+        if (query.hasFailed())
+            break;
+        changed += sqlite3_changes(m_database);
+    }
+    if (query.hasFailed())
+        return Unexpected(failureOf(Kind::Write, text, query));
+    return changed;
 }
 
 std::optional<DbFailure> SqliteRecords::begin()

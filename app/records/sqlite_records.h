@@ -20,6 +20,7 @@ protected:
     std::optional<DbFailure> keepRows(const RecordTable &table) override;
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override;
     Answer<std::int64_t> change(const RecordStatement &statement) override;
+    Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) override;
     std::optional<DbFailure> begin() override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;

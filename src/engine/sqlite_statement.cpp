@@ -173,6 +173,14 @@ DbCursor::Step SqliteStatement::step()
     return m_last;
 }
 
+void SqliteStatement::beginAgain()
+{
+    if (hasFailed())
+        return;
+    sqlite3_reset(m_statement.get()); // the failure that it would repeat has been noted
+    m_last = DbCursor::Step::Row;
+}
+
 QStringList SqliteStatement::columnNames() const
 {
     QStringList names;

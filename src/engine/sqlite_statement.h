@@ -51,6 +51,8 @@ public:
     /// Binds the parameter (1-based).
     void bind(int parameter, const DbValue &value);
     [[nodiscard]] DbCursor::Step step();
+    /// Back before the first row, to be run again with other values. A statement that has failed stays so.
+    void beginAgain();
     /// Moves to the next row; false at the end and on failure.
     [[nodiscard]] bool next() { return step() == DbCursor::Step::Row; }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "basic/reserved_categories.h"
 #include "store/statement.h"
 #include "store/store_settings.h"
 
@@ -15,10 +16,8 @@
 /// texts.
 namespace harrowby::statements {
 
-/// The text of the category filters that stands for no category condition.
-inline constexpr QLatin1StringView allCategories("(ALL CATEGORY)");
-/// The catch-all category: never stored in InventoryCategory, offered by every list.
-inline constexpr QLatin1StringView otherCategory("OTHER CATEGORY");
+using harrowby::allCategories;
+using harrowby::otherCategory;
 
 // Login, settings and the activity log
 

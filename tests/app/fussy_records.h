@@ -44,6 +44,12 @@ protected:
             return Unexpected(*failure);
         return SqliteRecords::change(statement);
     }
+    Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) override
+    {
+        if (auto failure = fails(text))
+            return Unexpected(*failure);
+        return SqliteRecords::changeEach(text, rows);
+    }
     std::optional<DbFailure> begin() override
     {
         auto failure = fails(QStringLiteral("begin"));

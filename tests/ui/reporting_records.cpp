@@ -18,6 +18,7 @@ struct Literal
     QString operator()(std::int64_t value) const { return QString::number(value); }
     QString operator()(double value) const { return QString::number(value, 'e', 16); }
     QString operator()(const QString &value) const { return quoted(value); }
+    QString operator()(const QByteArray &value) const { return u"x'"_s + QString::fromLatin1(value.toHex()) + u'\''; }
 };
 
 /// The statement with its values in it.

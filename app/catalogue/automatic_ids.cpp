@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "app/catalogue/automatic_ids.h"
+
+#include "basic/numbers.h"
+#include "basic/stock_id.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+Records::Answer<AutomaticIds::Series> AutomaticIds::begin(const QString &prefix) const
+{
+    QString pattern = prefix;
+    for (const QChar special : {u'\\', u'%', u'_'})
+        pattern.replace(special, QString(u'\\') + special);
+    const auto ids = m_records.read(
+        {u"select StockID from StockList where StockID like ? escape '\\'"_s, {QString(pattern + u"-%"_s)}});
+    if (!ids)
+        return Unexpected(ids.error());
+    Series series;
+    double marked = 0; // the form begins behind the count of those that end in "-*"
+    for (const RecordRow &row : *ids) {
+        const QString id = recordText(row.constFirst());
+        series.taken.insert(id);
+        marked += id.compare(prefix + u"-*"_s, Qt::CaseInsensitive) == 0 ? 1 : 0;
+    }
+    series.last = toInt16(marked).value_or(0);
+    return series;
+}
+
+Records::Answer<QString> AutomaticIds::next(const QString &category)
+{
+    const QString prefix = automaticIdPrefix(category);
+    auto found = m_series.find(prefix);
+    if (found == m_series.end()) {
+        auto begun = begin(prefix);
+        if (!begun)
+            return Unexpected(begun.error());
+        found = m_series.insert(prefix, *std::move(begun));
+    }
+    Series &series = *found;
+    if (series.hasEnded)
+        return QString();
+    std::int16_t number = series.last;
+    const QString id = freeAutomaticId(prefix, series.last, [&](const QString &one) {
+        ++number;
+        return series.taken.contains(one) || m_isInFile(one);
+    });
+    series.last = number;
+    series.hasEnded = id.isEmpty();
+    return id;
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "app/catalogue/import_columns.h"
+
+#include "app/catalogue/import_lines.h"
+#include "app/records/shop_settings.h"
+
+#include <QCryptographicHash>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// A column and what else it is called in files, without capitals, blanks and signs.
+struct KnownColumn
+{
+    ImportColumn column;
+    QStringList otherNames;
+};
+
+const QList<KnownColumn> &itemNames()
+{
+    static const QList<KnownColumn> known = {
+        {{u"StockID"_s, u"ID"_s, false},
+         {u"id"_s,          u"itemid"_s,        u"productid"_s,     u"articleid"_s, u"sku"_s,
+          u"stockcode"_s,   u"itemno"_s,        u"itemnumber"_s,    u"articleno"_s, u"articlenumber"_s,
+          u"productno"_s,   u"productnumber"_s, u"artikelnummer"_s, u"artikelnr"_s, u"artnr"_s,
+          u"artikelid"_s,   u"reference"_s,     u"ref"_s,           u"référence"_s, u"réf"_s,
+          u"identifiant"_s, u"referencia"_s,    u"número"_s}},
+        {{u"StockName"_s, u"Name"_s, false},
+         {u"name"_s,
+          u"item"_s,
+          u"itemname"_s,
+          u"product"_s,
+          u"productname"_s,
+          u"article"_s,
+          u"articlename"_s,
+          u"description"_s,
+          u"title"_s,
+          u"bezeichnung"_s,
+          u"artikel"_s,
+          u"artikelname"_s,
+          u"artikelbezeichnung"_s,
+          u"produkt"_s,
+          u"nom"_s,
+          u"désignation"_s,
+          u"designation"_s,
+          u"libellé"_s,
+          u"libelle"_s,
+          u"produit"_s,
+          u"nombre"_s,
+          u"descripción"_s,
+          u"descripcion"_s,
+          u"artículo"_s,
+          u"articulo"_s,
+          u"producto"_s}},
+        {{u"StockCategory"_s, u"Category"_s, false},
+         {u"category"_s, u"categoryname"_s, u"group"_s, u"itemgroup"_s, u"productgroup"_s, u"department"_s,
+          u"kategorie"_s, u"warengruppe"_s, u"gruppe"_s, u"catégorie"_s, u"categorie"_s, u"famille"_s, u"rayon"_s,
+          u"groupe"_s, u"categoría"_s, u"categoria"_s, u"familia"_s, u"grupo"_s}},
+        {{u"StockCost"_s, u"Unit cost"_s, true},
+         {u"cost"_s,        u"unitcost"_s,   u"price"_s,          u"unitprice"_s,     u"sellingprice"_s,
+          u"salesprice"_s,  u"saleprice"_s,  u"retailprice"_s,    u"preis"_s,         u"verkaufspreis"_s,
+          u"vk"_s,          u"stückpreis"_s, u"einzelpreis"_s,    u"prix"_s,          u"prixunitaire"_s,
+          u"prixdevente"_s, u"precio"_s,     u"preciounitario"_s, u"preciodeventa"_s, u"pvp"_s}},
+        {{u"StockReorderLevel"_s, u"Reorder level"_s, true},
+         {u"reorderlevel"_s, u"rlevel"_s, u"reorder"_s, u"reorderpoint"_s, u"minimum"_s, u"min"_s, u"minstock"_s,
+          u"minimumstock"_s, u"mindestbestand"_s, u"meldebestand"_s, u"stockminimum"_s, u"stockmin"_s, u"seuil"_s,
+          u"stockmínimo"_s, u"stockminimo"_s, u"mínimo"_s, u"minimo"_s}},
+        {{u"StockAvailable"_s, u"Stock in hand"_s, true},
+         {u"available"_s, u"avail"_s, u"stock"_s, u"stockinhand"_s, u"onhand"_s, u"instock"_s, u"quantity"_s, u"qty"_s,
+          u"bestand"_s, u"lagerbestand"_s, u"menge"_s, u"anzahl"_s, u"quantité"_s, u"quantite"_s, u"qté"_s,
+          u"enstock"_s, u"disponible"_s, u"cantidad"_s, u"existencias"_s}},
+        {{u"StockUse"_s, u"Enabled or Disabled"_s, false},
+         {u"use"_s, u"status"_s, u"state"_s, u"enabled"_s, u"verwendung"_s, u"statut"_s, u"état"_s, u"estado"_s}},
+        {{u"Code"_s, u"Code"_s, false},
+         {u"barcode"_s, u"ean"_s, u"ean13"_s, u"ean8"_s, u"eancode"_s, u"gtin"_s, u"upc"_s, u"upca"_s, u"scancode"_s,
+          u"strichcode"_s, u"codebarres"_s, u"codebarre"_s, u"codeàbarres"_s, u"códigodebarras"_s, u"codigodebarras"_s,
+          u"código"_s, u"codigo"_s}},
+    };
+    return known;
+}
+
+const QList<KnownColumn> &categoryNames()
+{
+    static const QList<KnownColumn> known = {
+        {{u"CategoryName"_s, u"Category"_s, false}, itemNames().at(2).otherNames + QStringList{u"name"_s}}};
+    return known;
+}
+
+const QList<KnownColumn> &codeNames()
+{
+    static const QList<KnownColumn> known = {
+        {{u"Code"_s, u"Code"_s, false}, itemNames().at(7).otherNames},
+        {{u"StockID"_s, u"ID of the item"_s, false}, itemNames().at(0).otherNames},
+        {{u"Units"_s, u"Units a scan sells"_s, true},
+         {u"unit"_s, u"quantity"_s, u"qty"_s, u"packsize"_s, u"einheiten"_s, u"menge"_s, u"anzahl"_s, u"unités"_s,
+          u"unites"_s, u"quantité"_s, u"unidades"_s, u"cantidad"_s}},
+    };
+    return known;
+}
+
+const QList<KnownColumn> &known(ImportKind kind)
+{
+    switch (kind) {
+    case ImportKind::Categories:
+        return categoryNames();
+    case ImportKind::Codes:
+        return codeNames();
+    default:
+        return itemNames();
+    }
+}
+
+/// "Unit cost (EUR)" is "unitcost": what stands in brackets is a unit.
+QString keyOf(const QString &heading)
+{
+    QString key;
+    int depth = 0;
+    for (const QChar c : heading.toLower()) {
+        depth += c == u'(' || c == u'[' ? 1 : 0;
+        if (depth == 0 && c.isLetterOrNumber())
+            key += c;
+        depth -= depth > 0 && (c == u')' || c == u']') ? 1 : 0;
+    }
+    return key;
+}
+
+/// How well the heading names the column: 2 for its own name, 1 for another one.
+int rankOf(const KnownColumn &column, const QString &key)
+{
+    if (key.isEmpty())
+        return 0;
+    if (key == keyOf(column.column.name) || key == keyOf(column.column.words))
+        return 2;
+    return column.otherNames.contains(key) ? 1 : 0;
+}
+
+QString settingOf(ImportKind kind, const QStringList &headings)
+{
+    const QByteArray text = (QString::number(static_cast<int>(kind)) + u'\n' + headings.join(u'\n')).toUtf8();
+    return u"ImportColumns."_s +
+           QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex().left(32));
+}
+
+} // namespace
+
+const QList<ImportColumn> &importColumns(ImportKind kind)
+{
+    const auto columnsOf = [](ImportKind which) {
+        QList<ImportColumn> columns;
+        for (const KnownColumn &one : known(which))
+            columns << one.column;
+        return columns;
+    };
+    static const QList<ImportColumn> items = columnsOf(ImportKind::Items);
+    static const QList<ImportColumn> categories = columnsOf(ImportKind::Categories);
+    static const QList<ImportColumn> codes = columnsOf(ImportKind::Codes);
+    return kind == ImportKind::Items ? items : kind == ImportKind::Categories ? categories : codes;
+}
+
+int importColumn(ImportKind kind, const QString &name)
+{
+    const QList<ImportColumn> &columns = importColumns(kind);
+    const auto found = std::ranges::find(columns, name, &ImportColumn::name);
+    return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
+}
+
+ImportKind guessKind(const QStringList &headings)
+{
+    for (const ImportKind kind : {ImportKind::Items, ImportKind::Categories, ImportKind::Codes}) {
+        if (isExportOf(headings, exportColumns(kind)))
+            return kind;
+    }
+    const auto matched = [&](ImportKind kind) {
+        const ColumnMatch match = matchColumns(kind, headings);
+        return match.size() - match.count(-1);
+    };
+    if (headings.size() == 1 && matched(ImportKind::Categories) == 1)
+        return ImportKind::Categories;
+    return matched(ImportKind::Codes) == 3 && matched(ImportKind::Items) < 4 ? ImportKind::Codes : ImportKind::Items;
+}
+
+ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)
+{
+    ColumnMatch match(headings.size(), -1);
+    const QList<KnownColumn> &columns = known(kind);
+    for (const int rank : {2, 1}) {
+        for (qsizetype i = 0; i < columns.size(); ++i) {
+            if (match.contains(static_cast<int>(i)))
+                continue;
+            const auto heading = std::ranges::find_if(
+                headings, [&](const QString &text) { return rankOf(columns.at(i), keyOf(text)) == rank; });
+            const qsizetype place = heading - headings.begin();
+            if (heading != headings.end() && match.at(place) < 0)
+                match[place] = static_cast<int>(i);
+        }
+    }
+    return match;
+}
+
+Result<void, QString> checkMatch(ImportKind kind, const ColumnMatch &match)
+{
+    const QList<ImportColumn> &columns = importColumns(kind);
+    for (qsizetype i = 0; i < columns.size(); ++i) {
+        if (match.count(static_cast<int>(i)) > 1)
+            return Unexpected(
+                u"Two columns of the file are to be \"%1\". Leave one of them out."_s.arg(columns.at(i).words));
+    }
+    const auto has = [&](const QString &name) { return match.contains(importColumn(kind, name)); };
+    if (kind == ImportKind::Items && !has(u"StockID"_s) && !has(u"Code"_s) && !has(u"StockName"_s))
+        return Unexpected(u"No column of the file is the ID, the code or the name of the items."_s);
+    if (kind == ImportKind::Categories && !has(u"CategoryName"_s))
+        return Unexpected(u"No column of the file is the category."_s);
+    if (kind == ImportKind::Codes && !has(u"Code"_s))
+        return Unexpected(u"No column of the file is the code."_s);
+    return {};
+}
+
+QSet<int> figureColumns(ImportKind kind, const ColumnMatch &match)
+{
+    QSet<int> columns;
+    for (qsizetype i = 0; i < match.size(); ++i) {
+        if (match.at(i) >= 0 && importColumns(kind).at(match.at(i)).isFigure)
+            columns.insert(static_cast<int>(i));
+    }
+    return columns;
+}
+
+DecimalGuess guessDecimalSign(QByteArrayView bytes, const CsvForm &form, ImportKind kind, const ColumnMatch &match)
+{
+    const QSet<int> columns = figureColumns(kind, match);
+    // Without a column of figures nothing is read by it.
+    return columns.isEmpty() ? DecimalGuess{form.decimalSign, {}, 0, 0} : guessDecimalSign(bytes, form, columns);
+}
+
+std::optional<ColumnMatch> RememberedColumns::match(ImportKind kind, const QStringList &headings) const
+{
+    const QString text = ShopSettings(m_records).value(settingOf(kind, headings));
+    ColumnMatch match;
+    for (const QString &name : text.split(u','))
+        match << importColumn(kind, name);
+    return text.isEmpty() || match.size() != headings.size() ? std::nullopt : std::optional(match);
+}
+
+std::optional<DbFailure> RememberedColumns::remember(ImportKind kind, const QStringList &headings,
+                                                     const ColumnMatch &match)
+{
+    ShopSettings settings(m_records);
+    const QString name = settingOf(kind, headings);
+    if (match == matchColumns(kind, headings)) {
+        const auto there = settings.read(name);
+        if (!there)
+            return there.error();
+        return *there ? settings.remove(name) : std::nullopt;
+    }
+    QStringList names;
+    for (const int column : match)
+        names << (column < 0 ? u"-"_s : importColumns(kind).at(column).name);
+    return settings.save(name, names.join(u','));
+}
+
+} // namespace harrowby::app

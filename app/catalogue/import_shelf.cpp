@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: MIT
+#include "app/catalogue/import_shelf.h"
+
+#include "app/catalogue/import_owner.h"
+#include "app/codes/code_table.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int rowsInOneDeletion = 5'000;
+
+const QStringList &partNames()
+{
+    static const QStringList names = {u"Name"_s, u"Category"_s, u"Cost"_s,     u"Level"_s, u"Available"_s,
+                                      u"Use"_s,  u"Updated"_s,  u"Modified"_s, u"Added"_s, u"ReorderUser"_s};
+    return names;
+}
+
+/// Of "Added" nothing old is kept: an item that changes keeps it.
+QStringList rowColumns()
+{
+    QStringList columns = {u"ImportID"_s, u"Line"_s, u"What"_s, u"Mask"_s, u"LeftOut"_s, u"StockID"_s};
+    for (const QString &name : partNames())
+        columns << u"New"_s + name;
+    for (const QString &name : partNames()) {
+        if (name != partNames().at(AddedPart))
+            columns << u"Old"_s + name;
+    }
+    return columns << u"AtColumn"_s << u"Reason"_s;
+}
+
+/// Of these values (from 0) bytes go in as a text.
+QString insertInto(const QString &table, const QStringList &columns, const QSet<int> &texts = {})
+{
+    QStringList marks(columns.size(), u"?"_s);
+    for (const int text : texts)
+        marks[text] = u"cast(? as text)"_s;
+    return u"insert into %1 (%2) values (%3)"_s.arg(table, columns.join(u", "_s), marks.join(u", "_s));
+}
+
+QList<RecordValue> valuesOf(std::int64_t id, const StagedRow &row)
+{
+    QList<RecordValue> values;
+    values.reserve(rowColumns().size());
+    values << id << std::int64_t(row.line) << std::int64_t(static_cast<int>(row.what)) << std::int64_t(row.mask)
+           << std::int64_t(0) << row.stockId;
+    for (const RecordValue &value : row.fresh)
+        values << value;
+    for (int part = 0; part < itemParts; ++part) {
+        if (part != AddedPart)
+            values << row.old.at(static_cast<std::size_t>(part));
+    }
+    const auto orNull = [](const QString &text) { return text.isEmpty() ? RecordValue() : RecordValue(text); };
+    return values << orNull(row.column) << orNull(row.reason);
+}
+
+const QString importFields =
+    u"ImportID, Kind, State, FileName, FileHash, Choices, Owner, StagedAt, DoneAt, DoneBy, DoneUser, "
+    "TakenBackAt, "
+    "NewRows, ChangedRows, UnchangedRows, RefusedRows"_s;
+
+ShelvedImport importOf(const RecordRow &row)
+{
+    ShelvedImport import;
+    import.id = recordNumber(row.at(0));
+    QString *const texts[] = {&import.kind,    &import.state,    &import.file,       &import.hash,
+                              &import.choices, &import.owner,    &import.stagedAt,   &import.doneAt,
+                              &import.doneBy,  &import.doneUser, &import.takenBackAt};
+    qsizetype at = 1;
+    for (QString *text : texts)
+        *text = recordText(row.at(at++));
+    qint64 *const numbers[] = {&import.counts.fresh, &import.counts.changed, &import.counts.unchanged,
+                               &import.counts.refused};
+    for (qint64 *number : numbers)
+        *number = recordNumber(row.at(at++));
+    return import;
+}
+
+bool isDone(const ShelvedImport &import)
+{
+    return import.state == import_state::applied || import.state == import_state::takenBack ||
+           import.state == import_state::settled;
+}
+
+} // namespace
+
+QString kindText(ImportKind kind)
+{
+    return kind == ImportKind::Categories ? u"Categories"_s : kind == ImportKind::Codes ? u"Codes"_s : u"Items"_s;
+}
+
+QString partColumn(int part)
+{
+    return part == UpdatedPart    ? u"StockLastUpdated"_s
+           : part == ModifiedPart ? u"StockLastModified"_s
+                                  : u"Stock"_s + (part == LevelPart ? u"ReorderLevel"_s : partName(part));
+}
+
+QString partName(int part)
+{
+    return partNames().at(part);
+}
+
+ImportKind ShelvedImport::importKind() const
+{
+    for (const ImportKind one : {ImportKind::Categories, ImportKind::Codes}) {
+        if (kind == kindText(one))
+            return one;
+    }
+    return ImportKind::Items;
+}
+
+Records::Answer<std::int64_t> ImportShelf::begin(const ShelvedImport &import)
+{
+    std::int64_t id = 0;
+    std::optional<DbFailure> failure;
+    const auto kept = m_records.together(kept::import(), [&] {
+        const auto last = m_records.read(kept::import(), {u"select max(ImportID) from HarrowbyImport"_s, {}});
+        if (!last) {
+            failure = last.error();
+            return false;
+        }
+        id = recordNumber(last->constFirst().constFirst()) + 1;
+        const auto written = m_records.write(
+            kept::import(), {insertInto(u"HarrowbyImport"_s, (importFields + u", TakenBackBy"_s).split(u", "_s)),
+                             {id, import.kind, QString(import_state::staging), import.file, import.hash, import.choices,
+                              thisOwner(), import.stagedAt, u""_s, u""_s, u""_s, u""_s, std::int64_t(0),
+                              std::int64_t(0), std::int64_t(0), std::int64_t(0), u""_s}});
+        if (!written)
+            failure = written.error();
+        return written.has_value();
+    });
+    if (failure)
+        return Unexpected(*failure);
+    if (!kept)
+        return Unexpected(kept.error());
+    return id;
+}
+
+std::optional<DbFailure> ImportShelf::put(std::int64_t id, const StagedPiece &piece)
+{
+    m_failure.reset();
+    const auto kept = m_records.together(kept::import(), [&] {
+        return putRows(id, piece.rows) && putCodes(id, piece.codes) && putCategories(id, piece.categories);
+    });
+    if (!kept && !m_failure)
+        m_failure = kept.error();
+    return m_failure;
+}
+
+bool ImportShelf::putAll(const QString &table, const QStringList &columns, const QList<TableRow> &rows)
+{
+    QList<QList<RecordValue>> usual;
+    usual.reserve(rows.size());
+    for (const TableRow &row : rows) {
+        if (row.texts.isEmpty()) {
+            usual << row.values;
+        } else if (const auto put =
+                       m_records.write(kept::import(), {insertInto(table, columns, row.texts), row.values});
+                   !put) {
+            m_failure = put.error();
+            return false;
+        }
+    }
+    if (usual.isEmpty())
+        return true;
+    const auto put = m_records.writeEach(kept::import(), insertInto(table, columns), usual);
+    if (!put)
+        m_failure = put.error();
+    return put.has_value();
+}
+
+bool ImportShelf::putRows(std::int64_t id, const QList<StagedRow> &rows)
+{
+    static const QStringList columns = rowColumns();
+    constexpr int idPlace = 5;
+    QList<TableRow> all;
+    all.reserve(rows.size());
+    for (const StagedRow &row : rows) {
+        all << TableRow{valuesOf(id, row), {}};
+        for (const int part : row.bytesOfTexts)
+            all.last().texts << idPlace + 1 + part;
+    }
+    return putAll(u"HarrowbyImportRow"_s, columns, all);
+}
+
+bool ImportShelf::putCodes(std::int64_t id, const QList<StagedCode> &codes)
+{
+    static const QStringList columns = {u"ImportID"_s, u"Line"_s,      u"What"_s,      u"LeftOut"_s,
+                                        u"Code"_s,     u"StockID"_s,   u"Units"_s,     u"OldStockID"_s,
+                                        u"OldUnits"_s, u"Spelling1"_s, u"Spelling2"_s, u"Spelling3"_s};
+    constexpr int codePlace = 4;
+    QList<TableRow> all;
+    for (const StagedCode &code : codes) {
+        const auto spelling = [&](qsizetype at) {
+            return at < code.spellings.size() ? RecordValue(code.spellings.at(at)) : RecordValue();
+        };
+        all << TableRow{{id, std::int64_t(code.line), std::int64_t(static_cast<int>(code.what)), std::int64_t(0),
+                         code.code.value, code.stockId.value, code.units, code.oldStockId, code.oldUnits, spelling(0),
+                         spelling(1), spelling(2)},
+                        {}};
+        if (code.code.isText)
+            all.last().texts << codePlace;
+        if (code.stockId.isText)
+            all.last().texts << codePlace + 1;
+    }
+    return putAll(u"HarrowbyImportCode"_s, columns, all);
+}
+
+bool ImportShelf::putCategories(std::int64_t id, const QList<StagedCategory> &categories)
+{
+    static const QStringList columns = {u"ImportID"_s, u"Line"_s, u"LeftOut"_s, u"CategoryName"_s, u"EntryDate"_s};
+    constexpr int namePlace = 3;
+    QList<TableRow> all;
+    for (const StagedCategory &category : categories) {
+        all << TableRow{
+            {id, std::int64_t(category.line), std::int64_t(0), category.name.value, category.entryDate.value}, {}};
+        if (category.name.isText)
+            all.last().texts << namePlace;
+        if (category.entryDate.isText)
+            all.last().texts << namePlace + 1;
+    }
+    return putAll(u"HarrowbyImportCategory"_s, columns, all);
+}
+
+std::optional<DbFailure> ImportShelf::finish(std::int64_t id, const ImportCounts &counts)
+{
+    const auto written = m_records.write(
+        kept::import(),
+        {u"update HarrowbyImport set State = ?, NewRows = ?, ChangedRows = ?, UnchangedRows = ?, RefusedRows = ? "
+         "where ImportID = ?"_s,
+         {QString(import_state::staged), std::int64_t(counts.fresh), std::int64_t(counts.changed),
+          std::int64_t(counts.unchanged), std::int64_t(counts.refused), id}});
+    return written ? std::nullopt : std::optional(written.error());
+}
+
+Records::Answer<QList<ShelvedImport>> ImportShelf::select(const QString &where, const QList<RecordValue> &values)
+{
+    const auto rows = m_records.read(
+        kept::import(), {u"select %1 from HarrowbyImport%2 order by ImportID desc"_s.arg(importFields, where), values});
+    if (!rows)
+        return Unexpected(rows.error());
+    QList<ShelvedImport> imports;
+    for (const RecordRow &row : *rows)
+        imports << importOf(row);
+    return imports;
+}
+
+Records::Answer<std::optional<ShelvedImport>> ImportShelf::find(std::int64_t id)
+{
+    const auto found = select(u" where ImportID = ?"_s, {id});
+    if (!found)
+        return Unexpected(found.error());
+    return found->isEmpty() ? std::nullopt : std::optional(found->constFirst());
+}
+
+Records::Answer<QList<ShelvedImport>> ImportShelf::all()
+{
+    return select({}, {});
+}
+
+std::optional<DbFailure> ImportShelf::dropRows(std::int64_t id, const WorkWatch &watch)
+{
+    const RecordStatement nextLine = {
+        u"select Line from HarrowbyImportRow where ImportID = ? order by Line limit 1 offset %1"_s.arg(
+            rowsInOneDeletion),
+        {id}};
+    const auto any =
+        m_records.read(kept::import(), {u"select Line from HarrowbyImportRow where ImportID = ? limit 1"_s, {id}});
+    if (!any)
+        return any.error();
+    bool isLast = any->isEmpty();
+    while (!isLast) {
+        // Whoever waits for it is told; it is done to its end all the same.
+        (void)watch({u"What is left of an earlier preview is being cleared away …"_s, WorkStep::unknown});
+        const auto next = m_records.read(kept::import(), nextLine);
+        if (!next)
+            return next.error();
+        isLast = next->isEmpty();
+        QList<RecordStatement> deletions;
+        for (const QString &table : {u"HarrowbyImportCode"_s, u"HarrowbyImportCategory"_s, u"HarrowbyImportRow"_s}) {
+            RecordStatement deletion = {u"delete from %1 where ImportID = ?"_s.arg(table), {id}};
+            if (!isLast) {
+                deletion.text += u" and Line < ?"_s;
+                deletion.values << next->constFirst().constFirst();
+            }
+            deletions << deletion;
+        }
+        if (const auto dropped = m_records.writeTogether(kept::import(), deletions); !dropped)
+            return dropped.error();
+    }
+    return {};
+}
+
+std::optional<DbFailure> ImportShelf::discard(std::int64_t id, const WorkWatch &watch)
+{
+    // From here on nobody carries it out.
+    const auto begun = m_records.write(
+        kept::import(),
+        {u"update HarrowbyImport set State = ? where ImportID = ? and State in (?, ?)"_s,
+         {QString(import_state::staging), id, QString(import_state::staging), QString(import_state::staged)}});
+    if (!begun)
+        return begun.error();
+    if (*begun == 0)
+        return {};
+    if (auto failure = dropRows(id, watch))
+        return failure;
+    const auto dropped =
+        m_records.write(kept::import(), {u"delete from HarrowbyImport where ImportID = ? and State = ?"_s,
+                                         {id, QString(import_state::staging)}});
+    return dropped ? std::nullopt : std::optional(dropped.error());
+}
+
+/// Nobody takes it back from here on.
+std::optional<DbFailure> ImportShelf::settle(const ShelvedImport &import, const WorkWatch &watch)
+{
+    if (import.state != import_state::settled) {
+        const auto settled =
+            m_records.write(kept::import(), {u"update HarrowbyImport set State = ? where ImportID = ?"_s,
+                                             {QString(import_state::settled), import.id}});
+        if (!settled)
+            return settled.error();
+    }
+    return dropRows(import.id, watch);
+}
+
+std::optional<DbFailure> ImportShelf::clear(const QDateTime &now, const WorkWatch &watch)
+{
+    const auto imports = all();
+    if (!imports)
+        return imports.error();
+    int kept = 0;
+    for (const ShelvedImport &import : *imports) {
+        std::optional<DbFailure> failure;
+        const bool isOld = timeOfRecord(import.stagedAt).addDays(1) < now;
+        if (!isDone(import)) {
+            failure = isOld || !mayLive(import.owner) ? discard(import.id, watch) : std::nullopt;
+        } else if (++kept > mostKept) {
+            failure = settle(import, watch);
+        }
+        if (failure)
+            return failure;
+    }
+    return {};
+}
+
+ImportEnd importFailed(const QString &what, const DbFailure &failure)
+{
+    return {ImportEnd::Kind::Failed, failureWords(what, failure)};
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "app/catalogue/import_words.h"
+
+#include "app/codes/code_text.h"
+#include "basic/item_key.h"
+#include "basic/reserved_categories.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+bool isControl(QChar c)
+{
+    switch (c.category()) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// No statement of the till takes a single quote, and no line shows a line break.
+std::optional<QString> textProblem(const QString &text)
+{
+    if (text.contains(u'\''))
+        return u"It holds a single quote, with which the till finds nothing."_s;
+    if (std::any_of(text.begin(), text.end(), isControl))
+        return u"It holds a line break or another character that cannot be seen."_s;
+    if (!text.isValidUtf16())
+        return u"It holds half a character."_s;
+    return {};
+}
+
+std::optional<QString> shortenedProblem(const QString &text)
+{
+    if (!isShortened(text))
+        return {};
+    return u"%1 is a number that a spreadsheet has shortened: its digits are lost. Format the column as text there."_s
+        .arg(text);
+}
+
+} // namespace
+
+bool isShortened(const QString &text)
+{
+    static const QRegularExpression form(u"^[0-9]+([.,][0-9]+)?[eE]\\+[0-9]+$"_s);
+    return form.match(text).hasMatch();
+}
+
+std::optional<QString> idProblem(const QString &id, const QString &name)
+{
+    if (auto problem = textProblem(id))
+        return problem;
+    if (auto problem = shortenedProblem(id))
+        return problem;
+    // Lists name an item by its key, and the till takes that apart again.
+    const QString key = itemKey(id, name);
+    if (GetIDName(key, KeyPiece::Id) != id || costLookupId(key) != id || reorderedId(key) != id)
+        return u"It holds \" | \", by which lists part ID and name."_s;
+    return {};
+}
+
+std::optional<QString> nameProblem(const QString &name)
+{
+    if (auto problem = textProblem(name))
+        return problem;
+    if (name.contains(itemKeySeparator))
+        return u"It holds \"  |  \", by which lists part ID and name."_s;
+    if (name != name.toUpper())
+        return u"It is not in capitals."_s;
+    return {};
+}
+
+std::optional<QString> categoryProblem(const QString &category)
+{
+    if (category == allCategories)
+        return u"%1 is no category that items belong to."_s.arg(category);
+    return nameProblem(category);
+}
+
+std::optional<QString> codeProblem(const QString &code)
+{
+    if (const auto checked = checkCode(code); !checked)
+        return u"This is no code: %1."_s.arg(checked.error());
+    return shortenedProblem(code);
+}
+
+} // namespace harrowby::app

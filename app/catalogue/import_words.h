@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// What a text of a file must not be, and the words for it.
+namespace harrowby::app {
+
+/// Why the till could not work with an item of this ID, in words for a person.
+[[nodiscard]] std::optional<QString> idProblem(const QString &id, const QString &name);
+/// Why a name of an item or a category is refused.
+[[nodiscard]] std::optional<QString> nameProblem(const QString &name);
+/// The same of a category; those that are reserved too.
+[[nodiscard]] std::optional<QString> categoryProblem(const QString &category);
+/// Why the text is no code of an item: what checkCode() says, and numbers that a spreadsheet has shortened.
+[[nodiscard]] std::optional<QString> codeProblem(const QString &code);
+
+/// "8.9E+12": a number that a spreadsheet has shortened, so that its digits are lost.
+[[nodiscard]] bool isShortened(const QString &text);
+
+} // namespace harrowby::app

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/catalogue/import_lines.h"
+#include "app/catalogue/known_codes.h"
+#include "app/work/work_step.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+namespace harrowby::app {
+
+/// The columns of importColumns(ImportKind::Items).
+enum ItemColumn {
+    IdColumn,
+    NameColumn,
+    CategoryColumn,
+    CostColumn,
+    LevelColumn,
+    AvailableColumn,
+    UseColumn,
+    CodeColumn,
+};
+
+/// The part of an item that such a column brings; ID and code are none.
+[[nodiscard]] constexpr int partOf(int column)
+{
+    return column - 1;
+}
+
+/// Which item a row is about.
+struct ItemKey
+{
+    QString id;      ///< empty where neither ID nor code finds one
+    QString problem; ///< why the code finds none, in words; else empty
+};
+
+/// What stands more than once in a file of items. Read before its rows are judged, as each of two rows with one key is
+/// refused.
+class ItemCensus
+{
+public:
+    /// Reads the file through; false when it was stopped. `codes` is null where the file has no codes; it is loaded.
+    [[nodiscard]] Records::Answer<bool> take(const ImportFile &file, const ImportChoices &choices, KnownCodes *codes,
+                                             const WorkWatch &watch);
+
+    [[nodiscard]] ItemKey keyOf(const ImportLine &line) const;
+
+    struct Repeats
+    {
+        int rows = 0;
+        qint64 firstLine = 0;
+    };
+    [[nodiscard]] Repeats keys(const QString &id) const { return m_keys.value(id); }
+    /// In capitals.
+    [[nodiscard]] Repeats names(const QString &name) const { return m_names.value(name); }
+    /// In any length of the same number.
+    [[nodiscard]] Repeats codes(const QString &code) const { return m_codes.value(spellingsOf(code).constLast()); }
+    [[nodiscard]] qint64 rows() const { return m_rows; }
+
+private:
+    [[nodiscard]] std::optional<DbFailure> count(const QList<ImportLine> &piece, KnownCodes *codes);
+
+    QHash<QString, Repeats> m_keys;
+    QHash<QString, Repeats> m_names;
+    QHash<QString, Repeats> m_codes;
+    QHash<qint64, ItemKey> m_byCode; ///< of the rows that have a code and no ID, by line
+    qint64 m_rows = 0;
+};
+
+/// The cell without blanks around it; empty when the file has none.
+[[nodiscard]] QString cellOf(const ImportLine &line, int column);
+
+} // namespace harrowby::app

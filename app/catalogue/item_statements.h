@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/catalogue/import_shelf.h"
+
+#include <QList>
+#include <QString>
+
+/// The statements that carry the staged rows of items into the store and back. Each works on all rows of a group at
+/// once, since tills wait for them.
+namespace harrowby::app {
+
+/// Changed items whose rows change the same parts; or, where there are many such groups, all of them in one.
+struct ItemGroup
+{
+    int mask = 0;         ///< the parts that any of its rows changes
+    bool isMixed = false; ///< its rows may change different ones
+    std::int64_t rows = 0;
+};
+
+/// More groups than these are done in one statement, which writes every part of every item.
+inline constexpr qsizetype mostGroups = 8;
+[[nodiscard]] QList<ItemGroup> mixedGroups(const QList<ItemGroup> &groups);
+
+/// Who and when, as the stock form writes them.
+struct ItemStamp
+{
+    QString user;
+    QString time; ///< stockTime()
+};
+
+/// Writes the items of a group that are as the preview saw them.
+[[nodiscard]] RecordStatement updateItems(std::int64_t id, const ItemGroup &group, const ItemStamp &stamp);
+/// Puts back those that are as they were imported.
+[[nodiscard]] RecordStatement restoreItems(std::int64_t id, const ItemGroup &group, const ItemStamp &stamp);
+/// Marks the rows that the first, or with `isReturn` the second, would leave out.
+[[nodiscard]] RecordStatement markChangedItems(std::int64_t id, const ItemGroup &group, bool isReturn);
+
+/// Adds the new items whose IDs and names nobody has.
+[[nodiscard]] RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp);
+/// Adds all rows as they are.
+[[nodiscard]] RecordStatement insertAsStored(std::int64_t id);
+[[nodiscard]] RecordStatement markNewItems(std::int64_t id);
+
+/// Removes the new items that are as they were imported, and have no other code by now; `hasCodes`: there is a table of
+/// codes.
+[[nodiscard]] RecordStatement removeItems(std::int64_t id, bool isAsStored, bool hasCodes);
+[[nodiscard]] RecordStatement markTouchedItems(std::int64_t id, bool isAsStored, bool hasCodes);
+
+} // namespace harrowby::app

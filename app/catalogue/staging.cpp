@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "app/catalogue/staging.h"
+
+#include "app/catalogue/category_judge.h"
+#include "app/catalogue/code_judge.h"
+#include "app/catalogue/import_columns.h"
+#include "app/catalogue/item_judge.h"
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+/// A piece holds the write lock for some milliseconds.
+constexpr qsizetype rowsInOnePiece = 1000;
+
+const auto notPreviewed = u"The file was not compared with the store."_s;
+
+ImportEnd stopped()
+{
+    return {ImportEnd::Kind::Cancelled, u"The preview was cancelled."_s};
+}
+
+} // namespace
+
+Imported<StagedImport> Staging::run(const QDateTime &now)
+{
+    if (const auto fits = checkMatch(m_choices.kind, m_choices.columns); !fits)
+        return Unexpected(ImportEnd{ImportEnd::Kind::Failed, fits.error()});
+    if (const auto failure = m_shelf.clear(now, m_watch))
+        return Unexpected(importFailed(notPreviewed, *failure));
+    ShelvedImport import;
+    import.kind = kindText(m_choices.kind);
+    import.file = m_file.name();
+    import.hash = m_file.hash;
+    import.choices = choicesText();
+    import.stagedAt = recordTime(now);
+    const auto id = m_shelf.begin(import);
+    if (!id)
+        return Unexpected(importFailed(notPreviewed, id.error()));
+    m_staged.id = *id;
+    Done done = stage();
+    if (done) {
+        if (const auto failure = m_shelf.finish(*id, m_staged.counts))
+            done = Unexpected(importFailed(notPreviewed, *failure));
+    }
+    if (done)
+        return m_staged;
+    // Should this fail, too, the next preview clears it away.
+    (void)m_shelf.discard(*id, m_watch);
+    return Unexpected(done.error());
+}
+
+QString Staging::choicesText() const
+{
+    QStringList choices;
+    if (m_choices.asStored)
+        choices << u"as stored"_s;
+    if (m_choices.stockInHand)
+        choices << u"stock in hand"_s;
+    if (m_choices.putIntoCapitals)
+        choices << u"capitals"_s;
+    return choices.join(u", "_s);
+}
+
+Staging::Done Staging::stage()
+{
+    switch (m_choices.kind) {
+    case ImportKind::Categories:
+        return stageCategories();
+    case ImportKind::Codes:
+        return stageCodes();
+    default:
+        return stageItems();
+    }
+}
+
+Staging::Done Staging::taken(const Records::Answer<bool> &census) const
+{
+    if (!census)
+        return Unexpected(importFailed(notPreviewed, census.error()));
+    if (!*census)
+        return Unexpected(stopped());
+    return {};
+}
+
+Staging::Done Staging::stageItems()
+{
+    ImportLines lines(m_file, m_choices);
+    KnownCategories categories(m_records);
+    KnownCodes codes(m_records);
+    KnownCodes *const usedCodes = m_choices.columns.contains(CodeColumn) ? &codes : nullptr;
+    ItemCensus census;
+    if (!m_choices.asStored) {
+        auto failure = categories.load();
+        if (!failure && usedCodes != nullptr)
+            failure = codes.load();
+        if (failure)
+            return Unexpected(importFailed(notPreviewed, *failure));
+        if (auto done = taken(census.take(m_file, m_choices, usedCodes, m_watch)); !done)
+            return done;
+    }
+    ItemJudge judge(m_records, lines, m_choices, census, categories, usedCodes);
+    if (auto done = stageBy(lines, [&](const QList<ImportLine> &piece) { return judge.judge(piece); }); !done)
+        return done;
+    m_staged.newCategories = categories.made();
+    return putNewCategories(categories.made());
+}
+
+Staging::Done Staging::stageCodes()
+{
+    ImportLines lines(m_file, m_choices);
+    CodeJudge judge(m_records, lines, m_choices);
+    if (auto done = taken(judge.take(m_file, m_watch)); !done)
+        return done;
+    return stageBy(lines, [&](const QList<ImportLine> &piece) { return judge.judge(piece); });
+}
+
+Staging::Done Staging::stageCategories()
+{
+    ImportLines lines(m_file, m_choices);
+    CategoryJudge judge(m_records, lines, m_choices);
+    if (auto done = taken(judge.take(m_file, m_watch)); !done)
+        return done;
+    return stageBy(lines,
+                   [&](const QList<ImportLine> &piece) -> Records::Answer<StagedPiece> { return judge.judge(piece); });
+}
+
+Staging::Done Staging::stageBy(ImportLines &lines, const Judge &judge)
+{
+    QList<ImportLine> piece;
+    ImportLine line;
+    bool isThere = true;
+    while (isThere) {
+        isThere = lines.next(line);
+        if (isThere)
+            piece << line;
+        if (piece.isEmpty() || (isThere && piece.size() < rowsInOnePiece))
+            continue;
+        const auto judged = judge(piece);
+        if (!judged)
+            return Unexpected(importFailed(notPreviewed, judged.error()));
+        if (const auto failure = m_shelf.put(m_staged.id, *judged))
+            return Unexpected(importFailed(notPreviewed, *failure));
+        count(*judged);
+        piece.clear();
+        if (!m_watch({u"The rows are being compared with the store …"_s, lines.percent()}))
+            return Unexpected(stopped());
+    }
+    return {};
+}
+
+Staging::Done Staging::putNewCategories(const QStringList &names)
+{
+    StagedPiece piece;
+    for (const QString &name : names)
+        piece.categories << StagedCategory{0, {name, false}, {}};
+    if (const auto failure = names.isEmpty() ? std::nullopt : m_shelf.put(m_staged.id, piece))
+        return Unexpected(importFailed(notPreviewed, *failure));
+    return {};
+}
+
+void Staging::count(const StagedPiece &piece)
+{
+    for (const StagedRow &row : piece.rows) {
+        switch (row.what) {
+        case RowKind::New:
+            ++m_staged.counts.fresh;
+            break;
+        case RowKind::Changed:
+            ++m_staged.counts.changed;
+            break;
+        case RowKind::Unchanged:
+            ++m_staged.counts.unchanged;
+            break;
+        case RowKind::Refused:
+            ++m_staged.counts.refused;
+        }
+    }
+}
+
+} // namespace harrowby::app
