@@ -9,7 +9,7 @@
 #include "app/errands/errands.h"
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
-#include "app/office/office.h"
+#include "app/office_program.h"
 #include "app/records/sqlite_records.h"
 #include "app/search/finding_connection.h"
 #include "app/search/search_choice.h"
@@ -223,23 +223,6 @@ int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, Bu
     return code;
 }
 
-int keepOffice(StoreGuard &store, const QString &path, BusyWait &wait, FailureNotice &notice)
-{
-    // The office shows its own failures to save.
-    setFileFailureHandler([&notice](const FileFailure &failure) {
-        if (failure.kind == FileFailure::Kind::SettingsRead)
-            notice.add(failure);
-    });
-    wait.followEventLoop();
-    LostStoreAlarm alarm(store, u"office"_s, closeOffice);
-    store.keepWatch();
-    const OfficeEnd end = runOffice(store, path, {savedSetting, saveSetting});
-    if (end != OfficeEnd::Refused)
-        alarm.checkOnceMore();
-    setFileFailureHandler({});
-    return static_cast<int>(end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
-}
-
 /// The log reports failures on any thread; the notice lives on the user-interface thread.
 void tellLogTroubles(LogFile &log, FailureNotice &notice)
 {
@@ -280,6 +263,8 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
     const auto path = line.demo ? prepareDemo() : prepareStore(line.database);
     if (!path)
         return Unexpected(path.error());
+    if (line.office)
+        return runOfficeProgram(*path, notice, log);
     WaitSign sign(u"Waiting for the store file"_s, u"Another program keeps it locked."_s); // outlives the last wait
     BusyWait wait;
     auto database = openStoreBeside(*path, wait);
@@ -288,8 +273,6 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
     StoreGuard store(*std::move(database), *path, wait);
     wait.setWatcher([&sign] { sign.show(); });
     log.probe();
-    if (line.office)
-        return keepOffice(store, *path, wait, notice);
     const CashStation cash = {drawerName(line.drawer, {savedSetting, saveSetting}),
                               std::make_shared<FileRunLocks>(*path)};
     return sell(line, store, cash, wait, notice);

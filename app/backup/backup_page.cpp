@@ -3,6 +3,8 @@
 
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
+#include "app/backup/good_backups.h"
+#include "app/backup/restore_dialog.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/workshop.h"
 #include "theme/dialogs.h"
@@ -39,21 +41,12 @@ QString sizeText(qint64 bytes)
     return QLocale::c().formattedDataSize(bytes);
 }
 
-QString lastText(const QString &file)
-{
-    if (file.isEmpty())
-        return u"No backup has been made from here yet."_s;
-    const QFileInfo info(file);
-    if (!info.isFile())
-        return u"The last backup went to %1, which is not there now."_s.arg(file);
-    return u"Last backup: %1, %2, %3"_s.arg(info.lastModified().toString(u"d MMMM yyyy, HH:mm"_s),
-                                            sizeText(info.size()), file);
-}
-
 } // namespace
 
-BackupPage::BackupPage(const QString &store, OfficeSettings settings, QWidget *parent) :
-    OfficePage(parent), m_store(store), m_settings(std::move(settings))
+BackupPage::BackupPage(sqlite3 *database, const SignedDeeds &deeds, const QString &store, OfficeSettings settings,
+                       QWidget *parent) :
+    OfficePage(parent),
+    m_database(database), m_deeds(deeds), m_store(store), m_settings(std::move(settings))
 {
     createControls();
     layOut();
@@ -85,6 +78,9 @@ void BackupPage::createControls()
     m_progress->setMinimumHeight(32);
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"backupOutcome"_s);
+    m_restore = new QPushButton(u"Restore &a Backup \u2026"_s, this);
+    m_restore->setObjectName(u"restoreBackup"_s);
+    connect(m_restore, &QPushButton::clicked, this, &BackupPage::chooseRestore);
     m_last = makeOfficeText(this, {});
     m_last->setObjectName(u"lastBackup"_s);
 }
@@ -106,6 +102,7 @@ void BackupPage::layOut()
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(16, 16, 16, 16);
     rows->setSpacing(16);
+    rows->addWidget(m_last);
     rows->addWidget(makeOfficeText(this,
                                    u"The tills can go on selling meanwhile. The backup is one file with everything "
                                    "that the store holds, and it is checked before it counts. Keep it away from "
@@ -115,7 +112,11 @@ void BackupPage::layOut()
     rows->addWidget(m_progress);
     rows->addWidget(m_outcome);
     rows->addStretch(1);
-    rows->addWidget(m_last);
+    auto *more = new QHBoxLayout;
+    more->setSpacing(12);
+    more->addStretch(1);
+    more->addWidget(m_restore);
+    rows->addLayout(more);
 }
 
 void BackupPage::choosePlace()
@@ -176,7 +177,8 @@ void BackupPage::finish(const BackupResult &result)
         return showOutcome(*m_outcome, u"\u26a0 "_s + result.problem);
     if (const QString lost = loss(); !lost.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 "_s + lost + u"\nDo not count on the copy that was being made."_s);
-    (void)m_settings.save(lastSection, lastKey, realTarget(m_place->text())); // only for the line below
+    (void)m_settings.save(lastSection, lastKey, realTarget(m_place->text())); // only for what a killed one leaves
+    noteGood(result);
     showOutcome(*m_outcome, u"\u2713 The backup is made and checked: %1."_s.arg(sizeText(result.bytes)));
     showLast();
 }
@@ -192,6 +194,7 @@ void BackupPage::setRunning(bool running)
         next->setFocus();
     m_place->setReadOnly(running);
     m_choose->setEnabled(!running);
+    m_restore->setEnabled(!running);
     m_start->setEnabled(!running);
     m_stop->setEnabled(running);
     m_progress->setRange(0, 100);
@@ -199,9 +202,31 @@ void BackupPage::setRunning(bool running)
     m_progress->setVisible(running);
 }
 
+/// The backup is good without it.
+void BackupPage::noteGood(const BackupResult &result)
+{
+    (void)noteGoodBackup(m_deeds.records(), result.file, result.bytes, QDateTime::currentDateTimeUtc());
+    (void)m_deeds.add(deed::backedUp, result.file);
+}
+
 void BackupPage::showLast()
 {
-    m_last->setText(lastText(m_settings.get(lastSection, lastKey, {})));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const BackupState state = backupState(goodBackups(m_deeds.records()), now);
+    m_last->setText((state.isOverdue ? u"\u26a0 "_s : u"\u2713 "_s) + backupStateText(state, now));
+}
+
+void BackupPage::chooseRestore()
+{
+    if (m_job.isRunning())
+        return;
+    if (const QString lost = loss(); !lost.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
+    const BackupState state = backupState(goodBackups(m_deeds.records()), QDateTime::currentDateTimeUtc());
+    const bool isThere = state.last && state.sight == BackupSight::There;
+    RestoreDialog dialog(m_store, contentsOf(m_database), isThere ? state.last->file : QString(), this);
+    if (dialog.exec() == QDialog::Accepted)
+        Q_EMIT restoreAsked(dialog.backup());
 }
 
 } // namespace harrowby::app

@@ -3,6 +3,7 @@
 
 #include "app/backup/backup_job.h"
 #include "app/boxes/office_page.h"
+#include "app/records/deeds.h"
 #include "app/shop/office_settings.h"
 
 #include <functional>
@@ -13,16 +14,19 @@ class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QVBoxLayout;
+struct sqlite3;
 
 namespace harrowby::app {
 
-/// Makes a backup of the store at a chosen place while tills sell.
+/// When the last good backup was made; makes one at a chosen place while tills sell; and brings one back.
 class BackupPage final : public OfficePage
 {
     Q_OBJECT
 
 public:
-    BackupPage(const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
+    /// The database, which is that of the store's file, must outlive it, and so must what the deeds are kept in.
+    BackupPage(sqlite3 *database, const SignedDeeds &deeds, const QString &store, OfficeSettings settings,
+               QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
     /// `loss` says what has happened to the store file once it is lost: no copy counts then.
@@ -37,8 +41,12 @@ private:
     void finish(const BackupResult &result);
     void setRunning(bool running);
     void showLast();
+    void noteGood(const BackupResult &result);
+    void chooseRestore();
     [[nodiscard]] QString loss() const;
 
+    sqlite3 *m_database;
+    SignedDeeds m_deeds;
     QString m_store;
     OfficeSettings m_settings;
     std::function<QString()> m_loss;
@@ -46,6 +54,7 @@ private:
     QPushButton *m_choose = nullptr;
     QPushButton *m_start = nullptr;
     QPushButton *m_stop = nullptr;
+    QPushButton *m_restore = nullptr;
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
     QLabel *m_last = nullptr;

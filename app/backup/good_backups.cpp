@@ -121,11 +121,25 @@ BackupState backupState(const QList<GoodBackup> &noted, const QDateTime &now)
     return state;
 }
 
+QString backupWarning(Records &records, const QDateTime &now)
+{
+    const BackupState state = backupState(goodBackups(records), now);
+    if (!state.isOverdue)
+        return {};
+    const auto items = records.read({u"select 1 from StockList limit 1"_s, {}});
+    if (!items || items->isEmpty())
+        return {};
+    if (!state.last)
+        return state.gone > 0 ? u"The last backup is gone"_s : u"No backup yet"_s;
+    const qint64 days = state.last->made.secsTo(now) / (24 * 60 * 60);
+    return days < 0 ? u"No backup with a true time"_s : u"No backup for %1 days"_s.arg(days);
+}
+
 QString backupStateText(const BackupState &state, const QDateTime &now)
 {
     QStringList lines;
     if (!state.last && state.gone == 0)
-        lines << u"No backup has been made yet."_s;
+        lines << u"No backup of this store is known yet."_s;
     if (state.gone > 0)
         lines << (state.gone == 1 ? u"A backup that was made is not there any more."_s
                                   : u"%1 backups that were made are not there any more."_s.arg(state.gone));

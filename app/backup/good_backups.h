@@ -44,6 +44,10 @@ struct BackupState
 
 [[nodiscard]] BackupState backupState(const QList<GoodBackup> &noted, const QDateTime &now);
 
+/// A few words for who opens the office: that a backup is overdue. Nothing when none is, or when the store has no items
+/// that could be lost.
+[[nodiscard]] QString backupWarning(Records &records, const QDateTime &now);
+
 /// In words for a person: when and where the last one was made, and what is to be done about it.
 [[nodiscard]] QString backupStateText(const BackupState &state, const QDateTime &now);
 

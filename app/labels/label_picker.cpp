@@ -2,6 +2,7 @@
 #include "app/labels/label_picker.h"
 
 #include "app/boxes/office_box.h"
+#include "app/codes/code_text.h"
 #include "app/codes/code_table.h"
 #include "app/labels/step_entry.h"
 #include "app/records/sqlite_records.h"

@@ -94,21 +94,23 @@ bool canAskAtDoor(sqlite3 *database)
 
 } // namespace
 
-OfficeEnd runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings, const QString &reason)
+OfficeLeaving runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings, const QString &reason)
 {
     sqlite3 *database = guard.database();
     if (!canAskAtDoor(database))
-        return OfficeEnd::Refused;
+        return {OfficeEnd::Refused, {}, {}};
     const auto check = [database](const QString &name, const QString &password) {
         return letIn(database, name, password);
     };
     OfficeLoginDialog login(check, WrongTries(officeTriesPath(store)), reason);
     if (login.exec() != QDialog::Accepted)
-        return OfficeEnd::Left;
+        return {};
     OfficeWindow window(database, store, settings, login.user());
     window.watchStore([&guard] { return guard.check() ? QString() : lossHeadline(guard.loss()); });
     window.exec();
-    return OfficeEnd::Left;
+    if (window.askedRestore().isEmpty())
+        return {};
+    return {OfficeEnd::Restore, window.askedRestore(), login.user().name};
 }
 
 } // namespace harrowby::app

@@ -2,6 +2,7 @@
 #include "app/office/office_pages.h"
 
 #include "app/backup/backup_page.h"
+#include "app/backup/good_backups.h"
 #include "app/labels/labels_page.h"
 #include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
@@ -94,12 +95,13 @@ OfficePageEntry backupEntry()
             keepingGroup,
             Administrator,
             u"Copies of the store"_s,
-            {{u"save copy safe stick"_s, {}}},
+            {{u"save copy safe stick"_s, u"startBackup"_s}, {u"restore bring back"_s, u"restoreBackup"_s}},
             [](const Context &c, QWidget *parent) {
-                auto *page = new BackupPage(c.store, c.settings, parent);
+                auto *page = new BackupPage(c.database, c.deeds(), c.store, c.settings, parent);
                 page->watchStore(c.loss);
                 return page;
-            }};
+            },
+            [](const Context &c) { return backupWarning(*c.records, QDateTime::currentDateTimeUtc()); }};
 }
 
 OfficePageEntry labelsEntry()

@@ -53,7 +53,7 @@ struct OfficePageEntry
     QString about; ///< one line on what is on it
     QList<MoreWords> words;
     std::function<OfficePage *(const OfficeContext &context, QWidget *parent)> make;
-    /// What is to be told when the office is opened; nothing for most.
+    /// What is to be told beside the title of any page when the office is opened, in a few words; nothing for most.
     std::function<QString(const OfficeContext &context)> warning = {};
 
     /// The caption without its letter.

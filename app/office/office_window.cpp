@@ -103,7 +103,6 @@ QWidget *OfficeWindow::makeContent()
     rows->addLayout(makeHead());
     if (m_context.user.isAdministrator)
         rows->addWidget(new StoreAccessLine(m_context.store, content));
-    addWarnings(*rows);
     rows->addWidget(m_stack, 1);
     auto *foot = makeOfficeText(content, u"%1 \u2013 %2"_s.arg(m_context.user.name, wrappingPath(m_context.store)));
     foot->setObjectName(u"officeFoot"_s);
@@ -130,27 +129,24 @@ QHBoxLayout *OfficeWindow::makeHead()
     head->setSpacing(12);
     head->addWidget(m_menu);
     head->addWidget(m_title, 1);
+    addWarnings(*head);
     head->addWidget(close);
     return head;
 }
 
-void OfficeWindow::addWarnings(QVBoxLayout &rows)
+/// In the head, where they cost no height of a low window.
+void OfficeWindow::addWarnings(QHBoxLayout &head)
 {
     for (const BuiltPage &page : std::as_const(m_pages)) {
         const QString warning = page.entry.warning ? page.entry.warning(m_context) : QString();
         if (warning.isEmpty())
             continue;
-        auto *go = new QPushButton(u"Go to %1"_s.arg(page.entry.title()), this);
-        go->setObjectName(u"goTo"_s + page.entry.title());
+        auto *go = new QPushButton(u"\u26a0 "_s + warning, this);
+        go->setObjectName(u"warningOf"_s + page.entry.title());
+        go->setAccessibleName(u"%1, go to %2"_s.arg(warning, page.entry.title()));
         go->setAutoDefault(false);
         connect(go, &QPushButton::clicked, this, [this, title = page.entry.title()] { showPage(title); });
-        auto *text = makeOfficeText(this, u"\u26a0 "_s + warning);
-        text->setObjectName(u"warningOf"_s + page.entry.title());
-        auto *line = new QHBoxLayout;
-        line->setContentsMargins(16, 8, 16, 0);
-        line->addWidget(text, 1);
-        line->addWidget(go);
-        rows.addLayout(line);
+        head.addWidget(go);
     }
 }
 

@@ -57,7 +57,7 @@ private:
     void addShortcuts();
     QWidget *makeContent();
     QHBoxLayout *makeHead();
-    void addWarnings(QVBoxLayout &rows);
+    void addWarnings(QHBoxLayout &head);
     OfficePage *built(qsizetype page);
     void turnTo(qsizetype page);
     void step(qsizetype pages);

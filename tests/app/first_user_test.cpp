@@ -261,8 +261,9 @@ void FirstUserTest::formsWearTheTillsTheme_data()
     QTest::newRow("new user") << Form([] { return std::make_unique<UserDialog>(QString(), UserDialog::Save()); }) << 4;
     QTest::newRow("new password") << Form([] { return std::make_unique<UserDialog>(u"ANNA"_s, UserDialog::Save()); })
                                   << 3;
-    QTest::newRow("receipt") << pageOf<ReceiptPage>(SignedDeeds(noStore(), officePlace, {})) << 3;
-    QTest::newRow("backup") << pageOf<BackupPage>(u"/s"_s) << 1;
+    const SignedDeeds deeds(noStore(), officePlace, {});
+    QTest::newRow("receipt") << pageOf<ReceiptPage>(deeds) << 3;
+    QTest::newRow("backup") << pageOf<BackupPage>(static_cast<sqlite3 *>(nullptr), deeds, u"/s"_s) << 1;
 }
 
 void FirstUserTest::formsWearTheTillsTheme()

@@ -184,9 +184,14 @@ void KeptBackupsTest::storeKnowsItsBackups()
     QVERIFY(goodBackups(records).isEmpty());
     QVERIFY(backupState({}, morning).isOverdue);
     QVERIFY(backupStateText({}, morning).contains(u"No backup"_s));
+    QVERIFY(backupWarning(records, morning).contains(u"No backup"_s));
     for (int day = 0; day < 25; ++day)
         QVERIFY(!noteGoodBackup(records, u"/b/%1.db"_s.arg(day), 100 + day, morning.addDays(day)));
     const QList<GoodBackup> noted = goodBackups(records);
+    QVERIFY(backupWarning(records, morning.addDays(26)).isEmpty());
+    QCOMPARE(backupWarning(records, morning.addDays(29)), u"No backup for 5 days"_s);
+    QVERIFY(!runSql(database.get(), u"delete from StockList"_s));
+    QVERIFY(backupWarning(records, morning.addDays(29)).isEmpty()); // nothing to lose
     QCOMPARE(noted.size(), 20);
     QCOMPARE(noted.constFirst().file, u"/b/24.db"_s);
     QCOMPARE(noted.constFirst().bytes, 124);

@@ -2,6 +2,7 @@
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_page.h"
 #include "app/backup/lost_store_box.h"
+#include "app/records/sqlite_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_loss.h"
@@ -393,8 +394,10 @@ void LostStoreBoxTest::rescueGoesWhereThereIsAFolder()
 
 void LostStoreBoxTest::noBackupOfAFileThatIsGone()
 {
-    BackupPage page(path(), {[](const QString &, const QString &, const QString &) { return QString(); },
-                             [](const QString &, const QString &, const QString &) { return true; }});
+    SqliteRecords records(m_guard->database());
+    BackupPage page(m_guard->database(), {records, officePlace, u"ANNA"_s}, path(),
+                    {[](const QString &, const QString &, const QString &) { return QString(); },
+                     [](const QString &, const QString &, const QString &) { return true; }});
     page.watchStore([this] { return m_guard->check() ? QString() : lossHeadline(m_guard->loss()); });
     const QString copy = path(u"backup.db"_s);
     page.findChild<QLineEdit *>(u"backupPlace"_s)->setText(copy);

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +25,16 @@ private Q_SLOTS:
     void badPlaceOfBackupIsTold();
     void focusStaysOnTheBackupPage_data();
     void focusStaysOnTheBackupPage();
+    void overdueBackupIsWarnedOf();
+    void backupIsChosenToRestore();
+    void badBackupIsNotOffered();
+    void openStoreIsNotRestored();
+
+private:
+    /// Makes a backup by the page.
+    void backUp(const QString &target);
+    /// Waits until the dialog has looked into its file.
+    static void waitForLook(QDialog &dialog);
 };
 
 void OfficeBackupTest::leftFolderOfTheLastBackupIsRemoved()
@@ -43,7 +54,7 @@ void OfficeBackupTest::leftFolderOfTheLastBackupIsRemoved()
 void OfficeBackupTest::backupIsMade()
 {
     const QString target = m_folder->filePath(u"copy.db"_s);
-    QCOMPARE(part<QLabel>("lastBackup")->text(), u"No backup has been made from here yet."_s);
+    QCOMPARE(part<QLabel>("lastBackup")->text(), u"\u26a0 No backup of this store is known yet."_s);
     showPage(u"Backup"_s);
     part<QLineEdit>("backupPlace")->setText(target);
     press("startBackup");
@@ -115,6 +126,104 @@ void OfficeBackupTest::focusStaysOnTheBackupPage()
         QVERIFY(part<QLineEdit>("backupPlace")->text().endsWith(u' '));
     }
     QVERIFY(m_window->isVisible());
+}
+
+void OfficeBackupTest::backUp(const QString &target)
+{
+    part<QLineEdit>("backupPlace")->setText(target);
+    press("startBackup");
+    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("startBackup")->isEnabled(), 30000);
+}
+
+void OfficeBackupTest::waitForLook(QDialog &dialog)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(!dialog.findChild<QLabel *>(u"restoreOutcome"_s)->text().isEmpty(), 30000);
+}
+
+void OfficeBackupTest::overdueBackupIsWarnedOf()
+{
+    QVERIFY(part<QPushButton>("warningOfBackup")->text().contains(u"No backup yet"_s));
+    backUp(m_folder->filePath(u"copy.db"_s));
+    const auto reopen = [this] {
+        const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; },
+                                         {}};
+        m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+    };
+    reopen();
+    QVERIFY(part<QPushButton>("warningOfBackup") == nullptr);
+    QVERIFY(QFile::remove(m_folder->filePath(u"copy.db"_s)));
+    reopen();
+    QVERIFY(part<QPushButton>("warningOfBackup")->text().contains(u"The last backup is gone"_s));
+    m_window->show();
+    press("warningOfBackup");
+    QVERIFY(part<QLabel>("lastBackup")->text().contains(u"not there any more"_s));
+}
+
+void OfficeBackupTest::backupIsChosenToRestore()
+{
+    const QString backup = m_folder->filePath(u"copy.db"_s);
+    backUp(backup);
+    QVERIFY(!runSql(m_database.get(),
+                    u"INSERT INTO PurchaseCart (PurchaseID, PurchasedDate) VALUES ('1', '261121180230')"_s));
+    QString inBackup, now, offered;
+    inNextDialog([&](QDialog &dialog) {
+        waitForLook(dialog);
+        offered = dialog.findChild<QLineEdit *>(u"restoreFile"_s)->text();
+        inBackup = dialog.findChild<QLabel *>(u"restoreCell03"_s)->text();
+        now = dialog.findChild<QLabel *>(u"restoreCell13"_s)->text();
+        answerNextBox(QMessageBox::AcceptRole);
+        QTest::mouseClick(dialog.findChild<QPushButton *>(u"startRestore"_s), Qt::LeftButton);
+    });
+    press("restoreBackup");
+    QCOMPARE(offered, backup); // the last one
+    QCOMPARE(inBackup, u"none"_s);
+    QCOMPARE(now, u"21 November 2026, 18:02"_s);
+    QVERIFY2(m_boxText.contains(u"Purchases after"_s), qPrintable(m_boxText));
+    QTRY_COMPARE(m_window->askedRestore(), backup);
+    QVERIFY(!m_window->isVisible());
+}
+
+void OfficeBackupTest::badBackupIsNotOffered()
+{
+    runAll(m_folder->filePath(u"other.db"_s), {u"CREATE TABLE Other (x)"_s});
+    inNextDialog([&](QDialog &dialog) {
+        auto *file = dialog.findChild<QLineEdit *>(u"restoreFile"_s);
+        const auto look = [&](const QString &path, const QString &said) {
+            file->setText(path);
+            dialog.findChild<QLabel *>(u"restoreOutcome"_s)->clear();
+            QTest::keyClick(file, Qt::Key_Return);
+            waitForLook(dialog);
+            const QString outcome = dialog.findChild<QLabel *>(u"restoreOutcome"_s)->text();
+            QVERIFY2(outcome.contains(said), qPrintable(outcome));
+            QVERIFY(!dialog.findChild<QPushButton *>(u"startRestore"_s)->isEnabled());
+        };
+        look({}, u"choose a backup"_s);
+        look(m_path, u"the store file itself"_s);
+        look(m_folder->filePath(u"none.db"_s), u"There is no file"_s);
+        look(m_folder->filePath(u"other.db"_s), u"lacks the table"_s);
+        dialog.reject();
+    });
+    press("restoreBackup");
+    QVERIFY(m_window->askedRestore().isEmpty() && m_window->isVisible());
+}
+
+void OfficeBackupTest::openStoreIsNotRestored()
+{
+    backUp(m_folder->filePath(u"copy.db"_s));
+    QProcess other;
+    other.start(u"sh"_s, {u"-c"_s, u"exec 3<\"$1\"; echo open; read end"_s, u"sh"_s, m_path});
+    QVERIFY(other.waitForReadyRead());
+    inNextDialog([&](QDialog &dialog) {
+        waitForLook(dialog);
+        QTest::mouseClick(dialog.findChild<QPushButton *>(u"startRestore"_s), Qt::LeftButton);
+        const QString outcome = dialog.findChild<QLabel *>(u"restoreOutcome"_s)->text();
+        QVERIFY2(outcome.contains(u"(process %1)"_s.arg(other.processId())), qPrintable(outcome));
+        dialog.reject();
+    });
+    press("restoreBackup");
+    QVERIFY(m_window->askedRestore().isEmpty());
+    other.write("\n");
+    QVERIFY(other.waitForFinished());
 }
 
 HARROWBY_TEST(app_office_backup_test, OfficeBackupTest)
