@@ -40,7 +40,7 @@ Counter::~Counter()
 void Counter::open()
 {
     InvBasic::setConnection(connection);
-    m_window = new Inventory({qtBoxes, settings, printers, clock, objects});
+    m_window = new Inventory({windowBoxes, settings, printers, clock, objects});
     m_window->load();
     m_window->resize(1024, 768);
     m_window->show();

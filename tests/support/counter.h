@@ -32,6 +32,7 @@ public:
     std::shared_ptr<RecordingConnection> connection;
     std::shared_ptr<QtBoxes> qtBoxes = std::make_shared<QtBoxes>();
     BoxQueue boxes{*qtBoxes};
+    std::shared_ptr<Boxes> windowBoxes = qtBoxes; ///< what the window shows its boxes through
     std::shared_ptr<FrozenClock> clock = std::make_shared<FrozenClock>();
     std::shared_ptr<MemorySettings> settings = std::make_shared<MemorySettings>();
     std::shared_ptr<PaperPrinters> printers = std::make_shared<PaperPrinters>();
