@@ -10,6 +10,7 @@
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
@@ -267,6 +268,15 @@ void OfficeWindow::leaveSide()
         openSide(false);
     else
         reject();
+}
+
+void OfficeWindow::keyPressEvent(QKeyEvent *event)
+{
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (button == nullptr || (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter))
+        return QDialog::keyPressEvent(event);
+    if (!event->isAutoRepeat())
+        button->click();
 }
 
 void OfficeWindow::resizeEvent(QResizeEvent *event)

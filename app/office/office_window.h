@@ -50,6 +50,8 @@ public:
     void reject() override;
 
 protected:
+    /// Enter presses the button that has the focus, and no other one.
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

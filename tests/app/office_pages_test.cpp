@@ -5,6 +5,7 @@
 #include "tests/program/test_program.h"
 
 #include <QAccessible>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QKeySequence>
 #include <QLabel>
@@ -38,6 +39,7 @@ private Q_SLOTS:
     void typingInTheListBeginsTheSearch();
     void narrowWindowShowsListOrPage();
     void foundRowsAreSpokenWhole();
+    void enterPressesTheFocusedButtonAlone();
     void restoreEndsTheOffice();
 
 private:
@@ -275,6 +277,22 @@ void OfficePagesTest::foundRowsAreSpokenWhole()
     QCOMPARE(spoken->text(QAccessible::Name), u"Pages"_s);
     QCOMPARE(spoken->child(0)->text(QAccessible::Name), u"Name of the drawer, Cash"_s);
     QVERIFY(!QAccessible::queryAccessibleInterface(part<QLineEdit>("findSetting"))->text(QAccessible::Name).isEmpty());
+}
+
+void OfficePagesTest::enterPressesTheFocusedButtonAlone()
+{
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    showPage(u"Receipt"_s);
+    auto *title = part<QLineEdit>("receiptTitle");
+    title->setText(u"Corner Shop"_s);
+    part<QCheckBox>("emailReport")->setFocus();
+    QTest::keyClick(m_window->focusWidget(), Qt::Key_Return);
+    QVERIFY(m_saved.isEmpty());
+    part<QPushButton>("saveReceipt")->setFocus();
+    QTest::keyClick(m_window->focusWidget(), Qt::Key_Return);
+    QCOMPARE(m_saved.value(u"option/Title"_s), u"Corner Shop"_s);
+    QVERIFY(m_window->isVisible());
 }
 
 void OfficePagesTest::restoreEndsTheOffice()
