@@ -49,6 +49,7 @@ private:
     [[nodiscard]] QLayout *makeItems();
     [[nodiscard]] QLayout *makePrinting();
     QPushButton *addButton(const QString &caption, const QString &name, void (LabelsPage::*act)());
+    void orderTabs();
     void fillPapers();
 
     void addItems();
@@ -84,6 +85,8 @@ private:
     QLabel *m_sum = nullptr;
     StepEntry *m_count = nullptr;
     QComboBox *m_code = nullptr;
+    QPushButton *m_add = nullptr;
+    QPushButton *m_adjust = nullptr;
     QPushButton *m_remove = nullptr;
     QPushButton *m_removeAll = nullptr;
     LabelPreview *m_preview = nullptr;

@@ -60,9 +60,9 @@ void LabelsPage::createList()
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionsMovable(false);
     m_view->header()->setSectionResizeMode(LabelList::ItemColumn, QHeaderView::Stretch);
-    const int letter = m_view->fontMetrics().averageCharWidth();
-    m_view->header()->resizeSection(LabelList::CodeColumn, 111 * letter);
-    m_view->header()->resizeSection(LabelList::CountColumn, 11 * letter);
+    m_view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_view->header()->resizeSection(LabelList::CodeColumn, codeWidth);
+    m_view->header()->resizeSection(LabelList::CountColumn, countWidth);
     m_sum = makeOfficeText(this, {});
     m_sum->setObjectName(u"labelsSum"_s);
     m_count = new StepEntry(u"labelCount"_s, u"Labels of this item"_s, 0, this);
@@ -83,7 +83,7 @@ void LabelsPage::createPaper()
     m_printer = makeBox(this, u"labelPrinter"_s, u"Printer"_s);
     m_printer->setEditable(true);
     m_printer->setInsertPolicy(QComboBox::NoInsert);
-    m_printer->lineEdit()->setPlaceholderText(u"Name of a printer"_s);
+    m_printer->lineEdit()->setPlaceholderText(u"Name"_s);
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"labelsOutcome"_s);
     m_strip = new WorkStrip(m_output.job(), this);
@@ -108,21 +108,22 @@ QPushButton *LabelsPage::addButton(const QString &caption, const QString &name, 
 
 QLayout *LabelsPage::makeItems()
 {
-    QPushButton *add = addButton(u"A&dd Items \u2026"_s, u"addLabelItems"_s, &LabelsPage::addItems);
+    m_add = addButton(u"A&dd Items \u2026"_s, u"addLabelItems"_s, &LabelsPage::addItems);
     m_remove = addButton(u"Re&move"_s, u"removeLabelItem"_s, &LabelsPage::removeItem);
     m_removeAll = addButton(u"Remove &All"_s, u"removeAllLabels"_s, &LabelsPage::removeAll);
-    auto *chosen = new QHBoxLayout;
-    chosen->setSpacing(8);
-    chosen->addWidget(makeCaption(this, u"La&bels:"_s, m_count->entry()));
-    chosen->addWidget(m_count);
-    chosen->addSpacing(4);
-    chosen->addWidget(makeCaption(this, u"&Code:"_s, m_code));
-    chosen->addWidget(m_code, 1);
+    auto *chosen = new QGridLayout;
+    chosen->setHorizontalSpacing(8);
+    chosen->setVerticalSpacing(8);
+    chosen->setColumnStretch(1, 1);
+    chosen->addWidget(makeCaption(this, u"La&bels:"_s, m_count->entry()), 0, 0);
+    chosen->addWidget(m_count, 0, 1);
+    chosen->addWidget(m_remove, 0, 2);
+    chosen->addWidget(makeCaption(this, u"&Code:"_s, m_code), 1, 0);
+    chosen->addWidget(m_code, 1, 1, 1, 2);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);
-    buttons->addWidget(add);
+    buttons->addWidget(m_add);
     buttons->addStretch(1);
-    buttons->addWidget(m_remove);
     buttons->addWidget(m_removeAll);
     auto *rows = new QVBoxLayout;
     rows->setSpacing(8);
@@ -138,7 +139,7 @@ QLayout *LabelsPage::makePrinting()
     m_print = addButton(u"Pri&nt"_s, u"printLabels"_s, &LabelsPage::print);
     makePrimary(*m_print);
     m_savePdf = addButton(u"Sa&ve as PDF \u2026"_s, u"saveLabels"_s, &LabelsPage::savePdf);
-    QPushButton *adjust = addButton(u"Ad&just \u2026"_s, u"adjustLabels"_s, &LabelsPage::adjust);
+    m_adjust = addButton(u"Ad&just \u2026"_s, u"adjustLabels"_s, &LabelsPage::adjust);
     m_placeCaption = makeCaption(this, u"&First label:"_s, m_place->entry());
     auto *grid = new QGridLayout;
     grid->setHorizontalSpacing(8);
@@ -150,7 +151,7 @@ QLayout *LabelsPage::makePrinting()
     grid->addWidget(m_place, 1, 1, 1, 2);
     grid->addWidget(makeCaption(this, u"Prin&ter:"_s, m_printer), 2, 0);
     grid->addWidget(m_printer, 2, 1);
-    grid->addWidget(adjust, 2, 2);
+    grid->addWidget(m_adjust, 2, 2);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     buttons->addWidget(m_print, 1);
@@ -167,14 +168,24 @@ void LabelsPage::layOut()
 {
     auto *columns = new QHBoxLayout;
     columns->setSpacing(16);
-    columns->addLayout(makeItems(), 5);
-    columns->addLayout(makePrinting(), 4);
+    columns->addLayout(makeItems(), 8);
+    columns->addLayout(makePrinting(), 7);
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(16, 16, 16, 8);
     rows->setSpacing(8);
     rows->addLayout(columns, 1);
     rows->addWidget(m_strip);
     rows->addWidget(m_outcome);
+    orderTabs();
+}
+
+/// As it is read: the items, then the paper.
+void LabelsPage::orderTabs()
+{
+    const QList<QWidget *> order = {m_view,   m_count->entry(), m_remove,  m_code,   m_add,   m_removeAll,
+                                    m_papers, m_place->entry(), m_printer, m_adjust, m_print, m_savePdf};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
 }
 
 void LabelsPage::fillPapers()

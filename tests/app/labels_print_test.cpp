@@ -227,9 +227,11 @@ void LabelsPrintTest::printedCodesReadBack_data()
     QTest::newRow("UPC-A, roll") << roll << coarse << coarse << numbersOf(12, 20);
     QTest::newRow("Code 128, roll") << roll << coarse << coarse << freeCodes();
     const QStringList all = numbersOf(13, 22) + numbersOf(8, 22) + numbersOf(12, 21);
-    for (const QString &paper : {u"a4-65"_s, u"a4-40"_s, u"a4-24"_s, u"a4-21"_s})
-        QTest::addRow("numbers, %s", qPrintable(paper)) << paper << fine << coarse << all;
-    QTest::newRow("Code 128, sheet") << u"a4-65"_s << fine << 300 << freeCodes();
+    QTest::newRow("numbers, a4-65") << u"a4-65"_s << fine << coarse << all;
+    const QStringList some = numbersOf(13, 7) + numbersOf(8, 7) + numbersOf(12, 7);
+    for (const QString &paper : {u"a4-40"_s, u"a4-24"_s, u"a4-21"_s})
+        QTest::addRow("numbers, %s", qPrintable(paper)) << paper << fine << coarse << some;
+    QTest::newRow("Code 128, sheet") << u"a4-65"_s << fine << 300 << freeCodes().first(20);
 }
 
 void LabelsPrintTest::printedCodesReadBack()
