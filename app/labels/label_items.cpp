@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/labels/label_items.h"
 
+#include "app/catalogue/last_import.h"
 #include "app/codes/code_table.h"
 #include "basic/text.h"
 
@@ -57,7 +58,10 @@ LabelItems::Answer<bool> LabelItems::hasRows(const RecordTable &table) const
 
 LabelItems::Answer<bool> LabelItems::hasImport() const
 {
-    return false;
+    const auto last = lastImport(m_records);
+    if (!last)
+        return Unexpected(last.error());
+    return *last != 0;
 }
 
 LabelItems::Answer<RecordStatement> LabelItems::condition(const LabelQuery &query) const
@@ -72,6 +76,14 @@ LabelItems::Answer<RecordStatement> LabelItems::condition(const LabelQuery &quer
     }
     if (query.which == LabelQuery::Which::WithoutCode && *hasCodes)
         where.text += u" and not exists (select 1 from HarrowbyCode c where c.StockID = s.StockID)"_s;
+    if (query.which == LabelQuery::Which::LastImport) {
+        const auto last = lastImport(m_records);
+        if (!last)
+            return Unexpected(last.error());
+        where.text += *last == 0 ? u" and 1 = 0"_s : u" and s.StockID in (%1)"_s.arg(importedIds());
+        if (*last != 0)
+            where.values << *last;
+    }
     if (!query.text.trimmed().isEmpty()) {
         const QString pattern = patternFor(query.text);
         where.text += u" and (upper(s.StockID) like ? escape '\\' or upper(s.StockName) like ? escape '\\'"_s;

@@ -34,7 +34,7 @@ struct LabelQuery
     enum class Which {
         All,
         WithoutCode, ///< beside the ID
-        LastImport,  ///< that it has made or changed
+        LastImport,  ///< that it has added or changed
     };
     Which which = Which::All;
     std::optional<QString> category;

@@ -2,14 +2,12 @@
 #include "app/labels/label_picker.h"
 
 #include "app/boxes/office_box.h"
+#include "app/catalogue/own_records.h"
 #include "app/codes/code_text.h"
 #include "app/codes/code_table.h"
 #include "app/labels/step_entry.h"
-#include "app/records/sqlite_records.h"
-#include "app/shop/wait_times.h"
 #include "app/work/work_strip.h"
 #include "basic/numbers.h"
-#include "engine/database.h"
 #include "input/touch_target.h"
 #include "theme/dialogs.h"
 
@@ -34,20 +32,22 @@ namespace harrowby::app {
 
 namespace {
 
-using ItemsAnswer = LabelItems::Answer<QList<LabelItem>>;
+using ItemsRead = Result<QList<LabelItem>, QString>; // or why not, in words
 
+const auto notRead = u"The items could not be read."_s;
 constexpr int mostListed = 200; // nobody reads more
 
 /// On a thread of its own, with a connection of its own.
-ItemsAnswer readAll(const QString &store, const LabelQuery &query, const WorkWatch &watch)
+ItemsRead readAll(const QString &store, const LabelQuery &query, const WorkWatch &watch)
 {
     (void)watch({u"The items are being read \u2026"_s, WorkStep::unknown});
-    const auto database = openDatabase(store, OpenMode::Read);
-    if (!database)
-        return Unexpected(DbFailure{DbFailure::Kind::Read, {}, database.error().reason, database.error().code});
-    (void)runSql(database->get(), u"PRAGMA busy_timeout = %1"_s.arg(wait_times::longest.count()));
-    SqliteRecords records(database->get());
-    return LabelItems(records).find(query);
+    const auto own = OwnRecords::open(store);
+    if (!own)
+        return Unexpected(own.error());
+    const auto items = LabelItems((*own)->records()).find(query);
+    if (!items)
+        return Unexpected(failureWords(notRead, items.error()));
+    return *items;
 }
 
 QString addedWords(const LabelList::Added &added)
@@ -257,20 +257,16 @@ void LabelPicker::addAll()
     if (m_job.isRunning())
         return;
     m_outcome->clear();
-    m_job.start<ItemsAnswer>(
+    m_job.start<ItemsRead>(
         [store = m_store, wanted = query()](const WorkWatch &watch) { return readAll(store, wanted, watch); },
-        [this](Result<ItemsAnswer, QString> read) { endAddAll(std::move(read)); });
-}
-
-void LabelPicker::endAddAll(Result<ItemsAnswer, QString> read)
-{
-    if (m_job.isCancelled())
-        return showOutcome(*m_outcome, u"Cancelled: nothing was added."_s);
-    if (!read)
-        return showOutcome(*m_outcome, u"\u26a0 The items could not be read: "_s + read.error());
-    if (!*read)
-        return tellFailure(read->error());
-    add(**read);
+        [this](const Result<ItemsRead, QString> &read) {
+            if (m_job.isCancelled())
+                showOutcome(*m_outcome, u"Cancelled: nothing was added."_s);
+            else if (!read || !*read)
+                showOutcome(*m_outcome, u"\u26a0 "_s + (read ? read->error() : read.error()));
+            else
+                add(**read);
+        });
 }
 
 void LabelPicker::add(const QList<LabelItem> &items)
@@ -280,7 +276,7 @@ void LabelPicker::add(const QList<LabelItem> &items)
 
 void LabelPicker::tellFailure(const DbFailure &failure)
 {
-    showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The items could not be read."_s, failure));
+    showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(notRead, failure));
 }
 
 } // namespace harrowby::app

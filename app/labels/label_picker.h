@@ -44,7 +44,6 @@ private:
     void search();
     void addCurrent();
     void addAll();
-    void endAddAll(Result<LabelItems::Answer<QList<LabelItem>>, QString> read);
     void add(const QList<LabelItem> &items);
     void tellFailure(const DbFailure &failure);
 
