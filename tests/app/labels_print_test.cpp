@@ -335,7 +335,11 @@ void LabelsPrintTest::namesOfAnyScriptLeaveTheBarsAlone()
     QFETCH(const QString, name);
     const LabelPlan plan = planFor(u"roll-38x25"_s, coarse);
     const QString code = u"4006381333931"_s;
-    QCOMPARE(readCodes(labelsPdf({{labelWith(code, name), 1}}, plan, goOn), coarse), asRead({code}));
+    const QByteArray pdf = labelsPdf({{labelWith(code, name), 1}}, plan, goOn);
+    QCOMPARE(readCodes(pdf, coarse), asRead({code}));
+    const QRect below(0, 60, 303, 140); // price and bars, as without a name
+    QCOMPARE(picturesOf(pdf, coarse, below),
+             picturesOf(labelsPdf({{labelWith(code, {}), 1}}, plan, goOn), coarse, below));
 }
 
 void LabelsPrintTest::nameIsCutAndPriceIsNot()
