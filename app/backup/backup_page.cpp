@@ -179,6 +179,7 @@ void BackupPage::finish(const BackupResult &result)
         return showOutcome(*m_outcome, u"\u26a0 "_s + lost + u"\nDo not count on the copy that was being made."_s);
     (void)m_settings.save(lastSection, lastKey, realTarget(m_place->text())); // only for what a killed one leaves
     noteGood(result);
+    Q_EMIT warningChanged();
     showOutcome(*m_outcome, u"\u2713 The backup is made and checked: %1."_s.arg(sizeText(result.bytes)));
     showLast();
 }

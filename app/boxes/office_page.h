@@ -30,6 +30,8 @@ public:
 Q_SIGNALS:
     /// A backup is to take the store's place: the office asks its leaving questions, and closes for it.
     void restoreAsked(const QString &backup);
+    /// What the office warns of beside the title may be true no more.
+    void warningChanged();
 };
 
 } // namespace harrowby::app

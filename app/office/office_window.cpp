@@ -139,15 +139,27 @@ QHBoxLayout *OfficeWindow::makeHead()
 void OfficeWindow::addWarnings(QHBoxLayout &head)
 {
     for (const BuiltPage &page : std::as_const(m_pages)) {
-        const QString warning = page.entry.warning ? page.entry.warning(m_context) : QString();
-        if (warning.isEmpty())
+        if (!page.entry.warning)
             continue;
-        auto *go = new QPushButton(u"\u26a0 "_s + warning, this);
+        auto *go = new QPushButton(this);
         go->setObjectName(u"warningOf"_s + page.entry.title());
-        go->setAccessibleName(u"%1, go to %2"_s.arg(warning, page.entry.title()));
         go->setAutoDefault(false);
         connect(go, &QPushButton::clicked, this, [this, title = page.entry.title()] { showPage(title); });
         head.addWidget(go);
+    }
+    followWarnings();
+}
+
+void OfficeWindow::followWarnings()
+{
+    for (const BuiltPage &page : std::as_const(m_pages)) {
+        auto *go = findChild<QPushButton *>(u"warningOf"_s + page.entry.title());
+        if (go == nullptr)
+            continue;
+        const QString warning = page.entry.warning(m_context);
+        go->setText(u"\u26a0 "_s + warning);
+        go->setAccessibleName(u"%1, go to %2"_s.arg(warning, page.entry.title()));
+        go->setVisible(!warning.isEmpty());
     }
 }
 
@@ -174,6 +186,7 @@ OfficePage *OfficeWindow::built(qsizetype page)
     // No default button: Enter in an entry presses the button beside it only.
     for (QPushButton *button : made->findChildren<QPushButton *>())
         button->setAutoDefault(false);
+    connect(made, &OfficePage::warningChanged, this, &OfficeWindow::followWarnings);
     connect(made, &OfficePage::restoreAsked, this, &OfficeWindow::leaveForRestore, Qt::QueuedConnection);
     m_stack->addWidget(made);
     return made;
@@ -194,6 +207,7 @@ void OfficeWindow::turnTo(qsizetype page)
     m_side->setCurrentPage(page);
     m_title->setText(m_pages.at(page).entry.title());
     m_stack->setCurrentWidget(shown);
+    followWarnings();
 }
 
 void OfficeWindow::step(qsizetype pages)

@@ -60,6 +60,7 @@ private:
     QWidget *makeContent();
     QHBoxLayout *makeHead();
     void addWarnings(QHBoxLayout &head);
+    void followWarnings();
     OfficePage *built(qsizetype page);
     void turnTo(qsizetype page);
     void step(qsizetype pages);

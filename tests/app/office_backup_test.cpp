@@ -143,14 +143,17 @@ void OfficeBackupTest::waitForLook(QDialog &dialog)
 void OfficeBackupTest::overdueBackupIsWarnedOf()
 {
     QVERIFY(part<QPushButton>("warningOfBackup")->text().contains(u"No backup yet"_s));
+    QVERIFY(part<QPushButton>("warningOfBackup")->isVisible());
     backUp(m_folder->filePath(u"copy.db"_s));
+    QVERIFY(!part<QPushButton>("warningOfBackup")->isVisible()); // at once
     const auto reopen = [this] {
         const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; },
                                          {}};
         m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
     };
     reopen();
-    QVERIFY(part<QPushButton>("warningOfBackup") == nullptr);
+    m_window->show();
+    QVERIFY(!part<QPushButton>("warningOfBackup")->isVisible());
     QVERIFY(QFile::remove(m_folder->filePath(u"copy.db"_s)));
     reopen();
     QVERIFY(part<QPushButton>("warningOfBackup")->text().contains(u"The last backup is gone"_s));
