@@ -3,6 +3,7 @@
 
 #include "app/backup/backup_page.h"
 #include "app/backup/good_backups.h"
+#include "app/exchange/catalogue_page.h"
 #include "app/labels/labels_page.h"
 #include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
@@ -79,6 +80,25 @@ OfficePageEntry shopEntry()
             }};
 }
 
+OfficePageEntry catalogueEntry()
+{
+    return {u"Catalo&gue"_s,
+            stockGroup,
+            Stock,
+            u"Items, categories and codes: in from lists, and out into lists"_s,
+            {{u"import bring in spreadsheet CSV list upload items"_s, u"beginImport"_s},
+             {u"export save download spreadsheet CSV list purchases"_s, u"beginExport"_s},
+             {u"take back undo import"_s, u"imports"_s}},
+            [](const Context &c, QWidget *parent) {
+                ImportDesk desk;
+                desk.user = c.user.name;
+                desk.who = c.user.name;
+                desk.place = officePlace;
+                desk.store = c.store;
+                return new CataloguePage(*c.records, desk, c.user.isAdministrator, c.loss, parent);
+            }};
+}
+
 OfficePageEntry codesEntry()
 {
     return {u"C&odes"_s,
@@ -149,10 +169,10 @@ QString OfficePageEntry::title() const
 const QList<OfficePageEntry> &officePages()
 {
     static const QList<OfficePageEntry> pages = {
-        usersEntry(),   receiptEntry(), cashEntry(), shopEntry(), // Shop
-        codesEntry(),   labelsEntry(),                            // Stock
-        backupEntry(),                                            // Keeping
-        readersEntry(),                                           // This Machine
+        usersEntry(),     receiptEntry(), cashEntry(),   shopEntry(), // Shop
+        catalogueEntry(), codesEntry(),   labelsEntry(),              // Stock
+        backupEntry(),                                                // Keeping
+        readersEntry(),                                               // This Machine
     };
     return pages;
 }

@@ -64,14 +64,19 @@ template <typename Outcome>
 bool WorkJob::start(std::function<Outcome(const WorkWatch &)> work, std::function<void(Result<Outcome, QString>)> end)
 {
     return run([work = std::move(work), end = std::move(end)](const WorkWatch &watch) -> Action {
-        // An Action is copied, an outcome may be movable alone.
-        std::shared_ptr<Result<Outcome, QString>> outcome;
+        std::shared_ptr<Outcome> outcome; // an Action is copied, an outcome may be movable alone
+        QString thrown;
         try {
-            outcome = std::make_shared<Result<Outcome, QString>>(work(watch));
+            outcome = std::make_shared<Outcome>(work(watch));
         } catch (...) {
-            outcome = std::make_shared<Result<Outcome, QString>>(Unexpected(thrownWords()));
+            thrown = thrownWords();
         }
-        return [outcome, end] { end(std::move(*outcome)); };
+        return [outcome, thrown, end] {
+            if (outcome)
+                end(std::move(*outcome));
+            else
+                end(Unexpected(thrown));
+        };
     });
 }
 

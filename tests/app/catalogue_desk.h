@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/exchange/catalogue_page.h"
+#include "engine/database.h"
+#include "tests/app/fussy_records.h"
+#include "tests/app/store_files.h"
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QObject>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QDialog;
+
+namespace harrowby::app::test {
+
+/// The office's page "Catalogue" over a store file with TEA and MILK, anew for each test function.
+class CatalogueDesk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+protected:
+    template <class Widget>
+    [[nodiscard]] Widget *part(const char *name) const
+    {
+        return m_window->findChild<Widget *>(QString::fromLatin1(name));
+    }
+    void open(bool isAdministrator);
+    void press(const char *name) { QTest::mouseClick(part<QPushButton>(name), Qt::LeftButton); }
+    [[nodiscard]] QString text(const char *name) const { return part<QLabel>(name)->text(); }
+    /// Writes a file into the test's folder.
+    QString file(const QString &name, const QByteArray &bytes) const;
+    /// "Cancel" of the work that is shown; null when none is.
+    [[nodiscard]] QPushButton *workCancel() const;
+    /// Drags files onto the page, and drops them.
+    void drop(const QStringList &paths);
+    /// Drops a file, and waits for the first step.
+    void begin(const QByteArray &bytes, const QString &name = QStringLiteral("list.csv"));
+    /// Presses "Next", and waits for the step.
+    void nextIs(int step);
+    [[nodiscard]] bool isAtStep(int step) const;
+    [[nodiscard]] QStringList listed(const char *name) const;
+    void chooseEntry(const char *box, const QString &entry);
+    /// The boxes and dialogs that are open, in the order in which they come.
+    void inNextDialog(const std::function<void(QDialog &)> &act);
+    void answerNextBox(QMessageBox::ButtonRole role);
+    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
+    void run(const QString &sql) { QVERIFY(!runSql(m_database.get(), sql)); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_store;
+    SqliteDatabase m_database;
+    std::unique_ptr<FussyRecords> m_records;
+    std::unique_ptr<CataloguePage> m_window;
+    std::unique_ptr<QObject> m_answers; ///< which are not given any more once it is gone
+    QString m_lost;                     ///< what the page is told of the store file
+    QString m_boxText;
+};
+
+} // namespace harrowby::app::test
