@@ -24,8 +24,8 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int codeWidth = 142; // 13 digits
-constexpr int countWidth = 76;
+constexpr int codeWidth = 158; // 13 digits
+constexpr int countWidth = 74;
 
 QComboBox *makeBox(QWidget *parent, const QString &objectName, const QString &accessibleName)
 {
