@@ -90,7 +90,7 @@ QByteArray utf8FromUtf16(QByteArrayView bytes, CsvEncoding encoding)
         const char16_t unit = unitAt(at);
         const bool isPair =
             QChar::isHighSurrogate(unit) && at + 3 < bytes.size() && QChar::isLowSurrogate(unitAt(at + 2));
-        appendUtf8(utf8, isPair ? QChar::surrogateToUcs4(unit, unitAt(at + 2)) : char32_t(unit));
+        appendUtf8(utf8, isPair ? QChar::surrogateToUcs4(unit, unitAt(at + 2)) : static_cast<char32_t>(unit));
         at += isPair ? 2 : 0;
     }
     if (at < bytes.size())
