@@ -96,6 +96,7 @@ void CodeJudge::asStored(const ImportLine &line, StagedPiece &piece) const
     code.code = line.stored.at(Code);
     code.stockId = line.stored.at(Item);
     code.units = line.stored.at(Units).value;
+    code.unitsAreText = line.stored.at(Units).isText;
     piece.codes << code;
 }
 

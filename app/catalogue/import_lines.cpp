@@ -46,6 +46,7 @@ bool ImportLines::next(ImportLine &line)
     line.column.clear();
     line.fault.clear();
     line.stored.clear();
+    line.hasWords = m_isExport && !m_row.cells.constLast().isEmpty();
     readCells(line);
     if (m_row.fault)
         noteFault(line, m_row.fault->column, faultWords(m_row.fault->kind));

@@ -17,6 +17,7 @@ struct ImportLine
     qint64 line = 0;
     QStringList cells;         ///< by importColumns(), not trimmed; null where the file has no such column
     QList<StoredValue> stored; ///< of an export of our own the very values, by its columns; else empty
+    bool hasWords = false;     ///< of an export of our own: its last column says something
     QString column;            ///< the heading, where the row cannot be read
     QString fault;             ///< why it cannot, in words for a person; else empty
 

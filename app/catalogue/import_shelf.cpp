@@ -208,6 +208,8 @@ bool ImportShelf::putCodes(std::int64_t id, const QList<StagedCode> &codes)
             all.last().texts << codePlace;
         if (code.stockId.isText)
             all.last().texts << codePlace + 1;
+        if (code.unitsAreText)
+            all.last().texts << codePlace + 2;
     }
     return putAll(u"HarrowbyImportCode"_s, columns, all);
 }

@@ -80,6 +80,7 @@ struct StagedCode
     StoredValue code;
     StoredValue stockId;
     RecordValue units;
+    bool unitsAreText = false; ///< bytes that are to be a text
     RecordValue oldStockId;
     RecordValue oldUnits;
     QStringList spellings; ///< other lengths of the same number, three at most

@@ -82,6 +82,8 @@ QString storedUse(const QString &use)
 
 RecordValue stagedValue(const RecordValue &stored)
 {
+    if (const auto *real = std::get_if<double>(&stored); real != nullptr && std::isinf(*real))
+        return *real > 0 ? u"9e999"_s : u"-9e999"_s; // digits that an infinite number is made of
     const bool isNumber = std::holds_alternative<std::int64_t>(stored) || std::holds_alternative<double>(stored);
     return isNumber ? RecordValue(recordText(stored)) : stored;
 }

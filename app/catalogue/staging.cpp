@@ -22,6 +22,17 @@ ImportEnd stopped()
     return {ImportEnd::Kind::Cancelled, u"The preview was cancelled."_s};
 }
 
+/// The key, and the name where there is one, as the file has them.
+StagedRow unchangedRow(const ImportLine &line)
+{
+    StagedRow row;
+    row.line = line.line;
+    row.what = RowKind::Unchanged;
+    row.stockId = line.cells.value(0);
+    row.fresh[NamePart] = line.cells.value(1);
+    return row;
+}
+
 } // namespace
 
 Imported<StagedImport> Staging::run(const QDateTime &now)
@@ -129,6 +140,7 @@ Staging::Done Staging::stageCategories()
 
 Staging::Done Staging::stageBy(ImportLines &lines, const Judge &judge)
 {
+    EqualRows equal(m_records, lines, m_choices);
     QList<ImportLine> piece;
     ImportLine line;
     bool isThere = true;
@@ -138,17 +150,49 @@ Staging::Done Staging::stageBy(ImportLines &lines, const Judge &judge)
             piece << line;
         if (piece.isEmpty() || (isThere && piece.size() < rowsInOnePiece))
             continue;
-        const auto judged = judge(piece);
-        if (!judged)
-            return Unexpected(importFailed(notPreviewed, judged.error()));
-        if (const auto failure = m_shelf.put(m_staged.id, *judged))
+        const auto found = judged(piece, judge, equal);
+        if (!found)
+            return Unexpected(importFailed(notPreviewed, found.error()));
+        if (const auto failure = m_shelf.put(m_staged.id, *found))
             return Unexpected(importFailed(notPreviewed, *failure));
-        count(*judged);
+        count(*found);
         piece.clear();
         if (!m_watch({u"The rows are being compared with the store …"_s, lines.percent()}))
             return Unexpected(stopped());
     }
     return {};
+}
+
+/// What stands in the store as it is, is unchanged, whatever the judge would say of it. One that he lets pass is not
+/// compared again.
+Records::Answer<StagedPiece> Staging::judged(const QList<ImportLine> &lines, const Judge &judge, EqualRows &equal) const
+{
+    StagedPiece same;
+    QList<ImportLine> others;
+    for (const ImportLine &line : lines) {
+        const auto isEqual = equal.isOdd(line) ? equal.has(line) : Records::Answer<bool>(false);
+        if (!isEqual)
+            return Unexpected(isEqual.error());
+        if (*isEqual)
+            same.rows << unchangedRow(line);
+        else
+            others << line;
+    }
+    auto piece = judge(others);
+    if (!piece)
+        return piece;
+    for (qsizetype i = 0; i < piece->rows.size(); ++i) {
+        StagedRow &row = piece->rows[i];
+        if (row.what != RowKind::Refused)
+            continue;
+        const auto isEqual = equal.has(others.at(i));
+        if (!isEqual)
+            return Unexpected(isEqual.error());
+        if (*isEqual)
+            row = unchangedRow(others.at(i));
+    }
+    piece->rows << same.rows;
+    return piece;
 }
 
 Staging::Done Staging::putNewCategories(const QStringList &names)

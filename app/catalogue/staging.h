@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/catalogue/equal_rows.h"
 #include "app/catalogue/import_file.h"
 #include "app/catalogue/import_lines.h"
 #include "app/catalogue/import_shelf.h"
@@ -37,6 +38,8 @@ private:
     [[nodiscard]] Done stageCodes();
     [[nodiscard]] Done stageCategories();
     [[nodiscard]] Done stageBy(ImportLines &lines, const Judge &judge);
+    [[nodiscard]] Records::Answer<StagedPiece> judged(const QList<ImportLine> &lines, const Judge &judge,
+                                                      EqualRows &equal) const;
     [[nodiscard]] Done putNewCategories(const QStringList &names);
     [[nodiscard]] Done taken(const Records::Answer<bool> &census) const;
     void count(const StagedPiece &piece);
