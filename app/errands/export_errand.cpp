@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/errands/export_errand.h"
 
+#include "app/activity/activity_export.h"
 #include "app/export/export.h"
 #include "app/records/deeds.h"
 #include "app/records/sqlite_records.h"
@@ -9,6 +10,8 @@
 #include "app/start/start_message.h"
 
 #include <QFileInfo>
+
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -28,16 +31,41 @@ void note(const ErrandStore &store, const QString &what)
             u"The store could not note that this list was exported (%1). The file is good."_s.arg(failure->reason));
 }
 
-ExitCode exportFrom(const ErrandStore &store, const ExportRequest &request, const QString &file)
+/// What a list is, and what the store notes of it.
+struct ErrandList
 {
-    const ExportEnd end = exportList(store.path, file, request, [](const WorkStep &) { return true; });
+    std::function<ExportEnd(const QString &store, const QString &file, const WorkWatch &watch)> write;
+    std::function<QString(const ExportEnd &end, const QString &file)> words;
+};
+
+ErrandList listOf(const ExportRequest &request)
+{
+    return {[request](const QString &store, const QString &file, const WorkWatch &watch) {
+                return exportList(store, file, request, watch);
+            },
+            [request](const ExportEnd &end, const QString &file) { return exportDeedWords(request, end, file); }};
+}
+
+ErrandList activityList(const ExportRequest &request)
+{
+    ActivityFilter filter;
+    filter.days = {request.from, request.to};
+    return {[filter, form = request.form](const QString &store, const QString &file, const WorkWatch &watch) {
+                return exportActivity(store, file, form, filter, watch);
+            },
+            [](const ExportEnd &end, const QString &file) { return activityDeedWords(end, file); }};
+}
+
+ExitCode exportFrom(const ErrandStore &store, const ErrandList &list, const QString &file)
+{
+    const ExportEnd end = list.write(store.path, file, [](const WorkStep &) { return true; });
     if (!storeIsStillThere(store))
         return ExitCode::ErrandFailed;
     if (end.outcome != ExportEnd::Outcome::Done) {
         tellOfErrand(end.problem);
         return ExitCode::ErrandFailed;
     }
-    const QString done = exportDeedWords(request, end, file);
+    const QString done = list.words(end, file);
     note(store, done);
     printOut(done + u'\n');
     return ExitCode::Done;
@@ -65,15 +93,15 @@ Reason readDay(const ErrandLine &line, const QString &option, QDate &day)
     return {};
 }
 
-Reason readDays(const ErrandLine &line, ExportRequest &request)
+Reason readDays(const ErrandLine &line, ExportRequest &request, bool hasDays)
 {
     for (const auto &[option, day] : {std::pair(u"--from"_s, &request.from), std::pair(u"--to"_s, &request.to)}) {
         if (const Reason refused = readDay(line, option, *day))
             return refused;
     }
     const bool isLimited = request.from.isValid() || request.to.isValid();
-    if (isLimited && request.kind != ExportKind::Purchases)
-        return u"--from and --to go with purchases only."_s;
+    if (isLimited && !hasDays)
+        return u"--from and --to go with purchases and activity only."_s;
     if (request.from.isValid() && request.to.isValid() && request.from > request.to)
         return u"--from is later than --to."_s;
     return {};
@@ -101,16 +129,18 @@ Reason readForm(const ErrandLine &line, CsvForm &form)
 Result<Errand, QString> readExportErrand(const ErrandLine &line)
 {
     ExportRequest request;
+    const bool isActivity = line.values.at(0).compare(u"activity"_s, Qt::CaseInsensitive) == 0;
     const auto kind = exportKindNamed(line.values.at(0));
-    if (!kind)
-        return Unexpected(u"--export takes items, categories, codes or purchases, then a file."_s);
-    request.kind = *kind;
+    if (!kind && !isActivity)
+        return Unexpected(u"--export takes items, categories, codes, purchases or activity, then a file."_s);
+    request.kind = kind.value_or(ExportKind::Purchases);
     if (const Reason refused = readForm(line, request.form))
         return Unexpected(*refused);
-    if (const Reason refused = readDays(line, request))
+    if (const Reason refused = readDays(line, request, isActivity || kind == ExportKind::Purchases))
         return Unexpected(*refused);
-    return Errand([request, file = QFileInfo(line.values.at(1)).absoluteFilePath()](const ErrandStore &store) {
-        return exportFrom(store, request, file);
+    const ErrandList list = isActivity ? activityList(request) : listOf(request);
+    return Errand([list, file = QFileInfo(line.values.at(1)).absoluteFilePath()](const ErrandStore &store) {
+        return exportFrom(store, list, file);
     });
 }
 

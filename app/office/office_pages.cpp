@@ -5,6 +5,7 @@
 #include "app/backup/good_backups.h"
 #include "app/exchange/catalogue_page.h"
 #include "app/labels/labels_page.h"
+#include "app/office/activity_page.h"
 #include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
 #include "app/office/receipt_page.h"
@@ -124,6 +125,18 @@ OfficePageEntry backupEntry()
             [](const Context &c) { return backupWarning(*c.records, QDateTime::currentDateTimeUtc()); }};
 }
 
+OfficePageEntry activityEntry()
+{
+    return {u"Activit&y"_s,
+            keepingGroup,
+            Administrator,
+            u"Who did what, and when"_s,
+            {{u"log history journal audit"_s, {}},
+             {u"price changed by hand deleted undone drawer opened login refused"_s, u"activityKind"_s},
+             {u"export CSV file"_s, u"saveActivity"_s}},
+            [](const Context &c, QWidget *parent) { return new ActivityPage(c.deeds(), c.store, parent); }};
+}
+
 OfficePageEntry labelsEntry()
 {
     return {u"&Labels"_s,
@@ -171,7 +184,7 @@ const QList<OfficePageEntry> &officePages()
     static const QList<OfficePageEntry> pages = {
         usersEntry(),     receiptEntry(), cashEntry(),   shopEntry(), // Shop
         catalogueEntry(), codesEntry(),   labelsEntry(),              // Stock
-        backupEntry(),                                                // Keeping
+        backupEntry(),    activityEntry(),                               // Keeping
         readersEntry(),                                               // This Machine
     };
     return pages;

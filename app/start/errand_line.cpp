@@ -40,7 +40,7 @@ const QList<ErrandForm> &errandForms()
     static const QList<ErrandForm> forms = {
         {u"--backup"_s, {u"the folder that the backup goes into"_s}, {{u"--keep"_s, u"how many backups stay"_s}}},
         {u"--export"_s,
-         {u"what is exported (items, categories, codes or purchases) and a file"_s,
+         {u"what is exported (items, categories, codes, purchases or activity) and a file"_s,
           u"a file, behind what is exported"_s},
          {{u"--from"_s, u"a day"_s},
           {u"--to"_s, u"a day"_s},

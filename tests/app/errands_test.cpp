@@ -51,6 +51,7 @@ private Q_SLOTS:
     void fullDiskKeepsTheOldBackup();
     void killedBackupLeavesNothing();
     void listsAreExported();
+    void activityIsWritten();
     void wrongExportIsRefused_data();
     void wrongExportIsRefused();
     void fullDiskKeepsTheOldList();
@@ -235,6 +236,25 @@ void ErrandsTest::listsAreExported()
     QCOMPARE(away(), QStringList(u"items.csv"_s));
 }
 
+void ErrandsTest::activityIsWritten()
+{
+    const QStringList items = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s};
+    QCOMPARE(run(items).code, 0);
+    const ErrandEnd outcome = run({u"--export"_s, u"activity"_s, u"away/activity.csv"_s, u"--from"_s, u"yesterday"_s,
+                                   u"--separator"_s, u"semicolon"_s, u"--database"_s, u"shop.sqlite"_s});
+    QCOMPARE(outcome.errors, QString());
+    QCOMPARE(outcome.out, u"Activity, 1 row, to %1\n"_s.arg(path(u"away/activity.csv"_s)));
+    QFile made(path(u"away/activity.csv"_s));
+    QVERIFY(made.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(made.readAll()).split(u"\r\n"_s);
+    QCOMPARE(lines.value(0), u"Time;Kind;User;Place;What"_s);
+    QVERIFY2(lines.value(1).contains(u";Catalogue and codes;command line"_s), qPrintable(lines.value(1)));
+    QVERIFY2(lines.value(1).contains(u"Items, 1 row, to "_s), qPrintable(lines.value(1)));
+    const ErrandEnd before = run({u"--export"_s, u"activity"_s, u"away/activity.csv"_s, u"--to"_s, u"2019-01-01"_s,
+                                  u"--database"_s, u"shop.sqlite"_s});
+    QVERIFY2(before.out.startsWith(u"Activity, 0 rows"_s), qPrintable(before.out));
+}
+
 void ErrandsTest::wrongExportIsRefused_data()
 {
     QTest::addColumn<QStringList>("given");
@@ -249,7 +269,7 @@ void ErrandsTest::wrongExportIsRefused_data()
     QTest::newRow("days around") << purchases + QStringList{u"--from"_s, u"2026-02-02"_s, u"--to"_s, u"2026-02-01"_s}
                                  << u"later than"_s;
     QTest::newRow("days of items") << QStringList{u"--export"_s, u"items"_s, u"away/x.csv"_s, u"--from"_s, u"today"_s}
-                                   << u"with purchases only"_s;
+                                   << u"with purchases and activity only"_s;
 }
 
 void ErrandsTest::wrongExportIsRefused()
