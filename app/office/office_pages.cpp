@@ -182,10 +182,10 @@ QString OfficePageEntry::title() const
 const QList<OfficePageEntry> &officePages()
 {
     static const QList<OfficePageEntry> pages = {
-        usersEntry(),     receiptEntry(), cashEntry(),   shopEntry(), // Shop
-        catalogueEntry(), codesEntry(),   labelsEntry(),              // Stock
-        backupEntry(),    activityEntry(),                               // Keeping
-        readersEntry(),                                               // This Machine
+        usersEntry(),     receiptEntry(),  cashEntry(),   shopEntry(), // Shop
+        catalogueEntry(), codesEntry(),    labelsEntry(),              // Stock
+        backupEntry(),    activityEntry(),                             // Keeping
+        readersEntry(),                                                // This Machine
     };
     return pages;
 }
