@@ -4,11 +4,13 @@
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/backup/good_backups.h"
+#include "app/backup/nightly_dialog.h"
 #include "app/backup/restore_dialog.h"
 #include "app/boxes/office_box.h"
 #include "app/shop/workshop.h"
 #include "theme/dialogs.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -57,6 +59,7 @@ BackupPage::BackupPage(sqlite3 *database, const SignedDeeds &deeds, const QStrin
     connect(&m_job, &BackupJob::finished, this, &BackupPage::finish);
     setRunning(false);
     showLast();
+    m_nightlyState->setText(nightlyText(nightly(), QCoreApplication::applicationFilePath()));
 }
 
 void BackupPage::createControls()
@@ -78,6 +81,11 @@ void BackupPage::createControls()
     m_progress->setMinimumHeight(32);
     m_outcome = makeOfficeText(this, {});
     m_outcome->setObjectName(u"backupOutcome"_s);
+    m_nightly = new QPushButton(u"Every &Day \u2026"_s, this);
+    m_nightly->setObjectName(u"nightlyBackup"_s);
+    connect(m_nightly, &QPushButton::clicked, this, &BackupPage::keepNightly);
+    m_nightlyState = makeOfficeText(this, {});
+    m_nightlyState->setObjectName(u"nightlyState"_s);
     m_restore = new QPushButton(u"Restore &a Backup \u2026"_s, this);
     m_restore->setObjectName(u"restoreBackup"_s);
     connect(m_restore, &QPushButton::clicked, this, &BackupPage::chooseRestore);
@@ -114,8 +122,10 @@ void BackupPage::layOut()
     rows->addStretch(1);
     auto *more = new QHBoxLayout;
     more->setSpacing(12);
+    more->addWidget(m_nightly);
     more->addStretch(1);
     more->addWidget(m_restore);
+    rows->addWidget(m_nightlyState);
     rows->addLayout(more);
 }
 
@@ -215,6 +225,22 @@ void BackupPage::showLast()
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const BackupState state = backupState(goodBackups(m_deeds.records()), now);
     m_last->setText((state.isOverdue ? u"\u26a0 "_s : u"\u2713 "_s) + backupStateText(state, now));
+}
+
+NightlyTimer BackupPage::nightly() const
+{
+    return NightlyTimer({QCoreApplication::applicationFilePath(), realTarget(m_store)});
+}
+
+void BackupPage::keepNightly()
+{
+    if (m_job.isRunning())
+        return;
+    NightlyDialog dialog(nightly(), this);
+    dialog.exec();
+    if (!dialog.changed().isEmpty())
+        (void)m_deeds.add(deed::settingChanged, dialog.changed());
+    m_nightlyState->setText(nightlyText(nightly(), QCoreApplication::applicationFilePath()));
 }
 
 void BackupPage::chooseRestore()

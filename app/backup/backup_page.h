@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/backup/backup_job.h"
+#include "app/backup/nightly_timer.h"
 #include "app/boxes/office_page.h"
 #include "app/records/deeds.h"
 #include "app/shop/office_settings.h"
@@ -43,6 +44,8 @@ private:
     void showLast();
     void noteGood(const BackupResult &result);
     void chooseRestore();
+    [[nodiscard]] NightlyTimer nightly() const;
+    void keepNightly();
     [[nodiscard]] QString loss() const;
 
     sqlite3 *m_database;
@@ -54,10 +57,12 @@ private:
     QPushButton *m_choose = nullptr;
     QPushButton *m_start = nullptr;
     QPushButton *m_stop = nullptr;
+    QPushButton *m_nightly = nullptr;
     QPushButton *m_restore = nullptr;
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
     QLabel *m_last = nullptr;
+    QLabel *m_nightlyState = nullptr;
     BackupJob m_job; ///< last, so that it ends before the members that its signals reach are destroyed
 };
 

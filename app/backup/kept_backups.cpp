@@ -21,15 +21,6 @@ namespace harrowby::app {
 
 namespace {
 
-QString markOf(const QString &store)
-{
-    constexpr qsizetype shortened = 8;
-    const QByteArray machine = QSysInfo::machineUniqueId();
-    const QByteArray where =
-        (machine.isEmpty() ? QSysInfo::machineHostName().toUtf8() : machine) + '\n' + realTarget(store).toUtf8();
-    return QString::fromLatin1(QCryptographicHash::hash(where, QCryptographicHash::Sha256).toHex().left(shortened));
-}
-
 QString baseOf(const QString &store)
 {
     return QFileInfo(realTarget(store)).completeBaseName();
@@ -55,15 +46,24 @@ void removeOldest(KeptBackup &kept, const QString &folder, const QString &store,
 
 } // namespace
 
+QString storeMark(const QString &store)
+{
+    constexpr qsizetype shortened = 8;
+    const QByteArray machine = QSysInfo::machineUniqueId();
+    const QByteArray where =
+        (machine.isEmpty() ? QSysInfo::machineHostName().toUtf8() : machine) + '\n' + realTarget(store).toUtf8();
+    return QString::fromLatin1(QCryptographicHash::hash(where, QCryptographicHash::Sha256).toHex().left(shortened));
+}
+
 QString keptBackupName(const QString &store, const QDateTime &moment)
 {
-    return u"%1-%2-%3.%4"_s.arg(baseOf(store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), markOf(store), copySuffix);
+    return u"%1-%2-%3.%4"_s.arg(baseOf(store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), storeMark(store), copySuffix);
 }
 
 QStringList keptBackups(const QString &folder, const QString &store)
 {
     const QRegularExpression form(u"^%1-(\\d{4}-\\d{2}-\\d{2}-\\d{6})-%2(?:-(\\d{1,4}))?\\.%3$"_s.arg(
-        QRegularExpression::escape(baseOf(store)), markOf(store), copySuffix));
+        QRegularExpression::escape(baseOf(store)), storeMark(store), copySuffix));
     QList<std::pair<Place, QString>> found;
     const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     for (const QFileInfo &file : files) {

@@ -14,6 +14,9 @@ namespace harrowby::app {
 /// one for a store of the same name in another folder or on another machine.
 [[nodiscard]] QString keptBackupName(const QString &store, const QDateTime &moment);
 
+/// The mark of this very store, eight hexadecimal digits.
+[[nodiscard]] QString storeMark(const QString &store);
+
 /// The backups of this very store in the folder, by their names, the newest first. Absolute paths.
 [[nodiscard]] QStringList keptBackups(const QString &folder, const QString &store);
 

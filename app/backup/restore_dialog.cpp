@@ -25,7 +25,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr QSize usualSize(720, 540);
+constexpr QSize restoreSize(720, 540);
 constexpr qsizetype mostUsers = 12;
 
 QString timeText(const QDateTime &time, const QString &none)
@@ -59,7 +59,7 @@ RestoreDialog::RestoreDialog(QString store, const StoreContents &now, const QStr
     createControls();
     layOut();
     dressDialog(*this);
-    resize(usualSize.boundedTo(roomFor(*this)));
+    resize(restoreSize.boundedTo(roomFor(*this)));
     fill(0, nullptr);
     fill(1, &m_now);
     m_file->setText(QDir::toNativeSeparators(file));

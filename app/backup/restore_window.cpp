@@ -18,7 +18,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int usualWidth = 560;
+constexpr int restoringWidth = 560;
 
 /// Closing it cancels the restore, and it goes when that has ended.
 class RestoreWindow : public QDialog
@@ -28,7 +28,7 @@ public:
     {
         setWindowTitle(u"Restoring"_s);
         setObjectName(u"restoreWindow"_s);
-        setMinimumWidth(usualWidth);
+        setMinimumWidth(restoringWidth);
         enlargeFont(*this);
         auto *rows = new QVBoxLayout(this);
         rows->setContentsMargins(24, 20, 24, 20);

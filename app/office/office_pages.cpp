@@ -116,7 +116,9 @@ OfficePageEntry backupEntry()
             keepingGroup,
             Administrator,
             u"Copies of the store"_s,
-            {{u"save copy safe stick"_s, u"startBackup"_s}, {u"restore bring back"_s, u"restoreBackup"_s}},
+            {{u"save copy safe stick"_s, u"startBackup"_s},
+             {u"restore bring back"_s, u"restoreBackup"_s},
+             {u"automatic timer daily night systemd"_s, u"nightlyBackup"_s}},
             [](const Context &c, QWidget *parent) {
                 auto *page = new BackupPage(c.database, c.deeds(), c.store, c.settings, parent);
                 page->watchStore(c.loss);

@@ -167,7 +167,6 @@ void KeptBackupsTest::twoAtOnceLeaveTheNewest()
     QStringList names;
     for (const KeptBackup &one : kept)
         names << made(one).file;
-    QCOMPARE(names.removeDuplicates(), 0);
     const QStringList left = keptBackups(path(u"away"_s), path(u"big.sqlite"_s));
     QVERIFY(!left.isEmpty());
     std::ranges::sort(names, std::less(), [](const QString &name) { return std::pair(name.size(), name); });
