@@ -24,8 +24,8 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int codeWidth = 158; // 13 digits
-constexpr int countWidth = 74;
+constexpr int codeWidth = 152; // 13 digits
+constexpr int countWidth = 80;
 
 QComboBox *makeBox(QWidget *parent, const QString &objectName, const QString &accessibleName)
 {
