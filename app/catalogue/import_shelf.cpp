@@ -125,7 +125,9 @@ Records::Answer<std::int64_t> ImportShelf::begin(const ShelvedImport &import)
             failure = last.error();
             return false;
         }
-        id = recordNumber(last->constFirst().constFirst()) + 1;
+        // Never the number of one that was cleared away: its office may still have it on the screen.
+        id = std::max(recordNumber(last->constFirst().constFirst()) + 1,
+                      std::int64_t(QDateTime::currentMSecsSinceEpoch()));
         const auto written = m_records.write(
             kept::import(), {insertInto(u"HarrowbyImport"_s, (importFields + u", TakenBackBy"_s).split(u", "_s)),
                              {id, import.kind, QString(import_state::staging), import.file, import.hash, import.choices,

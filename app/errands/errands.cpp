@@ -4,6 +4,7 @@
 #include "app/errands/backup_errand.h"
 #include "app/errands/errand.h"
 #include "app/errands/export_errand.h"
+#include "app/errands/import_errand.h"
 #include "app/errands/restore_errand.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/file_facts.h"
@@ -32,6 +33,7 @@ Result<Errand, QString> readErrand(const ErrandLine &line)
     const std::pair<QString, Result<Errand, QString> (*)(const ErrandLine &)> readers[] = {
         {u"--backup"_s, readBackupErrand},
         {u"--export"_s, readExportErrand},
+        {u"--import"_s, readImportErrand},
     };
     for (const auto &[name, read] : readers) {
         if (line.name == name)

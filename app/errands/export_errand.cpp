@@ -2,6 +2,7 @@
 #include "app/errands/export_errand.h"
 
 #include "app/activity/activity_export.h"
+#include "app/errands/form_options.h"
 #include "app/export/export.h"
 #include "app/records/deeds.h"
 #include "app/records/sqlite_records.h"
@@ -107,23 +108,6 @@ Reason readDays(const ErrandLine &line, ExportRequest &request, bool hasDays)
     return {};
 }
 
-Reason readForm(const ErrandLine &line, CsvForm &form)
-{
-    if (line.options.contains(u"--separator"_s)) {
-        const auto separator = separatorNamed(line.options.value(u"--separator"_s));
-        if (!separator)
-            return u"--separator takes comma, semicolon, tab or bar."_s;
-        form.separator = *separator;
-    }
-    if (line.options.contains(u"--decimal"_s)) {
-        const auto sign = decimalSignNamed(line.options.value(u"--decimal"_s));
-        if (!sign)
-            return u"--decimal takes point or comma."_s;
-        form.decimalSign = *sign;
-    }
-    return {};
-}
-
 } // namespace
 
 Result<Errand, QString> readExportErrand(const ErrandLine &line)
@@ -134,7 +118,7 @@ Result<Errand, QString> readExportErrand(const ErrandLine &line)
     if (!kind && !isActivity)
         return Unexpected(u"--export takes items, categories, codes, purchases or activity, then a file."_s);
     request.kind = kind.value_or(ExportKind::Purchases);
-    if (const Reason refused = readForm(line, request.form))
+    if (const Reason refused = readFormOptions(line, request.form))
         return Unexpected(*refused);
     if (const Reason refused = readDays(line, request, isActivity || kind == ExportKind::Purchases))
         return Unexpected(*refused);

@@ -46,6 +46,18 @@ const QList<ErrandForm> &errandForms()
           {u"--to"_s, u"a day"_s},
           {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
           {u"--decimal"_s, u"point or comma"_s}}},
+        {u"--import"_s,
+         {u"the file that is imported"_s},
+         {{u"--dry-run"_s, {}},
+          {u"--kind"_s, u"items, categories or codes"_s},
+          {u"--encoding"_s, u"utf-8, utf-16, utf-16be or windows-1252"_s},
+          {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
+          {u"--decimal"_s, u"point or comma"_s},
+          {u"--stock-in-hand"_s, {}},
+          {u"--capitals"_s, {}},
+          {u"--no-categories"_s, {}},
+          {u"--valid-rows"_s, {}},
+          {u"--as-stored"_s, {}}}},
         {u"--restore"_s, {u"the backup that is to be brought back"_s}, {}},
     };
     return forms;

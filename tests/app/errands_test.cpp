@@ -14,6 +14,7 @@
 #include <QTest>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <functional>
@@ -56,8 +57,12 @@ private Q_SLOTS:
     void wrongExportIsRefused();
     void fullDiskKeepsTheOldList();
     void backupIsRestored();
+    void fileIsImported();
+    void wrongImportIsRefused_data();
+    void wrongImportIsRefused();
 
 private:
+    void write(const QString &name, const QByteArray &text) const;
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
     [[nodiscard]] QStringList away() const
     {
@@ -74,6 +79,12 @@ void ErrandsTest::init()
     m_home = std::make_unique<QTemporaryDir>();
     makeStore(path(u"shop.sqlite"_s));
     QVERIFY(QDir(m_home->path()).mkdir(u"away"_s));
+}
+
+void ErrandsTest::write(const QString &name, const QByteArray &text) const
+{
+    QFile file(path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
 }
 
 void ErrandsTest::prepare(QProcess &process) const
@@ -325,6 +336,58 @@ void ErrandsTest::backupIsRestored()
     QVERIFY2(outcome.out.contains(u"shop-before-restore-"_s), qPrintable(outcome.out));
     QCOMPARE(run({u"--database=none"_s, u"--restore"_s, backup}).code, 4);
     QVERIFY(!QFile::exists(path(u"none"_s)));
+}
+
+void ErrandsTest::fileIsImported()
+{
+    write(u"list.csv"_s, "Artikelnummer;Bezeichnung;Preis\nTEA-0001;;3,50\nNEW;Tee;1,25\n");
+    const QStringList order = {u"--database"_s, u"shop.sqlite"_s, u"--import"_s, u"list.csv"_s};
+    const QString prices = u"SELECT StockID || ' ' || StockName || ' ' || StockCost FROM StockList ORDER BY 1"_s;
+    const QString seen = u"list.csv: items, UTF-8, Semicolon ( ; ), decimal comma\n"
+                         "0 new, 1 changed, 0 unchanged, 1 refused\n"
+                         "Line 3, Bezeichnung: It is not in capitals.\n"_s;
+    for (const QStringList &options : {QStringList{u"--dry-run"_s}, QStringList()}) {
+        const ErrandEnd refused = run(order + options);
+        QCOMPARE(refused.out, seen);
+        QCOMPARE(refused.code, 7);
+        QCOMPARE(column(path(u"shop.sqlite"_s), prices), QStringList{u"TEA-0001 TEA 2.5"_s});
+    }
+    const ErrandEnd valid = run(order + QStringList{u"--valid-rows"_s});
+    QVERIFY2(valid.out.startsWith(seen) && valid.out.contains(u"harrowby-before-import-"_s) &&
+                 valid.out.endsWith(u"Imported: 0 new, 1 changed\n"_s),
+             qPrintable(valid.out));
+    QCOMPARE(valid.code, 7);
+    const ErrandEnd whole = run(order + QStringList{u"--capitals"_s});
+    QVERIFY2(whole.code == 0 && whole.out.endsWith(u"Imported: 1 new, 0 changed\n"_s), qPrintable(whole.out));
+    QCOMPARE(column(path(u"shop.sqlite"_s), prices), (QStringList{u"NEW TEE 1.25"_s, u"TEA-0001 TEA 3.5"_s}));
+    QCOMPARE(run(order + QStringList{u"--capitals"_s, u"--dry-run"_s}).code, 0);
+}
+
+void ErrandsTest::wrongImportIsRefused_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("no file") << QStringList{} << 2 << u"--import needs the file that is imported."_s;
+    QTest::newRow("kind") << QStringList{u"either.csv"_s, u"--kind"_s, u"users"_s} << 2 << u"--kind takes items"_s;
+    QTest::newRow("encoding") << QStringList{u"either.csv"_s, u"--encoding"_s, u"ascii"_s} << 2
+                              << u"--encoding takes"_s;
+    QTest::newRow("missing") << QStringList{u"none.csv"_s} << 6 << u"cannot be read"_s;
+    QTest::newRow("either sign") << QStringList{u"either.csv"_s, u"--dry-run"_s} << 6 << u"(1,234 in line 2)"_s;
+    QTest::newRow("pipe") << QStringList{u"pipe"_s} << 6 << u"cannot be read"_s;
+}
+
+void ErrandsTest::wrongImportIsRefused()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, code);
+    QFETCH(QString, said);
+    write(u"either.csv"_s, "StockID;Price\nTEA-0001;1,234\n");
+    QCOMPARE(::mkfifo(qPrintable(path(u"pipe"_s)), 0600), 0);
+    const ErrandEnd refused = run(QStringList{u"--database"_s, u"shop.sqlite"_s, u"--import"_s} + options);
+    QCOMPARE(refused.code, code);
+    QVERIFY2(refused.errors.contains(said), qPrintable(refused.errors));
+    QCOMPARE(refused.out, QString());
 }
 
 HARROWBY_CORE_TEST(app_errands_test, ErrandsTest)
