@@ -22,7 +22,7 @@ namespace harrowby::app::test {
     return {QStringLiteral("ADMINISTRATOR"), true, true};
 }
 
-/// The office's window, with all its pages built, over a store with the users ADMINISTRATOR, ANNA and BOB, anew for
+/// The office's window over a store with the users ADMINISTRATOR, ANNA and BOB, anew for
 /// each test function.
 class OfficeDesk : public QObject
 {
@@ -33,8 +33,18 @@ protected Q_SLOTS:
     void cleanup();
 
 protected:
+    /// Builds all pages when it is on none that is built.
     template <class Widget>
     [[nodiscard]] Widget *part(const char *name) const
+    {
+        auto *found = builtPart<Widget>(name);
+        if (found == nullptr)
+            m_window->buildPages();
+        return found != nullptr ? found : builtPart<Widget>(name);
+    }
+    /// Null when its page is not built.
+    template <class Widget>
+    [[nodiscard]] Widget *builtPart(const char *name) const
     {
         return m_window->findChild<Widget *>(QString::fromLatin1(name));
     }

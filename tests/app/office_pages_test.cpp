@@ -95,12 +95,12 @@ void OfficePagesTest::pagesStandInTheirGroups()
 void OfficePagesTest::pageIsBuiltWhenItIsTurnedTo()
 {
     open(officeAdministrator());
-    QVERIFY(part<QPushButton>("addUser") != nullptr);
-    QVERIFY(part<QLineEdit>("receiptTitle") == nullptr);
+    QVERIFY(builtPart<QPushButton>("addUser") != nullptr);
+    QVERIFY(builtPart<QLineEdit>("receiptTitle") == nullptr);
     showPage(u"Receipt"_s);
-    QVERIFY(part<QLineEdit>("receiptTitle")->isVisible());
-    QVERIFY(part<QLineEdit>("drawerName") == nullptr);
-    QVERIFY(!part<QPushButton>("saveReceipt")->autoDefault());
+    QVERIFY(builtPart<QLineEdit>("receiptTitle")->isVisible());
+    QVERIFY(builtPart<QLineEdit>("drawerName") == nullptr);
+    QVERIFY(!builtPart<QPushButton>("saveReceipt")->autoDefault());
 }
 
 void OfficePagesTest::stockRightSeesItsPages()
@@ -113,8 +113,8 @@ void OfficePagesTest::stockRightSeesItsPages()
     QVERIFY(part<QLabel>("officeFoot")->text().startsWith(u"ANNA"_s));
     seek(u"drawer"_s);
     QCOMPARE(rows(), QStringList());
-    QVERIFY(part<QPushButton>("addUser") == nullptr);
-    QVERIFY(part<QLineEdit>("drawerName") == nullptr);
+    QVERIFY(builtPart<QPushButton>("addUser") == nullptr);
+    QVERIFY(builtPart<QLineEdit>("drawerName") == nullptr);
 }
 
 void OfficePagesTest::letterTurnsThePage()
@@ -193,6 +193,7 @@ void OfficePagesTest::everyPageIsFoundByItsTitle()
 
 void OfficePagesTest::moreWordsLeadSomewhere()
 {
+    m_window->buildPages();
     for (const OfficePageEntry &entry : officePages()) {
         for (const MoreWords &more : entry.words) {
             QVERIFY2(!more.words.isEmpty(), qPrintable(entry.title()));

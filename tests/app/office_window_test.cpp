@@ -258,7 +258,6 @@ void OfficeWindowTest::searchIsSwitched()
         const OfficeSettings none = {[](const QString &, const QString &, const QString &usual) { return usual; },
                                      [](const QString &, const QString &, const QString &) { return true; }};
         m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, none, officeAdministrator());
-        m_window->buildPages();
         return part<QCheckBox>("searchAnywhere")->isChecked();
     };
     QVERIFY(!reopen());
