@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "bench/activity_work.h"
 #include "bench/catalogue.h"
 #include "bench/counter_works.h"
+#include "bench/exchange_works.h"
 #include "bench/hold_works.h"
 #include "bench/report.h"
 #include "bench/report_work.h"
@@ -38,28 +40,46 @@ struct Plan
     int runs = 0;
     bool counterOnly = false;
     bool reportOnly = false;
-    qint64 comparedAt = 0;              ///< items of the shop in which growth and memory are measured
-    std::optional<CatalogueSize> frame; ///< the shop in which a press and a scan must end within a frame
+    bool officeOnly = false;
+    qint64 comparedAt = 0;                ///< items of the shop in which growth and memory are measured
+    std::optional<CatalogueSize> frame;   ///< the shop in which a press and a scan must end within a frame
+    CatalogueSize office = {100'000, 10}; ///< the shop whose lists are imported and exported
+    int officeRuns = 5;
 };
+
+Plan quickPlan()
+{
+    Plan plan;
+    plan.tenth = {1'000, 100};
+    plan.sizes = {{1'000, 10'000}, {10'000, 20'000}};
+    plan.runs = 5;
+    plan.comparedAt = 10'000;
+    plan.frame = CatalogueSize{2'000, 100};
+    plan.office = {2'000, 10};
+    plan.officeRuns = 1;
+    return plan;
+}
+
+Plan usualPlan(const QCommandLineParser &options)
+{
+    Plan plan;
+    plan.tenth = {10'000, 1'000};
+    plan.sizes = {{1'000, 1'000'000}, {100'000, 1'000'000}};
+    plan.runs = std::max(1, options.value(u"runs"_s).toInt());
+    plan.comparedAt = 100'000;
+    if (options.isSet(u"million"_s))
+        plan.sizes.push_back({1'000'000, 1'000'000});
+    else if (!options.isSet(u"counter"_s) && !options.isSet(u"report"_s))
+        plan.frame = CatalogueSize{1'000'000, 1'000};
+    return plan;
+}
 
 Plan planFor(const QCommandLineParser &options)
 {
-    const bool counterOnly = options.isSet(u"counter"_s);
-    const bool reportOnly = options.isSet(u"report"_s);
-    if (options.isSet(u"quick"_s))
-        return {{1'000, 100},
-                {{1'000, 10'000}, {10'000, 20'000}},
-                5,
-                counterOnly,
-                reportOnly,
-                10'000,
-                CatalogueSize{2'000, 100}};
-    const int runs = std::max(1, options.value(u"runs"_s).toInt());
-    Plan plan{{10'000, 1'000}, {{1'000, 1'000'000}, {100'000, 1'000'000}}, runs, counterOnly, reportOnly, 100'000, {}};
-    if (options.isSet(u"million"_s))
-        plan.sizes.push_back({1'000'000, 1'000'000});
-    else if (!counterOnly && !reportOnly)
-        plan.frame = CatalogueSize{1'000'000, 1'000};
+    Plan plan = options.isSet(u"quick"_s) ? quickPlan() : usualPlan(options);
+    plan.counterOnly = options.isSet(u"counter"_s);
+    plan.reportOnly = options.isSet(u"report"_s);
+    plan.officeOnly = options.isSet(u"office"_s);
     return plan;
 }
 
@@ -82,6 +102,7 @@ private:
     void add(const std::vector<Line> &lines) { m_lines.insert(m_lines.end(), lines.begin(), lines.end()); }
     void add(Line line, double limit);
     void addResident(const QString &name, const char *window, const CatalogueSize &size, double limitMb);
+    void addOffice();
     void compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size);
 
     Plan m_plan;
@@ -90,8 +111,22 @@ private:
     std::vector<Line> m_lines;
 };
 
+/// Lists into the store and out of it, and what happened there, in a shop of their own: they change all of it.
+void Measurement::addOffice()
+{
+    const CatalogueSize &size = m_plan.office;
+    const std::unique_ptr<ShopFile> shop = makeShop(size);
+    say(u"Measuring the office, %1 runs each ..."_s.arg(m_plan.officeRuns));
+    add(measureExchange(fileOf(size), *shop, size.items, m_plan.officeRuns));
+    add(measureActivity(*shop, qint64{10} * size.items, m_plan.officeRuns));
+}
+
 std::vector<Line> Measurement::run()
 {
+    if (m_plan.officeOnly) {
+        addOffice();
+        return m_lines;
+    }
     std::vector<std::unique_ptr<ShopFile>> shops;
     for (const CatalogueSize &size : m_plan.sizes) {
         const ShopFile &shop = *shops.emplace_back(makeShop(size));
@@ -109,6 +144,8 @@ std::vector<Line> Measurement::run()
     }
     if (m_plan.frame)
         add(measureWithinFrame(makeShop(*m_plan.frame)->database(), {m_plan.frame->items, m_plan.runs, m_now}));
+    if (!m_plan.counterOnly && !m_plan.reportOnly)
+        addOffice();
     return m_lines;
 }
 
@@ -168,6 +205,7 @@ void addOptions(QCommandLineParser &options)
     options.addOption({u"quick"_s, u"Small shops and few runs, to see that it works."_s});
     options.addOption({u"counter"_s, u"Leaves out what sells: stock, custom sale, undo and deletion alone."_s});
     options.addOption({u"report"_s, u"The sales report alone."_s});
+    options.addOption({u"office"_s, u"The office's lists and its search alone."_s});
     options.addOption({u"million"_s, u"Measures everything at 1,000,000 items as well."_s});
     options.addOption({u"keep"_s, u"Makes the shops in this empty folder and leaves them there."_s, u"folder"_s});
     QCommandLineOption resident(u"resident"_s, {}, u"window"_s);
