@@ -11,6 +11,8 @@ namespace harrowby::app {
 
 namespace {
 
+constexpr int headingExtra = 12; // the style's bold letters, which the hint leaves out
+constexpr int cellPadding = 32;  // as the style has it
 constexpr qsizetype longestLine = 200;
 
 } // namespace
@@ -34,10 +36,18 @@ void GridView::fitColumns(int most, bool lastTakesRest)
     const int widest = most * fontMetrics().averageCharWidth();
     const int count = model() != nullptr ? model()->columnCount() : 0;
     header()->setStretchLastSection(lastTakesRest);
+    ensurePolished(); // what follows measures with the style's fonts
+    header()->ensurePolished();
     for (int column = 0; column < (lastTakesRest ? count - 1 : count); ++column) {
-        const int needed = std::max(header()->sectionSizeHint(column), sizeHintForColumn(column));
+        const int needed = std::max(header()->sectionSizeHint(column) + headingExtra, sizeHintForColumn(column));
         header()->resizeSection(column, std::min(needed, widest));
     }
+}
+
+void GridView::widen(int column, int letters)
+{
+    const int needed = letters * fontMetrics().averageCharWidth() + cellPadding;
+    header()->resizeSection(column, std::max(header()->sectionSize(column), needed));
 }
 
 QString lineOf(const QString &text)

@@ -16,9 +16,8 @@ namespace harrowby::app {
 
 namespace {
 
-enum Column { Line, State, Key, Name, Words, ColumnCount };
-
-constexpr std::array<QStringView, ColumnCount> captions = {u"Line", u"Row", u"ID", u"Name", u"What becomes of it"};
+constexpr std::array<QStringView, ImportListModel::ColumnCount> captions = {u"Line", u"Row", u"ID", u"Name",
+                                                                            u"What becomes of it"};
 constexpr int rowsOfPage = 100;
 constexpr int mostPages = 30;
 
@@ -67,7 +66,7 @@ QString ImportListModel::wordsOf(int number) const
     const ImportedRow *found = number >= 0 && number < m_count ? row(number) : nullptr;
     if (found == nullptr)
         return {};
-    const QString item = found->name.isEmpty() ? found->key : found->key + u' ' + found->name;
+    const QString item = QString(found->key + u' ' + found->name).trimmed(); // either may be missing
     const QString words = rowWords(*found, m_kind);
     return u"Line %1, %2 %3%4"_s.arg(QString::number(found->line), rowStateWords(found->state), lineOf(item),
                                      words.isEmpty() ? QString() : u": "_s + words);

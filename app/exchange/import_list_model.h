@@ -19,6 +19,8 @@ class ImportListModel final : public QAbstractTableModel
 public:
     using QAbstractTableModel::QAbstractTableModel;
 
+    enum Column { Line, State, Key, Name, Words, ColumnCount };
+
     using Fetch = std::function<Imported<QList<ImportedRow>>(qint64 from, qint64 most)>;
     void show(ImportKind kind, qint64 count, Fetch fetch);
     void clear() { show(ImportKind::Items, 0, {}); }

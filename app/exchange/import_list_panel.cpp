@@ -28,6 +28,7 @@ namespace harrowby::app {
 namespace {
 
 constexpr int widestListCell = 22; // letters
+constexpr int lettersOfName = 14;
 
 } // namespace
 
@@ -115,6 +116,8 @@ void ImportListPanel::list()
                       return CatalogueImport(m_records, m_desk).rows(id, shown, from, most);
                   });
     m_rows->fitColumns(widestListCell, true);
+    m_rows->widen(ImportListModel::Line, static_cast<int>(QString::number(m_model->rowCount()).size()) + 1);
+    m_rows->widen(ImportListModel::Name, lettersOfName);
     m_rows->setCurrentIndex(m_model->index(0, 0));
     m_rows->scrollToTop();
     followRow();

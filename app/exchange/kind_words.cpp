@@ -56,7 +56,7 @@ QString kindWords(ImportKind kind)
 
 QString groupedCount(qint64 count)
 {
-    return QLocale::c().toString(count);
+    return QLocale(QLocale::English).toString(count);
 }
 
 QString countsWords(const ImportCounts &counts)
@@ -117,7 +117,9 @@ QString rowWords(const ImportedRow &row, ImportKind kind)
         return row.column.isEmpty() ? row.reason : u"Column \"%1\": %2"_s.arg(lineOf(row.column), row.reason);
     QStringList words;
     for (const ImportCell &cell : row.cells) {
-        if (row.state != RowFilter::New || !cell.after.isEmpty())
+        // ID and name of a new item stand in columns of their own.
+        const bool isShown = cell.after.isEmpty() || cell.column == u"StockID" || cell.column == u"StockName";
+        if (row.state != RowFilter::New || !isShown)
             words << cellWords(cell, row.state, kind);
     }
     return words.join(u"; "_s);

@@ -130,7 +130,10 @@ void StartPane::followChoice()
 {
     const PastImport *past = current();
     m_takeBack->setEnabled(past != nullptr && past->canBeTakenBack && past->state == PastImport::State::Applied);
-    m_showLeft->setVisible(past != nullptr && past->state == PastImport::State::TakenBack);
+    const auto left = past != nullptr && past->state == PastImport::State::TakenBack
+                          ? CatalogueImport(m_records, m_desk).count(past->id, RowFilter::NotTakenBack)
+                          : Imported<qint64>(0);
+    m_showLeft->setVisible(left.value_or(0) > 0);
 }
 
 } // namespace harrowby::app
