@@ -28,14 +28,18 @@ namespace {
 
 constexpr int entriesOfAPage = 500;
 constexpr int whenColumn = 0;
-constexpr int lettersOfTime = 19;
+constexpr int kindColumn = 1;
+constexpr int placeColumn = 3;
+constexpr int lettersOfTime = 26; // 19, most of them digits, which are wider
+constexpr int lettersOfUser = 22;
+constexpr int roomForAll = 900; ///< a narrower list leaves out what the line below it says
 
 tables::Table emptyActivity()
 {
     tables::Table table;
     table.columns = {{u"When"_s, tables::Kind::Text, false, lettersOfTime},
                      {u"Kind"_s, tables::Kind::Text, false},
-                     {u"User"_s, tables::Kind::Text, false},
+                     {u"User"_s, tables::Kind::Text, false, lettersOfUser},
                      {u"Where"_s, tables::Kind::Text, false},
                      {u"What"_s, tables::Kind::Text, true}};
     return table;
@@ -75,7 +79,7 @@ ActivityPage::ActivityPage(SignedDeeds deeds, QString store, QWidget *parent) :
     rows->addWidget(m_detail);
     rows->addWidget(m_strip);
     rows->addLayout(makeEnd());
-    m_view->show(emptyActivity(), whenColumn, Qt::DescendingOrder);
+    showTable(emptyActivity());
     connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &ActivityPage::showDetail);
 }
 
@@ -169,10 +173,28 @@ void ActivityPage::list()
     for (const ActivityEntry &entry : std::as_const(m_entries))
         table.rows.push_back({entry.when, titleOf(entry.kind), userWords(entry), entry.place, entry.what});
     const QModelIndex before = m_view->currentIndex();
-    m_view->show(std::move(table), whenColumn, Qt::DescendingOrder);
+    showTable(std::move(table));
     if (before.isValid() && before.row() < m_view->model()->rowCount())
         m_view->setCurrentIndex(m_view->model()->index(before.row(), 0));
     showDetail();
+}
+
+void ActivityPage::showTable(tables::Table table)
+{
+    m_view->show(std::move(table), whenColumn, Qt::DescendingOrder);
+    hideColumns();
+}
+
+void ActivityPage::hideColumns()
+{
+    for (const int column : {kindColumn, placeColumn})
+        m_view->setColumnHidden(column, width() < roomForAll);
+}
+
+void ActivityPage::resizeEvent(QResizeEvent *event)
+{
+    OfficePage::resizeEvent(event);
+    hideColumns();
 }
 
 void ActivityPage::sayCount()

@@ -19,6 +19,7 @@ class QLabel;
 class QPushButton;
 
 namespace harrowby::tables {
+struct Table;
 class TableView;
 } // namespace harrowby::tables
 
@@ -47,6 +48,7 @@ public:
 protected:
     /// Looks again each time it is turned to.
     void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     struct Found
@@ -63,6 +65,8 @@ private:
     void look(bool withUsers);
     void take(Result<Found, QString> found);
     void list();
+    void showTable(tables::Table table);
+    void hideColumns();
     void sayCount();
     void showDetail();
     void followBusy(bool busy);

@@ -2,6 +2,7 @@
 #include "app/office/users_page.h"
 
 #include "app/boxes/office_box.h"
+#include "app/office/role_buttons.h"
 #include "app/office/user_dialog.h"
 #include "app/office/user_rules.h"
 #include "app/shop/password_rules.h"
@@ -90,7 +91,11 @@ UsersPage::UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *paren
     columns->setContentsMargins(16, 16, 16, 16);
     columns->setSpacing(24);
     columns->addLayout(makeList());
-    columns->addWidget(makeScroller(makeDetails()), 1);
+    auto *right = new QVBoxLayout;
+    right->setSpacing(8);
+    right->addWidget(makeScroller(makeDetails()), 1);
+    right->addWidget(m_outcome); // not scrolled
+    columns->addLayout(right, 1);
     fill();
 }
 
@@ -146,7 +151,9 @@ QVBoxLayout *UsersPage::makeDetails()
     line->addWidget(m_type, 1);
     line->addWidget(m_password);
     rows->addLayout(line);
-    rows->addLayout(makeRoles());
+    m_roles = new RoleButtons(this);
+    connect(m_roles, &RoleButtons::pressed, this, [this](qsizetype role) { takeRole(userRoles().at(role)); });
+    rows->addWidget(m_roles);
     for (const Right &right : userRights()) {
         auto *box = new QCheckBox(rightText(right), this);
         box->setAccessibleName(rightText(right));
@@ -158,29 +165,7 @@ QVBoxLayout *UsersPage::makeDetails()
         rows->addWidget(box);
     }
     rows->addStretch(1);
-    rows->addWidget(m_outcome);
     return rows;
-}
-
-/// One press for all seven switches below.
-QLayout *UsersPage::makeRoles()
-{
-    auto *line = new QHBoxLayout;
-    line->setSpacing(8);
-    const QStringList captions = {u"&Cashier"_s, u"Shi&ft Leader"_s, u"&Manager"_s};
-    for (qsizetype i = 0; i < userRoles().size(); ++i) {
-        const Role &role = userRoles().at(i);
-        auto *button = new QPushButton(captions.at(i), this);
-        button->setObjectName(u"role%1"_s.arg(i));
-        button->setCheckable(true); // checked: the user has exactly its rights
-        const QString words = i + 1 < userRoles().size() ? titlesOf(role.rights) : u"Every right"_s;
-        button->setToolTip(words);
-        button->setAccessibleDescription(words);
-        connect(button, &QPushButton::clicked, this, [this, i] { takeRole(userRoles().at(i)); });
-        m_roles << button;
-        line->addWidget(button, 1);
-    }
-    return line;
 }
 
 /// A low window scrolls the rights.
@@ -265,11 +250,8 @@ void UsersPage::showUser()
         m_rights.at(i)->setChecked(user != nullptr && user->rights.contains(userRights().at(i).column));
         m_rights.at(i)->setEnabled(!locked);
     }
-    const Role *role = user != nullptr && !locked ? roleWith(user->rights) : nullptr;
-    for (qsizetype i = 0; i < m_roles.size(); ++i) {
-        m_roles.at(i)->setChecked(role == &userRoles().at(i));
-        m_roles.at(i)->setEnabled(!locked);
-    }
+    m_roles->mark(user != nullptr && !locked ? roleWith(user->rights) : nullptr);
+    m_roles->setDisabled(locked);
     m_password->setEnabled(user != nullptr);
     m_type->setEnabled(user != nullptr && (!locked || !user->hasType || user->type == viewerType));
     if (user != nullptr)

@@ -18,6 +18,8 @@ class QVBoxLayout;
 
 namespace harrowby::app {
 
+class RoleButtons;
+
 /// The store's users: each right is a switch that is stored at once, and a role is seven of them.
 class UsersPage final : public OfficePage
 {
@@ -35,7 +37,6 @@ private:
     QVBoxLayout *makeList();
     QVBoxLayout *makeDetails();
     QWidget *makeScroller(QLayout *details);
-    QLayout *makeRoles();
     void wrapRights();
     void fill();
     void showUser();
@@ -54,8 +55,8 @@ private:
     QListWidget *m_list = nullptr;
     QLabel *m_name = nullptr;
     QComboBox *m_type = nullptr;
-    QList<QCheckBox *> m_rights;  ///< in the order of userRights()
-    QList<QPushButton *> m_roles; ///< in the order of userRoles()
+    QList<QCheckBox *> m_rights; ///< in the order of userRights()
+    RoleButtons *m_roles = nullptr;
     QPushButton *m_password = nullptr;
     QLabel *m_outcome = nullptr;
 };
