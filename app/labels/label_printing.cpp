@@ -16,11 +16,12 @@ namespace harrowby::app {
 
 namespace {
 
-/// For lp: nothing may be made larger or smaller on the way, or the bars would be blurred.
+/// For lp: nothing may be made larger or smaller on the way, or the bars would be blurred. A printer of labels is set
+/// to its roll; one that does not know the size by its measures would keep the job for ever.
 QStringList optionsFor(const LabelPaper &paper)
 {
-    const QString media = paper.isRoll ? u"Custom.%1x%2mm"_s.arg(paper.page.width()).arg(paper.page.height()) : u"A4"_s;
-    return {u"-o"_s, u"media="_s + media, u"-o"_s, u"print-scaling=none"_s};
+    const QStringList unscaled = {u"-o"_s, u"print-scaling=none"_s};
+    return paper.isRoll ? unscaled : unscaled + QStringList{u"-o"_s, u"media=A4"_s};
 }
 
 } // namespace

@@ -1,28 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "app/codes/code_table.h"
-#include "app/labels/label_adjust_dialog.h"
-#include "app/labels/labels_page.h"
 #include "app/labels/step_entry.h"
-#include "app/records/sqlite_records.h"
-#include "tests/app/false_print_service.h"
-#include "tests/app/store_files.h"
+#include "tests/app/labels_desk.h"
 #include "tests/platform/pdf_text.h"
 #include "tests/program/test_program.h"
-#include "theme/dialogs.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QFile>
-#include <QHash>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
 #include <QTreeView>
 
 using namespace Qt::StringLiterals;
@@ -30,15 +18,11 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 
-/// The office's page of labels over a store with a few items, anew for each test function.
-class LabelsPageTest : public QObject
+class LabelsPageTest : public LabelsDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
     void itemsAreFound();
     void itemIsAddedWithItsCode();
     void allOfAGroupAreAdded();
@@ -56,182 +40,7 @@ private Q_SLOTS:
     void stepsAreTypedAndPressed();
     void everythingIsLargeEnoughForAThumbAndNamed();
     void theListHasALimit();
-
-private:
-    template <class Widget>
-    [[nodiscard]] static Widget *in(QWidget &parent, const char *name)
-    {
-        return parent.findChild<Widget *>(QString::fromLatin1(name));
-    }
-    template <class Widget>
-    [[nodiscard]] Widget *part(const char *name)
-    {
-        return in<Widget>(*m_page, name);
-    }
-    void press(const char *name) { QTest::mouseClick(part<QPushButton>(name), Qt::LeftButton); }
-    void inNextDialog(const std::function<void(QDialog &)> &act);
-    /// Answers the box that opens some time later.
-    void answerBox(QMessageBox::ButtonRole role);
-    /// Opens the window that adds items, and finds them.
-    void pick(const QString &text, const std::function<void(QDialog &)> &act);
-    void add(const QString &text);
-    [[nodiscard]] QStringList listed();
-    [[nodiscard]] QString outcome() { return part<QLabel>("labelsOutcome")->text(); }
-    void chooseRow(const QString &item);
-    [[nodiscard]] QString savePdf();
-
-    FalsePrintService m_service;
-    QTemporaryDir m_madeFolder;
-    QString m_made; ///< a store to copy
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_store;
-    SqliteDatabase m_database;
-    std::unique_ptr<SqliteRecords> m_records;
-    QHash<QString, QString> m_saved;
-    QString m_path; ///< that is chosen to save at
-    QString m_boxText;
-    std::unique_ptr<LabelsPage> m_page;
 };
-
-void LabelsPageTest::initTestCase()
-{
-    m_made = m_madeFolder.filePath(u"made.sqlite"_s);
-    makeStore(m_made);
-    QStringList items = {u"DELETE FROM StockList"_s};
-    for (const QString &values : {u"'BAK-0001', 'BREAD', 'BAKERY', '1.2', 3, 'Enabled'"_s,
-                                  u"'BEV-0001', 'TEA', 'DRINKS', '1234.5', 2.9, 'Enabled'"_s,
-                                  u"'BEV-0002', 'MILK', 'DRINKS', 0.99, 0, 'Enabled'"_s,
-                                  u"'TH\u00c9', 'GREEN TEA', 'DRINKS', '2', -4, 'Enabled'"_s,
-                                  u"'OLD-0001', 'OLD TEA', 'DRINKS', '2', 1, 'Disabled'"_s})
-        items << u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockAvailable, StockUse) "
-                 u"VALUES (%1)"_s.arg(values);
-    // Of three imports the second one counts: the last was taken back, and one row was left out.
-    items += kept::import().making;
-    for (const QString &values : {u"1, 'Items', 'APPLIED'"_s, u"2, 'Items', 'APPLIED'"_s, u"3, 'Items', 'TAKENBACK'"_s})
-        items << u"INSERT INTO HarrowbyImport VALUES (%1, '', '', '', '', '', '', '', '', '', '', 0, 0, 0, 0)"_s.arg(
-            values);
-    for (const QString &values :
-         {u"1, 2, 1, 0, 'BEV-0002'"_s, u"2, 2, 1, 0, 'BAK-0001'"_s, u"2, 3, 2, 0, 'BEV-0001'"_s,
-          u"2, 4, 3, 0, 'BEV-0002'"_s, u"2, 5, 1, 1, 'TH\u00c9'"_s, u"3, 2, 1, 0, 'TH\u00c9'"_s})
-        items << u"INSERT INTO HarrowbyImportRow (ImportID, Line, What, LeftOut, StockID, Mask) VALUES (%1, 0)"_s.arg(
-            values);
-    runAll(m_made, items);
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(m_made, OpenMode::Write)));
-    SqliteRecords records(database.get());
-    CodeTable codes(records);
-    QVERIFY(!codes.add(u"CASE"_s, u"BEV-0001"_s, 12));
-    QVERIFY(!codes.add(u"4006381333931"_s, u"BEV-0001"_s, 1));
-    QVERIFY(!codes.add(u"96385074"_s, u"BEV-0002"_s, 1));
-}
-
-void LabelsPageTest::init()
-{
-    m_service.reset();
-    m_service.answerList(u"Zebra\nOffice"_s);
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_store = m_folder->filePath(u"shop.sqlite"_s);
-    QVERIFY(QFile::copy(m_made, m_store));
-    QVERIFY(!into(m_database, openDatabase(m_store, OpenMode::Write)));
-    m_records = std::make_unique<SqliteRecords>(m_database.get());
-    m_saved = {{u"Option/Currency"_s, u"EUR"_s}};
-    m_path = m_folder->filePath(u"labels.pdf"_s);
-    const OfficeSettings settings = {[this](const QString &section, const QString &key, const QString &usual) {
-                                         return m_saved.value(section + u'/' + key, usual);
-                                     },
-                                     [this](const QString &section, const QString &key, const QString &value) {
-                                         m_saved.insert(section + u'/' + key, value);
-                                         return true;
-                                     }};
-    m_page = std::make_unique<LabelsPage>(SignedDeeds(*m_records, officePlace, u"ANNA"_s), m_store, settings);
-    m_page->setFileChooser([this](QWidget *, const QString &) { return m_path; });
-    enlargeFont(*m_page);
-    dressDialog(*m_page);
-    m_page->resize(718, 440);
-    m_page->show();
-}
-
-void LabelsPageTest::cleanup()
-{
-    m_page.reset();
-    m_records.reset();
-    m_database.reset();
-    m_folder.reset();
-}
-
-void LabelsPageTest::inNextDialog(const std::function<void(QDialog &)> &act)
-{
-    QTimer::singleShot(0, this, [act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        act(*dialog);
-        if (dialog->isVisible())
-            dialog->reject();
-    });
-}
-
-void LabelsPageTest::answerBox(QMessageBox::ButtonRole role)
-{
-    m_boxText.clear();
-    auto *look = new QTimer(this); // not a wait, which would go on below the box
-    connect(look, &QTimer::timeout, this, [this, look, role] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr)
-            return;
-        look->stop();
-        look->deleteLater();
-        m_boxText = box->text();
-        for (QAbstractButton *button : box->buttons()) {
-            if (box->buttonRole(button) == role)
-                return button->click();
-        }
-    });
-    look->start(5);
-}
-
-void LabelsPageTest::pick(const QString &text, const std::function<void(QDialog &)> &act)
-{
-    inNextDialog([&](QDialog &dialog) {
-        in<QLineEdit>(dialog, "labelItem")->setText(text);
-        QTest::keyClick(in<QLineEdit>(dialog, "labelItem"), Qt::Key_Return);
-        act(dialog);
-    });
-    press("addLabelItems");
-}
-
-void LabelsPageTest::add(const QString &text)
-{
-    pick(text, [](QDialog &dialog) { QTest::mouseClick(in<QPushButton>(dialog, "addLabel"), Qt::LeftButton); });
-}
-
-QStringList LabelsPageTest::listed()
-{
-    const QAbstractItemModel &model = *part<QTreeView>("labels")->model();
-    QStringList lines;
-    for (int row = 0; row < model.rowCount(); ++row)
-        lines << model.index(row, 0).data().toString() + u" | "_s + model.index(row, 1).data().toString() + u" | "_s +
-                     model.index(row, 2).data().toString();
-    return lines;
-}
-
-void LabelsPageTest::chooseRow(const QString &item)
-{
-    auto *view = part<QTreeView>("labels");
-    for (int row = 0; row < view->model()->rowCount(); ++row) {
-        if (view->model()->index(row, 0).data().toString() == item)
-            return view->setCurrentIndex(view->model()->index(row, 0));
-    }
-    QFAIL(qPrintable(u"not listed: "_s + item));
-}
-
-QString LabelsPageTest::savePdf()
-{
-    part<QLabel>("labelsOutcome")->clear();
-    press("saveLabels");
-    [&] { QTRY_VERIFY_WITH_TIMEOUT(!outcome().isEmpty() && !m_page->leaving(), 30000); }();
-    return QFile::exists(m_path) ? harrowby::testing::pdfLines(m_path).join(u'|').simplified().replace(u'\u00a0', u' ')
-                                 : QString();
-}
 
 void LabelsPageTest::itemsAreFound()
 {
@@ -405,8 +214,7 @@ void LabelsPageTest::labelsGoToThePrinter()
     press("printLabels");
     QTRY_COMPARE_WITH_TIMEOUT(outcome(), u"1 label handed to the printer Zebra."_s, 30000);
     const QString call = m_service.calls().constLast();
-    QVERIFY2(call.startsWith(u"lp -d Zebra -t Labels -o media=Custom.38x25mm -o print-scaling=none -- /"_s),
-             qPrintable(call));
+    QVERIFY2(call.startsWith(u"lp -d Zebra -t Labels -o print-scaling=none -- /"_s), qPrintable(call));
     QVERIFY(!QFile::exists(call.section(u' ', -1))); // what was handed over is gone
     QCOMPARE(harrowby::testing::pdfLines(m_path).constFirst(), u"MILK"_s);
     QCOMPARE(m_saved.value(u"Labels/roll-38x25-Printer"_s), u"Zebra"_s);

@@ -2,7 +2,9 @@
 // What is printed on labels is read back from the page's picture.
 #include "app/codes/gtin.h"
 #include "app/labels/label_pdf.h"
+#include "app/labels/label_printing.h"
 #include "tests/platform/pdf_text.h"
+#include "tests/platform/private_cups.h"
 #include "tests/program/test_program.h"
 
 #include <QFile>
@@ -112,6 +114,7 @@ private Q_SLOTS:
     void sheetsLieWithinTheirPage();
     void nudgeMovesAll();
     void stoppedDrawingGivesNothing();
+    void labelsArriveAtThePrinterAsTheyAre();
 
 private:
     [[nodiscard]] QString write(const QByteArray &pdf) const;
@@ -420,6 +423,28 @@ void LabelsPrintTest::stoppedDrawingGivesNothing()
         });
     QVERIFY(pdf.isEmpty());
     QCOMPARE(steps, 101);
+}
+
+/// Through a print service to a printer of the test's own.
+void LabelsPrintTest::labelsArriveAtThePrinterAsTheyAre()
+{
+    harrowby::testing::PrivateCups service;
+    const QString problem = service.start();
+    QVERIFY2(problem.isEmpty(), qPrintable(problem));
+    const QStringList codes = {u"4006381333931"_s, u"BAK-0001"_s};
+    const LabelPlan plan = planFor(u"roll-38x25"_s, coarse);
+    LabelPrinting printing;
+    QString outcome;
+    printing.print(u"till"_s, plan.paper, labelsPdf(runsOf(codes), plan, goOn),
+                   [&](const harrowby::Result<void, QString> &taken) { outcome = taken ? u"taken"_s : taken.error(); });
+    QTRY_COMPARE_WITH_TIMEOUT(outcome, u"taken"_s, 60000);
+    QTRY_VERIFY2_WITH_TIMEOUT(service.printedFiles().size() == 1, qPrintable(service.logs()), 60000);
+    const QString file = service.printedFiles().constFirst();
+    const auto read = [&] { // until all of it is there
+        QFile arrived(file);
+        return arrived.open(QIODevice::ReadOnly) ? readCodes(arrived.readAll(), coarse) : QStringList();
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(read(), asRead(codes), 60000);
 }
 
 HARROWBY_TEST(app_labels_print_test, LabelsPrintTest)
