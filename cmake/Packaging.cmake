@@ -23,7 +23,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY "=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # What no linker knows of: a face to write with, and the oldest engine.
-set(needed "fonts-dejavu-core | fonts-liberation, libsqlite3-0 (>= 3.34)")
+set(needed "fonts-dejavu-core | fonts-liberation, libsqlite3-0 (>= 3.39)")
 
 set(runtime libharrowby-inventory${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime})

@@ -50,6 +50,16 @@ QString listedCells(const ImportedRow &row, QString ImportCell::*which)
     return texts.join(u'\n');
 }
 
+void writeRow(CsvWriter &out, const ImportedRow &row)
+{
+    const QString column = row.cells.isEmpty() ? row.column : listedCells(row, &ImportCell::column);
+    out.figure(std::int64_t(row.line));
+    for (const QString &text : {stateWords(row.state), row.key, row.name, column, listedCells(row, &ImportCell::before),
+                                listedCells(row, &ImportCell::after), row.reason})
+        out.text(text);
+    out.endRow();
+}
+
 } // namespace
 
 Imported<bool> CatalogueImport::mayImportAsStored(const ImportFile &file, const ImportChoices &choices)
@@ -152,16 +162,9 @@ Imported<qint64> CatalogueImport::saveList(std::int64_t id, RowFilter filter, co
         const auto rows = ImportList(m_records, *import).rowsBehind(filter, line, most);
         if (!rows)
             return Unexpected(importFailed(notRead, rows.error()));
-        for (const ImportedRow &row : *rows) {
-            const QString column = row.cells.isEmpty() ? row.column : listedCells(row, &ImportCell::column);
-            out.figure(std::int64_t(row.line));
-            for (const QString &text :
-                 {stateWords(row.state), row.key, row.name, column, listedCells(row, &ImportCell::before),
-                  listedCells(row, &ImportCell::after), row.reason})
-                out.text(text);
-            out.endRow();
-            line = row.line;
-        }
+        for (const ImportedRow &row : *rows)
+            writeRow(out, row);
+        line = rows->isEmpty() ? line : rows->constLast().line;
         written += rows->size();
         isLast = rows->size() < most;
         if (!watch({u"The list is being saved …"_s, percentOf(written, *all)}))

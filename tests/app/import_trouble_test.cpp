@@ -2,10 +2,12 @@
 #include "tests/app/fussy_records.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
+#include "tests/support/failing_disk.h"
 
 #include <QTest>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <stop_token>
 #include <thread>
@@ -14,6 +16,7 @@ using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
+namespace FailingDisk = harrowby::test::FailingDisk;
 
 /// Nothing half done, whatever fails, and tills that sell all the while.
 class ImportTroubleTest : public QObject
@@ -26,6 +29,8 @@ private Q_SLOTS:
 
     void everyStatementFailsOnce_data();
     void everyStatementFailsOnce();
+    void everyDiskOperationFails_data();
+    void everyDiskOperationFails();
     void cancelledPreviewLeavesNothing();
     void cancelledBackupImportsNothing();
     void whatAKillLeavesIsClearedAway();
@@ -118,6 +123,63 @@ void ImportTroubleTest::everyStatementFailsOnce()
         QCOMPARE(m_bench->rows(u"select StockID from StockList"_s), (QStringList{u"A"_s, u"B"_s}));
     }
     QVERIFY(isOver);
+}
+
+void ImportTroubleTest::everyDiskOperationFails_data()
+{
+    QTest::addColumn<QString>("step");
+    QTest::addColumn<bool>("forever");
+    QTest::addColumn<int>("error");
+    for (const char *step : {"stage", "apply", "takeBack"}) {
+        QTest::addRow("%s, full", step) << QString::fromLatin1(step) << true << ENOSPC;
+        QTest::addRow("%s, a passing fault", step) << QString::fromLatin1(step) << false << EIO;
+    }
+}
+
+void ImportTroubleTest::everyDiskOperationFails()
+{
+    QFETCH(QString, step);
+    QFETCH(bool, forever);
+    QFETCH(int, error);
+    const auto mode = forever ? FailingDisk::Mode::Forever : FailingDisk::Mode::Once;
+    m_bench->addItem(u"A"_s, u"A"_s, u"1"_s);
+    m_bench->importValid("StockID,Code\nA,999\n");
+    m_bench->sql(u"pragma synchronous = full"_s);
+    const QByteArray text = "StockID,Name,Price,Category,Code\nA,,2,,111\nN,NEW,1,FOOD,222\n";
+    const QStringList before = shop();
+    const QTemporaryDir backups; // whose failures are tried where backups are
+    m_bench->desk.backupFolder = backups.path();
+    FailingDisk::mount(m_bench->folder.path());
+    int failures = 1;
+    int operation = 1;
+    for (; operation < 500 && failures > 0; ++operation) {
+        const std::int64_t id = step == u"stage"_s ? 0 : m_bench->stage(text).id;
+        if (step == u"takeBack"_s)
+            QVERIFY(m_bench->import().apply(id, true, nullptr, goOn));
+        const QStringList imported = shop();
+        FailingDisk::failAt(operation, mode, error);
+        QString words;
+        if (step == u"stage"_s) {
+            const auto staged = m_bench->import().stage(ImportBench::file(text), ImportBench::choicesFor(text), goOn);
+            words = staged ? QString() : staged.error().words;
+        } else {
+            const auto outcome = step == u"apply"_s ? m_bench->import().apply(id, true, nullptr, goOn)
+                                                    : m_bench->import().takeBack(id, goOn);
+            words = outcome ? QString() : outcome.error().words;
+        }
+        failures = FailingDisk::failures();
+        const QString fault = u"%1: %2"_s.arg(operation).arg(FailingDisk::firstFailure());
+        FailingDisk::failAt(0, mode, error);
+        if (!words.isEmpty())
+            QVERIFY2(failures > 0 && shop() == imported, qPrintable(fault));
+        else
+            QVERIFY2(step == u"stage"_s || (shop() == before) == (step == u"takeBack"_s), qPrintable(fault));
+        if (step == u"takeBack"_s ? !words.isEmpty() : step == u"apply"_s && words.isEmpty())
+            QVERIFY2(m_bench->import().takeBack(id, goOn), qPrintable(fault));
+        QVERIFY2(shop() == before, qPrintable(fault));
+        QCOMPARE(m_bench->rows(u"pragma quick_check"_s), QStringList{u"ok"_s});
+    }
+    QVERIFY(operation > 3 && operation < 500);
 }
 
 void ImportTroubleTest::cancelledPreviewLeavesNothing()
