@@ -8,6 +8,7 @@
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
 #include "tests/app/kill_steps.h"
+#include "tests/app/selling_till.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 #include "tests/support/database.h"
@@ -29,6 +30,7 @@
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
+using namespace harrowby::app::test;
 
 namespace {
 
@@ -94,35 +96,6 @@ int importList(const QString &path, const QString &folder, int number, bool back
     return 0;
 }
 
-/// A till that sells until there is a file of that name.
-int sellUntil(const QString &path, const QString &end)
-{
-    harrowby::test::Till till(path, harrowby::test::Till::Pace::Hurried);
-    till.logIn(u"JACK"_s, u"PASS"_s);
-    QRandomGenerator random(1);
-    while (!QFile::exists(end)) {
-        till.sell(random);
-        harrowby::test::say(u"SOLD"_s);
-    }
-    return 0;
-}
-
-/// All that it says until it ends.
-QByteArray allSaid(const ForkedProcess &process)
-{
-    QByteArray said;
-    for (QByteArray more = process.read(); !more.isEmpty(); more = process.read())
-        said += more;
-    return said;
-}
-
-int wanted(const char *name, int usual)
-{
-    bool isGiven = false;
-    const int given = qEnvironmentVariableIntValue(name, &isGiven);
-    return isGiven ? given : usual;
-}
-
 } // namespace
 
 /// A program is killed while it imports, takes an import back, restores or makes backups: nothing is half done, nothing
@@ -163,13 +136,7 @@ private:
 void KeepingKillTest::initTestCase()
 {
     const QString store = m_first.filePath(u"shop.sqlite"_s);
-    app::test::makeStore(store);
-    QStringList all = {u"DELETE FROM StockList"_s,
-                       u"INSERT INTO Users VALUES ('JACK', 'PASS', 'USER', -1, -1, -1, -1, -1, -1, -1)"_s};
-    for (int item = 0; item < items; ++item)
-        all << u"INSERT INTO StockList VALUES ('A%1', 'NAME OF A%1', 'KIND', 1.5, 1, 100000, 'Enabled', '', '', '', '')"_s
-                   .arg(item);
-    app::test::runAll(store, all);
+    makeSellingStore(store, items);
     // What is copied has opened a window once.
     QVERIFY(QFile::copy(store, m_first.filePath(u"other.sqlite"_s)));
     const harrowby::test::Till till(m_first.filePath(u"other.sqlite"_s), harrowby::test::Till::Pace::Hurried);
@@ -177,10 +144,7 @@ void KeepingKillTest::initTestCase()
 
 void KeepingKillTest::init()
 {
-    // In memory, where there is such a folder: copies are synced.
-    const auto memory = u"/dev/shm"_s;
-    m_folder = QFileInfo(memory).isWritable() ? std::make_unique<QTemporaryDir>(memory + u"/kills-XXXXXX"_s)
-                                              : std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/kills-XXXXXX"_s); // copies are synced
     m_within = 0;
     QVERIFY(QDir(m_folder->path()).mkdir(u"kept"_s));
     QVERIFY(QFile::copy(m_first.filePath(u"shop.sqlite"_s), store()));
@@ -320,13 +284,9 @@ void KeepingKillTest::checkSales(int said) const
     const Database file(store());
     const auto number = [&](const QString &select) { return file.rows(select).value(0).section(u'|', 0, 0).toInt(); };
     QVERIFY(said > 0 && number(u"SELECT count(*) FROM PurchaseCart"_s) >= said);
-    int units = 0;
-    for (const QString &row : file.rows(u"SELECT PurchasedItems FROM PurchaseCart"_s)) {
-        for (const QString &line : row.split(u", "_s))
-            units += line.section(u" x "_s, 0, 0).toInt();
-    }
-    QCOMPARE(number(u"SELECT 100000 * %1 - sum(StockAvailable) FROM StockList WHERE StockID LIKE 'A%'"_s.arg(items)),
-             units);
+    QCOMPARE(
+        number(u"SELECT %1 - sum(StockAvailable) FROM StockList WHERE StockID LIKE 'A%'"_s.arg(items * stockOfEach)),
+        unitsSold(store()));
 }
 
 /// Nobody else may have the store open, so no till sells. Killed a moment after each of its steps.
@@ -339,7 +299,7 @@ void KeepingKillTest::killedRestore()
     const auto begin = [this] {
         init();
         QVERIFY(QFile::copy(store(), path(u"old.db"_s)));
-        app::test::runAll(path(u"old.db"_s), {u"UPDATE StockList SET StockCost = 9"_s});
+        runAll(path(u"old.db"_s), {u"UPDATE StockList SET StockCost = 9"_s});
     };
     begin();
     int steps = 0;
