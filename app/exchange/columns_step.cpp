@@ -64,7 +64,7 @@ void ColumnsStep::enter()
 void ColumnsStep::match()
 {
     ImportDraft &now = draft();
-    QStringList headings = headingsOf(now.file.bytes, now.choices.form);
+    QStringList headings = headingsOf(beginningOf(now.file.bytes), now.choices.form);
     const bool isSame = now.headings == headings && now.choices.columns.size() == headings.size() &&
                         m_kind == static_cast<int>(now.choices.kind);
     if (isSame)

@@ -59,7 +59,7 @@ DoneStep::DoneStep(ImportDraft &draft, Records &records, const ImportDesk &desk,
     rows->addStretch(0);
 }
 
-void DoneStep::show(const ImportOutcome &outcome)
+void DoneStep::show(const ImportOutcome &outcome, bool isLate)
 {
     m_backup->setText(outcome.backup.isEmpty()
                           ? QString()
@@ -71,7 +71,10 @@ void DoneStep::show(const ImportOutcome &outcome)
     m_list->setVisible(outcome.leftOut > 0);
     if (outcome.leftOut > 0)
         m_list->show(draft().staged.id, draft().choices.kind, {RowFilter::LeftOut});
-    showOutcome(*m_words, doneWords(outcome, draft()));
+    QString words = doneWords(outcome, draft());
+    if (isLate)
+        words += u"\nIt could not be stopped any more."_s;
+    showOutcome(*m_words, words);
 }
 
 } // namespace harrowby::app

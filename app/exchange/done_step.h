@@ -20,7 +20,8 @@ public:
     /// The records must outlive it.
     DoneStep(ImportDraft &draft, Records &records, const ImportDesk &desk, QWidget *parent = nullptr);
 
-    void show(const ImportOutcome &outcome);
+    /// `isLate`: it was to be stopped when it was being written already.
+    void show(const ImportOutcome &outcome, bool isLate);
 
     [[nodiscard]] QString heading() const override { return QStringLiteral("Done"); }
     [[nodiscard]] QString nextWords() const override { return QStringLiteral("&Done"); }

@@ -42,6 +42,19 @@ struct OpenedList
     CsvGuess guess;
 };
 
+Result<OpenedList, QString> openList(const QString &path, const WorkWatch &watch)
+{
+    const WorkStep reading{u"The file is being read \u2026"_s, WorkStep::unknown};
+    (void)watch(reading);
+    auto file = readList(path);
+    if (!file)
+        return Unexpected(file.error());
+    const CsvGuess guess = guessForm(file->bytes);
+    if (!watch(reading))
+        return Unexpected(u"Stopped. Nothing was changed."_s);
+    return OpenedList{*std::move(file), guess};
+}
+
 } // namespace
 
 ImportPane::ImportPane(Records &records, const ImportDesk &desk, WorkJob &job, std::function<QString()> loss,
@@ -125,35 +138,25 @@ void ImportPane::begin(const QString &path)
 {
     if (m_job.isRunning() || isLost())
         return;
-    m_job.start<Result<OpenedList, QString>>(
-        [path](const WorkWatch &watch) -> Result<OpenedList, QString> {
-            (void)watch({u"The file is being read \u2026"_s, WorkStep::unknown});
-            auto file = readList(path);
-            if (!file)
-                return Unexpected(file.error());
-            const CsvGuess guess = guessForm(file->bytes);
-            if (!watch({u"The file is being read \u2026"_s, 100}))
-                return Unexpected(u"Stopped. Nothing was changed."_s);
-            return OpenedList{*std::move(file), guess};
-        },
-        [this](Result<Result<OpenedList, QString>, QString> outcome) {
-            if (!outcome)
-                return tell(outcome.error());
-            if (!*outcome)
-                return tell(outcome->error());
-            discardPreview();
-            m_draft = {};
-            m_draft.choices.form = (*outcome)->guess.form;
-            m_draft.choices.putIntoCapitals = true;
-            m_draft.decimal = (*outcome)->guess.decimal;
-            take(std::move((*outcome)->file));
-        });
+    m_job.start<Result<OpenedList, QString>>([path](const WorkWatch &watch) { return openList(path, watch); },
+                                             [this](Result<Result<OpenedList, QString>, QString> outcome) {
+                                                 if (!outcome)
+                                                     return tell(outcome.error());
+                                                 if (!*outcome)
+                                                     return tell(outcome->error());
+                                                 discardPreview();
+                                                 m_draft = {};
+                                                 m_draft.choices.form = (*outcome)->guess.form;
+                                                 m_draft.choices.putIntoCapitals = true;
+                                                 m_draft.decimal = (*outcome)->guess.decimal;
+                                                 take(std::move((*outcome)->file));
+                                             });
 }
 
 void ImportPane::take(ImportFile file)
 {
     m_draft.file = std::move(file);
-    m_draft.choices.kind = guessKind(headingsOf(m_draft.file.bytes, m_draft.choices.form));
+    m_draft.choices.kind = guessKind(headingsOf(beginningOf(m_draft.file.bytes), m_draft.choices.form));
     Q_EMIT begun();
     goTo(fileStep);
 }
@@ -295,7 +298,7 @@ void ImportPane::finish(const Imported<ImportOutcome> &outcome)
     if (outcome) {
         m_preview->clear();
         goTo(doneStep);
-        return m_done->show(*outcome);
+        return m_done->show(*outcome, m_job.isCancelled());
     }
     const QString words = endWords(outcome.error());
     switch (outcome.error().kind) {
@@ -318,14 +321,19 @@ void ImportPane::finish(const Imported<ImportOutcome> &outcome)
 void ImportPane::readAgain(const QString &why)
 {
     discardPreview();
-    auto file = readList(m_draft.file.path);
-    if (!file)
-        return tell(file.error());
-    m_draft.file = *std::move(file);
-    if (!m_draft.signIsChosen)
-        m_draft.decimal = guessForm(m_draft.file.bytes).decimal;
-    goTo(fileStep);
-    tell(why);
+    m_job.start<Result<OpenedList, QString>>(
+        [path = m_draft.file.path](const WorkWatch &watch) { return openList(path, watch); },
+        [this, why](Result<Result<OpenedList, QString>, QString> outcome) {
+            if (!outcome)
+                return tell(outcome.error());
+            if (!*outcome)
+                return tell(outcome->error());
+            m_draft.file = std::move((*outcome)->file);
+            if (!m_draft.signIsChosen)
+                m_draft.decimal = (*outcome)->guess.decimal;
+            goTo(fileStep);
+            tell(why);
+        });
 }
 
 void ImportPane::discardPreview()

@@ -34,10 +34,15 @@ QString Sample::examplesOf(int column) const
     return found.join(u", "_s);
 }
 
+QByteArrayView beginningOf(QByteArrayView bytes)
+{
+    return bytes.first(std::min(bytes.size(), sampleBytes));
+}
+
 Sample readSample(QByteArrayView bytes, const CsvForm &form)
 {
     const bool isCut = bytes.size() > sampleBytes;
-    CsvReader reader(bytes.first(std::min(bytes.size(), sampleBytes)), form);
+    CsvReader reader(beginningOf(bytes), form);
     Sample sample;
     CsvRow row;
     if (reader.next(row))

@@ -21,6 +21,9 @@ struct Sample
     [[nodiscard]] QString examplesOf(int column) const;
 };
 
+/// As much of a file as holds its headings and first rows.
+[[nodiscard]] QByteArrayView beginningOf(QByteArrayView bytes);
+
 /// Reads no more of the file than that takes.
 [[nodiscard]] Sample readSample(QByteArrayView bytes, const CsvForm &form);
 

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void signChosenByHandIsNotAsked();
     void columnsAreChosenByHandAndRemembered();
     void missingKeyIsTold();
+    void categoriesAndCodesComeInToo();
     void refusedRowsAreLeftOutWhenSaid();
     void rowsAreShownByWhatBecomesOfThem();
     void listIsSaved();
@@ -176,6 +177,29 @@ void CataloguePageTest::missingKeyIsTold()
     QVERIFY(isAtStep(2));
     QCOMPARE(text("importOutcome"), u"\u26a0 No column of the file is the ID, the code or the name of the items."_s);
     QVERIFY(part<QComboBox>("columnStockID")->hasFocus());
+}
+
+void CataloguePageTest::categoriesAndCodesComeInToo()
+{
+    begin("CategoryName\nFood\nDRINKS\n");
+    QCOMPARE(part<QComboBox>("importKind")->currentText(), u"Categories"_s);
+    nextIs(2);
+    nextIs(3);
+    QVERIFY(!part<QWidget>("importStockInHand")->isVisible());
+    nextIs(4);
+    QCOMPARE(part<QTreeView>("importRows")->model()->headerData(2, Qt::Horizontal).toString(), u"Category"_s);
+    nextIs(5);
+    QCOMPARE(read(u"SELECT group_concat(CategoryName) FROM InventoryCategory"_s), u"DRINKS,FOOD"_s);
+    press("importNext");
+    begin("Code;StockID;Units\n4006381333931;TEA-0001;1\n4006381333948;NONE-1;1\n");
+    QCOMPARE(part<QComboBox>("importKind")->currentText(), u"Codes of items"_s);
+    nextIs(2);
+    nextIs(3);
+    QVERIFY(part<QWidget>("nothingToChoose")->isVisible());
+    nextIs(4);
+    part<QCheckBox>("importValidRows")->setChecked(true);
+    nextIs(5);
+    QCOMPARE(read(u"SELECT Code || StockID FROM HarrowbyCode"_s), u"4006381333931TEA-0001"_s);
 }
 
 void CataloguePageTest::refusedRowsAreLeftOutWhenSaid()
