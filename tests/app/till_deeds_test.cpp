@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/activity/activity_kinds.h"
 #include "app/codes/code_finder.h"
 #include "app/till/till.h"
 #include "tests/app/fussy_records.h"
@@ -8,6 +9,8 @@
 
 #include <harrowby/counter.h>
 
+#include <QListWidget>
+#include <QMap>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -35,6 +38,7 @@ private Q_SLOTS:
     void refusedLoginIsTold();
     void unknownNameIsNotKept();
     void saleGoesOnWithoutItsDeed();
+    void everyLineOfTheTillsLogIsKnown();
 
 private:
     void setPrice(const QString &key, const QString &before, const QString &price)
@@ -53,6 +57,9 @@ private:
         m_counter->click(name);
         QCoreApplication::sendPostedEvents();
     }
+    void sellAndUndo();
+    void keepStock();
+    void keepCategoriesAndSettings();
     /// Each as KIND|WHO|PLACE|WHAT.
     [[nodiscard]] QStringList deeds() const
     {
@@ -195,6 +202,83 @@ void TillDeedsTest::saleGoesOnWithoutItsDeed()
     QVERIFY(m_id != u"no purchase yet"_s);
     QCOMPARE(m_failures.size(), 1);
     QVERIFY(m_failures.constFirst().startsWith(u"insert into HarrowbyActivity"_s));
+}
+
+void TillDeedsTest::sellAndUndo()
+{
+    scan(u"A1"_s);
+    scan(u"A1"_s);
+    setPrice(u"A1  |  TEA"_s, u"5.00"_s, u"3"_s);
+    click("Command12");
+    click("Command1_0");
+    click("Command14");
+    click("Command25");
+    click("Command14");
+}
+
+void TillDeedsTest::keepStock()
+{
+    m_counter->chooseTab("TabStrip1", WorkArea::EditStock);
+    for (int time = 0; time < 2; ++time) {
+        for (const auto &[entry, text] : {std::pair("Combo5", u"DRINKS"_s),
+                                          {"Combo6", u"N1"_s},
+                                          {"Combo7", u"NEW TEA"_s},
+                                          {"Combo8", u"4.00"_s},
+                                          {"Combo13", u"1"_s},
+                                          {"Combo14", u"9"_s},
+                                          {"Combo15", u"Enabled"_s}})
+            m_counter->setText(entry, text);
+        click("Command16");
+    }
+    click("Command7");
+    m_counter->find<RowList>("LV")->selectRow(0);
+    click("Command6");
+    m_counter->chooseTab("TabStrip1", WorkArea::ReorderStock);
+    m_counter->setText("Combo11", u"N1  |  NEW TEA"_s);
+    m_counter->setText("Combo10", u"5"_s);
+    click("Command17");
+    click("Command23");
+}
+
+void TillDeedsTest::keepCategoriesAndSettings()
+{
+    m_counter->chooseTab("TabStrip1", WorkArea::Settings);
+    m_counter->setText("Combo16", u"SWEETS"_s);
+    click("Command2");
+    auto *list = m_counter->find<QListWidget>("List2");
+    list->setCurrentRow(list->count() - 1);
+    m_counter->boxes.expectInput(u"Change Category[SWEETS] to what new name?"_s,
+                                 u"Change Category - "_s + m_counter->state().MsgTitle, {}, u"CANDY"_s);
+    click("Command22");
+    list->setCurrentRow(list->count() - 1);
+    click("Command3");
+    click("Command18");
+    click("Command11");
+    click("Command27");
+}
+
+/// The real texts, as the window writes them.
+void TillDeedsTest::everyLineOfTheTillsLogIsKnown()
+{
+    sellAndUndo();
+    keepStock();
+    keepCategoriesAndSettings();
+    QMap<ActivityKind, int> kinds;
+    const auto rows = m_records->read({u"select SystemUsage from SysUsage"_s, {}}).value_or(QList<RecordRow>());
+    for (const RecordRow &row : rows) {
+        const QString text = recordText(row.constFirst());
+        const LogMeaning meaning = meaningOfLog(text);
+        QVERIFY2(meaning.kind != ActivityKind::Other, qPrintable(text));
+        QCOMPARE(meaning.who, meaning.kind == ActivityKind::Login ? u"ADMINISTRATOR"_s : QString());
+        ++kinds[meaning.kind];
+    }
+    QCOMPARE(kinds.value(ActivityKind::Login), 2);
+    QCOMPARE(kinds.value(ActivityKind::Sale), 2);
+    QCOMPARE(kinds.value(ActivityKind::PriceByHand), 1);
+    QCOMPARE(kinds.value(ActivityKind::Deletion), 3); // a purchase undone, an item, a category
+    QCOMPARE(kinds.value(ActivityKind::Settings), 2);
+    QCOMPARE(kinds.value(ActivityKind::Stock), 7);
+    QVERIFY(kinds.value(ActivityKind::Cart) >= 5);
 }
 
 HARROWBY_TEST(app_till_deeds_test, TillDeedsTest)
