@@ -29,6 +29,7 @@ ImportLines::ImportLines(const ImportFile &file, const ImportChoices &choices) :
     for (const QString &cell : std::as_const(m_row.cells))
         m_headings << trimBlanks(cell);
     m_isExport = isExportOf(m_headings, exportColumns(choices.kind));
+    m_isPartOfExport = isPartOfExport(m_headings, exportColumns(choices.kind));
 }
 
 QString ImportLines::heading(int column) const
@@ -59,7 +60,7 @@ void ImportLines::readCells(ImportLine &line) const
     line.cells.fill(QString());
     for (qsizetype i = 0; i < m_choices.columns.size() && i < m_row.cells.size(); ++i) {
         if (const int column = m_choices.columns.at(i); column >= 0)
-            line.cells[column] = unguardedText(m_row.cells.at(i), m_isExport);
+            line.cells[column] = unguardedText(m_row.cells.at(i), m_isPartOfExport);
     }
     if (!m_isExport || m_row.fault)
         return;

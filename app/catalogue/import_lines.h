@@ -49,6 +49,7 @@ private:
     CsvRow m_row;
     QStringList m_headings;
     bool m_isExport = false;
+    bool m_isPartOfExport = false; ///< its apostrophes are ours
 };
 
 /// The columns that an export of the kind has.

@@ -7,6 +7,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -197,6 +198,13 @@ QStringList exportHeadings(const QList<StoredColumn> &columns)
 bool isExportOf(const QStringList &headings, const QList<StoredColumn> &columns)
 {
     return headings == exportHeadings(columns);
+}
+
+bool isPartOfExport(const QStringList &headings, const QList<StoredColumn> &columns)
+{
+    const QStringList all = exportHeadings(columns);
+    const auto isOne = [&all](const QString &heading) { return all.contains(heading); };
+    return !headings.isEmpty() && std::all_of(headings.begin(), headings.end(), isOne);
 }
 
 std::optional<QList<StoredValue>> readStoredRow(const QStringList &cells, const QList<StoredColumn> &columns,

@@ -74,6 +74,9 @@ private:
 /// Whether these are the headings of an export of a table, in its order, with "As Stored" as the last.
 [[nodiscard]] bool isExportOf(const QStringList &headings, const QList<StoredColumn> &columns);
 
+/// Whether they are some of these headings and no others: an export of which a person has deleted columns.
+[[nodiscard]] bool isPartOfExport(const QStringList &headings, const QList<StoredColumn> &columns);
+
 /// The decimal sign of the first figure of such a row that has one; nothing when none has. A sign within a figure of an
 /// export is always the decimal one.
 [[nodiscard]] std::optional<QChar> decimalSignOfStoredRow(const QStringList &cells, const QList<StoredColumn> &columns);

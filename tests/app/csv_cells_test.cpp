@@ -264,6 +264,9 @@ private Q_SLOTS:
         QCOMPARE(exportHeadings(twoColumns), (QStringList{u"Name"_s, u"Cost"_s, u"As Stored"_s}));
         QVERIFY(isExportOf(exportHeadings(itemColumns()), itemColumns()));
         QVERIFY(!isExportOf(exportHeadings(codeColumns()), itemColumns()));
+        QVERIFY(isPartOfExport({u"StockName"_s, u"StockID"_s}, itemColumns()));
+        QVERIFY(!isPartOfExport({u"StockName"_s, u"Colour"_s}, itemColumns()));
+        QVERIFY(!isPartOfExport({}, itemColumns()));
         QCOMPARE(itemColumns().size(), 11);
     }
 };

@@ -8,6 +8,7 @@
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
@@ -127,6 +128,28 @@ private Q_SLOTS:
             for (const Exchanged &kind : exchanged)
                 goesOutAndIn(kind);
         }
+    }
+
+    /// A person takes an export as a template, and deletes the columns that she does not need.
+    void columnsMayBeDeleted()
+    {
+        makeEmpty(m_full, {});
+        runAll(m_full, {u"insert into StockList (StockID, StockName, StockCategory, StockCost, StockUse) values "
+                        "('A', '''90S MUG', 'CUPS', 1.234, 'Enabled'), ('B', '=1+1', 'CUPS', 2, 'Enabled')"_s});
+        const QString list = path(u"list.csv"_s);
+        QVERIFY(exportList(m_full, list, {}, carryOn).outcome == ExportEnd::Outcome::Done);
+        QFile file(list);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray left;
+        for (const QByteArray &line : file.readAll().split('\n').mid(0, 3))
+            left += line.split(',').mid(0, 3).join(',') + '\n';
+        file.close();
+        QVERIFY(left.contains("A,''90S MUG,CUPS") && left.contains("B,'=1+1,CUPS"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(left) == left.size());
+        file.close();
+        const auto shorter = readImportFile(list);
+        QVERIFY(shorter);
+        findsNothingToDo(exchanged.constFirst(), *shorter, 2);
     }
 
 private:
