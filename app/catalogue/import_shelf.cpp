@@ -5,6 +5,7 @@
 #include "app/codes/code_table.h"
 
 #include <algorithm>
+#include <chrono>
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +33,12 @@ QStringList rowColumns()
             columns << u"Old"_s + name;
     }
     return columns << u"AtColumn"_s << u"Reason"_s;
+}
+
+std::int64_t microsecondsNow()
+{
+    using namespace std::chrono;
+    return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
 }
 
 /// Of these values (from 0) bytes go in as a text.
@@ -126,8 +133,7 @@ Records::Answer<std::int64_t> ImportShelf::begin(const ShelvedImport &import)
             return false;
         }
         // Never the number of one that was cleared away: its office may still have it on the screen.
-        id = std::max(recordNumber(last->constFirst().constFirst()) + 1,
-                      std::int64_t(QDateTime::currentMSecsSinceEpoch()));
+        id = std::max(recordNumber(last->constFirst().constFirst()) + 1, microsecondsNow());
         const auto written = m_records.write(
             kept::import(), {insertInto(u"HarrowbyImport"_s, (importFields + u", TakenBackBy"_s).split(u", "_s)),
                              {id, import.kind, QString(import_state::staging), import.file, import.hash, import.choices,
