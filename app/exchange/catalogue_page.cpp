@@ -63,7 +63,7 @@ CataloguePage::CataloguePage(Records &records, const ImportDesk &desk, bool isAd
     connect(m_start, &StartPane::takeBackWanted, this, &CataloguePage::takeBack);
     connect(m_start, &StartPane::leftListWanted, this, &CataloguePage::showNotTakenBack);
     connect(m_import, &ImportPane::fileWanted, this, &CataloguePage::chooseFile);
-    connect(m_import, &ImportPane::refused, m_start, &StartPane::warn);
+    connect(m_import, &ImportPane::refused, m_start, &StartPane::say);
     connect(m_import, &ImportPane::begun, this, [this] { m_stack->setCurrentWidget(m_import); });
     connect(m_import, &ImportPane::left, this, [this] { goHome(); });
     connect(m_import, &ImportPane::takeBackWanted, this, [this](qint64 id) {
@@ -190,7 +190,7 @@ void CataloguePage::finishTakingBack(qint64 id, const Imported<ImportOutcome> &o
     const QString file = past != nullptr ? past->file : QString();
     m_start->read();
     if (!outcome)
-        return m_start->warn(endWords(outcome.error()));
+        return m_start->say(endWords(outcome.error()));
     m_start->say(takenBackWords(file, *outcome));
     if (outcome->leftOut > 0)
         showNotTakenBack(id);

@@ -160,7 +160,7 @@ void ImportListPanel::saveTo(const QString &path)
         [this, path](const Result<Imported<qint64>, QString> &outcome) {
             const auto saved = flat(outcome);
             if (!saved)
-                return tell(saved.error().words);
+                return showOutcome(*m_words, endWords(saved.error()));
             showOutcome(*m_words, u"\u2713 %1 rows are saved: %2"_s.arg(groupedCount(*saved), path));
         });
 }

@@ -9,10 +9,8 @@
 #include "app/exchange/file_step.h"
 #include "app/exchange/import_work.h"
 #include "app/exchange/preview_step.h"
-#include "app/exchange/source_file.h"
 #include "theme/dialogs.h"
 
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -28,32 +26,6 @@ namespace harrowby::app {
 namespace {
 
 using EndKind = ImportEnd::Kind;
-
-/// What is found out once it is known which columns hold figures.
-struct Settled
-{
-    DecimalGuess decimal;
-    bool mayBeAsStored = false;
-};
-
-struct OpenedList
-{
-    ImportFile file;
-    CsvGuess guess;
-};
-
-Result<OpenedList, QString> openList(const QString &path, const WorkWatch &watch)
-{
-    const WorkStep reading{u"The file is being read \u2026"_s, WorkStep::unknown};
-    (void)watch(reading);
-    auto file = readList(path);
-    if (!file)
-        return Unexpected(file.error());
-    const CsvGuess guess = guessForm(file->bytes);
-    if (!watch(reading))
-        return Unexpected(u"Stopped. Nothing was changed."_s);
-    return OpenedList{*std::move(file), guess};
-}
 
 } // namespace
 
@@ -126,31 +98,42 @@ bool ImportPane::isLost()
     return !lost.isEmpty();
 }
 
-void ImportPane::tell(const QString &words)
+void ImportPane::tell(const QString &problem)
+{
+    say(u"\u26a0 "_s + problem);
+}
+
+void ImportPane::say(const QString &words)
 {
     if (m_step < 0)
         return Q_EMIT refused(words);
     m_outcome->show();
-    showOutcome(*m_outcome, u"\u26a0 "_s + words);
+    showOutcome(*m_outcome, words);
 }
 
 void ImportPane::begin(const QString &path)
 {
-    if (m_job.isRunning() || isLost())
-        return;
-    m_job.start<Result<OpenedList, QString>>([path](const WorkWatch &watch) { return openList(path, watch); },
-                                             [this](Result<Result<OpenedList, QString>, QString> outcome) {
-                                                 if (!outcome)
-                                                     return tell(outcome.error());
-                                                 if (!*outcome)
-                                                     return tell(outcome->error());
-                                                 discardPreview();
-                                                 m_draft = {};
-                                                 m_draft.choices.form = (*outcome)->guess.form;
-                                                 m_draft.choices.putIntoCapitals = true;
-                                                 m_draft.decimal = (*outcome)->guess.decimal;
-                                                 take(std::move((*outcome)->file));
-                                             });
+    if (!m_job.isRunning() && !isLost())
+        open(path, [this](const OpenedList &opened) {
+            discardPreview();
+            m_draft = {};
+            m_draft.choices.form = opened.guess.form;
+            m_draft.choices.putIntoCapitals = true;
+            m_draft.decimal = opened.guess.decimal;
+            take(opened.file);
+        });
+}
+
+void ImportPane::open(const QString &path, const std::function<void(const OpenedList &)> &then)
+{
+    m_job.start<Imported<OpenedList>>([path](const WorkWatch &watch) { return openList(path, watch); },
+                                      [this, then](const Result<Imported<OpenedList>, QString> &outcome) {
+                                          const Imported<OpenedList> opened = flat(outcome);
+                                          if (opened)
+                                              then(*opened);
+                                          else
+                                              say(endWords(opened.error()));
+                                      });
 }
 
 void ImportPane::take(ImportFile file)
@@ -225,26 +208,16 @@ void ImportPane::leaveStep()
     Q_EMIT left();
 }
 
-/// Which columns hold figures is known now: what the others hold leaves nothing open.
 void ImportPane::settleFigures()
 {
-    m_job.start<Imported<Settled>>(
-        [desk = m_desk, file = m_draft.file, choices = m_draft.choices](const WorkWatch &watch) -> Imported<Settled> {
-            if (!watch({u"The figures are being looked at \u2026"_s, WorkStep::unknown}))
-                return Unexpected(ImportEnd{EndKind::Cancelled, {}});
-            Settled settled;
-            settled.decimal = guessDecimalSign(file.bytes, choices.form, choices.kind, choices.columns);
-            auto may = withImport<bool>(
-                desk, [&](CatalogueImport &import) { return import.mayImportAsStored(file, choices); });
-            if (!may)
-                return Unexpected(may.error());
-            settled.mayBeAsStored = *may;
-            return settled;
+    m_job.start<Imported<SettledList>>(
+        [desk = m_desk, file = m_draft.file, choices = m_draft.choices](const WorkWatch &watch) {
+            return settleList(desk, file, choices, watch);
         },
-        [this](const Result<Imported<Settled>, QString> &outcome) {
-            const Imported<Settled> settled = flat(outcome);
+        [this](const Result<Imported<SettledList>, QString> &outcome) {
+            const Imported<SettledList> settled = flat(outcome);
             if (!settled)
-                return tell(endWords(settled.error()));
+                return say(endWords(settled.error()));
             m_draft.decimal = settled->decimal;
             if (!m_draft.signIsChosen && settled->decimal.sign)
                 m_draft.choices.form.decimalSign = *settled->decimal.sign;
@@ -264,29 +237,18 @@ void ImportPane::preview()
         [this](const Result<Imported<StagedImport>, QString> &outcome) {
             const Imported<StagedImport> staged = flat(outcome);
             if (!staged)
-                return tell(endWords(staged.error()));
+                return say(endWords(staged.error()));
             m_draft.staged = *staged;
             goTo(previewStep);
         });
 }
 
-/// The preview is what was agreed to: a file that has gone since, with a stick that was pulled out, is not missed.
 void ImportPane::carryOut()
 {
     m_isWriting = true;
     m_job.start<Imported<ImportOutcome>>(
         [desk = m_desk, id = m_draft.staged.id, valid = m_draft.refusedMayStay,
-         path = m_draft.file.path](const WorkWatch &watch) -> Imported<ImportOutcome> {
-            std::optional<ImportFile> now;
-            if (QFileInfo::exists(path)) {
-                auto read = readImportFile(path);
-                if (!read)
-                    return Unexpected(ImportEnd{EndKind::Failed, read.error()});
-                now = *std::move(read);
-            }
-            return withImport<ImportOutcome>(
-                desk, [&](CatalogueImport &import) { return import.apply(id, valid, now ? &*now : nullptr, watch); });
-        },
+         path = m_draft.file.path](const WorkWatch &watch) { return applyList(desk, id, valid, path, watch); },
         [this](const Result<Imported<ImportOutcome>, QString> &outcome) {
             m_isWriting = false;
             finish(flat(outcome));
@@ -308,32 +270,26 @@ void ImportPane::finish(const Imported<ImportOutcome> &outcome)
     case EndKind::Outdated:
         discardPreview();
         goTo(choicesStep);
-        return tell(words + u" Press \"Next\" for a new preview."_s);
+        return say(words + u" Press \"Next\" for a new preview."_s);
     case EndKind::Cancelled:
     case EndKind::RowsRefused:
     case EndKind::Failed:
         break;
     }
-    tell(words);
+    say(words);
 }
 
 /// From the first step on, with the file as it is now.
 void ImportPane::readAgain(const QString &why)
 {
     discardPreview();
-    m_job.start<Result<OpenedList, QString>>(
-        [path = m_draft.file.path](const WorkWatch &watch) { return openList(path, watch); },
-        [this, why](Result<Result<OpenedList, QString>, QString> outcome) {
-            if (!outcome)
-                return tell(outcome.error());
-            if (!*outcome)
-                return tell(outcome->error());
-            m_draft.file = std::move((*outcome)->file);
-            if (!m_draft.signIsChosen)
-                m_draft.decimal = (*outcome)->guess.decimal;
-            goTo(fileStep);
-            tell(why);
-        });
+    open(m_draft.file.path, [this, why](const OpenedList &opened) {
+        m_draft.file = opened.file;
+        if (!m_draft.signIsChosen)
+            m_draft.decimal = opened.guess.decimal;
+        goTo(fileStep);
+        say(why);
+    });
 }
 
 void ImportPane::discardPreview()

@@ -21,6 +21,7 @@ class DoneStep;
 class FileStep;
 class ImportStep;
 class PreviewStep;
+struct OpenedList;
 
 /// Brings a file into the store, one step after the other: how it is read, its columns, choices, the preview, and what
 /// was done. Until the last but one nothing of the store is written.
@@ -65,6 +66,7 @@ private:
     void goOn();
     void cancel();
     void leaveStep();
+    void open(const QString &path, const std::function<void(const OpenedList &)> &then);
     void take(ImportFile file);
     void readAgain(const QString &why);
     void settleFigures();
@@ -73,7 +75,8 @@ private:
     void finish(const Imported<ImportOutcome> &outcome);
     void discardPreview();
     void clean();
-    void tell(const QString &words);
+    void tell(const QString &problem);
+    void say(const QString &words);
     [[nodiscard]] bool isLost();
 
     Records &m_records;

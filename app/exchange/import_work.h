@@ -3,6 +3,7 @@
 
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/own_records.h"
+#include "app/csv/csv_guess.h"
 
 #include <functional>
 #include <utility>
@@ -19,13 +20,30 @@ template <typename T>
     return Unexpected(ImportEnd{ImportEnd::Kind::Failed, outcome.error()});
 }
 
-/// For a person; a stop is no failure.
-[[nodiscard]] inline QString endWords(const ImportEnd &end)
+/// For a person, with a sign of warning; a stop is no failure and has none.
+[[nodiscard]] QString endWords(const ImportEnd &end);
+
+struct OpenedList
 {
-    if (end.kind != ImportEnd::Kind::Cancelled)
-        return end.words;
-    return QStringLiteral("Stopped. ") + (end.words.isEmpty() ? QStringLiteral("Nothing was changed.") : end.words);
-}
+    ImportFile file;
+    CsvGuess guess;
+};
+/// Reads a file that may be a list, and finds out its form.
+[[nodiscard]] Imported<OpenedList> openList(const QString &path, const WorkWatch &watch);
+
+/// What is found out once it is known which columns hold figures: what the others hold leaves nothing open.
+struct SettledList
+{
+    DecimalGuess decimal;
+    bool mayBeAsStored = false;
+};
+[[nodiscard]] Imported<SettledList> settleList(const ImportDesk &desk, const ImportFile &file,
+                                               const ImportChoices &choices, const WorkWatch &watch);
+
+/// Writes the rows of a preview. It is what was agreed to: a file that has gone since, with a stick that was pulled
+/// out, is not missed.
+[[nodiscard]] Imported<ImportOutcome> applyList(const ImportDesk &desk, std::int64_t id, bool validRows,
+                                                const QString &path, const WorkWatch &watch);
 
 /// Runs it over a connection of its own.
 template <typename T>
