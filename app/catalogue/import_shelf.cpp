@@ -53,7 +53,7 @@ QString insertInto(const QString &table, const QStringList &columns, const QSet<
 QList<RecordValue> valuesOf(std::int64_t id, const StagedRow &row)
 {
     QList<RecordValue> values;
-    values.reserve(rowColumns().size());
+    values.reserve(32);
     values << id << std::int64_t(row.line) << std::int64_t(static_cast<int>(row.what)) << std::int64_t(row.mask)
            << std::int64_t(0) << row.stockId;
     for (const RecordValue &value : row.fresh)

@@ -23,7 +23,8 @@ void countOne(QHash<QString, ItemCensus::Repeats> &counts, const QString &key, q
 
 QString cellOf(const ImportLine &line, int column)
 {
-    return trimBlanks(line.cells.at(column));
+    const QString &cell = line.cells.at(column); // usually as it is: no copy is made then
+    return cell.startsWith(u' ') || cell.endsWith(u' ') ? trimBlanks(cell) : cell;
 }
 
 ItemKey ItemCensus::keyOf(const ImportLine &line) const

@@ -114,6 +114,9 @@ bool ItemJudge::hasExactValue(const ImportLine &line, int column) const
 bool ItemJudge::differs(const ImportLine &line, int column, const Item &item) const
 {
     const RecordValue &stored = item.at(column);
+    const auto *const same = line.stored.isEmpty() ? std::get_if<QString>(&stored) : nullptr;
+    if (same != nullptr && *same == line.cells.at(column)) // the usual case, without a copy
+        return false;
     if (hasExactValue(line, column) && recordText(line.stored.at(column).value) == recordText(stored))
         return false;
     const QString &cell = line.cells.at(column);
@@ -122,10 +125,10 @@ bool ItemJudge::differs(const ImportLine &line, int column, const Item &item) co
         return figure ? !isSameFigure(*figure, column, stored) : recordText(stored) != cell;
     }
     const QString text = recordText(stored);
-    if (text == cell || text == trimBlanks(cell))
+    if (text == cell || text == cellOf(line, column))
         return false;
     if (column == UseColumn)
-        return storedUse(trimBlanks(cell)) != text;
+        return storedUse(cellOf(line, column)) != text;
     return newText(cell) != text;
 }
 
