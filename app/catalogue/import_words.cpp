@@ -51,6 +51,8 @@ std::optional<QString> shortenedProblem(const QString &text)
 
 bool isShortened(const QString &text)
 {
+    if (!text.contains(u'+')) // the usual text, at once
+        return false;
     static const QRegularExpression form(u"^[0-9]+([.,][0-9]+)?[eE]\\+[0-9]+$"_s);
     return form.match(text).hasMatch();
 }
@@ -62,6 +64,8 @@ std::optional<QString> idProblem(const QString &id, const QString &name)
     if (auto problem = shortenedProblem(id))
         return problem;
     // Lists name an item by its key, and the till takes that apart again.
+    if (!id.contains(u'|'))
+        return {};
     const QString key = itemKey(id, name);
     if (GetIDName(key, KeyPiece::Id) != id || costLookupId(key) != id || reorderedId(key) != id)
         return u"It holds \" | \", by which lists part ID and name."_s;
