@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include <set>
@@ -25,7 +26,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int nightlyWidth = 640;
+constexpr QSize nightlySize(680, 520);
 
 QString planText(const NightlyPlan &plan)
 {
@@ -66,7 +67,7 @@ NightlyDialog::NightlyDialog(NightlyTimer timer, QWidget *parent) : QDialog(pare
     const auto before = m_timer.read();
     fill(before ? before->plan : NightlyPlan{QTime(22, 0), usualBackupFolder(), 14});
     dressDialog(*this);
-    setMinimumWidth(nightlyWidth);
+    resize(nightlySize.boundedTo(roomFor(*this)));
     showWhatCounts();
     if (before)
         lookWhetherItRuns();
@@ -141,12 +142,26 @@ void NightlyDialog::layOut()
                              "removes the oldest of those it has made. A time that was missed, as the computer was "
                              "off, is made up for. The folder must be there then: one on another disk is best."_s));
     rows->addLayout(form);
-    rows->addWidget(m_outcome);
+    rows->addWidget(makeOutcomeArea(), 1);
     rows->addWidget(new WorkStrip(m_job, this));
-    rows->addStretch(1);
     rows->addLayout(buttons);
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
+}
+
+/// What there is to say may be long, with paths and a line for cron in it.
+QWidget *NightlyDialog::makeOutcomeArea()
+{
+    auto *area = new QScrollArea(this);
+    area->setObjectName(u"nightlyOutcomeArea"_s);
+    area->setAccessibleName(u"Outcome"_s);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(m_outcome);
+    area->viewport()->setAutoFillBackground(false);
+    m_outcome->setAutoFillBackground(false);
+    m_outcome->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    return area;
 }
 
 void NightlyDialog::fill(const NightlyPlan &plan)

@@ -29,6 +29,7 @@ public:
 private:
     void createControls();
     void layOut();
+    [[nodiscard]] QWidget *makeOutcomeArea();
     void fill(const NightlyPlan &plan);
     void chooseFolder();
     [[nodiscard]] NightlyPlan typed() const;

@@ -12,6 +12,9 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -73,6 +76,12 @@ bool save(const QString &path, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
 
+QString userName()
+{
+    const passwd *entry = ::getpwuid(::getuid());
+    return entry != nullptr ? QString::fromLocal8Bit(entry->pw_name) : QString();
+}
+
 /// So that the timer runs while nobody is logged in. Why it will not; empty when it will.
 QString letLinger()
 {
@@ -83,7 +92,7 @@ QString letLinger()
     if (told.succeeded)
         return {};
     return u"It runs only while you are logged in to this computer (%1). For all other times, let whoever keeps this "
-           "computer run: loginctl enable-linger %2"_s.arg(told.reason, qEnvironmentVariable("USER"));
+           "computer run: loginctl enable-linger %2"_s.arg(told.reason, userName());
 }
 
 QString noTimer(const QString &reason, const NightlyJob &job, const NightlyPlan &plan)

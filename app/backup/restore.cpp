@@ -6,7 +6,6 @@
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/backup/carried_records.h"
-#include "app/backup/good_backups.h"
 #include "app/backup/stoppable_check.h"
 #include "app/backup/store_locked.h"
 #include "app/records/deeds.h"
@@ -213,7 +212,6 @@ End Restore::complete()
 {
     carryRecords(m_store.get(), m_copy.get());
     SqliteRecords records(m_copy.get());
-    (void)noteGoodBackup(records, m_kept, QFileInfo(m_kept).size(), QDateTime::currentDateTimeUtc());
     const QString what = u"%1; the store before it: %2"_s.arg(m_order.backup, m_kept);
     if (const auto failure = Deeds(records, m_order.place).add({deed::restored, m_order.who, what}))
         return failed(u"It cannot be noted who restores, so nothing was restored (%1)."_s.arg(failure->reason));
