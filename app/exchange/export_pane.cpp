@@ -32,7 +32,7 @@ namespace harrowby::app {
 
 namespace {
 
-const auto separatorSetting = u"ExportSeparator"_s;
+const QString separatorSetting(exportSeparatorSetting);
 const auto decimalSetting = u"ExportDecimalSign"_s;
 constexpr QSize calendarSize(364, 372); // a day of it suits a thumb
 

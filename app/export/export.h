@@ -7,6 +7,7 @@
 #include "basic/result.h"
 
 #include <QDate>
+#include <QLatin1StringView>
 #include <QString>
 #include <QStringList>
 
@@ -25,6 +26,9 @@ enum class ExportKind {
     Codes,
     Purchases,
 };
+
+/// The shop's setting that keeps the separator that was chosen last, as separatorNamed() reads it.
+inline constexpr QLatin1StringView exportSeparatorSetting("ExportSeparator");
 
 struct ExportRequest
 {

@@ -71,6 +71,7 @@ private:
     void showDetail();
     void followBusy(bool busy);
     void save();
+    [[nodiscard]] CsvForm form() const;
     void saved(const ExportEnd &end, const QString &target);
 
     SignedDeeds m_deeds;

@@ -178,6 +178,12 @@ void ActivityPageTest::listIsSaved()
     QVERIFY2(text.startsWith(u"Time,Kind,User,Place,What\r\n"_s) && text.contains(u"'=2+2"_s), qPrintable(text));
     QCOMPARE(read(u"select What from HarrowbyActivity where Kind = 'Exported'"_s),
              u"Activity, 1 row, to %1"_s.arg(target));
+    file.close();
+    runAll(m_path, kept::setting().making +
+                       QStringList{u"insert into HarrowbySetting values ('ExportSeparator', ';')"_s}); // on "Catalogue"
+    press("saveActivity");
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().startsWith("Time;Kind;"));
 }
 
 void ActivityPageTest::savingCanBeCalledOff()
