@@ -6,6 +6,8 @@
 #include "basic/cart_arithmetic.h"
 #include "basic/numbers.h"
 
+#include <QSize>
+
 #include <algorithm>
 #include <cmath>
 
@@ -14,6 +16,8 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
+
+constexpr int rowHeight = 50; // two lines
 
 QString keyOf(const LabelItem &item)
 {
@@ -116,7 +120,7 @@ void LabelList::setChoice(int row, qsizetype choice)
 {
     LabelRow &there = m_rows[row];
     there.choice = std::clamp<qsizetype>(choice, 0, there.choices.size() - 1);
-    Q_EMIT dataChanged(index(row, CodeColumn), index(row, CodeColumn));
+    Q_EMIT dataChanged(index(row, ItemColumn), index(row, ItemColumn));
 }
 
 void LabelList::remove(int row)
@@ -156,22 +160,20 @@ QVariant LabelList::data(const QModelIndex &index, int role) const
     const LabelRow &row = m_rows.at(index.row());
     if (role == Qt::TextAlignmentRole)
         return alignmentOf(index.column());
+    if (role == Qt::SizeHintRole)
+        return QSize(0, rowHeight);
     if (role != Qt::DisplayRole)
         return {};
-    switch (index.column()) {
-    case ItemColumn:
-        return shownCode(row.item.name);
-    case CodeColumn:
-        return shownCode(row.chosen().code.isEmpty() || row.chosen().units != 1 ? row.chosen().words
-                                                                                : row.chosen().code);
-    default:
+    if (index.column() == CountColumn)
         return formatCount(row.count);
-    }
+    const LabelChoice &chosen = row.chosen();
+    return shownCode(row.item.name) + u'\n' +
+           shownCode(chosen.code.isEmpty() || chosen.units != 1 ? chosen.words : chosen.code);
 }
 
 QVariant LabelList::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const QStringList headings = {u"Item"_s, u"Code"_s, u"Labels"_s};
+    static const QStringList headings = {u"Item and code"_s, u"Labels"_s};
     if (orientation != Qt::Horizontal)
         return {};
     if (role == Qt::TextAlignmentRole)

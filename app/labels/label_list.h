@@ -43,7 +43,7 @@ class LabelList final : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    enum Column { ItemColumn, CodeColumn, CountColumn, ColumnCount };
+    enum Column { ItemColumn, CountColumn, ColumnCount }; // below the item its code
     static constexpr int mostOfOne = 9'999;
     static constexpr qint64 mostLabels = 100'000;
 

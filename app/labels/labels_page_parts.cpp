@@ -24,7 +24,6 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int codeWidth = 152; // 13 digits
 constexpr int countWidth = 80;
 
 QComboBox *makeBox(QWidget *parent, const QString &objectName, const QString &accessibleName)
@@ -61,7 +60,6 @@ void LabelsPage::createList()
     m_view->header()->setSectionsMovable(false);
     m_view->header()->setSectionResizeMode(LabelList::ItemColumn, QHeaderView::Stretch);
     m_view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_view->header()->resizeSection(LabelList::CodeColumn, codeWidth);
     m_view->header()->resizeSection(LabelList::CountColumn, countWidth);
     m_sum = makeOfficeText(this, {});
     m_sum->setObjectName(u"labelsSum"_s);

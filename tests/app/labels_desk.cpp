@@ -133,8 +133,8 @@ QStringList LabelsDesk::listed()
     const QAbstractItemModel &model = *part<QTreeView>("labels")->model();
     QStringList lines;
     for (int row = 0; row < model.rowCount(); ++row)
-        lines << model.index(row, 0).data().toString() + u" | "_s + model.index(row, 1).data().toString() + u" | "_s +
-                     model.index(row, 2).data().toString();
+        lines << model.index(row, 0).data().toString().replace(u'\n', u" | "_s) + u" | "_s +
+                     model.index(row, 1).data().toString();
     return lines;
 }
 
@@ -142,7 +142,7 @@ void LabelsDesk::chooseRow(const QString &item)
 {
     auto *view = part<QTreeView>("labels");
     for (int row = 0; row < view->model()->rowCount(); ++row) {
-        if (view->model()->index(row, 0).data().toString() == item)
+        if (view->model()->index(row, 0).data().toString().section(u'\n', 0, 0) == item)
             return view->setCurrentIndex(view->model()->index(row, 0));
     }
     QFAIL(qPrintable(u"not listed: "_s + item));
