@@ -129,12 +129,14 @@ QString keyOf(const QString &heading)
     return key;
 }
 
-/// How well the heading names the column: 2 for its own name, 1 for another one.
+/// How well the heading names the column: 3 for its own name, 2 for the words that a person reads, 1 for others.
 int rankOf(const KnownColumn &column, const QString &key)
 {
     if (key.isEmpty())
         return 0;
-    if (key == keyOf(column.column.name) || key == keyOf(column.column.words))
+    if (key == keyOf(column.column.name))
+        return 3;
+    if (key == keyOf(column.column.words))
         return 2;
     return column.otherNames.contains(key) ? 1 : 0;
 }
@@ -188,7 +190,7 @@ ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)
 {
     ColumnMatch match(headings.size(), -1);
     const QList<KnownColumn> &columns = known(kind);
-    for (const int rank : {2, 1}) {
+    for (const int rank : {3, 2, 1}) {
         for (qsizetype i = 0; i < columns.size(); ++i) {
             if (match.contains(static_cast<int>(i)))
                 continue;

@@ -40,6 +40,10 @@ private Q_SLOTS:
     void faultsOfTheFile_data();
     void faultsOfTheFile();
     void noRows();
+    void columnsByTheirNames_data();
+    void columnsByTheirNames();
+    void columnsByHandAreRemembered();
+    void kindByTheHeadings();
 
 private:
     [[nodiscard]] QStringList preview(const QByteArray &text) { return m_bench->list(m_bench->stage(text).id); }
@@ -369,6 +373,54 @@ void ImportRulesTest::noRows()
     }
     const auto empty = m_bench->import().stage(ImportBench::file({}), ImportBench::choicesFor({}), goOn);
     QCOMPARE(empty.error().words, u"No column of the file is the ID, the code or the name of the items."_s);
+}
+
+void ImportRulesTest::columnsByTheirNames_data()
+{
+    QTest::addColumn<QString>("headings");
+    QTest::addColumn<ColumnMatch>("match");
+    const auto add = [](const char *name, const QString &headings, const ColumnMatch &match) {
+        QTest::newRow(name) << headings << match;
+    };
+    add("the store's", u"StockCost,StockName,StockID,As Stored,StockAdded"_s, {3, 1, 0, -1, -1});
+    add("English", u"SKU,Product name,Unit price (EUR),Qty,Barcode,Colour"_s, {0, 1, 3, 5, 7, -1});
+    add("German", u"Artikelnummer,Bezeichnung,Warengruppe,VK,Mindestbestand,Bestand,EAN"_s, {0, 1, 2, 3, 4, 5, 7});
+    add("French", u"Réf.,Désignation,Famille,Prix de vente,Code-barres"_s, {0, 1, 2, 3, 7});
+    add("Spanish", u"Referencia,Descripción,Categoría,P.V.P.,Existencias"_s, {0, 1, 2, 3, 5});
+    add("own name first", u"Name,StockName"_s, {-1, 1});
+    add("none", u",,?"_s, {-1, -1, -1});
+}
+
+void ImportRulesTest::columnsByTheirNames()
+{
+    QFETCH(QString, headings);
+    QTEST(matchColumns(ImportKind::Items, headings.split(u',')), "match");
+}
+
+void ImportRulesTest::columnsByHandAreRemembered()
+{
+    const QStringList headings = {u"No"_s, u"What"_s, u"Price"_s};
+    const ColumnMatch byHand = {0, 1, -1};
+    RememberedColumns remembered(*m_bench->records);
+    QVERIFY(!remembered.match(ImportKind::Items, headings));
+    QVERIFY(!remembered.remember(ImportKind::Items, headings, byHand));
+    QCOMPARE(remembered.match(ImportKind::Items, headings), byHand);
+    QVERIFY(!remembered.match(ImportKind::Codes, headings));
+    QVERIFY(!remembered.match(ImportKind::Items, {u"No"_s, u"Price"_s, u"What"_s}));
+    QVERIFY(!remembered.remember(ImportKind::Items, headings, matchColumns(ImportKind::Items, headings)));
+    QVERIFY(!remembered.match(ImportKind::Items, headings));
+    QVERIFY(!checkMatch(ImportKind::Items, {3, 3, 0}));
+    QVERIFY(!checkMatch(ImportKind::Items, {3, -1}));
+    QVERIFY(!checkMatch(ImportKind::Codes, {1}));
+    QVERIFY(checkMatch(ImportKind::Items, {-1, 7}));
+}
+
+void ImportRulesTest::kindByTheHeadings()
+{
+    QCOMPARE(guessKind({u"Name"_s, u"Price"_s}), ImportKind::Items);
+    QCOMPARE(guessKind({u"Category"_s}), ImportKind::Categories);
+    QCOMPARE(guessKind({u"Barcode"_s, u"SKU"_s, u"Units"_s}), ImportKind::Codes);
+    QCOMPARE(guessKind({u"CategoryName"_s, u"EntryDate"_s, u"As Stored"_s}), ImportKind::Categories);
 }
 
 HARROWBY_CORE_TEST(app_import_rules_test, ImportRulesTest)
