@@ -155,6 +155,9 @@ void CataloguePageTest::columnsAreChosenByHandAndRemembered()
     chooseEntry("columnStockCost", u"Foo"_s);
     chooseEntry("columnStockName", u"Foo"_s); // a column is one thing
     QCOMPARE(part<QComboBox>("columnStockCost")->currentText(), u"(not in this file)"_s);
+    chooseEntry("columnStockName", u"Bar"_s); // and so is what it holds
+    QCOMPARE(text("leftOutColumns"), u"Not used of your file: Foo"_s);
+    chooseEntry("columnStockName", u"Foo"_s);
     chooseEntry("columnStockCost", u"Bar"_s);
     QCOMPARE(text("leftOutColumns"), u"Every column of your file is used."_s);
     nextIs(3);

@@ -97,6 +97,7 @@ void WorkTest::init()
     m_came.clear();
     m_window = std::make_unique<QWidget>();
     auto *rows = new QVBoxLayout(m_window.get());
+    rows->addWidget(new QPushButton(u"Other"_s)); // where Qt would pass the focus to
     m_button = new QPushButton(u"Begin"_s);
     m_strip = new WorkStrip(*m_job);
     m_strip->setDelay(0);
