@@ -146,10 +146,11 @@ void KeptBackupsTest::failureRemovesNothing()
 /// One that seems older than those that are there is the newest all the same.
 void KeptBackupsTest::wrongClockLosesNothing()
 {
-    const QString future = made(keepAt(morning.addYears(10), 1)).file;
+    const QString future = made(keepAt(morning.addYears(10), 0)).file;
+    const QString later = made(keepAt(morning.addYears(11), 0)).file;
     const KeptBackup now = keepAt(morning, 1);
     QCOMPARE(now.removed, QStringList());
-    QVERIFY(QFile::exists(made(now).file) && QFile::exists(future));
+    QVERIFY(QFile::exists(made(now).file) && QFile::exists(future) && QFile::exists(later));
     const KeptBackup next = keepAt(morning.addDays(1), 1);
     QCOMPARE(next.removed, QStringList{now.result.file});
     QVERIFY(QFile::exists(made(next).file) && QFile::exists(future));
