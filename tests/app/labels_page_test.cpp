@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/codes/code_table.h"
 #include "app/labels/step_entry.h"
+#include "app/work/work_strip.h"
 #include "tests/app/labels_desk.h"
 #include "tests/platform/pdf_text.h"
 #include "tests/program/test_program.h"
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void stepsAreTypedAndPressed();
     void everythingIsLargeEnoughForAThumbAndNamed();
     void theListHasALimit();
+    void longWorkIsShownAndCancelled();
 };
 
 void LabelsPageTest::itemsAreFound()
@@ -365,6 +367,24 @@ void LabelsPageTest::theListHasALimit()
     QCOMPARE(list.rows().constLast().item.id, u"0"_s);
     list.clear();
     QCOMPARE(list.labels(), 0);
+}
+
+void LabelsPageTest::longWorkIsShownAndCancelled()
+{
+    pick(u"milk"_s, [](QDialog &dialog) {
+        in<QLineEdit>(dialog, "labelsOfEach")->setText({});
+        QTest::keyClicks(in<QLineEdit>(dialog, "labelsOfEach"), u"9999"_s);
+        QTest::mouseClick(in<QPushButton>(dialog, "addLabel"), Qt::LeftButton);
+    });
+    m_page->findChild<WorkStrip *>()->setDelay(0);
+    press("saveLabels");
+    QVERIFY(m_page->leaving());
+    QTRY_VERIFY_WITH_TIMEOUT(part<QPushButton>("workCancel")->isVisible(), 30000);
+    QVERIFY(!part<QPushButton>("printLabels")->isEnabled());
+    press("workCancel");
+    QTRY_COMPARE_WITH_TIMEOUT(outcome(), u"Cancelled: nothing was printed."_s, 30000);
+    QVERIFY(!QFile::exists(m_path) && !m_page->leaving());
+    QVERIFY(part<QPushButton>("printLabels")->isEnabled());
 }
 
 HARROWBY_TEST(app_labels_page_test, LabelsPageTest)
