@@ -204,8 +204,7 @@ void UsersPage::resizeEvent(QResizeEvent *event)
 
 void UsersPage::wrapRights()
 {
-    const QMargins margins = layout()->contentsMargins();
-    const int room = width() - margins.left() - margins.right() - m_list->width() - layout()->spacing() - besideRight;
+    const int room = layout()->contentsRect().width() - m_list->width() - layout()->spacing() - besideRight;
     for (qsizetype i = 0; i < m_rights.size(); ++i)
         m_rights.at(i)->setText(wrapped(rightText(userRights().at(i)), m_rights.at(i)->fontMetrics(), room));
 }
