@@ -6,6 +6,7 @@
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
