@@ -27,7 +27,7 @@ namespace harrowby::bench {
 namespace {
 
 constexpr double importLimit = 2.0;
-constexpr double exportLimit = 2.0;
+constexpr double exportLimit = 4.0;
 constexpr double tillLimitMs = 2'000.0;
 constexpr int turns = 3; ///< of the imports beside a till
 constexpr auto betweenSales = std::chrono::milliseconds(5);
