@@ -21,19 +21,18 @@ namespace harrowby::app {
 
 namespace {
 
-QString baseOf(const QString &store)
+QString beginOr(const QString &begin, const QString &store)
 {
-    return QFileInfo(realTarget(store)).completeBaseName();
+    return begin.isEmpty() ? QFileInfo(realTarget(store)).completeBaseName() : begin;
 }
 
 /// The moment in a name, and the number of one that was made within the same second.
 using Place = std::pair<QString, int>;
 
 /// Of those removed, all are older than `made`: another program's newer one stays, even when both keep one only.
-void removeOldest(KeptBackup &kept, const QString &folder, const QString &store, int keep)
+void removeOldest(KeptBackup &kept, const QStringList &all, int keep)
 {
     const QString made = QFileInfo(kept.result.file).fileName();
-    const QStringList all = keptBackups(folder, store);
     for (qsizetype at = 0, own = -1; at < all.size(); ++at) {
         if (QFileInfo(all.at(at)).fileName() == made)
             own = at;
@@ -55,15 +54,16 @@ QString storeMark(const QString &store)
     return QString::fromLatin1(QCryptographicHash::hash(where, QCryptographicHash::Sha256).toHex().left(shortened));
 }
 
-QString keptBackupName(const QString &store, const QDateTime &moment)
+QString keptBackupName(const QString &store, const QDateTime &moment, const QString &begin)
 {
-    return u"%1-%2-%3.%4"_s.arg(baseOf(store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), storeMark(store), copySuffix);
+    return u"%1-%2-%3.%4"_s.arg(beginOr(begin, store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), storeMark(store),
+                                copySuffix);
 }
 
-QStringList keptBackups(const QString &folder, const QString &store)
+QStringList keptBackups(const QString &folder, const QString &store, const QString &begin)
 {
     const QRegularExpression form(u"^%1-(\\d{4}-\\d{2}-\\d{2}-\\d{6})-%2(?:-(\\d{1,4}))?\\.%3$"_s.arg(
-        QRegularExpression::escape(baseOf(store)), storeMark(store), copySuffix));
+        QRegularExpression::escape(beginOr(begin, store)), storeMark(store), copySuffix));
     QList<std::pair<Place, QString>> found;
     const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     for (const QFileInfo &file : files) {
@@ -78,12 +78,12 @@ QStringList keptBackups(const QString &folder, const QString &store)
 }
 
 KeptBackup keepBackup(const QString &store, const QString &folder, int keep, const QDateTime &now,
-                      const BackupWatch &watch)
+                      const BackupWatch &watch, const QString &begin)
 {
-    const QString target = QDir(folder).absoluteFilePath(keptBackupName(store, now));
+    const QString target = QDir(folder).absoluteFilePath(keptBackupName(store, now, begin));
     KeptBackup kept = {backUpStoreNumbered(store, target, watch), {}, {}};
     if (kept.result.outcome == BackupResult::Outcome::Done && keep > 0)
-        removeOldest(kept, folder, store, keep);
+        removeOldest(kept, keptBackups(folder, store, begin), keep);
     return kept;
 }
 

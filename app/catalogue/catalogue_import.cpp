@@ -3,7 +3,7 @@
 
 #include "app/backup/backup.h"
 #include "app/backup/backup_names.h"
-#include "app/backup/good_backups.h"
+#include "app/backup/kept_backups.h"
 #include "app/catalogue/import_lines.h"
 #include "app/catalogue/import_list.h"
 #include "app/catalogue/import_writing.h"
@@ -174,20 +174,20 @@ Imported<qint64> CatalogueImport::saveList(std::int64_t id, RowFilter filter, co
     return file.commit() ? Imported<qint64>(written) : notSaved(file.errorString());
 }
 
+/// Not noted as one of the store's good backups: it lies on the store's own disk, and would hide for the office that
+/// the nightly ones fail.
 Imported<QString> CatalogueImport::backUp(const WorkWatch &watch) const
 {
-    const QDateTime now = m_desk.now();
-    const QDir folder(m_desk.backupFolder.isEmpty() ? usualBackupFolder() : m_desk.backupFolder);
-    const QString target =
-        folder.filePath(now.toString(u"'harrowby-before-import-'yyyy-MM-dd-HHmmss"_s) + u'.' + copySuffix.toString());
-    const BackupResult result = backUpStoreNumbered(m_desk.store, target, backupWatch(watch));
+    constexpr int keep = 10; // as a file that is imported every night makes one each time
+    const QString folder = m_desk.backupFolder.isEmpty() ? usualBackupFolder() : m_desk.backupFolder;
+    const BackupResult result =
+        keepBackup(m_desk.store, folder, keep, m_desk.now(), backupWatch(watch), u"harrowby-before-import"_s).result;
     if (result.outcome == BackupResult::Outcome::Stopped)
         return Unexpected(ImportEnd{ImportEnd::Kind::Cancelled, u"Nothing was imported."_s});
     if (result.outcome == BackupResult::Outcome::Failed)
         return Unexpected(
             ImportEnd{ImportEnd::Kind::Failed,
                       u"Nothing was imported, as no backup could be made before it.\n"_s + result.problem});
-    noteGoodBackup(m_records, result.file, result.bytes, now);
     return result.file;
 }
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "app/backup/good_backups.h"
+#include "app/backup/kept_backups.h"
 #include "app/export/export.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
@@ -22,6 +24,8 @@ private Q_SLOTS:
     void cleanup() { m_bench.reset(); }
 
     void backupComesFirst();
+    void tenBackupsStay();
+    void itsBackupEndsNoWarning();
     void noBackupNoImport();
     void deedIsWritten();
     void allRowsOrNone();
@@ -63,12 +67,45 @@ void ImportWritingTest::backupComesFirst()
 {
     m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
     const ImportOutcome outcome = m_bench->importValid("StockID,Price\nTEA-1,2\n");
-    QCOMPARE(outcome.backup, m_bench->folder.filePath(u"harrowby-before-import-2026-11-22-120005.db"_s));
+    QCOMPARE(outcome.backup, m_bench->folder.filePath(
+                                 u"harrowby-before-import-2026-11-22-120005-%1.db"_s.arg(storeMark(m_bench->path))));
     SqliteDatabase backup = *openDatabase(outcome.backup, OpenMode::Read);
     QCOMPARE(readText(backup.get(), u"select StockCost from StockList"_s), u"1.5"_s);
     QCOMPARE(m_bench->rows(u"select StockCost, StockLastUpdated, StockLastModified, StockAdded, StockReorderUser "
                            "from StockList"_s),
              QStringList{u"2|22-Nov-26 12:00:05|JILL|JACK|JILL"_s});
+}
+
+/// A file that is imported every night.
+void ImportWritingTest::tenBackupsStay()
+{
+    const QString mark = storeMark(m_bench->path);
+    const QStringList others = {u"harrowby-before-import-2020-01-01-090000.db"_s,
+                                u"harrowby-before-import-2020-01-01-090000-01234567.db"_s, // another store's
+                                u"harrowby-2020-01-01-090000-%1.db"_s.arg(mark)};
+    for (const QString &other : others)
+        QVERIFY(QFile(m_bench->folder.filePath(other)).open(QIODevice::WriteOnly));
+    QStringList made;
+    for (int night = 0; night < 12; ++night) {
+        m_bench->desk.now = [night] { return QDateTime(QDate(2026, 11, 1 + night), QTime(3, 0)); };
+        made << m_bench->importValid("StockID,Name,Price\nTEA-1,TEA,%1\n"_ba.replace("%1", QByteArray::number(night)))
+                    .backup;
+    }
+    const QStringList left =
+        QDir(m_bench->folder.path()).entryList({u"harrowby-*"_s}, QDir::Files, QDir::Name | QDir::Reversed);
+    for (const QString &other : others)
+        QVERIFY2(left.contains(other), qPrintable(other));
+    QCOMPARE(left.size(), others.size() + 10);
+    for (int night = 0; night < 12; ++night)
+        QCOMPARE(QFile::exists(made.at(night)), night >= 2);
+}
+
+/// It lies on the store's own disk.
+void ImportWritingTest::itsBackupEndsNoWarning()
+{
+    QVERIFY(m_bench->importValid("StockID,Name,Price\nTEA-1,TEA,2\n").backup.endsWith(u".db"_s));
+    QVERIFY(goodBackups(*m_bench->records).isEmpty());
+    QCOMPARE(backupWarning(*m_bench->records, QDateTime::currentDateTimeUtc()), u"No backup yet"_s);
 }
 
 void ImportWritingTest::noBackupNoImport()
