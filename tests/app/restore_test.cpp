@@ -21,11 +21,13 @@
 #include <QTest>
 
 #include <sqlite3.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -63,6 +65,8 @@ private Q_SLOTS:
     void openStoreIsRefused();
     void openFileIsNamed();
     void livingTillIsSeen();
+    void tillComesInToTheRestoredStore();
+    void tillThatSellsAtOnceIsNoFault();
     void stopLeavesTheStore();
     void fullDiskLeavesTheStore_data();
     void fullDiskLeavesTheStore();
@@ -85,7 +89,7 @@ private:
         return QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
     void verifyUntouched() const;
-    /// How often the watch is called.
+    /// How often the watch is called by this thread; a check has another one call it now and then.
     [[nodiscard]] int stepsOf(const RestoreOrder &order) const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -319,6 +323,52 @@ void RestoreTest::livingTillIsSeen()
     QCOMPARE(restore().problem, QString());
 }
 
+/// A process of its own restores: locks of one process do not keep it out itself.
+void RestoreTest::tillComesInToTheRestoredStore()
+{
+    char sign = 'r';
+    int ends[2] = {};
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        bool isMet = false;
+        const RestoreResult result = restore([&](const WorkStep &step) {
+            if (!isMet && step.words.contains(u"put in place"_s))
+                isMet = ::write(ends[1], &sign, 1) == 1 && ::read(ends[1], &sign, 1) == 1;
+            return true;
+        });
+        ::_exit(isMet && result.outcome == Outcome::Done ? 0 : 1);
+    }
+    QVERIFY(::close(ends[1]) == 0); // a restore that ends is heard
+    QCOMPARE(::read(ends[0], &sign, 1), ssize_t(1));
+    BusyWait brief(std::chrono::milliseconds(5));
+    const auto refused = openStore(store(), brief);
+    QVERIFY(!refused && refused.error().text.contains(u"is locked by another program"_s));
+    int pauses = 0;
+    BusyWait wait(wait_times::longest, [&](std::chrono::milliseconds pause) {
+        if (pauses++ == 0)
+            QCOMPARE(::write(ends[0], &sign, 1), ssize_t(1));
+        std::this_thread::sleep_for(pause);
+    });
+    SqliteDatabase till;
+    QVERIFY(!into(till, openStore(store(), wait)));
+    QCOMPARE(readText(till.get(), u"SELECT StockName FROM StockList"_s), u"OLD TEA"_s);
+    QVERIFY(!runSql(till.get(), u"INSERT INTO SysUsage VALUES ('sold', '', '')"_s));
+    int status = 0;
+    QVERIFY(::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    QCOMPARE(readText(till.get(), u"SELECT count(*) FROM SysUsage WHERE SystemUsage = 'sold'"_s), u"1"_s);
+}
+
+void RestoreTest::tillThatSellsAtOnceIsNoFault()
+{
+    const RestoreResult result = restore([this](const WorkStep &step) {
+        if (step.words.contains(u"being opened"_s))
+            runAll(store(), {u"INSERT INTO SysUsage VALUES ('sold', '', '')"_s, u"DELETE FROM StockList"_s});
+        return true;
+    });
+    QCOMPARE(result.problem, QString());
+}
+
 int RestoreTest::stepsOf(const RestoreOrder &order) const
 {
     const QString aside = path(u"aside.sqlite"_s);
@@ -328,8 +378,8 @@ int RestoreTest::stepsOf(const RestoreOrder &order) const
     int steps = 0;
     RestoreOrder tried = order;
     tried.store = aside;
-    const RestoreResult result = restoreStore(tried, [&](const WorkStep &) {
-        ++steps;
+    const RestoreResult result = restoreStore(tried, [&, own = std::this_thread::get_id()](const WorkStep &) {
+        steps += std::this_thread::get_id() == own ? 1 : 0;
         return true;
     });
     (void)QFile::remove(aside);
@@ -419,8 +469,8 @@ void RestoreTest::killLeavesOldOrNew()
         const pid_t child = ::fork();
         if (child == 0) {
             int step = 0;
-            (void)restore([&](const WorkStep &) {
-                if (++step == at)
+            (void)restore([&, own = std::this_thread::get_id()](const WorkStep &) {
+                if (std::this_thread::get_id() == own && ++step == at)
                     ::raise(SIGKILL);
                 return true;
             });
