@@ -14,11 +14,14 @@ namespace harrowby::app {
 
 namespace {
 
+constexpr int ownName = 4;
+
 /// A column and what else it is called in files, without capitals, blanks and signs.
 struct KnownColumn
 {
     ImportColumn column;
     QStringList otherNames;
+    QStringList plainNames = {}; ///< that go before the words a person reads, as those may say something else in a file
 };
 
 const QList<KnownColumn> &itemNames()
@@ -62,10 +65,34 @@ const QList<KnownColumn> &itemNames()
           u"kategorie"_s, u"warengruppe"_s, u"gruppe"_s, u"catégorie"_s, u"categorie"_s, u"famille"_s, u"rayon"_s,
           u"groupe"_s, u"categoría"_s, u"categoria"_s, u"familia"_s, u"grupo"_s}},
         {{u"StockCost"_s, u"Unit cost"_s, true},
-         {u"cost"_s,        u"unitcost"_s,   u"price"_s,          u"unitprice"_s,     u"sellingprice"_s,
-          u"salesprice"_s,  u"saleprice"_s,  u"retailprice"_s,    u"preis"_s,         u"verkaufspreis"_s,
-          u"vk"_s,          u"stückpreis"_s, u"einzelpreis"_s,    u"prix"_s,          u"prixunitaire"_s,
-          u"prixdevente"_s, u"precio"_s,     u"preciounitario"_s, u"preciodeventa"_s, u"pvp"_s}},
+         {u"cost"_s, u"unitcost"_s}, // of many lists what the shop pays
+         {u"price"_s,
+          u"unitprice"_s,
+          u"sellingprice"_s,
+          u"sellprice"_s,
+          u"salesprice"_s,
+          u"saleprice"_s,
+          u"retailprice"_s,
+          u"retail"_s,
+          u"rrp"_s,
+          u"preis"_s,
+          u"verkaufspreis"_s,
+          u"verkauf"_s,
+          u"vk"_s,
+          u"vkpreis"_s,
+          u"ladenpreis"_s,
+          u"stückpreis"_s,
+          u"einzelpreis"_s,
+          u"prix"_s,
+          u"prixunitaire"_s,
+          u"prixdevente"_s,
+          u"prixvente"_s,
+          u"prixpublic"_s,
+          u"precio"_s,
+          u"preciounitario"_s,
+          u"preciodeventa"_s,
+          u"precioventa"_s,
+          u"pvp"_s}},
         {{u"StockReorderLevel"_s, u"Reorder level"_s, true},
          {u"reorderlevel"_s, u"rlevel"_s, u"reorder"_s, u"reorderpoint"_s, u"minimum"_s, u"min"_s, u"minstock"_s,
           u"minimumstock"_s, u"mindestbestand"_s, u"meldebestand"_s, u"stockminimum"_s, u"stockmin"_s, u"seuil"_s,
@@ -129,16 +156,57 @@ QString keyOf(const QString &heading)
     return key;
 }
 
-/// How well the heading names the column: 3 for its own name, 2 for the words that a person reads, 1 for others.
+/// How well the heading names the column: 4 for its own name, 3 for the plain names, 2 for the words that a person
+/// reads, 1 for others.
 int rankOf(const KnownColumn &column, const QString &key)
 {
     if (key.isEmpty())
         return 0;
     if (key == keyOf(column.column.name))
+        return ownName;
+    if (column.plainNames.contains(key))
         return 3;
     if (key == keyOf(column.column.words))
         return 2;
     return column.otherNames.contains(key) ? 1 : 0;
+}
+
+/// "Price incl. VAT": words that are not known, but speak of what a customer pays.
+bool mayBeAPrice(const QString &key)
+{
+    const auto speaksOf = [&](const QStringList &words) {
+        return std::ranges::any_of(words, [&](const QString &word) { return key.contains(word); });
+    };
+    static const QStringList selling = {u"price"_s,   u"preis"_s,   u"prix"_s,  u"precio"_s, u"retail"_s,
+                                        u"selling"_s, u"verkauf"_s, u"vente"_s, u"venta"_s};
+    static const QStringList buying = {u"cost"_s,    u"purchas"_s, u"buy"_s,      u"wholesale"_s, u"supplier"_s,
+                                       u"einkauf"_s, u"ekpreis"_s, u"preisek"_s,  u"bezug"_s,     u"achat"_s,
+                                       u"revient"_s, u"degros"_s,  u"prixgros"_s, u"fourniss"_s,  u"compra"_s,
+                                       u"coste"_s,   u"costo"_s,   u"mayor"_s,    u"proveedor"_s};
+    return speaksOf(selling) && !speaksOf(buying);
+}
+
+/// The places of those headings that the column may be, the likeliest first.
+QList<int> candidatesOf(const KnownColumn &column, const QStringList &headings)
+{
+    QList<int> places;
+    int best = 0;
+    for (int rank = ownName; rank > 0; --rank) {
+        for (qsizetype i = 0; i < headings.size(); ++i) {
+            if (rankOf(column, keyOf(headings.at(i))) == rank) {
+                places << static_cast<int>(i);
+                best = std::max(best, rank);
+            }
+        }
+    }
+    // Nobody heads a column by the store's own name but for this; a lone "Cost" beside another price may be either.
+    if (best == ownName)
+        places.removeIf([&](int place) { return rankOf(column, keyOf(headings.at(place))) < ownName; });
+    for (qsizetype i = 0; best > 0 && best < 3 && !column.plainNames.isEmpty() && i < headings.size(); ++i) {
+        if (rankOf(column, keyOf(headings.at(i))) == 0 && mayBeAPrice(keyOf(headings.at(i))))
+            places << static_cast<int>(i);
+    }
+    return places;
 }
 
 QString settingOf(ImportKind kind, const QStringList &headings)
@@ -190,7 +258,7 @@ ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)
 {
     ColumnMatch match(headings.size(), -1);
     const QList<KnownColumn> &columns = known(kind);
-    for (const int rank : {3, 2, 1}) {
+    for (int rank = ownName; rank > 0; --rank) {
         for (qsizetype i = 0; i < columns.size(); ++i) {
             if (match.contains(static_cast<int>(i)))
                 continue;
@@ -202,6 +270,18 @@ ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)
         }
     }
     return match;
+}
+
+QList<ColumnDoubt> columnDoubts(ImportKind kind, const QStringList &headings)
+{
+    QList<ColumnDoubt> doubts;
+    const QList<KnownColumn> &columns = known(kind);
+    for (qsizetype i = 0; i < columns.size(); ++i) {
+        const QList<int> places = candidatesOf(columns.at(i), headings);
+        if (places.size() > 1)
+            doubts << ColumnDoubt{static_cast<int>(i), places};
+    }
+    return doubts;
 }
 
 Result<void, QString> checkMatch(ImportKind kind, const ColumnMatch &match)
@@ -253,7 +333,7 @@ std::optional<DbFailure> RememberedColumns::remember(ImportKind kind, const QStr
 {
     ShopSettings settings(m_records);
     const QString name = settingOf(kind, headings);
-    if (match == matchColumns(kind, headings)) {
+    if (match == matchColumns(kind, headings) && columnDoubts(kind, headings).isEmpty()) {
         const auto there = settings.read(name);
         if (!there)
             return there.error();

@@ -30,8 +30,20 @@ struct ImportColumn
 
 /// The kind that most of the headings speak of.
 [[nodiscard]] ImportKind guessKind(const QStringList &headings);
-/// By the store's own names and the usual words of English, German, French and Spanish, in any order and case.
+/// By the store's own names and the usual words of English, German, French and Spanish, in any order and case. Of
+/// several headings that fit one column it takes the likeliest: a price is what the customer pays, never what the shop
+/// does.
 [[nodiscard]] ColumnMatch matchColumns(ImportKind kind, const QStringList &headings);
+
+/// A column that several headings fit. Somebody has to say which of them it is.
+struct ColumnDoubt
+{
+    int column = 0;      ///< of importColumns()
+    QList<int> headings; ///< their places in the file, from 0; the likeliest first
+
+    friend bool operator==(const ColumnDoubt &, const ColumnDoubt &) = default;
+};
+[[nodiscard]] QList<ColumnDoubt> columnDoubts(ImportKind kind, const QStringList &headings);
 /// Why the rows cannot be read by it, in words for a person: a column twice, or none that says which row is which.
 [[nodiscard]] Result<void, QString> checkMatch(ImportKind kind, const ColumnMatch &match);
 
@@ -50,7 +62,7 @@ public:
 
     /// Nothing for a header that is new, or when the settings cannot be read.
     [[nodiscard]] std::optional<ColumnMatch> match(ImportKind kind, const QStringList &headings) const;
-    /// Of what matchColumns() finds by itself nothing is kept.
+    /// Of what matchColumns() finds by itself, without a doubt, nothing is kept.
     std::optional<DbFailure> remember(ImportKind kind, const QStringList &headings, const ColumnMatch &match);
 
 private:

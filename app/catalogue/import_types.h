@@ -49,6 +49,7 @@ struct StagedImport
 {
     std::int64_t id = 0;
     ImportCounts counts;
+    qint64 renamed = 0;        ///< of the changed items those that get another name
     QStringList newCategories; ///< that are made with it, as choices.makeCategories has it
 };
 

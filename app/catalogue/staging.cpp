@@ -214,6 +214,7 @@ void Staging::count(const StagedPiece &piece)
             break;
         case RowKind::Changed:
             ++m_staged.counts.changed;
+            m_staged.renamed += m_choices.kind == ImportKind::Items && (row.mask & maskOf(NamePart)) != 0 ? 1 : 0;
             break;
         case RowKind::Unchanged:
             ++m_staged.counts.unchanged;

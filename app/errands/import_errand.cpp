@@ -4,6 +4,7 @@
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/own_records.h"
+#include "app/errands/column_options.h"
 #include "app/errands/form_options.h"
 #include "app/records/deeds.h"
 #include "app/start/start_message.h"
@@ -27,6 +28,7 @@ struct ImportOrder
     std::optional<CsvEncoding> encoding;
     std::optional<QChar> separator;
     std::optional<QChar> decimalSign;
+    QList<GivenColumn> columns;
     ImportChoices choices; ///< what does not hang on the file
 };
 
@@ -86,10 +88,13 @@ private:
         CsvForm &form = m_choices.form = guess.form;
         form.encoding = m_order.encoding.value_or(form.encoding);
         form.separator = m_order.separator.value_or(form.separator);
-        const QStringList headings = headingsOf(m_file.bytes, form);
-        m_choices.kind = m_order.kind.value_or(guessKind(headings));
-        RememberedColumns remembered(m_records->records());
-        m_choices.columns = remembered.match(m_choices.kind, headings).value_or(matchColumns(m_choices.kind, headings));
+        m_headings = headingsOf(m_file.bytes, form);
+        m_choices.kind = m_order.kind.value_or(guessKind(m_headings));
+        const auto remembered = RememberedColumns(m_records->records()).match(m_choices.kind, m_headings);
+        auto columns = columnsFor(m_choices.kind, m_headings, remembered, m_order.columns);
+        if (!columns)
+            return columns.error();
+        m_choices.columns = *columns;
         const DecimalGuess decimal = guessDecimalSign(m_file.bytes, form, m_choices.kind, m_choices.columns);
         if (!m_order.decimalSign && !decimal.sign)
             return u"It cannot be told whether the figures of \"%1\" have a decimal point or a decimal comma (%2 in "
@@ -129,12 +134,18 @@ private:
         printOut(u"%1: %2, %3, %4, decimal %5\n"_s.arg(m_file.name(), kindWords(m_choices.kind),
                                                        encodingWords(form.encoding), separatorWords(form.separator),
                                                        form.decimalSign == u',' ? u"comma"_s : u"point"_s));
+        printOut(columnWords(m_choices.kind, m_headings, m_choices.columns));
         printOut(u"%1 new, %2 changed, %3 unchanged, %4 refused\n"_s.arg(staged.counts.fresh)
                      .arg(staged.counts.changed)
                      .arg(staged.counts.unchanged)
                      .arg(staged.counts.refused));
         if (!staged.newCategories.isEmpty())
             printOut(u"New categories: %1\n"_s.arg(staged.newCategories.join(u", "_s)));
+        if (staged.renamed > 0)
+            printOut(
+                u"%1 get%2 another name: tills that are open show the old %3 until their pages are loaded again\n"_s
+                    .arg(staged.renamed == 1 ? u"1 item"_s : u"%1 items"_s.arg(staged.renamed),
+                         staged.renamed == 1 ? u"s"_s : u""_s, staged.renamed == 1 ? u"one"_s : u"ones"_s));
         if (staged.counts.refused == 0)
             return ExitCode::Done;
         if (const ExitCode code = tellRows(staged.id, RowFilter::Refused); code != ExitCode::Done)
@@ -182,6 +193,7 @@ private:
     const ImportOrder &m_order;
     ImportChoices m_choices;
     ImportFile m_file;
+    QStringList m_headings;
     std::unique_ptr<OwnRecords> m_records;
 };
 
@@ -204,6 +216,12 @@ std::optional<QString> readImportOptions(const ErrandLine &line, ImportOrder &or
         order.kind = kindNamed(line.options.value(u"--kind"_s));
         if (!order.kind)
             return u"--kind takes items, categories or codes."_s;
+    }
+    if (isSet(u"--columns"_s)) {
+        const auto columns = readColumns(line.options.value(u"--columns"_s));
+        if (!columns)
+            return columns.error();
+        order.columns = *columns;
     }
     order.dryRun = isSet(u"--dry-run"_s);
     order.validRows = isSet(u"--valid-rows"_s);

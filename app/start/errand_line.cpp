@@ -53,6 +53,7 @@ const QList<ErrandForm> &errandForms()
           {u"--encoding"_s, u"utf-8, utf-16, utf-16be or windows-1252"_s},
           {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
           {u"--decimal"_s, u"point or comma"_s},
+          {u"--columns"_s, u"pairs such as StockCost=Price"_s},
           {u"--stock-in-hand"_s, {}},
           {u"--capitals"_s, {}},
           {u"--no-categories"_s, {}},

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void fullDiskKeepsTheOldList();
     void backupIsRestored();
     void fileIsImported();
+    void columnsOfAnImportAreTold();
     void wrongImportIsRefused_data();
     void wrongImportIsRefused();
 
@@ -344,6 +345,7 @@ void ErrandsTest::fileIsImported()
     const QStringList order = {u"--database"_s, u"shop.sqlite"_s, u"--import"_s, u"list.csv"_s};
     const QString prices = u"SELECT StockID || ' ' || StockName || ' ' || StockCost FROM StockList ORDER BY 1"_s;
     const QString seen = u"list.csv: items, UTF-8, Semicolon ( ; ), decimal comma\n"
+                         "StockID ← Artikelnummer\nStockName ← Bezeichnung\nStockCost ← Preis\n"
                          "0 new, 1 changed, 0 unchanged, 1 refused\n"
                          "Line 3, Bezeichnung: It is not in capitals.\n"_s;
     for (const QStringList &options : {QStringList{u"--dry-run"_s}, QStringList()}) {
@@ -361,6 +363,27 @@ void ErrandsTest::fileIsImported()
     QVERIFY2(whole.code == 0 && whole.out.endsWith(u"Imported: 1 new, 0 changed\n"_s), qPrintable(whole.out));
     QCOMPARE(column(path(u"shop.sqlite"_s), prices), (QStringList{u"NEW TEE 1.25"_s, u"TEA-0001 TEA 3.5"_s}));
     QCOMPARE(run(order + QStringList{u"--capitals"_s, u"--dry-run"_s}).code, 0);
+}
+
+void ErrandsTest::columnsOfAnImportAreTold()
+{
+    write(u"two.csv"_s, "StockID,Name,Unit Cost,Price\nTEA-0001,GREEN,0.80,1.50\n");
+    const QStringList order = {u"--database"_s, u"shop.sqlite"_s, u"--import"_s, u"two.csv"_s};
+    const ErrandEnd refused = run(order);
+    QCOMPARE(refused.code, 6);
+    QVERIFY2(refused.errors.contains(u"can be StockCost: \"Price\", \"Unit Cost\"."_s), qPrintable(refused.errors));
+    QCOMPARE(run(order + QStringList{u"--columns"_s, u"StockCost=None"_s}).code, 6);
+    QCOMPARE(run(order + QStringList{u"--columns"_s, u"Colour=Price"_s}).code, 6);
+    QCOMPARE(run(order + QStringList{u"--columns"_s, u"Price"_s}).code, 2);
+    const ErrandEnd given = run(order + QStringList{u"--columns"_s, u"StockCost=price"_s});
+    QVERIFY2(
+        given.out.startsWith(
+            u"two.csv: items, UTF-8, Comma ( , ), decimal point\nStockID ← StockID\nStockName ← Name\n"
+            "StockCost ← Price\nNot used: \"Unit Cost\"\n0 new, 1 changed, 0 unchanged, 0 refused\n"
+            "1 item gets another name: tills that are open show the old one until their pages are loaded again\n"_s),
+        qPrintable(given.out));
+    QCOMPARE(given.code, 0);
+    QCOMPARE(column(path(u"shop.sqlite"_s), u"SELECT StockCost FROM StockList"_s), QStringList{u"1.5"_s});
 }
 
 void ErrandsTest::wrongImportIsRefused_data()

@@ -42,6 +42,9 @@ private Q_SLOTS:
     void noRows();
     void columnsByTheirNames_data();
     void columnsByTheirNames();
+    void priceIsWhatTheCustomerPays_data();
+    void priceIsWhatTheCustomerPays();
+    void columnsInDoubt();
     void columnsByHandAreRemembered();
     void kindByTheHeadings();
 
@@ -73,6 +76,8 @@ void ImportRulesTest::newChangedUnchangedRefused()
                           u"4 new JUICE StockName >JUICE StockCategory >DRINKS StockCost >3.00 StockReorderLevel >0 "
                           "StockAvailable >0 StockUse >Enabled"_s,
                           u"5 refused WATER [StockName: It is not in capitals.]"_s}));
+    QCOMPARE(staged.renamed, 0);
+    QCOMPARE(m_bench->stage("StockID,StockName,StockCost\nTEA-1,TEE,1\nCOLA,,1\nN,NEW,1\n").renamed, 1);
     QCOMPARE(m_bench->items().size(), 2); // nothing is written
     QCOMPARE(m_bench->list(staged.id, RowFilter::Refused).size(), 1);
     QCOMPARE(*m_bench->import().count(staged.id, RowFilter::New), 1);
@@ -395,6 +400,60 @@ void ImportRulesTest::columnsByTheirNames()
 {
     QFETCH(QString, headings);
     QTEST(matchColumns(ImportKind::Items, headings.split(u',')), "match");
+}
+
+void ImportRulesTest::priceIsWhatTheCustomerPays_data()
+{
+    QTest::addColumn<QString>("headings");
+    QTest::addColumn<int>("isPrice");
+    QTest::newRow("selling") << u"Price|Unit price|Selling price|Sell price|Sales price|Sale price|Retail price|Retail|"
+                                "RRP|Preis|Verkaufspreis|Verkauf|VK|VK-Preis|Ladenpreis|Stückpreis|Einzelpreis|Prix|"
+                                "Prix unitaire|Prix de vente|Prix vente|Prix public|Precio|Precio unitario|"
+                                "Precio de venta|Precio venta|P.V.P.|Cost|Unit cost|StockCost"_s
+                             << 1;
+    QTest::newRow("buying") << u"EK|EK-Preis|Einkaufspreis|Purchase price|Purchase cost|Buying price|Buy price|"
+                               "Wholesale price|Wholesale|Cost price|Supplier price|Prix d'achat|Prix de revient|"
+                               "Prix de gros|Precio de compra|Precio de costo|Precio mayorista|Trade price"_s
+                            << 0;
+}
+
+/// Each word alone, and those of buying beside a plain price and a cost.
+void ImportRulesTest::priceIsWhatTheCustomerPays()
+{
+    QFETCH(QString, headings);
+    QFETCH(int, isPrice);
+    const int cost = importColumn(ImportKind::Items, u"StockCost"_s);
+    for (const QString &heading : headings.split(u'|')) {
+        QCOMPARE(std::pair(heading, matchColumns(ImportKind::Items, {heading})),
+                 std::pair(heading, ColumnMatch{isPrice == 1 ? cost : -1}));
+        if (isPrice == 0) {
+            const QStringList both = {heading, u"Price"_s};
+            QCOMPARE(matchColumns(ImportKind::Items, both), (ColumnMatch{-1, cost}));
+            QCOMPARE(columnDoubts(ImportKind::Items, both), QList<ColumnDoubt>());
+        }
+    }
+}
+
+void ImportRulesTest::columnsInDoubt()
+{
+    const auto doubts = [](const QStringList &headings) { return columnDoubts(ImportKind::Items, headings); };
+    const auto matched = [](const QStringList &headings) { return matchColumns(ImportKind::Items, headings); };
+    const QStringList two = {u"Name"_s, u"Unit Cost"_s, u"Price"_s};
+    QCOMPARE(matched(two), (ColumnMatch{1, -1, 3}));
+    QCOMPARE(doubts(two), (QList<ColumnDoubt>{{3, {2, 1}}}));
+    QCOMPARE(matched({u"Selling price"_s, u"Cost"_s}), (ColumnMatch{3, -1}));
+    QCOMPARE(doubts({u"Selling price"_s, u"Cost"_s}), (QList<ColumnDoubt>{{3, {0, 1}}}));
+    QCOMPARE(doubts({u"VK"_s, u"EK"_s}), QList<ColumnDoubt>());
+    QCOMPARE(doubts({u"Cost"_s, u"Price incl. VAT"_s}), (QList<ColumnDoubt>{{3, {0, 1}}}));
+    QCOMPARE(doubts({u"Price"_s, u"Price per kg"_s, u"Wholesale price"_s}), QList<ColumnDoubt>());
+    QCOMPARE(doubts({u"StockCost"_s, u"Price"_s, u"Unit cost"_s}), QList<ColumnDoubt>());
+    QCOMPARE(doubts({u"Price"_s, u"Price"_s}), (QList<ColumnDoubt>{{3, {0, 1}}}));
+    QCOMPARE(doubts({u"Item"_s, u"SKU"_s, u"Description"_s}), (QList<ColumnDoubt>{{1, {0, 2}}}));
+    QCOMPARE(doubts({}), QList<ColumnDoubt>());
+    // What was chosen is remembered, be it what would be found.
+    RememberedColumns remembered(*m_bench->records);
+    QVERIFY(!remembered.remember(ImportKind::Items, two, matched(two)));
+    QCOMPARE(remembered.match(ImportKind::Items, two), matched(two));
 }
 
 void ImportRulesTest::columnsByHandAreRemembered()
