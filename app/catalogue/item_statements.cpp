@@ -107,8 +107,10 @@ QStringList stockColumns()
 
 RecordStatement marking(std::int64_t id, const QString &conditions, bool isReturn)
 {
+    const std::int64_t leftOut = isReturn ? 2 : 1;
+    const QString &reason = isReturn ? notBackReason : leftOutReason;
     return {u"update HarrowbyImportRow as r set LeftOut = ?, Reason = ? where %1"_s.arg(conditions),
-            {std::int64_t(isReturn ? 2 : 1), isReturn ? notBackReason : leftOutReason, id}};
+            {leftOut, reason, id}};
 }
 
 } // namespace
