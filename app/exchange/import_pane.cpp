@@ -40,6 +40,7 @@ ImportPane::ImportPane(Records &records, const ImportDesk &desk, WorkJob &job, s
     connect(m_next, &QPushButton::clicked, this, &ImportPane::goOn);
     connect(m_cancel, &QPushButton::clicked, this, &ImportPane::cancel);
     connect(m_file, &FileStep::fileWanted, this, &ImportPane::fileWanted);
+    connect(m_preview, &PreviewStep::othersWanted, this, &ImportPane::importOthers);
     connect(m_done, &DoneStep::takeBackWanted, this, [this] { Q_EMIT takeBackWanted(m_draft.staged.id); });
 }
 
@@ -186,7 +187,7 @@ void ImportPane::goOn()
     case choicesStep:
         return preview();
     case previewStep:
-        return carryOut();
+        return m_preview->hasStoreChanged() ? compareAgain() : carryOut(m_draft.refusedMayStay);
     default:
         return goTo(m_step + 1);
     }
@@ -243,12 +244,26 @@ void ImportPane::preview()
         });
 }
 
-void ImportPane::carryOut()
+void ImportPane::importOthers()
+{
+    if (!m_job.isRunning() && !isLost())
+        carryOut(true);
+}
+
+void ImportPane::compareAgain()
+{
+    discardPreview();
+    goTo(choicesStep);
+    preview();
+}
+
+void ImportPane::carryOut(bool validRows)
 {
     m_isWriting = true;
     m_job.start<Imported<ImportOutcome>>(
-        [desk = m_desk, id = m_draft.staged.id, valid = m_draft.refusedMayStay,
-         path = m_draft.file.path](const WorkWatch &watch) { return applyList(desk, id, valid, path, watch); },
+        [desk = m_desk, id = m_draft.staged.id, validRows, path = m_draft.file.path](const WorkWatch &watch) {
+            return applyList(desk, id, validRows, path, watch);
+        },
         [this](const Result<Imported<ImportOutcome>, QString> &outcome) {
             m_isWriting = false;
             finish(flat(outcome));
@@ -266,7 +281,12 @@ void ImportPane::finish(const Imported<ImportOutcome> &outcome)
     switch (outcome.error().kind) {
     case EndKind::FileChanged:
         return readAgain(words);
-    case EndKind::StoreChanged:
+    case EndKind::StoreChanged: {
+        const QString told = m_preview->showStoreChanged(words);
+        m_next->setText(m_preview->nextWords());
+        m_next->setFocus();
+        return say(told);
+    }
     case EndKind::Outdated:
         discardPreview();
         goTo(choicesStep);

@@ -71,7 +71,9 @@ private:
     void readAgain(const QString &why);
     void settleFigures();
     void preview();
-    void carryOut();
+    void carryOut(bool validRows);
+    void importOthers();
+    void compareAgain();
     void finish(const Imported<ImportOutcome> &outcome);
     void discardPreview();
     void clean();

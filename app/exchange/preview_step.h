@@ -6,6 +6,7 @@
 
 class QCheckBox;
 class QLabel;
+class QPushButton;
 
 namespace harrowby::app {
 
@@ -21,19 +22,32 @@ public:
     PreviewStep(ImportDraft &draft, Records &records, const ImportDesk &desk, QWidget *parent = nullptr);
 
     [[nodiscard]] QString heading() const override;
-    [[nodiscard]] QString nextWords() const override { return QStringLiteral("Import &Now"); }
+    [[nodiscard]] QString nextWords() const override;
     void enter() override;
     [[nodiscard]] Result<void, QString> leave() override;
     /// The preview is taken away.
     void clear();
 
+    /// Nothing was written, as the store has changed since: the rows that differ by now are listed, and the others are
+    /// offered alone. What is to be told.
+    [[nodiscard]] QString showStoreChanged(const QString &why);
+    [[nodiscard]] bool hasStoreChanged() const { return m_hasStoreChanged; }
+
+Q_SIGNALS:
+    void othersWanted();
+
 private:
+    void offerOthers(qint64 others);
     [[nodiscard]] QString aboutWords() const;
 
+    Records &m_records;
+    ImportDesk m_desk;
     QString m_backupFolder;
+    bool m_hasStoreChanged = false;
     QLabel *m_about = nullptr;
     ImportListPanel *m_list = nullptr;
     QCheckBox *m_validRows = nullptr;
+    QPushButton *m_others = nullptr;
 };
 
 } // namespace harrowby::app
