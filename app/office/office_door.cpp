@@ -2,9 +2,12 @@
 #include "app/office/office_door.h"
 
 #include "app/office/user_rules.h"
+#include "app/office/users_table.h"
 #include "basic/administrator.h"
 #include "basic/text.h"
 #include "basic/values.h"
+
+#include <QCryptographicHash>
 
 using namespace Qt::StringLiterals;
 
@@ -16,18 +19,24 @@ using Kind = DoorAnswer::Kind;
 
 /// Those who can log in at all, with what decides whether they are let in.
 const auto loginRows =
-    u"SELECT UPPER(Username), InventoryUse, InventoryReorder FROM Users WHERE Type <> '%1'"_s.arg(viewerType);
+    u"SELECT UPPER(Username), InventoryUse, InventoryReorder, UPPER(Password) FROM Users WHERE Type <> '%1'"_s.arg(
+        viewerType);
+
+QByteArray passwordMark(const SqliteStatement &row)
+{
+    return QCryptographicHash::hash(row.text(3).toUtf8(), QCryptographicHash::Sha256);
+}
 
 /// A row of `loginRows`. As the till's login reads it: who may use it, and the right to stock.
 DoorAnswer answerFor(const SqliteStatement &row)
 {
     const QString name = row.text(0);
     if (name == administratorName)
-        return {Kind::Open, {}, {name, true, true}};
+        return {Kind::Open, {}, {name, true, true, passwordMark(row)}};
     if (!valueEqualsTrue(row.value(1)))
         return {Kind::NotEnabled, {}, {name, false, false}};
     const bool mayKeepStock = valueIsTrue(row.value(2));
-    return {mayKeepStock ? Kind::Open : Kind::NoRight, {}, {name, false, mayKeepStock}};
+    return {mayKeepStock ? Kind::Open : Kind::NoRight, {}, {name, false, mayKeepStock, passwordMark(row)}};
 }
 
 } // namespace
@@ -53,6 +62,37 @@ DoorAnswer findKeyHolder(sqlite3 *database)
             return {Kind::Open, {}, {}};
     }
     return query.error() ? DoorAnswer{Kind::Failed, *query.error(), {}} : DoorAnswer{Kind::NobodyCould, {}, {}};
+}
+
+QString DoorWatch::refusal() const
+{
+    const auto words = [this](const QString &why) {
+        return u"%1 since the office was opened. Nothing was done: please close the office, and log in again."_s.arg(
+            why.arg(m_user.name));
+    };
+    QString why = u"%1 can no longer log in: the user was changed or removed"_s;
+    SqliteStatement query(m_database, loginRows + u" AND UPPER(Username) = ?1"_s, {m_user.name});
+    while (query.next()) {
+        const DoorAnswer answer = answerFor(query);
+        if (!m_user.passwordMark.isEmpty() && passwordMark(query) != m_user.passwordMark)
+            why = u"The password of %1 was changed"_s;
+        else if (answer.kind == Kind::Open)
+            return {};
+        else
+            return words(answer.kind == Kind::NoRight ? u"The right \"Stock\" was taken away from %1"_s
+                                                      : u"The right to use the till was taken away from %1"_s);
+    }
+    return query.error() ? engineWords(u"The users could not be read. Nothing was done."_s, *query.error())
+                         : words(why);
+}
+
+void DoorWatch::followPassword(const QString &userName)
+{
+    if (m_user.passwordMark.isEmpty() || trimmedUpper(userName) != m_user.name)
+        return;
+    SqliteStatement query(m_database, loginRows + u" AND UPPER(Username) = ?1"_s, {m_user.name});
+    if (query.next())
+        m_user.passwordMark = passwordMark(query);
 }
 
 } // namespace harrowby::app

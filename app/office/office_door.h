@@ -4,7 +4,10 @@
 #include "app/office/office_user.h"
 #include "engine/database.h"
 
+#include <QByteArray>
 #include <QString>
+
+#include <utility>
 
 /// Who may go into the store's office: ADMINISTRATOR and who has the right to stock, with the name and the password
 /// that the till's login takes. How long the next try waits after wrong ones: wrong_tries.h.
@@ -31,5 +34,23 @@ struct DoorAnswer
 
 /// What stands in the way before anything is typed; Open when nothing does.
 [[nodiscard]] DoorAnswer findKeyHolder(sqlite3 *database);
+
+/// Whether who has logged in would be let in again: rights may be taken away, and passwords changed, while an office is
+/// open for hours.
+class DoorWatch
+{
+public:
+    /// The database must outlive it.
+    DoorWatch(sqlite3 *database, OfficeUser user) : m_database(database), m_user(std::move(user)) {}
+
+    /// Why she would not be, in words for a person; empty when she would.
+    [[nodiscard]] QString refusal() const;
+    /// A password was set here. It is her own to know when it is hers.
+    void followPassword(const QString &userName);
+
+private:
+    sqlite3 *m_database;
+    OfficeUser m_user;
+};
 
 } // namespace harrowby::app

@@ -8,6 +8,7 @@
 #include "app/office/activity_page.h"
 #include "app/office/cash_page.h"
 #include "app/office/codes_page.h"
+#include "app/office/office_door.h"
 #include "app/office/receipt_page.h"
 #include "app/office/shop_page.h"
 #include "app/office/users_page.h"
@@ -40,7 +41,9 @@ OfficePageEntry usersEntry()
             {{u"rights role cashier staff manager person permission"_s, {}},
              {u"new user cashier person"_s, u"addUser"_s},
              {u"forgotten password reset"_s, u"changePassword"_s}},
-            [](const Context &c, QWidget *parent) { return new UsersPage(c.database, c.deeds(), parent); }};
+            [](const Context &c, QWidget *parent) {
+                return new UsersPage({c.database, c.deeds(), c.door}, parent);
+            }};
 }
 
 OfficePageEntry receiptEntry()
@@ -96,7 +99,8 @@ OfficePageEntry catalogueEntry()
                 desk.who = c.user.name;
                 desk.place = officePlace;
                 desk.store = c.store;
-                return new CataloguePage(*c.records, desk, c.user.isAdministrator, c.loss, parent);
+                return new CataloguePage(
+                    *c.records, desk, c.user.isAdministrator, [c] { return c.obstacle(); }, parent);
             }};
 }
 
@@ -174,6 +178,12 @@ OfficePageEntry readersEntry()
 SignedDeeds OfficeContext::deeds() const
 {
     return {*records, officePlace, user.name};
+}
+
+QString OfficeContext::obstacle() const
+{
+    const QString lost = loss ? loss() : QString();
+    return lost.isEmpty() && door ? door->refusal() : lost;
 }
 
 QString OfficePageEntry::title() const

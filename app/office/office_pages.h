@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 struct sqlite3;
 class QWidget;
@@ -16,6 +17,7 @@ class QWidget;
 /// Which pages the office has. A new one is an entry of the list in office_pages.cpp.
 namespace harrowby::app {
 
+class DoorWatch;
 class OfficePage;
 
 /// What a page is built with. Lives as long as the office's window, and what it refers to lives longer.
@@ -28,9 +30,13 @@ struct OfficeContext
     OfficeUser user;
     /// What has happened to the store file once it is lost, and nothing before: no copy counts then.
     std::function<QString()> loss;
+    std::shared_ptr<DoorWatch> door; ///< asked before what changes much
 
     /// For what the user does here.
     [[nodiscard]] SignedDeeds deeds() const;
+    /// Why nothing can be done in this store now: it is lost, or the user would not be let in any more. Empty
+    /// otherwise.
+    [[nodiscard]] QString obstacle() const;
 };
 
 enum class OfficeRight {

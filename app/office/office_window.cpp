@@ -3,6 +3,7 @@
 
 #include "app/boxes/office_box.h"
 #include "app/boxes/office_page.h"
+#include "app/office/office_door.h"
 #include "app/office/page_list.h"
 #include "app/office/store_access_line.h"
 #include "app/records/sqlite_records.h"
@@ -57,8 +58,13 @@ void bringIntoView(QWidget &control)
 OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings,
                            const OfficeUser &user, QWidget *parent) :
     QDialog(parent),
-    m_records(std::make_unique<SqliteRecords>(database)),
-    m_context{database, m_records.get(), store, settings, user, [this] { return m_loss ? m_loss() : QString(); }}
+    m_records(std::make_unique<SqliteRecords>(database)), m_context{database,
+                                                                    m_records.get(),
+                                                                    store,
+                                                                    settings,
+                                                                    user,
+                                                                    [this] { return m_loss ? m_loss() : QString(); },
+                                                                    std::make_shared<DoorWatch>(database, user)}
 {
     setWindowTitle(u"Store"_s);
     setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
@@ -325,6 +331,8 @@ void OfficeWindow::reject()
 
 void OfficeWindow::leaveForRestore(const QString &backup)
 {
+    if (const QString obstacle = m_context.obstacle(); !obstacle.isEmpty())
+        return tellInOffice(this, obstacle);
     if (!mayLeave())
         return;
     m_askedRestore = backup;

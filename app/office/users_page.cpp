@@ -21,6 +21,7 @@
 #include <QVBoxLayout>
 
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -84,8 +85,7 @@ void showLockedAsText(QCheckBox &box)
 
 } // namespace
 
-UsersPage::UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *parent) :
-    OfficePage(parent), m_table(database, deeds)
+UsersPage::UsersPage(UsersTable table, QWidget *parent) : OfficePage(parent), m_table(std::move(table))
 {
     auto *columns = new QHBoxLayout(this);
     columns->setContentsMargins(16, 16, 16, 16);

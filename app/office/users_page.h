@@ -26,8 +26,8 @@ class UsersPage final : public OfficePage
     Q_OBJECT
 
 public:
-    /// The database and the deeds' records must outlive it.
-    UsersPage(sqlite3 *database, const SignedDeeds &deeds, QWidget *parent = nullptr);
+    /// What the table works on must outlive it.
+    explicit UsersPage(UsersTable table, QWidget *parent = nullptr);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -2,6 +2,7 @@
 #include "app/office/users_table.h"
 
 #include "app/codes/code_table.h" // failureWords
+#include "app/office/office_door.h"
 #include "app/office/user_rules.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/password_rules.h"
@@ -156,8 +157,11 @@ UsersTable::Problem UsersTable::setPassword(const StoreUser &user, const QString
             return changedMeanwhile(user.name);
         return Columns{{u"Password"_s, storedPassword(password)}};
     };
-    return change(user, plan,
-                  m_deeds.statement(deed::passwordSet, u"The password of %1 was changed."_s.arg(user.name)));
+    auto problem =
+        change(user, plan, m_deeds.statement(deed::passwordSet, u"The password of %1 was changed."_s.arg(user.name)));
+    if (!problem && m_door)
+        m_door->followPassword(user.name);
+    return problem;
 }
 
 UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &column, bool on) const
@@ -268,7 +272,8 @@ UsersTable::Problem UsersTable::together(const QString &notDone, const std::func
         return failureWords(notDone, *failure);
     if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
         return engineWords(notDone, *error);
-    auto problem = work();
+    const QString refusal = m_door ? m_door->refusal() : QString();
+    auto problem = refusal.isEmpty() ? work() : Problem(refusal);
     if (!problem) {
         if (auto error = runSql(m_database, u"COMMIT"_s))
             problem = engineWords(notDone, *error);

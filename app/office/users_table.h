@@ -11,10 +11,13 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 
 namespace harrowby::app {
+
+class DoorWatch;
 
 struct StoreUser
 {
@@ -55,7 +58,11 @@ public:
     };
 
     /// The database must outlive it; the deeds' records work on the same one.
-    UsersTable(sqlite3 *database, SignedDeeds deeds) : m_database(database), m_deeds(std::move(deeds)) {}
+    /// Nothing is written for who would not be let in any more.
+    UsersTable(sqlite3 *database, SignedDeeds deeds, std::shared_ptr<DoorWatch> door = {}) :
+        m_database(database), m_deeds(std::move(deeds)), m_door(std::move(door))
+    {
+    }
 
     [[nodiscard]] Listing list() const;
     /// Refuses a name that the store has already under any capitals, and what the login would not find.
@@ -82,6 +89,7 @@ private:
 
     sqlite3 *m_database;
     SignedDeeds m_deeds;
+    std::shared_ptr<DoorWatch> m_door;
 };
 
 /// The words for an error of the engine: `what` was not done, why, and what to do.

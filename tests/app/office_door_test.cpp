@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/office_door.h"
 #include "app/office/office_login_dialog.h"
+#include "app/office/users_table.h"
 #include "app/office/wrong_tries.h"
+#include "app/records/sqlite_records.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -30,6 +32,9 @@ private Q_SLOTS:
     void storeWithoutAdministrator_data();
     void storeWithoutAdministrator();
     void missingTableIsAFailure();
+    void whoIsInIsAskedOnceMore_data();
+    void whoIsInIsAskedOnceMore();
+    void ownNewPasswordCounts();
     void loginOpens();
     void wrongPasswordIsRefusedAndSlowsDown();
     void pauseOutlivesTheDialog();
@@ -124,6 +129,72 @@ void OfficeDoorTest::missingTableIsAFailure()
         QCOMPARE(answer.kind, AtDoor::Failed);
         QVERIFY(answer.error.reason.contains(u"no such table"_s));
     }
+}
+
+void OfficeDoorTest::whoIsInIsAskedOnceMore_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("refusal");
+    QTest::newRow("as before") << u"UPDATE Users SET InventorySales = 0"_s << QString();
+    QTest::newRow("password in other capitals") << u"UPDATE Users SET Password = lower(Password)"_s << QString();
+    QTest::newRow("no stock") << u"UPDATE Users SET InventoryReorder = 0"_s
+                              << u"The right \"Stock\" was taken away from ANNA since"_s;
+    QTest::newRow("no till") << u"UPDATE Users SET InventoryUse = 0"_s
+                             << u"The right to use the till was taken away from ANNA since"_s;
+    QTest::newRow("password") << u"UPDATE Users SET Password = 'NEW'"_s << u"The password of ANNA was changed since"_s;
+    QTest::newRow("gone") << u"DELETE FROM Users"_s << u"ANNA can no longer log in: "_s;
+    QTest::newRow("renamed") << u"UPDATE Users SET Username = 'EVE'"_s << u"ANNA can no longer log in: "_s;
+    QTest::newRow("viewer") << u"UPDATE Users SET Type = 'VIEWER'"_s << u"ANNA can no longer log in: "_s;
+    QTest::newRow("unreadable") << u"DROP TABLE Users"_s << u"The users could not be read. Nothing was done."_s;
+}
+
+void OfficeDoorTest::whoIsInIsAskedOnceMore()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, refusal);
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"shop.sqlite"_s);
+    makeStore(path);
+    runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
+                  "('Anna', 'Ann', 'STAFF', -1, -1)"_s});
+    SqliteDatabase database;
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
+    const DoorWatch watch(database.get(), askAtDoor(database.get(), u"anna"_s, u"ann"_s).user);
+    QCOMPARE(watch.refusal(), QString());
+    const QString where = change.startsWith(u"DROP"_s) ? QString() : u" WHERE Username = 'Anna'"_s;
+    QVERIFY(!runSql(database.get(), change + where));
+    const QString found = watch.refusal();
+    QVERIFY2(refusal.isEmpty() ? found.isEmpty() : found.startsWith(refusal), qPrintable(found));
+}
+
+void OfficeDoorTest::ownNewPasswordCounts()
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"shop.sqlite"_s);
+    makeStore(path);
+    runAll(path, {u"INSERT INTO Users (Username, Password, Type) VALUES ('BOB', 'B', 'STAFF')"_s});
+    SqliteDatabase database;
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
+    SqliteRecords records(database.get());
+    const auto watch =
+        std::make_shared<DoorWatch>(database.get(), askAtDoor(database.get(), u"administrator"_s, u"secret"_s).user);
+    const UsersTable table(database.get(), SignedDeeds(records, u"office"_s, u"ADMINISTRATOR"_s), watch);
+    const auto user = [&table](const QString &name) {
+        for (const StoreUser &one : table.list().users) {
+            if (one.name == name)
+                return one;
+        }
+        return StoreUser();
+    };
+    QVERIFY(!table.setPassword(user(u"ADMINISTRATOR"_s), u"new"_s)); // set here, by herself
+    QVERIFY(!table.setRight(user(u"BOB"_s), u"InventorySales"_s, true));
+    QVERIFY(!runSql(database.get(), u"UPDATE Users SET Password = 'ELSE' WHERE Username = 'ADMINISTRATOR'"_s));
+    const auto refused = table.setRight(user(u"BOB"_s), u"InventorySales"_s, false);
+    QVERIFY(refused && refused->startsWith(u"The password of ADMINISTRATOR was changed since"_s));
+    QVERIFY(table.add({u"EVE"_s, u"E"_s, u"STAFF"_s, {}}));
+    QVERIFY(table.setPassword(user(u"BOB"_s), u"X"_s));
+    QVERIFY(user(u"BOB"_s).rights.contains(u"InventorySales"_s));
+    QCOMPARE(column(path, u"SELECT count(*) FROM Users"_s), QStringList{u"2"_s});
 }
 
 void OfficeDoorTest::loginOpens()

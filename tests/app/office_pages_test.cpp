@@ -41,6 +41,7 @@ private Q_SLOTS:
     void foundRowsAreSpokenWhole();
     void enterPressesTheFocusedButtonAlone();
     void restoreEndsTheOffice();
+    void rightTakenAwayCountsInAnOpenOffice();
 
 private:
     [[nodiscard]] QString title() const { return part<QLabel>("officeTitle")->text(); }
@@ -309,6 +310,23 @@ void OfficePagesTest::restoreEndsTheOffice()
     answerNextBox(QMessageBox::AcceptRole);
     QTRY_VERIFY(!m_window->isVisible());
     QCOMPARE(m_window->askedRestore(), u"/a/backup.db"_s);
+}
+
+void OfficePagesTest::rightTakenAwayCountsInAnOpenOffice()
+{
+    open({u"ANNA"_s, false, true}); // who has it in the store no more
+    showPage(u"Catalogue"_s);
+    press("beginExport");
+    press("exportNow");
+    const QString told = part<QLabel>("exportOutcome")->text();
+    QVERIFY2(told.contains(u"The right \"Stock\" was taken away from ANNA"_s), qPrintable(told));
+    open(officeAdministrator());
+    runAll(m_path, {u"UPDATE Users SET Username = 'BOSS' WHERE Username = 'ADMINISTRATOR'"_s});
+    Q_EMIT m_window->findChild<OfficePage *>()->restoreAsked(u"/a/backup.db"_s);
+    answerNextBox(QMessageBox::AcceptRole);
+    QTRY_VERIFY2(m_boxText.startsWith(u"ADMINISTRATOR can no longer log in"_s), qPrintable(m_boxText));
+    QVERIFY(m_window->isVisible());
+    QCOMPARE(m_window->askedRestore(), QString());
 }
 
 HARROWBY_TEST(app_office_pages_test, OfficePagesTest)
