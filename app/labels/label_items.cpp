@@ -103,8 +103,10 @@ LabelItems::Answer<QList<LabelItem>> LabelItems::read(const LabelQuery &query, c
     auto statement = condition(query);
     if (!statement)
         return Unexpected(statement.error());
-    statement->text = u"select s.StockID, s.StockName, s.StockCost, s.StockAvailable"_s + statement->text +
-                      u" order by s.StockName, s.StockID"_s + limit;
+    statement->text =
+        u"select s.StockID, s.StockName, s.StockCost, s.StockAvailable, (select count(*) from StockList o "
+        "where o.StockID = s.StockID and o.StockName is distinct from s.StockName)"_s +
+        statement->text + u" order by s.StockName, s.StockID"_s + limit;
     const auto rows = m_records.read(*statement);
     if (!rows)
         return Unexpected(rows.error());
@@ -112,7 +114,8 @@ LabelItems::Answer<QList<LabelItem>> LabelItems::read(const LabelQuery &query, c
     items.reserve(rows->size());
     for (const RecordRow &row : *rows)
         items << LabelItem{
-            recordText(row.at(0)), recordText(row.at(1)), recordText(row.at(2)), recordReal(row.at(3)), {}};
+            recordText(row.at(0)),       recordText(row.at(1)), recordText(row.at(2)), recordReal(row.at(3)), {},
+            recordNumber(row.at(4)) != 0};
     return items;
 }
 

@@ -26,6 +26,7 @@ struct LabelItem
     QString cost; ///< as stored, of one unit
     double available = 0;
     QList<LabelCode> codes; ///< beside the ID; those of one unit first, then by code
+    bool isDoubled = false; ///< another item has its ID: the till sells neither, by no code
 };
 
 /// Which items: all that is said here holds of each.

@@ -44,6 +44,9 @@ QString labelItemWords(const LabelItem &item)
 
 QList<LabelChoice> labelChoices(const LabelItem &item)
 {
+    const LabelChoice none{{}, 1, u"No code"_s};
+    if (item.isDoubled)
+        return {none};
     QList<LabelChoice> choices;
     for (const LabelCode &code : item.codes) {
         if (!barsProblem(code.code))
@@ -52,7 +55,7 @@ QList<LabelChoice> labelChoices(const LabelItem &item)
     }
     if (!barsProblem(item.id))
         choices << LabelChoice{item.id, 1, u"%1 (the ID)"_s.arg(item.id)};
-    choices << LabelChoice{{}, 1, u"No code"_s};
+    choices << none;
     return choices;
 }
 

@@ -28,7 +28,8 @@ struct LabelRow
     [[nodiscard]] const LabelChoice &chosen() const { return choices.at(choice); }
 };
 
-/// What can be chosen for an item: its codes, its ID, none; what is no bars is left out. The first is the usual one.
+/// What can be chosen for an item: its codes, its ID, none; what is no bars or is refused by
+/// the till is left out. The first is the usual one.
 [[nodiscard]] QList<LabelChoice> labelChoices(const LabelItem &item);
 
 /// What stands on its label. Without bars when they cannot be made.

@@ -2,6 +2,7 @@
 #include "app/labels/labels_page.h"
 
 #include "app/boxes/office_box.h"
+#include "app/codes/code_text.h"
 #include "app/labels/label_adjust_dialog.h"
 #include "app/labels/label_picker.h"
 #include "app/labels/label_preview.h"
@@ -151,6 +152,9 @@ void LabelsPage::showLabel()
         tell(u"\u26a0 %1 is too long for this label: choose a wider paper, or another code."_s.arg(label.symbol->code));
     else if (!drawing.takesPrice(label))
         tell(u"\u26a0 The price is too long for this label: choose a wider paper."_s);
+    else if (chosen.item.isDoubled)
+        tell(u"\u26a0 Another item has the ID %1, too, so the till sells neither by its codes: the label has name and "
+             "price alone. Give one of them another ID."_s.arg(shownCode(chosen.item.id)));
     else if (chosen.choices.size() == 1)
         tell(u"\u26a0 The ID cannot be printed as bars: the label has name and price alone. Give the item a code on "
              "the page \"Codes\"."_s);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/codes/code_finder.h"
 #include "app/codes/code_table.h"
 #include "app/labels/step_entry.h"
 #include "app/work/work_strip.h"
@@ -30,6 +31,7 @@ private Q_SLOTS:
     void asManyAsInStock();
     void codeAndCountAreChosen();
     void itemWithoutBarsIsTold();
+    void idOfTwoItemsIsTold();
     void pricesAreTheTills();
     void pdfIsSavedAndNoted();
     void cancelledChoiceSavesNothing();
@@ -158,6 +160,26 @@ void LabelsPageTest::itemWithoutBarsIsTold()
     QCOMPARE(listed(), QStringList{u"GREEN TEA | No code | 1"_s});
     QVERIFY2(outcome().contains(u"name and price alone"_s), qPrintable(outcome()));
     QCOMPARE(savePdf(), u"GREEN TEA|EUR 2.00"_s);
+}
+
+void LabelsPageTest::idOfTwoItemsIsTold()
+{
+    QVERIFY(!runSql(m_database.get(),
+                    u"UPDATE StockList SET StockID = 'BEV-0001', StockName = 'WATER' WHERE StockName = 'BREAD'"_s));
+    for (const QString &code : {u"BEV-0001"_s, u"4006381333931"_s})
+        QVERIFY(CodeFinder(*m_records).find(code).kind == FoundCode::Kind::Several);
+    for (const QString &item : {u"water"_s, u"4006381333931"_s})
+        add(item);
+    QCOMPARE(listed(), (QStringList{u"WATER | No code | 1"_s, u"TEA | No code | 1"_s}));
+    for (const QString &item : {u"TEA"_s, u"WATER"_s}) {
+        chooseRow(item);
+        QVERIFY2(outcome().contains(u"Another item has the ID BEV-0001"_s), qPrintable(outcome()));
+    }
+    // One item that is stored twice can be sold.
+    QVERIFY(!runSql(m_database.get(), u"UPDATE StockList SET StockName = 'TEA' WHERE StockName = 'WATER'"_s));
+    press("removeAllLabels");
+    add(u"4006381333931"_s);
+    QCOMPARE(listed(), QStringList{u"TEA | 4006381333931 | 1"_s});
 }
 
 void LabelsPageTest::pricesAreTheTills()
