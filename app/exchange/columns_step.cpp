@@ -2,7 +2,6 @@
 #include "app/exchange/columns_step.h"
 
 #include "app/boxes/office_box.h"
-#include "app/catalogue/import_columns.h"
 #include "app/exchange/grid_view.h"
 #include "app/exchange/import_draft.h"
 #include "app/exchange/scrolling.h"
@@ -13,6 +12,9 @@
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -72,6 +74,28 @@ void ColumnsStep::match()
     now.headings = std::move(headings);
     const auto remembered = RememberedColumns(m_records).match(now.choices.kind, now.headings);
     now.choices.columns = remembered ? *remembered : matchColumns(now.choices.kind, now.headings);
+    m_doubts = remembered ? QList<ColumnDoubt>() : columnDoubts(now.choices.kind, now.headings);
+    openDoubts();
+}
+
+/// Of two headings that fit, such as a cost and a price, none is taken unasked.
+void ColumnsStep::openDoubts()
+{
+    for (const ColumnDoubt &doubt : std::as_const(m_doubts)) {
+        if (const int chosen = fileColumnOf(draft().choices.columns, doubt.column); chosen >= 0)
+            draft().choices.columns[chosen] = -1;
+    }
+}
+
+QString ColumnsStep::doubtWords(int column) const
+{
+    const auto found = std::ranges::find(m_doubts, column, &ColumnDoubt::column);
+    if (found == m_doubts.cend())
+        return {};
+    QStringList names;
+    for (const int heading : found->headings)
+        names << u'"' + headingOf(heading) + u'"';
+    return u"Please choose: %1"_s.arg(names.join(u" or "_s));
 }
 
 void ColumnsStep::makeRows()
@@ -103,6 +127,7 @@ void ColumnsStep::addRow(QGridLayout &grid, int column)
     box->setAccessibleName(u"%1: column of the file"_s.arg(known.words));
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(lettersOfHeading);
+    box->setPlaceholderText(u"Please choose"_s);
     box->addItem(u"(not in this file)"_s, -1);
     for (int i = 0; i < m_headings.size(); ++i)
         box->addItem(headingOf(i), i);
@@ -124,6 +149,7 @@ QString ColumnsStep::headingOf(int fileColumn) const
 /// A column of the file is one thing: what had it before lets it go.
 void ColumnsStep::choose(int column)
 {
+    m_doubts.removeIf([column](const ColumnDoubt &doubt) { return doubt.column == column; });
     ColumnMatch &match = draft().choices.columns;
     for (int &known : match) {
         if (known == column)
@@ -141,8 +167,9 @@ void ColumnsStep::showRows()
         const int chosen = fileColumnOf(draft().choices.columns, column);
         QComboBox &box = *m_boxes.at(column);
         const QSignalBlocker quiet(&box);
-        box.setCurrentIndex(box.findData(chosen));
-        const QString examples = chosen >= 0 ? draft().sample.examplesOf(chosen) : QString();
+        const QString doubt = doubtWords(column);
+        box.setCurrentIndex(doubt.isEmpty() ? box.findData(chosen) : -1);
+        const QString examples = chosen >= 0 ? draft().sample.examplesOf(chosen) : doubt;
         m_examples.at(column)->setText(examples);
         box.setAccessibleDescription(examples);
     }
@@ -167,6 +194,12 @@ void ColumnsStep::showLeftOut()
 Result<void, QString> ColumnsStep::leave()
 {
     const ImportChoices &choices = draft().choices;
+    if (!m_doubts.isEmpty()) {
+        const int column = m_doubts.constFirst().column;
+        m_boxes.at(column)->setFocus();
+        return Unexpected(u"Several columns of your file could be \"%1\". %2."_s.arg(
+            importColumns(choices.kind).at(column).words, doubtWords(column)));
+    }
     if (auto checked = checkMatch(choices.kind, choices.columns); !checked) {
         if (!m_boxes.isEmpty())
             m_boxes.constFirst()->setFocus();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/catalogue/import_columns.h"
 #include "app/exchange/import_step.h"
 #include "app/records/records.h"
 
@@ -34,11 +35,15 @@ private:
     void choose(int column);
     void showRows();
     void showLeftOut();
+    void openDoubts();
+    /// What is to be chosen, with the headings that fit; empty for a column that is not in doubt.
+    [[nodiscard]] QString doubtWords(int column) const;
     [[nodiscard]] QString headingOf(int fileColumn) const;
 
     Records &m_records;
     QStringList m_headings; ///< that the rows below are made for
     int m_kind = -1;
+    QList<ColumnDoubt> m_doubts; ///< those that nobody has settled yet
     QLabel *m_leftOut = nullptr;
     QScrollArea *m_area = nullptr;
     QList<QComboBox *> m_boxes; ///< one a column of the store: which of the file it is

@@ -25,6 +25,14 @@ constexpr qsizetype mostCategories = 8; // that are named
 const QList<RowFilter> previewFilters = {RowFilter::All, RowFilter::New, RowFilter::Changed, RowFilter::Unchanged,
                                          RowFilter::Refused};
 
+QString renamedWords(qint64 renamed)
+{
+    if (renamed == 1)
+        return u"1 item gets another name: tills that are open show the old one until their pages are loaded again. "_s;
+    return u"%1 items get another name: tills that are open show the old ones until their pages are loaded again. "_s
+        .arg(groupedCount(renamed));
+}
+
 } // namespace
 
 PreviewStep::PreviewStep(ImportDraft &draft, Records &records, const ImportDesk &desk, QWidget *parent) :
@@ -107,8 +115,10 @@ QString PreviewStep::heading() const
 
 QString PreviewStep::aboutWords() const
 {
-    const QString words =
+    QString words =
         u"Nothing is written yet. A checked backup is made first, in %1."_s.arg(wrappingPath(m_backupFolder));
+    if (const qint64 renamed = draft().staged.renamed; renamed > 0)
+        words = renamedWords(renamed) + words;
     QStringList names = draft().staged.newCategories;
     if (names.isEmpty())
         return words;
