@@ -206,6 +206,7 @@ int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, Bu
     QObject::connect(&till.payments(), &Payments::lockMissing, &notice,
                      [&notice](const QString &reason) { notice.tell(missingLock(reason)); });
     tellDrawerFailures(till.drawer(), notice);
+    followMissedStock(*connection, till.missedStock(), notice);
     const auto customer = makeCustomerScreen(line, till.payments());
     Init().LoadInventory(connection, {});
     int code = static_cast<int>(ExitCode::Failed);
@@ -219,6 +220,7 @@ int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, Bu
     }
     // The component keeps the connection longer than the notice lives, so the handler is removed.
     connection->setFailureHandler({});
+    connection->setMissHandler({});
     setFileFailureHandler({});
     return code;
 }

@@ -76,7 +76,8 @@ const QHash<QString, Kind> &deedKinds()
         {deed::paymentSettled, Kind::Sale},       {deed::imported, Kind::Catalogue},
         {deed::importTakenBack, Kind::Catalogue}, {deed::exported, Kind::Catalogue},
         {deed::labelsPrinted, Kind::Catalogue},   {deed::backedUp, Kind::Safety},
-        {deed::restored, Kind::Safety},
+        {deed::restored, Kind::Safety},           {deed::stockNotChanged, Kind::StockNotChanged},
+        {deed::stockOfRenamed, Kind::Stock},
     };
     return kinds;
 }
@@ -95,6 +96,7 @@ const QList<ActivityKindWords> &activityKinds()
         {Kind::Sale, u"sale"_s, u"Sale"_s},
         {Kind::Cart, u"cart"_s, u"Cart"_s},
         {Kind::Stock, u"stock"_s, u"Stock and categories"_s},
+        {Kind::StockNotChanged, u"stock-not-changed"_s, u"Stock not changed"_s},
         {Kind::Catalogue, u"catalogue"_s, u"Catalogue and codes"_s},
         {Kind::Settings, u"settings"_s, u"Settings"_s},
         {Kind::Safety, u"backup"_s, u"Backup and restore"_s},

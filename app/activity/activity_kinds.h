@@ -19,6 +19,7 @@ enum class ActivityKind {
     Users, ///< added, their rights, types and passwords
     Cart,
     Stock,
+    StockNotChanged, ///< by a sale, as no item had that ID and name any more
     Settings,
     Catalogue, ///< imports, exports, codes, labels
     Safety,    ///< backups and restores

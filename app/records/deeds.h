@@ -18,7 +18,9 @@ inline constexpr QLatin1StringView priceByHand("PriceByHand");
 inline constexpr QLatin1StringView drawerOpened("DrawerOpened"); ///< only shown: HarrowbyDrawerOpening holds them
 inline constexpr QLatin1StringView itemDeleted("ItemDeleted");
 inline constexpr QLatin1StringView purchaseDeleted("PurchaseDeleted");
-inline constexpr QLatin1StringView purchaseUndone("PurchaseUndone"); ///< the last one, right after it was made
+inline constexpr QLatin1StringView purchaseUndone("PurchaseUndone");   ///< the last one, right after it was made
+inline constexpr QLatin1StringView stockNotChanged("StockNotChanged"); ///< by a purchase, or by one taken back
+inline constexpr QLatin1StringView stockOfRenamed("StockOfRenamed");   ///< lowered though the cart had the old name
 inline constexpr QLatin1StringView rightsChanged("RightsChanged");
 inline constexpr QLatin1StringView userAdded("UserAdded");
 inline constexpr QLatin1StringView passwordSet("PasswordSet");

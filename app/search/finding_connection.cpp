@@ -6,11 +6,43 @@
 #include "app/search/search_statement.h"
 #include "basic/logging.h"
 
+#include <sqlite3.h>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
+
+namespace {
+
+/// Another cursor, and a call when that has no row at all.
+class EmptinessWatch final : public DbCursor
+{
+public:
+    EmptinessWatch(std::unique_ptr<DbCursor> below, std::function<void()> whenEmpty) :
+        m_below(std::move(below)), m_whenEmpty(std::move(whenEmpty))
+    {
+    }
+
+    [[nodiscard]] QStringList columnNames() const override { return m_below->columnNames(); }
+    [[nodiscard]] Step next() override
+    {
+        const Step step = m_below->next();
+        const auto whenEmpty = std::exchange(m_whenEmpty, {});
+        if (whenEmpty && step == Step::Done)
+            whenEmpty();
+        return step;
+    }
+    [[nodiscard]] DbValue value(int column) const override { return m_below->value(column); }
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_below->text(column); }
+
+private:
+    std::unique_ptr<DbCursor> m_below;
+    std::function<void()> m_whenEmpty; ///< until the first step
+};
+
+} // namespace
 
 FindingConnection::FindingConnection(sqlite3 *database, QString location, std::function<bool()> isOn) :
     SqliteConnection(database, std::move(location)), m_database(database), m_isOn(std::move(isOn)),
@@ -29,11 +61,34 @@ std::optional<QString> FindingConnection::foundText(const QString &select) const
     return text && m_isOn() ? std::move(text) : std::nullopt;
 }
 
+bool FindingConnection::Execute(const QString &statement)
+{
+    const bool isDone = SqliteConnection::Execute(statement);
+    if (isDone && m_missHandler && sqlite3_changes(m_database) == 0) {
+        if (const auto miss = missOf(statement))
+            m_missHandler(*miss);
+    }
+    return isDone;
+}
+
+/// As the plain connection does it.
+std::unique_ptr<DbCursor> FindingConnection::watched(const QString &select)
+{
+    auto cursor = SqliteConnection::query(select);
+    auto miss = cursor && m_missHandler ? missOf(select) : std::nullopt;
+    if (!miss)
+        return cursor;
+    return std::make_unique<EmptinessWatch>(std::move(cursor), [this, miss = *std::move(miss)] {
+        if (m_missHandler)
+            m_missHandler(miss);
+    });
+}
+
 std::unique_ptr<DbCursor> FindingConnection::query(const QString &select)
 {
     const auto text = foundText(select);
     if (!text)
-        return SqliteConnection::query(select);
+        return watched(select);
     auto rows = read(select, *text);
     if (!rows)
         return nullptr;

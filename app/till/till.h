@@ -10,6 +10,7 @@
 #include "app/shop/office_settings.h"
 #include "app/till/code_seller.h"
 #include "app/till/first_steps.h"
+#include "app/till/missed_stock.h"
 #include "app/till/till_deeds.h"
 
 #include <QObject>
@@ -36,6 +37,7 @@ public:
     [[nodiscard]] Banner &banner() { return m_banner; }
     [[nodiscard]] Payments &payments() { return m_payments; }
     [[nodiscard]] DrawerDesk &drawer() { return m_drawer; }
+    [[nodiscard]] MissedStock &missedStock() { return m_missedStock; }
 
 private:
     void takeCodes(const OfficeSettings &settings);
@@ -51,6 +53,7 @@ private:
     DrawerDesk m_drawer;
     CodeSeller m_codes;
     TillDeeds m_deeds;
+    MissedStock m_missedStock;
     FirstSteps m_firstSteps;
     CashDesk m_cash;
     HoldDesk m_hold;

@@ -158,10 +158,11 @@ void ActivityTest::textsOfTheLogHaveTheirKinds()
 void ActivityTest::everyDeedHasAKindAndEveryKindAName()
 {
     for (const QLatin1StringView kind :
-         {deed::priceByHand, deed::drawerOpened, deed::itemDeleted, deed::purchaseDeleted, deed::purchaseUndone,
-          deed::rightsChanged, deed::userAdded, deed::passwordSet, deed::loginRefused, deed::loggedIn,
-          deed::settingChanged, deed::codeChanged, deed::paymentSettled, deed::imported, deed::importTakenBack,
-          deed::exported, deed::backedUp, deed::restored, deed::labelsPrinted})
+         {deed::priceByHand,    deed::drawerOpened, deed::itemDeleted,    deed::purchaseDeleted, deed::purchaseUndone,
+          deed::rightsChanged,  deed::userAdded,    deed::passwordSet,    deed::loginRefused,    deed::loggedIn,
+          deed::settingChanged, deed::codeChanged,  deed::paymentSettled, deed::imported,        deed::importTakenBack,
+          deed::exported,       deed::backedUp,     deed::restored,       deed::labelsPrinted,   deed::stockNotChanged,
+          deed::stockOfRenamed})
         QVERIFY2(kindOfDeed(kind) != ActivityKind::Other, kind.data());
     QCOMPARE(kindOfDeed(u"OfALaterVersion"_s), ActivityKind::Other);
     for (int kind = 0; kind <= static_cast<int>(ActivityKind::Other); ++kind)
