@@ -3,7 +3,6 @@
 
 #include "app/catalogue/import_words.h"
 #include "basic/reserved_categories.h"
-#include "basic/text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,12 +11,16 @@ namespace harrowby::app {
 /// As it is stored already, or as the till would store it.
 QString CategoryJudge::nameOf(const ImportLine &line) const
 {
-    if (!line.stored.isEmpty())
-        return recordText(line.stored.constFirst().value);
+    if (!line.stored.isEmpty()) {
+        const RecordValue &stored = line.stored.constFirst().value;
+        const QString text = recordText(stored);
+        if (m_choices.asStored || std::holds_alternative<QByteArray>(stored) || m_known.rowsOf(text) > 0)
+            return text;
+    }
     const QString &cell = line.cells.constFirst();
     if (m_known.rowsOf(cell) > 0)
         return cell;
-    const QString name = trimBlanks(cell);
+    const QString name = trimUnseen(cell);
     return m_choices.putIntoCapitals && m_known.rowsOf(name) == 0 ? name.toUpper() : name;
 }
 
@@ -73,6 +76,7 @@ void CategoryJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
         return add(line, line.stored.at(0), line.stored.at(1), piece);
     const QString name = nameOf(line);
     row.stockId = name;
+    row.isRepeated = m_lineNumbers.value(name).size() > 1;
     if (m_paired.value(name) < m_known.rowsOf(name)) {
         ++m_paired[name];
         row.what = RowKind::Unchanged;

@@ -3,7 +3,6 @@
 
 #include "app/catalogue/import_words.h"
 #include "app/csv/figures.h"
-#include "basic/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +15,7 @@ namespace {
 
 QString trimmedCell(const ImportLine &line, int column)
 {
-    return trimBlanks(line.cells.at(column));
+    return trimUnseen(line.cells.at(column));
 }
 
 } // namespace
@@ -30,7 +29,7 @@ Records::Answer<bool> CodeJudge::take(const ImportFile &file, const WorkWatch &w
     for (qint64 count = 0; lines.next(line); ++count) {
         const QString code = trimmedCell(line, Code);
         if (!line.hasFault() && !code.isEmpty()) {
-            Repeats &repeats = m_repeats[spellingsOf(code).constLast()];
+            Repeats &repeats = m_repeats[longestSpelling(code)];
             if (repeats.rows++ == 0)
                 repeats.firstLine = line.line;
         }
@@ -128,22 +127,40 @@ bool CodeJudge::takeEqual(const ImportLine &line, const QString &code)
     return true;
 }
 
+/// The code, or another length of its number in which the item has it.
+QString CodeJudge::storedSpelling(const ImportLine &line) const
+{
+    const QString code = m_known.meant(trimmedCell(line, Code));
+    const QString id = trimmedCell(line, Item);
+    const auto isIt = [&](const KnownCode &known) {
+        return !known.isOrphan && (id.isEmpty() || id == recordText(known.stockId));
+    };
+    if (!m_known.rowsOf(code).isEmpty())
+        return code;
+    const QStringList spellings = spellingsOf(code);
+    const auto found = std::ranges::find_if(
+        spellings, [&](const QString &spelling) { return std::ranges::any_of(m_known.rowsOf(spelling), isIt); });
+    return found == spellings.end() ? code : *found;
+}
+
 void CodeJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
 {
-    const QString code = trimmedCell(line, Code);
+    const QString code = storedSpelling(line);
     const QList<KnownCode> known = m_known.rowsOf(code);
-    const Repeats repeats = m_repeats.value(spellingsOf(code).constLast());
-    if (takeEqual(line, code))
+    const Repeats repeats = m_repeats.value(longestSpelling(code));
+    if (takeEqual(line, code)) {
         piece.rows << rowOf(line, RowKind::Unchanged);
-    else if (repeats.rows > 1)
+        piece.rows.last().isRepeated = repeats.rows > 1;
+    } else if (repeats.rows > 1) {
         piece.rows << refused(line, Code,
                               u"%1 stands in %2 rows of the file, first in line %3."_s.arg(code)
                                   .arg(repeats.rows)
                                   .arg(repeats.firstLine));
-    else if (known.isEmpty())
+    } else if (known.isEmpty()) {
         judgeNew(line, code, piece);
-    else
+    } else {
         judgeChange(line, known.constFirst(), piece);
+    }
 }
 
 /// A whole number that one scan can sell; 1 where none is said.

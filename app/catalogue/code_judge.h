@@ -42,6 +42,7 @@ private:
         qint64 firstLine = 0;
     };
 
+    [[nodiscard]] QString storedSpelling(const ImportLine &line) const;
     void judgeLine(const ImportLine &line, StagedPiece &piece);
     void judgeNew(const ImportLine &line, const QString &code, StagedPiece &piece) const;
     void judgeChange(const ImportLine &line, const KnownCode &known, StagedPiece &piece) const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/equal_rows.h"
 
+#include "app/catalogue/import_words.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -45,7 +47,7 @@ QByteArray valueKey(const DbValue &value, bool isText)
 bool isOddText(const QString &text)
 {
     const auto isOdd = [](QChar c) { return c < u' ' || c == QChar::ByteOrderMark; };
-    return text.startsWith(u' ') || text.endsWith(u' ') || std::any_of(text.begin(), text.end(), isOdd);
+    return hasUnseenEnds(text) || std::any_of(text.begin(), text.end(), isOdd);
 }
 
 /// A value's length stands before it, so that no two rows have one key.
@@ -73,10 +75,10 @@ bool EqualRows::isOdd(const ImportLine &line) const
     return m_isExport && (line.hasWords || std::ranges::any_of(line.cells, isOddText));
 }
 
-Records::Answer<bool> EqualRows::has(const ImportLine &line)
+Records::Answer<EqualRows::Found> EqualRows::take(const ImportLine &line)
 {
     if (!m_isExport || line.stored.isEmpty() || m_columns.isEmpty())
-        return false;
+        return Found::None;
     if (auto failure = load())
         return Unexpected(*failure);
     QByteArray key;
@@ -84,7 +86,13 @@ Records::Answer<bool> EqualRows::has(const ImportLine &line)
         const StoredValue &stored = line.stored.at(column);
         append(key, valueKey(stored.value, stored.isText));
     }
-    return m_rows.contains(key);
+    const auto found = m_rows.find(key);
+    if (found == m_rows.end())
+        return Found::None;
+    if (*found == 0)
+        return Found::Taken;
+    --*found;
+    return Found::Equal;
 }
 
 std::optional<DbFailure> EqualRows::load()
@@ -100,7 +108,7 @@ std::optional<DbFailure> EqualRows::load()
         QByteArray key;
         for (const RecordValue &value : row)
             append(key, valueKey(value, false));
-        m_rows.insert(key);
+        ++m_rows[key];
     }
     m_isLoaded = true;
     return {};

@@ -6,8 +6,9 @@
 #include "app/records/records.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
-#include <QSet>
+#include <QString>
 
 #include <optional>
 
@@ -25,8 +26,12 @@ public:
 
     /// Whether the row may hold what no judge understands.
     [[nodiscard]] bool isOdd(const ImportLine &line) const;
-    /// Whether a row of the store equals it in all columns that the import brings.
-    [[nodiscard]] Records::Answer<bool> has(const ImportLine &line);
+    enum class Found {
+        None,
+        Equal, ///< a row of the store equals it in all columns that the import brings, and is taken for it
+        Taken, ///< each such row was taken by another one of the file
+    };
+    [[nodiscard]] Records::Answer<Found> take(const ImportLine &line);
 
 private:
     [[nodiscard]] std::optional<DbFailure> load();
@@ -36,8 +41,8 @@ private:
     ImportKind m_kind;
     bool m_isExport;
     bool m_isLoaded = false;
-    QList<int> m_columns;    ///< of the export, those that are compared
-    QSet<QByteArray> m_rows; ///< of the store
+    QList<int> m_columns;          ///< of the export, those that are compared
+    QHash<QByteArray, int> m_rows; ///< of the store, how often each is not taken yet
 };
 
 } // namespace harrowby::app

@@ -2,6 +2,7 @@
 #include "app/catalogue/import_columns.h"
 
 #include "app/catalogue/import_lines.h"
+#include "app/csv/figures.h"
 #include "app/records/shop_settings.h"
 
 #include <QCryptographicHash>
@@ -252,6 +253,17 @@ ImportKind guessKind(const QStringList &headings)
     if (headings.size() == 1 && matched(ImportKind::Categories) == 1)
         return ImportKind::Categories;
     return matched(ImportKind::Codes) == 3 && matched(ImportKind::Items) < 4 ? ImportKind::Codes : ImportKind::Items;
+}
+
+bool looksLikeARow(const QStringList &headings)
+{
+    for (const ImportKind kind : {ImportKind::Items, ImportKind::Categories, ImportKind::Codes}) {
+        const ColumnMatch match = matchColumns(kind, headings);
+        if (match.count(-1) != match.size())
+            return false;
+    }
+    return std::ranges::any_of(headings,
+                               [](const QString &text) { return readFigure(text, u'.') || readFigure(text, u','); });
 }
 
 ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)

@@ -30,6 +30,10 @@ struct ImportColumn
 
 /// The kind that most of the headings speak of.
 [[nodiscard]] ImportKind guessKind(const QStringList &headings);
+
+/// Whether the first line of a file can hardly be its headings: no column of any kind is called so, and figures stand
+/// in it. It may be a row then, see ImportChoices::hasHeadings.
+[[nodiscard]] bool looksLikeARow(const QStringList &headings);
 /// By the store's own names and the usual words of English, German, French and Spanish, in any order and case. Of
 /// several headings that fit one column it takes the likeliest: a price is what the customer pays, never what the shop
 /// does.

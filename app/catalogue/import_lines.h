@@ -24,7 +24,8 @@ struct ImportLine
     [[nodiscard]] bool hasFault() const { return !fault.isEmpty(); }
 };
 
-/// Reads the rows of a file behind its header.
+/// Reads the rows of a file behind its header. Cells that are missing at the end of a row are empty: spreadsheets leave
+/// them out.
 class ImportLines
 {
 public:
@@ -41,12 +42,16 @@ public:
     [[nodiscard]] QString heading(int column) const;
 
 private:
+    [[nodiscard]] bool nextRow();
+    [[nodiscard]] QString faultText() const;
     void readCells(ImportLine &line) const;
+    void readStored(ImportLine &line) const;
     void noteFault(ImportLine &line, int column, const QString &fault) const;
 
     const ImportChoices &m_choices;
     CsvReader m_reader;
     CsvRow m_row;
+    bool m_isRowRead = false; ///< the first line is a row, and was read already
     QStringList m_headings;
     bool m_isExport = false;
     bool m_isPartOfExport = false; ///< its apostrophes are ours

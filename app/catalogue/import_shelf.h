@@ -63,7 +63,8 @@ struct StagedRow
 {
     qint64 line = 0;
     RowKind what = RowKind::Refused;
-    int mask = 0; ///< of a changed item: what changes
+    int mask = 0;            ///< of a changed item: what changes
+    bool isRepeated = false; ///< an unchanged row whose key stands in several rows of the file; not kept
     RecordValue stockId;
     std::array<RecordValue, itemParts> fresh; ///< of a changed item all that a file can bring
     std::array<RecordValue, itemParts> old;   ///< all, of an item that changes

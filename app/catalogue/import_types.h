@@ -27,6 +27,7 @@ struct ImportChoices
     ImportKind kind = ImportKind::Items;
     CsvForm form;
     ColumnMatch columns;
+    bool hasHeadings = true;      ///< the first line; else it is a row like the others
     bool stockInHand = false;     ///< the stock in hand of items that are there already is set, too
     bool putIntoCapitals = false; ///< names; else those that are not in capitals are refused
     bool makeCategories = true;   ///< that items are to belong to; else such items are refused

@@ -2,12 +2,14 @@
 #include "app/catalogue/import_words.h"
 
 #include "app/codes/code_text.h"
+#include "app/codes/gtin.h"
 #include "basic/item_key.h"
 #include "basic/reserved_categories.h"
 
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -15,9 +17,17 @@ namespace harrowby::app {
 
 namespace {
 
-bool isControl(QChar c)
+bool isUnseenEnd(QChar c)
+{
+    return c.isSpace() || c.category() == QChar::Other_Format || c == QChar::ByteOrderMark;
+}
+
+/// Joiners (U+200C, U+200D) shape the letters beside them.
+bool isUnseenInside(QChar c)
 {
     switch (c.category()) {
+    case QChar::Other_Format:
+        return c != QChar(0x200c) && c != QChar(0x200d);
     case QChar::Other_Control:
     case QChar::Separator_Line:
     case QChar::Separator_Paragraph:
@@ -32,7 +42,7 @@ std::optional<QString> textProblem(const QString &text)
 {
     if (text.contains(u'\''))
         return u"It holds a single quote, with which the till finds nothing."_s;
-    if (std::any_of(text.begin(), text.end(), isControl))
+    if (std::any_of(text.begin(), text.end(), isUnseenInside))
         return u"It holds a line break or another character that cannot be seen."_s;
     if (!text.isValidUtf16())
         return u"It holds half a character."_s;
@@ -48,6 +58,20 @@ std::optional<QString> shortenedProblem(const QString &text)
 }
 
 } // namespace
+
+bool hasUnseenEnds(const QString &text)
+{
+    return !text.isEmpty() && (isUnseenEnd(text.front()) || isUnseenEnd(text.back()));
+}
+
+QString trimUnseen(const QString &text)
+{
+    if (!hasUnseenEnds(text))
+        return text;
+    const auto begin = std::find_if_not(text.begin(), text.end(), isUnseenEnd);
+    const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(begin), isUnseenEnd).base();
+    return QString(begin, end - begin);
+}
 
 bool isShortened(const QString &text)
 {
@@ -94,6 +118,10 @@ std::optional<QString> codeProblem(const QString &code)
 {
     if (const auto checked = checkCode(code); !checked)
         return u"This is no code: %1."_s.arg(checked.error());
+    if (const QString whole = withLostZeros(code); !whole.isEmpty())
+        return u"Its leading zeros are missing, as a spreadsheet leaves them out: with them it is %1. Format the "
+               u"column "
+               "as text there."_s.arg(whole);
     return shortenedProblem(code);
 }
 

@@ -17,6 +17,11 @@ namespace harrowby::app {
 /// Why the text is no code of an item: what checkCode() says, and numbers that a spreadsheet has shortened.
 [[nodiscard]] std::optional<QString> codeProblem(const QString &code);
 
+/// Without what stands unseen at its ends: blanks of any kind, byte order marks, characters of no width.
+[[nodiscard]] QString trimUnseen(const QString &text);
+/// Whether trimUnseen() takes something away.
+[[nodiscard]] bool hasUnseenEnds(const QString &text);
+
 /// "8.9E+12": a number that a spreadsheet has shortened, so that its digits are lost.
 [[nodiscard]] bool isShortened(const QString &text);
 

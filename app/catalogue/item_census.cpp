@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/item_census.h"
 
+#include "app/catalogue/import_words.h"
 #include "basic/stock_id.h"
-#include "basic/text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,8 +23,7 @@ void countOne(QHash<QString, ItemCensus::Repeats> &counts, const QString &key, q
 
 QString cellOf(const ImportLine &line, int column)
 {
-    const QString &cell = line.cells.at(column); // usually as it is: no copy is made then
-    return cell.startsWith(u' ') || cell.endsWith(u' ') ? trimBlanks(cell) : cell;
+    return trimUnseen(line.cells.at(column));
 }
 
 ItemKey ItemCensus::keyOf(const ImportLine &line) const
@@ -63,7 +62,7 @@ std::optional<DbFailure> ItemCensus::count(const QList<ImportLine> &piece, Known
     QStringList unresolved;
     for (const ImportLine &line : piece) {
         if (const QString code = cellOf(line, CodeColumn); codes != nullptr && !code.isEmpty()) {
-            countOne(m_codes, spellingsOf(code).constLast(), line.line);
+            countOne(m_codes, longestSpelling(code), line.line);
             if (keyOf(line).id.isEmpty())
                 unresolved << code;
         }

@@ -57,7 +57,7 @@ public:
     /// In capitals.
     [[nodiscard]] Repeats names(const QString &name) const { return m_names.value(name); }
     /// In any length of the same number.
-    [[nodiscard]] Repeats codes(const QString &code) const { return m_codes.value(spellingsOf(code).constLast()); }
+    [[nodiscard]] Repeats codes(const QString &code) const { return m_codes.value(longestSpelling(code)); }
     [[nodiscard]] qint64 rows() const { return m_rows; }
 
 private:

@@ -165,6 +165,7 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
         StagedRow row = refused(line, IdColumn, {});
         row.what = RowKind::Unchanged;
         row.column.clear();
+        row.isRepeated = key.id.isEmpty() || m_census.keys(key.id).rows > 1;
         return keep(row);
     };
     const QList<Item> items = m_items.value(key.id);

@@ -145,15 +145,16 @@ ItemJudge::Change ItemJudge::changeOf(const ImportLine &line, const Item *item, 
         change.mask |= maskOf(partOf(column));
         bring(line, column, change.entry);
     }
-    const QString code = cellOf(line, CodeColumn);
-    if (m_codes != nullptr && !code.isEmpty() && (change.isNew || !m_codes->has(id, code)))
+    const QString code = m_codes != nullptr ? m_codes->meant(cellOf(line, CodeColumn)) : QString();
+    if (!code.isEmpty() && (change.isNew || !m_codes->has(id, code)))
         change.newCode = code;
     return change;
 }
 
 QString ItemJudge::newText(const QString &cell) const
 {
-    return m_choices.putIntoCapitals ? trimmedUpper(cell) : trimBlanks(cell);
+    const QString text = trimUnseen(cell);
+    return m_choices.putIntoCapitals ? text.toUpper() : text;
 }
 
 /// In the form that the stock form's rules read; what is no figure in the file's form is none there either.

@@ -32,6 +32,12 @@ QStringList spellingsOf(const QString &code)
     return spellings.isEmpty() ? QStringList{code} : spellings;
 }
 
+QString longestSpelling(const QString &code)
+{
+    const QString whole = withLostZeros(code);
+    return spellingsOf(whole.isEmpty() ? code : whole).constLast();
+}
+
 std::optional<DbFailure> KnownCodes::load()
 {
     const auto rows =
@@ -62,7 +68,7 @@ std::optional<DbFailure> KnownCodes::lookUp(const QStringList &codes)
     m_items.clear();
     QStringList ids;
     for (const QString &code : codes)
-        ids << spellingsOf(code);
+        ids << spellingsOf(code) << gtinSpellings(withLostZeros(code));
     if (ids.isEmpty())
         return {};
     const auto found = CodeTable(m_records).itemsWithIds(ids);
@@ -93,8 +99,17 @@ QList<StockItem> KnownCodes::itemsOf(const QString &code) const
     return items;
 }
 
-KnownCodes::Owner KnownCodes::ownerOf(const QString &code) const
+QString KnownCodes::meant(const QString &code) const
 {
+    const QString whole = withLostZeros(code);
+    if (whole.isEmpty() || m_rows.contains(code) || m_items.contains(code))
+        return code;
+    return entriesOf(whole).isEmpty() && itemsOf(whole).isEmpty() ? code : whole;
+}
+
+KnownCodes::Owner KnownCodes::ownerOf(const QString &cell) const
+{
+    const QString code = meant(cell);
     const QList<ItemCode> entries = entriesOf(code);
     const QList<StockItem> items = itemsOf(code);
     if (m_items.contains(code))

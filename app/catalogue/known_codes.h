@@ -26,6 +26,9 @@ struct KnownCode
 /// All spellings of a code: of a trade item number every length, else itself.
 [[nodiscard]] QStringList spellingsOf(const QString &code);
 
+/// Of all spellings the longest; with the zeros that a spreadsheet has taken away.
+[[nodiscard]] QString longestSpelling(const QString &code);
+
 /// The codes that the store has, and which IDs of items are codes, too. Asked by pieces of a file.
 class KnownCodes
 {
@@ -44,7 +47,10 @@ public:
         QString stockId;
         QString problem;
     };
-    [[nodiscard]] Owner ownerOf(const QString &code) const;
+    [[nodiscard]] Owner ownerOf(const QString &cell) const;
+
+    /// The code with the zeros that a spreadsheet has taken away where only that one is known; else as it is.
+    [[nodiscard]] QString meant(const QString &code) const;
 
     /// The rows of the store with this very code.
     [[nodiscard]] QList<KnownCode> rowsOf(const QString &code) const { return m_rows.value(code); }

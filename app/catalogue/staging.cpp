@@ -33,6 +33,14 @@ StagedRow unchangedRow(const ImportLine &line)
     return row;
 }
 
+StagedRow oneTooMany(const ImportLine &line)
+{
+    StagedRow row = unchangedRow(line);
+    row.what = RowKind::Refused;
+    row.reason = u"The file has this row more often than the store."_s;
+    return row;
+}
+
 } // namespace
 
 Imported<StagedImport> Staging::run(const QDateTime &now)
@@ -170,26 +178,29 @@ Records::Answer<StagedPiece> Staging::judged(const QList<ImportLine> &lines, con
     StagedPiece same;
     QList<ImportLine> others;
     for (const ImportLine &line : lines) {
-        const auto isEqual = equal.isOdd(line) ? equal.has(line) : Records::Answer<bool>(false);
-        if (!isEqual)
-            return Unexpected(isEqual.error());
-        if (*isEqual)
-            same.rows << unchangedRow(line);
-        else
+        const auto found =
+            equal.isOdd(line) ? equal.take(line) : Records::Answer<EqualRows::Found>(EqualRows::Found::None);
+        if (!found)
+            return Unexpected(found.error());
+        if (*found == EqualRows::Found::None)
             others << line;
+        else
+            same.rows << (*found == EqualRows::Found::Equal ? unchangedRow(line) : oneTooMany(line));
     }
     auto piece = judge(others);
     if (!piece)
         return piece;
     for (qsizetype i = 0; i < piece->rows.size(); ++i) {
         StagedRow &row = piece->rows[i];
-        if (row.what != RowKind::Refused)
+        if (row.what != RowKind::Refused && !row.isRepeated)
             continue;
-        const auto isEqual = equal.has(others.at(i));
-        if (!isEqual)
-            return Unexpected(isEqual.error());
-        if (*isEqual)
+        const auto found = equal.take(others.at(i));
+        if (!found)
+            return Unexpected(found.error());
+        if (*found == EqualRows::Found::Equal)
             row = unchangedRow(others.at(i));
+        else if (*found == EqualRows::Found::Taken && row.what == RowKind::Unchanged)
+            row = oneTooMany(others.at(i));
     }
     piece->rows << same.rows;
     return piece;

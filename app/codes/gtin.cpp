@@ -36,6 +36,15 @@ bool isGtin(QStringView code)
            checkDigitOf(code.chopped(1)) == code.back().digitValue();
 }
 
+QString withLostZeros(const QString &digits)
+{
+    const qsizetype size = digits.size();
+    if ((size != 7 && size != 10 && size != 11) || !isDigits(digits))
+        return {};
+    const QString whole = digits.rightJustified(size == 7 ? 8 : 12, u'0');
+    return isGtin(whole) ? whole : QString();
+}
+
 QStringList gtinSpellings(const QString &code)
 {
     if (!isGtin(code))

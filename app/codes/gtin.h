@@ -18,6 +18,10 @@ namespace harrowby::app {
 /// A length that such numbers have, and the right check digit.
 [[nodiscard]] bool isGtin(QStringView code);
 
+/// Of 7, 10 or 11 digits that become such a number with the zeros before them that a spreadsheet has taken away, that
+/// number; else empty. 12 and 13 digits are one with and without the zeros.
+[[nodiscard]] QString withLostZeros(const QString &digits);
+
 /// A number in every length that it can be written in, shortest first; nothing for what is none.
 [[nodiscard]] QStringList gtinSpellings(const QString &code);
 

@@ -111,8 +111,13 @@ std::optional<StoredValue> readMarked(const QString &word, const QString &cell, 
         return StoredValue{std::numeric_limits<double>::infinity() * (cell.startsWith(u'-') ? -1 : 1), false};
     if (word == mark::blob && cell.startsWith(u"0x"_s))
         return bytesValue(bytesOfHex(QStringView(cell).sliced(2)), false);
-    if (word == mark::escaped)
-        return bytesValue(unescapedText(cell), true);
+    if (word == mark::escaped) {
+        const auto bytes = unescapedText(cell);
+        QString text; // a person may have typed one in its place
+        if (bytes && !bytes->contains('\0') && decodeBytes(text, *bytes, CsvEncoding::Utf8))
+            return StoredValue{text, false};
+        return bytesValue(bytes, true);
+    }
     return {};
 }
 
@@ -235,9 +240,24 @@ std::optional<QList<StoredValue>> readStoredRow(const QStringList &cells, const 
     return marks->isEmpty() ? std::optional(values) : fail(columns.size());
 }
 
+int columnOfBytes(const QStringList &cells, const QList<StoredColumn> &columns)
+{
+    const auto marks = readMarks(cells.value(columns.size()));
+    for (qsizetype i = 0; marks && i < columns.size(); ++i) {
+        const QString word = marks->value(columns.at(i).name);
+        if (word != mark::blob && word != mark::escaped)
+            continue;
+        const auto value = readMarked(word, unguardedText(cells.value(i), true), u'.');
+        if (value && std::holds_alternative<QByteArray>(value->value))
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
 std::optional<QChar> decimalSignOfStoredRow(const QStringList &cells, const QList<StoredColumn> &columns)
 {
-    const auto marks = cells.size() == columns.size() + 1 ? readMarks(cells.constLast()) : std::nullopt;
+    // Spreadsheets leave the empty cells at a row's end out.
+    const auto marks = cells.size() <= columns.size() + 1 ? readMarks(cells.value(columns.size())) : std::nullopt;
     if (!marks)
         return {};
     for (qsizetype i = 0; i < columns.size(); ++i) {
@@ -245,7 +265,7 @@ std::optional<QChar> decimalSignOfStoredRow(const QStringList &cells, const QLis
         if (marks->value(columns.at(i).name, usual) != mark::real)
             continue;
         for (const QChar sign : {u'.', u','}) {
-            if (cells.at(i).contains(sign))
+            if (cells.value(i).contains(sign))
                 return sign;
         }
     }

@@ -87,6 +87,10 @@ private:
                                                               const QList<StoredColumn> &columns, QChar decimalSign,
                                                               int *faultyColumn = nullptr);
 
+/// The first column of such a row whose cell stands for bytes that are no text, from 0; -1 when none does. What else
+/// the row holds does not matter.
+[[nodiscard]] int columnOfBytes(const QStringList &cells, const QList<StoredColumn> &columns);
+
 /// Those whose export has these headings, or null.
 [[nodiscard]] const QList<StoredColumn> *columnsOfExport(const QStringList &headings);
 

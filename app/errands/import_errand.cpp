@@ -91,6 +91,9 @@ private:
         m_headings = headingsOf(m_file.bytes, form);
         m_choices.kind = m_order.kind.value_or(guessKind(m_headings));
         const auto remembered = RememberedColumns(m_records->records()).match(m_choices.kind, m_headings);
+        if (!remembered && m_order.columns.isEmpty() && looksLikeARow(m_headings))
+            return u"The first line of \"%1\" looks like a row, and the first line has to name the columns. Put a line "
+                   "with their names above it."_s.arg(m_file.name());
         auto columns = columnsFor(m_choices.kind, m_headings, remembered, m_order.columns);
         if (!columns)
             return columns.error();

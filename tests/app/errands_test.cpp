@@ -397,6 +397,8 @@ void ErrandsTest::wrongImportIsRefused_data()
                               << u"--encoding takes"_s;
     QTest::newRow("missing") << QStringList{u"none.csv"_s} << 6 << u"cannot be read"_s;
     QTest::newRow("either sign") << QStringList{u"either.csv"_s, u"--dry-run"_s} << 6 << u"(1,234 in line 2)"_s;
+    QTest::newRow("no headings") << QStringList{u"bare.csv"_s} << 6
+                                 << u"The first line of \"bare.csv\" looks like a row"_s;
     QTest::newRow("pipe") << QStringList{u"pipe"_s} << 6 << u"cannot be read"_s;
 }
 
@@ -405,6 +407,7 @@ void ErrandsTest::wrongImportIsRefused()
     QFETCH(QStringList, options);
     QFETCH(int, code);
     QFETCH(QString, said);
+    write(u"bare.csv"_s, "TEA-0001,TEA,2.60\nNEW,CAKE,1\n");
     write(u"either.csv"_s, "StockID;Price\nTEA-0001;1,234\n");
     QCOMPARE(::mkfifo(qPrintable(path(u"pipe"_s)), 0600), 0);
     const ErrandEnd refused = run(QStringList{u"--database"_s, u"shop.sqlite"_s, u"--import"_s} + options);
