@@ -19,7 +19,9 @@ namespace {
 
 bool isUnseenEnd(QChar c)
 {
-    return c.isSpace() || c.category() == QChar::Other_Format || c == QChar::ByteOrderMark;
+    if (c > u' ' && c < QChar(0x7f)) // the usual one, at once
+        return false;
+    return c.isSpace() || c.category() == QChar::Other_Format;
 }
 
 /// Joiners (U+200C, U+200D) shape the letters beside them.
