@@ -90,8 +90,7 @@ bool MissedStock::lower(const StockMiss &miss, const QString &name, const Counte
     const auto done = writeTold(m_records, kept::activity(), lowering, told);
     if (!done || !*done)
         return false;
-    m_voice.remark(u"%1 is called %2 now. Its stock was lowered. Choose the category again to load the items."_s.arg(
-        shownAs(miss.name, miss.stockId), name));
+    m_voice.remark(u"%1 is called %2 now; its stock was lowered."_s.arg(shownAs(miss.name, miss.stockId), name));
     return true;
 }
 
@@ -109,9 +108,7 @@ void MissedStock::followTakenBack(const QString &id)
 void MissedStock::tell(const QString &work, const QString &reason, const QString &user)
 {
     (void)m_deeds.add({deed::stockNotChanged, user, work + u' ' + reason}); // what fails is told by the records
-    Q_EMIT notChanged(work, reason,
-                      u"Choose the category again to load the items, and have the stock counted. The office lists this "
-                      "under \"Activity\"."_s);
+    Q_EMIT notChanged(work, reason, u"Have the item counted. The office lists this under \"Activity\"."_s);
 }
 
 /// Nothing when the item can be sold again meanwhile.
@@ -119,7 +116,7 @@ void MissedStock::sayNotForSale(const StockMiss &miss)
 {
     const Standing item = standingOf(miss.stockId);
     const QString shown = shownAs(miss.name, miss.stockId);
-    const QString loadAgain = u" Choose the category again to load the items."_s;
+    const QString loadAgain = u" Choose its category again."_s;
     if (!item.isRead || (item.items == 1 && item.isSold && item.name == miss.name))
         return;
     if (item.items == 0)

@@ -163,8 +163,7 @@ void MissedStockTest::itemRenamedInTheCartIsLowered()
     QCOMPARE(stock(), QStringList{u"A1|GREEN TEA|28"_s});
     QCOMPARE(deeds(), QStringList{u"StockOfRenamed|ADMINISTRATOR|2 x TEA (A1) sold under this name (purchase ID); "
                                   "the item is called GREEN TEA now, and its stock was lowered."_s});
-    QCOMPARE(said(), u"TEA (A1) is called GREEN TEA now. Its stock was lowered. "
-                     "Choose the category again to load the items."_s);
+    QCOMPARE(said(), u"TEA (A1) is called GREEN TEA now; its stock was lowered."_s);
     QCOMPARE(told("failureWork"), QString());
 }
 
@@ -206,7 +205,7 @@ void MissedStockTest::itemGoneFromTheStoreIsTold()
     click("Command14");
     QCOMPARE(told("failureWork"), u"2 x TEA (A1) sold, but no stock was lowered (purchase ID)."_s);
     QCOMPARE(told("failureReason"), u"Reason: No item has the ID A1 any more."_s);
-    QVERIFY(told("failureAdvice").contains(u"have the stock counted"_s));
+    QVERIFY(told("failureAdvice").contains(u"Have the item counted"_s));
     QCOMPARE(deeds(), QStringList{u"StockNotChanged|ADMINISTRATOR|2 x TEA (A1) sold, but no stock was lowered "
                                   "(purchase ID). No item has the ID A1 any more."_s});
     m_notice->dismiss();
@@ -257,7 +256,7 @@ void MissedStockTest::oldButtonSaysTheNewName()
     importItems("ID,Name,Category,Cost\nA1,GREEN TEA,HOT,3\n");
     click("Command1_0");
     QCOMPARE(m_counter->cart(), QStringList());
-    QCOMPARE(said(), u"TEA (A1) is called GREEN TEA now. Choose the category again to load the items."_s);
+    QCOMPARE(said(), u"TEA (A1) is called GREEN TEA now. Choose its category again."_s);
     m_counter->pick("Combo1", 0);
     click("Command1_0");
     QCOMPARE(m_counter->cart(), QStringList{u"A1  |  GREEN TEA|1|3.00"_s});
@@ -271,7 +270,7 @@ void MissedStockTest::oldButtonSaysWhyItSellsNothing_data()
 {
     QTest::addColumn<QString>("change");
     QTest::addColumn<QString>("words");
-    const QString again = u" Choose the category again to load the items."_s;
+    const QString again = u" Choose its category again."_s;
     QTest::newRow("gone") << u"delete from StockList"_s << u"TEA (A1) is not in stock any more."_s + again;
     QTest::newRow("switched off") << u"update StockList set StockUse = 'Disabled'"_s
                                   << u"TEA (A1) is switched off in the stock."_s + again;
