@@ -12,27 +12,21 @@ namespace harrowby::app {
 
 namespace {
 
-struct Carried
-{
-    const RecordTable &table;
-    QStringList columns;
-};
-
 bool isThere(sqlite3 *database, const QString &table)
 {
     return !readText(database, u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1"_s, {table}).isEmpty();
 }
 
 /// Rows whose key the copy has already are the same ones.
-std::optional<SqlError> carryRows(sqlite3 *store, sqlite3 *copy, const Carried &carried)
+std::optional<SqlError> carryRows(sqlite3 *store, sqlite3 *copy, const RecordTable &table)
 {
-    const QString columns = carried.columns.join(u", "_s);
-    const QString places = QStringList(carried.columns.size(), u"?"_s).join(u", "_s);
-    const QString insert = u"INSERT OR IGNORE INTO %1 (%2) VALUES (%3)"_s.arg(carried.table.name, columns, places);
-    SqliteStatement rows(store, u"SELECT %1 FROM %2 ORDER BY rowid"_s.arg(columns, carried.table.name));
+    const QString columns = table.columns.join(u", "_s);
+    const QString places = QStringList(table.columns.size(), u"?"_s).join(u", "_s);
+    const QString insert = u"INSERT OR IGNORE INTO %1 (%2) VALUES (%3)"_s.arg(table.name, columns, places);
+    SqliteStatement rows(store, u"SELECT %1 FROM %2 ORDER BY rowid"_s.arg(columns, table.name));
     while (rows.next()) {
         QList<DbValue> values;
-        for (int column = 0; column < carried.columns.size(); ++column)
+        for (int column = 0; column < table.columns.size(); ++column)
             values << rows.value(column);
         if (auto error = runSql(copy, insert, values))
             return error;
@@ -40,22 +34,22 @@ std::optional<SqlError> carryRows(sqlite3 *store, sqlite3 *copy, const Carried &
     return rows.error();
 }
 
-void carryTable(sqlite3 *store, sqlite3 *copy, const Carried &carried)
+void carryTable(sqlite3 *store, sqlite3 *copy, const RecordTable &table)
 {
-    if (!isThere(store, carried.table.name))
+    if (!isThere(store, table.name))
         return;
     SqliteRecords records(copy);
-    if (records.prepare(carried.table))
+    if (records.prepare(table))
         return;
     std::optional<SqlError> error = runSql(copy, u"BEGIN"_s);
     if (!error)
-        error = carryRows(store, copy, carried);
+        error = carryRows(store, copy, table);
     if (!error)
         error = runSql(copy, u"COMMIT"_s);
     if (!error)
         return;
     (void)runSql(copy, u"ROLLBACK"_s);
-    qCWarning(lcStore).noquote() << "The rows of" << carried.table.name
+    qCWarning(lcStore).noquote() << "The rows of" << table.name
                                  << "could not be carried over to the restored store:" << error->reason;
 }
 
@@ -63,12 +57,8 @@ void carryTable(sqlite3 *store, sqlite3 *copy, const Carried &carried)
 
 void carryRecords(sqlite3 *store, sqlite3 *copy)
 {
-    const Carried all[] = {
-        {kept::activity(), {u"DeedID"_s, u"DoneAt"_s, u"Kind"_s, u"Who"_s, u"Place"_s, u"What"_s}},
-        {kept::drawerOpening(), {u"OpeningID"_s, u"OpenedAt"_s, u"OpenedBy"_s, u"Drawer"_s, u"Reason"_s}},
-    };
-    for (const Carried &carried : all)
-        carryTable(store, copy, carried);
+    for (const RecordTable *table : kept::onlyAddedTo())
+        carryTable(store, copy, *table);
     SqliteRecords from(store);
     SqliteRecords to(copy);
     QList<GoodBackup> noted = goodBackups(from);

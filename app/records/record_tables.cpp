@@ -26,23 +26,26 @@ const RecordTable &code()
 const RecordTable &activity()
 {
     static const RecordTable table = {
-        u"HarrowbyActivity"_s,
-        {u"create table if not exists HarrowbyActivity "
-         "(DeedID text not null primary key, DoneAt text not null, Kind text not null, Who text not null, "
-         "Place text not null, What text not null)"_s,
-         u"create index if not exists harrowby_activity_time on HarrowbyActivity (DoneAt, DeedID)"_s},
-        true};
+        .name = u"HarrowbyActivity"_s,
+        .making = {u"create table if not exists HarrowbyActivity "
+                   "(DeedID text not null primary key, DoneAt text not null, Kind text not null, Who text not null, "
+                   "Place text not null, What text not null)"_s,
+                   u"create index if not exists harrowby_activity_time on HarrowbyActivity (DoneAt, DeedID)"_s},
+        .isOnlyAddedTo = true,
+        .columns = {u"DeedID"_s, u"DoneAt"_s, u"Kind"_s, u"Who"_s, u"Place"_s, u"What"_s}};
     return table;
 }
 
 const RecordTable &drawerOpening()
 {
     static const RecordTable table = {
-        u"HarrowbyDrawerOpening"_s,
-        {u"create table if not exists HarrowbyDrawerOpening "
-         "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text not null, "
-         "Reason text not null)"_s},
-        true};
+        .name = u"HarrowbyDrawerOpening"_s,
+        .making = {u"create table if not exists HarrowbyDrawerOpening "
+                   "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text "
+                   "not null, "
+                   "Reason text not null)"_s},
+        .isOnlyAddedTo = true,
+        .columns = {u"OpeningID"_s, u"OpenedAt"_s, u"OpenedBy"_s, u"Drawer"_s, u"Reason"_s}};
     return table;
 }
 
@@ -112,6 +115,12 @@ const RecordTable &import()
          "NewRows bigint not null, ChangedRows bigint not null, UnchangedRows bigint not null, "
          "RefusedRows bigint not null)"_s}};
     return table;
+}
+
+const QList<const RecordTable *> &onlyAddedTo()
+{
+    static const QList<const RecordTable *> tables = {&activity(), &drawerOpening()};
+    return tables;
 }
 
 } // namespace harrowby::app::kept

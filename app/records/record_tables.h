@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +14,7 @@ struct RecordTable
     QString name;
     QStringList making;         ///< statements that make it and its indexes, and do nothing where they are there
     bool isOnlyAddedTo = false; ///< no row is ever changed or deleted: Records has the engine refuse it
+    QStringList columns = {};   ///< of one that is only added to: all of them, its key first
 };
 
 namespace kept {
@@ -42,6 +44,9 @@ namespace kept {
 /// StagedAt, DoneAt, DoneBy, DoneUser, TakenBackAt, TakenBackBy, NewRows, ChangedRows, UnchangedRows, RefusedRows.
 /// Their rows are in HarrowbyImportRow, and what goes with them in HarrowbyImportCode and HarrowbyImportCategory.
 [[nodiscard]] const RecordTable &import();
+
+/// Those of them that are only ever added to.
+[[nodiscard]] const QList<const RecordTable *> &onlyAddedTo();
 
 } // namespace kept
 

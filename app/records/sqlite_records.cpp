@@ -21,17 +21,30 @@ DbFailure failureOf(Kind kind, const QString &text, const SqliteStatement &state
     return {kind, text, error.reason, isLost ? error.code : statement.extendedCode()};
 }
 
-/// "harrowby_activity_update", "harrowby_activity_delete"
+const auto insertAction = u"insert"_s;
+
+/// "harrowby_activity_update", "harrowby_activity_delete", "harrowby_activity_insert"
 QString guardName(const RecordTable &table, const QString &action)
 {
     return QString(table.name).replace(u"Harrowby"_s, u"harrowby_"_s).toLower() + u'_' + action;
 }
 
+/// When an INSERT would put another row in the place of one that is there: REPLACE runs no trigger for the row that
+/// goes. The very same row may be inserted again, for INSERT OR IGNORE.
+QString replacingCondition(const RecordTable &table)
+{
+    const QString columns = table.columns.join(u", "_s);
+    const QString added = u"new."_s + table.columns.join(u", new."_s);
+    return u"when exists (select 1 from %1 where (%2 = new.%2 or rowid = new.rowid) and (%3) is not (%4))"_s.arg(
+        table.name, table.columns.constFirst(), columns, added);
+}
+
 /// VACUUM and the engine's own copies run no trigger.
 QString guardStatement(const RecordTable &table, const QString &action)
 {
-    return u"create trigger if not exists %1 before %2 on %3 begin select raise(abort, '%3 is only ever added to'); end"_s
-        .arg(guardName(table, action), action, table.name);
+    const QString condition = action == insertAction ? replacingCondition(table) : QString();
+    return u"create trigger if not exists %1 before %2 on %3 %4 begin select raise(abort, '%3 is only ever added to'); end"_s
+        .arg(guardName(table, action), action, table.name, condition);
 }
 
 } // namespace
@@ -52,7 +65,7 @@ std::optional<DbFailure> SqliteRecords::keepRows(const RecordTable &table)
     const auto rows = select({text, {table.name}});
     if (!rows)
         return rows.error();
-    for (const QString &action : {u"update"_s, u"delete"_s}) {
+    for (const QString &action : {u"update"_s, u"delete"_s, insertAction}) {
         if (rows->contains(RecordRow{guardName(table, action)}))
             continue;
         if (auto failure = run(guardStatement(table, action)))

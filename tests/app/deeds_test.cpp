@@ -31,6 +31,7 @@ private Q_SLOTS:
     void deedIsALineToRead();
     void deedIsStoredWithWhatItTellsOrNeither();
     void nothingChangesOrDeletesADeed();
+    void nothingPutsAnotherDeedInItsPlace();
     void openingsOfBeforeAreKeptToo();
     void storeWithDeedsIsJudgedCopiedAndPacked();
     void failedDeedIsTold();
@@ -108,6 +109,29 @@ void DeedsTest::nothingChangesOrDeletesADeed()
         QCOMPARE(error->reason, u"HarrowbyActivity is only ever added to"_s);
     }
     QCOMPARE(read(u"select Who from HarrowbyActivity"_s), u"A"_s);
+}
+
+/// For the row that goes, REPLACE runs no trigger.
+void DeedsTest::nothingPutsAnotherDeedInItsPlace()
+{
+    QVERIFY(!deeds().add({deed::exported, u"A"_s, u"items"_s}));
+    const QString rest = u"DoneAt, Kind, %1, Place, What from HarrowbyActivity"_s;
+    const QString insert = u"insert or %1 into HarrowbyActivity %2 select %3"_s;
+    const QString columns = u"(rowid, DeedID, DoneAt, Kind, Who, Place, What)"_s;
+    for (const QString &text : {insert.arg(u"replace"_s, QString(), u"DeedID, "_s + rest.arg(u"'B'"_s)),
+                                insert.arg(u"replace"_s, columns, u"rowid, 'other', "_s + rest.arg(u"'B'"_s))}) {
+        const auto error = runSql(m_database.get(), text);
+        QVERIFY2(error, qPrintable(text));
+        QCOMPARE(error->reason, u"HarrowbyActivity is only ever added to"_s);
+    }
+    // What comes back from a backup with the very same row is none.
+    QVERIFY(!runSql(m_database.get(), insert.arg(u"ignore"_s, QString(), u"DeedID, "_s + rest.arg(u"Who"_s))));
+    QCOMPARE(read(u"select group_concat(Who) from HarrowbyActivity"_s), u"A"_s);
+    // Nor does a store whose tables were made before stay without it.
+    QVERIFY(!runSql(m_database.get(), u"drop trigger harrowby_activity_insert"_s));
+    QVERIFY(!deeds().add({deed::exported, u"C"_s, u"items"_s}));
+    QVERIFY(runSql(m_database.get(), insert.arg(u"replace"_s, QString(), u"DeedID, "_s + rest.arg(u"'B'"_s))));
+    QCOMPARE(read(u"select group_concat(Who) from HarrowbyActivity"_s), u"A,C"_s);
 }
 
 void DeedsTest::openingsOfBeforeAreKeptToo()
