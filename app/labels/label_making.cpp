@@ -17,14 +17,11 @@ bool collect(const LabelOrder &order, LabelsMade &made, QList<LabelRun> &runs, c
         if (!watch({u"The labels are being laid out \u2026"_s, percentOf(i, order.rows.size())}))
             return false;
         const LabelRow &row = order.rows.at(i);
-        Label label = labelOf(row, order.currency);
-        const QString &code = row.chosen().code;
-        if (!code.isEmpty() && (!label.symbol || !drawing.takesSymbol(*label.symbol))) {
-            made.longCodes << u"%1: %2"_s.arg(labelItemWords(row.item), code);
-            label.symbol.reset();
-        }
-        if (drawing.takesPrice(label))
-            runs << LabelRun{std::move(label), row.count};
+        FittedLabel fitted = fitLabel(row, order.currency, drawing);
+        if (!fitted.longCode.isEmpty())
+            made.longCodes << u"%1: %2"_s.arg(labelItemWords(row.item), fitted.longCode);
+        if (fitted.hasPrice)
+            runs << LabelRun{std::move(fitted.label), row.count};
         else
             made.longPrices << labelItemWords(row.item);
     }
@@ -32,6 +29,20 @@ bool collect(const LabelOrder &order, LabelsMade &made, QList<LabelRun> &runs, c
 }
 
 } // namespace
+
+FittedLabel fitLabel(const LabelRow &row, const QString &currency, const LabelDrawing &drawing)
+{
+    FittedLabel fitted;
+    fitted.label = labelOf(row, currency);
+    const QString &code = row.chosen().code;
+    const std::optional<Symbol> &symbol = fitted.label.symbol;
+    if (!code.isEmpty() && (!symbol || !drawing.takesSymbol(*symbol))) {
+        fitted.longCode = code;
+        fitted.label.symbol.reset();
+    }
+    fitted.hasPrice = drawing.takesPrice(fitted.label);
+    return fitted;
+}
 
 LabelsMade makeLabels(const LabelOrder &order, const WorkWatch &watch)
 {

@@ -9,6 +9,16 @@
 
 namespace harrowby::app {
 
+/// A label as its paper takes it.
+struct FittedLabel
+{
+    Label label;           ///< without its bars when they are too long
+    QString longCode;      ///< whose bars are too long or cannot be made; empty when there is none
+    bool hasPrice = false; ///< whether the whole price fits, which is never cut
+};
+
+[[nodiscard]] FittedLabel fitLabel(const LabelRow &row, const QString &currency, const LabelDrawing &drawing);
+
 /// What is to be printed.
 struct LabelOrder
 {

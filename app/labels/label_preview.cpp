@@ -31,8 +31,6 @@ void LabelPreview::show(const std::optional<Label> &label, const LabelPaper &pap
     m_dotsPerInch = dotsPerInch;
     QString words;
     if (m_label) {
-        if (m_label->symbol && !LabelDrawing(paper, dotsPerInch).takesSymbol(*m_label->symbol))
-            m_label->symbol.reset();
         words = m_label->name + u", "_s + m_label->price + u", "_s +
                 (m_label->symbol ? m_label->symbol->code : u"no code"_s);
     }

@@ -17,7 +17,7 @@ class LabelPreview final : public QWidget
 public:
     explicit LabelPreview(QWidget *parent = nullptr);
 
-    /// Without the bars when they do not fit. Nothing: an empty label.
+    /// Of a label whose parts fit. Nothing: an empty label.
     void show(const std::optional<Label> &label, const LabelPaper &paper, int dotsPerInch);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -145,12 +145,11 @@ void LabelsPage::showLabel()
     if (row < 0 || row >= m_list.rows().size())
         return m_preview->show({}, m_paper, m_setting.dotsPerInch);
     const LabelRow &chosen = m_list.rows().at(row);
-    const Label label = labelOf(chosen, m_currency);
-    m_preview->show(label, m_paper, m_setting.dotsPerInch);
-    const LabelDrawing drawing(m_paper, m_setting.dotsPerInch);
-    if (label.symbol && !drawing.takesSymbol(*label.symbol))
-        tell(u"\u26a0 %1 is too long for this label: choose a wider paper, or another code."_s.arg(label.symbol->code));
-    else if (!drawing.takesPrice(label))
+    const FittedLabel fitted = fitLabel(chosen, m_currency, {m_paper, m_setting.dotsPerInch});
+    m_preview->show(fitted.label, m_paper, m_setting.dotsPerInch);
+    if (!fitted.longCode.isEmpty())
+        tell(u"\u26a0 %1 is too long for this label: choose a wider paper, or another code."_s.arg(fitted.longCode));
+    else if (!fitted.hasPrice)
         tell(u"\u26a0 The price is too long for this label: choose a wider paper."_s);
     else if (chosen.item.isDoubled)
         tell(u"\u26a0 Another item has the ID %1, too, so the till sells neither by its codes: the label has name and "
