@@ -66,6 +66,11 @@ QString encodingWords(CsvEncoding encoding)
     return u"UTF-8"_s;
 }
 
+QString decimalSignWords(QChar sign)
+{
+    return sign == u',' ? u"Comma: 1,50"_s : u"Point: 1.50"_s;
+}
+
 QString separatorWords(QChar separator)
 {
     switch (separator.unicode()) {

@@ -40,6 +40,8 @@ struct CsvForm
 
 /// For a person: "UTF-8", "UTF-16", "UTF-16 (big endian)", "Windows-1252".
 [[nodiscard]] QString encodingWords(CsvEncoding encoding);
+/// For a person: "Point: 1.50", "Comma: 1,50".
+[[nodiscard]] QString decimalSignWords(QChar sign);
 /// For a person: "Comma ( , )", "Semicolon ( ; )", "Tab", "Bar ( | )".
 [[nodiscard]] QString separatorWords(QChar separator);
 

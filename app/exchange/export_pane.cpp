@@ -86,8 +86,8 @@ void ExportPane::createParts(bool isAdministrator)
         m_separator->addItem(separatorWords(separator), separator);
     m_decimalSign = new QComboBox(this);
     m_decimalSign->setObjectName(u"exportDecimalSign"_s);
-    m_decimalSign->addItem(u"Point: 1.50"_s, QChar(u'.'));
-    m_decimalSign->addItem(u"Comma: 1,50"_s, QChar(u','));
+    for (const QChar sign : {u'.', u','})
+        m_decimalSign->addItem(decimalSignWords(sign), sign);
     m_allDays = new QCheckBox(u"&All"_s, this);
     m_allDays->setObjectName(u"exportAllDays"_s);
     m_allDays->setAccessibleName(u"Purchases of all days"_s);

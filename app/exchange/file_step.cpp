@@ -120,8 +120,8 @@ void FileStep::enter()
     m_decimalSign->clear();
     if (draft().signIsOpen())
         m_decimalSign->addItem(u"Not clear yet"_s);
-    m_decimalSign->addItem(u"Point: 1.50"_s, QChar(u'.'));
-    m_decimalSign->addItem(u"Comma: 1,50"_s, QChar(u','));
+    for (const QChar sign : {u'.', u','})
+        m_decimalSign->addItem(decimalSignWords(sign), sign);
     m_decimalSign->setCurrentIndex(draft().signIsOpen() ? 0 : m_decimalSign->findData(choices.form.decimalSign));
     showSample();
 }

@@ -207,7 +207,7 @@ QList<OfficePageEntry> officePagesFor(const OfficeUser &user)
     QList<OfficePageEntry> pages;
     std::copy_if(officePages().cbegin(), officePages().cend(), std::back_inserter(pages),
                  [&user](const OfficePageEntry &entry) {
-                     return user.isAdministrator || (entry.right == Stock && user.mayKeepStock);
+                     return entry.right == Stock ? user.mayKeepStock : user.isAdministrator;
                  });
     return pages;
 }

@@ -8,17 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-namespace {
-
-/// In the order of userRoles().
-const QStringList &roleCaptions()
-{
-    static const QStringList captions = {u"&Cashier"_s, u"Shi&ft Leader"_s, u"&Manager"_s};
-    return captions;
-}
-
-} // namespace
-
 RoleButtons::RoleButtons(QWidget *parent) : QWidget(parent)
 {
     auto *line = new QHBoxLayout(this);
@@ -26,7 +15,7 @@ RoleButtons::RoleButtons(QWidget *parent) : QWidget(parent)
     line->setSpacing(8);
     for (qsizetype i = 0; i < userRoles().size(); ++i) {
         const Role &role = userRoles().at(i);
-        auto *button = new QPushButton(roleCaptions().at(i), this);
+        auto *button = new QPushButton(role.caption, this);
         button->setObjectName(u"role%1"_s.arg(i));
         button->setAccessibleName(role.name);
         button->setCheckable(true);
@@ -44,7 +33,7 @@ void RoleButtons::mark(const Role *role)
     for (qsizetype i = 0; i < m_buttons.size(); ++i) {
         const bool isIt = role == &userRoles().at(i);
         m_buttons.at(i)->setChecked(isIt);
-        m_buttons.at(i)->setText((isIt ? u"\u2713 "_s : QString()) + roleCaptions().at(i));
+        m_buttons.at(i)->setText((isIt ? u"\u2713 "_s : QString()) + userRoles().at(i).caption);
     }
 }
 

@@ -18,6 +18,11 @@ QStringList allRights()
     return all;
 }
 
+QStringList cashierRights()
+{
+    return {u"InventoryUse"_s, u"InventorySales"_s};
+}
+
 /// What is in the one and not in the other.
 QStringList without(const QStringList &rights, const QStringList &others)
 {
@@ -65,7 +70,7 @@ QStringList usualRights(const QString &type)
     if (type == viewerType)
         return {};
     if (type != u"MANAGER"_s)
-        return {u"InventoryUse"_s, u"InventorySales"_s};
+        return cashierRights();
     return allRights();
 }
 
@@ -73,9 +78,10 @@ const QList<Role> &userRoles()
 {
     // A shift leader keeps the counter going; prices, items and deleted sales stay with the manager.
     static const QList<Role> roles = {
-        {u"Cashier"_s, {u"InventoryUse"_s, u"InventorySales"_s}},
-        {u"Shift leader"_s, {u"InventoryUse"_s, u"InventorySales"_s, u"InventoryReport"_s, u"InventoryUndo"_s}},
-        {u"Manager"_s, allRights()},
+        {u"Cashier"_s, u"&Cashier"_s, cashierRights()},
+        {u"Shift leader"_s, u"Shi&ft Leader"_s,
+         cashierRights() + QStringList{u"InventoryReport"_s, u"InventoryUndo"_s}},
+        {u"Manager"_s, u"&Manager"_s, allRights()},
     };
     return roles;
 }

@@ -38,7 +38,8 @@ inline constexpr QLatin1StringView viewerType("VIEWER");
 /// What somebody does in the shop, and the rights for it: exactly these.
 struct Role
 {
-    QString name; ///< "Shift leader"
+    QString name;    ///< "Shift leader"
+    QString caption; ///< of its button
     QStringList rights;
 };
 
