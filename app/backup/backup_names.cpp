@@ -11,6 +11,11 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
+QString momentInName(const QDateTime &moment)
+{
+    return moment.toString(u"yyyy-MM-dd-HHmmss"_s);
+}
+
 QString usualBackupFolder()
 {
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -24,7 +29,7 @@ QString usualBackupName(const QDate &day)
 
 QString usualRescuePlace(const QString &store, const QDateTime &now)
 {
-    const QString name = QFileInfo(store).completeBaseName() + now.toString(u"'-rescue-'yyyy-MM-dd-HHmmss"_s);
+    const QString name = QFileInfo(store).completeBaseName() + u"-rescue-"_s + momentInName(now);
     const QString suffix = u'.' + copySuffix.toString();
     QDir folder = QFileInfo(store).absoluteDir();
     if (judgeNewPlace(folder.filePath(name + suffix), false))

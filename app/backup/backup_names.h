@@ -13,6 +13,9 @@ namespace harrowby::app {
 /// Of every copy; a backup's name gets it when a person gives none.
 inline constexpr QStringView copySuffix = u"db";
 
+/// In the names of files, which sort by it: "2026-11-21-090507".
+[[nodiscard]] QString momentInName(const QDateTime &moment);
+
 /// The folder that is offered for a backup: the documents, or the home folder where there are none.
 [[nodiscard]] QString usualBackupFolder();
 /// The name that is offered for a backup of that day: "harrowby-2026-11-21.db".

@@ -18,7 +18,8 @@ namespace {
 
 const auto settingName = u"GoodBackups"_s;
 constexpr qsizetype mostNoted = 20;
-constexpr qint64 overdueAfter = qint64{2} * 24 * 60 * 60;
+constexpr qint64 secondsOfDay = qint64{24} * 60 * 60;
+constexpr qint64 overdueAfter = 2 * secondsOfDay;
 constexpr qint64 clockPlay = 60 * 60; // seconds by which two machines' clocks may differ
 
 QList<GoodBackup> readNotes(const QString &text)
@@ -131,7 +132,7 @@ QString backupWarning(Records &records, const QDateTime &now)
         return {};
     if (!state.last)
         return state.gone > 0 ? u"The last backup is gone"_s : u"No backup yet"_s;
-    const qint64 days = state.last->made.secsTo(now) / (24 * 60 * 60);
+    const qint64 days = state.last->made.secsTo(now) / secondsOfDay;
     return days < 0 ? u"No backup with a true time"_s : u"No backup for %1 days"_s.arg(days);
 }
 
@@ -150,7 +151,7 @@ QString backupStateText(const BackupState &state, const QDateTime &now)
     if (age < -clockPlay)
         lines << u"That time lies ahead: one of the clocks was wrong."_s;
     else if (state.isOverdue)
-        lines << u"That was %1 days ago."_s.arg(age / (24 * 60 * 60));
+        lines << u"That was %1 days ago."_s.arg(age / secondsOfDay);
     return lines.join(u'\n');
 }
 

@@ -38,7 +38,7 @@ struct BackupState
 {
     std::optional<GoodBackup> last; ///< the newest that is not gone
     BackupSight sight = BackupSight::Gone;
-    bool isOverdue = true; ///< none for two days, or its time cannot be true
+    bool isOverdue = true; ///< none for too long, or its time cannot be true
     int gone = 0;          ///< newer ones that are gone
 };
 

@@ -56,8 +56,7 @@ QString storeMark(const QString &store)
 
 QString keptBackupName(const QString &store, const QDateTime &moment, const QString &begin)
 {
-    return u"%1-%2-%3.%4"_s.arg(beginOr(begin, store), moment.toString(u"yyyy-MM-dd-HHmmss"_s), storeMark(store),
-                                copySuffix);
+    return u"%1-%2-%3.%4"_s.arg(beginOr(begin, store), momentInName(moment), storeMark(store), copySuffix);
 }
 
 QStringList keptBackups(const QString &folder, const QString &store, const QString &begin)

@@ -65,7 +65,7 @@ NightlyDialog::NightlyDialog(NightlyTimer timer, QWidget *parent) : QDialog(pare
     createControls();
     layOut();
     const auto before = m_timer.read();
-    fill(before ? before->plan : NightlyPlan{QTime(22, 0), usualBackupFolder(), 14});
+    fill(before ? before->plan : NightlyPlan{.folder = usualBackupFolder()});
     dressDialog(*this);
     resize(nightlySize.boundedTo(roomFor(*this)));
     showWhatCounts();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/nightly_units.h"
 
+#include "app/shop/errand_names.h"
+
 #include <QFileInfo>
 #include <QMap>
 
@@ -51,7 +53,7 @@ QString nightlyServiceText(const NightlyJob &job, const NightlyPlan &plan)
 {
     QStringList words = {quotedForUnit(job.program, UnitWord::Program)};
     for (const QString &argument :
-         {u"--database"_s, job.store, u"--backup"_s, plan.folder, u"--keep"_s, QString::number(plan.keep)})
+         {u"--database"_s, job.store, QString(errand::backup), plan.folder, u"--keep"_s, QString::number(plan.keep)})
         words << quotedForUnit(argument, UnitWord::Argument);
     return note + u"[Unit]\nDescription=%1\n\n[Service]\nType=oneshot\nNice=10\nExecStart=%2\n"_s.arg(description(job),
                                                                                                       words.join(u' '));

@@ -186,9 +186,8 @@ End Restore::lock()
 
 QString Restore::keepPlace() const
 {
-    const QString name =
-        u"%1-before-restore-%2.%3"_s.arg(QFileInfo(realTarget(m_order.store)).completeBaseName(),
-                                         QDateTime::currentDateTime().toString(u"yyyy-MM-dd-HHmmss"_s), copySuffix);
+    const QString name = u"%1-before-restore-%2.%3"_s.arg(QFileInfo(realTarget(m_order.store)).completeBaseName(),
+                                                          momentInName(QDateTime::currentDateTime()), copySuffix);
     return QDir(m_order.keepIn).absoluteFilePath(name);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/store_users.h"
 
+#include "app/shop/errand_names.h"
 #include "app/shop/file_facts.h"
 
 #include <QDir>
@@ -17,6 +18,8 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
+
+const auto tillName = u"a till"_s;
 
 struct FileNumber
 {
@@ -65,11 +68,11 @@ QString nameOf(const QString &process)
     };
     if (begins("--office"))
         return u"the office"_s;
-    for (const char *errand : {"--backup", "--export", "--import", "--restore"}) {
-        if (begins(errand))
-            return u"harrowby "_s + QLatin1StringView(errand);
+    for (const QLatin1StringView errand : errand::all) {
+        if (begins(errand.data()))
+            return u"harrowby "_s + errand;
     }
-    return u"a till"_s;
+    return tillName;
 }
 
 bool tillLivesAt(const QString &store)
@@ -109,9 +112,9 @@ QString storeUsersText(const StoreUsers &users)
     for (const StoreProgram &user : users.programs)
         names << u"%1 (process %2)"_s.arg(user.name, QString::number(user.process));
     const bool isSeen =
-        std::ranges::any_of(users.programs, [](const StoreProgram &user) { return user.name == u"a till"_s; });
+        std::ranges::any_of(users.programs, [](const StoreProgram &user) { return user.name == tillName; });
     if (users.tillLives && !isSeen)
-        names << u"a till, under another user name or on another computer"_s;
+        names << tillName + u", under another user name or on another computer"_s;
     if (names.size() < 2)
         return names.join(QString());
     const QString last = names.takeLast();

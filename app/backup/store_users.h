@@ -14,7 +14,7 @@ struct StoreProgram
 };
 
 /// Who else uses a store's file, as far as it can be seen. The programs are those of this user alone, unless the
-/// superuser asks; who is allowed to is proven by SQLite's lock alone (restore.cpp).
+/// superuser asks; who is allowed to is proven by SQLite's lock alone (store_locked.cpp).
 struct StoreUsers
 {
     QList<StoreProgram> programs;

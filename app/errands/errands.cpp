@@ -7,6 +7,7 @@
 #include "app/errands/import_errand.h"
 #include "app/errands/restore_errand.h"
 #include "app/shop/busy_wait.h"
+#include "app/shop/errand_names.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_open.h"
@@ -24,16 +25,13 @@ namespace harrowby::app {
 
 namespace {
 
-/// The one errand that needs the store for itself.
-const auto restoring = u"--restore"_s;
-
 /// Each errand by its option.
 Result<Errand, QString> readErrand(const ErrandLine &line)
 {
     const std::pair<QString, Result<Errand, QString> (*)(const ErrandLine &)> readers[] = {
-        {u"--backup"_s, readBackupErrand},
-        {u"--export"_s, readExportErrand},
-        {u"--import"_s, readImportErrand},
+        {errand::backup, readBackupErrand},
+        {errand::exportList, readExportErrand},
+        {errand::importList, readImportErrand},
     };
     for (const auto &[name, read] : readers) {
         if (line.name == name)
@@ -79,7 +77,7 @@ ExitCode onOpenStore(const QString &path, const Errand &errand)
 
 ExitCode runErrand(const CommandLine &line)
 {
-    if (line.errand.name == restoring)
+    if (line.errand.name == errand::restore)
         return onExistingStore(
             line, [&](const QString &path) { return restoreWithoutWindow(path, line.errand.values.constFirst()); });
     const auto errand = readErrand(line.errand);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/errand_line.h"
 
+#include "app/shop/errand_names.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -38,15 +40,15 @@ QString ownersOf(const QString &option)
 const QList<ErrandForm> &errandForms()
 {
     static const QList<ErrandForm> forms = {
-        {u"--backup"_s, {u"the folder that the backup goes into"_s}, {{u"--keep"_s, u"how many backups stay"_s}}},
-        {u"--export"_s,
+        {errand::backup, {u"the folder that the backup goes into"_s}, {{u"--keep"_s, u"how many backups stay"_s}}},
+        {errand::exportList,
          {u"what is exported (items, categories, codes, purchases or activity) and a file"_s,
           u"a file, behind what is exported"_s},
          {{u"--from"_s, u"a day"_s},
           {u"--to"_s, u"a day"_s},
           {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
           {u"--decimal"_s, u"point or comma"_s}}},
-        {u"--import"_s,
+        {errand::importList,
          {u"the file that is imported"_s},
          {{u"--dry-run"_s, {}},
           {u"--kind"_s, u"items, categories or codes"_s},
@@ -59,7 +61,7 @@ const QList<ErrandForm> &errandForms()
           {u"--no-categories"_s, {}},
           {u"--valid-rows"_s, {}},
           {u"--as-stored"_s, {}}}},
-        {u"--restore"_s, {u"the backup that is to be brought back"_s}, {}},
+        {errand::restore, {u"the backup that is to be brought back"_s}, {}},
     };
     return forms;
 }

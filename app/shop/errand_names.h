@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLatin1StringView>
+
+#include <array>
+
+/// The options by which the store program does something without a window. What else each takes:
+/// app/start/errand_line.cpp.
+namespace harrowby::app::errand {
+
+inline constexpr QLatin1StringView backup("--backup");
+inline constexpr QLatin1StringView exportList("--export");
+inline constexpr QLatin1StringView importList("--import");
+inline constexpr QLatin1StringView restore("--restore");
+
+inline constexpr std::array all = {backup, exportList, importList, restore};
+
+} // namespace harrowby::app::errand
