@@ -52,9 +52,7 @@ QString CategoryJudge::problemOf(const QString &name) const
 {
     const QList<qint64> same = m_lineNumbers.value(name);
     if (same.size() > 1)
-        return u"%1 stands in %2 rows of the file, first in line %3."_s.arg(name)
-            .arg(same.size())
-            .arg(same.constFirst());
+        return repeatsWords(name, same.size(), same.constFirst());
     if (name.isEmpty())
         return u"The name is missing."_s;
     if (name == otherCategory)

@@ -152,10 +152,7 @@ void CodeJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
         piece.rows << rowOf(line, RowKind::Unchanged);
         piece.rows.last().isRepeated = repeats.rows > 1;
     } else if (repeats.rows > 1) {
-        piece.rows << refused(line, Code,
-                              u"%1 stands in %2 rows of the file, first in line %3."_s.arg(code)
-                                  .arg(repeats.rows)
-                                  .arg(repeats.firstLine));
+        piece.rows << refused(line, Code, repeatsWords(code, repeats.rows, repeats.firstLine));
     } else if (known.isEmpty()) {
         judgeNew(line, code, piece);
     } else {
@@ -183,8 +180,8 @@ void CodeJudge::judgeNew(const ImportLine &line, const QString &code, StagedPiec
         return piece.rows.append(refused(line, Code, *problem));
     const QString id = trimmedCell(line, Item);
     if (!m_items.contains(id))
-        return piece.rows.append(refused(
-            line, Item, id.isEmpty() ? u"The ID of the item is missing."_s : u"There is no item %1."_s.arg(id)));
+        return piece.rows.append(
+            refused(line, Item, id.isEmpty() ? u"The ID of the item is missing."_s : noItemWords(id)));
     if (const auto taken = m_known.takenBy(code, id))
         return piece.rows.append(refused(line, Code, *taken));
     const auto units = unitsOf(line);
@@ -210,7 +207,7 @@ void CodeJudge::judgeChange(const ImportLine &line, const KnownCode &known, Stag
             line, Item,
             u"The code is taken: it belongs to %1."_s.arg(itemWords(known.itemName, recordText(known.stockId)))));
     if ((mask & codeItemMask) != 0 && !m_items.contains(id))
-        return piece.rows.append(refused(line, Item, u"There is no item %1."_s.arg(id)));
+        return piece.rows.append(refused(line, Item, noItemWords(id)));
     const auto units = unitsOf(line);
     if ((mask & codeUnitsMask) != 0 && !units)
         return piece.rows.append(refused(line, Units, units.error()));

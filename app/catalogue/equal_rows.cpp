@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/equal_rows.h"
 
+#include "app/catalogue/import_shelf.h"
 #include "app/catalogue/import_words.h"
+#include "app/catalogue/item_census.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,9 +13,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-constexpr int importedItemColumns = 7;
-constexpr int availableColumn = 5;
 
 /// One number has one text, whether it is kept as an integer or not.
 QByteArray numberKey(double value)
@@ -62,10 +61,9 @@ EqualRows::EqualRows(Records &records, const ImportLines &lines, const ImportCho
     m_records(records), m_kind(choices.kind), m_isExport(lines.isExport() && !choices.asStored)
 {
     const bool areItems = choices.kind == ImportKind::Items;
-    const qsizetype all = areItems ? importedItemColumns : exportColumns(choices.kind).size();
+    const qsizetype all = areItems ? importedParts + 1 : exportColumns(choices.kind).size();
     for (int i = 0; i < all && i < choices.columns.size(); ++i) {
-        const bool isLeftAlone = areItems && i == availableColumn && !choices.stockInHand;
-        if (choices.columns.at(i) >= 0 && !isLeftAlone)
+        if (choices.columns.at(i) >= 0 && !(areItems && leavesStock(i, choices)))
             m_columns << i;
     }
 }

@@ -127,4 +127,15 @@ std::optional<QString> codeProblem(const QString &code)
     return shortenedProblem(code);
 }
 
+QString repeatsWords(const QString &what, qint64 rows, qint64 firstLine)
+{
+    return u"%1 stands in %2 rows of the file, first in line %3."_s.arg(what, QString::number(rows),
+                                                                        QString::number(firstLine));
+}
+
+QString noItemWords(const QString &id)
+{
+    return u"There is no item %1."_s.arg(id);
+}
+
 } // namespace harrowby::app

@@ -25,4 +25,9 @@ namespace harrowby::app {
 /// "8.9E+12": a number that a spreadsheet has shortened, so that its digits are lost.
 [[nodiscard]] bool isShortened(const QString &text);
 
+/// For what may stand in a file once alone: "TEA stands in 2 rows of the file, first in line 3."
+[[nodiscard]] QString repeatsWords(const QString &what, qint64 rows, qint64 firstLine);
+/// For the ID of an item that the store does not have.
+[[nodiscard]] QString noItemWords(const QString &id);
+
 } // namespace harrowby::app

@@ -24,6 +24,12 @@ enum ItemColumn {
     CodeColumn,
 };
 
+/// Whether the items that are there already keep their stock in hand, whatever this column says.
+[[nodiscard]] inline bool leavesStock(int column, const ImportChoices &choices)
+{
+    return column == AvailableColumn && !choices.stockInHand;
+}
+
 /// The part of an item that such a column brings; ID and code are none.
 [[nodiscard]] constexpr int partOf(int column)
 {

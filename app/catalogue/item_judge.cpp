@@ -33,11 +33,6 @@ QString marksFor(qsizetype count)
     return QStringList(count, u"?"_s).join(u", "_s);
 }
 
-QString rowsWords(const ItemCensus::Repeats &repeats)
-{
-    return u"in %1 rows of the file, first in line %2"_s.arg(repeats.rows).arg(repeats.firstLine);
-}
-
 QString itemsWords(const RecordRow &item)
 {
     return itemWords(recordText(item.at(1)), recordText(item.at(0)));
@@ -186,7 +181,7 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
         if (takeEqual(line, key.id))
             return unchanged();
         return keep(refused(line, cellOf(line, IdColumn).isEmpty() ? CodeColumn : IdColumn,
-                            repeats.rows > 1 ? u"%1 stands %2."_s.arg(key.id, rowsWords(repeats))
+                            repeats.rows > 1 ? repeatsWords(key.id, repeats.rows, repeats.firstLine)
                                              : u"The store has %1 items of this ID."_s.arg(items.size())));
     }
     return items.isEmpty() ? judgeNew(line, key.id, piece) : keep(judgeChange(line, items.constFirst(), piece));

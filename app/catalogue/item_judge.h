@@ -57,7 +57,7 @@ private:
     [[nodiscard]] bool isEqual(const ImportLine &line, const Item &item) const;
     [[nodiscard]] bool hasExactValue(const ImportLine &line, int column) const;
     [[nodiscard]] bool differs(const ImportLine &line, int column, const Item &item) const;
-    [[nodiscard]] bool isBrought(const ImportLine &line, int column, bool isNew) const;
+    [[nodiscard]] bool isBrought(const ImportLine &line, int column) const;
 
     [[nodiscard]] Change changeOf(const ImportLine &line, const Item *item, const QString &id) const;
     void bring(const ImportLine &line, int column, StockEntry &entry) const;

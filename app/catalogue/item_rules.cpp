@@ -98,11 +98,10 @@ std::array<RecordValue, importedParts> freshParts(const harrowby::StockItem &ite
             item.use};
 }
 
-bool ItemJudge::isBrought(const ImportLine &line, int column, bool isNew) const
+/// Into an item that is there already: an empty cell leaves it as it is.
+bool ItemJudge::isBrought(const ImportLine &line, int column) const
 {
-    if (column == AvailableColumn && !isNew && !m_choices.stockInHand)
-        return false;
-    return !cellOf(line, column).isEmpty();
+    return !leavesStock(column, m_choices) && !cellOf(line, column).isEmpty();
 }
 
 /// Whether the file is an export, and this column of it is taken for itself.
@@ -139,7 +138,7 @@ ItemJudge::Change ItemJudge::changeOf(const ImportLine &line, const Item *item, 
     change.entry = change.isNew ? newEntry(id) : faultlessEntry(id);
     for (int column = NameColumn; column <= UseColumn; ++column) {
         // A column that the file has is entered in a new item as it stands there, be it empty.
-        const bool isThere = change.isNew ? m_choices.columns.contains(column) : isBrought(line, column, false);
+        const bool isThere = change.isNew ? m_choices.columns.contains(column) : isBrought(line, column);
         if (!isThere || (item != nullptr && !differs(line, column, *item)))
             continue;
         change.mask |= maskOf(partOf(column));
@@ -230,9 +229,7 @@ std::optional<ItemJudge::Fault> ItemJudge::nameFault(const Change &change) const
         return Fault{NameColumn, *problem};
     const QString capitals = change.entry.name.toUpper();
     if (const ItemCensus::Repeats repeats = m_census.names(capitals); repeats.rows > 1)
-        return Fault{
-            NameColumn,
-            u"The name stands in %1 rows of the file, first in line %2."_s.arg(repeats.rows).arg(repeats.firstLine)};
+        return Fault{NameColumn, repeatsWords(u"The name"_s, repeats.rows, repeats.firstLine)};
     for (const Item &item : m_byName.value(capitals)) {
         if (change.isNew || recordText(item.at(0)) != change.entry.id)
             return Fault{NameColumn,
@@ -262,9 +259,7 @@ std::optional<ItemJudge::Fault> ItemJudge::codeFault(const Change &change) const
     if (const auto taken = m_codes->takenBy(change.newCode, change.entry.id))
         return Fault{CodeColumn, *taken};
     if (const ItemCensus::Repeats repeats = m_census.codes(change.newCode); repeats.rows > 1)
-        return Fault{
-            CodeColumn,
-            u"The code stands in %1 rows of the file, first in line %2."_s.arg(repeats.rows).arg(repeats.firstLine)};
+        return Fault{CodeColumn, repeatsWords(u"The code"_s, repeats.rows, repeats.firstLine)};
     for (const QString &spelling : spellingsOf(change.newCode)) {
         if (spelling == change.entry.id)
             return Fault{CodeColumn, u"%1 is the item's own ID, which is read without an entry."_s.arg(spelling)};

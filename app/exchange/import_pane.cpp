@@ -119,7 +119,7 @@ void ImportPane::begin(const QString &path)
             discardPreview();
             m_draft = {};
             m_draft.choices.form = opened.guess.form;
-            m_draft.choices.putIntoCapitals = true;
+            m_draft.choices.putIntoCapitals = true; // a person sees that it is ticked; a command line says so itself
             m_draft.decimal = opened.guess.decimal;
             take(opened.file);
         });
