@@ -21,7 +21,7 @@ Records::Answer<AutomaticIds::Series> AutomaticIds::begin(const QString &prefix)
     double marked = 0; // the form begins behind the count of those that end in "-*"
     for (const RecordRow &row : *ids) {
         const QString id = recordText(row.constFirst());
-        series.taken.insert(id);
+        series.taken.insert(id.toUpper()); // by which the till finds it
         marked += id.compare(prefix + u"-*"_s, Qt::CaseInsensitive) == 0 ? 1 : 0;
     }
     series.last = toInt16(marked).value_or(0);
@@ -44,7 +44,7 @@ Records::Answer<QString> AutomaticIds::next(const QString &category)
     std::int16_t number = series.last;
     const QString id = freeAutomaticId(prefix, series.last, [&](const QString &one) {
         ++number;
-        return series.taken.contains(one) || m_isInFile(one);
+        return series.taken.contains(one.toUpper()) || m_isInFile(one);
     });
     series.last = number;
     series.hasEnded = id.isEmpty();

@@ -21,11 +21,6 @@ namespace {
 
 const auto notRead = u"The list of the import could not be read."_s;
 
-ImportEnd gone()
-{
-    return {ImportEnd::Kind::Outdated, u"This import is gone: another program has cleared it away."_s};
-}
-
 QString tableOf(ImportKind kind)
 {
     return kind == ImportKind::Categories ? u"InventoryCategory"_s
@@ -98,7 +93,7 @@ Imported<ShelvedImport> CatalogueImport::find(std::int64_t id) const
     if (!found)
         return Unexpected(importFailed(notRead, found.error()));
     if (!*found)
-        return Unexpected(gone());
+        return Unexpected(importGone());
     return **found;
 }
 
@@ -225,8 +220,7 @@ Imported<ImportOutcome> CatalogueImport::takeBack(std::int64_t id, const WorkWat
     if (!import)
         return Unexpected(import.error());
     if (import->state == import_state::settled)
-        return Unexpected(
-            ImportEnd{ImportEnd::Kind::Outdated, u"This import was too long ago: its rows are not kept any longer."_s});
+        return Unexpected(importSettled());
     if (!watch({u"The import is being taken back …"_s, WorkStep::unknown}))
         return Unexpected(ImportEnd{ImportEnd::Kind::Cancelled, u"Nothing was taken back."_s});
     return ImportWriting(m_records, m_desk, *import, ImportWriting::Way::OutOf).run(false);
@@ -239,7 +233,7 @@ Imported<QList<PastImport>> CatalogueImport::past()
         return Unexpected(importFailed(u"The list of imports could not be read."_s, imports.error()));
     QList<PastImport> past;
     for (const ShelvedImport &import : *imports) {
-        if (import.state == import_state::staging)
+        if (import.state == import_state::staging || import.state == import_state::clearing)
             continue;
         PastImport one;
         one.id = import.id;

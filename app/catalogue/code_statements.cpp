@@ -144,6 +144,16 @@ RecordStatement markUsedCategories(std::int64_t id)
             {id}};
 }
 
+RecordStatement markRepeatedCategories(std::int64_t id)
+{
+    const auto isSame = u"o.CategoryName is not distinct from k.CategoryName and "
+                        "o.EntryDate is not distinct from k.EntryDate"_s;
+    return {u"update HarrowbyImportCategory as k set LeftOut = 2 where k.ImportID = ? and k.LeftOut = 0 and "
+            "(select count(*) from InventoryCategory o where %1) <> (select count(*) from HarrowbyImportCategory o "
+            "where o.ImportID = k.ImportID and %1)"_s.arg(isSame),
+            {id}};
+}
+
 RecordStatement removeCategories(std::int64_t id)
 {
     return {u"delete from InventoryCategory where exists (select 1 from HarrowbyImportCategory k where "

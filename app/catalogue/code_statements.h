@@ -38,6 +38,8 @@ namespace harrowby::app {
 [[nodiscard]] RecordStatement dateCategories(std::int64_t id, const QString &entered);
 /// Marks those that have items, or are no longer as they were made.
 [[nodiscard]] RecordStatement markUsedCategories(std::int64_t id);
+/// Marks those that the store has more often or less often than the import wrote them.
+[[nodiscard]] RecordStatement markRepeatedCategories(std::int64_t id);
 [[nodiscard]] RecordStatement removeCategories(std::int64_t id);
 /// The rows of a file of categories follow.
 [[nodiscard]] RecordStatement leaveOutCategoryRows(std::int64_t id, int leftOut);

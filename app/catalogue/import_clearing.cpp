@@ -56,18 +56,21 @@ std::optional<DbFailure> ImportShelf::discard(std::int64_t id, const WorkWatch &
 {
     // From here on nobody carries it out.
     const auto begun = m_records.write(
-        kept::import(),
-        {u"update HarrowbyImport set State = ? where ImportID = ? and State in (?, ?)"_s,
-         {QString(import_state::staging), id, QString(import_state::staging), QString(import_state::staged)}});
+        kept::import(), {u"update HarrowbyImport set State = ? where ImportID = ? and State in (?, ?, ?)"_s,
+                         {QString(import_state::clearing), id, QString(import_state::staging),
+                          QString(import_state::staged), QString(import_state::clearing)}});
     if (!begun)
         return begun.error();
-    if (*begun == 0)
-        return {};
+    if (*begun == 0) {
+        const auto there = find(id);
+        if (!there || *there)
+            return there ? std::nullopt : std::optional(there.error());
+    }
     if (auto failure = dropRows(id, watch))
         return failure;
     const auto dropped =
         m_records.write(kept::import(), {u"delete from HarrowbyImport where ImportID = ? and State = ?"_s,
-                                         {id, QString(import_state::staging)}});
+                                         {id, QString(import_state::clearing)}});
     return dropped ? std::nullopt : std::optional(dropped.error());
 }
 

@@ -142,15 +142,30 @@ Records::Answer<std::int64_t> ImportShelf::begin(const ShelvedImport &import)
     return id;
 }
 
-std::optional<DbFailure> ImportShelf::put(std::int64_t id, const StagedPiece &piece)
+/// Also holds off whoever would take it away, until the transaction ends.
+bool ImportShelf::isBeingStaged(std::int64_t id)
+{
+    const auto same =
+        m_records.write(kept::import(), {u"update HarrowbyImport set State = ? where ImportID = ? and State = ?"_s,
+                                         {QString(import_state::staging), id, QString(import_state::staging)}});
+    if (!same)
+        m_failure = same.error();
+    return same && *same == 1;
+}
+
+Records::Answer<bool> ImportShelf::put(std::int64_t id, const StagedPiece &piece)
 {
     m_failure.reset();
+    bool isThere = false;
     const auto kept = m_records.together(kept::import(), [&] {
-        return putRows(id, piece.rows) && putCodes(id, piece.codes) && putCategories(id, piece.categories);
+        isThere = isBeingStaged(id);
+        return isThere && putRows(id, piece.rows) && putCodes(id, piece.codes) && putCategories(id, piece.categories);
     });
-    if (!kept && !m_failure)
-        m_failure = kept.error();
-    return m_failure;
+    if (m_failure)
+        return Unexpected(*m_failure);
+    if (!kept && isThere)
+        return Unexpected(kept.error());
+    return kept.has_value();
 }
 
 bool ImportShelf::putAll(const QString &table, const QStringList &columns, const QList<TableRow> &rows)
@@ -230,15 +245,17 @@ bool ImportShelf::putCategories(std::int64_t id, const QList<StagedCategory> &ca
     return putAll(u"HarrowbyImportCategory"_s, columns, all);
 }
 
-std::optional<DbFailure> ImportShelf::finish(std::int64_t id, const ImportCounts &counts)
+Records::Answer<bool> ImportShelf::finish(std::int64_t id, const ImportCounts &counts)
 {
     const auto written = m_records.write(
         kept::import(),
         {u"update HarrowbyImport set State = ?, NewRows = ?, ChangedRows = ?, UnchangedRows = ?, RefusedRows = ? "
-         "where ImportID = ?"_s,
+         "where ImportID = ? and State = ?"_s,
          {QString(import_state::staged), std::int64_t(counts.fresh), std::int64_t(counts.changed),
-          std::int64_t(counts.unchanged), std::int64_t(counts.refused), id}});
-    return written ? std::nullopt : std::optional(written.error());
+          std::int64_t(counts.unchanged), std::int64_t(counts.refused), id, QString(import_state::staging)}});
+    if (!written)
+        return Unexpected(written.error());
+    return *written == 1;
 }
 
 Records::Answer<QList<ShelvedImport>> ImportShelf::select(const QString &where, const QList<RecordValue> &values)
@@ -264,6 +281,16 @@ Records::Answer<std::optional<ShelvedImport>> ImportShelf::find(std::int64_t id)
 Records::Answer<QList<ShelvedImport>> ImportShelf::all()
 {
     return select({}, {});
+}
+
+ImportEnd importGone()
+{
+    return {ImportEnd::Kind::Outdated, u"This import is gone: another program has cleared it away."_s};
+}
+
+ImportEnd importSettled()
+{
+    return {ImportEnd::Kind::Outdated, u"This import was too long ago: its rows are not kept any longer."_s};
 }
 
 ImportEnd importFailed(const QString &what, const DbFailure &failure)

@@ -125,6 +125,7 @@ struct ShelvedImport
 /// States of an import, as stored.
 namespace import_state {
 inline constexpr QLatin1StringView staging("STAGING");
+inline constexpr QLatin1StringView clearing("CLEARING"); ///< somebody is taking it away
 inline constexpr QLatin1StringView staged("STAGED");
 inline constexpr QLatin1StringView applied("APPLIED");
 inline constexpr QLatin1StringView takenBack("TAKENBACK");
@@ -146,16 +147,17 @@ public:
 
     /// A new import, without rows; its number.
     [[nodiscard]] Answer<std::int64_t> begin(const ShelvedImport &import);
-    /// A piece of its rows, in a transaction of its own.
-    [[nodiscard]] std::optional<DbFailure> put(std::int64_t id, const StagedPiece &piece);
-    /// All rows are there.
-    [[nodiscard]] std::optional<DbFailure> finish(std::int64_t id, const ImportCounts &counts);
+    /// A piece of its rows, in a transaction of its own; false when somebody has taken the import away meanwhile.
+    [[nodiscard]] Answer<bool> put(std::int64_t id, const StagedPiece &piece);
+    /// All rows are there; false as above.
+    [[nodiscard]] Answer<bool> finish(std::int64_t id, const ImportCounts &counts);
 
     [[nodiscard]] Answer<std::optional<ShelvedImport>> find(std::int64_t id);
     /// The latest first.
     [[nodiscard]] Answer<QList<ShelvedImport>> all();
 
-    /// Takes an import away that was not carried out. In pieces, so that no till waits.
+    /// Takes an import away that was not carried out, and what is left of one that is gone. In pieces, so that no till
+    /// waits.
     [[nodiscard]] std::optional<DbFailure> discard(std::int64_t id, const WorkWatch &watch);
     /// What killed programs have left, what nobody has carried out for a day, and rows that are not kept any longer.
     [[nodiscard]] std::optional<DbFailure> clear(const QDateTime &now, const WorkWatch &watch);
@@ -167,6 +169,7 @@ private:
         QList<RecordValue> values;
         QSet<int> texts;
     };
+    [[nodiscard]] bool isBeingStaged(std::int64_t id);
     [[nodiscard]] bool putAll(const QString &table, const QStringList &columns, const QList<TableRow> &rows);
     [[nodiscard]] bool putRows(std::int64_t id, const QList<StagedRow> &rows);
     [[nodiscard]] bool putCodes(std::int64_t id, const QList<StagedCode> &codes);
@@ -181,5 +184,8 @@ private:
 
 /// The words of a failure.
 [[nodiscard]] ImportEnd importFailed(const QString &what, const DbFailure &failure);
+/// Another program has cleared the import away, or its rows.
+[[nodiscard]] ImportEnd importGone();
+[[nodiscard]] ImportEnd importSettled();
 
 } // namespace harrowby::app

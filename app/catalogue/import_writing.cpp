@@ -11,12 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-namespace {
-
-const RecordStatement anyCode = {u"select count(*) from HarrowbyCode"_s, {}};
-
-} // namespace
-
 ImportWriting::ImportWriting(Records &records, const ImportDesk &desk, const ShelvedImport &import, Way way) :
     m_records(records), m_desk(desk), m_import(import), m_way(way), m_now(desk.now())
 {
@@ -49,20 +43,34 @@ Imported<ImportOutcome> ImportWriting::run(bool all)
     return end(how);
 }
 
+/// Why there is no import any longer that could be taken back.
+ImportEnd ImportWriting::outdatedReturn() const
+{
+    const auto now = ImportShelf(m_records).find(m_import.id);
+    if (!now)
+        return importFailed(what(), now.error());
+    if (!*now)
+        return importGone();
+    return (*now)->state == import_state::settled
+               ? importSettled()
+               : ImportEnd{ImportEnd::Kind::Outdated, u"This import has been taken back already."_s};
+}
+
 Imported<ImportOutcome> ImportWriting::end(Try how) const
 {
     switch (how) {
     case Try::Done:
         return m_outcome;
     case Try::Outdated:
-        return Unexpected(ImportEnd{ImportEnd::Kind::Outdated,
-                                    m_way == Way::Into ? u"This preview is gone: another office has carried it out or "
-                                                         "cleared it away. Nothing was imported now."_s
-                                                       : u"This import has been taken back already."_s});
+        return Unexpected(m_way == Way::OutOf ? outdatedReturn()
+                                              : ImportEnd{ImportEnd::Kind::Outdated,
+                                                          u"This preview is gone: another office has carried it out or "
+                                                          "cleared it away. Nothing was imported now."_s});
     case Try::Failed:
         return Unexpected(importFailed(what(), m_failure.value_or(DbFailure())));
     default:
-        return Unexpected(ImportEnd{ImportEnd::Kind::Failed, what()});
+        return Unexpected(ImportEnd{ImportEnd::Kind::Failed,
+                                    what() + u"\nThe store has rows of it more often or less often than it should."_s});
     }
 }
 
@@ -76,7 +84,7 @@ bool ImportWriting::failed(const DbFailure &failure)
 /// Tables are made outside the transaction. Where no code ever was, and none comes, no table of codes is made.
 bool ImportWriting::prepareTables()
 {
-    const auto there = number(kept::code(), anyCode);
+    const auto there = number(kept::code(), {u"select count(*) from HarrowbyCode"_s, {}});
     const auto coming =
         there ? number(kept::import(), {u"select count(*) from HarrowbyImportCode where ImportID = ?"_s, {m_import.id}})
               : std::nullopt;
@@ -167,13 +175,20 @@ bool ImportWriting::mark()
         marks << (isInto ? markCodes(m_import.id, isItems) : QList{markTouchedCodes(m_import.id)})
               << leaveOutRows(m_import.id, leftOut);
     if (isItems) {
-        for (const ItemGroup &group : std::as_const(m_groups))
+        for (const ItemGroup &group : std::as_const(m_groups)) {
             marks << markChangedItems(m_import.id, group, !isInto);
+            if (!isInto && (group.mask & maskOf(NamePart)) != 0)
+                marks << markTakenNames(m_import.id, group);
+        }
+        if (isInto && !m_import.isAsStored())
+            marks << markLostCategories(m_import.id);
         marks << (isInto ? markNewItems(m_import.id)
                          : markTouchedItems(m_import.id, m_import.isAsStored(), m_hasCodes));
     }
     if (m_hasCodes)
         marks << leaveOutCodes(m_import.id, leftOut);
+    if (kind == ImportKind::Categories && !isInto)
+        marks << markRepeatedCategories(m_import.id);
     if (kind == ImportKind::Categories)
         marks << (isInto ? markCategories(m_import.id) : markUsedCategories(m_import.id))
               << leaveOutCategoryRows(m_import.id, leftOut);
@@ -220,10 +235,19 @@ bool ImportWriting::writeItems()
         }
         return change(insertAsStored(m_import.id), m_newRows);
     }
+    const bool needCategories = m_newRows > 0 || anyChanges(m_groups, CategoryPart);
+    if (const auto lost =
+            needCategories ? number(kept::import(), countLostCategories(m_import.id)) : std::optional(std::int64_t(0));
+        !lost || *lost > 0) {
+        m_how = lost ? Try::Mismatch : m_how;
+        return false;
+    }
     for (const ItemGroup &group : std::as_const(m_groups)) {
         if (!change(updateItems(m_import.id, group, m_stamp), group.rows))
             return false;
     }
+    if (anyChanges(m_groups, CategoryPart) && !change(noteFormerCategories(m_import.id)))
+        return false;
     if (m_hasCodes && m_newRows > 0 && !change(stageLeftCodes(m_import.id)))
         return false;
     return m_newRows == 0 || change(insertItems(m_import.id, m_stamp), m_newRows);
@@ -237,7 +261,9 @@ bool ImportWriting::takeItemsBack()
         if (!change(restoreItems(m_import.id, group, m_stamp), group.rows))
             return false;
     }
-    return m_newRows == 0 || change(removeItems(m_import.id, m_import.isAsStored(), m_hasCodes), m_newRows);
+    const bool restoreCategories = anyChanges(m_groups, CategoryPart);
+    return (!restoreCategories || change(makeFormerCategories(m_import.id, usageTime(m_now)))) &&
+           (m_newRows == 0 || change(removeItems(m_import.id, m_import.isAsStored(), m_hasCodes), m_newRows));
 }
 
 bool ImportWriting::writeCodes()

@@ -54,6 +54,7 @@ private:
     [[nodiscard]] bool tellDeed();
     [[nodiscard]] bool countDone();
     [[nodiscard]] Imported<ImportOutcome> end(Try how) const;
+    [[nodiscard]] ImportEnd outdatedReturn() const;
 
     /// A statement that must change so many rows.
     [[nodiscard]] bool change(const RecordStatement &statement, std::int64_t expected);

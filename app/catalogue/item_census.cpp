@@ -4,6 +4,8 @@
 #include "app/catalogue/import_words.h"
 #include "basic/stock_id.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -32,6 +34,15 @@ ItemKey ItemCensus::keyOf(const ImportLine &line) const
     if (const QString id = cellOf(line, IdColumn); !id.isEmpty() && id != automaticIdText)
         return {id, {}};
     return m_byCode.value(line.line);
+}
+
+ItemCensus::Repeats ItemCensus::keysLike(const QString &capitals) const
+{
+    const Repeats same = m_keys.value(capitals);
+    const Repeats small = m_smallKeys.value(capitals);
+    if (same.rows == 0 || small.rows == 0)
+        return same.rows == 0 ? small : same;
+    return {same.rows + small.rows, std::min(same.firstLine, small.firstLine)};
 }
 
 Records::Answer<bool> ItemCensus::take(const ImportFile &file, const ImportChoices &choices, KnownCodes *codes,
@@ -77,8 +88,11 @@ std::optional<DbFailure> ItemCensus::count(const QList<ImportLine> &piece, Known
             const KnownCodes::Owner owner = codes->ownerOf(code);
             m_byCode.insert(line.line, {owner.stockId, owner.problem});
         }
-        if (const QString id = keyOf(line).id; !id.isEmpty())
+        if (const QString id = keyOf(line).id; !id.isEmpty()) {
             countOne(m_keys, id, line.line);
+            if (const QString capitals = id.toUpper(); capitals != id)
+                countOne(m_smallKeys, capitals, line.line);
+        }
         if (const QString name = cellOf(line, NameColumn).toUpper(); !name.isEmpty())
             countOne(m_names, name, line.line);
     }

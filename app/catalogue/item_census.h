@@ -60,6 +60,8 @@ public:
         qint64 firstLine = 0;
     };
     [[nodiscard]] Repeats keys(const QString &id) const { return m_keys.value(id); }
+    /// IDs with these capitals, whatever letters they have.
+    [[nodiscard]] Repeats keysLike(const QString &capitals) const;
     /// In capitals.
     [[nodiscard]] Repeats names(const QString &name) const { return m_names.value(name); }
     /// In any length of the same number.
@@ -70,6 +72,7 @@ private:
     [[nodiscard]] std::optional<DbFailure> count(const QList<ImportLine> &piece, KnownCodes *codes);
 
     QHash<QString, Repeats> m_keys;
+    QHash<QString, Repeats> m_smallKeys; ///< of the keys those with small letters, by their capitals
     QHash<QString, Repeats> m_names;
     QHash<QString, Repeats> m_codes;
     QHash<qint64, ItemKey> m_byCode; ///< of the rows that have a code and no ID, by line

@@ -44,7 +44,8 @@ ItemJudge::ItemJudge(Records &records, const ImportLines &lines, const ImportCho
                      KnownCategories &categories, KnownCodes *codes) :
     m_records(records),
     m_lines(lines), m_choices(choices), m_census(census), m_categories(categories), m_codes(codes),
-    m_automaticIds(records, [&census](const QString &id) { return census.keys(id).rows > 0; })
+    m_automaticIds(records, [&census](const QString &id) { return census.keysLike(id.toUpper()).rows > 0; }),
+    m_newIds(records, census)
 {
 }
 
@@ -75,8 +76,11 @@ std::optional<DbFailure> ItemJudge::lookUp(const QList<ImportLine> &lines)
     for (const ImportLine &line : lines) {
         if (line.hasFault())
             continue;
-        if (const QString id = m_census.keyOf(line).id; !id.isEmpty())
+        if (const QString id = m_census.keyOf(line).id; !id.isEmpty()) {
             ids << id;
+            if (const QString capitals = id.toUpper(); m_choices.putIntoCapitals && capitals != id)
+                ids << capitals;
+        }
         if (const QString code = cellOf(line, CodeColumn); m_codes != nullptr && !code.isEmpty())
             codes << code;
     }
@@ -92,14 +96,33 @@ std::optional<DbFailure> ItemJudge::lookUp(const QList<ImportLine> &lines)
         if (auto failure = m_codes->lookUp(codes))
             return failure;
     }
+    if (auto failure = lookUpNewIds(lines))
+        return failure;
     return lookUpNames(lines);
+}
+
+/// As the store has it; else as a new item gets it.
+QString ItemJudge::idOf(const ImportLine &line) const
+{
+    const QString id = m_census.keyOf(line).id;
+    return m_choices.putIntoCapitals && !m_items.contains(id) ? id.toUpper() : id;
+}
+
+std::optional<DbFailure> ItemJudge::lookUpNewIds(const QList<ImportLine> &lines)
+{
+    QStringList ids;
+    for (const ImportLine &line : lines) {
+        if (const QString id = line.hasFault() ? QString() : idOf(line); !id.isEmpty() && !m_items.contains(id))
+            ids << id;
+    }
+    return m_newIds.lookUp(ids);
 }
 
 bool ItemJudge::needsName(const ImportLine &line) const
 {
     if (line.hasFault() || cellOf(line, NameColumn).isEmpty())
         return false;
-    const QList<Item> items = m_items.value(m_census.keyOf(line).id);
+    const QList<Item> items = m_items.value(idOf(line));
     return items.size() != 1 || differs(line, NameColumn, items.constFirst());
 }
 
@@ -163,8 +186,9 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
         row.isRepeated = key.id.isEmpty() || m_census.keys(key.id).rows > 1;
         return keep(row);
     };
-    const QList<Item> items = m_items.value(key.id);
-    const ItemCensus::Repeats repeats = m_census.keys(key.id);
+    const QString id = idOf(line);
+    const QList<Item> items = m_items.value(id);
+    const ItemCensus::Repeats repeats = m_choices.putIntoCapitals ? m_census.keysLike(id.toUpper()) : m_census.keys(id);
     if (!key.problem.isEmpty())
         return keep(refused(line, CodeColumn, key.problem));
     if (key.id.isEmpty()) {
@@ -178,13 +202,13 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
         return judgeNew(line, {}, piece);
     }
     if (repeats.rows > 1 || items.size() > 1) {
-        if (takeEqual(line, key.id))
+        if (takeEqual(line, id))
             return unchanged();
         return keep(refused(line, cellOf(line, IdColumn).isEmpty() ? CodeColumn : IdColumn,
                             repeats.rows > 1 ? repeatsWords(key.id, repeats.rows, repeats.firstLine)
                                              : u"The store has %1 items of this ID."_s.arg(items.size())));
     }
-    return items.isEmpty() ? judgeNew(line, key.id, piece) : keep(judgeChange(line, items.constFirst(), piece));
+    return items.isEmpty() ? judgeNew(line, id, piece) : keep(judgeChange(line, items.constFirst(), piece));
 }
 
 /// Compared as a set: each item of the store makes one row of the file an unchanged one.

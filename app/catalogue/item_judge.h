@@ -5,6 +5,7 @@
 #include "app/catalogue/import_shelf.h"
 #include "app/catalogue/item_census.h"
 #include "app/catalogue/known_categories.h"
+#include "app/catalogue/new_ids.h"
 #include "basic/stock_entry_rules.h"
 
 #include <QHash>
@@ -45,6 +46,8 @@ private:
     };
 
     [[nodiscard]] std::optional<DbFailure> lookUp(const QList<ImportLine> &lines);
+    [[nodiscard]] std::optional<DbFailure> lookUpNewIds(const QList<ImportLine> &lines);
+    [[nodiscard]] QString idOf(const ImportLine &line) const;
     [[nodiscard]] std::optional<DbFailure> lookUpNames(const QList<ImportLine> &lines);
     [[nodiscard]] bool needsName(const ImportLine &line) const;
     [[nodiscard]] std::optional<DbFailure> judgeLine(const ImportLine &line, StagedPiece &piece);
@@ -66,6 +69,7 @@ private:
 
     [[nodiscard]] std::optional<Fault> faultOf(const ImportLine &line, const Change &change) const;
     [[nodiscard]] std::optional<Fault> entryFault(const ImportLine &line, const StockEntry &entry) const;
+    [[nodiscard]] std::optional<Fault> idFault(const Change &change) const;
     [[nodiscard]] std::optional<Fault> nameFault(const Change &change) const;
     [[nodiscard]] std::optional<Fault> categoryFault(const Change &change) const;
     [[nodiscard]] std::optional<Fault> codeFault(const Change &change) const;
@@ -80,6 +84,7 @@ private:
     KnownCategories &m_categories;
     KnownCodes *m_codes;
     AutomaticIds m_automaticIds;
+    NewIds m_newIds;
     QHash<QString, QList<Item>> m_items;    ///< of this piece, by ID
     QHash<QString, QList<Item>> m_byName;   ///< of this piece, by name in capitals
     QHash<QString, QList<Item>> m_unpaired; ///< of repeated keys those items that no row was equal to yet

@@ -198,10 +198,8 @@ std::optional<ItemJudge::Fault> ItemJudge::faultOf(const ImportLine &line, const
     }
     if (auto fault = entryFault(line, change.entry))
         return fault;
-    if (change.isNew && change.entry.id != automaticIdText) {
-        if (const auto problem = idProblem(change.entry.id, change.entry.name))
-            return Fault{IdColumn, *problem};
-    }
+    if (auto fault = idFault(change))
+        return fault;
     if ((change.mask & maskOf(NamePart)) != 0) {
         if (auto fault = nameFault(change))
             return fault;
@@ -221,6 +219,17 @@ std::optional<ItemJudge::Fault> ItemJudge::entryFault(const ImportLine &line, co
     const int column = columnOf(fault);
     const QString cell = cellOf(line, column);
     return Fault{column, cell.isEmpty() ? faultText(fault) : u"%1 (%2)"_s.arg(faultText(fault), cell)};
+}
+
+std::optional<ItemJudge::Fault> ItemJudge::idFault(const Change &change) const
+{
+    const QString &id = change.entry.id;
+    if (!change.isNew || id == automaticIdText)
+        return {};
+    auto problem = idProblem(id, change.entry.name);
+    if (!problem)
+        problem = m_newIds.problemOf(id);
+    return problem ? std::optional(Fault{IdColumn, *problem}) : std::nullopt;
 }
 
 std::optional<ItemJudge::Fault> ItemJudge::nameFault(const Change &change) const

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/item_statements.h"
 
+#include "basic/reserved_categories.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -11,6 +13,8 @@ namespace {
 
 const auto leftOutReason = u"The store has changed since the preview."_s;
 const auto notBackReason = u"It was changed after the import."_s;
+const auto lostCategoryReason = u"Its category has been renamed or deleted since the preview."_s;
+const auto takenNameReason = u"Another item has its former name by now."_s;
 
 /// Rows of this import, in a statement that calls them r.
 const QString ofImport = u"r.ImportID = ? and r.What = %1 and r.LeftOut = 0"_s;
@@ -66,15 +70,36 @@ QString inGroup(const ItemGroup &group)
     return group.isMixed ? u" and r.Mask <> 0"_s : u" and r.Mask = %1"_s.arg(group.mask);
 }
 
-/// No other item has the name that the row gives.
-QString nameIsFree(const ItemGroup &group)
+/// No other item has the name (in capitals) that the row gives.
+QString nameIsFree(const ItemGroup &group, const QString &name)
 {
     if ((group.mask & maskOf(NamePart)) == 0)
         return {};
-    const auto taken = u"exists (select 1 from StockList o where UPPER(o.StockName) = r.NewName and "
-                       "o.StockID is distinct from r.StockID)"_s;
+    const auto taken = u"exists (select 1 from StockList o where UPPER(o.StockName) = %1 and "
+                       "o.StockID is distinct from r.StockID)"_s.arg(name);
     return group.isMixed ? u" and (%1 = 0 or not %2)"_s.arg(bitOf(NamePart), taken) : u" and not "_s + taken;
 }
+
+const auto newName = u"r.NewName"_s;
+const auto formerName = u"UPPER(r.OldName)"_s;
+
+/// What makes a row go to another category, or a new item to its.
+const QString goesToCategory =
+    u"(r.What = %1 or (r.What = %2 and (r.Mask & %3) <> 0))"_s.arg(static_cast<int>(RowKind::New))
+        .arg(static_cast<int>(RowKind::Changed))
+        .arg(maskOf(CategoryPart));
+
+/// Names of categories that rows need and no list would offer.
+const QString lostCategories =
+    u"select n.Name from (select distinct r.NewCategory as Name from HarrowbyImportRow r where r.ImportID = ? and "
+    "r.LeftOut = 0 and %1) n where n.Name <> '%2' and not exists (select 1 from InventoryCategory c where "
+    "c.CategoryName = n.Name) and not exists (select 1 from HarrowbyImportCategory k where k.ImportID = ? and "
+    "k.CategoryName = n.Name)"_s.arg(goesToCategory, otherCategory);
+
+/// That changed items had before.
+const QString formerCategories =
+    u"select distinct r.ImportID, r.OldCategory as Name from HarrowbyImportRow r where %1 and (r.Mask & %2) <> 0"_s.arg(
+        rowsOf(RowKind::Changed), QString::number(maskOf(CategoryPart)));
 
 const auto isAlone = u"(select count(*) from StockList a where a.StockID = r.StockID) = 1"_s;
 
@@ -105,12 +130,22 @@ QStringList stockColumns()
     return columns;
 }
 
-RecordStatement marking(std::int64_t id, const QString &conditions, bool isReturn)
+/// Of a staged row.
+QStringList asStoredColumns()
+{
+    QStringList values = {u"r.StockID"_s};
+    for (int part = 0; part < itemParts; ++part)
+        values << u"r.New"_s + partName(part);
+    return values;
+}
+
+RecordStatement marking(std::int64_t id, const QString &conditions, bool isReturn, const QString &reason = {})
 {
     const std::int64_t leftOut = isReturn ? 2 : 1;
-    const QString &reason = isReturn ? notBackReason : leftOutReason;
+    const QString &usual = isReturn ? notBackReason : leftOutReason;
+    const QString &words = reason.isEmpty() ? usual : reason;
     return {u"update HarrowbyImportRow as r set LeftOut = ?, Reason = ? where %1"_s.arg(conditions),
-            {leftOut, reason, id}};
+            {leftOut, words, id}};
 }
 
 } // namespace
@@ -128,12 +163,17 @@ QList<ItemGroup> mixedGroups(const QList<ItemGroup> &groups)
     return {all};
 }
 
+bool anyChanges(const QList<ItemGroup> &groups, int part)
+{
+    return std::ranges::any_of(groups, [&](const ItemGroup &group) { return (group.mask & maskOf(part)) != 0; });
+}
+
 RecordStatement updateItems(std::int64_t id, const ItemGroup &group, const ItemStamp &stamp)
 {
     return {u"update StockList set %1, StockLastUpdated = ?, StockLastModified = ?, StockReorderUser = ? "
             "from HarrowbyImportRow r where %2%3 and StockList.StockID = r.StockID and %4%5"_s.arg(
                 settingTo(group, u"New"_s), rowsOf(RowKind::Changed), inGroup(group),
-                asIn(u"StockList"_s, group, u"Old"_s), nameIsFree(group)),
+                asIn(u"StockList"_s, group, u"Old"_s), nameIsFree(group, newName)),
             {stamp.time, stamp.user, stamp.user, id}};
 }
 
@@ -143,11 +183,11 @@ RecordStatement restoreItems(std::int64_t id, const ItemGroup &group, const Item
         return u"%1 = case when StockList.%1 is not distinct from ? then r.%2 else StockList.%1 end"_s.arg(column, old);
     };
     return {u"update StockList set %1, %2, %3, %4 from HarrowbyImportRow r where %5%6 and "
-            "StockList.StockID = r.StockID and %7"_s.arg(
+            "StockList.StockID = r.StockID and %7%8"_s.arg(
                 settingTo(group, u"Old"_s), asBefore(u"StockLastUpdated"_s, u"OldUpdated"_s),
                 asBefore(u"StockLastModified"_s, u"OldModified"_s),
                 asBefore(u"StockReorderUser"_s, u"OldReorderUser"_s), rowsOf(RowKind::Changed), inGroup(group),
-                asIn(u"StockList"_s, group, u"New"_s)),
+                asIn(u"StockList"_s, group, u"New"_s), nameIsFree(group, formerName)),
             {stamp.time, stamp.user, stamp.user, id}};
 }
 
@@ -155,8 +195,48 @@ RecordStatement markChangedItems(std::int64_t id, const ItemGroup &group, bool i
 {
     const QString isSame = u"exists (select 1 from StockList s where s.StockID = r.StockID and %1)"_s.arg(
         asIn(u"s"_s, group, isReturn ? u"New"_s : u"Old"_s));
-    const QString fits = isAlone + u" and "_s + isSame + (isReturn ? QString() : nameIsFree(group));
+    const QString fits = isAlone + u" and "_s + isSame + (isReturn ? QString() : nameIsFree(group, newName));
     return marking(id, rowsOf(RowKind::Changed) + inGroup(group) + u" and not (%1)"_s.arg(fits), isReturn);
+}
+
+RecordStatement markTakenNames(std::int64_t id, const ItemGroup &group)
+{
+    return marking(
+        id, rowsOf(RowKind::Changed) + inGroup(group) + u" and not (true%1)"_s.arg(nameIsFree(group, formerName)), true,
+        takenNameReason);
+}
+
+RecordStatement countLostCategories(std::int64_t id)
+{
+    return {u"select count(*) from (%1) l"_s.arg(lostCategories), {id, id}};
+}
+
+RecordStatement markLostCategories(std::int64_t id)
+{
+    RecordStatement mark = marking(
+        id, u"r.ImportID = ? and r.LeftOut = 0 and %1 and r.NewCategory in (%2)"_s.arg(goesToCategory, lostCategories),
+        false, lostCategoryReason);
+    mark.values << id << id;
+    return mark;
+}
+
+RecordStatement noteFormerCategories(std::int64_t id)
+{
+    return {
+        u"insert into HarrowbyImportCategory (ImportID, Line, LeftOut, CategoryName) select n.ImportID, 0, 1, n.Name "
+        "from (%1) n where exists (select 1 from InventoryCategory c where c.CategoryName = n.Name)"_s.arg(
+            formerCategories),
+        {id}};
+}
+
+RecordStatement makeFormerCategories(std::int64_t id, const QString &entered)
+{
+    return {
+        u"insert into InventoryCategory (CategoryName, EntryDate) select n.Name, ? from (%1) n where exists "
+        "(select 1 from HarrowbyImportCategory k where k.ImportID = n.ImportID and k.LeftOut = 1 and "
+        "k.CategoryName = n.Name) and not exists (select 1 from InventoryCategory c where c.CategoryName = n.Name)"_s
+            .arg(formerCategories),
+        {entered, id}};
 }
 
 RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp)
@@ -171,11 +251,8 @@ RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp)
 
 RecordStatement insertAsStored(std::int64_t id)
 {
-    QStringList values = {u"r.StockID"_s};
-    for (int part = 0; part < itemParts; ++part)
-        values << u"r.New"_s + partName(part);
     return {u"insert into StockList (%1) select %2 from HarrowbyImportRow r where %3 order by r.Line"_s.arg(
-                stockColumns().join(u", "_s), values.join(u", "_s), rowsOf(RowKind::New)),
+                stockColumns().join(u", "_s), asStoredColumns().join(u", "_s), rowsOf(RowKind::New)),
             {id}};
 }
 
@@ -196,14 +273,23 @@ RecordStatement removeItems(std::int64_t id, bool isAsStored, bool hasCodes)
             {id}};
 }
 
+/// Also where the store has an item more often or less often than the import wrote it.
 RecordStatement markTouchedItems(std::int64_t id, bool isAsStored, bool hasCodes)
 {
-    return marking(
-        id,
-        rowsOf(RowKind::New) +
-            u" and not (exists (select 1 from StockList where StockList.StockID is not distinct from "
-            "r.StockID and %1)%2)"_s.arg(isAsImported(isAsStored), isAsStored ? QString() : hasImportedCodes(hasCodes)),
-        true);
+    const QString inStore = u"(select count(*) from StockList where StockList.StockID is not distinct from r.StockID "
+                            "and %1)"_s.arg(isAsImported(isAsStored));
+    if (!isAsStored)
+        return marking(id, rowsOf(RowKind::New) + u" and not (%1 = 1%2)"_s.arg(inStore, hasImportedCodes(hasCodes)),
+                       true);
+    RecordStatement mark =
+        marking(id,
+                rowsOf(RowKind::New) + u" and r.Line in (select q.Line from (select r.Line, count(*) over (partition "
+                                       u"by %1) as Written, %2 as There "
+                                       "from HarrowbyImportRow r where %3) q where q.Written <> q.There)"_s.arg(
+                                           asStoredColumns().join(u", "_s), inStore, rowsOf(RowKind::New)),
+                true);
+    mark.values << id;
+    return mark;
 }
 
 } // namespace harrowby::app

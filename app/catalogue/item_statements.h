@@ -22,6 +22,9 @@ struct ItemGroup
 inline constexpr qsizetype mostGroups = 8;
 [[nodiscard]] QList<ItemGroup> mixedGroups(const QList<ItemGroup> &groups);
 
+/// Whether any of their rows changes it.
+[[nodiscard]] bool anyChanges(const QList<ItemGroup> &groups, int part);
+
 /// Who and when, as the stock form writes them.
 struct ItemStamp
 {
@@ -35,6 +38,17 @@ struct ItemStamp
 [[nodiscard]] RecordStatement restoreItems(std::int64_t id, const ItemGroup &group, const ItemStamp &stamp);
 /// Marks the rows that the first, or with `isReturn` the second, would leave out.
 [[nodiscard]] RecordStatement markChangedItems(std::int64_t id, const ItemGroup &group, bool isReturn);
+
+/// Marks the rows whose former name another item has by now.
+[[nodiscard]] RecordStatement markTakenNames(std::int64_t id, const ItemGroup &group);
+
+/// How many categories, which no row makes and which are not stored any longer, the rows that are to be written need.
+[[nodiscard]] RecordStatement countLostCategories(std::int64_t id);
+[[nodiscard]] RecordStatement markLostCategories(std::int64_t id);
+/// Notes, among the import's categories, those of the store that items come out of.
+[[nodiscard]] RecordStatement noteFormerCategories(std::int64_t id);
+/// Makes those again that items have come back to and that are gone. After restoreItems().
+[[nodiscard]] RecordStatement makeFormerCategories(std::int64_t id, const QString &entered);
 
 /// Adds the new items whose IDs and names nobody has.
 [[nodiscard]] RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp);

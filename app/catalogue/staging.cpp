@@ -60,10 +60,8 @@ Imported<StagedImport> Staging::run(const QDateTime &now)
         return Unexpected(importFailed(notPreviewed, id.error()));
     m_staged.id = *id;
     Done done = stage();
-    if (done) {
-        if (const auto failure = m_shelf.finish(*id, m_staged.counts))
-            done = Unexpected(importFailed(notPreviewed, *failure));
-    }
+    if (done)
+        done = kept(m_shelf.finish(*id, m_staged.counts));
     if (done)
         return m_staged;
     // Should this fail, too, the next preview clears it away.
@@ -101,6 +99,17 @@ Staging::Done Staging::taken(const Records::Answer<bool> &census) const
         return Unexpected(importFailed(notPreviewed, census.error()));
     if (!*census)
         return Unexpected(stopped());
+    return {};
+}
+
+Staging::Done Staging::kept(const Records::Answer<bool> &put) const
+{
+    if (!put)
+        return Unexpected(importFailed(notPreviewed, put.error()));
+    if (!*put)
+        return Unexpected(ImportEnd{ImportEnd::Kind::Outdated,
+                                    u"Another office has cleared this preview away. Compare the file with the store "
+                                    "again."_s});
     return {};
 }
 
@@ -161,8 +170,8 @@ Staging::Done Staging::stageBy(ImportLines &lines, const Judge &judge)
         const auto found = judged(piece, judge, equal);
         if (!found)
             return Unexpected(importFailed(notPreviewed, found.error()));
-        if (const auto failure = m_shelf.put(m_staged.id, *found))
-            return Unexpected(importFailed(notPreviewed, *failure));
+        if (auto done = kept(m_shelf.put(m_staged.id, *found)); !done)
+            return done;
         count(*found);
         piece.clear();
         if (!m_watch({u"The rows are being compared with the store …"_s, lines.percent()}))
@@ -211,9 +220,7 @@ Staging::Done Staging::putNewCategories(const QStringList &names)
     StagedPiece piece;
     for (const QString &name : names)
         piece.categories << StagedCategory{0, {name, false}, {}};
-    if (const auto failure = names.isEmpty() ? std::nullopt : m_shelf.put(m_staged.id, piece))
-        return Unexpected(importFailed(notPreviewed, *failure));
-    return {};
+    return names.isEmpty() ? Done() : kept(m_shelf.put(m_staged.id, piece));
 }
 
 void Staging::count(const StagedPiece &piece)

@@ -40,6 +40,7 @@ private:
     [[nodiscard]] Done stageBy(ImportLines &lines, const Judge &judge);
     [[nodiscard]] Records::Answer<StagedPiece> judged(const QList<ImportLine> &lines, const Judge &judge,
                                                       EqualRows &equal) const;
+    [[nodiscard]] Done kept(const Records::Answer<bool> &put) const;
     [[nodiscard]] Done putNewCategories(const QStringList &names);
     [[nodiscard]] Done taken(const Records::Answer<bool> &census) const;
     void count(const StagedPiece &piece);
