@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/app/catalogue_desk.h"
 #include "tests/program/test_program.h"
+#include "tests/support/readable_texts.h"
 
+#include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QScopeGuard>
 #include <QStringEncoder>
 
 using namespace Qt::StringLiterals;
@@ -22,6 +26,11 @@ private Q_SLOTS:
     void columnInDoubtMayBeNone();
     void otherNamesAreTold_data();
     void otherNamesAreTold();
+    void stepsCanBeRead_data();
+    void stepsCanBeRead();
+
+private:
+    void checkTexts();
 };
 
 void CatalogueFileTest::wideLettersComeInWhole_data()
@@ -113,6 +122,47 @@ void CatalogueFileTest::otherNamesAreTold()
     for (const int step : {2, 3, 4})
         nextIs(step);
     QVERIFY2(text("importAbout").startsWith(words), qPrintable(text("importAbout")));
+}
+
+void CatalogueFileTest::checkTexts()
+{
+    QCoreApplication::processEvents();
+    const QStringList unreadable = harrowby::test::unreadableTexts(*m_window);
+    QVERIFY2(unreadable.isEmpty(), qPrintable(text("importHeading") + u'\n' + unreadable.join(u'\n')));
+}
+
+void CatalogueFileTest::stepsCanBeRead_data()
+{
+    QTest::addColumn<QPalette>("palette");
+    QTest::newRow("light") << harrowby::test::lightPalette();
+    QTest::newRow("dark") << harrowby::test::darkPalette();
+}
+
+void CatalogueFileTest::stepsCanBeRead()
+{
+    QFETCH(QPalette, palette);
+    const auto usual = qScopeGuard([] { QApplication::setPalette(harrowby::test::lightPalette()); });
+    QApplication::setPalette(palette);
+    open(true);
+    begin("StockID,StockName,Unit cost,Price\nTEA-0001,GREEN TEA,1.10,\"1,234\"\nMIL-0001,MILK,2,x\n");
+    checkTexts();
+    nextIs(2);
+    checkTexts();
+    chooseEntry("columnStockCost", u"Price"_s);
+    nextIs(3);
+    checkTexts();
+    part<QComboBox>("signAnswer")->setCurrentIndex(1);
+    nextIs(4);
+    checkTexts();
+    press("importNext"); // one is refused, which is told
+    checkTexts();
+    part<QCheckBox>("importValidRows")->setChecked(true);
+    nextIs(5);
+    checkTexts();
+    press("importNext");
+    checkTexts();
+    press("beginExport");
+    checkTexts();
 }
 
 HARROWBY_TEST(app_catalogue_file_test, CatalogueFileTest)

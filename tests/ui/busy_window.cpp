@@ -17,21 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::test {
 
-QPalette darkPalette()
-{
-    QPalette palette(QColor(53, 53, 53));
-    palette.setColor(QPalette::Window, QColor(53, 53, 53));
-    palette.setColor(QPalette::WindowText, Qt::white);
-    palette.setColor(QPalette::Base, QColor(35, 35, 35));
-    palette.setColor(QPalette::Text, Qt::white);
-    return palette;
-}
-
-QPalette lightPalette()
-{
-    return QApplication::style()->standardPalette();
-}
-
 BusyWindow::BusyWindow() : controls(*this)
 {
     for (QuickSaleButton *card : controls.Command1)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/readable_texts.h"
 #include "ui/controls.h"
 #include "ui/work_areas.h"
 
@@ -10,9 +11,6 @@
 #include <vector>
 
 namespace harrowby::test {
-
-[[nodiscard]] QPalette darkPalette();
-[[nodiscard]] QPalette lightPalette();
 
 /// Number of the work areas of a busy window.
 constexpr int workAreas = 12;

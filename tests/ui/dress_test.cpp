@@ -37,52 +37,13 @@ namespace {
 
 constexpr int thumb = 44;
 
-/// What shows a text in the colour that the style sheet gives it. A level and a quick-sale button paint theirs
-/// themselves.
-bool showsText(const QWidget &widget)
+/// What cannot be read. A level and a quick-sale button paint theirs themselves.
+QStringList unreadableIn(BusyWindow &window)
 {
-    if (const auto *label = qobject_cast<const QLabel *>(&widget))
-        return !label->text().isEmpty() && qobject_cast<const LevelLabel *>(label) == nullptr;
-    if (const auto *button = qobject_cast<const QAbstractButton *>(&widget))
-        return !button->text().isEmpty() && qobject_cast<const QuickSaleButton *>(button) == nullptr;
-    return widget.inherits("QLineEdit") || widget.inherits("QPlainTextEdit") || widget.inherits("QAbstractItemView");
-}
-
-QColor textColourOf(const QWidget &widget)
-{
-    const bool isLabel = widget.inherits("QLabel");
-    return widget.palette().color(isLabel ? widget.foregroundRole() : QPalette::Text);
-}
-
-/// The colour that most of a place has.
-QColor groundAt(const QImage &window, const QRect &place)
-{
-    constexpr int step = 3;
-    QHash<QRgb, int> counts;
-    for (int y = place.top(); y <= place.bottom(); y += step) {
-        for (int x = place.left(); x <= place.right(); x += step)
-            ++counts[window.pixel(x, y)];
-    }
-    const auto most = std::max_element(counts.cbegin(), counts.cend());
-    return most == counts.cend() ? QColor() : QColor(most.key());
-}
-
-/// What cannot be read: names, colours and ratios.
-QStringList unreadableTexts(BusyWindow &window)
-{
-    const QImage image = window.grab().toImage();
-    QStringList unreadable;
-    for (const QWidget *widget : window.findChildren<QWidget *>()) {
-        const QRect place = QRect(widget->mapTo(&window, QPoint()), widget->size()) & image.rect();
-        const QWidget *shown = widget->isVisible() ? window.childAt(place.center()) : nullptr;
-        if (!showsText(*widget) || (shown != widget && (shown == nullptr || !widget->isAncestorOf(shown))))
-            continue;
-        const QColor text = textColourOf(*widget);
-        const QColor ground = groundAt(image, place);
-        if (const double ratio = contrastRatio(text, ground); ratio < contrast::text)
-            unreadable << u"%1: %2 on %3, %4"_s.arg(widget->objectName(), text.name(), ground.name()).arg(ratio);
-    }
-    return unreadable;
+    return harrowby::test::unreadableTexts(window, [](const QWidget &widget) {
+        return qobject_cast<const LevelLabel *>(&widget) != nullptr ||
+               qobject_cast<const QuickSaleButton *>(&widget) != nullptr;
+    });
 }
 
 } // namespace
@@ -189,7 +150,7 @@ void DressTest::everyTextCanBeRead()
         window.showWorkArea(area);
         for (const bool enabled : {true, false}) {
             window.centralWidget()->setEnabled(enabled);
-            const QStringList unreadable = unreadableTexts(window);
+            const QStringList unreadable = unreadableIn(window);
             QVERIFY2(unreadable.isEmpty(), qPrintable(unreadable.join(u'\n')));
         }
         window.centralWidget()->setEnabled(true);
