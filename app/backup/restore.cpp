@@ -6,7 +6,9 @@
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/backup/carried_records.h"
+#include "app/backup/damaged_files.h"
 #include "app/backup/stoppable_check.h"
+#include "app/backup/store_hold.h"
 #include "app/backup/store_locked.h"
 #include "app/records/deeds.h"
 #include "app/records/sqlite_records.h"
@@ -35,10 +37,13 @@ namespace {
 using RestoreEnd = RestoreResult::Outcome;
 
 const auto reading = u"The backup is being read \u2026"_s;
+const auto keeping = u"The present store is being kept \u2026"_s;
 const auto copyName = u"restored.db"_s;
 const auto byHand =
     u"To bring a backup back all the same, put the store file and the files beside it (-wal, -shm) away, "
     "and copy the backup to its place, under its name."_s;
+
+const auto notKept = u"The present store could not be kept, so nothing was restored.\n%1"_s;
 
 /// How it has ended, when it has.
 using End = std::optional<RestoreResult>;
@@ -46,7 +51,9 @@ using End = std::optional<RestoreResult>;
 class Restore
 {
 public:
-    Restore(const RestoreOrder &order, const WorkWatch &watch) : m_order(order), m_watch(watch) {}
+    Restore(const RestoreOrder &order, const WorkWatch &watch) : m_order(order), m_watch(watch), m_damaged(order.store)
+    {
+    }
 
     RestoreResult run()
     {
@@ -55,7 +62,7 @@ public:
             if (const End end = (this->*step)())
                 return *end;
         }
-        return {RestoreEnd::Done, {}, m_kept, true};
+        return {RestoreEnd::Done, {}, m_kept, true, m_damaged.names()};
     }
 
 private:
@@ -67,19 +74,27 @@ private:
     [[nodiscard]] End replace();
     [[nodiscard]] End openAgain();
 
+    /// The way of a damaged store: its files are copied as they are, get their names, and it is opened as far as it can
+    /// be.
+    [[nodiscard]] End copyDamaged();
+    [[nodiscard]] End lockDamaged();
+    [[nodiscard]] bool storeIsBad() const;
+
     [[nodiscard]] End checkCopy();
     [[nodiscard]] CopyEnd copyFrom(sqlite3 *backup);
-    [[nodiscard]] QString keepPlace() const;
+    [[nodiscard]] QString keepPlace(const QString &why) const;
 
     [[nodiscard]] bool goesOn(const QString &words, int percent = WorkStep::unknown) const
     {
         return m_watch({words, percent});
     }
-    [[nodiscard]] RestoreResult stopped() const { return {RestoreEnd::Stopped, {}, m_kept, false}; }
+    [[nodiscard]] RestoreResult stopped() const { return {RestoreEnd::Stopped, {}, m_kept, false, m_damaged.names()}; }
     [[nodiscard]] RestoreResult failed(const QString &problem) const
     {
         qCWarning(lcStore).noquote() << "The restore of" << m_order.store << "failed:" << problem;
-        return {RestoreEnd::Failed, problem, m_kept, m_isReplaced};
+        const QString kept =
+            m_damaged.names().isEmpty() || m_isReplaced ? QString() : u"\n"_s + damagedWords(m_damaged.names());
+        return {RestoreEnd::Failed, problem + kept, m_kept, m_isReplaced, m_damaged.names()};
     }
 
     const RestoreOrder &m_order;
@@ -87,14 +102,16 @@ private:
     std::unique_ptr<Workshop> m_workshop;
     SqliteDatabase m_copy;  ///< of the backup
     SqliteDatabase m_store; ///< this program's alone
+    DamagedFiles m_damaged;
     QString m_kept;
+    bool m_isRuined = false; ///< SQLite finds no database in the store's file
     bool m_isReplaced = false;
 };
 
 /// For a backup that cannot be opened as a store: the reason, and what to do.
 QString refusal(const StoreProblem &problem)
 {
-    return u"This backup cannot be used. The store is as it was.\n\n"_s + problem.text;
+    return u"This backup cannot be used. The store is as it was.\n\n"_s + whatIsWrong(problem);
 }
 
 struct FinishRestore
@@ -173,43 +190,95 @@ End Restore::lock()
 {
     if (!goesOn(u"Making sure that nobody else has the store open \u2026"_s))
         return stopped();
+    // Looking at it undoes what a crash has left half done. Should that not make it sound, it is kept as it is now.
+    if (QFileInfo(journalOf(m_order.store)).size() > 0) {
+        if (const End end = copyDamaged())
+            return end;
+    }
+    bool isDamaged = logIsDamaged(m_order.store);
     BusyWait wait;
     const auto problem = judgeStore(m_order.store, wait);
-    if (problem && problem->kind != ProblemKind::Locked)
+    if (problem && isDamage(problem->kind))
+        isDamaged = true;
+    else if (problem && problem->kind != ProblemKind::Locked)
         return failed(problem->text + u"\n\n"_s + byHand);
+    if (isDamaged)
+        return lockDamaged();
     auto store = openStoreAlone(m_order.store);
     if (!store)
-        return failed(store.error());
+        return store.error().isDamaged ? lockDamaged() : failed(store.error().text);
     m_store = *std::move(store);
     return {};
 }
 
-QString Restore::keepPlace() const
+QString Restore::keepPlace(const QString &why) const
 {
-    const QString name = u"%1-before-restore-%2.%3"_s.arg(QFileInfo(realTarget(m_order.store)).completeBaseName(),
-                                                          momentInName(QDateTime::currentDateTime()), copySuffix);
+    const QString name = u"%1-%2-%3.%4"_s.arg(QFileInfo(realTarget(m_order.store)).completeBaseName(), why,
+                                              momentInName(QDateTime::currentDateTime()), copySuffix);
     return QDir(m_order.keepIn).absoluteFilePath(name);
+}
+
+End Restore::copyDamaged()
+{
+    StoreHold hold;
+    if (const auto problem = hold.take(m_order.store))
+        return failed(*problem);
+    const auto copied = m_damaged.copy(hold, keepPlace(u"damaged-before-restore"_s),
+                                       [this](int percent) { return goesOn(keeping, percent); });
+    if (copied.stopped)
+        return stopped();
+    return copied.problem.isEmpty() ? End() : failed(notKept.arg(copied.problem));
+}
+
+End Restore::lockDamaged()
+{
+    if (!m_damaged.isCopied()) {
+        if (const End end = copyDamaged())
+            return end;
+        if (!m_damaged.isStillSo())
+            return failed(u"Another program has just written to the store. Please close it, and try again."_s);
+    }
+    if (const auto named = m_damaged.giveNames(); !named.problem.isEmpty())
+        return failed(notKept.arg(named.problem));
+    m_kept = m_damaged.names().constFirst();
+    auto store = openDamagedStoreAlone(m_order.store);
+    if (!store)
+        return failed(store.error());
+    m_store = std::move(store->database);
+    m_isRuined = store->isRuined;
+    return {};
 }
 
 End Restore::keep()
 {
-    const auto saying = u"The present store is being kept \u2026"_s;
-    const BackupResult kept =
-        backUpOpenStore(m_store.get(), m_order.store, keepPlace(), [&](const BackupProgress &progress) {
-            const bool isChecked = progress.stage == BackupProgress::Stage::Checking;
-            return goesOn(saying, isChecked ? WorkStep::unknown : progress.percent);
-        });
+    if (!m_kept.isEmpty())
+        return {};
+    const BackupWatch watch = [this](const BackupProgress &step) {
+        return goesOn(keeping, step.stage == BackupProgress::Stage::Checking ? WorkStep::unknown : step.percent);
+    };
+    const BackupResult kept = backUpOpenStore(m_store.get(), m_order.store, keepPlace(u"before-restore"_s), watch);
     if (kept.outcome == BackupResult::Outcome::Stopped)
         return stopped();
+    if (kept.outcome == BackupResult::Outcome::Failed && storeIsBad()) {
+        m_store.reset();
+        return lockDamaged();
+    }
     if (kept.outcome == BackupResult::Outcome::Failed)
-        return failed(u"The present store could not be kept, so nothing was restored.\n%1"_s.arg(kept.problem));
+        return failed(notKept.arg(kept.problem));
     m_kept = kept.file;
     return {};
 }
 
+/// The look at it may have been cut short, or its disk has failed since.
+bool Restore::storeIsBad() const
+{
+    return checkUnlessStopped(m_store.get(), [this] { return goesOn(keeping); }).result == QuickCheck::Result::Damaged;
+}
+
 End Restore::complete()
 {
-    carryRecords(m_store.get(), m_copy.get());
+    if (!m_isRuined)
+        carryRecords(m_store.get(), m_copy.get());
     SqliteRecords records(m_copy.get());
     const QString what = u"%1; the store before it: %2"_s.arg(m_order.backup, m_kept);
     if (const auto failure = Deeds(records, m_order.place).add({deed::restored, m_order.who, what}))
@@ -241,8 +310,14 @@ End Restore::replace()
 /// As the next till does it: log and indexes. The rows are counted before, as that till may be the first to come in.
 End Restore::openAgain()
 {
-    (void)sqlite3_db_release_memory(m_store.get()); // what is counted is read from the file
-    const bool isAsWritten = countRows(m_store.get()) == countRows(m_copy.get());
+    if (m_isRuined) { // what was taken for empty is opened anew, unless another has been quicker
+        m_store.reset();
+        auto store = openStoreAlone(m_order.store);
+        m_store = store ? *std::move(store) : SqliteDatabase();
+    } else {
+        (void)sqlite3_db_release_memory(m_store.get()); // what is counted is read from the file
+    }
+    const bool isAsWritten = !m_store || countRows(m_store.get()) == countRows(m_copy.get());
     m_copy.reset();
     m_store.reset();
     m_workshop.reset();
@@ -260,6 +335,11 @@ End Restore::openAgain()
 }
 
 } // namespace
+
+QString damagedWords(const QStringList &kept)
+{
+    return u"The files of the damaged store are kept as they were: %1"_s.arg(kept.join(u", "_s));
+}
 
 RestoreResult restoreStore(const RestoreOrder &order, const WorkWatch &watch)
 {

@@ -79,6 +79,8 @@ RestoreResult restoreInWindow(const RestoreOrder &order)
 QString restoreWords(const RestoreResult &result)
 {
     using Outcome = RestoreResult::Outcome;
+    if (result.outcome == Outcome::Done && !result.damaged.isEmpty())
+        return u"The backup is restored. "_s + damagedWords(result.damaged);
     if (result.outcome == Outcome::Done)
         return u"The backup is restored. What the store held before is kept: %1"_s.arg(result.kept);
     if (result.outcome == Outcome::Stopped)

@@ -54,7 +54,7 @@ Result<StoreContents, QString> lookIntoBackup(const QString &file)
     BusyWait wait;
     const auto backup = openJudged(file, wait, wait_times::longestCheck);
     if (!backup)
-        return Unexpected(u"This file cannot be restored. "_s + backup.error().text);
+        return Unexpected(u"This file cannot be restored. "_s + whatIsWrong(backup.error()));
     StoreContents contents = contentsOf(backup->get());
     contents.written = info.lastModified();
     contents.bytes = info.size();

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/store_locked.h"
 
+#include "app/backup/store_hold.h"
 #include "app/backup/store_users.h"
+#include "app/shop/file_facts.h"
 #include "app/shop/store_problem.h"
+
+#include <QFile>
 
 #include <sqlite3.h>
 
@@ -42,7 +46,32 @@ std::optional<SqlError> takeAlone(sqlite3 *database)
     return runSql(database, u"COMMIT"_s); // the lock stays
 }
 
-QString inUse(const StoreUsers &users)
+/// Read-only is a header's saying: whether the file can be written has been looked at before.
+bool isDamage(const SqlError &error)
+{
+    return error.code == SQLITE_CORRUPT || error.code == SQLITE_NOTADB || error.code == SQLITE_READONLY;
+}
+
+NotAlone notAlone(const SqlError &error, const QString &store)
+{
+    return {engineProblem(error, store).text, isDamage(error)};
+}
+
+/// SQLite then takes the file for an empty database, whatever is in it, until it has been written; the pages that were
+/// there go into the journal like those of any file.
+std::optional<SqlError> takeAsEmpty(sqlite3 *database)
+{
+    const int code = sqlite3_db_config(database, SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
+    if (code != SQLITE_OK)
+        return SqlError{code, QString::fromUtf8(sqlite3_errstr(code))};
+    if (auto error = runSql(database, u"PRAGMA locking_mode = EXCLUSIVE"_s))
+        return error;
+    return runSql(database, u"PRAGMA synchronous = EXTRA"_s);
+}
+
+} // namespace
+
+QString storeInUse(const StoreUsers &users)
 {
     const QString names = storeUsersText(users);
     if (names.isEmpty())
@@ -52,26 +81,70 @@ QString inUse(const StoreUsers &users)
         .arg(names);
 }
 
-} // namespace
-
-Result<SqliteDatabase, QString> openStoreAlone(const QString &store)
+Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store)
 {
     std::optional<SqlError> error;
     for (int left = tries; left > 0; --left) {
         auto database = openDatabase(store, OpenMode::Write);
         if (!database)
-            return Unexpected(engineProblem(database.error(), store).text);
+            return Unexpected(notAlone(database.error(), store));
         error = takeAlone(database->get());
         if (!error) {
             const StoreUsers users = findStoreUsers(store);
-            return users.isEmpty() ? Result<SqliteDatabase, QString>(*std::move(database)) : Unexpected(inUse(users));
+            if (users.isEmpty())
+                return *std::move(database);
+            return Unexpected(NotAlone{storeInUse(users), false});
         }
         if (!isLocked(*error))
-            return Unexpected(engineProblem(*error, store).text);
+            return Unexpected(notAlone(*error, store));
         database->reset();
         std::this_thread::sleep_for(pause);
     }
-    return Unexpected(inUse(findStoreUsers(store)));
+    return Unexpected(NotAlone{storeInUse(findStoreUsers(store)), false});
+}
+
+namespace {
+
+/// With its index; nobody else may have them open.
+std::optional<QString> removeLog(const QString &store)
+{
+    StoreHold hold;
+    if (auto problem = hold.take(store))
+        return problem;
+    for (const QString &file : {logFileOf(store), logIndexOf(store)}) {
+        if (nameIsTaken(file) && !QFile::remove(file))
+            return u"\"%1\" cannot be removed."_s.arg(file);
+    }
+    return {};
+}
+
+Result<SqliteDatabase, QString> openRuined(const QString &store)
+{
+    auto database = openDatabase(store, OpenMode::Write);
+    if (!database)
+        return Unexpected(engineProblem(database.error(), store).text);
+    if (const auto error = takeAsEmpty(database->get()))
+        return Unexpected(isLocked(*error) ? storeInUse(findStoreUsers(store)) : engineProblem(*error, store).text);
+    if (const StoreUsers users = findStoreUsers(store); !users.isEmpty())
+        return Unexpected(storeInUse(users));
+    return *std::move(database);
+}
+
+} // namespace
+
+Result<DamagedStore, QString> openDamagedStoreAlone(const QString &store)
+{
+    auto opened = openStoreAlone(store);
+    if (opened)
+        return DamagedStore{*std::move(opened), false};
+    if (!opened.error().isDamaged)
+        return Unexpected(opened.error().text);
+    if (const auto problem = removeLog(store))
+        return Unexpected(*problem);
+    auto ruined = openRuined(store);
+    if (!ruined)
+        return Unexpected(ruined.error());
+    return DamagedStore{*std::move(ruined), true};
 }
 
 } // namespace harrowby::app

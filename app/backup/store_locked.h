@@ -8,9 +8,32 @@
 
 namespace harrowby::app {
 
+struct StoreUsers;
+
+/// Why a store cannot be had alone.
+struct NotAlone
+{
+    QString text;           ///< for a person
+    bool isDamaged = false; ///< SQLite cannot make sense of the file, or of its log
+};
+
 /// Opens a store for this program alone: its log is moved into the file and removed, and as long as the connection
 /// lives nobody else can read or write it. Says in words for a person who has it open when it cannot be had, after
 /// about a second. It is killed at any moment without harm; the next till gives the store its log again.
-[[nodiscard]] Result<SqliteDatabase, QString> openStoreAlone(const QString &store);
+[[nodiscard]] Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store);
+
+struct DamagedStore
+{
+    SqliteDatabase database;
+    bool isRuined = false; ///< SQLite finds no database in the file, and nothing can be read from it
+};
+/// The same for a store whose files are kept already, to write a whole one into it by the backup interface. The log of
+/// a file in which SQLite finds no database is removed, as it would be replayed into what is written; until that is
+/// committed, a kill leaves the bytes that were there. Others are kept from writing to such a file at once, and from
+/// reading when the writing begins.
+[[nodiscard]] Result<DamagedStore, QString> openDamagedStoreAlone(const QString &store);
+
+/// Who has the store open, and what to do, for a person.
+[[nodiscard]] QString storeInUse(const StoreUsers &users);
 
 } // namespace harrowby::app

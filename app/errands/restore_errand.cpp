@@ -22,7 +22,10 @@ ExitCode restoreWithoutWindow(const QString &store, const QString &backup)
         tellOfErrand(result.problem);
         return ExitCode::ErrandFailed;
     }
-    printOut(u"The backup is restored. The store that was there before is kept: %1\n"_s.arg(result.kept));
+    if (!result.damaged.isEmpty())
+        printOut(u"The backup is restored. %1\n"_s.arg(damagedWords(result.damaged)));
+    else
+        printOut(u"The backup is restored. The store that was there before is kept: %1\n"_s.arg(result.kept));
     return ExitCode::Done;
 }
 

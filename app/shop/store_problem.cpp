@@ -60,20 +60,26 @@ ProblemText placeText(ProblemKind kind)
 const QString ownersWork = u"Let the program that it belongs to change that, or check the name; the file has been left "
                            "as it was."_s;
 
+/// What SQLite cannot read, a restore keeps as it is.
+const QString restoreLine =
+    u"harrowby --restore BACKUP --database \"{file}\" puts it in the place of this file, which is kept."_s;
+
 ProblemText contentText(ProblemKind kind)
 {
     switch (kind) {
     case ProblemKind::Empty:
         return {u"The file \"{file}\" is empty."_s,
                 u"To start a new store, delete it or choose a name that does not exist yet; otherwise bring back a "
-                "backup."_s};
+                "backup: "_s +
+                    restoreLine};
     case ProblemKind::NoDatabase:
-        return {u"The file \"{file}\" is not an SQLite database."_s,
-                u"Check the name; the file has been left as it was."_s};
-    case ProblemKind::Damaged:
         return {
-            u"The store file \"{file}\" is damaged ({detail})."_s,
-            u"Do not sell from it. Keep a copy of it and of the files beside it, and bring back the last backup."_s};
+            u"The file \"{file}\" is not an SQLite database."_s,
+            u"Check the name; the file has been left as it was. If it was the store, bring back the last backup: "_s +
+                restoreLine};
+    case ProblemKind::Damaged:
+        return {u"The store file \"{file}\" is damaged ({detail})."_s,
+                u"Do not sell from it. Close all tills, and bring back the last backup: "_s + restoreLine};
     case ProblemKind::MissingTable:
         return {u"The file \"{file}\" is not a store file: it lacks the table {detail}."_s,
                 u"Check the name; the file has been left as it was."_s};
@@ -156,6 +162,11 @@ StoreProblem storeProblem(ProblemKind kind, const QString &path, const QString &
     const ProblemText text = isAboutPlace(kind) ? placeText(kind) : contentText(kind);
     const Names names = {path, QFileInfo(path).absolutePath(), detail.isEmpty() ? path : detail};
     return {kind, filled(text.what, names) + u'\n' + filled(text.whatToDo, names)};
+}
+
+QString whatIsWrong(const StoreProblem &problem)
+{
+    return problem.text.left(problem.text.lastIndexOf(u'\n'));
 }
 
 StoreProblem engineProblem(const SqlError &error, const QString &path)

@@ -38,6 +38,9 @@ struct StoreProblem
     QString text; ///< what is wrong with which file, a line break, and what to do
 };
 
+/// Without what to do, which is about a store that is to be sold from.
+[[nodiscard]] QString whatIsWrong(const StoreProblem &problem);
+
 /// `path` is named in the text; `detail` is the table, the column, the other file, what does not fit, or the engine's
 /// own words.
 [[nodiscard]] StoreProblem storeProblem(ProblemKind kind, const QString &path, const QString &detail = {});

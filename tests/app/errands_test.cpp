@@ -335,6 +335,17 @@ void ErrandsTest::backupIsRestored()
     QCOMPARE(outcome.code, 0);
     QCOMPARE(column(shop, u"SELECT StockName FROM StockList"_s), column(backup, u"SELECT StockName FROM StockList"_s));
     QVERIFY2(outcome.out.contains(u"shop-before-restore-"_s), qPrintable(outcome.out));
+
+    spoil(shop, 0, 60); // a start names the way, which works
+    const QString line = u"harrowby --restore BACKUP --database \"%1\""_s.arg(shop);
+    const ErrandEnd start = run({u"--database=shop.sqlite"_s, u"--backup=away"_s});
+    QCOMPARE(start.code, 4);
+    QVERIFY2(start.errors.contains(line), qPrintable(start.errors));
+    const ErrandEnd mended = run(restoring);
+    QCOMPARE(mended.errors, QString());
+    QCOMPARE(mended.code, 0);
+    QVERIFY2(mended.out.contains(u"/shop-damaged-before-restore-"_s), qPrintable(mended.out));
+    QCOMPARE(column(shop, u"SELECT StockName FROM StockList"_s), column(backup, u"SELECT StockName FROM StockList"_s));
     QCOMPARE(run({u"--database=none"_s, u"--restore"_s, backup}).code, 4);
     QVERIFY(!QFile::exists(path(u"none"_s)));
 }

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <optional>
+#include <utility>
+
+namespace harrowby::app {
+
+/// Keeps everybody out of a store's file by the lock that SQLite takes to write, also where SQLite cannot read the
+/// file. This process, too: it opens the store through SQLite only when the hold is gone, as its closing a file that
+/// SQLite has open would drop SQLite's own locks.
+class StoreHold
+{
+public:
+    StoreHold() = default;
+    ~StoreHold() { release(); }
+    StoreHold(StoreHold &&other) noexcept : m_file(std::exchange(other.m_file, -1)) {}
+    StoreHold &operator=(StoreHold &&other) noexcept
+    {
+        std::swap(m_file, other.m_file);
+        return *this;
+    }
+    StoreHold(const StoreHold &) = delete;
+    StoreHold &operator=(const StoreHold &) = delete;
+
+    /// Why it cannot be had, for a person; empty when it is held. Waits a second for others.
+    [[nodiscard]] std::optional<QString> take(const QString &store);
+    void release();
+
+private:
+    int m_file = -1;
+};
+
+} // namespace harrowby::app
