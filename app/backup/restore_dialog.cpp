@@ -2,6 +2,7 @@
 #include "app/backup/restore_dialog.h"
 
 #include "app/backup/backup_place.h"
+#include "app/backup/store_locked.h"
 #include "app/backup/store_users.h"
 #include "app/boxes/office_box.h"
 #include "app/work/work_strip.h"
@@ -236,8 +237,7 @@ void RestoreDialog::accept()
     if (m_job.isRunning() || m_backup.isEmpty())
         return;
     if (const StoreUsers users = findStoreUsers(m_store); !users.isEmpty())
-        return showOutcome(*m_outcome,
-                           u"\u26a0 The store is open: %1. Please close it there first."_s.arg(storeUsersText(users)));
+        return showOutcome(*m_outcome, u"\u26a0 "_s + storeInUse(users));
     if (askInOffice(this, question(), u"&Restore It"_s))
         QDialog::accept();
 }
