@@ -38,10 +38,7 @@ using Outcome = RestoreResult::Outcome;
 
 namespace {
 
-bool carryOn(const WorkStep &)
-{
-    return true;
-}
+const auto carryOn = [](const WorkStep &) { return true; };
 
 } // namespace
 
@@ -52,7 +49,6 @@ class RestoreTest : public QObject
 
 private Q_SLOTS:
     void init();
-
     void storeHoldsWhatTheBackupHeld();
     void otherPageSize_data();
     void otherPageSize();
