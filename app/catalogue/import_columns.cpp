@@ -141,6 +141,14 @@ bool looksLikeARow(const QStringList &headings)
                                [](const QString &text) { return readFigure(text, u'.') || readFigure(text, u','); });
 }
 
+QStringList numberedHeadings(qsizetype count)
+{
+    QStringList headings;
+    for (qsizetype i = 1; i <= count; ++i)
+        headings << u"Column %1"_s.arg(i);
+    return headings;
+}
+
 ColumnMatch matchColumns(ImportKind kind, const QStringList &headings)
 {
     ColumnMatch match(headings.size(), -1);

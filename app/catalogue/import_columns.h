@@ -34,6 +34,8 @@ struct ImportColumn
 /// Whether the first line of a file can hardly be its headings: no column of any kind is called so, and figures stand
 /// in it. It may be a row then, see ImportChoices::hasHeadings.
 [[nodiscard]] bool looksLikeARow(const QStringList &headings);
+/// What columns without headings are called: "Column 1", "Column 2" and so on.
+[[nodiscard]] QStringList numberedHeadings(qsizetype count);
 /// By the store's own names and the usual words of English, German, French and Spanish, in any order and case. Of
 /// several headings that fit one column it takes the likeliest: a price is what the customer pays, never what the shop
 /// does.

@@ -30,8 +30,7 @@ ImportLines::ImportLines(const ImportFile &file, const ImportChoices &choices) :
         return;
     if (!choices.hasHeadings) {
         m_isRowRead = true;
-        for (qsizetype i = 1; i <= m_row.cells.size(); ++i)
-            m_headings << u"Column %1"_s.arg(i);
+        m_headings = numberedHeadings(m_row.cells.size());
         return;
     }
     for (const QString &cell : std::as_const(m_row.cells))

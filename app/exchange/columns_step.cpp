@@ -67,6 +67,8 @@ void ColumnsStep::match()
 {
     ImportDraft &now = draft();
     QStringList headings = headingsOf(beginningOf(now.file.bytes), now.choices.form);
+    if (!now.choices.hasHeadings)
+        headings = numberedHeadings(headings.size());
     const bool isSame = now.headings == headings && now.choices.columns.size() == headings.size() &&
                         m_kind == static_cast<int>(now.choices.kind);
     if (isSame)

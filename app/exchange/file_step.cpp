@@ -2,11 +2,13 @@
 #include "app/exchange/file_step.h"
 
 #include "app/boxes/office_box.h"
+#include "app/catalogue/import_columns.h"
 #include "app/exchange/grid_view.h"
 #include "app/exchange/import_draft.h"
 #include "app/exchange/kind_words.h"
 #include "app/shop/failure_text.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -34,10 +36,15 @@ void chooseValue(QComboBox &box, const QVariant &value)
     box.setCurrentIndex(box.findData(value));
 }
 
-QString hintWords(const Sample &sample)
+/// `looksOdd`: the first line is taken for the headings, and looks like a row.
+QString hintWords(const Sample &sample, bool hasHeadings, bool looksOdd)
 {
     if (sample.headings.size() <= 1)
         return u"Only one column was found. If the rows below are not parted as in your list, choose another separator."_s;
+    if (looksOdd)
+        return u"The first line is taken for the headings, but looks like a row of the list:"_s;
+    if (!hasHeadings)
+        return u"The first line is taken for a row. These are the first rows, as they are read:"_s;
     return u"The first line is taken for the headings. These are the first rows, as they are read:"_s;
 }
 
@@ -47,6 +54,9 @@ FileStep::FileStep(ImportDraft &draft, QWidget *parent) : ImportStep(draft, pare
 {
     m_hint = makeOfficeText(this, {});
     m_hint->setObjectName(u"sampleHint"_s);
+    m_firstIsRow = new QCheckBox(u"The first line is a ro&w, not the headings"_s, this);
+    m_firstIsRow->setObjectName(u"firstLineIsRow"_s);
+    connect(m_firstIsRow, &QCheckBox::toggled, this, &FileStep::chooseHeadings);
     m_rows = new GridView(u"sampleRows"_s, u"First rows of the file"_s, this);
     m_model = new SampleModel(this);
     m_rows->setModel(m_model);
@@ -56,6 +66,7 @@ FileStep::FileStep(ImportDraft &draft, QWidget *parent) : ImportStep(draft, pare
     rows->addLayout(makeFileLine());
     rows->addLayout(makeChoices());
     rows->addWidget(m_hint);
+    rows->addWidget(m_firstIsRow);
     rows->addWidget(m_rows, 1);
 }
 
@@ -116,6 +127,8 @@ void FileStep::enter()
     chooseValue(*m_kind, static_cast<int>(choices.kind));
     chooseValue(*m_separator, choices.form.separator);
     chooseValue(*m_encoding, static_cast<int>(choices.form.encoding));
+    const QSignalBlocker quietRow(m_firstIsRow);
+    m_firstIsRow->setChecked(!choices.hasHeadings);
     const QSignalBlocker quiet(m_decimalSign);
     m_decimalSign->clear();
     if (draft().signIsOpen())
@@ -143,17 +156,26 @@ void FileStep::chooseSign()
         draft().choices.form.decimalSign = sign.toChar();
 }
 
+void FileStep::chooseHeadings()
+{
+    draft().choices.hasHeadings = !m_firstIsRow->isChecked();
+    showSample();
+}
+
 void FileStep::showSample()
 {
-    Sample sample = readSample(draft().file.bytes, draft().choices.form);
-    m_hint->setText(hintWords(sample));
+    const ImportChoices &choices = draft().choices;
+    Sample sample = readSample(draft().file.bytes, choices.form, choices.hasHeadings);
+    const bool looksOdd = choices.hasHeadings && looksLikeARow(sample.headings);
+    m_firstIsRow->setVisible(looksOdd || !choices.hasHeadings);
+    m_hint->setText(hintWords(sample, choices.hasHeadings, looksOdd));
     m_model->show(std::move(sample));
     m_rows->fitColumns(widestSampleCell, false);
 }
 
 Result<void, QString> FileStep::leave()
 {
-    draft().sample = readSample(draft().file.bytes, draft().choices.form);
+    draft().sample = readSample(draft().file.bytes, draft().choices.form, draft().choices.hasHeadings);
     if (!draft().sample.rows.isEmpty())
         return {};
     m_another->setFocus();

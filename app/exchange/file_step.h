@@ -3,6 +3,7 @@
 
 #include "app/exchange/import_step.h"
 
+class QCheckBox;
 class QComboBox;
 class QHBoxLayout;
 class QLabel;
@@ -35,6 +36,7 @@ private:
     QComboBox *makeChoice(QHBoxLayout &row, const QString &caption, const QString &name);
     void takeChoices();
     void chooseSign();
+    void chooseHeadings();
     void showSample();
 
     QLabel *m_file = nullptr;
@@ -44,6 +46,7 @@ private:
     QComboBox *m_separator = nullptr;
     QComboBox *m_decimalSign = nullptr;
     QLabel *m_hint = nullptr;
+    QCheckBox *m_firstIsRow = nullptr; ///< only where the first line may be a row
     SampleModel *m_model = nullptr;
     GridView *m_rows = nullptr;
 };

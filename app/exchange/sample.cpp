@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/sample.h"
 
+#include "app/catalogue/import_columns.h"
 #include "app/exchange/grid_view.h"
 
 #include <algorithm>
@@ -39,14 +40,17 @@ QByteArrayView beginningOf(QByteArrayView bytes)
     return bytes.first(std::min(bytes.size(), sampleBytes));
 }
 
-Sample readSample(QByteArrayView bytes, const CsvForm &form)
+Sample readSample(QByteArrayView bytes, const CsvForm &form, bool hasHeadings)
 {
     const bool isCut = bytes.size() > sampleBytes;
     CsvReader reader(beginningOf(bytes), form);
     Sample sample;
     CsvRow row;
-    if (reader.next(row))
-        sample.headings = row.cells;
+    if (reader.next(row)) {
+        sample.headings = hasHeadings ? row.cells : numberedHeadings(row.cells.size());
+        if (!hasHeadings)
+            sample.rows << row;
+    }
     bool isAtEnd = false;
     while (sample.rows.size() < sampleRows && !(isAtEnd = !reader.next(row)))
         sample.rows << row;

@@ -14,8 +14,8 @@ namespace harrowby::app {
 /// The beginning of a file, as it is read in some form.
 struct Sample
 {
-    QStringList headings;
-    QList<CsvRow> rows; ///< below the headings
+    QStringList headings; ///< numberedHeadings() where the file has none
+    QList<CsvRow> rows;   ///< below the headings
 
     /// Some different cells of a column, with commas between them; empty when it has none.
     [[nodiscard]] QString examplesOf(int column) const;
@@ -25,7 +25,7 @@ struct Sample
 [[nodiscard]] QByteArrayView beginningOf(QByteArrayView bytes);
 
 /// Reads no more of the file than that takes.
-[[nodiscard]] Sample readSample(QByteArrayView bytes, const CsvForm &form);
+[[nodiscard]] Sample readSample(QByteArrayView bytes, const CsvForm &form, bool hasHeadings);
 
 /// Shows it: the line of each row, and its cells.
 class SampleModel final : public QAbstractTableModel

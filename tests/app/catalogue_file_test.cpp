@@ -23,6 +23,7 @@ private Q_SLOTS:
     void wideLettersComeInWhole_data();
     void wideLettersComeInWhole();
     void columnInDoubtIsChosen();
+    void firstLineThatIsARow();
     void columnInDoubtMayBeNone();
     void otherNamesAreTold_data();
     void otherNamesAreTold();
@@ -89,6 +90,27 @@ void CatalogueFileTest::columnInDoubtIsChosen()
     nextIs(2);
     QCOMPARE(part<QComboBox>("columnStockCost")->currentText(), u"Price"_s);
     nextIs(3);
+}
+
+void CatalogueFileTest::firstLineThatIsARow()
+{
+    begin("TEA-0001,TEA,3.00\nMIL-0001,MILK,2.00\n");
+    auto *isRow = part<QCheckBox>("firstLineIsRow");
+    QVERIFY(isRow->isVisible());
+    QCOMPARE(text("sampleHint"), u"The first line is taken for the headings, but looks like a row of the list:"_s);
+    QTest::mouseClick(isRow, Qt::LeftButton, {}, QPoint(12, isRow->height() / 2));
+    QCOMPARE(text("sampleHint"), u"The first line is taken for a row. These are the first rows, as they are read:"_s);
+    QCOMPARE(part<QAbstractItemView>("sampleRows")->model()->rowCount(), 2);
+    nextIs(2);
+    chooseEntry("columnStockID", u"Column 1"_s);
+    chooseEntry("columnStockCost", u"Column 3"_s);
+    nextIs(3);
+    nextIs(4);
+    QCOMPARE(listed("importRows").value(0), u"1 | changed | TEA-0001 | TEA | Unit cost 1 \u2192 3.00"_s);
+    press("importCancel");
+    begin("StockID,StockName\nTEA-0001,TEA\n"); // the next file is looked at afresh
+    QVERIFY(!isRow->isVisible());
+    QVERIFY(!isRow->isChecked());
 }
 
 void CatalogueFileTest::columnInDoubtMayBeNone()

@@ -4,6 +4,7 @@
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
+#include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -62,9 +63,11 @@ private Q_SLOTS:
     void cartHeldAndRecalledByActions();
     void wholeSaleByActions();
     void officeIsNamed();
+    void listComesInByActions();
 
 private:
     void askForCash();
+    void openOffice(RunningProgram &office);
     [[nodiscard]] QString store() const { return m_home.filePath(u"shop.sqlite"_s); }
     void logIn();
     [[nodiscard]] bool sell(const QString &quantity);
@@ -281,12 +284,17 @@ void ScreenReaderRunTest::wholeSaleByActions()
     m_till.reset();
 }
 
-void ScreenReaderRunTest::officeIsNamed()
+void ScreenReaderRunTest::openOffice(RunningProgram &office)
 {
-    RunningProgram office(m_screen, m_home.path());
     QVERIFY(office.start({u"--office"_s, u"--database"_s, store()}));
     QVERIFY2(m_reader.enter(u"text"_s, u"Password"_s, u"SECRET"_s), qPrintable(office.errors()));
     QVERIFY(m_reader.press(u"push button"_s, u"Open"_s));
+}
+
+void ScreenReaderRunTest::officeIsNamed()
+{
+    RunningProgram office(m_screen, m_home.path());
+    openOffice(office);
     QVERIFY(m_reader.find(u"list"_s, u"Users"_s));
     QVERIFY(m_reader.find(u"combo box"_s, u"Type: ADMINISTRATOR"_s));
     for (const QString &page : {u"Receipt"_s, u"Backup"_s, u"Cash"_s, u"Users"_s}) {
@@ -303,6 +311,33 @@ void ScreenReaderRunTest::officeIsNamed()
     QVERIFY(m_reader.press(u"list item"_s, u"Name of the drawer, Cash"_s));
     QTRY_COMPARE_WITH_TIMEOUT(focused(m_reader.everything()), QStringList{u"text Name of the drawer"_s},
                               speechPatience);
+    QVERIFY(m_reader.press(u"push button"_s, u"Close"_s));
+    QCOMPARE(office.waitForEnd(), 0);
+}
+
+/// Each step tells its heading, and the last one what was done.
+void ScreenReaderRunTest::listComesInByActions()
+{
+    QFile list(m_home.filePath(u"list.csv"_s));
+    QVERIFY(list.open(QFile::WriteOnly));
+    list.write("StockID,StockName,StockCategory,StockCost,StockAvailable\nBEE-0001,BEE,OTHER CATEGORY,2.50,9\n");
+    list.close();
+    RunningProgram office(m_screen, m_home.path());
+    openOffice(office);
+    QVERIFY(m_reader.press(u"list item"_s, u"Catalogue"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Import a List \u2026"_s));
+    QVERIFY(m_reader.enter(u"text"_s, u"File name:"_s, list.fileName()));
+    QVERIFY(m_reader.press(u"push button"_s, u"Open"_s));
+    for (const QString &heading : {u"Step 1 of 4: The file and how it is read"_s,
+                                   u"Step 2 of 4: Which column is what"_s, u"Step 3 of 4: A few choices"_s}) {
+        QVERIFY2(m_reader.find(u"notification"_s, heading), qPrintable(heading));
+        QVERIFY(m_reader.press(u"push button"_s, u"Next"_s));
+    }
+    QVERIFY(m_reader.find(u"notification"_s, u"Step 4 of 4: 1 new, 0 changed, 0 unchanged, 0 refused"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Import Now"_s));
+    QVERIFY(m_reader.press(u"push button"_s, u"Done"_s));
+    QCOMPARE(column(store(), u"SELECT StockAvailable FROM StockList WHERE StockID = 'BEE-0001'"_s),
+             QStringList{u"9"_s});
     QVERIFY(m_reader.press(u"push button"_s, u"Close"_s));
     QCOMPARE(office.waitForEnd(), 0);
 }
