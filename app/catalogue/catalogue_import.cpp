@@ -9,9 +9,7 @@
 #include "app/catalogue/import_writing.h"
 #include "app/catalogue/staging.h"
 #include "app/csv/csv_writer.h"
-
-#include <QDir>
-#include <QSaveFile>
+#include "app/export/export_file.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,11 +19,14 @@ namespace {
 
 const auto notRead = u"The list of the import could not be read."_s;
 
-QString tableOf(ImportKind kind)
+ImportEnd notSaved(const QString &why)
 {
-    return kind == ImportKind::Categories ? u"InventoryCategory"_s
-           : kind == ImportKind::Codes    ? u"HarrowbyCode"_s
-                                          : u"StockList"_s;
+    return {ImportEnd::Kind::Failed, u"The list was not saved. "_s + why};
+}
+
+ImportEnd savingStopped()
+{
+    return {ImportEnd::Kind::Cancelled, u"The list was not saved."_s};
 }
 
 BackupWatch backupWatch(const WorkWatch &watch)
@@ -61,8 +62,7 @@ Imported<bool> CatalogueImport::mayImportAsStored(const ImportFile &file, const 
 {
     if (!isExportOf(headingsOf(file.bytes, choices.form), exportColumns(choices.kind)))
         return false;
-    const RecordStatement any = {u"select 1 from %1 limit 1"_s.arg(tableOf(choices.kind)), {}};
-    const auto rows = choices.kind == ImportKind::Codes ? m_records.read(kept::code(), any) : m_records.read(any);
+    const auto rows = readTable(m_records, choices.kind, u"1"_s, u" limit 1"_s);
     if (!rows)
         return Unexpected(importFailed(u"The store could not be read."_s, rows.error()));
     return rows->isEmpty();
@@ -119,20 +119,6 @@ Imported<QList<ImportedRow>> CatalogueImport::rows(std::int64_t id, RowFilter fi
     return *std::move(rows);
 }
 
-Imported<QStringList> CatalogueImport::itemsOf(std::int64_t id)
-{
-    const auto rows = m_records.read(
-        kept::import(), {u"select StockID from HarrowbyImportRow where ImportID = ? and What < 3 and LeftOut = 0 "
-                         "order by Line"_s,
-                         {id}});
-    if (!rows)
-        return Unexpected(importFailed(notRead, rows.error()));
-    QStringList ids;
-    for (const RecordRow &row : *rows)
-        ids << recordText(row.constFirst());
-    return ids;
-}
-
 Imported<qint64> CatalogueImport::saveList(std::int64_t id, RowFilter filter, const QString &path, const CsvForm &form,
                                            const WorkWatch &watch)
 {
@@ -142,12 +128,8 @@ Imported<qint64> CatalogueImport::saveList(std::int64_t id, RowFilter filter, co
     const auto all = count(id, filter);
     if (!all)
         return Unexpected(all.error());
-    const auto notSaved = [&](const QString &why) {
-        return Unexpected(ImportEnd{ImportEnd::Kind::Failed, u"The list was not saved (%1)."_s.arg(why)});
-    };
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return notSaved(file.errorString());
+    if (const auto place = checkExportPlace(m_desk.store, path); !place)
+        return Unexpected(notSaved(place.error()));
     CsvWriter out(form);
     out.row({u"Line"_s, u"What"_s, u"Key"_s, u"Name"_s, u"Column"_s, u"Before"_s, u"After"_s, u"Reason"_s});
     qint64 written = 0;
@@ -163,10 +145,12 @@ Imported<qint64> CatalogueImport::saveList(std::int64_t id, RowFilter filter, co
         written += rows->size();
         isLast = rows->size() < most;
         if (!watch({u"The list is being saved …"_s, percentOf(written, *all)}))
-            return Unexpected(ImportEnd{ImportEnd::Kind::Cancelled, u"The list was not saved."_s});
-        file.write(out.take());
+            return Unexpected(savingStopped());
     }
-    return file.commit() ? Imported<qint64>(written) : notSaved(file.errorString());
+    const ExportEnd end = putIntoPlace(out.take(), path, watch);
+    if (end.outcome == ExportEnd::Outcome::Stopped)
+        return Unexpected(savingStopped());
+    return end.outcome == ExportEnd::Outcome::Done ? Imported<qint64>(written) : Unexpected(notSaved(end.problem));
 }
 
 /// Not noted as one of the store's good backups: it lies on the store's own disk, and would hide for the office that
@@ -196,6 +180,8 @@ Imported<ImportOutcome> CatalogueImport::apply(std::int64_t id, bool validRows, 
         return Unexpected(ImportEnd{ImportEnd::Kind::FileChanged,
                                     u"The file has changed since the preview. Nothing was imported. Compare it with "
                                     "the store again."_s});
+    if (import->state != import_state::staged)
+        return Unexpected(previewGone());
     if (!validRows && import->counts.refused > 0)
         return Unexpected(ImportEnd{ImportEnd::Kind::RowsRefused,
                                     u"%1 rows are refused. Nothing was imported."_s.arg(import->counts.refused)});

@@ -54,7 +54,8 @@ public:
     [[nodiscard]] Imported<qint64> count(std::int64_t id, RowFilter filter);
     /// So many rows of it from that place (from 0) on, in the order of the file.
     [[nodiscard]] Imported<QList<ImportedRow>> rows(std::int64_t id, RowFilter filter, qint64 from, qint64 most);
-    /// Writes the list as CSV: line, what it is, key, name, column, before, after, reason.
+    /// Writes the list as CSV: line, what it is, key, name, column, before, after, reason. By the rules of an export:
+    /// the file gets its name when it is whole.
     [[nodiscard]] Imported<qint64> saveList(std::int64_t id, RowFilter filter, const QString &path, const CsvForm &form,
                                             const WorkWatch &watch);
 
@@ -68,9 +69,6 @@ public:
     [[nodiscard]] Imported<QList<PastImport>> past();
     /// Without a backup: what it undoes stays listed with the import.
     [[nodiscard]] Imported<ImportOutcome> takeBack(std::int64_t id, const WorkWatch &watch);
-
-    /// The IDs of the items that it has added or changed, in the order of the file.
-    [[nodiscard]] Imported<QStringList> itemsOf(std::int64_t id);
 
 private:
     [[nodiscard]] Imported<ShelvedImport> find(std::int64_t id) const;

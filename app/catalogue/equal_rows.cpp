@@ -61,9 +61,13 @@ EqualRows::EqualRows(Records &records, const ImportLines &lines, const ImportCho
     m_records(records), m_kind(choices.kind), m_isExport(lines.isExport() && !choices.asStored)
 {
     const bool areItems = choices.kind == ImportKind::Items;
-    const qsizetype all = areItems ? importedParts + 1 : exportColumns(choices.kind).size();
-    for (int i = 0; i < all && i < choices.columns.size(); ++i) {
-        if (choices.columns.at(i) >= 0 && !(areItems && leavesStock(i, choices)))
+    const int all = areItems ? importedParts + 1 : static_cast<int>(exportColumns(choices.kind).size());
+    for (int i = 0; i < choices.columns.size(); ++i) {
+        if (choices.columns.at(i) < 0)
+            continue;
+        // What a person has matched otherwise is compared by the judges alone.
+        m_isExport = m_isExport && choices.columns.at(i) == i && i < all;
+        if (!(areItems && leavesStock(i, choices)))
             m_columns << i;
     }
 }
@@ -97,8 +101,10 @@ std::optional<DbFailure> EqualRows::load()
 {
     if (m_isLoaded)
         return {};
-    const RecordStatement statement = {select(), {}};
-    const auto rows = m_kind == ImportKind::Codes ? m_records.read(kept::code(), statement) : m_records.read(statement);
+    QStringList names;
+    for (const int column : std::as_const(m_columns))
+        names << exportColumns(m_kind).at(column).name;
+    const auto rows = readTable(m_records, m_kind, names.join(u", "_s));
     if (!rows)
         return rows.error();
     m_rows.reserve(rows->size());
@@ -110,18 +116,6 @@ std::optional<DbFailure> EqualRows::load()
     }
     m_isLoaded = true;
     return {};
-}
-
-QString EqualRows::select() const
-{
-    const QList<StoredColumn> &columns = exportColumns(m_kind);
-    QStringList names;
-    for (const int column : m_columns)
-        names << columns.at(column).name;
-    const QString table = m_kind == ImportKind::Items        ? u"StockList"_s
-                          : m_kind == ImportKind::Categories ? u"InventoryCategory"_s
-                                                             : kept::code().name;
-    return u"select %1 from %2"_s.arg(names.join(u", "_s), table);
 }
 
 } // namespace harrowby::app

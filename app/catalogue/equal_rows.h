@@ -35,7 +35,6 @@ public:
 
 private:
     [[nodiscard]] std::optional<DbFailure> load();
-    [[nodiscard]] QString select() const;
 
     Records &m_records;
     ImportKind m_kind;

@@ -94,6 +94,12 @@ QString settingOf(ImportKind kind, const QStringList &headings)
 
 } // namespace
 
+const QList<ImportKind> &importKinds()
+{
+    static const QList<ImportKind> kinds = {ImportKind::Items, ImportKind::Categories, ImportKind::Codes};
+    return kinds;
+}
+
 const QList<ImportColumn> &importColumns(ImportKind kind)
 {
     const auto columnsOf = [](ImportKind which) {
@@ -117,7 +123,7 @@ int importColumn(ImportKind kind, const QString &name)
 
 ImportKind guessKind(const QStringList &headings)
 {
-    for (const ImportKind kind : {ImportKind::Items, ImportKind::Categories, ImportKind::Codes}) {
+    for (const ImportKind kind : importKinds()) {
         if (isExportOf(headings, exportColumns(kind)))
             return kind;
     }
@@ -132,7 +138,7 @@ ImportKind guessKind(const QStringList &headings)
 
 bool looksLikeARow(const QStringList &headings)
 {
-    for (const ImportKind kind : {ImportKind::Items, ImportKind::Categories, ImportKind::Codes}) {
+    for (const ImportKind kind : importKinds()) {
         const ColumnMatch match = matchColumns(kind, headings);
         if (match.count(-1) != match.size())
             return false;

@@ -16,6 +16,9 @@
 /// Which column of a file is which of the store.
 namespace harrowby::app {
 
+/// All of them, in the order in which they are offered.
+[[nodiscard]] const QList<ImportKind> &importKinds();
+
 struct ImportColumn
 {
     QString name;  ///< as exports head it: "StockCost"

@@ -50,12 +50,12 @@ RowFilter stateOf(int what, int leftOut)
 {
     if (leftOut != 0)
         return leftOut == 1 ? RowFilter::LeftOut : RowFilter::NotTakenBack;
-    switch (what) {
-    case 1:
+    switch (static_cast<RowKind>(what)) {
+    case RowKind::New:
         return RowFilter::New;
-    case 2:
+    case RowKind::Changed:
         return RowFilter::Changed;
-    case 3:
+    case RowKind::Unchanged:
         return RowFilter::Unchanged;
     default:
         return RowFilter::Refused;
@@ -203,7 +203,7 @@ std::optional<DbFailure> ImportList::addPresent(QList<ImportedRow> &rows) const
         present.insert(recordText(item.at(0)), item);
     for (ImportedRow &row : rows) {
         const auto item = present.constFind(row.key);
-        if ((row.state != RowFilter::LeftOut && row.state != RowFilter::NotTakenBack))
+        if (row.state != RowFilter::LeftOut && row.state != RowFilter::NotTakenBack)
             continue;
         for (ImportCell &cell : row.cells) {
             const int column = importColumn(ImportKind::Items, cell.column);

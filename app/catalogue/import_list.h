@@ -36,7 +36,7 @@ private:
     const ShelvedImport &m_import;
 };
 
-/// "new", "changed", …
+/// What is the matter with a row, in one word or two: "new", "not taken back"; nothing for all of them.
 [[nodiscard]] QString stateWords(RowFilter state);
 
 } // namespace harrowby::app

@@ -283,6 +283,16 @@ Records::Answer<QList<ShelvedImport>> ImportShelf::all()
     return select({}, {});
 }
 
+Records::Answer<QList<RecordRow>> readTable(Records &records, ImportKind kind, const QString &columns,
+                                            const QString &rest)
+{
+    const QString table = kind == ImportKind::Categories ? u"InventoryCategory"_s
+                          : kind == ImportKind::Codes    ? kept::code().name
+                                                         : u"StockList"_s;
+    const RecordStatement statement = {u"select %1 from %2%3"_s.arg(columns, table, rest), {}};
+    return kind == ImportKind::Codes ? records.read(kept::code(), statement) : records.read(statement);
+}
+
 ImportEnd importGone()
 {
     return {ImportEnd::Kind::Outdated, u"This import is gone: another program has cleared it away."_s};
@@ -291,6 +301,12 @@ ImportEnd importGone()
 ImportEnd importSettled()
 {
     return {ImportEnd::Kind::Outdated, u"This import was too long ago: its rows are not kept any longer."_s};
+}
+
+ImportEnd previewGone()
+{
+    return {ImportEnd::Kind::Outdated,
+            u"This preview is gone: another office has carried it out or cleared it away. Nothing was imported now."_s};
 }
 
 ImportEnd importFailed(const QString &what, const DbFailure &failure)

@@ -182,10 +182,17 @@ private:
     std::optional<DbFailure> m_failure;
 };
 
+/// Columns of the rows of the store's own table that such a file goes into; `rest`: what stands behind the table's
+/// name.
+[[nodiscard]] Records::Answer<QList<RecordRow>> readTable(Records &records, ImportKind kind, const QString &columns,
+                                                          const QString &rest = {});
+
 /// The words of a failure.
 [[nodiscard]] ImportEnd importFailed(const QString &what, const DbFailure &failure);
 /// Another program has cleared the import away, or its rows.
 [[nodiscard]] ImportEnd importGone();
 [[nodiscard]] ImportEnd importSettled();
+/// Another office has carried the preview out, or cleared it away.
+[[nodiscard]] ImportEnd previewGone();
 
 } // namespace harrowby::app

@@ -62,10 +62,7 @@ Imported<ImportOutcome> ImportWriting::end(Try how) const
     case Try::Done:
         return m_outcome;
     case Try::Outdated:
-        return Unexpected(m_way == Way::OutOf ? outdatedReturn()
-                                              : ImportEnd{ImportEnd::Kind::Outdated,
-                                                          u"This preview is gone: another office has carried it out or "
-                                                          "cleared it away. Nothing was imported now."_s});
+        return Unexpected(m_way == Way::OutOf ? outdatedReturn() : previewGone());
     case Try::Failed:
         return Unexpected(importFailed(what(), m_failure.value_or(DbFailure())));
     default:

@@ -56,7 +56,6 @@ Records::Answer<bool> ItemCensus::take(const ImportFile &file, const ImportChoic
         isThere = lines.next(line);
         if (isThere && !line.hasFault())
             piece << line;
-        m_rows += isThere ? 1 : 0;
         if (isThere && piece.size() < censusPiece)
             continue;
         if (const auto failure = count(piece, codes))

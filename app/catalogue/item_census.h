@@ -66,7 +66,6 @@ public:
     [[nodiscard]] Repeats names(const QString &name) const { return m_names.value(name); }
     /// In any length of the same number.
     [[nodiscard]] Repeats codes(const QString &code) const { return m_codes.value(longestSpelling(code)); }
-    [[nodiscard]] qint64 rows() const { return m_rows; }
 
 private:
     [[nodiscard]] std::optional<DbFailure> count(const QList<ImportLine> &piece, KnownCodes *codes);
@@ -76,7 +75,6 @@ private:
     QHash<QString, Repeats> m_names;
     QHash<QString, Repeats> m_codes;
     QHash<qint64, ItemKey> m_byCode; ///< of the rows that have a code and no ID, by line
-    qint64 m_rows = 0;
 };
 
 /// The cell without blanks around it; empty when the file has none.

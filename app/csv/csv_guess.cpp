@@ -241,6 +241,7 @@ DecimalGuess guessDecimalSign(QByteArrayView bytes, const CsvForm &form, const Q
         evidence.look(row, columns);
     return evidence.guess(likelySign(form.separator));
 }
+
 CsvGuess guessForm(QByteArrayView bytes)
 {
     CsvForm form;

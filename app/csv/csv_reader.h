@@ -83,7 +83,7 @@ private:
     qsizetype m_width = -1;
 };
 
-/// In words for a person: "The quote is never closed."
+/// In words for a person: "Text stands behind the closing quotation mark."
 [[nodiscard]] QString faultWords(CsvFault::Kind kind);
 
 } // namespace harrowby::app

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/csv/csv_writer.h"
 
+#include "app/csv/decoding.h"
 #include "app/csv/figures.h"
 #include "basic/csv_cell.h"
 
@@ -11,7 +12,7 @@ namespace harrowby::app {
 CsvWriter::CsvWriter(const CsvForm &form) : m_form(form)
 {
     if (form.byteOrderMark)
-        m_bytes = "\xEF\xBB\xBF";
+        m_bytes = utf8Mark.toByteArray();
 }
 
 CsvWriter &CsvWriter::text(QStringView text)

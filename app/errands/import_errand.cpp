@@ -3,6 +3,7 @@
 
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
+#include "app/catalogue/import_shelf.h"
 #include "app/catalogue/own_records.h"
 #include "app/errands/column_options.h"
 #include "app/errands/form_options.h"
@@ -43,17 +44,18 @@ ExitCode failedImport(const QString &words)
     return ExitCode::ErrandFailed;
 }
 
-std::optional<ImportKind> kindNamed(const QString &name)
-{
-    return name == u"items"_s        ? std::optional(ImportKind::Items)
-           : name == u"categories"_s ? std::optional(ImportKind::Categories)
-           : name == u"codes"_s      ? std::optional(ImportKind::Codes)
-                                     : std::nullopt;
-}
-
 QString kindWords(ImportKind kind)
 {
-    return kind == ImportKind::Items ? u"items"_s : kind == ImportKind::Categories ? u"categories"_s : u"codes"_s;
+    return kindText(kind).toLower();
+}
+
+std::optional<ImportKind> kindNamed(const QString &name)
+{
+    for (const ImportKind kind : importKinds()) {
+        if (name.compare(kindWords(kind), Qt::CaseInsensitive) == 0)
+            return kind;
+    }
+    return {};
 }
 
 /// Imports by what the command line says and the file shows.

@@ -45,7 +45,6 @@ private:
     [[nodiscard]] QGridLayout *makeForm();
     void choosePlace();
     void followChoices();
-    void offerPlace();
     void carryOut();
     [[nodiscard]] ExportRequest request() const;
     void finish(const QString &path, const ExportRequest &request, const ExportEnd &end);

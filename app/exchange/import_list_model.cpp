@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/import_list_model.h"
 
+#include "app/catalogue/import_list.h"
 #include "app/exchange/grid_view.h"
 #include "app/exchange/kind_words.h"
 
@@ -68,7 +69,7 @@ QString ImportListModel::wordsOf(int number) const
         return {};
     const QString item = QString(found->key + u' ' + found->name).trimmed(); // either may be missing
     const QString words = rowWords(*found, m_kind);
-    return u"Line %1, %2 %3%4"_s.arg(QString::number(found->line), rowStateWords(found->state), lineOf(item),
+    return u"Line %1, %2 %3%4"_s.arg(QString::number(found->line), stateWords(found->state), lineOf(item),
                                      words.isEmpty() ? QString() : u": "_s + words);
 }
 
@@ -83,7 +84,7 @@ QVariant ImportListModel::data(const QModelIndex &index, int role) const
     case Line:
         return found->line;
     case State:
-        return rowStateWords(found->state);
+        return stateWords(found->state);
     case Key:
         return lineOf(found->key);
     case Name:

@@ -39,7 +39,7 @@ public:
     void begin(const QString &path);
     /// Whether something would be lost by closing: a file is being prepared.
     [[nodiscard]] bool isUnderWay() const { return m_step >= 0 && m_step < doneStep; }
-    /// Whether it is being written, or has been: then nothing is asked.
+    /// Whether its backup is being made or its rows are being written.
     [[nodiscard]] bool isWriting() const { return m_isWriting; }
 
 Q_SIGNALS:

@@ -2,12 +2,11 @@
 #include "app/exchange/kind_words.h"
 
 #include "app/catalogue/import_columns.h"
+#include "app/catalogue/import_list.h"
 #include "app/exchange/grid_view.h"
+#include "basic/numbers.h"
 
-#include <QLocale>
 #include <QStringList>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -17,10 +16,8 @@ namespace {
 
 QString columnWords(ImportKind kind, const QString &column)
 {
-    const QList<ImportColumn> &columns = importColumns(kind);
-    const auto found =
-        std::find_if(columns.cbegin(), columns.cend(), [&](const ImportColumn &one) { return one.name == column; });
-    return found != columns.cend() ? found->words : column;
+    const int place = importColumn(kind, column);
+    return place >= 0 ? importColumns(kind).at(place).words : column;
 }
 
 QString cellWords(const ImportCell &cell, RowFilter state, ImportKind kind)
@@ -34,12 +31,6 @@ QString cellWords(const ImportCell &cell, RowFilter state, ImportKind kind)
 }
 
 } // namespace
-
-const QList<ImportKind> &importKinds()
-{
-    static const QList<ImportKind> kinds = {ImportKind::Items, ImportKind::Categories, ImportKind::Codes};
-    return kinds;
-}
 
 QString kindWords(ImportKind kind)
 {
@@ -56,7 +47,7 @@ QString kindWords(ImportKind kind)
 
 QString groupedCount(qint64 count)
 {
-    return QLocale(QLocale::English).toString(count);
+    return formatCount(static_cast<double>(count));
 }
 
 QString countsWords(const ImportCounts &counts)
@@ -68,47 +59,7 @@ QString countsWords(const ImportCounts &counts)
 
 QString filterWords(RowFilter filter)
 {
-    return filter == RowFilter::All ? u"all rows"_s : rowStateWords(filter);
-}
-
-qint64 countOf(const ImportCounts &counts, RowFilter filter)
-{
-    switch (filter) {
-    case RowFilter::New:
-        return counts.fresh;
-    case RowFilter::Changed:
-        return counts.changed;
-    case RowFilter::Unchanged:
-        return counts.unchanged;
-    case RowFilter::Refused:
-        return counts.refused;
-    case RowFilter::All:
-    case RowFilter::LeftOut:
-    case RowFilter::NotTakenBack:
-        break;
-    }
-    return counts.all();
-}
-
-QString rowStateWords(RowFilter state)
-{
-    switch (state) {
-    case RowFilter::New:
-        return u"new"_s;
-    case RowFilter::Changed:
-        return u"changed"_s;
-    case RowFilter::Unchanged:
-        return u"unchanged"_s;
-    case RowFilter::Refused:
-        return u"refused"_s;
-    case RowFilter::LeftOut:
-        return u"left out"_s;
-    case RowFilter::NotTakenBack:
-        return u"not taken back"_s;
-    case RowFilter::All:
-        break;
-    }
-    return {};
+    return filter == RowFilter::All ? u"all rows"_s : stateWords(filter);
 }
 
 QString rowWords(const ImportedRow &row, ImportKind kind)

@@ -14,7 +14,7 @@ constexpr QSizeF a4(210, 297);
 LabelPaper roll(double width, double height)
 {
     const QSizeF size(width, height);
-    return {u"roll-38x25"_s,
+    return {u"roll-%1x%2"_s.arg(width).arg(height),
             u"Roll: %1 \u00d7 %2 mm"_s.arg(width).arg(height),
             size,
             size,

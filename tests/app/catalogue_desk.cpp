@@ -51,6 +51,10 @@ void CatalogueDesk::open(bool isAdministrator)
     desk.place = u"office"_s;
     desk.store = m_store;
     desk.backupFolder = m_folder->path();
+    desk.now = [this] {
+        const std::lock_guard held(m_clock);
+        return QDateTime::currentDateTime();
+    };
     m_window = std::make_unique<CataloguePage>(*m_records, desk, isAdministrator, [this] { return m_lost; });
     enlargeFont(*m_window);
     dressDialog(*m_window);

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 
 class QDialog;
 
@@ -58,6 +59,7 @@ protected:
     [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
     void run(const QString &sql) { QVERIFY(!runSql(m_database.get(), sql)); }
 
+    std::mutex m_clock; ///< who holds it holds up an import before its backup, which is named by the time
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_store;
     SqliteDatabase m_database;

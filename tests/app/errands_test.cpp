@@ -370,7 +370,7 @@ void ErrandsTest::fileIsImported()
                  valid.out.endsWith(u"Imported: 0 new, 1 changed\n"_s),
              qPrintable(valid.out));
     QCOMPARE(valid.code, 7);
-    const ErrandEnd whole = run(order + QStringList{u"--capitals"_s});
+    const ErrandEnd whole = run(order + QStringList{u"--capitals"_s, u"--kind"_s, u"Items"_s});
     QVERIFY2(whole.code == 0 && whole.out.endsWith(u"Imported: 1 new, 0 changed\n"_s), qPrintable(whole.out));
     QCOMPARE(column(path(u"shop.sqlite"_s), prices), (QStringList{u"NEW TEE 1.25"_s, u"TEA-0001 TEA 3.5"_s}));
     QCOMPARE(run(order + QStringList{u"--capitals"_s, u"--dry-run"_s}).code, 0);

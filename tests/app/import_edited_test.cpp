@@ -29,6 +29,7 @@ private Q_SLOTS:
 
     void emptiedFiguresOfAnExport();
     void otherEditsOfAnExport();
+    void columnsOfAnExportMatchedOtherwise();
     void bytesInAnEditedRowAreTold();
     void shortRowsEndWithEmptyCells();
     void addedCategoriesOfAnExport();
@@ -90,6 +91,19 @@ void ImportEditedTest::otherEditsOfAnExport()
 }
 
 /// Else an ID of bytes would come in as the text "0x41FF".
+/// Equal is what the chosen columns make of a row, not what its own would.
+void ImportEditedTest::columnsOfAnExportMatchedOtherwise()
+{
+    m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
+    m_bench->sql(u"update StockList set StockUse = null"_s); // which "As Stored" tells
+    const QByteArray text = itemsHead + "TEA-1,TEA,DRINKS,1.5,2,10," + editors + "StockUse:null\n";
+    ImportChoices choices = ImportBench::choicesFor(text);
+    QCOMPARE(m_bench->list(m_bench->stage(text, choices).id), QStringList{u"2 unchanged TEA-1"_s});
+    choices.columns.swapItemsAt(3, 4); // cost and reorder level
+    QCOMPARE(m_bench->list(m_bench->stage(text, choices).id),
+             QStringList{u"2 changed TEA-1 StockCost 1.5>2.00 StockReorderLevel 2>1.5"_s});
+}
+
 void ImportEditedTest::bytesInAnEditedRowAreTold()
 {
     QCOMPARE(preview(itemsHead + "0x41FF,TEA,DRINKS,,2,10,Enabled" + editors + "StockID:blob\n"),

@@ -4,6 +4,7 @@
 #include "tests/program/test_program.h"
 #include "tests/support/failing_disk.h"
 
+#include <QFile>
 #include <QTest>
 
 #include <atomic>
@@ -31,6 +32,8 @@ private Q_SLOTS:
     void everyStatementFailsOnce();
     void everyDiskOperationFails_data();
     void everyDiskOperationFails();
+    void listOnAFullDiskIsNotSaved_data();
+    void listOnAFullDiskIsNotSaved();
     void cancelledPreviewLeavesNothing();
     void cancelledBackupImportsNothing();
     void whatAKillLeavesIsClearedAway();
@@ -180,6 +183,44 @@ void ImportTroubleTest::everyDiskOperationFails()
         QCOMPARE(m_bench->rows(u"pragma quick_check"_s), QStringList{u"ok"_s});
     }
     QVERIFY(operation > 3 && operation < 500);
+}
+
+void ImportTroubleTest::listOnAFullDiskIsNotSaved_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::newRow("small enough for any buffer") << 1;
+    QTest::newRow("several pieces") << 1'500;
+}
+
+/// It is the old list then, or the whole new one, and never said to be saved when it is not.
+void ImportTroubleTest::listOnAFullDiskIsNotSaved()
+{
+    QFETCH(int, rows);
+    QByteArray text = "StockID,Name,Price\n";
+    for (int i = 0; i < rows; ++i)
+        text += "I" + QByteArray::number(i) + ",small,1\n"; // refused
+    const StagedImport staged = m_bench->stage(text);
+    const QTemporaryDir elsewhere;
+    const QString path = elsewhere.filePath(u"list.csv"_s);
+    QFile list(path);
+    FailingDisk::mount(elsewhere.path());
+    int failures = 1;
+    int operation = 1;
+    for (; operation < 100 && failures > 0; ++operation) {
+        QVERIFY(list.open(QIODevice::WriteOnly) && list.write("old") == 3);
+        list.close();
+        FailingDisk::failAt(operation, FailingDisk::Mode::Once, ENOSPC); // a full disk still renames
+        const auto saved = m_bench->import().saveList(staged.id, RowFilter::All, path, {}, goOn);
+        failures = FailingDisk::failures();
+        const QString fault = u"%1: %2"_s.arg(operation).arg(FailingDisk::firstFailure());
+        FailingDisk::failAt(0, FailingDisk::Mode::Once, ENOSPC);
+        QVERIFY2(saved || !saved.error().words.isEmpty(), qPrintable(fault));
+        QVERIFY(list.open(QIODevice::ReadOnly));
+        const QByteArray there = list.readAll();
+        list.close();
+        QVERIFY2(saved ? there.count('\n') == rows + 1 : there == "old", qPrintable(fault));
+    }
+    QVERIFY(operation > 3 && operation < 100);
 }
 
 void ImportTroubleTest::cancelledPreviewLeavesNothing()

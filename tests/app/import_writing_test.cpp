@@ -188,6 +188,7 @@ void ImportWritingTest::previewIsCarriedOutOnce()
     m_bench->importValid("StockID,Name,Price\nTEA-1,TEA,2\n");
     const std::int64_t id = m_bench->last;
     QCOMPARE(endOf(m_bench->import().apply(id, true, nullptr, goOn)).kind, ImportEnd::Kind::Outdated);
+    QCOMPARE(QDir(m_bench->folder.path()).entryList({u"harrowby-before-import-*"_s}).size(), 1);
     QVERIFY(m_bench->import().takeBack(id, goOn));
     QCOMPARE(endOf(m_bench->import().takeBack(id, goOn)).kind, ImportEnd::Kind::Outdated);
     QCOMPARE(endOf(m_bench->import().apply(99, true, nullptr, goOn)).kind, ImportEnd::Kind::Outdated);
@@ -356,6 +357,10 @@ void ImportWritingTest::listIsSaved()
              "2,changed,TEA-1,TEE,\"StockName\nStockCost\",\"TEA\n1.5\",\"TEE\n2.00\",\r\n"
              "3,refused,X,small,Name,,,It is not in capitals.\r\n"_s);
     QVERIFY(!m_bench->import().saveList(staged.id, RowFilter::All, u"/proc/none/list.csv"_s, {}, goOn));
+    const auto intoStore = m_bench->import().saveList(staged.id, RowFilter::All, m_bench->path, {}, goOn);
+    QVERIFY(!intoStore);
+    QCOMPARE(intoStore.error().words,
+             u"The list was not saved. This is the store file itself. Please choose another name."_s);
 }
 
 void ImportWritingTest::exportedAndImportedAgain()
