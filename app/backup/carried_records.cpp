@@ -63,7 +63,7 @@ void carryRecords(sqlite3 *store, sqlite3 *copy)
     SqliteRecords to(copy);
     QList<GoodBackup> noted = goodBackups(from);
     for (auto backup = noted.crbegin(); backup != noted.crend(); ++backup)
-        (void)noteGoodBackup(to, backup->file, backup->bytes, backup->made);
+        (void)noteGoodBackup(to, *backup);
 }
 
 } // namespace harrowby::app

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/records/records.h"
-
 struct sqlite3;
 
 namespace harrowby::app {

@@ -65,7 +65,7 @@ QString whereText(const BackupState &state)
 
 } // namespace
 
-std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, qint64 bytes, const QDateTime &now)
+std::optional<DbFailure> noteGoodBackup(Records &records, const GoodBackup &backup)
 {
     std::optional<DbFailure> failure;
     const auto kept = records.together(kept::setting(), [&] {
@@ -76,8 +76,8 @@ std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, q
             return false;
         }
         QList<GoodBackup> noted = readNotes(before->value_or(QString()));
-        noted.removeIf([&](const GoodBackup &other) { return other.file == file; }); // that one was replaced
-        noted.prepend({now.toUTC(), file, bytes, QSysInfo::machineHostName()});
+        noted.removeIf([&](const GoodBackup &other) { return other.file == backup.file; }); // that one was replaced
+        noted.prepend(backup);
         noted.resize(std::min(noted.size(), mostNoted));
         const RecordStatement removing = {u"delete from HarrowbySetting where Name = ?"_s, {settingName}};
         const RecordStatement adding = {u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s,
@@ -88,6 +88,11 @@ std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, q
     if (!kept)
         return kept.error();
     return failure;
+}
+
+std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, qint64 bytes, const QDateTime &now)
+{
+    return noteGoodBackup(records, {now.toUTC(), file, bytes, QSysInfo::machineHostName()});
 }
 
 QList<GoodBackup> goodBackups(Records &records)

@@ -21,6 +21,8 @@ struct GoodBackup
 };
 
 /// Notes it in the store, as the newest one. A failure has been told; the backup is good all the same.
+std::optional<DbFailure> noteGoodBackup(Records &records, const GoodBackup &backup);
+/// The same of one that was made on this computer.
 std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, qint64 bytes, const QDateTime &now);
 /// The newest first; nothing where none is noted or the notes cannot be read.
 [[nodiscard]] QList<GoodBackup> goodBackups(Records &records);
