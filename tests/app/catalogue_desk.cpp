@@ -2,6 +2,7 @@
 #include "tests/app/catalogue_desk.h"
 
 #include "app/work/work_strip.h"
+#include "tests/app/quick_folder.h"
 #include "theme/dialogs.h"
 
 #include <QApplication>
@@ -10,7 +11,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
-#include <QFileInfo>
 #include <QMimeData>
 #include <QTimer>
 #include <QTreeView>
@@ -22,9 +22,7 @@ namespace harrowby::app::test {
 
 void CatalogueDesk::init()
 {
-    const auto memory = u"/dev/shm"_s; // where nothing is waited for
-    m_folder = QFileInfo(memory).isWritable() ? std::make_unique<QTemporaryDir>(memory + u"/catalogue-XXXXXX"_s)
-                                              : std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/catalogue-XXXXXX"_s);
     m_store = m_folder->filePath(u"shop.sqlite"_s);
     makeStore(m_store);
     QVERIFY(!into(m_database, openDatabase(m_store, OpenMode::Write)));

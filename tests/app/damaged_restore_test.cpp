@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "app/backup/restore.h"
 #include "app/records/deeds.h"
 #include "app/records/sqlite_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
 #include "tests/app/full_disk.h"
+#include "tests/app/restore_desk.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -13,7 +13,6 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -33,11 +32,6 @@ using Ending = RestoreResult::Outcome;
 
 namespace {
 
-bool goOn(const WorkStep &)
-{
-    return true;
-}
-
 ino_t inodeOf(const QString &file)
 {
     struct stat facts = {};
@@ -54,13 +48,11 @@ void write(const QString &path, const QByteArray &bytes)
 } // namespace
 
 /// A backup that takes the place of a store which SQLite cannot read, or not to its end.
-class DamagedRestoreTest : public QObject
+class DamagedRestoreTest : public RestoreDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-
     void damagedStoreIsKeptAndReplaced_data();
     void damagedStoreIsKeptAndReplaced();
     void damagedLogIsKept_data();
@@ -77,38 +69,15 @@ private Q_SLOTS:
     void killLeavesOldBytesOrTheBackup();
 
 private:
-    [[nodiscard]] QString path(const QString &name) const { return m_folder->filePath(name); }
-    [[nodiscard]] QString store() const { return path(u"shop.sqlite"_s); }
-    [[nodiscard]] QString backup() const { return path(u"old.db"_s); }
-    [[nodiscard]] RestoreResult restore(const WorkWatch &watch = goOn) const
-    {
-        return restoreStore({backup(), store(), path(u"kept"_s), u"ANNA"_s, officePlace}, watch);
-    }
     [[nodiscard]] QStringList kept() const { return QDir(path(u"kept"_s)).entryList(QDir::Files, QDir::Name); }
     /// In place of what init() has made.
     void damage(const QString &how) const;
     /// A log of a program that was killed, with three rows in it.
     void leaveLog() const;
     void verifyRestored(const RestoreResult &result, const Bytes &before) const;
-    void verifyNoLeftovers() const;
     void verifyOld(const QByteArray &bytes) const;
     void setBytes(const Bytes &bytes) const;
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
-
-void DamagedRestoreTest::init()
-{
-    // In memory, where there is such a folder: each step is synced.
-    const auto memory = u"/dev/shm"_s;
-    m_folder = QFileInfo(memory).isWritable() ? std::make_unique<QTemporaryDir>(memory + u"/damaged-XXXXXX"_s)
-                                              : std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-    QVERIFY(QDir(m_folder->path()).mkdir(u"kept"_s));
-    makeBigStore(store());
-    makeStore(backup());
-    runAll(backup(), {u"UPDATE StockList SET StockName = 'OLD TEA'"_s, u"PRAGMA journal_mode = DELETE"_s});
-}
 
 void DamagedRestoreTest::damage(const QString &how) const
 {
@@ -160,12 +129,6 @@ void DamagedRestoreTest::setBytes(const Bytes &bytes) const
             write(store() + ending, content);
     }
     QFile::remove(store() + u"-shm"_s);
-}
-
-void DamagedRestoreTest::verifyNoLeftovers() const
-{
-    for (const QString &folder : {m_folder->path(), path(u"kept"_s)})
-        QCOMPARE(QDir(folder).entryList({u".harrowby*"_s}, QDir::AllEntries | QDir::Hidden), QStringList());
 }
 
 void DamagedRestoreTest::verifyRestored(const RestoreResult &result, const Bytes &before) const
@@ -417,7 +380,7 @@ void DamagedRestoreTest::stopLeavesTheDamagedStore()
     }
 }
 
-/// Two restores within one second.
+/// Restores within one second.
 void DamagedRestoreTest::takenNamesAreLeft()
 {
     QSet<QString> names;

@@ -4,6 +4,7 @@
 #include "app/catalogue/own_records.h"
 #include "app/codes/code_table.h"
 #include "app/records/deeds.h"
+#include "tests/app/quick_folder.h"
 #include "tests/app/selling_till.h"
 #include "tests/program/test_program.h"
 #include "tests/support/database.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/good_backups.h"
-#include "app/backup/restore.h"
 #include "app/backup/store_users.h"
 #include "app/cash/run_locks.h"
 #include "app/records/deeds.h"
@@ -10,6 +9,7 @@
 #include "app/shop/store_judge.h"
 #include "app/shop/store_open.h"
 #include "tests/app/full_disk.h"
+#include "tests/app/restore_desk.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -17,7 +17,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QTemporaryDir>
+#include <QSysInfo>
 #include <QTest>
 
 #include <sqlite3.h>
@@ -27,6 +27,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <optional>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -36,19 +37,12 @@ using namespace harrowby::app::test;
 
 using Outcome = RestoreResult::Outcome;
 
-namespace {
-
-const auto carryOn = [](const WorkStep &) { return true; };
-
-} // namespace
-
 /// A backup that takes the place of a store.
-class RestoreTest : public QObject
+class RestoreTest : public RestoreDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void storeHoldsWhatTheBackupHeld();
     void otherPageSize_data();
     void otherPageSize();
@@ -71,11 +65,6 @@ private Q_SLOTS:
     void killLeavesOldOrNew();
 
 private:
-    [[nodiscard]] QString path(const QString &name) const { return m_folder->filePath(name); }
-    [[nodiscard]] QString store() const { return path(u"shop.sqlite"_s); }
-    [[nodiscard]] QString backup() const { return path(u"old.db"_s); }
-    [[nodiscard]] RestoreOrder order() const { return {backup(), store(), path(u"kept"_s), u"ANNA"_s, officePlace}; }
-    [[nodiscard]] RestoreResult restore(const WorkWatch &watch = carryOn) const { return restoreStore(order(), watch); }
     [[nodiscard]] static QStringList items(const QString &file)
     {
         return column(file, u"SELECT StockName FROM StockList ORDER BY rowid"_s);
@@ -87,30 +76,14 @@ private:
     void verifyUntouched() const;
     /// How often the watch is called by this thread; a check has another one call it now and then.
     [[nodiscard]] int stepsOf(const RestoreOrder &order) const;
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
-
-void RestoreTest::init()
-{
-    // In memory, where there is such a folder: each step is synced.
-    const auto memory = u"/dev/shm"_s;
-    m_folder = QFileInfo(memory).isWritable() ? std::make_unique<QTemporaryDir>(memory + u"/restore-XXXXXX"_s)
-                                              : std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-    QVERIFY(QDir(m_folder->path()).mkdir(u"kept"_s));
-    makeBigStore(store());
-    makeStore(backup());
-    runAll(backup(), {u"UPDATE StockList SET StockName = 'OLD TEA'"_s, u"PRAGMA journal_mode = DELETE"_s});
-}
 
 void RestoreTest::verifyUntouched() const
 {
     QCOMPARE(items(store()), QStringList{u"TEA"_s});
     BusyWait wait;
     QVERIFY(!judgeStore(store(), wait));
-    QVERIFY2(QDir(m_folder->path()).entryList({u".harrowby*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty(),
-             qPrintable(everything().join(u' ')));
+    verifyNoLeftovers();
 }
 
 void RestoreTest::storeHoldsWhatTheBackupHeld()
@@ -213,6 +186,8 @@ void RestoreTest::whatIsOnlyAddedToIsCarriedOver()
     add(store(), u"before"_s);
     QCOMPARE(restore().problem, QString()); // the deed of the restored one as well
     add(store(), u"later"_s);
+    runAll(store(),
+           {u"update HarrowbySetting set Value = replace(Value, '%1', 'till-2')"_s.arg(QSysInfo::machineHostName())});
     QVERIFY(QFile::remove(backup()));
     QVERIFY(QFile::copy(path(u"kept/"_s + QDir(path(u"kept"_s)).entryList(QDir::Files).constFirst()), backup()));
     QCOMPARE(restore().problem, QString());
@@ -223,6 +198,7 @@ void RestoreTest::whatIsOnlyAddedToIsCarriedOver()
     QVERIFY(!into(database, openDatabase(store(), OpenMode::Write)));
     SqliteRecords records(database.get());
     QCOMPARE(goodBackups(records).size(), 2); // the kept stores are none of this one
+    QCOMPARE(goodBackups(records).constFirst().machine, u"till-2"_s);
     QVERIFY(runSql(database.get(), u"delete from HarrowbyActivity"_s));
 }
 
@@ -401,37 +377,56 @@ void RestoreTest::stopLeavesTheStore()
         verifyUntouched();
         QCOMPARE(everything(), before);
     }
-    // In the middle of the last step.
+    // In the middle of the last step; so many pages do not go in at once.
+    runAll(backup(), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(1500000)), '', '')"_s});
     bool isReplacing = false;
     const RestoreResult result = restore([&](const WorkStep &step) {
         isReplacing = isReplacing || (step.words.contains(u"put in place"_s) && step.percent > 0);
         return !isReplacing;
     });
-    if (isReplacing)
-        QCOMPARE(result.outcome, Outcome::Stopped);
-    else
-        QCOMPARE(result.outcome, Outcome::Done); // it is small enough for one step
+    QVERIFY(isReplacing);
+    QCOMPARE(result.outcome, Outcome::Stopped);
+    QVERIFY(!result.isReplaced);
+    verifyUntouched();
 }
 
 void RestoreTest::fullDiskLeavesTheStore_data()
 {
+    QTest::addColumn<QString>("at");
     QTest::addColumn<int>("limit");
-    for (const int limit : {20000, 100000, 300000, 600000})
-        QTest::newRow(qPrintable(QString::number(limit))) << limit;
+    QTest::addColumn<int>("more");
+    QTest::addColumn<bool>("isKept");
+    QTest::newRow("the copy of the backup, at once") << u"read"_s << 20000 << 0 << false;
+    QTest::newRow("the copy of the backup") << u"read"_s << 600000 << 0 << false;
+    QTest::newRow("the copy of the store") << u"kept"_s << 100000 << 1000000 << false;
+    QTest::newRow("the deed") << u"kept"_s << 100000 << 0 << true;
+    QTest::newRow("the store") << u"put in place"_s << 600000 << 0 << true;
 }
 
 void RestoreTest::fullDiskLeavesTheStore()
 {
+    QFETCH(QString, at);
     QFETCH(int, limit);
-    // Small store, big backup: it is put in place, and does not fit.
+    QFETCH(int, more);
+    QFETCH(bool, isKept);
+    // A backup larger than the store, which grows by it; but for the row whose store is not copied in one step.
+    runAll(store(), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(%1)), '', '')"_s.arg(more)});
     runAll(backup(), {u"INSERT INTO SysUsage VALUES (hex(zeroblob(400000)), '', '')"_s});
     RestoreResult result;
     {
-        const FullDisk disk(static_cast<rlim_t>(limit));
-        result = restore();
+        std::optional<FullDisk> disk;
+        result = restore([&](const WorkStep &step) {
+            if (!disk && step.words.contains(at))
+                disk.emplace(static_cast<rlim_t>(limit));
+            return true;
+        });
+        QVERIFY(disk);
     }
     QCOMPARE(result.outcome, Outcome::Failed);
-    QVERIFY(!result.problem.isEmpty() && !result.isReplaced);
+    QVERIFY2(result.problem.contains(at == u"kept"_s ? u"so nothing was restored"_s : u"is as it was"_s),
+             qPrintable(result.problem));
+    QCOMPARE(!result.kept.isEmpty(), isKept);
+    QVERIFY(!result.isReplaced);
     verifyUntouched();
     QCOMPARE(restore().problem, QString());
 }
@@ -493,7 +488,7 @@ void RestoreTest::killLeavesOldOrNew()
     }
     QVERIFY(olds > 5);
     QCOMPARE(restore().problem, QString()); // and cleans up
-    QVERIFY(QDir(m_folder->path()).entryList({u".harrowby*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
+    verifyNoLeftovers();
 }
 
 HARROWBY_CORE_TEST(app_restore_test, RestoreTest)

@@ -5,9 +5,7 @@
 #include "tests/support/database.h"
 #include "tests/support/till.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRandomGenerator>
 
 using namespace Qt::StringLiterals;
@@ -56,12 +54,6 @@ QByteArray allSaid(const harrowby::test::ForkedProcess &process)
     for (QByteArray more = process.read(); !more.isEmpty(); more = process.read())
         said += more;
     return said;
-}
-
-QString quickFolder()
-{
-    const auto memory = u"/dev/shm"_s;
-    return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
 }
 
 int wanted(const char *name, int usual)

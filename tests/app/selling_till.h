@@ -21,9 +21,6 @@ int sellUntil(const QString &path, const QString &end);
 /// All that it says until it ends.
 [[nodiscard]] QByteArray allSaid(const harrowby::test::ForkedProcess &process);
 
-/// In memory, where there is such a folder, else where temporary files lie: for what is synced.
-[[nodiscard]] QString quickFolder();
-
 /// The value of a variable of the environment, or the usual one.
 [[nodiscard]] int wanted(const char *name, int usual);
 
