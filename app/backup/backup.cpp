@@ -2,6 +2,7 @@
 #include "app/backup/backup.h"
 
 #include "app/backup/backup_copy.h"
+#include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/backup/stoppable_check.h"
 #include "app/shop/file_naming.h"
@@ -113,21 +114,7 @@ enum class IfTaken {
 
 Naming nameCopy(const QString &file, const QString &target, IfTaken ifTaken)
 {
-    if (ifTaken == IfTaken::Replace)
-        return replaceFile(file, target);
-    const Naming named = nameNewFile(file, target);
-    // Some file systems have neither RENAME_NOREPLACE nor link().
-    const bool unknown =
-        !named && (named.error() == std::errc::operation_not_permitted || named.error() == std::errc::not_supported);
-    return unknown && !QFileInfo::exists(target) ? replaceFile(file, target) : named;
-}
-
-/// "copy-2.db" of "copy.db".
-QString numbered(const QString &target, int number)
-{
-    const QFileInfo info(target);
-    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-    return u"%1/%2-%3%4"_s.arg(info.absolutePath(), info.completeBaseName(), QString::number(number), suffix);
+    return ifTaken == IfTaken::Replace ? replaceFile(file, target) : nameNewFileAnywhere(file, target);
 }
 
 BackupResult giveName(const QString &file, const QString &wanted, IfTaken ifTaken)
@@ -140,7 +127,7 @@ BackupResult giveName(const QString &file, const QString &wanted, IfTaken ifTake
     for (int number = 2;
          !named && named.error() == std::errc::file_exists && ifTaken == IfTaken::Number && number <= mostNames;
          ++number) {
-        target = numbered(wanted, number);
+        target = numberedName(wanted, number);
         named = nameCopy(file, target, ifTaken);
     }
     if (!named && named.error() == std::errc::file_exists)

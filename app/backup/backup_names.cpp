@@ -16,6 +16,13 @@ QString momentInName(const QDateTime &moment)
     return moment.toString(u"yyyy-MM-dd-HHmmss"_s);
 }
 
+QString numberedName(const QString &path, int number)
+{
+    const QFileInfo info(path);
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    return u"%1/%2-%3%4"_s.arg(info.absolutePath(), info.completeBaseName(), QString::number(number), suffix);
+}
+
 QString usualBackupFolder()
 {
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -29,16 +36,15 @@ QString usualBackupName(const QDate &day)
 
 QString usualRescuePlace(const QString &store, const QDateTime &now)
 {
-    const QString name = QFileInfo(store).completeBaseName() + u"-rescue-"_s + momentInName(now);
-    const QString suffix = u'.' + copySuffix.toString();
+    const QString name = u"%1-rescue-%2.%3"_s.arg(QFileInfo(store).completeBaseName(), momentInName(now), copySuffix);
     QDir folder = QFileInfo(store).absoluteDir();
-    if (judgeNewPlace(folder.filePath(name + suffix), false))
+    if (judgeNewPlace(folder.filePath(name), false))
         folder.setPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     if (!folder.exists())
         folder = QDir::home();
-    QString place = folder.filePath(name + suffix);
+    QString place = folder.filePath(name);
     for (int number = 2; QFileInfo::exists(place); ++number)
-        place = folder.filePath(name + u'-' + QString::number(number) + suffix);
+        place = numberedName(folder.filePath(name), number);
     return place;
 }
 

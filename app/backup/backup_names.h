@@ -16,6 +16,9 @@ inline constexpr QStringView copySuffix = u"db";
 /// In the names of files, which sort by it: "2026-11-21-090507".
 [[nodiscard]] QString momentInName(const QDateTime &moment);
 
+/// "copy-2.db" of "copy.db": where a file has that name already.
+[[nodiscard]] QString numberedName(const QString &path, int number);
+
 /// The folder that is offered for a backup: the documents, or the home folder where there are none.
 [[nodiscard]] QString usualBackupFolder();
 /// The name that is offered for a backup of that day: "harrowby-2026-11-21.db".

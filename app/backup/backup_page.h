@@ -14,7 +14,6 @@ class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
-class QVBoxLayout;
 struct sqlite3;
 
 namespace harrowby::app {

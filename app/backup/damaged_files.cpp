@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/damaged_files.h"
 
+#include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/file_naming.h"
 #include "app/shop/workshop.h"
+#include "app/work/work_step.h"
 #include "basic/private_files.h"
 
 #include <QFile>
@@ -78,15 +80,6 @@ DamagedFiles::End compareFile(const QString &from, const QString &to, const Adva
     }
 }
 
-/// "kept-2.db" of "kept.db".
-QString numberedName(const QString &target, int number)
-{
-    const QFileInfo info(target);
-    return number < 2 ? target
-                      : u"%1/%2-%3.%4"_s.arg(info.absolutePath(), info.completeBaseName(), QString::number(number),
-                                             info.suffix());
-}
-
 bool isFree(const QString &name)
 {
     return std::ranges::none_of(allEndings, [&](const QString &ending) { return nameIsTaken(name + ending); });
@@ -95,10 +88,10 @@ bool isFree(const QString &name)
 QString freeName(const QString &wanted)
 {
     constexpr int most = 1000;
-    int number = 1;
-    while (number < most && !isFree(numberedName(wanted, number)))
-        ++number;
-    return numberedName(wanted, number);
+    QString name = wanted;
+    for (int number = 2; number <= most && !isFree(name); ++number)
+        name = numberedName(wanted, number);
+    return name;
 }
 
 } // namespace
@@ -150,7 +143,7 @@ DamagedFiles::End DamagedFiles::copy(const StoreHold &, const QString &target, c
     for (const auto &facts : std::as_const(m_facts))
         all += facts ? 2 * facts->size : 0; // copied and compared
     qint64 done = 0;
-    const Advance advance = [&](qint64 bytes) { return goesOn(static_cast<int>((done += bytes) * 100 / (all + 1))); };
+    const Advance advance = [&](qint64 bytes) { return goesOn(percentOf(done += bytes, all)); };
     for (const auto work : {copyFile, compareFile}) {
         for (const QString &ending : endings()) {
             if (End end = work(m_store + ending, copyOf(ending), advance); end.stopped || !end.problem.isEmpty())
@@ -167,11 +160,7 @@ DamagedFiles::End DamagedFiles::giveNames()
     QStringList order = endings();
     std::ranges::reverse(order); // where the store file has its name, the others have theirs
     for (const QString &ending : std::as_const(order)) {
-        Naming named = nameNewFile(copyOf(ending), target + ending);
-        // Some file systems have neither RENAME_NOREPLACE nor link().
-        if (!named && named.error() != std::errc::file_exists && !nameIsTaken(target + ending))
-            named = replaceFile(copyOf(ending), target + ending);
-        if (!named)
+        if (const Naming named = nameNewFileAnywhere(copyOf(ending), target + ending); !named)
             return {false, QString::fromLocal8Bit(named.error().message())};
         m_names.prepend(target + ending);
     }

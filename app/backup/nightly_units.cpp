@@ -89,8 +89,8 @@ std::optional<ReadNightly> readNightlyTimer(const QString &text)
 /// In cron's lines a percent sign ends the command.
 QString nightlyCronLine(const NightlyJob &job, const NightlyPlan &plan)
 {
-    QString command = quotedForShell(job.program) + u" --database "_s + quotedForShell(job.store) + u" --backup "_s +
-                      quotedForShell(plan.folder) + u" --keep "_s + QString::number(plan.keep);
+    QString command = quotedForShell(job.program) + u" --database "_s + quotedForShell(job.store) + u' ' +
+                      errand::backup + u' ' + quotedForShell(plan.folder) + u" --keep "_s + QString::number(plan.keep);
     return QString::number(plan.time.minute()) + u' ' + QString::number(plan.time.hour()) + u" * * * "_s +
            command.replace(u'%', u"\\%"_s);
 }

@@ -57,7 +57,6 @@ Result<StoreContents, QString> lookIntoBackup(const QString &file)
         return Unexpected(u"This file cannot be restored. "_s + whatIsWrong(backup.error()));
     StoreContents contents = contentsOf(backup->get());
     contents.written = info.lastModified();
-    contents.bytes = info.size();
     return contents;
 }
 

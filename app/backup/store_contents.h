@@ -20,7 +20,6 @@ struct StoreContents
     QDateTime lastPurchase; ///< local time; invalid where there is none whose date can be read
     QStringList users;      ///< their names as stored, by name
     QDateTime written;      ///< the file's own time; invalid for an open store
-    qint64 bytes = 0;       ///< likewise 0
 };
 
 [[nodiscard]] StoreContents contentsOf(sqlite3 *store);

@@ -4,7 +4,6 @@
 #include <QString>
 
 #include <optional>
-#include <utility>
 
 namespace harrowby::app {
 
@@ -16,12 +15,6 @@ class StoreHold
 public:
     StoreHold() = default;
     ~StoreHold() { release(); }
-    StoreHold(StoreHold &&other) noexcept : m_file(std::exchange(other.m_file, -1)) {}
-    StoreHold &operator=(StoreHold &&other) noexcept
-    {
-        std::swap(m_file, other.m_file);
-        return *this;
-    }
     StoreHold(const StoreHold &) = delete;
     StoreHold &operator=(const StoreHold &) = delete;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/file_naming.h"
 
+#include "app/shop/file_facts.h"
+
 #include <QFile>
 
 #include <fcntl.h>
@@ -43,6 +45,17 @@ Naming nameNewFile(const QString &file, const QString &path)
         return outcome(-1);
     // The file system has no RENAME_NOREPLACE; link() does not replace either.
     return outcome(::link(from.constData(), to.constData()));
+}
+
+Naming nameNewFileAnywhere(const QString &file, const QString &path)
+{
+    const Naming named = nameNewFile(file, path);
+    if (named || nameIsTaken(path))
+        return named;
+    // FAT, network folders and FUSE each have their own word for a link() that they lack.
+    const bool canNot = named.error() == std::errc::operation_not_permitted ||
+                        named.error() == std::errc::not_supported || named.error() == std::errc::function_not_supported;
+    return canNot ? replaceFile(file, path) : named;
 }
 
 Naming replaceFile(const QString &file, const QString &path)

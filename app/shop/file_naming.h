@@ -15,6 +15,9 @@ using Naming = Result<void, std::error_code>;
 
 /// Never replaces another file: the error is std::errc::file_exists then.
 [[nodiscard]] Naming nameNewFile(const QString &file, const QString &path);
+/// The same also where the file system has neither RENAME_NOREPLACE nor link(): there it looks first whether there is
+/// one, and another program that makes it right then loses it.
+[[nodiscard]] Naming nameNewFileAnywhere(const QString &file, const QString &path);
 /// rename(): replaces a file of that name atomically.
 [[nodiscard]] Naming replaceFile(const QString &file, const QString &path);
 

@@ -3,6 +3,8 @@
 
 #include "app/shop/errand_names.h"
 
+#include <QList>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -11,32 +13,21 @@ namespace harrowby::app {
 
 namespace {
 
-const ErrandForm *formOf(const QString &name)
+/// What can be typed for one errand.
+struct ErrandForm
 {
-    const auto &forms = errandForms();
-    const auto found = std::ranges::find(forms, name, &ErrandForm::name);
-    return found == forms.end() ? nullptr : &*found;
-}
+    struct Option
+    {
+        QString name;
+        QString value; ///< what it needs, as in "--keep needs …"; empty for a switch
+    };
 
-const ErrandForm::Option *optionOf(const ErrandForm &form, const QString &name)
-{
-    const auto found = std::ranges::find(form.options, name, &ErrandForm::Option::name);
-    return found == form.options.end() ? nullptr : &*found;
-}
+    QString name;
+    QStringList values; ///< what each stands for, as in "--backup needs …"
+    QList<Option> options;
+};
 
-/// The errands that this option goes with, "--export and --import".
-QString ownersOf(const QString &option)
-{
-    QStringList owners;
-    for (const ErrandForm &form : errandForms()) {
-        if (optionOf(form, option) != nullptr)
-            owners << form.name;
-    }
-    return owners.join(u" and "_s);
-}
-
-} // namespace
-
+/// All errands there are.
 const QList<ErrandForm> &errandForms()
 {
     static const QList<ErrandForm> forms = {
@@ -65,6 +56,32 @@ const QList<ErrandForm> &errandForms()
     };
     return forms;
 }
+
+const ErrandForm *formOf(const QString &name)
+{
+    const auto &forms = errandForms();
+    const auto found = std::ranges::find(forms, name, &ErrandForm::name);
+    return found == forms.end() ? nullptr : &*found;
+}
+
+const ErrandForm::Option *optionOf(const ErrandForm &form, const QString &name)
+{
+    const auto found = std::ranges::find(form.options, name, &ErrandForm::Option::name);
+    return found == form.options.end() ? nullptr : &*found;
+}
+
+/// The errands that this option goes with, "--export and --import".
+QString ownersOf(const QString &option)
+{
+    QStringList owners;
+    for (const ErrandForm &form : errandForms()) {
+        if (optionOf(form, option) != nullptr)
+            owners << form.name;
+    }
+    return owners.join(u" and "_s);
+}
+
+} // namespace
 
 std::optional<QStringList> ErrandLineReader::valuesOf(const QString &option)
 {

@@ -3,7 +3,6 @@
 
 #include "basic/result.h"
 
-#include <QList>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -22,23 +21,6 @@ struct ErrandLine
 
     [[nodiscard]] bool isGiven() const { return !name.isEmpty(); }
 };
-
-/// What can be typed for one errand.
-struct ErrandForm
-{
-    struct Option
-    {
-        QString name;
-        QString value; ///< what it needs, as in "--keep needs …"; empty for a switch
-    };
-
-    QString name;
-    QStringList values; ///< what each stands for, as in "--backup needs …"
-    QList<Option> options;
-};
-
-/// All errands there are.
-[[nodiscard]] const QList<ErrandForm> &errandForms();
 
 /// Puts the errand together while the command line is read from left to right.
 class ErrandLineReader
