@@ -69,8 +69,19 @@ NightlyDialog::NightlyDialog(NightlyTimer timer, QWidget *parent) : QDialog(pare
     dressDialog(*this);
     resize(nightlySize.boundedTo(roomFor(*this)));
     showWhatCounts();
+    connect(&m_job, &WorkJob::finished, this, [this] {
+        if (m_isLeaving)
+            QDialog::reject();
+    });
     if (before)
         lookWhetherItRuns();
+}
+
+void NightlyDialog::reject()
+{
+    m_isLeaving = m_job.isRunning();
+    if (!m_isLeaving)
+        QDialog::reject();
 }
 
 /// Somebody may have stopped it by systemd's own programs.

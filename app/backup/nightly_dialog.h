@@ -26,6 +26,9 @@ public:
     /// What was changed, for the record of who did what; empty when nothing was.
     [[nodiscard]] const QString &changed() const { return m_changed; }
 
+    /// While something is being changed, which is for the record, it closes when that has ended.
+    void reject() override;
+
 private:
     void createControls();
     void layOut();
@@ -41,6 +44,7 @@ private:
 
     NightlyTimer m_timer;
     QString m_changed;
+    bool m_isLeaving = false;
     QComboBox *m_time = nullptr;
     QLineEdit *m_folder = nullptr;
     QPushButton *m_choose = nullptr;

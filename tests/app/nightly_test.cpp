@@ -2,6 +2,7 @@
 #include "app/backup/nightly_timer.h"
 #include "app/backup/nightly_units.h"
 #include "tests/app/office_desk.h"
+#include "tests/app/quick_folder.h"
 #include "tests/program/test_program.h"
 
 #include <QComboBox>
@@ -42,6 +43,7 @@ private Q_SLOTS:
     void badPlanIsRefused();
     void timerIsSwitchedOff();
     void pageShowsTheTimer();
+    void closedMeanwhileIsRecorded();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(name); }
@@ -55,6 +57,8 @@ private:
         QFile opened(file);
         return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()) : QString();
     }
+    /// Which the others do without.
+    void openOffice() { OfficeDesk::init(); }
     /// What was asked of the false programs since the last time.
     [[nodiscard]] QStringList calls() const;
     /// A false program: notes how it is called, and does this.
@@ -70,8 +74,7 @@ private:
 
 void NightlyTest::init()
 {
-    OfficeDesk::init();
-    m_home = std::make_unique<QTemporaryDir>();
+    m_home = std::make_unique<QTemporaryDir>(quickFolder() + u"/nightly-XXXXXX"_s);
     QVERIFY(QDir(m_home->path()).mkdir(u"away"_s) && QDir(m_home->path()).mkdir(u"bin"_s));
     makeStore(path(u"shop.sqlite"_s));
     QDir(QFileInfo(timer().timerPath()).absolutePath()).removeRecursively();
@@ -270,6 +273,7 @@ void NightlyTest::timerIsSwitchedOff()
 
 void NightlyTest::pageShowsTheTimer()
 {
+    openOffice();
     showPage(u"Backup"_s);
     QCOMPARE(part<QLabel>("nightlyState")->text(), u"No backup is made by itself."_s);
     inNextDialog([this](QDialog &dialog) {
@@ -301,6 +305,22 @@ void NightlyTest::pageShowsTheTimer()
     });
     press("nightlyBackup");
     QCOMPARE(part<QLabel>("nightlyState")->text(), u"No backup is made by itself."_s);
+}
+
+/// The dialog goes when the timer is set up.
+void NightlyTest::closedMeanwhileIsRecorded()
+{
+    openOffice();
+    showPage(u"Backup"_s);
+    inNextDialog([this](QDialog &dialog) {
+        dialog.findChild<QLineEdit *>(u"nightlyFolder"_s)->setText(path(u"away"_s));
+        QTest::mouseClick(dialog.findChild<QPushButton *>(u"saveNightly"_s), Qt::LeftButton);
+        dialog.reject();
+    });
+    press("nightlyBackup");
+    QVERIFY2(part<QLabel>("nightlyState")->text().contains(path(u"away"_s)),
+             qPrintable(part<QLabel>("nightlyState")->text()));
+    QVERIFY(read(u"select What from HarrowbyActivity where Kind = 'SettingChanged'"_s).contains(path(u"away"_s)));
 }
 
 HARROWBY_TEST(app_nightly_test, NightlyTest)
