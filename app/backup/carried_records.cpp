@@ -3,6 +3,7 @@
 
 #include "app/backup/good_backups.h"
 #include "app/records/sqlite_records.h"
+#include "app/records/statement_pieces.h"
 #include "basic/logging.h"
 #include "engine/database.h"
 
@@ -21,8 +22,8 @@ bool isThere(sqlite3 *database, const QString &table)
 std::optional<SqlError> carryRows(sqlite3 *store, sqlite3 *copy, const RecordTable &table)
 {
     const QString columns = table.columns.join(u", "_s);
-    const QString places = QStringList(table.columns.size(), u"?"_s).join(u", "_s);
-    const QString insert = u"INSERT OR IGNORE INTO %1 (%2) VALUES (%3)"_s.arg(table.name, columns, places);
+    const QString insert =
+        u"INSERT OR IGNORE INTO %1 (%2) VALUES (%3)"_s.arg(table.name, columns, placesFor(table.columns.size()));
     SqliteStatement rows(store, u"SELECT %1 FROM %2 ORDER BY rowid"_s.arg(columns, table.name));
     while (rows.next()) {
         QList<DbValue> values;

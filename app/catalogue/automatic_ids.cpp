@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/automatic_ids.h"
 
+#include "app/records/statement_pieces.h"
 #include "basic/numbers.h"
 #include "basic/stock_id.h"
 
@@ -10,11 +11,8 @@ namespace harrowby::app {
 
 Records::Answer<AutomaticIds::Series> AutomaticIds::begin(const QString &prefix) const
 {
-    QString pattern = prefix;
-    for (const QChar special : {u'\\', u'%', u'_'})
-        pattern.replace(special, QString(u'\\') + special);
-    const auto ids = m_records.read(
-        {u"select StockID from StockList where StockID like ? escape '\\'"_s, {QString(pattern + u"-%"_s)}});
+    const QString pattern = escapedForLike(prefix) + u"-%"_s;
+    const auto ids = m_records.read({u"select StockID from StockList where StockID like ? escape '\\'"_s, {pattern}});
     if (!ids)
         return Unexpected(ids.error());
     Series series;

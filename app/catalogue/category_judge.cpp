@@ -32,7 +32,7 @@ Records::Answer<bool> CategoryJudge::take(const ImportFile &file, const WorkWatc
     ImportLine line;
     for (qint64 count = 0; lines.next(line); ++count) {
         if (!line.hasFault())
-            m_lineNumbers[nameOf(line)] << line.line;
+            m_repeats[nameOf(line)].count(line.line);
         if (count % 1000 == 0 && !watch({u"The file is being read …"_s, lines.percent()}))
             return false;
     }
@@ -50,9 +50,8 @@ StagedPiece CategoryJudge::judge(const QList<ImportLine> &lines)
 /// Empty for one that can be added.
 QString CategoryJudge::problemOf(const QString &name) const
 {
-    const QList<qint64> same = m_lineNumbers.value(name);
-    if (same.size() > 1)
-        return repeatsWords(name, same.size(), same.constFirst());
+    if (const Repeats same = m_repeats.value(name); same.rows > 1)
+        return repeatsWords(name, same);
     if (name.isEmpty())
         return u"The name is missing."_s;
     if (name == otherCategory)
@@ -74,7 +73,7 @@ void CategoryJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
         return add(line, line.stored.at(0), line.stored.at(1), piece);
     const QString name = nameOf(line);
     row.stockId = name;
-    row.isRepeated = m_lineNumbers.value(name).size() > 1;
+    row.isRepeated = m_repeats.value(name).rows > 1;
     if (m_paired.value(name) < m_known.rowsOf(name)) {
         ++m_paired[name];
         row.what = RowKind::Unchanged;

@@ -4,6 +4,7 @@
 #include "app/catalogue/import_lines.h"
 #include "app/catalogue/import_shelf.h"
 #include "app/catalogue/known_categories.h"
+#include "app/catalogue/repeats.h"
 #include "app/work/work_step.h"
 
 #include <QHash>
@@ -36,8 +37,8 @@ private:
     const ImportLines &m_lines;
     const ImportChoices &m_choices;
     KnownCategories m_known;
-    QHash<QString, QList<qint64>> m_lineNumbers; ///< of each name
-    QHash<QString, int> m_paired;                ///< rows of the store that a row of the file was equal to
+    QHash<QString, Repeats> m_repeats; ///< of each name
+    QHash<QString, int> m_paired;      ///< rows of the store that a row of the file was equal to
 };
 
 } // namespace harrowby::app

@@ -11,15 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-namespace {
-
-QString trimmedCell(const ImportLine &line, int column)
-{
-    return trimUnseen(line.cells.at(column));
-}
-
-} // namespace
-
 Records::Answer<bool> CodeJudge::take(const ImportFile &file, const WorkWatch &watch)
 {
     if (const auto failure = m_known.load())
@@ -27,12 +18,9 @@ Records::Answer<bool> CodeJudge::take(const ImportFile &file, const WorkWatch &w
     ImportLines lines(file, m_choices);
     ImportLine line;
     for (qint64 count = 0; lines.next(line); ++count) {
-        const QString code = trimmedCell(line, Code);
-        if (!line.hasFault() && !code.isEmpty()) {
-            Repeats &repeats = m_repeats[longestSpelling(code)];
-            if (repeats.rows++ == 0)
-                repeats.firstLine = line.line;
-        }
+        const QString code = cellOf(line, Code);
+        if (!line.hasFault() && !code.isEmpty())
+            m_repeats[longestSpelling(code)].count(line.line);
         if (count % 1000 == 0 && !watch({u"The file is being read …"_s, lines.percent()}))
             return false;
     }
@@ -45,8 +33,8 @@ Records::Answer<StagedPiece> CodeJudge::judge(const QList<ImportLine> &lines)
     QStringList ids;
     for (const ImportLine &line : lines) {
         if (!line.hasFault()) {
-            codes << trimmedCell(line, Code);
-            ids << trimmedCell(line, Item);
+            codes << cellOf(line, Code);
+            ids << cellOf(line, Item);
         }
     }
     m_items.clear();
@@ -74,7 +62,7 @@ StagedRow CodeJudge::rowOf(const ImportLine &line, RowKind what) const
     StagedRow row;
     row.line = line.line;
     row.what = what;
-    row.stockId = trimmedCell(line, Code);
+    row.stockId = cellOf(line, Code);
     return row;
 }
 
@@ -103,10 +91,10 @@ void CodeJudge::asStored(const ImportLine &line, StagedPiece &piece) const
 int CodeJudge::differences(const ImportLine &line, const KnownCode &known) const
 {
     int mask = 0;
-    const QString id = trimmedCell(line, Item);
+    const QString id = cellOf(line, Item);
     if (!id.isEmpty() && line.cells.at(Item) != recordText(known.stockId) && id != recordText(known.stockId))
         mask |= codeItemMask;
-    const QString units = trimmedCell(line, Units);
+    const QString units = cellOf(line, Units);
     const auto figure = readFigure(units, m_choices.form.decimalSign);
     const bool isSame = figure ? *figure == recordReal(known.units) : units == recordText(known.units);
     if (!units.isEmpty() && !isSame)
@@ -130,8 +118,8 @@ bool CodeJudge::takeEqual(const ImportLine &line, const QString &code)
 /// The code, or another length of its number in which the item has it.
 QString CodeJudge::storedSpelling(const ImportLine &line) const
 {
-    const QString code = m_known.meant(trimmedCell(line, Code));
-    const QString id = trimmedCell(line, Item);
+    const QString code = m_known.meant(cellOf(line, Code));
+    const QString id = cellOf(line, Item);
     const auto isIt = [&](const KnownCode &known) {
         return !known.isOrphan && (id.isEmpty() || id == recordText(known.stockId));
     };
@@ -152,7 +140,7 @@ void CodeJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
         piece.rows << rowOf(line, RowKind::Unchanged);
         piece.rows.last().isRepeated = repeats.rows > 1;
     } else if (repeats.rows > 1) {
-        piece.rows << refused(line, Code, repeatsWords(code, repeats.rows, repeats.firstLine));
+        piece.rows << refused(line, Code, repeatsWords(code, repeats));
     } else if (known.isEmpty()) {
         judgeNew(line, code, piece);
     } else {
@@ -163,7 +151,7 @@ void CodeJudge::judgeLine(const ImportLine &line, StagedPiece &piece)
 /// A whole number that one scan can sell; 1 where none is said.
 Result<std::int64_t, QString> CodeJudge::unitsOf(const ImportLine &line) const
 {
-    const QString cell = trimmedCell(line, Units);
+    const QString cell = cellOf(line, Units);
     if (cell.isEmpty())
         return 1;
     const auto figure = readFigure(cell, m_choices.form.decimalSign);
@@ -178,7 +166,7 @@ void CodeJudge::judgeNew(const ImportLine &line, const QString &code, StagedPiec
 {
     if (const auto problem = codeProblem(code))
         return piece.rows.append(refused(line, Code, *problem));
-    const QString id = trimmedCell(line, Item);
+    const QString id = cellOf(line, Item);
     if (!m_items.contains(id))
         return piece.rows.append(
             refused(line, Item, id.isEmpty() ? u"The ID of the item is missing."_s : noItemWords(id)));
@@ -187,21 +175,14 @@ void CodeJudge::judgeNew(const ImportLine &line, const QString &code, StagedPiec
     const auto units = unitsOf(line);
     if (!units)
         return piece.rows.append(refused(line, Units, units.error()));
-    StagedCode staged;
-    staged.line = line.line;
-    staged.code.value = code;
-    staged.stockId.value = id;
-    staged.units = *units;
-    staged.spellings = spellingsOf(code);
-    staged.spellings.removeAll(code);
-    piece.codes << staged;
+    piece.codes << newCode(line.line, code, id, *units);
     piece.rows << rowOf(line, RowKind::New);
 }
 
 void CodeJudge::judgeChange(const ImportLine &line, const KnownCode &known, StagedPiece &piece) const
 {
     const int mask = differences(line, known);
-    const QString id = trimmedCell(line, Item);
+    const QString id = cellOf(line, Item);
     if ((mask & codeItemMask) != 0 && !known.isOrphan)
         return piece.rows.append(refused(
             line, Item,

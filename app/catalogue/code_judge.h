@@ -4,6 +4,7 @@
 #include "app/catalogue/import_lines.h"
 #include "app/catalogue/import_shelf.h"
 #include "app/catalogue/known_codes.h"
+#include "app/catalogue/repeats.h"
 #include "app/work/work_step.h"
 
 #include <QHash>
@@ -35,11 +36,6 @@ private:
         Code,
         Item,
         Units,
-    };
-    struct Repeats
-    {
-        int rows = 0;
-        qint64 firstLine = 0;
     };
 
     [[nodiscard]] QString storedSpelling(const ImportLine &line) const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/code_statements.h"
 
+#include "app/catalogue/import_words.h"
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -23,11 +25,6 @@ QString isEntry(const QString &version)
 {
     return u"c.Code = k.Code and c.StockID is not distinct from k.%1StockID and "
            "c.Units is not distinct from k.%1Units"_s.arg(version);
-}
-
-QString reasonOf(int leftOut)
-{
-    return leftOut == 1 ? u"The store has changed since the preview."_s : u"It was changed after the import."_s;
 }
 
 RecordStatement markingCodes(std::int64_t id, int leftOut, const QString &conditions)
@@ -101,7 +98,7 @@ RecordStatement leaveOutRows(std::int64_t id, int leftOut)
 {
     return {u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What < 3 and "
             "Line in (select k.Line from HarrowbyImportCode k where k.ImportID = ? and k.LeftOut = ?)"_s,
-            {std::int64_t(leftOut), reasonOf(leftOut), id, id, std::int64_t(leftOut)}};
+            {std::int64_t(leftOut), leftOutWords(leftOut), id, id, std::int64_t(leftOut)}};
 }
 
 RecordStatement leaveOutCodes(std::int64_t id, int leftOut)
@@ -166,8 +163,8 @@ RecordStatement leaveOutCategoryRows(std::int64_t id, int leftOut)
 {
     return {u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What = 1 and "
             "Line in (select k.Line from HarrowbyImportCategory k where k.ImportID = ? and k.LeftOut = ?)"_s,
-            {std::int64_t(leftOut), leftOut == 1 ? reasonOf(1) : u"The category has items, or was changed."_s, id, id,
-             std::int64_t(leftOut)}};
+            {std::int64_t(leftOut), leftOut == 1 ? leftOutWords(1) : u"The category has items, or was changed."_s, id,
+             id, std::int64_t(leftOut)}};
 }
 
 } // namespace harrowby::app

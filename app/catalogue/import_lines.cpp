@@ -2,6 +2,7 @@
 #include "app/catalogue/import_lines.h"
 
 #include "app/catalogue/import_columns.h"
+#include "app/catalogue/import_words.h"
 #include "basic/csv_cell.h"
 #include "basic/text.h"
 
@@ -21,6 +22,11 @@ const QList<StoredColumn> &exportColumns(ImportKind kind)
     default:
         return itemColumns();
     }
+}
+
+QString cellOf(const ImportLine &line, int column)
+{
+    return trimUnseen(line.cells.at(column));
 }
 
 ImportLines::ImportLines(const ImportFile &file, const ImportChoices &choices) :

@@ -57,6 +57,9 @@ private:
     bool m_isPartOfExport = false; ///< its apostrophes are ours
 };
 
+/// The cell without blanks around it; empty when the file has none.
+[[nodiscard]] QString cellOf(const ImportLine &line, int column);
+
 /// The columns that an export of the kind has.
 [[nodiscard]] const QList<StoredColumn> &exportColumns(ImportKind kind);
 

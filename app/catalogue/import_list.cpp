@@ -3,6 +3,7 @@
 
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/item_judge.h"
+#include "app/records/statement_pieces.h"
 
 #include <algorithm>
 
@@ -60,11 +61,6 @@ RowFilter stateOf(int what, int leftOut)
     default:
         return RowFilter::Refused;
     }
-}
-
-QString listMarks(qsizetype count)
-{
-    return QStringList(count, u"?"_s).join(u", "_s);
 }
 
 } // namespace
@@ -194,7 +190,7 @@ std::optional<DbFailure> ImportList::addPresent(QList<ImportedRow> &rows) const
         return {};
     const auto items = m_records.read(
         {u"select StockID, StockName, StockCategory, StockCost, StockReorderLevel, StockAvailable, StockUse "
-         "from StockList where StockID in (%1)"_s.arg(listMarks(ids.size())),
+         "from StockList where StockID in (%1)"_s.arg(placesFor(ids.size())),
          ids});
     if (!items)
         return items.error();

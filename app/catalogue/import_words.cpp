@@ -127,10 +127,15 @@ std::optional<QString> codeProblem(const QString &code)
     return shortenedProblem(code);
 }
 
-QString repeatsWords(const QString &what, qint64 rows, qint64 firstLine)
+QString repeatsWords(const QString &what, const Repeats &repeats)
 {
-    return u"%1 stands in %2 rows of the file, first in line %3."_s.arg(what, QString::number(rows),
-                                                                        QString::number(firstLine));
+    return u"%1 stands in %2 rows of the file, first in line %3."_s.arg(what, QString::number(repeats.rows),
+                                                                        QString::number(repeats.firstLine));
+}
+
+QString leftOutWords(int leftOut)
+{
+    return leftOut == 1 ? u"The store has changed since the preview."_s : u"It was changed after the import."_s;
 }
 
 QString noItemWords(const QString &id)

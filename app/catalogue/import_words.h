@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/catalogue/repeats.h"
+
 #include <QString>
 
 #include <optional>
@@ -26,7 +28,9 @@ namespace harrowby::app {
 [[nodiscard]] bool isShortened(const QString &text);
 
 /// For what may stand in a file once alone: "TEA stands in 2 rows of the file, first in line 3."
-[[nodiscard]] QString repeatsWords(const QString &what, qint64 rows, qint64 firstLine);
+[[nodiscard]] QString repeatsWords(const QString &what, const Repeats &repeats);
+/// Why a row that could be written was left out (1), or not taken back (2), where nothing more is known.
+[[nodiscard]] QString leftOutWords(int leftOut);
 /// For the ID of an item that the store does not have.
 [[nodiscard]] QString noItemWords(const QString &id);
 

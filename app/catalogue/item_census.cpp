@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/item_census.h"
 
-#include "app/catalogue/import_words.h"
 #include "basic/stock_id.h"
 
 #include <algorithm>
@@ -14,19 +13,7 @@ namespace {
 
 constexpr qsizetype censusPiece = 400;
 
-void countOne(QHash<QString, ItemCensus::Repeats> &counts, const QString &key, qint64 line)
-{
-    ItemCensus::Repeats &repeats = counts[key];
-    if (repeats.rows++ == 0)
-        repeats.firstLine = line;
-}
-
 } // namespace
-
-QString cellOf(const ImportLine &line, int column)
-{
-    return trimUnseen(line.cells.at(column));
-}
 
 ItemKey ItemCensus::keyOf(const ImportLine &line) const
 {
@@ -36,7 +23,7 @@ ItemKey ItemCensus::keyOf(const ImportLine &line) const
     return m_byCode.value(line.line);
 }
 
-ItemCensus::Repeats ItemCensus::keysLike(const QString &capitals) const
+Repeats ItemCensus::keysLike(const QString &capitals) const
 {
     const Repeats same = m_keys.value(capitals);
     const Repeats small = m_smallKeys.value(capitals);
@@ -72,7 +59,7 @@ std::optional<DbFailure> ItemCensus::count(const QList<ImportLine> &piece, Known
     QStringList unresolved;
     for (const ImportLine &line : piece) {
         if (const QString code = cellOf(line, CodeColumn); codes != nullptr && !code.isEmpty()) {
-            countOne(m_codes, longestSpelling(code), line.line);
+            m_codes[longestSpelling(code)].count(line.line);
             if (keyOf(line).id.isEmpty())
                 unresolved << code;
         }
@@ -88,12 +75,12 @@ std::optional<DbFailure> ItemCensus::count(const QList<ImportLine> &piece, Known
             m_byCode.insert(line.line, {owner.stockId, owner.problem});
         }
         if (const QString id = keyOf(line).id; !id.isEmpty()) {
-            countOne(m_keys, id, line.line);
+            m_keys[id].count(line.line);
             if (const QString capitals = id.toUpper(); capitals != id)
-                countOne(m_smallKeys, capitals, line.line);
+                m_smallKeys[capitals].count(line.line);
         }
         if (const QString name = cellOf(line, NameColumn).toUpper(); !name.isEmpty())
-            countOne(m_names, name, line.line);
+            m_names[name].count(line.line);
     }
     return {};
 }

@@ -3,6 +3,7 @@
 
 #include "app/catalogue/import_lines.h"
 #include "app/catalogue/known_codes.h"
+#include "app/catalogue/repeats.h"
 #include "app/work/work_step.h"
 
 #include <QHash>
@@ -54,11 +55,6 @@ public:
 
     [[nodiscard]] ItemKey keyOf(const ImportLine &line) const;
 
-    struct Repeats
-    {
-        int rows = 0;
-        qint64 firstLine = 0;
-    };
     [[nodiscard]] Repeats keys(const QString &id) const { return m_keys.value(id); }
     /// IDs with these capitals, whatever letters they have.
     [[nodiscard]] Repeats keysLike(const QString &capitals) const;
@@ -76,8 +72,5 @@ private:
     QHash<QString, Repeats> m_codes;
     QHash<qint64, ItemKey> m_byCode; ///< of the rows that have a code and no ID, by line
 };
-
-/// The cell without blanks around it; empty when the file has none.
-[[nodiscard]] QString cellOf(const ImportLine &line, int column);
 
 } // namespace harrowby::app

@@ -3,6 +3,7 @@
 
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/import_words.h"
+#include "app/records/statement_pieces.h"
 #include "basic/reserved_categories.h"
 #include "basic/stock_id.h"
 #include "basic/text.h"
@@ -26,11 +27,6 @@ QString englishCapitals(const QString &name)
             c = c.toUpper();
     }
     return capitals;
-}
-
-QString marksFor(qsizetype count)
-{
-    return QStringList(count, u"?"_s).join(u", "_s);
 }
 
 QString itemsWords(const RecordRow &item)
@@ -86,7 +82,7 @@ std::optional<DbFailure> ItemJudge::lookUp(const QList<ImportLine> &lines)
     }
     if (!ids.isEmpty()) {
         const auto items =
-            m_records.read({itemSelect + u"StockID in (%1) order by StockID"_s.arg(marksFor(ids.size())), ids});
+            m_records.read({itemSelect + u"StockID in (%1) order by StockID"_s.arg(placesFor(ids.size())), ids});
         if (!items)
             return items.error();
         for (const Item &item : *items)
@@ -139,7 +135,7 @@ std::optional<DbFailure> ItemJudge::lookUpNames(const QList<ImportLine> &lines)
         return {};
     const QList<RecordValue> values(names.begin(), names.end());
     const auto items =
-        m_records.read({itemSelect + u"UPPER(StockName) in (%1)"_s.arg(marksFor(values.size())), values});
+        m_records.read({itemSelect + u"UPPER(StockName) in (%1)"_s.arg(placesFor(values.size())), values});
     if (!items)
         return items.error();
     for (const Item &item : *items)
@@ -188,7 +184,7 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
     };
     const QString id = idOf(line);
     const QList<Item> items = m_items.value(id);
-    const ItemCensus::Repeats repeats = m_choices.putIntoCapitals ? m_census.keysLike(id.toUpper()) : m_census.keys(id);
+    const Repeats repeats = m_choices.putIntoCapitals ? m_census.keysLike(id.toUpper()) : m_census.keys(id);
     if (!key.problem.isEmpty())
         return keep(refused(line, CodeColumn, key.problem));
     if (key.id.isEmpty()) {
@@ -205,7 +201,7 @@ std::optional<DbFailure> ItemJudge::judgeLine(const ImportLine &line, StagedPiec
         if (takeEqual(line, id))
             return unchanged();
         return keep(refused(line, cellOf(line, IdColumn).isEmpty() ? CodeColumn : IdColumn,
-                            repeats.rows > 1 ? repeatsWords(key.id, repeats.rows, repeats.firstLine)
+                            repeats.rows > 1 ? repeatsWords(key.id, repeats)
                                              : u"The store has %1 items of this ID."_s.arg(items.size())));
     }
     return items.isEmpty() ? judgeNew(line, id, piece) : keep(judgeChange(line, items.constFirst(), piece));
@@ -299,16 +295,8 @@ std::optional<DbFailure> ItemJudge::judgeNew(const ImportLine &line, QString id,
 
 void ItemJudge::addCode(const ImportLine &line, const Change &change, StagedPiece &piece) const
 {
-    if (change.newCode.isEmpty())
-        return;
-    StagedCode code;
-    code.line = line.line;
-    code.code.value = change.newCode;
-    code.stockId.value = change.entry.id;
-    code.units = std::int64_t(1);
-    code.spellings = spellingsOf(change.newCode);
-    code.spellings.removeAll(change.newCode);
-    piece.codes << code;
+    if (!change.newCode.isEmpty())
+        piece.codes << newCode(line.line, change.newCode, change.entry.id, 1);
 }
 
 } // namespace harrowby::app

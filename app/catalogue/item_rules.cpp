@@ -237,8 +237,8 @@ std::optional<ItemJudge::Fault> ItemJudge::nameFault(const Change &change) const
     if (const auto problem = nameProblem(change.entry.name))
         return Fault{NameColumn, *problem};
     const QString capitals = change.entry.name.toUpper();
-    if (const ItemCensus::Repeats repeats = m_census.names(capitals); repeats.rows > 1)
-        return Fault{NameColumn, repeatsWords(u"The name"_s, repeats.rows, repeats.firstLine)};
+    if (const Repeats repeats = m_census.names(capitals); repeats.rows > 1)
+        return Fault{NameColumn, repeatsWords(u"The name"_s, repeats)};
     for (const Item &item : m_byName.value(capitals)) {
         if (change.isNew || recordText(item.at(0)) != change.entry.id)
             return Fault{NameColumn,
@@ -267,8 +267,8 @@ std::optional<ItemJudge::Fault> ItemJudge::codeFault(const Change &change) const
         return Fault{CodeColumn, *problem};
     if (const auto taken = m_codes->takenBy(change.newCode, change.entry.id))
         return Fault{CodeColumn, *taken};
-    if (const ItemCensus::Repeats repeats = m_census.codes(change.newCode); repeats.rows > 1)
-        return Fault{CodeColumn, repeatsWords(u"The code"_s, repeats.rows, repeats.firstLine)};
+    if (const Repeats repeats = m_census.codes(change.newCode); repeats.rows > 1)
+        return Fault{CodeColumn, repeatsWords(u"The code"_s, repeats)};
     for (const QString &spelling : spellingsOf(change.newCode)) {
         if (spelling == change.entry.id)
             return Fault{CodeColumn, u"%1 is the item's own ID, which is read without an entry."_s.arg(spelling)};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/item_statements.h"
 
+#include "app/catalogue/import_words.h"
 #include "basic/reserved_categories.h"
 
 #include <algorithm>
@@ -11,8 +12,6 @@ namespace harrowby::app {
 
 namespace {
 
-const auto leftOutReason = u"The store has changed since the preview."_s;
-const auto notBackReason = u"It was changed after the import."_s;
 const auto lostCategoryReason = u"Its category has been renamed or deleted since the preview."_s;
 const auto takenNameReason = u"Another item has its former name by now."_s;
 
@@ -141,11 +140,9 @@ QStringList asStoredColumns()
 
 RecordStatement marking(std::int64_t id, const QString &conditions, bool isReturn, const QString &reason = {})
 {
-    const std::int64_t leftOut = isReturn ? 2 : 1;
-    const QString &usual = isReturn ? notBackReason : leftOutReason;
-    const QString &words = reason.isEmpty() ? usual : reason;
+    const int leftOut = isReturn ? 2 : 1;
     return {u"update HarrowbyImportRow as r set LeftOut = ?, Reason = ? where %1"_s.arg(conditions),
-            {leftOut, words, id}};
+            {std::int64_t(leftOut), reason.isEmpty() ? leftOutWords(leftOut) : reason, id}};
 }
 
 } // namespace

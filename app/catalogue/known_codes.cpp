@@ -38,6 +38,18 @@ QString longestSpelling(const QString &code)
     return spellingsOf(whole.isEmpty() ? code : whole).constLast();
 }
 
+StagedCode newCode(qint64 line, const QString &code, const QString &stockId, std::int64_t units)
+{
+    StagedCode staged;
+    staged.line = line;
+    staged.code.value = code;
+    staged.stockId.value = stockId;
+    staged.units = units;
+    staged.spellings = spellingsOf(code);
+    staged.spellings.removeAll(code);
+    return staged;
+}
+
 std::optional<DbFailure> KnownCodes::load()
 {
     const auto rows =

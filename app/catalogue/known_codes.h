@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/catalogue/import_shelf.h"
 #include "app/codes/code_table.h"
 #include "app/records/records.h"
 
@@ -9,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <optional>
 
 namespace harrowby::app {
@@ -28,6 +30,9 @@ struct KnownCode
 
 /// Of all spellings the longest; with the zeros that a spreadsheet has taken away.
 [[nodiscard]] QString longestSpelling(const QString &code);
+
+/// A code that comes with a row, in every length.
+[[nodiscard]] StagedCode newCode(qint64 line, const QString &code, const QString &stockId, std::int64_t units);
 
 /// The codes that the store has, and which IDs of items are codes, too. Asked by pieces of a file.
 class KnownCodes

@@ -2,17 +2,13 @@
 #include "app/catalogue/new_ids.h"
 
 #include "app/codes/code_text.h"
+#include "app/records/statement_pieces.h"
 
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
 namespace {
-
-QString inList(qsizetype count)
-{
-    return QStringList(count, u"?"_s).join(u", "_s);
-}
 
 /// SQLite puts no letters but those of English in capitals: an "é" of the store stays one.
 QString ofOtherLetters(const QString &id)
@@ -48,7 +44,7 @@ std::optional<DbFailure> NewIds::lookUpItems(const QStringList &ids)
             values << other;
     }
     const auto items = m_records.read(
-        {u"select StockID, StockName from StockList where UPPER(StockID) in (%1)"_s.arg(inList(values.size())),
+        {u"select StockID, StockName from StockList where UPPER(StockID) in (%1)"_s.arg(placesFor(values.size())),
          values});
     if (!items)
         return items.error();
@@ -76,7 +72,7 @@ std::optional<DbFailure> NewIds::lookUpCodes(const QStringList &ids)
     }
     const auto codes =
         m_records.read(kept::code(), {u"select c.Code, s.StockID, s.StockName from HarrowbyCode c join StockList s on "
-                                      "s.StockID = c.StockID where c.Code in (%1)"_s.arg(inList(values.size())),
+                                      "s.StockID = c.StockID where c.Code in (%1)"_s.arg(placesFor(values.size())),
                                       values});
     if (!codes)
         return codes.error();
@@ -91,7 +87,7 @@ std::optional<QString> NewIds::problemOf(const QString &id) const
     if (const auto same = m_items.constFind(capitals); same != m_items.constEnd())
         return u"It is the ID of %1 but for small letters and capitals, which the till does not tell apart."_s.arg(
             *same);
-    if (const ItemCensus::Repeats repeats = m_census.keysLike(capitals); repeats.rows > 1)
+    if (const Repeats repeats = m_census.keysLike(capitals); repeats.rows > 1)
         return u"But for small letters and capitals the ID stands in %1 rows of the file, first in line %2."_s
             .arg(repeats.rows)
             .arg(repeats.firstLine);

@@ -3,6 +3,7 @@
 
 #include "app/codes/code_text.h"
 #include "app/codes/gtin.h"
+#include "app/records/statement_pieces.h"
 #include "app/shop/failure_text.h"
 #include "basic/text.h"
 
@@ -20,12 +21,6 @@ const auto notAdded = u"The code was not added."_s;
 QList<RecordValue> valuesOf(const QStringList &texts)
 {
     return {texts.begin(), texts.end()};
-}
-
-/// "?, ?, ?"
-QString marksFor(const QStringList &texts)
-{
-    return QStringList(texts.size(), u"?"_s).join(u", "_s);
 }
 
 /// Columns: Code, StockID, Units, the item's StockID and StockName.
@@ -78,7 +73,7 @@ Records::Answer<QList<ItemCode>> CodeTable::list() const
 Records::Answer<QList<StockItem>> CodeTable::itemsWithIds(const QStringList &ids) const
 {
     const auto rows = m_records.read(
-        {u"select StockID, StockName, StockCost from StockList where StockID in (%1)"_s.arg(marksFor(ids)),
+        {u"select StockID, StockName, StockCost from StockList where StockID in (%1)"_s.arg(placesFor(ids.size())),
          valuesOf(ids)});
     if (!rows)
         return Unexpected(rows.error());
@@ -92,10 +87,7 @@ Records::Answer<QList<StockItem>> CodeTable::itemsWithIds(const QStringList &ids
 
 Records::Answer<QList<StockItem>> CodeTable::itemsLike(const QString &text, int most) const
 {
-    QString pattern = trimmedUpper(text);
-    for (const QChar special : {u'\\', u'%', u'_'})
-        pattern.replace(special, QString(u'\\') + special);
-    pattern = u'%' + pattern + u'%';
+    const QString pattern = u'%' + escapedForLike(trimmedUpper(text)) + u'%';
     const auto rows =
         m_records.read({u"select StockID, StockName, StockCost from StockList where upper(StockID) like ? escape '\\' "
                         "or upper(StockName) like ? escape '\\' order by StockName, StockID limit %1"_s.arg(most),
@@ -110,8 +102,8 @@ Records::Answer<QList<StockItem>> CodeTable::itemsLike(const QString &text, int 
 
 Records::Answer<QList<ItemCode>> CodeTable::entries(const QStringList &codes) const
 {
-    const auto rows =
-        m_records.read(kept::code(), {selectEntries(u" where c.Code in (%1)"_s.arg(marksFor(codes))), valuesOf(codes)});
+    const auto rows = m_records.read(
+        kept::code(), {selectEntries(u" where c.Code in (%1)"_s.arg(placesFor(codes.size()))), valuesOf(codes)});
     if (!rows)
         return Unexpected(rows.error());
     QList<ItemCode> found;

@@ -39,14 +39,6 @@ std::optional<CsvEncoding> byZeros(QByteArrayView bytes)
     return {};
 }
 
-/// The length of the valid UTF-8 character of several bytes at the beginning; 0 when there is none.
-qsizetype wideCharacter(QByteArrayView bytes)
-{
-    const auto lead = static_cast<unsigned char>(bytes.front());
-    const qsizetype length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 0;
-    return length > 0 && length <= bytes.size() && isUtf8(bytes.first(length)) ? length : 0;
-}
-
 /// Some bytes are no UTF-8: whether many characters are all the same. In Windows-1252 hardly any look so.
 bool isSpoiltUtf8(QByteArrayView bytes)
 {
@@ -54,7 +46,7 @@ bool isSpoiltUtf8(QByteArrayView bytes)
     qsizetype invalid = 0;
     for (qsizetype at = 0; at < bytes.size();) {
         const bool isAscii = static_cast<unsigned char>(bytes[at]) < 0x80;
-        const qsizetype length = isAscii ? 1 : wideCharacter(bytes.sliced(at));
+        const qsizetype length = isAscii ? 1 : characterLength(bytes.sliced(at));
         valid += length > 1 ? 1 : 0;
         invalid += length == 0 ? 1 : 0;
         at += std::max<qsizetype>(length, 1);

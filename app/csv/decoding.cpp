@@ -71,6 +71,13 @@ bool isUtf8(QByteArrayView bytes)
     return bytes.isValidUtf8();
 }
 
+qsizetype characterLength(QByteArrayView bytes)
+{
+    const auto lead = static_cast<unsigned char>(bytes.front());
+    const qsizetype length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    return length <= bytes.size() && isUtf8(bytes.first(length)) ? length : 0;
+}
+
 bool decodeBytes(QString &text, QByteArrayView bytes, CsvEncoding encoding)
 {
     return encoding == CsvEncoding::Windows1252 ? decodeWindows(text, bytes) : decodeUtf8(text, bytes);

@@ -19,6 +19,10 @@ inline constexpr QByteArrayView utf8Mark("\xEF\xBB\xBF"); ///< U+FEFF
 /// Whether all of it is valid UTF-8, a byte order mark included.
 [[nodiscard]] bool isUtf8(QByteArrayView bytes);
 
+/// The length of the valid UTF-8 character at the beginning of these bytes, of which there are some; 0 when there is
+/// none.
+[[nodiscard]] qsizetype characterLength(QByteArrayView bytes);
+
 /// Decodes UTF-8 or Windows-1252; false when a byte is none of the encoding, and U+FFFD stands there. A U+FEFF at the
 /// beginning stays.
 [[nodiscard]] bool decodeBytes(QString &text, QByteArrayView bytes, CsvEncoding encoding);

@@ -38,19 +38,11 @@ std::optional<QByteArray> bytesOfHex(QStringView digits)
     return hexOf(bytes) == digits ? std::optional(bytes) : std::nullopt;
 }
 
-/// The length of the valid character at the beginning, or 0.
-qsizetype characterAt(QByteArrayView bytes)
-{
-    const auto lead = static_cast<unsigned char>(bytes.front());
-    const qsizetype length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-    return length <= bytes.size() && isUtf8(bytes.first(length)) ? length : 0;
-}
-
 QString escapedText(QByteArrayView utf8)
 {
     QByteArray text;
     for (qsizetype at = 0; at < utf8.size();) {
-        const qsizetype length = utf8[at] == '\0' ? 0 : characterAt(utf8.sliced(at));
+        const qsizetype length = utf8[at] == '\0' ? 0 : characterLength(utf8.sliced(at));
         if (length == 0)
             text += "\\x" + utf8.sliced(at, 1).toByteArray().toHex().toUpper();
         else if (utf8[at] == '\\')

@@ -3,6 +3,7 @@
 
 #include "app/catalogue/last_import.h"
 #include "app/codes/code_table.h"
+#include "app/records/statement_pieces.h"
 #include "basic/text.h"
 
 #include <QHash>
@@ -15,15 +16,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-/// For LIKE with the escape character "\".
-QString patternFor(const QString &text)
-{
-    QString pattern = trimmedUpper(text);
-    for (const QChar special : {u'\\', u'%', u'_'})
-        pattern.replace(special, QString(u'\\') + special);
-    return u'%' + pattern + u'%';
-}
 
 void sortCodes(QList<LabelCode> &codes)
 {
@@ -85,7 +77,7 @@ LabelItems::Answer<RecordStatement> LabelItems::condition(const LabelQuery &quer
             where.values << *last;
     }
     if (!query.text.trimmed().isEmpty()) {
-        const QString pattern = patternFor(query.text);
+        const QString pattern = u'%' + escapedForLike(trimmedUpper(query.text)) + u'%';
         where.text += u" and (upper(s.StockID) like ? escape '\\' or upper(s.StockName) like ? escape '\\'"_s;
         where.values << pattern << pattern;
         if (*hasCodes) {

@@ -46,6 +46,11 @@ QString emptyStore()
 
 } // namespace
 
+ImportEnd endOf(const Imported<ImportOutcome> &outcome)
+{
+    return outcome ? ImportEnd{} : outcome.error();
+}
+
 bool goOn(const WorkStep &)
 {
     return true;
@@ -153,6 +158,14 @@ ImportOutcome ImportBench::importValid(const QByteArray &text, const ImportChoic
     const auto outcome = import().apply(stage(text, choices).id, true, nullptr, goOn);
     mustBe(outcome.has_value(), outcome ? QString() : outcome.error().words);
     return *outcome;
+}
+
+QByteArray ImportBench::exported(ExportKind kind) const
+{
+    const QString target = folder.filePath(u"list.csv"_s);
+    const ExportEnd end = exportList(path, target, ExportRequest{kind, {}, {}, {}}, goOn);
+    QFile file(target);
+    return end.outcome == ExportEnd::Outcome::Done && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList ImportBench::list(std::int64_t id, RowFilter filter)

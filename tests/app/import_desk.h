@@ -3,6 +3,7 @@
 
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/own_records.h"
+#include "app/export/export.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -45,6 +46,9 @@ public:
     /// Rows of the list, as "line state key: column before>after …" and for refused ones "line refused column: reason".
     [[nodiscard]] QStringList list(std::int64_t id, RowFilter filter = RowFilter::All);
 
+    /// The bytes of an export; empty when it fails.
+    [[nodiscard]] QByteArray exported(ExportKind kind) const;
+
     QTemporaryDir folder;
     QString path;
     std::unique_ptr<OwnRecords> own;
@@ -52,6 +56,9 @@ public:
     ImportDesk desk;
     std::int64_t last = 0; ///< the import that was staged last
 };
+
+/// Why there is none; a usual one when it was done.
+[[nodiscard]] ImportEnd endOf(const Imported<ImportOutcome> &outcome);
 
 /// Goes on.
 [[nodiscard]] bool goOn(const WorkStep &);

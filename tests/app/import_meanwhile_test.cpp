@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "app/export/export.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
 
-#include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -31,22 +29,8 @@ private Q_SLOTS:
     void idsThatAreCodes();
 
 private:
-    [[nodiscard]] ImportEnd endOf(const Imported<ImportOutcome> &outcome) const
-    {
-        return outcome ? ImportEnd{} : outcome.error();
-    }
-    [[nodiscard]] QByteArray exported(ExportKind kind) const;
-
     std::unique_ptr<ImportBench> m_bench;
 };
-
-QByteArray ImportMeanwhileTest::exported(ExportKind kind) const
-{
-    const QString target = m_bench->folder.filePath(u"list.csv"_s);
-    const ExportEnd end = exportList(m_bench->path, target, ExportRequest{kind, {}, {}, {}}, goOn);
-    QFile file(target);
-    return end.outcome == ExportEnd::Outcome::Done && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 void ImportMeanwhileTest::categoryThatIsGoneMeanwhile()
 {
@@ -108,7 +92,7 @@ void ImportMeanwhileTest::equalRowsOnTheWayBack()
     empty.sql(u"delete from InventoryCategory"_s);
     for (const auto &[kind, into] :
          {std::pair(ExportKind::Categories, ImportKind::Categories), std::pair(ExportKind::Items, ImportKind::Items)}) {
-        const QByteArray text = exported(kind);
+        const QByteArray text = m_bench->exported(kind);
         ImportChoices choices = ImportBench::choicesFor(text, into);
         choices.asStored = true;
         empty.importValid(text, choices);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/good_backups.h"
 #include "app/backup/kept_backups.h"
-#include "app/export/export.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
 
@@ -46,22 +45,8 @@ private Q_SLOTS:
     void onlyTheLatestAreKept();
 
 private:
-    [[nodiscard]] ImportEnd endOf(const Imported<ImportOutcome> &outcome) const
-    {
-        return outcome ? ImportEnd{} : outcome.error();
-    }
-    [[nodiscard]] QByteArray exported(ExportKind kind) const;
-
     std::unique_ptr<ImportBench> m_bench;
 };
-
-QByteArray ImportWritingTest::exported(ExportKind kind) const
-{
-    const QString target = m_bench->folder.filePath(u"list.csv"_s);
-    const ExportEnd end = exportList(m_bench->path, target, ExportRequest{kind, {}, {}, {}}, goOn);
-    QFile file(target);
-    return end.outcome == ExportEnd::Outcome::Done && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 void ImportWritingTest::backupComesFirst()
 {
@@ -371,7 +356,7 @@ void ImportWritingTest::exportedAndImportedAgain()
     m_bench->addItem(u"B"_s, u"SAME"_s, u"x'00'"_s, u"-3"_s, u"a, \"b\"\n;c"_s);
     m_bench->importValid("StockID,Code\n+A,111\n");
     for (const ExportKind kind : {ExportKind::Items, ExportKind::Categories, ExportKind::Codes}) {
-        const QByteArray text = exported(kind);
+        const QByteArray text = m_bench->exported(kind);
         const ImportKind into = kind == ExportKind::Items        ? ImportKind::Items
                                 : kind == ExportKind::Categories ? ImportKind::Categories
                                                                  : ImportKind::Codes;
@@ -402,7 +387,7 @@ void ImportWritingTest::storeIsEqualInAnEmptyOne()
     for (const auto &[kind, into] :
          {std::pair(ExportKind::Codes, ImportKind::Codes), std::pair(ExportKind::Items, ImportKind::Items),
           std::pair(ExportKind::Categories, ImportKind::Categories)}) {
-        const QByteArray text = exported(kind);
+        const QByteArray text = m_bench->exported(kind);
         ImportChoices choices = ImportBench::choicesFor(text, into);
         QVERIFY(*empty.import().mayImportAsStored(ImportBench::file(text), choices));
         choices.asStored = true;
