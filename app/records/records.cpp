@@ -61,33 +61,24 @@ Records::Answer<std::int64_t> Records::write(const RecordTable &table, const Rec
 Records::Answer<QList<std::int64_t>> Records::writeTogether(const RecordTable &table,
                                                             const QList<RecordStatement> &statements)
 {
-    for (const RecordStatement &statement : statements) {
-        auto failure = statement.table != nullptr ? prepare(*statement.table) : std::nullopt;
-        if (failure)
-            return Unexpected(*std::move(failure));
-    }
     QList<std::int64_t> changed;
-    std::optional<DbFailure> failure;
-    const auto kept = together(table, [&] {
-        for (const RecordStatement &statement : statements) {
-            const auto rows = write(table, statement);
-            if (!rows) {
-                failure = rows.error();
-                return false;
-            }
-            changed << *rows;
-        }
-        return true;
-    });
-    if (failure)
-        return Unexpected(*std::move(failure));
+    const auto kept = writeAll(table, {}, statements, changed);
     if (!kept)
         return Unexpected(kept.error());
+    if (!*kept)
+        return Unexpected(told({Kind::Write, u"UPDATE "_s + table.name, u"The writes were broken off"_s, 0}));
     return changed;
 }
 
 Records::Answer<bool> Records::writeTogetherIf(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
                                                const QList<RecordStatement> &statements)
+{
+    QList<std::int64_t> changed;
+    return writeAll(table, mayWrite, statements, changed);
+}
+
+Records::Answer<bool> Records::writeAll(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
+                                        const QList<RecordStatement> &statements, QList<std::int64_t> &changed)
 {
     for (const RecordStatement &statement : statements) {
         auto failure = statement.table != nullptr ? prepare(*statement.table) : std::nullopt;
@@ -96,16 +87,18 @@ Records::Answer<bool> Records::writeTogetherIf(const RecordTable &table, const s
     }
     std::optional<DbFailure> failure;
     const auto kept = together(table, [&] {
-        const auto may = mayWrite();
+        const auto may = mayWrite ? mayWrite() : Answer<bool>(true);
         if (!may)
             failure = may.error();
         if (!may || !*may)
             return false;
         for (const RecordStatement &statement : statements) {
-            if (const auto written = write(table, statement); !written) {
-                failure = written.error();
+            const auto rows = write(table, statement);
+            if (!rows) {
+                failure = rows.error();
                 return false;
             }
+            changed << *rows;
         }
         return true;
     });
@@ -119,8 +112,9 @@ Records::Answer<std::int64_t> Records::writeEach(const RecordTable &table, const
 {
     std::optional<DbFailure> failure;
     for (const QList<RecordValue> &values : rows) {
-        if (!failure)
-            failure = misfit(Kind::Write, {text, values});
+        failure = misfit(Kind::Write, {text, values});
+        if (failure)
+            break;
     }
     if (!failure)
         failure = make(table, text);

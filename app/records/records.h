@@ -103,6 +103,9 @@ protected:
     virtual void rollBack() = 0;
 
 private:
+    /// Without `mayWrite` they are always written. Also false when the work was broken off.
+    [[nodiscard]] Answer<bool> writeAll(const RecordTable &table, const std::function<Answer<bool>()> &mayWrite,
+                                        const QList<RecordStatement> &statements, QList<std::int64_t> &changed);
     [[nodiscard]] std::optional<DbFailure> make(const RecordTable &table, const QString &forStatement);
     DbFailure told(DbFailure failure) const;
 

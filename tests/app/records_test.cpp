@@ -56,6 +56,7 @@ private Q_SLOTS:
     void textIsNeverAStatement();
     void asManyValuesAsMarks();
     void writesTogetherAreAllOrNone();
+    void writesThatBreakOffAreAFailure();
     void workIsUndoneWhenItSaysSo();
     void workThatThrowsIsUndone();
     void noOtherWriteComesBetween();
@@ -198,6 +199,20 @@ void RecordsTest::writesTogetherAreAllOrNone()
     QCOMPARE(names(), (QStringList{u"a"_s, u"b"_s}));
     QCOMPARE(m_told.size(), 1);
     QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
+}
+
+void RecordsTest::writesThatBreakOffAreAFailure()
+{
+    int writes = 0;
+    m_records->setBeforeWriting([&writes] {
+        if (++writes == 3) // the second of the two; the first time is for the table
+            throw std::bad_alloc();
+    });
+    const auto broken = m_records->writeTogether(notes(), {insertNote(u"a"_s), insertNote(u"b"_s)});
+    m_records->setBeforeWriting({});
+    QVERIFY(!broken);
+    QCOMPARE(m_told.size(), 1);
+    QCOMPARE(names(), QStringList());
 }
 
 void RecordsTest::workIsUndoneWhenItSaysSo()
