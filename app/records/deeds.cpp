@@ -56,6 +56,11 @@ Records::Answer<bool> writeTold(Records &records, const RecordTable &table, cons
     return kept;
 }
 
+QString tillPlace(const QString &till)
+{
+    return u"till %1"_s.arg(till).trimmed();
+}
+
 QString commandLineUser()
 {
     QString user = qEnvironmentVariable("USER");

@@ -101,5 +101,7 @@ private:
 inline constexpr QLatin1StringView commandLinePlace("command line");
 /// The place of what is done in the office.
 inline constexpr QLatin1StringView officePlace("office");
+/// The place of what is done at a till: "till DESK 1".
+[[nodiscard]] QString tillPlace(const QString &till);
 
 } // namespace harrowby::app

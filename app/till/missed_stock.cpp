@@ -26,8 +26,7 @@ QString unitsWords(const StockMiss &miss, const QString &name)
 } // namespace
 
 MissedStock::MissedStock(Counter &counter, Records &records, const QString &till, Voice voice) :
-    m_counter(counter), m_records(records), m_deeds(records, u"till %1"_s.arg(till).trimmed()),
-    m_voice(std::move(voice))
+    m_counter(counter), m_records(records), m_deeds(records, tillPlace(till)), m_voice(std::move(voice))
 {
     connect(&counter, &Counter::purchased, this, &MissedStock::followPurchase);
     connect(&counter, &Counter::purchaseUndone, this, &MissedStock::followTakenBack);

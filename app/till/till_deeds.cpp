@@ -22,7 +22,7 @@ QString cost(double amount)
 } // namespace
 
 TillDeeds::TillDeeds(Counter &counter, Records &records, const QString &till) :
-    m_counter(counter), m_records(records), m_deeds(records, u"till %1"_s.arg(till).trimmed())
+    m_counter(counter), m_records(records), m_deeds(records, tillPlace(till))
 {
     connect(&counter, &Counter::cartChanged, this, &TillDeeds::followCart);
     connect(&counter, &Counter::purchased, this, &TillDeeds::followPurchase);
