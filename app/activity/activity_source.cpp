@@ -60,7 +60,7 @@ std::optional<DbFailure> ActivitySource::read(Records &records)
     if (!rows)
         return rows.error();
     for (const RecordRow &row : *rows) {
-        follow(recordText(row.constFirst()));
+        follow(row.constFirst());
         m_entries.push_back(m_form.entry(row));
     }
     m_isAtEnd = rows->size() < most;
@@ -69,6 +69,7 @@ std::optional<DbFailure> ActivitySource::read(Records &records)
 }
 
 /// By the time and not by a row number, so that the index serves and any engine can do it. Rows of one time are few.
+/// The time as it is stored: in a store of another program's a number is no text.
 RecordStatement ActivitySource::nextPage(int rows) const
 {
     QList<RecordStatement> conditions = m_form.conditions;
@@ -83,7 +84,7 @@ RecordStatement ActivitySource::nextPage(int rows) const
     return page;
 }
 
-void ActivitySource::follow(const QString &time)
+void ActivitySource::follow(const RecordValue &time)
 {
     if (time != m_upTo)
         m_skipped = 0;
@@ -132,7 +133,7 @@ ActivitySource openingSource(const ActivityDays &days)
                            u"select OpenedAt, OpenedBy, Drawer, Reason from HarrowbyDrawerOpening"_s, u"OpenedAt"_s,
                            u"OpenedAt desc, OpeningID desc"_s, within(days, u"OpenedAt"_s), [](const RecordRow &row) {
                                return ActivityEntry{shownTime(recordText(row.at(0))), ActivityKind::Drawer,
-                                                    recordText(row.at(1)), u"till "_s + recordText(row.at(2)),
+                                                    recordText(row.at(1)), tillPlace(recordText(row.at(2))),
                                                     u"The drawer was opened by hand: "_s + recordText(row.at(3))};
                            }});
 }

@@ -47,14 +47,14 @@ public:
 private:
     [[nodiscard]] RecordStatement nextPage(int rows) const;
     std::optional<DbFailure> read(Records &records);
-    void follow(const QString &time);
+    void follow(const RecordValue &time);
 
     Form m_form;
     std::deque<ActivityEntry> m_entries;
     bool m_isAtEnd = false;
     bool m_hasBegun = false;
     // Where the next page begins: behind so many rows of that time.
-    QString m_upTo;
+    RecordValue m_upTo;
     std::int64_t m_skipped = 0;
 };
 

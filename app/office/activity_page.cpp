@@ -103,24 +103,21 @@ QHBoxLayout *ActivityPage::makeEnd()
     return row;
 }
 
-std::optional<LeavingQuestion> ActivityPage::leaving() const
-{
-    return {}; // what is looked for or written is stopped with the page, and leaves nothing half done
-}
-
 void ActivityPage::showEvent(QShowEvent *event)
 {
     OfficePage::showEvent(event);
-    if (!event->spontaneous())
+    if (!event->spontaneous() && !m_job.isRunning())
         search();
 }
 
-/// Also while it is still looked for something else.
+/// Also while it is still looked for something else. A list that is being saved is saved first.
 void ActivityPage::search()
 {
     if (m_job.isRunning()) {
         m_again = true;
-        return m_job.cancel();
+        if (!m_saving)
+            m_job.cancel();
+        return;
     }
     m_entries.clear();
     m_search = std::make_shared<ActivitySearch>(m_choices->filter());
@@ -137,7 +134,6 @@ void ActivityPage::look(bool withUsers)
 {
     const auto work = [store = m_store, search = m_search, withUsers](const WorkWatch &watch) {
         Found found;
-        found.search = search;
         const auto opened = withOwnRecords(store, [&](Records &records) {
             auto entries = search->next(records, entriesOfAPage, watch);
             if (entries)
@@ -247,8 +243,11 @@ void ActivityPage::save()
     const auto work = [store = m_store, target, wanted, chosen = form()](const WorkWatch &watch) {
         return exportActivity(store, target, chosen, wanted, watch);
     };
-    m_job.start<ExportEnd>(work, [this, target](const Result<ExportEnd, QString> &end) {
-        saved(end ? *end : ExportEnd{ExportEnd::Outcome::Failed, end.error(), 0, 0}, target);
+    m_saving = m_job.start<ExportEnd>(work, [this, target](const Result<ExportEnd, QString> &end) {
+        m_saving = false;
+        if (std::exchange(m_again, false))
+            search();
+        saved(end ? *end : ExportEnd{ExportEnd::Outcome::Failed, end.error(), 0, 0}, target); // may show a box
     });
 }
 

@@ -40,8 +40,6 @@ public:
     /// `store`: the file, which is opened once more for each search. The records of the deeds must outlive the page.
     ActivityPage(SignedDeeds deeds, QString store, QWidget *parent = nullptr);
 
-    [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
-
     /// Asks this instead of the person.
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
 
@@ -54,7 +52,6 @@ private:
     struct Found
     {
         QList<ActivityEntry> entries;
-        std::shared_ptr<ActivitySearch> search;
         QStringList users; ///< to choose from; none when they were not asked for
         QString problem;   ///< in words for a person
     };
@@ -80,7 +77,8 @@ private:
     WorkJob m_job;
     std::shared_ptr<ActivitySearch> m_search;
     QList<ActivityEntry> m_entries;
-    bool m_again = false; ///< something else was chosen while it was looked for
+    bool m_again = false; ///< something else was chosen while the job ran
+    bool m_saving = false;
     bool m_hasUsers = false;
 
     ActivityChoices *m_choices = nullptr;

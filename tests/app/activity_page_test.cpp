@@ -32,6 +32,7 @@ private Q_SLOTS:
     void detailSaysItWhole();
     void listIsSaved();
     void savingCanBeCalledOff();
+    void savingGoesOnWhateverIsChosen();
     void longSearchCanBeCancelled();
     void failureIsTold();
 
@@ -196,6 +197,23 @@ void ActivityPageTest::savingCanBeCalledOff()
     answerNextBox(QMessageBox::AcceptRole);
     part<QPushButton>("saveActivity")->click();
     QVERIFY(!m_boxText.isEmpty()); // the store itself
+}
+
+void ActivityPageTest::savingGoesOnWhateverIsChosen()
+{
+    log(u"Setting Saved!"_s, QDateTime::currentDateTime());
+    open();
+    const QString target = m_folder->filePath(u"list.csv"_s);
+    m_window->findChild<ActivityPage *>()->setFileChooser([&](QWidget *, const QString &) { return target; });
+    part<QPushButton>("saveActivity")->click();
+    showPage(u"Users"_s);
+    showPage(u"Activity"_s);
+    auto *days = part<QComboBox>("activityDays");
+    days->setCurrentIndex(days->findText(u"Yesterday"_s));
+    Q_EMIT days->activated(days->currentIndex());
+    QCOMPARE(m_strip->findChild<QLabel *>(u"workWords"_s)->text(), u"Please wait \u2026"_s); // and not being stopped
+    QTRY_COMPARE(said(), u"Nothing was found."_s);                                           // the list follows
+    QVERIFY(QFile::exists(target));
 }
 
 void ActivityPageTest::longSearchCanBeCancelled()

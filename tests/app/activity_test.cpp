@@ -29,6 +29,7 @@ private Q_SLOTS:
     void everyDeedHasAKindAndEveryKindAName();
     void allThatHappenedIsOneListNewestFirst();
     void pagesLoseAndRepeatNothing();
+    void timesThatAreNumbersAreListedOnce();
     void daysAreLocalAndBothIncluded();
     void oneKindIsFound();
     void oneUserIsFoundWhereTheUserIsKnown();
@@ -204,6 +205,20 @@ void ActivityTest::pagesLoseAndRepeatNothing()
         all.removeDuplicates();
         QCOMPARE(all.size(), 7000);
     }
+}
+
+/// Of another program: SQLite has every number before every text.
+void ActivityTest::timesThatAreNumbersAreListedOnce()
+{
+    for (const QString &text :
+         {u"drop table SysUsage"_s, u"create table SysUsage (SystemUsage, Times, Dates)"_s,
+          u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 350) insert into SysUsage select "
+          "'row ' || i, '', case when i > 200 then i else datetime('2026-03-06', '-' || i || ' seconds') end from n"_s})
+        QVERIFY(!runSql(m_database.get(), text));
+    QStringList all = found({});
+    QCOMPARE(all.size(), 350);
+    all.removeDuplicates();
+    QCOMPARE(all.size(), 350);
 }
 
 void ActivityTest::daysAreLocalAndBothIncluded()
