@@ -64,24 +64,26 @@ std::optional<QString> FindingConnection::foundText(const QString &select) const
 bool FindingConnection::Execute(const QString &statement)
 {
     const bool isDone = SqliteConnection::Execute(statement);
-    if (isDone && m_missHandler && sqlite3_changes(m_database) == 0) {
-        if (const auto miss = missOf(statement))
-            m_missHandler(*miss);
-    }
+    if (isDone && sqlite3_changes(m_database) == 0)
+        tellMiss(statement);
     return isDone;
+}
+
+/// The statement was carried out, and has found nothing.
+void FindingConnection::tellMiss(const QString &statement) const
+{
+    const auto miss = m_missHandler ? missOf(statement) : std::nullopt;
+    if (miss)
+        m_missHandler(*miss);
 }
 
 /// As the plain connection does it.
 std::unique_ptr<DbCursor> FindingConnection::watched(const QString &select)
 {
     auto cursor = SqliteConnection::query(select);
-    auto miss = cursor && m_missHandler ? missOf(select) : std::nullopt;
-    if (!miss)
+    if (!cursor || !m_missHandler || !looksForItem(select))
         return cursor;
-    return std::make_unique<EmptinessWatch>(std::move(cursor), [this, miss = *std::move(miss)] {
-        if (m_missHandler)
-            m_missHandler(miss);
-    });
+    return std::make_unique<EmptinessWatch>(std::move(cursor), [this, select] { tellMiss(select); });
 }
 
 std::unique_ptr<DbCursor> FindingConnection::query(const QString &select)

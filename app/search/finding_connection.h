@@ -35,6 +35,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<QString> foundText(const QString &select) const;
+    void tellMiss(const QString &statement) const;
     [[nodiscard]] std::unique_ptr<DbCursor> watched(const QString &select);
     [[nodiscard]] std::shared_ptr<const FoundRows> read(const QString &select, const QString &text);
 

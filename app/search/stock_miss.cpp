@@ -39,6 +39,11 @@ QList<QStringView> valuesBetween(QStringView statement, const std::array<QLatin1
 
 } // namespace
 
+bool looksForItem(QStringView select)
+{
+    return select.startsWith(offering.front());
+}
+
 std::optional<StockMiss> missOf(QStringView statement)
 {
     using Kind = StockMiss::Kind;

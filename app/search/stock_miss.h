@@ -24,6 +24,8 @@ struct StockMiss
     double units = 0; ///< 0 with NotForSale
 };
 
+/// Whether this looks for an item to put into the cart. No other query can be a miss.
+[[nodiscard]] bool looksForItem(QStringView select);
 /// What it means when this statement finds no item; nothing for every other statement.
 [[nodiscard]] std::optional<StockMiss> missOf(QStringView statement);
 
