@@ -2,7 +2,7 @@
 #include "app/catalogue/import_shelf.h"
 
 #include "app/catalogue/import_owner.h"
-#include "app/codes/code_table.h"
+#include "app/shop/failure_text.h"
 
 #include <algorithm>
 #include <chrono>

@@ -233,11 +233,6 @@ std::optional<QString> takenWords(const QString &code, const QString &stockId, c
     return u"The code is taken: it belongs to %1."_s.arg(itemWords(entry.name, entry.stockId));
 }
 
-QString failureWords(const QString &what, const DbFailure &failure)
-{
-    return what + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
-}
-
 Result<int, QString> readUnits(const QString &text)
 {
     bool isWhole = false;

@@ -87,9 +87,6 @@ private:
 [[nodiscard]] std::optional<QString> takenWords(const QString &code, const QString &stockId,
                                                 const QList<StockItem> &items, const QList<ItemCode> &entries);
 
-/// What a failure means: `what` was not done, why, and what to do.
-[[nodiscard]] QString failureWords(const QString &what, const DbFailure &failure);
-
 /// Units that a scan can sell, as a person has typed them: a whole number from 1 to mostUnits.
 [[nodiscard]] Result<int, QString> readUnits(const QString &text);
 

@@ -142,8 +142,7 @@ void HoldDesk::recall()
     for (;;) {
         auto carts = m_carts.list();
         if (!carts)
-            return tellInOffice(salesWindow(), u"The held carts could not be read.\n%1\n%2"_s.arg(
-                                                   failureReason(carts.error()), failureAdvice(carts.error())));
+            return tellInOffice(salesWindow(), failureWords(u"The held carts could not be read."_s, carts.error()));
         carts->removeIf([&gone](const HeldCart &cart) { return gone.contains(cart.id); });
         if (carts->isEmpty())
             return m_say(u"No cart is held."_s, true);

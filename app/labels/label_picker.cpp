@@ -3,9 +3,9 @@
 
 #include "app/boxes/office_box.h"
 #include "app/catalogue/own_records.h"
-#include "app/codes/code_table.h"
 #include "app/codes/code_text.h"
 #include "app/labels/step_entry.h"
+#include "app/shop/failure_text.h"
 #include "app/work/work_strip.h"
 #include "basic/numbers.h"
 #include "input/touch_target.h"

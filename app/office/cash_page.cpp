@@ -4,9 +4,9 @@
 #include "app/boxes/office_box.h"
 #include "app/cash/drawer_name.h"
 #include "app/cash/open_intents.h"
-#include "app/codes/code_table.h"
 #include "app/office/drawer_settings_dialog.h"
 #include "app/office/open_payments_dialog.h"
+#include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
 
 #include <QFormLayout>

@@ -4,6 +4,7 @@
 #include "app/boxes/office_box.h"
 #include "app/codes/code_text.h"
 #include "app/office/item_picker.h"
+#include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
 
 #include <QFormLayout>

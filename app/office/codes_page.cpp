@@ -5,6 +5,7 @@
 #include "app/codes/code_text.h"
 #include "app/office/code_dialog.h"
 #include "app/office/in_store_dialog.h"
+#include "app/shop/failure_text.h"
 #include "tables/table_view.h"
 #include "theme/dialogs.h"
 

@@ -4,6 +4,7 @@
 #include "app/boxes/office_box.h"
 #include "app/codes/code_finder.h"
 #include "app/codes/code_text.h"
+#include "app/shop/failure_text.h"
 #include "basic/numbers.h"
 #include "theme/dialogs.h"
 

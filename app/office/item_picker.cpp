@@ -2,6 +2,7 @@
 #include "app/office/item_picker.h"
 
 #include "app/boxes/office_box.h"
+#include "app/shop/failure_text.h"
 #include "theme/measures.h"
 
 #include <QLabel>

@@ -3,7 +3,7 @@
 
 #include "app/boxes/office_box.h"
 #include "app/cash/cash_words.h"
-#include "app/codes/code_table.h"
+#include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>

@@ -42,8 +42,7 @@ void ShopPage::readSearch()
     const auto chosen = m_choice.read();
     m_search->setChecked(chosen.value_or(false));
     if (!chosen)
-        showOutcome(*m_outcome, u"\u26a0 What was chosen could not be read.\n%1\n%2"_s.arg(
-                                    failureReason(chosen.error()), failureAdvice(chosen.error())));
+        showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"What was chosen could not be read."_s, chosen.error()));
 }
 
 void ShopPage::chooseSearch(bool findsAnywhere)
@@ -57,8 +56,7 @@ void ShopPage::chooseSearch(bool findsAnywhere)
     }
     m_search->setChecked(!findsAnywhere);
     showOutcome(*m_outcome, {});
-    tellInOffice(this, u"The search was not switched.\n%1\n%2"_s.arg(failureReason(changed.error()),
-                                                                     failureAdvice(changed.error())));
+    tellInOffice(this, failureWords(u"The search was not switched."_s, changed.error()));
 }
 
 } // namespace harrowby::app

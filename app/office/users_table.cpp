@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/users_table.h"
 
-#include "app/codes/code_table.h" // failureWords
 #include "app/office/office_door.h"
 #include "app/office/user_rules.h"
 #include "app/shop/failure_text.h"
@@ -82,8 +81,7 @@ QString selectUsers(const QString &rest)
 
 QString engineWords(const QString &what, const SqlError &error)
 {
-    const DbFailure failure{DbFailure::Kind::Write, {}, error.reason, error.code};
-    return what + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
+    return failureWords(what, {DbFailure::Kind::Write, {}, error.reason, error.code});
 }
 
 QString loginObstacle(const StoreUser &user)
@@ -268,19 +266,13 @@ UsersTable::Problem UsersTable::tell(const RecordStatement &told, const QString 
 
 UsersTable::Problem UsersTable::together(const QString &notDone, const std::function<Problem()> &work) const
 {
-    if (const auto failure = m_deeds.records().prepare(kept::activity()))
-        return failureWords(notDone, *failure);
-    if (auto error = runSql(m_database, u"BEGIN IMMEDIATE"_s))
-        return engineWords(notDone, *error);
-    const QString refusal = m_door ? m_door->refusal() : QString();
-    auto problem = refusal.isEmpty() ? work() : Problem(refusal);
-    if (!problem) {
-        if (auto error = runSql(m_database, u"COMMIT"_s))
-            problem = engineWords(notDone, *error);
-    }
-    if (problem)
-        (void)runSql(m_database, u"ROLLBACK"_s);
-    return problem;
+    Problem problem = notDone; // all that is said when the work breaks off
+    const auto kept = m_deeds.records().together(kept::activity(), [&] {
+        const QString refusal = m_door ? m_door->refusal() : QString();
+        problem = refusal.isEmpty() ? work() : Problem(refusal);
+        return !problem;
+    });
+    return kept ? problem : failureWords(notDone, kept.error());
 }
 
 } // namespace harrowby::app

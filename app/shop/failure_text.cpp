@@ -126,6 +126,11 @@ QString failureAdvice(const DbFailure &failure)
     }
 }
 
+QString failureWords(const QString &work, const DbFailure &failure)
+{
+    return work + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
+}
+
 QString failedWork(const FileFailure &failure)
 {
     switch (failure.kind) {

@@ -16,6 +16,8 @@ namespace harrowby::app {
 [[nodiscard]] QString failureReason(const DbFailure &failure);
 /// What to do about it.
 [[nodiscard]] QString failureAdvice(const DbFailure &failure);
+/// What has not been done, why, and what to do, in a line each.
+[[nodiscard]] QString failureWords(const QString &work, const DbFailure &failure);
 
 /// The same of a step outside the database.
 [[nodiscard]] QString failedWork(const FileFailure &failure);
