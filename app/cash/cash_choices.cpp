@@ -102,14 +102,6 @@ CashChoices readCashChoices(Records &records)
     return {ways ? *ways : *readWays(usualWays), notes ? *notes : *readNotes(usualNotes)};
 }
 
-std::optional<DbFailure> saveCashChoices(Records &records, const CashChoices &choices)
-{
-    ShopSettings settings(records);
-    if (auto failure = settings.save(waysName, waysText(choices.ways)))
-        return failure;
-    return settings.save(notesName, notesText(choices.notes));
-}
-
 Records::Answer<bool> changeCashChoices(const SignedDeeds &deeds, const CashChoices &before, const CashChoices &choices)
 {
     Records &records = deeds.records();

@@ -35,8 +35,6 @@ struct CashChoices
 
 /// Card alone, and notes of 5 to 100, until the office has saved others.
 [[nodiscard]] CashChoices readCashChoices(Records &records);
-/// The failure when they could not be saved; it has been told.
-[[nodiscard]] std::optional<DbFailure> saveCashChoices(Records &records, const CashChoices &choices);
 /// Saves what differs from `before`, which was read, and tells it by deeds. False, and nothing is saved, when something
 /// of that was changed by somebody else meanwhile.
 [[nodiscard]] Records::Answer<bool> changeCashChoices(const SignedDeeds &deeds, const CashChoices &before,

@@ -43,9 +43,4 @@ Records::Answer<bool> SearchChoice::change(bool before, bool findsAnywhere, cons
     return m_settings.replace(setting, *stored, findsAnywhere ? yes : no, deeds.statement(deed::settingChanged, what));
 }
 
-std::optional<DbFailure> SearchChoice::choose(bool findsAnywhere)
-{
-    return m_settings.save(setting, findsAnywhere ? yes : no);
-}
-
 } // namespace harrowby::app

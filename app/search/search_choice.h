@@ -20,9 +20,8 @@ public:
     [[nodiscard]] bool findsAnywhere() const;
     /// The same, for one who tells it.
     [[nodiscard]] Records::Answer<bool> read() const;
-    /// The failure when it could not be saved; what was chosen before stays.
-    [[nodiscard]] std::optional<DbFailure> choose(bool findsAnywhere);
-    /// In place of what was read. False, and nothing is changed, when somebody else has chosen meanwhile.
+    /// In place of what was read. False, and nothing is changed, when somebody else has chosen meanwhile; the failure
+    /// when it could not be saved.
     [[nodiscard]] Records::Answer<bool> change(bool before, bool findsAnywhere, const SignedDeeds &deeds);
 
 private:

@@ -56,7 +56,6 @@ void WorkStrip::begin()
     m_step = {};
     m_words->setText(u"Please wait \u2026"_s);
     m_bar->setRange(0, 0);
-    m_cancel->setEnabled(true);
     m_delay.start();
 }
 
@@ -67,8 +66,7 @@ void WorkStrip::appear()
     m_busy = true;
     m_focusBefore = window()->focusWidget();
     show();
-    if (m_cancel->isEnabled())
-        m_cancel->setFocus();
+    m_cancel->setFocus();
     showOutcome(*m_words, m_words->text());
     Q_EMIT busyChanged(true);
 }

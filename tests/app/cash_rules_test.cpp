@@ -306,9 +306,10 @@ void CashRulesTest::choicesAreKept()
     SqliteRecords records(database.get());
     QCOMPARE(readCashChoices(records), (CashChoices{{u"Card"_s}, {500, 1000, 2000, 5000, 10000}}));
     const CashChoices choices{{u"Card"_s, u"O'Neil"_s}, {50, 200}};
-    QVERIFY(!saveCashChoices(records, choices));
+    const SignedDeeds deeds(records, officePlace, u"ANNA"_s);
+    QVERIFY(changeCashChoices(deeds, readCashChoices(records), choices).value_or(false));
     QCOMPARE(readCashChoices(records), choices);
-    QVERIFY(!saveCashChoices(records, {}));
+    QVERIFY(changeCashChoices(deeds, choices, {}).value_or(false));
     QCOMPARE(readCashChoices(records), CashChoices());
     // what another program has written and cannot be read
     QVERIFY(!ShopSettings(records).save(u"CashNotes"_s, u"five"_s));

@@ -317,10 +317,11 @@ void SearchTest::theShopChooses()
     SqliteRecords records(m_database);
     SearchChoice own(records, true);
     SearchChoice foreign(records, false);
+    const SignedDeeds deeds(records, officePlace, u"ANNA"_s);
     QVERIFY(own.findsAnywhere() && !foreign.findsAnywhere());
-    QVERIFY(!foreign.choose(true));
+    QVERIFY(foreign.change(false, true, deeds).value_or(false));
     QVERIFY(own.findsAnywhere() && foreign.findsAnywhere());
-    QVERIFY(!own.choose(false));
+    QVERIFY(own.change(true, false, deeds).value_or(false));
     QVERIFY(!own.findsAnywhere() && !foreign.findsAnywhere());
     QVERIFY(run(u"UPDATE HarrowbySetting SET Value = 'perhaps'"_s));
     QVERIFY(own.findsAnywhere() && !foreign.findsAnywhere());
@@ -328,7 +329,7 @@ void SearchTest::theShopChooses()
     add(u"1"_s, u"GREEN TEA"_s);
     m_connection = std::make_shared<FindingConnection>(m_database, QString(), [&] { return own.findsAnywhere(); });
     QCOMPARE(search(u"tea"_s), QStringList{u"1"_s});
-    QVERIFY(!foreign.choose(false));
+    QVERIFY(foreign.change(false, false, deeds).value_or(false));
     QCOMPARE(search(u"tea"_s), QStringList());
 }
 

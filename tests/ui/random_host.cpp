@@ -215,7 +215,9 @@ void RandomHost::useAnotherTill(QRandomGenerator &random)
     app::HeldCarts carts(m_others);
     const auto all = carts.list();
     if (chance(random, 20)) {
-        (void)app::SearchChoice(m_others, true).choose(chance(random, 50));
+        app::SearchChoice search(m_others, true);
+        (void)search.change(search.findsAnywhere(), chance(random, 50),
+                            app::SignedDeeds(m_others, app::officePlace, u"ANNA"_s));
     } else if (chance(random, 50) || !all || all->isEmpty()) {
         const int item = random.bounded(knownItems);
         const CounterLine line{u"A%1"_s.arg(item), u"ITEM %1"_s.arg(10 + item), 1.0 + random.bounded(3), 4.5,
