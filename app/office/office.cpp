@@ -35,8 +35,7 @@ QString wordsOf(const DoorAnswer &answer, const QString &name)
         return u"%1 may not open the office: that takes the right \"Stock\"."_s.arg(name);
     case Kind::NobodyCould:
         return u"The store has no user ADMINISTRATOR who can log in, and no other one with the right to stock, so "
-               u"nobody "
-               "can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;
+               "nobody can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;
     default:
         return engineWords(u"The users could not be read."_s, answer.error);
     }
@@ -47,17 +46,15 @@ void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name
 {
     SqliteRecords records(database);
     const Deeds deeds(records, officePlace);
-    const auto known = [database, &name] {
-        SqliteStatement query(database, u"SELECT 1 FROM Users WHERE UPPER(Username) = ?1"_s, {name});
-        return query.next();
-    };
     switch (answer.kind) {
     case Kind::Open:
         (void)deeds.add({deed::loggedIn, name, u"Opened the office"_s});
         break;
     case Kind::Wrong:
-        (void)deeds.add(
-            {deed::loginRefused, known() ? name : QString(), known() ? u"Wrong password"_s : u"Unknown user name"_s});
+        if (SqliteStatement(database, u"SELECT 1 FROM Users WHERE UPPER(Username) = ?1"_s, {name}).next())
+            (void)deeds.add({deed::loginRefused, name, u"Wrong password"_s});
+        else
+            (void)deeds.add({deed::loginRefused, {}, u"Unknown user name"_s});
         break;
     case Kind::NotEnabled:
     case Kind::NoRight:

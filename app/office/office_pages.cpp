@@ -32,6 +32,13 @@ const auto stockGroup = u"Stock"_s;
 const auto keepingGroup = u"Keeping"_s;
 const auto machineGroup = u"This Machine"_s;
 
+/// A page that takes no more than these.
+template <typename Page>
+OfficePage *makeWithSettings(const Context &context, QWidget *parent)
+{
+    return new Page(context.deeds(), context.settings, parent);
+}
+
 OfficePageEntry usersEntry()
 {
     return {u"&Users"_s,
@@ -55,7 +62,7 @@ OfficePageEntry receiptEntry()
             {{u"name of the shop header"_s, u"receiptTitle"_s},
              {u"money symbol"_s, u"receiptCurrency"_s},
              {u"mail"_s, u"emailReport"_s}},
-            [](const Context &c, QWidget *parent) { return new ReceiptPage(c.deeds(), c.settings, parent); }};
+            makeWithSettings<ReceiptPage>};
 }
 
 OfficePageEntry cashEntry()
@@ -69,7 +76,7 @@ OfficePageEntry cashEntry()
              {u"banknotes bills"_s, u"cashNotes"_s},
              {u"drawer kick pin plug pulse"_s, u"drawerSettings"_s},
              {u"open payments without a purchase"_s, u"openPayments"_s}},
-            [](const Context &c, QWidget *parent) { return new CashPage(c.deeds(), c.settings, parent); }};
+            makeWithSettings<CashPage>};
 }
 
 OfficePageEntry shopEntry()
