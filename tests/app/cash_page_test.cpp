@@ -31,6 +31,7 @@ private Q_SLOTS:
     void failedSaveIsTold();
     void drawerIsNamed();
     void drawerIsSwitchedOn();
+    void drawerOfAnotherOfficeStays();
     void drawerIsTried();
     void changesAreAskedAbout();
     void openPaymentsAreCounted();
@@ -138,6 +139,25 @@ void CashPageTest::drawerIsSwitchedOn()
     QCOMPARE(m_saved.value(u"Drawer/Pin"_s), u"5"_s);
     QCOMPARE(m_saved.value(u"Drawer/Pulse"_s), u"20"_s);
     QVERIFY(!m_saved.contains(u"Drawer/Pause"_s));
+}
+
+void CashPageTest::drawerOfAnotherOfficeStays()
+{
+    FalsePrintService service;
+    service.answerList(QString());
+    openPage();
+    inNextDialog([this](QDialog &dialog) {
+        m_saved.insert(u"Drawer/Queue"_s, u"till"_s);
+        m_saved.insert(u"Drawer/On"_s, u"1"_s);
+        dialog.findChild<QCheckBox *>(u"drawerOn"_s)->setChecked(true);
+        dialog.findChild<QComboBox *>(u"drawerQueue"_s)->setEditText(u"kitchen"_s);
+        dialog.findChild<QPushButton *>(u"saveDrawer"_s)->click();
+        const QString told = dialog.findChild<QLabel *>(u"drawerOutcome"_s)->text();
+        QVERIFY2(told.contains(u"Somebody else has changed this meanwhile."_s), qPrintable(told));
+        dialog.reject();
+    });
+    press("drawerSettings");
+    QCOMPARE(m_saved.value(u"Drawer/Queue"_s), u"till"_s);
 }
 
 void CashPageTest::drawerIsTried()

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void drawerNameOfTheOtherIsShown();
     void readersOfTheOtherAreShown();
     void codeOfTheOtherStays();
+    void ruleOfTheOtherIsShown();
     void changesOfSettingsAreTold();
 
 private:
@@ -225,6 +226,27 @@ void TwoOfficesTest::codeOfTheOtherStays()
     part<QPushButton>("deleteCode")->click();
     QCOMPARE(read(u"select count(*) from HarrowbyCode"_s), u"0"_s);
     QCOMPARE(deeds("CodeChanged"), QStringList{u"The code 123 of TEA-0001 was deleted."_s});
+}
+
+void TwoOfficesTest::ruleOfTheOtherIsShown()
+{
+    inNextDialog([this](QDialog &dialog) {
+        const auto save = [&dialog](const QString &pattern) {
+            dialog.findChild<QCheckBox *>(u"inStoreOn"_s)->setChecked(true);
+            enter(dialog, "inStorePattern", pattern);
+            dialog.findChild<QPushButton *>(u"saveInStore"_s)->click();
+            return dialog.findChild<QLabel *>(u"inStoreOutcome"_s)->text();
+        };
+        runAll(m_path, kept::setting().making + // as the other office does
+                           QStringList{u"insert into HarrowbySetting values ('InStoreCode.02', '02IIIIIPPPPPC 2')"_s});
+        QVERIFY(save(u"02IIIIIWWWWWC"_s).contains(u"Somebody else has changed this rule meanwhile."_s));
+        QCOMPARE(dialog.findChild<QLineEdit *>(u"inStorePattern"_s)->text(), u"02IIIIIPPPPPC"_s);
+        QCOMPARE(setting(u"InStoreCode.02"_s), u"02IIIIIPPPPPC 2"_s);
+        QVERIFY(save(u"02IIIIIWWWWWC"_s).startsWith(u"Saved"_s));
+        QVERIFY(setting(u"InStoreCode.02"_s).startsWith(u"02IIIIIWWWWWC"_s));
+        dialog.reject();
+    });
+    part<QPushButton>("inStoreCodes")->click();
 }
 
 void TwoOfficesTest::changesOfSettingsAreTold()
