@@ -10,6 +10,7 @@
 #include "app/shop/workshop.h"
 #include "tests/app/bad_disk.h"
 #include "tests/app/full_disk.h"
+#include "tests/app/quick_folder.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -94,7 +95,7 @@ private:
 
 void BackupTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/backup-XXXXXX"_s);
     QVERIFY(QDir(m_folder->path()).mkdir(u"away"_s));
     makeBigStore(store());
 }

@@ -2,6 +2,7 @@
 #include "app/backup/good_backups.h"
 #include "app/backup/kept_backups.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/quick_folder.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -72,7 +73,7 @@ private:
 
 void KeptBackupsTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/kept-XXXXXX"_s);
     QVERIFY(QDir(m_folder->path()).mkpath(u"away"_s) && QDir(m_folder->path()).mkpath(u"second"_s));
     makeStore(path(u"shop.sqlite"_s));
 }

@@ -169,11 +169,15 @@ void OfficeBackupTest::backupIsChosenToRestore()
     QVERIFY(!runSql(m_database.get(),
                     u"INSERT INTO PurchaseCart (PurchaseID, PurchasedDate) VALUES ('1', '261121180230')"_s));
     QString inBackup, now, offered;
+    QStringList shown;
     inNextDialog([&](QDialog &dialog) {
         waitForLook(dialog);
         offered = dialog.findChild<QLineEdit *>(u"restoreFile"_s)->text();
         inBackup = dialog.findChild<QLabel *>(u"restoreCell03"_s)->text();
         now = dialog.findChild<QLabel *>(u"restoreCell13"_s)->text();
+        for (const QString &cell : {u"restoreCell01"_s, u"restoreCell02"_s, u"restoreCell12"_s, u"restoreCell04"_s})
+            shown << dialog.findChild<QLabel *>(cell)->text();
+        QVERIFY(dialog.findChild<QLabel *>(u"restoreCell00"_s)->text().contains(u':')); // when it was written
         answerNextBox(QMessageBox::AcceptRole);
         QTest::mouseClick(dialog.findChild<QPushButton *>(u"startRestore"_s), Qt::LeftButton);
     });
@@ -181,6 +185,7 @@ void OfficeBackupTest::backupIsChosenToRestore()
     QCOMPARE(offered, backup); // the last one
     QCOMPARE(inBackup, u"none"_s);
     QCOMPARE(now, u"21 November 2026, 18:02"_s);
+    QCOMPARE(shown, (QStringList{u"1"_s, u"0"_s, u"1"_s, u"ADMINISTRATOR, ANNA, BOB"_s}));
     QVERIFY2(m_boxText.contains(u"Purchases after"_s), qPrintable(m_boxText));
     QTRY_COMPARE(m_window->askedRestore(), backup);
     QVERIFY(!m_window->isVisible());

@@ -186,6 +186,8 @@ void RestoreTest::whatIsOnlyAddedToIsCarriedOver()
     add(store(), u"before"_s);
     QCOMPARE(restore().problem, QString()); // the deed of the restored one as well
     add(store(), u"later"_s);
+    runAll(store(), kept::drawerOpening().making +
+                        QStringList{u"insert into HarrowbyDrawerOpening values ('1', '', 'ANNA', '', 'change')"_s});
     runAll(store(),
            {u"update HarrowbySetting set Value = replace(Value, '%1', 'till-2')"_s.arg(QSysInfo::machineHostName())});
     QVERIFY(QFile::remove(backup()));
@@ -197,6 +199,7 @@ void RestoreTest::whatIsOnlyAddedToIsCarriedOver()
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(store(), OpenMode::Write)));
     SqliteRecords records(database.get());
+    QCOMPARE(readText(database.get(), u"select Reason from HarrowbyDrawerOpening"_s), u"change"_s);
     QCOMPARE(goodBackups(records).size(), 2); // the kept stores are none of this one
     QCOMPARE(goodBackups(records).constFirst().machine, u"till-2"_s);
     QVERIFY(runSql(database.get(), u"delete from HarrowbyActivity"_s));
