@@ -151,7 +151,7 @@ private:
     bool giveWay()
     {
         const int left = sqlite3_backup_remaining(m_backup.get());
-        if (m_left >= 0 && left > m_left)
+        if (m_left >= 0 && left >= m_left) // a step that goes on leaves fewer
             ++m_restarts;
         m_left = left;
         if (m_restarts >= mostRestarts)
