@@ -2,6 +2,7 @@
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_judge.h"
 #include "app/shop/store_open.h"
+#include "tests/app/quick_folder.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -77,7 +78,7 @@ private:
 
 void ErrandsTest::init()
 {
-    m_home = std::make_unique<QTemporaryDir>();
+    m_home = std::make_unique<QTemporaryDir>(quickFolder() + u"/errands-XXXXXX"_s);
     makeStore(path(u"shop.sqlite"_s));
     QVERIFY(QDir(m_home->path()).mkdir(u"away"_s));
 }
