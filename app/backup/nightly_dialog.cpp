@@ -69,10 +69,6 @@ NightlyDialog::NightlyDialog(NightlyTimer timer, QWidget *parent) : QDialog(pare
     dressDialog(*this);
     resize(nightlySize.boundedTo(roomFor(*this)));
     showWhatCounts();
-    connect(&m_job, &WorkJob::finished, this, [this] {
-        if (m_isLeaving)
-            QDialog::reject();
-    });
     if (before)
         lookWhetherItRuns();
 }
@@ -89,6 +85,8 @@ void NightlyDialog::lookWhetherItRuns()
 {
     m_job.start<bool>([timer = m_timer](const WorkWatch &) { return timer.isRunning(); },
                       [this](const Result<bool, QString> &runs) {
+                          if (m_isLeaving)
+                              return QDialog::reject();
                           if (runs && !*runs)
                               showOutcome(*m_outcome,
                                           u"\u26a0 It is set up, but systemd does not run it. Please save it "
@@ -223,6 +221,8 @@ void NightlyDialog::run(const std::function<NightlyEnd(const WorkWatch &)> &work
         if (end.problem.isEmpty())
             m_changed = change;
         showWhatCounts();
+        if (std::exchange(m_isLeaving, false) && end.problem.isEmpty() && end.warning.isEmpty())
+            return QDialog::reject();
         if (!end.problem.isEmpty())
             return showOutcome(*m_outcome, u"\u26a0 "_s + end.problem);
         showOutcome(*m_outcome,

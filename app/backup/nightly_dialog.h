@@ -26,7 +26,7 @@ public:
     /// What was changed, for the record of who did what; empty when nothing was.
     [[nodiscard]] const QString &changed() const { return m_changed; }
 
-    /// While something is being changed, which is for the record, it closes when that has ended.
+    /// While something is being changed, which is for the record, it closes when that has ended well.
     void reject() override;
 
 private:

@@ -24,6 +24,14 @@ namespace harrowby::app {
 namespace {
 
 constexpr int deadline = 10'000; // ms, for one call of systemd's programs
+constexpr int interval = 100;    // ms, between two looks whether it is still wanted
+
+using GoesOn = std::function<bool()>;
+
+bool always()
+{
+    return true;
+}
 
 QString unitFolder()
 {
@@ -38,13 +46,22 @@ struct Called
     QString reason;
 };
 
-Called call(const QString &program, const QStringList &arguments)
+bool waitForEnd(QProcess &process, const GoesOn &goesOn)
+{
+    for (int waited = 0; waited < deadline && goesOn(); waited += interval) {
+        if (process.waitForFinished(interval))
+            return true;
+    }
+    return false;
+}
+
+Called call(const QString &program, const QStringList &arguments, const GoesOn &goesOn)
 {
     QProcess process;
     process.start(program, arguments, QIODevice::ReadOnly);
     if (!process.waitForStarted(deadline))
         return {false, true, {}, u"there is no program \"%1\""_s.arg(program)};
-    if (!process.waitForFinished(deadline)) {
+    if (!waitForEnd(process, goesOn)) {
         process.kill();
         process.waitForFinished(deadline);
         return {false, false, {}, u"\"%1\" did not answer"_s.arg(program)};
@@ -57,9 +74,9 @@ Called call(const QString &program, const QStringList &arguments)
             said.isEmpty() ? u"\"%1\" refused"_s.arg(program) : said};
 }
 
-Called tellSystemd(const QStringList &arguments)
+Called tellSystemd(const QStringList &arguments, const GoesOn &goesOn = always)
 {
-    return call(u"systemctl"_s, QStringList{u"--user"_s} + arguments);
+    return call(u"systemctl"_s, QStringList{u"--user"_s} + arguments, goesOn);
 }
 
 QByteArray contentOf(const QString &path)
@@ -83,12 +100,12 @@ QString userName()
 }
 
 /// So that the timer runs while nobody is logged in. Why it will not; empty when it will.
-QString letLinger()
+QString letLinger(const GoesOn &goesOn)
 {
-    const Called asked = call(u"loginctl"_s, {u"show-user"_s, u"--property=Linger"_s, u"--value"_s});
+    const Called asked = call(u"loginctl"_s, {u"show-user"_s, u"--property=Linger"_s, u"--value"_s}, goesOn);
     if (asked.succeeded && asked.output == u"yes"_s)
         return {};
-    const Called told = call(u"loginctl"_s, {u"enable-linger"_s});
+    const Called told = call(u"loginctl"_s, {u"enable-linger"_s}, goesOn);
     if (told.succeeded)
         return {};
     return u"It runs only while you are logged in to this computer (%1). For all other times, let whoever keeps this "
@@ -154,11 +171,11 @@ QString NightlyTimer::write(const NightlyPlan &plan) const
 }
 
 /// "restart" has a changed time count at once; "enable" alone would start it at the next login.
-QString NightlyTimer::start() const
+QString NightlyTimer::start(const std::function<bool()> &goesOn) const
 {
     for (const QStringList &arguments : {QStringList{u"daemon-reload"_s}, QStringList{u"enable"_s, timerName()},
                                          QStringList{u"restart"_s, timerName()}}) {
-        if (const Called told = tellSystemd(arguments); !told.succeeded)
+        if (const Called told = tellSystemd(arguments, goesOn); !told.succeeded)
             return told.reason;
     }
     return {};
@@ -166,28 +183,30 @@ QString NightlyTimer::start() const
 
 NightlyEnd NightlyTimer::setUp(const NightlyPlan &plan, const WorkWatch &watch) const
 {
-    (void)watch({u"The timer is being set up \u2026"_s, WorkStep::unknown});
+    const auto goesOn = [&watch] { return watch({u"The timer is being set up \u2026"_s, WorkStep::unknown}); };
     if (const QString fault = checkPlan(m_job, plan); !fault.isEmpty())
         return {fault, {}};
     const QByteArray oldService = contentOf(servicePath());
     const QByteArray oldTimer = contentOf(timerPath());
     QString reason = write(plan);
     if (reason.isEmpty())
-        reason = start();
+        reason = start(goesOn);
     if (reason.isEmpty())
-        return {{}, letLinger()};
+        return {{}, letLinger(goesOn)};
     if (oldTimer.isEmpty())
         (void)tellSystemd({u"disable"_s, u"--now"_s, timerName()});
     (void)save(servicePath(), oldService);
     (void)save(timerPath(), oldTimer);
     (void)tellSystemd({u"daemon-reload"_s});
-    return {noTimer(reason, m_job, plan), {}};
+    if (!oldTimer.isEmpty())
+        (void)tellSystemd({u"restart"_s, timerName()});
+    return {goesOn() ? noTimer(reason, m_job, plan) : u"Cancelled. Nothing was changed."_s, {}};
 }
 
 NightlyEnd NightlyTimer::switchOff(const WorkWatch &watch) const
 {
-    (void)watch({u"The timer is being switched off \u2026"_s, WorkStep::unknown});
-    const Called told = tellSystemd({u"disable"_s, u"--now"_s, timerName()});
+    const auto goesOn = [&watch] { return watch({u"The timer is being switched off \u2026"_s, WorkStep::unknown}); };
+    const Called told = tellSystemd({u"disable"_s, u"--now"_s, timerName()}, goesOn);
     if (!told.succeeded && !told.isMissing && isRunning())
         return {u"systemd could not switch off the timer (%1)."_s.arg(told.reason), {}};
     if (!save(timerPath(), {}) || !save(servicePath(), {}))

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace harrowby::app {
@@ -40,7 +41,7 @@ public:
 private:
     [[nodiscard]] QString timerName() const;
     [[nodiscard]] QString write(const NightlyPlan &plan) const;
-    [[nodiscard]] QString start() const;
+    [[nodiscard]] QString start(const std::function<bool()> &goesOn) const;
 
     NightlyJob m_job;
     QString m_name;

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void systemdTakesTheFiles();
     void timerIsSetUpAndChanged();
     void refusalLeavesWhatWasThere();
+    void cancelLeavesWhatWasThere();
     void missingSystemdIsTold();
     void lingeringThatIsRefusedIsTold();
     void badPlanIsRefused_data();
@@ -213,6 +214,20 @@ void NightlyTest::refusalLeavesWhatWasThere()
     QVERIFY(!timer().setUp(other, on).problem.isEmpty());
     QCOMPARE(timer().read()->plan, plan());
     QVERIFY(bytes(timer().servicePath()).contains(u"\"7\""_s));
+    QVERIFY(calls().constLast().contains(u"restart"_s)); // it goes on
+}
+
+/// While systemd does not answer.
+void NightlyTest::cancelLeavesWhatWasThere()
+{
+    falsify(u"systemctl"_s, u"case \"$*\" in *restart*) exec sleep 60;; esac"_s);
+    const NightlyEnd end =
+        timer().setUp(plan(), [this](const WorkStep &) { return !bytes(path(u"calls"_s)).contains(u"restart"_s); });
+    QCOMPARE(end.problem, u"Cancelled. Nothing was changed."_s);
+    QCOMPARE(calls().mid(3),
+             (QStringList{u"systemctl --user disable --now "_s + QFileInfo(timer().timerPath()).fileName(),
+                          u"systemctl --user daemon-reload"_s}));
+    QVERIFY(!timer().read() && !QFile::exists(timer().servicePath()));
 }
 
 void NightlyTest::missingSystemdIsTold()
