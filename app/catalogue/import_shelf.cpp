@@ -163,9 +163,11 @@ Records::Answer<bool> ImportShelf::put(std::int64_t id, const StagedPiece &piece
     });
     if (m_failure)
         return Unexpected(*m_failure);
-    if (!kept && isThere)
+    if (!kept)
         return Unexpected(kept.error());
-    return kept.has_value();
+    if (isThere && !*kept) // the work has thrown, which the records have logged
+        return Unexpected(DbFailure());
+    return isThere;
 }
 
 bool ImportShelf::putAll(const QString &table, const QStringList &columns, const QList<TableRow> &rows)

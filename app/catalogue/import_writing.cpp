@@ -103,7 +103,8 @@ ImportWriting::Try ImportWriting::tryOnce(bool careful, bool write)
     const auto kept = m_records.together(kept::import(), [&] { return work(careful, write); });
     if (!kept && !m_failure)
         m_failure = kept.error();
-    return kept ? m_how : Try::Failed;
+    const bool isThrown = kept && !*kept && m_how == Try::Done; // the records have logged what
+    return kept && !isThrown ? m_how : Try::Failed;
 }
 
 bool ImportWriting::work(bool careful, bool write)

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void newChangedUnchangedRefused();
     void keyIsTheIdElseACodeNeverTheName();
     void twoRowsOfOneKeyAreBothRefused();
+    void twoKeysOfOneItemAreBothRefused();
     void rowEqualToTheStoresIsNeverRefused_data();
     void rowEqualToTheStoresIsNeverRefused();
     void repeatedKeysAreComparedAsASet();
@@ -110,6 +111,16 @@ void ImportRulesTest::twoRowsOfOneKeyAreBothRefused()
                           u"3 refused TEA-1 [StockID: TEA-1 stands in 2 rows of the file, first in line 2.]"_s,
                           u"4 refused X [StockID: X stands in 2 rows of the file, first in line 4.]"_s,
                           u"5 refused X [StockID: X stands in 2 rows of the file, first in line 4.]"_s}));
+}
+
+/// One by its ID, the other by a code.
+void ImportRulesTest::twoKeysOfOneItemAreBothRefused()
+{
+    m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
+    m_bench->importValid("StockID,Code\nTEA-1,4006381333931\n");
+    QCOMPARE(preview("StockID,Code,Price\nTEA-1,,1\n,4006381333931,2\n"),
+             (QStringList{u"2 refused TEA-1 [StockID: TEA-1 stands in 2 rows of the file, first in line 2.]"_s,
+                          u"3 refused TEA-1 [Code: TEA-1 stands in 2 rows of the file, first in line 2.]"_s}));
 }
 
 void ImportRulesTest::rowEqualToTheStoresIsNeverRefused_data()

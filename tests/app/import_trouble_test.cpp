@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <new>
 #include <stop_token>
 #include <thread>
 
@@ -18,6 +19,38 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::app::test;
 namespace FailingDisk = harrowby::test::FailingDisk;
+
+namespace {
+
+/// Has no memory left for one statement.
+class GreedyRecords final : public SqliteRecords
+{
+public:
+    using SqliteRecords::SqliteRecords;
+
+    QString failing; ///< its beginning
+
+protected:
+    Answer<std::int64_t> change(const RecordStatement &statement) override
+    {
+        throwFor(statement.text);
+        return SqliteRecords::change(statement);
+    }
+    Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) override
+    {
+        throwFor(text);
+        return SqliteRecords::changeEach(text, rows);
+    }
+
+private:
+    void throwFor(const QString &text) const
+    {
+        if (text.startsWith(failing))
+            throw std::bad_alloc();
+    }
+};
+
+} // namespace
 
 /// Nothing half done, whatever fails, and tills that sell all the while.
 class ImportTroubleTest : public QObject
@@ -30,6 +63,7 @@ private Q_SLOTS:
 
     void everyStatementFailsOnce_data();
     void everyStatementFailsOnce();
+    void memoryRunsOut();
     void everyDiskOperationFails_data();
     void everyDiskOperationFails();
     void listOnAFullDiskIsNotSaved_data();
@@ -112,6 +146,7 @@ void ImportTroubleTest::everyStatementFailsOnce()
         fussy.failAt = -1;
         if (!done) {
             QVERIFY2(!isOver && told > 0 && !words.isEmpty(), qPrintable(failed));
+            QVERIFY2(!words.contains(u"other office"_s), qPrintable(failed)); // which is to blame for nothing
             QVERIFY2(shop() == before, qPrintable(failed));
         } else if (!isOver) {
             // Of a preview the look for what others have left.
@@ -126,6 +161,22 @@ void ImportTroubleTest::everyStatementFailsOnce()
         QCOMPARE(m_bench->rows(u"select StockID from StockList"_s), (QStringList{u"A"_s, u"B"_s}));
     }
     QVERIFY(isOver);
+}
+
+void ImportTroubleTest::memoryRunsOut()
+{
+    m_bench->addItem(u"A"_s, u"A"_s, u"1"_s);
+    const QByteArray text = "StockID,Price\nA,2\n";
+    GreedyRecords greedy(m_bench->own->database());
+    CatalogueImport import(greedy, m_bench->desk);
+    greedy.failing = u"insert into HarrowbyImportRow"_s;
+    QVERIFY(!import.stage(ImportBench::file(text), ImportBench::choicesFor(text), goOn));
+    const StagedImport staged = m_bench->stage(text);
+    greedy.failing = u"update StockList"_s;
+    const auto outcome = import.apply(staged.id, true, nullptr, goOn);
+    QVERIFY(!outcome);
+    QVERIFY2(outcome.error().words.startsWith(u"The file was not imported."_s), qPrintable(outcome.error().words));
+    QCOMPARE(m_bench->rows(u"select StockCost from StockList"_s), QStringList{u"1"_s});
 }
 
 void ImportTroubleTest::everyDiskOperationFails_data()
