@@ -82,8 +82,12 @@ std::optional<DbFailure> noteGoodBackup(Records &records, const GoodBackup &back
         const RecordStatement removing = {u"delete from HarrowbySetting where Name = ?"_s, {settingName}};
         const RecordStatement adding = {u"insert into HarrowbySetting (Name, Value) values (?, ?)"_s,
                                         {settingName, writeNotes(noted)}};
-        return records.write(kept::setting(), removing).has_value() &&
-               records.write(kept::setting(), adding).has_value();
+        auto written = records.write(kept::setting(), removing);
+        if (written)
+            written = records.write(kept::setting(), adding);
+        if (!written)
+            failure = written.error();
+        return written.has_value();
     });
     if (!kept)
         return kept.error();

@@ -150,8 +150,8 @@ CodeTable::Problem CodeTable::add(const QString &text, const QString &stockId, i
             problem = failureWords(notAdded, written.error());
         return !problem;
     });
-    if (!problem && !added)
-        problem = failureWords(notAdded, added.error());
+    if (!problem && !(added && *added)) // without a failure it has thrown, which the records have logged
+        problem = failureWords(notAdded, added ? DbFailure() : added.error());
     return problem;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/codes/code_table.h"
 #include "tests/app/fussy_records.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
@@ -177,6 +178,8 @@ void ImportTroubleTest::memoryRunsOut()
     QVERIFY(!outcome);
     QVERIFY2(outcome.error().words.startsWith(u"The file was not imported."_s), qPrintable(outcome.error().words));
     QCOMPARE(m_bench->rows(u"select StockCost from StockList"_s), QStringList{u"1"_s});
+    greedy.failing = u"insert into HarrowbyCode"_s;
+    QVERIFY(CodeTable(greedy).add(u"111"_s, u"A"_s, 1));
 }
 
 void ImportTroubleTest::everyDiskOperationFails_data()

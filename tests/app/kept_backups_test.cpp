@@ -2,6 +2,7 @@
 #include "app/backup/good_backups.h"
 #include "app/backup/kept_backups.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/fussy_records.h"
 #include "tests/app/quick_folder.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
@@ -51,6 +52,7 @@ private Q_SLOTS:
 
     void storeKnowsItsBackups();
     void replacedBackupIsNotedOnce();
+    void noteThatFailsIsTold();
     void goneBackupDoesNotCount();
     void awayBackupCounts();
     void overdue_data();
@@ -211,6 +213,25 @@ void KeptBackupsTest::replacedBackupIsNotedOnce()
         QVERIFY(!noteGoodBackup(records, u"/b/same.db"_s, day, morning.addDays(day)));
     QCOMPARE(goodBackups(records).size(), 1);
     QCOMPARE(goodBackups(records).constFirst().bytes, 2);
+}
+
+void KeptBackupsTest::noteThatFailsIsTold()
+{
+    SqliteDatabase database;
+    QVERIFY(!into(database, openDatabase(path(u"shop.sqlite"_s), OpenMode::Write)));
+    FussyRecords records(database.get());
+    QVERIFY(!noteGoodBackup(records, u"/b/1.db"_s, 1, morning));
+    bool isNoted = false;
+    for (int failing = 0; !isNoted && failing < 50; ++failing) {
+        records.texts.clear();
+        records.failAt = failing;
+        const auto failure = noteGoodBackup(records, u"/b/2.db"_s, 2, morning);
+        records.failAt = -1;
+        isNoted = records.texts.size() <= failing; // nothing failed any more
+        QCOMPARE(failure.has_value(), !isNoted);
+        QCOMPARE(goodBackups(records).size(), isNoted ? 2 : 1);
+    }
+    QVERIFY(isNoted);
 }
 
 void KeptBackupsTest::goneBackupDoesNotCount()
