@@ -50,10 +50,10 @@ struct Plan
 Plan quickPlan()
 {
     Plan plan;
-    plan.tenth = {1'000, 100};
-    plan.sizes = {{1'000, 10'000}, {10'000, 20'000}};
-    plan.runs = 5;
-    plan.comparedAt = 10'000;
+    plan.tenth = {200, 100};
+    plan.sizes = {{1'000, 10'000}, {2'000, 10'000}};
+    plan.runs = 3;
+    plan.comparedAt = 2'000;
     plan.frame = CatalogueSize{2'000, 100};
     plan.office = {2'000, 10};
     plan.officeRuns = 1;
