@@ -238,8 +238,8 @@ void BackupPage::keepNightly()
         return;
     NightlyDialog dialog(nightly(), this);
     dialog.exec();
-    if (!dialog.changed().isEmpty())
-        (void)m_deeds.add(deed::settingChanged, dialog.changed());
+    for (const QString &change : dialog.changes())
+        (void)m_deeds.add(deed::settingChanged, change);
     m_nightlyState->setText(nightlyText(nightly(), QCoreApplication::applicationFilePath()));
 }
 

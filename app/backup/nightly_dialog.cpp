@@ -219,7 +219,7 @@ void NightlyDialog::run(const std::function<NightlyEnd(const WorkWatch &)> &work
     m_job.start<NightlyEnd>(work, [this, done, change](const Result<NightlyEnd, QString> &ended) {
         const NightlyEnd end = ended ? *ended : NightlyEnd{ended.error(), {}};
         if (end.problem.isEmpty())
-            m_changed = change;
+            m_changes << change;
         showWhatCounts();
         if (std::exchange(m_isLeaving, false) && end.problem.isEmpty() && end.warning.isEmpty())
             return QDialog::reject();

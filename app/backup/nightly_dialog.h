@@ -5,6 +5,7 @@
 #include "app/work/work_job.h"
 
 #include <QDialog>
+#include <QStringList>
 
 #include <functional>
 
@@ -23,8 +24,8 @@ class NightlyDialog final : public QDialog
 public:
     NightlyDialog(NightlyTimer timer, QWidget *parent);
 
-    /// What was changed, for the record of who did what; empty when nothing was.
-    [[nodiscard]] const QString &changed() const { return m_changed; }
+    /// What was changed, one after the other, for the record of who did what.
+    [[nodiscard]] const QStringList &changes() const { return m_changes; }
 
     /// While something is being changed, which is for the record, it closes when that has ended well.
     void reject() override;
@@ -43,7 +44,7 @@ private:
     void lookWhetherItRuns();
 
     NightlyTimer m_timer;
-    QString m_changed;
+    QStringList m_changes;
     bool m_isLeaving = false;
     QComboBox *m_time = nullptr;
     QLineEdit *m_folder = nullptr;

@@ -27,8 +27,8 @@ class NightlyTest : public OfficeDesk
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { m_path = qgetenv("PATH"); }
-    void cleanupTestCase() { qputenv("PATH", m_path); }
+    void initTestCase() { m_programFolders = qgetenv("PATH"); }
+    void cleanupTestCase() { qputenv("PATH", m_programFolders); }
     void init();
 
     void wordsAreQuoted_data();
@@ -70,7 +70,7 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_home;
-    QByteArray m_path;
+    QByteArray m_programFolders;
 };
 
 void NightlyTest::init()
@@ -322,20 +322,30 @@ void NightlyTest::pageShowsTheTimer()
     QCOMPARE(part<QLabel>("nightlyState")->text(), u"No backup is made by itself."_s);
 }
 
-/// The dialog goes when the timer is set up.
+/// The dialog goes when the timer is set up; each change is told.
 void NightlyTest::closedMeanwhileIsRecorded()
 {
     openOffice();
     showPage(u"Backup"_s);
     inNextDialog([this](QDialog &dialog) {
         dialog.findChild<QLineEdit *>(u"nightlyFolder"_s)->setText(path(u"away"_s));
-        QTest::mouseClick(dialog.findChild<QPushButton *>(u"saveNightly"_s), Qt::LeftButton);
+        auto *save = dialog.findChild<QPushButton *>(u"saveNightly"_s);
+        QTest::mouseClick(save, Qt::LeftButton);
+        auto *outcome = dialog.findChild<QLabel *>(u"nightlyOutcome"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(!outcome->text().isEmpty(), 30000);
+        auto *keep = dialog.findChild<QComboBox *>(u"nightlyKeep"_s);
+        keep->setCurrentIndex(keep->findText(u"90"_s));
+        QTest::mouseClick(save, Qt::LeftButton);
         dialog.reject();
     });
     press("nightlyBackup");
     QVERIFY2(part<QLabel>("nightlyState")->text().contains(path(u"away"_s)),
              qPrintable(part<QLabel>("nightlyState")->text()));
-    QVERIFY(read(u"select What from HarrowbyActivity where Kind = 'SettingChanged'"_s).contains(path(u"away"_s)));
+    const QStringList told =
+        column(m_path, u"select What from HarrowbyActivity where Kind = 'SettingChanged' order by rowid"_s);
+    QCOMPARE(told.size(), 2);
+    QVERIFY2(told.at(0).endsWith(u"the newest 14 stay"_s) && told.at(1).endsWith(u"the newest 90 stay"_s),
+             qPrintable(told.join(u'\n')));
 }
 
 HARROWBY_TEST(app_nightly_test, NightlyTest)
