@@ -118,7 +118,7 @@ void ImportMeanwhileTest::settledMeanwhileIsTold()
           std::pair(u"TAKENBACK"_s, u"This import has been taken back already."_s)}) {
         m_bench->importValid("ID,Name,Price\nA,A,1\n");
         const std::int64_t id = m_bench->last;
-        const auto settle = [&](const WorkStep &) {
+        const auto settle = [&, state = state](const WorkStep &) {
             m_bench->sql(u"update HarrowbyImport set State = '%1' where ImportID = %2"_s.arg(state).arg(id));
             return true;
         };

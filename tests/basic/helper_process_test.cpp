@@ -3,6 +3,7 @@
 
 #include "tests/program/test_program.h"
 
+#include <QPointer>
 #include <QTest>
 
 #include <memory>
