@@ -5,8 +5,6 @@
 #include "app/office/office_login_dialog.h"
 #include "app/office/office_window.h"
 #include "app/office/users_table.h"
-#include "app/records/deeds.h"
-#include "app/records/sqlite_records.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_paths.h"
 #include "app/start/display.h"
@@ -38,30 +36,6 @@ QString wordsOf(const DoorAnswer &answer, const QString &name)
                "nobody can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;
     default:
         return engineWords(u"The users could not be read."_s, answer.error);
-    }
-}
-
-/// What was tried, for the list of deeds. A name that is none of the store's may be a password in the wrong field.
-void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name)
-{
-    SqliteRecords records(database);
-    const Deeds deeds(records, officePlace);
-    switch (answer.kind) {
-    case Kind::Open:
-        (void)deeds.add({deed::loggedIn, name, u"Opened the office"_s});
-        break;
-    case Kind::Wrong:
-        if (SqliteStatement(database, u"SELECT 1 FROM Users WHERE UPPER(Username) = ?1"_s, {name}).next())
-            (void)deeds.add({deed::loginRefused, name, u"Wrong password"_s});
-        else
-            (void)deeds.add({deed::loginRefused, {}, u"Unknown user name"_s});
-        break;
-    case Kind::NotEnabled:
-    case Kind::NoRight:
-        (void)deeds.add({deed::loginRefused, name, u"Not enough rights"_s});
-        break;
-    default:
-        break;
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include "app/office/user_rules.h"
 #include "app/office/users_table.h"
+#include "app/records/deeds.h"
+#include "app/records/sqlite_records.h"
 #include "basic/administrator.h"
 #include "basic/text.h"
 #include "basic/values.h"
@@ -52,6 +54,29 @@ DoorAnswer askAtDoor(sqlite3 *database, const QString &name, const QString &pass
     if (query.next()) // of several, the till takes the first one, too
         return answerFor(query);
     return query.error() ? DoorAnswer{Kind::Failed, *query.error(), {}} : DoorAnswer{Kind::Wrong, {}, {}};
+}
+
+void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name)
+{
+    SqliteRecords records(database);
+    const Deeds deeds(records, officePlace);
+    switch (answer.kind) {
+    case Kind::Open:
+        (void)deeds.add({deed::loggedIn, name, u"Opened the office"_s});
+        break;
+    case Kind::Wrong:
+        if (SqliteStatement(database, u"SELECT 1 FROM Users WHERE UPPER(Username) = ?1"_s, {name}).next())
+            (void)deeds.add({deed::loginRefused, name, u"Wrong password"_s});
+        else
+            (void)deeds.add({deed::loginRefused, {}, u"Unknown user name"_s});
+        break;
+    case Kind::NotEnabled:
+    case Kind::NoRight:
+        (void)deeds.add({deed::loginRefused, name, u"Not enough rights"_s});
+        break;
+    default:
+        break;
+    }
 }
 
 DoorAnswer findKeyHolder(sqlite3 *database)

@@ -32,6 +32,10 @@ struct DoorAnswer
 /// Compares as the login does: trimmed and in capitals, and never a user of the type VIEWER.
 [[nodiscard]] DoorAnswer askAtDoor(sqlite3 *database, const QString &name, const QString &password);
 
+/// Tells by a deed what was tried, with the name as askAtDoor() compares it. One that is none of the store's may be a
+/// password in the wrong field, and is not kept.
+void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name);
+
 /// What stands in the way before anything is typed; Open when nothing does.
 [[nodiscard]] DoorAnswer findKeyHolder(sqlite3 *database);
 

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void whoIsInIsAskedOnceMore_data();
     void whoIsInIsAskedOnceMore();
     void ownNewPasswordCounts();
+    void whatIsTriedIsTold();
     void loginOpens();
     void wrongPasswordIsRefusedAndSlowsDown();
     void pauseOutlivesTheDialog();
@@ -195,6 +196,30 @@ void OfficeDoorTest::ownNewPasswordCounts()
     QVERIFY(table.setPassword(user(u"BOB"_s), u"X"_s));
     QVERIFY(user(u"BOB"_s).rights.contains(u"InventorySales"_s));
     QCOMPARE(column(path, u"SELECT count(*) FROM Users"_s), QStringList{u"2"_s});
+}
+
+void OfficeDoorTest::whatIsTriedIsTold()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"store.sqlite"_s);
+    makeStore(path);
+    runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
+                  "('ANNA', 'A', 'STAFF', -1, 0), ('BOB', 'B', 'STAFF', 0, -1)"_s});
+    SqliteDatabase database;
+    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
+    for (const auto &[name, password] : {std::pair(u"ADMINISTRATOR"_s, u"secret"_s),
+                                         {u"ADMINISTRATOR"_s, u"wrong"_s},
+                                         {u"ANNA"_s, u"a"_s},
+                                         {u"BOB"_s, u"b"_s},
+                                         {u"SECRET"_s, u"secret"_s}, // in the wrong field
+                                         {u"ANNA"_s, QString()}})
+        noteAtDoor(database.get(), askAtDoor(database.get(), name, password), name);
+    QCOMPARE(column(path, u"SELECT Kind || '|' || Who || '|' || Place || '|' || What FROM HarrowbyActivity "
+                          "ORDER BY rowid"_s),
+             (QStringList{
+                 u"LoggedIn|ADMINISTRATOR|office|Opened the office"_s,
+                 u"LoginRefused|ADMINISTRATOR|office|Wrong password"_s, u"LoginRefused|ANNA|office|Not enough rights"_s,
+                 u"LoginRefused|BOB|office|Not enough rights"_s, u"LoginRefused||office|Unknown user name"_s}));
 }
 
 void OfficeDoorTest::loginOpens()
