@@ -36,6 +36,8 @@ private Q_SLOTS:
     void codesInAnotherLength();
     void codesWithoutTheirZeros();
     void itemsByCodesWithoutTheirZeros();
+    void codeOfSeveralItems();
+    void spoiltMemoryOfColumns();
     void firstLineThatIsARow_data();
     void firstLineThatIsARow();
     void firstLineTakenAsARow();
@@ -176,6 +178,26 @@ void ImportEditedTest::itemsByCodesWithoutTheirZeros()
                           u"4 refused  [Barcode: Its leading zeros are missing, as a spreadsheet leaves them out: with "
                           "them it is 02345673. Format the column as text there.]"_s}));
     QCOMPARE(preview("ID,Barcode\nTEA-1,36000291452\n"), QStringList{u"2 unchanged TEA-1"_s});
+}
+
+/// Two lengths of one number, as other programs may have entered them.
+void ImportEditedTest::codeOfSeveralItems()
+{
+    m_bench->addItem(u"A"_s, u"SOAP"_s, u"1"_s);
+    m_bench->addItem(u"B"_s, u"FOAM"_s, u"1"_s);
+    addCodes(u"('036000291452', 'A', 1), ('0036000291452', 'B', 1)"_s);
+    QCOMPARE(preview("Code,Price\n00036000291452,2\n036000291452,3\n").constFirst(),
+             u"2 refused  [Code: The code is that of several items.]"_s);
+}
+
+void ImportEditedTest::spoiltMemoryOfColumns()
+{
+    const QStringList headings = {u"No"_s, u"What"_s};
+    RememberedColumns remembered(*m_bench->records);
+    QVERIFY(!remembered.remember(ImportKind::Items, headings, {0, 3}));
+    QCOMPARE(remembered.match(ImportKind::Items, headings), (ColumnMatch{0, 3}));
+    m_bench->sql(u"update HarrowbySetting set Value = 'StockID' where Name like 'ImportColumns.%'"_s);
+    QVERIFY(!remembered.match(ImportKind::Items, headings));
 }
 
 void ImportEditedTest::firstLineThatIsARow_data()

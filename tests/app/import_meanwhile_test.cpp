@@ -20,6 +20,7 @@ private Q_SLOTS:
 
     void categoryThatIsGoneMeanwhile();
     void categoryIsMadeAgainOnTheWayBack();
+    void twinOfAnItemComesMeanwhile();
     void nameIsTakenOnTheWayBack();
     void equalRowsOnTheWayBack();
     void settledMeanwhileIsTold();
@@ -63,6 +64,20 @@ void ImportMeanwhileTest::categoryIsMadeAgainOnTheWayBack()
     QCOMPARE(m_bench->rows(u"select StockCategory from StockList order by StockID"_s),
              (QStringList{u"DRINKS"_s, u"OTHER CATEGORY"_s, u"never stored"_s}));
     QCOMPARE(m_bench->rows(u"select CategoryName from InventoryCategory"_s), QStringList{u"DRINKS"_s});
+}
+
+/// Which of the two the row is about, nobody knows any more.
+void ImportMeanwhileTest::twinOfAnItemComesMeanwhile()
+{
+    m_bench->addItem(u"A"_s, u"A"_s, u"1"_s);
+    m_bench->addItem(u"B"_s, u"B"_s, u"1"_s);
+    const StagedImport staged = m_bench->stage("ID,Price\nA,2\nB,2\n");
+    m_bench->addItem(u"A"_s, u"A"_s, u"1"_s);
+    const auto outcome = m_bench->import().apply(staged.id, true, nullptr, goOn);
+    QVERIFY2(outcome, qPrintable(endOf(outcome).words));
+    QCOMPARE(outcome->leftOut, 1);
+    QCOMPARE(m_bench->rows(u"select StockID || ' ' || StockCost from StockList order by 1"_s),
+             (QStringList{u"A 1"_s, u"A 1"_s, u"B 2"_s}));
 }
 
 void ImportMeanwhileTest::nameIsTakenOnTheWayBack()

@@ -144,6 +144,8 @@ void ImportRulesTest::rowEqualToTheStoresIsNeverRefused_data()
     QTest::newRow("no ID") << u"'', 'TEA', 'DRINKS', 1, 2, 3, 'Enabled'"_s << QByteArray(",TEA,DRINKS,1,2,3,Enabled");
     QTest::newRow("more decimals") << u"'A', 'TEA', 'DRINKS', 1.255, 2.5, 3, 'Enabled'"_s
                                    << QByteArray("A,TEA,DRINKS,1.255,2.5,3,Enabled");
+    QTest::newRow("stored with two decimals")
+        << u"'A', 'TEA', 'DRINKS', 1.26, 2, 3, 'Enabled'"_s << QByteArray("A,TEA,DRINKS,1.255,2,3,Enabled");
     QTest::newRow("written otherwise") << u"'A', 'TEA', 'DRINKS', 1.5, 1000, 3, 'Enabled'"_s
                                        << QByteArray("A,TEA,DRINKS,1.50,\"1,000\",3.0,enabled");
 }

@@ -299,6 +299,10 @@ void ImportWritingTest::fileOfCodes()
                           u"5 new 444 StockID >A Units >6"_s, u"6 refused 555 [StockID: There is no item NONE.]"_s,
                           u"7 refused 222X [Units: A scan can sell 1 to 32767 units.]"_s,
                           u"8 refused 111 [Code: 111 stands in 2 rows of the file, first in line 2.]"_s}));
+    const QByteArray other = "Code,StockID\n222,A\n333,NONE\n";
+    QCOMPARE(m_bench->list(m_bench->stage(other, ImportBench::choicesFor(other, ImportKind::Codes)).id),
+             (QStringList{u"2 refused 222 [StockID: The code is taken: it belongs to B (B).]"_s,
+                          u"3 refused 333 [StockID: There is no item NONE.]"_s}));
     const QStringList before = m_bench->rows(u"select * from HarrowbyCode order by 1"_s);
     QVERIFY(m_bench->import().apply(staged.id, true, nullptr, goOn));
     QCOMPARE(m_bench->rows(u"select Code, StockID, Units from HarrowbyCode order by 1"_s),
