@@ -22,6 +22,7 @@ class CatalogueFileTest : public CatalogueDesk
 private Q_SLOTS:
     void wideLettersComeInWhole_data();
     void wideLettersComeInWhole();
+    void signIsThatOfTheFigures();
     void columnInDoubtIsChosen();
     void firstLineThatIsARow();
     void columnInDoubtMayBeNone();
@@ -59,6 +60,18 @@ void CatalogueFileTest::wideLettersComeInWhole()
     QCOMPARE(read(u"SELECT group_concat(StockName || ' ' || StockCost) FROM (SELECT * FROM StockList WHERE StockID IN "
                   "('TEA-0001', 'CAF-0001') ORDER BY StockID)"_s),
              u"CAF\u00c9 \u017b \U0001F375 4,TEA 2.5"_s);
+}
+
+/// What a column says that holds no figure counts only until that is known.
+void CatalogueFileTest::signIsThatOfTheFigures()
+{
+    begin("StockID;StockName;StockCost;Version\nTEA-0001;TEA;3.50;1,5\n");
+    QCOMPARE(part<QComboBox>("importDecimalSign")->currentText(), u"Not clear yet"_s);
+    nextIs(2);
+    nextIs(3);
+    QVERIFY(!part<QWidget>("signAnswer")->isVisible());
+    nextIs(4);
+    QCOMPARE(listed("importRows"), QStringList{u"2 | changed | TEA-0001 | TEA | Unit cost 1 \u2192 3.50"_s});
 }
 
 void CatalogueFileTest::columnInDoubtIsChosen()

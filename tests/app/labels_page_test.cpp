@@ -387,6 +387,9 @@ void LabelsPageTest::theListHasALimit()
     QCOMPARE(list.labels(), 9 * 9'999);
     QCOMPARE(list.add(items.first(1), 7).labels, 7);
     QCOMPARE(list.rows().constLast().item.id, u"0"_s);
+    QCOMPARE(list.add(items.last(1), 9'999).labels, 9'999);
+    list.setCount(9, 9'999); // as many as there is room for
+    QCOMPARE(list.labels(), LabelList::mostLabels);
     list.clear();
     QCOMPARE(list.labels(), 0);
 }
