@@ -212,11 +212,12 @@ private:
 void ReentryTest::prepare(Counter &counter)
 {
     m_strangeBoxes.clear();
-    counter.file.sql(u"PRAGMA synchronous = OFF; UPDATE StoreSettings SET ShowDetails = 1"_s);
+    counter.file.sql(u"PRAGMA synchronous = OFF; BEGIN; UPDATE StoreSettings SET ShowDetails = 1"_s);
     for (int i = 0; i < items; ++i)
         counter.file.addItem(u"A%1"_s.arg(i), u"ITEM %1"_s.arg(10 + i), 1.5, 100, i % 3 == 0 ? u"SNACKS"_s : u"TEA"_s);
     for (int i = 0; i < categories; ++i)
         counter.file.sql(u"INSERT INTO InventoryCategory VALUES ('CATEGORY %1','')"_s.arg(i));
+    counter.file.sql(u"COMMIT"_s);
     counter.boxes.answerTheRest([this](const QString &text) {
         if (!isKnownBox(text))
             m_strangeBoxes << text;
@@ -227,11 +228,13 @@ void ReentryTest::prepare(Counter &counter)
 /// Purchases of other days, and what the search finds.
 void ReentryTest::fillPast(Counter &counter)
 {
+    counter.file.sql(u"BEGIN"_s);
     for (int i = 0; i < items; ++i) {
         counter.file.sql(u"INSERT INTO PurchaseCart VALUES ('HV%1', '1 x A1  |  ITEM 11 = 1.50, 2 x A2  |  ITEM 12 = "
                          "3.00', 2, 4.5, '180101080000', 'BOB')"_s.arg(1000 + i));
         counter.file.addItem(u"*STAR*"_s, u"ITEM %1"_s.arg(100 + i), 1.5, 100, u"STARS"_s);
     }
+    counter.file.sql(u"COMMIT"_s);
 }
 
 void ReentryTest::fillCart(Counter &counter)
