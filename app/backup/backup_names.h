@@ -15,6 +15,8 @@ inline constexpr QStringView copySuffix = u"db";
 
 /// In the names of files, which sort by it: "2026-11-21-090507".
 [[nodiscard]] QString momentInName(const QDateTime &moment);
+/// Its form, as a regular expression.
+inline constexpr QStringView momentPattern = u"\\d{4}-\\d{2}-\\d{2}-\\d{6}";
 
 /// "copy-2.db" of "copy.db": where a file has that name already.
 [[nodiscard]] QString numberedName(const QString &path, int number);

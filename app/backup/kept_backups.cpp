@@ -61,8 +61,8 @@ QString keptBackupName(const QString &store, const QDateTime &moment, const QStr
 
 QStringList keptBackups(const QString &folder, const QString &store, const QString &begin)
 {
-    const QRegularExpression form(u"^%1-(\\d{4}-\\d{2}-\\d{2}-\\d{6})-%2(?:-(\\d{1,4}))?\\.%3$"_s.arg(
-        QRegularExpression::escape(beginOr(begin, store)), storeMark(store), copySuffix));
+    const QRegularExpression form(u"^%1-(%2)-%3(?:-(\\d{1,4}))?\\.%4$"_s.arg(
+        QRegularExpression::escape(beginOr(begin, store)), momentPattern, storeMark(store), copySuffix));
     QList<std::pair<Place, QString>> found;
     const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     for (const QFileInfo &file : files) {

@@ -21,6 +21,14 @@ namespace harrowby::app {
 /// The backups of this very store in the folder, by their names, the newest first. Absolute paths.
 [[nodiscard]] QStringList keptBackups(const QString &folder, const QString &store, const QString &begin = {});
 
+/// How many may be asked to stay.
+inline constexpr int fewestToKeep = 1;
+inline constexpr int mostToKeep = 9999;
+[[nodiscard]] constexpr bool mayKeep(int count)
+{
+    return count >= fewestToKeep && count <= mostToKeep;
+}
+
 struct KeptBackup
 {
     BackupResult result;

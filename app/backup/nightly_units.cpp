@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/nightly_units.h"
 
+#include "app/backup/kept_backups.h"
 #include "app/shop/errand_names.h"
 
 #include <QFileInfo>
@@ -81,7 +82,7 @@ std::optional<ReadNightly> readNightlyTimer(const QString &text)
     }
     const NightlyPlan plan = {QTime::fromString(values.value(u"Time"_s), timeForm), values.value(u"Folder"_s),
                               values.value(u"Keep"_s).toInt()};
-    if (!plan.time.isValid() || plan.folder.isEmpty() || plan.keep < 1)
+    if (!plan.time.isValid() || plan.folder.isEmpty() || !mayKeep(plan.keep))
         return {};
     return ReadNightly{plan, values.value(u"Program"_s)};
 }

@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <system_error>
 #include <thread>
 
@@ -19,11 +18,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr int mostTries = 10;
-constexpr auto pauseBetween = 100ms;
 
 /// SQLite's lock bytes: pending, reserved, and the range that each reader locks a part of, also one of a log.
 constexpr off_t firstLockByte = 0x40000000;
@@ -59,11 +53,11 @@ std::optional<QString> StoreHold::take(const QString &store)
             return u"The store file cannot be locked (%1)."_s.arg(reason);
         }
         const StoreUsers users = findStoreUsers(store);
-        if (!users.isEmpty() || tries == mostTries) {
+        if (!users.isEmpty() || tries == lockTries) {
             release();
             return storeInUse(users);
         }
-        std::this_thread::sleep_for(pauseBetween);
+        std::this_thread::sleep_for(lockPause);
     }
     if (const StoreUsers users = findStoreUsers(store); !users.isEmpty()) {
         release();

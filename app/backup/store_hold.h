@@ -18,7 +18,8 @@ public:
     StoreHold(const StoreHold &) = delete;
     StoreHold &operator=(const StoreHold &) = delete;
 
-    /// Why it cannot be had, for a person; empty when it is held. Waits a second for others.
+    /// Why it cannot be had, for a person; empty when it is held. Tries as often as openStoreAlone(), see
+    /// store_locked.h.
     [[nodiscard]] std::optional<QString> take(const QString &store);
     void release();
 

@@ -10,7 +10,6 @@
 
 #include <sqlite3.h>
 
-#include <chrono>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -18,11 +17,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr int tries = 10;
-constexpr auto pause = 100ms;
 
 bool isLocked(const SqlError &error)
 {
@@ -84,7 +78,7 @@ QString storeInUse(const StoreUsers &users)
 Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store)
 {
     std::optional<SqlError> error;
-    for (int left = tries; left > 0; --left) {
+    for (int left = lockTries; left > 0; --left) {
         auto database = openDatabase(store, OpenMode::Write);
         if (!database)
             return Unexpected(notAlone(database.error(), store));
@@ -98,7 +92,7 @@ Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store)
         if (!isLocked(*error))
             return Unexpected(notAlone(*error, store));
         database->reset();
-        std::this_thread::sleep_for(pause);
+        std::this_thread::sleep_for(lockPause);
     }
     return Unexpected(NotAlone{storeInUse(findStoreUsers(store)), false});
 }

@@ -6,9 +6,16 @@
 
 #include <QString>
 
+#include <chrono>
+
 namespace harrowby::app {
 
 struct StoreUsers;
+
+/// How often a restore tries to have a store for itself, and how long it pauses between two tries. Each try of
+/// openStoreAlone() waits for no lock; what comes before, looking at the store, waits as wait_times.h says.
+inline constexpr int lockTries = 10;
+inline constexpr std::chrono::milliseconds lockPause{100};
 
 /// Why a store cannot be had alone.
 struct NotAlone
@@ -18,8 +25,8 @@ struct NotAlone
 };
 
 /// Opens a store for this program alone: its log is moved into the file and removed, and as long as the connection
-/// lives nobody else can read or write it. Says in words for a person who has it open when it cannot be had, after
-/// about a second. It is killed at any moment without harm; the next till gives the store its log again.
+/// lives nobody else can read or write it. Says in words for a person who has it open when it cannot be had after
+/// lockTries. It is killed at any moment without harm; the next till gives the store its log again.
 [[nodiscard]] Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store);
 
 struct DamagedStore

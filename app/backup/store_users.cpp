@@ -66,7 +66,7 @@ QString nameOf(const QString &process)
     const auto begins = [&](const char *option) {
         return std::ranges::any_of(words, [&](const QByteArray &word) { return word.startsWith(option); });
     };
-    if (begins("--office"))
+    if (begins(officeOption.data()))
         return u"the office"_s;
     for (const QLatin1StringView errand : errand::all) {
         if (begins(errand.data()))

@@ -18,8 +18,6 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr int mostKept = 9999;
-
 /// In the store, for its office. The backup is good without it.
 void note(const ErrandStore &store, const BackupResult &made)
 {
@@ -59,8 +57,9 @@ Result<Errand, QString> readBackupErrand(const ErrandLine &line)
     if (line.options.contains(u"--keep"_s)) {
         bool isNumber = false;
         keep = line.options.value(u"--keep"_s).toInt(&isNumber);
-        if (!isNumber || keep < 1 || keep > mostKept)
-            return Unexpected(u"--keep takes how many backups stay, from 1 to %1."_s.arg(mostKept));
+        if (!isNumber || !mayKeep(keep))
+            return Unexpected(
+                u"--keep takes how many backups stay, from %1 to %2."_s.arg(fewestToKeep).arg(mostToKeep));
     }
     return Errand(
         [folder = line.values.constFirst(), keep](const ErrandStore &store) { return backUp(store, folder, keep); });

@@ -5,6 +5,13 @@
 
 #include <array>
 
+namespace harrowby::app {
+
+/// The option that opens the store's office.
+inline constexpr QLatin1StringView officeOption("--office");
+
+} // namespace harrowby::app
+
 /// The options by which the store program does something without a window. What else each takes:
 /// app/start/errand_line.cpp.
 namespace harrowby::app::errand {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/command_line.h"
 
+#include "app/shop/errand_names.h"
 #include "app/shop/file_facts.h"
 #include "app/start/look_choice.h"
 
@@ -91,7 +92,7 @@ private:
     bool *switchNamed(const QString &name)
     {
         const std::pair<QString, bool *> switches[] = {
-            {u"--office"_s, &m_result.office},
+            {officeOption, &m_result.office},
             {u"--touch-keyboard"_s, &m_result.touchKeyboard},
             {u"--no-plugins"_s, &m_result.noPlugins},
             {u"--demo"_s, &m_result.demo},
