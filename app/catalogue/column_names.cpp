@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/column_names.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -125,6 +127,25 @@ const QList<KnownColumn> &knownColumns(ImportKind kind)
     default:
         return itemNames();
     }
+}
+
+bool isThePrice(const KnownColumn &column)
+{
+    return column.column.name == u"StockCost"_s;
+}
+
+bool mayBeAPrice(const QString &key)
+{
+    const auto speaksOf = [&](const QStringList &words) {
+        return std::ranges::any_of(words, [&](const QString &word) { return key.contains(word); });
+    };
+    static const QStringList selling = {u"price"_s,   u"preis"_s,   u"prix"_s,  u"precio"_s, u"retail"_s,
+                                        u"selling"_s, u"verkauf"_s, u"vente"_s, u"venta"_s};
+    static const QStringList buying = {u"cost"_s,    u"purchas"_s, u"buy"_s,      u"wholesale"_s, u"supplier"_s,
+                                       u"einkauf"_s, u"ekpreis"_s, u"preisek"_s,  u"bezug"_s,     u"achat"_s,
+                                       u"revient"_s, u"degros"_s,  u"prixgros"_s, u"fourniss"_s,  u"compra"_s,
+                                       u"coste"_s,   u"costo"_s,   u"mayor"_s,    u"proveedor"_s};
+    return speaksOf(selling) && !speaksOf(buying);
 }
 
 } // namespace harrowby::app

@@ -19,4 +19,10 @@ struct KnownColumn
 /// The columns of a kind, in the order of importColumns().
 [[nodiscard]] const QList<KnownColumn> &knownColumns(ImportKind kind);
 
+/// Of what a customer pays.
+[[nodiscard]] bool isThePrice(const KnownColumn &column);
+/// "Price incl. VAT": a heading whose words are not known, but speak of what a customer pays, and not of what the shop
+/// does. Without capitals, blanks and signs.
+[[nodiscard]] bool mayBeAPrice(const QString &key);
+
 } // namespace harrowby::app

@@ -47,21 +47,6 @@ int rankOf(const KnownColumn &column, const QString &key)
     return column.otherNames.contains(key) ? 1 : 0;
 }
 
-/// "Price incl. VAT": words that are not known, but speak of what a customer pays.
-bool mayBeAPrice(const QString &key)
-{
-    const auto speaksOf = [&](const QStringList &words) {
-        return std::ranges::any_of(words, [&](const QString &word) { return key.contains(word); });
-    };
-    static const QStringList selling = {u"price"_s,   u"preis"_s,   u"prix"_s,  u"precio"_s, u"retail"_s,
-                                        u"selling"_s, u"verkauf"_s, u"vente"_s, u"venta"_s};
-    static const QStringList buying = {u"cost"_s,    u"purchas"_s, u"buy"_s,      u"wholesale"_s, u"supplier"_s,
-                                       u"einkauf"_s, u"ekpreis"_s, u"preisek"_s,  u"bezug"_s,     u"achat"_s,
-                                       u"revient"_s, u"degros"_s,  u"prixgros"_s, u"fourniss"_s,  u"compra"_s,
-                                       u"coste"_s,   u"costo"_s,   u"mayor"_s,    u"proveedor"_s};
-    return speaksOf(selling) && !speaksOf(buying);
-}
-
 /// The places of those headings that the column may be, the likeliest first.
 QList<int> candidatesOf(const KnownColumn &column, const QStringList &headings)
 {
@@ -78,7 +63,7 @@ QList<int> candidatesOf(const KnownColumn &column, const QStringList &headings)
     // Nobody heads a column by the store's own name but for this; a lone "Cost" beside another price may be either.
     if (best == ownName)
         places.removeIf([&](int place) { return rankOf(column, keyOf(headings.at(place))) < ownName; });
-    for (qsizetype i = 0; best > 0 && best < 3 && !column.plainNames.isEmpty() && i < headings.size(); ++i) {
+    for (qsizetype i = 0; best > 0 && best < 3 && isThePrice(column) && i < headings.size(); ++i) {
         if (rankOf(column, keyOf(headings.at(i))) == 0 && mayBeAPrice(keyOf(headings.at(i))))
             places << static_cast<int>(i);
     }

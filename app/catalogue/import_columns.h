@@ -40,8 +40,8 @@ struct ImportColumn
 /// What columns without headings are called: "Column 1", "Column 2" and so on.
 [[nodiscard]] QStringList numberedHeadings(qsizetype count);
 /// By the store's own names and the usual words of English, German, French and Spanish, in any order and case. Of
-/// several headings that fit one column it takes the likeliest: a price is what the customer pays, never what the shop
-/// does.
+/// several headings that fit one column it takes the likeliest: a price that the customer pays before a plain "Cost",
+/// which may be what the shop pays, and what speaks of buying never.
 [[nodiscard]] ColumnMatch matchColumns(ImportKind kind, const QStringList &headings);
 
 /// A column that several headings fit. Somebody has to say which of them it is.
