@@ -16,11 +16,11 @@ Records::Answer<AutomaticIds::Series> AutomaticIds::begin(const QString &prefix)
     if (!ids)
         return Unexpected(ids.error());
     Series series;
-    double marked = 0; // the form begins behind the count of those that end in "-*"
+    double marked = 0; // the form begins behind the count of those that are marked
     for (const RecordRow &row : *ids) {
         const QString id = recordText(row.constFirst());
         series.taken.insert(id.toUpper()); // by which the till finds it
-        marked += id.compare(prefix + u"-*"_s, Qt::CaseInsensitive) == 0 ? 1 : 0;
+        marked += id.compare(prefix + markedIdEnding, Qt::CaseInsensitive) == 0 ? 1 : 0;
     }
     series.last = toInt16(marked).value_or(0);
     return series;

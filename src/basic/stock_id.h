@@ -13,6 +13,9 @@ namespace harrowby {
 /// The text of the ID field that asks for one.
 inline constexpr QLatin1StringView automaticIdText("(Auto ID)");
 
+/// Behind the prefix, it ends the IDs that move the beginning of the numbers: they are counted behind as many.
+inline constexpr QLatin1StringView markedIdEnding("-*");
+
 /// First three characters of the category, upper-cased; a shorter category gives fewer.
 [[nodiscard]] QString automaticIdPrefix(const QString &category);
 /// prefix "-" number, which has four digits at least.

@@ -3,6 +3,7 @@
 
 #include "basic/quick_sale_page.h"
 #include "basic/reorder_level.h"
+#include "basic/stock_id.h"
 
 namespace harrowby::statements {
 
@@ -139,7 +140,7 @@ Statement allStock()
 
 Statement automaticIdCount(const QString &prefix)
 {
-    return Statement("Select count(*) as counts from StockList where StockID like ").text("", prefix, "-*");
+    return Statement("Select count(*) as counts from StockList where StockID like ").text(prefix + markedIdEnding);
 }
 
 Statement sameStock(const QString &id, const QString &upperName)
