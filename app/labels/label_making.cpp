@@ -44,6 +44,11 @@ FittedLabel fitLabel(const LabelRow &row, const QString &currency, const LabelDr
     return fitted;
 }
 
+QString tooLongWords(const QString &what, bool several)
+{
+    return several ? u"%1 are too long for the label"_s.arg(what) : u"%1 is too long for the label"_s.arg(what);
+}
+
 LabelsMade makeLabels(const LabelOrder &order, const WorkWatch &watch)
 {
     LabelsMade made;

@@ -19,6 +19,9 @@ struct FittedLabel
 
 [[nodiscard]] FittedLabel fitLabel(const LabelRow &row, const QString &currency, const LabelDrawing &drawing);
 
+/// "These codes are too long for the label": what is said of a label that does not fit, with the words for what.
+[[nodiscard]] QString tooLongWords(const QString &what, bool several);
+
 /// What is to be printed.
 struct LabelOrder
 {

@@ -72,9 +72,9 @@ bool LabelOutput::askForTheRest(const LabelsMade &made) const
 {
     QStringList parts;
     if (!made.longCodes.isEmpty())
-        parts << u"These codes are too long for the label:\n"_s + firstOf(made.longCodes);
+        parts << tooLongWords(u"These codes"_s, true) + u":\n"_s + firstOf(made.longCodes);
     if (!made.longPrices.isEmpty())
-        parts << u"These prices are too long for the label:\n"_s + firstOf(made.longPrices);
+        parts << tooLongWords(u"These prices"_s, true) + u":\n"_s + firstOf(made.longPrices);
     if (parts.isEmpty())
         return false;
     parts << (made.longPrices.isEmpty() ? u"Print those labels without a code?"_s

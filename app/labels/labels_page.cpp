@@ -148,9 +148,9 @@ void LabelsPage::showLabel()
     const FittedLabel fitted = fitLabel(chosen, m_currency, {m_paper, m_setting.dotsPerInch});
     m_preview->show(fitted.label, m_paper, m_setting.dotsPerInch);
     if (!fitted.longCode.isEmpty())
-        tell(u"\u26a0 %1 is too long for this label: choose a wider paper, or another code."_s.arg(fitted.longCode));
+        tell(u"\u26a0 "_s + tooLongWords(fitted.longCode, false) + u": choose a wider paper, or another code."_s);
     else if (!fitted.hasPrice)
-        tell(u"\u26a0 The price is too long for this label: choose a wider paper."_s);
+        tell(u"\u26a0 "_s + tooLongWords(u"The price"_s, false) + u": choose a wider paper."_s);
     else if (chosen.item.isDoubled)
         tell(u"\u26a0 Another item has the ID %1, too, so the till sells neither by its codes: the label has name and "
              "price alone. Give one of them another ID."_s.arg(shownCode(chosen.item.id)));

@@ -272,7 +272,7 @@ void LabelsPageTest::tooLongCodesAreAskedAbout()
 {
     QVERIFY(!CodeTable(*m_records).add(QString(30, u'W'), u"BAK-0001"_s, 1));
     add(u"bread"_s);
-    QVERIFY2(outcome().contains(u"too long for this label"_s), qPrintable(outcome()));
+    QVERIFY2(outcome().contains(u"too long for the label"_s), qPrintable(outcome()));
     add(u"milk"_s);
     answerBox(QMessageBox::RejectRole);
     QCOMPARE(savePdf(), QString());
