@@ -101,6 +101,8 @@ void KeyboardRunTest::firstStartAndLogin()
     tap(u"TILL"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"password"_s).toUpper(), u"TILL"_s, 30000);
     QVERIFY(program.press(u"passwordAgain"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"passwordAgain"_s, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Create Store"_s) && keyboardIsDrawn(), 30000);
     tap(u"TILL"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"passwordAgain"_s).toUpper(), u"TILL"_s, 30000);
     m_screen.press(key(u"Enter"_s));
