@@ -49,17 +49,6 @@ Result<void, QString> checkName(const QString &target)
     return {};
 }
 
-Result<void, QString> checkFolder(const QString &target)
-{
-    const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
-    if (!folder.isDir())
-        return Unexpected(
-            u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath()));
-    if (judgeNewPlace(realTarget(target), false))
-        return Unexpected(u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath()));
-    return {};
-}
-
 Result<void, QString> checkSpace(const QString &store, const QString &target)
 {
     const qint64 needed = QFileInfo(store).size() + QFileInfo(logFileOf(store)).size();
@@ -72,6 +61,17 @@ Result<void, QString> checkSpace(const QString &store, const QString &target)
 }
 
 } // namespace
+
+Result<void, QString> checkFolderOf(const QString &target)
+{
+    const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
+    if (!folder.isDir())
+        return Unexpected(
+            u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath()));
+    if (judgeNewPlace(realTarget(target), false))
+        return Unexpected(u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath()));
+    return {};
+}
 
 bool belongsToStore(const QString &store, const QString &target)
 {
@@ -92,7 +92,7 @@ Result<void, QString> checkBackupPlace(const QString &store, const QString &targ
         return Unexpected(u"This is the store file itself. Please choose another name."_s);
     if (const auto name = checkName(target); !name)
         return name;
-    if (const auto folder = checkFolder(target); !folder)
+    if (const auto folder = checkFolderOf(target); !folder)
         return folder;
     return checkSpace(store, target);
 }

@@ -11,6 +11,9 @@ namespace harrowby::app {
 /// already is no reason.
 [[nodiscard]] Result<void, QString> checkBackupPlace(const QString &store, const QString &target);
 
+/// Whether a file can be made in the folder of that one, or why not.
+[[nodiscard]] Result<void, QString> checkFolderOf(const QString &target);
+
 /// Whether it is the store file, under whatever name, or one that SQLite keeps beside it.
 [[nodiscard]] bool belongsToStore(const QString &store, const QString &target);
 

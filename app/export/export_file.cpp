@@ -62,13 +62,7 @@ Result<void, QString> checkExportPlace(const QString &store, const QString &targ
         return Unexpected(u"\"%1\" is a folder. Please give the file a name in it."_s.arg(target));
     if (nameIsTaken(target) && !info.isFile()) // a device would be replaced by the file
         return Unexpected(u"\"%1\" is not an ordinary file."_s.arg(target));
-    const QFileInfo folder(QFileInfo(realTarget(target)).absolutePath());
-    if (!folder.isDir())
-        return Unexpected(
-            u"There is no folder \"%1\". If it is on a stick, plug that in first."_s.arg(folder.filePath()));
-    if (judgeNewPlace(realTarget(target), false))
-        return Unexpected(u"The folder \"%1\" cannot be written. Please choose another one."_s.arg(folder.filePath()));
-    return {};
+    return checkFolderOf(target);
 }
 
 } // namespace harrowby::app
