@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QChar>
+#include <QLatin1StringView>
 #include <QList>
 #include <QString>
 
@@ -29,6 +30,11 @@ struct CsvForm
 
 /// The separators that are looked for: , ; tab |
 [[nodiscard]] const QList<QChar> &csvSeparators();
+
+/// What a command line is told to say, for each of the following.
+inline constexpr QLatin1StringView separatorNames("comma, semicolon, tab or bar");
+inline constexpr QLatin1StringView decimalSignNames("point or comma");
+inline constexpr QLatin1StringView encodingNames("utf-8, utf-16, utf-16be or windows-1252");
 
 /// What a person or a command line says: "," "comma", ";" "semicolon", "tab", "|" "bar".
 [[nodiscard]] std::optional<QChar> separatorNamed(const QString &name);

@@ -127,8 +127,8 @@ QChar guessSeparator(QByteArrayView bytes)
 {
     if (bytes.startsWith(utf8Mark))
         bytes = bytes.sliced(utf8Mark.size());
-    if (bytes.startsWith("sep=") && bytes.size() > 4 && csvSeparators().contains(QLatin1Char(bytes[4])))
-        return QLatin1Char(bytes[4]);
+    if (const auto named = namedSeparator(bytes))
+        return QLatin1Char(*named);
     QChar best = csvSeparators().constFirst();
     qint64 bestScore = 0;
     int bestCells = 0;

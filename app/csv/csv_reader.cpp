@@ -46,6 +46,16 @@ void note(CsvRow &row, Kind kind, qint64 line, int column)
 
 } // namespace
 
+std::optional<char> namedSeparator(QByteArrayView bytes)
+{
+    constexpr QByteArrayView beginning("sep=");
+    if (!bytes.startsWith(beginning) || bytes.size() <= beginning.size())
+        return {};
+    const QByteArrayView rest = bytes.sliced(beginning.size());
+    const bool isAlone = rest.size() == 1 || rest[1] == '\r' || rest[1] == '\n';
+    return isAlone && csvSeparators().contains(QLatin1Char(rest[0])) ? std::optional(rest[0]) : std::nullopt;
+}
+
 /// The bytes of a cell.
 struct CsvReader::Piece
 {
@@ -73,17 +83,15 @@ void CsvReader::skipMark()
         m_at += utf8Mark.size();
 }
 
-/// "sep=;", as spreadsheets understand it.
 void CsvReader::skipSeparatorLine()
 {
-    const QByteArrayView rest(m_at, m_end);
-    if (!rest.startsWith("sep=") || rest.size() < 5 || !csvSeparators().contains(QLatin1Char(rest[4])))
+    const auto separator = namedSeparator({m_at, m_end});
+    if (!separator)
         return;
-    if (rest.size() > 5 && rest[5] != '\r' && rest[5] != '\n')
-        return;
-    m_separator = rest[4];
+    m_separator = *separator;
     m_meanings = meaningsWith(m_separator);
-    m_at += 5;
+    while (m_at != m_end && *m_at != '\r' && *m_at != '\n')
+        ++m_at;
     (void)endLine();
 }
 

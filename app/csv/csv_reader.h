@@ -15,6 +15,10 @@
 
 namespace harrowby::app {
 
+/// What the first line of a file names as its separator when it is "sep=;" and no more, as spreadsheets understand it.
+/// The bytes are ASCII's where they matter, behind a byte order mark.
+[[nodiscard]] std::optional<char> namedSeparator(QByteArrayView bytes);
+
 struct CsvFault
 {
     enum class Kind {

@@ -215,7 +215,7 @@ std::optional<QString> readImportOptions(const ErrandLine &line, ImportOrder &or
     if (isSet(u"--encoding"_s)) {
         order.encoding = encodingNamed(line.options.value(u"--encoding"_s));
         if (!order.encoding)
-            return u"--encoding takes utf-8, utf-16, utf-16be or windows-1252."_s;
+            return u"--encoding takes %1."_s.arg(encodingNames);
     }
     if (isSet(u"--kind"_s)) {
         order.kind = kindNamed(line.options.value(u"--kind"_s));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/errand_line.h"
 
+#include "app/csv/csv_form.h"
 #include "app/shop/errand_names.h"
 
 #include <QList>
@@ -37,15 +38,15 @@ const QList<ErrandForm> &errandForms()
           u"a file, behind what is exported"_s},
          {{u"--from"_s, u"a day"_s},
           {u"--to"_s, u"a day"_s},
-          {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
-          {u"--decimal"_s, u"point or comma"_s}}},
+          {u"--separator"_s, separatorNames},
+          {u"--decimal"_s, decimalSignNames}}},
         {errand::importList,
          {u"the file that is imported"_s},
          {{u"--dry-run"_s, {}},
           {u"--kind"_s, u"items, categories or codes"_s},
-          {u"--encoding"_s, u"utf-8, utf-16, utf-16be or windows-1252"_s},
-          {u"--separator"_s, u"comma, semicolon, tab or bar"_s},
-          {u"--decimal"_s, u"point or comma"_s},
+          {u"--encoding"_s, encodingNames},
+          {u"--separator"_s, separatorNames},
+          {u"--decimal"_s, decimalSignNames},
           {u"--columns"_s, u"pairs such as StockCost=Price"_s},
           {u"--stock-in-hand"_s, {}},
           {u"--capitals"_s, {}},

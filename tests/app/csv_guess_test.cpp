@@ -99,6 +99,9 @@ private Q_SLOTS:
         QTest::newRow("ragged") << QByteArray("A;B;C\n1;2;3\n1;2\n1;2;3\n1,5;2;3\n") << u";"_s;
         QTest::newRow("ragged, decimal commas") << QByteArray("A;B;C\n1,5;2;3\n1,5;2\n1,5;2;3\n1,5\n") << u";"_s;
         QTest::newRow("named") << QByteArray("sep=|\nA;B|C;D\n") << u"|"_s;
+        QTest::newRow("named after a mark") << QByteArray("\xEF\xBB\xBFsep=|\r\nA;B|C;D\n") << u"|"_s;
+        QTest::newRow("named by nothing else") << QByteArray("sep=|") << u"|"_s;
+        QTest::newRow("a cell like a name") << QByteArray("sep=;A,B\n1,2\n") << u","_s;
         QTest::newRow("mark") << QByteArray("\xEF\xBB\xBF\"A;B\";\"C\"\n") << u";"_s;
         QTest::newRow("UTF-16") << QByteArray("\xFF\xFE"
                                               "A\0;\0B\0\n\0",

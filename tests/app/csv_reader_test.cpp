@@ -104,6 +104,8 @@ private Q_SLOTS:
                                           << Rows{{u"A"_s, u"\ufeffB"_s}};
         QTest::newRow("named separator") << QByteArray("sep=;\r\nA;B,C\n") << Rows{{u"A"_s, u"B,C"_s}};
         QTest::newRow("no named separator") << QByteArray("sep=x\nsep=;,A") << Rows{{u"sep=x"_s}, {u"sep=;"_s, u"A"_s}};
+        QTest::newRow("a cell like a name")
+            << QByteArray("sep=;A,B\n1,2") << Rows{{u"sep=;A"_s, u"B"_s}, {u"1"_s, u"2"_s}};
     }
     void cells()
     {
