@@ -22,6 +22,12 @@ Records::Answer<AutomaticIds::Series> AutomaticIds::begin(const QString &prefix)
         series.taken.insert(id.toUpper()); // by which the till finds it
         marked += id.compare(prefix + markedIdEnding, Qt::CaseInsensitive) == 0 ? 1 : 0;
     }
+    const auto codes =
+        m_records.read(kept::code(), {u"select Code from HarrowbyCode where Code like ? escape '\\'"_s, {pattern}});
+    if (!codes)
+        return Unexpected(codes.error());
+    for (const RecordRow &row : *codes)
+        series.taken.insert(recordText(row.constFirst())); // letter by letter, as a scan finds it
     series.last = toInt16(marked).value_or(0);
     return series;
 }

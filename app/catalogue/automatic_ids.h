@@ -12,11 +12,12 @@
 
 namespace harrowby::app {
 
-/// Automatic IDs for many items, one after the other, as the stock form would give them.
+/// Automatic IDs for many items, one after the other, as the stock form would give them; but none that is a code, since
+/// a scan would find two items.
 class AutomaticIds
 {
 public:
-    /// `isInFile`: whether a row of the file has the ID. The records must outlive it.
+    /// `isInFile`: whether a row of the file has the ID, or a code like it. The records must outlive it.
     AutomaticIds(Records &records, std::function<bool(const QString &id)> isInFile) :
         m_records(records), m_isInFile(std::move(isInFile))
     {

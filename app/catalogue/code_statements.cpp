@@ -161,10 +161,10 @@ RecordStatement removeCategories(std::int64_t id)
 
 RecordStatement leaveOutCategoryRows(std::int64_t id, int leftOut)
 {
-    return {u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What = 1 and "
-            "Line in (select k.Line from HarrowbyImportCategory k where k.ImportID = ? and k.LeftOut = ?)"_s,
-            {std::int64_t(leftOut), leftOut == 1 ? leftOutWords(1) : u"The category has items, or was changed."_s, id,
-             id, std::int64_t(leftOut)}};
+    return {
+        u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What = 1 and "
+        "Line in (select k.Line from HarrowbyImportCategory k where k.ImportID = ? and k.LeftOut = ?)"_s,
+        {std::int64_t(leftOut), leftOut == 1 ? leftOutWords(1) : categoryStaysWords(), id, id, std::int64_t(leftOut)}};
 }
 
 } // namespace harrowby::app

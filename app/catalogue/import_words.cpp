@@ -138,6 +138,21 @@ QString leftOutWords(int leftOut)
     return leftOut == 1 ? u"The store has changed since the preview."_s : u"It was changed after the import."_s;
 }
 
+QString categoryStaysWords()
+{
+    return u"The category has items, or was changed."_s;
+}
+
+QString takenNameWords()
+{
+    return u"Another item has its former name by now."_s;
+}
+
+QString lostCategoryWords()
+{
+    return u"Its category has been renamed or deleted since the preview."_s;
+}
+
 QString noItemWords(const QString &id)
 {
     return u"There is no item %1."_s.arg(id);

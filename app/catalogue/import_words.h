@@ -31,6 +31,10 @@ namespace harrowby::app {
 [[nodiscard]] QString repeatsWords(const QString &what, const Repeats &repeats);
 /// Why a row that could be written was left out (1), or not taken back (2), where nothing more is known.
 [[nodiscard]] QString leftOutWords(int leftOut);
+/// Why the rows of a category, a changed item or a new one were; where more is known.
+[[nodiscard]] QString categoryStaysWords();
+[[nodiscard]] QString takenNameWords();
+[[nodiscard]] QString lostCategoryWords();
 /// For the ID of an item that the store does not have.
 [[nodiscard]] QString noItemWords(const QString &id);
 

@@ -180,7 +180,7 @@ bool ImportWriting::mark()
         }
         if (isInto && !m_import.isAsStored())
             marks << markLostCategories(m_import.id);
-        marks << (isInto ? markNewItems(m_import.id)
+        marks << (isInto ? markNewItems(m_import.id, m_hasCodes)
                          : markTouchedItems(m_import.id, m_import.isAsStored(), m_hasCodes));
     }
     if (m_hasCodes)
@@ -248,7 +248,7 @@ bool ImportWriting::writeItems()
         return false;
     if (m_hasCodes && m_newRows > 0 && !change(stageLeftCodes(m_import.id)))
         return false;
-    return m_newRows == 0 || change(insertItems(m_import.id, m_stamp), m_newRows);
+    return m_newRows == 0 || change(insertItems(m_import.id, m_stamp, m_hasCodes), m_newRows);
 }
 
 bool ImportWriting::takeItemsBack()

@@ -40,7 +40,9 @@ ItemJudge::ItemJudge(Records &records, const ImportLines &lines, const ImportCho
                      KnownCategories &categories, KnownCodes *codes) :
     m_records(records),
     m_lines(lines), m_choices(choices), m_census(census), m_categories(categories), m_codes(codes),
-    m_automaticIds(records, [&census](const QString &id) { return census.keysLike(id.toUpper()).rows > 0; }),
+    m_automaticIds(
+        records,
+        [&census](const QString &id) { return census.keysLike(id.toUpper()).rows > 0 || census.codes(id).rows > 0; }),
     m_newIds(records, census)
 {
 }

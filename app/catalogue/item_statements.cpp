@@ -12,9 +12,6 @@ namespace harrowby::app {
 
 namespace {
 
-const auto lostCategoryReason = u"Its category has been renamed or deleted since the preview."_s;
-const auto takenNameReason = u"Another item has its former name by now."_s;
-
 /// Rows of this import, in a statement that calls them r.
 const QString ofImport = u"r.ImportID = ? and r.What = %1 and r.LeftOut = 0"_s;
 
@@ -121,6 +118,17 @@ QString hasImportedCodes(bool hasCodes)
            "and k.StockID = c.StockID and k.Units = c.Units))"_s;
 }
 
+/// An item of the store has the ID, the name, or the ID as its code. `hasCodes`: there is a table of codes.
+QString newItemIsTaken(bool hasCodes)
+{
+    QString taken = u"exists (select 1 from StockList s where s.StockID = r.StockID) or exists "
+                    "(select 1 from StockList s where UPPER(s.StockName) = r.NewName)"_s;
+    if (hasCodes)
+        taken += u" or exists (select 1 from HarrowbyCode c join StockList s on s.StockID = c.StockID "
+                 "where c.Code = r.StockID)"_s;
+    return u"("_s + taken + u")"_s;
+}
+
 QStringList stockColumns()
 {
     QStringList columns = {u"StockID"_s};
@@ -200,7 +208,7 @@ RecordStatement markTakenNames(std::int64_t id, const ItemGroup &group)
 {
     return marking(
         id, rowsOf(RowKind::Changed) + inGroup(group) + u" and not (true%1)"_s.arg(nameIsFree(group, formerName)), true,
-        takenNameReason);
+        takenNameWords());
 }
 
 RecordStatement countLostCategories(std::int64_t id)
@@ -212,7 +220,7 @@ RecordStatement markLostCategories(std::int64_t id)
 {
     RecordStatement mark = marking(
         id, u"r.ImportID = ? and r.LeftOut = 0 and %1 and r.NewCategory in (%2)"_s.arg(goesToCategory, lostCategories),
-        false, lostCategoryReason);
+        false, lostCategoryWords());
     mark.values << id << id;
     return mark;
 }
@@ -236,13 +244,11 @@ RecordStatement makeFormerCategories(std::int64_t id, const QString &entered)
         {entered, id}};
 }
 
-RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp)
+RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp, bool hasCodes)
 {
     return {u"insert into StockList (%1) select r.StockID, r.NewName, r.NewCategory, r.NewCost, r.NewLevel, "
-            "r.NewAvailable, r.NewUse, ?, ?, ?, ? from HarrowbyImportRow r where %2 and not exists "
-            "(select 1 from StockList s where s.StockID = r.StockID) and not exists "
-            "(select 1 from StockList s where UPPER(s.StockName) = r.NewName) order by r.Line"_s.arg(
-                stockColumns().join(u", "_s), rowsOf(RowKind::New)),
+            "r.NewAvailable, r.NewUse, ?, ?, ?, ? from HarrowbyImportRow r where %2 and not %3 order by r.Line"_s.arg(
+                stockColumns().join(u", "_s), rowsOf(RowKind::New), newItemIsTaken(hasCodes)),
             {stamp.time, stamp.user, stamp.user, stamp.user, id}};
 }
 
@@ -253,13 +259,9 @@ RecordStatement insertAsStored(std::int64_t id)
             {id}};
 }
 
-RecordStatement markNewItems(std::int64_t id)
+RecordStatement markNewItems(std::int64_t id, bool hasCodes)
 {
-    return marking(id,
-                   rowsOf(RowKind::New) +
-                       u" and (exists (select 1 from StockList s where s.StockID = r.StockID) or exists "
-                       "(select 1 from StockList s where UPPER(s.StockName) = r.NewName))"_s,
-                   false);
+    return marking(id, rowsOf(RowKind::New) + u" and "_s + newItemIsTaken(hasCodes), false);
 }
 
 RecordStatement removeItems(std::int64_t id, bool isAsStored, bool hasCodes)

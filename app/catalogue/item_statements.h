@@ -50,14 +50,13 @@ struct ItemStamp
 /// Makes those again that items have come back to and that are gone. After restoreItems().
 [[nodiscard]] RecordStatement makeFormerCategories(std::int64_t id, const QString &entered);
 
-/// Adds the new items whose IDs and names nobody has.
-[[nodiscard]] RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp);
+/// Adds the new items whose IDs and names nobody has, neither as a code; `hasCodes`: there is a table of codes.
+[[nodiscard]] RecordStatement insertItems(std::int64_t id, const ItemStamp &stamp, bool hasCodes);
 /// Adds all rows as they are.
 [[nodiscard]] RecordStatement insertAsStored(std::int64_t id);
-[[nodiscard]] RecordStatement markNewItems(std::int64_t id);
+[[nodiscard]] RecordStatement markNewItems(std::int64_t id, bool hasCodes);
 
-/// Removes the new items that are as they were imported, and have no other code by now; `hasCodes`: there is a table of
-/// codes.
+/// Removes the new items that are as they were imported, and have no other code by now.
 [[nodiscard]] RecordStatement removeItems(std::int64_t id, bool isAsStored, bool hasCodes);
 [[nodiscard]] RecordStatement markTouchedItems(std::int64_t id, bool isAsStored, bool hasCodes);
 

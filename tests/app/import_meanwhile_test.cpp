@@ -28,6 +28,8 @@ private Q_SLOTS:
     void idsThatTheTillTakesForOthers();
     void idsIntoCapitals();
     void idsThatAreCodes();
+    void automaticIdsThatAreCodes();
+    void idBecomesACodeMeanwhile();
 
 private:
     std::unique_ptr<ImportBench> m_bench;
@@ -203,6 +205,33 @@ void ImportMeanwhileTest::idsThatAreCodes()
     QCOMPARE(m_bench->list(m_bench->stage("ID,Name,Price\n04006381333931,A,1\nABC,B,1\n777,C,1\n").id).first(2),
              (QStringList{u"2 refused 04006381333931 %1"_s.arg(taken), u"3 refused ABC %1"_s.arg(taken)}));
     QCOMPARE(m_bench->list(m_bench->last, RowFilter::New).size(), 1);
+}
+
+/// Codes of the store and of the file, whatever item they belong to.
+void ImportMeanwhileTest::automaticIdsThatAreCodes()
+{
+    m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
+    m_bench->importValid("StockID,Code\nTEA-1,DRI-0001\n");
+    m_bench->importValid("StockID,StockName,StockCategory,StockCost,Code\n"
+                         ",COLA,DRINKS,1,DRI-0003\n,JUICE,DRINKS,1,\n");
+    QCOMPARE(m_bench->rows(u"select StockID || ' ' || StockName from StockList order by 1"_s),
+             (QStringList{u"DRI-0002 COLA"_s, u"DRI-0004 JUICE"_s, u"TEA-1 TEA"_s}));
+}
+
+/// Another office gives an item the code that is the ID of a new one.
+void ImportMeanwhileTest::idBecomesACodeMeanwhile()
+{
+    m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
+    m_bench->importValid("StockID,Code\nTEA-1,4006381333931\n");
+    const StagedImport staged = m_bench->stage("ID,Name,Price\nABC,A,1\nDEF,B,1\nGHI,C,1\n");
+    m_bench->sql(u"insert into HarrowbyCode values ('ABC', 'TEA-1', 1), ('GHI', 'GONE', 1)"_s);
+    QCOMPARE(endOf(m_bench->import().apply(staged.id, false, nullptr, goOn)).kind, ImportEnd::Kind::StoreChanged);
+    const auto outcome = m_bench->import().apply(staged.id, true, nullptr, goOn);
+    QVERIFY2(outcome, qPrintable(endOf(outcome).words));
+    QCOMPARE(outcome->leftOut, 1);
+    QCOMPARE(m_bench->rows(u"select StockID from StockList order by 1"_s),
+             (QStringList{u"DEF"_s, u"GHI"_s, u"TEA-1"_s}));
+    QCOMPARE(m_bench->list(staged.id, RowFilter::LeftOut).size(), 1);
 }
 
 HARROWBY_CORE_TEST(app_import_meanwhile_test, ImportMeanwhileTest)
