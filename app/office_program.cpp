@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/office_program.h"
 
-#include "app/backup/backup_names.h"
 #include "app/backup/lost_store_box.h"
 #include "app/backup/restore_window.h"
 #include "app/office/office.h"
@@ -68,8 +67,7 @@ Result<int, ExitCode> runOfficeProgram(const QString &path, FailureNotice &notic
             return Unexpected(leaving.error());
         if (leaving->end != OfficeEnd::Restore)
             return static_cast<int>(leaving->end == OfficeEnd::Refused ? ExitCode::StoreRefused : ExitCode::Done);
-        reason =
-            restoreWords(restoreInWindow({leaving->backup, path, usualBackupFolder(), leaving->user, officePlace}));
+        reason = restoreWords(restoreInWindow({leaving->backup, path, leaving->user, officePlace}));
     }
 }
 

@@ -25,7 +25,7 @@ namespace harrowby::app {
 namespace {
 
 constexpr qint64 pieceBytes = qint64(1) << 20;
-const QString allEndings[] = {QString(), u"-wal"_s, u"-journal"_s};
+const QString allEndings[] = {QString(), logEnding, journalEnding};
 
 using Advance = std::function<bool(qint64 bytes)>;
 

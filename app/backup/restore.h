@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/backup/backup_names.h"
 #include "app/work/work_step.h"
 
 #include <QString>
@@ -11,11 +12,11 @@ namespace harrowby::app {
 /// What is to be brought back, and where to.
 struct RestoreOrder
 {
-    QString backup; ///< any file that could be opened as a store; it is only read
-    QString store;  ///< an existing one that nobody has open, this program included
-    QString keepIn; ///< the folder that gets a checked copy of the store that is replaced
-    QString who;    ///< for the record of who did what
-    QString place;  ///< likewise: officePlace, commandLinePlace
+    QString backup;                       ///< any file that could be opened as a store; it is only read
+    QString store;                        ///< an existing one that nobody has open, this program included
+    QString who;                          ///< for the record of who did what
+    QString place;                        ///< likewise: officePlace, commandLinePlace
+    QString keepIn = usualBackupFolder(); ///< the folder that gets a checked copy of the store that is replaced
 };
 
 struct RestoreResult

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/errands/restore_errand.h"
 
-#include "app/backup/backup_names.h"
 #include "app/backup/restore.h"
 #include "app/errands/errand.h"
 #include "app/records/deeds.h"
@@ -15,8 +14,7 @@ namespace harrowby::app {
 
 ExitCode restoreWithoutWindow(const QString &store, const QString &backup)
 {
-    const RestoreOrder order = {QFileInfo(backup).absoluteFilePath(), store, usualBackupFolder(), commandLineUser(),
-                                commandLinePlace};
+    const RestoreOrder order = {QFileInfo(backup).absoluteFilePath(), store, commandLineUser(), commandLinePlace};
     const RestoreResult result = restoreStore(order, [](const WorkStep &) { return true; });
     if (result.outcome != RestoreResult::Outcome::Done) {
         tellOfErrand(result.problem);

@@ -50,7 +50,7 @@ QString nearestExisting(QString folder)
 
 QString logFileOf(const QString &path)
 {
-    return realPath(path) + u"-wal"_s;
+    return realPath(path) + logEnding;
 }
 
 QString runLocksOf(const QString &path)
@@ -65,7 +65,7 @@ QString logIndexOf(const QString &path)
 
 QString journalOf(const QString &path)
 {
-    return realPath(path) + u"-journal"_s;
+    return realPath(path) + journalEnding;
 }
 
 bool nameIsTaken(const QString &path)

@@ -3,6 +3,7 @@
 
 #include "app/shop/store_problem.h"
 
+#include <QLatin1StringView>
 #include <QString>
 
 #include <optional>
@@ -13,6 +14,10 @@ namespace harrowby::app {
 
 /// What SQLite calls a database that is in no file.
 inline constexpr QStringView memoryName = u":memory:";
+
+/// What SQLite appends to a store file's name for its log and its journal.
+inline constexpr QLatin1StringView logEnding("-wal");
+inline constexpr QLatin1StringView journalEnding("-journal");
 
 /// The write-ahead log, the log's index and the rollback journal that SQLite keeps beside a store file. They lie
 /// where the file itself lies, also when `path` is a link.

@@ -24,7 +24,7 @@ void RestoreDesk::init()
 
 RestoreOrder RestoreDesk::order() const
 {
-    return {backup(), store(), path(u"kept"_s), u"ANNA"_s, officePlace};
+    return {backup(), store(), u"ANNA"_s, officePlace, path(u"kept"_s)};
 }
 
 void RestoreDesk::verifyNoLeftovers() const
