@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/record_tables.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app::kept {
@@ -31,7 +33,6 @@ const RecordTable &activity()
                    "(DeedID text not null primary key, DoneAt text not null, Kind text not null, Who text not null, "
                    "Place text not null, What text not null)"_s,
                    u"create index if not exists harrowby_activity_time on HarrowbyActivity (DoneAt, DeedID)"_s},
-        .isOnlyAddedTo = true,
         .columns = {u"DeedID"_s, u"DoneAt"_s, u"Kind"_s, u"Who"_s, u"Place"_s, u"What"_s}};
     return table;
 }
@@ -44,7 +45,6 @@ const RecordTable &drawerOpening()
                    "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text "
                    "not null, "
                    "Reason text not null)"_s},
-        .isOnlyAddedTo = true,
         .columns = {u"OpeningID"_s, u"OpenedAt"_s, u"OpenedBy"_s, u"Drawer"_s, u"Reason"_s}};
     return table;
 }
@@ -121,6 +121,11 @@ const QList<const RecordTable *> &onlyAddedTo()
 {
     static const QList<const RecordTable *> tables = {&activity(), &drawerOpening()};
     return tables;
+}
+
+bool isOnlyAddedTo(const RecordTable &table)
+{
+    return std::ranges::any_of(onlyAddedTo(), [&](const RecordTable *one) { return one->name == table.name; });
 }
 
 } // namespace harrowby::app::kept

@@ -12,9 +12,8 @@ namespace harrowby::app {
 struct RecordTable
 {
     QString name;
-    QStringList making;         ///< statements that make it and its indexes, and do nothing where they are there
-    bool isOnlyAddedTo = false; ///< no row is ever changed or deleted: Records has the engine refuse it
-    QStringList columns = {};   ///< of one that is only added to: all of them, its key first
+    QStringList making;       ///< statements that make it and its indexes, and do nothing where they are there
+    QStringList columns = {}; ///< of one that is only added to: all of them, its key first
 };
 
 namespace kept {
@@ -45,8 +44,9 @@ namespace kept {
 /// Their rows are in HarrowbyImportRow, and what goes with them in HarrowbyImportCode and HarrowbyImportCategory.
 [[nodiscard]] const RecordTable &import();
 
-/// Those of them that are only ever added to.
+/// Those of them that are only ever added to: no row is changed or deleted, and Records has the engine refuse it.
 [[nodiscard]] const QList<const RecordTable *> &onlyAddedTo();
+[[nodiscard]] bool isOnlyAddedTo(const RecordTable &table);
 
 } // namespace kept
 

@@ -175,7 +175,7 @@ std::optional<DbFailure> Records::make(const RecordTable &table, const QString &
             }
         }
     }
-    if (!failure && table.isOnlyAddedTo)
+    if (!failure && kept::isOnlyAddedTo(table))
         failure = keepRows(table);
     if (failure)
         failure->statement = forStatement; // what was not done is the write, not the table
