@@ -4,6 +4,7 @@
 #include "app/office/office_door.h"
 #include "app/office/office_login_dialog.h"
 #include "app/office/office_window.h"
+#include "app/office/user_rules.h"
 #include "app/office/users_table.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_paths.h"
@@ -30,7 +31,7 @@ QString wordsOf(const DoorAnswer &answer, const QString &name)
     case Kind::NotEnabled:
         return u"%1 may not use the till, and so not the office."_s.arg(name);
     case Kind::NoRight:
-        return u"%1 may not open the office: that takes the right \"Stock\"."_s.arg(name);
+        return u"%1 may not open the office: that takes the right \"%2\"."_s.arg(name, stockRightTitle());
     case Kind::NobodyCould:
         return u"The store has no user ADMINISTRATOR who can log in, and no other one with the right to stock, so "
                "nobody can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;

@@ -20,9 +20,8 @@ namespace {
 using Kind = DoorAnswer::Kind;
 
 /// Those who can log in at all, with what decides whether they are let in.
-const auto loginRows =
-    u"SELECT UPPER(Username), InventoryUse, InventoryReorder, UPPER(Password) FROM Users WHERE Type <> '%1'"_s.arg(
-        viewerType);
+const auto loginRows = u"SELECT UPPER(Username), InventoryUse, %1, UPPER(Password) FROM Users WHERE Type <> '%2'"_s.arg(
+    stockRight, viewerType);
 
 QByteArray passwordMark(const SqliteStatement &row)
 {
@@ -104,8 +103,9 @@ QString DoorWatch::refusal() const
         else if (answer.kind == Kind::Open)
             return {};
         else
-            return words(answer.kind == Kind::NoRight ? u"The right \"Stock\" was taken away from %1"_s
-                                                      : u"The right to use the till was taken away from %1"_s);
+            return words(answer.kind == Kind::NoRight
+                             ? u"The right \"%1\" was taken away from %2"_s.arg(stockRightTitle())
+                             : u"The right to use the till was taken away from %1"_s);
     }
     return query.error() ? engineWords(u"The users could not be read. Nothing was done."_s, *query.error())
                          : words(why);

@@ -2,6 +2,7 @@
 #include "app/office/office_login_dialog.h"
 
 #include "app/boxes/office_box.h"
+#include "app/office/user_rules.h"
 #include "basic/administrator.h"
 #include "theme/dialogs.h"
 
@@ -74,7 +75,8 @@ void OfficeLoginDialog::layOut(const QString &reason)
         rows->addWidget(makeOfficeText(this, reason));
     rows->addWidget(makeOfficeText(
         this,
-        u"ADMINISTRATOR sees all of the store's office; who has the right \"Stock\" sees the pages about stock."_s));
+        u"ADMINISTRATOR sees all of the store's office; who has the right \"%1\" sees the pages about stock."_s.arg(
+            stockRightTitle())));
     rows->addLayout(form);
     rows->addWidget(m_problem);
     rows->addWidget(buttons);

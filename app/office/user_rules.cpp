@@ -50,9 +50,14 @@ const QList<Right> &userRights()
         {u"InventoryUndo"_s, u"Undo"_s, u"Take back the last purchase or the last reorder."_s},
         {u"InventoryDelete"_s, u"Delete purchases"_s, u"Delete an older purchase by its ID."_s},
         {u"InventorySettings"_s, u"Settings"_s, u"Change settings and categories, see the sales activity."_s},
-        {u"InventoryReorder"_s, u"Stock"_s, u"Reorder stock; add, edit and delete items."_s},
+        {stockRight, u"Stock"_s, u"Reorder stock; add, edit and delete items."_s},
     };
     return rights;
+}
+
+QString stockRightTitle()
+{
+    return titlesOf({stockRight});
 }
 
 const QList<UserType> &userTypes()

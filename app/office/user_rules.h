@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QLatin1StringView>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -20,6 +21,9 @@ struct Right
 
 /// The rights of a user. The first one, to use the till at all, is read more strictly than the others.
 [[nodiscard]] const QList<Right> &userRights();
+/// The column of the one that opens the pages about stock, and its title: "Stock".
+inline constexpr QLatin1StringView stockRight("InventoryReorder");
+[[nodiscard]] QString stockRightTitle();
 
 struct UserType
 {
