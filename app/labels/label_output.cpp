@@ -33,7 +33,7 @@ QString firstOf(const QStringList &all)
 /// Where the next labels go on a sheet that is not full.
 QString restWords(const LabelPlan &plan, qint64 labels)
 {
-    const qint64 next = (plan.place + labels) % plan.paper.labels();
+    const int next = plan.paper.placeAfter(labels, plan.place);
     return plan.paper.isRoll || next == 0 ? QString() : u" The last sheet goes on with its label %1."_s.arg(next + 1);
 }
 

@@ -54,6 +54,11 @@ QPointF LabelPaper::corner(int place) const
     return first + QPointF(place % columns * step.width(), place / columns * step.height());
 }
 
+int LabelPaper::placeAfter(qint64 count, int place) const
+{
+    return static_cast<int>((place + count) % labels());
+}
+
 qint64 LabelPaper::pages(qint64 count, int place) const
 {
     return count == 0 ? 0 : (count + place + labels() - 1) / labels();

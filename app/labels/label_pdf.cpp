@@ -26,11 +26,11 @@ public:
 
     void add(const Label &label)
     {
-        if (m_place == m_plan.paper.labels()) {
+        if (m_hasLabels && m_place == 0)
             m_writer.newPage();
-            m_place = 0;
-        }
-        const QPointF corner = m_plan.paper.corner(m_place++) + QPointF(m_plan.nudge) / tenthsPerMm;
+        const QPointF corner = m_plan.paper.corner(m_place) + QPointF(m_plan.nudge) / tenthsPerMm;
+        m_hasLabels = true;
+        m_place = m_plan.paper.placeAfter(1, m_place);
         m_drawing.draw(m_painter, label, {m_drawing.dots(corner.x()), m_drawing.dots(corner.y())});
     }
 
@@ -39,7 +39,8 @@ private:
     QPainter &m_painter;
     const LabelPlan &m_plan;
     LabelDrawing m_drawing;
-    int m_place;
+    int m_place; ///< of the next label
+    bool m_hasLabels = false;
 };
 
 void prepare(QPdfWriter &writer, const LabelPlan &plan)

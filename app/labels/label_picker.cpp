@@ -70,6 +70,13 @@ QString addedWords(const LabelList::Added &added)
 
 } // namespace
 
+StepEntry *makeLabelCount(const QString &objectName, const QString &name, QWidget *parent)
+{
+    auto *entry = new StepEntry(objectName, name, 0, parent);
+    entry->setRange(1, LabelList::mostOfOne);
+    return entry;
+}
+
 LabelPicker::LabelPicker(Records &records, QString store, LabelList &list, QWidget *parent) :
     QDialog(parent), m_items(records), m_store(std::move(store)), m_list(list)
 {
@@ -112,8 +119,7 @@ void LabelPicker::createFinders()
 
 void LabelPicker::createCounts()
 {
-    m_each = new StepEntry(u"labelsOfEach"_s, u"Labels of each item"_s, 0, this);
-    m_each->setRange(1, LabelList::mostOfOne);
+    m_each = makeLabelCount(u"labelsOfEach"_s, u"Labels of each item"_s, this);
     m_asInStock = new QCheckBox(u"As many as in &stock"_s, this);
     m_asInStock->setObjectName(u"labelsAsInStock"_s);
     connect(m_asInStock, &QCheckBox::toggled, m_each, &QWidget::setDisabled);

@@ -21,6 +21,9 @@ namespace harrowby::app {
 class StepEntry;
 class WorkStrip;
 
+/// For how many labels of one item.
+[[nodiscard]] StepEntry *makeLabelCount(const QString &objectName, const QString &name, QWidget *parent);
+
 /// Adds items to the labels that are to be printed: one by one, or all that are found.
 class LabelPicker final : public QDialog
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the page of labels is made of.
 #include "app/boxes/office_box.h"
+#include "app/labels/label_picker.h"
 #include "app/labels/label_preview.h"
 #include "app/labels/labels_page.h"
 #include "app/labels/step_entry.h"
@@ -63,8 +64,7 @@ void LabelsPage::createList()
     m_view->header()->resizeSection(LabelList::CountColumn, countWidth);
     m_sum = makeOfficeText(this, {});
     m_sum->setObjectName(u"labelsSum"_s);
-    m_count = new StepEntry(u"labelCount"_s, u"Labels of this item"_s, 0, this);
-    m_count->setRange(1, LabelList::mostOfOne);
+    m_count = makeLabelCount(u"labelCount"_s, u"Labels of this item"_s, this);
     m_code = makeBox(this, u"labelCode"_s, u"Code on the label"_s);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &LabelsPage::followChoice);
     connect(&m_list, &QAbstractItemModel::modelReset, this, &LabelsPage::followList);
