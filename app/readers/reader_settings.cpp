@@ -2,10 +2,9 @@
 #include "app/readers/reader_settings.h"
 
 #include "app/readers/device_reader.h"
+#include "input/code_burst.h"
 
 #include <QDir>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -40,7 +39,7 @@ ReaderSettings readReaderSettings(const OfficeSettings &settings)
     bool isNumber = false;
     const int gap = settings.get(section, gapKey, {}).toInt(&isNumber);
     if (isNumber)
-        read.gapMs = std::clamp(gap, CodeReaderSettings::LeastGapMs, CodeReaderSettings::GreatestGapMs);
+        read.gapMs = CodeBurst::countedGapMs(gap);
     read.prefix = settings.get(section, prefixKey, {});
     for (int number = 0; number < ReaderSettings::mostDevices; ++number) {
         if (const auto device = deviceOfLine(settings.get(section, deviceKey(number), {})))

@@ -20,8 +20,7 @@ int characters(const QString &text)
 
 CodeBurst::CodeBurst(const CodeReaderSettings &settings) : m_settings(settings)
 {
-    m_settings.longestGapMs =
-        std::clamp(m_settings.longestGapMs, CodeReaderSettings::LeastGapMs, CodeReaderSettings::GreatestGapMs);
+    m_settings.longestGapMs = countedGapMs(m_settings.longestGapMs);
 }
 
 CodeBurst::Verdict CodeBurst::key(const Key &key)

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace harrowby {
@@ -48,6 +49,12 @@ public:
 
     explicit CodeBurst(const CodeReaderSettings &settings);
 
+    /// A gap as it counts: within the bounds of CodeReaderSettings.
+    [[nodiscard]] static int countedGapMs(int gapMs)
+    {
+        return std::clamp(gapMs, CodeReaderSettings::LeastGapMs, CodeReaderSettings::GreatestGapMs);
+    }
+
     [[nodiscard]] Verdict key(const Key &key);
     /// A key that no reader types, or a repeated one, or one without a time: all that are held are to be replayed.
     void interrupt();
@@ -56,7 +63,7 @@ public:
     void giveUp();
 
     [[nodiscard]] int held() const { return static_cast<int>(m_keys.size()); }
-    /// The longest gap, as it counts: within the bounds of CodeReaderSettings.
+    /// The longest gap, as it counts.
     [[nodiscard]] int longestGapMs() const { return m_settings.longestGapMs; }
 
 private:
