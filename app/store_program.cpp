@@ -34,7 +34,6 @@
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
-#include "app/start/window_sizes.h"
 #include "app/till/till.h"
 #include "basic/result.h"
 
@@ -307,7 +306,6 @@ Started<int> run(int argc, char **argv)
     setUpApplication();
     dressProgram(*line);
     const BareScreen screen;
-    const WindowSizes sizes;
     const EarlyKeyInstaller boxes;
     if (line->noPlugins)
         leaveOutPlugins();
