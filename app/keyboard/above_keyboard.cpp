@@ -26,6 +26,11 @@ qsizetype largestFitting(const QList<QRect> &around, int room)
 
 } // namespace
 
+QRect wholeFrame(const QRect &told, const QRect &window)
+{
+    return told.united(window);
+}
+
 int windowLift(const QRect &frame, int screenTop, int keyboardTop)
 {
     const int covered = lowerEdge(frame) - keyboardTop;

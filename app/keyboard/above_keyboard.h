@@ -7,6 +7,10 @@
 /// Where a window goes while a keyboard covers the lower part of the screen. All in screen coordinates.
 namespace harrowby::app {
 
+/// The frame around a window. On X11 Qt 6.4 tells one that is smaller than the window, and goes on telling it until the
+/// window is moved, where it has asked while the window manager was still making the frame.
+[[nodiscard]] QRect wholeFrame(const QRect &told, const QRect &window);
+
 /// How far a window that can be moved goes up, so that it stands above the keyboard; as far as the screen has room
 /// above it, if that is not enough.
 [[nodiscard]] int windowLift(const QRect &frame, int screenTop, int keyboardTop);

@@ -56,8 +56,8 @@ void KeyboardRoom::giveBack()
         m_content->removeEventFilter(this);
     }
     // The window is not moved back when a person has moved it meanwhile.
-    if (m_window && m_lift > 0 && m_window->pos() == m_place - QPoint(0, m_lift))
-        m_window->move(m_place);
+    if (m_window && m_lift > 0 && m_window->geometry().topLeft() == m_place - QPoint(0, m_lift))
+        m_window->move(m_window->pos() + QPoint(0, m_lift));
     m_content = nullptr;
     m_window = nullptr;
     m_shift = 0;
@@ -72,7 +72,7 @@ void KeyboardRoom::adopt(QWidget &entry)
         return;
     giveBack();
     m_window = window;
-    m_place = window->pos();
+    m_place = window->geometry().topLeft();
     m_content = content;
     m_home = content->pos();
     content->installEventFilter(this);
@@ -83,11 +83,12 @@ void KeyboardRoom::lift(const QRect &keyboard)
     if (!canBeMoved(*m_window))
         return;
     const int screenTop = m_window->screen()->availableGeometry().top();
-    const int further = windowLift(m_window->frameGeometry(), screenTop, keyboard.top());
+    const QRect frame = wholeFrame(m_window->frameGeometry(), m_window->geometry());
+    const int further = windowLift(frame, screenTop, keyboard.top());
     if (further == 0)
         return;
     m_window->move(m_window->pos() - QPoint(0, further));
-    m_lift = m_place.y() - m_window->pos().y();
+    m_lift = m_place.y() - m_window->geometry().y();
 }
 
 void KeyboardRoom::shiftTo(int shift)

@@ -29,7 +29,7 @@ private:
     void shiftTo(int shift);
 
     QPointer<QWidget> m_window;
-    QPoint m_place; ///< where the window stood
+    QPoint m_place; ///< where the window stood, without its frame, whose size may not be known yet
     int m_lift = 0; ///< how far it was moved up
 
     QPointer<QWidget> m_content; ///< what is shifted in it: the child that holds the entry

@@ -59,7 +59,6 @@ FirstUserDialog::FirstUserDialog(const QString &storePath, const ReceiptProposal
     createEntries(proposal);
     layOut(storePath);
     dressDialog(*this);
-    adjustSize(); // a window that is created in another size first may be left with that by a slow window manager
 }
 
 QString FirstUserDialog::password() const

@@ -26,6 +26,8 @@ class KeyboardTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void frame_data();
+    void frame();
     void lift_data();
     void lift();
     void shift_data();
@@ -39,6 +41,22 @@ private Q_SLOTS:
     void dialogIsMovedAndPutBack();
     void entryInAnotherWindowFreesTheFirst();
 };
+
+void KeyboardTest::frame_data()
+{
+    QTest::addColumn<QRect>("told");
+    QTest::addColumn<QRect>("whole");
+    const QRect window(172, 167, 660, 354);
+    QTest::newRow("known") << QRect(171, 147, 662, 379) << QRect(171, 147, 662, 379);
+    QTest::newRow("none") << window << window;
+    QTest::newRow("asked for while it was made") << QRect(172, 167, 1, 1) << window;
+}
+
+void KeyboardTest::frame()
+{
+    QFETCH(QRect, told);
+    QTEST(wholeFrame(told, QRect(172, 167, 660, 354)), "whole");
+}
 
 void KeyboardTest::lift_data()
 {
