@@ -3,6 +3,7 @@
 #include "tests/program/test_program.h"
 #include "tests/support/readable_texts.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
