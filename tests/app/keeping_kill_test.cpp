@@ -296,7 +296,7 @@ void KeepingKillTest::killedRestore()
 {
     const QStringList before = catalogue();
     const auto restore = [this](const WorkWatch &watch) {
-        return restoreStore({path(u"old.db"_s), store(), kept(), u"JILL"_s, officePlace}, watch);
+        return restoreStore({path(u"old.db"_s), store(), u"JILL"_s, officePlace, kept()}, watch);
     };
     const auto begin = [this] {
         init();
