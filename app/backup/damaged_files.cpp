@@ -24,7 +24,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr qint64 pieceBytes = qint64(1) << 20;
+constexpr qint64 pieceBytes = qint64{1} << 20;
 const QString allEndings[] = {QString(), logEnding, journalEnding};
 
 using Advance = std::function<bool(qint64 bytes)>;
@@ -101,7 +101,7 @@ bool isDamage(ProblemKind kind)
     return kind == ProblemKind::Damaged || kind == ProblemKind::NoDatabase || kind == ProblemKind::Empty;
 }
 
-DamagedFiles::DamagedFiles(QString store) : m_store(realTarget(std::move(store))) {}
+DamagedFiles::DamagedFiles(const QString &store) : m_store(realTarget(store)) {}
 
 DamagedFiles::~DamagedFiles() = default;
 

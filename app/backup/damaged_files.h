@@ -29,7 +29,7 @@ class Workshop;
 class DamagedFiles
 {
 public:
-    explicit DamagedFiles(QString store);
+    explicit DamagedFiles(const QString &store);
     ~DamagedFiles();
     DamagedFiles(const DamagedFiles &) = delete;
     DamagedFiles &operator=(const DamagedFiles &) = delete;

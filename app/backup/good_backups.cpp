@@ -20,13 +20,13 @@ const auto settingName = u"GoodBackups"_s;
 constexpr qsizetype mostNoted = 20;
 constexpr qint64 secondsOfDay = qint64{24} * 60 * 60;
 constexpr qint64 overdueAfter = 2 * secondsOfDay;
-constexpr qint64 clockPlay = 60 * 60; // seconds by which two machines' clocks may differ
+constexpr qint64 clockPlay = qint64{60} * 60; // seconds by which two machines' clocks may differ
 
 QList<GoodBackup> readNotes(const QString &text)
 {
     QList<GoodBackup> noted;
     const QJsonArray entries = QJsonDocument::fromJson(text.toUtf8()).array();
-    for (const QJsonValue &entry : entries) {
+    for (const auto &entry : entries) {
         const QJsonObject one = entry.toObject();
         const GoodBackup backup = {timeOfRecord(one.value(u"made"_s).toString()), one.value(u"file"_s).toString(),
                                    one.value(u"bytes"_s).toInteger(), one.value(u"machine"_s).toString()};

@@ -49,7 +49,7 @@ QString listedCells(const ImportedRow &row, QString ImportCell::*which)
 void writeRow(CsvWriter &out, const ImportedRow &row)
 {
     const QString column = row.cells.isEmpty() ? row.column : listedCells(row, &ImportCell::column);
-    out.figure(std::int64_t(row.line));
+    out.figure(std::int64_t{row.line});
     for (const QString &text : {stateWords(row.state), row.key, row.name, column, listedCells(row, &ImportCell::before),
                                 listedCells(row, &ImportCell::after), row.reason})
         out.text(text);

@@ -29,7 +29,7 @@ QString isEntry(const QString &version)
 
 RecordStatement markingCodes(std::int64_t id, int leftOut, const QString &conditions)
 {
-    return {u"update HarrowbyImportCode as k set LeftOut = ? where %1"_s.arg(conditions), {std::int64_t(leftOut), id}};
+    return {u"update HarrowbyImportCode as k set LeftOut = ? where %1"_s.arg(conditions), {std::int64_t{leftOut}, id}};
 }
 
 } // namespace
@@ -91,21 +91,21 @@ RecordStatement markTouchedCodes(std::int64_t id)
 {
     return {u"update HarrowbyImportCode as k set LeftOut = ? where k.ImportID = ? and k.LeftOut = 0 and not exists "
             "(select 1 from HarrowbyCode c where %1)"_s.arg(isEntry({})),
-            {std::int64_t(2), id}};
+            {std::int64_t{2}, id}};
 }
 
 RecordStatement leaveOutRows(std::int64_t id, int leftOut)
 {
     return {u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What < 3 and "
             "Line in (select k.Line from HarrowbyImportCode k where k.ImportID = ? and k.LeftOut = ?)"_s,
-            {std::int64_t(leftOut), leftOutWords(leftOut), id, id, std::int64_t(leftOut)}};
+            {std::int64_t{leftOut}, leftOutWords(leftOut), id, id, std::int64_t{leftOut}}};
 }
 
 RecordStatement leaveOutCodes(std::int64_t id, int leftOut)
 {
     return {u"update HarrowbyImportCode set LeftOut = ? where ImportID = ? and LeftOut = 0 and Line in "
             "(select r.Line from HarrowbyImportRow r where r.ImportID = ? and r.LeftOut = ?)"_s,
-            {std::int64_t(leftOut), id, id, std::int64_t(leftOut)}};
+            {std::int64_t{leftOut}, id, id, std::int64_t{leftOut}}};
 }
 
 RecordStatement countCodes(std::int64_t id, RowKind kind)
@@ -164,7 +164,7 @@ RecordStatement leaveOutCategoryRows(std::int64_t id, int leftOut)
     return {
         u"update HarrowbyImportRow set LeftOut = ?, Reason = ? where ImportID = ? and LeftOut = 0 and What = 1 and "
         "Line in (select k.Line from HarrowbyImportCategory k where k.ImportID = ? and k.LeftOut = ?)"_s,
-        {std::int64_t(leftOut), leftOut == 1 ? leftOutWords(1) : categoryStaysWords(), id, id, std::int64_t(leftOut)}};
+        {std::int64_t{leftOut}, leftOut == 1 ? leftOutWords(1) : categoryStaysWords(), id, id, std::int64_t{leftOut}}};
 }
 
 } // namespace harrowby::app

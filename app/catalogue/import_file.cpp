@@ -15,7 +15,7 @@ namespace harrowby::app {
 
 namespace {
 
-constexpr qint64 largestFile = qint64(512) << 20; ///< some million items
+constexpr qint64 largestFile = qint64{512} << 20; ///< some million items
 
 } // namespace
 

@@ -97,13 +97,13 @@ Records::Answer<qint64> ImportList::count(RowFilter filter) const
 
 Records::Answer<QList<ImportedRow>> ImportList::rows(RowFilter filter, qint64 from, qint64 most) const
 {
-    return read(listCondition(filter), u" limit ? offset ?"_s, {m_import.id, std::int64_t(most), std::int64_t(from)});
+    return read(listCondition(filter), u" limit ? offset ?"_s, {m_import.id, std::int64_t{most}, std::int64_t{from}});
 }
 
 Records::Answer<QList<ImportedRow>> ImportList::rowsBehind(RowFilter filter, qint64 line, qint64 most) const
 {
     return read(listCondition(filter) + u" and Line > ?"_s, u" limit ?"_s,
-                {m_import.id, std::int64_t(line), std::int64_t(most)});
+                {m_import.id, std::int64_t{line}, std::int64_t{most}});
 }
 
 Records::Answer<QList<ImportedRow>> ImportList::read(const QString &condition, const QString &end,
@@ -159,7 +159,7 @@ std::optional<DbFailure> ImportList::addCodes(QList<ImportedRow> &rows) const
         kept::import(), {u"select Line, What, Code, StockID, Units, OldStockID, OldUnits from HarrowbyImportCode where "
                          u"ImportID = ? and "
                          "Line >= ? and Line <= ?"_s,
-                         {m_import.id, std::int64_t(rows.constFirst().line), std::int64_t(rows.constLast().line)}});
+                         {m_import.id, std::int64_t{rows.constFirst().line}, std::int64_t{rows.constLast().line}}});
     if (!codes)
         return codes.error();
     const bool isCodes = m_import.importKind() == ImportKind::Codes;

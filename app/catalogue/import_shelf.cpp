@@ -52,8 +52,8 @@ QList<RecordValue> valuesOf(std::int64_t id, const StagedRow &row)
 {
     QList<RecordValue> values;
     values.reserve(32);
-    values << id << std::int64_t(row.line) << std::int64_t(static_cast<int>(row.what)) << std::int64_t(row.mask)
-           << std::int64_t(0) << row.stockId;
+    values << id << std::int64_t{row.line} << static_cast<std::int64_t>(row.what) << std::int64_t{row.mask}
+           << std::int64_t{0} << row.stockId;
     for (const RecordValue &value : row.fresh)
         values << value;
     for (int part = 0; part < itemParts; ++part) {
@@ -129,8 +129,8 @@ Records::Answer<std::int64_t> ImportShelf::begin(const ShelvedImport &import)
         const auto written = m_records.write(
             kept::import(), {insertInto(u"HarrowbyImport"_s, (importFields + u", TakenBackBy"_s).split(u", "_s)),
                              {id, import.kind, QString(import_state::staging), import.file, import.hash, import.choices,
-                              thisOwner(), import.stagedAt, u""_s, u""_s, u""_s, u""_s, std::int64_t(0),
-                              std::int64_t(0), std::int64_t(0), std::int64_t(0), u""_s}});
+                              thisOwner(), import.stagedAt, u""_s, u""_s, u""_s, u""_s, std::int64_t{0},
+                              std::int64_t{0}, std::int64_t{0}, std::int64_t{0}, u""_s}});
         if (!written)
             failure = written.error();
         return written.has_value();
@@ -217,7 +217,7 @@ bool ImportShelf::putCodes(std::int64_t id, const QList<StagedCode> &codes)
         const auto spelling = [&](qsizetype at) {
             return at < code.spellings.size() ? RecordValue(code.spellings.at(at)) : RecordValue();
         };
-        all << TableRow{{id, std::int64_t(code.line), std::int64_t(static_cast<int>(code.what)), std::int64_t(0),
+        all << TableRow{{id, std::int64_t{code.line}, static_cast<std::int64_t>(code.what), std::int64_t{0},
                          code.code.value, code.stockId.value, code.units, code.oldStockId, code.oldUnits, spelling(0),
                          spelling(1), spelling(2)},
                         {}};
@@ -238,7 +238,7 @@ bool ImportShelf::putCategories(std::int64_t id, const QList<StagedCategory> &ca
     QList<TableRow> all;
     for (const StagedCategory &category : categories) {
         all << TableRow{
-            {id, std::int64_t(category.line), std::int64_t(0), category.name.value, category.entryDate.value}, {}};
+            {id, std::int64_t{category.line}, std::int64_t{0}, category.name.value, category.entryDate.value}, {}};
         if (category.name.isText)
             all.last().texts << namePlace;
         if (category.entryDate.isText)
@@ -253,8 +253,8 @@ Records::Answer<bool> ImportShelf::finish(std::int64_t id, const ImportCounts &c
         kept::import(),
         {u"update HarrowbyImport set State = ?, NewRows = ?, ChangedRows = ?, UnchangedRows = ?, RefusedRows = ? "
          "where ImportID = ? and State = ?"_s,
-         {QString(import_state::staged), std::int64_t(counts.fresh), std::int64_t(counts.changed),
-          std::int64_t(counts.unchanged), std::int64_t(counts.refused), id, QString(import_state::staging)}});
+         {QString(import_state::staged), std::int64_t{counts.fresh}, std::int64_t{counts.changed},
+          std::int64_t{counts.unchanged}, std::int64_t{counts.refused}, id, QString(import_state::staging)}});
     if (!written)
         return Unexpected(written.error());
     return *written == 1;

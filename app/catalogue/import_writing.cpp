@@ -235,7 +235,7 @@ bool ImportWriting::writeItems()
     }
     const bool needCategories = m_newRows > 0 || anyChanges(m_groups, CategoryPart);
     if (const auto lost =
-            needCategories ? number(kept::import(), countLostCategories(m_import.id)) : std::optional(std::int64_t(0));
+            needCategories ? number(kept::import(), countLostCategories(m_import.id)) : std::optional(std::int64_t{0});
         !lost || *lost > 0) {
         m_how = lost ? Try::Mismatch : m_how;
         return false;

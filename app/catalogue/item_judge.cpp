@@ -261,7 +261,7 @@ StagedRow ItemJudge::judgeChange(const ImportLine &line, const Item &item, Stage
     return row;
 }
 
-std::optional<DbFailure> ItemJudge::judgeNew(const ImportLine &line, QString id, StagedPiece &piece)
+std::optional<DbFailure> ItemJudge::judgeNew(const ImportLine &line, const QString &id, StagedPiece &piece)
 {
     Change change = changeOf(line, nullptr, id);
     const bool isAutomatic = id.isEmpty();

@@ -51,7 +51,7 @@ private:
     [[nodiscard]] std::optional<DbFailure> lookUpNames(const QList<ImportLine> &lines);
     [[nodiscard]] bool needsName(const ImportLine &line) const;
     [[nodiscard]] std::optional<DbFailure> judgeLine(const ImportLine &line, StagedPiece &piece);
-    [[nodiscard]] std::optional<DbFailure> judgeNew(const ImportLine &line, QString id, StagedPiece &piece);
+    [[nodiscard]] std::optional<DbFailure> judgeNew(const ImportLine &line, const QString &id, StagedPiece &piece);
     [[nodiscard]] StagedRow judgeChange(const ImportLine &line, const Item &item, StagedPiece &piece);
     [[nodiscard]] StagedRow asStored(const ImportLine &line) const;
 

@@ -150,7 +150,7 @@ RecordStatement marking(std::int64_t id, const QString &conditions, bool isRetur
 {
     const int leftOut = isReturn ? 2 : 1;
     return {u"update HarrowbyImportRow as r set LeftOut = ?, Reason = ? where %1"_s.arg(conditions),
-            {std::int64_t(leftOut), reason.isEmpty() ? leftOutWords(leftOut) : reason, id}};
+            {std::int64_t{leftOut}, reason.isEmpty() ? leftOutWords(leftOut) : reason, id}};
 }
 
 } // namespace

@@ -14,7 +14,7 @@ Records::Answer<std::int64_t> lastImport(Records &records)
                                       {kindText(ImportKind::Items), QString(import_state::applied)}});
     if (!rows)
         return Unexpected(rows.error());
-    return rows->isEmpty() ? std::int64_t(0) : recordNumber(rows->constFirst().constFirst());
+    return rows->isEmpty() ? std::int64_t{0} : recordNumber(rows->constFirst().constFirst());
 }
 
 QString importedIds()

@@ -25,7 +25,7 @@ public:
     void show(ImportKind kind, qint64 count, Fetch fetch);
     void clear() { show(ImportKind::Items, 0, {}); }
     /// All of one row, in words; empty where there is none.
-    [[nodiscard]] QString wordsOf(int row) const;
+    [[nodiscard]] QString wordsOf(int number) const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;

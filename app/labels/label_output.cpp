@@ -26,7 +26,7 @@ QString labelsOf(qint64 count)
 
 QString firstOf(const QStringList &all)
 {
-    const QString named = QStringList(all.first(std::min(all.size(), mostNamed))).join(u'\n');
+    const QString named = all.first(std::min(all.size(), mostNamed)).join(u'\n');
     return all.size() > mostNamed ? named + u"\nand %1 more"_s.arg(all.size() - mostNamed) : named;
 }
 

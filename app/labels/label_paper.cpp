@@ -51,7 +51,9 @@ constexpr QSizeF edgeMargin(4.5, 4.5);
 
 QPointF LabelPaper::corner(int place) const
 {
-    return first + QPointF(place % columns * step.width(), place / columns * step.height());
+    const int row = place / columns;
+    const int column = place % columns;
+    return first + QPointF(column * step.width(), row * step.height());
 }
 
 int LabelPaper::placeAfter(qint64 count, int place) const

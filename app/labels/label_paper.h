@@ -26,9 +26,9 @@ struct LabelPaper
     /// Top left corner of a label of a page, counted from 0, row by row.
     [[nodiscard]] QPointF corner(int place) const;
     /// Where the label behind so many stands, of which the first stands at `place`.
-    [[nodiscard]] int placeAfter(qint64 labels, int place) const;
+    [[nodiscard]] int placeAfter(qint64 count, int place) const;
     /// Pages that so many labels take, of which the first stands at `place` of the first page.
-    [[nodiscard]] qint64 pages(qint64 labels, int place) const;
+    [[nodiscard]] qint64 pages(qint64 count, int place) const;
 };
 
 /// All that can be chosen.

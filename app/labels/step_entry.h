@@ -32,7 +32,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QPushButton *makeKey(const QString &caption, const QString &name, int step);
+    QPushButton *makeKey(const QString &caption, const QString &name, int by);
     void step(int by);
     void take(int value);
     void follow(const QString &typed);
