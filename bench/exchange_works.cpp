@@ -84,7 +84,8 @@ QByteArray ExchangeBench::priceList(int turn) const
 {
     QByteArray text = "StockID;StockName;StockCategory;StockCost;StockReorderLevel\n";
     for (qsizetype item = 0; item < m_keys.size(); ++item)
-        text += m_keys.at(item) + QByteArray::number(double(item % 900 + turn % 2) + 0.25, 'f', 2) + ";10\n";
+        text +=
+            m_keys.at(item) + QByteArray::number(static_cast<double>(item % 900 + turn % 2) + 0.25, 'f', 2) + ";10\n";
     return text;
 }
 
