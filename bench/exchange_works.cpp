@@ -83,9 +83,10 @@ ExchangeBench::ExchangeBench(QString path, const ShopFile &shop, qint64 items, i
 QByteArray ExchangeBench::priceList(int turn) const
 {
     QByteArray text = "StockID;StockName;StockCategory;StockCost;StockReorderLevel\n";
-    for (qsizetype item = 0; item < m_keys.size(); ++item)
-        text +=
-            m_keys.at(item) + QByteArray::number(static_cast<double>(item % 900 + turn % 2) + 0.25, 'f', 2) + ";10\n";
+    for (qsizetype item = 0; item < m_keys.size(); ++item) {
+        const auto cost = static_cast<double>(item % 900 + turn % 2) + 0.25;
+        text += m_keys.at(item) + QByteArray::number(cost, 'f', 2) + ";10\n";
+    }
     return text;
 }
 

@@ -151,7 +151,7 @@ private Q_SLOTS:
         }
         QCOMPARE(writeFigure(5.0, u','), u"5,0"_s);
         QCOMPARE(writeFigure(-0.25, u'.'), u"-0.25"_s);
-        for (const std::int64_t value : {std::int64_t(0), std::int64_t(-7), std::numeric_limits<std::int64_t>::min(),
+        for (const std::int64_t value : {std::int64_t{0}, std::int64_t{-7}, std::numeric_limits<std::int64_t>::min(),
                                          std::numeric_limits<std::int64_t>::max()})
             QCOMPARE(readInteger(writeFigure(value)), value);
         for (const QString &text : {u"+5"_s, u"05"_s, u" 5"_s, u"-0"_s, u"5.0"_s, u""_s, u"9223372036854775808"_s})
@@ -167,24 +167,24 @@ private Q_SLOTS:
             QTest::newRow(what) << line << name << cost;
         };
         const DbValue tea = u"TEA"_s;
-        const DbValue one = std::int64_t(1);
+        const DbValue one = std::int64_t{1};
         row("usual", tea, 2.5, "TEA;2.5;");
         row("empty", u""_s, one, ";1;");
         row("nulls", {}, {}, ";;Name:null Cost:null");
         row("text for a figure", tea, u"12 pcs"_s, "TEA;12 pcs;Cost:text");
         row("figure as text", tea, u"-12.50"_s, "TEA;'-12.50;Cost:text");
         row("empty text for a figure", tea, u""_s, "TEA;;Cost:text");
-        row("figures for texts", std::int64_t(-7), one, "-7;1;Name:integer");
+        row("figures for texts", std::int64_t{-7}, one, "-7;1;Name:integer");
         row("real for a text", 7.0, one, "7.0;1;Name:real");
         row("infinite", tea, std::numeric_limits<double>::infinity(), "TEA;inf;Cost:infinite");
         row("minus infinite", -std::numeric_limits<double>::infinity(), one, "-inf;1;Name:infinite");
         row("bytes", QByteArray("\x00\xFF;", 3), QByteArray(), "0x00FF3B;0x;Name:blob Cost:blob");
         row("formula", u"=1+1"_s, one, "'=1+1;1;");
-        row("separator and quote", u"A;\"B\""_s, one, "\"A;\"\"B\"\"\";1;");
+        row("separator and quote", u"A;\"B\""_s, one, R"("A;""B""";1;)");
         row("line ends", u"A\r\nB\nC\r"_s, one, "\"A\r\nB\nC\r\";1;");
         row("right to left", u"\u05e7\u05e4\u05d4 \u200f\u202e!"_s, one, "\u05e7\u05e4\u05d4 \u200f\u202e!;1;");
         row("a mark", u"\ufeffA"_s, one, "\"\ufeffA\";1;");
-        row("NUL", u"A\0B\\"_s, one, "A\\x00B\\\\;1;Name:escaped");
+        row("NUL", u"A\0B\\"_s, one, R"(A\x00B\\;1;Name:escaped)");
         row("backslashes alone", u"A\\x00"_s, one, "A\\x00;1;");
     }
     void storedValues()

@@ -116,7 +116,7 @@ void DamagedRestoreTest::leaveLog() const
         copyAsAfterCrash(store(), aside);
     }
     copyAsAfterCrash(aside, store());
-    QVERIFY(bytesOf(store()).log.size() > 3 * 4096);
+    QVERIFY(bytesOf(store()).log.size() > qint64{3} * 4096);
     QVERIFY(QFile::remove(aside) && QFile::remove(aside + u"-wal"_s));
 }
 
@@ -264,7 +264,7 @@ void DamagedRestoreTest::whatCanBeReadIsCarriedOver()
     const int page =
         column(store(), u"SELECT rootpage FROM sqlite_master WHERE name = 'HarrowbyActivity'"_s).constFirst().toInt();
     QVERIFY(page > 1);
-    spoil(store(), (page - 1) * qint64(4096), 4096);
+    spoil(store(), (page - 1) * qint64{4096}, 4096);
     QCOMPARE(restore().problem, QString());
     QCOMPARE(column(store(), deeds), QStringList{u"Restored"_s});
 }
@@ -349,7 +349,7 @@ void DamagedRestoreTest::fullDiskLeavesTheDamagedStore()
         result = restore([&](const WorkStep &step) {
             isReplacing = isReplacing || step.words.contains(u"put in place"_s);
             if (isReplacing && !disk)
-                disk.emplace(rlim_t(200000));
+                disk.emplace(rlim_t{200000});
             return true;
         });
     }

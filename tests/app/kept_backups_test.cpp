@@ -268,11 +268,11 @@ void KeptBackupsTest::overdue_data()
 {
     QTest::addColumn<qint64>("age");
     QTest::addColumn<bool>("isOverdue");
-    QTest::newRow("just made") << qint64(0) << false;
-    QTest::newRow("two days") << qint64(48) * 3600 << false;
-    QTest::newRow("a second more") << qint64(48) * 3600 + 1 << true;
-    QTest::newRow("another machine's clock") << qint64(-3600) << false;
-    QTest::newRow("a wrong clock") << qint64(-3601) << true;
+    QTest::newRow("just made") << qint64{0} << false;
+    QTest::newRow("two days") << qint64{48} * 3600 << false;
+    QTest::newRow("a second more") << qint64{48} * 3600 + 1 << true;
+    QTest::newRow("another machine's clock") << qint64{-3600} << false;
+    QTest::newRow("a wrong clock") << qint64{-3601} << true;
 }
 
 void KeptBackupsTest::overdue()

@@ -322,10 +322,10 @@ void LabelsPrintTest::namesOfAnyScriptLeaveTheBarsAlone_data()
     QTest::newRow("none") << QString();
     QTest::newRow("Latin") << u"CR\u00c8ME FRA\u00ceCHE 200 G"_s;
     QTest::newRow("Arabic") << u"\u062d\u0644\u064a\u0628 \u0643\u0627\u0645\u0644 \u0627\u0644\u062f\u0633\u0645"_s;
-    QTest::newRow("Chinese") << QString(u"\u5168\u8102\u725b\u5976"_s).repeated(20);
+    QTest::newRow("Chinese") << u"\u5168\u8102\u725b\u5976"_s.repeated(20);
     QTest::newRow("Greek and Hebrew") << u"\u03a6\u0395\u03a4\u0391 \u05d7\u05dc\u05d1"_s;
     QTest::newRow("emoji") << u"\U0001F600\U0001F34E TEA"_s;
-    QTest::newRow("10,000 characters") << QString(u"VERY LONG NAME "_s).repeated(700);
+    QTest::newRow("10,000 characters") << u"VERY LONG NAME "_s.repeated(700);
     QTest::newRow("one word of 10,000") << QString(10'000, u'W');
     QTest::newRow("marks upon marks") << u"A"_s + QString(300, u'\u0301') + QString(300, u'\u0323');
     QTest::newRow("line breaks") << u"A\r\nB\nC\tD\u2028E"_s;
@@ -348,7 +348,7 @@ void LabelsPrintTest::namesOfAnyScriptLeaveTheBarsAlone()
 void LabelsPrintTest::nameIsCutAndPriceIsNot()
 {
     const LabelPlan plan = planFor(u"a4-65"_s, fine);
-    const Label label = labelWith(u"BAK-0001"_s, QString(u"BREAD "_s).repeated(2000), u"EUR\u00a01,234,567.50"_s);
+    const Label label = labelWith(u"BAK-0001"_s, u"BREAD "_s.repeated(2000), u"EUR\u00a01,234,567.50"_s);
     QVERIFY(LabelDrawing(plan.paper, fine).takesPrice(label));
     const QStringList lines = harrowby::testing::pdfLines(write(labelsPdf({{label, 1}}, plan, goOn)));
     QCOMPARE(lines.size(), 4);
