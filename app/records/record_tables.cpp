@@ -43,8 +43,7 @@ const RecordTable &drawerOpening()
         .name = u"HarrowbyDrawerOpening"_s,
         .making = {u"create table if not exists HarrowbyDrawerOpening "
                    "(OpeningID text not null primary key, OpenedAt text not null, OpenedBy text not null, Drawer text "
-                   "not null, "
-                   "Reason text not null)"_s},
+                   "not null, Reason text not null)"_s},
         .columns = {u"OpeningID"_s, u"OpenedAt"_s, u"OpenedBy"_s, u"Drawer"_s, u"Reason"_s}};
     return table;
 }
