@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/search/finding_connection.h"
 #include "app/shop/failure_notice.h"
-#include "app/till/till.h"
 #include "store/statement_texts.h"
-#include "tests/app/fussy_records.h"
+#include "tests/app/desk_till.h"
 #include "tests/app/import_desk.h"
 #include "tests/program/test_program.h"
-#include "tests/support/counter.h"
 
 #include <harrowby/counter.h>
 
@@ -22,7 +20,7 @@ using namespace harrowby::app;
 
 /// Names, categories and prices that an office changes while the till shows the items and has them in the cart: what is
 /// sold, what is told, and what is written down, at the real window.
-class MissedStockTest : public QObject
+class MissedStockTest : public app::test::DeskTill
 {
     Q_OBJECT
 
@@ -60,11 +58,6 @@ private:
         const auto done = import.apply(staged->id, false, nullptr, app::test::goOn);
         QVERIFY2(done.has_value(), done ? "" : qPrintable(done.error().words));
     }
-    void click(const char *name)
-    {
-        m_counter->click(name);
-        QCoreApplication::sendPostedEvents();
-    }
     void putTeaIntoTheCart()
     {
         click("Command1_0");
@@ -74,9 +67,8 @@ private:
     [[nodiscard]] QString said() const { return m_till->banner().text(); }
     [[nodiscard]] QString told(const char *label) const
     {
-        return m_notice->isHidden()
-                   ? QString()
-                   : m_notice->findChild<QLabel *>(QLatin1StringView(label))->text().replace(m_id, u"ID"_s);
+        return m_notice->isHidden() ? QString()
+                                    : withoutId(m_notice->findChild<QLabel *>(QLatin1StringView(label))->text());
     }
     [[nodiscard]] QStringList stock() const
     {
@@ -90,39 +82,23 @@ private:
             kept::activity(),
             {u"select Kind, Who, What from HarrowbyActivity where Place = 'till DESK 1' order by rowid"_s, {}});
         for (const RecordRow &row : rows.value_or(QList<RecordRow>()))
-            all << recordText(row.at(0)) + u'|' + recordText(row.at(1)) + u'|' +
-                       recordText(row.at(2)).replace(m_id, u"ID"_s);
+            all << recordText(row.at(0)) + u'|' + recordText(row.at(1)) + u'|' + withoutId(recordText(row.at(2)));
         return all;
     }
 
-    std::unique_ptr<harrowby::test::Counter> m_counter;
-    std::unique_ptr<app::test::FussyRecords> m_records;
     std::unique_ptr<FailureNotice> m_notice;
-    std::unique_ptr<Till> m_till;
-    QString m_id; ///< of the purchase
 };
 
 void MissedStockTest::init()
 {
-    m_id = u"no purchase yet"_s;
-    m_counter = std::make_unique<harrowby::test::Counter>();
-    m_counter->file.addItem(u"A1"_s, u"TEA"_s, 2.5, 30);
-    m_records = std::make_unique<app::test::FussyRecords>(m_counter->file.handle());
+    makeShop();
     m_notice = std::make_unique<FailureNotice>();
-    const OfficeSettings settings = {
-        [](const QString &, const QString &, const QString &defaultValue) { return defaultValue; }, {}};
-    m_till = std::make_unique<Till>(
-        harrowby::Counter::instance(), *m_records, settings, [] {}, CashStation{u"DESK 1"_s, nullptr});
+    makeTill();
     const auto connection =
         std::make_shared<FindingConnection>(m_counter->file.handle(), QString(), [] { return true; });
     followMissedStock(*connection, m_till->missedStock(), *m_notice);
     m_counter->connection = std::make_shared<harrowby::test::RecordingConnection>(connection);
-    connect(&harrowby::Counter::instance(), &harrowby::Counter::purchased, m_till.get(),
-            [this](const CounterPurchase &purchase) { m_id = purchase.id; });
-    m_counter->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
-    m_counter->open();
-    m_counter->logIn();
-    QCoreApplication::sendPostedEvents();
+    openWindow();
 }
 
 void MissedStockTest::cleanup()

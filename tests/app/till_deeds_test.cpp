@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/activity/activity_kinds.h"
 #include "app/codes/code_finder.h"
-#include "app/till/till.h"
-#include "tests/app/fussy_records.h"
+#include "tests/app/desk_till.h"
 #include "tests/program/test_program.h"
-#include "tests/support/counter.h"
 #include "ui/widgets/row_list.h"
 
 #include <harrowby/counter.h>
@@ -21,7 +19,7 @@ using namespace harrowby;
 using namespace harrowby::app;
 
 /// What the till writes down of who did what, at the real window.
-class TillDeedsTest : public QObject
+class TillDeedsTest : public app::test::DeskTill
 {
     Q_OBJECT
 
@@ -52,11 +50,6 @@ private:
         Q_EMIT harrowby::Counter::instance().codeRead(code);
         QCoreApplication::sendPostedEvents();
     }
-    void click(const char *name)
-    {
-        m_counter->click(name);
-        QCoreApplication::sendPostedEvents();
-    }
     void sellAndUndo();
     void keepStock();
     void keepCategoriesAndSettings();
@@ -68,37 +61,22 @@ private:
             kept::activity(), {u"select Kind, Who, Place, What from HarrowbyActivity order by rowid"_s, {}});
         for (const RecordRow &row : rows.value_or(QList<RecordRow>()))
             all << recordText(row.at(0)) + u'|' + recordText(row.at(1)) + u'|' + recordText(row.at(2)) + u'|' +
-                       recordText(row.at(3)).replace(m_id, u"ID"_s);
+                       withoutId(recordText(row.at(3)));
         return all;
     }
 
-    std::unique_ptr<harrowby::test::Counter> m_counter;
-    std::unique_ptr<app::test::FussyRecords> m_records;
-    std::unique_ptr<Till> m_till;
-    QString m_id; ///< of the purchase
     QStringList m_failures;
 };
 
 void TillDeedsTest::init()
 {
     m_failures.clear();
-    m_id = u"no purchase yet"_s;
-    m_counter = std::make_unique<harrowby::test::Counter>();
-    m_counter->file.addItem(u"A1"_s, u"TEA"_s, 2.5, 30);
+    makeShop();
     m_counter->file.addItem(u"12345"_s, u"CHEESE"_s, 9.99, 9);
-    m_records = std::make_unique<app::test::FussyRecords>(m_counter->file.handle());
     m_records->setFailureHandler([this](const DbFailure &failure) { m_failures << failure.statement; });
     QVERIFY(!ShopSettings(*m_records).save(inStoreSetting(u"21"_s), u"21IIIIIPPPPPC 2"_s));
-    const OfficeSettings settings = {
-        [](const QString &, const QString &, const QString &defaultValue) { return defaultValue; }, {}};
-    m_till = std::make_unique<Till>(
-        harrowby::Counter::instance(), *m_records, settings, [] {}, CashStation{u"DESK 1"_s, nullptr});
-    connect(&harrowby::Counter::instance(), &harrowby::Counter::purchased, m_till.get(),
-            [this](const CounterPurchase &purchase) { m_id = purchase.id; });
-    m_counter->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
-    m_counter->open();
-    m_counter->logIn();
-    QCoreApplication::sendPostedEvents();
+    makeTill();
+    openWindow();
 }
 
 void TillDeedsTest::cleanup()
