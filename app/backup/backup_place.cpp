@@ -97,6 +97,15 @@ Result<void, QString> checkBackupPlace(const QString &store, const QString &targ
     return checkSpace(store, target);
 }
 
+std::optional<QString> noBackupWords(const QString &store, const QString &file)
+{
+    if (belongsToStore(store, file))
+        return u"This is the store file itself. Please choose a backup."_s;
+    if (!QFileInfo(file).isFile())
+        return u"There is no file \"%1\". If it is on a stick, plug that in first."_s.arg(file);
+    return {};
+}
+
 bool backupWouldReplace(const QString &target)
 {
     return QFileInfo(target).isFile();

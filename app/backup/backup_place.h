@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace harrowby::app {
 
 /// Whether the backup of this store can be written there, or why not, in words for a person. A file that is there
@@ -16,6 +18,10 @@ namespace harrowby::app {
 
 /// Whether it is the store file, under whatever name, or one that SQLite keeps beside it.
 [[nodiscard]] bool belongsToStore(const QString &store, const QString &target);
+
+/// Why that file can be no backup of this store, before it is opened, in words for a person; nothing when it may be
+/// one.
+[[nodiscard]] std::optional<QString> noBackupWords(const QString &store, const QString &file);
 
 /// True for an ordinary file of that name, which a backup would replace.
 [[nodiscard]] bool backupWouldReplace(const QString &target);

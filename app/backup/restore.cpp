@@ -137,10 +137,8 @@ End Restore::fetch()
 {
     if (!goesOn(reading))
         return stopped();
-    if (belongsToStore(m_order.store, m_order.backup))
-        return failed(u"This is the store file itself. Please choose a backup."_s);
-    if (!QFileInfo(m_order.backup).isFile())
-        return failed(u"There is no file \"%1\". If it is on a stick, plug that in first."_s.arg(m_order.backup));
+    if (const auto words = noBackupWords(m_order.store, m_order.backup))
+        return failed(*words);
     BusyWait wait;
     const auto backup = openJudged(m_order.backup, wait, wait_times::longestCheck);
     if (!backup)

@@ -189,8 +189,8 @@ void RestoreDialog::look()
     const QString file = m_file->text().isEmpty() ? QString() : QDir::cleanPath(m_file->text());
     if (file.isEmpty())
         return showOutcome(*m_outcome, u"Please choose a backup."_s);
-    if (belongsToStore(m_store, file))
-        return showOutcome(*m_outcome, u"\u26a0 This is the store file itself. Please choose a backup."_s);
+    if (const auto words = noBackupWords(m_store, file))
+        return showOutcome(*m_outcome, u"\u26a0 "_s + *words);
     m_outcome->clear();
     using Found = Result<StoreContents, QString>;
     m_job.start<Found>(

@@ -48,15 +48,12 @@ StoreContents contentsOf(sqlite3 *store)
 
 Result<StoreContents, QString> lookIntoBackup(const QString &file)
 {
-    const QFileInfo info(file);
-    if (!info.isFile())
-        return Unexpected(u"There is no file \"%1\". If it is on a stick, plug that in first."_s.arg(file));
     BusyWait wait;
     const auto backup = openJudged(file, wait, wait_times::longestCheck);
     if (!backup)
         return Unexpected(u"This file cannot be restored. "_s + whatIsWrong(backup.error()));
     StoreContents contents = contentsOf(backup->get());
-    contents.written = info.lastModified();
+    contents.written = QFileInfo(file).lastModified();
     return contents;
 }
 

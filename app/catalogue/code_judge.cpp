@@ -184,9 +184,7 @@ void CodeJudge::judgeChange(const ImportLine &line, const KnownCode &known, Stag
     const int mask = differences(line, known);
     const QString id = cellOf(line, Item);
     if ((mask & codeItemMask) != 0 && !known.isOrphan)
-        return piece.rows.append(refused(
-            line, Item,
-            u"The code is taken: it belongs to %1."_s.arg(itemWords(known.itemName, recordText(known.stockId)))));
+        return piece.rows.append(refused(line, Item, belongsToWords(known.itemName, recordText(known.stockId))));
     if ((mask & codeItemMask) != 0 && !m_items.contains(id))
         return piece.rows.append(refused(line, Item, noItemWords(id)));
     const auto units = unitsOf(line);

@@ -98,15 +98,18 @@ std::optional<QString> idProblem(const QString &id, const QString &name)
     return {};
 }
 
+std::optional<QString> capitalsProblem(const QString &text)
+{
+    return text == text.toUpper() ? std::nullopt : std::optional(u"It is not in capitals."_s);
+}
+
 std::optional<QString> nameProblem(const QString &name)
 {
     if (auto problem = textProblem(name))
         return problem;
     if (name.contains(itemKeySeparator))
         return u"It holds \"  |  \", by which lists part ID and name."_s;
-    if (name != name.toUpper())
-        return u"It is not in capitals."_s;
-    return {};
+    return capitalsProblem(name);
 }
 
 std::optional<QString> categoryProblem(const QString &category)

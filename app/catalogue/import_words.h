@@ -12,6 +12,8 @@ namespace harrowby::app {
 
 /// Why the till could not work with an item of this ID, in words for a person.
 [[nodiscard]] std::optional<QString> idProblem(const QString &id, const QString &name);
+/// What the till keeps in capitals is refused in small letters.
+[[nodiscard]] std::optional<QString> capitalsProblem(const QString &text);
 /// Why a name of an item or a category is refused.
 [[nodiscard]] std::optional<QString> nameProblem(const QString &name);
 /// The same of a category; those that are reserved too.

@@ -271,7 +271,7 @@ std::optional<ItemJudge::Fault> ItemJudge::codeFault(const Change &change) const
         return Fault{CodeColumn, repeatsWords(u"The code"_s, repeats)};
     for (const QString &spelling : spellingsOf(change.newCode)) {
         if (spelling == change.entry.id)
-            return Fault{CodeColumn, u"%1 is the item's own ID, which is read without an entry."_s.arg(spelling)};
+            return Fault{CodeColumn, ownIdWords(spelling)};
         if (m_census.keys(spelling).rows > 0)
             return Fault{CodeColumn, u"The code is the ID in line %1."_s.arg(m_census.keys(spelling).firstLine)};
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/new_ids.h"
 
+#include "app/catalogue/import_words.h"
 #include "app/codes/code_text.h"
 #include "app/records/statement_pieces.h"
 
@@ -91,8 +92,8 @@ std::optional<QString> NewIds::problemOf(const QString &id) const
         return u"But for small letters and capitals the ID stands in %1 rows of the file, first in line %2."_s
             .arg(repeats.rows)
             .arg(repeats.firstLine);
-    if (id != capitals)
-        return u"It is not in capitals."_s;
+    if (auto problem = capitalsProblem(id))
+        return problem;
     for (const QString &spelling : m_owners.isEmpty() ? QStringList() : spellingsOf(id)) {
         if (const auto owner = m_owners.constFind(spelling); owner != m_owners.constEnd())
             return u"It is a code of %1: a scan would find two items."_s.arg(*owner);

@@ -215,12 +215,22 @@ std::optional<DbFailure> CodeTable::moveCodes(const QString &oldId, const QStrin
         m_records.write(kept::code(), {u"update HarrowbyCode set StockID = ? where StockID = ?"_s, {newId, oldId}}));
 }
 
+QString ownIdWords(const QString &code)
+{
+    return u"%1 is the item's own ID, which is read without an entry."_s.arg(code);
+}
+
+QString belongsToWords(const QString &name, const QString &stockId)
+{
+    return u"The code is taken: it belongs to %1."_s.arg(itemWords(name, stockId));
+}
+
 std::optional<QString> takenWords(const QString &code, const QString &stockId, const QList<StockItem> &items,
                                   const QList<ItemCode> &entries)
 {
     for (const StockItem &item : items) {
         if (item.id == stockId)
-            return u"%1 is the item's own ID, which is read without an entry."_s.arg(shownCode(code));
+            return ownIdWords(shownCode(code));
         return u"The code is taken: it is the ID of %1."_s.arg(itemWords(item.name, item.id));
     }
     if (entries.isEmpty())
@@ -230,7 +240,7 @@ std::optional<QString> takenWords(const QString &code, const QString &stockId, c
         return u"The code is taken by an item that is gone. Delete it there, or give it to this item."_s;
     if (entry.stockId == stockId)
         return u"%1 has the code already, as %2."_s.arg(itemWords(entry.name, stockId), entry.code);
-    return u"The code is taken: it belongs to %1."_s.arg(itemWords(entry.name, entry.stockId));
+    return belongsToWords(entry.name, entry.stockId);
 }
 
 Result<int, QString> readUnits(const QString &text)

@@ -82,6 +82,10 @@ private:
     std::optional<SignedDeeds> m_deeds;
 };
 
+/// That a code needs no entry, as it is its item's ID, in words for a person.
+[[nodiscard]] QString ownIdWords(const QString &code);
+/// That a code is another item's, in words for a person.
+[[nodiscard]] QString belongsToWords(const QString &name, const QString &stockId);
 /// Why a code cannot be added to an item, in words for a person: `items` have one of its spellings as their ID,
 /// `entries` as their code. Nothing when it can.
 [[nodiscard]] std::optional<QString> takenWords(const QString &code, const QString &stockId,

@@ -64,7 +64,7 @@ void DoneStep::show(const ImportOutcome &outcome, bool isLate)
     m_backup->setText(outcome.backup.isEmpty()
                           ? QString()
                           : u"The backup that was made first: %1\nIf you think better of it, take the import back: "
-                            "here, or at any time from the list of imports."_s.arg(wrappingPath(outcome.backup)));
+                            "here, or later from the list of imports."_s.arg(wrappingPath(outcome.backup)));
     m_leftOut->setVisible(outcome.leftOut > 0);
     m_leftOut->setText(u"\u26a0 %1 rows were left out, as the store has changed since the preview:"_s.arg(
         groupedCount(outcome.leftOut)));

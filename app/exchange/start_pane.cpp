@@ -129,7 +129,7 @@ const PastImport *StartPane::current() const
 void StartPane::followChoice()
 {
     const PastImport *past = current();
-    m_takeBack->setEnabled(past != nullptr && past->canBeTakenBack && past->state == PastImport::State::Applied);
+    m_takeBack->setEnabled(past != nullptr && past->canBeTakenBack);
     const auto left = past != nullptr && past->state == PastImport::State::TakenBack
                           ? CatalogueImport(m_records, m_desk).count(past->id, RowFilter::NotTakenBack)
                           : Imported<qint64>(0);
