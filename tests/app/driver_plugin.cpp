@@ -17,6 +17,9 @@
 #include <xcb/xcb.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -54,13 +57,56 @@ bool isReady(const QWidget &window)
     return handle != nullptr && handle->isExposed() && (window.isActiveWindow() || !focuses);
 }
 
-QString where(const QString &name)
+/// Where the X server has a point of the one window in the other, and which window within that one lies there. Qt may
+/// think for good that a window stands where a slow window manager has moved it from.
+auto translate(xcb_window_t from, xcb_window_t to, const QPoint &point)
+{
+    xcb_connection_t *server = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    const auto asked =
+        xcb_translate_coordinates(server, from, to, static_cast<qint16>(point.x()), static_cast<qint16>(point.y()));
+    return std::unique_ptr<xcb_translate_coordinates_reply_t, decltype(&std::free)>(
+        xcb_translate_coordinates_reply(server, asked, nullptr), &std::free);
+}
+
+xcb_window_t rootWindow()
+{
+    xcb_connection_t *server = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    return xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;
+}
+
+xcb_window_t windowOf(const QWidget &widget)
+{
+    return static_cast<xcb_window_t>(widget.window()->internalWinId());
+}
+
+/// The middle of the widget on the screen.
+std::optional<QPoint> middleOf(const QWidget &widget)
+{
+    const auto place = translate(windowOf(widget), rootWindow(), widget.mapTo(widget.window(), widget.rect().center()));
+    return place ? std::optional(QPoint(place->dst_x, place->dst_y)) : std::nullopt;
+}
+
+/// Whether another window lies over the widget there.
+bool isCovered(const QWidget &widget, const QPoint &place)
+{
+    xcb_window_t top = rootWindow();
+    while (top != XCB_NONE && top != windowOf(widget)) {
+        const auto there = translate(rootWindow(), top, place);
+        top = there ? there->child : XCB_NONE;
+    }
+    return top == XCB_NONE;
+}
+
+/// `isPressed`: only where a press would meet it.
+QString where(const QString &name, bool isPressed)
 {
     const QWidget *widget = find(name);
     if (widget == nullptr || !widget->isEnabled() || !isReady(*widget->window()))
         return u"-"_s;
-    const QPoint middle = widget->mapToGlobal(widget->rect().center());
-    return u"%1 %2"_s.arg(middle.x()).arg(middle.y());
+    const auto middle = middleOf(*widget);
+    if (!middle || (isPressed && isCovered(*widget, *middle)))
+        return u"-"_s;
+    return u"%1 %2"_s.arg(middle->x()).arg(middle->y());
 }
 
 QString textOf(const QString &name)
@@ -97,8 +143,8 @@ QString answer(const QString &line)
 {
     const QString verb = line.section(u' ', 0, 0);
     const QString name = line.section(u' ', 1);
-    if (verb == u"where"_s)
-        return where(name);
+    if (verb == u"where"_s || verb == u"target"_s)
+        return where(name, verb == u"target"_s);
     if (verb == u"text"_s)
         return textOf(name);
     if (verb == u"box"_s)
@@ -138,17 +184,20 @@ public:
     {
         connect(&m_input, &QSocketNotifier::activated, this, &Driver::readLines);
         qApp->installNativeEventFilter(&m_keys);
-        if (!m_stopAt.isEmpty())
-            qApp->installEventFilter(this);
+        qApp->installEventFilter(this);
     }
 
-    /// Stops the program where the window of the wanted title is created, until the test writes a line.
+    /// Counts clicks, and stops the program where the window of the wanted title is created, until the test writes a
+    /// line.
     bool eventFilter(QObject *watched, QEvent *event) override
     {
+        if (event->type() == QEvent::MouseButtonRelease && watched->isWindowType())
+            ++m_clicks;
+        if (event->type() != QEvent::WindowTitleChange || m_stopAt.isEmpty())
+            return false;
         const auto *window = qobject_cast<QWidget *>(watched);
-        if (event->type() == QEvent::WindowTitleChange && window != nullptr && window->windowTitle() == m_stopAt) {
+        if (window != nullptr && window->windowTitle() == m_stopAt) {
             m_stopAt.clear();
-            qApp->removeEventFilter(this);
             reply(u"stopped"_s);
             char bytes[16];
             (void)!::read(STDIN_FILENO, bytes, sizeof(bytes));
@@ -166,7 +215,12 @@ private:
         m_pending.append(bytes, count);
         for (qsizetype end = m_pending.indexOf('\n'); end >= 0; end = m_pending.indexOf('\n')) {
             const QString line = QString::fromUtf8(m_pending.left(end));
-            reply(line.startsWith(u"presses"_s) ? QString::number(m_keys.presses()) : answer(line));
+            if (line.startsWith(u"presses"_s))
+                reply(QString::number(m_keys.presses()));
+            else if (line.startsWith(u"clicks"_s))
+                reply(QString::number(m_clicks));
+            else
+                reply(answer(line));
             m_pending.remove(0, end + 1);
         }
     }
@@ -181,6 +235,7 @@ private:
     QString m_stopAt;
     QSocketNotifier m_input;
     KeyCounter m_keys;
+    int m_clicks = 0;
     QByteArray m_pending;
 };
 

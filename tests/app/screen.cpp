@@ -31,6 +31,12 @@ void end(QProcess &process)
     process.waitForFinished();
 }
 
+QPoint pointOf(const QString &place)
+{
+    return place.contains(u' ') ? QPoint(place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt())
+                                : QPoint(-1, -1);
+}
+
 } // namespace
 
 Screen::~Screen()
@@ -182,7 +188,8 @@ bool RunningProgram::startUpTo(const QString &title, const QStringList &argument
 int RunningProgram::waitForEnd()
 {
     m_process.closeWriteChannel();
-    if (!m_process.waitForFinished(patience) || m_process.exitStatus() != QProcess::NormalExit)
+    const bool hasEnded = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patience);
+    if (!hasEnded || m_process.exitStatus() != QProcess::NormalExit)
         return -1;
     return m_process.exitCode();
 }
@@ -213,25 +220,34 @@ bool RunningProgram::press(const QString &name)
 {
     QElapsedTimer time;
     time.start();
-    QString before;
+    QPoint before(-1, -1);
     while (time.elapsed() < patience && m_process.state() == QProcess::Running) {
         // Twice at the same place, as the window manager may still move a new window.
-        const QString place = ask(u"where "_s + name);
-        if (place.contains(u' ') && place == before) {
-            m_screen.press({place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt()});
-            return true;
-        }
-        before = place;
+        const QPoint now = pointOf(ask(u"target "_s + name));
+        if (now != QPoint(-1, -1) && now == before)
+            return press(now);
+        before = now;
         QTest::qWait(100);
     }
+    qWarning("\"%s\" does not come. The focus: %s; a box: %s", qPrintable(name), qPrintable(focus()),
+             qPrintable(box()));
+    return false;
+}
+
+bool RunningProgram::press(const QPoint &place)
+{
+    const int before = clicks();
+    m_screen.press(place);
+    const auto arrived = [&] { return clicks() > before || m_process.state() == QProcess::NotRunning; };
+    if (QTest::qWaitFor(arrived, patience))
+        return true;
+    qWarning("A press at %d, %d does not arrive", place.x(), place.y());
     return false;
 }
 
 QPoint RunningProgram::place(const QString &name)
 {
-    const QString place = ask(u"where "_s + name);
-    return place.contains(u' ') ? QPoint(place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt())
-                                : QPoint(-1, -1);
+    return pointOf(ask(u"where "_s + name));
 }
 
 } // namespace harrowby::app::test

@@ -66,8 +66,12 @@ public:
     [[nodiscard]] int waitForEnd();
     [[nodiscard]] QString errors() { return QString::fromUtf8(m_process.readAllStandardError()); }
 
-    /// Presses the control (object name or caption) as soon as it is there. False when it does not come.
+    /// Presses the control (object name or caption) as soon as it is there, and waits until the program has the press:
+    /// a window manager may hold it back, and keys that are sent meanwhile overtake it. False when the control does not
+    /// come, or the press does not arrive.
     [[nodiscard]] bool press(const QString &name);
+    /// The same at a place of the program's windows.
+    [[nodiscard]] bool press(const QPoint &place);
     /// True when the control is there now.
     [[nodiscard]] bool has(const QString &name) { return ask(QStringLiteral("where ") + name) != QLatin1String("-"); }
     /// The middle of the control on the screen; (-1, -1) while it is not there.
@@ -83,6 +87,7 @@ public:
     void bringToFront(const QString &title) const { m_screen.bringToFront(m_process.processId(), title); }
 
 private:
+    [[nodiscard]] int clicks() { return ask(QStringLiteral("clicks ")).toInt(); }
     [[nodiscard]] QString ask(const QString &question);
     [[nodiscard]] QString answer();
 
