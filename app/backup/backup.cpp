@@ -119,13 +119,12 @@ Naming nameCopy(const QString &file, const QString &target, IfTaken ifTaken)
 
 BackupResult giveName(const QString &file, const QString &wanted, IfTaken ifTaken)
 {
-    constexpr int mostNames = 1000;
     QString target = wanted;
     Naming named = syncFile(file);
     if (named)
         named = nameCopy(file, target, ifTaken);
     for (int number = 2;
-         !named && named.error() == std::errc::file_exists && ifTaken == IfTaken::Number && number <= mostNames;
+         !named && named.error() == std::errc::file_exists && ifTaken == IfTaken::Number && number <= mostNumber;
          ++number) {
         target = numberedName(wanted, number);
         named = nameCopy(file, target, ifTaken);

@@ -20,6 +20,8 @@ inline constexpr QStringView momentPattern = u"\\d{4}-\\d{2}-\\d{2}-\\d{6}";
 
 /// "copy-2.db" of "copy.db": where a file has that name already.
 [[nodiscard]] QString numberedName(const QString &path, int number);
+/// Up to which number a free name is looked for.
+inline constexpr int mostNumber = 1000;
 
 /// The folder that is offered for a backup: the documents, or the home folder where there are none.
 [[nodiscard]] QString usualBackupFolder();

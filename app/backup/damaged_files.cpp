@@ -87,9 +87,8 @@ bool isFree(const QString &name)
 
 QString freeName(const QString &wanted)
 {
-    constexpr int most = 1000;
     QString name = wanted;
-    for (int number = 2; number <= most && !isFree(name); ++number)
+    for (int number = 2; number <= mostNumber && !isFree(name); ++number)
         name = numberedName(wanted, number);
     return name;
 }

@@ -96,11 +96,11 @@ Result<InStoreRule, QString> InStoreRule::fromPattern(const QString &pattern, in
 {
     if (const QString problem = problemOf(pattern); !problem.isEmpty())
         return Unexpected(problem);
-    const bool isPrice = pattern.contains(u'P');
-    const int most = isPrice ? mostPriceDecimals : mostWeightDecimals;
+    const InStoreRule rule(pattern, decimals);
+    const int most = rule.isWeight() ? mostWeightDecimals : mostPriceDecimals;
     if (decimals < 0 || decimals > most)
-        return Unexpected(u"A %1 has at most %2 decimals."_s.arg(isPrice ? u"price"_s : u"weight"_s).arg(most));
-    return InStoreRule(pattern, decimals);
+        return Unexpected(u"A %1 has at most %2 decimals."_s.arg(rule.isWeight() ? u"weight"_s : u"price"_s).arg(most));
+    return rule;
 }
 
 std::optional<InStoreRule> InStoreRule::fromText(const QString &text)
@@ -132,15 +132,14 @@ std::optional<InStoreReading> InStoreRule::read(const QString &code) const
         if (m_pattern.at(i).isDigit() && m_pattern.at(i) != whole->at(i))
             return {};
     }
-    const bool isWeight = m_pattern.contains(u'W');
-    const QString amount = digitsAt(isWeight ? u'W' : u'P', *whole);
+    const QString amount = digitsAt(isWeight() ? u'W' : u'P', *whole);
     const QString check = digitsAt(u'V', *whole);
     if (!check.isEmpty() && amountCheckDigit(amount) != check.front().digitValue())
         return {};
     const int number = amount.toInt(); // at most 9 digits are left for it
     if (number == 0)
         return {};
-    return InStoreReading{digitsAt(u'I', *whole), isWeight, number / std::pow(10.0, m_decimals)};
+    return InStoreReading{digitsAt(u'I', *whole), isWeight(), number / std::pow(10.0, m_decimals)};
 }
 
 } // namespace harrowby::app

@@ -36,7 +36,8 @@ public:
 
     [[nodiscard]] QString prefix() const { return m_pattern.first(2); }
     [[nodiscard]] const QString &pattern() const { return m_pattern; }
-    [[nodiscard]] int decimals() const { return m_decimals; } ///< of the price or the weight
+    [[nodiscard]] bool isWeight() const { return m_pattern.contains(u'W'); } ///< and not a price
+    [[nodiscard]] int decimals() const { return m_decimals; }                ///< of the price or the weight
 
     /// Nothing unless the code fits the pattern, both check digits are right, and the amount is not 0. A number of 12
     /// digits is read with a zero before it.

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/export_pane.h"
+#include "app/export/list_form.h"
 
 #include "app/backup/backup_names.h"
 #include "app/boxes/office_box.h"
 #include "app/exchange/kind_words.h"
 #include "app/exchange/save_place.h"
 #include "app/records/deeds.h"
-#include "app/records/shop_settings.h"
 #include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
 
@@ -32,8 +32,6 @@ namespace harrowby::app {
 
 namespace {
 
-const QString separatorSetting(exportSeparatorSetting);
-const auto decimalSetting = u"ExportDecimalSign"_s;
 constexpr QSize calendarSize(364, 372); // a day of it suits a thumb
 
 } // namespace
@@ -181,24 +179,9 @@ void ExportPane::begin()
 
 void ExportPane::readForm()
 {
-    const ShopSettings settings(m_records);
-    if (const auto sign = separatorNamed(settings.value(separatorSetting, u"comma"_s)))
-        m_separator->setCurrentIndex(std::max(0, m_separator->findData(*sign)));
-    if (const auto sign = decimalSignNamed(settings.value(decimalSetting, u"point"_s)))
-        m_decimalSign->setCurrentIndex(std::max(0, m_decimalSign->findData(*sign)));
-}
-
-/// As names, so that no sign is taken for a list's or a blank's.
-void ExportPane::keepForm()
-{
-    ShopSettings settings(m_records);
-    const QChar separator = m_separator->currentData().toChar();
-    const QString name = separator == u'\t' ? u"tab"_s : QString(separator);
-    const QString sign = m_decimalSign->currentData().toChar();
-    if (settings.value(separatorSetting) != name)
-        (void)settings.save(separatorSetting, name); // logged when it fails, and only for the next time
-    if (settings.value(decimalSetting) != sign)
-        (void)settings.save(decimalSetting, sign);
+    const CsvForm form = savedListForm(m_records);
+    m_separator->setCurrentIndex(m_separator->findData(form.separator));
+    m_decimalSign->setCurrentIndex(m_decimalSign->findData(form.decimalSign));
 }
 
 void ExportPane::followChoices()
@@ -220,7 +203,7 @@ ExportRequest ExportPane::request() const
 {
     ExportRequest request;
     request.kind = static_cast<ExportKind>(m_kind->currentData().toInt());
-    request.form.byteOrderMark = true; // by which spreadsheets know the letters
+    request.form = savedListForm(m_records);
     request.form.separator = m_separator->currentData().toChar();
     request.form.decimalSign = m_decimalSign->currentData().toChar();
     if (request.kind == ExportKind::Purchases && !m_allDays->isChecked()) {
@@ -255,7 +238,7 @@ void ExportPane::carryOut()
         !askInOffice(this, u"There is a file \"%1\" already. Replace it with the new list?"_s.arg(path), u"&Replace"_s))
         return;
     m_outcome->clear();
-    keepForm();
+    keepListForm(m_records, request().form);
     m_job.start<ExportEnd>([store = m_desk.store, path, wanted = request()](
                                const WorkWatch &watch) { return exportList(store, path, wanted, watch); },
                            [this, path, wanted = request()](const Result<ExportEnd, QString> &end) {

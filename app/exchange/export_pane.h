@@ -38,7 +38,6 @@ Q_SIGNALS:
 private:
     void createParts(bool isAdministrator);
     void readForm();
-    void keepForm();
     QDateEdit *makeDay(const QString &name, const QString &spoken);
     void layOut();
     [[nodiscard]] QWidget *makeDays();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/import_list_panel.h"
+#include "app/export/list_form.h"
 
 #include "app/backup/backup_names.h"
 #include "app/boxes/office_box.h"
@@ -150,12 +151,9 @@ void ImportListPanel::saveTo(const QString &path)
 {
     m_words->clear();
     m_job.start<Imported<qint64>>(
-        [desk = m_desk, id = m_id, shown = filter(), path](const WorkWatch &watch) {
-            return withImport<qint64>(desk, [&](CatalogueImport &import) {
-                CsvForm form;
-                form.byteOrderMark = true; // by which spreadsheets know the letters
-                return import.saveList(id, shown, path, form, watch);
-            });
+        [desk = m_desk, id = m_id, shown = filter(), path, form = savedListForm(m_records)](const WorkWatch &watch) {
+            return withImport<qint64>(
+                desk, [&](CatalogueImport &import) { return import.saveList(id, shown, path, form, watch); });
         },
         [this, path](const Result<Imported<qint64>, QString> &outcome) {
             const auto saved = flat(outcome);

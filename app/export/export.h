@@ -27,9 +27,6 @@ enum class ExportKind {
     Purchases,
 };
 
-/// The shop's setting that keeps the separator that was chosen last, as separatorNamed() reads it.
-inline constexpr QLatin1StringView exportSeparatorSetting("ExportSeparator");
-
 struct ExportRequest
 {
     ExportKind kind = ExportKind::Items;

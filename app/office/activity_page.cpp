@@ -3,8 +3,8 @@
 
 #include "app/activity/activity_export.h"
 #include "app/boxes/office_box.h"
+#include "app/export/list_form.h"
 #include "app/office/activity_choices.h"
-#include "app/records/shop_settings.h"
 #include "app/work/work_strip.h"
 #include "basic/numbers.h"
 #include "tables/output_bar.h"
@@ -240,24 +240,14 @@ void ActivityPage::save()
         return;
     if (const auto place = checkExportPlace(m_store, target); !place)
         return tellInOffice(this, place.error());
-    const auto work = [store = m_store, target, wanted, chosen = form()](const WorkWatch &watch) {
-        return exportActivity(store, target, chosen, wanted, watch);
-    };
+    const auto work = [store = m_store, target, wanted, chosen = savedListForm(m_deeds.records())](
+                          const WorkWatch &watch) { return exportActivity(store, target, chosen, wanted, watch); };
     m_saving = m_job.start<ExportEnd>(work, [this, target](const Result<ExportEnd, QString> &end) {
         m_saving = false;
         if (std::exchange(m_again, false))
             search();
         saved(end ? *end : ExportEnd{ExportEnd::Outcome::Failed, end.error(), 0, 0}, target); // may show a box
     });
-}
-
-/// With the separator that was chosen for the last list of the catalogue.
-CsvForm ActivityPage::form() const
-{
-    CsvForm form;
-    const QString name = ShopSettings(m_deeds.records()).value(exportSeparatorSetting, u"comma"_s);
-    form.separator = separatorNamed(name).value_or(form.separator);
-    return form;
 }
 
 void ActivityPage::saved(const ExportEnd &end, const QString &target)

@@ -68,7 +68,6 @@ private:
     void showDetail();
     void followBusy(bool busy);
     void save();
-    [[nodiscard]] CsvForm form() const;
     void saved(const ExportEnd &end, const QString &target);
 
     SignedDeeds m_deeds;

@@ -153,7 +153,7 @@ void InStoreDialog::nameEntries()
 {
     for (int i = 0; i < m_prefix->count(); ++i) {
         const auto rule = InStoreRule::fromText(m_saved.value(m_prefix->itemData(i).toString()));
-        const QString use = !rule ? u"not read"_s : rule->pattern().contains(u'W') ? u"weight"_s : u"price"_s;
+        const QString use = !rule ? u"not read"_s : rule->isWeight() ? u"weight"_s : u"price"_s;
         m_prefix->setItemText(i, u"%1 (%2)"_s.arg(m_prefix->itemData(i).toString(), use));
     }
 }

@@ -41,6 +41,17 @@ bool isAdministrator(const QString &name)
     return trimmedUpper(name) == administratorName;
 }
 
+std::optional<QString> lockedRightsWords(const QString &name)
+{
+    return isAdministrator(name) ? std::optional(u"ADMINISTRATOR has every right and keeps it."_s) : std::nullopt;
+}
+
+std::optional<QString> noTypeWords(const QString &name, const QString &type)
+{
+    return isAdministrator(name) && type == viewerType ? std::optional(u"ADMINISTRATOR must be able to log in."_s)
+                                                       : std::nullopt;
+}
+
 const QList<Right> &userRights()
 {
     static const QList<Right> rights = {

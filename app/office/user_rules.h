@@ -6,11 +6,17 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /// What a user may do. Which names and passwords the login finds again: app/shop/password_rules.h.
 namespace harrowby::app {
 
 /// The user who may do everything, whatever the row's flags say.
 [[nodiscard]] bool isAdministrator(const QString &name);
+
+/// Why a user's rights cannot be changed, or why one cannot be of a type, in words for a person; nothing when they can.
+[[nodiscard]] std::optional<QString> lockedRightsWords(const QString &name);
+[[nodiscard]] std::optional<QString> noTypeWords(const QString &name, const QString &type);
 
 struct Right
 {

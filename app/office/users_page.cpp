@@ -241,7 +241,7 @@ const StoreUser *UsersPage::current() const
 void UsersPage::showUser()
 {
     const StoreUser *user = current();
-    const bool locked = user == nullptr || isAdministrator(user->name);
+    const bool locked = user == nullptr || lockedRightsWords(user->name);
     m_name->setText(user == nullptr ? QString()
                     : locked        ? user->name + u" (has every right and keeps it)"_s
                                     : user->name);
@@ -252,7 +252,8 @@ void UsersPage::showUser()
     m_roles->mark(user != nullptr && !locked ? roleWith(user->rights) : nullptr);
     m_roles->setDisabled(locked);
     m_password->setEnabled(user != nullptr);
-    m_type->setEnabled(user != nullptr && (!locked || !user->hasType || user->type == viewerType));
+    // Who may have every other type needs none but to be able to log in.
+    m_type->setEnabled(user != nullptr && (!locked || !user->hasType || noTypeWords(user->name, user->type)));
     if (user != nullptr)
         showType(*user);
     m_outcome->clear();
@@ -264,7 +265,7 @@ void UsersPage::showType(const StoreUser &user)
     const QSignalBlocker quietly(m_type);
     m_type->clear();
     for (const UserType &type : userTypes()) {
-        if (!isAdministrator(user.name) || type.name != viewerType)
+        if (!noTypeWords(user.name, type.name))
             m_type->addItem(type.name + u" ("_s + type.words + u')', type.name);
     }
     if (m_type->findData(user.type) < 0)

@@ -167,8 +167,8 @@ UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &c
     const auto at = rightColumns().indexOf(column);
     if (at < 0)
         return noChange;
-    if (isAdministrator(user.name))
-        return u"ADMINISTRATOR has every right and keeps it."_s;
+    if (auto locked = lockedRightsWords(user.name))
+        return locked;
     const Plan plan = [&](const StoreUser &now, const QList<DbValue> &flags) -> Result<Columns, QString> {
         if (now.rights.contains(column) != user.rights.contains(column))
             return changedMeanwhile(user.name);
@@ -180,8 +180,8 @@ UsersTable::Problem UsersTable::setRight(const StoreUser &user, const QString &c
 
 UsersTable::Problem UsersTable::setType(const StoreUser &user, const QString &type) const
 {
-    if (isAdministrator(user.name) && type == viewerType)
-        return u"ADMINISTRATOR must be able to log in."_s;
+    if (auto refused = noTypeWords(user.name, type))
+        return refused;
     const Plan plan = [&](const StoreUser &now, const QList<DbValue> &) -> Result<Columns, QString> {
         if (now.type != user.type || now.hasType != user.hasType)
             return changedMeanwhile(user.name);
@@ -195,8 +195,8 @@ UsersTable::Problem UsersTable::setType(const StoreUser &user, const QString &ty
 
 UsersTable::Problem UsersTable::setRole(const StoreUser &user, const Role &role) const
 {
-    if (isAdministrator(user.name))
-        return u"ADMINISTRATOR has every right and keeps it."_s;
+    if (auto locked = lockedRightsWords(user.name))
+        return locked;
     const Plan plan = [&](const StoreUser &now, const QList<DbValue> &flags) -> Result<Columns, QString> {
         if (now.rights != user.rights)
             return changedMeanwhile(user.name);

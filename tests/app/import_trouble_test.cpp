@@ -335,14 +335,14 @@ void ImportTroubleTest::storesOfAnyAge_data()
     QTest::newRow("no stock") << QStringList{u"drop table StockList"_s};
     QTest::newRow("no categories") << QStringList{u"drop table InventoryCategory"_s};
     QTest::newRow("no log") << QStringList{u"drop table SysUsage"_s};
-    for (const QString &column : {u"StockID"_s, u"StockName"_s, u"StockCost"_s, u"StockReorderUser"_s})
-        QTest::newRow(qPrintable(column)) << QStringList{
-            u"drop table StockList"_s,
-            QString(u"create table StockList (StockID TEXT, StockName TEXT, StockCategory TEXT, StockCost "
-                    "NUMERIC, StockReorderLevel NUMERIC, StockAvailable NUMERIC, StockUse TEXT, "
-                    "StockLastUpdated TEXT, StockLastModified TEXT, StockAdded TEXT, "
-                    "StockReorderUser TEXT)"_s)
-                .replace(column + u' ', u"X"_s + column + u' ')};
+    const QString whole = u"create table StockList (StockID TEXT, StockName TEXT, StockCategory TEXT, StockCost "
+                          "NUMERIC, StockReorderLevel NUMERIC, StockAvailable NUMERIC, StockUse TEXT, "
+                          "StockLastUpdated TEXT, StockLastModified TEXT, StockAdded TEXT, StockReorderUser TEXT)"_s;
+    for (const QString &column : {u"StockID"_s, u"StockName"_s, u"StockCost"_s, u"StockReorderUser"_s}) {
+        QString table = whole;
+        QTest::newRow(qPrintable(column))
+            << QStringList{u"drop table StockList"_s, table.replace(column + u' ', u'X' + column + u' ')};
+    }
     QTest::newRow("another table of codes") << QStringList{u"create table HarrowbyCode (Other blob)"_s};
     QTest::newRow("another table of imports") << QStringList{u"create table HarrowbyImport (Other blob)"_s};
     QTest::newRow("another table of rows") << QStringList{u"create table HarrowbyImportRow (Other blob)"_s};

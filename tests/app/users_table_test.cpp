@@ -214,8 +214,9 @@ void UsersTableTest::administratorKeepsEveryRight()
 {
     run(u"UPDATE Users SET InventoryUse = 0, InventorySales = 0"_s);
     QCOMPARE(user(u"ADMINISTRATOR"_s).rights.size(), userRights().size());
-    QVERIFY(store().setRight(user(u"ADMINISTRATOR"_s), u"InventorySales"_s, false));
-    QVERIFY(store().setType(user(u"ADMINISTRATOR"_s), u"VIEWER"_s));
+    QCOMPARE(store().setRight(user(u"ADMINISTRATOR"_s), u"InventorySales"_s, false),
+             u"ADMINISTRATOR has every right and keeps it."_s);
+    QCOMPARE(store().setType(user(u"ADMINISTRATOR"_s), u"VIEWER"_s), u"ADMINISTRATOR must be able to log in."_s);
     QCOMPARE(read(u"SELECT Type || InventorySales FROM Users"_s), u"ADMINISTRATOR0"_s);
 }
 
@@ -336,7 +337,8 @@ void UsersTableTest::roleSetsAllSeven()
                   "InventorySettings || InventoryReorder || Type || Password FROM Users WHERE Username = 'ANNA'"_s),
              u"-1-1-1-100FalseSTAFFP"_s);
     QCOMPARE(roleWith(user(u"ANNA"_s).rights), &userRoles().at(1));
-    QVERIFY(store().setRole(user(u"ADMINISTRATOR"_s), userRoles().at(0)));
+    QCOMPARE(store().setRole(user(u"ADMINISTRATOR"_s), userRoles().at(0)),
+             u"ADMINISTRATOR has every right and keeps it."_s);
     QCOMPARE(user(u"ADMINISTRATOR"_s).rights.size(), 7);
 }
 
