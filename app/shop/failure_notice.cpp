@@ -202,6 +202,9 @@ void FailureNotice::keepClear()
     // While a modal box is open the notice cannot be dismissed, so it must not cover the box.
     if (const QWidget *box = QApplication::activeModalWidget())
         totals << box->frameGeometry();
+    // A finger on its way to "Dismiss" must not meet what lies beneath, as when it moved back once a box has closed.
+    if (isVisible() && isClear({m_askedFor, size()}, area, totals))
+        return;
     const QRect frame = window != nullptr ? window->frameGeometry() : area;
     const QPoint place = noticePlace(size(), frame, area, totals);
     if (place == m_askedFor)

@@ -53,6 +53,11 @@ QPoint noticePlace(const QSize &notice, const QRect &window, const QRect &screen
     return placeInside(notice, window.intersected(screen), keepFree);
 }
 
+bool isClear(const QRect &notice, const QRect &screen, const QList<QRect> &keepFree)
+{
+    return screen.contains(notice) && isFree(notice, keepFree);
+}
+
 QWidget *salesWindow()
 {
     for (QWidget *window : QApplication::topLevelWidgets()) {

@@ -15,6 +15,9 @@ namespace harrowby::app {
 [[nodiscard]] QPoint noticePlace(const QSize &notice, const QRect &window, const QRect &screen,
                                  const QList<QRect> &keepFree);
 
+/// Whether the whole notice is on the screen there, and covers nothing of `keepFree`.
+[[nodiscard]] bool isClear(const QRect &notice, const QRect &screen, const QList<QRect> &keepFree);
+
 /// The component's window; null while there is none.
 [[nodiscard]] QWidget *salesWindow();
 

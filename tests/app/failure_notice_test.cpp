@@ -81,6 +81,7 @@ private Q_SLOTS:
     void keepsClearOfTheTotal();
     void movesAsideWhenATotalComes();
     void keepsClearOfABoxInFront();
+    void staysWhereABoxHasMovedIt();
     void place_data();
     void place();
 
@@ -457,6 +458,25 @@ void FailureNoticeTest::keepsClearOfABoxInFront()
     box.setGeometry(before);
     box.show();
     QTRY_VERIFY(!onScreen(notice).intersects(box.frameGeometry()));
+}
+
+/// A press at "Dismiss" right after the box has closed meets it.
+void FailureNoticeTest::staysWhereABoxHasMovedIt()
+{
+    FailureNotice notice;
+    notice.add(writeFailure(lowerStock));
+    QDialog box;
+    box.setModal(true);
+    box.setGeometry(onScreen(notice));
+    box.show();
+    QTRY_VERIFY(!onScreen(notice).intersects(box.frameGeometry()));
+    const QPoint seen = notice.pos();
+    box.close();
+    notice.add(writeFailure(lowerStock)); // looks for a place at once
+    QCOMPARE(notice.pos(), seen);
+    notice.dismiss();
+    notice.add(writeFailure(lowerStock));
+    QVERIFY(notice.pos() != seen);
 }
 
 void FailureNoticeTest::place_data()
