@@ -6,7 +6,6 @@
 #include "tests/platform/private_cups.h"
 #include "tests/program/test_program.h"
 
-#include <QElapsedTimer>
 #include <QMap>
 #include <QTest>
 
@@ -27,7 +26,7 @@ using namespace std::chrono_literals;
 namespace {
 
 const QByteArray usualPulse("\x1bp\0\x19\xfa", 5);
-constexpr int patience = 10'000;
+constexpr int patience = 30'000;
 
 DrawerSettings switchedOn(const QString &queue = u"till"_s)
 {
@@ -37,11 +36,18 @@ DrawerSettings switchedOn(const QString &queue = u"till"_s)
     return settings;
 }
 
-DrawerOptions quick()
+DrawerOptions patient()
 {
     DrawerOptions options;
-    options.deadline = 300ms;
     options.pause = 10ms;
+    return options;
+}
+
+/// For a service or a printer that does not answer; one that does has to within this time.
+DrawerOptions quick()
+{
+    DrawerOptions options = patient();
+    options.deadline = 1s;
     return options;
 }
 
@@ -202,7 +208,7 @@ void DrawerJobTest::nothingHappensWhileItIsOff()
 void DrawerJobTest::printerGetsFiveBytes()
 {
     m_service.setTakenAfter(2);
-    const auto one = drawer(switchedOn(), quick());
+    const auto one = drawer(switchedOn(), patient());
     one->open();
     QCOMPARE(m_told, QStringList()); // nothing waits
     QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{QString()}, patience);
@@ -216,7 +222,7 @@ void DrawerJobTest::printerGetsFiveBytes()
 void DrawerJobTest::anotherService()
 {
     m_service.answerLp(u"cat >/dev/null; echo queued"_s);
-    const auto one = drawer(switchedOn(), quick());
+    const auto one = drawer(switchedOn(), patient());
     one->open();
     QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{QString()}, patience);
     QCOMPARE(m_service.calls().size(), 1);
@@ -231,7 +237,7 @@ void DrawerJobTest::failures_data()
     QTest::newRow("refused") << u"till"_s << u"echo 'lp: not accepting jobs' >&2; exit 1"_s
                              << u"lp: not accepting jobs"_s;
     QTest::newRow("silent") << u"till"_s << u"exit 3"_s << u"lp failed with 3"_s;
-    QTest::newRow("hangs") << u"till"_s << u"exec sleep 60"_s << u"no answer within 0.3 s"_s;
+    QTest::newRow("hangs") << u"till"_s << u"exec sleep 60"_s << u"no answer within 1 s"_s;
     QTest::newRow("missing") << u"till"_s << u"-"_s << u"lp: "_s;
 }
 
@@ -242,9 +248,7 @@ void DrawerJobTest::failures()
     QFETCH(QString, reason);
     const testing::LogCapture log;
     m_service.answerLp(lp);
-    const auto one = drawer(switchedOn(queue), quick());
-    QElapsedTimer time;
-    time.start();
+    const auto one = drawer(switchedOn(queue), reason.startsWith(u"no answer"_s) ? quick() : patient());
     one->open();
     QVERIFY(m_told.isEmpty());
     QTRY_COMPARE_WITH_TIMEOUT(m_told.size(), 1, patience);
@@ -262,7 +266,7 @@ void DrawerJobTest::printerThatDoesNotTakeItLosesTheJob()
     m_service.setTakenAfter(-1);
     const auto one = drawer(switchedOn(), quick());
     one->open();
-    QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{u"the printer has not taken it within 0.3 s"_s}, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{u"the printer has not taken it within 1 s"_s}, patience);
     QCOMPARE(m_service.calls().last(), u"cancel till-7"_s);
 }
 
@@ -273,8 +277,7 @@ void DrawerJobTest::jobThatCannotBeWithdrawnIsTold()
     const auto one = drawer(switchedOn(), quick());
     one->open();
     QTRY_COMPARE_WITH_TIMEOUT(
-        m_told, QStringList{u"the printer has not taken it within 0.3 s, and may still do so (cancel: no)"_s},
-        patience);
+        m_told, QStringList{u"the printer has not taken it within 1 s, and may still do so (cancel: no)"_s}, patience);
 }
 
 void DrawerJobTest::endOfTheProgramHandsItOver()
@@ -307,11 +310,11 @@ void DrawerJobTest::realQueue()
     QCOMPARE(printer.received(), usualPulse);
 
     printer.switchOff();
-    options.deadline = 1s;
+    options.deadline = 3s;
     const auto dead = drawer(switchedOn(u"drawer"_s), options);
     dead->open();
     QTRY_COMPARE_WITH_TIMEOUT(m_told.size(), 2, patience);
-    QCOMPARE(m_told.last(), u"the printer has not taken it within 1 s"_s);
+    QCOMPARE(m_told.last(), u"the printer has not taken it within 3 s"_s);
     QVERIFY2(!cups.waitingJobs().contains(u"drawer-"_s), qPrintable(cups.waitingJobs()));
 
     cups.hangService();

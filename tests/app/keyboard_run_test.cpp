@@ -107,12 +107,13 @@ void KeyboardRunTest::firstStartAndLogin()
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"passwordAgain"_s).toUpper(), u"TILL"_s, 30000);
     m_screen.press(key(u"Enter"_s));
 
-    QTRY_VERIFY2_WITH_TIMEOUT(isAbove(program, u"Command28"_s), qPrintable(program.errors()), 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Text3"_s, 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Command28"_s) && keyboardIsDrawn(), 30000);
     tap(u"ADMINISTRATOR"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text3"_s), u"ADMINISTRATOR"_s, 30000);
     m_screen.press(key(u"Enter"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Text4"_s, 30000);
-    QVERIFY(isAbove(program, u"Text4"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Text4"_s) && keyboardIsDrawn(), 30000);
     tap(u"TILL"_s);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"Text4"_s).toUpper(), u"TILL"_s, 30000);
     QVERIFY(program.press(u"Command28"_s)); // the button stays in place until it is released
@@ -142,6 +143,7 @@ void KeyboardRunTest::keyboardComesBackAfterALogout()
     RunningProgram program(bare, m_home.path());
     QVERIFY(program.start({u"--touch-keyboard"_s, u"--database"_s, store}));
     QTRY_VERIFY_WITH_TIMEOUT(isAbove(program, u"Command28"_s), 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"Text3"_s, 30000);
     bare.type(u"administrator"_s);
     bare.key(u"Return"_s);
     bare.type(u"secret"_s);

@@ -117,6 +117,7 @@ void ManagerTrialTest::importList(RunningProgram &office)
     for (const QString &step : steps) {
         QTRY_VERIFY2_WITH_TIMEOUT(office.text(u"importHeading"_s).startsWith(step),
                                   qPrintable(office.text(u"importOutcome"_s)), 30000);
+        QVERIFY(office.awaitKeysOf(u"importNext"_s));
         if (step != steps.constLast())
             m_screen->key(u"Return"_s);
     }

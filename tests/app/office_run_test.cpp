@@ -108,6 +108,7 @@ void OfficeRunTest::newCashierLogsInAtTheOpenTill()
         m_screen.key(u"Return"_s);
         QTRY_COMPARE_WITH_TIMEOUT(office.text(u"chosenUser"_s), u"CLARA"_s, 30000);
 
+        QVERIFY(office.awaitKeysOf(u"addUser"_s));
         m_screen.key(u"alt+r"_s);
         enter(office, u"receiptTitle"_s, u"corner shop"_s);
         QVERIFY(office.press(u"saveReceipt"_s));

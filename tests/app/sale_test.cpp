@@ -239,7 +239,9 @@ void SaleTest::whatIsLostOutsideTheDatabaseIsShown()
 
     // The till's own texts are unchanged; the reason stands in the notice beside them.
     QVERIFY(program.press(u"failureDismiss"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(!program.has(u"failureNotice"_s), 30000);
     QVERIFY(program.press(u"TabStrip1"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(program.focus(), u"TabStrip1"_s, 30000);
     m_screen.key(u"End"_s);
     QVERIFY(program.press(u"Command18"_s));
     QTRY_COMPARE_WITH_TIMEOUT(program.text(u"StatusBar1_2"_s), u"Setting Saved!"_s, 30000);
@@ -267,8 +269,10 @@ void SaleTest::waitForALockIsSaid()
     logIn(program, u"administrator"_s, u"pass1"_s);
     QVERIFY(!program.has(u"openingText"_s));
 
+    QVERIFY(program.awaitKeysOf(u"Command1_0"_s));
     const QPoint card = program.place(u"Command1_0"_s);
-    QVERIFY(m_screen.count(accent, place) >= 0 && m_screen.count(accent, place) < most / 4);
+    const auto seen = [&] { return m_screen.count(accent, place); };
+    QTRY_VERIFY_WITH_TIMEOUT(seen() >= 0 && seen() < most / 4, 30000);
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));
     m_screen.press(card);
     QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) > most, 9000);
@@ -294,7 +298,7 @@ void SaleTest::waitBeforeTheWindowIsSaid()
     QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) > most, 9000);
     QVERIFY(!runSql(other.get(), u"ROLLBACK"_s));
     logIn(program, u"administrator"_s, u"pass1"_s);
-    QVERIFY(m_screen.count(accent, place) < most / 4);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.count(accent, place) < most / 4, 30000);
     closeWindow(program);
     QCOMPARE(column(store(), u"SELECT count(*) FROM StoreSettings"_s), QStringList{u"1"_s});
 }

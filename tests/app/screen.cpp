@@ -56,6 +56,7 @@ bool Screen::start(const QString &size, Manager manager)
         number += m_server.readAllStandardOutput();
     }
     m_display = u':' + QString::fromLatin1(number.trimmed());
+    letKeysRepeat(false);
     if (manager == Manager::None)
         return true;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -75,6 +76,17 @@ void Screen::input(const QStringList &arguments) const
     tool.start(u"xdotool"_s, arguments);
     QVERIFY2(tool.waitForFinished(patience), qPrintable(arguments.join(u' ')));
     QCOMPARE(tool.exitCode(), 0);
+}
+
+void Screen::letKeysRepeat(bool repeat) const
+{
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> server(
+        xcb_connect(m_display.toLatin1().constData(), nullptr), &xcb_disconnect);
+    const quint32 mode = repeat ? XCB_AUTO_REPEAT_MODE_ON : XCB_AUTO_REPEAT_MODE_OFF;
+    const auto asked = xcb_change_keyboard_control_checked(server.get(), XCB_KB_AUTO_REPEAT_MODE, &mode);
+    const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> error(xcb_request_check(server.get(), asked),
+                                                                           &std::free);
+    QVERIFY(!error && xcb_connection_has_error(server.get()) == 0);
 }
 
 void Screen::press(const QPoint &place) const
@@ -117,12 +129,14 @@ int Screen::count(QRgb colour, const QRect &part) const
 
 void Screen::keyDown(const QString &name) const
 {
+    letKeysRepeat(true);
     input({u"keydown"_s, name});
 }
 
 void Screen::keyUp(const QString &name) const
 {
     input({u"keyup"_s, name});
+    letKeysRepeat(false);
 }
 
 void Screen::moveTo(const QPoint &place) const
@@ -243,6 +257,11 @@ bool RunningProgram::press(const QPoint &place)
         return true;
     qWarning("A press at %d, %d does not arrive", place.x(), place.y());
     return false;
+}
+
+bool RunningProgram::awaitKeysOf(const QString &name)
+{
+    return QTest::qWaitFor([&] { return has(name); }, patience);
 }
 
 QPoint RunningProgram::place(const QString &name)

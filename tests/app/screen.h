@@ -33,6 +33,8 @@ public:
     void key(const QString &name) const;
     /// How many pixels of that part of the screen have this colour now; -1 when it cannot be read.
     [[nodiscard]] int count(QRgb colour, const QRect &part) const;
+    /// Holds a key down until keyUp(); meanwhile it repeats. Else keys do not, as a server that stands still for a
+    /// while would repeat one that is released already.
     void keyDown(const QString &name) const;
     void keyUp(const QString &name) const;
     void moveTo(const QPoint &place) const;
@@ -44,6 +46,7 @@ public:
 
 private:
     void input(const QStringList &arguments) const;
+    void letKeysRepeat(bool repeat) const;
 
     QProcess m_server;
     QProcess m_manager;
@@ -74,6 +77,9 @@ public:
     [[nodiscard]] bool press(const QPoint &place);
     /// True when the control is there now.
     [[nodiscard]] bool has(const QString &name) { return ask(QStringLiteral("where ") + name) != QLatin1String("-"); }
+    /// Waits until the control is there and its window has the keys: a window manager gives them to it a while after
+    /// the window before it has closed.
+    [[nodiscard]] bool awaitKeysOf(const QString &name);
     /// The middle of the control on the screen; (-1, -1) while it is not there.
     [[nodiscard]] QPoint place(const QString &name);
     [[nodiscard]] QString text(const QString &name) { return ask(QStringLiteral("text ") + name); }
