@@ -60,7 +60,7 @@ private Q_SLOTS:
             QVERIFY(!helper.isSettled());
             if (blocking)
                 helper.wait(30s);
-            QTRY_VERIFY(helper.isSettled());
+            QTRY_VERIFY_WITH_TIMEOUT(helper.isSettled(), 30000);
             QCOMPARE(m_calls, 1);
             QTEST(m_outcome->succeeded, "succeeded");
             QTEST(m_outcome->output, "output");
@@ -74,13 +74,13 @@ private Q_SLOTS:
         const QByteArray bytes("\x1bp\0\x19", 4);
         helper.setInput(bytes);
         start(helper, u"cat"_s);
-        QTRY_VERIFY(helper.isSettled());
+        QTRY_VERIFY_WITH_TIMEOUT(helper.isSettled(), 30000);
         QCOMPARE(m_outcome->output, bytes);
         // One that reads nothing of it is no failure.
         HelperProcess deaf(nullptr);
         deaf.setInput(QByteArray(1'000'000, 'x'));
         start(deaf, u"exec true"_s);
-        QTRY_VERIFY(deaf.isSettled());
+        QTRY_VERIFY_WITH_TIMEOUT(deaf.isSettled(), 30000);
         QVERIFY2(m_outcome->succeeded, qPrintable(m_outcome->reason));
     }
 
@@ -88,7 +88,7 @@ private Q_SLOTS:
     {
         HelperProcess helper(nullptr);
         helper.start(u"no-such-program"_s, {}, 30s, [this](const auto &outcome) { m_outcome = outcome; });
-        QTRY_VERIFY(m_outcome);
+        QTRY_VERIFY_WITH_TIMEOUT(m_outcome, 30000);
         QVERIFY(!m_outcome->succeeded);
         QVERIFY(m_outcome->reason.startsWith(u"no-such-program: "_s));
     }
@@ -97,7 +97,7 @@ private Q_SLOTS:
     {
         HelperProcess helper(nullptr);
         start(helper, u"exec sleep 60"_s, 50ms);
-        QTRY_VERIFY(helper.isSettled());
+        QTRY_VERIFY_WITH_TIMEOUT(helper.isSettled(), 30000);
         QVERIFY(!m_outcome->succeeded);
         QCOMPARE(m_outcome->reason, u"no answer within 0.05 s"_s);
         QTest::qWait(0);
@@ -127,7 +127,7 @@ private Q_SLOTS:
         auto *const helper = new HelperProcess(this);
         const QPointer<HelperProcess> guard(helper);
         helper->start(u"true"_s, {}, 30s, [helper](const auto &) { helper->deleteLater(); });
-        QTRY_VERIFY(!guard);
+        QTRY_VERIFY_WITH_TIMEOUT(!guard, 30000);
     }
 };
 
