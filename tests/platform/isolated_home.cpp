@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -48,11 +49,14 @@ void IsolatedHome::clear() const
 
 void IsolatedHome::addProgram(const QString &name, const QString &script) const
 {
-    QFile file(m_programs.filePath(name));
+    // In the place of one that may be running just now: a shell reads its script as it goes.
+    QSaveFile file(m_programs.filePath(name));
     if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write a test program");
     file.write("#!/bin/sh\n" + script.toUtf8() + '\n');
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (!file.commit())
+        qFatal("cannot write a test program");
 }
 
 void IsolatedHome::removePrograms() const
