@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -76,11 +77,13 @@ QByteArray FalsePrintService::printed() const
 
 void FalsePrintService::write(const QString &program, const QString &script) const
 {
-    QFile file(m_folder.filePath(program));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    QSaveFile file(m_folder.filePath(program)); // in the place of one that may be running
+    if (!file.open(QIODevice::WriteOnly))
         qFatal("A false program cannot be written");
     file.write(u"#!/bin/sh\necho %1 \"$@\" >>%2/calls\n%3\n"_s.arg(program, m_folder.path(), script).toUtf8());
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (!file.commit())
+        qFatal("A false program cannot be written");
 }
 
 } // namespace harrowby::app::test

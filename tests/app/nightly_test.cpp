@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -93,11 +94,11 @@ QStringList NightlyTest::calls() const
 
 void NightlyTest::falsify(const QString &program, const QString &script) const
 {
-    QFile file(path(u"bin/"_s + program));
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QSaveFile file(path(u"bin/"_s + program)); // in the place of one that may be running
+    QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(u"#!/bin/sh\necho \"%1 $*\" >> '%2'\n%3\n"_s.arg(program, path(u"calls"_s), script).toUtf8());
-    file.close();
     QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QVERIFY(file.commit());
 }
 
 void NightlyTest::wordsAreQuoted_data()
