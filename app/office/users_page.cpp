@@ -252,7 +252,6 @@ void UsersPage::showUser()
     m_roles->mark(user != nullptr && !locked ? roleWith(user->rights) : nullptr);
     m_roles->setDisabled(locked);
     m_password->setEnabled(user != nullptr);
-    // Who may have every other type needs none but to be able to log in.
     m_type->setEnabled(user != nullptr && (!locked || !user->hasType || noTypeWords(user->name, user->type)));
     if (user != nullptr)
         showType(*user);
