@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/export_pane.h"
-#include "app/export/list_form.h"
 
 #include "app/backup/backup_names.h"
 #include "app/boxes/office_box.h"
 #include "app/exchange/kind_words.h"
 #include "app/exchange/save_place.h"
+#include "app/export/list_form.h"
 #include "app/records/deeds.h"
 #include "app/shop/failure_text.h"
 #include "theme/dialogs.h"
@@ -179,9 +179,9 @@ void ExportPane::begin()
 
 void ExportPane::readForm()
 {
-    const CsvForm form = savedListForm(m_records);
-    m_separator->setCurrentIndex(m_separator->findData(form.separator));
-    m_decimalSign->setCurrentIndex(m_decimalSign->findData(form.decimalSign));
+    m_form = savedListForm(m_records);
+    m_separator->setCurrentIndex(m_separator->findData(m_form.separator));
+    m_decimalSign->setCurrentIndex(m_decimalSign->findData(m_form.decimalSign));
 }
 
 void ExportPane::followChoices()
@@ -203,7 +203,7 @@ ExportRequest ExportPane::request() const
 {
     ExportRequest request;
     request.kind = static_cast<ExportKind>(m_kind->currentData().toInt());
-    request.form = savedListForm(m_records);
+    request.form = m_form;
     request.form.separator = m_separator->currentData().toChar();
     request.form.decimalSign = m_decimalSign->currentData().toChar();
     if (request.kind == ExportKind::Purchases && !m_allDays->isChecked()) {

@@ -54,6 +54,7 @@ private:
     WorkJob &m_job;
     std::function<QString()> m_loss;
     QString m_offered; ///< the place that was proposed
+    CsvForm m_form;    ///< of the last list, as it was read when the pane was opened
     QComboBox *m_kind = nullptr;
     QComboBox *m_separator = nullptr;
     QComboBox *m_decimalSign = nullptr;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "app/exchange/import_list_panel.h"
-#include "app/export/list_form.h"
 
 #include "app/backup/backup_names.h"
 #include "app/boxes/office_box.h"
@@ -9,6 +8,7 @@
 #include "app/exchange/import_work.h"
 #include "app/exchange/kind_words.h"
 #include "app/exchange/save_place.h"
+#include "app/export/list_form.h"
 #include "app/work/work_strip.h"
 
 #include <QComboBox>

@@ -337,6 +337,9 @@ void CataloguePageTest::exportFillsAnEmptyStoreAsItStands()
     part<QLineEdit>("exportPlace")->setText(path);
     press("exportNow");
     QTRY_VERIFY(text("exportOutcome").startsWith(u"\u2713 2 rows saved: "_s));
+    QFile out(path);
+    QVERIFY(out.open(QIODevice::ReadOnly));
+    QVERIFY(out.read(3) == "\xef\xbb\xbf");
     press("exportBack");
     run(u"DELETE FROM StockList"_s);
     drop({path});
@@ -427,7 +430,9 @@ void CataloguePageTest::purchasesAreTheAdministrators()
     QVERIFY(part<QComboBox>("exportKind")->findText(u"Purchases"_s) >= 0);
     press("beginExport");
     QVERIFY(!part<QWidget>("exportFrom")->isVisible());
+    const auto asked = m_records->texts.size();
     chooseEntry("exportKind", u"Purchases"_s);
+    QCOMPARE(m_records->texts.size(), asked); // a choice asks the store nothing
     QVERIFY(part<QWidget>("exportFrom")->isVisible());
     QVERIFY(part<QLineEdit>("exportPlace")->text().contains(u"/purchases-"_s));
     part<QCheckBox>("exportAllDays")->setChecked(true);

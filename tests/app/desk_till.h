@@ -14,8 +14,8 @@
 
 namespace harrowby::app::test {
 
-/// The store program's till "DESK 1" at the real window of a shop, anew for each test function. Boxes
-/// that no test answers are answered with yes. It keeps the ID of the last purchase, as texts name it.
+/// The store program's till "DESK 1" at the real window of a shop, anew for each test function. Boxes that
+/// no test answers are answered with yes. It keeps the ID of the last purchase, as texts name it.
 class DeskTill : public QObject
 {
     Q_OBJECT
