@@ -76,6 +76,7 @@ expect_refusal("low may not use Qt Widgets" src/low/text.cpp "#include <QWidget>
 expect_refusal("low may not use Qt Gui" src/low/text.cpp "#include <QtGui/QPainter>\n")
 expect_refusal("no known module of Qt has it" src/low/text.cpp "#include <QNowhere>\n")
 expect_refusal("low may not use sqlite3" src/low/text.cpp "#include <sqlite3.h>\n")
+expect_refusal("low may not use libpq" src/low/text.cpp "#include <libpq-fe.h>\n")
 expect_refusal("window may not use xcb" src/window/a.h "#include <xcb/xcb.h>\n")
 expect_refusal("low may not use system" src/low/text.cpp "#include <sys/stat.h>\n")
 expect_refusal("neither" src/low/text.cpp "#include HEADER\n")

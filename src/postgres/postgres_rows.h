@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "postgres/server_error.h"
+#include "postgres/server_result.h"
+#include "postgres/server_waits.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <cstdint>
+#include <optional>
+
+namespace harrowby {
+
+namespace postgres {
+class ServerLink;
+}
+
+/// The rows of a SELECT, one by one as the server sends them. Meanwhile the session runs nothing else. It must not
+/// outlive its session.
+class PgRows
+{
+public:
+    enum class Step { Row, Done, Failed };
+
+    PgRows(PgRows &&other) noexcept;
+    PgRows &operator=(PgRows &&) = delete;
+    PgRows(const PgRows &) = delete;
+    PgRows &operator=(const PgRows &) = delete;
+    /// Rows that were not fetched are given up: the statement is cancelled and the transaction that its text began
+    /// rolled back. When that takes long, the session is closed.
+    ~PgRows();
+
+    /// The result's columns; known from the start, also when it has no rows.
+    [[nodiscard]] int columnCount() const { return m_row.columnCount(); }
+    [[nodiscard]] QByteArray columnName(int column) const { return m_row.columnName(column); }
+    [[nodiscard]] std::uint32_t columnType(int column) const { return m_row.columnType(column); }
+
+    /// To the next row; it begins before the first one. Done again after Done, and Failed after Failed.
+    [[nodiscard]] Step next();
+    /// After Done: to the rows of the next SELECT of the text, if there is one; what gives no rows is passed over.
+    [[nodiscard]] bool nextSelect();
+    [[nodiscard]] bool isNull(int column) const { return m_row.isNull(0, column); }
+    /// Of the current row, good until the next step; empty for null.
+    [[nodiscard]] QByteArrayView text(int column) const { return m_row.text(0, column); }
+    /// Set once a step has failed.
+    [[nodiscard]] const std::optional<PgError> &error() const { return m_error; }
+
+private:
+    friend class PgSession;
+    PgRows(postgres::ServerLink &link, std::chrono::milliseconds answer, bool beganIdle);
+
+    void fetch();
+    void fail(const PgError &error);
+    void finishText();
+
+    postgres::ServerLink *m_link; ///< null once there is nothing left to fetch
+    std::chrono::milliseconds m_answer;
+    bool m_beganIdle;
+    PgResult m_row;         ///< one row, or the end of a SELECT, which has its columns
+    bool m_isAhead = false; ///< m_row is what next() is to step to
+    bool m_isDone = false;  ///< with this SELECT
+    std::optional<PgError> m_error;
+};
+
+} // namespace harrowby

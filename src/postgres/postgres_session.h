@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "basic/result.h"
+#include "postgres/postgres_rows.h"
+#include "postgres/server_error.h"
+#include "postgres/server_result.h"
+#include "postgres/server_target.h"
+#include "postgres/server_waits.h"
+
+#include <QByteArray>
+
+#include <memory>
+
+namespace harrowby {
+
+/// One connection to a PostgreSQL server, on which statements run one after the other. Each call returns when it is
+/// done, and within its time whatever the server does: it never blocks in between for more than 50 ms without calling
+/// the hook. Used on one thread at a time.
+///
+/// A session that is lost stays so; connect() makes a new one in its place.
+class PgSession
+{
+public:
+    PgSession();
+    ~PgSession();
+    PgSession(PgSession &&) noexcept;
+    PgSession &operator=(PgSession &&) noexcept;
+
+    /// Closes what is open, and connects. The session is then as a store needs it: UTF-8, numbers and dates in their
+    /// usual form, the store's schema first, synchronous_commit as the server has it. A database that no store can be
+    /// in is refused (PgError::Kind::Unfit).
+    [[nodiscard]] Result<void, PgError> connect(const PgTarget &target, const PgWaits &waits);
+    /// Closes the connection. What is under way is not cancelled: a write that waits for its standby goes on waiting.
+    void close();
+    /// Whether there is no usable connection: before connect(), after close(), and once it has broken or was given up.
+    [[nodiscard]] bool isLost() const;
+    /// Looks, without waiting, whether the server has ended the connection meanwhile.
+    [[nodiscard]] bool hasEnded();
+    [[nodiscard]] const PgServer &server() const;
+    /// Within BEGIN and COMMIT, or failed and to be rolled back.
+    [[nodiscard]] bool isInTransaction() const;
+
+    /// Runs statements, sent together in one round trip: outside a transaction all or none of them is done. The time
+    /// for others' locks is given by the server's own limit, in pieces shorter than the time for an answer: so a lock
+    /// is never taken for a server that says nothing. What was refused for a lock or as a deadlock's victim is sent
+    /// again until that time is over, when it began outside a transaction.
+    [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements, const PgBudget &budget);
+    [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements); ///< with the waits of connect()
+
+    /// Starts a SELECT, or several statements with the last of its rows in mind, whose rows are fetched one by one. The
+    /// columns are there when it returns.
+    [[nodiscard]] Result<PgRows, PgError> walk(const QByteArray &statements, const PgBudget &budget);
+    [[nodiscard]] Result<PgRows, PgError> walk(const QByteArray &statements);
+
+private:
+    [[nodiscard]] PgBudget usualBudget() const;
+    [[nodiscard]] std::optional<PgError> refusal(const QByteArray &statements);
+
+    PgWaits m_waits;
+    PgServer m_server;
+    std::unique_ptr<postgres::ServerLink> m_link; ///< null: none
+};
+
+} // namespace harrowby

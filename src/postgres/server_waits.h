@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+
+#include <chrono>
+#include <functional>
+#include <vector>
+
+#include <poll.h>
+
+namespace harrowby {
+
+/// What the server is waited for.
+enum class PgWaiting {
+    Connection,
+    Answer,
+    Lock, ///< the server has said that another connection holds what is wanted
+};
+
+/// Called on the waiting thread again and again, at most 50 ms apart, for as long as a wait lasts: it paints, takes no
+/// input but "Give up", and returns whether to go on waiting. It must not use the session. Statements that are answered
+/// at once never call it.
+using PgWaitHook = std::function<bool(PgWaiting)>;
+
+/// How long a session waits, each time.
+struct PgWaits
+{
+    std::chrono::milliseconds connecting{2000}; ///< all of it: names, every host, TLS, password, questions
+    /// Of several hosts: once one that takes writes has answered, how long the others are waited for still.
+    std::chrono::milliseconds otherHosts{500};
+    std::chrono::milliseconds answer{5000}; ///< a server that says nothing to a statement
+    std::chrono::milliseconds lock{10000};  ///< another's lock
+    PgWaitHook hook;
+};
+
+/// How long one statement may take.
+struct PgBudget
+{
+    /// Silence of the server; whatever comes from it begins the time anew.
+    std::chrono::milliseconds answer{5000};
+    /// Another's lock. What is left of an action's time for it.
+    std::chrono::milliseconds lock{10000};
+};
+
+namespace postgres {
+
+/// Waits for sockets and calls the hook meanwhile.
+class Waiter
+{
+public:
+    enum class End { Ready, TimedOut, GivenUp };
+
+    Waiter(const PgWaitHook &hook, PgWaiting what);
+    /// Until one of `sockets` is ready; each has then its `revents`. None may be given.
+    [[nodiscard]] End wait(std::vector<pollfd> &sockets, const QDeadlineTimer &deadline);
+    [[nodiscard]] End wait(pollfd &socket, const QDeadlineTimer &deadline);
+
+private:
+    [[nodiscard]] End wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline);
+    [[nodiscard]] bool goesOn();
+
+    const PgWaitHook &m_hook;
+    PgWaiting m_what;
+    QElapsedTimer m_sinceHook;
+};
+
+} // namespace postgres
+} // namespace harrowby
