@@ -8,7 +8,9 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace harrowby {
@@ -17,19 +19,19 @@ namespace postgres {
 class ServerLink;
 }
 
-/// The rows of a SELECT, one by one as the server sends them. Meanwhile the session runs nothing else. It must not
-/// outlive its session.
+/// The rows of a SELECT, one by one as the server sends them. As long as this object is there, its session runs nothing
+/// else. A session that is closed, or connected anew, takes the rows away.
 class PgRows
 {
 public:
     enum class Step { Row, Done, Failed };
 
-    PgRows(PgRows &&other) noexcept;
+    PgRows(PgRows &&) noexcept;
     PgRows &operator=(PgRows &&) = delete;
     PgRows(const PgRows &) = delete;
     PgRows &operator=(const PgRows &) = delete;
     /// Rows that were not fetched are given up: the statement is cancelled and the transaction that its text began
-    /// rolled back. When that takes long, the session is closed.
+    /// rolled back. When the server says nothing to that for a second, the session is closed.
     ~PgRows();
 
     /// The result's columns; known from the start, also when it has no rows.
@@ -49,13 +51,13 @@ public:
 
 private:
     friend class PgSession;
-    PgRows(postgres::ServerLink &link, std::chrono::milliseconds answer, bool beganIdle);
+    PgRows(std::shared_ptr<postgres::ServerLink> link, std::chrono::milliseconds answer, bool beganIdle);
 
     void fetch();
     void fail(const PgError &error);
     void finishText();
 
-    postgres::ServerLink *m_link; ///< null once there is nothing left to fetch
+    std::shared_ptr<postgres::ServerLink> m_link; ///< null once there is nothing left to fetch
     std::chrono::milliseconds m_answer;
     bool m_beganIdle;
     PgResult m_row;         ///< one row, or the end of a SELECT, which has its columns

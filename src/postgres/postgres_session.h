@@ -59,7 +59,7 @@ private:
 
     PgWaits m_waits;
     PgServer m_server;
-    std::unique_ptr<postgres::ServerLink> m_link; ///< null: none
+    std::shared_ptr<postgres::ServerLink> m_link; ///< null: none. Shared with the rows that are being fetched
 };
 
 } // namespace harrowby

@@ -45,10 +45,10 @@ namespace postgres {
 
 /// Of a server's error: what its five characters mean.
 [[nodiscard]] PgError::Kind kindOf(const QByteArray &sqlState);
-/// Whether these five characters say that the connection has ended.
-[[nodiscard]] bool endsConnection(const QByteArray &sqlState);
 /// Of a result that failed.
 [[nodiscard]] PgError errorOf(const pg_result *result);
+/// The same, of a server's error while a session is being made.
+[[nodiscard]] PgError connectError(const pg_result *result);
 /// What libpq says about a connection that could not be made; `duringTls` when it was about to be encrypted.
 [[nodiscard]] PgError connectError(const QByteArray &message, bool duringTls);
 /// What libpq says about a connection that has broken. `wasSent`: whether a statement had been sent.

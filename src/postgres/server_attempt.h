@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "postgres/aside.h"
+#include "postgres/server_choice.h"
+#include "postgres/server_link.h"
+#include "postgres/server_target.h"
+
+#include <QByteArray>
+
+#include <memory>
+#include <optional>
+
+namespace harrowby::postgres {
+
+/// One host's way to a usable connection: its addresses, the connection, and what the server says about itself. Goes on
+/// in steps that never block.
+class ServerAttempt
+{
+public:
+    /// `options` are those of connectOptions().
+    ServerAttempt(ConnectOptions options, Host host, const PgTarget &target, const PgWaits &waits);
+
+    [[nodiscard]] bool isUnderWay() const { return m_state < State::Known; }
+    [[nodiscard]] bool isKnown() const { return m_state == State::Known; }
+    /// What it waits for.
+    [[nodiscard]] pollfd wanted() const;
+    /// Goes on after that.
+    void advance();
+    /// Its time is over.
+    void expire();
+
+    [[nodiscard]] const Host &host() const { return m_host; }
+    /// Once it isKnown().
+    [[nodiscard]] const ServerFacts &facts() const { return m_facts; }
+    [[nodiscard]] std::unique_ptr<ServerLink> takeLink() { return std::move(m_link); }
+    /// Once it is neither under way nor known.
+    [[nodiscard]] const PgError &error() const { return m_error; }
+
+private:
+    enum class State { Resolving, Connecting, Asking, Known, Failed };
+
+    void takeAddresses();
+    void begin();
+    void connectOn();
+    void ask();
+    void takeAnswers();
+    void takeAnswer(const PgResult &result);
+    void fail(PgError error);
+
+    ConnectOptions m_options;
+    Host m_host;
+    PgTarget m_target;
+    PgWaitHook m_hook;
+    std::chrono::milliseconds m_lockLimit;
+    State m_state = State::Connecting;
+    std::optional<Aside<PgAddresses>> m_lookup;
+    std::unique_ptr<ServerLink> m_link;
+    bool m_wantsToWrite = true;
+    int m_answers = 0; ///< results with rows so far
+    ServerFacts m_facts;
+    PgError m_error;
+};
+
+/// The server's own limit for a lock that goes with a time for an answer: the server speaks first.
+[[nodiscard]] std::chrono::milliseconds lockLimit(std::chrono::milliseconds answer);
+
+} // namespace harrowby::postgres

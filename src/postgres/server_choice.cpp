@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/server_choice.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::postgres {
+
+namespace {
+
+using Kind = PgError::Kind;
+
+/// 15.0.
+constexpr int leastVersion = 150000;
+
+bool isPlain(const QByteArray &locale)
+{
+    return locale == "C" || locale == "POSIX";
+}
+
+PgError unfit(const QString &text)
+{
+    return {Kind::Unfit, {}, text};
+}
+
+/// Of several hosts' failures: what a person has to mend comes first, what may pass by itself last.
+int weight(Kind kind)
+{
+    constexpr std::array order{Kind::CannotConnect, Kind::ReadOnly, Kind::Starting,
+                               Kind::Crowded,       Kind::Denied,   Kind::NotTrusted};
+    return static_cast<int>(std::find(order.begin(), order.end(), kind) - order.begin());
+}
+
+} // namespace
+
+std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, quint32 leastTimeline)
+{
+    quint32 newest = leastTimeline;
+    for (const ServerFacts &facts : servers)
+        newest = std::max(newest, facts.server.timeline);
+    for (qsizetype i = 0; i < servers.size(); ++i) {
+        if (!servers[i].server.isReadOnly && servers[i].server.timeline == newest)
+            return i;
+    }
+    return {};
+}
+
+std::optional<PgError> tooOld(const ServerFacts &facts)
+{
+    if (facts.server.version >= leastVersion)
+        return {};
+    return unfit(u"The server is PostgreSQL %1; a store needs 15 or newer"_s.arg(facts.server.version / 10000));
+}
+
+std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion)
+{
+    const QString database = QString::fromUtf8(facts.database);
+    if (facts.encoding != "UTF8")
+        return unfit(u"The database \"%1\" has the encoding %2; a store needs UTF8"_s.arg(
+            database, QString::fromUtf8(facts.encoding)));
+    if (!isPlain(facts.collation) || !isPlain(facts.letters))
+        return unfit(u"The database \"%1\" has the locale %2; a store needs C"_s.arg(
+            database, QString::fromUtf8(isPlain(facts.collation) ? facts.letters : facts.collation)));
+    if (facts.schemaVersion >= schemaVersion)
+        return {};
+    if (facts.schemaState == "42501")
+        return PgError{Kind::Denied, facts.schemaState, u"This user may not use the store in \"%1\""_s.arg(database)};
+    if (facts.schemaVersion == 0)
+        return unfit(u"There is no store in the database \"%1\""_s.arg(database));
+    return unfit(u"The store in the database \"%1\" is older than this program and has to be updated"_s.arg(database));
+}
+
+PgError nothingChosen(const QList<PgError> &failures)
+{
+    PgError most{Kind::CannotConnect, {}, u"No server was named"_s};
+    QStringList texts;
+    int highest = -1;
+    for (const PgError &failure : failures) {
+        texts.append(failure.text);
+        if (weight(failure.kind) <= highest)
+            continue;
+        highest = weight(failure.kind);
+        most = failure;
+    }
+    if (!texts.isEmpty())
+        most.text = texts.join(u"; "_s);
+    return most;
+}
+
+PgError notChosen(const ServerFacts &facts, const QString &label)
+{
+    const QString why = facts.server.isReadOnly ? u"%1 takes no writes"_s : u"%1 has been replaced by another server"_s;
+    return {Kind::ReadOnly, {}, why.arg(label)};
+}
+
+} // namespace harrowby::postgres

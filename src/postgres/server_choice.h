@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "postgres/server_target.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <optional>
+
+/// Which of several servers a store is on, and whether it can be on it. Pure; server_search.h asks the servers.
+namespace harrowby::postgres {
+
+/// What a server says about itself and the database.
+struct ServerFacts
+{
+    PgServer server;
+    QByteArray database;
+    QByteArray collation; ///< of its order
+    QByteArray letters;   ///< of what is a capital
+    QByteArray encoding;
+    int schemaVersion = 0;      ///< 0: no store is in it
+    QByteArray schemaState;     ///< the server's five characters when it did not tell the version
+};
+
+/// Index of the one to work on: it takes writes, and no other one has been promoted after it. A primary that has been
+/// replaced still takes writes, but is on an older timeline than its successor, and than a standby of that. Empty when
+/// there is none.
+[[nodiscard]] std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, quint32 leastTimeline);
+
+/// Why a server of that version cannot be asked any further; empty when it can.
+[[nodiscard]] std::optional<PgError> tooOld(const ServerFacts &facts);
+/// Why no store can be there; empty when it can.
+[[nodiscard]] std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion);
+
+/// Why nothing was chosen: what each of the hosts came to, in one line, and the kind that says most.
+[[nodiscard]] PgError nothingChosen(const QList<PgError> &failures);
+/// Of one that has answered and was not chosen.
+[[nodiscard]] PgError notChosen(const ServerFacts &facts, const QString &label);
+
+} // namespace harrowby::postgres
