@@ -30,7 +30,7 @@ QByteArray sessionSettings(PgTarget::Use use, std::chrono::milliseconds lockLimi
            "set default_transaction_isolation = 'read committed';"
            "set statement_timeout = 0;"
            "set idle_session_timeout = 0;"
-           "set jit = off;" // takes longer than any list of a shop
+           "set jit = off;"                // takes longer than any list of a shop
            "set tcp_keepalives_idle = 60;" // a till that was switched off gives its place free
            "set tcp_keepalives_interval = 10;"
            "set tcp_keepalives_count = 3;"
@@ -101,9 +101,8 @@ ServerAttempt::ServerAttempt(ConnectOptions options, Host host, const PgTarget &
         return;
     }
     m_state = State::Resolving;
-    m_lookup.emplace([resolver = m_target.resolver, name = m_host.name] {
-        return resolver ? resolver(name) : resolve(name);
-    });
+    m_lookup.emplace(
+        [resolver = m_target.resolver, name = m_host.name] { return resolver ? resolver(name) : resolve(name); });
 }
 
 pollfd ServerAttempt::wanted() const

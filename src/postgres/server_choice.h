@@ -19,8 +19,8 @@ struct ServerFacts
     QByteArray collation; ///< of its order
     QByteArray letters;   ///< of what is a capital
     QByteArray encoding;
-    int schemaVersion = 0;      ///< 0: no store is in it
-    QByteArray schemaState;     ///< the server's five characters when it did not tell the version
+    int schemaVersion = 0;  ///< 0: no store is in it
+    QByteArray schemaState; ///< the server's five characters when it did not tell the version
 };
 
 /// Index of the one to work on: it takes writes, and no other one has been promoted after it. A primary that has been

@@ -20,9 +20,9 @@ public:
     ServerSearch(const PgTarget &target, const PgWaits &waits, const ConnectOptions &options) :
         m_target(target), m_waits(waits)
     {
-        const QList<Host> hosts = target.server ? QList{Host{target.server->host, target.server->address,
-                                                             target.server->port}}
-                                                : hostsOf(options);
+        const QList<Host> hosts = target.server
+                                      ? QList{Host{target.server->host, target.server->address, target.server->port}}
+                                      : hostsOf(options);
         for (const Host &host : hosts)
             m_attempts.push_back(std::make_unique<ServerAttempt>(options, host, target, waits));
     }

@@ -93,8 +93,8 @@ Result<ConnectOptions, PgError> connectOptions(const QByteArray &conninfo)
 {
     const std::array<const char *, 3> keys{"dbname", "target_session_attrs", nullptr};
     const std::array<const char *, 3> values{conninfo.constData(), stoppingValue, nullptr};
-    const std::unique_ptr<PGconn, decltype(&PQfinish)> connection(
-        PQconnectStartParams(keys.data(), values.data(), 1), &PQfinish);
+    const std::unique_ptr<PGconn, decltype(&PQfinish)> connection(PQconnectStartParams(keys.data(), values.data(), 1),
+                                                                  &PQfinish);
     const QByteArray message = PQerrorMessage(connection.get());
     if (!message.contains(stoppingValue))
         return Unexpected(PgError{PgError::Kind::BadTarget, {}, oneLine(message)});
