@@ -3,9 +3,9 @@
 #include "app/hold/held_carts.h"
 #include "app/till/till.h"
 #include "tests/app/fussy_records.h"
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 
 #include <harrowby/counter.h>
 

@@ -2,9 +2,9 @@
 #include "app/hold/cart_holder.h"
 #include "app/records/sqlite_records.h"
 #include "tests/app/kill_steps.h"
+#include "tests/doubles/database.h"
 #include "tests/doubles/shop_file.h"
 #include "tests/program/test_program.h"
-#include "tests/support/database.h"
 #include "tests/support/forked_process.h"
 #include "tests/support/till.h"
 

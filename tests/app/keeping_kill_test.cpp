@@ -11,8 +11,8 @@
 #include "tests/app/quick_folder.h"
 #include "tests/app/selling_till.h"
 #include "tests/app/store_files.h"
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
-#include "tests/support/database.h"
 #include "tests/support/forked_process.h"
 #include "tests/support/till.h"
 

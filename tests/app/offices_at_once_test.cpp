@@ -6,8 +6,8 @@
 #include "app/records/deeds.h"
 #include "tests/app/quick_folder.h"
 #include "tests/app/selling_till.h"
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
-#include "tests/support/database.h"
 #include "tests/support/till.h"
 
 #include <QDir>

@@ -2,7 +2,7 @@
 #include "tests/app/selling_till.h"
 
 #include "tests/app/store_files.h"
-#include "tests/support/database.h"
+#include "tests/doubles/database.h"
 #include "tests/support/till.h"
 
 #include <QFile>

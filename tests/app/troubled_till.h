@@ -4,9 +4,9 @@
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_guard.h"
 #include "app/start/log_file.h"
+#include "tests/doubles/database.h"
 #include "tests/doubles/recording_connection.h"
 #include "tests/platform/isolated_home.h"
-#include "tests/support/database.h"
 #include "tests/support/doubles.h"
 #include "ui/inventory.h"
 

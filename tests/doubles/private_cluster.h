@@ -6,9 +6,6 @@
 #include <QTemporaryDir>
 
 #include <memory>
-#include <vector>
-
-#include <sys/types.h>
 
 class QProcess;
 struct pg_conn;
@@ -16,9 +13,9 @@ struct pg_conn;
 namespace harrowby::test {
 
 /// A PostgreSQL server of the test's own in a temporary folder: C locale, UTF-8, checksums, the empty database "shop",
-/// the superuser "postgres"; everyone on this machine is let in without a password. It listens on a socket in its folder
-/// and on one free port of 127.0.0.1. As root it runs as the user "postgres". It ends with the test, also with one that
-/// is killed, and leaves nothing behind. What fails ends the test program with a message.
+/// the superuser "postgres"; everyone on this machine is let in without a password. It listens on a socket in its
+/// folder and on one free port of 127.0.0.1. As root it runs as the user "postgres". It ends with the test, also with
+/// one that is killed, and leaves nothing behind. What fails ends the test program with a message.
 class PrivateCluster
 {
 public:
@@ -55,8 +52,8 @@ public:
     void demandStandby(bool demanded);
     /// Makes this standby a primary and returns when it takes writes. It waits for no standby of its own.
     void promote();
-    /// Takes this one, which has ended in whatever way, back as the standby of `primary`; as after standby(), its writes
-    /// wait for it.
+    /// Takes this one, which has ended in whatever way, back as the standby of `primary`; as after standby(), its
+    /// writes wait for it.
     void follow(PrivateCluster &primary);
 
     /// How a client connects, in libpq's "key=value" form, through the socket or through 127.0.0.1.
@@ -83,28 +80,27 @@ public:
     [[nodiscard]] QString log() const;
 
 private:
-    struct Standby
+    struct StandbyOf
     {
+        const PrivateCluster &primary;
     };
-    explicit PrivateCluster(Standby, PrivateCluster &primary);
+    explicit PrivateCluster(StandbyOf copied);
 
     [[nodiscard]] bool startOnce();
-    [[nodiscard]] QStringList serverArguments() const;
-    [[nodiscard]] std::vector<pid_t> processes() const;
-    void signalAll(int signal) const;
+    [[nodiscard]] bool isReady() const;
+    void reload();
+    void awaitStandby(const PrivateCluster &standby);
     void disconnect();
-    void writeSettings() const;
     void removeSharedMemory() const;
     [[nodiscard]] pg_conn *connected(const QString &database);
+    [[nodiscard]] QString logFile() const { return m_folder.filePath(QStringLiteral("log")); }
 
     QTemporaryDir m_folder;
-    QStringList m_settings;
-    Durability m_durability;
     quint16 m_port = 0;
     std::unique_ptr<QProcess> m_server;
-    pg_conn *m_connection = nullptr;
-    QString m_connectedTo; ///< the database of m_connection
-    bool m_stopped = false;
+    pg_conn *m_connection = nullptr; ///< of sql()
+    QString m_connectedTo;           ///< its database
+    bool m_hasRun = false;
 };
 
 } // namespace harrowby::test

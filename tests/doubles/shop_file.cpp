@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/doubles/shop_file.h"
 
+#include "tests/doubles/server_shop.h"
+
+#include <harrowby/sqlite_connection.h>
+
 #include <sqlite3.h>
 
 #include <utility>
@@ -34,6 +38,11 @@ QString columnText(sqlite3_stmt *statement, int column)
 
 ShopFile::ShopFile(const char *vfs)
 {
+    if (shopsAreOnAServer()) {
+        m_shop = std::make_unique<ServerShop>();
+        m_session = std::make_unique<ServerSession>(path());
+        return;
+    }
     constexpr int mode = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     if (sqlite3_open_v2(path().toUtf8().constData(), &m_handle, mode, vfs) != SQLITE_OK)
         qFatal("the file cannot be opened");
@@ -53,11 +62,47 @@ int ShopFile::close()
 
 QString ShopFile::path() const
 {
-    return m_folder.filePath(u"shop.sqlite"_s);
+    return m_shop ? m_shop->path() : m_folder.filePath(u"shop.sqlite"_s);
+}
+
+std::shared_ptr<DbConnection> ShopFile::connect(const QString &location) const
+{
+    return m_shop ? connectToServer(path(), location) : std::make_shared<SqliteConnection>(m_handle, location);
+}
+
+bool ShopFile::trySql(const QString &statements) const
+{
+    if (m_session)
+        return m_session->run(statements);
+    return sqlite3_exec(m_handle, statements.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool ShopFile::isInTransaction() const
+{
+    return m_session ? count(u"state LIKE 'idle in transaction%'"_s) > 0 : sqlite3_get_autocommit(m_handle) == 0;
+}
+
+bool ShopFile::isBeingRead() const
+{
+    return m_session ? count(u"state <> 'idle'"_s) > 0 : sqlite3_next_stmt(m_handle, nullptr) != nullptr;
+}
+
+/// Of a server's clients at this shop.
+int ShopFile::count(const QString &clients) const
+{
+    return cell(u"SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND "
+                "pid <> pg_backend_pid() AND backend_type = 'client backend' AND "_s +
+                clients)
+        .toInt();
 }
 
 void ShopFile::sql(const QString &statements) const
 {
+    if (m_session) {
+        if (!m_session->run(statements))
+            qFatal("%s: %s", qPrintable(statements), qPrintable(m_session->message()));
+        return;
+    }
     char *message = nullptr;
     if (sqlite3_exec(m_handle, statements.toUtf8().constData(), nullptr, nullptr, &message) != SQLITE_OK)
         qFatal("%s: %s", qPrintable(statements), message);
@@ -70,6 +115,12 @@ QString ShopFile::cell(const QString &select) const
 
 QStringList ShopFile::rows(const QString &select) const
 {
+    if (m_session) {
+        const std::optional<QStringList> all = m_session->rows(select);
+        if (!all)
+            qFatal("%s: %s", qPrintable(select), qPrintable(m_session->message()));
+        return *all;
+    }
     sqlite3_stmt *statement = nullptr;
     if (sqlite3_prepare_v2(m_handle, select.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK)
         qFatal("%s: %s", qPrintable(select), sqlite3_errmsg(m_handle));

@@ -5,11 +5,21 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <memory>
+
 struct sqlite3;
+
+namespace harrowby {
+class DbConnection;
+}
 
 namespace harrowby::test {
 
-/// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them.
+class ServerSession;
+class ServerShop;
+
+/// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them. Where shops are
+/// on a server (shopsAreOnAServer()), a database there.
 class ShopFile
 {
 public:
@@ -19,12 +29,21 @@ public:
     ShopFile(const ShopFile &) = delete;
     ShopFile &operator=(const ShopFile &) = delete;
 
+    /// Null on a server.
     [[nodiscard]] sqlite3 *handle() const { return m_handle; }
+    /// On a server the address of the database.
     [[nodiscard]] QString path() const;
+    /// The product's connection: over the handle, or to the server.
+    [[nodiscard]] std::shared_ptr<DbConnection> connect(const QString &location = {}) const;
     /// Closes the handle as a host does; SQLite's result code.
     [[nodiscard]] int close();
     /// Runs statements; a failing one ends the test program with its message.
     void sql(const QString &statements) const;
+    /// Runs statements; false when one failed.
+    [[nodiscard]] bool trySql(const QString &statements) const;
+    /// Whether a transaction is open on the connections over the handle, or to the server; whether a result is.
+    [[nodiscard]] bool isInTransaction() const;
+    [[nodiscard]] bool isBeingRead() const;
     /// First column of the first row, as text; "(no row)" when there is none.
     [[nodiscard]] QString cell(const QString &select) const;
     /// All rows, columns joined by "|".
@@ -39,8 +58,12 @@ public:
                  const QString &type = QStringLiteral("STAFF")) const;
 
 private:
+    [[nodiscard]] int count(const QString &clients) const;
+
     QTemporaryDir m_folder;
     sqlite3 *m_handle = nullptr;
+    std::unique_ptr<ServerShop> m_shop; ///< null: a file
+    std::unique_ptr<ServerSession> m_session;
 };
 
 /// As a literal of a statement.

@@ -22,13 +22,17 @@ struct NamedTest
 /// The result of the test that the first argument names; 2 when it names none, and the error output lists them all.
 int runNamedTest(std::initializer_list<NamedTest> tests, int argc, char **argv);
 
+/// QTest::qExec() without the functions that the environment variable HARROWBY_TEST_EXCEPT names, separated by commas.
+/// A command line with functions or options is obeyed as it is.
+int runFunctions(QObject &test, int argc, char **argv);
+
 template <typename Application, typename Test>
 int runTest(int argc, char **argv)
 {
     Application application(argc, argv);
     application.setAttribute(Qt::AA_Use96Dpi, true);
     Test test;
-    return QTest::qExec(&test, argc, argv);
+    return runFunctions(test, argc, argv);
 }
 
 } // namespace harrowby::test

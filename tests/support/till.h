@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/database.h"
 #include "tests/doubles/recording_connection.h"
 #include "tests/support/box_queue.h"
-#include "tests/support/database.h"
 #include "tests/support/doubles.h"
 #include "ui/inventory.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 
 #include "tests/program/test_program.h"
 #include "tests/store/faulty_vfs.h"

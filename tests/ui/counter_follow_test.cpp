@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
-#include "tests/support/database.h"
 #include "tests/support/inventory_probe.h"
 #include "tests/ui/counter_guest.h"
 #include "tests/ui/interruption.h"

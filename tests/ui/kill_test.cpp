@@ -5,9 +5,9 @@
 #include "app/shop/store_open.h"
 #include "app/till/till.h"
 
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 #include "tests/support/forked_process.h"
 #include "tests/support/till.h"
 #include "tests/ui/reporting_records.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/database.h"
+#include "tests/doubles/database.h"
 
 #include <harrowby/counter.h>
 

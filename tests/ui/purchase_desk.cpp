@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/purchase_desk.h"
 
-#include "tests/support/database.h"
+#include "tests/doubles/database.h"
 
 using namespace Qt::StringLiterals;
 

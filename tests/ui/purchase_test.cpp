@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/till/till.h"
+#include "tests/doubles/database.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 #include "tests/ui/held_book.h"
 #include "tests/ui/paid_book.h"
 #include "tests/ui/random_choice.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/database.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 #include "tests/ui/random_choice.h"
 #include "tests/ui/random_host.h"
 #include "tests/ui/random_windows.h"

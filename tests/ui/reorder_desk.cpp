@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/reorder_desk.h"
 
-#include "tests/support/database.h"
+#include "tests/doubles/database.h"
 
 #include "ui/widgets/elided_label.h"
 

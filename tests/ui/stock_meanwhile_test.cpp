@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
-#include "tests/support/database.h"
 #include "tests/ui/stock_day.h"
 
 #include "ui/widgets/row_list.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
-#include "tests/support/database.h"
 #include "tests/support/till.h"
 
 #include <QApplication>

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/database.h"
+#include "tests/doubles/database.h"
+
+#include "tests/doubles/server_shop.h"
 
 #include <sqlite3.h>
 
@@ -9,6 +11,12 @@ namespace harrowby::test {
 
 Database::Database(const QString &path, bool readOnly)
 {
+    if (isOnServer(path)) {
+        m_session = std::make_unique<ServerSession>(path);
+        if (readOnly)
+            run(u"SET default_transaction_read_only = on"_s);
+        return;
+    }
     const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     sqlite3_open_v2(path.toUtf8().constData(), &m_handle, flags, nullptr);
 }
@@ -20,12 +28,16 @@ Database::~Database()
 
 bool Database::run(const QString &statements)
 {
+    if (m_session)
+        return m_session->run(statements);
     return sqlite3_exec(m_handle, statements.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 QStringList Database::rows(const QString &select) const
 {
     const QStringList failed{u"(failed)"_s};
+    if (m_session)
+        return m_session->rows(select).value_or(failed);
     sqlite3_stmt *statement = nullptr;
     if (sqlite3_prepare_v2(m_handle, select.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK)
         return failed;
@@ -39,6 +51,11 @@ QStringList Database::rows(const QString &select) const
     }
     sqlite3_finalize(statement);
     return step == SQLITE_DONE ? all : failed;
+}
+
+QString Database::integrity() const
+{
+    return m_session ? u"ok"_s : rows(u"PRAGMA integrity_check"_s).join(u' ');
 }
 
 QStringList Database::everything() const

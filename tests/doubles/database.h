@@ -6,11 +6,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 struct sqlite3;
 
 namespace harrowby::test {
 
-/// A further connection to a shop's file, as the back office or another till has it. Its statements may fail.
+class ServerSession;
+
+/// A further connection to a shop's file, as the back office or another till has it. Its statements may fail. On a
+/// server one to the database that the path names.
 class Database
 {
 public:
@@ -20,6 +25,7 @@ public:
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
 
+    /// Null on a server.
     [[nodiscard]] sqlite3 *handle() const { return m_handle; }
     /// Runs statements; false when one failed.
     bool run(const QString &statements);
@@ -27,12 +33,13 @@ public:
     [[nodiscard]] QStringList rows(const QString &select) const;
     /// Every row of every table, with the types of its values.
     [[nodiscard]] QStringList everything() const;
-    [[nodiscard]] QString integrity() const { return rows(QStringLiteral("PRAGMA integrity_check")).join(u' '); }
+    [[nodiscard]] QString integrity() const;
     /// Copies all of another database into this one.
     bool copy(const Database &from);
 
 private:
     sqlite3 *m_handle = nullptr;
+    std::unique_ptr<ServerSession> m_session; ///< null: a file
 };
 
 } // namespace harrowby::test

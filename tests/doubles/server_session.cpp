@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "tests/doubles/server_shop.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+#include <libpq-fe.h>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::test {
+
+namespace {
+
+constexpr Oid booleanType = 16;
+constexpr Oid floatType = 701;
+constexpr Oid numericType = 1700;
+constexpr double firstInexact = 9007199254740992.0;
+
+/// Longest a lock is waited for: SQLite refuses it at once.
+constexpr auto sessionSettings = "SET search_path = harrowby, pg_catalog, pg_temp; SET lock_timeout = '20ms'; "
+                                 "SET client_min_messages = error";
+
+constexpr auto shopTables = "InventoryCategory, PurchaseCart, StockList, StoreSettings, SysUsage, Users"_L1;
+
+/// A whole number without a point, as a column that is NUMERIC keeps it; else fifteen digits.
+QString numberText(const QString &text)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(value))
+        return text;
+    if (value == std::floor(value) && std::abs(value) < firstInexact)
+        return QString::number(static_cast<qint64>(value));
+    return QString::number(value, 'g', 15);
+}
+
+QString cellText(const PGresult *result, int row, int column)
+{
+    const QString text = QString::fromUtf8(PQgetvalue(result, row, column));
+    if (PQgetisnull(result, row, column) != 0)
+        return {};
+    switch (PQftype(result, column)) {
+    case booleanType:
+        return text == u't' ? u"1"_s : u"0"_s;
+    case floatType:
+    case numericType:
+        return numberText(text);
+    default:
+        return text;
+    }
+}
+
+QStringList rowsOf(const PGresult *result)
+{
+    int columns = PQnfields(result);
+    if (columns > 1 && PQfname(result, columns - 1) == "rowid_"_L1)
+        --columns; // a file hides it
+    QStringList all;
+    for (int row = 0; row < PQntuples(result); ++row) {
+        QStringList cells;
+        for (int column = 0; column < columns; ++column)
+            cells << cellText(result, row, column);
+        all << cells.join(u'|');
+    }
+    return all;
+}
+
+struct Rule
+{
+    QRegularExpression pattern;
+    QString replacement;
+};
+
+Rule rule(const QString &pattern, const QString &replacement)
+{
+    return {QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption), replacement};
+}
+
+/// Of what stands outside literals.
+QString translated(QString piece)
+{
+    static const QList<Rule> rules{
+        rule(u"\\bpragma\\b[^;]*"_s, QString()),
+        rule(u"\\browid\\b"_s, u"rowid_"_s),
+        rule(u"\\bbegin immediate\\b"_s, u"BEGIN; LOCK TABLE "_s + shopTables + u" IN EXCLUSIVE MODE"_s),
+        rule(u"\\bbegin exclusive\\b"_s, u"BEGIN; LOCK TABLE "_s + shopTables + u" IN ACCESS EXCLUSIVE MODE"_s),
+    };
+    for (const Rule &rule : rules)
+        piece.replace(rule.pattern, rule.replacement);
+    return piece;
+}
+
+} // namespace
+
+struct ServerSession::Connection
+{
+    explicit Connection(const QString &path) : handle(PQconnectdb(path.toUtf8().constData())) {}
+    ~Connection() { PQfinish(handle); }
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
+
+    PGconn *handle;
+};
+
+ServerSession::ServerSession(const QString &path) : m_connection(std::make_unique<Connection>(path))
+{
+    if (!run(QString::fromLatin1(sessionSettings)))
+        qFatal("%s: %s", qPrintable(path), qPrintable(m_message));
+}
+
+ServerSession::~ServerSession() = default;
+
+bool ServerSession::run(const QString &statements)
+{
+    return rows(statements).has_value();
+}
+
+std::optional<QStringList> ServerSession::rows(const QString &select)
+{
+    PGconn *handle = m_connection->handle;
+    const bool wasIdle = PQtransactionStatus(handle) == PQTRANS_IDLE;
+    PGresult *result = PQexec(handle, inServersWords(select).toUtf8().constData());
+    const ExecStatusType status = PQresultStatus(result);
+    std::optional<QStringList> all;
+    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
+        all = rowsOf(result);
+    m_message = QString::fromUtf8(PQerrorMessage(handle)).simplified();
+    PQclear(result);
+    if (wasIdle && PQtransactionStatus(handle) == PQTRANS_INERROR)
+        PQclear(PQexec(handle, "ROLLBACK")); // a transaction that was refused has not begun
+    return all;
+}
+
+QString inServersWords(const QString &statements)
+{
+    QStringList pieces = statements.split(u'\''); // every other one is of a literal
+    for (qsizetype piece = 0; piece < pieces.size(); piece += 2)
+        pieces[piece] = translated(pieces.at(piece));
+    return pieces.join(u'\'');
+}
+
+} // namespace harrowby::test

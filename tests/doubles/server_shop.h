@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+namespace harrowby {
+class DbConnection;
+}
+
+namespace harrowby::test {
+
+/// Whether this program's shops stand on a server: the environment variable HARROWBY_TEST_SERVER is set. The same tests
+/// run so without being built again.
+[[nodiscard]] bool shopsAreOnAServer();
+/// Whether a path names a database on a server.
+[[nodiscard]] bool isOnServer(const QString &path);
+/// The product's connection to such a database.
+[[nodiscard]] std::shared_ptr<DbConnection> connectToServer(const QString &path, const QString &location);
+
+/// A shop's database on this program's private server, which is started with the first one: the six tables, nothing in
+/// them.
+class ServerShop
+{
+public:
+    ServerShop();
+    ~ServerShop();
+    ServerShop(const ServerShop &) = delete;
+    ServerShop &operator=(const ServerShop &) = delete;
+
+    [[nodiscard]] const QString &path() const { return m_path; }
+
+private:
+    QString m_name;
+    QString m_path;
+};
+
+/// A connection of the tests' own to such a database. It understands what they say to SQLite: PRAGMA is passed over,
+/// rowid is the row's identity, and a lock is refused at once.
+class ServerSession
+{
+public:
+    explicit ServerSession(const QString &path);
+    ~ServerSession();
+    ServerSession(const ServerSession &) = delete;
+    ServerSession &operator=(const ServerSession &) = delete;
+
+    /// Runs statements; false when one failed, and then none is done that did not stand in a transaction of its own.
+    bool run(const QString &statements);
+    /// The rows of the last one, columns joined by "|", values as SQLite writes them; empty (nullopt) when one failed.
+    [[nodiscard]] std::optional<QStringList> rows(const QString &select);
+    /// Why the last call failed.
+    [[nodiscard]] const QString &message() const { return m_message; }
+
+private:
+    struct Connection;
+    std::unique_ptr<Connection> m_connection;
+    QString m_message;
+};
+
+/// As the server has it.
+[[nodiscard]] QString inServersWords(const QString &statements);
+
+} // namespace harrowby::test
