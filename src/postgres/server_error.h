@@ -36,9 +36,9 @@ struct PgError
     };
 
     Kind kind = Kind::Refused;
-    QByteArray sqlState;    ///< five characters when the server has said it, else empty
-    QString text;           ///< one line to show: the server's message, or what happened
-    bool mayBeDone = false; ///< whether what was sent may have been carried out, now or later
+    QByteArray sqlState = {}; ///< five characters when the server has said it, else empty
+    QString text = {};        ///< one line to show: the server's message, or what happened
+    bool mayBeDone = false;   ///< whether what was sent may have been carried out, now or later
 };
 
 namespace postgres {

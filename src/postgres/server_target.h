@@ -42,13 +42,13 @@ struct PgTarget
 
     /// As libpq takes it: "postgresql://…" or "service=NAME host=… …", completed by the service file, the environment
     /// and the password file. Several hosts: the one that takes writes, on the highest timeline.
-    QByteArray conninfo;
+    QByteArray conninfo = {};
     Use use = Use::Work;
     int schemaVersion = 0;               ///< of the store's schema at least; 0: there need be none
-    std::optional<PgServer> server;      ///< that one alone, as PgSession::server() has told it
+    std::optional<PgServer> server = {}; ///< that one alone, as PgSession::server() has told it
     quint32 leastTimeline = 0;           ///< on an older one is a server that has been replaced
     QByteArray programName = "harrowby"; ///< as the server's lists name this connection
-    PgResolver resolver;                 ///< empty: the system's
+    PgResolver resolver = {};            ///< empty: the system's
 };
 
 namespace postgres {

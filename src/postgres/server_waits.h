@@ -32,7 +32,7 @@ struct PgWaits
     std::chrono::milliseconds otherHosts{500};
     std::chrono::milliseconds answer{5000}; ///< a server that says nothing to a statement
     std::chrono::milliseconds lock{10000};  ///< another's lock
-    PgWaitHook hook;
+    PgWaitHook hook = {};
 };
 
 /// How long one statement may take.

@@ -1,0 +1,426 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/postgres_session.h"
+#include "postgres/server_choice.h"
+#include "postgres/server_target.h"
+#include "tests/postgres/scripted_server.h"
+#include "tests/program/test_program.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <future>
+
+using namespace harrowby;
+using namespace harrowby::postgres;
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+using harrowby::test::ScriptedServer;
+using Kind = PgError::Kind;
+using Manners = ScriptedServer::Manners;
+
+namespace {
+
+/// Nobody who answers is given up; who says nothing is, soon.
+const PgWaits patient{60s, 60s, 60s, 60s, {}};
+const PgWaits soon{200ms, 100ms, 60s, 60s, {}};
+
+Manners manners(const QByteArray &timeline, bool isReadOnly = false)
+{
+    Manners result;
+    result.timeline = timeline;
+    result.isReadOnly = isReadOnly;
+    return result;
+}
+
+PgTarget target(const QList<const ScriptedServer *> &servers)
+{
+    QByteArrayList hosts;
+    QByteArrayList ports;
+    for (const ScriptedServer *server : servers) {
+        hosts.append("127.0.0.1");
+        ports.append(QByteArray::number(server->port()));
+    }
+    return {"user=till dbname=shop host=" + hosts.join(',') + " port=" + ports.join(',')};
+}
+
+PgError errorOf(const Result<void, PgError> &result)
+{
+    return result ? PgError{Kind::Refused, "none", {}} : result.error();
+}
+
+ServerFacts facts(quint32 timeline, bool isReadOnly)
+{
+    ServerFacts result;
+    result.server.timeline = timeline;
+    result.server.isReadOnly = isReadOnly;
+    return result;
+}
+
+QByteArray portOf(const ScriptedServer &server)
+{
+    return QByteArray::number(server.port());
+}
+
+} // namespace
+
+class ConnectingTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theNewestServerThatTakesWritesIsChosen_data();
+    void theNewestServerThatTakesWritesIsChosen();
+    void aServerIsAskedAndSetUp();
+    void anOldPrimaryIsLeft();
+    void aReplacedServerIsNotUsed();
+    void aSilentHostHoldsUpNobodyForLong();
+    void aSilentServerIsGivenUp();
+    void aSilentNameServiceIsGivenUp();
+    void aNameIsLookedUpAside();
+    void whoWaitsMayGiveUpConnecting();
+    void whatIsWrongIsTold_data();
+    void whatIsWrongIsTold();
+    void aServerThatIsNotTrustedIsTold();
+    void aRefusedConnectionIsTold();
+    void allHostsAreTold();
+    void whatIsUnfitIsTold_data();
+    void whatIsUnfitIsTold();
+    void laterSessionsGoToTheSameServer();
+    void whatCannotBeReadIsTold_data();
+    void whatCannotBeReadIsTold();
+    void aServiceIsReadAsLibpqDoes();
+};
+
+void ConnectingTest::theNewestServerThatTakesWritesIsChosen_data()
+{
+    using Servers = QList<ServerFacts>;
+    QTest::addColumn<Servers>("servers");
+    QTest::addColumn<quint32>("least");
+    QTest::addColumn<int>("chosen");
+    QTest::newRow("none") << Servers() << 0U << -1;
+    QTest::newRow("one") << Servers{facts(1, false)} << 0U << 0;
+    QTest::newRow("a standby alone") << Servers{facts(1, true)} << 0U << -1;
+    QTest::newRow("primary and standby") << Servers{facts(1, true), facts(1, false)} << 0U << 1;
+    QTest::newRow("two primaries") << Servers{facts(1, false), facts(2, false)} << 0U << 1;
+    QTest::newRow("the other way round") << Servers{facts(10, false), facts(9, false)} << 0U << 0;
+    QTest::newRow("a newer standby") << Servers{facts(1, false), facts(2, true)} << 0U << -1;
+    QTest::newRow("replaced") << Servers{facts(1, false)} << 2U << -1;
+    QTest::newRow("successor") << Servers{facts(1, false), facts(3, false)} << 2U << 1;
+}
+
+void ConnectingTest::theNewestServerThatTakesWritesIsChosen()
+{
+    QFETCH(QList<ServerFacts>, servers);
+    QFETCH(quint32, least);
+    QTEST(static_cast<int>(chosenServer(servers, least).value_or(-1)), "chosen");
+}
+
+void ConnectingTest::aServerIsAskedAndSetUp()
+{
+    const ScriptedServer server(manners("0000001F"));
+    PgSession session;
+    QVERIFY(session.connect(target({&server}), patient));
+    QCOMPARE(session.server().timeline, 31U);
+    QCOMPARE(session.server().version, 150004);
+    QCOMPARE(session.server().port, portOf(server));
+    QVERIFY(!session.isInTransaction());
+    const QByteArray asked = server.questions().join();
+    QVERIFY(asked.contains("set client_connection_check_interval = 0;"));
+    QVERIFY(!asked.contains("synchronous_commit"));
+
+    PgTarget walk = target({&server});
+    walk.use = PgTarget::Use::Walk;
+    QVERIFY(session.connect(walk, patient));
+    QVERIFY(server.questions().last().contains("set client_connection_check_interval = 1000;"));
+}
+
+void ConnectingTest::anOldPrimaryIsLeft()
+{
+    const ScriptedServer old(manners("00000001"));
+    const ScriptedServer successor(manners("00000002"));
+    const ScriptedServer standby(manners("00000002", true));
+    for (const auto &servers : {QList{&old, &standby, &successor}, QList{&successor, &standby, &old}}) {
+        PgSession session;
+        QVERIFY(session.connect(target(servers), patient));
+        QCOMPARE(session.server().port, portOf(successor));
+        QVERIFY(session.run("update"));
+    }
+    QCOMPARE(old.statements(), QByteArrayList());
+    QCOMPARE(successor.statements().size(), 2);
+}
+
+void ConnectingTest::aReplacedServerIsNotUsed()
+{
+    const ScriptedServer old(manners("00000001"));
+    const ScriptedServer standby(manners("00000002", true));
+    PgSession session;
+    const PgError error = errorOf(session.connect(target({&old, &standby}), patient));
+    QCOMPARE(error.kind, Kind::ReadOnly);
+    QVERIFY(error.text.contains("has been replaced"_L1));
+    QVERIFY(error.text.contains("takes no writes"_L1));
+
+    PgTarget known = target({&old});
+    known.leastTimeline = 2;
+    QCOMPARE(errorOf(session.connect(known, patient)).kind, Kind::ReadOnly);
+    QVERIFY(session.isLost());
+}
+
+void ConnectingTest::aSilentHostHoldsUpNobodyForLong()
+{
+    Manners silent;
+    silent.isSilent = true;
+    const ScriptedServer dead(silent);
+    const ScriptedServer primary(manners("00000001"));
+    PgSession session;
+    const PgWaits waits{60s, 100ms, 60s, 60s, {}};
+    QVERIFY(session.connect(target({&dead, &primary}), waits));
+    QCOMPARE(session.server().port, portOf(primary));
+}
+
+void ConnectingTest::aSilentServerIsGivenUp()
+{
+    Manners silent;
+    silent.isSilent = true;
+    const ScriptedServer server(silent);
+    QList<PgWaiting> waited;
+    PgWaits waits = soon;
+    waits.hook = [&waited](PgWaiting what) {
+        waited.append(what);
+        return true;
+    };
+    PgSession session;
+    const PgError error = errorOf(session.connect(target({&server}), waits));
+    QCOMPARE(error.kind, Kind::CannotConnect);
+    QVERIFY(error.text.contains("does not answer"_L1));
+    QVERIFY(!error.mayBeDone);
+    QVERIFY(waited.size() >= 3);
+    QCOMPARE(waited.last(), PgWaiting::Connection);
+}
+
+void ConnectingTest::aSilentNameServiceIsGivenUp()
+{
+    std::promise<void> end;
+    PgTarget named{"host=till1.shop user=till"};
+    named.resolver = [over = end.get_future().share()](const QByteArray &) {
+        over.wait();
+        return PgAddresses();
+    };
+    PgSession session;
+    const PgError error = errorOf(session.connect(named, soon));
+    end.set_value();
+    QCOMPARE(error.kind, Kind::CannotConnect);
+    QVERIFY(error.text.contains("till1.shop"_L1));
+}
+
+void ConnectingTest::aNameIsLookedUpAside()
+{
+    const ScriptedServer server;
+    PgTarget named{"host=till1.shop,/nowhere user=till port=" + portOf(server)};
+    QByteArray asked;
+    named.resolver = [&asked](const QByteArray &name) {
+        asked += name;
+        return PgAddresses{{"127.0.0.1"}, {}};
+    };
+    PgSession session;
+    QVERIFY(session.connect(named, patient));
+    QCOMPARE(asked, "till1.shop");
+    QCOMPARE(session.server().host, "till1.shop");
+    QCOMPARE(session.server().address, "127.0.0.1");
+
+    named.conninfo = "host=till2.shop user=till";
+    named.resolver = [](const QByteArray &) { return PgAddresses{{}, u"nobody knows it"_s}; };
+    const PgError error = errorOf(session.connect(named, patient));
+    QCOMPARE(error.kind, Kind::CannotConnect);
+    QCOMPARE(error.text, u"till2.shop is not found: nobody knows it"_s);
+}
+
+void ConnectingTest::whoWaitsMayGiveUpConnecting()
+{
+    Manners silent;
+    silent.isSilent = true;
+    const ScriptedServer server(silent);
+    PgWaits waits = patient;
+    waits.hook = [](PgWaiting) { return false; };
+    PgSession session;
+    QCOMPARE(errorOf(session.connect(target({&server}), waits)).kind, Kind::GivenUp);
+}
+
+void ConnectingTest::whatIsWrongIsTold_data()
+{
+    QTest::addColumn<QByteArray>("state");
+    QTest::addColumn<Kind>("kind");
+    QTest::newRow("password") << QByteArray("28P01") << Kind::Denied;
+    QTest::newRow("not from there, or not without TLS") << QByteArray("28000") << Kind::Denied;
+    QTest::newRow("no such database") << QByteArray("3D000") << Kind::Denied;
+    QTest::newRow("no right to connect") << QByteArray("42501") << Kind::Denied;
+    QTest::newRow("too many") << QByteArray("53300") << Kind::Crowded;
+    QTest::newRow("starting") << QByteArray("57P03") << Kind::Starting;
+    QTest::newRow("ending") << QByteArray("57P01") << Kind::Starting;
+}
+
+void ConnectingTest::whatIsWrongIsTold()
+{
+    QFETCH(QByteArray, state);
+    QFETCH(Kind, kind);
+    Manners refusing;
+    refusing.loginError = ScriptedServer::error(state, "wegen: etwas", "FATAL");
+    const ScriptedServer server(refusing);
+    PgSession session;
+    const PgError error = errorOf(session.connect(target({&server}), patient));
+    QCOMPARE(error.kind, kind);
+    QCOMPARE(error.sqlState, state);
+    QCOMPARE(error.text, u"wegen: etwas"_s);
+}
+
+void ConnectingTest::aServerThatIsNotTrustedIsTold()
+{
+    const ScriptedServer server;
+    PgSession session;
+    const PgError error = errorOf(session.connect({server.conninfo() + " sslmode=require"}, patient));
+    QCOMPARE(error.kind, Kind::NotTrusted);
+    QVERIFY(!error.text.isEmpty());
+}
+
+void ConnectingTest::aRefusedConnectionIsTold()
+{
+    QByteArray conninfo;
+    {
+        const ScriptedServer server;
+        conninfo = server.conninfo();
+    }
+    PgSession session;
+    const PgError error = errorOf(session.connect({conninfo}, patient));
+    QCOMPARE(error.kind, Kind::CannotConnect);
+    QVERIFY(!error.text.contains(u'\n'));
+    QCOMPARE(errorOf(session.connect({"host=/nowhere user=till"}, patient)).kind, Kind::CannotConnect);
+}
+
+void ConnectingTest::allHostsAreTold()
+{
+    Manners refusing;
+    refusing.loginError = ScriptedServer::error("28P01", "wrong password", "FATAL");
+    const ScriptedServer denying(refusing);
+    const ScriptedServer standby(manners("00000001", true));
+    for (const auto &servers : {QList{&denying, &standby}, QList{&standby, &denying}}) {
+        PgSession session;
+        const PgError error = errorOf(session.connect(target(servers), patient));
+        QCOMPARE(error.kind, Kind::Denied);
+        QVERIFY(error.text.contains("wrong password"_L1));
+        QVERIFY(error.text.contains("takes no writes"_L1));
+    }
+}
+
+void ConnectingTest::whatIsUnfitIsTold_data()
+{
+    QTest::addColumn<QByteArray>("what");
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("version") << QByteArray("version") << QByteArray("13.2")
+                             << u"The server is PostgreSQL 13; a store needs 15 or newer"_s;
+    QTest::newRow("order") << QByteArray("collation") << QByteArray("de_DE.UTF-8")
+                           << u"The database \"shop\" has the locale de_DE.UTF-8; a store needs C"_s;
+    QTest::newRow("letters") << QByteArray("letters") << QByteArray("C.UTF-8")
+                             << u"The database \"shop\" has the locale C.UTF-8; a store needs C"_s;
+    QTest::newRow("encoding") << QByteArray("encoding") << QByteArray("SQL_ASCII")
+                              << u"The database \"shop\" has the encoding SQL_ASCII; a store needs UTF8"_s;
+    QTest::newRow("no store") << QByteArray("schema") << QByteArray()
+                              << u"There is no store in the database \"shop\""_s;
+    QTest::newRow("older store")
+        << QByteArray("schema") << QByteArray("2")
+        << u"The store in the database \"shop\" is older than this program and has to be updated"_s;
+    QTest::newRow("newer store") << QByteArray("schema") << QByteArray("4") << QString();
+}
+
+void ConnectingTest::whatIsUnfitIsTold()
+{
+    QFETCH(QByteArray, what);
+    QFETCH(QByteArray, value);
+    QFETCH(QString, text);
+    Manners unfit;
+    unfit.schemaVersion = "3";
+    QByteArray &one = what == "version"     ? unfit.version
+                      : what == "collation" ? unfit.collation
+                      : what == "letters"   ? unfit.letters
+                      : what == "encoding"  ? unfit.encoding
+                                            : unfit.schemaVersion;
+    one = value;
+    const ScriptedServer server(unfit);
+    PgTarget store = target({&server});
+    store.schemaVersion = 3;
+    PgSession session;
+    const PgError error = errorOf(session.connect(store, patient));
+    QCOMPARE(error.text, text);
+    QCOMPARE(session.isLost(), !text.isEmpty());
+    if (!text.isEmpty())
+        QCOMPARE(error.kind, Kind::Unfit);
+}
+
+void ConnectingTest::laterSessionsGoToTheSameServer()
+{
+    const ScriptedServer primary(manners("00000002"));
+    const ScriptedServer standby(manners("00000002", true));
+    PgSession session;
+    PgTarget shop = target({&standby, &primary});
+    QVERIFY(session.connect(shop, patient));
+    shop.server = session.server();
+    PgSession walking;
+    QVERIFY(walking.connect(shop, patient));
+    QCOMPARE(walking.server().port, portOf(primary));
+    QCOMPARE(standby.questions().size(), 1);
+}
+
+void ConnectingTest::whatCannotBeReadIsTold_data()
+{
+    QTest::addColumn<QByteArray>("conninfo");
+    QTest::newRow("no service") << QByteArray("service=nobody-has-it");
+    QTest::newRow("an option that is none") << QByteArray("hots=till1");
+    QTest::newRow("a value that is none") << QByteArray("host=till1 sslmode=perhaps");
+    QTest::newRow("a broken address") << QByteArray("postgresql://till@[::1/shop");
+    QTest::newRow("ports and hosts differ") << QByteArray("host=a,b,c port=1,2");
+}
+
+void ConnectingTest::whatCannotBeReadIsTold()
+{
+    QFETCH(QByteArray, conninfo);
+    PgSession session;
+    const PgError error = errorOf(session.connect({conninfo}, patient));
+    QCOMPARE(error.kind, Kind::BadTarget);
+    QVERIFY(!error.text.isEmpty());
+}
+
+void ConnectingTest::aServiceIsReadAsLibpqDoes()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"services"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[shop]\nhost=server1,10.0.0.2,/run/pg\nport=5432,5433,5434\ndbname=harrowby\nsslmode=verify-full\n");
+    file.close();
+    qputenv("PGSERVICEFILE", file.fileName().toUtf8());
+    const Result<ConnectOptions, PgError> options = connectOptions("service=shop user=till1");
+    qunsetenv("PGSERVICEFILE");
+    QVERIFY(options);
+    const QList<Host> hosts = hostsOf(*options);
+    QCOMPARE(hosts.size(), 3);
+    QCOMPARE(hosts[0].label(), u"server1"_s);
+    QCOMPARE(hosts[1].label(), u"10.0.0.2:5433"_s);
+    QCOMPARE(hosts[2].label(), u"/run/pg:5434"_s);
+    QVERIFY(hosts[0].needsLookup());
+    QVERIFY(!hosts[1].needsLookup());
+    QVERIFY(!hosts[2].needsLookup());
+    Host found = hosts[0];
+    found.address = "10.0.0.1,10.1.0.1";
+    const ConnectOptions one = optionsFor(*options, found);
+    for (const auto &option : ConnectOptions{{"host", "server1,server1"},
+                                             {"hostaddr", "10.0.0.1,10.1.0.1"},
+                                             {"port", "5432"},
+                                             {"dbname", "harrowby"},
+                                             {"user", "till1"},
+                                             {"sslmode", "verify-full"},
+                                             {"target_session_attrs", "any"}})
+        QVERIFY2(one.contains(option), option.first.constData());
+}
+
+HARROWBY_CORE_TEST(connecting_test, ConnectingTest)
+#include "connecting_test.moc"
