@@ -19,9 +19,9 @@ enum class Search {
 using ServerText = Result<QString, QString>;
 
 /// Exactly one SELECT. `Limit a, b` and a derived table without a name are put as the server has them, and quoted names
-/// become small letters. Rows come in the order in which a store file yields them: nulls are the smallest values, rows that an
-/// order leaves equal come as they were added, and a list without an order gets that of the file's index. A `Select *`
-/// yields the row's identity (identityColumn) in its last column.
+/// become small letters. Rows come in the order in which a store file yields them: nulls are the smallest values, rows
+/// that an order leaves equal come as they were added, and a list without an order gets that of the file's index. A
+/// `Select *` yields the row's identity (identityColumn) in its last column.
 [[nodiscard]] ServerText selectText(const QString &statement, Search search = Search::AsWritten);
 
 /// The SELECT whose one value is the number of rows that this one yields; nothing is sorted for it.

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/dialect.h"
+
+#include "postgres/edits.h"
+#include "postgres/row_order.h"
+#include "postgres/sql_tokens.h"
+#include "postgres/storable.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::postgres {
+
+namespace {
+
+bool isOneOf(const SqlTokens &tokens, qsizetype token, std::initializer_list<QLatin1StringView> words)
+{
+    return std::any_of(words.begin(), words.end(), [&](QLatin1StringView word) { return tokens.is(token, word); });
+}
+
+/// Token behind a number with an optional sign, or a parameter, at `token`; `token` itself when there is none.
+qsizetype behindNumber(const SqlTokens &tokens, qsizetype token)
+{
+    const qsizetype number = token + (isOneOf(tokens, token, {"-"_L1, "+"_L1}) ? 1 : 0);
+    return tokens.isKind(number, TokenKind::Number) || tokens.isKind(number, TokenKind::Parameter) ? number + 1 : token;
+}
+
+/// To a file's engine a negative limit is none, and a negative offset is 0.
+QString amount(const SqlTokens &tokens, qsizetype begin, qsizetype end, const QString &whenNegative)
+{
+    return tokens.is(begin, "-"_L1) ? whenNegative : tokens.between(begin, end);
+}
+
+/// `Limit a, b`, `Limit b Offset a` and `Limit b`.
+void putLimit(const SqlTokens &tokens, qsizetype limit, Edits &edits)
+{
+    const qsizetype first = limit + 1;
+    const qsizetype separator = behindNumber(tokens, first);
+    const bool isPair = isOneOf(tokens, separator, {","_L1, "offset"_L1});
+    const qsizetype second = isPair ? separator + 1 : separator;
+    const qsizetype end = isPair ? behindNumber(tokens, second) : separator;
+    if (separator == first || (isPair && end == second))
+        return;
+    const bool isSkipFirst = tokens.is(separator, ","_L1);
+    QString text = amount(tokens, isSkipFirst ? second : first, isSkipFirst ? end : separator, u"all"_s);
+    if (isPair)
+        text += u" Offset "_s + amount(tokens, isSkipFirst ? first : second, isSkipFirst ? separator : end, u"0"_s);
+    const qsizetype begin = tokens.at(first).begin;
+    edits.replace(begin, tokens.at(end - 1).begin + tokens.at(end - 1).length - begin, text);
+}
+
+/// A SELECT in parentheses behind FROM or JOIN needs a name.
+void nameDerived(const SqlTokens &tokens, qsizetype parenthesis, Edits &edits)
+{
+    if (!isOneOf(tokens, parenthesis - 1, {"from"_L1, "join"_L1}) || !tokens.is(parenthesis + 1, "select"_L1))
+        return;
+    const qsizetype closing = tokens.closing(parenthesis);
+    if (closing == tokens.count())
+        return;
+    const bool isNamed =
+        tokens.isName(closing + 1) &&
+        !isOneOf(tokens, closing + 1,
+                 {"where"_L1, "group"_L1, "order"_L1, "limit"_L1, "join"_L1, "on"_L1, "using"_L1, "inner"_L1, "left"_L1,
+                  "cross"_L1, "natural"_L1, "union"_L1, "intersect"_L1, "except"_L1, "having"_L1});
+    if (!isNamed)
+        edits.insert(tokens.at(closing).begin + 1, u" as derived_%1"_s.arg(parenthesis));
+}
+
+/// `UPPER(column) like '*TEXT*'`, from its first word on: the text may stand anywhere.
+void putSearch(const SqlTokens &tokens, qsizetype upper, Edits &edits)
+{
+    constexpr qsizetype size = 6;
+    const qsizetype pattern = upper + size - 1;
+    if (!tokens.is(upper, "upper"_L1) || !tokens.is(upper + 1, "("_L1) || !tokens.isName(upper + 2) ||
+        !tokens.is(upper + 3, ")"_L1) || !tokens.is(upper + 4, "like"_L1) ||
+        !tokens.isKind(pattern, TokenKind::Literal))
+        return;
+    const QString text = tokens.plain(pattern);
+    if (text.size() < 2 || !text.startsWith(u'*') || !text.endsWith(u'*'))
+        return;
+    const qsizetype begin = tokens.at(upper).begin;
+    edits.replace(begin, tokens.at(pattern).begin + tokens.at(pattern).length - begin,
+                  u"harrowby_finds(%1, %2)"_s.arg(literal(text.sliced(1, text.size() - 2)), tokens.text(upper + 2)));
+}
+
+/// What every statement needs.
+void putWords(const SqlTokens &tokens, Edits &edits)
+{
+    for (const SqlToken &comment : tokens.comments())
+        edits.replace(comment.begin, comment.length, u" "_s);
+    for (qsizetype token = 0; token < tokens.count(); ++token) {
+        if (tokens.isKind(token, TokenKind::Name))
+            edits.replace(tokens.at(token).begin, tokens.at(token).length, quotedName(tokens.plain(token)));
+        else if (tokens.is(token, "("_L1))
+            nameDerived(tokens, token, edits);
+        else if (tokens.isKind(token, TokenKind::Word) && tokens.is(token, "limit"_L1))
+            putLimit(tokens, token, edits);
+    }
+}
+
+void putSelect(const SqlTokens &tokens, Search search, Edits &edits)
+{
+    putWords(tokens, edits);
+    for (qsizetype token = 0; search == Search::Anywhere && token < tokens.count(); ++token)
+        putSearch(tokens, token, edits);
+    edits.replace(tokens.end(), tokens.statement().size() - tokens.end(), {});
+}
+
+Result<SqlTokens, QString> selectTokens(const QString &statement)
+{
+    auto tokens = SqlTokens::of(statement);
+    if (tokens && !isOneOf(*tokens, 0, {"select"_L1, "with"_L1, "values"_L1}))
+        return Unexpected(u"the statement is no SELECT"_s);
+    return tokens;
+}
+
+} // namespace
+
+ServerText selectText(const QString &statement, Search search)
+{
+    const auto tokens = selectTokens(statement);
+    if (!tokens)
+        return Unexpected(tokens.error());
+    Edits edits;
+    orderRows(*tokens, Clauses(*tokens), edits);
+    putSelect(*tokens, search, edits);
+    return edits.appliedTo(statement);
+}
+
+ServerText countText(const QString &select, Search search)
+{
+    const auto tokens = selectTokens(select);
+    if (!tokens)
+        return Unexpected(tokens.error());
+    const Clauses clauses(*tokens);
+    Edits edits;
+    QString counted;
+    if (clauses.isPlain && clauses.order < clauses.end) {
+        // Without its order, which makes no difference to the number.
+        const QString rest =
+            clauses.limit < clauses.end ? u' ' + tokens->between(clauses.limit, clauses.end) : QString();
+        const auto unordered = SqlTokens::of(tokens->between(0, clauses.order) + rest);
+        if (!unordered)
+            return Unexpected(unordered.error());
+        putSelect(*unordered, search, edits);
+        counted = edits.appliedTo(unordered->statement());
+    } else {
+        putSelect(*tokens, search, edits);
+        counted = edits.appliedTo(select);
+    }
+    return u"Select count(*) from (%1) as counted"_s.arg(counted);
+}
+
+ServerText changeText(const QString &statement)
+{
+    const auto tokens = SqlTokens::of(statement);
+    if (!tokens)
+        return Unexpected(tokens.error());
+    if (!isOneOf(*tokens, 0, {"insert"_L1, "update"_L1, "delete"_L1}))
+        return Unexpected(u"the statement is no UPDATE, INSERT or DELETE"_s);
+    if (const auto reason = unstorable(statement))
+        return Unexpected(*reason);
+    Edits edits;
+    putWords(*tokens, edits);
+    edits.replace(tokens->end(), statement.size() - tokens->end(), {});
+    return edits.appliedTo(statement);
+}
+
+} // namespace harrowby::postgres

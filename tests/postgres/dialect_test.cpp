@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/dialect.h"
+
+#include "store/statement_texts.h"
+#include "tests/program/test_program.h"
+
+#include <QTest>
+
+using namespace harrowby;
+using namespace harrowby::postgres;
+using namespace Qt::StringLiterals;
+
+class TestDialect : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void select_data();
+    void select();
+    void count_data();
+    void count();
+    void change_data();
+    void change();
+    void search();
+    void refusal_data();
+    void refusal();
+    void orderOfTheFile_data();
+    void orderOfTheFile();
+};
+
+namespace {
+
+QString told(const ServerText &text)
+{
+    return text ? *text : u"refused: "_s + text.error();
+}
+
+void addTexts(std::initializer_list<std::array<const char *, 3>> rows)
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    for (const auto &[name, text, expected] : rows)
+        QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(expected);
+}
+
+} // namespace
+
+void TestDialect::select_data()
+{
+    addTexts({
+        {"nothing to do", "Select 1", "Select 1"},
+        {"limit", "Select x from t order by x Limit 18, 9", "Select x from t order by x nulls first Limit 9 Offset 18"},
+        {"limit, one line each", "Select x from t Limit\n 1 ,\t2", "Select x from t Limit\n 2 Offset 1"},
+        {"limit with offset", "Select x from t limit 9 offset 18", "Select x from t limit 9 Offset 18"},
+        {"limit alone", "Select x from t limit 9", "Select x from t limit 9"},
+        {"limit of parameters", "Select x from t limit ?2, ?1", "Select x from t limit ?1 Offset ?2"},
+        {"limit below 0", "Select x from t limit -9, -1", "Select x from t limit all Offset 0"},
+        {"limit in a literal", "Select 'Limit 1, 2'", "Select 'Limit 1, 2'"},
+        {"limit in a quoted quote", "Select 'it''s Limit 1, 2 ;'", "Select 'it''s Limit 1, 2 ;'"},
+        {"limit within", "Select x from (select y from u limit 1, 2) v",
+         "Select x from (select y from u limit 2 Offset 1) v"},
+        {"derived table", "SELECT count(*) FROM (SELECT 1 FROM t LIMIT 7)",
+         "SELECT count(*) FROM (SELECT 1 FROM t LIMIT 7) as derived_6"},
+        {"derived table with a name", "SELECT x FROM (SELECT 1) as a", "SELECT x FROM (SELECT 1) as a"},
+        {"derived table before a clause", "SELECT x FROM (SELECT 1) where x = 1",
+         "SELECT x FROM (SELECT 1) as derived_3 where x = 1"},
+        {"subselect", "SELECT (select 1) FROM t", "SELECT (select 1) FROM t"},
+        {"quoted names", "Select \"StockID\", [Stock Name], `x\"y` from \"Some\"",
+         "Select \"stockid\", \"stock name\", \"x\"\"y\" from \"some\""},
+        {"comments", "Select 1 -- Limit 1, 2\n, 2 /* ; */, 3", "Select 1  , 2  , 3"},
+        {"comment at the end", "Select 1 -- no more", "Select 1"},
+        {"semicolon at the end", "Select 1 ; ; ", "Select 1"},
+        {"backslash", "Select 'a\\', 'b'", "Select 'a\\', 'b'"},
+        {"nulls", "Select x from t order by lower(x, y) desc, y ASC, 3",
+         "Select x from t order by lower(x, y) desc nulls last, y ASC nulls first, 3 nulls first"},
+        {"nulls as they are", "Select x from t order by x nulls last", "Select x from t order by x nulls last"},
+        {"groups", "SELECT substr(d,1,6), count(*) FROM t GROUP BY substr(d,1,6), u",
+         "SELECT substr(d,1,6), count(*) FROM t GROUP BY substr(d,1,6), u order by substr(d,1,6) nulls first, u nulls "
+         "first"},
+        {"alphabets", "Select 'Überß' as ü from größe", "Select 'Überß' as ü from größe"},
+    });
+}
+
+void TestDialect::select()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(told(selectText(text)), expected);
+}
+
+void TestDialect::count_data()
+{
+    addTexts({
+        {"rows", "Select * from StockList", "Select count(*) from (Select * from StockList) as counted"},
+        {"ordered", "Select * from Stocklist where StockUse = 'Enabled' order by StockName ASC",
+         "Select count(*) from (Select * from Stocklist where StockUse = 'Enabled') as counted"},
+        {"page", "Select * from Stocklist order by StockName ASC  Limit 9, 9",
+         "Select count(*) from (Select * from Stocklist Limit 9 Offset 9) as counted"},
+        {"semicolon", "Select * from StockList;", "Select count(*) from (Select * from StockList) as counted"},
+        {"comment", "Select * from StockList -- all", "Select count(*) from (Select * from StockList) as counted"},
+    });
+}
+
+void TestDialect::count()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(told(countText(text)), expected);
+}
+
+void TestDialect::change_data()
+{
+    addTexts({
+        {"update", "Update StockList Set StockAvailable = StockAvailable + 3 where StockID = 'A'",
+         "Update StockList Set StockAvailable = StockAvailable + 3 where StockID = 'A'"},
+        {"insert", "INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('Limit 1, 2','t','d');",
+         "INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('Limit 1, 2','t','d')"},
+        {"delete", "Delete from StockList where Upper(StockID) = 'A'",
+         "Delete from StockList where Upper(StockID) = 'A'"},
+        {"quoted names", "update \"StockList\" set \"StockID\" = 'x'", "update \"stocklist\" set \"stockid\" = 'x'"},
+    });
+}
+
+void TestDialect::change()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(told(changeText(text)), expected);
+}
+
+void TestDialect::search()
+{
+    const QString till = statements::searchStock(u"A%_\\B C"_s).sql();
+    QCOMPARE(told(selectText(till)), till + u" order by rowid_"_s);
+    QCOMPARE(told(selectText(till, Search::Anywhere)),
+             u"Select StockID, StockName, StockCategory from StockList where harrowby_finds('A%_\\B C', StockID) or "
+             "harrowby_finds('A%_\\B C', StockName)  and StockUse = 'Enabled' order by rowid_"_s);
+    QCOMPARE(told(countText(till, Search::Anywhere)),
+             u"Select count(*) from (Select StockID, StockName, StockCategory from StockList where "
+             "harrowby_finds('A%_\\B C', StockID) or harrowby_finds('A%_\\B C', StockName)  and StockUse = 'Enabled') "
+             "as counted"_s);
+    const QString empty = statements::searchStock({}).sql();
+    QVERIFY(told(selectText(empty, Search::Anywhere)).contains(u"harrowby_finds('', StockID)"_s));
+    const QString ids = statements::automaticIdCount(u"ABC"_s).sql();
+    QCOMPARE(told(selectText(ids, Search::Anywhere)), ids);
+}
+
+void TestDialect::refusal_data()
+{
+    addTexts({
+        {"two", "Select 1; Select 2", "there is more than one statement in the text"},
+        {"two changes", "Delete from t;drop table t", "there is more than one statement in the text"},
+        {"no SELECT", "Delete from t", "the statement is no SELECT"},
+        {"nothing", "", "the statement is no SELECT"},
+        {"blanks", " ; ", "the statement is no SELECT"},
+        {"open quote", "Select 'a", "a quote in the statement does not end"},
+        {"open name", "Select \"a", "a quote in the statement does not end"},
+        {"open bracket", "Select [a", "a quote in the statement does not end"},
+        {"escapes", "Select e'\\'; drop table t; --'", "a text is written in a way that a store file does not know"},
+        {"bytes", "Select X'41'", "a text is written in a way that a store file does not know"},
+        {"unicode escapes", "Select U&'\\0041'", "a text is written in a way that a store file does not know"},
+        {"dollar", "Select $$a$$", "a text is written in a way that a store file does not know"},
+    });
+}
+
+void TestDialect::refusal()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(told(selectText(text)), u"refused: "_s + expected);
+    QVERIFY(!countText(text));
+    QCOMPARE(told(changeText(u"Select 1"_s)), u"refused: the statement is no UPDATE, INSERT or DELETE"_s);
+    QCOMPARE(told(selectText(u"Select 'a\0b'"_s)), u"refused: the statement contains a NUL"_s);
+}
+
+void TestDialect::orderOfTheFile_data()
+{
+    using namespace statements;
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("order"); ///< what is added at the end
+    const auto row = [](const char *name, const QString &text, const QString &order) {
+        QTest::newRow(name) << text << order;
+    };
+    const QString all(allCategories);
+    const QString food = u"FOOD"_s;
+    const QString byId = u" order by rowid_"_s;
+    const QString byName = u" order by StockName nulls first, rowid_"_s;
+    row("login", login(u"A"_s, u"B"_s).sql(), byId);
+    row("settings", storeSettings().sql(), byId);
+    row("categories", categories().sql(), byId);
+    row("categories by name", categoriesByName().sql(), u" nulls first, rowid_"_s);
+    row("stock by ID", stockById(u"A"_s).sql(), byId);
+    row("all stock", allStock().sql(), byId);
+    row("automatic ID", automaticIdCount(u"A"_s).sql(), {});
+    row("same stock", sameStock(u"A"_s, u"B"_s).sql(),
+        u" order by case when StockID = 'A' then 0 when UPPER(StockName) = 'B' then 1 end, rowid_"_s);
+    row("same name", sameStockName(u"A"_s).sql(), byId);
+    row("items", stockItems(false, all).sql(), byName);
+    row("items left", stockItems(true, all).sql(), byName);
+    row("items of a category", stockItems(false, food).sql(), byName);
+    row("items left of a category", stockItems(true, food).sql(), byName);
+    row("search", searchStock(u"A"_s).sql(), byId);
+    row("levels", stockLevels(u"A"_s).sql(), byId);
+    row("available", availableStock(u"A"_s, u"B"_s).sql(), byId);
+    row("count of pages", quickSalesCount(true, food).sql(), u" nulls first, rowid_"_s);
+    row("low stock", lowStock().sql(), byId);
+    row("total", stockTotal().sql(), {});
+    row("purchase", purchase(u"A"_s).sql(), byId);
+    row("purchases", purchaseIds().sql(), u" nulls last, rowid_ desc"_s);
+    row("sales", salesCount(u"261122"_s).sql(), {});
+    row("sales of a user", salesAmount(u"A"_s, u"261122"_s).sql(), {});
+    row("another table", u"Select * from HarrowbyCode"_s, {});
+    row("two tables", u"Select * from StockList, Users"_s, {});
+    row("table with an alias", u"Select s.StockID from StockList as s"_s, byId);
+    row("distinct", u"Select distinct StockCategory from StockList"_s, {});
+    row("put together", u"Select StockID from StockList union select StockName from StockList"_s, {});
+    row("report", u"SELECT PurchasedItems FROM PurchaseCart WHERE substr(PurchasedDate,1,6) BETWEEN 'a' AND 'b'"_s,
+        u" order by substr(PurchasedDate, 1, 6) nulls first, Users nulls first, PurchasedItemsCost nulls first, "
+        "PurchasedDate nulls first, rowid_"_s);
+    const QString page = quickSalesPage(false, all, 9).sql();
+    QCOMPARE(told(selectText(page)), u"Select * from Stocklist where StockUse = 'Enabled' order by StockName ASC nulls "
+                                     "first, rowid_  Limit 9 Offset 9"_s);
+}
+
+void TestDialect::orderOfTheFile()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, order);
+    QCOMPARE(told(selectText(text)), text + order);
+}
+
+HARROWBY_CORE_TEST(dialect_test, TestDialect)
+#include "dialect_test.moc"
