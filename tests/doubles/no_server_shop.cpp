@@ -2,8 +2,6 @@
 // In place of server_shop.cpp and server_session.cpp, where there is no libpq.
 #include "tests/doubles/server_shop.h"
 
-#include <harrowby/db_connection.h>
-
 namespace harrowby::test {
 
 struct ServerSession::Connection
@@ -18,11 +16,6 @@ bool shopsAreOnAServer()
 bool isOnServer(const QString &)
 {
     return false;
-}
-
-std::shared_ptr<DbConnection> connectToServer(const QString &, const QString &)
-{
-    return nullptr;
 }
 
 ServerShop::ServerShop() = default;

@@ -19,7 +19,7 @@ constexpr Oid numericType = 1700;
 constexpr double firstInexact = 9007199254740992.0;
 
 /// Longest a lock is waited for: SQLite refuses it at once.
-constexpr auto sessionSettings = "SET search_path = harrowby, pg_catalog, pg_temp; SET lock_timeout = '20ms'; "
+constexpr auto sessionSettings = "SET search_path = harrowby, pg_catalog, sqlite; SET lock_timeout = '20ms'; "
                                  "SET client_min_messages = error";
 
 constexpr auto shopTables = "InventoryCategory, PurchaseCart, StockList, StoreSettings, SysUsage, Users"_L1;
@@ -55,7 +55,7 @@ QString cellText(const PGresult *result, int row, int column)
 QStringList rowsOf(const PGresult *result)
 {
     int columns = PQnfields(result);
-    if (columns > 1 && PQfname(result, columns - 1) == "rowid_"_L1)
+    if (columns > 1 && QLatin1StringView(PQfname(result, columns - 1)) == "rowid_"_L1)
         --columns; // a file hides it
     QStringList all;
     for (int row = 0; row < PQntuples(result); ++row) {
@@ -90,6 +90,17 @@ QString translated(QString piece)
     for (const Rule &rule : rules)
         piece.replace(rule.pattern, rule.replacement);
     return piece;
+}
+
+/// A trigger that refuses a change, and what it does before.
+QString withServersTriggers(QString statements)
+{
+    static const Rule trigger = rule(u"create trigger (\\w+) (\\w+) (\\w+) on (\\w+) begin (.*)"
+                                     "select raise\\(\\w+, ('[^']*')\\); end"_s,
+                                     u"CREATE FUNCTION \\1() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN \\5 "
+                                     "RAISE EXCEPTION \\6; END $$; CREATE TRIGGER \\1 \\2 \\3 ON \\4 "
+                                     "FOR EACH ROW EXECUTE FUNCTION \\1()"_s);
+    return statements.replace(trigger.pattern, trigger.replacement);
 }
 
 } // namespace
@@ -135,7 +146,7 @@ std::optional<QStringList> ServerSession::rows(const QString &select)
 
 QString inServersWords(const QString &statements)
 {
-    QStringList pieces = statements.split(u'\''); // every other one is of a literal
+    QStringList pieces = withServersTriggers(statements).split(u'\''); // every other one is of a literal
     for (qsizetype piece = 0; piece < pieces.size(); piece += 2)
         pieces[piece] = translated(pieces.at(piece));
     return pieces.join(u'\'');

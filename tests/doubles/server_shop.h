@@ -21,23 +21,6 @@ namespace harrowby::test {
 /// The product's connection to such a database.
 [[nodiscard]] std::shared_ptr<DbConnection> connectToServer(const QString &path, const QString &location);
 
-/// A shop's database on this program's private server, which is started with the first one: the six tables, nothing in
-/// them.
-class ServerShop
-{
-public:
-    ServerShop();
-    ~ServerShop();
-    ServerShop(const ServerShop &) = delete;
-    ServerShop &operator=(const ServerShop &) = delete;
-
-    [[nodiscard]] const QString &path() const { return m_path; }
-
-private:
-    QString m_name;
-    QString m_path;
-};
-
 /// A connection of the tests' own to such a database. It understands what they say to SQLite: PRAGMA is passed over,
 /// rowid is the row's identity, and a lock is refused at once.
 class ServerSession
@@ -59,6 +42,30 @@ private:
     struct Connection;
     std::unique_ptr<Connection> m_connection;
     QString m_message;
+};
+
+struct LentShop
+{
+    QString name; ///< of the database
+    QString path;
+    std::unique_ptr<ServerSession> session;
+};
+
+/// A shop's database on this program's private server, which is started with the first one: the six tables, nothing in
+/// them.
+class ServerShop
+{
+public:
+    ServerShop();
+    ~ServerShop();
+    ServerShop(const ServerShop &) = delete;
+    ServerShop &operator=(const ServerShop &) = delete;
+
+    [[nodiscard]] const QString &path() const { return m_shop.path; }
+    [[nodiscard]] ServerSession &session() const { return *m_shop.session; }
+
+private:
+    LentShop m_shop;
 };
 
 /// As the server has it.

@@ -40,7 +40,6 @@ ShopFile::ShopFile(const char *vfs)
 {
     if (shopsAreOnAServer()) {
         m_shop = std::make_unique<ServerShop>();
-        m_session = std::make_unique<ServerSession>(path());
         return;
     }
     constexpr int mode = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
@@ -72,19 +71,19 @@ std::shared_ptr<DbConnection> ShopFile::connect(const QString &location) const
 
 bool ShopFile::trySql(const QString &statements) const
 {
-    if (m_session)
-        return m_session->run(statements);
+    if (m_shop)
+        return m_shop->session().run(statements);
     return sqlite3_exec(m_handle, statements.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 bool ShopFile::isInTransaction() const
 {
-    return m_session ? count(u"state LIKE 'idle in transaction%'"_s) > 0 : sqlite3_get_autocommit(m_handle) == 0;
+    return m_shop ? count(u"state LIKE 'idle in transaction%'"_s) > 0 : sqlite3_get_autocommit(m_handle) == 0;
 }
 
 bool ShopFile::isBeingRead() const
 {
-    return m_session ? count(u"state <> 'idle'"_s) > 0 : sqlite3_next_stmt(m_handle, nullptr) != nullptr;
+    return m_shop ? count(u"state <> 'idle'"_s) > 0 : sqlite3_next_stmt(m_handle, nullptr) != nullptr;
 }
 
 /// Of a server's clients at this shop.
@@ -98,9 +97,9 @@ int ShopFile::count(const QString &clients) const
 
 void ShopFile::sql(const QString &statements) const
 {
-    if (m_session) {
-        if (!m_session->run(statements))
-            qFatal("%s: %s", qPrintable(statements), qPrintable(m_session->message()));
+    if (m_shop) {
+        if (!m_shop->session().run(statements))
+            qFatal("%s: %s", qPrintable(statements), qPrintable(m_shop->session().message()));
         return;
     }
     char *message = nullptr;
@@ -115,10 +114,10 @@ QString ShopFile::cell(const QString &select) const
 
 QStringList ShopFile::rows(const QString &select) const
 {
-    if (m_session) {
-        const std::optional<QStringList> all = m_session->rows(select);
+    if (m_shop) {
+        const std::optional<QStringList> all = m_shop->session().rows(select);
         if (!all)
-            qFatal("%s: %s", qPrintable(select), qPrintable(m_session->message()));
+            qFatal("%s: %s", qPrintable(select), qPrintable(m_shop->session().message()));
         return *all;
     }
     sqlite3_stmt *statement = nullptr;

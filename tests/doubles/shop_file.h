@@ -15,7 +15,6 @@ class DbConnection;
 
 namespace harrowby::test {
 
-class ServerSession;
 class ServerShop;
 
 /// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them. Where shops are
@@ -63,7 +62,6 @@ private:
     QTemporaryDir m_folder;
     sqlite3 *m_handle = nullptr;
     std::unique_ptr<ServerShop> m_shop; ///< null: a file
-    std::unique_ptr<ServerSession> m_session;
 };
 
 /// As a literal of a statement.

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
 #include "store/hold.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
+
+#include <harrowby/sqlite_connection.h>
 
 #include <QLoggingCategory>
 #include <QRegularExpression>
@@ -20,22 +23,12 @@ using Access = DbRecordset::Access;
 
 namespace {
 
-/// Another connection to the same file, without a busy timeout.
-class OtherTill
+/// Another connection to the same store, which waits for no lock.
+class OtherTill final : public test::Database
 {
 public:
-    explicit OtherTill(const QString &file) { sqlite3_open(file.toUtf8().constData(), &m_handle); }
-    ~OtherTill() { sqlite3_close(m_handle); }
-    OtherTill(const OtherTill &) = delete;
-    OtherTill &operator=(const OtherTill &) = delete;
-    bool run(const char *statements) const
-    {
-        return sqlite3_exec(m_handle, statements, nullptr, nullptr, nullptr) == SQLITE_OK;
-    }
-    [[nodiscard]] bool sells() const { return run("update StockList set StockAvailable = StockAvailable - 1"); }
-
-private:
-    sqlite3 *m_handle = nullptr;
+    using Database::Database;
+    [[nodiscard]] bool sells() { return run(u"update StockList set StockAvailable = StockAvailable - 1"_s); }
 };
 
 /// A connection with only the mandatory functions, which throws where a test asks for it.
@@ -105,7 +98,7 @@ private:
     void openHeld(DbRecordset &stock, Access access = Access::Edit) const;
     static void add(DbRecordset &stock, int units);
     [[nodiscard]] QString available() const;
-    [[nodiscard]] bool isHeld() const { return sqlite3_get_autocommit(m_store->handle()) == 0; }
+    [[nodiscard]] bool isHeld() const { return m_store->isInTransaction(); }
 
     std::unique_ptr<ScratchStore> m_store;
     std::unique_ptr<OtherTill> m_other;
@@ -159,7 +152,7 @@ void TestHold::nobodyWritesInBetween()
 
 void TestHold::nobodyAddsInBetween()
 {
-    const char *sale = "insert into PurchaseCart (PurchaseID) values ('HV1')";
+    const QString sale = u"insert into PurchaseCart (PurchaseID) values ('HV1')"_s;
     DbRecordset purchase;
     purchase.OpenHeld(statements::purchase(u"HV1"_s), m_store->connection(), Access::Read);
     QCOMPARE(purchase.RecordCount(), 0);
@@ -223,7 +216,7 @@ void TestHold::finishesWalks()
 void TestHold::refusedHoldChangesNothing()
 {
     QLoggingCategory::setFilterRules(u"harrowby.store.warning=true"_s);
-    QVERIFY(m_other->run("begin immediate"));
+    QVERIFY(m_other->run(u"begin immediate"_s));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Nothing could be held.*locked"_s));
     DbRecordset stock;
     openHeld(stock);
@@ -234,7 +227,7 @@ void TestHold::refusedHoldChangesNothing()
     QLoggingCategory::setFilterRules(QString());
     QCOMPARE(m_store->failures.size(), 1u);
     QCOMPARE(m_store->failures.front().engineCode, SQLITE_BUSY);
-    QVERIFY(m_other->run("commit"));
+    QVERIFY(m_other->run(u"commit"_s));
     add(stock, 5);
     QCOMPARE(available(), u"15"_s);
     QCOMPARE(m_store->failures.size(), 1u);
@@ -286,7 +279,7 @@ void TestHold::commitRefused()
 void TestHold::commitWaitedForInVain()
 {
     m_store->run(u"pragma journal_mode = delete"_s);
-    QVERIFY(m_other->run("begin; select * from StockList"));
+    QVERIFY(m_other->run(u"begin; select * from StockList"_s));
     m_store->connection()->setFailureHandler([this](const DbFailure &failure) {
         m_store->failures.push_back(failure);
         QVERIFY(!isHeld()); // the host is told when it is over
@@ -301,7 +294,7 @@ void TestHold::commitWaitedForInVain()
     QCOMPARE(m_store->failures.front().engineCode, SQLITE_BUSY);
     QVERIFY(purchase.IsEof());
     QVERIFY(!isHeld());
-    QVERIFY(m_other->run("commit"));
+    QVERIFY(m_other->run(u"commit"_s));
     QCOMPARE(m_store->column(u"select count(*) from PurchaseCart"_s), QStringList{u"0"_s});
 }
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
@@ -314,13 +316,13 @@ void TestRecordsetSqlite::writesWhileManyRowsAreOpen()
     DbRecordset &rows = open(Statement("Select * from StockList"), Access::Read);
     QCOMPARE(rows.RecordCount(), 100);
     QVERIFY(rows.Field(u"StockID"_s).value());
-    sqlite3 *other = nullptr;
-    QCOMPARE(sqlite3_open(m_store->file().toUtf8().constData(), &other), SQLITE_OK);
-    QCOMPARE(sqlite3_exec(other, "update StockList set StockAvailable = 1", nullptr, nullptr, nullptr), SQLITE_OK);
+    test::Database other(m_store->file());
+    QVERIFY(other.run(u"update StockList set StockAvailable = 1"_s));
     QVERIFY(Execute(m_store->connection(), statements::lowerStock(1, u"5"_s, u"TEA"_s)));
-    QCOMPARE(sqlite3_exec(other, "pragma wal_checkpoint(truncate)", nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(other);
-    QCOMPARE(m_store->column(u"pragma wal_checkpoint(truncate)"_s), QStringList{u"0"_s});
+    if (!test::shopsAreOnAServer()) { // nothing is in the way of a checkpoint
+        QVERIFY(other.run(u"pragma wal_checkpoint(truncate)"_s));
+        QCOMPARE(m_store->column(u"pragma wal_checkpoint(truncate)"_s), QStringList{u"0"_s});
+    }
     QCOMPARE(m_store->column(u"select StockAvailable from StockList where StockID = '5'"_s), QStringList{u"0"_s});
     QVERIFY(m_store->failures.empty());
 }

@@ -9,18 +9,18 @@ using namespace Qt::StringLiterals;
 
 ScratchStore::ScratchStore(const char *vfs) : m_file(vfs)
 {
-    m_connection = std::make_shared<SqliteConnection>(handle(), u"/shop"_s);
+    m_connection = m_file.connect(u"/shop"_s);
     m_connection->setFailureHandler([this](const DbFailure &failure) { failures.push_back(failure); });
-}
-
-bool ScratchStore::run(const QString &statements) const
-{
-    return sqlite3_exec(handle(), statements.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 QStringList ScratchStore::column(const QString &select) const
 {
     QStringList values;
+    if (handle() == nullptr) {
+        for (const QString &row : m_file.rows(select))
+            values.append(row.section(u'|', 0, 0));
+        return values;
+    }
     const auto append = [](void *list, int, char **cells, char **) {
         static_cast<QStringList *>(list)->append(QString::fromUtf8(cells[0]));
         return 0;

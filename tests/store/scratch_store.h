@@ -3,7 +3,7 @@
 
 #include "tests/doubles/shop_file.h"
 
-#include <harrowby/sqlite_connection.h>
+#include <harrowby/db_connection.h>
 
 #include <QString>
 #include <QStringList>
@@ -13,7 +13,8 @@
 
 namespace harrowby {
 
-/// A database file of the test's own with the six tables, and a connection over it that notes its failures.
+/// A database of the test's own with the six tables (a file, or on a server: test::ShopFile), and a connection to it
+/// that notes its failures.
 class ScratchStore
 {
 public:
@@ -24,12 +25,16 @@ public:
 
     [[nodiscard]] QString file() const { return m_file.path(); }
     [[nodiscard]] sqlite3 *handle() const { return m_file.handle(); }
-    [[nodiscard]] const std::shared_ptr<SqliteConnection> &connection() const { return m_connection; }
+    [[nodiscard]] const std::shared_ptr<DbConnection> &connection() const { return m_connection; }
     /// Closes the handle as a host does; SQLite's result code.
     [[nodiscard]] int close() { return m_file.close(); }
 
-    /// Past the component, straight to SQLite: statements, and the first column of a SELECT.
-    bool run(const QString &statements) const;
+    /// Whether the connection is in a transaction; whether a result of it is open.
+    [[nodiscard]] bool isInTransaction() const { return m_file.isInTransaction(); }
+    [[nodiscard]] bool isBeingRead() const { return m_file.isBeingRead(); }
+
+    /// Past the component, straight to the engine: statements, and the first column of a SELECT.
+    bool run(const QString &statements) const { return m_file.trySql(statements); }
     [[nodiscard]] QStringList column(const QString &select) const;
 
     /// Adds an enabled item.
@@ -39,7 +44,7 @@ public:
 
 private:
     test::ShopFile m_file;
-    std::shared_ptr<SqliteConnection> m_connection;
+    std::shared_ptr<DbConnection> m_connection;
 };
 
 } // namespace harrowby

@@ -5,6 +5,8 @@
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 
+#include <harrowby/sqlite_connection.h>
+
 #include <QTest>
 
 #include <sqlite3.h>
@@ -48,7 +50,7 @@ private Q_SLOTS:
     void damagedTextIsRead();
 
 private:
-    [[nodiscard]] SqliteConnection &connection() const { return *m_store->connection(); }
+    [[nodiscard]] DbConnection &connection() const { return *m_store->connection(); }
 
     std::unique_ptr<ScratchStore> m_store;
 };

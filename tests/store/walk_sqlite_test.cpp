@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/database.h"
 #include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
@@ -16,23 +17,6 @@ using Access = DbRecordset::Access;
 namespace {
 
 constexpr int items = 100;
-
-/// Another program at the same file.
-class OtherProgram
-{
-public:
-    explicit OtherProgram(const QString &file) { sqlite3_open(file.toUtf8().constData(), &m_handle); }
-    ~OtherProgram() { sqlite3_close(m_handle); }
-    OtherProgram(const OtherProgram &) = delete;
-    OtherProgram &operator=(const OtherProgram &) = delete;
-    [[nodiscard]] bool run(const char *statements) const
-    {
-        return sqlite3_exec(m_handle, statements, nullptr, nullptr, nullptr) == SQLITE_OK;
-    }
-
-private:
-    sqlite3 *m_handle = nullptr;
-};
 
 QStringList rest(DbRecordset &rows)
 {
@@ -99,7 +83,7 @@ void TestWalkSqlite::init()
 /// Whether no statement is open, so that the host could close the connection.
 void TestWalkSqlite::cleanup()
 {
-    QVERIFY(sqlite3_next_stmt(m_store->handle(), nullptr) == nullptr);
+    QVERIFY(!m_store->isBeingRead());
     QCOMPARE(m_store->close(), SQLITE_OK);
     m_store.reset();
 }
@@ -137,12 +121,12 @@ void TestWalkSqlite::changesAfterAnotherProgram()
 {
     using Change = std::function<bool(const std::shared_ptr<DbConnection> &)>;
     QFETCH(const Change, change);
-    const OtherProgram other(m_store->file());
+    test::Database other(m_store->file()); // another program
     DbRecordset rows;
     open(rows);
     skip(rows, 3);
-    QVERIFY(other.run("update StockList set StockAvailable = StockAvailable + 1, StockID = 'B' || StockID "
-                      "where StockID <> 'A7'; update StockList set StockAvailable = 20 where StockID = 'A7'"));
+    QVERIFY(other.run(
+        u"update StockList set StockAvailable = StockAvailable + 1, StockID = 'B' || StockID where StockID <> 'A7'; update StockList set StockAvailable = 20 where StockID = 'A7'"_s));
     QVERIFY(change(m_store->connection()));
     QVERIFY(m_store->failures.empty());
     QCOMPARE(m_store->column(u"select StockAvailable from StockList where StockID = 'A7'"_s), QStringList{u"25"_s});
@@ -153,15 +137,15 @@ void TestWalkSqlite::changesAfterAnotherProgram()
 
 void TestWalkSqlite::keepsToItsStateOfTheTable()
 {
-    const OtherProgram other(m_store->file());
+    test::Database other(m_store->file()); // another program
     DbRecordset rows;
     open(rows);
     skip(rows, 50);
-    QVERIFY(other.run("delete from StockList where rowid > 60"));
+    QVERIFY(other.run(u"delete from StockList where rowid > 60"_s));
     skip(rows, 5);
-    QVERIFY(other.run("update StockList set StockID = 'other'"));
+    QVERIFY(other.run(u"update StockList set StockID = 'other'"_s));
     finishWalks(m_store->connection());
-    QVERIFY(other.run("delete from StockList"));
+    QVERIFY(other.run(u"delete from StockList"_s));
     QCOMPARE(rest(rows), idsFrom(55, items));
     QVERIFY(m_store->failures.empty());
 }
@@ -177,24 +161,24 @@ void TestWalkSqlite::letsOthersWriteOnceFinished()
 {
     QFETCH(const QString, journal);
     m_store->run(u"pragma journal_mode = "_s + journal);
-    const OtherProgram other(m_store->file());
+    test::Database other(m_store->file()); // another program
     DbRecordset rows;
     open(rows);
     rows.MoveNext();
     // A reader blocks writers with a rollback journal, and checkpoints with a write-ahead log.
-    QCOMPARE(other.run("update StockList set StockAvailable = 1"), journal == "wal"_L1);
+    QCOMPARE(other.run(u"update StockList set StockAvailable = 1"_s), journal == "wal"_L1);
     finishWalks(m_store->connection());
-    QVERIFY(other.run("update StockList set StockAvailable = 2"));
-    QVERIFY(other.run("pragma wal_checkpoint(truncate)"));
+    QVERIFY(other.run(u"update StockList set StockAvailable = 2"_s));
+    QVERIFY(other.run(u"pragma wal_checkpoint(truncate)"_s));
     QCOMPARE(rest(rows), idsFrom(1, items));
 }
 
 void TestWalkSqlite::countIsOfTheSameState()
 {
-    const OtherProgram other(m_store->file());
+    test::Database other(m_store->file()); // another program
     DbRecordset rows;
     open(rows);
-    QVERIFY(other.run("delete from StockList where rowid > 10"));
+    QVERIFY(other.run(u"delete from StockList where rowid > 10"_s));
     QCOMPARE(rows.RecordCount(), items);
     QCOMPARE(rest(rows).size(), items);
 }
@@ -305,9 +289,9 @@ void TestWalkSqlite::leavesNothingOpen()
         DbRecordset rows;
         open(rows);
         skip(rows, passed);
-        QCOMPARE(sqlite3_next_stmt(m_store->handle(), nullptr) != nullptr, passed < items);
+        QCOMPARE(m_store->isBeingRead(), passed < items);
     }
-    QVERIFY(sqlite3_next_stmt(m_store->handle(), nullptr) == nullptr);
+    QVERIFY(!m_store->isBeingRead());
 }
 
 HARROWBY_CORE_TEST(walk_sqlite_test, TestWalkSqlite)

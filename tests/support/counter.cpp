@@ -15,14 +15,11 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include <sqlite3.h>
-
 using namespace Qt::StringLiterals;
 
 namespace harrowby::test {
 
-Counter::Counter() :
-    connection(std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(file.handle())))
+Counter::Counter() : connection(std::make_shared<RecordingConnection>(file.connect()))
 {
     file.addUser(u"ADMINISTRATOR"_s, u"PASS"_s, {}, u"ADMIN"_s);
     file.sql(u"INSERT INTO StoreSettings VALUES (0, 0, 'shop@example.com', 0, 0)"_s);

@@ -2,6 +2,7 @@
 #include "tests/support/till.h"
 
 #include "store/inv_basic.h"
+#include "tests/doubles/server_shop.h"
 #include "ui/widgets/pick_list.h"
 
 #include <harrowby/sqlite_connection.h>
@@ -43,20 +44,24 @@ public:
 
 Till::Till(const QString &path, Pace pace) : m_database(std::make_unique<Database>(path))
 {
+    if (isOnServer(path)) {
+        open(connectToServer(path, {}), pace);
+        return;
+    }
     sqlite3_busy_timeout(m_database->handle(), lockWaitMs);
     m_database->run(u"PRAGMA journal_mode = WAL; PRAGMA synchronous = "_s +
                     (pace == Pace::Shop ? u"FULL"_s : u"OFF"_s));
-    open(m_database->handle(), pace);
+    open(std::make_shared<SqliteConnection>(m_database->handle()), pace);
 }
 
 Till::Till(sqlite3 *database)
 {
-    open(database, Pace::Shop);
+    open(std::make_shared<SqliteConnection>(database), Pace::Shop);
 }
 
-void Till::open(sqlite3 *database, Pace pace)
+void Till::open(const std::shared_ptr<DbConnection> &store, Pace pace)
 {
-    m_connection = std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(database));
+    m_connection = std::make_shared<RecordingConnection>(store);
     std::shared_ptr<Boxes> boxes = std::make_shared<Consent>();
     if (pace == Pace::Shop) {
         const auto real = std::make_shared<QtBoxes>();

@@ -56,7 +56,7 @@ public:
     [[nodiscard]] const FormState &state() const { return m_window->state(); }
 
 private:
-    void open(sqlite3 *database, Pace pace);
+    void open(const std::shared_ptr<DbConnection> &store, Pace pace);
     void click(const QString &name) const;
 
     std::unique_ptr<Database> m_database;

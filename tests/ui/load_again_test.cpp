@@ -16,8 +16,6 @@
 #include <QPushButton>
 #include <QTimer>
 
-#include <sqlite3.h>
-
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -51,8 +49,8 @@ void LoadAgainTest::loadedAgainWhileLoading()
     constexpr int categories = 40; // so many that the window breathes among them
     for (int i = 0; i < categories; ++i)
         shop.sql(u"INSERT INTO InventoryCategory VALUES ('TEA %1','')"_s.arg(i));
-    const auto first = std::make_shared<RecordingConnection>(std::make_shared<SqliteConnection>(shop.handle()));
-    const auto second = std::make_shared<SqliteConnection>(shop.handle());
+    const auto first = std::make_shared<RecordingConnection>(shop.connect());
+    const auto second = shop.connect();
     bool isDone = false;
     const auto inventory = [] {
         QList<Inventory *> open;
@@ -101,14 +99,14 @@ void LoadAgainTest::anotherConnectionFinishesTheWalks()
     ShopFile shop;
     for (const QString &id : {u"A1"_s, u"A2"_s, u"A3"_s})
         shop.addItem(id, u"TEA"_s, 1.5, 10);
-    const auto first = std::make_shared<SqliteConnection>(shop.handle());
+    const auto first = shop.connect();
     InvBasic::setConnection(first);
     DbRecordset items;
     items.Open(statements::allStock(), first, DbRecordset::Access::Walk);
     InvBasic::setConnection(first);
-    QVERIFY(sqlite3_next_stmt(shop.handle(), nullptr)); // the same connection set again: the walk stays open
-    InvBasic::setConnection(std::make_shared<SqliteConnection>(shop.handle()));
-    QVERIFY(!sqlite3_next_stmt(shop.handle(), nullptr));
+    QVERIFY(shop.isBeingRead()); // the same connection set again: the walk stays open
+    InvBasic::setConnection(shop.connect());
+    QVERIFY(!shop.isBeingRead());
     QStringList ids;
     for (; !items.IsEof(); items.MoveNext())
         ids << items.Field(u"StockID"_s).text();

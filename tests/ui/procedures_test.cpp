@@ -162,7 +162,7 @@ void ProceduresTest::clockIsReadForEachColumn()
     };
     ShopFile file;
     const auto boxes = std::make_shared<QtBoxes>();
-    InvBasic::setConnection(std::make_shared<SqliteConnection>(file.handle()));
+    InvBasic::setConnection(file.connect());
     Inventory window({boxes, std::make_shared<MemorySettings>(), std::make_shared<PaperPrinters>(),
                       std::make_shared<TickingClock>(), std::make_shared<ObjectRegistry>()});
     InventoryProbe{window}.logActivity(u"x"_s, box::Information, false, true);

@@ -9,8 +9,6 @@
 #include <QCheckBox>
 #include <QTimer>
 
-#include <sqlite3.h>
-
 #include <functional>
 #include <stdexcept>
 
@@ -171,7 +169,7 @@ void SalesReportTest::folderOfTheHost()
     supply(counter, [&](Report::Call &call) { folder = call.folder; });
     counter.open();
     counter.logIn();
-    InvBasic::setConnection(std::make_shared<SqliteConnection>(counter.file.handle(), location));
+    InvBasic::setConnection(counter.file.connect(location));
     openReport(counter);
     QTEST(folder, "folder");
 }
@@ -224,12 +222,12 @@ void SalesReportTest::connectionComesBack()
     Counter counter;
     const ShopFile branch;
     branch.addItem(u"B1"_s, u"BUN"_s, 2, 5);
-    const auto other = std::make_shared<SqliteConnection>(branch.handle());
+    const auto other = branch.connect();
     supply(counter, [&](Report::Call &call) { call.connection = other; });
     counter.open();
     counter.logIn();
     openReport(counter);
-    QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other));
+    QCOMPARE(InvBasic::connection(), other);
     counter.chooseTab("TabStrip1", WorkArea::QuickSales);
     QVERIFY(counter.text("Command1_0").startsWith(u"B1"_s)); // what is read from now on
 }
@@ -377,7 +375,7 @@ void SalesReportTest::emailReportThatIsNoNumber()
 {
     QFETCH(const QString, saved);
     Counter counter;
-    const auto other = std::make_shared<SqliteConnection>(counter.file.handle());
+    const auto other = counter.file.connect();
     supply(counter, [&](Report::Call &call) {
         call.connection = other;
         call.msgTitle = u"Shop"_s;
@@ -393,7 +391,7 @@ void SalesReportTest::emailReportThatIsNoNumber()
     QCOMPARE(counter.state().login.LoggedUser, u"ADMINISTRATOR"_s);
     QCOMPARE(static_cast<int>(counter.state().settings.EmailReportFlag), 1);
     QVERIFY(counter.find<QCheckBox>("Check4")->isChecked());
-    QCOMPARE(InvBasic::connection(), std::shared_ptr<DbConnection>(other)); // written back before the error
+    QCOMPARE(InvBasic::connection(), other); // written back before the error
 }
 
 void SalesReportTest::closedMeanwhile()
@@ -476,7 +474,7 @@ void SalesReportTest::leavesNoListHalfRead()
     int calls = 0;
     supply(counter, [&](Report::Call &) {
         ++calls;
-        QVERIFY(sqlite3_next_stmt(counter.file.handle(), nullptr) == nullptr);
+        QVERIFY(!counter.file.isBeingRead());
     });
     counter.open();
     counter.logIn();
@@ -485,7 +483,7 @@ void SalesReportTest::leavesNoListHalfRead()
             return;
         passRest();
         QTimer::singleShot(0, &counter.window(), [&] {
-            QVERIFY(sqlite3_next_stmt(counter.file.handle(), nullptr) != nullptr);
+            QVERIFY(counter.file.isBeingRead());
             openReport(counter);
         });
     };

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "tests/doubles/server_shop.h"
+
+#include <harrowby/postgres_connection.h>
+
+#include <QTemporaryDir>
+
+namespace harrowby::test {
+
+namespace {
+
+/// How long another program's lock is waited for, so that no test waits ten seconds for a refusal.
+constexpr std::chrono::milliseconds lockTime(300);
+
+} // namespace
+
+std::shared_ptr<DbConnection> connectToServer(const QString &path, const QString &location)
+{
+    static const QTemporaryDir states; // of what the product keeps on a till's own disk; one for each connection
+    static int connections = 0;
+    PostgresOptions options;
+    options.location = location;
+    options.lock = lockTime;
+    options.stateFolder = states.filePath(QString::number(++connections));
+    return std::make_shared<PostgresConnection>(path, options);
+}
+
+} // namespace harrowby::test

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "tests/doubles/server_shop.h"
+
+#include "tests/doubles/private_cluster.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::test {
+
+namespace {
+
+/// Functions of SQLite that tests ask with.
+constexpr auto sqliteFunctions = R"(
+CREATE SCHEMA sqlite;
+CREATE FUNCTION sqlite.quote(value text) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN coalesce('''' || replace(value, '''', '''''') || '''', 'NULL');
+CREATE FUNCTION sqlite.quote(value float8) RETURNS text LANGUAGE sql IMMUTABLE RETURN coalesce(value::text, 'NULL');
+CREATE FUNCTION sqlite.typeof(value text) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN CASE WHEN value IS NULL THEN 'null' ELSE 'text' END;
+CREATE FUNCTION sqlite.typeof(value float8) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN CASE WHEN value IS NULL THEN 'null' WHEN value = trunc(value) THEN 'integer' ELSE 'real' END;
+CREATE FUNCTION sqlite.hex(value text) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN upper(encode(convert_to(value, 'UTF8'), 'hex'));
+)"_L1;
+
+/// What the tables are made of. A test may change that; then the database is not used again.
+constexpr auto fingerprint = R"(
+SELECT md5(string_agg(concat_ws(' ', attrelid, attname, attnum, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)),
+    (SELECT count(*) FROM pg_class), (SELECT count(*) FROM pg_trigger), (SELECT count(*) FROM pg_proc)
+FROM pg_attribute WHERE attrelid >= 16384
+)"_L1;
+
+/// Everybody else leaves, within five seconds, and the six tables are as they were made.
+constexpr auto emptying = R"(
+ROLLBACK;
+SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity
+WHERE datname = current_database() AND pid <> pg_backend_pid() AND backend_type = 'client backend';
+DELETE FROM StockList; DELETE FROM InventoryCategory; DELETE FROM PurchaseCart; DELETE FROM StoreSettings;
+DELETE FROM Users; DELETE FROM SysUsage;
+SELECT setval(pg_get_serial_sequence(name, 'rowid_'), 1, false)
+FROM unnest(ARRAY['stocklist', 'inventorycategory', 'purchasecart', 'storesettings', 'users', 'sysusage']) AS name;
+)"_L1;
+
+/// The private server of this program. A database costs a tenth of a second, so each is lent again and again.
+class ShopServer
+{
+public:
+    ShopServer();
+
+    [[nodiscard]] LentShop lend();
+    void takeBack(LentShop shop) { m_free.push_back(std::move(shop)); }
+
+private:
+    [[nodiscard]] LentShop made();
+    [[nodiscard]] bool isEmptied(ServerSession &session) const;
+
+    PrivateCluster m_cluster{{u"max_connections = 60"_s}};
+    std::vector<LentShop> m_free;
+    QStringList m_fingerprint;
+    int m_made = 0;
+};
+
+ShopServer::ShopServer()
+{
+    m_cluster.start();
+    m_cluster.sql(u"CREATE DATABASE empty_shop"_s);
+    const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
+    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
+        QFile file(schema.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("%s cannot be read", qPrintable(name));
+        m_cluster.sql(QString::fromUtf8(file.readAll()), u"empty_shop"_s);
+    }
+    m_cluster.sql(sqliteFunctions, u"empty_shop"_s);
+}
+
+LentShop ShopServer::lend()
+{
+    while (!m_free.empty()) {
+        LentShop shop = std::move(m_free.back());
+        m_free.pop_back();
+        if (isEmptied(*shop.session))
+            return shop;
+        m_cluster.sql(u"DROP DATABASE %1 WITH (FORCE)"_s.arg(shop.name));
+    }
+    return made();
+}
+
+LentShop ShopServer::made()
+{
+    const QString name = u"shop_%1"_s.arg(++m_made);
+    m_cluster.sql(u"CREATE DATABASE %1 TEMPLATE empty_shop STRATEGY FILE_COPY"_s.arg(name));
+    const QString path = u"postgresql://postgres@127.0.0.1:%1/%2"_s.arg(m_cluster.port()).arg(name);
+    LentShop shop{name, path, std::make_unique<ServerSession>(path)};
+    m_fingerprint = shop.session->rows(fingerprint).value_or(QStringList());
+    return shop;
+}
+
+bool ShopServer::isEmptied(ServerSession &session) const
+{
+    return session.run(emptying) && session.rows(fingerprint) == m_fingerprint;
+}
+
+ShopServer &shopServer()
+{
+    static ShopServer server;
+    return server;
+}
+
+} // namespace
+
+bool shopsAreOnAServer()
+{
+    return qEnvironmentVariableIsSet("HARROWBY_TEST_SERVER");
+}
+
+bool isOnServer(const QString &path)
+{
+    return path.startsWith(u"postgresql:"_s);
+}
+
+ServerShop::ServerShop() : m_shop(shopServer().lend()) {}
+
+ServerShop::~ServerShop()
+{
+    shopServer().takeBack(std::move(m_shop));
+}
+
+} // namespace harrowby::test
