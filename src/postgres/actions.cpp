@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/actions.h"
+
+#include "basic/logging.h"
+
+#include <limits>
+#include <utility>
+
+namespace harrowby::postgres {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using Phase = ActionServer::Phase;
+
+/// Claimed for a writer that has ended: whatever of it arrives from then on is refused. The claim takes the greatest
+/// number that there is.
+constexpr std::int64_t retirement = std::numeric_limits<std::int64_t>::max() - 1;
+
+} // namespace
+
+Actions::Actions(ActionServer &server, ActionJournal &journal, const QUuid &writer) :
+    m_server(server), m_journal(journal), m_left(journal.leftBehind())
+{
+    enter(writer);
+}
+
+Actions::~Actions()
+{
+    if (!m_open)
+        m_journal.leave(m_writer);
+}
+
+/// Begins as a new writer. Its identity is on the disk before the first number is sent.
+void Actions::enter(const QUuid &writer)
+{
+    m_writer = writer;
+    m_last = 0;
+    m_isRetired = false;
+    if (const auto entered = m_journal.enter(writer); !entered)
+        qCWarning(lcStore, "An unknown write could not be noted here: %ls", qUtf16Printable(entered.error()));
+}
+
+Actions::End Actions::write(const Write &write)
+{
+    if (!resolve())
+        return {Outcome::Refused, m_error};
+    if (m_isRetired) {
+        m_journal.leave(m_writer);
+        enter(QUuid::createUuid());
+    }
+    const ActionNumber action{m_writer, ++m_last};
+    switch (send(action, write)) {
+    case Known::Done:
+        return {Outcome::Done, {}};
+    case Known::NotDone:
+        return {Outcome::Refused, m_error};
+    case Known::Later:
+    case Known::Open:
+        break;
+    }
+    return unknown(action, write);
+}
+
+Actions::Known Actions::send(const ActionNumber &action, const Write &write)
+{
+    bool isOpen = false; // whether some sending may be there, or arrive yet
+    m_server.enter(Phase::Sending);
+    do {
+        const Sending sending = sendOnce(action, write);
+        if (sending == Sending::Done)
+            return Known::Done;
+        if (!isOpen && (sending == Sending::Refused || sending == Sending::Locked))
+            return Known::NotDone;
+        if (sending == Sending::Refused)
+            break;
+        if (sending == Sending::Open && !std::exchange(isOpen, true))
+            m_server.enter(Phase::Resending);
+    } while (!m_server.isOver());
+    return isOpen ? claim(action) : Known::NotDone;
+}
+
+Actions::Sending Actions::sendOnce(const ActionNumber &action, const Write &write)
+{
+    if (!reach())
+        return Sending::Again;
+    switch (heard(m_server.act(action, write)).heard) {
+    case Heard::Done:
+        return Sending::Done;
+    case Heard::Refused:
+        return Sending::Refused;
+    case Heard::Locked:
+        return Sending::Locked;
+    case Heard::Collided:
+    case Heard::NotTaken:
+        return Sending::Again;
+    case Heard::ArrivedBefore:
+        return confirmArrival(action);
+    case Heard::NotConfirmed:
+    case Heard::Lost:
+        break;
+    }
+    return Sending::Open;
+}
+
+/// The number stands on the server, perhaps without its standby knowing. The next confirmed write of the same server
+/// comes after it in the log, so it confirms both.
+Actions::Sending Actions::confirmArrival(const ActionNumber &action)
+{
+    const ActionAnswer answer = heard(m_server.confirm(action));
+    if (answer.heard != Heard::Done)
+        return Sending::Open;
+    if (answer.value != 0)
+        return Sending::Done;
+    // A program that took this one for dead has retired its writer; say, after a copy of this machine was started.
+    m_isRetired = true;
+    return Sending::Refused;
+}
+
+/// Asked again after a loss: a claim that has succeeded unheard succeeds again.
+Actions::Known Actions::claim(const ActionNumber &action)
+{
+    m_server.enter(Phase::Claiming);
+    do {
+        if (!reach())
+            continue;
+        const ActionAnswer answer = heard(m_server.claim(action));
+        if (answer.heard != Heard::Done)
+            continue;
+        m_last = action.writer == m_writer ? action.number + 1 : m_last; // the claim has used that
+        if (answer.value == action.number)
+            return Known::Done;
+        return answer.value == action.number + 1 ? Known::NotDone : Known::Later;
+    } while (!m_server.isOver());
+    return Known::Open;
+}
+
+/// Sees to what an answer says about the connection.
+ActionAnswer Actions::heard(ActionAnswer answer)
+{
+    if (answer.heard != Heard::Done)
+        m_error = answer.error;
+    if (answer.heard == Heard::Lost || answer.heard == Heard::NotConfirmed || answer.heard == Heard::NotTaken)
+        m_server.drop();
+    return answer;
+}
+
+bool Actions::reach()
+{
+    auto reached = m_server.reach();
+    if (!reached)
+        m_error = std::move(reached).error();
+    return reached.has_value();
+}
+
+/// First on the disk, then told.
+Actions::End Actions::unknown(const ActionNumber &action, const Write &write)
+{
+    m_open = OpenAction{action, write.what};
+    if (const auto kept = m_journal.keep(*m_open); !kept)
+        qCWarning(lcStore, "The unknown write could not be noted here: %ls", qUtf16Printable(kept.error()));
+    return {Outcome::Unknown, m_error};
+}
+
+bool Actions::resolve()
+{
+    if (m_open && !resolveOwn())
+        return false;
+    while (!m_left.empty() && resolveLeft(m_left.back()))
+        m_left.pop_back();
+    return m_left.empty();
+}
+
+bool Actions::resolveOwn()
+{
+    const Known known = claim(m_open->action);
+    if (known == Known::Open)
+        return false;
+    const OpenAction open = *std::exchange(m_open, {});
+    tell(open, known);
+    m_journal.resolved();
+    return true;
+}
+
+bool Actions::resolveLeft(const LeftWriter &left)
+{
+    const Known known = claim(left.open ? left.open->action : ActionNumber{left.writer, retirement});
+    if (known == Known::Open)
+        return false;
+    if (left.open)
+        tell(*left.open, known);
+    m_journal.leave(left.writer);
+    return true;
+}
+
+void Actions::tell(const OpenAction &open, Known known) const
+{
+    if (!m_handler)
+        return;
+    if (known == Known::Later)
+        m_handler(open, Outcome::Unknown);
+    else
+        m_handler(open, known == Known::Done ? Outcome::Done : Outcome::Refused);
+}
+
+} // namespace harrowby::postgres

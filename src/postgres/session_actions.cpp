@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/session_actions.h"
+
+#include <utility>
+#include <vector>
+
+namespace harrowby::postgres {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Between two attempts. Short against a failover, long against what an attempt costs the server.
+constexpr auto pauseTime = 100ms;
+
+/// "harrowby.NAME('WRITER', NUMBER)"
+QByteArray call(const QByteArray &name, const ActionNumber &action)
+{
+    return "harrowby." + name + "('" + action.writer.toByteArray(QUuid::WithoutBraces) + "', " +
+           QByteArray::number(static_cast<qlonglong>(action.number)) + ')';
+}
+
+Heard answerOf(const PgError &error)
+{
+    if (error.sqlState == "HB001")
+        return Heard::ArrivedBefore;
+    switch (error.kind) {
+    case PgError::Kind::Refused:
+    case PgError::Kind::Full:
+        return Heard::Refused;
+    case PgError::Kind::LockTimedOut:
+        return Heard::Locked;
+    case PgError::Kind::Deadlock:
+        return Heard::Collided;
+    case PgError::Kind::NotConfirmed:
+        return Heard::NotConfirmed;
+    default:
+        return error.mayBeDone ? Heard::Lost : Heard::NotTaken;
+    }
+}
+
+} // namespace
+
+SessionActions::SessionActions(PgSession &session, Connect connect) : m_session(session), m_connect(std::move(connect))
+{
+}
+
+void SessionActions::enter(Phase phase)
+{
+    m_phase = phase;
+    m_isGivenUp = false;
+    m_wasReached = false;
+    switch (phase) {
+    case Phase::Sending:
+        m_deadline = QDeadlineTimer(m_patience.sending);
+        break;
+    case Phase::Resending:
+        m_deadline = QDeadlineTimer(m_patience.resending);
+        break;
+    case Phase::Claiming:
+        m_deadline = QDeadlineTimer(m_patience.claiming);
+        break;
+    }
+}
+
+bool SessionActions::isOver()
+{
+    return m_isGivenUp || m_deadline.hasExpired();
+}
+
+Result<void, PgError> SessionActions::reach()
+{
+    if (std::exchange(m_wasReached, true))
+        pause();
+    if (!m_session.isLost() && !m_session.hasEnded())
+        return {};
+    auto connected = m_connect();
+    if (!connected)
+        m_isGivenUp = m_isGivenUp || connected.error().kind == PgError::Kind::GivenUp;
+    return connected;
+}
+
+void SessionActions::drop()
+{
+    m_session.close();
+}
+
+ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
+{
+    const QByteArray text = "select " + call("act", action) + ';' + write.condition + write.statement;
+    if (!m_session.isInTransaction())
+        return run(text);
+    ActionAnswer answer = run(text + ";commit");
+    if (m_session.isInTransaction() && !m_session.run("rollback", m_budget))
+        m_session.close();
+    return answer;
+}
+
+ActionAnswer SessionActions::confirm(const ActionNumber &action)
+{
+    return run("select " + call("confirm_action", action) + "::int");
+}
+
+ActionAnswer SessionActions::claim(const ActionNumber &action)
+{
+    return run("select " + call("claim_action", action));
+}
+
+/// The value is the first one of the last statement, when that is a figure.
+ActionAnswer SessionActions::run(const QByteArray &statements)
+{
+    const Result<PgResults, PgError> results = m_session.run(statements, m_budget);
+    if (!results)
+        return failed(results.error());
+    ActionAnswer answer{Heard::Done, 0, {}};
+    if (!results->empty() && results->back().rowCount() > 0)
+        answer.value = results->back().text(0, 0).toByteArray().toLongLong();
+    return answer;
+}
+
+ActionAnswer SessionActions::failed(const PgError &error)
+{
+    m_isGivenUp = m_isGivenUp || error.kind == PgError::Kind::GivenUp;
+    return {answerOf(error), 0, error};
+}
+
+void SessionActions::pause()
+{
+    std::vector<pollfd> none;
+    if (Waiter(m_hook, PgWaiting::Connection).wait(none, QDeadlineTimer(pauseTime)) == Waiter::End::GivenUp)
+        m_isGivenUp = true;
+}
+
+} // namespace harrowby::postgres

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/action_journal.h"
+
+#include "tests/program/test_program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace harrowby;
+using namespace harrowby::postgres;
+using namespace Qt::StringLiterals;
+
+/// Each ActionFolder stands for one program: its locks are its own.
+class ActionJournalTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsAnOpenWriteForTheNextStart();
+    void letsRunningProgramsBe();
+    void handsEachWriterToOneProgram();
+    void forgetsWhatIsResolved();
+    void takesAHalfWrittenRecordForNone();
+    void cutsLongWords();
+    void keepsItsSize();
+    void isForItsOwnerAlone();
+    void saysWhyItCannot();
+    void passesOverWhatIsNotItsOwn();
+
+private:
+    [[nodiscard]] QString folder() const { return m_home->filePath(u"state/actions"_s); }
+    [[nodiscard]] QStringList files() const { return QDir(folder()).entryList(QDir::Files); }
+    [[nodiscard]] QString file() const { return folder() + u'/' + files().value(0); }
+
+    std::unique_ptr<QTemporaryDir> m_home;
+
+private Q_SLOTS:
+    void init() { m_home = std::make_unique<QTemporaryDir>(); }
+};
+
+namespace {
+
+const QUuid writer = QUuid::createUuid();
+
+OpenAction openWrite(const QString &what = u"UPDATE StockList"_s)
+{
+    return {{writer, 17}, what};
+}
+
+/// A program that is killed after `open`.
+void runAndDie(const QString &folder, const std::optional<OpenAction> &open)
+{
+    ActionFolder journal(folder);
+    QVERIFY(journal.enter(writer));
+    if (open)
+        QVERIFY(journal.keep(*open));
+}
+
+} // namespace
+
+void ActionJournalTest::keepsAnOpenWriteForTheNextStart()
+{
+    runAndDie(folder(), openWrite());
+    ActionFolder next(folder());
+    const std::vector<LeftWriter> left = next.leftBehind();
+    QCOMPARE(left.size(), std::size_t(1));
+    QCOMPARE(left[0].writer, writer);
+    QVERIFY(left[0].open);
+    QCOMPARE(left[0].open->action.number, 17);
+    QCOMPARE(left[0].open->action.writer, writer);
+    QCOMPARE(left[0].open->what, u"UPDATE StockList"_s);
+    next.leave(writer);
+    QVERIFY(files().isEmpty());
+}
+
+void ActionJournalTest::letsRunningProgramsBe()
+{
+    ActionFolder till(folder());
+    QVERIFY(till.enter(writer));
+    QVERIFY(till.leftBehind().empty());
+    ActionFolder office(folder());
+    QVERIFY(office.enter(QUuid::createUuid()));
+    QVERIFY(office.leftBehind().empty());
+    QVERIFY(till.keep(openWrite()));
+    QVERIFY(office.leftBehind().empty());
+    till.leave(writer);
+    QCOMPARE(files().size(), 1);
+}
+
+void ActionJournalTest::handsEachWriterToOneProgram()
+{
+    runAndDie(folder(), openWrite());
+    auto first = std::make_unique<ActionFolder>(folder());
+    QCOMPARE(first->leftBehind().size(), std::size_t(1));
+    ActionFolder second(folder());
+    QVERIFY(second.leftBehind().empty());
+    first.reset(); // killed before it resolved anything
+    QCOMPARE(second.leftBehind().size(), std::size_t(1));
+}
+
+void ActionJournalTest::forgetsWhatIsResolved()
+{
+    {
+        ActionFolder journal(folder());
+        QVERIFY(journal.enter(writer));
+        QVERIFY(journal.keep(openWrite()));
+        journal.resolved();
+    }
+    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    QCOMPARE(left.size(), std::size_t(1));
+    QVERIFY(!left[0].open);
+}
+
+void ActionJournalTest::takesAHalfWrittenRecordForNone()
+{
+    runAndDie(folder(), openWrite());
+    QFile half(file());
+    QVERIFY(half.open(QIODevice::ReadWrite));
+    half.seek(20);
+    half.write("x");
+    half.close();
+    std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    QCOMPARE(left.size(), std::size_t(1));
+    QVERIFY(!left[0].open);
+    QVERIFY(half.resize(100));
+    left = ActionFolder(folder()).leftBehind();
+    QCOMPARE(left.size(), std::size_t(1));
+    QVERIFY(!left[0].open);
+}
+
+void ActionJournalTest::cutsLongWords()
+{
+    for (const char32_t letter : {U'x', U'ü', U'\U0001F600'}) {
+        const QString words = QString::fromUcs4(&letter, 1).repeated(1000);
+        runAndDie(folder(), openWrite(words));
+        ActionFolder next(folder());
+        const std::vector<LeftWriter> left = next.leftBehind();
+        QVERIFY(left.at(0).open);
+        QVERIFY(words.startsWith(left[0].open->what));
+        QVERIFY(left[0].open->what.toUtf8().size() > 400);
+        next.leave(writer);
+    }
+    runAndDie(folder(), openWrite(u"  two\nlines "_s));
+    QCOMPARE(ActionFolder(folder()).leftBehind().at(0).open->what, u"two lines"_s);
+}
+
+void ActionJournalTest::keepsItsSize()
+{
+    ActionFolder journal(folder());
+    QVERIFY(journal.enter(writer));
+    const qint64 size = QFileInfo(file()).size();
+    QVERIFY(size > 0);
+    QVERIFY(journal.keep(openWrite()));
+    QCOMPARE(QFileInfo(file()).size(), size);
+    journal.resolved();
+    QCOMPARE(QFileInfo(file()).size(), size);
+}
+
+void ActionJournalTest::isForItsOwnerAlone()
+{
+    ActionFolder journal(folder());
+    QVERIFY(journal.enter(writer));
+    const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QVERIFY(!(QFile::permissions(file()) & others));
+    QVERIFY(!(QFile::permissions(folder()) & others));
+}
+
+void ActionJournalTest::saysWhyItCannot()
+{
+    QFile inTheWay(m_home->filePath(u"state"_s));
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    ActionFolder journal(folder());
+    const auto entered = journal.enter(writer);
+    QVERIFY(!entered);
+    QVERIFY(!entered.error().isEmpty());
+    QVERIFY(!journal.keep(openWrite()));
+    journal.resolved();
+    journal.leave(writer);
+    QVERIFY(journal.leftBehind().empty());
+}
+
+void ActionJournalTest::passesOverWhatIsNotItsOwn()
+{
+    QVERIFY(QDir().mkpath(folder() + u"/00000000-0000-0000-0000-000000000001.writer"_s));
+    QVERIFY(QFile::link(u"/etc/passwd"_s, folder() + u"/00000000-0000-0000-0000-000000000002.writer"_s));
+    QFile other(folder() + u"/notes.writer"_s);
+    QVERIFY(other.open(QIODevice::WriteOnly));
+    QVERIFY(ActionFolder(folder()).leftBehind().empty());
+}
+
+HARROWBY_CORE_TEST(action_journal_test, ActionJournalTest)
+#include "action_journal_test.moc"
