@@ -66,7 +66,7 @@ try {
 
 void LowStockReading::open()
 {
-    m_cursor = m_connection->query(QString::fromLatin1(lowStockSelect));
+    m_cursor = m_connection->queryAs(QString::fromLatin1(lowStockSelect), DbReading::Walk);
     if (!m_cursor) {
         m_state = State::Failed;
         return;

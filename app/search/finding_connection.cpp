@@ -36,6 +36,9 @@ public:
     }
     [[nodiscard]] DbValue value(int column) const override { return m_below->value(column); }
     [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_below->text(column); }
+    [[nodiscard]] std::optional<DbRowId> rowId() const override { return m_below->rowId(); }
+    [[nodiscard]] std::optional<std::int64_t> rowCount() const override { return m_below->rowCount(); }
+    [[nodiscard]] bool standsApart() const noexcept override { return m_below->standsApart(); }
 
 private:
     std::unique_ptr<DbCursor> m_below;

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,7 +32,44 @@ struct DbFailure
     QString statement;  ///< the statement's text, or for a row written by column "INSERT <table>" / "UPDATE <table>";
                         ///< a typed password is left out
     QString reason;     ///< the engine's message, or why the component refused the statement; English, one line
-    int engineCode = 0; ///< the engine's extended result code (SQLITE_...); 0 when the statement never reached it
+    int engineCode = 0; ///< SQLite's extended result code (SQLITE_...); 0 when the statement never reached it, and with
+                        ///< every other engine
+    QString engineState = {}; ///< the code of an engine that says it by SQLSTATE (five characters); else empty
+};
+
+/// What has become of a write.
+enum class WriteOutcome {
+    Done,    ///< it is in the database
+    Refused, ///< for certain it is not
+    Unknown, ///< it failed in a way that leaves open whether it is
+};
+
+/// How the rows of a SELECT are going to be read. No rows, columns or orders depend on it.
+enum class DbReading {
+    Whole, ///< all of them, at once
+    First, ///< perhaps only the first ten, and DbCursor::rowCount(); perhaps all
+    Walk,  ///< a long result, row by row from front to back, while the window handles events and other statements run
+    CountedWalk, ///< the same, with DbCursor::rowCount() before the first row
+};
+
+/// The write that a hold is for: see DbConnection::holdFor().
+enum class HeldWrite {
+    Change, ///< of a row that the SELECT yields
+    Insert, ///< of a row that the SELECT has looked for
+};
+
+/// A wait in the middle of a statement, as DbConnection::setWaitHook() tells of it.
+struct DbWait
+{
+    enum class For {
+        Connection, ///< the engine cannot be reached, yet or any more
+        Answer,     ///< it has a statement and has not answered
+        Lock,       ///< another program has locked what the statement needs
+    };
+
+    For what = For::Answer;
+    std::chrono::milliseconds since{0}; ///< how long this statement has waited
+    bool mayGiveUp = false;             ///< whether the statement ends when the hook returns false
 };
 
 /// Identifies one stored row within its table (SQLite's rowid).
@@ -65,10 +103,22 @@ public:
     /// filled without a copy. Empty (nullopt) for every other type, and where the engine cannot offer it; the caller
     /// then uses value(). Precondition as for value().
     [[nodiscard]] virtual std::optional<QByteArrayView> text(int /*column*/) const { return {}; }
+
+    /// Identity of the current row, where the engine hands it over with the row. Empty (nullopt), as in this default,
+    /// where it does not; the caller then asks DbConnection::rowIds(). Precondition as for value().
+    [[nodiscard]] virtual std::optional<DbRowId> rowId() const { return {}; }
+    /// Number of all rows of the result, of the same moment as the rows, where it is known without a further statement.
+    /// Empty (nullopt), as in this default, where it is not; the caller then asks DbConnection::countRows().
+    [[nodiscard]] virtual std::optional<std::int64_t> rowCount() const { return {}; }
+    /// Whether this cursor may stay as it is while its connection writes, shows a box or waits for a person: its rows
+    /// need nothing more of the engine that anybody else could wait for. In this default it may not, and the caller
+    /// reads the remaining rows before a write, or lets the cursor go.
+    [[nodiscard]] virtual bool standsApart() const noexcept { return false; }
 };
 
 /// The host's open database connection, as the component uses it. SqliteConnection implements it over a `sqlite3 *`;
-/// implement it to run the component over another engine that understands SQLite's dialect.
+/// implement it to run the component over another engine that understands SQLite's dialect. Functions that are not pure
+/// virtual are for engines that can do better than their defaults.
 ///
 /// Ownership: shared. The component keeps its reference after its window has been closed, until the next
 /// Init::LoadInventory() hands in another connection (or null) or the process ends. The database behind it stays the
@@ -87,6 +137,7 @@ class HARROWBY_EXPORT DbConnection
 {
 public:
     using FailureHandler = std::function<void(const DbFailure &)>;
+    using WaitHook = std::function<bool(const DbWait &)>;
 
     DbConnection() = default;
     DbConnection(const DbConnection &) = delete;
@@ -147,12 +198,35 @@ public:
     /// Asked right after Execute(), insertRow(), updateRow() or settle() has returned false for a write: whether the
     /// change may be in the database nevertheless, because the engine failed when it had perhaps been committed
     /// already. A host is told with this whether a purchase was stored (harrowby/counter.h). True, as in this default,
-    /// where the engine cannot tell.
+    /// where the engine cannot tell. The component asks lastWrite(), whose default asks this.
     [[nodiscard]] virtual bool mayHaveWritten() const;
+
+    /// What has become of the last write, asked right after Execute(), insertRow(), updateRow() or settle() has
+    /// returned; of a write that fails, also within the failure handler. Under a hold only settle() settles it. This
+    /// default knows nothing of writes that succeed, and of one that has returned false what mayHaveWritten() says.
+    [[nodiscard]] virtual WriteOutcome lastWrite() const;
+
+    /// query() for a caller that knows how it will read the rows. Same rows and errors; this default is query().
+    [[nodiscard]] virtual std::unique_ptr<DbCursor> queryAs(const QString &select, DbReading how);
+
+    /// hold() for a caller that knows which SELECT it will run next and what it will write, so that an engine that
+    /// locks rows locks what they concern and nothing else. An empty `select` stands for none. This default is hold().
+    ///
+    /// The engine may take the lock with that SELECT only: then a lock that is refused lets the SELECT fail, which is
+    /// reported, and the write stands alone.
+    virtual bool holdFor(const QString &select, HeldWrite write);
+
+    /// Sets the one hook, for an engine whose answers may take long: it is called at least every 50 milliseconds while
+    /// a statement waits, in the middle of the component's step, and paints what is waited for. It may handle no events
+    /// but its own sign's, must not throw, and runs no statement. Returning false ends the wait where
+    /// DbWait::mayGiveUp says so; the statement fails then. An empty hook switches it off. In this default it is never
+    /// called: SQLite waits in the host's own busy handler.
+    virtual void setWaitHook(WaitHook hook);
 
 private:
     friend class SelectedRows;
     friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
+    friend void finishWalksInTheWay(const std::shared_ptr<DbConnection> &connection) noexcept;
 
     FailureHandler m_failureHandler;
     /// The component's results that still fetch rows, the innermost loop's last. Never touched by implementations.

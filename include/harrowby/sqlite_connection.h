@@ -36,12 +36,13 @@ public:
     bool hold() override;
     bool settle(const QString &write) override;
     [[nodiscard]] bool mayHaveWritten() const override;
+    [[nodiscard]] WriteOutcome lastWrite() const override;
 
 private:
     sqlite3 *m_database;
     QString m_location;
     bool m_holds = false;
-    bool m_mayHaveWritten = false; ///< the last write that failed
+    WriteOutcome m_lastWrite = WriteOutcome::Done;
 };
 
 } // namespace harrowby

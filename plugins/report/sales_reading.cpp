@@ -75,7 +75,7 @@ void SalesReading::openItems()
 
 void SalesReading::open(const QString &select)
 {
-    m_cursor = m_connection->query(select);
+    m_cursor = m_connection->queryAs(select, DbReading::Walk);
     if (!m_cursor)
         m_state = State::Failed;
 }

@@ -17,6 +17,11 @@ QString withoutPassword(const QString &statement)
     return found < 0 ? statement : statement.left(found + condition.size()) + QLatin1StringView("'...'");
 }
 
+QString codeOf(const DbFailure &failure)
+{
+    return failure.engineState.isEmpty() ? QString::number(failure.engineCode) : failure.engineState;
+}
+
 } // namespace
 
 DbCursor::~DbCursor() = default;
@@ -32,7 +37,7 @@ void DbConnection::reportFailure(const DbFailure &failure) const noexcept
     try {
         DbFailure told = failure;
         told.statement = withoutPassword(failure.statement);
-        qCWarning(lcStore).noquote() << told.reason << told.engineCode << told.statement;
+        qCWarning(lcStore).noquote() << told.reason << codeOf(told) << told.statement;
         // A copy, as the handler may replace itself or drop the host's last reference to this connection.
         if (const FailureHandler handler = m_failureHandler)
             handler(told);
@@ -55,5 +60,22 @@ bool DbConnection::mayHaveWritten() const
 {
     return true;
 }
+
+WriteOutcome DbConnection::lastWrite() const
+{
+    return mayHaveWritten() ? WriteOutcome::Unknown : WriteOutcome::Refused;
+}
+
+std::unique_ptr<DbCursor> DbConnection::queryAs(const QString &select, DbReading /*how*/)
+{
+    return query(select);
+}
+
+bool DbConnection::holdFor(const QString & /*select*/, HeldWrite /*write*/)
+{
+    return hold();
+}
+
+void DbConnection::setWaitHook(WaitHook /*hook*/) {}
 
 } // namespace harrowby

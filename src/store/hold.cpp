@@ -9,11 +9,11 @@
 
 namespace harrowby {
 
-Hold::Hold(const std::shared_ptr<DbConnection> &connection) noexcept
+Hold::Hold(const std::shared_ptr<DbConnection> &connection, const QString &select, HeldWrite write) noexcept
 {
-    finishWalks(connection);
+    finishWalksInTheWay(connection);
     try {
-        if (connection && connection->hold())
+        if (connection && connection->holdFor(select, write))
             m_connection = connection;
     } catch (...) {
         qCWarning(lcStore, "Nothing could be held, so the next write goes on alone: the connection threw something");

@@ -14,8 +14,10 @@ namespace harrowby {
 class Hold
 {
 public:
-    /// Finishes the walks first: SQLite refuses the write lock while an open cursor reads an older snapshot.
-    explicit Hold(const std::shared_ptr<DbConnection> &connection) noexcept;
+    /// For the SELECT that is run next; empty when none is. Finishes the walks first that stand in the way: SQLite
+    /// refuses the write lock while an open cursor reads an older snapshot.
+    explicit Hold(const std::shared_ptr<DbConnection> &connection, const QString &select = {},
+                  HeldWrite write = HeldWrite::Change) noexcept;
     Hold(const Hold &) = delete;
     Hold &operator=(const Hold &) = delete;
     /// Rolls back when settle() was not called.

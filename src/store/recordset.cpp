@@ -128,7 +128,7 @@ DbRecordset::Outcome DbRecordset::Private::write(const QString &what, Change &&c
 
 DbRecordset::Outcome DbRecordset::Private::outcomeOfFailure() const noexcept
 try {
-    return connection && connection->mayHaveWritten() ? Outcome::NotKnown : Outcome::NotWritten;
+    return connection && connection->lastWrite() != WriteOutcome::Refused ? Outcome::NotKnown : Outcome::NotWritten;
 } catch (...) {
     return Outcome::NotKnown;
 }
@@ -188,7 +188,8 @@ void DbRecordset::OpenHeld(const Statement &select, const std::shared_ptr<DbConn
                            Access access) noexcept
 {
     d = std::make_unique<Private>(select, connection, access);
-    d->hold.emplace(connection);
+    d->hold.emplace(connection, select.isRefused() ? QString() : select.sql(),
+                    access == Access::Edit ? HeldWrite::Change : HeldWrite::Insert);
     d->run(select);
 }
 
@@ -231,7 +232,7 @@ void DbRecordset::AddNew() noexcept
 
 DbRecordset::Outcome DbRecordset::Update() noexcept
 {
-    finishWalks(d->connection);
+    finishWalksInTheWay(d->connection);
     const Outcome outcome = d->standing == Private::Standing::Adding ? d->addRow() : d->changeRow();
     d->hold.reset(); // also where nothing was written
     return outcome;
@@ -282,7 +283,7 @@ void DbField::assign(DbValue value)
 
 bool Execute(const std::shared_ptr<DbConnection> &connection, const Statement &statement) noexcept
 {
-    finishWalks(connection);
+    finishWalksInTheWay(connection);
     if (statement.isRefused()) {
         report(connection, {DbFailure::Kind::Write, statement.sql(), statement.refusal(), 0});
         return false;

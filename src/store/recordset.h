@@ -67,8 +67,9 @@ public:
               Access access = Access::Read) noexcept;
 
     /// The same, and keeps the write lock until the next Update() has written (see Hold), so that no other till writes
-    /// in between. Update() or the next opening releases it, also on failure. Precondition: no box, no event loop and
-    /// no other statement before that.
+    /// in between. Update() or the next opening releases it, also on failure. Edit is for a row that is changed, Read
+    /// for one that is added because of what was found. Precondition: no box, no event loop and no other statement
+    /// before that.
     void OpenHeld(const Statement &select, const std::shared_ptr<DbConnection> &connection, Access access) noexcept;
 
     /// Whether the result is empty because the statement was refused or failed, not because it matched no row.
@@ -97,11 +98,15 @@ private:
     std::unique_ptr<Private> d;
 };
 
-/// Reads the remaining rows of the connection's walks into memory and closes their statements. Called before
-/// - every change: SQLite refuses it while an open statement reads a snapshot older than another program's change;
-/// - a row is read to be changed, which must not come from that old snapshot;
-/// - a box or another window, for whose time an open statement would keep the write-ahead log from being reset.
+/// Reads the remaining rows of the connection's walks into memory and closes their statements. Called before a box or
+/// another window, for whose time an open statement would keep SQLite's write-ahead log from being reset, and a server
+/// from clearing away what has changed.
 void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
+
+/// The same of those alone that do not stand apart (DbCursor::standsApart()). Called before
+/// - every change: SQLite refuses it while an open statement reads a snapshot older than another program's change;
+/// - a row is read to be changed, which must not come from that old snapshot.
+void finishWalksInTheWay(const std::shared_ptr<DbConnection> &connection) noexcept;
 
 /// Executes a change on the connection. Refused statements, failing ones and a null connection are reported
 /// and skipped; what the connection throws counts as a failure.

@@ -15,6 +15,12 @@ namespace {
 constexpr qsizetype firstRows = 10;
 constexpr qsizetype allRows = std::numeric_limits<qsizetype>::max();
 
+std::int32_t asCount(std::int64_t rows)
+{
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::clamp(rows, std::int64_t{0}, most));
+}
+
 } // namespace
 
 SelectedRows::SelectedRows(std::shared_ptr<DbConnection> connection, QString select) :
@@ -35,7 +41,7 @@ void SelectedRows::readFirst() noexcept
 void SelectedRows::readForEditing() noexcept
 {
     // Values computed from these rows are written back, so they must not come from a walk's older snapshot.
-    finishWalks(m_connection);
+    finishWalksInTheWay(m_connection);
     read(allRows, true);
 }
 
@@ -50,20 +56,57 @@ void SelectedRows::read(qsizetype limit, bool withIds) noexcept
 
 void SelectedRows::fill(qsizetype limit, bool withIds)
 {
-    const std::unique_ptr<DbCursor> cursor = m_connection->query(m_select);
+    std::unique_ptr<DbCursor> cursor =
+        m_connection->queryAs(m_select, limit == allRows ? DbReading::Whole : DbReading::First);
     if (!cursor)
         return;
     DbCursor::Step step = cursor->next();
     m_rows.reset(cursor->columnNames());
-    if (withIds && step == DbCursor::Step::Row)
+    const bool idsCome = withIds && step == DbCursor::Step::Row && cursor->rowId();
+    if (withIds && step == DbCursor::Step::Row && !idsCome)
         readRowIds();
-    for (; step == DbCursor::Step::Row && m_rows.count() < limit; step = cursor->next())
+    for (; step == DbCursor::Step::Row && m_rows.count() < limit; step = cursor->next()) {
+        if (const std::optional<DbRowId> id = idsCome ? cursor->rowId() : std::nullopt)
+            m_rowIds.push_back(*id);
         appendRow(*cursor);
+    }
     m_hasFailed = step == DbCursor::Step::Failed;
     if (m_hasFailed)
         forget();
     m_isWhole = step != DbCursor::Step::Row;
     m_rows.squeeze();
+    if (!m_isWhole)
+        keepRest(std::move(cursor));
+}
+
+/// What the engine has said about the rows that were not read; and the cursor, where nobody minds that it stays open.
+void SelectedRows::keepRest(std::unique_ptr<DbCursor> cursor)
+{
+    if (const std::optional<std::int64_t> rows = cursor->rowCount())
+        m_count = asCount(*rows);
+    if (cursor->standsApart())
+        m_rest = std::move(cursor);
+}
+
+void SelectedRows::readRest() noexcept
+{
+    m_hasFailed = !appendRest(*m_rest);
+    m_rest.reset();
+    m_isWhole = true;
+    if (m_hasFailed)
+        forget();
+}
+
+/// Appends the row that the cursor stands on, and those after it. False when it fails.
+bool SelectedRows::appendRest(DbCursor &cursor) noexcept
+{
+    auto step = DbCursor::Step::Row;
+    const bool read = runReported(m_connection, DbFailure::Kind::Read, m_select, [&] {
+        for (; step == DbCursor::Step::Row; step = cursor.next())
+            appendRow(cursor);
+        m_rows.squeeze();
+    });
+    return read && step == DbCursor::Step::Done;
 }
 
 void SelectedRows::appendRow(const DbCursor &cursor)
@@ -89,7 +132,7 @@ void SelectedRows::beginWalk() noexcept
 {
     m_hasFailed = true;
     runReported(m_connection, DbFailure::Kind::Read, m_select, [this] {
-        std::unique_ptr<DbCursor> cursor = m_connection->query(m_select);
+        std::unique_ptr<DbCursor> cursor = m_connection->queryAs(m_select, DbReading::CountedWalk);
         if (!cursor)
             return;
         const DbCursor::Step step = cursor->next();
@@ -98,6 +141,8 @@ void SelectedRows::beginWalk() noexcept
         m_isWhole = step != DbCursor::Step::Row;
         if (m_isWhole)
             return;
+        if (const std::optional<std::int64_t> rows = cursor->rowCount())
+            m_count = asCount(*rows);
         m_connection->m_walks.push_back(this);
         m_walk = std::move(cursor);
     });
@@ -116,13 +161,7 @@ void SelectedRows::stepWalk() noexcept
 /// Reads the rows that are left, and closes the cursor.
 void SelectedRows::finishWalk() noexcept
 {
-    auto step = DbCursor::Step::Row;
-    const bool read = runReported(m_connection, DbFailure::Kind::Read, m_select, [&] {
-        for (; step == DbCursor::Step::Row; step = m_walk->next())
-            appendRow(*m_walk);
-        m_rows.squeeze();
-    });
-    m_hasFailed = !read || step == DbCursor::Step::Failed;
+    m_hasFailed = !appendRest(*m_walk);
     endWalk();
 }
 
@@ -153,13 +192,13 @@ std::int32_t SelectedRows::counted() noexcept
             forget();
         result = found.value_or(0);
     }
-    return static_cast<std::int32_t>(std::clamp(result, static_cast<std::int64_t>(0),
-                                                static_cast<std::int64_t>(std::numeric_limits<std::int32_t>::max())));
+    return asCount(result);
 }
 
 void SelectedRows::forget() noexcept
 {
     endWalk();
+    m_rest.reset();
     m_rows = RowBuffer();
     m_rowIds.clear();
     m_passed = 0;
@@ -168,7 +207,9 @@ void SelectedRows::forget() noexcept
 
 bool SelectedRows::hasRow() noexcept
 {
-    if (!m_isWhole && !m_walk)
+    if (!m_isWhole && m_rest)
+        readRest();
+    else if (!m_isWhole && !m_walk)
         read(allRows, false);
     return !atEnd();
 }
@@ -226,6 +267,15 @@ void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept
 {
     while (connection && !connection->m_walks.empty())
         connection->m_walks.back()->finishWalk();
+}
+
+void finishWalksInTheWay(const std::shared_ptr<DbConnection> &connection) noexcept
+{
+    for (std::size_t i = connection ? connection->m_walks.size() : 0; i-- > 0;) {
+        SelectedRows *walk = connection->m_walks[i];
+        if (!walk->m_walk->standsApart())
+            walk->finishWalk();
+    }
 }
 
 } // namespace harrowby

@@ -52,9 +52,13 @@ public:
 
 private:
     friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
+    friend void finishWalksInTheWay(const std::shared_ptr<DbConnection> &connection) noexcept;
 
     void read(qsizetype limit, bool withIds) noexcept;
     void fill(qsizetype limit, bool withIds);
+    void keepRest(std::unique_ptr<DbCursor> cursor);
+    void readRest() noexcept;
+    [[nodiscard]] bool appendRest(DbCursor &cursor) noexcept;
     void readRowIds() noexcept;
     void stepWalk() noexcept;
     void finishWalk() noexcept;
@@ -72,6 +76,7 @@ private:
     std::optional<std::int32_t> m_count;
     std::vector<DbRowId> m_rowIds;
     std::unique_ptr<DbCursor> m_walk; ///< stands on the current row; null when this is no walk, or one read to its end
+    std::unique_ptr<DbCursor> m_rest; ///< has the rows that `m_rows` lacks, and stands on the first of them; or null
     std::int64_t m_passed = 0;        ///< rows that the walk has passed; `m_rows` never holds them
 };
 

@@ -126,15 +126,9 @@ bool mayHaveCommitted(int code)
     }
 }
 
-struct Change
-{
-    bool isDone = false;
-    bool mayHaveWritten = false; ///< though it is not done
-};
-
-/// Binds the values and steps to the end. Reports what fails.
-Change change(const DbConnection &connection, const QString &what, SqliteStatement statement,
-              const DbAssignments &values)
+/// Binds the values and steps to the end. Reports what fails, when `outcome` says what has become of it.
+bool change(const DbConnection &connection, const QString &what, SqliteStatement statement, const DbAssignments &values,
+            WriteOutcome &outcome)
 {
     int parameter = 0;
     for (const auto &[column, value] : values)
@@ -142,10 +136,13 @@ Change change(const DbConnection &connection, const QString &what, SqliteStateme
     const bool runs = !statement.hasFailed();
     while (statement.step() == Step::Row) {
     }
+    const bool isOpen = statement.hasFailed() && runs && mayHaveCommitted(statement.extendedCode());
+    outcome = isOpen ? WriteOutcome::Unknown : WriteOutcome::Refused;
     if (!statement.hasFailed())
-        return {true, false};
-    reportError(connection, Kind::Write, what, statement);
-    return {false, runs && mayHaveCommitted(statement.extendedCode())};
+        outcome = WriteOutcome::Done;
+    else
+        reportError(connection, Kind::Write, what, statement);
+    return outcome == WriteOutcome::Done;
 }
 
 QString insertText(const QString &table, const DbAssignments &values)
@@ -191,9 +188,7 @@ SqliteConnection::~SqliteConnection() = default;
 
 bool SqliteConnection::Execute(const QString &statement)
 {
-    const Change made = change(*this, statement, SqliteStatement(m_database, statement, Purpose::Change), {});
-    m_mayHaveWritten = made.mayHaveWritten;
-    return made.isDone;
+    return change(*this, statement, SqliteStatement(m_database, statement, Purpose::Change), {}, m_lastWrite);
 }
 
 std::unique_ptr<DbCursor> SqliteConnection::query(const QString &select)
@@ -241,10 +236,8 @@ std::optional<std::vector<DbRowId>> SqliteConnection::rowIds(const QString &sele
 
 bool SqliteConnection::insertRow(const QString &table, const DbAssignments &values)
 {
-    const Change made = change(*this, u"INSERT "_s + table,
-                               SqliteStatement(m_database, insertText(table, values), Purpose::Change), values);
-    m_mayHaveWritten = made.mayHaveWritten;
-    return made.isDone;
+    return change(*this, u"INSERT "_s + table, SqliteStatement(m_database, insertText(table, values), Purpose::Change),
+                  values, m_lastWrite);
 }
 
 bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssignments &values)
@@ -256,9 +249,7 @@ bool SqliteConnection::updateRow(const QString &table, DbRowId row, const DbAssi
         statement = SqliteStatement(m_database, updateText(table, row, rowId, values), Purpose::Change);
     else if (!statement.hasFailed())
         statement.refuse(u"the rows have no identity"_s);
-    const Change made = change(*this, what, std::move(statement), values);
-    m_mayHaveWritten = made.mayHaveWritten;
-    return made.isDone;
+    return change(*this, what, std::move(statement), values, m_lastWrite);
 }
 
 QString SqliteConnection::location() const
@@ -278,16 +269,16 @@ bool SqliteConnection::hold()
 
 bool SqliteConnection::settle(const QString &write)
 {
-    m_mayHaveWritten = false;
     if (!std::exchange(m_holds, false))
         return true;
     const bool kept = !write.isEmpty() && run(m_database, "COMMIT");
     const DbFailure failure{Kind::Write, write, QString::fromUtf8(sqlite3_errmsg(m_database)),
                             sqlite3_extended_errcode(m_database)};
+    m_lastWrite = kept ? WriteOutcome::Done : WriteOutcome::Refused;
     if (isWithinTransaction(m_database)) // SQLite rolls back by itself after some errors
         run(m_database, "ROLLBACK");
-    else
-        m_mayHaveWritten = !kept && mayHaveCommitted(failure.engineCode);
+    else if (!kept && !write.isEmpty() && mayHaveCommitted(failure.engineCode))
+        m_lastWrite = WriteOutcome::Unknown;
     if (!kept && !write.isEmpty())
         reportFailure(failure); // after the rollback: the handler must not run under the lock
     return kept;
@@ -295,7 +286,12 @@ bool SqliteConnection::settle(const QString &write)
 
 bool SqliteConnection::mayHaveWritten() const
 {
-    return m_mayHaveWritten;
+    return m_lastWrite == WriteOutcome::Unknown;
+}
+
+WriteOutcome SqliteConnection::lastWrite() const
+{
+    return m_lastWrite;
 }
 
 } // namespace harrowby

@@ -21,6 +21,9 @@ public:
     [[nodiscard]] Step next() override { return m_rows-- > 0 ? m_below->next() : Step::Failed; }
     [[nodiscard]] DbValue value(int column) const override { return m_below->value(column); }
     [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_below->text(column); }
+    [[nodiscard]] std::optional<DbRowId> rowId() const override { return m_below->rowId(); }
+    [[nodiscard]] std::optional<std::int64_t> rowCount() const override { return m_below->rowCount(); }
+    [[nodiscard]] bool standsApart() const noexcept override { return m_below->standsApart(); }
 
 private:
     std::unique_ptr<DbCursor> m_below;
@@ -61,7 +64,9 @@ bool RecordingConnection::passes(const QString &statement)
 {
     statements << statement;
     before(statement);
-    if (!fails || !fails(statement))
+    m_isStopped = true; // also when the test throws
+    m_isStopped = fails && fails(statement);
+    if (!m_isStopped)
         return true;
     reportFailure({DbFailure::Kind::Write, statement, u"picked by the test"_s, 0});
     return false;
@@ -90,7 +95,12 @@ bool RecordingConnection::Execute(const QString &statement)
 
 std::unique_ptr<DbCursor> RecordingConnection::query(const QString &select)
 {
-    std::unique_ptr<DbCursor> cursor = passes(select) ? m_below->query(select) : nullptr;
+    return queryAs(select, DbReading::Whole);
+}
+
+std::unique_ptr<DbCursor> RecordingConnection::queryAs(const QString &select, DbReading how)
+{
+    std::unique_ptr<DbCursor> cursor = passes(select) ? m_below->queryAs(select, how) : nullptr;
     const int rows = rowsUntilBreak(select);
     return cursor && rows >= 0 ? std::make_unique<BreakingCursor>(std::move(cursor), rows) : std::move(cursor);
 }
@@ -120,9 +130,26 @@ bool RecordingConnection::updateRow(const QString &table, DbRowId row, const DbA
 
 bool RecordingConnection::hold()
 {
+    return beginHold(!refusesHolds && m_below->hold());
+}
+
+bool RecordingConnection::holdFor(const QString &select, HeldWrite write)
+{
+    return beginHold(!refusesHolds && m_below->holdFor(select, write));
+}
+
+bool RecordingConnection::beginHold(bool isHeld)
+{
     m_held.clear();
-    m_holds = !refusesHolds && m_below->hold();
+    m_holds = isHeld;
     return m_holds;
+}
+
+WriteOutcome RecordingConnection::lastWrite() const
+{
+    if (mayHave)
+        return *mayHave ? WriteOutcome::Unknown : WriteOutcome::Refused;
+    return m_isStopped ? WriteOutcome::Refused : m_below->lastWrite();
 }
 
 bool RecordingConnection::settle(const QString &write)

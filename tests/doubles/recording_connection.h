@@ -43,15 +43,21 @@ public:
     bool hold() override;
     bool settle(const QString &write) override;
     [[nodiscard]] bool mayHaveWritten() const override { return mayHave.value_or(m_below->mayHaveWritten()); }
+    [[nodiscard]] WriteOutcome lastWrite() const override;
+    [[nodiscard]] std::unique_ptr<DbCursor> queryAs(const QString &select, DbReading how) override;
+    bool holdFor(const QString &select, HeldWrite write) override;
+    void setWaitHook(WaitHook hook) override { m_below->setWaitHook(std::move(hook)); }
 
 private:
     bool passes(const QString &statement);
+    bool beginHold(bool isHeld);
     bool write(const QString &text, const std::function<bool()> &work);
     bool settleBelow(const QString &write);
 
     std::shared_ptr<DbConnection> m_below;
     bool m_holds = false;
-    QString m_held; ///< the write under it
+    bool m_isStopped = false; ///< the last write never reached the connection below
+    QString m_held;           ///< the write under it
 };
 
 } // namespace harrowby::test

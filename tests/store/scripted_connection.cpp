@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/store/scripted_connection.h"
 
+#include <iterator>
 #include <stdexcept>
 
 namespace harrowby {
@@ -42,6 +43,16 @@ public:
         (void)m_connection.comesThrough(u"value"_s, DbFailure::Kind::Read);
         return m_connection.rows[m_at - 1][static_cast<std::size_t>(column)];
     }
+
+    [[nodiscard]] std::optional<DbRowId> rowId() const override
+    {
+        return m_connection.idsComeWithRows ? std::optional(m_connection.ids[m_at - 1]) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<std::int64_t> rowCount() const override
+    {
+        return m_connection.countComesWithRows ? std::optional(std::ssize(m_connection.rows)) : std::nullopt;
+    }
+    [[nodiscard]] bool standsApart() const noexcept override { return m_connection.standsApart; }
 
 private:
     ScriptedConnection &m_connection;
@@ -122,6 +133,18 @@ bool ScriptedConnection::updateRow(const QString &inTable, DbRowId changedRow, c
     row = changedRow;
     written = values;
     return comesThrough(u"updateRow"_s, DbFailure::Kind::Write);
+}
+
+std::unique_ptr<DbCursor> ScriptedConnection::queryAs(const QString &select, DbReading how)
+{
+    readings.push_back(how);
+    return DbConnection::queryAs(select, how);
+}
+
+bool ScriptedConnection::holdFor(const QString &select, HeldWrite write)
+{
+    holds << (write == HeldWrite::Change ? u"change "_s : u"insert "_s) + select;
+    return DbConnection::holdFor(select, write);
 }
 
 QString ScriptedConnection::location() const

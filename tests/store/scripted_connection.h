@@ -24,11 +24,18 @@ public:
     /// "columnNames", "countRows", "rowIds", "insertRow", "updateRow".
     QHash<QString, Fault> faults;
 
+    /// What the cursors of this engine can do beyond the least.
+    bool idsComeWithRows = false;
+    bool countComesWithRows = false;
+    bool standsApart = false;
+
     QHash<QString, int> calls;
     int liveCursors = 0;
     bool idsAskedOnFirstRow = false;
     std::vector<DbFailure> failures; ///< as the failure handler was told
     QStringList statements;          ///< as they came in
+    std::vector<DbReading> readings; ///< how each SELECT is read
+    QStringList holds;               ///< "change SELECT" or "insert SELECT"; none is granted
     QString table;
     DbRowId row = 0;
     DbAssignments written;
@@ -44,6 +51,8 @@ public:
     bool insertRow(const QString &intoTable, const DbAssignments &values) override;
     bool updateRow(const QString &inTable, DbRowId changedRow, const DbAssignments &values) override;
     [[nodiscard]] QString location() const override;
+    [[nodiscard]] std::unique_ptr<DbCursor> queryAs(const QString &select, DbReading how) override;
+    bool holdFor(const QString &select, HeldWrite write) override;
 
     /// Counts a call and lets it fail as scripted; false when it is to fail.
     bool comesThrough(const QString &operation, DbFailure::Kind kind);
