@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Writes what makes the store program's own tables into the file that it is given: on a server the set-up makes them.
+#include "app/records/record_tables.h"
+
+#include <QFile>
+
+int main(int argc, char **argv)
+{
+    using namespace harrowby::app;
+    QFile file(argc == 2 ? QString::fromLocal8Bit(argv[1]) : QString());
+    if (!file.open(QIODevice::WriteOnly))
+        return 1;
+    for (const RecordTable *table : {&kept::setting(), &kept::code(), &kept::activity(), &kept::drawerOpening(),
+                                     &kept::held(), &kept::payment(), &kept::import()}) {
+        for (const QString &statement : table->making)
+            file.write(statement.toUtf8() + ";\n");
+    }
+    return file.flush() ? 0 : 1;
+}

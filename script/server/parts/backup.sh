@@ -1,0 +1,123 @@
+# shellcheck shell=bash
+# backup: a copy of the whole cluster, and with the log that the server keeps adding beside it, every moment since.
+# In the folder: base/TIME (UTC, when it was done), log/ and keys.tar.
+
+do_backup() {
+    local folder
+    take_options "to: keep: timer:" "$@"
+    ((${#rest[@]} == 0)) || misused "backup takes no '${rest[0]}'"
+    need_running
+    if is_standby; then
+        say "This machine is the standby; the one that the tills sell with makes the backups."
+        exit 3
+    fi
+    [ -z "${opt[to]:-}" ] || machine[backup]=$(absolute "${opt[to]}")
+    [ -z "${opt[keep]:-}" ] || machine[keep]=${opt[keep]}
+    [ -n "${machine[backup]:-}" ] || misused "backup needs --to FOLDER the first time: on another disk, or another machine's"
+    : "${machine[keep]:=7}"
+    check_number "${machine[keep]}"
+    ((machine[keep] > 0)) || misused "at least one backup is kept"
+    [[ ${machine[backup]} != *[\"\'\\%]* ]] || misused "no quotes, backslashes or % in the folder's name"
+    folder=${machine[backup]}
+    make_places "$folder"
+    save_machine
+    [ -z "${opt[timer]:-}" ] || set_timer "${opt[timer]}"
+    keep_log
+    copy_cluster "$folder"
+    keep_keys "$folder"
+    drop_old "$folder"
+}
+
+make_places() {
+    local place
+    for place in "$1" "$1/base" "$1/log"; do
+        [ -d "$place" ] || as_owner_folder "$place"
+        as_owner test -w "$place" || die "the server cannot write into $place"
+    done
+    [ "$(stat -c %d "$1")" != "$(stat -c %d "$data")" ] ||
+        warn "$1 is on the same disk as the store: when that dies, both are gone"
+}
+
+# The log first: with a copy alone, only the copy's moment could be restored.
+keep_log() {
+    local last second
+    write_settings
+    control reload
+    sleep 0.3
+    # Something must have been written for a switch to finish a piece.
+    last=$(sql_in_postgres -c "select pg_logical_emit_message(false, 'harrowby-server', 'backup')" \
+        -c 'select pg_walfile_name(pg_switch_wal())' | tail -n 1)
+    for ((second = 0; second < 120; ++second)); do
+        [ ! -f "${machine[backup]}/log/$last" ] || return 0
+        sleep 0.5
+    done
+    die "the server does not get its log into ${machine[backup]}/log; its own log says why: $server_log"
+}
+
+copy_cluster() {
+    local making=$1/base/.making done_at
+    rm -rf "$making" # what an earlier try has left
+    as_owner_folder "$making"
+    say "Copying ..."
+    as_owner "$programs/pg_basebackup" -h "$sockets" -p "${machine[port]}" -U "$owner" -D "$making" -X stream -c fast \
+        --manifest-checksums=SHA256 ${unsynced:+"$unsynced"} || die "the copy failed; earlier ones are as they were"
+    as_owner "$programs/pg_verifybackup" -q "$making" ||
+        die "the copy in $making is not what was read: the disk of the store or of the backup is at fault"
+    done_at=$(date -u +%Y%m%dT%H%M%SZ)
+    mv -T "$making" "$1/base/$done_at"
+    [ -n "$unsynced" ] || sync -f "$1" # the whole file system that it is on
+    say "Backed up and checked: $1/base/$done_at"
+}
+
+# With the shop's keys a new machine can take this one's place without a visit at each till.
+keep_keys() {
+    (umask 077 && tar -C "$etc" -cf "$1/keys.tar.new" ca.crt ca.key)
+    mv "$1/keys.tar.new" "$1/keys.tar"
+}
+
+backups_in() { find "$1/base" -mindepth 1 -maxdepth 1 -type d -name '[0-9]*T[0-9]*Z' -printf '%f\n' | sort; }
+
+# The log is kept from the start of the oldest backup on.
+drop_old() {
+    local all oldest start
+    mapfile -t all < <(backups_in "$1")
+    while ((${#all[@]} > machine[keep])); do
+        rm -rf "${1:?}/base/${all[0]:?}"
+        all=("${all[@]:1}")
+    done
+    oldest=${all[0]}
+    start=$(sed -nE 's/^START WAL LOCATION: .* \(file ([0-9A-F]{24})\)$/\1/p' "$1/base/$oldest/backup_label")
+    [ -z "$start" ] || as_owner "$programs/pg_archivecleanup" "$1/log" "$start"
+}
+
+set_timer() {
+    local units=$root/etc/systemd/system
+    [[ $1 =~ ^([01][0-9]|2[0-3]):[0-5][0-9]$ ]] || misused "--timer takes a time of the day, like 02:30"
+    install -d -m 755 "$units"
+    put "$units/harrowby-server-backup.service" 644 "$(id -un)" <<UNIT
+[Unit]
+Description=Backup of the shop's server
+
+[Service]
+Type=oneshot
+ExecStart=$(readlink -f "$0") backup
+# On a standby there is nothing to do.
+SuccessExitStatus=3
+UNIT
+    put "$units/harrowby-server-backup.timer" 644 "$(id -un)" <<UNIT
+[Unit]
+Description=Backup of the shop's server, every day
+
+[Timer]
+OnCalendar=$1
+Persistent=true
+
+[Install]
+WantedBy=timers.target
+UNIT
+    if [ -z "$root" ]; then
+        systemctl daemon-reload
+        systemctl enable -q --now harrowby-server-backup.timer
+    fi
+    say "Every day at $1, into ${machine[backup]}, the last ${machine[keep]} are kept."
+}

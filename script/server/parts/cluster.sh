@@ -1,0 +1,128 @@
+# shellcheck shell=bash
+# The cluster: making, settings, starting and stopping.
+
+is_ours() { [ -f "$etc/machine" ] && [ -d "$conf" ]; }
+
+need_ours() { is_ours || die "this machine has no server yet: harrowby-server create, or harrowby-server standby FILE"; }
+
+is_running() { "$programs/pg_isready" -q -h "$sockets" -p "${machine[port]}" -t 3; }
+
+is_standby() { [ -f "$data/standby.signal" ]; }
+
+need_running() {
+    need_ours
+    is_running || die "the server does not run; its log: $server_log"
+}
+
+need_primary() {
+    need_running
+    ! is_standby || die "this machine is the standby. Do this on the one that the tills sell with"
+}
+
+control() {
+    local skip=()
+    [ -z "$root" ] || skip=(--skip-systemctl-redirect)
+    pg_ctlcluster "${skip[@]}" "$version" "$cluster" "$@" 9>&- # the server does not hold our lock
+}
+
+# With a line a minute, as making up for a crash can take its time.
+wait_running() {
+    local second
+    for ((second = 1; second <= 600; ++second)); do
+        is_running && return 0
+        ((second % 60)) || say "The server is not ready yet ..."
+        sleep 1
+    done
+    return 1
+}
+
+start_server() {
+    is_running && return 0
+    control start || true # also says no when it only takes long
+    wait_running || die "the server does not start; its log: $server_log"
+}
+
+stop_server() {
+    [ -f "$data/postmaster.pid" ] || return 0
+    control stop -m fast || ! is_running || die "the server cannot be stopped"
+}
+
+# What has changed in the settings: as much as goes without a restart, which is the shop's to choose.
+use_settings() {
+    control reload
+    sleep 0.3
+    local waiting
+    waiting=$(sql_in_postgres -c "select string_agg(name, ', ') from pg_settings where pending_restart")
+    [ -z "$waiting" ] || {
+        warn "this counts from the next start of the server: $waiting."
+        say "When no till sells: pg_ctlcluster $version $cluster restart"
+    }
+}
+
+# Connections that so many tills and offices can have at once: up to six each, and some for whoever keeps the server.
+room_for() { printf '%s' $((30 + 6 * $1)); }
+
+make_cluster() {
+    if [ -d "$conf" ] || [ -d "$data" ]; then
+        is_ours || die "there is a cluster '$cluster' that was not made here ($conf, $data); it is not touched"
+        return 0
+    fi
+    say "Making the server's cluster ..."
+    local port=()
+    [ -z "${machine[port]:-}" ] || port=(-p "${machine[port]}")
+    install -d -m 755 "$root/etc/postgresql" "$root/var/lib/postgresql/$version" "$root/var/log/postgresql"
+    if [ -n "$root" ]; then
+        install -d -m 755 "$sockets"
+        [ "$(id -u)" -ne 0 ] || chown "$owner:" "$sockets"
+    fi
+    pg_createcluster -u "$owner" -d "$data" -l "$server_log" -s "$sockets" --locale C -e UTF8 "${port[@]}" \
+        "$version" "$cluster" -- --data-checksums --auth=peer ${unsynced:+"$unsynced"} >/dev/null
+    machine[port]=$(pg_conftool -s "$version" "$cluster" show port)
+    save_machine
+}
+
+write_settings() {
+    local archive=/bin/true
+    # %p and %f are the server's. Without a place for them yet, the log's files are not kept.
+    [ -z "${machine[backup]:-}" ] || archive="\"$here/archive-log\" \"%p\" \"%f\" \"${machine[backup]}/log\""
+    put "$conf/conf.d/harrowby.conf" 644 "$owner" <<SETTINGS
+# Written by harrowby-server; what differs belongs into a file that comes after this one.
+listen_addresses = '${machine[address]}'
+max_connections = $(room_for "${machine[tills]}")
+ssl = on
+ssl_cert_file = '$conf/server.crt'
+ssl_key_file = '$conf/server.key'
+ssl_ca_file = ''
+ssl_crl_file = ''
+ssl_min_protocol_version = 'TLSv1.2'
+password_encryption = 'scram-sha-256'
+fsync = $([ -n "$unsynced" ] && echo off || echo on)
+full_page_writes = on
+synchronous_commit = on
+wal_level = replica
+hot_standby = on
+max_wal_senders = 10
+max_replication_slots = 10
+wal_retrieve_retry_interval = '1s'
+max_slot_wal_keep_size = '20GB'
+wal_sender_timeout = '10s'
+wal_receiver_timeout = '10s'
+archive_mode = on
+archive_command = '$archive'
+archive_timeout = '60s'
+# A till that has died or hangs lets go of its locks and its connections.
+tcp_keepalives_idle = 10
+tcp_keepalives_interval = 5
+tcp_keepalives_count = 3
+idle_in_transaction_session_timeout = '30s'
+deadlock_timeout = '1s'
+SETTINGS
+    put "$conf/pg_hba.conf" 640 "$owner" <<ACCESS
+# Written by harrowby-server: who gets in, and how. Whoever is in no line does not; the database lets its own groups in.
+local   all          $owner  peer
+local   replication  $owner  peer
+hostssl all          $owner  all  reject
+hostssl $database     all  ${machine[network]}  scram-sha-256
+hostssl replication  +harrowby_standby  ${machine[network]}  scram-sha-256
+ACCESS
+}

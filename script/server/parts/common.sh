@@ -1,0 +1,185 @@
+# shellcheck shell=bash
+# What all commands use: words, options, files, what is remembered of this machine, and its SQL.
+
+root=${HARROWBY_SERVER_ROOT:-}
+root=${root%/}
+unsynced= # an option of the server's programs, for the tests
+etc=$root/etc/harrowby-server
+cluster=harrowby
+database=harrowby
+declare -A opt=()     # options of the command line
+declare -a rest=()    # and what is none
+declare -A machine=() # what is remembered of this machine: name, address, network, port, tills, version, backup, keep
+
+say() { printf '%s\n' "$*"; }
+warn() { printf 'Note: %s\n' "$*" >&2; }
+die() {
+    printf 'harrowby-server: %s\n' "$*" >&2
+    exit 1
+}
+misused() {
+    printf 'harrowby-server: %s\n' "$*" >&2
+    exit 2
+}
+
+# take_options "NAME: FLAG …" ARGUMENT…: a name with a colon takes a value.
+take_options() {
+    local known=" $1 " name
+    shift
+    while (($#)); do
+        case $1 in
+            --*=*) set -- "${1%%=*}" "${1#*=}" "${@:2}" ;;
+            --*)
+                name=${1#--}
+                if [[ $known == *" $name: "* ]]; then
+                    (($# > 1)) || misused "--$name needs a value"
+                    opt[$name]=$2
+                    shift 2
+                elif [[ $known == *" $name "* ]]; then
+                    opt[$name]=yes
+                    shift
+                else
+                    misused "there is no option --$name here"
+                fi
+                ;;
+            *)
+                rest+=("$1")
+                shift
+                ;;
+        esac
+    done
+}
+
+absolute() {
+    case $1 in
+        /*) printf '%s' "$1" ;;
+        *) printf '%s' "$began_in/$1" ;;
+    esac
+}
+
+check_name() {
+    [[ $1 =~ ^[a-z0-9]([a-z0-9-]{0,38}[a-z0-9])?$ ]] ||
+        misused "'$1' is no name here: small letters, digits and hyphens, at most 40"
+}
+check_number() {
+    [[ $1 =~ ^[0-9]{1,5}$ ]] || misused "'$1' is no whole number"
+}
+check_address() {
+    [[ $1 =~ ^[A-Za-z0-9.:-]{1,253}$ ]] || misused "'$1' is no address"
+}
+check_network() {
+    [[ $1 =~ ^[0-9a-fA-F.:]+/[0-9]{1,3}$ ]] || misused "'$1' is no network; one looks like 192.168.1.0/24"
+}
+
+# ---- who works
+
+prepare() {
+    local variable
+    for variable in $(compgen -e PG); do
+        unset "$variable" # none of the caller's own settings for other servers
+    done
+    if [ -n "$root" ]; then
+        unsynced=${HARROWBY_SERVER_UNSYNCED:+--no-sync}
+        export PG_CLUSTER_CONF_ROOT=$root/etc/postgresql
+        sockets=$root/run
+    else
+        [ "$(id -u)" -eq 0 ] || die "only root can do this: sudo harrowby-server …"
+        sockets=/var/run/postgresql
+    fi
+    if [ "$(id -u)" -eq 0 ]; then
+        owner=postgres
+    else
+        owner=$(id -un)
+    fi
+    load_machine
+    find_server
+}
+
+# The server's programs: of the version that this machine's cluster has, else of the newest there is.
+find_server() {
+    local bin
+    if [ -z "${machine[version]:-}" ]; then
+        bin=$(find /usr/lib/postgresql -mindepth 1 -maxdepth 1 -name '[1-9][0-9]' 2>/dev/null | sort | tail -n 1)
+        machine[version]=${bin##*/}
+    fi
+    version=${machine[version]}
+    bin=/usr/lib/postgresql/$version/bin
+    programs=$bin
+    conf=$root/etc/postgresql/$version/$cluster
+    data=$root/var/lib/postgresql/$version/$cluster
+    server_log=$root/var/log/postgresql/postgresql-$version-$cluster.log
+}
+
+need_server() {
+    if [ -z "$version" ] || [ ! -x "$programs/postgres" ] || ! command -v openssl >/dev/null; then
+        [ -z "$root" ] || die "the packages postgresql and openssl are missing"
+        say "Installing PostgreSQL ..."
+        DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends postgresql openssl </dev/null \
+            >/dev/null || die "the packages postgresql and openssl could not be installed"
+        find_server
+    fi
+    [ "$version" -ge 15 ] || die "PostgreSQL $version is too old: it takes 15 or newer"
+}
+
+as_owner() {
+    if [ "$(id -u)" -eq 0 ]; then
+        runuser -u "$owner" -- "$@"
+    else
+        "$@"
+    fi
+}
+
+lock_machine() {
+    install -d -m 755 "$etc"
+    exec 9>"$etc/lock"
+    flock -n 9 || die "another harrowby-server is at work on this machine"
+}
+
+# ---- files
+
+sync_to_disk() { [ -n "$unsynced" ] || sync "$1"; }
+
+# put FILE MODE OWNER: what comes in becomes the file, whole or not at all.
+put() {
+    local new
+    new=$(mktemp "$1.XXXXXX")
+    cat >"$new"
+    chmod "$2" "$new"
+    if [ "$(id -u)" -eq 0 ]; then
+        chown "$3:" "$new"
+    fi
+    sync_to_disk "$new"
+    mv -f "$new" "$1"
+}
+
+load_machine() {
+    local key value
+    [ -f "$etc/machine" ] || return 0
+    while IFS='=' read -r key value; do
+        case $key in
+            name | address | network | port | tills | version | backup | keep) machine[$key]=$value ;;
+        esac
+    done <"$etc/machine"
+}
+
+save_machine() {
+    local key
+    for key in name address network port tills version backup keep; do
+        printf '%s=%s\n' "$key" "${machine[$key]:-}"
+    done | put "$etc/machine" 644 "$(id -un)"
+}
+
+random_word() {
+    local word
+    word=$(openssl rand -base64 48 | tr -dc 'A-Za-z0-9')
+    printf '%s' "${word:0:32}"
+}
+
+# ---- SQL
+
+# sql [OPTION …]: psql on this machine's server as its superuser; statements from -c, -f or the input.
+sql() {
+    as_owner "$programs/psql" -X -q -A -t -v ON_ERROR_STOP=1 -h "$sockets" -p "${machine[port]}" -U "$owner" \
+        -d "$database" "$@"
+}
+sql_in_postgres() { sql -d postgres "$@"; }

@@ -1,0 +1,88 @@
+# shellcheck shell=bash
+# promote: the standby becomes the server. alone: the server goes on without its standby.
+
+do_promote() {
+    take_options "other-is-off without-what-it-lacks" "$@"
+    need_running
+    if ! is_standby; then
+        say "This machine is the server already."
+        return 0
+    fi
+    refuse_while_other_answers
+    tell_what_is_here
+    insist_other_is_off
+    sql_in_postgres -c 'select pg_promote(true, 60)' >/dev/null
+    [ "$(sql_in_postgres -c 'select pg_is_in_recovery()')" = f ] || die "the promotion is not through yet; see harrowby-server status"
+    rm -f "$conf/conf.d/standby.conf" "$conf/standby.pgpass" "$etc/relied-on"
+    sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'promoted')
+        on conflict (name) do update set value = 'promoted', since = now()"
+    say "This machine is the server now, and goes on alone; the tills find it by themselves."
+    say "When the other one is repaired: here 'harrowby-server standby --for NAME --address ADDRESS', there"
+    say "'harrowby-server standby FILE --take-back'. It must not come back to the network before that."
+}
+
+refuse_while_other_answers() {
+    local where status=0
+    where=$(sql_in_postgres -c 'show primary_conninfo')
+    "$programs/pg_isready" -q -t 3 -h "$(value_of host "$where")" -p "$(value_of port "$where")" || status=$?
+    ((status == 2)) || die "the server at $(value_of host "$where") still answers. Switch that machine off first:
+    two that sell at once are two different stores"
+}
+
+value_of() { sed -E "s/.*(^| )$1=([^ ]+).*/\2/" <<<"$2"; }
+
+# What this standby is known to lack stops it; what it cannot know is told.
+tell_what_is_here() {
+    local alone lacks=()
+    alone=$(sql -c "select to_char(since, 'YYYY-MM-DD HH24:MI:SS') from harrowby_server.remark where name = 'alone'")
+    [ -z "$alone" ] || lacks+=("The server has gone on alone since $alone; what it has sold from then on may not be here.")
+    [ -f "$etc/relied-on" ] || lacks+=("This machine has never caught up with the server.")
+    say "The last change that this machine has is of $(sql -c "select coalesce(to_char(pg_last_xact_replay_timestamp(),
+        'YYYY-MM-DD HH24:MI:SS'), 'before its last start')")."
+    say "If the server was told to go on alone after that, what it sold then is not here."
+    ((${#lacks[@]} == 0)) || [ -n "${opt[without-what-it-lacks]:-}" ] || {
+        printf '%s\n' "${lacks[@]}" >&2
+        die "not promoted. With --without-what-it-lacks it is promoted, and those sales stay on the other machine's disk alone"
+    }
+}
+
+insist_other_is_off() {
+    local answer=
+    [ -z "${opt[other-is-off]:-}" ] || return 0
+    [ -t 0 ] || die "the other machine must be off: say so with --other-is-off"
+    read -r -p "The other machine is switched off, and stays so? Type 'off': " answer
+    [ "$answer" = off ] || die "not promoted"
+}
+
+do_alone() {
+    take_options "off" "$@"
+    need_primary
+    [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ] || die "this server has no standby"
+    if [ -n "${opt[off]:-}" ]; then
+        rely_on_standbys
+    else
+        go_alone
+    fi
+}
+
+# The setting first, as until then no write is confirmed, not even the remark.
+go_alone() {
+    sql_in_postgres -c "alter system set synchronous_standby_names = ''" -c 'select pg_reload_conf()' >/dev/null
+    sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'chosen') on conflict (name) do nothing"
+    say "The server goes on alone: what is sold from now on is on this machine only, and the tills say so."
+    say "Do not promote the standby now. When it is back: harrowby-server alone --off"
+}
+
+rely_on_standbys() {
+    local names
+    names=$(sql -f - <<'SQL'
+select string_agg(format('"%s"', r.application_name), ',' order by r.application_name) from pg_stat_replication r
+    join harrowby_server.host h on h.name = r.application_name
+    where r.state = 'streaming' and pg_wal_lsn_diff(pg_current_wal_lsn(), r.flush_lsn) < 1000000;
+SQL
+    )
+    [ -n "$names" ] || die "no standby has caught up yet; the server stays alone"
+    sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
+    sql -c "delete from harrowby_server.remark where name = 'alone'"
+    say "Each sale is on two machines again."
+}

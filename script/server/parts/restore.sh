@@ -1,0 +1,129 @@
+# shellcheck shell=bash
+# restore: a backup, and the log up to a moment, become a cluster of their own beside the one that there is; only when that
+# stands and has been looked at does it take the other's place, and the other is kept.
+
+do_restore() {
+    local folder base until_time stamp
+    take_options "from: time:" "$@"
+    ((${#rest[@]} == 0)) || misused "restore takes no '${rest[0]}'"
+    need_ours
+    ! is_standby || die "this machine is the standby: restore on the server, then make the standby anew"
+    folder=${opt[from]:-${machine[backup]:-}}
+    [ -n "$folder" ] || misused "restore needs --from FOLDER"
+    folder=$(absolute "$folder")
+    if [ ! -d "$folder/base" ] || [ ! -d "$folder/log" ]; then
+        die "$folder holds no backups"
+    fi
+    until_time=$(moment_of "${opt[time]:-}")
+    base=$(base_before "$folder" "$until_time")
+    stamp=$(date -u +%Y%m%dT%H%M%S)
+    restored=$data.restored
+    need_room "$folder/base/$base"
+    ! is_running || finish_log "$folder"
+    say "Restoring from $base (UTC) ..."
+    lay_out "$folder" "$base" "$until_time"
+    run_restored "$until_time"
+    look_at_restored
+    swap_in "$stamp"
+}
+
+# As the server understands it, in UTC and to the second; empty for the latest there is.
+moment_of() {
+    [ -n "$1" ] || return 0
+    date -u -d "$1" +'%Y-%m-%d %H:%M:%S' 2>/dev/null || misused "'$1' is no time; one looks like '2026-11-22 18:30:00'"
+}
+
+base_before() {
+    local found="" one limit
+    limit=${2//[-: ]/}
+    while read -r one; do
+        [ -n "$2" ] && [[ $(tr -dc 0-9 <<<"$one") > $limit ]] || found=$one
+    done < <(backups_in "$1")
+    [ -n "$found" ] || die "$1 holds no backup${2:+ from before $2 (UTC)}"
+    printf '%s' "$found"
+}
+
+need_room() {
+    local needed free
+    needed=$(du -sk "$1" | cut -f 1)
+    free=$(df -Pk "$(dirname "$data")" | awk 'NR == 2 { print $4 }')
+    ((free > needed + needed / 4)) || die "the disk of $data has too little room: $needed KB are needed, $free KB free"
+}
+
+# What the server that still runs has written belongs to the log as well.
+finish_log() {
+    [ "${machine[backup]:-}" = "$1" ] || return 0
+    keep_log
+}
+
+lay_out() {
+    rm -rf "$restored" # what an earlier try has left
+    as_owner_folder "$restored"
+    cp -a "$1/base/$2/." "$restored/"
+    as_owner_folder "$restored.socket"
+    put "$restored/pg_hba.conf" 600 "$owner" <<<"local all $owner peer"
+    : | put "$restored/pg_ident.conf" 600 "$owner"
+    # On its way it takes no connection but ours, and its log goes on where the shop's log is kept.
+    put "$restored/postgresql.conf" 600 "$owner" <<SETTINGS
+listen_addresses = ''
+unix_socket_directories = '$restored.socket'
+port = ${machine[port]}
+max_connections = $(room_for "${machine[tills]}")
+max_wal_senders = 10
+hot_standby = off
+wal_level = replica
+fsync = $([ -n "$unsynced" ] && echo off || echo on)
+archive_mode = on
+archive_command = '"$here/archive-log" "%p" "%f" "$1/log"'
+restore_command = 'test -f "$1/log/%f" && cp "$1/log/%f" "%p"'
+SETTINGS
+    [ -z "$3" ] || printf "recovery_target_time = '%s+00'\nrecovery_target_action = 'promote'\n" "$3" >>"$restored/postgresql.conf"
+    as_owner touch "$restored/recovery.signal"
+}
+
+# 0 when it has come to its end and takes statements, 1 when it has stopped. A long log takes hours.
+start_restored() {
+    local second
+    as_owner "$programs/pg_ctl" -s -w -t 600 -D "$restored" -l "$restored/restoring.log" \
+        -o "-c synchronous_standby_names=''" start >/dev/null 2>&1 9>&- || true
+    for ((second = 1; ; ++second)); do
+        [ "$(sql_restored -c 'select pg_is_in_recovery()' 2>/dev/null)" != f ] || return 0
+        as_owner "$programs/pg_ctl" -D "$restored" status >/dev/null || return 1
+        ((second % 60)) || say "Still restoring ..."
+        sleep 1
+    done
+}
+
+# A time after the last change means all of it; the server calls that an error.
+run_restored() {
+    ! start_restored || return 0
+    if [ -n "$1" ] && grep -q 'recovery ended before configured recovery target was reached' "$restored/restoring.log"; then
+        sed -i '/^recovery_target/d' "$restored/postgresql.conf"
+        ! start_restored || return 0
+    fi
+    die "the backup cannot be restored: $restored/restoring.log says why. The server is as it was"
+}
+
+sql_restored() {
+    as_owner "$programs/psql" -X -q -A -t -v ON_ERROR_STOP=1 -h "$restored.socket" -p "${machine[port]}" -U "$owner" -d "$database" "$@"
+}
+
+look_at_restored() {
+    say "It holds $(sql_restored -c "select count(*) from harrowby.stocklist") items and $(sql_restored -c "select count(*)
+        from harrowby.purchasecart") purchases, the last of $(sql_restored -c "select coalesce(max(purchaseddate), 'no day')
+        from harrowby.purchasecart") (year, month, day, hour, minute, second)."
+    sql_restored -c 'alter system reset synchronous_standby_names'
+    as_owner "$programs/pg_ctl" -s -w -t 600 -D "$restored" -m fast stop || die "the restored cluster does not stop: $restored/restoring.log"
+    rm -rf "$restored.socket" "$restored/postgresql.conf" "$restored/pg_hba.conf" "$restored/pg_ident.conf" "$restored/postmaster.opts"
+}
+
+swap_in() {
+    local kept=$data.kept-$1
+    stop_server
+    [ ! -d "$data" ] || mv "$data" "$kept"
+    mv "$restored" "$data"
+    start_server
+    say "The server has the restored store. What it held before is kept: $kept"
+    [ "$(sql -c 'select count(*) from harrowby_server.host')" -le 1 ] ||
+        say "The standby has another past now. Make it anew: here standby --for NAME …, there standby FILE --take-back"
+}

@@ -1,0 +1,92 @@
+# shellcheck shell=bash
+# status: how the server of this machine is, a line a thing; what needs looking at begins with "!".
+
+do_status() {
+    troubles=0
+    take_options "" "$@"
+    ((${#rest[@]} == 0)) || misused "status takes nothing"
+    need_ours
+    say "Machine ${machine[name]}, ${machine[address]} port ${machine[port]}, PostgreSQL $version"
+    if ! is_running; then
+        trouble "The server does not run; its log: $server_log"
+        exit 1
+    fi
+    if is_standby; then
+        tell_standby
+    else
+        tell_server
+    fi
+    tell_certificate
+    tell_disk
+    ((troubles == 0)) || exit 1
+}
+
+trouble() {
+    say "! $*"
+    troubles=$((troubles + 1))
+}
+
+tell_server() {
+    local protection
+    protection=$(sql -c 'select harrowby.protection()')
+    case $protection in
+        single) say "It sells, without a standby: when this machine dies, what counts is the last backup." ;;
+        protected) say "It sells, and each sale is on two machines before it counts." ;;
+        waiting) trouble "NOTHING IS SOLD: the standby is gone. Repair it, or: harrowby-server alone" ;;
+        alone) trouble "It sells alone since $(sql -c "select coalesce(max(to_char(since, 'YYYY-MM-DD HH24:MI')), '?')
+            from harrowby_server.remark where name = 'alone'"): what it sells now is on this machine only." ;;
+    esac
+    sql -f - <<'SQL'
+select format('Standby %s: %s, %s behind', application_name, state, pg_size_pretty(pg_wal_lsn_diff(pg_current_wal_lsn(), flush_lsn)))
+    from pg_stat_replication where application_name <> 'pg_basebackup' order by 1;
+select format('Tills and offices: %s let in, %s connected', count(distinct r.oid), count(distinct a.usename))
+    from pg_auth_members m join pg_roles g on g.oid = m.roleid and g.rolname in ('harrowby_till', 'harrowby_office')
+    join pg_roles r on r.oid = m.member left join pg_stat_activity a on a.usename = r.rolname;
+select format('Connections: %s of %s', count(*), current_setting('max_connections')) from pg_stat_activity where backend_type = 'client backend';
+SQL
+    tell_backup
+}
+
+tell_backup() {
+    local last age failed
+    if [ -z "${machine[backup]:-}" ]; then
+        trouble "There are no backups: harrowby-server backup --to FOLDER --timer 02:30"
+        return 0
+    fi
+    last=$(backups_in "${machine[backup]}" 2>/dev/null | tail -n 1)
+    if [ -z "$last" ]; then
+        trouble "No backup is left in ${machine[backup]}"
+        return 0
+    fi
+    age=$((($(date +%s) - $(stat -c %Y "${machine[backup]}/base/$last/backup_manifest")) / 3600))
+    if ((age > 48)); then
+        trouble "The last backup is $age hours old: ${machine[backup]}/base/$last"
+    else
+        say "Last backup: ${machine[backup]}/base/$last, $age hours old"
+    fi
+    failed=$(sql_in_postgres -c "select last_failed_time from pg_stat_archiver where last_failed_time > coalesce(last_archived_time, '-infinity')")
+    [ -z "$failed" ] || trouble "The log does not get into ${machine[backup]}/log since $failed; the server's own log says why: $server_log"
+}
+
+tell_standby() {
+    local following
+    following=$(sql -c "select sender_host || ', ' || status from pg_stat_wal_receiver where status = 'streaming'")
+    if [ -n "$following" ]; then
+        say "It is the standby of $following."
+    else
+        trouble "It is a standby, and the server that it follows does not answer."
+    fi
+    say "The last change that it has is of $(sql -c "select coalesce(pg_last_xact_replay_timestamp()::timestamptz(0)::text, 'before its last start')")."
+    [ -f "$etc/relied-on" ] || trouble "It has never caught up: harrowby-server standby FILE once more"
+}
+
+tell_certificate() {
+    openssl x509 -in "$conf/server.crt" -noout -checkend $((180 * 86400)) >/dev/null ||
+        trouble "The server's certificate ends on $(openssl x509 -in "$conf/server.crt" -noout -enddate | cut -d = -f 2): harrowby-server update"
+}
+
+tell_disk() {
+    local free
+    free=$(df -Pk "$data" | awk 'NR == 2 { print 100 - $5 }')
+    ((free >= 10)) || trouble "Only $free % of the store's disk are free"
+}

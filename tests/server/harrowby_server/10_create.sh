@@ -1,0 +1,24 @@
+# shellcheck shell=bash
+# create and update.
+
+refuses "create without a network" "needs --network" on one create --address 127.0.0.1
+works "create" on one create --name one --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_one" --tills 2
+is "checksums" on admin one "show data_checksums"
+is "C locale" "C C UTF8" admin one "select datcollate || ' ' || datctype || ' ' || pg_encoding_to_char(encoding) from pg_database where datname = 'harrowby'"
+is "the shop's network only" "127.0.0.1" admin one "show listen_addresses"
+is "SCRAM" scram-sha-256 admin one "show password_encryption"
+is "no way in without TLS" 0 admin one "select count(*) from pg_hba_file_rules where type in ('host', 'hostnossl')"
+is "the tables are the owner's" 6 admin one "select count(*) from pg_tables where schemaname = 'harrowby' and tableowner = 'harrowby_owner'
+    and tablename in ('users', 'inventorycategory', 'stocklist', 'purchasecart', 'storesettings', 'sysusage')"
+is "the search path" "harrowby, pg_catalog, pg_temp" admin one "show search_path"
+
+admin one "insert into StockList (StockID, StockName, StockAvailable) values ('MIL00001', 'MILK', 10)"
+works "create again" on one create
+works "update" on one update
+is "nothing is overwritten" 1 admin one "select count(*) from StockList"
+refuses "another port afterwards" "has port" on one create --port 1234
+
+mkdir -p "$work/foreign/var/lib/postgresql/$version/harrowby"
+echo precious >"$(data_of foreign)/something"
+refuses "a cluster of somebody else's" "not touched" on foreign create --name f --address 127.0.0.1 --network 127.0.0.0/8
+is "which stays" precious cat "$(data_of foreign)/something"

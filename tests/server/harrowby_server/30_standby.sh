@@ -1,0 +1,63 @@
+# shellcheck shell=bash
+# standby, alone, promote, and the old one taken back.
+
+protection() { admin "$1" "select harrowby.protection()"; }
+
+is "without a standby" single protection one
+works "standby --for" on one standby --for two --address 127.0.0.1 --to "$work/two.tar"
+works "standby" on two standby "$work/two.tar" --port "$port_two"
+is "each sale on two machines" protected protection one
+is "which the standby has" 1 admin two "select count(*) from StockList"
+works "standby again" on two standby "$work/two.tar"
+is "still on two machines" protected protection one
+refuses "tills are let in on the server" "this machine is the standby" on two add-till counter-9
+refuses "a server is no standby by mistake" "with --take-back" on one standby "$work/two.tar"
+works "the till learns of it" on one add-till counter-1 --to "$work/till-1d"
+works "the till's own part" settle_in counter-1 "$work/till-1d"
+is "two hosts" 2 grep -o 127.0.0.1 -c <(tr , '\n' <"$work/till-1d/service")
+works "a sale" sell counter-1 s1
+
+# The standby gone: nothing is promised, until the shop chooses to go on alone.
+kill_machine two
+(sell counter-1 s2 >"$work/s2" 2>&1 && echo sold >"$work/s2") &
+selling=$!
+wait_for "the sign" waiting protection one
+sleep 1
+is "no sale is confirmed" "" cat "$work/s2"
+says "status says so" "NOTHING IS SOLD" on one status
+works "alone" on one alone
+wait "$selling"
+is "the sale goes through" sold cat "$work/s2"
+is "the sign of it" alone protection one
+refuses "the standby is not back" "no standby has caught up" on one alone --off
+works "a sale alone" sell counter-1 s3
+env PG_CLUSTER_CONF_ROOT="$work/two/etc/postgresql" pg_ctlcluster --skip-systemctl-redirect "$version" harrowby start >/dev/null 2>&1
+wait_for "the standby is back" "s1 s2 s3" sold two
+refuses "promote knows that the server went on alone" "still answers" on two promote --other-is-off
+works "alone --off" on one alone --off
+wait_for "two machines again" protected protection one
+works "another sale" sell counter-1 s4
+
+# The server dies.
+kill_machine one
+refuses "promote insists" "--other-is-off" on two promote
+works "promote" on two promote --other-is-off
+works "the till goes on by itself" sell counter-1 s5
+is "nothing is lost" "s1 s2 s3 s4 s5" sold two
+is "the sign on the new one" alone protection two
+works "promote again" on two promote --other-is-off
+works "standby --for the old one" on two standby --for one --address 127.0.0.1 --to "$work/one.tar"
+refuses "its data is not overwritten by mistake" "with --take-back" on one standby "$work/one.tar"
+works "the old one taken back" on one standby "$work/one.tar" --take-back
+is "its old data is kept" 1 find "$(dirname "$(data_of one)")" -maxdepth 1 -name 'harrowby.kept-*' -printf 1
+is "two machines again" protected protection two
+works "a sale on both" sell counter-1 s6
+is "on both" "s1 s2 s3 s4 s5 s6" sold one
+
+# What the standby lacks is told: alone, and then the end.
+works "alone again" on two alone
+wait_for "the standby knows" 1 admin one "select count(*) from harrowby_server.remark where name = 'alone'"
+kill_machine two
+refuses "promote says what would be lost" "may not be here" on one promote --other-is-off
+works "unless it is told to" on one promote --other-is-off --without-what-it-lacks
+works "two taken back" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two2.tar" && on two standby "$work/two2.tar" --take-back'

@@ -1,0 +1,42 @@
+# shellcheck shell=bash
+# backup and restore.
+
+bases() { find "$work/backup/base" -mindepth 1 -maxdepth 1 -name '2*' -printf 'x'; }
+
+says "status misses backups" "There are no backups" on one status
+install -d -m 777 "$work/backup"
+works "backup" on one backup --to "$work/backup" --keep 2 --timer 02:30
+is "a timer" "OnCalendar=02:30" grep OnCalendar "$work/one/etc/systemd/system/harrowby-server-backup.timer"
+says "the standby makes none" "is the standby" on two backup --to "$work/backup"
+works "status is content" on one status
+works "a sale" sell counter-1 t1
+works "another" sell counter-1 t2
+works "a second backup" on one backup
+sleep 1
+works "a third" on one backup
+is "of which two are kept" xx bases
+
+refuses "a time before all backups" "no backup" on one restore --time '2020-01-01 00:00:00'
+refuses "no time" "is no time" on one restore --time yesterdayish
+works "a backup for the time to come" on one backup --keep 9
+works "a sale" sell counter-1 t3
+sleep 1.1
+moment=$(date +'%Y-%m-%d %H:%M:%S')
+sleep 1.1
+works "a mistake" till counter-1 "delete from PurchaseCart"
+works "restore to a time" on one restore --time "$moment"
+is "as it was" "s1 s2 s3 s4 s5 s6 t1 t2 t3" sold one
+is "it sells" alone protection one
+works "a sale afterwards" sell counter-1 t4
+is "the one before is kept" 2 eval 'find "$(dirname "$(data_of one)")" -maxdepth 1 -name "harrowby.kept-*" | wc -l'
+works "the standby anew" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two3.tar" && on two standby "$work/two3.tar" --take-back'
+is "two machines" protected protection one
+works "a backup of the restored one" on one backup
+works "a last sale" sell counter-1 t5
+works "restore to the latest" on one restore
+is "with all of it" "s1 s2 s3 s4 s5 s6 t1 t2 t3 t4 t5" sold one
+
+# A new machine with the shop's keys: tills know it.
+works "create with keys" on three create --name three --address 127.0.0.1 --network 127.0.0.0/8 --port "$(free_port)" --keys "$work/backup/keys.tar"
+works "the same authority" cmp "$work/one/etc/harrowby-server/ca.crt" "$work/three/etc/harrowby-server/ca.crt"
+says "status says when the server is stopped" "does not run" eval 'kill_machine three; on three status'
