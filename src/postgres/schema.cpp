@@ -47,8 +47,8 @@ ShopTable settingsTable()
 
 qsizetype ShopTable::column(QStringView column) const
 {
-    const auto found = std::find_if(columns.begin(), columns.end(), [column](const QString &name) {
-        return column.compare(name, Qt::CaseInsensitive) == 0;
+    const auto found = std::find_if(columns.begin(), columns.end(), [column](const QString &one) {
+        return column.compare(one, Qt::CaseInsensitive) == 0;
     });
     return found == columns.end() ? -1 : found - columns.begin();
 }
