@@ -68,6 +68,18 @@ void nameDerived(const SqlTokens &tokens, qsizetype parenthesis, Edits &edits)
         edits.insert(tokens.at(closing).begin + 1, u" as derived_%1"_s.arg(parenthesis));
 }
 
+/// `like PATTERN escape '\'`: of an operator of its own, as to `like` alone a backslash is a character like any other.
+void putEscape(const SqlTokens &tokens, qsizetype like, Edits &edits)
+{
+    const bool hasPattern =
+        tokens.isKind(like + 1, TokenKind::Literal) || tokens.isKind(like + 1, TokenKind::Parameter);
+    if (!hasPattern || !tokens.is(like + 2, "escape"_L1) || tokens.plain(like + 3) != u"\\"_s)
+        return;
+    edits.replace(tokens.at(like).begin, tokens.at(like).length, u"~~~"_s);
+    const qsizetype begin = tokens.at(like + 2).begin;
+    edits.replace(begin, tokens.at(like + 3).begin + tokens.at(like + 3).length - begin, {});
+}
+
 /// `UPPER(column) like '*TEXT*'`, from its first word on: the text may stand anywhere.
 void putSearch(const SqlTokens &tokens, qsizetype upper, Edits &edits)
 {
@@ -97,6 +109,8 @@ void putWords(const SqlTokens &tokens, Edits &edits)
             nameDerived(tokens, token, edits);
         else if (tokens.isKind(token, TokenKind::Word) && tokens.is(token, "limit"_L1))
             putLimit(tokens, token, edits);
+        else if (tokens.isKind(token, TokenKind::Word) && tokens.is(token, "like"_L1))
+            putEscape(tokens, token, edits);
     }
 }
 
@@ -165,6 +179,32 @@ ServerText changeText(const QString &statement)
     Edits edits;
     putWords(*tokens, edits);
     edits.replace(tokens->end(), statement.size() - tokens->end(), {});
+    return edits.appliedTo(statement);
+}
+
+ServerText withValues(const QString &statement, const QList<DbValue> &values)
+{
+    const auto tokens = SqlTokens::of(statement);
+    if (!tokens)
+        return Unexpected(tokens.error());
+    Edits edits;
+    qsizetype latest = 0; // 1-based
+    qsizetype most = 0;
+    for (qsizetype token = 0; token < tokens->count(); ++token) {
+        if (!tokens->isKind(token, TokenKind::Parameter))
+            continue;
+        const QStringView number = tokens->text(token).sliced(1);
+        latest = number.isEmpty() ? latest + 1 : number.toLongLong();
+        most = std::max(most, latest);
+        if (latest < 1 || latest > values.size())
+            return Unexpected(u"the statement lacks a value"_s);
+        // In parentheses: two minus signs would begin a comment.
+        const QString text = literal(values.at(latest - 1));
+        edits.replace(tokens->at(token).begin, tokens->at(token).length,
+                      text.startsWith(u'-') ? u'(' + text + u')' : text);
+    }
+    if (most < values.size())
+        return Unexpected(u"the statement has a value too many"_s);
     return edits.appliedTo(statement);
 }
 

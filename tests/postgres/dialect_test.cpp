@@ -22,6 +22,7 @@ private Q_SLOTS:
     void change_data();
     void change();
     void search();
+    void values();
     void refusal_data();
     void refusal();
     void orderOfTheFile_data();
@@ -71,6 +72,9 @@ void TestDialect::select_data()
         {"comment at the end", "Select 1 -- no more", "Select 1"},
         {"semicolon at the end", "Select 1 ; ; ", "Select 1"},
         {"backslash", "Select 'a\\', 'b'", "Select 'a\\', 'b'"},
+        {"escape", "Select upper(x) like 'a\\%%' escape '\\' or y like ? escape '\\'",
+         "Select upper(x) ~~~ 'a\\%%'  or y ~~~ ? "},
+        {"other escape", "Select x like 'a' escape '!'", "Select x like 'a' escape '!'"},
         {"nulls", "Select x from t order by lower(x, y) desc, y ASC, 3",
          "Select x from t order by lower(x, y) desc nulls last, y ASC nulls first, 3 nulls first"},
         {"nulls as they are", "Select x from t order by x nulls last", "Select x from t order by x nulls last"},
@@ -143,6 +147,20 @@ void TestDialect::search()
     QVERIFY(told(selectText(empty, Search::Anywhere)).contains(u"harrowby_finds('', StockID)"_s));
     const QString ids = statements::automaticIdCount(u"ABC"_s).sql();
     QCOMPARE(told(selectText(ids, Search::Anywhere)), ids);
+}
+
+void TestDialect::values()
+{
+    const QString it = u"it's ?"_s;
+    QCOMPARE(
+        told(withValues(u"Select '?', x -? from t where a = ? limit ?"_s, {std::int64_t{-5}, it, std::int64_t{3}})),
+        u"Select '?', x -(-5) from t where a = 'it''s ?' limit 3"_s);
+    QCOMPARE(told(withValues(u"Select ?2, ?1, ?2"_s, {DbValue(), 0.5})), u"Select 0.5, null, 0.5"_s);
+    QCOMPARE(told(withValues(u"Select ?, ?"_s, {it})), u"refused: the statement lacks a value"_s);
+    QCOMPARE(told(withValues(u"Select ?"_s, {it, it})), u"refused: the statement has a value too many"_s);
+    QCOMPARE(told(withValues(u"Select ?0"_s, {it})), u"refused: the statement lacks a value"_s);
+    QCOMPARE(told(withValues(u"Select 1; Select ?"_s, {it})),
+             u"refused: there is more than one statement in the text"_s);
 }
 
 void TestDialect::refusal_data()

@@ -24,7 +24,7 @@ public:
     /// Some columns of an item, to be changed.
     [[nodiscard]] DbAssignments itemChange();
 
-    /// The SELECTs of the window, the report and the reorder list.
+    /// The SELECTs of the window, the report, the reorder list and the office.
     [[nodiscard]] QStringList selects();
     /// An UPDATE, INSERT or DELETE of the window.
     [[nodiscard]] QString change();
@@ -42,6 +42,7 @@ private:
     [[nodiscard]] QString day();
     [[nodiscard]] QStringList stockSelects();
     [[nodiscard]] QStringList reportSelects();
+    [[nodiscard]] QStringList officeSelects();
 
     QRandomGenerator m_random;
 };

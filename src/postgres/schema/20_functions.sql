@@ -11,8 +11,16 @@ create or replace function harrowby.not_alike(value text, pattern text) returns 
     language sql immutable parallel safe
     return pg_catalog.lower(value) operator(pg_catalog.!~~) pg_catalog.replace(pg_catalog.lower(pattern), '\', '\\');
 
+-- `like PATTERN escape '\'`, as ~~~.
+create or replace function harrowby.alike_escaped(value text, pattern text) returns boolean
+    language sql immutable parallel safe
+    return pg_catalog.lower(value) operator(pg_catalog.~~) pg_catalog.lower(pattern);
+
 do $$
 begin
+    if pg_catalog.to_regoperator('harrowby.~~~(text,text)') is null then
+        create operator harrowby.~~~ (leftarg = text, rightarg = text, function = harrowby.alike_escaped);
+    end if;
     if pg_catalog.to_regoperator('harrowby.~~(text,text)') is null then
         create operator harrowby.~~ (leftarg = text, rightarg = text, function = harrowby.alike);
     end if;
