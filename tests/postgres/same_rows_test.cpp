@@ -327,7 +327,8 @@ void TestSameRows::searchFindsTheSame()
                             u"ΣΊΣΥΦΟΣ"_s,    u"σας"_s,  u"İstanbul"_s, u"ISTANBUL"_s, u"ıstanbul"_s, u"café"_s,
                             u"cafe\u0301"_s, u"CAFÉ"_s, u"cafe"_s,     u"*"_s,        u"%"_s,        u"_"_s,
                             u"\\"_s,         u""_s,     u"ﬁsh"_s,      u"FISH"_s,     u"K"_s,        u"k"_s,
-                            u"茶"_s,         u"ЧАЙ"_s,  u"чай"_s,      u"𐐀"_s,        u"𐐨"_s,        u" Tea "_s};
+                            u"茶"_s,         u"ЧАЙ"_s,  u"чай"_s,      u"𐐀"_s,        u"𐐨"_s,        u" Tea "_s,
+                            u"σασα"_s,       u"ας"_s};
     for (const QString &wanted : texts) {
         const app::SoughtText sought(wanted);
         for (const QString &value : texts) {
