@@ -5,12 +5,15 @@ set(CPACK_PACKAGE_VENDOR "The Harrowby Inventory developers")
 set(CPACK_PACKAGE_CONTACT "The Harrowby Inventory developers <maintainers@harrowby.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development program report)
+set(CPACK_COMPONENTS_ALL runtime development program report postgres)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 if(NOT HARROWBY_BUILD_REPORT)
     list(REMOVE_ITEM CPACK_COMPONENTS_ALL report)
+endif()
+if(NOT TARGET harrowby_postgres)
+    list(REMOVE_ITEM CPACK_COMPONENTS_ALL postgres)
 endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -40,6 +43,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev (>= 6.4)")
 # Not recommended, which apt would follow: all four packages may be installed on a till.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "cmake (>= 3.25), g++, libsqlite3-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+if(TARGET harrowby_postgres)
+    list(APPEND CPACK_COMPONENT_DEVELOPMENT_DEPENDS postgres)
+endif()
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "This package holds the public headers and the CMake package HarrowbyInventory for
 programs that load the window into their own process.")
 
@@ -62,6 +68,12 @@ set(CPACK_COMPONENT_REPORT_DEPENDS runtime)
 set(CPACK_COMPONENT_REPORT_DESCRIPTION "This package holds the sales report: by day, seller and item, as a table and a plot, to
 print and to save. It draws with Qt Charts and is therefore passed on under the GNU
 General Public License, version 3.")
+
+set(CPACK_DEBIAN_POSTGRES_PACKAGE_NAME libharrowby-postgres${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_POSTGRES_PACKAGE_SECTION libs)
+set(CPACK_COMPONENT_POSTGRES_DEPENDS runtime)
+set(CPACK_COMPONENT_POSTGRES_DESCRIPTION "This package holds the connection to a PostgreSQL server, for a shop whose tills share one
+store.")
 
 include(CPack)
 

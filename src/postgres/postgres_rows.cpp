@@ -56,11 +56,13 @@ bool PgRows::nextSelect()
 /// To the next result that has columns, which is a row or the end of a SELECT; or to the end of the text.
 void PgRows::fetch()
 {
-    postgres::Waiter waiter(m_link->hook(), PgWaiting::Answer);
     for (;;) {
-        if (std::optional<PgError> error = m_link->await(m_answer, waiter)) {
-            fail(*std::move(error));
-            return;
+        if (!m_link->hasResult()) { // most rows are there
+            postgres::Waiter waiter(m_link->hook(), PgWaiting::Answer);
+            if (std::optional<PgError> error = m_link->await(m_answer, waiter)) {
+                fail(*std::move(error));
+                return;
+            }
         }
         pg_result *raw = m_link->take();
         if (!raw) {

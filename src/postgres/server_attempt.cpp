@@ -154,7 +154,7 @@ void ServerAttempt::begin()
     m_state = State::Connecting;
     m_link = std::make_unique<ServerLink>(startConnection(optionsFor(m_options, m_host)), m_hook);
     if (PQstatus(m_link->raw()) == CONNECTION_BAD)
-        fail(connectError(PQerrorMessage(m_link->raw()), false));
+        failHere(connectError(PQerrorMessage(m_link->raw()), false));
 }
 
 void ServerAttempt::connectOn()
@@ -166,7 +166,7 @@ void ServerAttempt::connectOn()
         ask();
         break;
     case PGRES_POLLING_FAILED:
-        fail(connectError(PQerrorMessage(connection), duringTls));
+        failHere(connectError(PQerrorMessage(connection), duringTls));
         break;
     case PGRES_POLLING_READING:
         m_wantsToWrite = false;
@@ -186,7 +186,7 @@ void ServerAttempt::ask()
     if (std::optional<PgError> error = tooOld(m_facts)) // it would not know all of the settings
         fail(*std::move(error));
     else if (!m_link->send(questions, false))
-        fail(connectError(PQerrorMessage(m_link->raw()), false));
+        failHere(connectError(PQerrorMessage(m_link->raw()), false));
 }
 
 void ServerAttempt::takeAnswers()
@@ -201,7 +201,7 @@ void ServerAttempt::takeAnswers()
         if (PQresultStatus(raw) == PGRES_TUPLES_OK)
             takeAnswer(result);
         else if (PQresultStatus(raw) != PGRES_COMMAND_OK && m_answers == 0)
-            fail(connectError(raw));
+            failHere(connectError(raw));
         else if (PQresultStatus(raw) == PGRES_FATAL_ERROR)
             m_facts.schemaState = errorOf(raw).sqlState;
     }
@@ -219,6 +219,12 @@ void ServerAttempt::takeAnswer(const PgResult &result)
     m_facts.collation = bytes(result, 3);
     m_facts.letters = bytes(result, 4);
     m_facts.encoding = bytes(result, 5);
+}
+
+void ServerAttempt::failHere(PgError error)
+{
+    error.text = u"%1: %2"_s.arg(m_host.label(), error.text);
+    fail(std::move(error));
 }
 
 void ServerAttempt::fail(PgError error)

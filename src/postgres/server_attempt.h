@@ -47,6 +47,8 @@ private:
     void takeAnswers();
     void takeAnswer(const PgResult &result);
     void fail(PgError error);
+    /// Of what libpq or the server has said.
+    void failHere(PgError error);
 
     ConnectOptions m_options;
     Host m_host;

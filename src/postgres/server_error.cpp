@@ -26,6 +26,13 @@ Kind whileConnecting(Kind kind)
     return kind == Kind::Refused ? Kind::Denied : kind;
 }
 
+/// The first line, without the address that libpq has tried. Further ones give advice, such as to do without TLS.
+QString withoutAddress(const QByteArray &message)
+{
+    static const QRegularExpression address(u"^connection to server [^\\n]* failed: "_s);
+    return oneLine(message.trimmed().split('\n').constFirst()).remove(address);
+}
+
 } // namespace
 
 PgError::Kind kindOf(const QByteArray &sqlState)
@@ -62,7 +69,7 @@ PgError connectError(const QByteArray &message, bool duringTls)
                                              QRegularExpression::UseUnicodePropertiesOption);
     const QRegularExpressionMatch match = said.match(QString::fromUtf8(message));
     if (!match.hasMatch())
-        return {duringTls ? Kind::NotTrusted : Kind::CannotConnect, {}, oneLine(message)};
+        return {duringTls ? Kind::NotTrusted : Kind::CannotConnect, {}, withoutAddress(message)};
     const QByteArray state = match.captured(1).toLatin1();
     return {whileConnecting(kindOf(state)), state, match.captured(2)};
 }

@@ -28,6 +28,15 @@ foreach(file
     endif()
 endforeach()
 
+if(EXISTS ${prefix}/${LIBDIR}/cmake/HarrowbyInventory/HarrowbyPostgresTargets.cmake)
+    foreach(file include/harrowby/postgres_connection.h include/harrowby/postgres_export.h ${LIBDIR}/libharrowby-postgres.so
+            ${LIBDIR}/libharrowby-postgres.so.${VERSION})
+        if(NOT EXISTS ${prefix}/${file})
+            message(FATAL_ERROR "Not installed: ${file}")
+        endif()
+    endforeach()
+endif()
+
 # The report lies where the library looks for it, and finds the library from there.
 if(EXISTS ${prefix}/${LIBDIR}/harrowby/plugins/harrowby-report.so)
     if(NOT EXISTS ${prefix}/${LIBDIR}/harrowby/plugins/harrowby-report.README.md)
@@ -45,7 +54,7 @@ file(GLOB package_files ${prefix}/${LIBDIR}/cmake/HarrowbyInventory/*.cmake)
 foreach(file ${package_files})
     file(READ ${file} text)
     string(FIND "${text}" "${BUILD_DIR}" mentions_build)
-    if(NOT mentions_build EQUAL -1 OR text MATCHES "harrowby_(basic|store|platform|ui|slot|build)")
+    if(NOT mentions_build EQUAL -1 OR text MATCHES "harrowby_(basic|store|postgres_core|platform|ui|slot|build)")
         message(FATAL_ERROR "The installed package leans on the build tree: ${file}")
     endif()
 endforeach()
@@ -54,6 +63,9 @@ run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${consumer_build} -G ${GENERATOR}
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${consumer_build})
 run(${consumer_build}/consumer)
+if(EXISTS ${prefix}/include/harrowby/postgres_connection.h)
+    run(${consumer_build}/server_consumer)
+endif()
 
 # The installed program finds the installed library.
 if(EXISTS ${prefix}/bin/harrowby)

@@ -68,6 +68,14 @@ look(harrowby
     DEPENDS ${same} libsqlite3-0
     RECOMMENDS cups-client harrowby-report qt6-virtualkeyboard-plugin qml6-module-qtquick-virtualkeyboard
     LACKS "\\.so" "/include/")
+if(POSTGRES)
+    look(libharrowby-postgres${MAJOR}
+        HOLDS usr/${LIBDIR}/libharrowby-postgres.so.${VERSION} usr/${LIBDIR}/libharrowby-postgres.so.${MAJOR}
+        DEPENDS ${same} libpq5
+        LACKS "/include/" "libharrowby-postgres\\.so ")
+    look(libharrowby-inventory-dev HOLDS usr/include/harrowby/postgres_connection.h usr/${LIBDIR}/libharrowby-postgres.so
+        DEPENDS "libharrowby-postgres${MAJOR} \\(= ${VERSION}\\)")
+endif()
 if(REPORT)
     look(harrowby-report
         HOLDS usr/${LIBDIR}/harrowby/plugins/harrowby-report.so
