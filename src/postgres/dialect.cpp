@@ -92,16 +92,16 @@ void putSearch(const SqlTokens &tokens, qsizetype upper, Edits &edits)
     const QString text = tokens.plain(pattern);
     if (text.size() < 2 || !text.startsWith(u'*') || !text.endsWith(u'*'))
         return;
+    const QString column =
+        tokens.isKind(upper + 2, TokenKind::Name) ? quotedName(tokens.plain(upper + 2)) : tokens.plain(upper + 2);
     const qsizetype begin = tokens.at(upper).begin;
     edits.replace(begin, tokens.at(pattern).begin + tokens.at(pattern).length - begin,
-                  u"harrowby_finds(%1, %2)"_s.arg(literal(text.sliced(1, text.size() - 2)), tokens.text(upper + 2)));
+                  u"harrowby_finds(%1, %2)"_s.arg(literal(text.sliced(1, text.size() - 2)), column));
 }
 
 /// What every statement needs.
 void putWords(const SqlTokens &tokens, Edits &edits)
 {
-    for (const SqlToken &comment : tokens.comments())
-        edits.replace(comment.begin, comment.length, u" "_s);
     for (qsizetype token = 0; token < tokens.count(); ++token) {
         if (tokens.isKind(token, TokenKind::Name))
             edits.replace(tokens.at(token).begin, tokens.at(token).length, quotedName(tokens.plain(token)));
@@ -140,7 +140,7 @@ ServerText selectText(const QString &statement, Search search)
     Edits edits;
     orderRows(*tokens, Clauses(*tokens), edits);
     putSelect(*tokens, search, edits);
-    return edits.appliedTo(statement);
+    return edits.appliedTo(tokens->statement());
 }
 
 ServerText countText(const QString &select, Search search)
@@ -162,7 +162,7 @@ ServerText countText(const QString &select, Search search)
         counted = edits.appliedTo(unordered->statement());
     } else {
         putSelect(*tokens, search, edits);
-        counted = edits.appliedTo(select);
+        counted = edits.appliedTo(tokens->statement());
     }
     return u"Select count(*) from (%1) as counted"_s.arg(counted);
 }
@@ -179,7 +179,7 @@ ServerText changeText(const QString &statement)
     Edits edits;
     putWords(*tokens, edits);
     edits.replace(tokens->end(), statement.size() - tokens->end(), {});
-    return edits.appliedTo(statement);
+    return edits.appliedTo(tokens->statement());
 }
 
 ServerText withValues(const QString &statement, const QList<DbValue> &values)
@@ -205,7 +205,7 @@ ServerText withValues(const QString &statement, const QList<DbValue> &values)
     }
     if (most < values.size())
         return Unexpected(u"the statement has a value too many"_s);
-    return edits.appliedTo(statement);
+    return edits.appliedTo(tokens->statement());
 }
 
 } // namespace harrowby::postgres

@@ -8,7 +8,8 @@
 
 namespace harrowby::postgres {
 
-/// Changes to a text, each at a place of the text as it was. Those of one place are done in their order.
+/// Changes to a text, each at a place of the text as it was. Those of one place are done in their order, and one within
+/// what another one replaces is left out.
 class Edits
 {
 public:
@@ -19,7 +20,12 @@ public:
     {
         QList<Edit> edits = m_edits;
         std::stable_sort(edits.begin(), edits.end(), [](const Edit &a, const Edit &b) { return a.begin < b.begin; });
-        for (auto edit = edits.crbegin(); edit != edits.crend(); ++edit)
+        QList<Edit> kept;
+        for (const Edit &edit : edits) {
+            if (kept.isEmpty() || !kept.back().encloses(edit.begin))
+                kept << edit;
+        }
+        for (auto edit = kept.crbegin(); edit != kept.crend(); ++edit)
             text.replace(edit->begin, edit->length, edit->text);
         return text;
     }
@@ -30,6 +36,8 @@ private:
         qsizetype begin;
         qsizetype length;
         QString text;
+
+        [[nodiscard]] bool encloses(qsizetype place) const { return begin < place && place < begin + length; }
     };
     QList<Edit> m_edits;
 };

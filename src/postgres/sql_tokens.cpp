@@ -137,7 +137,7 @@ Result<SqlTokens, QString> SqlTokens::of(const QString &statement)
         const QChar sign = piece->kind == TokenKind::Sign ? statement.at(i) : QChar();
         i = piece->end;
         if (token.kind == TokenKind::Comment) {
-            tokens.m_comments << token;
+            tokens.m_statement.replace(token.begin, token.length, QString(token.length, u' '));
             continue;
         }
         if (hasEnded && sign != u';')

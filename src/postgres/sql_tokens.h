@@ -36,12 +36,10 @@ public:
     /// semicolon at the end is left out.
     [[nodiscard]] static Result<SqlTokens, QString> of(const QString &statement);
 
+    /// Its text, with blanks in the place of comments.
     [[nodiscard]] const QString &statement() const { return m_statement; }
     [[nodiscard]] qsizetype count() const { return m_tokens.size(); }
     [[nodiscard]] const SqlToken &at(qsizetype token) const { return m_tokens.at(token); }
-    /// Comments, which are no tokens.
-    [[nodiscard]] const QList<SqlToken> &comments() const { return m_comments; }
-
     /// As it is written; empty where there is no such token.
     [[nodiscard]] QStringView text(qsizetype token) const;
     /// A text or name without its quotes, and anything else as it is written.
@@ -63,7 +61,6 @@ public:
 private:
     QString m_statement;
     QList<SqlToken> m_tokens;
-    QList<SqlToken> m_comments;
 };
 
 } // namespace harrowby::postgres

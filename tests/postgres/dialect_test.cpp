@@ -4,6 +4,9 @@
 #include "store/statement_texts.h"
 #include "tests/program/test_program.h"
 
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSet>
 #include <QTest>
 
 using namespace harrowby;
@@ -23,6 +26,7 @@ private Q_SLOTS:
     void change();
     void search();
     void values();
+    void literalsStay();
     void refusal_data();
     void refusal();
     void orderOfTheFile_data();
@@ -34,6 +38,15 @@ namespace {
 QString told(const ServerText &text)
 {
     return text ? *text : u"refused: "_s + text.error();
+}
+
+QSet<QString> literalsOf(const QString &text)
+{
+    static const QRegularExpression literal(u"'(?:[^']|'')*'"_s);
+    QSet<QString> found;
+    for (auto matches = literal.globalMatch(text); matches.hasNext();)
+        found.insert(matches.next().captured());
+    return found;
 }
 
 void addTexts(std::initializer_list<std::array<const char *, 3>> rows)
@@ -68,7 +81,8 @@ void TestDialect::select_data()
         {"subselect", "SELECT (select 1) FROM t", "SELECT (select 1) FROM t"},
         {"quoted names", "Select \"StockID\", [Stock Name], `x\"y` from \"Some\"",
          "Select \"stockid\", \"stock name\", \"x\"\"y\" from \"some\""},
-        {"comments", "Select 1 -- Limit 1, 2\n, 2 /* ; */, 3", "Select 1  , 2  , 3"},
+        {"comments", "Select 1 -- Limit 1, 2\n, 2 /* ; */, 3", "Select 1               , 2        , 3"},
+        {"comment within a limit", "Select x from t limit 1 /* ' */, -- '\n 2", "Select x from t limit 2 Offset 1"},
         {"comment at the end", "Select 1 -- no more", "Select 1"},
         {"semicolon at the end", "Select 1 ; ; ", "Select 1"},
         {"backslash", "Select 'a\\', 'b'", "Select 'a\\', 'b'"},
@@ -143,6 +157,8 @@ void TestDialect::search()
              u"Select count(*) from (Select StockID, StockName, StockCategory from StockList where "
              "harrowby_finds('A%_\\B C', StockID) or harrowby_finds('A%_\\B C', StockName)  and StockUse = 'Enabled') "
              "as counted"_s);
+    QCOMPARE(told(selectText(u"Select 1 where upper([a\"B]) like '*a*'"_s, Search::Anywhere)),
+             u"Select 1 where harrowby_finds('a', \"a\"\"b\")"_s);
     const QString empty = statements::searchStock({}).sql();
     QVERIFY(told(selectText(empty, Search::Anywhere)).contains(u"harrowby_finds('', StockID)"_s));
     const QString ids = statements::automaticIdCount(u"ABC"_s).sql();
@@ -161,6 +177,34 @@ void TestDialect::values()
     QCOMPARE(told(withValues(u"Select ?0"_s, {it})), u"refused: the statement lacks a value"_s);
     QCOMPARE(told(withValues(u"Select 1; Select ?"_s, {it})),
              u"refused: there is more than one statement in the text"_s);
+}
+
+/// Whatever the words are, and wherever they stand.
+void TestDialect::literalsStay()
+{
+    const QStringList words{u"select"_s,  u"*"_s,      u"from"_s,  u"StockList"_s, u"where"_s,   u"("_s,
+                            u")"_s,       u"limit"_s,  u"9"_s,     u","_s,         u"offset"_s,  u"order"_s,
+                            u"by"_s,      u"group"_s,  u"desc"_s,  u"upper"_s,     u"like"_s,    u"escape"_s,
+                            u"'\\'"_s,    u"'*a*'"_s,  u"\"x\""_s, u"and"_s,       u"or"_s,      u"="_s,
+                            u"between"_s, u"-"_s,      u"?"_s,     u"update"_s,    u"set"_s,     u"insert"_s,
+                            u"into"_s,    u"values"_s, u"count"_s, u"nulls"_s,     u"/* ' */"_s, u"'it''s'"_s};
+    QRandomGenerator random(3);
+    const QStringList heads{u"select"_s, u"update StockList set"_s, u"insert into StockList ("_s};
+    for (int i = 0; i < 20'000; ++i) {
+        QStringList text{heads.at(random.bounded(heads.size()))};
+        for (int count = random.bounded(14); count > 0; --count)
+            text << words.at(random.bounded(words.size()));
+        const QString statement = text.join(u' ');
+        const bool isSelect = text.front() == heads.front();
+        const auto sent = isSelect ? selectText(statement) : changeText(statement);
+        static_cast<void>(countText(statement, Search::Anywhere));
+        if (!sent)
+            continue;
+        const auto given = literalsOf(QString(statement).remove(u"/* ' */"_s));
+        const auto lost = given - literalsOf(*sent);
+        QVERIFY2(given.contains(literalsOf(*sent)) && (lost.isEmpty() || lost == QSet<QString>{u"'\\'"_s}),
+                 qPrintable(statement + u'\n' + *sent));
+    }
 }
 
 void TestDialect::refusal_data()

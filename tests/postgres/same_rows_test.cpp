@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "app/search/finding_function.h"
+#include "app/search/search_statement.h"
 #include "app/search/sought_text.h"
 #include "app/shop/schema.h"
 #include "engine/database.h"
@@ -44,6 +46,7 @@ private Q_SLOTS:
 private:
     void compare(const QString &select);
     void compareAll();
+    void compareSearch(const QString &text);
     void insertBoth(const QString &table, const DbAssignments &values);
     void changeBoth();
     void updateBoth();
@@ -173,6 +176,7 @@ void TestSameRows::init()
     QVERIFY(!runSql(m_file.get(), u"PRAGMA synchronous = OFF"_s));
     QVERIFY(!app::createTables(m_file.get()));
     QVERIFY(app::createMissingIndexes(m_file.get()));
+    QVERIFY(app::addFindingFunction(m_file.get()));
     m_connection = std::make_unique<SqliteConnection>(m_file.get());
 }
 
@@ -202,6 +206,19 @@ void TestSameRows::compareAll()
         if (QTest::currentTestFailed())
             return;
     }
+}
+
+/// The search that finds a text anywhere.
+void TestSameRows::compareSearch(const QString &text)
+{
+    SqliteStatement expected(m_file.get(), app::findingStatement(), {text});
+    QList<QList<DbValue>> rows;
+    while (expected.next())
+        rows << QList<DbValue>{expected.value(0), expected.value(1), expected.value(2)};
+    QVERIFY(!expected.hasFailed());
+    const ServerRows found = m_server->select(statements::searchStock(text).sql(), postgres::Search::Anywhere);
+    QCOMPARE(found.failure, QString());
+    QCOMPARE(told(found.rows), told(rows));
 }
 
 /// The row at the same place of the same list.
@@ -258,6 +275,8 @@ void TestSameRows::everyStatement()
     for (int round = 0; round < rounds && !QTest::currentTestFailed(); ++round) {
         changeBoth();
         compareAll();
+        for (const QString &text : {u""_s, u"TE"_s, u"É"_s, u"*"_s, u"\\"_s, u"İ"_s})
+            compareSearch(text);
     }
 }
 
