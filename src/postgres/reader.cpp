@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/reader.h"
+
+#include "postgres/postgres_cursor.h"
+
+#include <utility>
+
+namespace harrowby::postgres {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Everything between them sees the same moment.
+constexpr char beginSnapshot[] = "begin transaction isolation level repeatable read read only; ";
+constexpr char endSnapshot[] = "; commit";
+
+bool isLimited(const QString &text)
+{
+    return text.contains(" limit "_L1, Qt::CaseInsensitive);
+}
+
+/// What a counting SELECT has yielded.
+std::int64_t countIn(const PgResult &result)
+{
+    return result.rowCount() == 1 ? result.text(0, 0).toLongLong() : 0;
+}
+
+std::shared_ptr<const PgResult> shared(PgResult &&result)
+{
+    return std::make_shared<const PgResult>(std::move(result));
+}
+
+} // namespace
+
+Reader::Reader(ServerAccess &access, Report report, std::function<bool()> findsAnywhere) :
+    m_access(access), m_report(std::move(report)), m_findsAnywhere(std::move(findsAnywhere))
+{
+}
+
+Search Reader::search() const
+{
+    return m_findsAnywhere && m_findsAnywhere() ? Search::Anywhere : Search::AsWritten;
+}
+
+void Reader::refuse(const QString &select, const QString &reason)
+{
+    m_report(select, {PgError::Kind::Refused, {}, reason, false});
+}
+
+std::optional<QString> Reader::serverText(const QString &select)
+{
+    ServerText text = selectText(select, search());
+    if (text)
+        return *std::move(text);
+    refuse(select, text.error());
+    return {};
+}
+
+std::optional<PgResults> Reader::run(const QString &select, const QByteArray &statements)
+{
+    auto results = m_access.read(statements);
+    if (results)
+        return *std::move(results);
+    m_report(select, results.error());
+    return {};
+}
+
+/// Null when it failed.
+Reader::Rows Reader::rows(const QString &select)
+{
+    const std::optional<QString> text = serverText(select);
+    auto results = text ? run(select, text->toUtf8()) : std::nullopt;
+    return results && !results->empty() ? shared(std::move(results->back())) : nullptr;
+}
+
+std::unique_ptr<DbCursor> Reader::whole(const QString &select)
+{
+    if (select == m_latestFirst)
+        m_habits.noteAllWanted(select);
+    m_latestFirst.clear();
+    Rows found = rows(select);
+    return found ? std::make_unique<HeldRowsCursor>(std::move(found)) : nullptr;
+}
+
+std::unique_ptr<DbCursor> Reader::first(const QString &select)
+{
+    m_latestFirst.clear();
+    const std::optional<QString> text = serverText(select);
+    if (!text)
+        return nullptr;
+    if (!isLimited(*text) && !m_habits.isReadWhole(select))
+        return firstAndCount(select, *text);
+    auto results = run(select, text->toUtf8());
+    if (!results || results->empty())
+        return nullptr;
+    Rows found = shared(std::move(results->back()));
+    const std::int64_t count = found->rowCount();
+    return std::make_unique<HeldRowsCursor>(std::move(found), [this, select, count](std::int64_t read) {
+        if (count > ReadingHabits::firstRows && read <= ReadingHabits::firstRows + 1)
+            m_habits.noteRestUnwanted(select);
+    });
+}
+
+std::unique_ptr<DbCursor> Reader::firstAndCount(const QString &select, const QString &text)
+{
+    const ServerText counting = countText(select, search());
+    if (!counting)
+        return refuse(select, counting.error()), nullptr;
+    // One more than the first ones, as a cursor is asked for the row after them.
+    const QByteArray statements = beginSnapshot + counting->toUtf8() + "; select * from (" + text.toUtf8() +
+                                  ") as first_rows limit " + QByteArray::number(ReadingHabits::firstRows + 1) +
+                                  endSnapshot;
+    auto results = run(select, statements);
+    if (!results || results->size() != 4)
+        return nullptr;
+    const std::int64_t count = countIn((*results)[1]);
+    Rows found = shared(std::move((*results)[2]));
+    m_habits.noteCount(select, count);
+    if (count <= found->rowCount())
+        return std::make_unique<HeldRowsCursor>(std::move(found));
+    m_latestFirst = select;
+    return std::make_unique<HeldRowsCursor>(std::move(found), count, [this, select] {
+        m_habits.noteAllWanted(select);
+        return rows(select);
+    });
+}
+
+/// Connected, on the server that the till works with. Null when none is to be had: then a list is read whole.
+std::shared_ptr<PgSession> Reader::sessionToWalk()
+{
+    if (m_access.session().isLost())
+        return nullptr;
+    std::shared_ptr<PgSession> session = m_walks.take();
+    if (!session || (!session->isLost() && !session->hasEnded()))
+        return session;
+    return session->connect(m_access.targetBeside(), m_access.waits()) ? session : nullptr;
+}
+
+std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
+{
+    m_access.time().beginStatement();
+    const std::optional<QString> text = serverText(select);
+    const ServerText counting = isCounted ? countText(select, search()) : ServerText(QString());
+    std::shared_ptr<PgSession> session = text && counting ? sessionToWalk() : nullptr;
+    if (!session)
+        return text ? whole(select) : nullptr;
+    const QByteArray count = isCounted ? counting->toUtf8() + "; " : QByteArray();
+    auto rows = session->walk(beginSnapshot + count + text->toUtf8() + endSnapshot, m_access.budget());
+    if (!rows && mayPass(rows.error()))
+        return whole(select); // over the till's own session, which may be better off
+    if (!rows)
+        return m_report(select, rows.error()), nullptr;
+    std::optional<std::int64_t> found;
+    if (isCounted && rows->next() == PgRows::Step::Row) {
+        found = rows->text(0).toLongLong();
+        static_cast<void>(rows->next());
+        static_cast<void>(rows->nextSelect());
+    }
+    if (rows->error())
+        return m_report(select, *rows->error()), nullptr;
+    return std::make_unique<WalkCursor>(std::move(session), *std::move(rows), found,
+                                        [this, select](const PgError &error) { m_report(select, error); });
+}
+
+std::unique_ptr<DbCursor> Reader::held(HeldRead &held)
+{
+    const std::optional<QString> text = serverText(held.select);
+    auto results = text ? run(held.select, held.reading(*text)) : std::nullopt;
+    if (results && !results->empty()) {
+        held.rows = shared(std::move(results->back()));
+        return std::make_unique<HeldRowsCursor>(held.rows);
+    }
+    PgSession &session = m_access.session();
+    if (session.isInTransaction() && !session.run("rollback", m_access.budget()))
+        session.close();
+    return nullptr;
+}
+
+std::optional<std::int64_t> Reader::count(const QString &select)
+{
+    const ServerText text = countText(select, search());
+    if (!text) {
+        refuse(select, text.error());
+        return {};
+    }
+    const auto results = run(select, text->toUtf8());
+    return results && !results->empty() ? std::optional(countIn(results->back())) : std::nullopt;
+}
+
+QString Reader::counting(const QString &select) const
+{
+    ServerText text = countText(select, search());
+    return text ? *std::move(text) : QString();
+}
+
+std::optional<std::vector<DbRowId>> Reader::rowIds(const QString &select)
+{
+    const Rows found = rows(select);
+    if (!found)
+        return {};
+    HeldRowsCursor cursor(found);
+    std::vector<DbRowId> ids;
+    while (cursor.next() == DbCursor::Step::Row) {
+        const std::optional<DbRowId> id = cursor.rowId();
+        if (!id) {
+            refuse(select, u"the rows have no identity"_s);
+            return {};
+        }
+        ids.push_back(*id);
+    }
+    return ids;
+}
+
+} // namespace harrowby::postgres

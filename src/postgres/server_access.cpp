@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/server_access.h"
+
+#include <QDeadlineTimer>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace harrowby::postgres {
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+using Kind = PgError::Kind;
+
+constexpr auto pauseBetweenTries = 100ms;
+
+} // namespace
+
+bool mayPass(const PgError &error)
+{
+    switch (error.kind) {
+    case Kind::CannotConnect:
+    case Kind::Crowded:
+    case Kind::Starting:
+    case Kind::ReadOnly:
+    case Kind::Lost:
+    case Kind::TimedOut:
+        return true;
+    default:
+        return false;
+    }
+}
+
+ServerAccess::ServerAccess(PgTarget target, PgWaits waits, ActionTime &time) :
+    m_target(std::move(target)), m_waits(std::move(waits)), m_time(time)
+{
+}
+
+QString ServerAccess::noTimeLeft()
+{
+    return u"the server did not answer before in the same action, and is not waited for again"_s;
+}
+
+Result<void, PgError> ServerAccess::reach()
+{
+    if (!m_session.isLost() && !m_session.hasEnded())
+        return {};
+    if (m_time.isOver())
+        return Unexpected(PgError{Kind::CannotConnect, {}, noTimeLeft(), false});
+    return connect();
+}
+
+Result<void, PgError> ServerAccess::connect()
+{
+    auto connected = m_session.connect(m_target, m_waits);
+    if (connected)
+        m_target.leastTimeline = std::max(m_target.leastTimeline, m_session.server().timeline);
+    return connected;
+}
+
+PgBudget ServerAccess::budget() const
+{
+    return {m_waits.answer, m_time.lockLeft()};
+}
+
+PgTarget ServerAccess::targetBeside() const
+{
+    PgTarget target = m_target;
+    target.use = PgTarget::Use::Walk;
+    target.server = m_session.server();
+    return target;
+}
+
+Result<PgResults, PgError> ServerAccess::read(const QByteArray &statements)
+{
+    return again<PgResults>([&]() -> Result<PgResults, PgError> {
+        if (auto reached = reach(); !reached)
+            return Unexpected(std::move(reached).error());
+        return m_session.run(statements, budget());
+    });
+}
+
+/// Whether another try may do better, and the action has time for it. Waits a little then.
+bool ServerAccess::goesOnAfter(const PgError &error)
+{
+    if (error.kind == Kind::LockTimedOut)
+        m_time.spendLock(m_time.waited());
+    if (error.kind == Kind::GivenUp)
+        m_time.giveUp();
+    if (!mayPass(error))
+        return false;
+    m_time.noteTrouble();
+    if (m_time.isOver()) {
+        m_time.giveUp(); // further statements of this action are not waited for in their turn
+        return false;
+    }
+    pause();
+    return true;
+}
+
+/// Between two tries; a person may give up meanwhile.
+void ServerAccess::pause() const
+{
+    std::vector<pollfd> nothing;
+    if (Waiter(m_waits.hook, PgWaiting::Connection).wait(nothing, QDeadlineTimer(pauseBetweenTries)) ==
+        Waiter::End::GivenUp)
+        m_time.giveUp();
+}
+
+} // namespace harrowby::postgres

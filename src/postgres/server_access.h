@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "postgres/action_time.h"
+#include "postgres/postgres_session.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+namespace harrowby::postgres {
+
+/// The one session of a till for look-ups and writes, connected again whenever it is needed and has broken, within the
+/// time that an action has.
+class ServerAccess
+{
+public:
+    /// The time must outlive it. `waits.hook` is called in every wait.
+    ServerAccess(PgTarget target, PgWaits waits, ActionTime &time);
+
+    /// Makes the session; tried once. An older server than the last one is not taken.
+    [[nodiscard]] Result<void, PgError> connect();
+    /// The same where there is no usable session and the action has time for it.
+    [[nodiscard]] Result<void, PgError> reach();
+    /// What to say when it has not.
+    [[nodiscard]] static QString noTimeLeft();
+    /// Runs statements that change nothing, and again on a new session when one breaks, until the action has no time
+    /// left.
+    [[nodiscard]] Result<PgResults, PgError> read(const QByteArray &statements);
+    /// The same of anything that does no harm when it is done twice.
+    template <typename T>
+    [[nodiscard]] Result<T, PgError> again(const std::function<Result<T, PgError>()> &tryOnce)
+    {
+        m_time.beginStatement();
+        for (;;) {
+            auto result = tryOnce();
+            if (result || !goesOnAfter(result.error()))
+                return result;
+        }
+    }
+
+    [[nodiscard]] PgSession &session() { return m_session; }
+    /// Of the next statement.
+    [[nodiscard]] PgBudget budget() const;
+    /// For a further session on the same server.
+    [[nodiscard]] PgTarget targetBeside() const;
+    [[nodiscard]] const PgWaits &waits() const { return m_waits; }
+    [[nodiscard]] ActionTime &time() { return m_time; }
+
+private:
+    [[nodiscard]] bool goesOnAfter(const PgError &error);
+    void pause() const;
+
+    PgTarget m_target;
+    PgWaits m_waits;
+    ActionTime &m_time;
+    PgSession m_session;
+};
+
+/// Whether this error says that the session broke, or could not be made, and that another try may do better.
+[[nodiscard]] bool mayPass(const PgError &error);
+
+} // namespace harrowby::postgres

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "postgres/writer.h"
+
+#include <QScopeGuard>
+#include <QStandardPaths>
+#include <QUuid>
+
+#include <algorithm>
+#include <utility>
+
+namespace harrowby::postgres {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using Kind = PgError::Kind;
+using Outcome = Actions::Outcome;
+using Phase = ActionServer::Phase;
+
+QString usualFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/harrowby/actions"_s;
+}
+
+/// Whether the write ended like this because of the time that it took.
+bool isTrouble(const PgError &error)
+{
+    return mayPass(error) || error.kind == Kind::GivenUp || error.kind == Kind::NotConfirmed;
+}
+
+} // namespace
+
+Writer::Engine::Engine(ServerAccess &access, const QString &folder) :
+    journal(folder), server(access.session(), [&access] { return access.connect(); }), actions(server, journal)
+{
+    server.setHook(access.waits().hook);
+}
+
+Writer::Writer(ServerAccess &access, QString stateFolder, std::chrono::milliseconds rest) :
+    m_access(access), m_stateFolder(std::move(stateFolder)), m_rest(rest)
+{
+    if (m_stateFolder.isEmpty())
+        m_stateFolder = usualFolder();
+}
+
+void Writer::setResolvedHandler(ResolvedHandler handler)
+{
+    m_handler = std::move(handler);
+}
+
+/// The journal belongs to one store, and only the server can say which this is.
+std::optional<PgError> Writer::prepare()
+{
+    if (m_engine)
+        return {};
+    const auto results = m_access.read("select harrowby.store_identity()");
+    if (!results)
+        return results.error();
+    const QByteArrayView identity =
+        !results->empty() && results->front().rowCount() == 1 ? results->front().text(0, 0) : QByteArrayView();
+    const QUuid store = QUuid::fromString(QLatin1StringView(identity));
+    if (store.isNull())
+        return PgError{Kind::Unfit, {}, u"the store on the server has no identity"_s, false};
+    m_engine = std::make_unique<Engine>(m_access, m_stateFolder + u'/' + store.toString(QUuid::WithoutBraces));
+    m_engine->actions.setResolvedHandler([this](const OpenAction &open, Outcome outcome) {
+        if (m_handler)
+            m_handler(open.what, outcome);
+    });
+    return {};
+}
+
+void Writer::setTimes()
+{
+    ActionTime &time = m_access.time();
+    ActionPatience patience;
+    patience.sending = time.hasWritten() ? time.left() : m_access.waits().connecting;
+    patience.resending = time.hasWritten() ? time.left() : m_rest;
+    m_engine->server.setPatience(patience);
+    m_engine->server.setBudget(m_access.budget());
+}
+
+std::optional<PgError> Writer::resolve()
+{
+    if (auto error = prepare())
+        return error;
+    m_access.time().beginStatement();
+    setTimes();
+    m_engine->actions.resolve();
+    return {};
+}
+
+Actions::End Writer::write(const Write &write)
+{
+    if (auto error = prepare())
+        return {Outcome::Refused, *std::move(error)};
+    ActionTime &time = m_access.time();
+    time.beginStatement();
+    if (time.isOver() && m_access.session().isLost())
+        return {Outcome::Refused, {Kind::CannotConnect, {}, m_access.noTimeLeft(), false}};
+    setTimes();
+    m_isWriting = true;
+    const auto end = qScopeGuard([this] { m_isWriting = false; });
+    return ended(m_engine->actions.write(write));
+}
+
+/// What this write has cost the action.
+Actions::End Writer::ended(Actions::End end) const
+{
+    ActionTime &time = m_access.time();
+    if (end.outcome != Outcome::Refused)
+        time.noteWrite();
+    if (end.outcome == Outcome::Done)
+        return end;
+    if (end.error.kind == Kind::LockTimedOut)
+        time.spendLock(time.waited());
+    else if (isTrouble(end.error) || end.outcome == Outcome::Unknown)
+        time.giveUp(); // its own time is used up, and the action's with it
+    return end;
+}
+
+bool Writer::mayGiveUp() const
+{
+    if (!m_isWriting || m_engine->server.phase() == Phase::Sending)
+        return m_access.time().hasWritten();
+    return m_engine->server.phase() == Phase::Resending;
+}
+
+} // namespace harrowby::postgres

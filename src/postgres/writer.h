@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "postgres/actions.h"
+#include "postgres/server_access.h"
+#include "postgres/session_actions.h"
+
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace harrowby::postgres {
+
+/// Has writes done exactly once over the till's session. What that takes on this machine's disk, in a folder of the
+/// store's, is there from the first write on.
+class Writer
+{
+public:
+    using ResolvedHandler = std::function<void(const QString &what, Actions::Outcome outcome)>;
+
+    /// `rest` is the time for a write that may be under way.
+    Writer(ServerAccess &access, QString stateFolder, std::chrono::milliseconds rest);
+
+    void setResolvedHandler(ResolvedHandler handler);
+
+    /// Sees to what earlier programs and this one have left open; the reason when the server cannot be asked.
+    [[nodiscard]] std::optional<PgError> resolve();
+    [[nodiscard]] Actions::End write(const Write &write);
+
+    /// Whether the wait that goes on now may be ended by a person.
+    [[nodiscard]] bool mayGiveUp() const;
+
+private:
+    struct Engine
+    {
+        Engine(ServerAccess &access, const QString &folder);
+
+        ActionFolder journal;
+        SessionActions server;
+        Actions actions;
+    };
+
+    [[nodiscard]] std::optional<PgError> prepare();
+    void setTimes();
+    [[nodiscard]] Actions::End ended(Actions::End end) const;
+
+    ServerAccess &m_access;
+    QString m_stateFolder;
+    std::chrono::milliseconds m_rest;
+    ResolvedHandler m_handler;
+    std::unique_ptr<Engine> m_engine; ///< once it is known which store this is
+    bool m_isWriting = false;
+};
+
+} // namespace harrowby::postgres
