@@ -26,6 +26,7 @@ do_backup() {
     copy_cluster "$folder"
     keep_keys "$folder"
     drop_old "$folder"
+    check_log "$folder"
 }
 
 make_places() {
@@ -90,6 +91,17 @@ drop_old() {
     [ -z "$start" ] || as_owner "$programs/pg_archivecleanup" "$1/log" "$start"
 }
 
+# Its pieces are numbered through, whatever the timeline (the first 8 digits of 24).
+check_log() {
+    local name number last=
+    while read -r name; do
+        number=$((16#${name:8:8} * 256 + 16#${name:16:8}))
+        [ -z "$last" ] || ((number <= last + 1)) ||
+            die "the log in $1/log has a gap before $name: no moment between the backups before and after it can be restored"
+        last=$number
+    done < <(find "$1/log" -type f -printf '%f\n' | grep -xE '[0-9A-F]{24}' | sort -k 1.9)
+}
+
 set_timer() {
     local units=$root/etc/systemd/system
     [[ $1 =~ ^([01][0-9]|2[0-3]):[0-5][0-9]$ ]] || misused "--timer takes a time of the day, like 02:30"
@@ -115,9 +127,11 @@ Persistent=true
 [Install]
 WantedBy=timers.target
 UNIT
-    if [ -z "$root" ]; then
+    if [ -z "$root" ] && [ -d /run/systemd/system ]; then
         systemctl daemon-reload
         systemctl enable -q --now harrowby-server-backup.timer
+    elif [ -z "$root" ]; then
+        warn "systemd does not run here, so its timer does nothing; have cron call: $(readlink -f "$0") backup"
     fi
     say "Every day at $1, into ${machine[backup]}, the last ${machine[keep]} are kept."
 }

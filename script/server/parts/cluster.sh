@@ -19,6 +19,14 @@ need_primary() {
     ! is_standby || die "this machine is the standby. Do this on the one that the tills sell with"
 }
 
+# Without its standby the server takes whatever is written, and confirms none of it.
+need_writable() {
+    is_running && ! is_standby || return 0
+    [ "$(sql_in_postgres -c "select current_setting('synchronous_standby_names') <> '' and
+        not exists (select from pg_stat_replication where sync_state in ('sync', 'quorum'))")" = f ] ||
+        die "nothing can be written, as the standby is gone. Repair it, or: harrowby-server alone"
+}
+
 control() {
     local skip=()
     [ -z "$root" ] || skip=(--skip-systemctl-redirect)
@@ -62,11 +70,17 @@ use_settings() {
 # Connections that so many tills and offices can have at once: up to six each, and some for whoever keeps the server.
 room_for() { printf '%s' $((30 + 6 * $1)); }
 
+# While $etc/making is there, a cluster holds nothing yet: one that was interrupted is made anew.
 make_cluster() {
-    if [ -d "$conf" ] || [ -d "$data" ]; then
-        is_ours || die "there is a cluster '$cluster' that was not made here ($conf, $data); it is not touched"
+    if [ -f "$etc/making" ]; then
+        [ ! -d "$conf" ] || stop_server
+        rm -rf "${conf:?}" "${data:?}"
+    elif is_ours && [ -d "$data" ]; then
         return 0
+    elif [ -d "$conf" ] || [ -d "$data" ]; then
+        die "there is a cluster '$cluster' that was not made here ($conf, $data); it is not touched"
     fi
+    : >"$etc/making"
     say "Making the server's cluster ..."
     local port=()
     [ -z "${machine[port]:-}" ] || port=(-p "${machine[port]}")
@@ -103,7 +117,7 @@ wal_level = replica
 hot_standby = on
 max_wal_senders = 10
 max_replication_slots = 10
-wal_retrieve_retry_interval = '1s'
+wal_retrieve_retry_interval = '250ms'
 max_slot_wal_keep_size = '20GB'
 wal_sender_timeout = '10s'
 wal_receiver_timeout = '10s'

@@ -16,6 +16,7 @@ add_login() {
     role=${kind}_$name
     [ -z "${opt[owner]:-}" ] || [ "$kind" = office ] || misused "--owner is for an office"
     need_primary
+    need_writable
     folder=$(absolute "${opt[to]:-$role}")
     if [ -z "$(sql -c "select 1 from pg_roles where rolname = '$role'")" ]; then
         check_room
@@ -87,6 +88,7 @@ remove_login() {
     check_name "${rest[0]}"
     role=${kind}_${rest[0]}
     need_primary
+    need_writable
     [ -n "$(sql -c "select 1 from pg_roles where rolname = '$role'")" ] || die "there is no $kind ${rest[0]}"
     sql -f - <<SQL
 alter role "$role" nologin;

@@ -124,6 +124,9 @@ swap_in() {
     mv "$restored" "$data"
     start_server
     say "The server has the restored store. What it held before is kept: $kept"
-    [ "$(sql -c 'select count(*) from harrowby_server.host')" -le 1 ] ||
+    if [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ]; then
+        sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'restored')
+            on conflict (name) do update set value = 'restored', since = now()"
         say "The standby has another past now. Make it anew: here standby --for NAME …, there standby FILE --take-back"
+    fi
 }

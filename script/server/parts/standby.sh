@@ -20,6 +20,7 @@ invite_standby() {
     [ -n "${opt[address]:-}" ] || misused "standby --for NAME needs --address: the second machine's address"
     check_address "${opt[address]}"
     need_primary
+    need_writable
     [ "$name" != "${machine[name]}" ] || misused "$name is this machine"
     file=$(absolute "${opt[to]:-standby-$name.tar}")
     role=standby_$name
@@ -150,7 +151,7 @@ make_standby() {
     set_aside_old
     take_keys
     save_machine
-    make_cluster
+    [ -d "$conf" ] && [ ! -f "$etc/making" ] || make_cluster
     follow_room
     save_machine
     make_certificate
@@ -168,8 +169,8 @@ make_standby() {
     write_settings
     as_owner touch "$copy/standby.signal"
     keep_aside "$data"
+    rm -f "$etc/making"
     mv "$copy" "$data"
-    rm -f "$etc/empty"
     start_server
     # Its own list is for the day on which it is the server.
     sql_in_postgres -c 'alter system reset synchronous_standby_names'
@@ -183,12 +184,11 @@ as_owner_folder() {
 
 # A machine that has sold itself before, or a standby that cannot follow any more: its data is kept.
 set_aside_old() {
-    [ -d "$conf" ] || {
-        install -d -m 755 "$etc"
-        : >"$etc/empty" # the cluster that is made now holds nothing
+    if [ ! -d "$conf" ] || [ -f "$etc/making" ]; then
         return 0
-    }
-    [ ! -f "$etc/empty" ] || return 0
+    fi
+    is_ours || die "there is a cluster '$cluster' that was not made here ($conf); it is not touched"
+    [ -d "$data" ] || return 0
     [ -n "${opt[take-back]:-}" ] || die "this machine has a server with data. To make it the standby of $server, with --take-back:
     its data is then kept aside, and the server's is copied"
     stop_server
@@ -198,7 +198,7 @@ set_aside_old() {
 keep_aside() {
     local kept
     [ -d "$1" ] || return 0
-    if [ -f "$etc/empty" ]; then
+    if [ -f "$etc/making" ]; then
         rm -rf "${1:?}"
         return 0
     fi

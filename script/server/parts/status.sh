@@ -34,7 +34,8 @@ tell_server() {
         protected) say "It sells, and each sale is on two machines before it counts." ;;
         waiting) trouble "NOTHING IS SOLD: the standby is gone. Repair it, or: harrowby-server alone" ;;
         alone) trouble "It sells alone since $(sql -c "select coalesce(max(to_char(since, 'YYYY-MM-DD HH24:MI')), '?')
-            from harrowby_server.remark where name = 'alone'"): what it sells now is on this machine only." ;;
+            from harrowby_server.remark where name = 'alone'"): what it sells now is on this machine only. Where a standby
+  is named below that is not behind: harrowby-server alone --off" ;;
     esac
     sql -f - <<'SQL'
 select format('Standby %s: %s, %s behind', application_name, state, pg_size_pretty(pg_wal_lsn_diff(pg_current_wal_lsn(), flush_lsn)))

@@ -8,6 +8,8 @@ do_create() {
     need_server
     remember_choices
     make_cluster
+    rm -f "$etc/making"
+    need_writable
     if [ -n "${opt[keys]:-}" ]; then
         take_authority "$(absolute "${opt[keys]}")"
     fi
@@ -53,6 +55,7 @@ make_roles() {
             sql_in_postgres -c "create role $role nologin"
     done
     sql_in_postgres <<'SQL'
+set client_min_messages = warning;
 grant pg_monitor to harrowby_standby;
 grant alter system on parameter synchronous_standby_names to harrowby_standby;
 SQL
@@ -92,6 +95,7 @@ make_store() {
 do_update() {
     take_options "tills:" "$@"
     need_running
+    need_writable
     if [ -n "${opt[tills]:-}" ]; then
         check_number "${opt[tills]}"
         machine[tills]=${opt[tills]}
@@ -99,6 +103,9 @@ do_update() {
     save_machine
     make_certificate
     write_settings
+    if [ -n "${opt[tills]:-}" ] && ! is_standby && [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ]; then
+        warn "the standby needs this room before the server has it: update --tills there, and its restart, come first"
+    fi
     use_settings
     if is_standby; then
         say "The standby's settings are up to date; the store's tables come from the server by themselves."

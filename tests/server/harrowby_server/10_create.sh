@@ -1,6 +1,10 @@
 # shellcheck shell=bash
 # create and update.
 
+! command -v shellcheck >/dev/null ||
+    works "shellcheck" eval 'cd "${script%/*}" && shellcheck -x harrowby-server archive-log install-login &&
+        shellcheck "$source_dir"/tests/server/harrowby_server_test.sh'
+
 refuses "create without a network" "needs --network" on one create --address 127.0.0.1
 works "create" on one create --name one --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_one" --tills 2
 is "checksums" on admin one "show data_checksums"
@@ -22,3 +26,17 @@ mkdir -p "$work/foreign/var/lib/postgresql/$version/harrowby"
 echo precious >"$(data_of foreign)/something"
 refuses "a cluster of somebody else's" "not touched" on foreign create --name f --address 127.0.0.1 --network 127.0.0.0/8
 is "which stays" precious cat "$(data_of foreign)/something"
+
+# Interrupted anywhere, and done again.
+port_four=$(free_port)
+create_four() { on four create --name four --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_four"; }
+for after in 0.2 0.7 1.2 2 3; do
+    HARROWBY_SERVER_ROOT=$work/four "$script" create --name four --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_four" \
+        >/dev/null 2>&1 &
+    sleep $after
+    kill -KILL $! 2>/dev/null
+    wait $! 2>/dev/null
+done
+wait_for "create after it was killed" 1 eval 'create_four >/dev/null && echo 1'
+is "whole" 6 admin four "select count(*) from pg_tables where schemaname = 'harrowby' and tableowner = 'harrowby_owner'
+    and tablename in ('users', 'inventorycategory', 'stocklist', 'purchasecart', 'storesettings', 'sysusage')"

@@ -25,6 +25,7 @@ for statement in \
     "insert into HarrowbyActivity (DeedID, DoneAt, Kind, Who, Place, What) values ('1', '', '', '', '', '')" \
     "select Value from HarrowbySetting where Name = 'PaymentWays'" \
     "update HarrowbyCode set StockID = 'b' where StockID = 'a'" \
+    "select harrowby.act(gen_random_uuid(), 1)" \
     "select pg_advisory_xact_lock(1)" \
     "select harrowby.protection()"; do
     works "a till: $statement" till counter-1 "$statement"
@@ -56,7 +57,7 @@ for statement in \
     "select lo_create(0)" "select lo_import('/etc/passwd')" "alter system set fsync = off" \
     "create role mine" "set role harrowby_owner" "set session_replication_role = replica" \
     "alter role till_counter-1 superuser" "select * from pg_authid" "select * from harrowby_server.host" \
-    "select harrowby_server.know_host('a', 'b', 1)"; do
+    "update harrowby.writer_action set last = 0" "select harrowby_server.know_host('a', 'b', 1)"; do
     refuses "a till: $statement" ERROR till counter-1 "$statement"
 done
 works "an office: users" till desk "insert into Users (Username) values ('NEW')"

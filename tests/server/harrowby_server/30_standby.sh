@@ -24,6 +24,7 @@ selling=$!
 wait_for "the sign" waiting protection one
 sleep 1
 is "no sale is confirmed" "" cat "$work/s2"
+refuses "nor anything else written" "the standby is gone" on one add-till counter-8
 says "status says so" "NOTHING IS SOLD" on one status
 works "alone" on one alone
 wait "$selling"
@@ -33,7 +34,7 @@ refuses "the standby is not back" "no standby has caught up" on one alone --off
 works "a sale alone" sell counter-1 s3
 env PG_CLUSTER_CONF_ROOT="$work/two/etc/postgresql" pg_ctlcluster --skip-systemctl-redirect "$version" harrowby start >/dev/null 2>&1
 wait_for "the standby is back" "s1 s2 s3" sold two
-refuses "promote knows that the server went on alone" "still answers" on two promote --other-is-off
+refuses "promote while the server still sells" "still answers" on two promote --other-is-off
 works "alone --off" on one alone --off
 wait_for "two machines again" protected protection one
 works "another sale" sell counter-1 s4

@@ -16,9 +16,14 @@ sleep 1
 works "a third" on one backup
 is "of which two are kept" xx bases
 
+piece=$(find "$work/backup/log" -name '000000??????????????????' | sort | tail -n 1)
+mv "$piece" "$work/piece"
+refuses "a gap in the log" "has a gap" on one backup --keep 9
+mv "$work/piece" "$piece"
+works "none any more" on one backup
+
 refuses "a time before all backups" "no backup" on one restore --time '2020-01-01 00:00:00'
 refuses "no time" "is no time" on one restore --time yesterdayish
-works "a backup for the time to come" on one backup --keep 9
 works "a sale" sell counter-1 t3
 sleep 1.1
 moment=$(date +'%Y-%m-%d %H:%M:%S')
