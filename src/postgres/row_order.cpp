@@ -3,6 +3,7 @@
 
 #include "postgres/schema.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -84,6 +85,13 @@ bool isByName(const QStringList &conditions)
            std::all_of(conditions.begin(), conditions.end(), [](const QString &one) { return known.contains(one); });
 }
 
+/// A file looks for several IDs in their order; the column or expression of the index, or nothing.
+QString columnOfList(const QStringList &conditions)
+{
+    static const QRegularExpression list(u"^(stockid|upper\\(stockid\\))in\\(\\?(,\\?)*\\)$"_s);
+    return conditions.size() == 1 ? list.match(conditions.front()).captured(1) : QString();
+}
+
 bool isByDay(const QStringList &conditions)
 {
     return std::any_of(conditions.begin(), conditions.end(),
@@ -103,6 +111,8 @@ QString orderOfFile(const SqlTokens &tokens, const Clauses &clauses)
     const QStringList conditions = shapes(tokens, split(tokens, all, "and"_L1));
     if (clauses.table == u"stocklist" && isByName(conditions))
         return u"StockName nulls first, "_s;
+    if (const QString column = columnOfList(conditions); clauses.table == u"stocklist" && !column.isEmpty())
+        return column + u" nulls first, "_s;
     if (clauses.table == u"purchasecart" && isByDay(conditions))
         return u"substr(PurchasedDate, 1, 6) nulls first, Users nulls first, PurchasedItemsCost nulls first, "
                "PurchasedDate nulls first, "_s;

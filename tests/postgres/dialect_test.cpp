@@ -276,6 +276,12 @@ void TestDialect::orderOfTheFile_data()
     row("table with an alias", u"Select s.StockID from StockList as s"_s, byId);
     row("distinct", u"Select distinct StockCategory from StockList"_s, {});
     row("put together", u"Select StockID from StockList union select StockName from StockList"_s, {});
+    row("several IDs", u"Select StockName from StockList where StockID in ('b', ?)"_s,
+        u" order by stockid nulls first, rowid_"_s);
+    row("several IDs in capitals", u"Select StockName from StockList where UPPER(StockID) in ('B')"_s,
+        u" order by upper(stockid) nulls first, rowid_"_s);
+    row("IDs of another table", u"Select StockName from StockList where StockID in (select Code from HarrowbyCode)"_s,
+        byId);
     row("report", u"SELECT PurchasedItems FROM PurchaseCart WHERE substr(PurchasedDate,1,6) BETWEEN 'a' AND 'b'"_s,
         u" order by substr(PurchasedDate, 1, 6) nulls first, Users nulls first, PurchasedItemsCost nulls first, "
         "PurchasedDate nulls first, rowid_"_s);

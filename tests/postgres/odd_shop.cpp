@@ -194,20 +194,23 @@ QStringList OddShop::officeSelects()
     const QString pattern = postgres::literal(DbValue(u'%' + app::escapedForLike(name().toUpper()) + u'%'));
     const QString id = postgres::literal(DbValue(this->id()));
     const QString page = u" order by Dates desc limit 5 offset %1"_s.arg(number(9));
-    return {u"select StockID, StockName, StockCost from StockList where upper(StockID) like %1 escape '\\' or "
-            "upper(StockName) like %1 escape '\\' order by StockName, StockID limit 7"_s.arg(pattern),
-            u"select s.StockID, s.StockName, s.StockCost, s.StockAvailable, (select count(*) from StockList o where "
-            "o.StockID = s.StockID and o.StockName is distinct from s.StockName) from StockList s where s.StockUse = "
-            "'Enabled' and s.StockCategory = 'FOOD' order by s.StockName, s.StockID"_s,
-            u"select distinct StockCategory from StockList where StockUse = 'Enabled' order by StockCategory"_s,
-            u"select StockName, StockUse from StockList where StockID = "_s + id,
-            u"select p.ID from (select PurchaseID || '' as ID, count(*) as Times from PurchaseCart where "
-            "substr(PurchasedDate, 1, 6) >= '261121' and PurchasedDate >= '2611211' group by PurchaseID || '') p "
-            "where p.Times <> 2 order by p.ID"_s,
-            u"select Dates, SystemUsage from SysUsage where Dates is not null"_s + page,
-            u"select Dates, SystemUsage from SysUsage where Dates is null order by SystemUsage"_s,
-            u"select 1 from Users where upper(Username) = 'MARY'"_s,
-            u"SELECT max(substr(PurchasedDate,1,6)) FROM PurchaseCart"_s};
+    return {
+        u"select StockID, StockName, StockCost from StockList where upper(StockID) like %1 escape '\\' or "
+        "upper(StockName) like %1 escape '\\' order by StockName, StockID limit 7"_s.arg(pattern),
+        u"select s.StockID, s.StockName, s.StockCost, s.StockAvailable, (select count(*) from StockList o where "
+        "o.StockID = s.StockID and o.StockName is distinct from s.StockName) from StockList s where s.StockUse = "
+        "'Enabled' and s.StockCategory = 'FOOD' order by s.StockName, s.StockID"_s,
+        u"select distinct StockCategory from StockList where StockUse = 'Enabled' order by StockCategory"_s,
+        u"select StockName, StockUse from StockList where StockID = "_s + id,
+        u"select StockID, StockName, StockCost from StockList where StockID in ('a', %1, 'A', '9', 'ABC-*')"_s.arg(id),
+        u"select StockID, StockName from StockList where UPPER(StockID) in ('ABC-*', 'A', %1)"_s.arg(id),
+        u"select p.ID from (select PurchaseID || '' as ID, count(*) as Times from PurchaseCart where "
+        "substr(PurchasedDate, 1, 6) >= '261121' and PurchasedDate >= '2611211' group by PurchaseID || '') p "
+        "where p.Times <> 2 order by p.ID"_s,
+        u"select Dates, SystemUsage from SysUsage where Dates is not null"_s + page,
+        u"select Dates, SystemUsage from SysUsage where Dates is null order by SystemUsage"_s,
+        u"select 1 from Users where upper(Username) = 'MARY'"_s,
+        u"SELECT max(substr(PurchasedDate,1,6)) FROM PurchaseCart"_s};
 }
 
 QStringList OddShop::selects()

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void keysOfAllLetters();
     void schemaCanBeRunAgain();
     void indexesServe();
+    void saleTouchesNoIndex();
 
 private:
     void compare(const QString &select);
@@ -418,6 +419,24 @@ void TestSameRows::indexesServe()
         QVERIFY2(steps.contains(QRegularExpression(index)), qPrintable(steps));
         QVERIFY2(!steps.contains(u"Sort"_s) || !statement.contains(u"imit 9"_s), qPrintable(steps));
     }
+}
+
+/// Else each sale would write into each of them.
+void TestSameRows::saleTouchesNoIndex()
+{
+    for (const QString &id : {u"A"_s, u"B"_s, u"C"_s})
+        QCOMPARE(
+            m_server->insert(u"StockList"_s, {{u"StockID"_s, id}, {u"StockName"_s, id}, {u"StockAvailable"_s, 9.0}}),
+            QString());
+    QCOMPARE(m_server->run(u"begin"_s).failure, QString());
+    for (const QString &id : {u"A"_s, u"B"_s, u"C"_s}) {
+        QCOMPARE(m_server->change(statements::lowerStock(2, id, id).sql()), QString());
+        QCOMPARE(m_server->change(statements::raiseStock(1, id).sql()), QString());
+    }
+    const ServerRows counts = m_server->run(u"select n_tup_upd, n_tup_hot_upd from pg_stat_xact_user_tables "
+                                            "where relname = 'stocklist'"_s);
+    QCOMPARE(m_server->run(u"commit"_s).failure, QString());
+    QCOMPARE(told(counts.rows), QStringList{u"6|6"_s});
 }
 
 HARROWBY_CORE_TEST(same_rows_test, TestSameRows)
