@@ -122,10 +122,30 @@ void putSelect(const SqlTokens &tokens, Search search, Edits &edits)
     edits.replace(tokens.end(), tokens.statement().size() - tokens.end(), {});
 }
 
+/// Whether rows are changed, also within a WITH; other words of this kind (FOR UPDATE) do not begin anything.
+bool changesRows(const SqlTokens &tokens)
+{
+    for (qsizetype token = 0; token < tokens.count(); ++token) {
+        const bool begins = token == 0 || isOneOf(tokens, token - 1, {"("_L1, ")"_L1});
+        if (begins && tokens.isKind(token, TokenKind::Word) &&
+            isOneOf(tokens, token, {"insert"_L1, "update"_L1, "delete"_L1, "merge"_L1}))
+            return true;
+    }
+    return false;
+}
+
+/// SELECT … INTO makes a table.
+bool selectsValues(const SqlTokens &tokens)
+{
+    const bool isEmpty = tokens.count() < 2 || tokens.is(1, "from"_L1);
+    return isOneOf(tokens, 0, {"select"_L1, "with"_L1, "values"_L1}) && !isEmpty && !changesRows(tokens) &&
+           tokens.find("into"_L1, 0, tokens.count(), 0) == tokens.count();
+}
+
 Result<SqlTokens, QString> selectTokens(const QString &statement)
 {
     auto tokens = SqlTokens::of(statement);
-    if (tokens && !isOneOf(*tokens, 0, {"select"_L1, "with"_L1, "values"_L1}))
+    if (tokens && !selectsValues(*tokens))
         return Unexpected(u"the statement is no SELECT"_s);
     return tokens;
 }
@@ -172,7 +192,7 @@ ServerText changeText(const QString &statement)
     const auto tokens = SqlTokens::of(statement);
     if (!tokens)
         return Unexpected(tokens.error());
-    if (!isOneOf(*tokens, 0, {"insert"_L1, "update"_L1, "delete"_L1}))
+    if (!isOneOf(*tokens, 0, {"insert"_L1, "update"_L1, "delete"_L1, "with"_L1}) || !changesRows(*tokens))
         return Unexpected(u"the statement is no UPDATE, INSERT or DELETE"_s);
     if (const auto reason = unstorable(statement))
         return Unexpected(*reason);

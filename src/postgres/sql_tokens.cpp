@@ -136,12 +136,12 @@ Result<SqlTokens, QString> SqlTokens::of(const QString &statement)
         SqlToken token{piece->kind, i, piece->end - i, depth};
         const QChar sign = piece->kind == TokenKind::Sign ? statement.at(i) : QChar();
         i = piece->end;
+        if (hasEnded && sign != u';') // a comment too
+            return Unexpected(u"there is more than one statement in the text"_s);
         if (token.kind == TokenKind::Comment) {
             tokens.m_statement.replace(token.begin, token.length, QString(token.length, u' '));
             continue;
         }
-        if (hasEnded && sign != u';')
-            return Unexpected(u"there is more than one statement in the text"_s);
         hasEnded = hasEnded || sign == u';';
         if (sign == u')')
             token.depth = --depth;

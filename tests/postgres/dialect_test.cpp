@@ -135,6 +135,8 @@ void TestDialect::change_data()
          "INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('Limit 1, 2','t','d')"},
         {"delete", "Delete from StockList where Upper(StockID) = 'A'",
          "Delete from StockList where Upper(StockID) = 'A'"},
+        {"with", "with x as (select 1) delete from t where a in (select * from x)",
+         "with x as (select 1) delete from t where a in (select * from x)"},
         {"quoted names", "update \"StockList\" set \"StockID\" = 'x'", "update \"stocklist\" set \"stockid\" = 'x'"},
     });
 }
@@ -215,6 +217,13 @@ void TestDialect::refusal_data()
         {"no SELECT", "Delete from t", "the statement is no SELECT"},
         {"nothing", "", "the statement is no SELECT"},
         {"blanks", " ; ", "the statement is no SELECT"},
+        {"comment behind the end", "Select 1; -- more", "there is more than one statement in the text"},
+        {"no value", "select", "the statement is no SELECT"},
+        {"no column", "select from t", "the statement is no SELECT"},
+        {"change within", "with x as (select 1) delete from StockList returning *", "the statement is no SELECT"},
+        {"change in parentheses", "with x as (Update t set a = 1 returning a) select * from x",
+         "the statement is no SELECT"},
+        {"new table", "select 1 into t", "the statement is no SELECT"},
         {"open quote", "Select 'a", "a quote in the statement does not end"},
         {"open name", "Select \"a", "a quote in the statement does not end"},
         {"open bracket", "Select [a", "a quote in the statement does not end"},
@@ -231,6 +240,9 @@ void TestDialect::refusal()
     QFETCH(QString, expected);
     QCOMPARE(told(selectText(text)), u"refused: "_s + expected);
     QVERIFY(!countText(text));
+    QVERIFY(!changeText(u"with x as (select 1) select * from x"_s));
+    QVERIFY(selectText(u"with x as (select 1) select * from x"_s));
+    QVERIFY(selectText(u"select * from t where a = 'delete' for update"_s));
     QCOMPARE(told(changeText(u"Select 1"_s)), u"refused: the statement is no UPDATE, INSERT or DELETE"_s);
     QCOMPARE(told(selectText(u"Select 'a\0b'"_s)), u"refused: the statement contains a NUL"_s);
 }
