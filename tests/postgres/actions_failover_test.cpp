@@ -161,12 +161,13 @@ void ActionsFailoverTest::countsNoUnconfirmedWrite()
     till.setWaiting([&] {
         if (isOver)
             return;
+        const QString waiting = u"from pg_stat_activity where wait_event = 'SyncRep'"_s;
         if (!isEnded) {
-            const QString select = u"select %1(pid) from pg_stat_activity where wait_event = 'SyncRep'"_s.arg(end);
-            isEnded = m_primary->sql(select).value(0) == u"t";
+            isEnded = m_primary->sql(u"select %1(pid) "_s.arg(end) + waiting).value(0) == u"t";
             return;
         }
-        isOver = timesSold(2) == 1; // for all to see
+        // Everybody sees it now; the till waits for a further write to be confirmed.
+        isOver = timesSold(2) == 1 && m_primary->sql(u"select count(*) "_s + waiting).value(0) == u"1";
         if (isOver && fails) {
             m_primary->kill9();
             m_standby->cont();
@@ -178,6 +179,7 @@ void ActionsFailoverTest::countsNoUnconfirmedWrite()
     });
     QCOMPARE(till.sell(2), Outcome::Done);
     QVERIFY(isEnded);
+    QVERIFY(isOver); // not told as done before
     QCOMPARE(timesSold(2), 1);
     if (fails)
         repair();

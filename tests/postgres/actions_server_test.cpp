@@ -5,8 +5,17 @@
 #include "tests/postgres/server_store.h"
 #include "tests/program/test_program.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <array>
+#include <csignal>
+#include <memory>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 
 using namespace harrowby;
 using namespace harrowby::postgres;
@@ -36,6 +45,9 @@ private Q_SLOTS:
     void goesOnAfterAServerThatHung();
     void refusesWhenNobodyIsThere();
     void refusesWhatAnotherHolds();
+    void sendsADeadlocksVictimAgain();
+    void losesNothingWhenProgramsAreKilled();
+    void letsNothingOfAKilledProgramArriveLater();
     void endsAHeldRead();
     void carriesAHeldReadOver();
 
@@ -287,6 +299,112 @@ void ActionsServerTest::refusesWhatAnotherHolds()
     QVERIFY(!program->actions().hasOpen());
     QCOMPARE(program->sell(2), Outcome::Done);
     QCOMPARE(timesSold(1), 0);
+}
+
+/// The till holds one row and wants the other, a second program the other way round; it is the till that is told off.
+void ActionsServerTest::sendsADeadlocksVictimAgain()
+{
+    m_cluster->set(u"deadlock_timeout"_s, u"300ms"_s);
+    m_cluster->sql(u"set deadlock_timeout = '1h'"_s);
+    m_cluster->sql(u"insert into harrowby.stock values (2, 0)"_s);
+    ActingTill program({m_cluster->port()}, journal());
+    const QString take = u"update harrowby.stock set pieces = pieces where item = %1"_s;
+    m_cluster->sql(u"begin; "_s + take.arg(2));
+    bool isTaken = false;
+    program.setWaiting([&] {
+        if (!std::exchange(isTaken, true))
+            m_cluster->sql(take.arg(1) + u"; commit"_s); // returns when the till has given way
+    });
+    Write write = ActingTill::saleOf(1);
+    write.condition = (take.arg(1) + u';' + take.arg(2) + u';').toUtf8();
+    const Actions::End end = program.write(write);
+    m_cluster->sql(u"reset deadlock_timeout; delete from harrowby.stock where item = 2"_s);
+    QCOMPARE(end.outcome, Outcome::Done);
+    QVERIFY(isTaken);
+    QVERIFY(m_cluster->log().contains(u"deadlock detected"));
+    QCOMPARE(timesSold(1), 1);
+}
+
+// ---- programs that are killed
+
+namespace {
+
+/// A process that sells 1, 2, … and says so, one byte a sale, until it is killed.
+class SellingProcess
+{
+public:
+    SellingProcess(quint16 port, const QString &journal)
+    {
+        if (::pipe(m_pipe.data()) != 0)
+            qFatal("no pipe");
+        m_process = ::fork();
+        if (m_process == 0)
+            sell(port, journal);
+        ::close(m_pipe[1]);
+    }
+
+    /// Once so many sales were told as done; kills it then, and returns how many there were.
+    [[nodiscard]] qint64 killAfter(int sales)
+    {
+        qint64 told = 0;
+        char byte = 0;
+        while (told < sales && ::read(m_pipe[0], &byte, 1) == 1)
+            ++told;
+        ::kill(m_process, SIGKILL);
+        while (::read(m_pipe[0], &byte, 1) == 1)
+            ++told;
+        ::close(m_pipe[0]);
+        ::waitpid(m_process, nullptr, 0);
+        return told;
+    }
+
+private:
+    [[noreturn]] void sell(quint16 port, const QString &journal)
+    {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ActingTill program({port}, journal);
+        for (qint64 sale = 1;; ++sale) {
+            if (program.sell(sale) != Outcome::Done || ::write(m_pipe[1], "x", 1) != 1)
+                ::_exit(1);
+        }
+    }
+
+    std::array<int, 2> m_pipe{};
+    pid_t m_process = 0;
+};
+
+} // namespace
+
+void ActionsServerTest::losesNothingWhenProgramsAreKilled()
+{
+    for (int round = 1; round <= 20; ++round) {
+        m_cluster->sql(u"truncate harrowby.sold; update harrowby.stock set pieces = 1000000"_s);
+        const qint64 told = SellingProcess(m_cluster->port(), journal()).killAfter(round * 3);
+        QCOMPARE(QDir(journal()).entryList(QDir::Files).size(), 1);
+        const auto next = till(m_cluster->port());
+        QVERIFY(next->actions().resolve());
+        const int sold = value(u"select count(*) from harrowby.sold"_s).toInt();
+        QVERIFY2(sold == told || sold == told + 1, qPrintable(u"%1 told, %2 sold"_s.arg(told).arg(sold)));
+        QCOMPARE(value(u"select count(distinct sale) from harrowby.sold"_s).toInt(), sold);
+    }
+    QVERIFY(QDir(journal()).isEmpty());
+}
+
+void ActionsServerTest::letsNothingOfAKilledProgramArriveLater()
+{
+    Proxy proxy(m_cluster->port());
+    SellingProcess process(proxy.port(), journal());
+    QTRY_VERIFY(timesSold(5) == 1);
+    proxy.goSilent(); // with some sale on its way, one way or the other
+    QTest::qWait(100);
+    const qint64 told = process.killAfter(0);
+    const auto next = till(m_cluster->port());
+    QCOMPARE(next->sell(1000000), Outcome::Done);
+    const int sold = value(u"select count(*) from harrowby.sold"_s).toInt() - 1;
+    QVERIFY(sold == told || sold == told + 1);
+    proxy.speak();
+    QTest::qWait(200);
+    QCOMPARE(value(u"select count(*) from harrowby.sold"_s).toInt() - 1, sold);
 }
 
 // ---- a held read
