@@ -147,10 +147,8 @@ std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
         return text ? whole(select) : nullptr;
     const QByteArray count = isCounted ? counting->toUtf8() + "; " : QByteArray();
     auto rows = session->walk(beginSnapshot + count + text->toUtf8() + endSnapshot, m_access.budget());
-    if (!rows && mayPass(rows.error()))
-        return whole(select); // over the till's own session, which may be better off
     if (!rows)
-        return m_report(select, rows.error()), nullptr;
+        return walkElsewhere(select, rows.error());
     std::optional<std::int64_t> found;
     if (isCounted && rows->next() == PgRows::Step::Row) {
         found = rows->text(0).toLongLong();
@@ -161,6 +159,19 @@ std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
         return m_report(select, *rows->error()), nullptr;
     return std::make_unique<WalkCursor>(std::move(session), *std::move(rows), found,
                                         [this, select](const PgError &error) { m_report(select, error); });
+}
+
+/// The till's own session may be better off than the one that has broken; a server that says nothing says nothing
+/// there.
+std::unique_ptr<DbCursor> Reader::walkElsewhere(const QString &select, const PgError &error)
+{
+    m_access.time().noteTrouble();
+    if (error.kind == PgError::Kind::TimedOut && !m_access.time().hasWritten())
+        m_access.time().giveUp();
+    else if (mayPass(error))
+        return whole(select);
+    m_report(select, error);
+    return nullptr;
 }
 
 std::unique_ptr<DbCursor> Reader::held(HeldRead &held)

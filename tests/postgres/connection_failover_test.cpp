@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+#include "tests/doubles/private_cluster.h"
+#include "tests/postgres/server_store.h"
+#include "tests/program/test_program.h"
+
+#include "store/recordset.h"
+#include "store/statement_texts.h"
+
+#include <harrowby/postgres_connection.h>
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <array>
+#include <atomic>
+#include <thread>
+
+using namespace harrowby;
+using namespace harrowby::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using Access = DbRecordset::Access;
+using Outcome = DbRecordset::Outcome;
+
+namespace {
+
+struct Resolved
+{
+    QString what;
+    bool isDone = false;
+};
+
+QString stockOf(PrivateCluster &cluster, const QString &id)
+{
+    return cluster.sql(u"select StockAvailable from harrowby.StockList where StockID = '%1'"_s.arg(id)).join(u',');
+}
+
+} // namespace
+
+/// The component's way into the store while servers come and go.
+class ConnectionFailoverTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void standbyGone();
+    void nextStartResolves();
+    void deadlock();
+    void primaryKilled();
+
+private:
+    [[nodiscard]] std::shared_ptr<PostgresConnection> connect(const QString &states,
+                                                              std::chrono::milliseconds rest = 60s);
+    [[nodiscard]] QString bothHosts() const;
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<PrivateCluster> m_primary;
+    std::unique_ptr<PrivateCluster> m_standby;
+    std::vector<Resolved> m_resolved;
+};
+
+void ConnectionFailoverTest::initTestCase()
+{
+    if (const QString missing = PrivateCluster::missing(); !missing.isEmpty())
+        QSKIP(qPrintable(missing));
+}
+
+void ConnectionFailoverTest::init()
+{
+    m_resolved.clear();
+    m_primary = std::make_unique<PrivateCluster>();
+    m_primary->start();
+    for (const QString &text : schemaFiles())
+        m_primary->sql(text);
+    m_primary->sql(u"insert into harrowby.StockList (StockID, StockName, StockAvailable, StockUse) "
+                   "select i::text, 'ITEM ' || i, 1000, 'Enabled' from generate_series(1, 2) i"_s);
+    m_standby = m_primary->standby();
+}
+
+void ConnectionFailoverTest::cleanup()
+{
+    m_standby.reset();
+    m_primary.reset();
+}
+
+QString ConnectionFailoverTest::bothHosts() const
+{
+    return u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(m_primary->port())
+        .arg(m_standby->port());
+}
+
+std::shared_ptr<PostgresConnection> ConnectionFailoverTest::connect(const QString &states,
+                                                                    std::chrono::milliseconds rest)
+{
+    PostgresOptions options;
+    options.stateFolder = m_folder.filePath(states);
+    options.silence = 500ms;
+    options.lock = rest == 1s ? 500ms : 10s;
+    options.rest = rest;
+    auto connection = std::make_shared<PostgresConnection>(bothHosts(), options);
+    connection->setResolvedHandler([this](const QString &what, bool isDone) { m_resolved.push_back({what, isDone}); });
+    return connection;
+}
+
+/// A write that nobody has confirmed is neither done nor refused; nothing else is written before that is known.
+void ConnectionFailoverTest::standbyGone()
+{
+    const auto till = connect(u"gone"_s, 1s);
+    QVERIFY(!till->open());
+    QVERIFY(Execute(till, statements::raiseStock(1, u"1"_s)));
+    m_standby->stop();
+    till->beginAction();
+    int calls = 0;
+    till->setWaitHook([&](const DbWait &) { return ++calls > 0; });
+    QVERIFY(!Execute(till, statements::raiseStock(5, u"1"_s)));
+    QCOMPARE(till->lastWrite(), WriteOutcome::Unknown);
+    QVERIFY(till->mayHaveWritten());
+    QVERIFY(calls > 10);
+    till->beginAction();
+    QVERIFY(!Execute(till, statements::raiseStock(7, u"2"_s)));
+    QCOMPARE(till->lastWrite(), WriteOutcome::Refused);
+    QVERIFY(m_resolved.empty());
+    m_standby->cont();
+    till->beginAction();
+    QVERIFY(Execute(till, statements::raiseStock(9, u"2"_s)));
+    QCOMPARE(m_resolved.size(), 1u);
+    QVERIFY(m_resolved.front().what.contains(u"+ 5"_s));
+    QCOMPARE(stockOf(*m_primary, u"1"_s), m_resolved.front().isDone ? u"1006"_s : u"1001"_s);
+    QCOMPARE(stockOf(*m_primary, u"2"_s), u"1009"_s);
+}
+
+void ConnectionFailoverTest::nextStartResolves()
+{
+    auto till = connect(u"next"_s, 1s);
+    QVERIFY(!till->open());
+    QVERIFY(Execute(till, statements::raiseStock(1, u"1"_s)));
+    m_standby->stop();
+    till->beginAction();
+    {
+        DbRecordset purchase;
+        purchase.OpenHeld(statements::purchase(u"HV1"_s), till, Access::Read);
+        purchase.AddNew();
+        purchase.Field(u"PurchaseID"_s).assign(u"HV1"_s);
+        QCOMPARE(purchase.Update(), Outcome::NotKnown);
+    }
+    till.reset();
+    m_standby->cont();
+    till = connect(u"next"_s);
+    QVERIFY(!till->open());
+    QCOMPARE(m_resolved.size(), 1u);
+    QCOMPARE(m_resolved.front().what, u"INSERT PurchaseCart"_s);
+    QCOMPARE(m_primary->sql(u"select count(*) from harrowby.PurchaseCart"_s),
+             QStringList{m_resolved.front().isDone ? u"1"_s : u"0"_s});
+}
+
+/// Two writes that wait for each other's rows: the one that the server gives up is sent again.
+void ConnectionFailoverTest::deadlock()
+{
+    const auto till = connect(u"deadlock"_s);
+    QVERIFY(!till->open());
+    m_primary->sql(
+        u"create function collide() returns trigger language plpgsql as $$ begin perform pg_sleep(0.2); update "
+        "harrowby.StockList set StockCost = 1 where StockID <> new.StockID; return new; end $$; create trigger "
+        "collide after update on harrowby.StockList for each row when (pg_trigger_depth() = 0) execute function "
+        "collide()"_s);
+    std::atomic<bool> isDone = false;
+    std::thread other([&] {
+        PostgresOptions options;
+        options.stateFolder = m_folder.filePath(u"deadlock2"_s);
+        const auto second = std::make_shared<PostgresConnection>(m_primary->conninfo(), options);
+        isDone = Execute(second, statements::raiseStock(5, u"2"_s));
+    });
+    QVERIFY(Execute(till, statements::raiseStock(5, u"1"_s)));
+    other.join();
+    QVERIFY(isDone);
+    QCOMPARE(stockOf(*m_primary, u"1"_s), u"1005"_s);
+    QCOMPARE(stockOf(*m_primary, u"2"_s), u"1005"_s);
+}
+
+/// Tills sell, one of them with held writes, while the primary is killed and the standby takes over.
+void ConnectionFailoverTest::primaryKilled()
+{
+    constexpr int tills = 3;
+    std::atomic<bool> isOver = false;
+    std::array<std::atomic<int>, tills> sold{};
+    std::atomic<int> failed = 0;
+    std::vector<std::thread> threads;
+    for (int till = 0; till < tills; ++till) {
+        threads.emplace_back([&, till, connection = connect(u"till%1"_s.arg(till))] {
+            while (!isOver && failed == 0) {
+                bool isDone = false;
+                if (till == 0) {
+                    DbRecordset stock;
+                    stock.OpenHeld(statements::stockById(u"1"_s), connection, Access::Edit);
+                    stock.Field(u"StockAvailable"_s).assign(stock.Field(u"StockAvailable"_s).number() - 1);
+                    isDone = stock.Update() == Outcome::Written;
+                } else {
+                    isDone = Execute(connection, statements::raiseStock(-1, u"1"_s));
+                }
+                if (isDone)
+                    ++sold.at(static_cast<std::size_t>(till));
+                else
+                    ++failed;
+            }
+        });
+    }
+    const auto total = [&] { return sold[0] + sold[1] + sold[2]; };
+    QVERIFY(QTest::qWaitFor([&] { return total() > 100; }, 20'000));
+    m_primary->kill9();
+    m_standby->promote();
+    const std::array<int, tills> before{sold[0], sold[1], sold[2]};
+    const auto haveAllSold = [&] { return sold[0] > before[0] && sold[1] > before[1] && sold[2] > before[2]; };
+    QElapsedTimer took;
+    took.start();
+    QVERIFY(QTest::qWaitFor([&] { return haveAllSold() || failed > 0; }, 20'000));
+    qInfo("all sell again %lld ms after the promotion", took.elapsed());
+    isOver = true;
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(failed.load(), 0);
+    QCOMPARE(stockOf(*m_standby, u"1"_s), QString::number(1000 - total()));
+    QVERIFY(m_resolved.empty());
+}
+
+HARROWBY_CORE_TEST(connection_failover_test, ConnectionFailoverTest)
+#include "connection_failover_test.moc"
