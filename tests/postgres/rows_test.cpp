@@ -227,6 +227,7 @@ void RowsTest::aReadResultIsFinishedQuietly()
         QVERIFY(!rows->error());
     }
     QVERIFY(session.run("update"));
+    QCOMPARE(server.cancels(), 0);
 }
 
 void RowsTest::nothingElseRunsMeanwhile()

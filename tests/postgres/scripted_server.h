@@ -59,6 +59,7 @@ public:
     [[nodiscard]] QByteArrayList statements() const;
     /// The questions of connecting, of each connection.
     [[nodiscard]] QByteArrayList questions() const;
+    [[nodiscard]] int cancels() const { return m_cancelled; } ///< that were asked for
     /// Closes each connection that there is.
     void hangUp();
 

@@ -148,8 +148,10 @@ void SessionTest::aSilentServerIsGivenUp()
 
 void SessionTest::whatComesBeginsTheTimeAnew()
 {
-    const QByteArray done = ScriptedServer::done();
-    Answer slow{{ScriptedServer::rows({"a"}, {{"1"}}), done, done, done, ScriptedServer::ready()}, Then::Wait, 100};
+    const QByteArray rows = ScriptedServer::rows({"a"}, {{"1"}, {"2"}});
+    Answer slow{{rows.first(20), rows.sliced(20, 9), rows.sliced(29, 9), rows.sliced(38),
+                 ScriptedServer::done() + ScriptedServer::ready()},
+                Then::Wait, 100}; // one result, in pieces
     Desk desk(slow);
     QVERIFY(desk.session.run("select", {400ms, 60s})); // of 500 in all
 }
@@ -194,11 +196,15 @@ void SessionTest::anEndInBetweenIsNoticedBeforeAnythingIsSent()
     Desk desk(say(ScriptedServer::done() + ScriptedServer::ready()));
     QVERIFY(!desk.session.hasEnded());
     desk.server.hangUp();
-    QTRY_VERIFY(desk.session.hasEnded());
     const PgError error = errorOf(desk.session.run("update"));
     QCOMPARE(error.kind, Kind::Lost);
     QVERIFY(!error.mayBeDone);
     QCOMPARE(desk.server.statements(), QByteArrayList());
+
+    Desk other(say({}));
+    other.server.hangUp();
+    QTRY_VERIFY(other.session.hasEnded());
+    QVERIFY(other.session.isLost());
 }
 
 void SessionTest::aCommitThatNoStandbyConfirmedIsTold()
