@@ -27,6 +27,13 @@ CREATE FUNCTION sqlite.typeof(value float8) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN CASE WHEN value IS NULL THEN 'null' WHEN value = trunc(value) THEN 'integer' ELSE 'real' END;
 CREATE FUNCTION sqlite.hex(value text) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN upper(encode(convert_to(value, 'UTF8'), 'hex'));
+CREATE FUNCTION sqlite.hex(value bytea) RETURNS text LANGUAGE sql IMMUTABLE RETURN upper(encode(value, 'hex'));
+CREATE FUNCTION sqlite.zeroblob(bytes int) RETURNS bytea LANGUAGE sql IMMUTABLE
+    RETURN decode(repeat('00', bytes), 'hex');
+CREATE FUNCTION sqlite.pragma_table_info(of text) RETURNS TABLE (name name) LANGUAGE sql STABLE
+    BEGIN ATOMIC SELECT attname FROM pg_attribute
+    WHERE attrelid = to_regclass('harrowby.' || of) AND attnum > 0 AND NOT attisdropped AND attname <> 'rowid_'
+    ORDER BY attnum; END;
 )"_L1;
 
 /// What the tables are made of. A test may change that; then the database is not used again.

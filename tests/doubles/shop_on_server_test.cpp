@@ -39,6 +39,8 @@ void ShopOnServerTest::answersAsAFile()
     QCOMPARE(shop.rows(u"SELECT sum(StockCost), StockCost = 1.25, NULL, quote(StockName), typeof(StockCost) "
                        "FROM StockList GROUP BY 2, 4, 5"_s),
              QStringList{u"1.25|1||'O''NEILL'|real"_s});
+    QCOMPARE(shop.rows(u"SELECT name FROM pragma_table_info('StoreSettings')"_s).size(), 5);
+    QCOMPARE(shop.cell(u"SELECT replace(hex(zeroblob(2)), '00', 'tea ')"_s), u"tea tea "_s);
     QVERIFY(!shop.trySql(u"UPDATE Nothing SET A = 1"_s));
     QVERIFY(!shop.isInTransaction());
     QVERIFY(!shop.isBeingRead());

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/doubles/database.h"
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
 #include "tests/support/known_boxes.h"
@@ -146,7 +147,7 @@ void BadTablesTest::addRows(const QString &table, const QStringList &columns)
     for (const auto &[what, value] : oddValues()) {
         QStringList all;
         for (const QString &column : columns) {
-            if (!lookedFor.contains(column))
+            if (!lookedFor.contains(column, Qt::CaseInsensitive))
                 all << column + u" = "_s + value;
         }
         QTest::addRow("%s in %s", what, qPrintable(table))
@@ -269,7 +270,10 @@ void BadTablesTest::day()
     Counter counter;
     counter.settings->values.clear(); // receipts too
     fillShop(counter.file);
-    counter.file.sql(damage);
+    if (!counter.file.trySql(damage)) {
+        QVERIFY(shopsAreOnAServer());
+        QSKIP("a server does not store that");
+    }
     const auto answer = [this](const QString &text) {
         if (!isKnownBox(text))
             m_strangeBoxes << text;
