@@ -2,6 +2,8 @@
 // In place of server_shop.cpp and server_session.cpp, where there is no libpq.
 #include "tests/doubles/server_shop.h"
 
+#include <harrowby/db_connection.h>
+
 namespace harrowby::test {
 
 struct ServerSession::Connection
@@ -18,6 +20,11 @@ bool isOnServer(const QString &)
     return false;
 }
 
+std::shared_ptr<DbConnection> connectToServer(const QString &, const QString &)
+{
+    return nullptr;
+}
+
 ServerShop::ServerShop() = default;
 ServerShop::~ServerShop() = default;
 
@@ -29,7 +36,7 @@ bool ServerSession::run(const QString &)
     return false;
 }
 
-std::optional<QStringList> ServerSession::rows(const QString &)
+std::optional<QStringList> ServerSession::rows(const QString &, Columns)
 {
     return {};
 }

@@ -52,9 +52,8 @@ QString cellText(const PGresult *result, int row, int column)
     }
 }
 
-QStringList rowsOf(const PGresult *result)
+QStringList rowsOf(const PGresult *result, int columns)
 {
-    int columns = PQnfields(result);
     if (columns > 1 && QLatin1StringView(PQfname(result, columns - 1)) == "rowid_"_L1)
         --columns; // a file hides it
     QStringList all;
@@ -128,7 +127,7 @@ bool ServerSession::run(const QString &statements)
     return rows(statements).has_value();
 }
 
-std::optional<QStringList> ServerSession::rows(const QString &select)
+std::optional<QStringList> ServerSession::rows(const QString &select, Columns columns)
 {
     PGconn *handle = m_connection->handle;
     const bool wasIdle = PQtransactionStatus(handle) == PQTRANS_IDLE;
@@ -136,7 +135,7 @@ std::optional<QStringList> ServerSession::rows(const QString &select)
     const ExecStatusType status = PQresultStatus(result);
     std::optional<QStringList> all;
     if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
-        all = rowsOf(result);
+        all = rowsOf(result, columns == Columns::First ? 1 : PQnfields(result));
     m_message = QString::fromUtf8(PQerrorMessage(handle)).simplified();
     PQclear(result);
     if (wasIdle && PQtransactionStatus(handle) == PQTRANS_INERROR)

@@ -28,6 +28,13 @@ CREATE FUNCTION sqlite.typeof(value float8) RETURNS text LANGUAGE sql IMMUTABLE
 CREATE FUNCTION sqlite.hex(value text) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN upper(encode(convert_to(value, 'UTF8'), 'hex'));
 CREATE FUNCTION sqlite.hex(value bytea) RETURNS text LANGUAGE sql IMMUTABLE RETURN upper(encode(value, 'hex'));
+CREATE FUNCTION sqlite.printf(form text, number int) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN lpad(number::text, substr(form, 3, 1)::int, '0'); -- '%06d'
+CREATE TABLE sqlite.others AS SELECT relname FROM pg_class WHERE relnamespace = 'harrowby'::regnamespace AND
+    relname NOT IN ('stocklist', 'inventorycategory', 'purchasecart', 'storesettings', 'users', 'sysusage');
+CREATE VIEW sqlite.sqlite_master AS SELECT relname AS name FROM pg_class
+    WHERE relnamespace = 'harrowby'::regnamespace AND relkind IN ('r', 'v') AND
+    relname NOT IN (SELECT relname FROM sqlite.others);
 CREATE FUNCTION sqlite.zeroblob(bytes int) RETURNS bytea LANGUAGE sql IMMUTABLE
     RETURN decode(repeat('00', bytes), 'hex');
 CREATE FUNCTION sqlite.pragma_table_info(of text) RETURNS TABLE (name name) LANGUAGE sql STABLE
@@ -77,13 +84,7 @@ ShopServer::ShopServer()
 {
     m_cluster.start();
     m_cluster.sql(u"CREATE DATABASE empty_shop"_s);
-    const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
-    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
-        QFile file(schema.filePath(name));
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("%s cannot be read", qPrintable(name));
-        m_cluster.sql(QString::fromUtf8(file.readAll()), u"empty_shop"_s);
-    }
+    setUpShop(m_cluster, u"empty_shop"_s);
     m_cluster.sql(sqliteFunctions, u"empty_shop"_s);
 }
 
@@ -130,6 +131,17 @@ bool shopsAreOnAServer()
 bool isOnServer(const QString &path)
 {
     return path.startsWith(u"postgresql:"_s);
+}
+
+void setUpShop(PrivateCluster &cluster, const QString &database)
+{
+    const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
+    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
+        QFile file(schema.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("%s cannot be read", qPrintable(name));
+        cluster.sql(QString::fromUtf8(file.readAll()), database);
+    }
 }
 
 ServerShop::ServerShop() : m_shop(shopServer().lend()) {}

@@ -13,6 +13,8 @@ class DbConnection;
 
 namespace harrowby::test {
 
+class PrivateCluster;
+
 /// Whether this program's shops stand on a server: the environment variable HARROWBY_TEST_SERVER is set. The same tests
 /// run so without being built again.
 [[nodiscard]] bool shopsAreOnAServer();
@@ -26,6 +28,8 @@ namespace harrowby::test {
 class ServerSession
 {
 public:
+    enum class Columns { All, First };
+
     explicit ServerSession(const QString &path);
     ~ServerSession();
     ServerSession(const ServerSession &) = delete;
@@ -34,7 +38,7 @@ public:
     /// Runs statements; false when one failed, and then none is done that did not stand in a transaction of its own.
     bool run(const QString &statements);
     /// The rows of the last one, columns joined by "|", values as SQLite writes them; empty (nullopt) when one failed.
-    [[nodiscard]] std::optional<QStringList> rows(const QString &select);
+    [[nodiscard]] std::optional<QStringList> rows(const QString &select, Columns columns = Columns::All);
     /// Why the last call failed.
     [[nodiscard]] const QString &message() const { return m_message; }
 
@@ -67,6 +71,9 @@ public:
 private:
     LentShop m_shop;
 };
+
+/// Makes the shop's tables, functions and indexes in a database of a running server, as harrowby-server does.
+void setUpShop(PrivateCluster &cluster, const QString &database);
 
 /// As the server has it.
 [[nodiscard]] QString inServersWords(const QString &statements);

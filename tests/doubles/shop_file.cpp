@@ -112,14 +112,29 @@ QString ShopFile::cell(const QString &select) const
     return rows(select).value(0, u"(no row)"_s).section(u'|', 0, 0);
 }
 
+bool ShopFile::keepsFigure(const QString &literal) const
+{
+    return !m_shop || m_shop->session().run(u"SELECT CAST(%1 AS float8)"_s.arg(literal));
+}
+
+QStringList ShopFile::column(const QString &select) const
+{
+    return onServer(select, ServerSession::Columns::First);
+}
+
+QStringList ShopFile::onServer(const QString &select, ServerSession::Columns columns) const
+{
+    ServerSession &session = m_shop->session();
+    const std::optional<QStringList> all = session.rows(select, columns);
+    if (!all)
+        qFatal("%s: %s", qPrintable(select), qPrintable(session.message()));
+    return *all;
+}
+
 QStringList ShopFile::rows(const QString &select) const
 {
-    if (m_shop) {
-        const std::optional<QStringList> all = m_shop->session().rows(select);
-        if (!all)
-            qFatal("%s: %s", qPrintable(select), qPrintable(m_shop->session().message()));
-        return *all;
-    }
+    if (m_shop)
+        return onServer(select, ServerSession::Columns::All);
     sqlite3_stmt *statement = nullptr;
     if (sqlite3_prepare_v2(m_handle, select.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK)
         qFatal("%s: %s", qPrintable(select), sqlite3_errmsg(m_handle));

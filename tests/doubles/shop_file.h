@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/doubles/server_shop.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -14,8 +16,6 @@ class DbConnection;
 }
 
 namespace harrowby::test {
-
-class ServerShop;
 
 /// A shop's file: a real SQLite file in a folder of its own, with the six tables and nothing in them. Where shops are
 /// on a server (shopsAreOnAServer()), a database there.
@@ -45,6 +45,10 @@ public:
     [[nodiscard]] bool isBeingRead() const;
     /// First column of the first row, as text; "(no row)" when there is none.
     [[nodiscard]] QString cell(const QString &select) const;
+    /// Whether a column of figures keeps this literal. A file's keeps everything.
+    [[nodiscard]] bool keepsFigure(const QString &literal) const;
+    /// First column of all rows. On a server only.
+    [[nodiscard]] QStringList column(const QString &select) const;
     /// All rows, columns joined by "|".
     [[nodiscard]] QStringList rows(const QString &select) const;
 
@@ -58,6 +62,7 @@ public:
 
 private:
     [[nodiscard]] int count(const QString &clients) const;
+    [[nodiscard]] QStringList onServer(const QString &select, ServerSession::Columns columns) const;
 
     QTemporaryDir m_folder;
     sqlite3 *m_handle = nullptr;

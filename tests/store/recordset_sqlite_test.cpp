@@ -100,7 +100,7 @@ void TestRecordsetSqlite::keepsEveryKindOfValue()
 void TestRecordsetSqlite::keepsLongAndForeignTexts_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("10,000 characters") << QString(10'000, u'é');
+    QTest::newRow("long") << QString(test::shopsAreOnAServer() ? 1'300 : 10'000, u'é'); // an index there holds no more
     QTest::newRow("emoji") << u"\U0001F468\u200D\U0001F469\u200D\U0001F467 pie"_s;
     QTest::newRow("right-to-left") << u"\u202b\u05ea\u05e4\u05d5\u05d7 \u062a\u0641\u0627\u062d\u202c"_s;
     QTest::newRow("markup") << u"<b>M & M</b> \"x\" `y` \\"_s;
@@ -151,8 +151,9 @@ void TestRecordsetSqlite::changesRowsAmongMany()
         if (!rows.IsEof())
             rows.MoveNext();
     }
-    QCOMPARE(m_store->column(u"select count(*) from StockList where StockAvailable = 1000 + StockID"_s),
-             QStringList{u"200"_s});
+    QCOMPARE(
+        m_store->column(u"select count(*) from StockList where StockAvailable = 1000 + cast(StockID as numeric)"_s),
+        QStringList{u"200"_s});
 }
 
 void TestRecordsetSqlite::changesInTheOrderOfTheStatement()
@@ -227,8 +228,8 @@ void TestRecordsetSqlite::addsToEmptyTable()
     rows.Field(u"ShowDetails"_s).assign(static_cast<std::int64_t>(1));
     rows.Update();
     QCOMPARE(m_store->column(
-                 u"select Email || EmailAddress || ShowDetails || (AutoPurchaseCart is null) from StoreSettings"_s),
-             QStringList{u"0shop@example.org11"_s});
+                 u"select Email || EmailAddress || ShowDetails from StoreSettings where AutoPurchaseCart is null"_s),
+             QStringList{u"0shop@example.org1"_s});
     QCOMPARE(rows.Field(u"showdetails"_s).number(), 1.0);
 }
 
@@ -359,7 +360,7 @@ void TestRecordsetSqlite::hostMayDropTheTable()
     rows.Field(u"StockID"_s).assign(u"1"_s);
     rows.Update();
     QCOMPARE(m_store->failures.size(), 2u);
-    QVERIFY(m_store->failures[0].reason.contains(u"StockList"_s));
+    QVERIFY(m_store->failures[0].reason.contains(u"StockList"_s, Qt::CaseInsensitive));
     QCOMPARE(rows.RecordCount(), 100);
 }
 
@@ -369,7 +370,7 @@ void TestRecordsetSqlite::hostMayChangeTheTable()
         m_store->addItem(QString::number(i), u"TEA"_s);
     DbRecordset &rows = open(Statement("Select * from StockList"), Access::Read);
     QVERIFY(m_store->run(u"alter table StockList drop column StockCategory"_s));
-    QVERIFY(m_store->run(u"alter table StockList add column Extra default 'x'"_s));
+    QVERIFY(m_store->run(u"alter table StockList add column Extra text default 'x'"_s));
     QVERIFY(!rows.Field(u"StockCategory"_s).value());
     QCOMPARE(rows.Field(u"EXTRA"_s).text(), u"x"_s);
     QCOMPARE(rows.Field(u"StockID"_s).text(), u"0"_s);

@@ -15,12 +15,9 @@ ScratchStore::ScratchStore(const char *vfs) : m_file(vfs)
 
 QStringList ScratchStore::column(const QString &select) const
 {
+    if (handle() == nullptr)
+        return m_file.column(select);
     QStringList values;
-    if (handle() == nullptr) {
-        for (const QString &row : m_file.rows(select))
-            values.append(row.section(u'|', 0, 0));
-        return values;
-    }
     const auto append = [](void *list, int, char **cells, char **) {
         static_cast<QStringList *>(list)->append(QString::fromUtf8(cells[0]));
         return 0;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
@@ -160,9 +161,10 @@ void TestTables::settingsOfEveryRowAreSet()
 {
     m_store->run(u"insert into StoreSettings values (1,1,'a',1,1), (0,0,'b',0,0), (null,null,null,null,null)"_s);
     QVERIFY(execute(statements::updateSettings({0, 1, u"shop@example.org"_s, 1, 0})));
-    QCOMPARE(m_store->column(u"select distinct Email||ShowDetails||EmailAddress||Promptreorder||AutoPurchaseCart from "
-                             "StoreSettings"_s),
-             QStringList{u"01shop@example.org10"_s});
+    QCOMPARE(
+        m_store->column(u"select distinct ''||Email||ShowDetails||EmailAddress||Promptreorder||AutoPurchaseCart from "
+                        "StoreSettings"_s),
+        QStringList{u"01shop@example.org10"_s});
     QVERIFY(!execute(statements::updateSettings({1, 1, u"o'neill@example.org"_s, 1, 1})));
     QCOMPARE(m_store->column(u"select distinct EmailAddress from StoreSettings"_s), QStringList{u"shop@example.org"_s});
 }
@@ -186,7 +188,8 @@ void TestTables::aggregatesAreReadUnderAnyCase()
     QVERIFY(open(statements::salesAmount(u"261115"_s)).Field(u"counts"_s).value() == DbValue());
     QCOMPARE(open(statements::stockTotal()).Field(u"totals"_s).text(), u"2"_s);
     m_store->run(u"delete from StockList"_s);
-    QVERIFY(open(statements::stockTotal()).Field(u"totals"_s).value() == DbValue(0.0));
+    const DbValue none = test::shopsAreOnAServer() ? DbValue(std::int64_t(0)) : DbValue(0.0); // whole is whole there
+    QVERIFY(open(statements::stockTotal()).Field(u"totals"_s).value() == none);
 }
 
 void TestTables::emptyResultHasNoRows()

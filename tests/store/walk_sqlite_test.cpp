@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/doubles/database.h"
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 #include "tests/store/scratch_store.h"
 
@@ -160,6 +161,8 @@ void TestWalkSqlite::letsOthersWriteOnceFinished_data()
 void TestWalkSqlite::letsOthersWriteOnceFinished()
 {
     QFETCH(const QString, journal);
+    if (test::shopsAreOnAServer() && journal != u"wal"_s)
+        QSKIP("a reader blocks nobody there");
     m_store->run(u"pragma journal_mode = "_s + journal);
     test::Database other(m_store->file()); // another program
     DbRecordset rows;
@@ -289,7 +292,8 @@ void TestWalkSqlite::leavesNothingOpen()
         DbRecordset rows;
         open(rows);
         skip(rows, passed);
-        QCOMPARE(m_store->isBeingRead(), passed < items);
+        if (!test::shopsAreOnAServer()) // which has handed a short result over at once
+            QCOMPARE(m_store->isBeingRead(), passed < items);
     }
     QVERIFY(!m_store->isBeingRead());
 }

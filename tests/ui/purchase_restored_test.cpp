@@ -171,6 +171,8 @@ void PurchaseRestoredTest::counts()
     QFETCH(const QString, count);
     QFETCH(const int, restored);
     Counter counter;
+    if (!counter.file.keepsFigure(count))
+        QSKIP("no figure");
     openShop(counter);
     commit(counter);
     counter.click("Command1_0");
