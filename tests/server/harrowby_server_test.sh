@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Drives script/server/harrowby-server on "machines" that are folders of this one: a server, its standby, tills. As root
 # the servers run as the user postgres, else as whoever calls.
-#   harrowby_server_test.sh SOURCE_DIR
+#   harrowby_server_test.sh SOURCE_DIR SHOP_TILL
+# SHOP_TILL is the program of that name, a till's connection without its window.
 set -uo pipefail
 source_dir=$1
+shop_till=$2
 script=$source_dir/script/server/harrowby-server
 export HARROWBY_SERVER_SQL=${HARROWBY_SERVER_SQL:-$source_dir/src/postgres/schema}
 export HARROWBY_SERVER_UNSYNCED=1
@@ -83,6 +85,10 @@ till() {
     (cd / && HOME=$work/home-$1 PGSERVICE=harrowby PGTARGETSESSIONATTRS=read-write PGOPTIONS='-c statement_timeout=20s' \
         timeout 30 "$programs/psql" -XqAt -v ON_ERROR_STOP=1 -c "$2")
 }
+# shop NAME ARGUMENT…: with the connection that a till has.
+shop() {
+    (cd / && HOME=$work/home-$1 timeout 100 "$shop_till" "service=harrowby ${options:-}" "$work/state-$1" "${@:2}")
+}
 settle_in() {
     mkdir -p "$work/home-$1"
     HOME=$work/home-$1 XDG_CONFIG_HOME='' sh "$2/install"
@@ -118,7 +124,7 @@ wait_for() {
     failed "$what: not within 20 seconds"
 }
 sell() { till "$1" "insert into PurchaseCart (PurchaseID) values ('$2')"; }
-sold() { admin "$1" "select string_agg(PurchaseID, ' ' order by PurchaseID) from PurchaseCart"; }
+sold() { admin "$1" "select string_agg(PurchaseID, ' ' order by PurchaseID) from PurchaseCart where PurchaseID not like 'busy%'"; }
 
 export port_one port_two server_user
 port_one=$(free_port)

@@ -124,12 +124,6 @@ wal_receiver_timeout = '10s'
 archive_mode = on
 archive_command = '$archive'
 archive_timeout = '60s'
-# A till that has died or hangs lets go of its locks and its connections.
-tcp_keepalives_idle = 10
-tcp_keepalives_interval = 5
-tcp_keepalives_count = 3
-idle_in_transaction_session_timeout = '30s'
-deadlock_timeout = '1s'
 SETTINGS
     put "$conf/pg_hba.conf" 640 "$owner" <<ACCESS
 # Written by harrowby-server: who gets in, and how. Whoever is in no line does not; the database lets its own groups in.

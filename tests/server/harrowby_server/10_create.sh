@@ -2,8 +2,8 @@
 # create and update.
 
 ! command -v shellcheck >/dev/null ||
-    works "shellcheck" eval 'cd "${script%/*}" && shellcheck -x harrowby-server archive-log install-login &&
-        shellcheck "$source_dir"/tests/server/harrowby_server_test.sh'
+    works "shellcheck" eval '(cd "${script%/*}" && shellcheck -x harrowby-server archive-log install-login &&
+        shellcheck "$source_dir"/tests/server/harrowby_server_test.sh)'
 
 refuses "create without a network" "needs --network" on one create --address 127.0.0.1
 works "create" on one create --name one --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_one" --tills 2

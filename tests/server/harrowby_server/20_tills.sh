@@ -8,6 +8,14 @@ is "the files are the user's alone" "600 600 700 " stat --printf '%a ' "$work/ti
 works "add-office" on one add-office desk --to "$work/office-1"
 works "the office's own part" settle_in desk "$work/office-1"
 
+is "and with its own connection" "MILK|10" shop counter-1 "Update StockList Set StockCost = 1" "select StockName, StockAvailable from StockList"
+(umask 077 && echo '*:*:*:*:wrong' >"$work/wrong")
+options=sslmode=disable refuses "without TLS it is told" "no encryption" shop counter-1 "select 1"
+options="passfile=$work/wrong" refuses "with a wrong password, too" "password authentication failed" shop counter-1 "select 1"
+options="user=till_nobody passfile=$work/wrong" refuses "under a wrong name" "password authentication failed" shop counter-1 "select 1"
+options="sslrootcert=/etc/ssl/certs/ca-certificates.crt" refuses "it trusts no other server" "certificate verify failed" shop counter-1 "select 1"
+options="host=wrong.example hostaddr=127.0.0.1" refuses "nor another machine" "does not match host name" shop counter-1 "select 1"
+
 # What the statements of a till do.
 for statement in \
     "Select * from Users where Type <> 'VIEWER' and UPPER(Username) = 'A' and UPPER(Password) = 'B'" \
@@ -77,7 +85,6 @@ refuses "whoever was not let in" "permission denied for database" env PGPASSWORD
 refuses "another database" "no pg_hba.conf entry" plain dbname=postgres
 refuses "a server that is not the shop's" "certificate verify failed" plain "sslrootcert=/etc/ssl/certs/ca-certificates.crt"
 refuses "a server of another name" "does not match host name" plain "host=wrong.example hostaddr=127.0.0.1"
-(umask 077 && echo '*:*:*:*:wrong' >"$work/wrong")
 refuses "a wrong name" "password authentication failed" plain "user=till_nobody passfile=$work/wrong"
 refuses "a wrong password" "password authentication failed" plain "passfile=$work/wrong"
 

@@ -39,11 +39,19 @@ works "alone --off" on one alone --off
 wait_for "two machines again" protected protection one
 works "another sale" sell counter-1 s4
 
-# The server dies.
+# The server dies while a till sells, which goes on with the standby: nothing is lost, nothing is there twice.
+stock() { admin "$1" "select StockAvailable from StockList"; }
+before=$(stock one)
+shop counter-1 --sell busy 12 >"$work/busy" 2>&1 &
+selling=$!
+sleep 2
 kill_machine one
 refuses "promote insists" "--other-is-off" on two promote
 works "promote" on two promote --other-is-off
-works "the till goes on by itself" sell counter-1 s5
+works "the till goes on" wait "$selling"
+is "each sale that it was told of, and no other" "$(cat "$work/busy")" admin two "select PurchaseID from PurchaseCart where PurchaseID like 'busy%' order by 1"
+is "no unit too few or too many" "$((before - $(wc -l <"$work/busy")))" stock two
+works "another till" sell counter-1 s5
 is "nothing is lost" "s1 s2 s3 s4 s5" sold two
 is "the sign on the new one" alone protection two
 works "promote again" on two promote --other-is-off
