@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/session_actions.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,8 @@ using namespace std::chrono_literals;
 
 /// Between two attempts. Short against a failover, long against what an attempt costs the server.
 constexpr auto pauseTime = 100ms;
+/// For an answer, however little of a phase is left.
+constexpr std::chrono::milliseconds leastTime = 100ms;
 
 /// "harrowby.NAME('WRITER', NUMBER)"
 QByteArray call(const QByteArray &name, const ActionNumber &action)
@@ -91,7 +94,7 @@ ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
     if (!m_session.isInTransaction())
         return run(text);
     ActionAnswer answer = run(text + ";commit");
-    if (m_session.isInTransaction() && !m_session.run("rollback", m_budget))
+    if (m_session.isInTransaction() && !m_session.run("rollback", budget()))
         m_session.close();
     return answer;
 }
@@ -106,10 +109,23 @@ ActionAnswer SessionActions::claim(const ActionNumber &action)
     return run("select " + call("claim_action", action));
 }
 
+/// A lock that is waited for may be that of the first sending, which waits for its standby: no longer than is left. A
+/// sending that is the only one has all of its time.
+PgBudget SessionActions::budget() const
+{
+    PgBudget budget = m_budget;
+    const std::chrono::milliseconds left = std::max(leastTime, std::chrono::milliseconds(m_deadline.remainingTime()));
+    if (m_phase != Phase::Sending)
+        budget.lock = std::min(budget.lock, left);
+    if (m_phase == Phase::Claiming)
+        budget.answer = std::min(budget.answer, left);
+    return budget;
+}
+
 /// The value is the first one of the last statement, when that is a figure.
 ActionAnswer SessionActions::run(const QByteArray &statements)
 {
-    const Result<PgResults, PgError> results = m_session.run(statements, m_budget);
+    const Result<PgResults, PgError> results = m_session.run(statements, budget());
     if (!results)
         return failed(results.error());
     ActionAnswer answer{Heard::Done, 0, {}};

@@ -45,6 +45,7 @@ public:
     [[nodiscard]] ActionAnswer claim(const ActionNumber &action) override;
 
 private:
+    [[nodiscard]] PgBudget budget() const;
     [[nodiscard]] ActionAnswer run(const QByteArray &statements);
     [[nodiscard]] ActionAnswer failed(const PgError &error);
     void pause();
