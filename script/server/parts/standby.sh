@@ -134,8 +134,14 @@ take_keys() {
     put "$etc/ca.key" 600 "$(id -un)" <"$invitation/ca.key"
 }
 
+# It may also be told to follow another server, the one that was promoted beside it.
 refresh_standby() {
+    local slot=standby_${machine[name]//-/_}
     reach_server
+    on_server -v slot="$slot" -f - >/dev/null <<'SQL'
+select pg_create_physical_replication_slot(:'slot', true)
+    where not exists (select from pg_replication_slots where slot_name = :'slot');
+SQL
     follow_room
     take_keys
     make_certificate

@@ -10,6 +10,9 @@ is "each sale on two machines" protected protection one
 is "which the standby has" 1 admin two "select count(*) from StockList"
 works "standby again" on two standby "$work/two.tar"
 is "still on two machines" protected protection one
+says "status of a standby" "It is the standby of 127.0.0.1, streaming" on two status
+is "which needs no look" 0 eval 'on two status >"$work/status"; echo $?'
+is "how much it has" 1 grep -cE 'position [0-9]{7,}\.$' "$work/status"
 refuses "tills are let in on the server" "this machine is the standby" on two add-till counter-9
 refuses "a server is no standby by mistake" "with --take-back" on one standby "$work/two.tar"
 works "the till learns of it" on one add-till counter-1 --to "$work/till-1d"

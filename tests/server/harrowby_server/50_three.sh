@@ -1,0 +1,24 @@
+# shellcheck shell=bash
+# A second standby: one may be gone, and one follows whichever of the others is promoted.
+
+port_five=$(free_port)
+works "one standby" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two4.tar" && on two standby "$work/two4.tar" --take-back'
+works "a second one" eval 'on one standby --for five --address 127.0.0.1 --to "$work/five.tar" && on five standby "$work/five.tar" --port "$port_five"'
+is "both are relied on" 2 admin one "select count(*) from pg_stat_replication where sync_state in ('sync', 'potential')"
+works "the till learns of them" on one add-till counter-1 --to "$work/till-1e"
+works "the till's own part" settle_in counter-1 "$work/till-1e"
+kill_machine two
+wait_for "the other one confirms" protected protection one
+works "a sale without the first" sell counter-1 u1
+kill_machine one
+works "promote" on five promote --other-is-off
+works "a sale there" sell counter-1 u2
+env PG_CLUSTER_CONF_ROOT="$work/two/etc/postgresql" pg_ctlcluster --skip-systemctl-redirect "$version" harrowby start >/dev/null 2>&1
+kept() { find "$(dirname "$(data_of two)")" -maxdepth 1 -name 'harrowby.kept-*' -printf x; }
+before=$(kept)
+works "the first follows it" eval 'on five standby --for two --address 127.0.0.1 --to "$work/two5.tar" && on two standby "$work/two5.tar"'
+is "without a new copy" "$before" kept
+is "two machines" protected protection five
+works "a last sale" sell counter-1 u3
+is "all of it on both" "$(sold five)" sold two
+says "and all of it" "u1 u2 u3" sold two
