@@ -166,7 +166,10 @@ void ServerAttempt::connectOn()
         ask();
         break;
     case PGRES_POLLING_FAILED:
-        failHere(connectError(PQerrorMessage(connection), duringTls));
+        if (PQconnectionNeedsPassword(connection) != 0)
+            failHere({PgError::Kind::Denied, {}, u"a password is asked for, and none was found"_s});
+        else
+            failHere(connectError(PQerrorMessage(connection), duringTls));
         break;
     case PGRES_POLLING_READING:
         m_wantsToWrite = false;

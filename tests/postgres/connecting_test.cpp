@@ -82,6 +82,7 @@ private Q_SLOTS:
     void whoWaitsMayGiveUpConnecting();
     void whatIsWrongIsTold_data();
     void whatIsWrongIsTold();
+    void aPasswordThatIsMissingIsTold();
     void aServerThatIsNotTrustedIsTold();
     void aRefusedConnectionIsTold();
     void allHostsAreTold();
@@ -272,6 +273,17 @@ void ConnectingTest::whatIsWrongIsTold()
     QCOMPARE(error.kind, kind);
     QCOMPARE(error.sqlState, state);
     QCOMPARE(error.text, u"127.0.0.1:%1: wegen: etwas"_s.arg(server.port()));
+}
+
+void ConnectingTest::aPasswordThatIsMissingIsTold()
+{
+    Manners asking;
+    asking.loginError = ScriptedServer::passwordRequest();
+    const ScriptedServer server(asking);
+    PgSession session;
+    const PgError error = errorOf(session.connect(target({&server}), patient));
+    QCOMPARE(error.kind, Kind::Denied);
+    QVERIFY2(error.text.endsWith("a password is asked for, and none was found"_L1), qPrintable(error.text));
 }
 
 void ConnectingTest::aServerThatIsNotTrustedIsTold()

@@ -262,6 +262,11 @@ QByteArray ScriptedServer::done(const QByteArray &tag)
     return message('C', text(tag));
 }
 
+QByteArray ScriptedServer::passwordRequest()
+{
+    return message('R', number32(3));
+}
+
 QByteArray ScriptedServer::error(const QByteArray &state, const QByteArray &words, const QByteArray &severity)
 {
     return message('E', 'S' + text(severity) + 'V' + text(severity) + 'C' + text(state) + 'M' + text(words) + '\0');

@@ -67,6 +67,7 @@ public:
 
     [[nodiscard]] static QByteArray rows(const QByteArrayList &columns, const QList<QByteArrayList> &rows);
     [[nodiscard]] static QByteArray done(const QByteArray &tag = "SELECT 1");
+    [[nodiscard]] static QByteArray passwordRequest();
     [[nodiscard]] static QByteArray error(const QByteArray &state, const QByteArray &text,
                                           const QByteArray &severity = "ERROR");
     /// A warning out of this function of the server.

@@ -151,7 +151,8 @@ void SessionTest::whatComesBeginsTheTimeAnew()
     const QByteArray rows = ScriptedServer::rows({"a"}, {{"1"}, {"2"}});
     Answer slow{{rows.first(20), rows.sliced(20, 9), rows.sliced(29, 9), rows.sliced(38),
                  ScriptedServer::done() + ScriptedServer::ready()},
-                Then::Wait, 100}; // one result, in pieces
+                Then::Wait,
+                100}; // one result, in pieces
     Desk desk(slow);
     QVERIFY(desk.session.run("select", {400ms, 60s})); // of 500 in all
 }
