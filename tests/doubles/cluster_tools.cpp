@@ -60,7 +60,9 @@ QStringList stateAndParent(pid_t process)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QString line = QString::fromLocal8Bit(file.readAll());
-    return line.sliced(line.lastIndexOf(u')') + 1).split(u' ', Qt::SkipEmptyParts).first(2);
+    return line.sliced(line.lastIndexOf(u')') + 1)
+        .split(u' ', Qt::SkipEmptyParts)
+        .mid(0, 2); // none of a process that has just gone
 }
 
 } // namespace

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include "tests/postgres/server_fixture.h"
+#include "tests/program/test_program.h"
+
+#include "store/recordset.h"
+#include "store/statement_texts.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTest>
+#include <QTimer>
+
+#include <algorithm>
+
+using namespace harrowby;
+using namespace harrowby::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using Access = DbRecordset::Access;
+
+/// Servers that are away, stopped or locked: every wait ends, is painted, and the till goes on afterwards.
+class ConnectionWaitsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup() { m_connection.reset(); }
+
+    void serverComesBack();
+    void failsWhileItIsAway();
+    void anothersLock();
+    void stoppedServer();
+    void givesUp();
+    void actionEndsWithTheEventLoop();
+
+private:
+    std::unique_ptr<ServerFixture> m_server;
+    std::shared_ptr<PostgresConnection> m_connection;
+};
+
+void ConnectionWaitsTest::initTestCase()
+{
+    if (const QString missing = PrivateCluster::missing(); !missing.isEmpty())
+        QSKIP(qPrintable(missing));
+    m_server = std::make_unique<ServerFixture>();
+}
+
+void ConnectionWaitsTest::init()
+{
+    m_server->refill();
+    m_connection = m_server->connect();
+}
+
+void ConnectionWaitsTest::serverComesBack()
+{
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    m_server->cluster.kill9();
+    m_server->cluster.start();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QCOMPARE(item.RecordCount(), 1);
+    m_server->cluster.kill9();
+    m_server->cluster.start();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"12"_s);
+    m_server->cluster.kill9();
+    m_server->cluster.start();
+    DbRecordset walk;
+    walk.Open(statements::allStock(), m_connection, Access::Walk);
+    QCOMPARE(walk.RecordCount(), 3);
+    QVERIFY(m_server->failures.empty());
+}
+
+void ConnectionWaitsTest::failsWhileItIsAway()
+{
+    QVERIFY(!m_connection->open());
+    m_server->cluster.kill9();
+    QElapsedTimer took;
+    took.start();
+    m_connection->beginAction();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QVERIFY(item.HasFailed());
+    QVERIFY(took.elapsed() < 4'000);
+    took.restart();
+    for (int i = 0; i < 10; ++i) { // of the same action: not waited for again
+        item.Open(statements::stockById(u"1"_s), m_connection);
+        QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+        QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
+    }
+    QVERIFY(took.elapsed() < 500);
+    QCOMPARE(m_server->failures.size(), 21u);
+    QVERIFY(std::all_of(m_server->failures.begin(), m_server->failures.end(),
+                        [](const DbFailure &failure) { return failure.engineState.startsWith(u"08"_s); }));
+    QVERIFY(!m_connection->isOpen());
+    m_server->cluster.start();
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QVERIFY(m_connection->isOpen());
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+}
+
+void ConnectionWaitsTest::anothersLock()
+{
+    QVERIFY(!m_connection->open());
+    int calls = 0;
+    m_connection->setWaitHook([&](const DbWait &) { return ++calls > 0; });
+    m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    m_connection->beginAction();
+    QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
+    QCOMPARE(m_server->failures.size(), 1u);
+    QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
+    QVERIFY(calls > 0);
+    m_server->cluster.sql(u"rollback"_s);
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+}
+
+/// A server that says nothing: the wait is bounded, and painted all the while.
+void ConnectionWaitsTest::stoppedServer()
+{
+    QVERIFY(!m_connection->open());
+    m_connection->beginAction();
+    QElapsedTimer painted;
+    painted.start();
+    qint64 longest = 0;
+    m_connection->setWaitHook([&](const DbWait &wait) {
+        longest = std::max(longest, painted.restart());
+        return !wait.mayGiveUp;
+    });
+    m_server->cluster.stop();
+    QElapsedTimer took;
+    took.start();
+    painted.restart();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    m_server->cluster.cont();
+    QVERIFY(item.HasFailed());
+    QVERIFY2(took.elapsed() < 4'000, qPrintable(QString::number(took.elapsed())));
+    QVERIFY2(longest <= 200, qPrintable(QString::number(longest))); // 50 ms, and what a busy machine adds
+    m_connection->beginAction();
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QCOMPARE(item.RecordCount(), 1);
+}
+
+/// Once an action has written, its rest is waited for, until the person has had enough.
+void ConnectionWaitsTest::givesUp()
+{
+    QVERIFY(!m_connection->open());
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    bool mayGiveUp = false;
+    QElapsedTimer took;
+    took.start();
+    m_connection->setWaitHook([&](const DbWait &wait) {
+        mayGiveUp = mayGiveUp || wait.mayGiveUp;
+        return took.elapsed() < 3'000; // longer than a server's silence is borne with
+    });
+    m_server->cluster.stop();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    const qint64 waited = took.elapsed();
+    m_server->cluster.cont();
+    QVERIFY(item.HasFailed());
+    QVERIFY(mayGiveUp);
+    QVERIFY2(waited >= 2'900 && waited < 8'000, qPrintable(QString::number(waited)));
+}
+
+/// What the outermost event loop waits for is the next action; what a box's loop waits for belongs to its own.
+void ConnectionWaitsTest::actionEndsWithTheEventLoop()
+{
+    QVERIFY(!m_connection->open());
+    std::vector<bool> done;
+    const auto write = [&] { done.push_back(Execute(m_connection, statements::raiseStock(1, u"1"_s))); };
+    QTimer::singleShot(0, this, [&] {
+        m_server->cluster.kill9();
+        write(); // from here on the action waits no more
+        m_server->cluster.start();
+        write();
+        QEventLoop box;
+        QTimer::singleShot(50ms, &box, [&] {
+            write();
+            box.quit();
+        });
+        box.exec();
+        QTimer::singleShot(50ms, this, [&] {
+            write();
+            QCoreApplication::quit();
+        });
+    });
+    QCoreApplication::exec();
+    QCOMPARE(done, (std::vector<bool>{false, false, false, true}));
+}
+
+HARROWBY_CORE_TEST(connection_waits_test, ConnectionWaitsTest)
+#include "connection_waits_test.moc"
