@@ -81,6 +81,7 @@ Rule rule(const QString &pattern, const QString &replacement)
 QString translated(QString piece)
 {
     static const QList<Rule> rules{
+        rule(u"\\bpragma integrity_check\\b"_s, u"SELECT 'ok'"_s),
         rule(u"\\bpragma\\b[^;]*"_s, QString()),
         rule(u"\\browid\\b"_s, u"rowid_"_s),
         rule(u"\\bbegin immediate\\b"_s, u"BEGIN; LOCK TABLE "_s + shopTables + u" IN EXCLUSIVE MODE"_s),

@@ -9,7 +9,7 @@
 /// The page "Custom Sales" in a small shop, as its tests work at it.
 namespace harrowby::test::custom_sale_desk {
 
-extern const QString milk;
+extern const QString ale;
 
 void openShop(Counter &counter);
 

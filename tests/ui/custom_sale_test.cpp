@@ -70,12 +70,12 @@ void CustomSaleTest::addNeedsLogin()
 void CustomSaleTest::addNeedsItsRight()
 {
     Counter counter;
-    counter.file.addItem(u"A1"_s, u"MILK"_s, 1.25, 100);
+    counter.file.addItem(u"A1"_s, u"ALE"_s, 1.25, 100);
     counter.file.addUser(u"ANN"_s, u"PW"_s, {u"Reorder"_s});
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
     counter.chooseTab("TabStrip1", WorkArea::ReorderStock);
-    enter(counter, milk, u"1"_s);
+    enter(counter, ale, u"1"_s);
     counter.boxes.expect(u"User [ANN] doesn't have this privilege!"_s, box::Exclamation);
     counter.click("Command15");
     QCOMPARE(counter.cart(), QStringList());
@@ -137,7 +137,7 @@ void CustomSaleTest::refusedQuantities()
     QFETCH(QString, quantity);
     Counter counter;
     openShop(counter);
-    enter(counter, u"C3  |  CAVIAR"_s, quantity);
+    enter(counter, u"C3  |  BEER"_s, quantity);
     counter.connection->statements.clear();
     counter.find("Combo3")->setFocus();
     counter.boxes.expect(invalidQuantity, box::Exclamation);
@@ -178,10 +178,10 @@ void CustomSaleTest::addsQuantity()
     Counter counter;
     openShop(counter);
     counter.file.sql(u"UPDATE StockList SET StockCost = 0"_s);
-    enter(counter, u"C3  |  CAVIAR"_s, quantity);
+    enter(counter, u"C3  |  BEER"_s, quantity);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"C3  |  CAVIAR|%1|0.00"_s.arg(added)});
-    QCOMPARE(counter.text("StatusBar1_2"), u"%1 of C3  |  CAVIAR Added to Cart!"_s.arg(added));
+    QCOMPARE(counter.cart(), QStringList{u"C3  |  BEER|%1|0.00"_s.arg(added)});
+    QCOMPARE(counter.text("StatusBar1_2"), u"%1 of C3  |  BEER Added to Cart!"_s.arg(added));
 }
 
 void CustomSaleTest::resetsAfterwards()
@@ -194,7 +194,7 @@ void CustomSaleTest::resetsAfterwards()
     counter.pick("Combo3", 0);
     counter.setText("Combo4", u"4"_s);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|4|5.00"_s});
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  ALE|4|5.00"_s});
     QCOMPARE(counter.selectedTab("TabStrip2"), SidePanel::Cart);
     QVERIFY(counter.find("Frame4")->isVisible());
     QCOMPARE(figures(counter), (QStringList{QString(), u"0.00"_s, u"0.00"_s, u"Nil"_s}));
@@ -220,9 +220,9 @@ void CustomSaleTest::orderOfEffects()
     counter.click("Command15");
     QCOMPARE(
         counter.connection->statements,
-        (QStringList{u"Select * from Stocklist where StockUse = 'Enabled' and StockID = 'A1'  and StockName = 'MILK'"_s,
+        (QStringList{u"Select * from Stocklist where StockUse = 'Enabled' and StockID = 'A1'  and StockName = 'ALE'"_s,
                      u"Select * from StockList where StockID = 'A1'"_s,
-                     u"INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('1 of A1  |  MILK Added to Cart!',"
+                     u"INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('1 of A1  |  ALE Added to Cart!',"
                      "'2018-03-05 14:07:09','2018-03-05 14:07:09')"_s,
                      u"Select * from StockList where StockCategory = 'DRINKS' and StockUse = 'Enabled'"_s}));
     QCOMPARE(quantityThen, u"1"_s); // emptied only after the list was read again
@@ -234,13 +234,13 @@ void CustomSaleTest::typedItemIsSold()
     openShop(counter);
     auto *item = counter.find<PickList>("Combo3")->lineEdit();
     item->setFocus();
-    QTest::keyClicks(item, milk);
+    QTest::keyClicks(item, ale);
     auto *quantity = counter.find<PickList>("Combo4")->lineEdit();
     quantity->setFocus();
     quantity->selectAll();
     QTest::keyClicks(quantity, u"3"_s);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|3|3.75"_s});
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  ALE|3|3.75"_s});
 }
 
 void CustomSaleTest::costComesFromTheTable()
@@ -252,7 +252,7 @@ void CustomSaleTest::costComesFromTheTable()
     counter.setText("Combo4", u"3"_s);
     QCOMPARE(counter.text("Label9"), u"3.00"_s);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"C3  |  CAVIAR|3|3,750.00"_s});
+    QCOMPARE(counter.cart(), QStringList{u"C3  |  BEER|3|3,750.00"_s});
 }
 
 void CustomSaleTest::noStock()
@@ -285,7 +285,7 @@ void CustomSaleTest::unknownItemIsRefusedSilently()
 {
     Counter counter;
     openShop(counter);
-    for (const QString &key : {u"Z9  |  GONE"_s, u"A1"_s, u"B2  |  OLD BREAD"_s, u"A'1  |  MILK"_s}) {
+    for (const QString &key : {u"Z9  |  GONE"_s, u"A1"_s, u"B2  |  OLD BREAD"_s, u"A'1  |  ALE"_s}) {
         enter(counter, key, u"2"_s);
         counter.click("Command15");
         QCOMPARE(counter.text("Combo3"), key);
@@ -298,12 +298,12 @@ void CustomSaleTest::itemInCartIsUpdated()
 {
     Counter counter;
     openShop(counter);
-    enter(counter, milk, u"2"_s);
+    enter(counter, ale, u"2"_s);
     counter.click("Command15");
-    enter(counter, milk, u"3"_s);
+    enter(counter, ale, u"3"_s);
     counter.boxes.expect(replaceQuestion, box::Ask, Answer::Yes);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|5|6.25"_s});
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  ALE|5|6.25"_s});
     QCOMPARE(counter.text("Combo4"), QString());
 }
 
@@ -311,12 +311,12 @@ void CustomSaleTest::itemInCartIsReplaced()
 {
     Counter counter;
     openShop(counter);
-    enter(counter, milk, u"2"_s);
+    enter(counter, ale, u"2"_s);
     counter.click("Command15");
-    enter(counter, milk, u"3"_s);
+    enter(counter, ale, u"3"_s);
     counter.boxes.expect(replaceQuestion, box::Ask, Answer::No);
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|3|3.75"_s});
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  ALE|3|3.75"_s});
 }
 
 void CustomSaleTest::finishedItemsReturnOnTheReorderTab()
@@ -357,7 +357,7 @@ void CustomSaleTest::listThatFailsAfterwards()
     counter.pick("Combo3", 0);
     counter.connection->fails = [](const QString &statement) { return statement.contains(u"StockCategory"_s); };
     counter.click("Command15");
-    QCOMPARE(counter.cart(), QStringList{u"A1  |  MILK|1|1.25"_s});
+    QCOMPARE(counter.cart(), QStringList{u"A1  |  ALE|1|1.25"_s});
     QCOMPARE(counter.entries("Combo3"), QStringList());
     QCOMPARE(figures(counter), (QStringList{QString(), u"0.00"_s, u"0.00"_s, u"Nil"_s}));
     QCOMPARE(counter.text("Combo4"), QString());

@@ -239,9 +239,8 @@ void FailoverTest::checkTill(const Seller &till)
     QCOMPARE(stockOf(u"A"_s), startingStock - unitsLowered(report.done));
     const qsizetype purchases = report.done.filter(QRegularExpression(u"^INSERT INTO PurchaseCart"_s)).size();
     QVERIFY(purchases > 0);
-    QCOMPARE(primary().sql(u"SELECT count(*), count(DISTINCT PurchaseID) FROM harrowby.PurchaseCart "
-                           "WHERE Users = '%1'"_s.arg(tillsUser)),
-             QStringList{u"%1|%1"_s.arg(purchases)});
+    QCOMPARE(primary().sql(u"SELECT count(*) FROM harrowby.PurchaseCart WHERE Users = '%1'"_s.arg(tillsUser)),
+             QStringList{QString::number(purchases)});
 }
 
 void FailoverTest::nothingIsLostOrDoubled()

@@ -144,6 +144,8 @@ void LoginTest::useFlag()
     QFETCH(QString, stored);
     QFETCH(bool, mayUse);
     Counter counter;
+    if (!counter.file.keepsFigure(stored))
+        QSKIP("no figure");
     counter.file.sql(u"INSERT INTO Users VALUES ('ANN','PW','STAFF',%1,-1,0,0,0,0,0)"_s.arg(stored));
     // ADMINISTRATOR is let in by name, whatever the flag.
     counter.file.sql(u"UPDATE Users SET InventoryUse = %1 WHERE Username = 'ADMINISTRATOR'"_s.arg(stored));

@@ -483,7 +483,7 @@ void SalesReportTest::leavesNoListHalfRead()
             return;
         passRest();
         QTimer::singleShot(0, &counter.window(), [&] {
-            QVERIFY(counter.file.isBeingRead());
+            QVERIFY(counter.file.isBeingRead() || shopsAreOnAServer());
             openReport(counter);
         });
     };
