@@ -2,6 +2,7 @@
 # Drives script/server/harrowby-server on "machines" that are folders of this one: a server, its standby, tills. As root
 # the servers run as the user postgres, else as whoever calls.
 #   harrowby_server_test.sh SOURCE_DIR SHOP_TILL
+# Its parts stand on one another, in the folder harrowby_server; HARROWBY_PART='[12]*' runs the first ones alone.
 # SHOP_TILL is the program of that name, a till's connection without its window.
 set -uo pipefail
 source_dir=$1
