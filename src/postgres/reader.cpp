@@ -112,8 +112,10 @@ std::unique_ptr<DbCursor> Reader::firstAndCount(const QString &select, const QSt
                                   ") as first_rows limit " + QByteArray::number(ReadingHabits::firstRows + 1) +
                                   endSnapshot;
     auto results = run(select, statements);
-    if (!results || results->size() != 4)
+    if (!results)
         return nullptr;
+    if (results->size() != 4) // begin, count, rows, commit
+        return refuse(select, u"the server has answered otherwise than it was asked"_s), nullptr;
     const std::int64_t count = countIn((*results)[1]);
     Rows found = shared(std::move((*results)[2]));
     m_habits.noteCount(select, count);
