@@ -237,7 +237,7 @@ QString ActionsFailoverTest::judged(const std::map<qint64, Outcome> &told) const
 void ActionsFailoverTest::losesAndDoublesNothing()
 {
     bool isGiven = false;
-    const int given = qEnvironmentVariableIntValue("HARROWBY_FAILOVERS", &isGiven);
+    const int given = qEnvironmentVariableIntValue("HARROWBY_ROUNDS", &isGiven);
     const int rounds = isGiven ? given : 5;
     m_clock.start();
     std::vector<SellingTill> tills(4); // with one journal, as programs of one machine
