@@ -94,19 +94,26 @@ ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
     if (!m_session.isInTransaction())
         return run(text);
     ActionAnswer answer = run(text + ";commit");
-    if (m_session.isInTransaction() && !m_session.run("rollback", budget()))
-        m_session.close();
+    endTransaction();
     return answer;
 }
 
 ActionAnswer SessionActions::confirm(const ActionNumber &action)
 {
+    endTransaction();
     return run("select " + call("confirm_action", action) + "::int");
 }
 
 ActionAnswer SessionActions::claim(const ActionNumber &action)
 {
+    endTransaction(); // a claim that is taken back with a held read would be none
     return run("select " + call("claim_action", action));
+}
+
+void SessionActions::endTransaction()
+{
+    if (m_session.isInTransaction() && !m_session.run("rollback", budget()))
+        m_session.close();
 }
 
 /// A lock that is waited for may be that of the first sending, which waits for its standby: no longer than is left. A

@@ -46,6 +46,7 @@ public:
 
 private:
     [[nodiscard]] PgBudget budget() const;
+    void endTransaction();
     [[nodiscard]] ActionAnswer run(const QByteArray &statements);
     [[nodiscard]] ActionAnswer failed(const PgError &error);
     void pause();

@@ -46,9 +46,9 @@ public:
     [[nodiscard]] static QString tables();
     [[nodiscard]] static postgres::Write saleOf(qint64 sale);
 
-private:
     [[nodiscard]] Result<void, PgError> connect();
 
+private:
     PgTarget m_target;
     Times m_times;
     std::function<void()> m_waiting;

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void letsNothingOfAKilledProgramArriveLater();
     void endsAHeldRead();
     void carriesAHeldReadOver();
+    void resolvesOutsideAHeldRead();
 
 private:
     [[nodiscard]] QString journal() const { return m_home->filePath(u"actions"_s); }
@@ -446,6 +447,22 @@ void ActionsServerTest::carriesAHeldReadOver()
         QCOMPARE(program->write(write).outcome, hasChanged ? Outcome::Refused : Outcome::Done);
         QCOMPARE(timesSold(sale), hasChanged ? 0 : 1);
     }
+}
+
+/// What a claim has settled stays so when the held read ends without its write.
+void ActionsServerTest::resolvesOutsideAHeldRead()
+{
+    Proxy proxy(m_cluster->port());
+    auto program = till(proxy.port());
+    m_cluster->sql(u"truncate harrowby.writer_action"_s);
+    sellIntoTheNetwork(*program, proxy, 1);
+    program.reset();
+    program = till(m_cluster->port());
+    QVERIFY(program->connect());
+    QVERIFY(program->session().run("begin; select pieces from harrowby.stock where item = 1 for update"));
+    QCOMPARE(program->write({{}, "insert into harrowby.sold values (1/0)", u"2"_s}).outcome, Outcome::Refused);
+    QCOMPARE(program->told().at(1), Outcome::Refused);
+    QCOMPARE(value(u"select last from harrowby.writer_action"_s), u"3"_s); // that of the claim
 }
 
 HARROWBY_CORE_TEST(actions_server_test, ActionsServerTest)
