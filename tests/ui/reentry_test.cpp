@@ -453,7 +453,7 @@ void ReentryTest::categoryAddedWhileAnotherIs()
     add(u"EARLIER"_s);
     QVERIFY(interruption.isDone());
     QStringList expected{u"(ALL CATEGORY)"_s};
-    expected += counter.file.rows(u"SELECT CategoryName FROM InventoryCategory"_s);
+    expected += counter.file.rows(u"SELECT CategoryName FROM InventoryCategory ORDER BY rowid"_s);
     expected += u"OTHER CATEGORY"_s;
     QCOMPARE(expected.size(), categories + 4);
     for (const char *name : {"Combo1", "Combo2", "Combo12"}) {
