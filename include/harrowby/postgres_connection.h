@@ -17,8 +17,9 @@ struct PostgresOptions
     QString location; ///< see DbConnection::location()
 
     /// A folder of this machine for what must outlive the program: the number of a write of which nobody knows yet
-    /// whether it was done. Made when it is missing, for its owner alone; the programs of one user share it. Empty:
-    /// "harrowby/actions" below QStandardPaths::GenericDataLocation.
+    /// whether it was done, and which server was used last, so that none that it has replaced is. Made when it is
+    /// missing, for its owner alone; the programs of one user share it. Empty: "harrowby/actions" below
+    /// QStandardPaths::GenericDataLocation.
     QString stateFolder;
 
     std::chrono::milliseconds connecting{2'000}; ///< until a server has answered that it can be worked with

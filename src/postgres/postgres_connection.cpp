@@ -5,6 +5,7 @@
 #include "postgres/postgres_failure.h"
 #include "postgres/reader.h"
 #include "postgres/schema.h"
+#include "postgres/shop_memory.h"
 #include "postgres/storable.h"
 #include "postgres/writer.h"
 
@@ -21,11 +22,12 @@ namespace {
 using namespace postgres;
 using namespace Qt::StringLiterals;
 
-PgTarget targetOf(const QString &target)
+PgTarget targetOf(const QString &target, const PostgresOptions &options)
 {
     PgTarget made;
     made.conninfo = target.toUtf8();
     made.schemaVersion = schemaVersion;
+    made.stateFolder = stateFolder(options.stateFolder);
     return made;
 }
 
@@ -94,7 +96,7 @@ PostgresConnection::Private::Private(const PostgresConnection &connection, const
                                      PostgresOptions wanted) :
     owner(connection),
     options(std::move(wanted)), time(ActionLimits{options.silence, options.rest, options.lock}),
-    access(targetOf(target), waits(), time),
+    access(targetOf(target, options), waits(), time),
     reader(
         access, [this](const QString &select, const PgError &error) { report(DbFailure::Kind::Read, select, error); },
         options.findsAnywhere),

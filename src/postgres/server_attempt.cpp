@@ -51,7 +51,7 @@ constexpr char factsQuery[] =
     " from pg_database where datname = current_database();"
     "commit;";
 
-constexpr char versionQuery[] = "select harrowby.schema_version()";
+constexpr char versionQuery[] = "select harrowby.schema_version(); select harrowby.store_identity()";
 
 QByteArray bytes(const PgResult &result, int column)
 {
@@ -212,10 +212,13 @@ void ServerAttempt::takeAnswers()
 
 void ServerAttempt::takeAnswer(const PgResult &result)
 {
-    if (m_answers++ > 0) {
+    const int answer = m_answers++;
+    if (answer == 1)
         m_facts.schemaVersion = bytes(result, 0).toInt();
+    if (answer == 2)
+        m_facts.store = QUuid::fromString(QLatin1StringView(bytes(result, 0)));
+    if (answer > 0)
         return;
-    }
     m_facts.server.isReadOnly = result.isTrue(0, 0);
     m_facts.server.timeline = bytes(result, 1).toUInt(nullptr, 16);
     m_facts.database = bytes(result, 2);

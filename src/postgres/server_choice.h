@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QUuid>
 
 #include <optional>
 
@@ -20,6 +21,7 @@ struct ServerFacts
     QByteArray letters;   ///< of what is a capital
     QByteArray encoding;
     int schemaVersion = 0;  ///< 0: no store is in it
+    QUuid store = {};       ///< null: it did not tell
     QByteArray schemaState; ///< the server's five characters when it did not tell the version
 };
 

@@ -3,6 +3,7 @@
 
 #include "postgres/server_attempt.h"
 #include "postgres/server_choice.h"
+#include "postgres/shop_memory.h"
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +50,22 @@ private:
         return all;
     }
 
+    [[nodiscard]] bool remembers(const ServerFacts &facts) const
+    {
+        return !m_target.stateFolder.isEmpty() && !facts.store.isNull();
+    }
+
+    /// Also of what an earlier program has worked on.
+    [[nodiscard]] quint32 leastTimeline() const
+    {
+        quint32 least = m_target.leastTimeline;
+        for (const auto &attempt : m_attempts) {
+            if (attempt->isKnown() && remembers(attempt->facts()))
+                least = std::max(least, highestTimeline(attempt->facts().store, m_target.stateFolder));
+        }
+        return least;
+    }
+
     /// Until each has answered, or time is over. False when it was given up.
     [[nodiscard]] bool askAll()
     {
@@ -73,7 +90,7 @@ private:
                 if (sockets[i].revents != 0)
                     open[i]->advance();
             }
-            if (!hasOne && chosenServer(known(), m_target.leastTimeline)) {
+            if (!hasOne && chosenServer(known(), leastTimeline())) {
                 hasOne = true;
                 deadline = std::min(deadline, QDeadlineTimer(m_waits.otherHosts));
             }
@@ -90,11 +107,13 @@ private:
             all.append(attempt->facts());
             whose.append(attempt.get());
         }
-        const std::optional<qsizetype> chosen = chosenServer(all, m_target.leastTimeline);
+        const std::optional<qsizetype> chosen = chosenServer(all, leastTimeline());
         if (!chosen)
             return Unexpected(nothingChosen(failures()));
         if (std::optional<PgError> error = unfitness(all[*chosen], m_target.schemaVersion))
             return Unexpected(*std::move(error));
+        if (remembers(all[*chosen]))
+            noteTimeline(all[*chosen].store, all[*chosen].server.timeline, m_target.stateFolder);
         return FoundServer{all[*chosen].server, whose[*chosen]->takeLink()};
     }
 

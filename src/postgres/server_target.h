@@ -47,6 +47,7 @@ struct PgTarget
     int schemaVersion = 0;               ///< of the store's schema at least; 0: there need be none
     std::optional<PgServer> server = {}; ///< that one alone, as PgSession::server() has told it
     quint32 leastTimeline = 0;           ///< on an older one is a server that has been replaced
+    QString stateFolder = {};            ///< PostgresOptions::stateFolder, for what leastTimeline was; empty: none
     QByteArray programName = "harrowby"; ///< as the server's lists name this connection
     PgResolver resolver = {};            ///< empty: the system's
 };

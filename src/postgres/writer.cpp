@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/writer.h"
 
+#include "postgres/shop_memory.h"
+
 #include <QScopeGuard>
-#include <QStandardPaths>
 #include <QUuid>
 
 #include <algorithm>
@@ -16,11 +17,6 @@ using namespace Qt::StringLiterals;
 using Kind = PgError::Kind;
 using Outcome = Actions::Outcome;
 using Phase = ActionServer::Phase;
-
-QString usualFolder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/harrowby/actions"_s;
-}
 
 /// Whether the write ended like this because of the time that it took.
 bool isTrouble(const PgError &error)
@@ -36,11 +32,9 @@ Writer::Engine::Engine(ServerAccess &access, const QString &folder) :
     server.setHook(access.waits().hook);
 }
 
-Writer::Writer(ServerAccess &access, QString stateFolder, std::chrono::milliseconds rest) :
-    m_access(access), m_stateFolder(std::move(stateFolder)), m_rest(rest)
+Writer::Writer(ServerAccess &access, const QString &stateFolder, std::chrono::milliseconds rest) :
+    m_access(access), m_stateFolder(postgres::stateFolder(stateFolder)), m_rest(rest)
 {
-    if (m_stateFolder.isEmpty())
-        m_stateFolder = usualFolder();
 }
 
 void Writer::setResolvedHandler(ResolvedHandler handler)
@@ -61,7 +55,7 @@ std::optional<PgError> Writer::prepare()
     const QUuid store = QUuid::fromString(QLatin1StringView(identity));
     if (store.isNull())
         return PgError{Kind::Unfit, {}, u"the store on the server has no identity"_s, false};
-    m_engine = std::make_unique<Engine>(m_access, m_stateFolder + u'/' + store.toString(QUuid::WithoutBraces));
+    m_engine = std::make_unique<Engine>(m_access, folderOf(store, m_stateFolder));
     m_engine->actions.setResolvedHandler([this](const OpenAction &open, Outcome outcome) {
         if (m_handler)
             m_handler(open.what, outcome);

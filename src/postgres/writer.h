@@ -22,7 +22,7 @@ public:
     using ResolvedHandler = std::function<void(const QString &what, Actions::Outcome outcome)>;
 
     /// `rest` is the time for a write that may be under way.
-    Writer(ServerAccess &access, QString stateFolder, std::chrono::milliseconds rest);
+    Writer(ServerAccess &access, const QString &stateFolder, std::chrono::milliseconds rest);
 
     void setResolvedHandler(ResolvedHandler handler);
 

@@ -2,10 +2,14 @@
 #include "postgres/postgres_session.h"
 #include "postgres/server_choice.h"
 #include "postgres/server_target.h"
+#include "postgres/shop_memory.h"
 #include "tests/postgres/scripted_server.h"
 #include "tests/program/test_program.h"
 
+#include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -75,6 +79,8 @@ private Q_SLOTS:
     void aServerIsAskedAndSetUp();
     void anOldPrimaryIsLeft();
     void aReplacedServerIsNotUsed();
+    void aReplacedServerIsKnownToTheNextStart();
+    void whatCannotBeRememberedDoesNoHarm();
     void aSilentHostHoldsUpNobodyForLong();
     void aSilentServerIsGivenUp();
     void aSilentNameServiceIsGivenUp();
@@ -166,6 +172,56 @@ void ConnectingTest::aReplacedServerIsNotUsed()
     known.leastTimeline = 2;
     QCOMPARE(errorOf(session.connect(known, patient)).kind, Kind::ReadOnly);
     QVERIFY(session.isLost());
+}
+
+void ConnectingTest::aReplacedServerIsKnownToTheNextStart()
+{
+    const QTemporaryDir folder;
+    const auto connects = [&folder](const ScriptedServer &server) {
+        PgTarget known = target({&server});
+        known.schemaVersion = 1;
+        known.stateFolder = folder.path();
+        return PgSession().connect(known, patient);
+    };
+    const auto of = [](const QByteArray &timeline, const QByteArray &store) {
+        Manners result = manners(timeline);
+        result.schemaVersion = "1";
+        result.store = store;
+        return result;
+    };
+    const QByteArray store = "5f0c9a34-3e6a-4c3f-9a52-1f6b7d0e8a11";
+    const ScriptedServer old(of("00000002", store));
+    const ScriptedServer successor(of("0000000A", store));
+    QVERIFY(connects(old));
+    QVERIFY(connects(old));
+    QVERIFY(connects(successor));
+    const PgError error = errorOf(connects(old));
+    QCOMPARE(error.kind, Kind::ReadOnly);
+    QVERIFY(error.text.contains("has been replaced"_L1));
+    QVERIFY(connects(successor));
+    const QDir noted(folderOf(QUuid::fromString(QLatin1StringView(store)), folder.path()));
+    QCOMPARE(noted.entryList(QDir::Files), QStringList{u"timeline-10"_s});
+
+    const ScriptedServer anotherShop(of("00000001", "00000000-0000-4000-8000-000000000001"));
+    QVERIFY(connects(anotherShop));
+    const ScriptedServer nameless(of("00000001", ""));
+    QVERIFY(connects(nameless));
+}
+
+void ConnectingTest::whatCannotBeRememberedDoesNoHarm()
+{
+    const QTemporaryDir folder;
+    QFile inTheWay(folder.filePath(u"file"_s));
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    Manners known = manners("00000002");
+    known.schemaVersion = "1";
+    const ScriptedServer server(known);
+    PgTarget wanted = target({&server});
+    wanted.schemaVersion = 1;
+    wanted.stateFolder = inTheWay.fileName();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"It is not noted which server was used last"_s));
+    QLoggingCategory::setFilterRules(u"harrowby.store=true"_s);
+    QVERIFY(PgSession().connect(wanted, patient));
 }
 
 void ConnectingTest::aSilentHostHoldsUpNobodyForLong()

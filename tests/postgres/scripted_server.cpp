@@ -239,7 +239,8 @@ QByteArray ScriptedServer::facts(bool withSchema) const
         return said + ready();
     if (m_manners.schemaVersion.isEmpty())
         return said + error("3F000", "schema \"harrowby\" does not exist") + ready();
-    return said + rows({"v"}, {{m_manners.schemaVersion}}) + done() + ready();
+    return said + rows({"v"}, {{m_manners.schemaVersion}}) + done() + rows({"i"}, {{m_manners.store}}) + done() +
+           ready();
 }
 
 QByteArray ScriptedServer::rows(const QByteArrayList &columns, const QList<QByteArrayList> &rows)

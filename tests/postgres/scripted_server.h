@@ -45,6 +45,7 @@ public:
         QByteArray letters = "C";
         QByteArray encoding = "UTF8";
         QByteArray schemaVersion; ///< empty: there is no schema
+        QByteArray store = "5f0c9a34-3e6a-4c3f-9a52-1f6b7d0e8a11";
     };
 
     explicit ScriptedServer(Manners manners, Script script = {});
