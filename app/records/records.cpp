@@ -25,6 +25,18 @@ std::optional<DbFailure> misfit(Kind kind, const RecordStatement &statement)
                      u"%1 values were given for %2 marks"_s.arg(statement.values.size()).arg(marks), 0};
 }
 
+/// Of a row that was read before.
+class ReadCells final : public RecordCells
+{
+public:
+    explicit ReadCells(const RecordRow &row) : m_row(row) {}
+    [[nodiscard]] int count() const override { return static_cast<int>(m_row.size()); }
+    [[nodiscard]] RecordValue value(int column) const override { return m_row.at(column); }
+
+private:
+    const RecordRow &m_row;
+};
+
 } // namespace
 
 Records::Answer<QList<RecordRow>> Records::read(const RecordTable &table, const RecordStatement &statement)
@@ -43,6 +55,34 @@ Records::Answer<QList<RecordRow>> Records::read(const RecordStatement &statement
     if (!rows)
         return Unexpected(told(rows.error()));
     return rows;
+}
+
+Records::Answer<bool> Records::readEach(const RecordTable *table, const RecordStatement &statement,
+                                        const RowTaker &take)
+{
+    const auto there = table != nullptr ? hasTable(*table) : Answer<bool>(true);
+    if (!there)
+        return Unexpected(told(there.error()));
+    if (!*there)
+        return true;
+    if (auto failure = misfit(Kind::Read, statement))
+        return Unexpected(told(*std::move(failure)));
+    auto end = selectEach(statement, take);
+    if (!end)
+        return Unexpected(told(end.error()));
+    return end;
+}
+
+Records::Answer<bool> Records::selectEach(const RecordStatement &statement, const RowTaker &take)
+{
+    const auto rows = select(statement);
+    if (!rows)
+        return Unexpected(rows.error());
+    for (const RecordRow &row : *rows) {
+        if (!take(ReadCells(row)))
+            return false;
+    }
+    return true;
 }
 
 Records::Answer<std::int64_t> Records::write(const RecordTable &table, const RecordStatement &statement)
@@ -138,7 +178,7 @@ Records::Answer<bool> Records::together(const RecordTable &table, const std::fun
     // Made outside: to roll the making of a table back would stop every list that is being filled.
     auto failure = make(table, what);
     if (!failure)
-        failure = begin();
+        failure = begin(table);
     if (failure) {
         failure->statement = what;
         return Unexpected(told(*std::move(failure)));
@@ -185,6 +225,22 @@ std::optional<DbFailure> Records::make(const RecordTable &table, const QString &
 std::optional<DbFailure> Records::keepRows(const RecordTable &)
 {
     return {};
+}
+
+const RecordDialect &Records::dialect() const
+{
+    static const RecordDialect ofFiles = {u"rowid"_s, [](const QString &expression) { return expression; }};
+    return ofFiles;
+}
+
+std::optional<QString> Records::unstorable(const QString &, const DbAssignments &) const
+{
+    return {};
+}
+
+bool Records::isUnknown(const DbFailure &failure)
+{
+    return failure.kind == Kind::Write && failure.engineState == "08007"_L1;
 }
 
 void Records::tellNotTried(const RecordTable &table, const DbFailure &reading) const

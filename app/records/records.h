@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/record_dialect.h"
 #include "app/records/record_tables.h"
 #include "basic/result.h"
 
 #include <harrowby/db_connection.h>
 #include <harrowby/db_value.h>
 
+#include <QByteArrayView>
 #include <QDateTime>
 #include <QList>
 #include <QString>
@@ -31,6 +33,21 @@ struct RecordStatement
     const RecordTable *table = nullptr; ///< made before it is written together with writes to another one
 };
 
+/// One row of a result, good until the next one is fetched.
+class RecordCells
+{
+public:
+    RecordCells() = default;
+    virtual ~RecordCells() = default;
+    RecordCells(const RecordCells &) = delete;
+    RecordCells &operator=(const RecordCells &) = delete;
+
+    [[nodiscard]] virtual int count() const = 0;
+    [[nodiscard]] virtual RecordValue value(int column) const = 0;
+    /// UTF-8 of a text, where the engine has it without a copy; empty for every other value, and where it has not.
+    [[nodiscard]] virtual std::optional<QByteArrayView> utf8(int /*column*/) const { return {}; }
+};
+
 /// The store program's own records, whatever the engine. Used by one thread at a time. No function throws, waits for a
 /// person, or enters an event loop.
 ///
@@ -53,6 +70,12 @@ public:
     [[nodiscard]] Answer<QList<RecordRow>> read(const RecordTable &table, const RecordStatement &statement);
     /// All rows of a SELECT over the component's six tables alone.
     [[nodiscard]] Answer<QList<RecordRow>> read(const RecordStatement &statement);
+    /// Takes rows one by one, so that a long list is never held whole. False to be done.
+    using RowTaker = std::function<bool(const RecordCells &)>;
+    /// All rows of a SELECT over this table (null: over the component's six alone), until `take` returns false; whether
+    /// it never did. `take` must not use the records, and may throw.
+    [[nodiscard]] Answer<bool> readEach(const RecordTable *table, const RecordStatement &statement,
+                                        const RowTaker &take);
     /// The number of rows that an INSERT, UPDATE or DELETE has changed.
     [[nodiscard]] Answer<std::int64_t> write(const RecordTable &table, const RecordStatement &statement);
     /// Several writes: all of them, or none. The rows that each has changed. A write that is not to `table`, nor to one
@@ -78,6 +101,14 @@ public:
     /// Makes the table where it is not there, before `together` begins with another one. The failure, which is told.
     [[nodiscard]] std::optional<DbFailure> prepare(const RecordTable &table);
 
+    /// What this engine has another word for.
+    [[nodiscard]] virtual const RecordDialect &dialect() const;
+    /// Why a table cannot hold these values (English, one line, begins with a small letter); nothing when it can. A
+    /// store file holds whatever it is given.
+    [[nodiscard]] virtual std::optional<QString> unstorable(const QString &table, const DbAssignments &values) const;
+    /// Whether nobody knows if what has failed was done; ServerStore::setResolvedHandler() tells it later.
+    [[nodiscard]] static bool isUnknown(const DbFailure &failure);
+
     /// Called with each failure as it happens; must not throw, enter an event loop or use these records.
     void setFailureHandler(FailureHandler handler) { m_failureHandler = std::move(handler); }
 
@@ -95,10 +126,12 @@ protected:
     /// is only added to. An engine with rights of its own has nothing to do here.
     virtual std::optional<DbFailure> keepRows(const RecordTable &table);
     virtual Answer<QList<RecordRow>> select(const RecordStatement &statement) = 0;
+    /// In this default all of them are read first.
+    virtual Answer<bool> selectEach(const RecordStatement &statement, const RowTaker &take);
     virtual Answer<std::int64_t> change(const RecordStatement &statement) = 0;
     virtual Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) = 0;
-    /// Takes the write lock.
-    virtual std::optional<DbFailure> begin() = 0;
+    /// Takes the write lock for work that begins with this table.
+    virtual std::optional<DbFailure> begin(const RecordTable &table) = 0;
     virtual std::optional<DbFailure> commit() = 0;
     virtual void rollBack() = 0;
 

@@ -21,6 +21,23 @@ DbFailure failureOf(Kind kind, const QString &text, const SqliteStatement &state
     return {kind, text, error.reason, isLost ? error.code : statement.extendedCode()};
 }
 
+/// Of the row on which a statement stands.
+class RowCells final : public RecordCells
+{
+public:
+    explicit RowCells(const SqliteStatement &query) :
+        m_query(query), m_count(static_cast<int>(query.hasFailed() ? 0 : query.columnNames().size()))
+    {
+    }
+    [[nodiscard]] int count() const override { return m_count; }
+    [[nodiscard]] RecordValue value(int column) const override { return m_query.value(column); }
+    [[nodiscard]] std::optional<QByteArrayView> utf8(int column) const override { return m_query.utf8(column); }
+
+private:
+    const SqliteStatement &m_query;
+    int m_count;
+};
+
 const auto insertAction = u"insert"_s;
 
 /// "harrowby_activity_update", "harrowby_activity_delete", "harrowby_activity_insert"
@@ -90,6 +107,18 @@ Records::Answer<QList<RecordRow>> SqliteRecords::select(const RecordStatement &s
     return rows;
 }
 
+Records::Answer<bool> SqliteRecords::selectEach(const RecordStatement &statement, const RowTaker &take)
+{
+    SqliteStatement query(m_database, statement.text, statement.values);
+    const RowCells cells(query);
+    bool goesOn = true;
+    while (goesOn && query.next())
+        goesOn = take(cells);
+    if (query.hasFailed())
+        return Unexpected(failureOf(Kind::Read, statement.text, query));
+    return goesOn;
+}
+
 Records::Answer<std::int64_t> SqliteRecords::change(const RecordStatement &statement)
 {
     SqliteStatement query(m_database, statement.text, statement.values);
@@ -119,7 +148,7 @@ Records::Answer<std::int64_t> SqliteRecords::changeEach(const QString &text, con
     return changed;
 }
 
-std::optional<DbFailure> SqliteRecords::begin()
+std::optional<DbFailure> SqliteRecords::begin(const RecordTable &)
 {
     return run(u"begin immediate"_s);
 }

@@ -19,9 +19,10 @@ protected:
     Answer<bool> hasTable(const RecordTable &table) override;
     std::optional<DbFailure> keepRows(const RecordTable &table) override;
     Answer<QList<RecordRow>> select(const RecordStatement &statement) override;
+    Answer<bool> selectEach(const RecordStatement &statement, const RowTaker &take) override;
     Answer<std::int64_t> change(const RecordStatement &statement) override;
     Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) override;
-    std::optional<DbFailure> begin() override;
+    std::optional<DbFailure> begin(const RecordTable &table) override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;
 

@@ -38,6 +38,12 @@ protected:
             return Unexpected(*failure);
         return SqliteRecords::select(statement);
     }
+    Answer<bool> selectEach(const RecordStatement &statement, const RowTaker &take) override
+    {
+        if (auto failure = fails(statement.text, DbFailure::Kind::Read))
+            return Unexpected(*failure);
+        return SqliteRecords::selectEach(statement, take);
+    }
     Answer<std::int64_t> change(const RecordStatement &statement) override
     {
         if (auto failure = fails(statement.text))
@@ -50,10 +56,10 @@ protected:
             return Unexpected(*failure);
         return SqliteRecords::changeEach(text, rows);
     }
-    std::optional<DbFailure> begin() override
+    std::optional<DbFailure> begin(const RecordTable &table) override
     {
         auto failure = fails(QStringLiteral("begin"));
-        return failure ? failure : SqliteRecords::begin();
+        return failure ? failure : SqliteRecords::begin(table);
     }
     std::optional<DbFailure> commit() override
     {

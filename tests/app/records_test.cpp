@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/records/file_records.h"
 #include "app/records/shop_settings.h"
 #include "app/records/sqlite_records.h"
 #include "engine/lost_files.h"
@@ -12,8 +13,12 @@
 
 #include <sqlite3.h>
 
+#include <atomic>
+#include <chrono>
 #include <limits>
 #include <memory>
+#include <stdexcept>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -65,6 +70,12 @@ private Q_SLOTS:
     void lockedStoreIsTold();
     void lostFileIsTheReason();
     void recordsOnTheComponentsTables();
+    void rowsAreReadOneByOne();
+    void ownRecordsReadOneMoment();
+    void ownRecordsThatReadDoNotWrite();
+    void aWatchEndsAStatement();
+    void aWatchEndsAWaitForALock();
+    void anotherThreadEndsAStatement();
     void readersAreAskedToEndBeforeAWrite();
     void times();
     void conversions();
@@ -319,6 +330,122 @@ void RecordsTest::recordsOnTheComponentsTables()
     const auto rows = m_records->read({u"select StockName from StockList where StockID = ?"_s, {u"TEA-0001"_s}});
     QVERIFY(rows);
     QCOMPARE(*rows, QList<RecordRow>{{u"TEA"_s}});
+}
+
+void RecordsTest::rowsAreReadOneByOne()
+{
+    QVERIFY(m_records->readEach(&notes(), allNotes, [](const RecordCells &) { return true; }).value_or(false));
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 2.5)));
+    QVERIFY(m_records->write(notes(), insertNote(u"b"_s)));
+    QList<RecordRow> rows;
+    QByteArrayList texts;
+    const auto take = [&](const RecordCells &cells) {
+        RecordRow row;
+        for (int column = 0; column < cells.count(); ++column)
+            row << cells.value(column);
+        rows << row;
+        texts << cells.utf8(0).value_or(QByteArrayView()).toByteArray();
+        return true;
+    };
+    QVERIFY(m_records->readEach(&notes(), allNotes, take).value_or(false));
+    QCOMPARE(rows, (QList<RecordRow>{{u"a"_s, 2.5}, {u"b"_s, std::monostate()}}));
+    QCOMPARE(texts, (QByteArrayList{"a", "b"}));
+    int taken = 0;
+    const auto ended = m_records->readEach(nullptr, {u"select StockID from StockList union all select 'x'"_s, {}},
+                                           [&taken](const RecordCells &) { return ++taken < 1; });
+    QVERIFY(ended && !*ended);
+    QCOMPARE(taken, 1);
+    QVERIFY(!m_records->readEach(nullptr, {u"select A from Nowhere"_s, {}}, take));
+    QCOMPARE(m_told.size(), 1);
+    QVERIFY(!m_records->readEach(nullptr, {u"select ?"_s, {}}, take));
+    QCOMPARE(m_told.size(), 2);
+}
+
+namespace {
+
+std::unique_ptr<StoreRecords> ownRecords(const QString &path, Access access)
+{
+    auto own = openStoreRecords(path, access);
+    return own ? *std::move(own) : nullptr;
+}
+
+/// Of a statement that would take minutes.
+const RecordStatement endless{u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 1000000000) "
+                              "select count(*) from n"_s,
+                              {}};
+
+} // namespace
+
+void RecordsTest::ownRecordsReadOneMoment()
+{
+    QVERIFY(!openStoreRecords(m_path + u"/nowhere"_s, Access::Read));
+    const auto own = ownRecords(m_path, Access::Read);
+    QVERIFY(own);
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s)));
+    QVERIFY(!own->holdMoment());
+    QVERIFY(m_records->write(notes(), insertNote(u"b"_s)));
+    QCOMPARE(own->records().read(notes(), allNotes).value_or(QList<RecordRow>()).size(), 1);
+    own->releaseMoment();
+    QCOMPARE(own->records().read(notes(), allNotes).value_or(QList<RecordRow>()).size(), 2);
+    own->releaseMoment(); // nothing is held
+}
+
+void RecordsTest::ownRecordsThatReadDoNotWrite()
+{
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s)));
+    QVERIFY(!ownRecords(m_path, Access::Read)->records().write(notes(), insertNote(u"b"_s)));
+    QVERIFY(ownRecords(m_path, Access::Write)->records().write(notes(), insertNote(u"b"_s)));
+    QCOMPARE(names(), (QStringList{u"a"_s, u"b"_s}));
+}
+
+void RecordsTest::aWatchEndsAStatement()
+{
+    const auto own = ownRecords(m_path, Access::Read);
+    int looks = 0;
+    own->setWatch([&looks] { return ++looks < 3; });
+    const auto ended = own->records().read(endless);
+    QVERIFY(!ended);
+    QVERIFY(own->wasInterrupted(ended.error()));
+    QCOMPARE(looks, 3);
+    own->setWatch([]() -> bool { throw std::runtime_error("the watch is broken"); });
+    QVERIFY(!own->records().read(endless));
+    own->setWatch({});
+    QVERIFY(own->records().read({u"select count(*) from StockList"_s, {}}));
+    const auto wrong = own->records().read({u"select A from Nowhere"_s, {}});
+    QVERIFY(!wrong && !own->wasInterrupted(wrong.error()));
+}
+
+void RecordsTest::aWatchEndsAWaitForALock()
+{
+    const auto own = ownRecords(m_path, Access::Write);
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s)));
+    QVERIFY(!runSql(m_database.get(), u"begin immediate"_s));
+    int looks = 0;
+    own->setWatch([&looks] { return ++looks < 4; });
+    const auto ended = own->records().write(notes(), insertNote(u"b"_s));
+    QVERIFY(!ended);
+    QVERIFY(own->wasInterrupted(ended.error()));
+    QVERIFY(looks >= 4);
+    QVERIFY(!runSql(m_database.get(), u"rollback"_s));
+    own->setWatch({});
+    QVERIFY(own->records().write(notes(), insertNote(u"b"_s)));
+}
+
+void RecordsTest::anotherThreadEndsAStatement()
+{
+    const auto own = ownRecords(m_path, Access::Read);
+    std::atomic<bool> isOver = false;
+    std::thread other([&] {
+        while (!isOver) {
+            own->interrupt();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    });
+    const auto ended = own->records().read(endless);
+    isOver = true;
+    other.join();
+    QVERIFY(!ended);
+    QVERIFY(own->wasInterrupted(ended.error()));
 }
 
 void RecordsTest::readersAreAskedToEndBeforeAWrite()

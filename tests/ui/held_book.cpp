@@ -67,12 +67,12 @@ void WatchedRecords::note(const app::RecordStatement &statement)
     }
 }
 
-std::optional<DbFailure> WatchedRecords::begin()
+std::optional<DbFailure> WatchedRecords::begin(const app::RecordTable &table)
 {
     rollBack();
     if (m_place == Place::AtTheCounter)
         m_cartBefore = harrowby::Counter::instance().cart();
-    return SqliteRecords::begin();
+    return SqliteRecords::begin(table);
 }
 
 void WatchedRecords::rollBack()

@@ -58,10 +58,10 @@ bool ReportingRecords::takesPart(const QString &done)
     return m_isTogether;
 }
 
-std::optional<DbFailure> ReportingRecords::begin()
+std::optional<DbFailure> ReportingRecords::begin(const app::RecordTable &table)
 {
     m_isTogether = true;
-    return SqliteRecords::begin();
+    return SqliteRecords::begin(table);
 }
 
 std::optional<DbFailure> ReportingRecords::commit()

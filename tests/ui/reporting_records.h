@@ -20,7 +20,7 @@ public:
 
 protected:
     Answer<std::int64_t> change(const app::RecordStatement &statement) override;
-    std::optional<DbFailure> begin() override;
+    std::optional<DbFailure> begin(const app::RecordTable &table) override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;
 

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "app/records/store_records.h"
+
+#include "app/records/file_records.h"
+#include "app/records/server_engine.h"
+#include "basic/store_address.h"
+
+#include <utility>
+
+namespace harrowby::app {
+
+Result<std::unique_ptr<StoreRecords>, QString> openStoreRecords(const QString &store, Access access)
+{
+    if (!isServer(store)) {
+        auto records = FileRecords::open(store, access);
+        if (!records)
+            return Unexpected(records.error());
+        return std::unique_ptr<StoreRecords>(*std::move(records));
+    }
+    const auto engine = serverEngine();
+    if (!engine)
+        return Unexpected(engine.error());
+    return (*engine)->openRecords(store, access);
+}
+
+} // namespace harrowby::app
