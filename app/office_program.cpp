@@ -4,10 +4,12 @@
 #include "app/backup/lost_store_box.h"
 #include "app/backup/restore_window.h"
 #include "app/office/office.h"
+#include "app/office/office_store.h"
 #include "app/records/deeds.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/store_guard.h"
+#include "app/shop/store_loss.h"
 #include "app/shop/store_opening.h"
 #include "app/shop/wait_sign.h"
 #include "app/start/log_file.h"
@@ -33,7 +35,8 @@ OfficeLeaving keepOffice(StoreGuard &store, const QString &path, const QString &
     wait.followEventLoop();
     LostStoreAlarm alarm(store, u"office"_s, closeOffice);
     store.keepWatch();
-    OfficeLeaving leaving = runOffice(store, path, {savedSetting, saveSetting}, reason);
+    OfficeLeaving leaving = runOffice(officeStore(store.database(), path), {savedSetting, saveSetting}, reason,
+                                      [&store] { return store.check() ? QString() : lossHeadline(store.loss()); });
     if (leaving.end != OfficeEnd::Refused)
         alarm.checkOnceMore();
     setFileFailureHandler({});

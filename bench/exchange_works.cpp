@@ -3,10 +3,10 @@
 
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
-#include "app/catalogue/own_records.h"
 #include "app/csv/csv_guess.h"
 #include "app/export/export.h"
 #include "app/records/deeds.h"
+#include "app/records/file_records.h"
 #include "bench/measuring.h"
 #include "bench/raw_import.h"
 
@@ -59,14 +59,14 @@ private:
     qint64 m_items;
     int m_runs;
     QTemporaryDir m_copies;
-    std::unique_ptr<app::OwnRecords> m_own;
+    std::unique_ptr<app::FileRecords> m_own;
     QByteArrayList m_keys; ///< of each item: "ID;NAME;CATEGORY;"
 };
 
 ExchangeBench::ExchangeBench(QString path, const ShopFile &shop, qint64 items, int runs) :
     m_path(std::move(path)), m_shop(shop), m_items(items), m_runs(runs), m_copies(m_path + u"-copies-XXXXXX"_s)
 {
-    auto own = app::OwnRecords::open(m_path);
+    auto own = app::FileRecords::open(m_path, app::Access::Write);
     require(own.has_value() && m_copies.isValid(), u"opening the store once more"_s);
     m_own = *std::move(own);
     const auto keep = [](void *keys, int, char **cells, char **) {

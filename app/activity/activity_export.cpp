@@ -2,7 +2,6 @@
 #include "app/activity/activity_export.h"
 
 #include "app/csv/csv_writer.h"
-#include "app/records/sqlite_records.h"
 #include "basic/numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -39,9 +38,8 @@ std::optional<ExportStop> writeActivity(Records &records, CsvWriter &out, const 
 ExportEnd exportActivity(const QString &store, const QString &target, const CsvForm &form, const ActivityFilter &filter,
                          const WorkWatch &watch)
 {
-    const ExportRows rows = [&filter](sqlite3 *database, CsvWriter &out, const WorkWatch &goesOn) {
-        SqliteRecords records(database);
-        return writeActivity(records, out, filter, goesOn);
+    const ExportRows rows = [&filter](StoreRecords &source, CsvWriter &out, const WorkWatch &goesOn) {
+        return writeActivity(source.records(), out, filter, goesOn);
     };
     return exportRows(store, target, form, rows, watch);
 }

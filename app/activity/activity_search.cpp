@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/activity/activity_search.h"
 
-#include "app/records/sqlite_records.h"
-#include "app/shop/busy_wait.h"
-#include "engine/database.h"
+#include "app/records/store_records.h"
 
 #include <utility>
 
@@ -101,13 +99,10 @@ Records::Answer<QStringList> usersOfActivity(Records &records)
 
 Result<void, QString> withOwnRecords(const QString &store, const std::function<void(Records &)> &work)
 {
-    const auto database = openDatabase(store, OpenMode::Write); // reading a log that is open may write beside it
-    if (!database)
-        return Unexpected(database.error().reason);
-    BusyWait wait;
-    wait.attach(database->get());
-    SqliteRecords records(database->get());
-    work(records);
+    const auto own = openStoreRecords(store, Access::Read);
+    if (!own)
+        return Unexpected(own.error());
+    work((*own)->records());
     return {};
 }
 

@@ -4,9 +4,6 @@
 #include "app/backup/good_backups.h"
 #include "app/backup/kept_backups.h"
 #include "app/records/deeds.h"
-#include "app/records/sqlite_records.h"
-#include "app/shop/busy_wait.h"
-#include "app/shop/store_guard.h"
 #include "app/start/start_message.h"
 
 #include <QDateTime>
@@ -21,11 +18,10 @@ namespace {
 /// In the store, for its office. The backup is good without it.
 void note(const ErrandStore &store, const BackupResult &made)
 {
-    store.wait.refill();
-    SqliteRecords records(store.guard.database());
-    auto failure = noteGoodBackup(records, made.file, made.bytes, QDateTime::currentDateTimeUtc());
+    store.beginAction();
+    auto failure = noteGoodBackup(store.records, made.file, made.bytes, QDateTime::currentDateTimeUtc());
     if (!failure)
-        failure = Deeds(records, commandLinePlace).add({deed::backedUp, commandLineUser(), made.file});
+        failure = Deeds(store.records, commandLinePlace).add({deed::backedUp, commandLineUser(), made.file});
     if (failure)
         tellOfErrand(
             u"The store could not note that this backup was made (%1). The backup is good."_s.arg(failure->reason));
@@ -33,8 +29,8 @@ void note(const ErrandStore &store, const BackupResult &made)
 
 ExitCode backUp(const ErrandStore &store, const QString &folder, int keep)
 {
-    const KeptBackup kept =
-        keepBackup(store.path, folder, keep, QDateTime::currentDateTime(), [](const BackupProgress &) { return true; });
+    const KeptBackup kept = keepBackup(store.address, folder, keep, QDateTime::currentDateTime(),
+                                       [](const BackupProgress &) { return true; });
     if (!storeIsStillThere(store))
         return ExitCode::ErrandFailed;
     if (kept.result.outcome != BackupResult::Outcome::Done) {

@@ -11,9 +11,9 @@ namespace harrowby::app {
 
 bool storeIsStillThere(const ErrandStore &store)
 {
-    if (store.guard.check())
+    if (store.guard == nullptr || store.guard->check())
         return true;
-    tellOfErrand(lossHeadline(store.guard.loss()));
+    tellOfErrand(lossHeadline(store.guard->loss()));
     return false;
 }
 

@@ -6,6 +6,8 @@
 #include "app/errands/export_errand.h"
 #include "app/errands/import_errand.h"
 #include "app/errands/restore_errand.h"
+#include "app/records/sqlite_records.h"
+#include "app/records/store_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/errand_names.h"
 #include "app/shop/file_facts.h"
@@ -14,6 +16,7 @@
 #include "app/shop/store_paths.h"
 #include "app/shop/workshop.h"
 #include "app/start/command_line.h"
+#include "basic/store_address.h"
 
 #include <QFileInfo>
 
@@ -47,20 +50,7 @@ QString storeOf(const CommandLine &line)
     return line.database.isEmpty() ? defaultStorePath() : line.database;
 }
 
-template <typename Work>
-ExitCode onExistingStore(const CommandLine &line, Work work)
-{
-    const QString path = storeOf(line);
-    if (!nameIsTaken(path)) {
-        tellOfErrand(u"There is no store file \"%1\"."_s.arg(path));
-        return ExitCode::StoreRefused;
-    }
-    removeLeftWorkshops(QFileInfo(path).absolutePath());
-    return work(path);
-}
-
-/// The store is open as long as the errand runs.
-ExitCode onOpenStore(const QString &path, const Errand &errand)
+ExitCode onOpenFile(const QString &path, const Errand &errand)
 {
     BusyWait wait;
     auto database = openStore(path, wait);
@@ -69,8 +59,40 @@ ExitCode onOpenStore(const QString &path, const Errand &errand)
         return ExitCode::StoreRefused;
     }
     StoreGuard guard(*std::move(database), path, wait);
+    SqliteRecords records(guard.database());
     wait.refill();
-    return errand({path, guard, wait});
+    return errand({path, records, &guard, [&wait] { wait.refill(); }});
+}
+
+ExitCode onServer(const QString &target, const Errand &errand)
+{
+    const auto store = openStoreRecords(target, Access::Write);
+    if (!store) {
+        tellOfErrand(store.error());
+        return ExitCode::StoreRefused;
+    }
+    return errand({target, (*store)->records(), nullptr, [] {}}); // each of its statements has its full time
+}
+
+/// The store is open as long as the errand runs.
+ExitCode onOpenStore(const QString &store, const Errand &errand)
+{
+    return isServer(store) ? onServer(store, errand) : onOpenFile(store, errand);
+}
+
+/// A server's is looked for when it is opened.
+template <typename Work>
+ExitCode onExistingStore(const CommandLine &line, Work work)
+{
+    const QString store = storeOf(line);
+    if (isServer(store))
+        return work(store);
+    if (!nameIsTaken(store)) {
+        tellOfErrand(u"There is no store file \"%1\"."_s.arg(store));
+        return ExitCode::StoreRefused;
+    }
+    removeLeftWorkshops(QFileInfo(store).absolutePath());
+    return work(store);
 }
 
 } // namespace

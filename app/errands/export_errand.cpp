@@ -5,9 +5,6 @@
 #include "app/errands/form_options.h"
 #include "app/export/export.h"
 #include "app/records/deeds.h"
-#include "app/records/sqlite_records.h"
-#include "app/shop/busy_wait.h"
-#include "app/shop/store_guard.h"
 #include "app/start/start_message.h"
 
 #include <QFileInfo>
@@ -25,9 +22,8 @@ using Reason = std::optional<QString>;
 /// In the store, for its activity. The file is good without it.
 void note(const ErrandStore &store, const QString &what)
 {
-    store.wait.refill();
-    SqliteRecords records(store.guard.database());
-    if (const auto failure = Deeds(records, commandLinePlace).add({deed::exported, commandLineUser(), what}))
+    store.beginAction();
+    if (const auto failure = Deeds(store.records, commandLinePlace).add({deed::exported, commandLineUser(), what}))
         tellOfErrand(
             u"The store could not note that this list was exported (%1). The file is good."_s.arg(failure->reason));
 }
@@ -59,7 +55,7 @@ ErrandList activityList(const ExportRequest &request)
 
 ExitCode exportFrom(const ErrandStore &store, const ErrandList &list, const QString &file)
 {
-    const ExportEnd end = list.write(store.path, file, [](const WorkStep &) { return true; });
+    const ExportEnd end = list.write(store.address, file, [](const WorkStep &) { return true; });
     if (!storeIsStillThere(store))
         return ExitCode::ErrandFailed;
     if (end.outcome != ExportEnd::Outcome::Done) {

@@ -4,10 +4,10 @@
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/import_shelf.h"
-#include "app/catalogue/own_records.h"
 #include "app/errands/column_options.h"
 #include "app/errands/form_options.h"
 #include "app/records/deeds.h"
+#include "app/records/store_records.h"
 #include "app/start/start_message.h"
 
 #include <QFileInfo>
@@ -73,7 +73,7 @@ public:
         if (!file)
             return failedImport(file.error());
         m_file = *std::move(file);
-        auto records = OwnRecords::open(m_store.path);
+        auto records = openStoreRecords(m_store.address, Access::Write);
         if (!records)
             return failedImport(records.error());
         m_records = *std::move(records);
@@ -115,7 +115,7 @@ private:
         ImportDesk desk;
         desk.user = desk.who = commandLineUser();
         desk.place = commandLinePlace;
-        desk.store = m_store.path;
+        desk.store = m_store.address;
         return CatalogueImport(m_records->records(), desk);
     }
 
@@ -199,7 +199,7 @@ private:
     ImportChoices m_choices;
     ImportFile m_file;
     QStringList m_headings;
-    std::unique_ptr<OwnRecords> m_records;
+    std::unique_ptr<StoreRecords> m_records;
 };
 
 std::optional<QString> readImportOptions(const ErrandLine &line, ImportOrder &order)

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/catalogue/catalogue_import.h"
-#include "app/catalogue/own_records.h"
 #include "app/csv/csv_guess.h"
+#include "app/records/store_records.h"
 
 #include <functional>
 #include <utility>
@@ -49,7 +49,7 @@ struct SettledList
 template <typename T>
 [[nodiscard]] Imported<T> withImport(const ImportDesk &desk, const std::function<Imported<T>(CatalogueImport &)> &work)
 {
-    auto own = OwnRecords::open(desk.store);
+    auto own = openStoreRecords(desk.store, Access::Write);
     if (!own)
         return Unexpected(ImportEnd{ImportEnd::Kind::Failed, own.error()});
     CatalogueImport import((*own)->records(), desk);

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/export/export.h"
 
-#include "app/backup/backup_copy.h"
 #include "app/csv/stored_cell.h"
 #include "app/export/export_file.h"
 #include "app/records/record_tables.h"
 #include "basic/logging.h"
-#include "engine/database.h"
 
 #include <sqlite3.h>
 
@@ -18,53 +16,38 @@ namespace {
 
 using Outcome = ExportEnd::Outcome;
 
-constexpr int stepsBetweenLooks = 10'000; // of SQLite's machine: less than a millisecond
 constexpr qint64 rowsBetweenLooks = 256;
 
-QString readProblem(const SqlError &error)
+QString readProblem(const DbFailure &failure)
 {
-    switch (error.code) {
+    switch (failure.engineCode & 0xff) { // a server's has none
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return u"Another program keeps the store file locked. Please try again."_s;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        return u"The store file is damaged. Keep the backups that you have.\n(%1)"_s.arg(error.reason);
+        return u"The store file is damaged. Keep the backups that you have.\n(%1)"_s.arg(failure.reason);
     default:
-        return u"The list could not be read from the store (%1)."_s.arg(error.reason);
+        return u"The list could not be read from the store (%1)."_s.arg(failure.reason);
     }
 }
 
-ExportStop stopFor(const SqlError &error)
-{
-    if (error.code == SQLITE_INTERRUPT)
-        return {true, {}};
-    return {false, readProblem(error)};
-}
-
-/// Ends a statement that takes long by itself, such as one that sorts, when the watch says so.
+/// Ends with a watch of the records' statements.
 class Interruption
 {
 public:
-    Interruption(sqlite3 *store, const WorkWatch &watch) : m_store(store), m_watch(watch)
+    Interruption(StoreRecords &store, const WorkWatch &watch) : m_store(store)
     {
-        sqlite3_progress_handler(m_store, stepsBetweenLooks, look, this);
+        m_store.setWatch([this, &watch] { return watch({u"The list is being read …"_s, m_percent}); });
     }
-    ~Interruption() { sqlite3_progress_handler(m_store, 0, nullptr, nullptr); }
+    ~Interruption() { m_store.setWatch({}); }
     Interruption(const Interruption &) = delete;
     Interruption &operator=(const Interruption &) = delete;
 
     void setPercent(int percent) { m_percent = percent; }
 
 private:
-    static int look(void *self)
-    {
-        const auto *interruption = static_cast<const Interruption *>(self);
-        return interruption->m_watch({u"The list is being read …"_s, interruption->m_percent}) ? 0 : 1;
-    }
-
-    sqlite3 *m_store;
-    const WorkWatch &m_watch;
+    StoreRecords &m_store;
     int m_percent = WorkStep::unknown;
 };
 
@@ -73,19 +56,20 @@ struct List
 {
     QString table;
     const QList<StoredColumn> &columns;
-    QString which; ///< "where …" and "order by …"
-    QList<DbValue> values;
-    bool isOptional = false; ///< made when something is first put into it, and empty until then
+    QString conditions; ///< "where …"
+    QString order;      ///< "order by …"
+    QList<RecordValue> values;
+    const RecordTable *own = nullptr; ///< when it is one of the program's, which may not be there yet
 };
 
 /// Keys of days as purchases have them, YYMMDD, are in order within a century.
 List purchases(const ExportRequest &request)
 {
-    List list = {u"PurchaseCart"_s, purchaseColumns(), {}, {}};
+    List list = {u"PurchaseCart"_s, purchaseColumns(), {}, u" order by PurchasedDate, PurchaseID"_s, {}};
     const QString day = u"substr(PurchasedDate, 1, 6)"_s;
     QStringList conditions;
     if (request.from.isValid() || request.to.isValid())
-        conditions << day + u" glob '[0-9][0-9][0-9][0-9][0-9][0-9]'"_s;
+        conditions << u"length(%1) = 6 and trim(%1, '0123456789') = ''"_s.arg(day);
     const auto limit = [&](const QDate &date, const QString &comparison) {
         if (!date.isValid())
             return;
@@ -95,8 +79,7 @@ List purchases(const ExportRequest &request)
     limit(request.from, u" >= "_s);
     limit(request.to, u" <= "_s);
     if (!conditions.isEmpty())
-        list.which = u" where "_s + conditions.join(u" and "_s);
-    list.which += u" order by PurchasedDate, PurchaseID"_s;
+        list.conditions = u" where "_s + conditions.join(u" and "_s);
     return list;
 }
 
@@ -104,35 +87,25 @@ List listOf(const ExportRequest &request)
 {
     switch (request.kind) {
     case ExportKind::Categories:
-        return {u"InventoryCategory"_s, categoryColumns(), {}, {}};
+        return {u"InventoryCategory"_s, categoryColumns(), {}, {}, {}};
     case ExportKind::Codes:
-        return {kept::code().name, codeColumns(), u" order by Code"_s, {}, true};
+        return {kept::code().name, codeColumns(), {}, u" order by Code"_s, {}, &kept::code()};
     case ExportKind::Purchases:
         return purchases(request);
     case ExportKind::Items:
         break;
     }
-    return {u"StockList"_s, itemColumns(), {}, {}}; // in the table's own order, which an import keeps
+    return {u"StockList"_s, itemColumns(), {}, {}, {}}; // in the table's own order, which an import keeps
 }
 
-Result<bool, SqlError> isThere(sqlite3 *store, const QString &table)
-{
-    SqliteStatement query(store, u"select 1 from sqlite_master where type = 'table' and name = ?1 collate nocase"_s,
-                          {table});
-    const bool found = query.next();
-    if (query.error())
-        return Unexpected(*query.error());
-    return found;
-}
-
-void writeRow(const SqliteStatement &query, const QList<StoredColumn> &columns, StoredRowWriter &row)
+void writeRow(const RecordCells &cells, const QList<StoredColumn> &columns, StoredRowWriter &row)
 {
     for (int i = 0; i < columns.size(); ++i) {
         const StoredColumn &column = columns.at(i);
-        if (const auto text = query.utf8(i))
+        if (const auto text = cells.utf8(i))
             row.text(column, *text);
         else
-            row.value(column, query.value(i));
+            row.value(column, cells.value(i));
     }
     row.end();
 }
@@ -142,44 +115,38 @@ QString selectOf(const List &list)
     QStringList names;
     for (const StoredColumn &column : list.columns)
         names << column.name;
-    return u"select %1 from %2%3"_s.arg(names.join(u", "_s), list.table, list.which);
+    return u"select %1 from %2%3%4"_s.arg(names.join(u", "_s), list.table, list.conditions, list.order);
 }
 
-std::optional<ExportStop> writeList(sqlite3 *store, const List &list, CsvWriter &out, const WorkWatch &watch)
+Records::Answer<qint64> countOf(Records &records, const List &list)
+{
+    const RecordStatement counting = {u"select count(*) from %1%2"_s.arg(list.table, list.conditions), list.values};
+    const auto rows = list.own != nullptr ? records.read(*list.own, counting) : records.read(counting);
+    if (!rows)
+        return Unexpected(rows.error());
+    return rows->isEmpty() ? 0 : recordNumber(rows->constFirst().constFirst());
+}
+
+std::optional<ExportStop> writeList(StoreRecords &store, const List &list, CsvWriter &out, const WorkWatch &watch)
 {
     out.row(exportHeadings(list.columns));
     Interruption interruption(store, watch);
-    if (list.isOptional) {
-        const auto there = isThere(store, list.table);
-        if (!there)
-            return stopFor(there.error());
-        if (!*there)
-            return {};
-    }
-    const qint64 all =
-        readText(store, u"select count(*) from %1%2"_s.arg(list.table, list.which), list.values).toLongLong();
-    SqliteStatement query(store, selectOf(list), list.values);
+    const auto all = countOf(store.records(), list);
+    if (!all)
+        return exportStop(store, all.error());
     StoredRowWriter row(out);
-    for (qint64 done = 0; query.next(); ++done) {
-        writeRow(query, list.columns, row);
-        if (done % rowsBetweenLooks != 0)
-            continue;
-        interruption.setPercent(percentOf(done, all));
-        if (!watch({u"The list is being read …"_s, percentOf(done, all)}))
-            return ExportStop{true, {}};
-    }
-    return query.error() ? std::optional(stopFor(*query.error())) : std::nullopt;
-}
-
-/// A connection of its own, whose readings are all of one moment.
-Result<SqliteDatabase, SqlError> openMoment(const QString &store)
-{
-    auto source = openToCopy(store);
-    if (!source)
-        return source;
-    if (const auto error = runSql(source->get(), u"BEGIN"_s))
-        return Unexpected(*error);
-    return source;
+    qint64 done = 0;
+    const auto take = [&](const RecordCells &cells) {
+        writeRow(cells, list.columns, row);
+        if (done++ % rowsBetweenLooks != 0)
+            return true;
+        interruption.setPercent(percentOf(done - 1, *all));
+        return watch({u"The list is being read …"_s, percentOf(done - 1, *all)});
+    };
+    const auto whole = store.records().readEach(list.own, {selectOf(list), list.values}, take);
+    if (!whole)
+        return exportStop(store, whole.error());
+    return *whole ? std::nullopt : std::optional(ExportStop{true, {}});
 }
 
 ExportEnd logged(ExportEnd end)
@@ -194,14 +161,25 @@ ExportEnd ended(const ExportStop &stop)
     return {stop.isStopped ? Outcome::Stopped : Outcome::Failed, stop.problem, 0, 0};
 }
 
-/// Fills the writer; why it did not come to its end.
+/// Fills the writer with what is there at one moment; why it did not come to its end.
 std::optional<ExportStop> read(const QString &store, CsvWriter &out, const ExportRows &rows, const WorkWatch &watch)
 {
-    const auto source = openMoment(store);
-    return source ? rows(source->get(), out, watch) : stopFor(source.error());
+    const auto source = openStoreRecords(store, Access::Read);
+    if (!source)
+        return ExportStop{false, u"The list could not be read from the store.\n"_s + source.error()};
+    if (const auto failure = (*source)->holdMoment())
+        return exportStop(**source, *failure);
+    return rows(**source, out, watch);
 }
 
 } // namespace
+
+ExportStop exportStop(const StoreRecords &store, const DbFailure &failure)
+{
+    if (store.wasInterrupted(failure))
+        return {true, {}};
+    return {false, readProblem(failure)};
+}
 
 ExportEnd exportRows(const QString &store, const QString &target, const CsvForm &form, const ExportRows &rows,
                      const WorkWatch &watch)
@@ -220,7 +198,7 @@ ExportEnd exportRows(const QString &store, const QString &target, const CsvForm 
 ExportEnd exportList(const QString &store, const QString &target, const ExportRequest &request, const WorkWatch &watch)
 {
     const List list = listOf(request);
-    const auto rows = [&list](sqlite3 *source, CsvWriter &out, const WorkWatch &look) {
+    const auto rows = [&list](StoreRecords &source, CsvWriter &out, const WorkWatch &look) {
         return writeList(source, list, out, look);
     };
     return exportRows(store, target, request.form, rows, watch);

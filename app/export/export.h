@@ -3,6 +3,7 @@
 
 #include "app/csv/csv_form.h"
 #include "app/csv/csv_writer.h"
+#include "app/records/store_records.h"
 #include "app/work/work_step.h"
 #include "basic/result.h"
 
@@ -13,8 +14,6 @@
 
 #include <functional>
 #include <optional>
-
-struct sqlite3;
 
 /// Lists of the store as CSV files, while tills sell from it. Nothing here knows a window; each function may run on any
 /// thread, as it has a connection of its own.
@@ -64,9 +63,12 @@ struct ExportStop
     bool isStopped = false;
     QString problem; ///< in words for a person, unless it was stopped
 };
-/// Writes any list, its headings as the first row. The connection only reads, and all it reads is of one moment; a
-/// statement of it may be interrupted.
-using ExportRows = std::function<std::optional<ExportStop>(sqlite3 *store, CsvWriter &out, const WorkWatch &watch)>;
+/// Why it stops after a failure of these records.
+[[nodiscard]] ExportStop exportStop(const StoreRecords &store, const DbFailure &failure);
+/// Writes any list, its headings as the first row. The records only read, and all they read is of one moment; their
+/// statements may be watched.
+using ExportRows =
+    std::function<std::optional<ExportStop>(StoreRecords &store, CsvWriter &out, const WorkWatch &watch)>;
 
 /// The same for any other list.
 [[nodiscard]] ExportEnd exportRows(const QString &store, const QString &target, const CsvForm &form,

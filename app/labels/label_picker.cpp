@@ -2,9 +2,9 @@
 #include "app/labels/label_picker.h"
 
 #include "app/boxes/office_box.h"
-#include "app/catalogue/own_records.h"
 #include "app/codes/code_text.h"
 #include "app/labels/step_entry.h"
+#include "app/records/store_records.h"
 #include "app/shop/failure_text.h"
 #include "app/work/work_strip.h"
 #include "basic/numbers.h"
@@ -41,7 +41,7 @@ constexpr int mostListed = 200; // nobody reads more
 ItemsRead readAll(const QString &store, const LabelQuery &query, const WorkWatch &watch)
 {
     (void)watch({u"The items are being read \u2026"_s, WorkStep::unknown});
-    const auto own = OwnRecords::open(store);
+    const auto own = openStoreRecords(store, Access::Read);
     if (!own)
         return Unexpected(own.error());
     const auto items = LabelItems((*own)->records()).find(query);

@@ -5,8 +5,7 @@
 #include "app/office/office_login_dialog.h"
 #include "app/office/office_window.h"
 #include "app/office/user_rules.h"
-#include "app/office/users_table.h"
-#include "app/shop/store_guard.h"
+#include "app/shop/failure_text.h"
 #include "app/shop/store_paths.h"
 #include "app/start/display.h"
 #include "app/start/start_message.h"
@@ -36,24 +35,24 @@ QString wordsOf(const DoorAnswer &answer, const QString &name)
         return u"The store has no user ADMINISTRATOR who can log in, and no other one with the right to stock, so "
                "nobody can open its office.\nLet the program that keeps the users add one; the type must not be VIEWER."_s;
     default:
-        return engineWords(u"The users could not be read."_s, answer.error);
+        return failureWords(u"The users could not be read."_s, answer.error);
     }
 }
 
-Result<OfficeUser, QString> letIn(sqlite3 *database, const QString &typedName, const QString &password)
+Result<OfficeUser, QString> letIn(Records &records, const QString &typedName, const QString &password)
 {
     const QString name = trimmedUpper(typedName);
-    const DoorAnswer answer = askAtDoor(database, name, password);
-    noteAtDoor(database, answer, name);
+    const DoorAnswer answer = askAtDoor(records, name, password);
+    noteAtDoor(records, answer, name);
     if (answer.kind != Kind::Open)
         return Unexpected(wordsOf(answer, name));
     return answer.user;
 }
 
 /// False when nobody can be let in; the message has been shown.
-bool canAskAtDoor(sqlite3 *database)
+bool canAskAtDoor(Records &records)
 {
-    if (const DoorAnswer door = findKeyHolder(database); door.kind != Kind::Open) {
+    if (const DoorAnswer door = findKeyHolder(records); door.kind != Kind::Open) {
         tellProblem(wordsOf(door, {}));
         return false;
     }
@@ -66,19 +65,20 @@ bool canAskAtDoor(sqlite3 *database)
 
 } // namespace
 
-OfficeLeaving runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings, const QString &reason)
+OfficeLeaving runOffice(const OfficeStore &store, const OfficeSettings &settings, const QString &reason,
+                        const std::function<QString()> &loss)
 {
-    sqlite3 *database = guard.database();
-    if (!canAskAtDoor(database))
+    Records &records = *store.records;
+    if (!canAskAtDoor(records))
         return {OfficeEnd::Refused, {}, {}};
-    const auto check = [database](const QString &name, const QString &password) {
-        return letIn(database, name, password);
+    const auto check = [&records](const QString &name, const QString &password) {
+        return letIn(records, name, password);
     };
-    OfficeLoginDialog login(check, WrongTries(officeTriesPath(store)), reason);
+    OfficeLoginDialog login(check, WrongTries(officeTriesPath(store.address)), reason);
     if (login.exec() != QDialog::Accepted)
         return {};
-    OfficeWindow window(database, store, settings, login.user());
-    window.watchStore([&guard] { return guard.check() ? QString() : lossHeadline(guard.loss()); });
+    OfficeWindow window(store, settings, login.user());
+    window.watchStore(loss);
     window.exec();
     if (window.askedRestore().isEmpty())
         return {};

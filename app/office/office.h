@@ -5,10 +5,12 @@
 
 #include <QString>
 
+#include <functional>
+
 /// The store's office: its own windows beside the till, for those who may keep it.
 namespace harrowby::app {
 
-class StoreGuard;
+struct OfficeStore;
 
 enum class OfficeEnd {
     Left,    ///< the window was closed, or nobody logged in
@@ -24,8 +26,8 @@ struct OfficeLeaving
 };
 
 /// Asks for user name and password and shows the window until it is closed. `reason`: why it is opened again, which the
-/// login says.
-[[nodiscard]] OfficeLeaving runOffice(StoreGuard &guard, const QString &store, const OfficeSettings &settings,
-                                      const QString &reason = {});
+/// login says. `loss`: what has happened to the store once it is lost, and nothing before.
+[[nodiscard]] OfficeLeaving runOffice(const OfficeStore &store, const OfficeSettings &settings, const QString &reason,
+                                      const std::function<QString()> &loss = {});
 
 } // namespace harrowby::app

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/office/office_user.h"
-#include "engine/database.h"
+#include "app/records/records.h"
 
 #include <QByteArray>
 #include <QString>
@@ -25,27 +25,27 @@ struct DoorAnswer
         Failed,      ///< the store could not be read; the reason says why
     };
     Kind kind = Kind::Failed;
-    SqlError error;
+    DbFailure error;
     OfficeUser user; ///< when it is open; the name whenever it is known
 };
 
 /// Compares as the login does: trimmed and in capitals, and never a user of the type VIEWER.
-[[nodiscard]] DoorAnswer askAtDoor(sqlite3 *database, const QString &name, const QString &password);
+[[nodiscard]] DoorAnswer askAtDoor(Records &records, const QString &name, const QString &password);
 
 /// Tells by a deed what was tried, with the name as askAtDoor() compares it. One that is none of the store's may be a
 /// password in the wrong field, and is not kept.
-void noteAtDoor(sqlite3 *database, const DoorAnswer &answer, const QString &name);
+void noteAtDoor(Records &records, const DoorAnswer &answer, const QString &name);
 
 /// What stands in the way before anything is typed; Open when nothing does.
-[[nodiscard]] DoorAnswer findKeyHolder(sqlite3 *database);
+[[nodiscard]] DoorAnswer findKeyHolder(Records &records);
 
 /// Whether who has logged in would be let in again: rights may be taken away, and passwords changed, while an office is
 /// open for hours.
 class DoorWatch
 {
 public:
-    /// The database must outlive it.
-    DoorWatch(sqlite3 *database, OfficeUser user) : m_database(database), m_user(std::move(user)) {}
+    /// The records must outlive it.
+    DoorWatch(Records &records, OfficeUser user) : m_records(records), m_user(std::move(user)) {}
 
     /// Why she would not be, in words for a person; empty when she would.
     [[nodiscard]] QString refusal() const;
@@ -53,7 +53,7 @@ public:
     void followPassword(const QString &userName);
 
 private:
-    sqlite3 *m_database;
+    Records &m_records;
     OfficeUser m_user;
 };
 

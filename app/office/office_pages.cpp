@@ -13,7 +13,6 @@
 #include "app/office/shop_page.h"
 #include "app/office/users_page.h"
 #include "app/readers/reader_settings_page.h"
-#include "app/shop/schema.h"
 
 #include <algorithm>
 #include <iterator>
@@ -48,9 +47,7 @@ OfficePageEntry usersEntry()
             {{u"rights role cashier staff manager person permission"_s, {}},
              {u"new user cashier person"_s, u"addUser"_s},
              {u"forgotten password reset"_s, u"changePassword"_s}},
-            [](const Context &c, QWidget *parent) {
-                return new UsersPage({c.database, c.deeds(), c.door}, parent);
-            }};
+            [](const Context &c, QWidget *parent) { return new UsersPage(UsersTable(c.deeds(), c.door), parent); }};
 }
 
 OfficePageEntry receiptEntry()
@@ -87,7 +84,7 @@ OfficePageEntry shopEntry()
             u"What holds for all tills"_s,
             {{u"search part of a name"_s, u"searchAnywhere"_s}},
             [](const Context &c, QWidget *parent) {
-                return new ShopPage(SearchChoice(*c.records, isOwnStore(c.database)), c.deeds(), parent);
+                return new ShopPage(SearchChoice(*c.store.records, c.store.isOwn), c.deeds(), parent);
             }};
 }
 
@@ -105,9 +102,9 @@ OfficePageEntry catalogueEntry()
                 desk.user = c.user.name;
                 desk.who = c.user.name;
                 desk.place = officePlace;
-                desk.store = c.store;
+                desk.store = c.store.address;
                 return new CataloguePage(
-                    *c.records, desk, c.user.isAdministrator, [c] { return c.obstacle(); }, parent);
+                    *c.store.records, desk, c.user.isAdministrator, [c] { return c.obstacle(); }, parent);
             }};
 }
 
@@ -131,11 +128,11 @@ OfficePageEntry backupEntry()
              {u"restore bring back"_s, u"restoreBackup"_s},
              {u"automatic timer daily night systemd"_s, u"nightlyBackup"_s}},
             [](const Context &c, QWidget *parent) {
-                auto *page = new BackupPage(c.database, c.deeds(), c.store, c.settings, parent);
+                auto *page = new BackupPage(c.store.file, c.deeds(), c.store.address, c.settings, parent);
                 page->watchStore(c.loss);
                 return page;
             },
-            [](const Context &c) { return backupWarning(*c.records, QDateTime::currentDateTimeUtc()); }};
+            [](const Context &c) { return backupWarning(*c.store.records, QDateTime::currentDateTimeUtc()); }};
 }
 
 OfficePageEntry activityEntry()
@@ -147,7 +144,7 @@ OfficePageEntry activityEntry()
             {{u"log history journal audit"_s, {}},
              {u"price changed by hand deleted undone drawer opened login refused"_s, u"activityKind"_s},
              {u"export CSV file"_s, u"saveActivity"_s}},
-            [](const Context &c, QWidget *parent) { return new ActivityPage(c.deeds(), c.store, parent); }};
+            [](const Context &c, QWidget *parent) { return new ActivityPage(c.deeds(), c.store.address, parent); }};
 }
 
 OfficePageEntry labelsEntry()
@@ -161,7 +158,9 @@ OfficePageEntry labelsEntry()
              {u"half used sheet position"_s, u"labelPlace"_s},
              {u"offset millimetres margin dots dpi"_s, u"adjustLabels"_s},
              {u"category without a code last import in stock"_s, u"addLabelItems"_s}},
-            [](const Context &c, QWidget *parent) { return new LabelsPage(c.deeds(), c.store, c.settings, parent); }};
+            [](const Context &c, QWidget *parent) {
+                return new LabelsPage(c.deeds(), c.store.address, c.settings, parent);
+            }};
 }
 
 OfficePageEntry readersEntry()
@@ -184,7 +183,7 @@ OfficePageEntry readersEntry()
 
 SignedDeeds OfficeContext::deeds() const
 {
-    return {*records, officePlace, user.name};
+    return {*store.records, officePlace, user.name};
 }
 
 QString OfficeContext::obstacle() const

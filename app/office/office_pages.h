@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/office/office_store.h"
 #include "app/office/office_user.h"
 #include "app/records/deeds.h"
 #include "app/shop/office_settings.h"
@@ -11,7 +12,6 @@
 #include <functional>
 #include <memory>
 
-struct sqlite3;
 class QWidget;
 
 /// Which pages the office has. A new one is an entry of the list in office_pages.cpp.
@@ -23,12 +23,10 @@ class OfficePage;
 /// What a page is built with. Lives as long as the office's window, and what it refers to lives longer.
 struct OfficeContext
 {
-    sqlite3 *database = nullptr;
-    Records *records = nullptr;
-    QString store; ///< the store's file
+    OfficeStore store;
     OfficeSettings settings;
     OfficeUser user;
-    /// What has happened to the store file once it is lost, and nothing before: no copy counts then.
+    /// What has happened to the store once it is lost, and nothing before: no copy counts then.
     std::function<QString()> loss;
     std::shared_ptr<DoorWatch> door; ///< asked before what changes much
 

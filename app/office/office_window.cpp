@@ -6,8 +6,8 @@
 #include "app/office/office_door.h"
 #include "app/office/page_list.h"
 #include "app/office/store_access_line.h"
-#include "app/records/sqlite_records.h"
 #include "app/shop/failure_text.h"
+#include "basic/store_address.h"
 #include "theme/dialogs.h"
 
 #include <QHBoxLayout>
@@ -55,16 +55,11 @@ void bringIntoView(QWidget &control)
 
 } // namespace
 
-OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings,
-                           const OfficeUser &user, QWidget *parent) :
+OfficeWindow::OfficeWindow(const OfficeStore &store, const OfficeSettings &settings, const OfficeUser &user,
+                           QWidget *parent) :
     QDialog(parent),
-    m_records(std::make_unique<SqliteRecords>(database)), m_context{database,
-                                                                    m_records.get(),
-                                                                    store,
-                                                                    settings,
-                                                                    user,
-                                                                    [this] { return m_loss ? m_loss() : QString(); },
-                                                                    std::make_shared<DoorWatch>(database, user)}
+    m_context{store, settings, user, [this] { return m_loss ? m_loss() : QString(); },
+              std::make_shared<DoorWatch>(*store.records, user)}
 {
     setWindowTitle(u"Store"_s);
     setWindowModality(Qt::WindowModal); // a notice beside it can be dismissed
@@ -80,8 +75,6 @@ OfficeWindow::OfficeWindow(sqlite3 *database, const QString &store, const Office
     setMinimumSize(smallestSize);
     resize(usualSize.boundedTo(roomFor(*this)));
 }
-
-OfficeWindow::~OfficeWindow() = default;
 
 void OfficeWindow::layOut()
 {
@@ -108,10 +101,11 @@ QWidget *OfficeWindow::makeContent()
     auto *rows = new QVBoxLayout(content);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addLayout(makeHead());
-    if (m_context.user.isAdministrator)
-        rows->addWidget(new StoreAccessLine(m_context.store, content));
+    const QString &store = m_context.store.address;
+    if (m_context.user.isAdministrator && !isServer(store))
+        rows->addWidget(new StoreAccessLine(store, content));
     rows->addWidget(m_stack, 1);
-    auto *foot = makeOfficeText(content, u"%1 \u2013 %2"_s.arg(m_context.user.name, wrappingPath(m_context.store)));
+    auto *foot = makeOfficeText(content, u"%1 \u2013 %2"_s.arg(m_context.user.name, wrappingPath(storeWords(store))));
     foot->setObjectName(u"officeFoot"_s);
     rows->addWidget(foot);
     return content;

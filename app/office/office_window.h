@@ -8,7 +8,6 @@
 #include <QStringList>
 
 #include <functional>
-#include <memory>
 
 class QHBoxLayout;
 class QLabel;
@@ -20,7 +19,6 @@ namespace harrowby::app {
 
 class OfficePage;
 class PageList;
-class Records;
 
 /// The "Store" window: the pages that the user may see (office_pages.h), found by the list at the side and by words. In
 /// a narrow window the list takes the place of the page when it is asked for.
@@ -29,12 +27,10 @@ class OfficeWindow final : public QDialog
     Q_OBJECT
 
 public:
-    /// The database must outlive it; `store` is its file.
-    OfficeWindow(sqlite3 *database, const QString &store, const OfficeSettings &settings, const OfficeUser &user,
+    OfficeWindow(const OfficeStore &store, const OfficeSettings &settings, const OfficeUser &user,
                  QWidget *parent = nullptr);
-    ~OfficeWindow() override;
 
-    /// `loss` says what has happened to the store file once it is lost, and nothing before: no backup counts then.
+    /// `loss` says what has happened to the store once it is lost, and nothing before: no backup counts then.
     void watchStore(const std::function<QString()> &loss) { m_loss = loss; }
     /// The backup that is to take the store's place, for which the office was closed. Empty after any other end.
     [[nodiscard]] const QString &askedRestore() const { return m_askedRestore; }
@@ -72,7 +68,6 @@ private:
     [[nodiscard]] bool mayLeave();
     [[nodiscard]] QList<OfficePlace> find(const QString &typed);
 
-    std::unique_ptr<Records> m_records;
     std::function<QString()> m_loss;
     OfficeContext m_context;
     QList<BuiltPage> m_pages; ///< those that the user may see; null until it is built

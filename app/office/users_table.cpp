@@ -3,14 +3,13 @@
 
 #include "app/office/office_door.h"
 #include "app/office/user_rules.h"
+#include "app/records/statement_pieces.h"
 #include "app/shop/failure_text.h"
 #include "app/shop/password_rules.h"
 #include "basic/text.h"
 #include "basic/values.h"
 
 #include <QCryptographicHash>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 
@@ -38,20 +37,24 @@ bool gives(const QString &column, const DbValue &value)
     return column == userRights().constFirst().column ? valueEqualsTrue(value) : valueIsTrue(value);
 }
 
-/// Columns: rowid, Username, Type, Password, then the rights.
-StoreUser userOf(const SqliteStatement &row, const QStringList &columns)
+/// Of a row, before the rights.
+constexpr qsizetype firstRight = 4;
+
+/// Columns: the row's identity, Username, Type, Password, then the rights.
+StoreUser userOf(const RecordRow &row, const QStringList &columns)
 {
+    const QString password = recordText(row.at(3));
     StoreUser user;
-    user.row = row.number(0);
-    user.name = row.text(1);
-    user.type = row.text(2);
-    user.hasType = !std::holds_alternative<std::monostate>(row.value(2));
+    user.row = recordNumber(row.at(0));
+    user.name = recordText(row.at(1));
+    user.type = recordText(row.at(2));
+    user.hasType = !std::holds_alternative<std::monostate>(row.at(2));
     user.nameCanBeTyped = canBeTyped(user.name);
-    user.passwordCanBeTyped = canBeTyped(row.text(3));
-    user.passwordMark = QCryptographicHash::hash(row.text(3).toUtf8(), QCryptographicHash::Sha256);
+    user.passwordCanBeTyped = canBeTyped(password);
+    user.passwordMark = QCryptographicHash::hash(password.toUtf8(), QCryptographicHash::Sha256);
     const bool administrator = isAdministrator(user.name);
-    for (int i = 0; i < columns.size(); ++i) {
-        if (administrator || gives(columns.at(i), row.value(4 + i)))
+    for (qsizetype i = 0; i < columns.size(); ++i) {
+        if (administrator || gives(columns.at(i), row.at(firstRight + i)))
             user.rights << columns.at(i);
     }
     return user;
@@ -72,17 +75,23 @@ Unexpected<QString> changedMeanwhile(const QString &name)
         u"Somebody else has changed %1 meanwhile. Nothing was changed: look at what is stored now."_s.arg(name));
 }
 
-QString selectUsers(const QString &rest)
+/// `rest` calls the row's identity %1.
+QString selectUsers(const Records &records, const QString &rest)
 {
-    return u"SELECT rowid, Username, Type, Password, %1 FROM Users %2"_s.arg(rightColumns().join(u", "_s), rest);
+    const QString identity = records.dialect().rowId;
+    return u"SELECT %1, Username, Type, Password, %2 FROM Users "_s.arg(identity, rightColumns().join(u", "_s)) +
+           rest.arg(identity);
+}
+
+RecordRow rowOf(const RecordCells &cells)
+{
+    RecordRow row;
+    for (int column = 0; column < cells.count(); ++column)
+        row << cells.value(column);
+    return row;
 }
 
 } // namespace
-
-QString engineWords(const QString &what, const SqlError &error)
-{
-    return failureWords(what, {DbFailure::Kind::Write, {}, error.reason, error.code});
-}
 
 QString loginObstacle(const StoreUser &user)
 {
@@ -101,11 +110,15 @@ UsersTable::Listing UsersTable::list() const
 {
     Listing listing;
     const QStringList columns = rightColumns();
-    SqliteStatement query(m_database, selectUsers(u"ORDER BY UPPER(Username), rowid"_s));
-    while (query.next())
-        listing.users << userOf(query, columns);
-    if (query.error())
-        listing.problem = engineWords(u"The users could not be read."_s, *query.error());
+    const auto take = [&](const RecordCells &cells) {
+        listing.users << userOf(rowOf(cells), columns);
+        return true;
+    };
+    Records &records = m_deeds.records();
+    if (const auto read =
+            records.readEach(nullptr, {selectUsers(records, u"ORDER BY UPPER(Username), %1"_s), {}}, take);
+        !read)
+        listing.problem = failureWords(u"The users could not be read."_s, read.error());
     return listing;
 }
 
@@ -131,19 +144,16 @@ UsersTable::Problem UsersTable::addUnlessTaken(const NewUser &user) const
         return u"There is a user \"%1\" already. Capital and small letters make no difference."_s.arg(name);
 
     const QStringList columns = rightColumns();
-    QStringList places = {u"?1"_s, u"?2"_s, u"?3"_s};
-    QList<DbValue> values = {name, storedPassword(user.password), user.type};
-    for (const QString &column : columns) {
-        values << DbValue(user.rights.contains(column) ? storedTrue : 0);
-        places << u"?%1"_s.arg(values.size());
-    }
-    const QString insert = u"INSERT INTO Users (Username, Password, Type, %1) VALUES (%2)"_s.arg(columns.join(u", "_s),
-                                                                                                 places.join(u", "_s));
-    if (auto error = runSql(m_database, insert, values))
-        return engineWords(notAdded, *error);
+    QList<RecordValue> values = {name, storedPassword(user.password), user.type};
+    for (const QString &column : columns)
+        values << std::int64_t{user.rights.contains(column) ? storedTrue : 0};
+    const QString insert = u"INSERT INTO Users (Username, Password, Type, %1) VALUES (%2)"_s.arg(
+        columns.join(u", "_s), placesFor(values.size()));
+    if (auto refused = write({insert, values}, notAdded))
+        return refused;
     const QString rights = user.rights.isEmpty() ? u"no right"_s : titlesOf(user.rights);
-    return tell(m_deeds.statement(deed::userAdded, u"%1 was added as %2 with: %3."_s.arg(name, user.type, rights)),
-                notAdded);
+    return write(m_deeds.statement(deed::userAdded, u"%1 was added as %2 with: %3."_s.arg(name, user.type, rights)),
+                 notAdded);
 }
 
 UsersTable::Problem UsersTable::setPassword(const StoreUser &user, const QString &password) const
@@ -221,45 +231,40 @@ UsersTable::Problem UsersTable::change(const StoreUser &user, const Plan &plan, 
 UsersTable::Problem UsersTable::changeLocked(const StoreUser &user, const Plan &plan, const RecordStatement &told) const
 {
     // The name is compared too: VACUUM by another program may have renumbered the rows since they were read.
-    std::optional<StoreUser> now;
-    QList<DbValue> flags;
-    {
-        SqliteStatement row(m_database, selectUsers(u"WHERE rowid = ?1 AND Username = ?2"_s), {user.row, user.name});
-        if (row.next()) {
-            now = userOf(row, rightColumns());
-            for (int i = 0; i < rightColumns().size(); ++i)
-                flags << row.value(4 + i);
-        }
-        if (row.error())
-            return engineWords(noChange, *row.error());
-    }
-    if (!now)
+    const auto rows = m_deeds.records().read(
+        {selectUsers(m_deeds.records(), u"WHERE %1 = ? AND Username = ?"_s), {std::int64_t{user.row}, user.name}});
+    if (!rows)
+        return failureWords(noChange, rows.error());
+    if (rows->isEmpty())
         return u"The store has no user \"%1\" any more. Nothing was changed."_s.arg(user.name);
-    const auto columns = plan(*now, flags);
+    const RecordRow &row = rows->constFirst();
+    const auto columns = plan(userOf(row, rightColumns()), row.sliced(firstRight));
     if (!columns)
         return columns.error();
     if (auto problem = store(user, *columns))
         return problem;
-    return tell(told, noChange);
+    return write(told, noChange);
 }
 
 UsersTable::Problem UsersTable::store(const StoreUser &user, const Columns &columns) const
 {
     QStringList sets;
-    QList<DbValue> values = {user.row, user.name};
+    QList<RecordValue> values;
     for (const auto &[column, value] : columns) {
+        sets << column + u" = ?"_s;
         values << value;
-        sets << u"%1 = ?%2"_s.arg(column).arg(values.size());
     }
-    const QString update = u"UPDATE Users SET %1 WHERE rowid = ?1 AND Username = ?2"_s.arg(sets.join(u", "_s));
-    if (auto error = runSql(m_database, update, values))
-        return engineWords(noChange, *error);
-    return {};
+    values << std::int64_t{user.row} << user.name;
+    return write({u"UPDATE Users SET %1 WHERE %2 = ? AND Username = ?"_s.arg(sets.join(u", "_s),
+                                                                             m_deeds.records().dialect().rowId),
+                  values},
+                 noChange);
 }
 
-UsersTable::Problem UsersTable::tell(const RecordStatement &told, const QString &notDone) const
+/// Within `together`, which has made the table of deeds.
+UsersTable::Problem UsersTable::write(const RecordStatement &statement, const QString &notDone) const
 {
-    if (const auto written = m_deeds.records().write(kept::activity(), told); !written)
+    if (const auto written = m_deeds.records().write(kept::activity(), statement); !written)
         return failureWords(notDone, written.error());
     return {};
 }

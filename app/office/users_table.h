@@ -3,7 +3,6 @@
 
 #include "app/office/user_rules.h"
 #include "app/records/deeds.h"
-#include "engine/database.h"
 
 #include <QByteArray>
 #include <QList>
@@ -57,10 +56,9 @@ public:
         Problem problem;        ///< set when reading failed; `users` are then those before the failure
     };
 
-    /// The database must outlive it; the deeds' records work on the same one.
-    /// Nothing is written for who would not be let in any more.
-    UsersTable(sqlite3 *database, SignedDeeds deeds, std::shared_ptr<DoorWatch> door = {}) :
-        m_database(database), m_deeds(std::move(deeds)), m_door(std::move(door))
+    /// In the records that the deeds are kept in. Nothing is written for who would not be let in any more.
+    explicit UsersTable(SignedDeeds deeds, std::shared_ptr<DoorWatch> door = {}) :
+        m_deeds(std::move(deeds)), m_door(std::move(door))
     {
     }
 
@@ -83,16 +81,12 @@ private:
     [[nodiscard]] Problem change(const StoreUser &user, const Plan &plan, const RecordStatement &told) const;
     [[nodiscard]] Problem changeLocked(const StoreUser &user, const Plan &plan, const RecordStatement &told) const;
     [[nodiscard]] Problem store(const StoreUser &user, const Columns &columns) const;
-    [[nodiscard]] Problem tell(const RecordStatement &told, const QString &notDone) const;
+    [[nodiscard]] Problem write(const RecordStatement &statement, const QString &notDone) const;
     /// Runs the work in one transaction that is undone when the work has a problem.
     [[nodiscard]] Problem together(const QString &notDone, const std::function<Problem()> &work) const;
 
-    sqlite3 *m_database;
     SignedDeeds m_deeds;
     std::shared_ptr<DoorWatch> m_door;
 };
-
-/// The words for an error of the engine: `what` was not done, why, and what to do.
-[[nodiscard]] QString engineWords(const QString &what, const SqlError &error);
 
 } // namespace harrowby::app

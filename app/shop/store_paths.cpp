@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/shop/store_paths.h"
 
+#include "basic/store_address.h"
+
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -36,7 +38,7 @@ QString logPath()
 QString officeTriesPath(const QString &store)
 {
     constexpr qsizetype shortened = 16;
-    const QString real = QFileInfo(store).canonicalFilePath();
+    const QString real = isServer(store) ? storeWords(store) : QFileInfo(store).canonicalFilePath();
     const QByteArray name = QCryptographicHash::hash(real.toUtf8(), QCryptographicHash::Sha256).toHex();
     return inDataFolder(u"office-%1.tries"_s.arg(QString::fromLatin1(name.left(shortened))));
 }

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/activity/activity_search.h"
 #include "app/records/deeds.h"
-#include "app/records/sqlite_records.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
+#include "tests/doubles/shop_file.h"
 #include "tests/program/test_program.h"
 
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <sqlite3.h>
 
 #include <memory>
 
@@ -48,8 +47,9 @@ private:
 
     QTemporaryDir m_folder;
     QString m_path;
-    SqliteDatabase m_database;
-    std::unique_ptr<SqliteRecords> m_records;
+    std::unique_ptr<ShopPlace> m_place;
+    std::unique_ptr<OpenShop> m_shop;
+    std::shared_ptr<Records> m_records;
 };
 
 namespace {
@@ -65,23 +65,26 @@ QString utc(const QString &localTime)
 
 void ActivityTest::init()
 {
-    m_path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u".db"_s);
+    m_place =
+        std::make_unique<ShopPlace>(m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u".db"_s));
+    m_path = m_place->address();
     makeStore(m_path);
-    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
-    QVERIFY(!runSql(m_database.get(), u"pragma synchronous = off"_s));
-    m_records = std::make_unique<SqliteRecords>(m_database.get());
+    m_shop = std::make_unique<OpenShop>(m_path);
+    m_shop->run(u"pragma synchronous = off"_s);
+    m_records = m_shop->records();
 }
 
 void ActivityTest::cleanup()
 {
     m_records.reset();
-    m_database.reset();
+    m_shop.reset();
+    m_place.reset();
 }
 
 void ActivityTest::log(const QString &text, const QString &when)
 {
-    QVERIFY(!runSql(m_database.get(), u"insert into SysUsage (SystemUsage, Times, Dates) values (?1, ?2, ?2)"_s,
-                    {text, when}));
+    m_shop->run(u"insert into SysUsage (SystemUsage, Times, Dates) values (%1, %2, %2)"_s.arg(
+        harrowby::test::quoted(text), harrowby::test::quoted(when)));
 }
 
 void ActivityTest::deed(const QString &kind, const QString &who, const QString &what, const QString &localTime)
@@ -195,10 +198,9 @@ void ActivityTest::allThatHappenedIsOneListNewestFirst()
 void ActivityTest::pagesLoseAndRepeatNothing()
 {
     // More of one second than a page has, and pages that end in the middle of others.
-    QVERIFY(!runSql(m_database.get(),
-                    u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 7000) "
-                    "insert into SysUsage select 'row ' || i, '', case when i between 100 and 5800 then "
-                    "'2026-03-05 08:00:00' else datetime('2026-03-06', '-' || (i / 3) || ' seconds') end from n"_s));
+    m_shop->run(u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 7000) "
+                "insert into SysUsage select 'row ' || i, '', case when i between 100 and 5800 then "
+                "'2026-03-05 08:00:00' else datetime('2026-03-06', '-' || (i / 3) || ' seconds') end from n"_s);
     for (const int most : {7, 333, 1000}) {
         QStringList all = found({}, most);
         QCOMPARE(all.size(), 7000);
@@ -214,7 +216,7 @@ void ActivityTest::timesThatAreNumbersAreListedOnce()
          {u"drop table SysUsage"_s, u"create table SysUsage (SystemUsage, Times, Dates)"_s,
           u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 350) insert into SysUsage select "
           "'row ' || i, '', case when i > 200 then i else datetime('2026-03-06', '-' || i || ' seconds') end from n"_s})
-        QVERIFY(!runSql(m_database.get(), text));
+        m_shop->run(text);
     QStringList all = found({});
     QCOMPARE(all.size(), 350);
     all.removeDuplicates();
@@ -279,16 +281,16 @@ void ActivityTest::textIsFoundAnywhere()
 void ActivityTest::linesWithoutATimeComeLast()
 {
     log(u"dated"_s, u"1999-01-01 00:00:00"_s);
-    QVERIFY(!runSql(m_database.get(), u"insert into SysUsage values ('b', null, null), ('a', null, null)"_s));
+    m_shop->run(u"insert into SysUsage values ('b', null, null), ('a', null, null)"_s);
     QCOMPARE(found({}), (QStringList{u"dated"_s, u"a"_s, u"b"_s}));
     QCOMPARE(found({{QDate(1990, 1, 1), {}}, {}, {}, false, {}}), QStringList{u"dated"_s});
 }
 
 void ActivityTest::whoStopsGoesOnFromThere()
 {
-    QVERIFY(!runSql(m_database.get(), u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 4500) "
-                                      "insert into SysUsage select case i when 1 then 'sought' else 'x' end, '', "
-                                      "datetime('2026-03-05', i || ' seconds') from n"_s));
+    m_shop->run(u"with recursive n(i) as (select 1 union all select i + 1 from n where i < 4500) "
+                "insert into SysUsage select case i when 1 then 'sought' else 'x' end, '', "
+                "datetime('2026-03-05', i || ' seconds') from n"_s);
     ActivitySearch search({{}, {}, {}, false, u"sought"_s});
     QStringList steps;
     const auto none = search.next(*m_records, 10, [&](const WorkStep &step) {
@@ -308,13 +310,13 @@ void ActivityTest::whoStopsGoesOnFromThere()
 
 void ActivityTest::failureIsTold()
 {
-    QVERIFY(!runSql(m_database.get(), u"drop table SysUsage"_s));
+    m_shop->run(u"drop table SysUsage"_s);
     QCOMPARE(found({}), QStringList{u"failed: no such table: SysUsage"_s});
 }
 
 void ActivityTest::usersOfStoreAndDeedsAreOffered()
 {
-    QVERIFY(!runSql(m_database.get(), u"insert into Users (Username) values ('zoe'), ('ANNA'), (''), (null)"_s));
+    m_shop->run(u"insert into Users (Username) values ('zoe'), ('ANNA'), (''), (null)"_s);
     deed(deed::exported, u"command line (night)"_s, u"items"_s, u"2026-03-05 08:00:00"_s);
     deed(deed::exported, u"Anna"_s, u"items"_s, u"2026-03-05 08:00:00"_s);
     QStringList users = usersOfActivity(*m_records).value_or(QStringList());

@@ -70,7 +70,7 @@ void CashPageTest::choicesAreSaved()
     press("saveCash");
     QVERIFY(part<QLabel>("cashOutcome")->text().startsWith(u"Saved."_s));
     QCOMPARE(part<QLineEdit>("cashNotes")->text(), u"10 20"_s);
-    SqliteRecords records(m_database.get());
+    Records &records = *m_shop->records();
     QCOMPARE(readCashChoices(records), (CashChoices{{u"Card"_s, u"Voucher"_s}, {1000, 2000}}));
     QVERIFY(m_saved.isEmpty()); // nothing of this machine's has changed
     m_window->reject();
@@ -93,7 +93,7 @@ void CashPageTest::wrongEntriesAreToldOf()
 void CashPageTest::failedSaveIsTold()
 {
     openPage();
-    QVERIFY(!runSql(m_database.get(), u"PRAGMA query_only = ON"_s));
+    QVERIFY(!runSql(file(), u"PRAGMA query_only = ON"_s));
     part<QLineEdit>("paymentWays")->setText(u"Card, Voucher"_s);
     answerNextBox(QMessageBox::AcceptRole);
     press("saveCash");

@@ -23,19 +23,19 @@ namespace harrowby::app::test {
 void CatalogueDesk::init()
 {
     m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/catalogue-XXXXXX"_s);
-    m_store = m_folder->filePath(u"shop.sqlite"_s);
+    m_place = std::make_unique<ShopPlace>(m_folder->filePath(u"shop.sqlite"_s));
+    m_store = m_place->address();
     makeStore(m_store);
-    QVERIFY(!into(m_database, openDatabase(m_store, OpenMode::Write)));
+    m_shop = std::make_unique<OpenShop>(m_store);
     run(u"DELETE FROM StockList"_s);
     run(u"DELETE FROM InventoryCategory"_s);
     m_answers = std::make_unique<QObject>();
     for (const auto &[id, name] : {std::pair(u"TEA-0001"_s, u"TEA"_s), {u"MIL-0001"_s, u"MILK"_s}})
-        QVERIFY(!runSql(m_database.get(),
-                        u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
-                        "StockAvailable, StockUse) VALUES (?1, ?2, 'DRINKS', '1.00', 5, 20, 'Enabled')"_s,
-                        {id, name}));
+        run(u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, StockAvailable, "
+            "StockUse) VALUES ('%1', '%2', 'DRINKS', '1.00', 5, 20, 'Enabled')"_s.arg(id, name));
     run(u"INSERT INTO InventoryCategory (CategoryName, EntryDate) VALUES ('DRINKS', 'today')"_s);
-    m_records = std::make_unique<FussyRecords>(m_database.get());
+    m_fussy = m_shop->file() != nullptr ? std::make_unique<FussyRecords>(m_shop->file()) : nullptr;
+    m_records = m_fussy ? m_fussy.get() : m_shop->records().get();
     m_lost.clear();
     m_boxText.clear();
     open(true);
@@ -68,8 +68,9 @@ void CatalogueDesk::cleanup()
 {
     m_answers.reset();
     m_window.reset();
-    m_records.reset();
-    m_database.reset();
+    m_fussy.reset();
+    m_shop.reset();
+    m_place.reset();
     m_folder.reset();
 }
 

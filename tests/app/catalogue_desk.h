@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/exchange/catalogue_page.h"
-#include "engine/database.h"
 #include "tests/app/fussy_records.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 
 #include <QLabel>
@@ -56,14 +56,16 @@ protected:
     /// The boxes and dialogs that are open, in the order in which they come.
     void inNextDialog(const std::function<void(QDialog &)> &act);
     void answerNextBox(QMessageBox::ButtonRole role);
-    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
-    void run(const QString &sql) { QVERIFY(!runSql(m_database.get(), sql)); }
+    [[nodiscard]] QString read(const QString &select) const { return m_shop->read(select); }
+    void run(const QString &sql) { m_shop->run(sql); }
 
     std::mutex m_clock; ///< who holds it holds up an import before its backup, which is named by the time
     std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<ShopPlace> m_place;
     QString m_store;
-    SqliteDatabase m_database;
-    std::unique_ptr<FussyRecords> m_records;
+    std::unique_ptr<OpenShop> m_shop;
+    std::unique_ptr<FussyRecords> m_fussy; ///< of a file
+    Records *m_records = nullptr;
     std::unique_ptr<CataloguePage> m_window;
     std::unique_ptr<QObject> m_answers; ///< which are not given any more once it is gone
     QString m_lost;                     ///< what the page is told of the store file

@@ -219,13 +219,13 @@ void CatalogueTroubleTest::pressesMeanwhileDoNothing()
 void CatalogueTroubleTest::failedReadingIsTold()
 {
     toPreview(dearerTea);
-    m_records->failAll = true;
+    m_fussy->failAll = true;
     chooseEntry("importFilter", u"changed (1)"_s);
     QVERIFY2(text("importRowWords").startsWith(u"\u26a0 "_s), qPrintable(text("importRowWords")));
-    m_records->failAll = false;
+    m_fussy->failAll = false;
     chooseEntry("importFilter", u"all rows (1)"_s);
     QCOMPARE(listed("importRows").size(), 1);
-    m_records->failAll = true;
+    m_fussy->failAll = true;
     press("importCancel");
     QVERIFY2(text("catalogueOutcome").startsWith(u"\u26a0 The imports so far could not be read: "_s),
              qPrintable(text("catalogueOutcome")));

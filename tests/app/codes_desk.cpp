@@ -5,6 +5,7 @@
 #include "app/office/codes_page.h"
 #include "app/shop/schema.h"
 #include "tables/table_view.h"
+#include "tests/app/quick_folder.h"
 #include "theme/dialogs.h"
 
 #include <QApplication>
@@ -17,12 +18,18 @@ namespace harrowby::app::test {
 
 void CodesDesk::init()
 {
-    QVERIFY(!into(m_database, openDatabase(u":memory:"_s, OpenMode::Create)));
-    QVERIFY(!createTables(m_database.get()));
+    m_folder = std::make_unique<QTemporaryDir>(quickFolder() + u"/codes-XXXXXX"_s);
+    m_place = std::make_unique<ShopPlace>(m_folder->filePath(u"shop.sqlite"_s));
+    if (!harrowby::test::isOnServer(m_place->address())) {
+        SqliteDatabase made;
+        QVERIFY(!into(made, openDatabase(m_place->address(), OpenMode::Create)));
+        QVERIFY(!createTables(made.get()));
+    }
+    m_shop = std::make_unique<OpenShop>(m_place->address());
     for (const auto &[id, name] : {std::pair(u"TEA-0001"_s, u"TEA"_s), {u"MIL-0001"_s, u"MILK"_s}})
-        QVERIFY(!runSql(m_database.get(), u"INSERT INTO StockList (StockID, StockName, StockCost) VALUES (?1, ?2, 1)"_s,
-                        {id, name}));
-    m_records = std::make_unique<FussyRecords>(m_database.get());
+        m_shop->run(u"INSERT INTO StockList (StockID, StockName, StockCost) VALUES ('%1', '%2', 1)"_s.arg(id, name));
+    m_fussy = m_shop->file() != nullptr ? std::make_unique<FussyRecords>(m_shop->file()) : nullptr;
+    m_records = m_fussy ? m_fussy.get() : m_shop->records().get();
     QVERIFY(!CodeTable(*m_records).add(u"036000291452"_s, u"TEA-0001"_s, 1));
     QVERIFY(!CodeTable(*m_records).add(u"CASE"_s, u"TEA-0001"_s, 12));
     QVERIFY(m_records->write(
@@ -38,8 +45,10 @@ void CodesDesk::init()
 void CodesDesk::cleanup()
 {
     m_window.reset();
-    m_records.reset();
-    m_database.reset();
+    m_fussy.reset();
+    m_shop.reset();
+    m_place.reset();
+    m_folder.reset();
 }
 
 QStringList CodesDesk::listed() const

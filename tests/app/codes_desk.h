@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/database.h"
 #include "tests/app/fussy_records.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 
 #include <QLabel>
 #include <QMessageBox>
 #include <QObject>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
 
@@ -41,10 +42,13 @@ protected:
     void answerNextBox(QMessageBox::ButtonRole role);
     [[nodiscard]] QStringList listed() const;
     [[nodiscard]] QString outcome() const { return in<QLabel>(*m_window, "codesOutcome")->text(); }
-    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
+    [[nodiscard]] QString read(const QString &select) const { return m_shop->read(select); }
 
-    SqliteDatabase m_database;
-    std::unique_ptr<FussyRecords> m_records;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<ShopPlace> m_place;
+    std::unique_ptr<OpenShop> m_shop;
+    std::unique_ptr<FussyRecords> m_fussy; ///< of a file
+    Records *m_records = nullptr;
     std::unique_ptr<QWidget> m_window;
     QString m_boxText;
 };

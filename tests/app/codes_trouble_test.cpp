@@ -123,7 +123,7 @@ void CodesTroubleTest::everyStatementMayFail_data()
 void CodesTroubleTest::everyStatementMayFail()
 {
     QFETCH(const QString, deed);
-    m_records->countsLooks = true;
+    m_fussy->countsLooks = true;
     QVERIFY(!ShopSettings(*m_records).save(u"InStoreCode.02"_s, u"02IIIIIPPPPPC 2"_s));
     const QString codes = u"select group_concat(Code || StockID || Units, ' ') from HarrowbyCode"_s;
     const QString before = read(codes);
@@ -131,20 +131,20 @@ void CodesTroubleTest::everyStatementMayFail()
     for (;; ++statements) {
         QVERIFY(statements < 40);
         choose(deed == u"giveCode"_s ? u"GONE"_s : u"CASE"_s);
-        m_records->texts.clear();
-        m_records->failAt = statements;
+        m_fussy->texts.clear();
+        m_fussy->failAt = statements;
         const QString told = goThrough(deed).join(u'|');
-        m_records->failAt = -1;
-        if (m_records->texts.size() <= statements)
+        m_fussy->failAt = -1;
+        if (m_fussy->texts.size() <= statements)
             break; // it has fewer
-        const QString at = m_records->texts.at(statements);
+        const QString at = m_fussy->texts.at(statements);
         const bool isTold = told.contains(QRegularExpression(u"could not be read|was not |were not "_s));
         QVERIFY2(isTold || at.startsWith(u"look for"_s), qPrintable(at + u": "_s + told));
         if (isTold && !at.startsWith(u"select"_s) && !at.startsWith(u"look for"_s))
             QCOMPARE(read(codes), before);
-        QVERIFY(!runSql(m_database.get(), u"delete from HarrowbyCode"_s));
-        QVERIFY(!runSql(m_database.get(), u"insert into HarrowbyCode values ('036000291452', 'TEA-0001', 1), ('CASE', "
-                                          "'TEA-0001', 12), ('GONE', 'BUT-0001', 1)"_s));
+        QVERIFY(!runSql(m_shop->file(), u"delete from HarrowbyCode"_s));
+        QVERIFY(!runSql(m_shop->file(), u"insert into HarrowbyCode values ('036000291452', 'TEA-0001', 1), ('CASE', "
+                                        "'TEA-0001', 12), ('GONE', 'BUT-0001', 1)"_s));
         goThrough(u"read"_s);
     }
     QVERIFY(statements > 1);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
-#include "app/catalogue/own_records.h"
 #include "app/csv/csv_guess.h"
 #include "app/export/export.h"
 #include "app/records/record_tables.h"
+#include "app/records/store_records.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -227,7 +227,7 @@ private:
 
     void findsNothingToDo(const Exchanged &kind, const ImportFile &file, qint64 rows)
     {
-        const auto own = OwnRecords::open(m_full);
+        const auto own = openStoreRecords(m_full, Access::Write);
         QVERIFY(own);
         CatalogueImport import((*own)->records(), desk(m_full));
         ImportChoices choices = proposed(kind, file);
@@ -251,7 +251,7 @@ private:
 
     void fillsAnEmptyStore(const Exchanged &kind, const ImportFile &file)
     {
-        const auto own = OwnRecords::open(m_empty);
+        const auto own = openStoreRecords(m_empty, Access::Write);
         QVERIFY(own);
         CatalogueImport import((*own)->records(), desk(m_empty));
         ImportChoices choices = proposed(kind, file);

@@ -3,6 +3,8 @@
 
 #include "app/catalogue/import_columns.h"
 #include "app/records/deeds.h"
+#include "app/records/file_records.h"
+#include "basic/store_address.h"
 #include "tests/app/store_files.h"
 
 #include <QCryptographicHash>
@@ -30,6 +32,8 @@ QString filterName(RowFilter state)
     return names.at(static_cast<int>(state));
 }
 
+const auto firstCategory = u"insert into InventoryCategory values ('DRINKS', '2026-01-01 08:00:00')"_s;
+
 /// Made once, and copied for each test.
 QString emptyStore()
 {
@@ -37,8 +41,7 @@ QString emptyStore()
     const QString path = folder.filePath(u"empty.db"_s);
     if (!QFile::exists(path)) {
         makeStore(path);
-        runAll(path, {u"delete from StockList"_s, u"delete from InventoryCategory"_s,
-                      u"insert into InventoryCategory values ('DRINKS', '2026-01-01 08:00:00')"_s,
+        runAll(path, {u"delete from StockList"_s, u"delete from InventoryCategory"_s, firstCategory,
                       u"pragma journal_mode = delete"_s});
     }
     return path;
@@ -56,10 +59,16 @@ bool goOn(const WorkStep &)
     return true;
 }
 
-ImportBench::ImportBench() : path(folder.filePath(u"shop.db"_s))
+ImportBench::ImportBench() : place(folder.filePath(u"shop.db"_s)), path(place.address())
 {
-    mustBe(QFile::copy(emptyStore(), path), u"no copy of the store"_s);
-    auto opened = OwnRecords::open(path);
+    if (isServer(path)) {
+        session = std::make_unique<harrowby::test::ServerSession>(path);
+        session->showNulls(u"(null)"_s);
+        sql(firstCategory);
+    } else {
+        mustBe(QFile::copy(emptyStore(), path), u"no copy of the store"_s);
+    }
+    auto opened = openStoreRecords(path, Access::Write);
     mustBe(opened.has_value(), u"the store cannot be opened"_s);
     own = *std::move(opened);
     records = &own->records();
@@ -72,15 +81,28 @@ ImportBench::ImportBench() : path(folder.filePath(u"shop.db"_s))
     desk.now = [] { return QDateTime({2026, 11, 22}, {12, 0, 5}); };
 }
 
+sqlite3 *ImportBench::database() const
+{
+    const auto *file = dynamic_cast<const FileRecords *>(own.get());
+    return file != nullptr ? file->database() : nullptr;
+}
+
 void ImportBench::sql(const QString &statement) const
 {
-    const auto error = runSql(own->database(), statement);
+    if (session)
+        return mustBe(session->run(statement), statement + session->message());
+    const auto error = runSql(database(), statement);
     mustBe(!error, statement + (error ? error->reason : QString()));
 }
 
 QStringList ImportBench::rows(const QString &select) const
 {
-    SqliteStatement query(own->database(), select);
+    if (session) {
+        const auto found = session->rows(select);
+        mustBe(found.has_value(), select + session->message());
+        return *found;
+    }
+    SqliteStatement query(database(), select);
     QStringList rows;
     while (query.next()) {
         QStringList cells;

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "app/catalogue/catalogue_import.h"
-#include "app/catalogue/own_records.h"
 #include "app/export/export.h"
+#include "app/records/store_records.h"
+#include "tests/app/shop_place.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -49,9 +50,14 @@ public:
     /// The bytes of an export; empty when it fails.
     [[nodiscard]] QByteArray exported(ExportKind kind) const;
 
+    /// Null on a server.
+    [[nodiscard]] sqlite3 *database() const;
+
     QTemporaryDir folder;
+    ShopPlace place;
     QString path;
-    std::unique_ptr<OwnRecords> own;
+    std::unique_ptr<StoreRecords> own;
+    std::unique_ptr<harrowby::test::ServerSession> session; ///< null: a file
     Records *records = nullptr;
     ImportDesk desk;
     std::int64_t last = 0; ///< the import that was staged last

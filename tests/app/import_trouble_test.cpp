@@ -112,7 +112,7 @@ void ImportTroubleTest::everyStatementFailsOnce()
     m_bench->addItem(u"B"_s, u"B"_s, u"1"_s);
     m_bench->importValid("StockID,Code\nA,999\n");
     const QByteArray text = "StockID,Name,Price,Category,Code\nA,,2,,111\nB,,2,,\nN,NEW,1,FOOD,222\n";
-    FussyRecords fussy(m_bench->own->database());
+    FussyRecords fussy(m_bench->database());
     int told = 0;
     fussy.setFailureHandler([&told](const DbFailure &) { ++told; });
     m_bench->desk.backupFolder = m_bench->folder.path();
@@ -168,7 +168,7 @@ void ImportTroubleTest::memoryRunsOut()
 {
     m_bench->addItem(u"A"_s, u"A"_s, u"1"_s);
     const QByteArray text = "StockID,Price\nA,2\n";
-    GreedyRecords greedy(m_bench->own->database());
+    GreedyRecords greedy(m_bench->database());
     CatalogueImport import(greedy, m_bench->desk);
     greedy.failing = u"insert into HarrowbyImportRow"_s;
     QVERIFY(!import.stage(ImportBench::file(text), ImportBench::choicesFor(text), goOn));
@@ -391,7 +391,7 @@ void ImportTroubleTest::tillSellsAllTheWhile()
     }
     std::atomic<int> sold = 0;
     std::jthread till([&](const std::stop_token &isOver) {
-        auto own = OwnRecords::open(m_bench->path);
+        auto own = openStoreRecords(m_bench->path, Access::Write);
         for (int i = 0; !isOver.stop_requested(); i = (i + 7) % 1000) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2)); // no hand is quicker
             const auto written = (*own)->records().write(

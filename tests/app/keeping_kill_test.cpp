@@ -3,8 +3,8 @@
 #include "app/backup/restore.h"
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
-#include "app/catalogue/own_records.h"
 #include "app/records/deeds.h"
+#include "app/records/file_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_open.h"
 #include "tests/app/kill_steps.h"
@@ -70,7 +70,7 @@ ImportFile priceList(int number)
 /// Stages and carries out a price list, and takes it back: killed at that step.
 int importList(const QString &path, const QString &folder, int number, bool back, KillSteps steps)
 {
-    const auto own = OwnRecords::open(path);
+    const auto own = FileRecords::open(path, Access::Write);
     if (!own)
         return 1;
     steps.watch((*own)->database());

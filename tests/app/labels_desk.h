@@ -2,9 +2,8 @@
 #pragma once
 
 #include "app/labels/labels_page.h"
-#include "app/records/sqlite_records.h"
-#include "engine/database.h"
 #include "tests/app/false_print_service.h"
+#include "tests/app/shop_place.h"
 
 #include <QHash>
 #include <QLabel>
@@ -56,11 +55,12 @@ protected:
 
     FalsePrintService m_service;
     QTemporaryDir m_madeFolder;
-    QString m_made; ///< a store to copy
+    QString m_made; ///< a store file to copy
     std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<ShopPlace> m_place;
     QString m_store;
-    SqliteDatabase m_database;
-    std::unique_ptr<SqliteRecords> m_records;
+    std::unique_ptr<OpenShop> m_shop;
+    Records *m_records = nullptr;
     QHash<QString, QString> m_saved;
     QString m_path; ///< that is chosen to save at
     QString m_boxText;

@@ -164,8 +164,7 @@ void LabelsPageTest::itemWithoutBarsIsTold()
 
 void LabelsPageTest::idOfTwoItemsIsTold()
 {
-    QVERIFY(!runSql(m_database.get(),
-                    u"UPDATE StockList SET StockID = 'BEV-0001', StockName = 'WATER' WHERE StockName = 'BREAD'"_s));
+    m_shop->run(u"UPDATE StockList SET StockID = 'BEV-0001', StockName = 'WATER' WHERE StockName = 'BREAD'"_s);
     for (const QString &code : {u"BEV-0001"_s, u"4006381333931"_s})
         QVERIFY(CodeFinder(*m_records).find(code).kind == FoundCode::Kind::Several);
     for (const QString &item : {u"water"_s, u"4006381333931"_s})
@@ -176,7 +175,7 @@ void LabelsPageTest::idOfTwoItemsIsTold()
         QVERIFY2(outcome().contains(u"Another item has the ID BEV-0001"_s), qPrintable(outcome()));
     }
     // One item that is stored twice can be sold.
-    QVERIFY(!runSql(m_database.get(), u"UPDATE StockList SET StockName = 'TEA' WHERE StockName = 'WATER'"_s));
+    m_shop->run(u"UPDATE StockList SET StockName = 'TEA' WHERE StockName = 'WATER'"_s);
     press("removeAllLabels");
     add(u"4006381333931"_s);
     QCOMPARE(listed(), QStringList{u"TEA | 4006381333931 | 1"_s});
@@ -198,7 +197,7 @@ void LabelsPageTest::pdfIsSavedAndNoted()
     add(u"milk"_s);
     QVERIFY(savePdf().contains(u"BREAD"_s));
     QCOMPARE(outcome(), u"2 labels saved as %1"_s.arg(m_path));
-    QCOMPARE(readText(m_database.get(), u"SELECT Kind || ' ' || Who || ' ' || What FROM HarrowbyActivity"_s),
+    QCOMPARE(m_shop->read(u"SELECT Kind || ' ' || Who || ' ' || What FROM HarrowbyActivity"_s),
              u"LabelsPrinted ANNA 2 labels to %1"_s.arg(m_path));
 }
 
@@ -243,7 +242,7 @@ void LabelsPageTest::labelsGoToThePrinter()
     QCOMPARE(harrowby::testing::pdfLines(m_path).constFirst(), u"MILK"_s);
     QCOMPARE(m_saved.value(u"Labels/roll-38x25-Printer"_s), u"Zebra"_s);
     QCOMPARE(m_saved.value(u"Labels/Paper"_s), u"roll-38x25"_s);
-    QVERIFY(readText(m_database.get(), u"SELECT What FROM HarrowbyActivity"_s).contains(u"1 label to printer Zebra"_s));
+    QVERIFY(m_shop->read(u"SELECT What FROM HarrowbyActivity"_s).contains(u"1 label to printer Zebra"_s));
 }
 
 /// The service never answers: the page goes on all the while, and says so at the deadline.
@@ -264,8 +263,7 @@ void LabelsPageTest::deadPrinterIsTold()
     press("printLabels");
     QTRY_VERIFY_WITH_TIMEOUT(outcome().contains(u"Gone has not taken the labels"_s), 30000);
     QVERIFY(!m_page->leaving());
-    QCOMPARE(readText(m_database.get(), u"SELECT count(*) FROM sqlite_master WHERE name = 'HarrowbyActivity'"_s),
-             u"0"_s);
+    QCOMPARE(m_shop->read(u"SELECT count(*) FROM sqlite_master WHERE name = 'HarrowbyActivity'"_s), u"0"_s);
 }
 
 void LabelsPageTest::tooLongCodesAreAskedAbout()

@@ -43,7 +43,7 @@ private Q_SLOTS:
 private:
     void importItems(const QByteArray &text) const
     {
-        auto own = OwnRecords::open(m_counter->file.path());
+        auto own = openStoreRecords(m_counter->file.path(), Access::Write);
         QVERIFY(own.has_value());
         ImportDesk desk;
         desk.user = desk.who = u"JILL"_s;

@@ -46,7 +46,7 @@ void OfficeBackupTest::leftFolderOfTheLastBackupIsRemoved()
                                          return m_saved.value(section + u'/' + key, usual);
                                      },
                                      {}};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+    m_window = std::make_unique<OfficeWindow>(store(), settings, officeAdministrator());
     showPage(u"Backup"_s);
     QVERIFY(!QFile::exists(left));
 }
@@ -149,7 +149,7 @@ void OfficeBackupTest::overdueBackupIsWarnedOf()
     const auto reopen = [this] {
         const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; },
                                          {}};
-        m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+        m_window = std::make_unique<OfficeWindow>(store(), settings, officeAdministrator());
     };
     reopen();
     m_window->show();
@@ -166,8 +166,7 @@ void OfficeBackupTest::backupIsChosenToRestore()
 {
     const QString backup = m_folder->filePath(u"copy.db"_s);
     backUp(backup);
-    QVERIFY(!runSql(m_database.get(),
-                    u"INSERT INTO PurchaseCart (PurchaseID, PurchasedDate) VALUES ('1', '261121180230')"_s));
+    QVERIFY(!runSql(file(), u"INSERT INTO PurchaseCart (PurchaseID, PurchasedDate) VALUES ('1', '261121180230')"_s));
     QString inBackup, now, offered;
     QStringList shown;
     inNextDialog([&](QDialog &dialog) {

@@ -14,14 +14,15 @@ namespace harrowby::app::test {
 void OfficeDesk::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_path = m_folder->filePath(u"shop.sqlite"_s);
+    m_place = std::make_unique<ShopPlace>(m_folder->filePath(u"shop.sqlite"_s));
+    m_path = m_place->address();
     makeStore(m_path);
     runAll(m_path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventorySales) "
                     "VALUES ('ANNA', 'P', 'STAFF', -1, 0), ('BOB', 'P', 'OWNER', 0, -1)"_s});
-    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    m_shop = std::make_unique<OpenShop>(m_path);
     m_saved.clear();
     m_boxText.clear();
-    m_window = makeWindow(m_database.get());
+    m_window = makeWindow(store());
     m_window->show();
 }
 
@@ -36,9 +37,14 @@ OfficeSettings OfficeDesk::settings()
             }};
 }
 
-std::unique_ptr<OfficeWindow> OfficeDesk::makeWindow(sqlite3 *database)
+OfficeStore OfficeDesk::storeOf(const OpenShop &shop) const
 {
-    auto window = std::make_unique<OfficeWindow>(database, m_path, settings(), officeAdministrator());
+    return shop.file() != nullptr ? officeStore(shop.file(), m_path) : OfficeStore{m_path, shop.records()};
+}
+
+std::unique_ptr<OfficeWindow> OfficeDesk::makeWindow(const OfficeStore &store)
+{
+    auto window = std::make_unique<OfficeWindow>(store, settings(), officeAdministrator());
     window->buildPages();
     window->resize(1000, 680); // with the list at the side
     return window;
@@ -47,7 +53,8 @@ std::unique_ptr<OfficeWindow> OfficeDesk::makeWindow(sqlite3 *database)
 void OfficeDesk::cleanup()
 {
     m_window.reset();
-    m_database.reset();
+    m_shop.reset();
+    m_place.reset();
     m_folder.reset();
 }
 

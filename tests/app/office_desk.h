@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/office/office_window.h"
-#include "engine/database.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 
 #include <QAbstractButton>
@@ -52,8 +52,12 @@ protected:
     void showPage(const QString &title) { m_window->showPage(title); }
     void choose(const QString &user);
     [[nodiscard]] OfficeSettings settings();
+    [[nodiscard]] OfficeStore store() const { return storeOf(*m_shop); }
+    [[nodiscard]] OfficeStore storeOf(const OpenShop &shop) const;
+    /// Null on a server.
+    [[nodiscard]] sqlite3 *file() const { return m_shop->file(); }
     /// A further window of the same shop on the same machine.
-    [[nodiscard]] std::unique_ptr<OfficeWindow> makeWindow(sqlite3 *database);
+    [[nodiscard]] std::unique_ptr<OfficeWindow> makeWindow(const OfficeStore &store);
     void inNextDialog(const std::function<void(QDialog &)> &act);
     void answerNextBox(QMessageBox::ButtonRole role);
     static void accept(QDialog &dialog);
@@ -62,7 +66,8 @@ protected:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
-    SqliteDatabase m_database;
+    std::unique_ptr<ShopPlace> m_place;
+    std::unique_ptr<OpenShop> m_shop;
     QHash<QString, QString> m_saved;
     QString m_boxText;
     std::unique_ptr<OfficeWindow> m_window;

@@ -4,6 +4,7 @@
 #include "app/office/users_table.h"
 #include "app/office/wrong_tries.h"
 #include "app/records/sqlite_records.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -73,17 +74,18 @@ void OfficeDoorTest::loginIsComparedAsAtTheTill()
     QFETCH(QString, name);
     QFETCH(QString, password);
     QFETCH(AtDoor, answer);
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"shop.sqlite"_s);
+    const QTemporaryDir folder;
+    const ShopPlace place(folder.filePath(u"shop.sqlite"_s));
+    const QString &path = place.address();
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
                   "('BOB', 'MINE', 'ADMINISTRATOR', 0, 0), ('Anna', 'a', 'STAFF', -1, -1), "
                   "('CLARA', 'C', 'STAFF', 'True', 2), ('DORA', 'D', 'STAFF', -1, 0), ('EVE', 'E', 'STAFF', 0, -1), "
                   "('FRED', 'F', 'STAFF', 1, -1), ('GINA', 'G', 'VIEWER', -1, -1), ('HUGH', 'H', 'STAFF', -1, 0), "
                   "('HUGH', 'H', 'STAFF', -1, -1)"_s});
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    const DoorAnswer found = askAtDoor(database.get(), name, password);
+    const OpenShop shop(path);
+    Records &records = *shop.records();
+    const DoorAnswer found = askAtDoor(records, name, password);
     QCOMPARE(found.kind, answer);
     const bool administrator = name.trimmed().toUpper() == u"ADMINISTRATOR"_s;
     if (answer == AtDoor::Open) {
@@ -112,21 +114,22 @@ void OfficeDoorTest::storeWithoutAdministrator()
 {
     QFETCH(QString, change);
     QFETCH(AtDoor, found);
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"shop.sqlite"_s);
+    const QTemporaryDir folder;
+    const ShopPlace place(folder.filePath(u"shop.sqlite"_s));
+    const QString &path = place.address();
     makeStore(path);
     runAll(path, {change});
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    QCOMPARE(findKeyHolder(database.get()).kind, found);
+    const OpenShop shop(path);
+    Records &records = *shop.records();
+    QCOMPARE(findKeyHolder(records).kind, found);
 }
 
 void OfficeDoorTest::missingTableIsAFailure()
 {
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(u":memory:"_s, OpenMode::Create)));
-    for (const DoorAnswer &answer :
-         {findKeyHolder(database.get()), askAtDoor(database.get(), u"ADMINISTRATOR"_s, u"secret"_s)}) {
+    SqliteRecords records(database.get());
+    for (const DoorAnswer &answer : {findKeyHolder(records), askAtDoor(records, u"ADMINISTRATOR"_s, u"secret"_s)}) {
         QCOMPARE(answer.kind, AtDoor::Failed);
         QVERIFY(answer.error.reason.contains(u"no such table"_s));
     }
@@ -153,33 +156,33 @@ void OfficeDoorTest::whoIsInIsAskedOnceMore()
 {
     QFETCH(QString, change);
     QFETCH(QString, refusal);
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"shop.sqlite"_s);
+    const QTemporaryDir folder;
+    const ShopPlace place(folder.filePath(u"shop.sqlite"_s));
+    const QString &path = place.address();
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
                   "('Anna', 'Ann', 'STAFF', -1, -1)"_s});
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    const DoorWatch watch(database.get(), askAtDoor(database.get(), u"anna"_s, u"ann"_s).user);
+    const OpenShop shop(path);
+    Records &records = *shop.records();
+    const DoorWatch watch(records, askAtDoor(records, u"anna"_s, u"ann"_s).user);
     QCOMPARE(watch.refusal(), QString());
     const QString where = change.startsWith(u"DROP"_s) ? QString() : u" WHERE Username = 'Anna'"_s;
-    QVERIFY(!runSql(database.get(), change + where));
+    shop.run(change + where);
     const QString found = watch.refusal();
     QVERIFY2(refusal.isEmpty() ? found.isEmpty() : found.startsWith(refusal), qPrintable(found));
 }
 
 void OfficeDoorTest::ownNewPasswordCounts()
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"shop.sqlite"_s);
+    const QTemporaryDir folder;
+    const ShopPlace place(folder.filePath(u"shop.sqlite"_s));
+    const QString &path = place.address();
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type) VALUES ('BOB', 'B', 'STAFF')"_s});
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
-    SqliteRecords records(database.get());
-    const auto watch =
-        std::make_shared<DoorWatch>(database.get(), askAtDoor(database.get(), u"administrator"_s, u"secret"_s).user);
-    const UsersTable table(database.get(), SignedDeeds(records, u"office"_s, u"ADMINISTRATOR"_s), watch);
+    const OpenShop shop(path);
+    Records &records = *shop.records();
+    const auto watch = std::make_shared<DoorWatch>(records, askAtDoor(records, u"administrator"_s, u"secret"_s).user);
+    const UsersTable table(SignedDeeds(records, u"office"_s, u"ADMINISTRATOR"_s), watch);
     const auto user = [&table](const QString &name) {
         for (const StoreUser &one : table.list().users) {
             if (one.name == name)
@@ -189,7 +192,7 @@ void OfficeDoorTest::ownNewPasswordCounts()
     };
     QVERIFY(!table.setPassword(user(u"ADMINISTRATOR"_s), u"new"_s)); // set here, by herself
     QVERIFY(!table.setRight(user(u"BOB"_s), u"InventorySales"_s, true));
-    QVERIFY(!runSql(database.get(), u"UPDATE Users SET Password = 'ELSE' WHERE Username = 'ADMINISTRATOR'"_s));
+    shop.run(u"UPDATE Users SET Password = 'ELSE' WHERE Username = 'ADMINISTRATOR'"_s);
     const auto refused = table.setRight(user(u"BOB"_s), u"InventorySales"_s, false);
     QVERIFY(refused && refused->startsWith(u"The password of ADMINISTRATOR was changed since"_s));
     QVERIFY(table.add({u"EVE"_s, u"E"_s, u"STAFF"_s, {}}));
@@ -201,19 +204,20 @@ void OfficeDoorTest::ownNewPasswordCounts()
 void OfficeDoorTest::whatIsTriedIsTold()
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
+    const ShopPlace place(folder.filePath(u"store.sqlite"_s));
+    const QString &path = place.address();
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
                   "('ANNA', 'A', 'STAFF', -1, 0), ('BOB', 'B', 'STAFF', 0, -1)"_s});
-    SqliteDatabase database;
-    QVERIFY(!into(database, openDatabase(path, OpenMode::Write)));
+    const OpenShop shop(path);
+    Records &records = *shop.records();
     for (const auto &[name, password] : {std::pair(u"ADMINISTRATOR"_s, u"secret"_s),
                                          {u"ADMINISTRATOR"_s, u"wrong"_s},
                                          {u"ANNA"_s, u"a"_s},
                                          {u"BOB"_s, u"b"_s},
                                          {u"SECRET"_s, u"secret"_s}, // in the wrong field
                                          {u"ANNA"_s, QString()}})
-        noteAtDoor(database.get(), askAtDoor(database.get(), name, password), name);
+        noteAtDoor(records, askAtDoor(records, name, password), name);
     QCOMPARE(column(path, u"SELECT Kind || '|' || Who || '|' || Place || '|' || What FROM HarrowbyActivity "
                           "ORDER BY rowid"_s),
              (QStringList{

@@ -54,11 +54,11 @@ void OfficeLooksTest::palettes()
 void OfficeLooksTest::open(const QPalette &palette)
 {
     qputenv("PATH", m_folder->path().toLocal8Bit());
-    SqliteRecords records(m_database.get());
+    Records &records = *m_shop->records();
     QVERIFY(!Deeds(records, officePlace).add({deed::rightsChanged, u"ADMINISTRATOR"_s, u"ANNA was made manager."_s}));
     m_window.reset();
     QApplication::setPalette(palette);
-    m_window = makeWindow(m_database.get());
+    m_window = makeWindow(store());
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }

@@ -62,7 +62,7 @@ QStringList OfficePagesTest::rows() const
 void OfficePagesTest::open(const OfficeUser &user)
 {
     const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; }, {}};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, user);
+    m_window = std::make_unique<OfficeWindow>(store(), settings, user);
     m_window->show();
 }
 

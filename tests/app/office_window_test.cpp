@@ -59,8 +59,7 @@ void OfficeWindowTest::openStoreIsToldAndClosed()
     QVERIFY(!part<QLabel>("storeAccess")->isVisible());
     QVERIFY(QFile::setPermissions(m_path, QFile::Permissions(0x6644)));
     m_window = std::make_unique<OfficeWindow>(
-        m_database.get(), m_path,
-        OfficeSettings{[](const QString &, const QString &, const QString &usual) { return usual; }, {}},
+        store(), OfficeSettings{[](const QString &, const QString &, const QString &usual) { return usual; }, {}},
         officeAdministrator());
     m_window->show();
     QVERIFY(part<QLabel>("storeAccess")->isVisible());
@@ -87,11 +86,11 @@ void OfficeWindowTest::usersAreListed()
 void OfficeWindowTest::usersBeforeADamagedRowAreListed()
 {
     m_window.reset();
-    m_database.reset();
+    m_shop.reset();
     loseIndexedRows(m_path, u"harrowby_user_name"_s, u"Users WHERE Username = 'BOB'"_s);
-    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    m_shop = std::make_unique<OpenShop>(m_path);
     const OfficeSettings settings = {[](const QString &, const QString &, const QString &usual) { return usual; }, {}};
-    m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, settings, officeAdministrator());
+    m_window = std::make_unique<OfficeWindow>(store(), settings, officeAdministrator());
     QCOMPARE(part<QListWidget>("users")->count(), 2);
     QVERIFY(part<QLabel>("usersOutcome")->text().contains(u"could not be read"_s));
 }
@@ -257,7 +256,7 @@ void OfficeWindowTest::searchIsSwitched()
     const auto reopen = [this] {
         const OfficeSettings none = {[](const QString &, const QString &, const QString &usual) { return usual; },
                                      [](const QString &, const QString &, const QString &) { return true; }};
-        m_window = std::make_unique<OfficeWindow>(m_database.get(), m_path, none, officeAdministrator());
+        m_window = std::make_unique<OfficeWindow>(store(), none, officeAdministrator());
         return part<QCheckBox>("searchAnywhere")->isChecked();
     };
     QVERIFY(!reopen());
@@ -266,14 +265,14 @@ void OfficeWindowTest::searchIsSwitched()
     QVERIFY(reopen());
     runAll(m_path, {u"DELETE FROM HarrowbySetting"_s, u"PRAGMA application_id = 77"_s});
     QVERIFY(!reopen()); // a file from elsewhere
-    QVERIFY(!runSql(m_database.get(), u"ALTER TABLE HarrowbySetting RENAME COLUMN Value TO Former"_s));
+    QVERIFY(!runSql(file(), u"ALTER TABLE HarrowbySetting RENAME COLUMN Value TO Former"_s));
     QVERIFY(!reopen());
     QVERIFY(part<QLabel>("shopOutcome")->text().startsWith(u"\u26a0 What was chosen could not be read.\n"_s));
 }
 
 void OfficeWindowTest::failedSwitchOfTheSearchIsTold()
 {
-    QVERIFY(!runSql(m_database.get(), u"PRAGMA query_only = ON"_s));
+    QVERIFY(!runSql(file(), u"PRAGMA query_only = ON"_s));
     answerNextBox(QMessageBox::AcceptRole);
     part<QCheckBox>("searchAnywhere")->click();
     QVERIFY2(m_boxText.startsWith(u"The search was not switched."_s), qPrintable(m_boxText));

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/catalogue/catalogue_import.h"
 #include "app/catalogue/import_columns.h"
-#include "app/catalogue/own_records.h"
 #include "app/codes/code_table.h"
 #include "app/records/deeds.h"
+#include "app/records/store_records.h"
 #include "tests/app/quick_folder.h"
 #include "tests/app/selling_till.h"
 #include "tests/doubles/database.h"
@@ -49,7 +49,7 @@ QByteArray someItems(QRandomGenerator &random)
 /// An office that imports lists of items, takes some of them back, and adds codes. It says what it has done.
 int work(const QString &path, const QString &folder, const QString &name, quint32 seed)
 {
-    const auto own = OwnRecords::open(path);
+    const auto own = openStoreRecords(path, Access::Write);
     if (!own)
         return 1;
     Records &records = (*own)->records();

@@ -153,7 +153,7 @@ void ScreenSizesTest::officeFits_data()
 void ScreenSizesTest::officeFits()
 {
     QFETCH(QSize, size);
-    OfficeWindow office(m_database.get(), m_path, noSettings(), administrator);
+    OfficeWindow office(officeStore(m_database.get(), m_path), noSettings(), administrator);
     office.buildPages();
     show(office, size);
     for (const QString &page : office.pageTitles()) {
@@ -166,7 +166,7 @@ void ScreenSizesTest::officeFits()
 
 void ScreenSizesTest::rightsAreReadWhole()
 {
-    OfficeWindow office(m_database.get(), m_path, noSettings(), administrator);
+    OfficeWindow office(officeStore(m_database.get(), m_path), noSettings(), administrator);
     show(office, smallScreen);
     const auto boxes = office.findChildren<QCheckBox *>();
     int several = 0;

@@ -3,6 +3,7 @@
 
 #include "app/shop/file_facts.h"
 #include "app/shop/store_create.h"
+#include "tests/doubles/server_shop.h"
 
 #include <QFile>
 #include <QTest>
@@ -21,13 +22,21 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+const auto firstItem = u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
+                       "StockAvailable, StockUse) VALUES ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s;
+
 std::optional<SqlError> fillStore(sqlite3 *database)
 {
     if (auto error = addAdministrator(database, u"secret"_s))
         return error;
-    return runSql(database,
-                  u"INSERT INTO StockList (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
-                  "StockAvailable, StockUse) VALUES ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s);
+    return runSql(database, firstItem);
+}
+
+void runOnServer(const QString &path, const QStringList &statements)
+{
+    harrowby::test::ServerSession session(path);
+    for (const QString &statement : statements)
+        QVERIFY2(session.run(statement), qPrintable(statement + u": "_s + session.message()));
 }
 
 void copyIfThere(const QString &from, const QString &to)
@@ -41,12 +50,19 @@ void copyIfThere(const QString &from, const QString &to)
 
 void makeStore(const QString &path)
 {
+    if (harrowby::test::isOnServer(path))
+        return runOnServer(path,
+                           {u"INSERT INTO Users VALUES ('ADMINISTRATOR', 'SECRET', 'ADMINISTRATOR', -1, -1, -1, -1, "
+                            "-1, -1, -1)"_s,
+                            firstItem});
     const auto problem = createStore(path, false, fillStore);
     QVERIFY2(!problem, problem ? qPrintable(problem->text) : "");
 }
 
 void runAll(const QString &path, const QStringList &statements)
 {
+    if (harrowby::test::isOnServer(path))
+        return runOnServer(path, statements);
     SqliteDatabase database;
     QVERIFY(!into(database, openDatabase(path, OpenMode::Create)));
     for (const QString &statement : statements) {
@@ -73,6 +89,11 @@ void makeBigStore(const QString &path)
 
 QStringList column(const QString &path, const QString &select)
 {
+    if (harrowby::test::isOnServer(path)) {
+        harrowby::test::ServerSession session(path);
+        const auto rows = session.rows(select, harrowby::test::ServerSession::Columns::First);
+        return rows ? *rows : QStringList{session.message()};
+    }
     SqliteDatabase database;
     if (into(database, openDatabase(path, OpenMode::Write)))
         return {u"cannot be opened"_s};

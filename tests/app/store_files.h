@@ -15,7 +15,8 @@
 /// Store files for tests: made, spoilt, copied as after a crash, and compared byte for byte.
 namespace harrowby::app::test {
 
-/// A new store in the usual way, with one item of stock. Fails the test when it cannot be made.
+/// A new store in the usual way, with one item of stock; a server's is filled so. Fails the test when it cannot be
+/// made. This and the next three take a server's address too.
 void makeStore(const QString &path);
 
 /// The same, with enough rows to have many pages.

@@ -28,7 +28,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_second.reset();
-        m_secondDatabase.reset();
+        m_secondShop.reset();
         OfficeDesk::cleanup();
     }
 
@@ -48,8 +48,8 @@ private Q_SLOTS:
 private:
     void openSecond()
     {
-        QVERIFY(!into(m_secondDatabase, openDatabase(m_path, OpenMode::Write)));
-        m_second = makeWindow(m_secondDatabase.get());
+        m_secondShop = std::make_unique<OpenShop>(m_path);
+        m_second = makeWindow(storeOf(*m_secondShop));
     }
     template <class Widget>
     [[nodiscard]] Widget *theirs(const char *name) const
@@ -72,7 +72,7 @@ private:
     }
     [[nodiscard]] QString said(const char *label) const { return part<QLabel>(label)->text(); }
 
-    SqliteDatabase m_secondDatabase;
+    std::unique_ptr<OpenShop> m_secondShop;
     std::unique_ptr<OfficeWindow> m_second;
 };
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/office/user_rules.h"
 #include "app/office/users_table.h"
-#include "app/records/sqlite_records.h"
 #include "app/shop/password_rules.h"
 #include "basic/text.h"
 #include "basic/values.h"
 #include "store/statement_texts.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -27,7 +27,7 @@ class UsersTableTest : public QObject
 
 private Q_SLOTS:
     void init();
-    void cleanup() { m_database.reset(); }
+    void cleanup();
 
     void addedUserIsFoundByTheLogin_data();
     void addedUserIsFoundByTheLogin();
@@ -57,27 +57,37 @@ private Q_SLOTS:
 private:
     [[nodiscard]] StoreUser user(const QString &name) const;
     [[nodiscard]] int foundByLogin(const QString &name, const QString &password) const;
-    void run(const QString &statement) { QVERIFY2(!runSql(m_database.get(), statement), qPrintable(statement)); }
-    [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
+    void run(const QString &statement) { m_shop->run(statement); }
+    [[nodiscard]] QString read(const QString &select) const { return m_shop->read(select); }
     [[nodiscard]] UsersTable store() const
     {
-        return UsersTable(m_database.get(), SignedDeeds(*m_records, u"office"_s, u"ADMINISTRATOR"_s));
+        return UsersTable(SignedDeeds(*m_records, u"office"_s, u"ADMINISTRATOR"_s));
     }
 
     QTemporaryDir m_folder;
     QString m_path;
-    SqliteDatabase m_database;
-    std::unique_ptr<SqliteRecords> m_records;
+    std::unique_ptr<ShopPlace> m_place;
+    std::unique_ptr<OpenShop> m_shop;
+    std::shared_ptr<Records> m_records;
 };
 
 void UsersTableTest::init()
 {
-    m_path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u'-' +
-                               QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s);
+    m_place = std::make_unique<ShopPlace>(
+        m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()) + u'-' +
+                          QString::number(reinterpret_cast<quintptr>(QTest::currentDataTag())) + u".sqlite"_s));
+    m_path = m_place->address();
     makeStore(m_path);
-    QVERIFY(!into(m_database, openDatabase(m_path, OpenMode::Write)));
+    m_shop = std::make_unique<OpenShop>(m_path);
     run(u"PRAGMA synchronous = OFF"_s);
-    m_records = std::make_unique<SqliteRecords>(m_database.get());
+    m_records = m_shop->records();
+}
+
+void UsersTableTest::cleanup()
+{
+    m_records.reset();
+    m_shop.reset();
+    m_place.reset();
 }
 
 StoreUser UsersTableTest::user(const QString &name) const
@@ -95,11 +105,8 @@ int UsersTableTest::foundByLogin(const QString &name, const QString &password) c
     const auto login = harrowby::statements::login(harrowby::trimmedUpper(name), harrowby::trimmedUpper(password));
     if (login.isRefused())
         return -1;
-    SqliteStatement query(m_database.get(), login.sql());
-    int rows = 0;
-    while (query.next())
-        ++rows;
-    return query.error() ? -1 : rows;
+    const auto rows = m_records->read({login.sql(), {}});
+    return rows ? static_cast<int>(rows->size()) : -1;
 }
 
 void UsersTableTest::addedUserIsFoundByTheLogin_data()
@@ -153,7 +160,7 @@ void UsersTableTest::refusedUser()
     QVERIFY(problem);
     QVERIFY2(problem->contains(said), qPrintable(*problem));
     QCOMPARE(read(u"SELECT count(*) FROM Users"_s), u"3"_s);
-    QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
+    QVERIFY(m_shop->file() == nullptr || sqlite3_get_autocommit(m_shop->file()) != 0);
 }
 
 void UsersTableTest::flagsAreWhatTheLoginReads()
@@ -162,15 +169,12 @@ void UsersTableTest::flagsAreWhatTheLoginReads()
     QCOMPARE(user(u"ANNA"_s).rights, QStringList{u"InventorySales"_s});
     for (const Right &right : userRights()) {
         QVERIFY(!store().setRight(user(u"ANNA"_s), right.column, true));
-        SqliteStatement query(m_database.get(), u"SELECT %1 FROM Users WHERE Username = 'ANNA'"_s.arg(right.column));
-        QVERIFY(query.next());
-        QVERIFY(harrowby::valueEqualsTrue(query.value(0)));
+        const auto flag = m_records->read({u"SELECT %1 FROM Users WHERE Username = 'ANNA'"_s.arg(right.column), {}});
+        QVERIFY(flag && harrowby::valueEqualsTrue(flag->value(0).value(0)));
     }
     QCOMPARE(user(u"ANNA"_s).rights.size(), userRights().size());
     QVERIFY(!store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, false));
-    SqliteStatement query(m_database.get(), u"SELECT InventoryUndo FROM Users WHERE Username = 'ANNA'"_s);
-    QVERIFY(query.next());
-    QVERIFY(!harrowby::valueIsTrue(query.value(0)));
+    QCOMPARE(read(u"SELECT InventoryUndo FROM Users WHERE Username = 'ANNA'"_s), u"0"_s);
     QVERIFY(store().setRight(user(u"ANNA"_s), u"Password"_s, true)); // no right
 }
 
@@ -305,7 +309,7 @@ void UsersTableTest::rightWaitsForATillThatWrites()
     QVERIFY(!runSql(till.get(), u"BEGIN IMMEDIATE"_s));
     QVERIFY(!runSql(till.get(), u"UPDATE StoreSettings SET ShowDetails = 0"_s));
     const auto tillIsDone = [](void *other, int) { return runSql(static_cast<sqlite3 *>(other), u"COMMIT"_s) ? 0 : 1; };
-    sqlite3_busy_handler(m_database.get(), tillIsDone, till.get());
+    sqlite3_busy_handler(m_shop->file(), tillIsDone, till.get());
     const auto problem = store().setRight(user(u"ANNA"_s), u"InventoryUndo"_s, true);
     QVERIFY2(!problem, qPrintable(problem.value_or(QString())));
     QCOMPARE(user(u"ANNA"_s).rights.contains(u"InventoryUndo"_s), true);
@@ -316,7 +320,7 @@ void UsersTableTest::ruleOfTheHostIsTold()
     run(u"CREATE TRIGGER rule BEFORE INSERT ON Users BEGIN SELECT RAISE(ABORT, 'ask the host'); END"_s);
     const auto problem = store().add({u"anna"_s, u"p"_s, u"STAFF"_s, {}});
     QVERIFY(problem && problem->contains(u"ask the host"_s));
-    QVERIFY(sqlite3_get_autocommit(m_database.get()) != 0);
+    QVERIFY(m_shop->file() == nullptr || sqlite3_get_autocommit(m_shop->file()) != 0);
 }
 
 void UsersTableTest::usualRightsOfTypes()

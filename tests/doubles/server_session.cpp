@@ -39,8 +39,6 @@ QString numberText(const QString &text)
 QString cellText(const PGresult *result, int row, int column)
 {
     const QString text = QString::fromUtf8(PQgetvalue(result, row, column));
-    if (PQgetisnull(result, row, column) != 0)
-        return {};
     switch (PQftype(result, column)) {
     case booleanType:
         return text == u't' ? u"1"_s : u"0"_s;
@@ -52,7 +50,7 @@ QString cellText(const PGresult *result, int row, int column)
     }
 }
 
-QStringList rowsOf(const PGresult *result, int columns)
+QStringList rowsOf(const PGresult *result, int columns, const QString &null)
 {
     if (columns > 1 && QLatin1StringView(PQfname(result, columns - 1)) == "rowid_"_L1)
         --columns; // a file hides it
@@ -60,7 +58,7 @@ QStringList rowsOf(const PGresult *result, int columns)
     for (int row = 0; row < PQntuples(result); ++row) {
         QStringList cells;
         for (int column = 0; column < columns; ++column)
-            cells << cellText(result, row, column);
+            cells << (PQgetisnull(result, row, column) != 0 ? null : cellText(result, row, column));
         all << cells.join(u'|');
     }
     return all;
@@ -136,7 +134,7 @@ std::optional<QStringList> ServerSession::rows(const QString &select, Columns co
     const ExecStatusType status = PQresultStatus(result);
     std::optional<QStringList> all;
     if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
-        all = rowsOf(result, columns == Columns::First ? 1 : PQnfields(result));
+        all = rowsOf(result, columns == Columns::First ? 1 : PQnfields(result), m_null);
     m_message = QString::fromUtf8(PQerrorMessage(handle)).simplified();
     PQclear(result);
     if (wasIdle && PQtransactionStatus(handle) == PQTRANS_INERROR)

@@ -50,13 +50,21 @@ SELECT md5(string_agg(concat_ws(' ', attrelid, attname, attnum, atttypid, attnot
 FROM pg_attribute WHERE attrelid >= 16384
 )"_L1;
 
-/// Everybody else leaves, within five seconds, and the six tables are as they were made.
+/// Everybody else leaves, within five seconds, and the tables are as they were made.
 constexpr auto emptying = R"(
 ROLLBACK;
 SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity
 WHERE datname = current_database() AND pid <> pg_backend_pid() AND backend_type = 'client backend';
 DELETE FROM StockList; DELETE FROM InventoryCategory; DELETE FROM PurchaseCart; DELETE FROM StoreSettings;
 DELETE FROM Users; DELETE FROM SysUsage;
+DO $$
+DECLARE own name;
+BEGIN
+    FOR own IN SELECT relname FROM pg_class WHERE relnamespace = 'harrowby'::regnamespace AND relkind = 'r' AND
+        starts_with(relname, 'harrowby') LOOP
+        EXECUTE format('DELETE FROM harrowby.%I', own);
+    END LOOP;
+END $$;
 SELECT setval(pg_get_serial_sequence(name, 'rowid_'), 1, false)
 FROM unnest(ARRAY['stocklist', 'inventorycategory', 'purchasecart', 'storesettings', 'users', 'sysusage']) AS name;
 )"_L1;
@@ -136,8 +144,11 @@ bool isOnServer(const QString &path)
 void setUpShop(PrivateCluster &cluster, const QString &database)
 {
     const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
-    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
-        QFile file(schema.filePath(name));
+    QStringList files;
+    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name))
+        files << schema.filePath(name);
+    for (const QString &name : files << QStringLiteral(HARROWBY_OWN_TABLES)) {
+        QFile file(name);
         if (!file.open(QIODevice::ReadOnly))
             qFatal("%s cannot be read", qPrintable(name));
         cluster.sql(QString::fromUtf8(file.readAll()), database);

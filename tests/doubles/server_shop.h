@@ -39,6 +39,8 @@ public:
     bool run(const QString &statements);
     /// The rows of the last one, columns joined by "|", values as SQLite writes them; empty (nullopt) when one failed.
     [[nodiscard]] std::optional<QStringList> rows(const QString &select, Columns columns = Columns::All);
+    /// What stands for a null in rows() from now on, in place of an empty text.
+    void showNulls(const QString &text) { m_null = text; }
     /// Why the last call failed.
     [[nodiscard]] const QString &message() const { return m_message; }
 
@@ -46,6 +48,7 @@ private:
     struct Connection;
     std::unique_ptr<Connection> m_connection;
     QString m_message;
+    QString m_null;
 };
 
 struct LentShop
