@@ -100,7 +100,7 @@ ImportWriting::Try ImportWriting::tryOnce(bool careful, bool write)
     m_how = Try::Done;
     m_failure.reset();
     m_outcome = {};
-    const auto kept = m_records.together(kept::import(), [&] { return work(careful, write); });
+    const auto kept = m_records.together(kept::importing(), [&] { return work(careful, write); });
     if (!kept && !m_failure)
         m_failure = kept.error();
     const bool isThrown = kept && !*kept && m_how == Try::Done; // the records have logged what

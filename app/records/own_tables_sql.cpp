@@ -10,9 +10,8 @@ int main(int argc, char **argv)
     QFile file(argc == 2 ? QString::fromLocal8Bit(argv[1]) : QString());
     if (!file.open(QIODevice::WriteOnly))
         return 1;
-    for (const RecordTable *table : {&kept::setting(), &kept::code(), &kept::activity(), &kept::drawerOpening(),
-                                     &kept::held(), &kept::payment(), &kept::import()}) {
-        for (const QString &statement : table->making)
+    for (const RecordTable *table : kept::all()) {
+        for (const QString &statement : kept::makingOnServer(*table))
             file.write(statement.toUtf8() + ";\n");
     }
     return file.flush() ? 0 : 1;

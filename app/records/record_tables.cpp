@@ -87,33 +87,63 @@ const RecordTable &import()
     // The rows' tables first: where the imports' table is, so are those. Their columns of old and new values have none
     // of the engine's types for figures, since what stands in a store's column may be anything.
     static const RecordTable table = {
-        u"HarrowbyImport"_s,
-        {u"create table if not exists HarrowbyImportRow "
-         "(ImportID bigint not null, Line bigint not null, What integer not null, Mask integer not null, "
-         "LeftOut integer not null, StockID text, "
-         "NewName text, NewCategory text, NewCost text, NewLevel text, NewAvailable text, NewUse text, "
-         "NewUpdated text, NewModified text, NewAdded text, NewReorderUser text, "
-         "OldName text, OldCategory text, OldCost text, OldLevel text, OldAvailable text, OldUse text, "
-         "OldUpdated text, OldModified text, OldReorderUser text, "
-         "AtColumn text, Reason text, primary key (ImportID, Line))"_s,
-         u"create index if not exists harrowby_import_item on HarrowbyImportRow (StockID, ImportID)"_s,
-         u"create table if not exists HarrowbyImportCode "
-         "(ImportID bigint not null, Line bigint not null, What integer not null, LeftOut integer not null, "
-         "Code text, StockID text, Units integer, OldStockID text, OldUnits integer, "
-         "Spelling1 text, Spelling2 text, Spelling3 text)"_s,
-         u"create index if not exists harrowby_import_code on HarrowbyImportCode (ImportID, Line)"_s,
-         u"create table if not exists HarrowbyImportCategory "
-         "(ImportID bigint not null, Line bigint not null, LeftOut integer not null, CategoryName text, "
-         "EntryDate text)"_s,
-         u"create index if not exists harrowby_import_category on HarrowbyImportCategory (ImportID, Line)"_s,
-         u"create table if not exists HarrowbyImport "
-         "(ImportID bigint not null primary key, Kind text not null, State text not null, FileName text not null, "
-         "FileHash text not null, Choices text not null, Owner text not null, StagedAt text not null, "
-         "DoneAt text not null, DoneBy text not null, DoneUser text not null, TakenBackAt text not null, TakenBackBy "
-         "text not null, "
-         "NewRows bigint not null, ChangedRows bigint not null, UnchangedRows bigint not null, "
-         "RefusedRows bigint not null)"_s}};
+        .name = u"HarrowbyImport"_s,
+        .making =
+            {u"create table if not exists HarrowbyImportRow "
+             "(ImportID bigint not null, Line bigint not null, What integer not null, Mask integer not null, "
+             "LeftOut integer not null, StockID text, "
+             "NewName text, NewCategory text, NewCost text, NewLevel text, NewAvailable text, NewUse text, "
+             "NewUpdated text, NewModified text, NewAdded text, NewReorderUser text, "
+             "OldName text, OldCategory text, OldCost text, OldLevel text, OldAvailable text, OldUse text, "
+             "OldUpdated text, OldModified text, OldReorderUser text, "
+             "AtColumn text, Reason text, primary key (ImportID, Line))"_s,
+             u"create index if not exists harrowby_import_item on HarrowbyImportRow (StockID, ImportID)"_s,
+             u"create table if not exists HarrowbyImportCode "
+             "(ImportID bigint not null, Line bigint not null, What integer not null, LeftOut integer not null, "
+             "Code text, StockID text, Units integer, OldStockID text, OldUnits integer, "
+             "Spelling1 text, Spelling2 text, Spelling3 text)"_s,
+             u"create index if not exists harrowby_import_code on HarrowbyImportCode (ImportID, Line)"_s,
+             u"create table if not exists HarrowbyImportCategory "
+             "(ImportID bigint not null, Line bigint not null, LeftOut integer not null, CategoryName text, "
+             "EntryDate text)"_s,
+             u"create index if not exists harrowby_import_category on HarrowbyImportCategory (ImportID, Line)"_s,
+             u"create table if not exists HarrowbyImport "
+             "(ImportID bigint not null primary key, Kind text not null, State text not null, FileName text not null, "
+             "FileHash text not null, Choices text not null, Owner text not null, StagedAt text not null, "
+             "DoneAt text not null, DoneBy text not null, DoneUser text not null, TakenBackAt text not null, "
+             "TakenBackBy "
+             "text not null, "
+             "NewRows bigint not null, ChangedRows bigint not null, UnchangedRows bigint not null, "
+             "RefusedRows bigint not null)"_s},
+        .figures = {u"NewCost"_s, u"NewLevel"_s, u"NewAvailable"_s, u"OldCost"_s, u"OldLevel"_s, u"OldAvailable"_s}};
     return table;
+}
+
+const RecordTable &importing()
+{
+    static const RecordTable table = [] {
+        RecordTable same = import();
+        same.guarded = {u"StockList"_s, u"InventoryCategory"_s, code().name};
+        return same;
+    }();
+    return table;
+}
+
+const QList<const RecordTable *> &all()
+{
+    static const QList<const RecordTable *> tables = {&setting(), &code(),    &activity(), &drawerOpening(),
+                                                      &held(),    &payment(), &import()};
+    return tables;
+}
+
+QStringList makingOnServer(const RecordTable &table)
+{
+    QStringList making = table.making;
+    for (QString &statement : making) {
+        for (const QString &figure : table.figures)
+            statement.replace(u' ' + figure + u" text"_s, u' ' + figure + u" double precision"_s);
+    }
+    return making;
 }
 
 const QList<const RecordTable *> &onlyAddedTo()

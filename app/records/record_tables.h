@@ -14,6 +14,11 @@ struct RecordTable
     QString name;
     QStringList making;       ///< statements that make it and its indexes, and do nothing where they are there
     QStringList columns = {}; ///< of one that is only added to: all of them, its key first
+    /// Made as texts, since what stands in the columns of figures of a store file may be anything, and these keep it.
+    /// On a server they are figures, as those are there.
+    QStringList figures = {};
+    /// Further tables that nobody else writes to while writes are done together that begin with this one.
+    QStringList guarded = {};
 };
 
 namespace kept {
@@ -43,6 +48,14 @@ namespace kept {
 /// StagedAt, DoneAt, DoneBy, DoneUser, TakenBackAt, TakenBackBy, NewRows, ChangedRows, UnchangedRows, RefusedRows.
 /// Their rows are in HarrowbyImportRow, and what goes with them in HarrowbyImportCode and HarrowbyImportCategory.
 [[nodiscard]] const RecordTable &import();
+
+/// The same, for what writes what was staged into the store's own tables, or takes it out of them.
+[[nodiscard]] const RecordTable &importing();
+
+/// All of them, each once.
+[[nodiscard]] const QList<const RecordTable *> &all();
+/// RecordTable::making as a server takes it.
+[[nodiscard]] QStringList makingOnServer(const RecordTable &table);
 
 /// Those of them that are only ever added to: no row is changed or deleted, and Records has the engine refuse it.
 [[nodiscard]] const QList<const RecordTable *> &onlyAddedTo();

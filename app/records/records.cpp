@@ -238,6 +238,11 @@ std::optional<QString> Records::unstorable(const QString &, const DbAssignments 
     return {};
 }
 
+RecordValue Records::converted(const QString &, const QString &, const RecordValue &value) const
+{
+    return value;
+}
+
 bool Records::isUnknown(const DbFailure &failure)
 {
     return failure.kind == Kind::Write && failure.engineState == "08007"_L1;

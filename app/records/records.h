@@ -106,6 +106,9 @@ public:
     /// Why a table cannot hold these values (English, one line, begins with a small letter); nothing when it can. A
     /// store file holds whatever it is given.
     [[nodiscard]] virtual std::optional<QString> unstorable(const QString &table, const DbAssignments &values) const;
+    /// The value as the table will hold it. Precondition: it is storable. A store file converts by itself.
+    [[nodiscard]] virtual RecordValue converted(const QString &table, const QString &column,
+                                                const RecordValue &value) const;
     /// Whether nobody knows if what has failed was done; ServerStore::setResolvedHandler() tells it later.
     [[nodiscard]] static bool isUnknown(const DbFailure &failure);
 

@@ -11,6 +11,10 @@
 
 namespace harrowby {
 
+namespace postgres {
+struct ConnectionParts;
+}
+
 /// How a PostgresConnection works. All of it may stay as it is.
 struct PostgresOptions
 {
@@ -92,6 +96,7 @@ public:
     void setWaitHook(WaitHook hook) override;
 
 private:
+    friend struct postgres::ConnectionParts;
     struct HARROWBY_POSTGRES_NO_EXPORT Private;
     std::unique_ptr<Private> d;
 };

@@ -47,8 +47,9 @@ enum class Heard {
 struct ActionAnswer
 {
     Heard heard = Heard::Lost;
-    std::int64_t value = 0; ///< of Done: 0 or 1 from confirm(), a number from claim()
-    PgError error = {};     ///< of everything but Done
+    std::int64_t value = 0;    ///< of Done: 0 or 1 from confirm(), a number from claim()
+    PgError error = {};        ///< of everything but Done
+    std::int64_t changed = -1; ///< rows, of act() that is Done
 };
 
 /// The server, as Actions sees it: whichever of the shop's servers is the right one now. No function throws.

@@ -43,23 +43,50 @@ void Actions::enter(const QUuid &writer)
 
 Actions::End Actions::write(const Write &write)
 {
-    if (!resolve())
-        return {Outcome::Refused, m_error};
-    if (m_isRetired) {
-        m_journal.leave(m_writer);
-        enter(QUuid::createUuid());
-    }
-    const ActionNumber action{m_writer, ++m_last};
+    const auto taken = take();
+    if (!taken)
+        return {Outcome::Refused, taken.error()};
+    const ActionNumber action = *taken;
+    m_changed = -1;
     switch (send(action, write)) {
     case Known::Done:
-        return {Outcome::Done, {}};
+        return {Outcome::Done, {}, m_changed};
     case Known::NotDone:
         return {Outcome::Refused, m_error};
     case Known::Later:
     case Known::Open:
         break;
     }
-    return unknown(action, write);
+    return unknown(action, write.what);
+}
+
+Result<ActionNumber, PgError> Actions::take()
+{
+    if (!resolve())
+        return Unexpected(m_error);
+    if (m_isRetired) {
+        m_journal.leave(m_writer);
+        enter(QUuid::createUuid());
+    }
+    return ActionNumber{m_writer, ++m_last};
+}
+
+/// The whole time that a write has: what is under way may still be waiting for a standby.
+Actions::End Actions::find(const ActionNumber &action, const QString &what, const PgError &error)
+{
+    m_error = error;
+    m_server.drop();
+    Known known = claim(action, Phase::Resending);
+    if (known == Known::Open)
+        known = claim(action);
+    switch (known) {
+    case Known::Done:
+        return {Outcome::Done, {}};
+    case Known::NotDone:
+        return {Outcome::Refused, error};
+    default:
+        return unknown(action, what);
+    }
 }
 
 Actions::Known Actions::send(const ActionNumber &action, const Write &write)
@@ -84,8 +111,10 @@ Actions::Sending Actions::sendOnce(const ActionNumber &action, const Write &writ
 {
     if (!reach())
         return Sending::Again;
-    switch (heard(m_server.act(action, write)).heard) {
+    const ActionAnswer answer = heard(m_server.act(action, write));
+    switch (answer.heard) {
     case Heard::Done:
+        m_changed = answer.changed;
         return Sending::Done;
     case Heard::Refused:
         return Sending::Refused;
@@ -118,9 +147,9 @@ Actions::Sending Actions::confirmArrival(const ActionNumber &action)
 }
 
 /// Asked again after a loss: a claim that has succeeded unheard succeeds again.
-Actions::Known Actions::claim(const ActionNumber &action)
+Actions::Known Actions::claim(const ActionNumber &action, Phase phase)
 {
-    m_server.enter(Phase::Claiming);
+    m_server.enter(phase);
     do {
         if (!reach())
             continue;
@@ -154,9 +183,9 @@ bool Actions::reach()
 }
 
 /// First on the disk, then told.
-Actions::End Actions::unknown(const ActionNumber &action, const Write &write)
+Actions::End Actions::unknown(const ActionNumber &action, const QString &what)
 {
-    m_open = OpenAction{action, write.what};
+    m_open = OpenAction{action, what};
     if (const auto kept = m_journal.keep(*m_open); !kept)
         qCWarning(lcStore, "The unknown write could not be noted here: %ls", qUtf16Printable(kept.error()));
     return {Outcome::Unknown, m_error};

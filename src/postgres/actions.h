@@ -34,7 +34,8 @@ public:
     struct End
     {
         Outcome outcome = Outcome::Refused;
-        PgError error; ///< of everything but Done
+        PgError error;             ///< of everything but Done
+        std::int64_t changed = -1; ///< rows, of Done; negative where it was done by a sending whose answer was lost
     };
 
     /// Told once with each write that had been unknown, of this program or of one before: Done or Refused. Unknown when
@@ -50,6 +51,16 @@ public:
 
     /// Refused, and not sent, while an earlier write cannot be resolved.
     [[nodiscard]] End write(const Write &write);
+
+    /// For a transaction that the caller sends itself and that begins with harrowby.act(): its number. The error as
+    /// with write() when nothing may be sent.
+    [[nodiscard]] Result<ActionNumber, PgError> take();
+    /// The server has had a number of this writer that was never sent: a program that took this one for dead has
+    /// retired its writer. The next number is another writer's.
+    void retire() { m_isRetired = true; }
+    /// What has become of such a transaction when its end was sent, and `error` came for an answer. It is never sent
+    /// again under its number.
+    [[nodiscard]] End find(const ActionNumber &action, const QString &what, const PgError &error);
 
     /// Tries to resolve what is open, of this program and of those before. Whether nothing is open any more.
     bool resolve();
@@ -77,10 +88,10 @@ private:
     [[nodiscard]] Known send(const ActionNumber &action, const Write &write);
     [[nodiscard]] Sending sendOnce(const ActionNumber &action, const Write &write);
     [[nodiscard]] Sending confirmArrival(const ActionNumber &action);
-    [[nodiscard]] Known claim(const ActionNumber &action);
+    [[nodiscard]] Known claim(const ActionNumber &action, ActionServer::Phase phase = ActionServer::Phase::Claiming);
     [[nodiscard]] ActionAnswer heard(ActionAnswer answer);
     [[nodiscard]] bool reach();
-    [[nodiscard]] End unknown(const ActionNumber &action, const Write &write);
+    [[nodiscard]] End unknown(const ActionNumber &action, const QString &what);
     [[nodiscard]] bool resolveOwn();
     [[nodiscard]] bool resolveLeft(const LeftWriter &left);
     void tell(const OpenAction &open, Known known) const;
@@ -93,6 +104,7 @@ private:
     std::optional<OpenAction> m_open;
     std::vector<LeftWriter> m_left; ///< of programs before, not yet resolved
     PgError m_error;                ///< the last one that was heard
+    std::int64_t m_changed = -1;    ///< by the latest sending
     ResolvedHandler m_handler;
 };
 

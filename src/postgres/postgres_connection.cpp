@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <harrowby/postgres_connection.h>
 
+#include "postgres/connection_parts.h"
 #include "postgres/dialect.h"
 #include "postgres/postgres_failure.h"
 #include "postgres/reader.h"
@@ -77,6 +78,7 @@ struct PostgresConnection::Private
     Reader reader;
     Writer writer;
     std::function<void(const QString &, bool)> resolvedHandler;
+    ConnectionWatch watch;
     std::optional<Held> held;
     WriteOutcome lastWrite = WriteOutcome::Done;
     QObject context; ///< of the event loop's signal
@@ -85,6 +87,7 @@ struct PostgresConnection::Private
     [[nodiscard]] bool goesOn(PgWaiting what);
     void followEventLoop();
     [[nodiscard]] std::unique_ptr<DbCursor> readHeld();
+    [[nodiscard]] std::unique_ptr<DbCursor> read(const QString &select, DbReading how);
     bool write(Write &&write);
     bool send(const Write &write);
     bool refuse(const QString &what, const QString &reason);
@@ -175,6 +178,8 @@ bool PostgresConnection::Private::send(const Write &write)
     lastWrite = outcomeOf(end.outcome);
     if (end.outcome != Actions::Outcome::Done)
         report(DbFailure::Kind::Write, write.what, end.error);
+    else if (end.changed >= 0 && watch.changed)
+        watch.changed(write.what, end.changed);
     return end.outcome == Actions::Outcome::Done;
 }
 
@@ -185,6 +190,19 @@ std::unique_ptr<DbCursor> PostgresConnection::Private::readHeld()
     if (!cursor)
         held.reset(); // what follows stands alone
     return cursor;
+}
+
+std::unique_ptr<DbCursor> PostgresConnection::Private::read(const QString &select, DbReading how)
+{
+    switch (how) {
+    case DbReading::First:
+        return reader.first(select);
+    case DbReading::Walk:
+    case DbReading::CountedWalk:
+        return reader.walk(select, how == DbReading::CountedWalk);
+    default:
+        return reader.whole(select);
+    }
 }
 
 void PostgresConnection::Private::rollBack()
@@ -241,15 +259,10 @@ std::unique_ptr<DbCursor> PostgresConnection::queryAs(const QString &select, DbR
 {
     if (d->held && !d->held->hasBegun && d->held->read.select == select)
         return d->readHeld();
-    switch (how) {
-    case DbReading::First:
-        return d->reader.first(select);
-    case DbReading::Walk:
-    case DbReading::CountedWalk:
-        return d->reader.walk(select, how == DbReading::CountedWalk);
-    default:
-        return d->reader.whole(select);
-    }
+    auto cursor = d->read(select, how);
+    if (cursor && d->watch.empty && cursor->rowCount() == 0)
+        d->watch.empty(select);
+    return cursor;
 }
 
 std::optional<std::int64_t> PostgresConnection::countRows(const QString &select)
@@ -327,6 +340,12 @@ WriteOutcome PostgresConnection::lastWrite() const
 void PostgresConnection::setWaitHook(WaitHook hook)
 {
     d->hook = std::move(hook);
+}
+
+postgres::ConnectionParts postgres::ConnectionParts::of(PostgresConnection &connection)
+{
+    PostgresConnection::Private &parts = *connection.d;
+    return {parts.access, parts.writer, parts.watch};
 }
 
 } // namespace harrowby

@@ -18,6 +18,8 @@ QString stateOf(const PgError &error)
     case PgError::Kind::Starting:
     case PgError::Kind::BadTarget:
     case PgError::Kind::Unfit:
+    case PgError::Kind::StoreTooOld:
+    case PgError::Kind::StoreTooNew:
         return u"08001"_s;
     case PgError::Kind::Denied:
     case PgError::Kind::NotTrusted:

@@ -12,6 +12,8 @@ namespace harrowby::postgres {
 
 /// harrowby.schema_version() of a server whose tables and functions are those that this program knows.
 inline constexpr int schemaVersion = 1;
+/// A store of the next hundred is one that programs of this one cannot work with; what is only added stays within it.
+inline constexpr int schemaGeneration = 100;
 
 /// Tables and functions of ours stand before the engine's own, so that `like` is ours; nobody's temporary table stands
 /// before either.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/server_choice.h"
 
+#include "postgres/schema.h"
+
 #include <algorithm>
 #include <array>
 
@@ -63,13 +65,19 @@ std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion)
     if (!isPlain(facts.collation) || !isPlain(facts.letters))
         return unfit(u"The database \"%1\" has the locale %2; a store needs C"_s.arg(
             database, QString::fromUtf8(isPlain(facts.collation) ? facts.letters : facts.collation)));
+    if (schemaVersion > 0 && facts.schemaVersion / schemaGeneration > schemaVersion / schemaGeneration)
+        return PgError{
+            Kind::StoreTooNew, {}, u"The store in the database \"%1\" is newer than this program"_s.arg(database)};
     if (facts.schemaVersion >= schemaVersion)
         return {};
     if (facts.schemaState == "42501")
         return PgError{Kind::Denied, facts.schemaState, u"This user may not use the store in \"%1\""_s.arg(database)};
     if (facts.schemaVersion == 0)
         return unfit(u"There is no store in the database \"%1\""_s.arg(database));
-    return unfit(u"The store in the database \"%1\" is older than this program and has to be updated"_s.arg(database));
+    return PgError{
+        Kind::StoreTooOld,
+        {},
+        u"The store in the database \"%1\" is older than this program and has to be updated"_s.arg(database)};
 }
 
 PgError nothingChosen(const QList<PgError> &failures)

@@ -21,6 +21,8 @@ struct PgError
         Crowded,       ///< as many are connected as the server takes
         Starting,      ///< it starts, ends, or is being recovered
         Unfit,         ///< no server or no database that a store can be in: version, locale, encoding, schema
+        StoreTooOld,   ///< what the program needs of the store is not there yet
+        StoreTooNew,   ///< this program is too old for it
         // The statement was not carried out. The session goes on.
         Refused,
         ReadOnly,     ///< the server takes no writes; or, when connecting, all that can be reached are such

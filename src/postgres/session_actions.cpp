@@ -93,7 +93,7 @@ ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
     const QByteArray text = "select " + call("act", action) + ';' + write.condition + write.statement;
     if (!m_session.isInTransaction())
         return run(text);
-    ActionAnswer answer = run(text + ";commit");
+    ActionAnswer answer = run(text + ";commit", true);
     endTransaction();
     return answer;
 }
@@ -130,7 +130,7 @@ PgBudget SessionActions::budget() const
 }
 
 /// The value is the first one of the last statement, when that is a figure.
-ActionAnswer SessionActions::run(const QByteArray &statements)
+ActionAnswer SessionActions::run(const QByteArray &statements, bool endsTransaction)
 {
     const Result<PgResults, PgError> results = m_session.run(statements, budget());
     if (!results)
@@ -138,6 +138,8 @@ ActionAnswer SessionActions::run(const QByteArray &statements)
     ActionAnswer answer{Heard::Done, 0, {}};
     if (!results->empty() && results->back().rowCount() > 0)
         answer.value = results->back().text(0, 0).toByteArray().toLongLong();
+    if (!results->empty())
+        answer.changed = results->at(results->size() - (endsTransaction ? 2 : 1)).affectedRows();
     return answer;
 }
 

@@ -47,7 +47,7 @@ public:
 private:
     [[nodiscard]] PgBudget budget() const;
     void endTransaction();
-    [[nodiscard]] ActionAnswer run(const QByteArray &statements);
+    [[nodiscard]] ActionAnswer run(const QByteArray &statements, bool endsTransaction = false);
     [[nodiscard]] ActionAnswer failed(const PgError &error);
     void pause();
 

@@ -2,6 +2,7 @@
 #include "postgres/writer.h"
 
 #include "postgres/shop_memory.h"
+#include "postgres/transaction.h"
 
 #include <QScopeGuard>
 #include <QUuid>
@@ -83,8 +84,33 @@ std::optional<PgError> Writer::resolve()
     return {};
 }
 
+Result<ActionNumber, PgError> Writer::take()
+{
+    if (auto error = prepare())
+        return Unexpected(*std::move(error));
+    ActionTime &time = m_access.time();
+    time.beginStatement();
+    if (time.isOver() && m_access.session().isLost())
+        return Unexpected(PgError{Kind::CannotConnect, {}, m_access.noTimeLeft(), false});
+    setTimes();
+    return m_engine->actions.take();
+}
+
+Actions::End Writer::find(const ActionNumber &action, const QString &what, const PgError &error)
+{
+    setTimes();
+    m_isWriting = true;
+    const auto end = qScopeGuard([this] { m_isWriting = false; });
+    return m_engine->actions.find(action, what, error);
+}
+
 Actions::End Writer::write(const Write &write)
 {
+    if (m_transaction != nullptr) {
+        const auto results = m_transaction->run(write.condition + write.statement);
+        return results ? Actions::End{Outcome::Done, {}, results->back().affectedRows()}
+                       : Actions::End{Outcome::Refused, results.error()};
+    }
     if (auto error = prepare())
         return {Outcome::Refused, *std::move(error)};
     ActionTime &time = m_access.time();

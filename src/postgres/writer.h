@@ -14,6 +14,8 @@
 
 namespace harrowby::postgres {
 
+class Transaction;
+
 /// Has writes done exactly once over the till's session. What that takes on this machine's disk, in a folder of the
 /// store's, is there from the first write on.
 class Writer
@@ -30,6 +32,19 @@ public:
     [[nodiscard]] std::optional<PgError> resolve();
     [[nodiscard]] Actions::End write(const Write &write);
 
+    // For Transaction
+
+    /// See Actions.
+    [[nodiscard]] Result<ActionNumber, PgError> take();
+    void retire() { m_engine->actions.retire(); }
+    [[nodiscard]] Actions::End find(const ActionNumber &action, const QString &what, const PgError &error);
+    /// Notes what this end has cost the action, and gives it back.
+    Actions::End ended(Actions::End end) const;
+    [[nodiscard]] ServerAccess &access() { return m_access; }
+    /// While there is one, what else is written is part of it.
+    void setTransaction(Transaction *transaction) { m_transaction = transaction; }
+    [[nodiscard]] Transaction *transaction() const { return m_transaction; }
+
     /// Whether the wait that goes on now may be ended by a person.
     [[nodiscard]] bool mayGiveUp() const;
 
@@ -45,13 +60,13 @@ private:
 
     [[nodiscard]] std::optional<PgError> prepare();
     void setTimes();
-    [[nodiscard]] Actions::End ended(Actions::End end) const;
 
     ServerAccess &m_access;
     QString m_stateFolder;
     std::chrono::milliseconds m_rest;
     ResolvedHandler m_handler;
     std::unique_ptr<Engine> m_engine; ///< once it is known which store this is
+    Transaction *m_transaction = nullptr;
     bool m_isWriting = false;
 };
 

@@ -1,0 +1,336 @@
+// SPDX-License-Identifier: MIT
+#include "plugins/server/postgres_records.h"
+
+#include "plugins/server/record_texts.h"
+#include "postgres/dialect.h"
+#include "postgres/postgres_failure.h"
+#include "postgres/schema.h"
+#include "postgres/storable.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::server {
+
+namespace {
+
+using namespace postgres;
+using app::RecordRow;
+using app::RecordStatement;
+using app::RecordTable;
+using app::RecordValue;
+using Kind = DbFailure::Kind;
+using Outcome = Actions::Outcome;
+
+/// Sent as one statement.
+constexpr qsizetype rowsAtOnce = 200;
+
+DbFailure refused(Kind kind, const QString &text, const QString &reason)
+{
+    return {kind, text, reason, 0};
+}
+
+DbFailure failureOfEnd(const QString &text, const Actions::End &end)
+{
+    DbFailure failure = failureOf(Kind::Write, text, end.error);
+    if (end.outcome == Outcome::Unknown)
+        failure.engineState = u"08007"_s;
+    return failure;
+}
+
+/// The statement with its values, in the server's dialect.
+ServerText textOf(const RecordStatement &statement, ServerText (*inDialect)(const QString &))
+{
+    const ServerText text = withValues(statement.text, statement.values);
+    return text ? inDialect(*text) : text;
+}
+
+ServerText selectOf(const QString &statement)
+{
+    return selectText(statement);
+}
+
+/// Without the identity that a "select *" brings.
+template <typename Rows>
+int columnsOf(const Rows &rows, const QString &statement)
+{
+    const int columns = rows.columnCount();
+    const bool isAll = statement.startsWith("select * "_L1, Qt::CaseInsensitive);
+    return isAll && columns > 0 && rows.columnName(columns - 1) == identityColumn ? columns - 1 : columns;
+}
+
+/// Of the row at which a walk is.
+class WalkedCells final : public app::RecordCells
+{
+public:
+    WalkedCells(const PgRows &rows, int columns) : m_rows(rows), m_columns(columns) {}
+    [[nodiscard]] int count() const override { return m_columns; }
+    [[nodiscard]] RecordValue value(int column) const override
+    {
+        return m_rows.isNull(column) ? RecordValue() : readValue(m_rows.text(column), m_rows.columnType(column));
+    }
+    [[nodiscard]] std::optional<QByteArrayView> utf8(int column) const override
+    {
+        if (m_rows.isNull(column) || !isText(m_rows.columnType(column)))
+            return {};
+        return m_rows.text(column);
+    }
+
+private:
+    const PgRows &m_rows;
+    int m_columns;
+};
+
+QList<RecordRow> rowsOf(const PgResult &result, const QString &statement)
+{
+    const int columns = columnsOf(result, statement);
+    QList<RecordRow> rows;
+    rows.reserve(result.rowCount());
+    for (int i = 0; i < result.rowCount(); ++i) {
+        RecordRow row;
+        row.reserve(columns);
+        for (int column = 0; column < columns; ++column)
+            row << (result.isNull(i, column) ? RecordValue()
+                                             : readValue(result.text(i, column), result.columnType(column)));
+        rows << row;
+    }
+    return rows;
+}
+
+PgError momentIsGone()
+{
+    return {
+        PgError::Kind::Lost, {}, u"The connection to the server broke in the middle of what belongs together"_s, false};
+}
+
+QString asFigure(const QString &expression)
+{
+    return u"cast("_s + expression + u" as double precision)"_s;
+}
+
+} // namespace
+
+PostgresRecords::PostgresRecords(std::shared_ptr<void> session, ServerAccess &access, Writer &writer) :
+    m_session(std::move(session)), m_access(access), m_writer(writer)
+{
+}
+
+PostgresRecords::~PostgresRecords()
+{
+    m_transaction.reset(); // before the session goes
+    releaseMoment();
+}
+
+void PostgresRecords::beforeAction() const
+{
+    if (m_beforeAction && m_writer.transaction() == nullptr && !m_holdsMoment)
+        m_beforeAction();
+}
+
+Result<PgResults, PgError> PostgresRecords::read(const QByteArray &text)
+{
+    if (Transaction *transaction = m_writer.transaction())
+        return transaction->run(text);
+    if (!m_holdsMoment)
+        return m_access.read(text);
+    if (!m_access.session().isInTransaction())
+        return Unexpected(momentIsGone());
+    return m_access.session().run(text, m_access.budget());
+}
+
+const app::RecordDialect &PostgresRecords::dialect() const
+{
+    static const app::RecordDialect ofServers = {QLatin1StringView(identityColumn), &asFigure};
+    return ofServers;
+}
+
+std::optional<QString> PostgresRecords::unstorable(const QString &table, const DbAssignments &values) const
+{
+    return postgres::unstorable(table, values);
+}
+
+RecordValue PostgresRecords::converted(const QString &table, const QString &column, const RecordValue &value) const
+{
+    return postgres::converted(table, column, value);
+}
+
+/// All of them are asked for at once; one that is there stays.
+app::Records::Answer<bool> PostgresRecords::hasTable(const RecordTable &table)
+{
+    const QString name = table.name.toLower();
+    if (m_tables.contains(name))
+        return true;
+    beforeAction();
+    const auto results =
+        read("select relname from pg_class where relnamespace = 'harrowby'::regnamespace and relkind = 'r'");
+    if (!results)
+        return Unexpected(failureOf(Kind::Read, u"look for "_s + table.name, results.error()));
+    const PgResult &names = results->back();
+    for (int i = 0; i < names.rowCount(); ++i)
+        m_tables << QString::fromUtf8(names.text(i, 0));
+    return m_tables.contains(name);
+}
+
+app::Records::Answer<QList<RecordRow>> PostgresRecords::select(const RecordStatement &statement)
+{
+    const ServerText text = textOf(statement, &selectOf);
+    if (!text)
+        return Unexpected(refused(Kind::Read, statement.text, text.error()));
+    beforeAction();
+    const auto results = read(text->toUtf8());
+    if (!results)
+        return Unexpected(failureOf(Kind::Read, statement.text, results.error()));
+    return rowsOf(results->back(), statement.text);
+}
+
+app::Records::Answer<bool> PostgresRecords::selectEach(const RecordStatement &statement, const RowTaker &take)
+{
+    if (m_writer.transaction() != nullptr)
+        return Records::selectEach(statement, take);
+    const ServerText text = textOf(statement, &selectOf);
+    if (!text)
+        return Unexpected(refused(Kind::Read, statement.text, text.error()));
+    beforeAction();
+    if (auto reached = m_holdsMoment ? Result<void, PgError>() : m_access.reach(); !reached)
+        return Unexpected(failureOf(Kind::Read, statement.text, reached.error()));
+    if (m_holdsMoment && !m_access.session().isInTransaction())
+        return Unexpected(failureOf(Kind::Read, statement.text, momentIsGone()));
+    auto rows = m_access.session().walk(text->toUtf8(), m_access.budget());
+    if (!rows)
+        return Unexpected(failureOf(Kind::Read, statement.text, rows.error()));
+    const WalkedCells cells(*rows, columnsOf(*rows, statement.text));
+    while (rows->next() == PgRows::Step::Row) {
+        if (!take(cells))
+            return false;
+    }
+    if (rows->error())
+        return Unexpected(failureOf(Kind::Read, statement.text, *rows->error()));
+    return true;
+}
+
+/// What makes a table does no harm when it is done twice.
+app::Records::Answer<std::int64_t> PostgresRecords::make(const RecordStatement &statement)
+{
+    const auto results = read(statement.text.toUtf8());
+    if (!results)
+        return Unexpected(failureOf(Kind::Write, statement.text, results.error()));
+    return 0;
+}
+
+app::Records::Answer<std::int64_t> PostgresRecords::change(const RecordStatement &statement)
+{
+    if (m_holdsMoment || !m_writes)
+        return Unexpected(refused(Kind::Write, statement.text, u"this connection only reads"_s));
+    beforeAction();
+    if (statement.text.startsWith("create "_L1))
+        return make(statement);
+    const ServerText text = textOf(statement, &changeText);
+    if (!text)
+        return Unexpected(refused(Kind::Write, statement.text, text.error()));
+    if (m_writer.transaction() == nullptr)
+        return changeAlone(statement.text, text->toUtf8());
+    const auto results = m_writer.transaction()->run(text->toUtf8());
+    if (!results)
+        return Unexpected(failureOf(Kind::Write, statement.text, results.error()));
+    return results->back().affectedRows();
+}
+
+/// How many rows were changed has to be known also when the last answer is lost; so it is heard before the commit.
+app::Records::Answer<std::int64_t> PostgresRecords::changeAlone(const QString &text, const QByteArray &serverText)
+{
+    const QList<QByteArray> locks = locksForWriteTo(changedTable(text));
+    if (addsOneRow(text)) {
+        const QByteArray condition = locks.isEmpty() ? QByteArray() : locks.join(';') + ';';
+        const Actions::End end = m_writer.write({condition, serverText, text});
+        return end.outcome == Outcome::Done ? Answer<std::int64_t>(1) : Unexpected(failureOfEnd(text, end));
+    }
+    Transaction transaction(m_writer, locks, text);
+    const auto results = transaction.begin(serverText);
+    if (!results)
+        return Unexpected(failureOf(Kind::Write, text, results.error()));
+    const std::int64_t changed = results->back().affectedRows();
+    const Actions::End end = transaction.commit();
+    return end.outcome == Outcome::Done ? Answer<std::int64_t>(changed) : Unexpected(failureOfEnd(text, end));
+}
+
+app::Records::Answer<std::int64_t> PostgresRecords::changeEach(const QString &text,
+                                                               const QList<QList<RecordValue>> &rows)
+{
+    if (m_writer.transaction() == nullptr || !forRows(text, 1))
+        return changeOneByOne(text, rows);
+    std::int64_t changed = 0;
+    for (qsizetype first = 0; first < rows.size(); first += rowsAtOnce) {
+        const qsizetype count = std::min(rowsAtOnce, rows.size() - first);
+        RecordStatement several{forRows(text, count).value_or(QString()), {}};
+        for (const QList<RecordValue> &row : rows.sliced(first, count))
+            several.values << row;
+        const auto put = change(several);
+        if (!put)
+            return Unexpected(DbFailure{Kind::Write, text, put.error().reason, 0, put.error().engineState});
+        changed += *put;
+    }
+    return changed;
+}
+
+app::Records::Answer<std::int64_t> PostgresRecords::changeOneByOne(const QString &text,
+                                                                   const QList<QList<RecordValue>> &rows)
+{
+    std::int64_t changed = 0;
+    for (const QList<RecordValue> &row : rows) {
+        const auto put = change({text, row});
+        if (!put)
+            return put;
+        changed += *put;
+    }
+    return changed;
+}
+
+std::optional<DbFailure> PostgresRecords::begin(const RecordTable &table)
+{
+    const QString what = u"UPDATE "_s + table.name;
+    if (m_writer.transaction() != nullptr || m_holdsMoment || !m_writes)
+        return refused(Kind::Write, what, u"something else that belongs together is not done yet"_s);
+    beforeAction();
+    auto transaction = std::make_unique<Transaction>(m_writer, locksFor(table), what);
+    if (const auto begun = transaction->begin(); !begun)
+        return failureOf(Kind::Write, what, begun.error());
+    m_transaction = std::move(transaction);
+    return {};
+}
+
+std::optional<DbFailure> PostgresRecords::commit()
+{
+    const auto transaction = std::exchange(m_transaction, nullptr);
+    if (!transaction)
+        return refused(Kind::Write, u"commit"_s, u"nothing was begun"_s);
+    const Actions::End end = transaction->commit();
+    return end.outcome == Outcome::Done ? std::nullopt : std::optional(failureOfEnd(u"commit"_s, end));
+}
+
+void PostgresRecords::rollBack()
+{
+    m_transaction.reset();
+}
+
+std::optional<DbFailure> PostgresRecords::holdMoment()
+{
+    beforeAction();
+    if (m_writer.transaction() != nullptr || m_holdsMoment)
+        return refused(Kind::Read, u"begin"_s, u"something else that belongs together is not done yet"_s);
+    const auto begun = m_access.read("begin transaction isolation level repeatable read read only; select 1");
+    if (!begun)
+        return failureOf(Kind::Read, u"begin"_s, begun.error());
+    m_holdsMoment = true;
+    return {};
+}
+
+void PostgresRecords::releaseMoment()
+{
+    PgSession &session = m_access.session();
+    if (std::exchange(m_holdsMoment, false) && session.isInTransaction() && !session.run("rollback", m_access.budget()))
+        session.close();
+}
+
+} // namespace harrowby::server

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "plugins/server/postgres_store.h"
+
+#include "plugins/server/postgres_records.h"
+#include "plugins/server/server_problems.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::server {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// For the sign of how safe a write is: the server answers at once, or the till has more to tell than this.
+constexpr auto shortAnswer = 1000ms;
+constexpr char noSuchFunction[] = "42883";
+
+PostgresOptions optionsOf(const app::ServerOptions &options)
+{
+    PostgresOptions made;
+    made.location = options.location;
+    made.stateFolder = options.stateFolder;
+    made.connecting = options.connecting;
+    made.silence = options.silence;
+    made.lock = options.lock;
+    made.rest = options.rest;
+    made.findsAnywhere = options.findsAnywhere;
+    return made;
+}
+
+/// Where the connection is, for a session that outlives no change of the server: it is connected anew then.
+SessionLocks::Target besides(const std::shared_ptr<PostgresConnection> &connection)
+{
+    return [connection]() -> std::optional<PgTarget> {
+        postgres::ServerAccess &access = postgres::ConnectionParts::of(*connection).access;
+        if (access.session().isLost())
+            return {};
+        PgTarget target = access.targetBeside();
+        target.use = PgTarget::Use::Work;
+        return target;
+    };
+}
+
+class HeldLock final : public app::ServerLock
+{
+public:
+    HeldLock(std::shared_ptr<SessionLocks> locks, std::int64_t number) : m_locks(std::move(locks)), m_number(number) {}
+    ~HeldLock() override { m_locks->release(m_number); }
+
+private:
+    std::shared_ptr<SessionLocks> m_locks;
+    std::int64_t m_number;
+};
+
+} // namespace
+
+PostgresStore::PostgresStore(const QString &target, const app::ServerOptions &options) :
+    m_connection(std::make_shared<PostgresConnection>(target, optionsOf(options))),
+    m_parts(postgres::ConnectionParts::of(*m_connection))
+{
+    setWaitHook(options.waitHook);
+    setResolvedHandler(options.resolvedHandler);
+    m_locks = std::make_shared<SessionLocks>(besides(m_connection), m_parts.access.waits());
+}
+
+std::unique_ptr<app::Records> PostgresStore::records()
+{
+    return std::make_unique<PostgresRecords>(m_connection, m_parts.access, m_parts.writer);
+}
+
+std::optional<app::ServerProblem> PostgresStore::tryAgain()
+{
+    m_connection->beginAction();
+    if (auto reached = m_parts.access.reach(); !reached)
+        return problemOf(reached.error());
+    if (const auto error = m_parts.writer.resolve())
+        return problemOf(*error);
+    m_locks->keep();
+    return {};
+}
+
+std::optional<QString> PostgresStore::protection()
+{
+    PgSession &session = m_parts.access.session();
+    if (session.isLost() || session.hasEnded() || session.isInTransaction())
+        return {};
+    m_locks->keep();
+    PgBudget budget = m_parts.access.budget();
+    budget.answer = std::min<std::chrono::milliseconds>(budget.answer, shortAnswer);
+    const auto results = session.run("select harrowby.protection()", budget);
+    if (results && results->back().rowCount() == 1)
+        return QString::fromUtf8(results->back().text(0, 0));
+    // A server that nobody has set up with a standby in mind.
+    return !results && results.error().sqlState == noSuchFunction ? std::optional(u"single"_s) : std::nullopt;
+}
+
+void PostgresStore::setResolvedHandler(ResolvedHandler handler)
+{
+    m_connection->setResolvedHandler(std::move(handler));
+}
+
+void PostgresStore::setWaitHook(DbConnection::WaitHook hook)
+{
+    m_connection->setWaitHook(std::move(hook));
+}
+
+void PostgresStore::setChangeHandler(ChangeHandler handler)
+{
+    m_parts.watch.changed = std::move(handler);
+}
+
+void PostgresStore::setEmptyHandler(EmptyHandler handler)
+{
+    m_parts.watch.empty = std::move(handler);
+}
+
+Result<std::unique_ptr<app::ServerLock>, QString> PostgresStore::lock(std::int64_t number)
+{
+    if (auto taken = m_locks->take(number); !taken)
+        return Unexpected(taken.error());
+    return std::unique_ptr<app::ServerLock>(std::make_unique<HeldLock>(m_locks, number));
+}
+
+} // namespace harrowby::server

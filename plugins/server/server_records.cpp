@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "plugins/server/server_records.h"
+
+#include "basic/logging.h"
+#include "postgres/schema.h"
+#include "postgres/shop_memory.h"
+
+#include <atomic>
+#include <exception>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::server {
+
+using namespace std::chrono_literals;
+
+/// What works for minutes, beside the tills.
+struct OwnSession
+{
+    explicit OwnSession(const QString &target) :
+        time(limits()), access(targetOf(target), waits(), time), writer(access, {}, limits().rest)
+    {
+    }
+
+    static postgres::ActionLimits limits()
+    {
+        postgres::ActionLimits limits;
+        limits.silence = 120'000ms; // a long statement says nothing either; who waits for it can end it
+        return limits;
+    }
+
+    static PgTarget targetOf(const QString &target)
+    {
+        PgTarget made;
+        made.conninfo = target.toUtf8();
+        made.use = PgTarget::Use::Walk;
+        made.schemaVersion = postgres::schemaVersion;
+        made.stateFolder = postgres::stateFolder({});
+        made.programName = "harrowby work";
+        return made;
+    }
+
+    [[nodiscard]] PgWaits waits()
+    {
+        PgWaits waits;
+        waits.answer = limits().silence;
+        waits.lock = limits().lock;
+        waits.hook = [this](PgWaiting) { return goesOn(); };
+        return waits;
+    }
+
+    /// Called in the middle of a wait.
+    [[nodiscard]] bool goesOn()
+    {
+        try {
+            hasEnded = isInterrupted.exchange(false) || (watch && !watch());
+        } catch (const std::exception &error) {
+            qCWarning(lcStore) << "A statement is ended:" << error.what();
+            hasEnded = true;
+        }
+        return !hasEnded;
+    }
+
+    std::atomic<bool> isInterrupted = false;
+    bool hasEnded = false; ///< the latest statement, by whoever waits for it
+    std::function<bool()> watch;
+    postgres::ActionTime time;
+    postgres::ServerAccess access;
+    postgres::Writer writer;
+};
+
+ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access access) :
+    m_session(std::move(session)), m_records(m_session, m_session->access, m_session->writer)
+{
+    if (access == app::Access::Read)
+        m_records.keepFromWriting();
+    m_records.setBeforeAction([session = m_session.get()] {
+        session->time.begin();
+        session->isInterrupted = false;
+        session->hasEnded = false;
+    });
+}
+
+ServerRecords::~ServerRecords() = default;
+
+Result<std::unique_ptr<app::StoreRecords>, QString> ServerRecords::open(const QString &target, app::Access access)
+{
+    auto session = std::make_shared<OwnSession>(target);
+    if (const auto reached = session->access.reach(); !reached)
+        return Unexpected(u"The store on the server could not be opened once more (%1)."_s.arg(reached.error().text));
+    return std::unique_ptr<app::StoreRecords>(new ServerRecords(std::move(session), access));
+}
+
+void ServerRecords::interrupt()
+{
+    m_session->isInterrupted = true;
+}
+
+void ServerRecords::setWatch(std::function<bool()> goesOn)
+{
+    m_session->watch = std::move(goesOn);
+}
+
+bool ServerRecords::wasInterrupted(const DbFailure &failure) const
+{
+    return m_session->hasEnded && failure.engineState == "57014"_L1;
+}
+
+} // namespace harrowby::server
