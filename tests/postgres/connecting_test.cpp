@@ -398,6 +398,8 @@ void ConnectingTest::whatIsUnfitIsTold_data()
     QTest::newRow("older store")
         << QByteArray("schema") << QByteArray("2")
         << u"The store in the database \"shop\" is older than this program and has to be updated"_s;
+    QTest::newRow("store of another generation") << QByteArray("schema") << QByteArray("100")
+                                                 << u"The store in the database \"shop\" is newer than this program"_s;
     QTest::newRow("newer store") << QByteArray("schema") << QByteArray("4") << QString();
 }
 
@@ -422,7 +424,9 @@ void ConnectingTest::whatIsUnfitIsTold()
     QCOMPARE(error.text, text);
     QCOMPARE(session.isLost(), !text.isEmpty());
     if (!text.isEmpty())
-        QCOMPARE(error.kind, Kind::Unfit);
+        QCOMPARE(error.kind, text.contains(u"older")        ? Kind::StoreTooOld
+                             : text.contains(u"newer than") ? Kind::StoreTooNew
+                                                            : Kind::Unfit);
 }
 
 void ConnectingTest::laterSessionsGoToTheSameServer()
