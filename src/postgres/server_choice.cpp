@@ -56,7 +56,7 @@ std::optional<PgError> tooOld(const ServerFacts &facts)
     return unfit(u"The server is PostgreSQL %1; a store needs 15 or newer"_s.arg(facts.server.version / 10000));
 }
 
-std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion)
+std::optional<PgError> unfitness(const ServerFacts &facts, int wanted)
 {
     const QString database = QString::fromUtf8(facts.database);
     if (facts.encoding != "UTF8")
@@ -65,10 +65,10 @@ std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion)
     if (!isPlain(facts.collation) || !isPlain(facts.letters))
         return unfit(u"The database \"%1\" has the locale %2; a store needs C"_s.arg(
             database, QString::fromUtf8(isPlain(facts.collation) ? facts.letters : facts.collation)));
-    if (schemaVersion > 0 && facts.schemaVersion / schemaGeneration > schemaVersion / schemaGeneration)
+    if (wanted > 0 && facts.schemaVersion / schemaGeneration > wanted / schemaGeneration)
         return PgError{
             Kind::StoreTooNew, {}, u"The store in the database \"%1\" is newer than this program"_s.arg(database)};
-    if (facts.schemaVersion >= schemaVersion)
+    if (facts.schemaVersion >= wanted)
         return {};
     if (facts.schemaState == "42501")
         return PgError{Kind::Denied, facts.schemaState, u"This user may not use the store in \"%1\""_s.arg(database)};

@@ -33,7 +33,7 @@ struct ServerFacts
 /// Why a server of that version cannot be asked any further; empty when it can.
 [[nodiscard]] std::optional<PgError> tooOld(const ServerFacts &facts);
 /// Why no store can be there; empty when it can.
-[[nodiscard]] std::optional<PgError> unfitness(const ServerFacts &facts, int schemaVersion);
+[[nodiscard]] std::optional<PgError> unfitness(const ServerFacts &facts, int wanted);
 
 /// Why nothing was chosen: what each of the hosts came to, in one line, and the kind that says most.
 [[nodiscard]] PgError nothingChosen(const QList<PgError> &failures);
