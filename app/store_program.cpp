@@ -1,30 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "app/store_program.h"
 
-#include "app/backup/lost_store_box.h"
-#include "app/cash/drawer_name.h"
-#include "app/cash/run_locks.h"
-#include "app/customer/customer_screen.h"
 #include "app/demo/demo_shop.h"
 #include "app/errands/errands.h"
 #include "app/foreign_windows.h"
 #include "app/keyboard/touch_keyboard.h"
 #include "app/office_program.h"
-#include "app/records/sqlite_records.h"
-#include "app/search/finding_connection.h"
-#include "app/search/search_choice.h"
-#include "app/shop/busy_wait.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/file_facts.h"
 #include "app/shop/first_user_dialog.h"
-#include "app/shop/notice_place.h"
-#include "app/shop/schema.h"
 #include "app/shop/store_create.h"
-#include "app/shop/store_guard.h"
 #include "app/shop/store_judge.h"
-#include "app/shop/store_opening.h"
 #include "app/shop/store_paths.h"
-#include "app/shop/wait_sign.h"
 #include "app/shop/workshop.h"
 #include "app/start/bare_screen.h"
 #include "app/start/command_line.h"
@@ -34,12 +21,10 @@
 #include "app/start/log_file.h"
 #include "app/start/look_choice.h"
 #include "app/start/start_message.h"
-#include "app/till/till.h"
+#include "app/till_program.h"
 #include "basic/result.h"
+#include "basic/store_address.h"
 
-#include <harrowby/counter.h>
-#include <harrowby/file_failure.h>
-#include <harrowby/init.h>
 #include <harrowby/saved_settings.h>
 
 #include <QApplication>
@@ -116,8 +101,11 @@ Started<void> createNewStore(const QString &path, bool makeFolder)
     return {};
 }
 
+/// The address of the store.
 Started<QString> prepareStore(const QString &given)
 {
+    if (isServer(given))
+        return given;
     const QString path = given.isEmpty() ? defaultStorePath() : given;
     removeLeftWorkshops(QFileInfo(path).absolutePath());
     if (nameIsTaken(path))
@@ -154,75 +142,6 @@ void setUpApplication()
     QApplication::setWindowIcon(QIcon(u":/harrowby/harrowby.svg"_s));
     // The boxes before the window are windows too, and closing one must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
-}
-
-Notice missingLock(const QString &reason)
-{
-    return {u"run lock"_s, u"This till cannot show other tills that it is open."_s, reason,
-            u"Allow writing to that file and its folder, then start the till again. Until then, payments that a killed "
-            "till leaves behind are settled a day later."_s};
-}
-
-void tellDrawerFailures(const DrawerDesk &drawer, FailureNotice &notice)
-{
-    const auto subject = u"cash drawer"_s;
-    QObject::connect(
-        &drawer, &DrawerDesk::failed, &notice, [&notice, subject](const QString &queue, const QString &reason) {
-            notice.tell({subject, u"The cash drawer was not opened."_s, reason, drawerAdvice(queue), true, false});
-        });
-    QObject::connect(&drawer, &DrawerDesk::opened, &notice, [&notice, subject] { notice.tellOver(subject); });
-}
-
-/// Nothing without the option.
-std::unique_ptr<CustomerScreen> makeCustomerScreen(const CommandLine &line, const Payments &payments)
-{
-    if (!line.customerDisplay)
-        return nullptr;
-    const auto chosen = [](const SettingPlace &place) { return savedSetting(place.section, place.key); };
-    auto screen = std::make_unique<CustomerScreen>(Counter::instance(), chosen(saved::ReceiptTitle),
-                                                   chosen(saved::Currency), *line.customerDisplay);
-    QObject::connect(&payments, &Payments::paid, screen.get(),
-                     [customer = screen.get()](const QString &, const QList<PaymentPart> &, qint64, qint64 change) {
-                         customer->showChange(static_cast<double>(change) / 100);
-                     });
-    return screen;
-}
-
-int sell(const CommandLine &line, StoreGuard &store, const CashStation &cash, BusyWait &wait, FailureNotice &notice)
-{
-    SqliteRecords records(store.database());
-    records.setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
-    // The component keeps the connection for longer than the records live, and then runs no statement.
-    const auto connection = std::make_shared<FindingConnection>(
-        store.database(), QApplication::applicationDirPath(),
-        [choice = SearchChoice(records, isOwnStore(store.database()))] { return choice.findsAnywhere(); });
-    connection->setFailureHandler([&](const DbFailure &failure) { notice.add(store.explained(failure)); });
-    setFileFailureHandler([&notice](const FileFailure &failure) { notice.add(failure); });
-    wait.followEventLoop();
-    LostStoreAlarm alarm(store, u"till"_s, closeTill);
-    store.keepWatch();
-    supplyForeignWindows(connection);
-    Till till(Counter::instance(), records, {savedSetting, saveSetting}, soundRefusal, cash);
-    QObject::connect(&till.payments(), &Payments::lockMissing, &notice,
-                     [&notice](const QString &reason) { notice.tell(missingLock(reason)); });
-    tellDrawerFailures(till.drawer(), notice);
-    followMissedStock(*connection, till.missedStock(), notice);
-    const auto customer = makeCustomerScreen(line, till.payments());
-    Init().LoadInventory(connection, {});
-    int code = static_cast<int>(ExitCode::Failed);
-    if (QWidget *window = salesWindow()) {
-        window->setWindowState(window->windowState() | Qt::WindowMaximized); // a till uses the whole screen
-        QApplication::setQuitOnLastWindowClosed(true);
-        code = QApplication::exec();
-        alarm.checkOnceMore();
-    } else {
-        tellProblem(u"The window could not be opened. The log file may say why:\n"_s + logPath());
-    }
-    // The component keeps the connection longer than the notice lives, so the handler is removed.
-    connection->setFailureHandler({});
-    connection->setMissHandler({});
-    setFileFailureHandler({});
-    return code;
 }
 
 /// The log reports failures on any thread; the notice lives on the user-interface thread.
@@ -267,17 +186,7 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
         return Unexpected(path.error());
     if (line.office)
         return runOfficeProgram(*path, notice, log);
-    WaitSign sign(u"Waiting for the store file"_s, u"Another program keeps it locked."_s); // outlives the last wait
-    BusyWait wait;
-    auto database = openStoreBeside(*path, wait);
-    if (!database)
-        return refuse(database.error());
-    StoreGuard store(*std::move(database), *path, wait);
-    wait.setWatcher([&sign] { sign.show(); });
-    log.probe();
-    const CashStation cash = {drawerName(line.drawer, {savedSetting, saveSetting}),
-                              std::make_shared<FileRunLocks>(*path)};
-    return sell(line, store, cash, wait, notice);
+    return runTillProgram(line, *path, notice, log);
 }
 
 /// Needs no display.

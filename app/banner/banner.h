@@ -17,6 +17,7 @@ enum class BannerTopic {
     FirstSteps, ///< what to do first in a shop without items
     Reader,     ///< that a code reader is gone, or back
     Renamed,    ///< that an item which was sold has another name now
+    Server,     ///< that the server is gone, or the shop unprotected
     Change,     ///< what the customer gets back, until the next item
     Cart,       ///< what became of the whole cart
     Code,       ///< what became of the last code, until the next one

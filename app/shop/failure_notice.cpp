@@ -104,6 +104,38 @@ void FailureNotice::add(const DbFailure &failure) noexcept
     }
 }
 
+void FailureNotice::addDoubtful(const DbFailure &failure) noexcept
+try {
+    if (failure.kind == DbFailure::Kind::Write)
+        present({{},
+                 doubtfulWork(failure),
+                 failureReason(failure),
+                 u"Do not do it again: as soon as the server answers, the till finds out and says so here."_s,
+                 true,
+                 true,
+                 Notice::Outcome::NotKnown});
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A failure could not be shown:" << error.what();
+}
+
+void FailureNotice::settle(const QString &statement, bool isDone) noexcept
+try {
+    const QString doubtful = doubtfulWork({DbFailure::Kind::Write, statement, {}});
+    const auto same = [&](const Line &line) { return line.notice.work == doubtful; };
+    if (const auto line = std::find_if(m_lines.begin(), m_lines.end(), same);
+        line != m_lines.end() && --line->count == 0)
+        m_lines.erase(line);
+    present({{},
+             settledWork(statement, isDone),
+             u"the server has been asked"_s,
+             isDone ? u"Nothing is left to do."_s : u"Do the step again, if it is still wanted."_s,
+             true,
+             true,
+             Notice::Outcome::Settled});
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
+}
+
 void FailureNotice::tell(const Notice &notice) noexcept
 try {
     const std::pair cause(notice.subject, notice.reason);
@@ -167,14 +199,29 @@ void FailureNotice::note(const Notice &notice)
         *line = Line{notice, line->count + 1};
 }
 
+/// What is worst of all that is shown.
+QString FailureNotice::heading() const
+{
+    using Outcome = Notice::Outcome;
+    const auto any = [this](auto isSo) {
+        return std::any_of(m_lines.cbegin(), m_lines.cend(), [&](const Line &line) { return isSo(line.notice); });
+    };
+    const auto isNotDone = [](const Notice &notice) { return notice.outcome == Outcome::NotDone; };
+    if (any([&](const Notice &notice) { return isNotDone(notice) && notice.isOfData; }))
+        return u"\u26a0 Not saved (%1)"_s;
+    if (any(isNotDone))
+        return u"\u26a0 Not done (%1)"_s;
+    if (any([](const Notice &notice) { return notice.outcome == Outcome::NotKnown; }))
+        return u"\u26a0 Not known whether it was saved (%1)"_s;
+    return u"Known now (%1)"_s;
+}
+
 void FailureNotice::showLines()
 {
     const QString first = clockTime(m_first);
     const QString last = clockTime(QDateTime::currentDateTime());
     const QString time = first == last ? first : u"%1 to %2"_s.arg(first, last);
-    const bool isOfData =
-        std::any_of(m_lines.cbegin(), m_lines.cend(), [](const Line &line) { return line.notice.isOfData; });
-    m_heading->setText((isOfData ? u"\u26a0 Not saved (%1)"_s : u"\u26a0 Not done (%1)"_s).arg(time));
+    m_heading->setText(heading().arg(time));
     QStringList works;
     QStringList reasons;
     QStringList advices;

@@ -27,6 +27,12 @@ struct Notice
     QString advice;         ///< what to do about it
     bool isCounted = false; ///< says how often it has happened
     bool isOfData = true;   ///< something was not saved; otherwise it was not done
+    enum class Outcome {
+        NotDone,
+        NotKnown, ///< nobody can say yet whether it was done
+        Settled,  ///< that was so, and is known now
+    };
+    Outcome outcome = Outcome::NotDone;
 };
 
 /// The failure notice: a small window that says which writes failed, when, why, and what to do. It takes no focus,
@@ -41,6 +47,11 @@ public:
     /// Shows a failed write; a failed read only leaves a list empty, and the log tells of it. Never enters an event
     /// loop, so it may be called in the middle of a sale.
     void add(const DbFailure &failure) noexcept;
+
+    /// Shows a write of which nobody can say yet whether it was done.
+    void addDoubtful(const DbFailure &failure) noexcept;
+    /// What became of it in the end: takes the place of what was shown, and is shown also when that was dismissed.
+    void settle(const QString &statement, bool isDone) noexcept;
 
     /// Shows a notice, once for each subject and reason: after it was dismissed, the same one is shown again only after
     /// tellOver() of its subject.
@@ -66,6 +77,7 @@ private:
     void layOut();
     void present(const Notice &notice);
     void note(const Notice &notice);
+    [[nodiscard]] QString heading() const;
     void showLines();
     void keepClear();
 

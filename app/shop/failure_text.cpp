@@ -60,6 +60,44 @@ bool isTriedAgain(const DbFailure &failure)
            targetOf(failure.statement).table == u"HARROWBYRUN"_s;
 }
 
+/// Of an engine that says by SQLSTATE why it failed: a server.
+QString serverAdvice(const QString &state, const QString &again)
+{
+    if (state == u"08001"_s || state == u"08006"_s || state == u"57014"_s)
+        return u"See whether the server is switched on, and this till on the shop's network, %1."_s.arg(again);
+    if (state == u"08004"_s || state.startsWith(u"28"_s))
+        return u"The server does not let this till in any more. Install there what harrowby-server add-till writes."_s;
+    if (state == u"25006"_s)
+        return u"This server is a standby. If the shop's server has died, run harrowby-server promote, %1."_s.arg(
+            again);
+    if (state == u"53100"_s)
+        return u"The server's disk is full. Free some space there, %1."_s.arg(again);
+    if (state == u"53300"_s)
+        return u"Too many tills and offices are connected. Close one, %1."_s.arg(again);
+    if (state == u"55P03"_s || state == u"40P01"_s)
+        return u"Another till or the office keeps it locked. Wait until that is done, %1."_s.arg(again);
+    if (state == u"42501"_s)
+        return u"This machine may not do that on the server. Use one that is enrolled as an office."_s;
+    if (state.startsWith(u"23"_s))
+        return u"The store has a rule against it. Change the entry, or the rule."_s;
+    return u"On the server, harrowby-server status says how it is. Then do the step again."_s;
+}
+
+/// "The purchase was not recorded." as "The purchase was recorded."
+QString doneWork(const DbFailure &failure)
+{
+    static const QRegularExpression denial(u"\\b(was|were) not "_s);
+    QString work = failedWork(failure);
+    if (const auto match = denial.match(work); match.hasMatch())
+        work.replace(match.capturedStart(), match.capturedLength(), match.captured(1) + u' ');
+    return work;
+}
+
+QString withinSentence(const QString &sentence)
+{
+    return sentence.left(1).toLower() + sentence.mid(1);
+}
+
 } // namespace
 
 QString failedWork(const DbFailure &failure)
@@ -104,6 +142,8 @@ QString failureAdvice(const DbFailure &failure)
         return u"Change the name or ID: it holds a character that the store cannot look for, such as a single quote."_s;
     if (failure.engineCode == SQLITE_READONLY_DBMOVED)
         return u"Nothing is being saved any more. Stop here and follow the box in front."_s;
+    if (!failure.engineState.isEmpty())
+        return serverAdvice(failure.engineState, again);
     switch (failure.engineCode & 0xff) {
     case SQLITE_FULL:
         return u"The disk is full. Free some space, %1."_s.arg(again);
@@ -124,6 +164,17 @@ QString failureAdvice(const DbFailure &failure)
     default:
         return u"A table or a column of the store file may be missing. Close the till and check the file."_s;
     }
+}
+
+QString doubtfulWork(const DbFailure &failure)
+{
+    return u"It is not known whether "_s + withinSentence(doneWork(failure));
+}
+
+QString settledWork(const QString &statement, bool isDone)
+{
+    const DbFailure write = {DbFailure::Kind::Write, statement, {}};
+    return u"Known now: "_s + withinSentence(isDone ? doneWork(write) : failedWork(write));
 }
 
 QString failureWords(const QString &work, const DbFailure &failure)

@@ -12,6 +12,10 @@ namespace harrowby::app {
 
 /// What has not been done, for example "The purchase was not recorded."
 [[nodiscard]] QString failedWork(const DbFailure &failure);
+/// The same of a write of which nobody can say yet whether it was done.
+[[nodiscard]] QString doubtfulWork(const DbFailure &failure);
+/// And once somebody can. `statement` as in DbFailure.
+[[nodiscard]] QString settledWork(const QString &statement, bool isDone);
 /// Why, in one short line.
 [[nodiscard]] QString failureReason(const DbFailure &failure);
 /// What to do about it.

@@ -2,18 +2,13 @@
 #include "app/shop/store_opening.h"
 
 #include "app/shop/busy_wait.h"
+#include "app/shop/opening_window.h"
 #include "app/shop/store_open.h"
 #include "app/shop/wait_times.h"
-#include "theme/dialogs.h"
 
-#include <QCloseEvent>
-#include <QDialog>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QLabel>
-#include <QProgressBar>
 #include <QTimer>
-#include <QVBoxLayout>
 
 #include <future>
 #include <memory>
@@ -24,44 +19,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-constexpr int usualWidth = 460;
-
-/// Opening ends by itself, so there is nothing to press.
-class OpeningWindow : public QDialog
-{
-public:
-    explicit OpeningWindow(const QString &text) : QDialog(nullptr, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
-    {
-        setWindowTitle(u"Harrowby Inventory"_s);
-        setObjectName(u"openingWindow"_s);
-        setMinimumWidth(usualWidth);
-        enlargeFont(*this);
-        m_text = new QLabel(text, this);
-        m_text->setObjectName(u"openingText"_s);
-        m_text->setTextFormat(Qt::PlainText);
-        m_text->setWordWrap(true);
-        auto *moving = new QProgressBar(this);
-        moving->setRange(0, 0);
-        moving->setTextVisible(false);
-        moving->setAccessibleName(u"Opening the store"_s);
-        auto *rows = new QVBoxLayout(this);
-        rows->setContentsMargins(24, 20, 24, 20);
-        rows->setSpacing(16);
-        rows->addWidget(m_text);
-        rows->addWidget(moving);
-        dressDialog(*this);
-    }
-
-    void say(const QString &text) { m_text->setText(text); }
-    void reject() override {}
-
-protected:
-    void closeEvent(QCloseEvent *event) override { event->ignore(); }
-
-private:
-    QLabel *m_text = nullptr;
-};
 
 /// The window that says what the opening waits for. Made only after `wait_times::quiet`, as most stores are open
 /// before.

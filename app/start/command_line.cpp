@@ -4,6 +4,7 @@
 #include "app/shop/errand_names.h"
 #include "app/shop/file_facts.h"
 #include "app/start/look_choice.h"
+#include "basic/store_address.h"
 
 #include <QFileInfo>
 
@@ -113,10 +114,11 @@ private:
     {
         const QString file = hasValue ? value : takeValue();
         if (file.isEmpty())
-            return fail(u"--database needs the name of a file."_s);
+            return fail(u"--database needs the name of a file, or the address of a server."_s);
         if (!m_result.database.isEmpty())
-            return fail(u"--database is given twice; a till sells from one store file."_s);
-        m_result.database = file == memoryName ? file : QFileInfo(file).absoluteFilePath();
+            return fail(u"--database is given twice; a till sells from one store."_s);
+        const bool isPath = file != memoryName && !isServer(file);
+        m_result.database = isPath ? QFileInfo(file).absoluteFilePath() : file;
     }
 
     void readDrawer(const QString &value)
@@ -201,6 +203,8 @@ QString helpText()
            "Point of sale and stock inventory for one shop counter.\n"
            "\n"
            "  --database FILE  open this store file; a new one is created when it does not exist\n"
+           "  --database postgresql://HOST/NAME, --database service=NAME\n"
+           "                   open the store on this server, as libpq finds it; see \"A shop with several tills\"\n"
            "  --demo           open the demo shop\n"
            "  --office         open the store's office instead of the till: what is in stock, users and their rights,\n"
            "                   receipts, backups; asks for user name and password\n"

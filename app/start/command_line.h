@@ -20,7 +20,7 @@ struct CommandLine
     bool office = false;        ///< the store's own windows instead of the till
     bool touchKeyboard = false; ///< Qt's keyboard on the screen
     bool noPlugins = false;     ///< no foreign component is loaded
-    QString database;           ///< absolute path, or memoryName; empty when the option was not given
+    QString database;           ///< absolute path, memoryName or a server's address; empty when it was not given
     QString drawer;             ///< the name of this till's drawer; empty when the option was not given
     /// Number or name of the customer's screen, empty for the second one; nothing when the option was not given.
     std::optional<QString> customerDisplay;

@@ -153,15 +153,20 @@ QString MissedStock::nameInCart(const QString &stockId) const
     return {};
 }
 
-void followMissedStock(FindingConnection &connection, MissedStock &missed, FailureNotice &notice)
+void tellMissedStock(const MissedStock &missed, FailureNotice &notice)
 {
-    connection.setMissHandler([&missed](const StockMiss &miss) { missed.note(miss); });
     QObject::connect(&missed, &MissedStock::notChanged, &notice,
                      [&notice](const QString &work, const QString &reason, const QString &advice) {
                          const auto subject = u"missed stock"_s;
                          notice.tellOver(subject); // each is told, also when one like it was dismissed
                          notice.tell({subject, work, reason, advice});
                      });
+}
+
+void followMissedStock(FindingConnection &connection, MissedStock &missed, FailureNotice &notice)
+{
+    connection.setMissHandler([&missed](const StockMiss &miss) { missed.note(miss); });
+    tellMissedStock(missed, notice);
 }
 
 } // namespace harrowby::app

@@ -67,6 +67,8 @@ private:
 class FailureNotice;
 class FindingConnection;
 
+/// Has the notice tell of what cannot be put right; it must outlive it.
+void tellMissedStock(const MissedStock &missed, FailureNotice &notice);
 /// Has the connection tell of what it misses, and the notice of what cannot be put right. `missed` and `notice` must
 /// outlive the connection's last statement, or its handler be removed.
 void followMissedStock(FindingConnection &connection, MissedStock &missed, FailureNotice &notice);

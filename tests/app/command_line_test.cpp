@@ -81,6 +81,12 @@ void CommandLineTest::databaseBecomesAbsolute_data()
     QTest::newRow("one word") << QStringList{u"--database=/a=b"_s} << u"/a=b"_s;
     QTest::newRow("relative") << QStringList{u"--database"_s, u"x y"_s} << QDir::current().filePath(u"x y"_s);
     QTest::newRow("no file") << QStringList{u"--database"_s, u":memory:"_s} << u":memory:"_s;
+    QTest::newRow("a server") << QStringList{u"--database"_s, u"postgresql://till.shop/shop"_s}
+                              << u"postgresql://till.shop/shop"_s;
+    QTest::newRow("a service") << QStringList{u"--database=service=shop"_s} << u"service=shop"_s;
+    QTest::newRow("a service, in two words") << QStringList{u"--database"_s, u"service=shop"_s} << u"service=shop"_s;
+    QTest::newRow("a file like a service")
+        << QStringList{u"--database=./service=shop"_s} << QDir::current().filePath(u"service=shop"_s);
     QTest::newRow("like an option") << QStringList{u"--database"_s, u"--demo"_s}
                                     << QDir::current().filePath(u"--demo"_s);
 }
@@ -198,9 +204,9 @@ void CommandLineTest::optionsOfQtPass()
 void CommandLineTest::helpNamesEveryOption()
 {
     for (const QString &option :
-         {u"--database FILE"_s, u"--demo"_s, u"--drawer NAME"_s, u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s,
-          u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s, u"--restore FILE"_s, u"--customer-display [SCREEN]"_s,
-          u"--verbose"_s, u"--help"_s, u"--version"_s})
+         {u"--database FILE"_s, u"--database postgresql://"_s, u"service=NAME"_s, u"--demo"_s, u"--drawer NAME"_s,
+          u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s,
+          u"--restore FILE"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "app/server/input_dam.h"
+
+#include <QCoreApplication>
+#include <QInputEvent>
+#include <QMouseEvent>
+
+namespace harrowby::app {
+
+InputDam::InputDam(QObject *parent) : QObject(parent) {}
+
+std::chrono::milliseconds InputDam::now()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void InputDam::hold(std::chrono::milliseconds begin, std::chrono::milliseconds end)
+{
+    m_begin = begin;
+    m_end = end;
+    // Each time: the filter that was installed last is asked first.
+    QCoreApplication::instance()->removeEventFilter(this);
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+/// X servers count in 32 bits.
+bool InputDam::isWithin(quint64 time) const
+{
+    const auto begin = static_cast<quint32>(m_begin.count());
+    const auto end = static_cast<quint32>(m_end.count());
+    return time != 0 && static_cast<quint32>(time) - begin <= end - begin;
+}
+
+bool InputDam::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: {
+        const auto *press = static_cast<QMouseEvent *>(event);
+        m_kept.setFlag(press->button(), isWithin(press->timestamp()));
+        return m_kept.testFlag(press->button());
+    }
+    case QEvent::MouseButtonRelease: {
+        const Qt::MouseButton button = static_cast<QMouseEvent *>(event)->button();
+        return m_kept.testFlag(button);
+    }
+    case QEvent::ShortcutOverride:
+    case QEvent::KeyPress:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TabletPress:
+        if (!isWithin(static_cast<QInputEvent *>(event)->timestamp()))
+            break;
+        event->accept(); // of a ShortcutOverride: no shortcut either
+        return true;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace harrowby::app

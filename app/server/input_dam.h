@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+#include <chrono>
+
+namespace harrowby::app {
+
+/// Keeps out what was pressed and typed while the program was waiting: it lies in the queue when the event loop runs
+/// again, and would hit what has come up meanwhile. The release of a button or key that was pressed before passes.
+///
+/// The times of input events are the X server's or the compositor's, which on one machine are the steady clock's.
+class InputDam final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit InputDam(QObject *parent = nullptr);
+
+    /// From `begin` until `end`, in milliseconds of the steady clock; a later period takes the place of one before it.
+    void hold(std::chrono::milliseconds begin, std::chrono::milliseconds end);
+
+    [[nodiscard]] static std::chrono::milliseconds now();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    [[nodiscard]] bool isWithin(quint64 time) const;
+
+    std::chrono::milliseconds m_begin{0};
+    std::chrono::milliseconds m_end{0};
+    Qt::MouseButtons m_kept; ///< pressed within it, and not released yet
+};
+
+} // namespace harrowby::app

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "app/server/sale_follower.h"
+
+#include "app/shop/failure_notice.h"
+#include "app/shop/failure_text.h"
+#include "basic/logging.h"
+#include "basic/numbers.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+constexpr int retryMs = 300; ///< while a box is open
+
+QString lineWords(const StockMiss &line)
+{
+    return u"%1 x %2 (%3)"_s.arg(plainText(line.units), line.name, line.stockId);
+}
+
+} // namespace
+
+SaleFollower::SaleFollower(Counter &counter, FailureNotice &notice, QObject *parent) :
+    QObject(parent), m_counter(counter), m_notice(notice)
+{
+    connect(&m_counter, &Counter::purchased, this, &SaleFollower::follow);
+    connect(&m_counter, &Counter::loggedIn, this, &SaleFollower::bringBack);
+}
+
+void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
+{
+    if (failure.kind != DbFailure::Kind::Write)
+        return;
+    const auto line = missOf(failure.statement);
+    if (line && line->kind == StockMiss::Kind::NotLowered)
+        m_misses << Miss{failure, outcome, *line}; // told with its purchase
+    else if (outcome == WriteOutcome::Refused && failure.statement == "INSERT PurchaseCart"_L1)
+        m_row = failure;
+    else if (outcome == WriteOutcome::Unknown)
+        m_notice.addDoubtful(failure);
+    else
+        m_notice.add(failure);
+}
+
+void SaleFollower::settle(const QString &statement, bool isDone)
+{
+    const auto line = missOf(statement);
+    if (!line || line->kind != StockMiss::Kind::NotLowered)
+        return m_notice.settle(statement, isDone);
+    const QString work = isDone ? u"Known now: the stock of %1 was lowered."_s
+                                : u"Known now: %1 was sold, but its stock was not lowered."_s;
+    const auto subject = u"settled line"_s;
+    m_notice.tellOver(subject); // each is told
+    m_notice.tell({subject, work.arg(lineWords(*line)), u"the server has been asked"_s,
+                   isDone ? u"Nothing is left to do."_s : u"Have the item counted."_s, true, true,
+                   Notice::Outcome::Settled});
+}
+
+void SaleFollower::follow(const CounterPurchase &purchase)
+{
+    const QList<Miss> misses = std::exchange(m_misses, {});
+    const auto row = std::exchange(m_row, std::nullopt);
+    const auto isRefused = [](const Miss &miss) { return miss.outcome == WriteOutcome::Refused; };
+    const bool isNothingDone = purchase.row == CounterPurchase::Row::NotWritten && !purchase.lines.empty() &&
+                               misses.size() == static_cast<qsizetype>(purchase.lines.size()) &&
+                               std::all_of(misses.cbegin(), misses.cend(), isRefused);
+    if (!isNothingDone && row)
+        m_notice.add(*row);
+    if (!isNothingDone) {
+        for (const Miss &miss : misses)
+            tell(miss, purchase.id);
+        return;
+    }
+    m_back.push_back({purchase.id, purchase.lines});
+    m_notice.tell({u"cart "_s + purchase.id,
+                   u"Nothing of the purchase %1 was sold, and its cart is kept."_s.arg(purchase.id),
+                   failureReason(misses.constFirst().failure),
+                   u"It comes back into the counter. A receipt that was printed for it is void."_s});
+    bringBack();
+}
+
+void SaleFollower::tell(const Miss &miss, const QString &purchaseId)
+{
+    const bool isKnown = miss.outcome == WriteOutcome::Refused;
+    const QString work = isKnown ? u"%1 sold, but the stock was not lowered (purchase %2)."_s
+                                 : u"%1 sold; it is not known whether the stock was lowered (purchase %2)."_s;
+    m_notice.tell({u"line "_s + purchaseId + miss.line.stockId, work.arg(lineWords(miss.line), purchaseId),
+                   failureReason(miss.failure),
+                   isKnown ? u"Have the item counted."_s
+                           : u"As soon as the server answers, the till finds out and says so here."_s,
+                   false, true, isKnown ? Notice::Outcome::NotDone : Notice::Outcome::NotKnown});
+}
+
+/// After a logout there is no counter to put it into until somebody logs in.
+void SaleFollower::bringBack()
+{
+    while (!m_back.empty() && m_counter.user()) {
+        std::vector<CounterMisfit> misfits;
+        const CounterAnswer answer = m_counter.putCart(m_back.front().lines, misfits);
+        if (answer == CounterAnswer::Busy) {
+            QTimer::singleShot(retryMs, this, &SaleFollower::bringBack);
+            return;
+        }
+        if (answer != CounterAnswer::Done) {
+            qCWarning(lcWindow) << "A cart could not be put back into the counter";
+            return;
+        }
+        const Cart back = std::move(m_back.front());
+        m_back.erase(m_back.begin());
+        Q_EMIT cartIsBack(back.purchaseId);
+    }
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/search/stock_miss.h"
+
+#include <harrowby/counter.h>
+#include <harrowby/db_connection.h>
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace harrowby::app {
+
+class FailureNotice;
+
+/// What becomes of a purchase while the server fails. The component goes on to the end whatever fails, and then its
+/// cart is empty. Where not one line and not the purchase itself has been written, nothing has been sold, and the cart
+/// comes back; otherwise each line that was not written is told by its item.
+class SaleFollower final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both must outlive it.
+    SaleFollower(Counter &counter, FailureNotice &notice, QObject *parent = nullptr);
+
+    /// A write of the component's has failed. To be called in the middle of the till's work.
+    void note(const DbFailure &failure, WriteOutcome outcome);
+
+    /// Of a write that was not known, it is known now. Likewise.
+    void settle(const QString &statement, bool isDone);
+
+Q_SIGNALS:
+    /// The cart of a purchase of which nothing was written is in the counter again.
+    void cartIsBack(const QString &purchaseId);
+
+private:
+    struct Miss
+    {
+        DbFailure failure;
+        WriteOutcome outcome;
+        StockMiss line; ///< of the purchase
+    };
+    struct Cart
+    {
+        QString purchaseId;
+        std::vector<CounterLine> lines;
+    };
+
+    void follow(const CounterPurchase &purchase);
+    void tell(const Miss &miss, const QString &purchaseId);
+    void bringBack();
+
+    Counter &m_counter;
+    FailureNotice &m_notice;
+    QList<Miss> m_misses; ///< of a purchase that has not been told yet
+    std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
+    std::vector<Cart> m_back; ///< that are to come back
+};
+
+} // namespace harrowby::app

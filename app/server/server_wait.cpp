@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "app/server/server_wait.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// The hook is called every 50 ms at most; what comes later belongs to another wait.
+constexpr auto longestGap = 150ms;
+/// Before the hook is called first.
+constexpr auto unheard = 50ms;
+
+} // namespace
+
+ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) :
+    QObject(parent), m_clock(clock ? std::move(clock) : Clock(InputDam::now)), m_sign(WaitWords{}), m_giveUp(display)
+{
+}
+
+bool ServerWait::goesOn(const DbWait &wait)
+{
+    const Milliseconds now = m_clock();
+    if (now - m_last > longestGap)
+        m_began = now - unheard;
+    m_last = now;
+    if (now - m_began < quiet)
+        return true;
+    m_dam.hold(m_began, now + unheard);
+    m_sign.keepShowing(wordsOf(wait));
+    m_giveUp.offer(m_sign.button());
+    if (!std::exchange(m_isShown, true))
+        QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
+    return !(m_giveUp.wasPressed() && wait.mayGiveUp);
+}
+
+void ServerWait::end()
+{
+    m_isShown = false;
+    m_giveUp.offer({});
+    m_sign.hide();
+}
+
+WaitWords ServerWait::wordsOf(const DbWait &wait) const
+{
+    WaitWords words{u"Waiting for the server"_s, {}};
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_last - m_began).count();
+    const QString time = seconds > 0 ? u" (%1 s)"_s.arg(seconds) : QString();
+    switch (wait.what) {
+    case DbWait::For::Connection:
+        words.text = u"The server cannot be reached. Trying again%1 \u2026"_s.arg(time);
+        break;
+    case DbWait::For::Lock:
+        words.text = u"Another till or the office keeps what is needed locked%1."_s.arg(time);
+        break;
+    default:
+        words.text = u"The server has not answered yet%1."_s.arg(time);
+    }
+    if (wait.mayGiveUp && m_giveUp.canBeOffered())
+        words.button = u"Give up (Esc)"_s;
+    return words;
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "app/server/server_watch.h"
+
+#include "app/records/store_records.h"
+#include "basic/logging.h"
+
+#include <exception>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace harrowby::app {
+
+ServerWatch::ServerWatch(QString store, std::chrono::milliseconds every, QObject *parent) :
+    QObject(parent), m_store(std::move(store)), m_every(every)
+{
+    m_thread = std::jthread([this] { run(); });
+}
+
+ServerWatch::~ServerWatch()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ends = true;
+        if (m_records)
+            m_records->interrupt();
+    }
+    m_wake.notify_all();
+    m_thread.join();
+}
+
+void ServerWatch::run()
+try {
+    do {
+        const State state = ask();
+        if (state == m_last && !state.protection.isEmpty())
+            continue;
+        m_last = state;
+        QMetaObject::invokeMethod(
+            this, [this, state] { take(state); }, Qt::QueuedConnection);
+    } while (pause());
+} catch (const std::exception &error) {
+    qCWarning(lcStore) << "The server is not watched any more:" << error.what();
+}
+
+void ServerWatch::take(const State &state)
+{
+    const State before = std::exchange(m_state, state);
+    if (before == state)
+        return;
+    Q_EMIT changed(state);
+    if (state.isReached && !before.isReached)
+        Q_EMIT cameBack();
+}
+
+bool ServerWatch::pause()
+{
+    std::unique_lock lock(m_mutex);
+    return !m_wake.wait_for(lock, m_every, [this] { return m_ends; });
+}
+
+bool ServerWatch::reach()
+{
+    if (m_records)
+        return true;
+    auto opened = openStoreRecords(m_store, Access::Read);
+    const std::lock_guard lock(m_mutex);
+    if (!opened || m_ends)
+        return false;
+    m_records = *std::move(opened);
+    return true;
+}
+
+ServerWatch::State ServerWatch::ask()
+{
+    if (!reach())
+        return {false, m_last.protection};
+    const auto select = m_tellsProtection ? u"select harrowby.protection()"_s : u"select 'single'"_s;
+    const auto answer = m_records->records().read({select, {}});
+    if (answer && !answer->isEmpty())
+        return {true, recordText(answer->constFirst().constFirst())};
+    constexpr auto noSuchFunction = "42883"_L1;
+    if (!answer && answer.error().engineState == noSuchFunction) { // a server that was not set up by the script
+        m_tellsProtection = false;
+        return {true, u"single"_s};
+    }
+    const std::lock_guard lock(m_mutex);
+    m_records.reset();
+    return {false, m_last.protection};
+}
+
+} // namespace harrowby::app

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace harrowby::app {
+
+class StoreRecords;
+
+/// Asks the server again and again, on a thread and over a session of its own, how it is: a till that nobody touches
+/// learns of it, too, and no press waits for it.
+class ServerWatch final : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct State
+    {
+        bool isReached = true;
+        /// 'single', 'protected', 'waiting' or 'alone', as the server last said it; empty before.
+        QString protection;
+        bool operator==(const State &) const = default;
+    };
+
+    /// Begins with the first state; `every` is the pause between two questions.
+    explicit ServerWatch(QString store, std::chrono::milliseconds every = std::chrono::seconds(3),
+                         QObject *parent = nullptr);
+    /// Waits until what is being asked is broken off.
+    ~ServerWatch() override;
+
+    [[nodiscard]] const State &state() const { return m_state; }
+
+Q_SIGNALS:
+    void changed(const harrowby::app::ServerWatch::State &state);
+    /// The server answers again after it had not.
+    void cameBack();
+
+private:
+    void run();
+    [[nodiscard]] State ask();
+    [[nodiscard]] bool reach();
+    /// False when the watch ends.
+    [[nodiscard]] bool pause();
+    void take(const State &state);
+
+    const QString m_store;
+    const std::chrono::milliseconds m_every;
+    State m_state;
+
+    // The thread's own.
+    State m_last;
+    bool m_tellsProtection = true; ///< the server knows the question
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_ends = false;
+    std::unique_ptr<StoreRecords> m_records; ///< made and unmade under the mutex, used by the thread alone
+    std::jthread m_thread;
+};
+
+} // namespace harrowby::app

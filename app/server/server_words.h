@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/server_engine.h"
+
+#include <QString>
+
+namespace harrowby::app {
+
+/// Why a store on a server cannot be opened, a line break, and what to do. `store` is its address.
+[[nodiscard]] QString problemWords(const ServerProblem &problem, const QString &store);
+
+/// The server has the store, and nobody who could log in; this machine may not add the first one.
+[[nodiscard]] QString nobodyYetWords(const QString &store);
+
+} // namespace harrowby::app
