@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/counter_statements.h"
 
-#include "app/search/search_statement.h"
 #include "basic/dates.h"
 #include "basic/item_key.h"
 #include "bench/catalogue.h"
@@ -84,11 +83,6 @@ RawStatements reorderStatements(int row, const QStringList &texts, const QDateTi
 RawStatements saleCategoryStatements(const QString &category)
 {
     return {readRows(statements::stockItems(false, category), {"StockID", "StockName"})};
-}
-
-RawStatements searchStatements(const QString &text)
-{
-    return {{app::findingStatement().toUtf8(), {"StockID", "StockName", "StockCategory"}, {text.toUpper().toUtf8()}}};
 }
 
 RawStatements undoStatements(const QString &purchaseId, const QStringList &keys, const QDateTime &now, int offset)

@@ -16,7 +16,6 @@ namespace harrowby::bench {
 [[nodiscard]] RawStatements reorderStatements(int row, const QStringList &texts, const QDateTime &now, int offset);
 [[nodiscard]] RawStatements saleCategoryStatements(const QString &category);
 /// With the store program's comparison, which the connection must know.
-[[nodiscard]] RawStatements searchStatements(const QString &text);
 /// Takes back a purchase of one unit of each key.
 [[nodiscard]] RawStatements undoStatements(const QString &purchaseId, const QStringList &keys, const QDateTime &now,
                                            int offset);

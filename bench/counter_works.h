@@ -7,9 +7,9 @@ namespace harrowby::bench {
 
 /// Measures what the manager does at the counter: stock, custom sale, undo and deletion.
 /// Throws std::runtime_error when a piece of work does not do what it should.
-[[nodiscard]] std::vector<Line> measureCounter(sqlite3 *database, const WorksOptions &options);
+[[nodiscard]] std::vector<Line> measureCounter(MeasuredStore &store, const WorksOptions &options);
 
 /// How filling the stock list grows from a small shop to a big one.
-[[nodiscard]] Line measureListGrowth(sqlite3 *small, sqlite3 *big, const WorksOptions &options);
+[[nodiscard]] Line measureListGrowth(MeasuredStore &small, MeasuredStore &big, const WorksOptions &options);
 
 } // namespace harrowby::bench

@@ -64,8 +64,8 @@ RawStatements recallStatements(const QStringList &keys, const QDateTime &now)
 class HoldBench
 {
 public:
-    HoldBench(sqlite3 *database, const WorksOptions &options) :
-        m_database(database), m_till(database, options.now), m_measuring(database, options, m_till), m_records(database)
+    HoldBench(MeasuredStore &store, const WorksOptions &options) :
+        m_store(store), m_till(store, options.now), m_measuring(store, options, m_till), m_records(store.database())
     {
     }
 
@@ -74,9 +74,9 @@ public:
 private:
     bool hold();
     bool recall();
-    void dropRaw() const;
+    void dropRaw();
 
-    sqlite3 *m_database;
+    MeasuredStore &m_store;
     Till m_till;
     Measuring m_measuring;
     app::SqliteRecords m_records;
@@ -103,10 +103,10 @@ bool HoldBench::recall()
 }
 
 /// What the statements by hand have held.
-void HoldBench::dropRaw() const
+void HoldBench::dropRaw()
 {
-    require(runRaw(m_database, {raw("delete from HarrowbyHeld where HeldID = ?", {"raw"}),
-                                raw("delete from HarrowbyHeldLine where HeldID = ?", {"raw"})}),
+    checked(m_store.rawMs({raw("delete from HarrowbyHeld where HeldID = ?", {"raw"}),
+                           raw("delete from HarrowbyHeldLine where HeldID = ?", {"raw"})}),
             u"emptying the list of held carts"_s);
 }
 
@@ -116,7 +116,7 @@ std::vector<Line> HoldBench::run()
     m_keys = m_till.keysInCart();
     require(hold(), u"the first hold"_s); // makes the tables
     m_measuring.measure(
-        u"hold a cart of 50 lines until the empty one is painted"_s, {1.5, 2.0},
+        u"hold a cart of 50 lines until the empty one is painted"_s, {{1.5, 2.0}},
         [this] { return timed([this] { return hold(); }); }, [this] { return holdStatements(m_keys); },
         [this] {
             dropRaw();
@@ -124,11 +124,11 @@ std::vector<Line> HoldBench::run()
         });
     const auto heldAgain = [this] {
         dropRaw();
-        require(runRaw(m_database, holdStatements(m_keys)), u"hold by hand"_s);
+        checked(m_store.rawMs(holdStatements(m_keys)), u"hold by hand"_s);
         require(m_till.cartLines() == 0 || hold(), u"hold"_s);
     };
     m_measuring.measure(
-        u"recall it until cart and total are painted"_s, {1.5, 2.0},
+        u"recall it until cart and total are painted"_s, {{1.5, 2.0}},
         [this] { return timed([this] { return recall(); }); },
         [this] { return recallStatements(m_keys, m_till.now()); }, heldAgain);
     dropRaw();
@@ -137,10 +137,10 @@ std::vector<Line> HoldBench::run()
 
 } // namespace
 
-std::vector<Line> measureHold(sqlite3 *database, const WorksOptions &options)
+std::vector<Line> measureHold(MeasuredStore &store, const WorksOptions &options)
 {
     (void)harrowby::Counter::instance(); // before the window that it is to know
-    return HoldBench(database, options).run();
+    return HoldBench(store, options).run();
 }
 
 } // namespace harrowby::bench

@@ -7,6 +7,6 @@ namespace harrowby::bench {
 
 /// Measures putting a cart of 50 lines aside, and bringing it back.
 /// Throws std::runtime_error when a piece of work does not do what it should.
-[[nodiscard]] std::vector<Line> measureHold(sqlite3 *database, const WorksOptions &options);
+[[nodiscard]] std::vector<Line> measureHold(MeasuredStore &store, const WorksOptions &options);
 
 } // namespace harrowby::bench

@@ -7,6 +7,7 @@
 #include "bench/report.h"
 #include "bench/report_work.h"
 #include "bench/resident.h"
+#include "bench/server_works.h"
 #include "bench/shop_file.h"
 #include "bench/works.h"
 
@@ -41,6 +42,7 @@ struct Plan
     bool counterOnly = false;
     bool reportOnly = false;
     bool officeOnly = false;
+    bool serverOnly = false;
     qint64 comparedAt = 0;                ///< items of the shop in which growth and memory are measured
     std::optional<CatalogueSize> frame;   ///< the shop in which a press and a scan must end within a frame
     CatalogueSize office = {100'000, 10}; ///< the shop whose lists are imported and exported
@@ -80,6 +82,7 @@ Plan planFor(const QCommandLineParser &options)
     plan.counterOnly = options.isSet(u"counter"_s);
     plan.reportOnly = options.isSet(u"report"_s);
     plan.officeOnly = options.isSet(u"office"_s);
+    plan.serverOnly = options.isSet(u"server"_s);
     return plan;
 }
 
@@ -103,7 +106,8 @@ private:
     void add(Line line, double limit);
     void addResident(const QString &name, const char *window, const CatalogueSize &size, double limitMb);
     void addOffice();
-    void compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size);
+    void addServer();
+    void compare(ShopFile &smallest, ShopFile &shop, const CatalogueSize &size);
 
     Plan m_plan;
     QString m_folder;
@@ -121,29 +125,41 @@ void Measurement::addOffice()
     add(measureActivity(*shop, qint64{10} * size.items, m_plan.officeRuns));
 }
 
+/// The counter's lines on a private server.
+void Measurement::addServer()
+{
+    const CatalogueSize &size = m_plan.sizes.back();
+    const std::unique_ptr<ShopFile> shop = makeShop(size);
+    add(measureServer(*shop, {size.items, m_plan.runs, m_now}));
+}
+
 std::vector<Line> Measurement::run()
 {
+    if (m_plan.serverOnly) {
+        addServer();
+        return m_lines;
+    }
     if (m_plan.officeOnly) {
         addOffice();
         return m_lines;
     }
     std::vector<std::unique_ptr<ShopFile>> shops;
     for (const CatalogueSize &size : m_plan.sizes) {
-        const ShopFile &shop = *shops.emplace_back(makeShop(size));
+        ShopFile &shop = *shops.emplace_back(makeShop(size));
         say(u"Measuring, %1 runs each ..."_s.arg(m_plan.runs));
         const WorksOptions options{size.items, m_plan.runs, m_now};
         if (!m_plan.counterOnly && !m_plan.reportOnly)
-            add(measureWorks(shop.database(), options));
+            add(measureWorks(shop, options));
         if (size.items == m_plan.comparedAt && !m_plan.reportOnly)
             compare(*shops.front(), shop, size);
         if (!m_plan.reportOnly)
-            add(measureCounter(shop.database(), options));
+            add(measureCounter(shop, options));
         if (!m_plan.reportOnly)
-            add(measureHold(shop.database(), options));
-        add(measureReport(shop.database(), options));
+            add(measureHold(shop, options));
+        add(measureReport(shop, options));
     }
     if (m_plan.frame)
-        add(measureWithinFrame(makeShop(*m_plan.frame)->database(), {m_plan.frame->items, m_plan.runs, m_now}));
+        add(measureWithinFrame(*makeShop(*m_plan.frame), {m_plan.frame->items, m_plan.runs, m_now}));
     if (!m_plan.counterOnly && !m_plan.reportOnly)
         addOffice();
     return m_lines;
@@ -177,14 +193,14 @@ void Measurement::addResident(const QString &name, const char *window, const Cat
     m_lines.push_back(std::move(line));
 }
 
-void Measurement::compare(const ShopFile &smallest, const ShopFile &shop, const CatalogueSize &size)
+void Measurement::compare(ShopFile &smallest, ShopFile &shop, const CatalogueSize &size)
 {
     addResident(u"resident memory, logged in, over an empty Qt window"_s, loggedInTill, size, residentLimitMb);
     addResident(u"the same with the stock list filled"_s, tillWithStockList, size, stockListLimitMb);
     const WorksOptions options{size.items, m_plan.runs, m_now};
-    add(measurePressGrowth(smallest.database(), shop.database(), options), pressGrowthLimit);
+    add(measurePressGrowth(smallest, shop, options), pressGrowthLimit);
     const std::unique_ptr<ShopFile> tenth = makeShop(m_plan.tenth);
-    add(measureListGrowth(tenth->database(), shop.database(), options), listGrowthLimit);
+    add(measureListGrowth(*tenth, shop, options), listGrowthLimit);
 }
 
 void writeJson(const QString &path, const std::vector<Line> &lines)
@@ -206,6 +222,7 @@ void addOptions(QCommandLineParser &options)
     options.addOption({u"counter"_s, u"Leaves out what sells: stock, custom sale, undo and deletion alone."_s});
     options.addOption({u"report"_s, u"The sales report alone."_s});
     options.addOption({u"office"_s, u"The office's lists and its search alone."_s});
+    options.addOption({u"server"_s, u"The counter on private PostgreSQL servers of this machine."_s});
     options.addOption({u"million"_s, u"Measures everything at 1,000,000 items as well."_s});
     options.addOption({u"keep"_s, u"Makes the shops in this empty folder and leaves them there."_s, u"folder"_s});
     QCommandLineOption resident(u"resident"_s, {}, u"window"_s);

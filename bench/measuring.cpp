@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/measuring.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -27,11 +28,11 @@ double timed(const std::function<bool()> &work)
 
 double Measuring::rawMs(const RawStatements &statements, const QString &name) const
 {
-    return checked(timed([&] { return runRaw(m_database, statements); }), name + u" (raw)"_s);
+    return checked(m_store.rawMs(statements), name + u" (raw)"_s);
 }
 
-Line &Measuring::measure(const QString &name, const Limit &limit, const Work &work,
-                         const std::function<RawStatements()> &raw, const std::function<void()> &prepare)
+void Measuring::measure(const QString &name, const Limits &limits, const Work &work,
+                        const std::function<RawStatements()> &raw, const std::function<void()> &prepare)
 {
     const auto makeReady = [&] {
         if (prepare)
@@ -40,22 +41,43 @@ Line &Measuring::measure(const QString &name, const Limit &limit, const Work &wo
     };
     std::vector<double> samples;
     std::vector<double> rawSamples;
+    int mostTrips = 0;
+    std::size_t statements = 0;
     for (int i = -warmUpRuns; i < m_options.runs; ++i) {
         m_till.nextSecond();
         makeReady();
+        const int tripsBefore = m_store.roundTrips().value_or(0);
         const double workMs = checked(work(), name);
+        const int trips = m_store.roundTrips().value_or(0) - tripsBefore;
         makeReady();
-        const double plainMs = rawMs(raw(), name);
+        const RawStatements plainWork = raw();
+        const double plainMs = rawMs(plainWork, name);
         if (i >= 0) {
             samples.push_back(workMs);
             rawSamples.push_back(plainMs);
+            mostTrips = std::max(mostTrips, trips);
+            statements = plainWork.size();
         }
     }
     const double plain = median(rawSamples);
+    const Limit &limit = m_store.isServer() ? limits.onServer : limits.onFile;
     Line line{name, m_options.items, median(samples), plain, plain > 0.0 ? median(samples) / plain : 0.0, {}, {}};
     if (isLimited())
         line.limit = limit.ratio + limit.plusMs / plain;
-    return m_lines.emplace_back(line);
+    m_lines.push_back(line);
+    if (m_store.roundTrips())
+        addRoundTrips(mostTrips, statements);
+}
+
+void Measuring::addRoundTrips(int most, std::size_t statements)
+{
+    m_lines.push_back({u"  round trips for it, and statements"_s,
+                       m_options.items,
+                       {},
+                       {},
+                       static_cast<double>(most),
+                       static_cast<double>(statements),
+                       {}});
 }
 
 Line measureGrowth(const QString &name, const WorksOptions &options, Till &small, Till &big,

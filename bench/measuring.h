@@ -10,8 +10,6 @@
 
 #include <functional>
 
-struct sqlite3;
-
 namespace harrowby::bench {
 
 /// The limits hold at this size; other sizes show how the cost grows.
@@ -33,6 +31,15 @@ struct Limit
     double plusMs = 0.0;
 };
 
+struct Limits
+{
+    Limit onFile;
+    Limit onServer = {1.3, 2.0};
+};
+
+/// Of a list of very many rows.
+inline constexpr Limit walkOnServer{2.0, 0.0};
+
 /// Does the work once and returns its time; below 0 when it failed.
 using Work = std::function<double()>;
 
@@ -43,18 +50,19 @@ void require(bool done, const QString &what);
 /// The work's time; below 0 when it returns false.
 [[nodiscard]] double timed(const std::function<bool()> &work);
 
-/// Measures pieces of work of one till, each in turns with its raw statements on the same database.
+/// Measures pieces of work of one till, each in turns with its raw statements on the same store.
 class Measuring
 {
 public:
-    Measuring(sqlite3 *database, const WorksOptions &options, Till &till) :
-        m_database(database), m_options(options), m_till(till)
+    Measuring(MeasuredStore &store, const WorksOptions &options, Till &till) :
+        m_store(store), m_options(options), m_till(till)
     {
     }
 
-    /// `raw` is asked after each run of the work, and `prepare` before each of the two. Returns the new line.
-    Line &measure(const QString &name, const Limit &limit, const Work &work, const std::function<RawStatements()> &raw,
-                  const std::function<void()> &prepare = {});
+    /// `raw` is asked after each run of the work, and `prepare` before each of the two. Adds a line, and where round
+    /// trips are counted one of these.
+    void measure(const QString &name, const Limits &limits, const Work &work, const std::function<RawStatements()> &raw,
+                 const std::function<void()> &prepare = {});
     [[nodiscard]] double rawMs(const RawStatements &statements, const QString &name) const;
     void add(const Line &line) { m_lines.push_back(line); }
     Line &last() { return m_lines.back(); }
@@ -63,7 +71,9 @@ public:
     [[nodiscard]] bool isLimited() const { return m_options.items == limitedItems; }
 
 private:
-    sqlite3 *m_database;
+    void addRoundTrips(int most, std::size_t statements);
+
+    MeasuredStore &m_store;
     WorksOptions m_options;
     Till &m_till;
     std::vector<Line> m_lines;

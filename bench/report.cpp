@@ -51,7 +51,11 @@ bool Line::isOver() const
 QString toText(const std::vector<Line> &lines)
 {
     QString text = row(u"work"_s, u"items"_s, u"median ms"_s, u"raw ms"_s, u"ratio"_s, u"limit"_s, {});
+    QString place;
     for (const Line &line : lines) {
+        if (line.place != place)
+            text += line.place + u":\n"_s;
+        place = line.place;
         const QString ratio = line.megabytes ? number(line.megabytes, 1) + u" MB"_s : number(line.ratio, 2);
         text += row(line.work, QString::number(line.items), number(line.medianMs, 3), number(line.rawMs, 3), ratio,
                     number(line.limit, 2), verdict(line));
@@ -68,6 +72,8 @@ QJsonArray toJson(const std::vector<Line> &lines)
             {u"raw_ms"_s, json(line.rawMs)}, {u"ratio"_s, json(line.ratio)}, {u"limit"_s, json(line.limit)}};
         if (line.megabytes)
             object.insert(u"megabytes"_s, *line.megabytes);
+        if (!line.place.isEmpty())
+            object.insert(u"place"_s, line.place);
         list.append(object);
     }
     return list;

@@ -20,6 +20,7 @@ struct Line
     std::optional<double> limit; ///< the largest ratio allowed; of memory the largest number of MB, and of a line
                                  ///< without a ratio the longest time
     std::optional<double> megabytes;
+    QString place = {}; ///< MeasuredStore::place()
 
     [[nodiscard]] bool isOver() const;
 };

@@ -6,14 +6,12 @@
 #include "plugins/report/sales_chart.h"
 #include "tables/table_view.h"
 
-#include <harrowby/sqlite_connection.h>
+#include <harrowby/db_connection.h>
 
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDateEdit>
 #include <QEventLoop>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 
@@ -25,31 +23,36 @@ namespace {
 
 /// Waiting for the file system and the like is small beside it, so a few runs do.
 constexpr int mostRuns = 7;
-constexpr double reportLimit = 2.0;
-constexpr double itemReportLimit = 2.5;
+constexpr Limits reportLimits{{2.0, 0.0}};
+constexpr Limits itemReportLimits{{2.5, 0.0}, walkOnServer};
 
 /// Notes what the report asks for.
 class Recorder final : public DbConnection
 {
 public:
-    explicit Recorder(sqlite3 *database) : m_below(database) {}
+    explicit Recorder(std::shared_ptr<DbConnection> below) : m_below(std::move(below)) {}
 
     QStringList selects;
 
-    bool Execute(const QString &statement) override { return m_below.Execute(statement); }
+    bool Execute(const QString &statement) override { return m_below->Execute(statement); }
     std::unique_ptr<DbCursor> query(const QString &select) override
     {
         selects << select;
-        return m_below.query(select);
+        return m_below->query(select);
     }
-    std::optional<std::int64_t> countRows(const QString &select) override { return m_below.countRows(select); }
-    std::optional<std::vector<DbRowId>> rowIds(const QString &select) override { return m_below.rowIds(select); }
+    std::unique_ptr<DbCursor> queryAs(const QString &select, DbReading how) override
+    {
+        selects << select;
+        return m_below->queryAs(select, how);
+    }
+    std::optional<std::int64_t> countRows(const QString &select) override { return m_below->countRows(select); }
+    std::optional<std::vector<DbRowId>> rowIds(const QString &select) override { return m_below->rowIds(select); }
     bool insertRow(const QString &, const DbAssignments &) override { return false; }
     bool updateRow(const QString &, DbRowId, const DbAssignments &) override { return false; }
     [[nodiscard]] QString location() const override { return {}; }
 
 private:
-    SqliteConnection m_below;
+    std::shared_ptr<DbConnection> m_below;
 };
 
 struct Span
@@ -59,26 +62,21 @@ struct Span
     int days = 0;
 };
 
-QDate dayOf(const char *key)
+QDate dayOf(const DbValue &key)
 {
-    return QDate::fromString(u"20"_s + QString::fromLatin1(key), u"yyyyMMdd"_s);
+    const auto *text = std::get_if<QString>(&key);
+    return text == nullptr ? QDate() : QDate::fromString(u"20"_s + *text, u"yyyyMMdd"_s);
 }
 
-Span spanOf(sqlite3 *database)
+Span spanOf(DbConnection &connection)
 {
-    Span span;
-    sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v2(database,
-                       "select min(substr(PurchasedDate,1,6)), max(substr(PurchasedDate,1,6)),"
-                       " count(distinct substr(PurchasedDate,1,6)) from PurchaseCart",
-                       -1, &statement, nullptr);
-    const auto text = [statement](int column) {
-        return reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
-    };
-    if (sqlite3_step(statement) == SQLITE_ROW && text(0) != nullptr)
-        span = {dayOf(text(0)), dayOf(text(1)), sqlite3_column_int(statement, 2)};
-    sqlite3_finalize(statement);
-    return span;
+    const auto rows = connection.query(u"select min(substr(PurchasedDate,1,6)), max(substr(PurchasedDate,1,6)),"
+                                       " count(distinct substr(PurchasedDate,1,6)) from PurchaseCart"_s);
+    if (!rows || rows->next() != DbCursor::Step::Row)
+        return {};
+    const DbValue days = rows->value(2);
+    const auto *number = std::get_if<std::int64_t>(&days);
+    return {dayOf(rows->value(0)), dayOf(rows->value(1)), number ? static_cast<int>(*number) : 0};
 }
 
 report::ReportFrame frameFor(const QDate &today)
@@ -120,44 +118,42 @@ RawStatements rawOf(const QStringList &selects)
     return raw;
 }
 
-Line measureGrouping(sqlite3 *database, const WorksOptions &options, const Span &span, int grouping, int runs,
-                     const QString &name)
+Line measureGrouping(MeasuredStore &store, const WorksOptions &options, const Span &span, int grouping,
+                     const Limits &limits, const QString &name)
 {
-    const auto connection = std::make_shared<Recorder>(database);
+    const auto connection = std::make_shared<Recorder>(store.connect());
     std::vector<double> samples;
     std::vector<double> rawSamples;
-    for (int i = -1; i < runs; ++i) {
+    for (int i = -1; i < std::min(options.runs, mostRuns); ++i) {
         int rows = 0;
         const double ms = timed([&] {
             rows = openReport(connection, span, grouping);
             return rows > 0;
         });
         require(ms >= 0.0 && (grouping != 0 || rows == span.days), name);
-        const double raw = checked(timed([&] { return runRaw(database, rawOf(connection->selects)); }), name);
+        const double raw = checked(store.rawMs(rawOf(connection->selects)), name);
         if (i >= 0) {
             samples.push_back(ms);
             rawSamples.push_back(raw);
         }
     }
     const double plain = median(rawSamples);
-    return {name, options.items, median(samples), plain, plain > 0.0 ? median(samples) / plain : 0.0, {}, {}};
+    Line line{name, options.items, median(samples), plain, plain > 0.0 ? median(samples) / plain : 0.0, {}, {}};
+    const Limit &limit = store.isServer() ? limits.onServer : limits.onFile;
+    if (options.items == limitedItems)
+        line.limit = limit.ratio + limit.plusMs / plain;
+    return line;
 }
 
 } // namespace
 
-std::vector<Line> measureReport(sqlite3 *database, const WorksOptions &options)
+std::vector<Line> measureReport(MeasuredStore &store, const WorksOptions &options)
 {
-    const Span span = spanOf(database);
+    const Span span = spanOf(*store.connect());
     require(span.days > 0, u"the days of the report"_s);
-    const int runs = std::min(options.runs, mostRuns);
-    Line days = measureGrouping(database, options, span, 0, runs,
-                                u"open the report until table and plot of all purchases are painted"_s);
-    if (options.items == limitedItems)
-        days.limit = reportLimit;
-    Line items = measureGrouping(database, options, span, 2, runs, u"  the same by item instead of by day"_s);
-    if (options.items == limitedItems)
-        items.limit = itemReportLimit;
-    return {days, items};
+    return {measureGrouping(store, options, span, 0, reportLimits,
+                            u"open the report until table and plot of all purchases are painted"_s),
+            measureGrouping(store, options, span, 2, itemReportLimits, u"  the same by item instead of by day"_s)};
 }
 
 } // namespace harrowby::bench
@@ -166,7 +162,7 @@ std::vector<Line> measureReport(sqlite3 *database, const WorksOptions &options)
 
 namespace harrowby::bench {
 
-std::vector<Line> measureReport(sqlite3 *, const WorksOptions &)
+std::vector<Line> measureReport(MeasuredStore &, const WorksOptions &)
 {
     return {};
 }

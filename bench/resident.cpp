@@ -2,6 +2,7 @@
 #include "bench/resident.h"
 
 #include "bench/paint_watch.h"
+#include "bench/server_works.h"
 #include "bench/shop_file.h"
 #include "bench/till.h"
 
@@ -49,10 +50,16 @@ bool tell()
     return true;
 }
 
-bool tellOfTill(const QString &shopFile, bool withStockList)
+/// libpq's words have one of these, and no path that begins with a slash does.
+bool isServer(const QString &shop)
 {
-    const ShopFile shop(shopFile);
-    Till till(shop.database(), benchTime());
+    return !shop.startsWith(u'/') && shop.contains(u'=');
+}
+
+bool tellOfTill(const QString &shop, bool withStockList)
+{
+    const std::unique_ptr<MeasuredStore> store = isServer(shop) ? serverShop(shop) : std::make_unique<ShopFile>(shop);
+    Till till(*store, benchTime());
     return till.open() && till.logIn() && (!withStockList || till.loadStockList()) && tell();
 }
 
@@ -67,17 +74,16 @@ bool tellOfEmptyWindow()
 
 } // namespace
 
-double residentMegabytesOverEmptyWindow(const QString &window, const QString &shopFile)
+double residentMegabytesOverEmptyWindow(const QString &window, const QString &shop)
 {
-    return megabytesOf({u"--resident"_s, window, shopFile}) -
+    return megabytesOf({u"--resident"_s, window, shop}) -
            megabytesOf({u"--resident"_s, QString::fromLatin1(emptyWindow)});
 }
 
-int printResident(const QString &window, const QString &shopFile)
+int printResident(const QString &window, const QString &shop)
 {
     const bool empty = window == QLatin1StringView(emptyWindow);
-    const bool told =
-        empty ? tellOfEmptyWindow() : tellOfTill(shopFile, window == QLatin1StringView(tillWithStockList));
+    const bool told = empty ? tellOfEmptyWindow() : tellOfTill(shop, window == QLatin1StringView(tillWithStockList));
     return told ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

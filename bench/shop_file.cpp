@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "bench/shop_file.h"
 
+#include "app/search/finding_connection.h"
+#include "app/search/search_statement.h"
 #include "app/shop/schema.h"
+#include "bench/stopwatch.h"
 
 #include <QFile>
 
@@ -54,6 +57,22 @@ void ShopFile::fill(const CatalogueSize &size, const QDate &today) const
         fail(m_database);
     // The measuring starts with an empty log.
     execute(m_database, "PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+std::shared_ptr<DbConnection> ShopFile::connect()
+{
+    return std::make_shared<app::FindingConnection>(m_database, QString(), [] { return true; });
+}
+
+double ShopFile::rawMs(const RawStatements &statements)
+{
+    const Stopwatch watch;
+    return runRaw(m_database, statements) ? watch.milliseconds() : -1.0;
+}
+
+RawStatements ShopFile::search(const QString &text) const
+{
+    return {{app::findingStatement().toUtf8(), {"StockID", "StockName", "StockCategory"}, {text.toUpper().toUtf8()}}};
 }
 
 } // namespace harrowby::bench

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "bench/catalogue.h"
+#include "bench/measured_store.h"
 
 #include <QDateTime>
 #include <QString>
-
-struct sqlite3;
 
 namespace harrowby::bench {
 
@@ -15,17 +14,20 @@ namespace harrowby::bench {
 
 /// A database file as the store program makes and opens it: its tables and indexes, its settings of the connection.
 /// Operations throw std::runtime_error when they fail.
-class ShopFile
+class ShopFile final : public MeasuredStore
 {
 public:
     /// Opens the file; makes it, with empty tables, when it does not exist.
     explicit ShopFile(const QString &path);
-    ~ShopFile();
-    ShopFile(const ShopFile &) = delete;
-    ShopFile &operator=(const ShopFile &) = delete;
+    ~ShopFile() override;
 
     void fill(const CatalogueSize &size, const QDate &today) const;
-    [[nodiscard]] sqlite3 *database() const { return m_database; }
+
+    [[nodiscard]] std::shared_ptr<DbConnection> connect() override;
+    [[nodiscard]] double rawMs(const RawStatements &statements) override;
+    [[nodiscard]] RawStatements search(const QString &text) const override;
+    [[nodiscard]] bool isServer() const override { return false; }
+    [[nodiscard]] sqlite3 *database() const override { return m_database; }
 
 private:
     sqlite3 *m_database = nullptr;

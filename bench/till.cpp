@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/till.h"
 
-#include "app/search/finding_connection.h"
 #include "basic/quick_sale_page.h"
 #include "bench/catalogue.h"
 #include "bench/paint_watch.h"
@@ -22,13 +21,13 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::bench {
 
-Till::Till(sqlite3 *database, const QDateTime &now) :
+Till::Till(MeasuredStore &store, const QDateTime &now) :
     m_boxes(std::make_shared<YesBoxes>()),
     m_clock(std::make_shared<SteppedClock>(now)), m_platform{m_boxes, std::make_shared<FixedSettings>(),
                                                              std::make_shared<NoPrinters>(), m_clock,
                                                              std::make_shared<ObjectRegistry>()}
 {
-    m_connection = std::make_shared<app::FindingConnection>(database, QString(), [] { return true; });
+    m_connection = store.connect();
     use();
 }
 

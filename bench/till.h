@@ -2,22 +2,21 @@
 #pragma once
 
 #include "bench/doubles.h"
+#include "bench/measured_store.h"
 #include "ui/inventory.h"
 
 #include <QStringList>
 
 #include <memory>
 
-struct sqlite3;
-
 namespace harrowby::bench {
 
-/// The real window over one database, driven through its controls. Everything but the database is a double.
+/// The real window over one store, driven through its controls. Everything but the store is a double.
 class Till
 {
 public:
-    /// Loads nothing yet. The database must outlive the till.
-    Till(sqlite3 *database, const QDateTime &now);
+    /// Loads nothing yet. The store must outlive the till.
+    Till(MeasuredStore &store, const QDateTime &now);
     ~Till();
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
