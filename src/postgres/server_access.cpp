@@ -39,9 +39,15 @@ ServerAccess::ServerAccess(PgTarget target, PgWaits waits, ActionTime &time) :
 {
 }
 
-QString ServerAccess::noTimeLeft()
+PgError ServerAccess::noTimeLeft() const
 {
-    return u"the server did not answer before in the same action, and is not waited for again"_s;
+    if (!m_trouble)
+        return {Kind::CannotConnect,
+                {},
+                u"the server did not answer before in the same action, and is not waited for again"_s,
+                false};
+    return {Kind::CannotConnect, m_trouble->sqlState, m_trouble->text + u" (not tried again in the same action)"_s,
+            false};
 }
 
 Result<void, PgError> ServerAccess::reach()
@@ -49,13 +55,14 @@ Result<void, PgError> ServerAccess::reach()
     if (!m_session.isLost() && !m_session.hasEnded())
         return {};
     if (m_time.isOver())
-        return Unexpected(PgError{Kind::CannotConnect, {}, noTimeLeft(), false});
+        return Unexpected(noTimeLeft());
     return connect();
 }
 
 Result<void, PgError> ServerAccess::connect()
 {
     auto connected = m_session.connect(m_target, m_waits);
+    m_trouble = connected ? std::nullopt : std::optional(connected.error());
     if (connected)
         m_target.leastTimeline = std::max(m_target.leastTimeline, m_session.server().timeline);
     return connected;

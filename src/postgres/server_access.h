@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace harrowby::postgres {
 
@@ -23,8 +24,8 @@ public:
     [[nodiscard]] Result<void, PgError> connect();
     /// The same where there is no usable session and the action has time for it.
     [[nodiscard]] Result<void, PgError> reach();
-    /// What to say when it has not.
-    [[nodiscard]] static QString noTimeLeft();
+    /// What to say when it has not: what has cost the action its time.
+    [[nodiscard]] PgError noTimeLeft() const;
     /// Runs statements that change nothing, and again on a new session when one breaks, until the action has no time
     /// left.
     [[nodiscard]] Result<PgResults, PgError> read(const QByteArray &statements);
@@ -56,6 +57,7 @@ private:
     PgWaits m_waits;
     ActionTime &m_time;
     PgSession m_session;
+    std::optional<PgError> m_trouble; ///< since the session was made, or could not be
 };
 
 /// Whether this error says that the session broke, or could not be made, and that another try may do better.

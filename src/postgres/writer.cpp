@@ -91,7 +91,7 @@ Result<ActionNumber, PgError> Writer::take()
     ActionTime &time = m_access.time();
     time.beginStatement();
     if (time.isOver() && m_access.session().isLost())
-        return Unexpected(PgError{Kind::CannotConnect, {}, m_access.noTimeLeft(), false});
+        return Unexpected(m_access.noTimeLeft());
     setTimes();
     return m_engine->actions.take();
 }
@@ -116,7 +116,7 @@ Actions::End Writer::write(const Write &write)
     ActionTime &time = m_access.time();
     time.beginStatement();
     if (time.isOver() && m_access.session().isLost())
-        return {Outcome::Refused, {Kind::CannotConnect, {}, m_access.noTimeLeft(), false}};
+        return {Outcome::Refused, m_access.noTimeLeft()};
     setTimes();
     m_isWriting = true;
     const auto end = qScopeGuard([this] { m_isWriting = false; });

@@ -157,7 +157,12 @@ void PrivateCluster::shutDown()
 void PrivateCluster::kill9()
 {
     disconnect();
+    m_server->waitForFinished(0);
     const auto server = static_cast<pid_t>(m_server->processId());
+    if (server == 0) {
+        m_server.reset();
+        return;
+    }
     ::kill(server, SIGSTOP); // so that it starts no further ones
     const std::vector<pid_t> children = cluster::childrenOf(server);
     for (const pid_t process : children)

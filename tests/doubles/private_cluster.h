@@ -37,7 +37,7 @@ public:
     void start();
     /// Ends it in order; its connections are cut.
     void shutDown();
-    /// SIGKILL to all of its processes at once.
+    /// SIGKILL to all of its processes at once; nothing when it has ended by itself.
     void kill9();
     /// SIGSTOP to all of its processes, and SIGCONT: a machine that hangs, and goes on. What connects meanwhile is
     /// accepted by the kernel and gets no answer.

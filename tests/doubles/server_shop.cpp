@@ -43,6 +43,24 @@ CREATE FUNCTION sqlite.pragma_table_info(of text) RETURNS TABLE (name name) LANG
     ORDER BY attnum; END;
 )"_L1;
 
+/// Of the whole server, made with its first database.
+constexpr auto roles = R"(
+DO $$
+DECLARE
+    named text;
+BEGIN
+    FOREACH named IN ARRAY ARRAY['harrowby_owner', 'harrowby_till', 'harrowby_office', 'harrowby_standby'] LOOP
+        IF to_regrole(named) IS NULL THEN
+            EXECUTE format('CREATE ROLE %I NOLOGIN', named);
+        END IF;
+    END LOOP;
+    IF to_regrole('till') IS NULL THEN
+        CREATE ROLE till LOGIN IN ROLE harrowby_till;
+    END IF;
+END $$;
+ALTER DEFAULT PRIVILEGES IN SCHEMA harrowby GRANT ALL ON TABLES TO harrowby_till;
+)"_L1;
+
 /// What the tables are made of. A test may change that; then the database is not used again.
 constexpr auto fingerprint = R"(
 SELECT md5(string_agg(concat_ws(' ', attrelid, attname, attnum, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)),
@@ -68,6 +86,14 @@ END $$;
 SELECT setval(pg_get_serial_sequence(name, 'rowid_'), 1, false)
 FROM unnest(ARRAY['stocklist', 'inventorycategory', 'purchasecart', 'storesettings', 'users', 'sysusage']) AS name;
 )"_L1;
+
+QString contentsOf(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("%s cannot be read", qPrintable(path));
+    return QString::fromUtf8(file.readAll());
+}
 
 /// The private server of this program. A database costs a tenth of a second, so each is lent again and again.
 class ShopServer
@@ -144,15 +170,12 @@ bool isOnServer(const QString &path)
 void setUpShop(PrivateCluster &cluster, const QString &database)
 {
     const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
-    QStringList files;
     for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name))
-        files << schema.filePath(name);
-    for (const QString &name : files << QStringLiteral(HARROWBY_OWN_TABLES)) {
-        QFile file(name);
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("%s cannot be read", qPrintable(name));
-        cluster.sql(QString::fromUtf8(file.readAll()), database);
-    }
+        cluster.sql(contentsOf(schema.filePath(name)), database);
+    cluster.sql(contentsOf(QStringLiteral(HARROWBY_OWN_TABLES)), database);
+    cluster.sql(roles, database);
+    QString rights = contentsOf(QStringLiteral(HARROWBY_RIGHTS));
+    cluster.sql(rights.replace(u"on database harrowby "_s, u"on database %1 "_s.arg(database)), database);
 }
 
 ServerShop::ServerShop() : m_shop(shopServer().lend()) {}

@@ -75,7 +75,8 @@ private:
     LentShop m_shop;
 };
 
-/// Makes the shop's tables, functions and indexes in a database of a running server, as harrowby-server does.
+/// Makes the shop's tables, functions, indexes and rights in a database of a running server, as harrowby-server does,
+/// and the login "till" of a till. What a test adds to the schema is every till's.
 void setUpShop(PrivateCluster &cluster, const QString &database);
 
 /// As the server has it.

@@ -8,7 +8,7 @@ namespace harrowby::test {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-ServerFixture::ServerFixture()
+ServerFixture::ServerFixture(const QStringList &settings) : cluster(settings)
 {
     cluster.start();
     for (const QString &text : schemaFiles())

@@ -17,7 +17,8 @@ namespace harrowby::test {
 class ServerFixture
 {
 public:
-    ServerFixture();
+    /// `settings` are further lines of postgresql.conf.
+    explicit ServerFixture(const QStringList &settings = {});
 
     /// As at first.
     void refill(int items = 3);
