@@ -4,10 +4,12 @@
 #include "app/backup/backup_copy.h"
 #include "app/backup/backup_names.h"
 #include "app/backup/backup_place.h"
+#include "app/backup/server_backup.h"
 #include "app/backup/stoppable_check.h"
 #include "app/shop/file_naming.h"
 #include "app/shop/workshop.h"
 #include "basic/logging.h"
+#include "basic/store_address.h"
 
 #include <QFileInfo>
 
@@ -152,10 +154,18 @@ BackupResult copyTo(const QString &target, IfTaken ifTaken, const Source &source
     return giveName(file, place, ifTaken);
 }
 
+/// Its damage is not ours to find: when the copy is damaged, its own disk is at fault.
+Source serverSource(const QString &store, const BackupWatch &watch)
+{
+    return {[&](sqlite3 *copy) { return copyServerStore(store, copy, watch); }, [] { return false; }};
+}
+
 BackupResult backUp(const QString &store, const QString &target, IfTaken ifTaken, const BackupWatch &watch)
 {
     if (const auto place = checkBackupPlace(store, target); !place)
         return failed(place.error());
+    if (isServer(store))
+        return copyTo(target, ifTaken, serverSource(store, watch), watch);
     const Source source = {
         [&](sqlite3 *copy) { return copyStore(store, copy, watch); },
         [&] { return isBadFile(store, watch); },

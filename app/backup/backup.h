@@ -36,9 +36,10 @@ struct BackupResult
 /// called on another thread.
 using BackupWatch = std::function<bool(const BackupProgress &)>;
 
-/// Copies a store while tills sell from it. The copy holds the store as it was at one moment, is checked, and gets its
-/// name only then: until it is done, and when it fails, nothing is at the target that was not there before. With
-/// `replace` it takes the place of a file of that name, else such a file is a failure.
+/// Copies a store, a file's or a server's, while tills sell from it. The copy is a store file and holds the store as it
+/// was at one moment, is checked, and gets its name only then: until it is done, and when it fails, nothing is at the
+/// target that was not there before. With `replace` it takes the place of a file of that name, else such a file is a
+/// failure.
 [[nodiscard]] BackupResult backUpStore(const QString &store, const QString &target, bool replace,
                                        const BackupWatch &watch);
 

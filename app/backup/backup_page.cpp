@@ -7,7 +7,9 @@
 #include "app/backup/nightly_dialog.h"
 #include "app/backup/restore_dialog.h"
 #include "app/boxes/office_box.h"
+#include "app/copy/server_copy.h"
 #include "app/shop/workshop.h"
+#include "basic/store_address.h"
 #include "theme/dialogs.h"
 
 #include <QCoreApplication>
@@ -45,10 +47,8 @@ QString sizeText(qint64 bytes)
 
 } // namespace
 
-BackupPage::BackupPage(sqlite3 *database, const SignedDeeds &deeds, const QString &store, OfficeSettings settings,
-                       QWidget *parent) :
-    OfficePage(parent),
-    m_database(database), m_deeds(deeds), m_store(store), m_settings(std::move(settings))
+BackupPage::BackupPage(const SignedDeeds &deeds, const QString &store, OfficeSettings settings, QWidget *parent) :
+    OfficePage(parent), m_deeds(deeds), m_store(store), m_settings(std::move(settings))
 {
     createControls();
     layOut();
@@ -229,7 +229,7 @@ void BackupPage::showLast()
 
 NightlyTimer BackupPage::nightly() const
 {
-    return NightlyTimer({QCoreApplication::applicationFilePath(), realTarget(m_store)});
+    return NightlyTimer({QCoreApplication::applicationFilePath(), storePlace(m_store)});
 }
 
 void BackupPage::keepNightly()
@@ -251,9 +251,20 @@ void BackupPage::chooseRestore()
         return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
     const BackupState state = backupState(goodBackups(m_deeds.records()), QDateTime::currentDateTimeUtc());
     const bool isThere = state.last && state.sight == BackupSight::There;
-    RestoreDialog dialog(m_store, contentsOf(m_database), isThere ? state.last->file : QString(), this);
+    RestoreDialog dialog(m_store, contentsOf(m_deeds.records()), isThere ? state.last->file : QString(), this);
+    if (isServer(m_store))
+        dialog.setUsersFinder([this] { return serverUsersText(); });
     if (dialog.exec() == QDialog::Accepted)
         Q_EMIT restoreAsked(dialog.backup());
+}
+
+/// Who has the server's store open, but for who is logged in here. The restore itself looks more closely.
+QString BackupPage::serverUsersText() const
+{
+    const auto users = serverUsers(m_deeds.records(), OwnName::PassedOver);
+    if (!users)
+        return users.error().problem;
+    return users->isEmpty() ? QString() : serverInUse(*users, u"a restore"_s);
 }
 
 } // namespace harrowby::app

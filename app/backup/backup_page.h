@@ -14,7 +14,6 @@ class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
-struct sqlite3;
 
 namespace harrowby::app {
 
@@ -24,9 +23,8 @@ class BackupPage final : public OfficePage
     Q_OBJECT
 
 public:
-    /// The database, which is that of the store's file, must outlive it, and so must what the deeds are kept in.
-    BackupPage(sqlite3 *database, const SignedDeeds &deeds, const QString &store, OfficeSettings settings,
-               QWidget *parent = nullptr);
+    /// What the deeds are kept in is that store, a file's or a server's, and must outlive it.
+    BackupPage(const SignedDeeds &deeds, const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
     /// `loss` says what has happened to the store file once it is lost: no copy counts then.
@@ -46,8 +44,8 @@ private:
     [[nodiscard]] NightlyTimer nightly() const;
     void keepNightly();
     [[nodiscard]] QString loss() const;
+    [[nodiscard]] QString serverUsersText() const;
 
-    sqlite3 *m_database;
     SignedDeeds m_deeds;
     QString m_store;
     OfficeSettings m_settings;

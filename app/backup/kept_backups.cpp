@@ -2,7 +2,6 @@
 #include "app/backup/kept_backups.h"
 
 #include "app/backup/backup_names.h"
-#include "app/backup/backup_place.h"
 #include "basic/logging.h"
 
 #include <QCryptographicHash>
@@ -23,7 +22,7 @@ namespace {
 
 QString beginOr(const QString &begin, const QString &store)
 {
-    return begin.isEmpty() ? QFileInfo(realTarget(store)).completeBaseName() : begin;
+    return begin.isEmpty() ? storeName(store) : begin;
 }
 
 /// The moment in a name, and the number of one that was made within the same second.
@@ -50,7 +49,7 @@ QString storeMark(const QString &store)
     constexpr qsizetype shortened = 8;
     const QByteArray machine = QSysInfo::machineUniqueId();
     const QByteArray where =
-        (machine.isEmpty() ? QSysInfo::machineHostName().toUtf8() : machine) + '\n' + realTarget(store).toUtf8();
+        (machine.isEmpty() ? QSysInfo::machineHostName().toUtf8() : machine) + '\n' + storePlace(store).toUtf8();
     return QString::fromLatin1(QCryptographicHash::hash(where, QCryptographicHash::Sha256).toHex().left(shortened));
 }
 

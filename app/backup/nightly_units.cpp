@@ -3,6 +3,7 @@
 
 #include "app/backup/kept_backups.h"
 #include "app/shop/errand_names.h"
+#include "basic/store_address.h"
 
 #include <QFileInfo>
 #include <QMap>
@@ -20,7 +21,8 @@ const auto timeForm = u"HH:mm"_s;
 
 QString description(const NightlyJob &job)
 {
-    return u"Backup of the store %1"_s.arg(QString(QFileInfo(job.store).fileName()).replace(u'%', u"%%"_s));
+    const QString store = isServer(job.store) ? job.store : QFileInfo(job.store).fileName();
+    return u"Backup of the store %1"_s.arg(QString(store).replace(u'%', u"%%"_s));
 }
 
 QString quotedForShell(QString text)

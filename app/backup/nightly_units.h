@@ -18,10 +18,11 @@ struct NightlyPlan
     friend bool operator==(const NightlyPlan &, const NightlyPlan &) = default;
 };
 
-/// What is run, for which store. Both absolute.
+/// What is run, for which store: an absolute path, or a server's target, without a password as the files may be read
+/// by others.
 struct NightlyJob
 {
-    QString program;
+    QString program; ///< absolute
     QString store;
 };
 

@@ -7,6 +7,7 @@
 #include "app/backup/backup_place.h"
 #include "app/backup/carried_records.h"
 #include "app/backup/damaged_files.h"
+#include "app/backup/server_restore.h"
 #include "app/backup/stoppable_check.h"
 #include "app/backup/store_hold.h"
 #include "app/backup/store_locked.h"
@@ -18,6 +19,7 @@
 #include "app/shop/store_open.h"
 #include "app/shop/workshop.h"
 #include "basic/logging.h"
+#include "basic/store_address.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -211,9 +213,7 @@ End Restore::lock()
 
 QString Restore::keepPlace(const QString &why) const
 {
-    const QString name = u"%1-%2-%3.%4"_s.arg(QFileInfo(realTarget(m_order.store)).completeBaseName(), why,
-                                              momentInName(QDateTime::currentDateTime()), copySuffix);
-    return QDir(m_order.keepIn).absoluteFilePath(name);
+    return QDir(m_order.keepIn).absoluteFilePath(nameOfReplaced(m_order.store, why, QDateTime::currentDateTime()));
 }
 
 End Restore::copyDamaged()
@@ -341,7 +341,7 @@ QString damagedWords(const QStringList &kept)
 
 RestoreResult restoreStore(const RestoreOrder &order, const WorkWatch &watch)
 {
-    return Restore(order, watch).run();
+    return isServer(order.store) ? restoreServer(order, watch) : Restore(order, watch).run();
 }
 
 } // namespace harrowby::app

@@ -48,6 +48,8 @@ struct RestoreResult
 /// open it, the log is removed once it is kept, and the backup goes over the bytes that are there, in one transaction
 /// likewise.
 ///
+/// A server's store: server_restore.h.
+///
 /// `watch` can stop it until the last step but one is done.
 [[nodiscard]] RestoreResult restoreStore(const RestoreOrder &order, const WorkWatch &watch);
 

@@ -52,7 +52,11 @@ QStringList figuresOf(const StoreContents &contents)
 } // namespace
 
 RestoreDialog::RestoreDialog(QString store, const StoreContents &now, const QString &file, QWidget *parent) :
-    QDialog(parent), m_store(std::move(store)), m_now(now)
+    QDialog(parent), m_store(std::move(store)), m_findUsers([this] {
+        const StoreUsers users = findStoreUsers(m_store);
+        return users.isEmpty() ? QString() : storeInUse(users);
+    }),
+    m_now(now)
 {
     setWindowTitle(u"Restore a Backup"_s);
     setObjectName(u"restoreDialog"_s);
@@ -236,8 +240,8 @@ void RestoreDialog::accept()
 {
     if (m_job.isRunning() || m_backup.isEmpty())
         return;
-    if (const StoreUsers users = findStoreUsers(m_store); !users.isEmpty())
-        return showOutcome(*m_outcome, u"\u26a0 "_s + storeInUse(users));
+    if (const QString users = m_findUsers(); !users.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + users);
     if (askInOffice(this, question(), u"&Restore It"_s))
         QDialog::accept();
 }

@@ -7,6 +7,9 @@
 #include <QDialog>
 #include <QString>
 
+#include <functional>
+#include <utility>
+
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -27,6 +30,9 @@ public:
     /// The backup that is to be restored.
     [[nodiscard]] const QString &backup() const { return m_backup; }
 
+    /// How it finds out who has the store open, in words; empty when nobody has. By itself it looks at a store file.
+    void setUsersFinder(std::function<QString()> find) { m_findUsers = std::move(find); }
+
     void accept() override;
 
 private:
@@ -40,6 +46,7 @@ private:
     [[nodiscard]] QString question() const;
 
     QString m_store;
+    std::function<QString()> m_findUsers;
     StoreContents m_now;
     QString m_backup;       ///< what was looked into and can be restored; empty otherwise
     StoreContents m_inside; ///< of it

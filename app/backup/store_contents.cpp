@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/backup/store_contents.h"
 
+#include "app/records/sqlite_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_judge.h"
-#include "engine/database.h"
 
 #include <QFileInfo>
 
@@ -13,9 +13,16 @@ namespace harrowby::app {
 
 namespace {
 
-qint64 countOf(sqlite3 *store, const QString &table)
+/// First column of the first row; empty also when it cannot be read, which has been told.
+QString oneText(Records &store, const RecordStatement &statement)
 {
-    return readText(store, u"SELECT count(*) FROM "_s + table).toLongLong();
+    const auto rows = store.read(statement);
+    return rows && !rows->isEmpty() ? recordText(rows->constFirst().constFirst()) : QString();
+}
+
+qint64 countOf(Records &store, const QString &table)
+{
+    return oneText(store, {u"select count(*) from "_s + table, {}}).toLongLong();
 }
 
 /// A date is "yyMMddHHmmss"; one before 2070 belongs to this century.
@@ -25,24 +32,24 @@ QDateTime purchaseTime(const QString &stored)
 }
 
 /// The day has an index of its own; within that day the whole dates are compared.
-QDateTime lastPurchaseOf(sqlite3 *store)
+QDateTime lastPurchaseOf(Records &store)
 {
-    const QString day = readText(store, u"SELECT max(substr(PurchasedDate,1,6)) FROM PurchaseCart"_s);
+    const QString day = oneText(store, {u"select max(substr(PurchasedDate,1,6)) from PurchaseCart"_s, {}});
     return purchaseTime(
-        readText(store, u"SELECT max(PurchasedDate) FROM PurchaseCart WHERE substr(PurchasedDate,1,6) = ?1"_s, {day}));
+        oneText(store, {u"select max(PurchasedDate) from PurchaseCart where substr(PurchasedDate,1,6) = ?"_s, {day}}));
 }
 
 } // namespace
 
-StoreContents contentsOf(sqlite3 *store)
+StoreContents contentsOf(Records &store)
 {
     StoreContents contents;
     contents.items = countOf(store, u"StockList"_s);
     contents.purchases = countOf(store, u"PurchaseCart"_s);
     contents.lastPurchase = lastPurchaseOf(store);
-    SqliteStatement users(store, u"SELECT Username FROM Users ORDER BY Username"_s);
-    while (users.next())
-        contents.users << users.text(0);
+    const auto users = store.read({u"select Username from Users order by Username"_s, {}});
+    for (const RecordRow &user : users.value_or(QList<RecordRow>()))
+        contents.users << recordText(user.constFirst());
     return contents;
 }
 
@@ -52,8 +59,9 @@ Result<StoreContents, QString> lookIntoBackup(const QString &file)
     const auto backup = openJudged(file, wait, wait_times::longestCheck);
     if (!backup)
         return Unexpected(u"This file cannot be restored. "_s + whatIsWrong(backup.error()));
-    StoreContents contents = contentsOf(backup->get());
-    contents.written = QFileInfo(file).lastModified();
+    SqliteRecords records(backup->get());
+    StoreContents contents = contentsOf(records);
+    contents.written = info.lastModified();
     return contents;
 }
 

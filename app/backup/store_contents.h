@@ -8,9 +8,9 @@
 #include <QString>
 #include <QStringList>
 
-struct sqlite3;
-
 namespace harrowby::app {
+
+class Records;
 
 /// By what a person knows one state of a store from another.
 struct StoreContents
@@ -22,7 +22,7 @@ struct StoreContents
     QDateTime written;      ///< the file's own time; invalid for an open store
 };
 
-[[nodiscard]] StoreContents contentsOf(sqlite3 *store);
+[[nodiscard]] StoreContents contentsOf(Records &store);
 
 /// Judges a backup by the rules by which a store is opened, and tells what it holds; or why it cannot be used, in words
 /// for a person. The check of a big file is cut short here, and done to its end by the restore.

@@ -65,17 +65,17 @@ std::optional<SqlError> takeAsEmpty(sqlite3 *database)
 
 } // namespace
 
-QString storeInUse(const StoreUsers &users)
+QString storeInUse(const StoreUsers &users, const QString &what)
 {
     const QString names = storeUsersText(users);
     if (names.isEmpty())
         return u"Another program has the store open, perhaps under another user name or on another computer. Close it "
-               "there first; a restore needs the store for itself."_s;
-    return u"The store is open in another program: %1. Close it there first; a restore needs the store for itself."_s
-        .arg(names);
+               "there first; %1 needs the store for itself."_s.arg(what);
+    return u"The store is open in another program: %1. Close it there first; %2 needs the store for itself."_s.arg(
+        names, what);
 }
 
-Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store)
+Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store, const QString &what)
 {
     std::optional<SqlError> error;
     for (int left = lockTries; left > 0; --left) {
@@ -87,14 +87,14 @@ Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store)
             const StoreUsers users = findStoreUsers(store);
             if (users.isEmpty())
                 return *std::move(database);
-            return Unexpected(NotAlone{storeInUse(users), false});
+            return Unexpected(NotAlone{storeInUse(users, what), false});
         }
         if (!isLocked(*error))
             return Unexpected(notAlone(*error, store));
         database->reset();
         std::this_thread::sleep_for(lockPause);
     }
-    return Unexpected(NotAlone{storeInUse(findStoreUsers(store)), false});
+    return Unexpected(NotAlone{storeInUse(findStoreUsers(store), what), false});
 }
 
 namespace {

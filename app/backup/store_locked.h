@@ -26,8 +26,10 @@ struct NotAlone
 
 /// Opens a store for this program alone: its log is moved into the file and removed, and as long as the connection
 /// lives nobody else can read or write it. Says in words for a person who has it open when it cannot be had after
-/// lockTries. It is killed at any moment without harm; the next till gives the store its log again.
-[[nodiscard]] Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store);
+/// lockTries; `what` is it that needs the store for itself. It is killed at any moment without harm; the next till
+/// gives the store its log again.
+[[nodiscard]] Result<SqliteDatabase, NotAlone> openStoreAlone(const QString &store,
+                                                              const QString &what = QStringLiteral("a restore"));
 
 struct DamagedStore
 {
@@ -41,6 +43,6 @@ struct DamagedStore
 [[nodiscard]] Result<DamagedStore, QString> openDamagedStoreAlone(const QString &store);
 
 /// Who has the store open, and what to do, for a person.
-[[nodiscard]] QString storeInUse(const StoreUsers &users);
+[[nodiscard]] QString storeInUse(const StoreUsers &users, const QString &what = QStringLiteral("a restore"));
 
 } // namespace harrowby::app

@@ -2,6 +2,7 @@
 #include "app/errands/errands.h"
 
 #include "app/errands/backup_errand.h"
+#include "app/errands/copy_errand.h"
 #include "app/errands/errand.h"
 #include "app/errands/export_errand.h"
 #include "app/errands/import_errand.h"
@@ -99,6 +100,8 @@ ExitCode onExistingStore(const CommandLine &line, Work work)
 
 ExitCode runErrand(const CommandLine &line)
 {
+    if (line.errand.name == errand::copyStore)
+        return copyStoreWithoutWindow(line.errand);
     if (line.errand.name == errand::restore)
         return onExistingStore(
             line, [&](const QString &path) { return restoreWithoutWindow(path, line.errand.values.constFirst()); });

@@ -128,7 +128,7 @@ OfficePageEntry backupEntry()
              {u"restore bring back"_s, u"restoreBackup"_s},
              {u"automatic timer daily night systemd"_s, u"nightlyBackup"_s}},
             [](const Context &c, QWidget *parent) {
-                auto *page = new BackupPage(c.store.file, c.deeds(), c.store.address, c.settings, parent);
+                auto *page = new BackupPage(c.deeds(), c.store.address, c.settings, parent);
                 page->watchStore(c.loss);
                 return page;
             },

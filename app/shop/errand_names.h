@@ -17,10 +17,11 @@ inline constexpr QLatin1StringView officeOption("--office");
 namespace harrowby::app::errand {
 
 inline constexpr QLatin1StringView backup("--backup");
+inline constexpr QLatin1StringView copyStore("--copy-store");
 inline constexpr QLatin1StringView exportList("--export");
 inline constexpr QLatin1StringView importList("--import");
 inline constexpr QLatin1StringView restore("--restore");
 
-inline constexpr std::array all = {backup, exportList, importList, restore};
+inline constexpr std::array all = {backup, copyStore, exportList, importList, restore};
 
 } // namespace harrowby::app::errand

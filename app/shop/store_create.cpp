@@ -34,14 +34,8 @@ Error fillInOneGo(sqlite3 *database, const StoreFiller &fill)
 
 Error build(sqlite3 *database, const StoreFiller &fill)
 {
-    if (auto error = runSql(database, u"PRAGMA application_id = %1"_s.arg(storeApplicationId)))
+    if (auto error = makeStoreIn(database, fill))
         return error;
-    if (auto error = runSql(database, u"PRAGMA user_version = %1"_s.arg(storeSchemaVersion)))
-        return error;
-    if (auto error = fillInOneGo(database, fill))
-        return error;
-    if (const auto indexes = createMissingIndexes(database); !indexes)
-        return indexes.error();
     return runSql(database, u"PRAGMA journal_mode = WAL"_s);
 }
 
@@ -72,6 +66,19 @@ std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, co
     if (!named && named.error() != std::errc::file_exists)
         return storeProblem(ProblemKind::Other, path, QString::fromLocal8Bit(named.error().message()));
     syncFolder(folder);
+    return {};
+}
+
+std::optional<SqlError> makeStoreIn(sqlite3 *database, const StoreFiller &fill)
+{
+    if (auto error = runSql(database, u"PRAGMA application_id = %1"_s.arg(storeApplicationId)))
+        return error;
+    if (auto error = runSql(database, u"PRAGMA user_version = %1"_s.arg(storeSchemaVersion)))
+        return error;
+    if (auto error = fillInOneGo(database, fill))
+        return error;
+    if (const auto indexes = createMissingIndexes(database); !indexes)
+        return indexes.error();
     return {};
 }
 

@@ -19,6 +19,9 @@ using StoreFiller = std::function<std::optional<SqlError>(sqlite3 *)>;
 /// when `makeFolder` is set.
 [[nodiscard]] std::optional<StoreProblem> createStore(const QString &path, bool makeFolder, const StoreFiller &fill);
 
+/// Makes a store of an open database without tables; the file's name and log are the caller's business.
+[[nodiscard]] std::optional<SqlError> makeStoreIn(sqlite3 *database, const StoreFiller &fill);
+
 /// Adds the one user of a new store, ADMINISTRATOR, who may do everything. The password must have passed
 /// checkPassword().
 [[nodiscard]] std::optional<SqlError> addAdministrator(sqlite3 *database, const QString &password);

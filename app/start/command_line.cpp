@@ -164,6 +164,8 @@ private:
         m_result.errand = *std::move(errand);
         if (m_result.errand.isGiven() && m_result.office)
             fail(u"%1 needs no window: leave out --office."_s.arg(m_result.errand.name));
+        if (m_result.errand.name == errand::copyStore && (m_result.demo || !m_result.database.isEmpty()))
+            fail(u"--copy-store names both stores itself: leave out --database and --demo."_s);
     }
 
     void readQtOption(const QString &argument, const QString &dashedName, const QString &givenValue, bool hasValue)
@@ -234,6 +236,13 @@ QString helpText()
            "changed "
            "and\n"
            "                   refused, and import it, all rows or none unless --valid-rows; needs no display\n"
+           "  --copy-store FROM TO\n"
+           "                   copy a whole store from a file to a server whose store is empty, or from a server to a "
+           "new\n"
+           "                   file, while nobody has it open; a server is postgresql://HOST/NAME or service=NAME; "
+           "needs "
+           "no\n"
+           "                   display\n"
            "  --restore FILE   bring back what this backup holds, while nobody has the store open; needs no display\n"
            "  -h, --help       show this help and leave\n"
            "  -v, --version    show the version and leave\n"

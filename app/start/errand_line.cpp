@@ -33,6 +33,10 @@ const QList<ErrandForm> &errandForms()
 {
     static const QList<ErrandForm> forms = {
         {errand::backup, {u"the folder that the backup goes into"_s}, {{u"--keep"_s, u"how many backups stay"_s}}},
+        {errand::copyStore,
+         {u"the store to copy, a file or a server such as service=NAME"_s,
+          u"the place of the copy, behind the store"_s},
+         {}},
         {errand::exportList,
          {u"what is exported (items, categories, codes, purchases or activity) and a file"_s,
           u"a file, behind what is exported"_s},

@@ -12,7 +12,7 @@ enum class ExitCode {
     StoreRefused = 4,  ///< the store file cannot be used
     StoreDeclined = 5, ///< the person did not want to create a new store
     ErrandFailed = 6,  ///< what was to be done without a window was not done
-    RowsRefused = 7,   ///< a file to import has rows that cannot be
+    RowsRefused = 7,   ///< a file to import has rows that cannot be, or a store to copy
 };
 
 } // namespace harrowby::app

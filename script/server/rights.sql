@@ -15,6 +15,9 @@ revoke execute on function lo_creat(integer), lo_create(oid), lo_from_bytea(oid,
 revoke all on all tables in schema harrowby from public, harrowby_till, harrowby_office;
 revoke all on all functions in schema harrowby from public;
 grant execute on all functions in schema harrowby to harrowby_till, harrowby_office;
+-- A store is copied into an empty one by an office, and replaced as a whole only by one that acts for the owner.
+revoke execute on function harrowby.lock_store(), harrowby.follow_identities() from harrowby_till;
+revoke execute on function harrowby.empty_store() from harrowby_till, harrowby_office;
 
 do $$
 declare
@@ -32,8 +35,8 @@ begin
             ('HarrowbyActivity', 'insert', 'select, insert'),
             ('HarrowbyCode', 'select, update', 'select, insert, update, delete'),
             ('HarrowbyDrawerOpening', 'insert', 'select, insert'),
-            ('HarrowbyHeld', 'select, insert, delete', 'select'),
-            ('HarrowbyHeldLine', 'select, insert, delete', 'select'),
+            ('HarrowbyHeld', 'select, insert, delete', 'select, insert'), -- a store that is copied in may hold carts
+            ('HarrowbyHeldLine', 'select, insert, delete', 'select, insert'),
             ('HarrowbyImport', '', 'select, insert, update, delete'),
             ('HarrowbyImportRow', '', 'select, insert, update, delete'),
             ('HarrowbyImportCode', '', 'select, insert, update, delete'),

@@ -263,7 +263,7 @@ void FirstUserTest::formsWearTheTillsTheme_data()
                                   << 3;
     const SignedDeeds deeds(noStore(), officePlace, {});
     QTest::newRow("receipt") << pageOf<ReceiptPage>(deeds) << 3;
-    QTest::newRow("backup") << pageOf<BackupPage>(static_cast<sqlite3 *>(nullptr), deeds, u"/s"_s) << 1;
+    QTest::newRow("backup") << pageOf<BackupPage>(deeds, u"/s"_s) << 1;
 }
 
 void FirstUserTest::formsWearTheTillsTheme()

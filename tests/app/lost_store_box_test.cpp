@@ -395,7 +395,7 @@ void LostStoreBoxTest::rescueGoesWhereThereIsAFolder()
 void LostStoreBoxTest::noBackupOfAFileThatIsGone()
 {
     SqliteRecords records(m_guard->database());
-    BackupPage page(m_guard->database(), {records, officePlace, u"ANNA"_s}, path(),
+    BackupPage page({records, officePlace, u"ANNA"_s}, path(),
                     {[](const QString &, const QString &, const QString &) { return QString(); },
                      [](const QString &, const QString &, const QString &) { return true; }});
     page.watchStore([this] { return m_guard->check() ? QString() : lossHeadline(m_guard->loss()); });
