@@ -5,7 +5,7 @@ set(CPACK_PACKAGE_VENDOR "The Harrowby Inventory developers")
 set(CPACK_PACKAGE_CONTACT "The Harrowby Inventory developers <maintainers@harrowby.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development program report postgres)
+set(CPACK_COMPONENTS_ALL runtime development program report postgres server-connection server)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
@@ -13,7 +13,10 @@ if(NOT HARROWBY_BUILD_REPORT)
     list(REMOVE_ITEM CPACK_COMPONENTS_ALL report)
 endif()
 if(NOT TARGET harrowby_postgres)
-    list(REMOVE_ITEM CPACK_COMPONENTS_ALL postgres)
+    list(REMOVE_ITEM CPACK_COMPONENTS_ALL postgres server)
+endif()
+if(NOT TARGET harrowby_server_plugin)
+    list(REMOVE_ITEM CPACK_COMPONENTS_ALL server-connection)
 endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -57,7 +60,7 @@ string(JOIN ", " CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS
     cups-client harrowby-report qt6-virtualkeyboard-plugin qml6-module-qtquick-virtualkeyboard
     qml6-module-qtqml-workerscript qml6-module-qt-labs-folderlistmodel qml6-module-qtquick-window
     qml6-module-qtquick-layouts)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "cups, qt6-wayland")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "cups, harrowby-server-connection, qt6-wayland")
 set(CPACK_COMPONENT_PROGRAM_DEPENDS runtime)
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "This package holds the program: a till with quick-sale buttons, cart and receipts, a
 stock book, and an office for users and backups, over one SQLite file.")
@@ -74,6 +77,22 @@ set(CPACK_DEBIAN_POSTGRES_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_POSTGRES_DEPENDS runtime)
 set(CPACK_COMPONENT_POSTGRES_DESCRIPTION "This package holds the connection to a PostgreSQL server, for a shop whose tills share one
 store.")
+
+# Nothing else brings libpq onto a till that works on a file.
+set(CPACK_DEBIAN_SERVER-CONNECTION_PACKAGE_NAME harrowby-server-connection)
+set(CPACK_DEBIAN_SERVER-CONNECTION_PACKAGE_SECTION misc)
+set(CPACK_COMPONENT_SERVER-CONNECTION_DEPENDS runtime program)
+set(CPACK_COMPONENT_SERVER-CONNECTION_DESCRIPTION "This package holds what the program needs on a till or in an office whose store is on a
+PostgreSQL server.")
+
+set(CPACK_DEBIAN_SERVER_PACKAGE_NAME harrowby-server)
+set(CPACK_DEBIAN_SERVER_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_SERVER_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_SERVER_PACKAGE_DEPENDS openssl)
+# The command installs those of them that a machine needs. A till that has but a vote gets no PostgreSQL.
+set(CPACK_DEBIAN_SERVER_PACKAGE_SUGGESTS "postgresql (>= 15), patroni, etcd-server, etcd-client, python3-idna")
+set(CPACK_COMPONENT_SERVER_DESCRIPTION "This package holds harrowby-server, which sets the server of a shop with several tills up and
+keeps it: standbys, backups, and machines that take over from each other.")
 
 include(CPack)
 

@@ -76,6 +76,37 @@ if(POSTGRES)
     look(libharrowby-inventory-dev HOLDS usr/include/harrowby/postgres_connection.h usr/${LIBDIR}/libharrowby-postgres.so
         DEPENDS "libharrowby-postgres${MAJOR} \\(= ${VERSION}\\)")
 endif()
+if(CONNECTION)
+    look(harrowby-server-connection
+        HOLDS usr/${LIBDIR}/harrowby/plugins/harrowby-server.so
+        DEPENDS ${same} "harrowby \\(= ${VERSION}\\)" libpq5
+        LACKS "/include/")
+endif()
+if(POSTGRES)
+    look(harrowby-server
+        HOLDS usr/sbin/harrowby-server usr/share/harrowby-server/parts/automatic.sh usr/share/harrowby-server/rights.sql
+            usr/share/harrowby-server/sql/10_tables.sql usr/share/harrowby-server/sql/50_own_tables.sql
+        DEPENDS openssl
+        LACKS "\\.so")
+    # The command finds what is its own, and not in this machine's place.
+    run(ignored sh -c "dpkg-deb --extract ${WORK_DIR}/debian/harrowby-server_*.deb ${WORK_DIR}/debian/there")
+    run(usage ${WORK_DIR}/debian/there/usr/sbin/harrowby-server --help)
+    if(NOT usage MATCHES "automatic NAME=ADDRESS")
+        message(FATAL_ERROR "harrowby-server from its package says: ${usage}")
+    endif()
+endif()
+# libpq is for whoever works on a server.
+foreach(package ${runtime} harrowby harrowby-report)
+    file(GLOB archives ${WORK_DIR}/debian/${package}_*.deb)
+    foreach(archive ${archives})
+        foreach(field Depends Recommends)
+            run(value dpkg-deb --field ${archive} ${field})
+            if("${value}" MATCHES "libpq|postgres|server")
+                message(FATAL_ERROR "${package} brings libpq (${field}): ${value}")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
 if(REPORT)
     look(harrowby-report
         HOLDS usr/${LIBDIR}/harrowby/plugins/harrowby-report.so

@@ -3,6 +3,7 @@
 # the servers run as the user postgres, else as whoever calls.
 #   harrowby_server_test.sh SOURCE_DIR SHOP_TILL
 # Its parts stand on one another, in the folder harrowby_server; HARROWBY_PART='[12]*' runs the first ones alone.
+# HARROWBY_PARTS=takeovers is what script/endure does with them.
 # SHOP_TILL is the program of that name, a till's connection without its window.
 set -uo pipefail
 source_dir=$1
@@ -20,6 +21,9 @@ checks=0
 
 clean_up() {
     local running
+    for running in "$work"/*/run/harrowby-patroni.pid "$work"/*/run/harrowby-voter.pid; do
+        [ ! -f "$running" ] || kill -KILL "$(cat "$running")" 2>/dev/null
+    done
     for running in "$work"/*/var/lib/postgresql/*/harrowby*/postmaster.pid; do
         [ ! -f "$running" ] || kill -QUIT "$(head -n 1 "$running")" 2>/dev/null
     done
@@ -102,10 +106,28 @@ free_port() {
     done
     printf '%s' "$port"
 }
+# The first of three.
+free_ports() {
+    local first
+    while :; do
+        first=$(free_port)
+        (exec 3<>"/dev/tcp/127.0.0.1/$((first + 1))") 2>/dev/null || (exec 3<>"/dev/tcp/127.0.0.1/$((first + 2))") 2>/dev/null || break
+    done
+    printf '%s' "$first"
+}
 data_of() { printf '%s' "$work/$1/var/lib/postgresql/$version/harrowby"; }
+stop_service() {
+    local process
+    process=$(cat "$work/$1/run/$2.pid" 2>/dev/null) || return 0
+    kill -KILL "$process"
+    while kill -0 "$process" 2>/dev/null; do sleep 0.05; done
+}
+kill_voter() { stop_service "$1" harrowby-voter; }
 # The power fails: all its processes at once.
 kill_machine() {
     local main
+    stop_service "$1" harrowby-patroni # first, or it starts another server
+    kill_voter "$1"
     main=$(head -n 1 "$(data_of "$1")/postmaster.pid")
     kill -STOP "$main"
     pkill -KILL -P "$main"
@@ -124,13 +146,15 @@ wait_for() {
     done
     failed "$what: not within 20 seconds"
 }
+protection() { admin "$1" "select harrowby.protection()"; }
+stock() { admin "$1" "select StockAvailable from StockList"; }
 sell() { till "$1" "insert into PurchaseCart (PurchaseID) values ('$2')"; }
 sold() { admin "$1" "select string_agg(PurchaseID, ' ' order by PurchaseID) from PurchaseCart where PurchaseID not like 'busy%'"; }
 
-export port_one port_two server_user
+export port_one port_two server_user HARROWBY_SERVER_PATIENCE=120
 port_one=$(free_port)
 port_two=$(free_port)
-for part in "$(dirname "${BASH_SOURCE[0]}")"/harrowby_server/${HARROWBY_PART:-*}.sh; do
+for part in "$(dirname "${BASH_SOURCE[0]}")/${HARROWBY_PARTS:-harrowby_server}"/${HARROWBY_PART:-*}.sh; do
     # shellcheck source=/dev/null
     . "$part"
     ((failures == 0)) || break # what comes later stands on it

@@ -7,10 +7,6 @@ do_backup() {
     take_options "to: keep: timer:" "$@"
     ((${#rest[@]} == 0)) || misused "backup takes no '${rest[0]}'"
     need_running
-    if is_standby; then
-        say "This machine is the standby; the one that the tills sell with makes the backups."
-        exit 3
-    fi
     [ -z "${opt[to]:-}" ] || machine[backup]=$(absolute "${opt[to]}")
     [ -z "${opt[keep]:-}" ] || machine[keep]=${opt[keep]}
     [ -n "${machine[backup]:-}" ] || misused "backup needs --to FOLDER the first time: on another disk, or another machine's"
@@ -22,6 +18,12 @@ do_backup() {
     make_places "$folder"
     save_machine
     [ -z "${opt[timer]:-}" ] || set_timer "${opt[timer]}"
+    if is_standby; then
+        write_settings
+        control reload
+        say "This machine is the standby; the one that the tills sell with makes the backups. It will when it is that one."
+        exit 3
+    fi
     keep_log
     copy_cluster "$folder"
     keep_keys "$folder"
@@ -45,6 +47,7 @@ keep_log() {
     write_settings
     control reload
     sleep 0.3
+    keep_histories
     # Something must have been written for a switch to finish a piece.
     last=$(sql_in_postgres -c "select pg_logical_emit_message(false, 'harrowby-server', 'backup')" \
         -c 'select pg_walfile_name(pg_switch_wal())' | tail -n 1)
@@ -53,6 +56,15 @@ keep_log() {
         sleep 0.5
     done
     die "the server does not get its log into ${machine[backup]}/log; its own log says why: $server_log"
+}
+
+# Which timelines there were, also before this machine was the server.
+keep_histories() {
+    local name
+    find "$data/pg_wal" -maxdepth 1 -name '????????.history' -size +0 -printf '%f\n' | while read -r name; do
+        as_owner "$here/archive-log" "$data/pg_wal/$name" "$name" "${machine[backup]}/log" ||
+            warn "${machine[backup]}/log holds the log of another server's past ($name)"
+    done
 }
 
 copy_cluster() {

@@ -63,7 +63,11 @@ use_settings() {
     waiting=$(sql_in_postgres -c "select string_agg(name, ', ') from pg_settings where pending_restart")
     [ -z "$waiting" ] || {
         warn "this counts from the next start of the server: $waiting."
-        say "When no till sells: pg_ctlcluster $version $cluster restart"
+        if is_automatic; then
+            say "When no till sells, the standby first: patronictl -c $etc/patroni.yml restart harrowby ${auto[name]}"
+        else
+            say "When no till sells: pg_ctlcluster $version $cluster restart"
+        fi
     }
 }
 
@@ -119,6 +123,7 @@ max_wal_senders = 10
 max_replication_slots = 10
 wal_retrieve_retry_interval = '250ms'
 max_slot_wal_keep_size = '20GB'
+wal_keep_size = '$(if is_voter; then echo 10GB; else echo 0; fi)'
 wal_sender_timeout = '10s'
 wal_receiver_timeout = '10s'
 archive_mode = on
@@ -132,5 +137,10 @@ local   replication  $owner  peer
 hostssl all          $owner  all  reject
 hostssl $database     all  ${machine[network]}  scram-sha-256
 hostssl replication  +harrowby_standby  ${machine[network]}  scram-sha-256
+$(! is_voter || cat <<KEEPER
+local   replication  harrowby_keeper  scram-sha-256
+hostssl replication,postgres  harrowby_keeper  ${machine[network]}  scram-sha-256
+KEEPER
+)
 ACCESS
 }

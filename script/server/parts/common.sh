@@ -92,6 +92,7 @@ prepare() {
         owner=$(id -un)
     fi
     load_machine
+    load_automatic
     find_server
 }
 

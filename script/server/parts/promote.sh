@@ -4,6 +4,10 @@
 do_promote() {
     take_options "other-is-off without-what-it-lacks" "$@"
     need_running
+    if is_automatic; then
+        promote_automatically
+        return 0
+    fi
     if ! is_standby; then
         say "This machine is the server already."
         return 0
@@ -24,6 +28,7 @@ do_promote() {
 refuse_while_other_answers() {
     local where status=0
     where=$(sql_in_postgres -c 'show primary_conninfo')
+    [ -n "$where" ] || return 0 # it follows nobody
     "$programs/pg_isready" -q -t 3 -h "$(value_of host "$where")" -p "$(value_of port "$where")" || status=$?
     ((status == 2)) || die "the server at $(value_of host "$where") still answers. Switch that machine off first:
     two that sell at once are two different stores"
@@ -56,6 +61,10 @@ insist_other_is_off() {
 
 do_alone() {
     take_options "off" "$@"
+    if is_automatic; then
+        go_alone_automatically
+        return 0
+    fi
     need_primary
     [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ] || die "this server has no standby"
     if [ -n "${opt[off]:-}" ]; then

@@ -7,6 +7,7 @@ do_restore() {
     take_options "from: time:" "$@"
     ((${#rest[@]} == 0)) || misused "restore takes no '${rest[0]}'"
     need_ours
+    ! is_automatic || die "first, on each machine, the server last: harrowby-server automatic --off"
     ! is_standby || die "this machine is the standby: restore on the server, then make the standby anew"
     folder=${opt[from]:-${machine[backup]:-}}
     [ -n "$folder" ] || misused "restore needs --from FOLDER"
@@ -76,9 +77,39 @@ fsync = $([ -n "$unsynced" ] && echo off || echo on)
 archive_mode = on
 archive_command = '"$here/archive-log" "%p" "%f" "$1/log"'
 restore_command = 'test -f "$1/log/%f" && cp "$1/log/%f" "%p"'
+recovery_target_timeline = '$(latest_timeline "$1" "$2")'
 SETTINGS
+    keep_timelines_free "$1" "$2"
     [ -z "$3" ] || printf "recovery_target_time = '%s+00'\nrecovery_target_action = 'promote'\n" "$3" >>"$restored/postgresql.conf"
     as_owner touch "$restored/recovery.signal"
+}
+
+timelines_in() { find "$1" -maxdepth 1 -name '????????.history' -printf '%f\n' | while read -r name; do echo $((16#${name%.history})); done; }
+
+# Of what the backup and the log hold. The server's own "latest" stops at the first number that is missing, as one is where
+# a standby was promoted that did not make the backups.
+latest_timeline() {
+    {
+        sed -nE 's/^START TIMELINE: ([0-9]+)$/\1/p' "$1/base/$2/backup_label"
+        timelines_in "$1/log"
+    } | sort -n | tail -n 1
+}
+
+# A till takes no server on a lower timeline than it has worked on. So the restored one begins above all that are known
+# here, and somewhat above them, as another machine may have been promoted meanwhile: the server passes over numbers that
+# have a file.
+keep_timelines_free() {
+    local known number
+    known=$(
+        {
+            latest_timeline "$1" "$2"
+            [ ! -d "$data" ] || LC_ALL=C as_owner "$programs/pg_controldata" "$data" | sed -nE "s/^Latest checkpoint's TimeLineID: *([0-9]+)$/\1/p"
+            [ ! -d "$data" ] || timelines_in "$data/pg_wal"
+        } | sort -n | tail -n 1
+    )
+    for ((number = $(latest_timeline "$1" "$2") + 1; number <= known + 16; ++number)); do
+        as_owner touch "$restored/pg_wal/$(printf %08X "$number").history"
+    done
 }
 
 # 0 when it has come to its end and takes statements, 1 when it has stopped. A long log takes hours.

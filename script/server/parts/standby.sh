@@ -3,6 +3,7 @@
 
 do_standby() {
     take_options "for: address: to: port: take-back" "$@"
+    ! is_automatic || die "the machines copy from each other by themselves. A new machine in place of one: automatic --anew NAME"
     if [ -n "${opt[for]:-}" ]; then
         ((${#rest[@]} == 0)) || misused "either standby --for NAME or standby FILE"
         invite_standby

@@ -5,6 +5,12 @@ do_status() {
     troubles=0
     take_options "" "$@"
     ((${#rest[@]} == 0)) || misused "status takes nothing"
+    if ! is_ours && is_voter; then
+        say "Machine ${auto[name]}, a voter"
+        tell_voters
+        ((troubles == 0)) || exit 1
+        exit 0
+    fi
     need_ours
     say "Machine ${machine[name]}, ${machine[address]} port ${machine[port]}, PostgreSQL $version"
     if ! is_running; then
@@ -16,6 +22,7 @@ do_status() {
     else
         tell_server
     fi
+    ! is_voter || tell_voters
     tell_certificate
     tell_disk
     ((troubles == 0)) || exit 1
@@ -33,9 +40,13 @@ tell_server() {
         single) say "It sells, without a standby: when this machine dies, what counts is the last backup." ;;
         protected) say "It sells, and each sale is on two machines before it counts." ;;
         waiting) trouble "NOTHING IS SOLD: the standby is gone. Repair it, or: harrowby-server alone" ;;
-        alone) trouble "It sells alone since $(sql -c "select coalesce(max(to_char(since, 'YYYY-MM-DD HH24:MI')), '?')
+        alone) if is_automatic; then
+            trouble "It sells alone until a standby has caught up: what it sells now is on this machine only"
+        else
+            trouble "It sells alone since $(sql -c "select coalesce(max(to_char(since, 'YYYY-MM-DD HH24:MI')), '?')
             from harrowby_server.remark where name = 'alone'"): what it sells now is on this machine only. Where a standby
-  is named below that is not behind: harrowby-server alone --off" ;;
+  is named below that is not behind: harrowby-server alone --off"
+        fi ;;
     esac
     sql -f - <<'SQL'
 select format('Standby %s: %s, %s behind', application_name, state, pg_size_pretty(pg_wal_lsn_diff(pg_current_wal_lsn(), flush_lsn)))
@@ -81,6 +92,24 @@ tell_standby() {
     say "It has the server's log up to position $(sql -c "select pg_wal_lsn_diff(greatest(pg_last_wal_receive_lsn(),
         pg_last_wal_replay_lsn()), '0/0')")."
     [ -f "$etc/relied-on" ] || trouble "It has never caught up: harrowby-server standby FILE once more"
+}
+
+tell_voters() {
+    local name missing=0
+    while read -r name; do
+        voter_answers "$name" || {
+            trouble "The voter $name does not answer"
+            missing=$((missing + 1))
+        }
+    done < <(member_names)
+    if voters_agree; then
+        say "The voters have made $(leader) the server."
+        ((missing == 0)) || say "When one more of them goes, no machine takes over, and none sells."
+    else
+        trouble "The voters do not agree: more than half of them have to be there. Until then nothing is sold"
+    fi
+    [ "$(openssl x509 -in "$etc/voter.crt" -noout -checkend $((180 * 86400)) >/dev/null; echo $?)" = 0 ] ||
+        trouble "This voter's certificate ends soon: harrowby-server automatic --anew ${auto[name]}, on another machine"
 }
 
 tell_certificate() {

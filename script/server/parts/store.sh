@@ -99,6 +99,7 @@ do_update() {
     if [ -n "${opt[tills]:-}" ]; then
         check_number "${opt[tills]}"
         machine[tills]=${opt[tills]}
+        ! is_automatic || change_agreed "postgresql.parameters.max_connections=$(room_for "${machine[tills]}")"
     fi
     save_machine
     make_certificate

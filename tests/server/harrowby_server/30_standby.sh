@@ -1,8 +1,6 @@
 # shellcheck shell=bash
 # standby, alone, promote, and the old one taken back.
 
-protection() { admin "$1" "select harrowby.protection()"; }
-
 is "without a standby" single protection one
 works "standby --for" on one standby --for two --address 127.0.0.1 --to "$work/two.tar"
 works "standby" on two standby "$work/two.tar" --port "$port_two"
@@ -43,7 +41,6 @@ wait_for "two machines again" protected protection one
 works "another sale" sell counter-1 s4
 
 # The server dies while a till sells, which goes on with the standby: nothing is lost, nothing is there twice.
-stock() { admin "$1" "select StockAvailable from StockList"; }
 before=$(stock one)
 shop counter-1 --sell busy 12 >"$work/busy" 2>&1 &
 selling=$!

@@ -29,8 +29,12 @@ sleep 1.1
 moment=$(date +'%Y-%m-%d %H:%M:%S')
 sleep 1.1
 works "a mistake" till counter-1 "delete from PurchaseCart"
+timeline() { admin one "select timeline_id from pg_control_checkpoint()"; }
+before=$(timeline)
 works "restore to a time" on one restore --time "$moment"
 is "as it was" "s1 s2 s3 s4 s5 s6 t1 t2 t3" sold one
+works "its timeline is above all that a till may have seen" test "$(timeline)" -gt $((before + 16))
+works "a till takes it" shop counter-1 "select 1"
 is "it sells" alone protection one
 works "a sale afterwards" sell counter-1 t4
 is "the one before is kept" 2 eval 'find "$(dirname "$(data_of one)")" -maxdepth 1 -name "harrowby.kept-*" | wc -l'

@@ -1,0 +1,125 @@
+# shellcheck shell=bash
+# Patroni, which keeps the server: it makes the standby the server when that dies, and the old one its standby.
+
+is_automatic() { [ -f "$etc/patroni.yml" ]; }
+
+# It asks without end where the voters do not answer, and has much to say about one that is gone.
+keeper() {
+    local said
+    said=$(timeout 60 patronictl -c "$etc/patroni.yml" "$@" 2>&1) || {
+        printf '%s\n' "$said" >&2
+        return 1
+    }
+}
+
+# What all machines have to agree on. The times: a dead machine is noticed after 20 seconds at most. Strict: a write that no
+# second machine has is not confirmed, also when no standby is left.
+agreed_settings() {
+    printf '{"ttl":20,"loop_wait":5,"retry_timeout":7,"primary_start_timeout":30,"synchronous_mode":true,'
+    printf '"synchronous_mode_strict":true,"maximum_lag_on_failover":1048576,"postgresql":{"use_pg_rewind":true,'
+    printf '"use_slots":true,"parameters":{"max_connections":%s,"max_wal_senders":10,"max_replication_slots":10,' \
+        "$(sql_in_postgres -c 'show max_connections')"
+    printf '"max_worker_processes":8,"wal_level":"replica","hot_standby":"on","wal_log_hints":"off"}}}'
+}
+
+# change_agreed SETTING=VALUE…
+change_agreed() {
+    local setting settings=()
+    for setting in "$@"; do
+        settings+=(-s "$setting")
+    done
+    keeper edit-config harrowby "${settings[@]}" --force -q || die "the voters do not answer"
+}
+is_paused() { kept config | grep -q '"pause": *true'; }
+
+# The login with which the machines copy from each other, and wind an old server's store back to where the others are.
+make_keeper_login() {
+    local password
+    if [ ! -f "$etc/keeper" ]; then
+        password=$(random_word)
+        printf '%s' "$password" | put "$etc/keeper" 600 "$(id -un)"
+    fi
+    [ -n "$(sql_in_postgres -c "select 1 from pg_roles where rolname = 'harrowby_keeper'")" ] ||
+        sql_in_postgres -c 'create role harrowby_keeper login replication'
+    set_password harrowby_keeper "$(cat "$etc/keeper")"
+    sql_in_postgres -f - <<'SQL'
+grant execute on function pg_ls_dir(text, boolean, boolean), pg_stat_file(text, boolean), pg_read_binary_file(text),
+    pg_read_binary_file(text, bigint, bigint, boolean) to harrowby_keeper;
+SQL
+}
+
+write_keeper_settings() {
+    local api login
+    api=$(url "${auto[name]}" 2)
+    api=${api#https://}
+    login="{username: harrowby_keeper, password: '$(cat "$etc/keeper")', sslmode: verify-full, sslrootcert: '$etc/ca.crt'}"
+    put "$etc/patroni.yml" 600 "$owner" <<CONFIG
+# Written by harrowby-server.
+scope: harrowby
+name: ${auto[name]}
+restapi:
+  listen: '$api'
+  connect_address: '$api'
+  certfile: $etc/voter.crt
+  keyfile: $etc/patroni.key
+  cafile: $etc/ca.crt
+  verify_client: required
+ctl: {cacert: $etc/ca.crt, certfile: $etc/voter.crt, keyfile: $etc/patroni.key}
+etcd3:
+  hosts: '$(all_urls | sed 's|https://||g')'
+  protocol: https
+  cacert: $etc/ca.crt
+  cert: $etc/voter.crt
+  key: $etc/patroni.key
+postgresql:
+  listen: '$(bracketed "${machine[address]}"):${machine[port]}'
+  connect_address: '$(bracketed "${machine[address]}"):${machine[port]}'
+  data_dir: $data
+  config_dir: $conf
+  bin_dir: $programs
+  pgpass: $conf/keeper.pgpass
+  use_unix_socket: true
+  use_unix_socket_repl: true
+  authentication:
+    superuser: {username: $owner}
+    replication: $login
+    rewind: $login
+  parameters: {unix_socket_directories: $sockets}
+  basebackup: [checkpoint: fast$([ -z "$unsynced" ] || printf ', no-sync')]
+# An old server that hangs confirms nothing, as its standby is gone, and no till goes back to it.
+watchdog: {mode: 'off'}
+tags: {nofailover: false, noloadbalance: false, clonefrom: false, nosync: false}
+CONFIG
+}
+
+bracketed() { if [[ $1 == *:* ]]; then printf '[%s]' "$1"; else printf '%s' "$1"; fi; }
+
+# From now on it is Patroni that starts the server.
+start_keeper() {
+    write_keeper_settings
+    [ ! -f "$conf/start.conf" ] || put "$conf/start.conf" 644 "$owner" <<<manual
+    keep_running harrowby-patroni "$owner" "Keeper of the shop's server" "$(command -v patroni)" "$etc/patroni.yml"
+}
+
+# Patroni 3.0 forgets that it waits for a standby only when it begins anew. The server goes on meanwhile.
+restart_keeper() {
+    if [ -z "$root" ]; then
+        systemctl kill -s KILL --kill-who=main harrowby-patroni # and systemd starts it again
+    else
+        kill -KILL "$(pid_of harrowby-patroni)"
+        while runs harrowby-patroni; do sleep 0.1; done
+        start_keeper
+    fi
+}
+
+is_waiting() { [ "$(sql -c 'select harrowby.protection()')" = waiting ]; }
+# It may have written its settings before it knew of the server.
+has_left_off() {
+    control reload
+    ! is_waiting
+}
+
+is_leader() { [ "$(leader)" = "${auto[name]}" ]; }
+has_leader() { [ -n "$(leader)" ]; }
+is_relied_on() { kept sync | grep -q '"sync_standby": *"[^"]'; }
+follows() { is_running && is_standby && [ -n "$(sql_in_postgres -c "select 1 from pg_stat_wal_receiver where status = 'streaming'")" ]; }

@@ -1,0 +1,104 @@
+# shellcheck shell=bash
+# automatic: two machines with the store and a third voter, which take over by themselves.
+
+declare -A votes
+for machine in six seven till; do votes[$machine]=$(free_ports); done
+make_six() { on six create --name six --address 127.0.0.1 --network 127.0.0.0/8 --port "$(free_port)"; }
+works "a server" make_six
+refuses "two voters are too few" "it takes three voters" on six automatic seven=127.0.0.1
+refuses "a standby comes first" "none of these is a standby" on six automatic seven=127.0.0.2 till=127.0.0.3
+works "a standby" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven.tar" &&
+    on seven standby "$work/seven.tar" --port "$(free_port)"'
+refuses "an address in numbers" "in numbers" on six automatic seven=127.0.0.2 till=kiosk
+refuses "not the same twice" "two machines have the address" on six automatic seven=127.0.0.1 till=127.0.0.1
+
+name_the_others() {
+    on six automatic "seven=127.0.0.1,${votes[seven]}" "till=127.0.0.1,${votes[till]}" --port "${votes[six]}" --to "$work" "$@"
+}
+refuses "it has to be chosen" "--go-on-alone" name_the_others
+name_the_others --go-on-alone >"$work/out-six" 2>&1 &
+on_six=$!
+wait_for "the files for the others" 2 eval 'ls "$work"/automatic-*.tar | wc -l'
+is "a till gets no key of the shop" "ca.crt values voter.crt voter.key" eval 'tar -tf "$work/automatic-till.tar" | sort | paste -sd " "'
+on seven automatic "$work/automatic-seven.tar" >"$work/out-seven" 2>&1 &
+on_seven=$!
+works "the third voter" on till automatic "$work/automatic-till.tar"
+works "the server hands over" wait $on_six
+works "the standby takes part" wait $on_seven
+is "protected" protected protection six
+says "status of the server" "have made six the server" on six status
+says "of the standby" "It is the standby of 127.0.0.1, streaming" on seven status
+works "of the voter" on till status
+works "automatic again" on six automatic
+refuses "no standby by hand" "by themselves" on six standby --for eight --address 127.0.0.1
+refuses "nor a restored store" "automatic --off" on six restore --from "$work"
+
+works "a till" eval 'on six add-till counter-6 --to "$work/till-6" && settle_in counter-6 "$work/till-6"'
+admin six "insert into StockList (StockID, StockName, StockAvailable) values ('MIL00001', 'MILK', 100000)"
+sold_is_told() {
+    admin "$2" "select PurchaseID from PurchaseCart where PurchaseID like 'busy%' order by 1" >"$work/stored"
+    works "$1: each sale that the till was told of, and no other" diff "$work/busy" "$work/stored"
+    is "$1: no unit too few or too many" "$((100000 - $(wc -l <"$work/busy")))" stock "$2"
+}
+sell_on() {
+    local sold
+    sold=$(wc -l <"$work/busy")
+    for ((second = 0; second < 100; ++second)); do
+        (($(wc -l <"$work/busy") < sold + 5)) || return 0
+        sleep 0.5
+    done
+    return 1
+}
+
+sells_soon() {
+    local second
+    for ((second = 0; second < 30; ++second)); do
+        ! sell counter-6 "$1" || return 0
+        sleep 1
+    done
+    return 1
+}
+
+# One till sells on through all of it.
+(cd / && HOME=$work/home-counter-6 exec "$shop_till" service=harrowby "$work/state-counter-6" --sell busy 600) \
+    >"$work/busy" 2>"$work/busy-errors" &
+selling=$!
+works "it sells" sell_on
+kill_machine six
+works "the server's machine dies: it sells on" sell_on
+wait_for "with the other one" "seven " eval 'on seven status | sed -n "s/.*have made \(.* \)the server.*/\1/p"'
+is "alone, and says so" alone protection seven
+works "the dead one is switched on" on six automatic
+is "two machines" protected protection seven
+works "to and fro" on six promote
+works "it sells with the first one" sell_on
+is "which is the server" "f" admin six "select pg_is_in_recovery()"
+kill_voter till
+works "one voter gone: it sells on" sell_on
+refuses "which is told" "The voter till does not answer" on six status
+refuses "it is there" "seven answers" on six automatic --anew seven
+rm -rf "${work:?}/till"
+works "a new machine in its place" eval 'on six automatic --anew till --to "$work" && on till automatic "$work/automatic-till.tar"'
+works "all voters" on till status
+kill "$selling" # which ends its sale
+works "none was refused" wait "$selling"
+sold_is_told "after all of it" six
+
+# Without a standby: nothing, or alone by choice.
+works "no sale that is on one machine only" on six alone --off
+kill_machine seven
+wait_for "nothing is confirmed" waiting protection six
+works "alone" on six alone
+wait_for "alone" alone protection six
+works "a sale" sells_soon w1
+rm -rf "${work:?}/seven"
+works "a new machine with the store" eval 'on six automatic --anew seven --to "$work" && on seven automatic "$work/automatic-seven.tar"'
+wait_for "two machines again" protected protection six
+works "another sale" sells_soon w2
+is "on both" "w1 w2" sold seven
+
+works "by hand again" eval 'on seven automatic --off && on six automatic --off && on till automatic --off'
+works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar"'
+is "as before" protected protection six
+works "a sale by hand" sells_soon w3
+is "on both again" "w1 w2 w3" sold seven
