@@ -29,6 +29,9 @@ private Q_SLOTS:
     void resolvesWhatProgramsBeforeHaveLeft();
     void tellsWhatNobodyCanFindOut();
     void startsAnewWhenItWasRetired();
+    void findsATransaction_data();
+    void findsATransaction();
+    void takesNoNumberWhileAWriteIsUnknown();
     void goesOnWithoutADisk();
     void leavesTheJournal();
 };
@@ -329,6 +332,61 @@ void ActionsTest::startsAnewWhenItWasRetired()
     QCOMPARE(server.takeAsked(), u"sending act1 confirm1 sending act1"_s);
     QVERIFY(server.writers.last() != running);
     QCOMPARE(journal.said.join(u", "), u"enter, leave, enter another"_s);
+}
+
+void ActionsTest::findsATransaction_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("asked");
+    QTest::addColumn<QString>("outcome");
+    const auto row = [](const char *name, const QString &script, const QString &asked, const QString &outcome) {
+        QTest::newRow(name) << script << asked << outcome;
+    };
+    row("there", u"done:1"_s, u"drop resending claim1"_s, u"done"_s);
+    row("not there, and never will be", u"done:2"_s, u"drop resending claim1"_s, u"refused"_s);
+    row("found at last", u"out lost locked done:1"_s, u"drop resending claim1 drop claim1 claim1"_s, u"done"_s);
+    row("given up, found nevertheless", u"lost over done:1"_s, u"drop resending claim1 drop claiming claim1"_s,
+        u"done"_s);
+    row("nobody there", u"out over out over"_s, u"drop resending claiming"_s, u"unknown"_s);
+}
+
+/// One whose end was sent, and no answer came.
+void ActionsTest::findsATransaction()
+{
+    QFETCH(const QString, script);
+    QFETCH(const QString, asked);
+    QFETCH(const QString, outcome);
+    ScriptedServer server(script);
+    ScriptedJournal journal;
+    Actions actions(server, journal, running);
+    const auto taken = actions.take();
+    QVERIFY(taken);
+    QCOMPARE(*taken, (ActionNumber{running, 1}));
+    const Actions::End end = actions.find(*taken, u"several"_s, {PgError::Kind::Lost, {}, u"broken"_s, true});
+    QCOMPARE(server.takeAsked(), asked);
+    QCOMPARE(nameOf(end.outcome), outcome);
+    QVERIFY(server.isThrough());
+    QVERIFY(end.outcome != Outcome::Refused || end.error.text == u"broken"_s);
+    QCOMPARE(journal.said.join(u", "), outcome == u"unknown" ? u"enter, keep 1 several"_s : u"enter"_s);
+    server.go(outcome == u"unknown" ? u"done:1 done"_s : u"done"_s);
+    QCOMPARE(actions.write(sale).outcome, Outcome::Done);
+    QVERIFY(server.takeAsked().endsWith(u"sending act3"_s)); // the claim has used the second one
+}
+
+void ActionsTest::takesNoNumberWhileAWriteIsUnknown()
+{
+    ScriptedServer server(u"lost over out over"_s);
+    ScriptedJournal journal;
+    Actions actions(server, journal, running);
+    QCOMPARE(actions.write(sale).outcome, Outcome::Unknown);
+    server.go(u"out over"_s);
+    const auto taken = actions.take();
+    QVERIFY(!taken);
+    QCOMPARE(taken.error().text, u"out"_s);
+    server.go(u"done:1"_s);
+    QCOMPARE(actions.take().value_or(ActionNumber()).number, 3);
+    actions.retire();
+    QVERIFY(actions.take().value_or(ActionNumber()).writer != running);
 }
 
 void ActionsTest::goesOnWithoutADisk()
