@@ -24,6 +24,9 @@ using app::RecordValue;
 using Kind = DbFailure::Kind;
 using Outcome = Actions::Outcome;
 
+/// Until the server takes a program for dead that says nothing in the middle of a transaction.
+constexpr char longIdleTime[] = "set local idle_in_transaction_session_timeout = 120000";
+
 /// Sent as one statement.
 constexpr qsizetype rowsAtOnce = 200;
 
@@ -293,7 +296,10 @@ std::optional<DbFailure> PostgresRecords::begin(const RecordTable &table)
     if (m_writer.transaction() != nullptr || m_holdsMoment || !m_writes)
         return refused(Kind::Write, what, u"something else that belongs together is not done yet"_s);
     beforeAction();
-    auto transaction = std::make_unique<Transaction>(m_writer, locksFor(table), what);
+    QList<QByteArray> locks = locksFor(table);
+    if (m_worksForLong)
+        locks.prepend(longIdleTime);
+    auto transaction = std::make_unique<Transaction>(m_writer, std::move(locks), what);
     if (const auto begun = transaction->begin(); !begun)
         return failureOf(Kind::Write, what, begun.error());
     m_transaction = std::move(transaction);

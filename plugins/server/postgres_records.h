@@ -20,7 +20,7 @@ namespace harrowby::server {
 ///
 /// Who writes several things together keeps the other programs' records of the same table away, not their tills: these
 /// wait only where RecordTable::guarded names what they write to.
-class PostgresRecords final : public app::Records
+class PostgresRecords : public app::Records
 {
 public:
     /// `session` is kept as long as these records; it owns what the references are to.
@@ -29,6 +29,8 @@ public:
 
     /// From now on every write is refused.
     void keepFromWriting() { m_writes = false; }
+    /// What is done together may take its time between two statements.
+    void workForLong() { m_worksForLong = true; }
     /// Called before each statement that stands alone, and before each transaction.
     void setBeforeAction(std::function<void()> prepare) { m_beforeAction = std::move(prepare); }
 
@@ -66,6 +68,7 @@ private:
     QSet<QString> m_tables; ///< of the program's own that are there, in small letters
     bool m_holdsMoment = false;
     bool m_writes = true;
+    bool m_worksForLong = false;
 };
 
 } // namespace harrowby::server

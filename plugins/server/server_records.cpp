@@ -18,8 +18,8 @@ using namespace std::chrono_literals;
 /// What works for minutes, beside the tills.
 struct OwnSession
 {
-    explicit OwnSession(const QString &target) :
-        time(limits()), access(targetOf(target), waits(), time), writer(access, {}, limits().rest)
+    OwnSession(const QString &target, PgTarget::Use use) :
+        time(limits()), access(targetOf(target, use), waits(), time), writer(access, {}, limits().rest)
     {
     }
 
@@ -30,11 +30,11 @@ struct OwnSession
         return limits;
     }
 
-    static PgTarget targetOf(const QString &target)
+    static PgTarget targetOf(const QString &target, PgTarget::Use use)
     {
         PgTarget made;
         made.conninfo = target.toUtf8();
-        made.use = PgTarget::Use::Walk;
+        made.use = use;
         made.schemaVersion = postgres::schemaVersion;
         made.stateFolder = postgres::stateFolder({});
         made.programName = "harrowby work";
@@ -73,6 +73,7 @@ struct OwnSession
 ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access access) :
     m_session(std::move(session)), m_records(m_session, m_session->access, m_session->writer)
 {
+    m_records.workForLong();
     if (access == app::Access::Read)
         m_records.keepFromWriting();
     m_records.setBeforeAction([session = m_session.get()] {
@@ -86,7 +87,8 @@ ServerRecords::~ServerRecords() = default;
 
 Result<std::unique_ptr<app::StoreRecords>, QString> ServerRecords::open(const QString &target, app::Access access)
 {
-    auto session = std::make_shared<OwnSession>(target);
+    const auto use = access == app::Access::Read ? PgTarget::Use::Walk : PgTarget::Use::Work;
+    auto session = std::make_shared<OwnSession>(target, use);
     if (const auto reached = session->access.reach(); !reached)
         return Unexpected(u"The store on the server could not be opened once more (%1)."_s.arg(reached.error().text));
     return std::unique_ptr<app::StoreRecords>(new ServerRecords(std::move(session), access));

@@ -19,6 +19,11 @@ constexpr qsizetype mostText = 4'000'000;
 constexpr int mostCollisions = 3;
 constexpr int mostTries = 20;
 
+// A statement whose program has gone ends, so that nobody waits for what it has locked. Not so the end of the
+// transaction: its wait for a standby would end with it.
+constexpr char endsWhenAlone[] = "set local client_connection_check_interval = 1000";
+constexpr char commitText[] = "set local client_connection_check_interval = 0; commit";
+
 /// The server's word for a number that it has had.
 constexpr char arrivedBefore[] = "HB001";
 
@@ -89,6 +94,7 @@ Result<PgResults, PgError> Transaction::beginOnce(const QByteArray &first)
     m_action = *taken;
     QList<QByteArray> before = {"begin", "select harrowby.act('" + m_action.writer.toByteArray(QUuid::WithoutBraces) +
                                              "', " + QByteArray::number(static_cast<qlonglong>(m_action.number)) + ')'};
+    before << endsWhenAlone;
     before += m_locks;
     const QByteArray text = before.join(';') + ';' + first;
     ServerAccess &access = m_writer.access();
@@ -190,7 +196,7 @@ Actions::End Transaction::commit()
     for (;;) {
         if (m_isOver)
             return finished({Outcome::Refused, over()});
-        const auto results = runOnce("commit");
+        const auto results = runOnce(commitText);
         if (results)
             break;
         PgError error = results.error();

@@ -3,6 +3,7 @@
 
 #include "app/shop/failure_text.h"
 #include "platform/boxes.h"
+#include "tests/doubles/server_shop.h"
 
 #include <QCoreApplication>
 
@@ -30,7 +31,9 @@ void CashTill::init()
     file().addItem(u"A1"_s, u"TEA"_s, 2.5, 500);
     file().addItem(u"B2"_s, u"HONEY"_s, 4, 500);
     file().addItem(u"C3"_s, u"O'HARA\"S, 1 X  |  = BREAD"_s, 1.2, 500);
-    m_records = std::make_unique<FussyRecords>(file().handle());
+    FussyShop shop = fussyShop(file());
+    m_records = std::move(shop.records);
+    m_fuss = shop.fuss;
     m_records->setFailureHandler([this](const DbFailure &failure) {
         if (failure.kind == DbFailure::Kind::Write) // as the notice has it
             m_failures << failedWork(failure);
@@ -49,9 +52,19 @@ void CashTill::cleanup()
     m_till.reset();
 }
 
+QString CashTill::rowPlace() const
+{
+    return harrowby::test::isOnServer(file().path()) ? u"ctid"_s : u"rowid"_s;
+}
+
+QString CashTill::locksPath() const
+{
+    return harrowby::test::isOnServer(file().path()) ? m_locksFolder.filePath(u"shop"_s) : file().path();
+}
+
 void CashTill::startRun()
 {
-    m_locks = std::make_shared<FileRunLocks>(file().path());
+    m_locks = std::make_shared<FileRunLocks>(locksPath());
     m_payments = std::make_unique<Payments>(
         counter(), *m_records, CashStation{u"Front"_s, m_locks, [this] { return m_till->clock->now(); }, 0});
     connect(m_payments.get(), &Payments::paid, this,
@@ -75,9 +88,9 @@ void CashTill::endRun()
 void CashTill::killRun()
 {
     // The end of the run cannot be written, nor anything else.
-    m_records->failAll = true;
+    m_fuss->failAll = true;
     endRun();
-    m_records->failAll = false;
+    m_fuss->failAll = false;
     m_failures.clear();
 }
 
@@ -127,7 +140,8 @@ void CashTill::takeEvents()
 QStringList CashTill::payments() const
 {
     return file().rows(u"SELECT State, PurchaseID, Way, Amount, Given, Total, Seller, Drawer, Run, Origin "
-                       "FROM HarrowbyPayment ORDER BY TakenAt, rowid"_s);
+                       "FROM HarrowbyPayment ORDER BY TakenAt, "_s +
+                       rowPlace());
 }
 
 QString CashTill::onePurchase() const
@@ -138,7 +152,7 @@ QString CashTill::onePurchase() const
 QString CashTill::sums() const
 {
     return file().cell(u"SELECT CAST(round(100 * (SELECT total(PurchasedItemsCost) FROM PurchaseCart)) AS INTEGER) || "
-                       "' of ' || (SELECT ifnull(sum(Amount), 0) FROM HarrowbyPayment WHERE State = 'PAID')"_s);
+                       "' of ' || (SELECT coalesce(sum(Amount), 0) FROM HarrowbyPayment WHERE State = 'PAID')"_s);
 }
 
 } // namespace harrowby::app::test

@@ -3,7 +3,7 @@
 
 #include "app/cash/payments.h"
 #include "app/cash/run_locks.h"
-#include "tests/app/fussy_records.h"
+#include "tests/app/fussy_shop.h"
 #include "tests/support/counter.h"
 
 #include <harrowby/counter.h>
@@ -11,6 +11,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <memory>
 
@@ -29,6 +30,9 @@ private Q_SLOTS:
 protected:
     [[nodiscard]] static harrowby::Counter &counter() { return harrowby::Counter::instance(); }
     [[nodiscard]] const harrowby::test::ShopFile &file() const { return m_till->file; }
+    [[nodiscard]] QString locksPath() const;
+    /// What puts rows into the order in which they were written.
+    [[nodiscard]] QString rowPlace() const;
     /// A run of the program at the file, with the window's events taken.
     void startRun();
     void endRun();
@@ -50,7 +54,9 @@ protected:
     [[nodiscard]] QString sums() const;
 
     std::unique_ptr<harrowby::test::Counter> m_till;
-    std::unique_ptr<FussyRecords> m_records;
+    std::unique_ptr<Records> m_records;
+    Fuss *m_fuss = nullptr;      ///< of the records
+    QTemporaryDir m_locksFolder; ///< where the store is no file
     std::shared_ptr<FileRunLocks> m_locks;
     std::unique_ptr<Payments> m_payments;
     QStringList m_told;     ///< by the signals

@@ -168,10 +168,10 @@ void DrawerTest::openingByHandIsRecordedFirst()
 {
     const testing::LogCapture log;
     takeDrawer();
-    m_records->texts.clear();
+    m_fuss->texts.clear();
     pressAndGive(u"  to the\nbank's "_s);
     QCOMPARE(
-        m_records->texts.filter(u"Harrowby"_s),
+        m_fuss->texts.filter(u"Harrowby"_s),
         (QStringList{u"create table if not exists HarrowbyDrawerOpening (OpeningID text not null primary key, "
                      "OpenedAt text not null, OpenedBy text not null, Drawer text not null, Reason text not null)"_s,
                      u"insert into HarrowbyDrawerOpening (OpeningID, OpenedAt, OpenedBy, Drawer, Reason) "
@@ -209,9 +209,9 @@ void DrawerTest::dialogNeedsAReason()
 void DrawerTest::openingThatCannotBeRecordedDoesNotHappen()
 {
     takeDrawer();
-    m_records->failAll = true;
+    m_fuss->failAll = true;
     pressAndGive(u"Counting"_s);
-    m_records->failAll = false;
+    m_fuss->failAll = false;
     m_desk.reset();
     QCOMPARE(kicks(), 0);
     QCOMPARE(m_failures.size(), 1);

@@ -27,7 +27,9 @@ void HoldTill::init()
     file.addItem(u"C3"_s, u"BREAD"_s, 1.2, 12);
     file.addItem(u"D4"_s, u"MILK"_s, 0.99, 12);
     file.addItem(u"E5"_s, u"EGGS"_s, 3, 12);
-    m_records = std::make_unique<FussyRecords>(file.handle());
+    FussyShop shop = fussyShop(file);
+    m_records = std::move(shop.records);
+    m_fuss = shop.fuss;
     m_carts = std::make_unique<HeldCarts>(*m_records);
     m_desk = std::make_unique<HoldDesk>(counter(), *m_records, [this](const QString &text, bool isRefusal) {
         m_said << (isRefusal ? u"! "_s : QString()) + text;
@@ -127,8 +129,10 @@ QStringList HoldTill::heldWords()
 
 QStringList HoldTill::heldLines() const
 {
-    return m_till->file.rows(u"SELECT Position, StockID, StockName, Quantity, Cost, CostByHand FROM HarrowbyHeldLine "
-                             "ORDER BY HeldID, Position"_s);
+    return m_till->file
+        .rows(u"SELECT Position, StockID, StockName, Quantity, Cost, CostByHand FROM HarrowbyHeldLine "
+              "ORDER BY HeldID, Position"_s)
+        .replaceInStrings(u".0|"_s, u"|"_s); // how an engine writes a whole number
 }
 
 } // namespace harrowby::app::test

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/hold/hold_desk.h"
-#include "tests/app/fussy_records.h"
+#include "tests/app/fussy_shop.h"
 #include "tests/support/counter.h"
 
 #include <harrowby/counter.h>
@@ -44,7 +44,8 @@ protected:
     [[nodiscard]] QStringList heldLines() const;
 
     std::unique_ptr<harrowby::test::Counter> m_till;
-    std::unique_ptr<FussyRecords> m_records;
+    std::unique_ptr<Records> m_records;
+    Fuss *m_fuss = nullptr; ///< of the records
     std::unique_ptr<HoldDesk> m_desk;
     std::unique_ptr<HeldCarts> m_carts;
     QStringList m_said;

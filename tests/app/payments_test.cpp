@@ -207,9 +207,9 @@ void PaymentsTest::runMovesOnWithTheDays()
     purchasePlainly();
     QCOMPARE(file().cell(since), u"180305140709"_s);
     laterBy(24 * 60 * 60);
-    m_records->failAll = true;
+    m_fuss->failAll = true;
     purchasePlainly();
-    m_records->failAll = false;
+    m_fuss->failAll = false;
     QCOMPARE(file().cell(since), u"180305140709"_s); // that one has to be looked for yet
     laterBy(60);
     purchasePlainly();

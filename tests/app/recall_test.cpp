@@ -7,8 +7,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <sqlite3.h>
-
 using namespace Qt::StringLiterals;
 using namespace harrowby;
 using namespace harrowby::app;
@@ -95,26 +93,21 @@ void RecallTest::onlyOneTillGetsACart()
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     holdAs(u"1"_s);
     const QString id = idOf(u"1"_s);
-    sqlite3 *raw = nullptr;
-    QCOMPARE(sqlite3_open(m_till->file.path().toUtf8().constData(), &raw), SQLITE_OK);
-    {
-        SqliteRecords records(raw);
-        HeldCarts other(records);
-        int got = 0;
-        const auto take = [&got](const std::vector<CounterLine> &lines) {
-            got += static_cast<int>(lines.size());
-            return true;
-        };
-        // The other till tries while this one is at it, and after that.
-        QCOMPARE(m_carts->take(id,
-                               [&](const std::vector<CounterLine> &lines) {
-                                   return other.take(id, take) == HeldCarts::Taken::Failed && take(lines);
-                               }),
-                 HeldCarts::Taken::Done);
-        QCOMPARE(other.take(id, take), HeldCarts::Taken::Gone);
-        QCOMPARE(got, 1);
-    }
-    sqlite3_close(raw);
+    const auto records = otherTillsRecords(m_till->file);
+    HeldCarts other(*records);
+    int got = 0;
+    const auto take = [&got](const std::vector<CounterLine> &lines) {
+        got += static_cast<int>(lines.size());
+        return true;
+    };
+    // The other till tries while this one is at it, and after that.
+    QCOMPARE(m_carts->take(id,
+                           [&](const std::vector<CounterLine> &lines) {
+                               return other.take(id, take) == HeldCarts::Taken::Failed && take(lines);
+                           }),
+             HeldCarts::Taken::Done);
+    QCOMPARE(other.take(id, take), HeldCarts::Taken::Gone);
+    QCOMPARE(got, 1);
 }
 
 void RecallTest::cartThatIsGoneIsTold()
@@ -176,10 +169,10 @@ void RecallTest::failedRecallLeavesTheCartHeld()
     std::vector<CounterMisfit> misfits;
     CartHolder holder(counter(), *m_carts);
     for (int at = 0; at < 4; ++at) { // begin, delete, read, delete
-        m_records->texts.clear();
-        m_records->failAt = at;
+        m_fuss->texts.clear();
+        m_fuss->failAt = at;
         QCOMPARE(holder.recall(id, misfits), HeldCarts::Taken::Failed);
-        m_records->failAt = -1;
+        m_fuss->failAt = -1;
         QCOMPARE(cart(), QStringList());
         QCOMPARE(heldWords(), QStringList{u"1"_s});
         QCOMPARE(heldLines(), lines);
@@ -192,10 +185,10 @@ void RecallTest::cartInBothPlacesIsTold()
     holdAs(u"1"_s);
     answerRecall(u"1"_s, u"listAction"_s);
     answerNextBox(u"\"1\" is in the cart, but it could not be taken off the list"_s, u"OK"_s);
-    m_records->texts.clear();
-    m_records->failAt = 5; // list, begin, delete, read, delete, and the commit
+    m_fuss->texts.clear();
+    m_fuss->failAt = 5; // list, begin, delete, read, delete, and the commit
     press(u"recallCart"_s);
-    m_records->failAt = -1;
+    m_fuss->failAt = -1;
     QCOMPARE(m_dialogs, 2);
     QCOMPARE(cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
     QCOMPARE(heldWords(), QStringList{u"1"_s});

@@ -97,7 +97,7 @@ void SettlementTest::addRun(std::int64_t run, const QString &drawer, bool locked
 
 void SettlementTest::settle(const QString &drawer)
 {
-    const FileRunLocks locks(file().path());
+    const FileRunLocks locks(locksPath());
     Settlement(*m_records, &locks, {0, drawer}).settle(m_till->clock->now());
 }
 
@@ -141,12 +141,12 @@ void SettlementTest::nothingIsWrittenWithoutDeadRuns()
 {
     purchasePlainly();
     endRun();
-    m_records->texts.clear();
+    m_fuss->texts.clear();
     startRun();
-    QCOMPARE(m_records->texts.filter(u"HarrowbyPayment"_s), QStringList());
-    m_records->texts.clear();
+    QCOMPARE(m_fuss->texts.filter(u"HarrowbyPayment"_s), QStringList());
+    m_fuss->texts.clear();
     settle(); // now with the living one
-    QCOMPARE(m_records->texts.size(), 1);
+    QCOMPARE(m_fuss->texts.size(), 1);
 }
 
 void SettlementTest::intentFindsItsPurchase()
@@ -330,11 +330,11 @@ void SettlementTest::storeThatFailsIsLeftToTheNextStart()
     bool isThrough = false;
     for (int failAt = 0; !isThrough; ++failAt) {
         m_failures.clear();
-        m_records->texts.clear();
-        m_records->failAt = failAt;
+        m_fuss->texts.clear();
+        m_fuss->failAt = failAt;
         settle();
-        m_records->failAt = -1;
-        isThrough = m_records->texts.size() <= failAt;
+        m_fuss->failAt = -1;
+        isThrough = m_fuss->texts.size() <= failAt;
         if (!isThrough) {
             QVERIFY(m_failures.size() <= 1);
             QCOMPARE(payments(), before);
@@ -373,7 +373,7 @@ void SettlementTest::drawerIsThatOfTheDeadRun()
 void SettlementTest::noStatementReadsAWholeTable()
 {
     QVERIFY(createMissingIndexes(file().handle()));
-    m_records->texts.clear();
+    m_fuss->texts.clear();
     addRun(7);
     addIntent(u"i"_s, 7);
     addPurchase(u"HV1"_s, tea, u"2.5"_s, 40);
@@ -390,7 +390,7 @@ void SettlementTest::noStatementReadsAWholeTable()
     (void)OpenIntents(*m_records).remove(u"open"_s);
     endRun();
     int looked = 0;
-    for (const QString &text : std::as_const(m_records->texts)) {
+    for (const QString &text : std::as_const(m_fuss->texts)) {
         if (text == u"begin"_s || text == u"commit"_s)
             continue;
         const QString plan = file().rows(u"EXPLAIN QUERY PLAN "_s + text).join(u'\n');
@@ -418,13 +418,13 @@ void SettlementTest::personCountsAnIntent()
     QCOMPARE(intents.countFor(intent.id, u"x' or '1'='1"_s), OpenIntents::Outcome::Misfit);
     bool wasLast = false;
     for (int failAt = 0; !wasLast; ++failAt) {
-        m_records->texts.clear();
-        m_records->failAt = failAt;
+        m_fuss->texts.clear();
+        m_fuss->failAt = failAt;
         const auto outcome = intents.countFor(intent.id, u"HV1"_s);
-        m_records->failAt = -1;
-        wasLast = m_records->texts.last() == u"commit"_s;
+        m_fuss->failAt = -1;
+        wasLast = m_fuss->texts.last() == u"commit"_s;
         QVERIFY2(outcome == OpenIntents::Outcome::Failed && intents.list()->size() == 1,
-                 qPrintable(m_records->texts.join(u'\n')));
+                 qPrintable(m_fuss->texts.join(u'\n')));
     }
     QCOMPARE(intents.countFor(intent.id, u"HV1"_s), OpenIntents::Outcome::Done);
     QCOMPARE(intents.countFor(intent.id, u"HV1"_s), OpenIntents::Outcome::Gone);
@@ -441,9 +441,9 @@ void SettlementTest::personRemovesAnIntent()
     OpenIntents intents(*m_records, SignedDeeds(*m_records, officePlace, u"ANNA"_s));
     QCOMPARE(intents.remove(u"i"_s), OpenIntents::Outcome::Gone); // not listed yet
     settle();
-    m_records->failAll = true;
+    m_fuss->failAll = true;
     QCOMPARE(intents.remove(u"i"_s), OpenIntents::Outcome::Failed);
-    m_records->failAll = false;
+    m_fuss->failAll = false;
     QCOMPARE(intents.remove(u"i"_s), OpenIntents::Outcome::Done);
     QCOMPARE(intents.remove(u"i"_s), OpenIntents::Outcome::Gone);
     QVERIFY(intents.list()->isEmpty());

@@ -39,6 +39,8 @@ private Q_SLOTS:
 private:
     [[nodiscard]] ServerOptions options();
     [[nodiscard]] std::unique_ptr<StoreRecords> ownRecords(Access access);
+    /// Nobody goes on with the endless statement there.
+    void awaitItsEnd();
 
     std::unique_ptr<ServerFixture> m_server;
     ServerEngine *m_engine = nullptr;
@@ -85,6 +87,14 @@ std::unique_ptr<StoreRecords> ServerEngineTest::ownRecords(Access access)
     const QString target = u"postgresql://postgres@127.0.0.1:%1/shop"_s.arg(m_server->cluster.port());
     auto records = openStoreRecords(target, access);
     return records ? *std::move(records) : nullptr;
+}
+
+void ServerEngineTest::awaitItsEnd()
+{
+    m_server->cluster.await(
+        u"select count(*) from pg_stat_activity where query like '%generate_series(1, 100000000)%' and "
+        "state = 'active' and pid <> pg_backend_pid()"_s,
+        u"0"_s);
 }
 
 void ServerEngineTest::opensAStore()
@@ -191,11 +201,7 @@ void ServerEngineTest::aWatchEndsAStatement()
     QVERIFY(own->records().read(names)); // connected anew
     const auto wrong = own->records().read({u"select Nothing from StockList"_s, {}});
     QVERIFY(!wrong && !own->wasInterrupted(wrong.error()));
-    // Nobody goes on with it there.
-    m_server->cluster.await(
-        u"select count(*) from pg_stat_activity where query like '%generate_series(1, 100000000)%' and "
-        "state = 'active' and pid <> pg_backend_pid()"_s,
-        u"0"_s);
+    awaitItsEnd();
 }
 
 void ServerEngineTest::anotherThreadEndsAStatement()
@@ -213,6 +219,7 @@ void ServerEngineTest::anotherThreadEndsAStatement()
     isOver = true;
     other.join();
     QVERIFY(!ended || !*ended);
+    awaitItsEnd();
     QVERIFY(own->records().read(names));
 }
 
