@@ -57,9 +57,9 @@ private:
 
     Counter &m_counter;
     FailureNotice &m_notice;
-    QList<Miss> m_misses; ///< of a purchase that has not been told yet
+    QList<Miss> m_misses;           ///< of a purchase that has not been told yet
     std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
-    std::vector<Cart> m_back; ///< that are to come back
+    std::vector<Cart> m_back;       ///< that are to come back
 };
 
 } // namespace harrowby::app

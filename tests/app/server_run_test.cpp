@@ -44,7 +44,10 @@ private:
     void fillCart();
     [[nodiscard]] QString stock() const { return value(u"select StockAvailable from harrowby.stocklist"_s); }
     /// Of runs that live.
-    [[nodiscard]] QString locks() const { return value(u"select count(*) from pg_locks where locktype = 'advisory'"_s); }
+    [[nodiscard]] QString locks() const
+    {
+        return value(u"select count(*) from pg_locks where locktype = 'advisory'"_s);
+    }
     /// "Purchase Cart" and the boxes of a sale that is done.
     void commit();
     void answerSummary();

@@ -172,7 +172,9 @@ void setUpShop(PrivateCluster &cluster, const QString &database)
     const QDir schema(QStringLiteral(HARROWBY_SCHEMA));
     for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name))
         cluster.sql(contentsOf(schema.filePath(name)), database);
-    cluster.sql(contentsOf(QStringLiteral(HARROWBY_OWN_TABLES)), database);
+    cluster.sql(u"set search_path = harrowby, pg_catalog;"_s + contentsOf(QStringLiteral(HARROWBY_OWN_TABLES)) +
+                    u"reset search_path"_s,
+                database);
     cluster.sql(roles, database);
     QString rights = contentsOf(QStringLiteral(HARROWBY_RIGHTS));
     cluster.sql(rights.replace(u"on database harrowby "_s, u"on database %1 "_s.arg(database)), database);
