@@ -4,6 +4,7 @@
 #include "app/records/record_tables.h"
 #include "platform/boxes.h"
 #include "tests/app/cash_till.h"
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 #include "ui/work_areas.h"
 
@@ -308,7 +309,8 @@ void PaymentsTroubleTest::oddTextsAreMatched_data()
 {
     QTest::addColumn<QString>("items");
     QTest::newRow("quotes") << u"1 x Q'1  |  O'HARA\"S = 2.50"_s;
-    QTest::newRow("NUL") << u"1 x N"_s + QChar(u'\0') + u"1  |  NUL' or 1 = 2.50"_s;
+    if (!harrowby::test::shopsAreOnAServer()) // which holds none
+        QTest::newRow("NUL") << u"1 x N"_s + QChar(u'\0') + u"1  |  NUL' or 1 = 2.50"_s;
     QTest::newRow("joints") << u"1 x A  |  B, 2 x C  |  D = 1.00 = 2.50"_s;
     QTest::newRow("percent and stars") << u"1 x %  |  100 % * _ = 2.50"_s;
     QTest::newRow("any script") << u"1 x \u05d0\u202e  |  STRASSE \u00df \U0001f375 = 2.50"_s;
