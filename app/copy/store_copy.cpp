@@ -94,6 +94,17 @@ bool isOnlyAddedTo(const CopiedTable &table)
     return table.made != nullptr && kept::isOnlyAddedTo(*table.made);
 }
 
+/// A figure of the program's own tables as a text: a file keeps those as texts, and would shorten a number.
+RecordRow asWritten(const CopiedTable &table, RecordRow row)
+{
+    for (qsizetype column = 0; column < table.columns.size() && !table.isShops(); ++column) {
+        const bool isFigure = table.columns.at(column).fill == ColumnFill::Figure;
+        if (isFigure && !std::holds_alternative<std::monostate>(row.at(column)))
+            row[column] = recordText(row.at(column));
+    }
+    return row;
+}
+
 Failed writeRows(Records &to, const CopiedTable &table, const QList<RecordRow> &rows)
 {
     if (rows.isEmpty())
@@ -103,7 +114,7 @@ Failed writeRows(Records &to, const CopiedTable &table, const QList<RecordRow> &
                                   QStringList(rows.size(), places).join(u", "_s),
                               {}};
     for (const RecordRow &row : rows)
-        statement.values << row;
+        statement.values << asWritten(table, row);
     const auto written = to.write(table.records(), statement);
     if (!written)
         return ofCopy(failureOf(written.error(), table));

@@ -175,6 +175,10 @@ void CommandLineTest::refused_data()
     QTest::newRow("an empty folder") << QStringList{u"--backup="_s} << u"--backup needs the folder"_s;
     QTest::newRow("an option for a folder")
         << QStringList{u"--backup"_s, u"--demo"_s} << u"--backup needs the folder"_s;
+    QTest::newRow("no place of a copy") << QStringList{u"--copy-store"_s, u"shop.sqlite"_s}
+                                        << u"--copy-store needs the place of the copy"_s;
+    QTest::newRow("a copy and a store of its own")
+        << QStringList{u"--database=a"_s, u"--copy-store"_s, u"b"_s, u"service=c"_s} << u"names both stores itself"_s;
     QTest::newRow("two errands") << QStringList{u"--backup=a"_s, u"--backup"_s, u"b"_s} << u"one at a time"_s;
     QTest::newRow("an errand and a window") << QStringList{u"--backup=a"_s, u"--office"_s} << u"needs no window"_s;
     QTest::newRow("an option without its errand") << QStringList{u"--keep=3"_s} << u"--keep goes with --backup"_s;
@@ -206,7 +210,8 @@ void CommandLineTest::helpNamesEveryOption()
     for (const QString &option :
          {u"--database FILE"_s, u"--database postgresql://"_s, u"service=NAME"_s, u"--demo"_s, u"--drawer NAME"_s,
           u"--look LOOK"_s, u"--office"_s, u"--touch-keyboard"_s, u"--no-plugins"_s, u"--backup FOLDER [--keep N]"_s,
-          u"--restore FILE"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s, u"--version"_s})
+          u"--copy-store FROM TO"_s, u"--restore FILE"_s, u"--customer-display [SCREEN]"_s, u"--verbose"_s, u"--help"_s,
+          u"--version"_s})
         QVERIFY(helpText().contains(option));
     QCOMPARE(versionText(), u"harrowby "_s + QLatin1StringView(HARROWBY_VERSION) + u'\n');
 }

@@ -25,20 +25,37 @@ bool neverStop(const WorkStep &)
     return true;
 }
 
+bool isFigure(const QString &column)
+{
+    return column.startsWith(u"StockCost"_s);
+}
+
+/// What one of these texts is as a number; empty where it is none.
+std::optional<double> numberOf(const RecordValue &value)
+{
+    const auto *text = std::get_if<QString>(&value);
+    bool isNumber = false;
+    const double number = text != nullptr ? text->toDouble(&isNumber) : 0;
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 /// A server's rules, but for what needs one: figures are numbers, texts are texts.
 ColumnRules plainRules()
 {
     const auto unstorable = [](const QString &table, const DbAssignments &values) -> std::optional<QString> {
         for (const auto &[column, value] : values) {
-            const bool isFigure = column.startsWith(u"StockCost"_s) || column.startsWith(u"PurchasedItemsTotal"_s);
-            if (isFigure && std::holds_alternative<QString>(value))
+            if (isFigure(column) && std::holds_alternative<QString>(value) && !numberOf(value))
                 return u"%1 holds no text (%2)"_s.arg(table, column);
             if (std::holds_alternative<QByteArray>(value))
                 return u"%1 holds no bytes (%2)"_s.arg(table, column);
         }
         return {};
     };
-    return {unstorable, [](const QString &, const QString &, const RecordValue &value) { return value; }};
+    const auto converted = [](const QString &, const QString &column, const RecordValue &value) {
+        const auto number = isFigure(column) ? numberOf(value) : std::nullopt;
+        return number ? RecordValue(*number) : value;
+    };
+    return {unstorable, converted};
 }
 
 /// Puts another cost in the place of one that it was given.

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void wrongExportIsRefused();
     void fullDiskKeepsTheOldList();
     void backupIsRestored();
+    void fileIsNoServer();
     void fileIsImported();
     void columnsOfAnImportAreTold();
     void wrongImportIsRefused_data();
@@ -348,6 +349,14 @@ void ErrandsTest::backupIsRestored()
     QCOMPARE(column(shop, u"SELECT StockName FROM StockList"_s), column(backup, u"SELECT StockName FROM StockList"_s));
     QCOMPARE(run({u"--database=none"_s, u"--restore"_s, backup}).code, 4);
     QVERIFY(!QFile::exists(path(u"none"_s)));
+}
+
+void ErrandsTest::fileIsNoServer()
+{
+    const ErrandEnd outcome = run({u"--copy-store"_s, u"shop.sqlite"_s, u"other.sqlite"_s});
+    QCOMPARE(outcome.code, 2);
+    QVERIFY2(outcome.errors.contains(u"between a store file and a server"_s), qPrintable(outcome.errors));
+    QVERIFY(!QFile::exists(path(u"other.sqlite"_s)));
 }
 
 void ErrandsTest::fileIsImported()
