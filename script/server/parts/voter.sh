@@ -99,9 +99,9 @@ Restart=always
 RestartSec=2
 TimeoutStopSec=60
 OOMScoreAdjust=-500
+Environment=PG_OOM_ADJUST_FILE=/proc/self/oom_score_adj
 LimitNOFILE=65536
-StandardOutput=append:$(log_of "$name")
-StandardError=append:$(log_of "$name")
+$([ "$name" != harrowby-patroni ] || printf 'StandardOutput=append:%s\nStandardError=append:%s' "$server_log" "$server_log")
 
 [Install]
 WantedBy=multi-user.target
@@ -116,14 +116,6 @@ UNIT
     fi
 }
 
-log_of() {
-    if [ "$1" = harrowby-patroni ]; then
-        printf '%s' "$server_log" # the server's own goes there, too
-    else
-        printf '%s' "$root/var/log/$1.log"
-    fi
-}
-
 pid_of() { cat "$root/run/$1.pid" 2>/dev/null; }
 runs() {
     if [ -n "$root" ]; then
@@ -134,15 +126,16 @@ runs() {
 }
 
 run_here() {
-    local name=$1 user=$2 become=()
+    local name=$1 user=$2 become=() log=$root/var/log/$1.log
     shift 2
+    [ "$name" != harrowby-patroni ] || log=$server_log
     if runs "$name"; then
         [ "$name" != harrowby-patroni ] || kill -HUP "$(pid_of "$name")"
         return 0
     fi
     [ "$(id -u)" -ne 0 ] || become=(setpriv "--reuid=$user" "--regid=$user" --init-groups --reset-env)
     install -d -m 755 "$root/run" "$root/var/log"
-    setsid "${become[@]}" "$@" >>"$(log_of "$name")" 2>&1 </dev/null 9>&- &
+    setsid "${become[@]}" "$@" >>"$log" 2>&1 </dev/null 9>&- &
     echo $! >"$root/run/$name.pid"
 }
 

@@ -8,7 +8,7 @@ server_is() { [ "$(admin "$1" "select pg_is_in_recovery()" 2>/dev/null)" = f ]; 
 find_server_now() { if server_is six && ! server_is seven; then printf six; elif server_is seven; then printf seven; fi; }
 other() { if [ "$1" = six ]; then printf seven; else printf six; fi; }
 
-# begin ROLE NAME: it sells until its input ends.
+# begin ROLE NAME: it sells until something is said to it.
 begin() {
     local fd
     mkfifo "$work/input-$2"
@@ -81,7 +81,7 @@ works "all sell still" sells_on
 
 writes=0
 for name in "${!process[@]}"; do
-    eval "exec ${input[$name]}>&-"
+    echo stop >&"${input[$name]}"
     works "$name ends" wait "${process[$name]}"
     writes=$((writes + $(writes_of "$name")))
 done
