@@ -69,27 +69,32 @@ void followMissedStock(ServerStore &store, Till *till, FailureNotice &notice)
 class ServerAttendance
 {
 public:
-    ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks) :
-        m_watch(address), m_store(store), m_locks(locks)
+    ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks, const SaleFollower &follower) :
+        m_watch(address), m_store(store), m_locks(locks), m_follower(follower)
     {
     }
 
-    void tellIn(Till &till)
+    void attend(Till &till)
     {
         Banner &banner = till.banner();
         QObject::connect(&m_watch, &ServerWatch::changed, &till,
                          [&banner](const ServerWatch::State &state) { tellServer(banner, state); });
-        QObject::connect(&m_watch, &ServerWatch::cameBack, &till, [this] {
-            (void)
-                m_store.tryAgain(); // resolves what is not known yet; what fails now is tried again with the next write
-            m_locks.renew();
-        });
+        QObject::connect(&m_watch, &ServerWatch::answered, &till, [this](bool isBack) { lookAgain(isBack); });
     }
 
 private:
+    /// Without a standby that the server waits for, nothing can be found out.
+    void lookAgain(bool isBack)
+    {
+        if ((isBack || m_follower.isInDoubt()) && m_watch.state().protection != "waiting"_L1)
+            (void)m_store.tryAgain(); // what fails now is tried again
+        m_locks.renew();              // asks the server only where their session has ended
+    }
+
     ServerWatch m_watch;
     ServerStore &m_store;
     ServerRunLocks &m_locks;
+    const SaleFollower &m_follower;
 };
 
 int sellFromServer(const CommandLine &line, const QString &address, ServerStore &store, Records &records,
@@ -99,19 +104,23 @@ int sellFromServer(const CommandLine &line, const QString &address, ServerStore 
     SaleFollower follower(Counter::instance(), notice);
     connection->setFailureHandler(
         [&follower, raw = connection.get()](const DbFailure &failure) { follower.note(failure, raw->lastWrite()); });
+    records.setFailureHandler([&follower](const DbFailure &failure) {
+        follower.note(failure, Records::isUnknown(failure) ? WriteOutcome::Unknown : WriteOutcome::Refused);
+    });
     store.setResolvedHandler([&follower](const QString &what, bool isDone) { follower.settle(what, isDone); });
     const auto locks = std::make_shared<ServerRunLocks>(store);
-    ServerAttendance attendance(address, store, *locks);
+    ServerAttendance attendance(address, store, *locks, follower);
     TillStore open = {connection, records, {}, u"Check the server, then start the till again."_s};
     open.cash = {drawerName(line.drawer, {savedSetting, saveSetting}), locks};
     open.cash.restMs = settlingRestMs;
     open.furnish = [&](Till &till) {
         followMissedStock(store, &till, notice);
-        attendance.tellIn(till);
+        attendance.attend(till);
     };
     const int code = sellFrom(open, line, notice);
     followMissedStock(store, nullptr, notice);
     store.setResolvedHandler({});
+    records.setFailureHandler({});
     locks->close();
     return code;
 }
@@ -135,12 +144,7 @@ Result<int, ExitCode> runTillOnServer(const CommandLine &line, const QString &st
     }
     ServerStore &server = **opened;
     records = server.records();
-    records->setFailureHandler([&notice](const DbFailure &failure) {
-        if (Records::isUnknown(failure))
-            notice.addDoubtful(failure);
-        else
-            notice.add(failure);
-    });
+    records->setFailureHandler([&notice](const DbFailure &failure) { notice.add(failure); });
     log.probe();
     if (const auto users = seeToFirstUser(*records, store); !users)
         return Unexpected(users.error());

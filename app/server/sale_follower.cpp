@@ -19,6 +19,11 @@ namespace {
 
 constexpr int retryMs = 300; ///< while a box is open
 
+bool isOfPurchase(const QString &statement)
+{
+    return statement.compare("INSERT PurchaseCart"_L1, Qt::CaseInsensitive) == 0;
+}
+
 QString lineWords(const StockMiss &line)
 {
     return u"%1 x %2 (%3)"_s.arg(plainText(line.units), line.name, line.stockId);
@@ -37,10 +42,12 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
 {
     if (failure.kind != DbFailure::Kind::Write)
         return;
+    if (outcome == WriteOutcome::Unknown)
+        ++m_doubts;
     const auto line = missOf(failure.statement);
     if (line && line->kind == StockMiss::Kind::NotLowered)
         m_misses << Miss{failure, outcome, *line}; // told with its purchase
-    else if (outcome == WriteOutcome::Refused && failure.statement == "INSERT PurchaseCart"_L1)
+    else if (outcome == WriteOutcome::Refused && isOfPurchase(failure.statement))
         m_row = failure;
     else if (outcome == WriteOutcome::Unknown)
         m_notice.addDoubtful(failure);
@@ -50,6 +57,7 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
 
 void SaleFollower::settle(const QString &statement, bool isDone)
 {
+    m_doubts = std::max(m_doubts - 1, 0); // those of an earlier program have not been counted
     const auto line = missOf(statement);
     if (!line || line->kind != StockMiss::Kind::NotLowered)
         return m_notice.settle(statement, isDone);

@@ -28,11 +28,13 @@ public:
     /// Both must outlive it.
     SaleFollower(Counter &counter, FailureNotice &notice, QObject *parent = nullptr);
 
-    /// A write of the component's has failed. To be called in the middle of the till's work.
+    /// A write of the component's, or of the program's own, has failed. To be called in the middle of the till's work.
     void note(const DbFailure &failure, WriteOutcome outcome);
 
     /// Of a write that was not known, it is known now. Likewise.
     void settle(const QString &statement, bool isDone);
+    /// Whether there are writes that are not known yet.
+    [[nodiscard]] bool isInDoubt() const { return m_doubts > 0; }
 
 Q_SIGNALS:
     /// The cart of a purchase of which nothing was written is in the counter again.
@@ -59,6 +61,7 @@ private:
     FailureNotice &m_notice;
     QList<Miss> m_misses;           ///< of a purchase that has not been told yet
     std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
+    int m_doubts = 0;
     std::vector<Cart> m_back;       ///< that are to come back
 };
 

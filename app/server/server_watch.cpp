@@ -11,6 +11,13 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
+namespace {
+
+/// Of a question that costs the server nothing.
+constexpr std::chrono::seconds longestAnswer{3};
+
+} // namespace
+
 ServerWatch::ServerWatch(QString store, std::chrono::milliseconds every, QObject *parent) :
     QObject(parent), m_store(std::move(store)), m_every(every)
 {
@@ -33,8 +40,6 @@ void ServerWatch::run()
 try {
     do {
         const State state = ask();
-        if (state == m_last && !state.protection.isEmpty())
-            continue;
         m_last = state;
         QMetaObject::invokeMethod(
             this, [this, state] { take(state); }, Qt::QueuedConnection);
@@ -46,11 +51,10 @@ try {
 void ServerWatch::take(const State &state)
 {
     const State before = std::exchange(m_state, state);
-    if (before == state)
-        return;
-    Q_EMIT changed(state);
-    if (state.isReached && !before.isReached)
-        Q_EMIT cameBack();
+    if (before != state)
+        Q_EMIT changed(state);
+    if (state.isReached)
+        Q_EMIT answered(!before.isReached);
 }
 
 bool ServerWatch::pause()
@@ -68,6 +72,7 @@ bool ServerWatch::reach()
     if (!opened || m_ends)
         return false;
     m_records = *std::move(opened);
+    m_records->setWatch([this] { return !m_patience.hasExpired(); });
     return true;
 }
 
@@ -75,6 +80,7 @@ ServerWatch::State ServerWatch::ask()
 {
     if (!reach())
         return {false, m_last.protection};
+    m_patience.setRemainingTime(longestAnswer);
     const auto select = m_tellsProtection ? u"select harrowby.protection()"_s : u"select 'single'"_s;
     const auto answer = m_records->records().read({select, {}});
     if (answer && !answer->isEmpty())

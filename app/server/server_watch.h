@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 
@@ -39,8 +40,8 @@ public:
 
 Q_SIGNALS:
     void changed(const harrowby::app::ServerWatch::State &state);
-    /// The server answers again after it had not.
-    void cameBack();
+    /// The server answers, each time that it does. `isBack`: after it had not.
+    void answered(bool isBack);
 
 private:
     void run();
@@ -56,6 +57,7 @@ private:
 
     // The thread's own.
     State m_last;
+    QDeadlineTimer m_patience;     ///< with the question that is asked now
     bool m_tellsProtection = true; ///< the server knows the question
 
     std::mutex m_mutex;
