@@ -62,7 +62,7 @@ private:
     QList<Miss> m_misses;           ///< of a purchase that has not been told yet
     std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
     int m_doubts = 0;
-    std::vector<Cart> m_back;       ///< that are to come back
+    std::vector<Cart> m_back; ///< that are to come back
 };
 
 } // namespace harrowby::app
