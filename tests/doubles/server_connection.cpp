@@ -5,6 +5,8 @@
 
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 namespace harrowby::test {
 
 namespace {
@@ -22,7 +24,9 @@ std::shared_ptr<DbConnection> connectToServer(const QString &path, const QString
     options.location = location;
     options.lock = lockTime;
     options.stateFolder = states.filePath(QString::number(++connections));
-    return std::make_shared<PostgresConnection>(path, options);
+    QString asTill = path; // the tests' own sessions may do everything
+    asTill.replace(u"//postgres@"_s, u"//till@"_s);
+    return std::make_shared<PostgresConnection>(asTill, options);
 }
 
 } // namespace harrowby::test
