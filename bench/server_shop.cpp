@@ -11,6 +11,7 @@
 
 #include <QTextStream>
 
+#include <chrono>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -98,6 +99,7 @@ std::shared_ptr<DbConnection> ServerShop::connect()
     PostgresOptions options;
     options.stateFolder = m_state.path();
     options.findsAnywhere = [] { return true; };
+    options.silence = std::chrono::minutes(1); // a busy machine is slow, not dead
     auto connection = std::make_shared<PostgresConnection>(m_conninfo, options);
     connection->setFailureHandler([](const DbFailure &failure) {
         QTextStream(stderr) << failure.statement << ": " << failure.reason << Qt::endl;
