@@ -11,7 +11,8 @@ namespace harrowby::test {
 
 namespace {
 
-/// How long another program's lock is waited for, so that no test waits ten seconds for a refusal.
+/// How long another program's lock is waited for, so that no test waits ten seconds for a refusal; as in a shop where
+/// the environment variable HARROWBY_TEST_PATIENT is set.
 constexpr std::chrono::milliseconds lockTime(300);
 
 } // namespace
@@ -22,7 +23,8 @@ std::shared_ptr<DbConnection> connectToServer(const QString &path, const QString
     static int connections = 0;
     PostgresOptions options;
     options.location = location;
-    options.lock = lockTime;
+    if (!qEnvironmentVariableIsSet("HARROWBY_TEST_PATIENT"))
+        options.lock = lockTime;
     options.stateFolder = states.filePath(QString::number(++connections));
     QString asTill = path; // the tests' own sessions may do everything
     asTill.replace(u"//postgres@"_s, u"//till@"_s);
