@@ -11,8 +11,9 @@ namespace harrowby::app {
 class FailureNotice;
 class LogFile;
 
-/// The office of an existing store, from the opening of the file to its end: the exit code, or the one that ends the
-/// start; the message has been shown. For a restore it lets go of the file, and opens it and asks for the login again.
-[[nodiscard]] Result<int, ExitCode> runOfficeProgram(const QString &path, FailureNotice &notice, LogFile &log);
+/// The office of an existing store, by its address, from its opening to its end: the exit code, or the one that ends
+/// the start; the message has been shown. For a restore it lets go of the store, and opens it and asks for the login
+/// again.
+[[nodiscard]] Result<int, ExitCode> runOfficeProgram(const QString &store, FailureNotice &notice, LogFile &log);
 
 } // namespace harrowby::app

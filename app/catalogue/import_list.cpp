@@ -4,6 +4,7 @@
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/item_judge.h"
 #include "app/records/statement_pieces.h"
+#include "basic/numbers.h"
 
 #include <algorithm>
 
@@ -61,6 +62,13 @@ RowFilter stateOf(int what, int leftOut)
     default:
         return RowFilter::Refused;
     }
+}
+
+/// A cost that is written as the stock form does: with two decimals. A file keeps that text, a server the figure.
+QString costText(const RecordValue &cost)
+{
+    const bool isText = std::holds_alternative<QString>(cost) || std::holds_alternative<std::monostate>(cost);
+    return isText ? recordText(cost) : formatFixed(recordReal(cost));
 }
 
 } // namespace
@@ -145,7 +153,9 @@ ImportedRow ImportList::rowOf(const RecordRow &record) const
     for (int part = 0; part < importedParts && what < 3; ++part) {
         if (isNew || (mask & maskOf(part)) != 0)
             row.cells << ImportCell{partColumn(part), isNew ? QString() : recordText(record.at(oldPlace + part)),
-                                    recordText(record.at(newPlace + part))};
+                                    part == CostPart && !m_import.isAsStored()
+                                        ? costText(record.at(newPlace + part))
+                                        : recordText(record.at(newPlace + part))};
     }
     return row;
 }

@@ -5,6 +5,7 @@
 #include "app/catalogue/code_judge.h"
 #include "app/catalogue/import_columns.h"
 #include "app/catalogue/item_judge.h"
+#include "app/catalogue/storable_rows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -199,6 +200,7 @@ Records::Answer<StagedPiece> Staging::judged(const QList<ImportLine> &lines, con
     auto piece = judge(others);
     if (!piece)
         return piece;
+    StorableRows(m_records, m_choices.kind).settle(*piece);
     for (qsizetype i = 0; i < piece->rows.size(); ++i) {
         StagedRow &row = piece->rows[i];
         if (row.what != RowKind::Refused && !row.isRepeated)
@@ -217,9 +219,12 @@ Records::Answer<StagedPiece> Staging::judged(const QList<ImportLine> &lines, con
 
 Staging::Done Staging::putNewCategories(const QStringList &names)
 {
+    const StorableRows storable(m_records, ImportKind::Categories);
     StagedPiece piece;
-    for (const QString &name : names)
-        piece.categories << StagedCategory{0, {name, false}, {}};
+    for (const QString &name : names) {
+        if (storable.holdsCategory(name)) // else its rows were refused
+            piece.categories << StagedCategory{0, {name, false}, {}};
+    }
     return names.isEmpty() ? Done() : kept(m_shelf.put(m_staged.id, piece));
 }
 

@@ -3,6 +3,7 @@
 #include "app/shop/store_judge.h"
 #include "app/shop/store_open.h"
 #include "tests/app/quick_folder.h"
+#include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
 #include "tests/program/test_program.h"
 
@@ -75,12 +76,16 @@ private:
     [[nodiscard]] ErrandEnd run(const QStringList &arguments, const std::function<void()> &inChild = {}) const;
 
     std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<ShopPlace> m_place;
+    QString m_store; ///< as the command line gets it
 };
 
 void ErrandsTest::init()
 {
     m_home = std::make_unique<QTemporaryDir>(quickFolder() + u"/errands-XXXXXX"_s);
-    makeStore(path(u"shop.sqlite"_s));
+    m_place = std::make_unique<ShopPlace>(path(u"shop.sqlite"_s));
+    m_store = harrowby::test::isOnServer(m_place->address()) ? m_place->address() : u"shop.sqlite"_s;
+    makeStore(m_place->address());
     QVERIFY(QDir(m_home->path()).mkdir(u"away"_s));
 }
 
@@ -232,7 +237,7 @@ void ErrandsTest::killedBackupLeavesNothing()
 
 void ErrandsTest::listsAreExported()
 {
-    const ErrandEnd outcome = run({u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s,
+    const ErrandEnd outcome = run({u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, m_store,
                                    u"--separator"_s, u"semicolon"_s, u"--decimal"_s, u"comma"_s});
     QCOMPARE(outcome.errors, QString());
     QCOMPARE(outcome.code, 0);
@@ -240,9 +245,9 @@ void ErrandsTest::listsAreExported()
     QFile made(path(u"away/items.csv"_s));
     QVERIFY(made.open(QIODevice::ReadOnly));
     QVERIFY(made.readAll().startsWith("StockID;StockName;StockCategory;StockCost;"));
-    QCOMPARE(column(path(u"shop.sqlite"_s), u"SELECT Kind || ' ' || What FROM HarrowbyActivity"_s),
+    QCOMPARE(column(m_place->address(), u"SELECT Kind || ' ' || What FROM HarrowbyActivity"_s),
              QStringList(u"Exported "_s + outcome.out.chopped(1)));
-    const ErrandEnd none = run({u"--export"_s, u"Purchases"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s,
+    const ErrandEnd none = run({u"--export"_s, u"Purchases"_s, u"away/items.csv"_s, u"--database"_s, m_store,
                                 u"--from"_s, u"2019-01-01"_s, u"--to"_s, u"yesterday"_s});
     QCOMPARE(none.errors, QString());
     QVERIFY(none.out.startsWith(u"Purchases 2019-01-01 to "_s));
@@ -251,10 +256,10 @@ void ErrandsTest::listsAreExported()
 
 void ErrandsTest::activityIsWritten()
 {
-    const QStringList items = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s};
+    const QStringList items = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, m_store};
     QCOMPARE(run(items).code, 0);
     const ErrandEnd outcome = run({u"--export"_s, u"activity"_s, u"away/activity.csv"_s, u"--from"_s, u"yesterday"_s,
-                                   u"--separator"_s, u"semicolon"_s, u"--database"_s, u"shop.sqlite"_s});
+                                   u"--separator"_s, u"semicolon"_s, u"--database"_s, m_store});
     QCOMPARE(outcome.errors, QString());
     QCOMPARE(outcome.out, u"Activity, 1 row, to %1\n"_s.arg(path(u"away/activity.csv"_s)));
     QFile made(path(u"away/activity.csv"_s));
@@ -263,8 +268,8 @@ void ErrandsTest::activityIsWritten()
     QCOMPARE(lines.value(0), u"Time;Kind;User;Place;What"_s);
     QVERIFY2(lines.value(1).contains(u";Catalogue and codes;command line"_s), qPrintable(lines.value(1)));
     QVERIFY2(lines.value(1).contains(u"Items, 1 row, to "_s), qPrintable(lines.value(1)));
-    const ErrandEnd before = run({u"--export"_s, u"activity"_s, u"away/activity.csv"_s, u"--to"_s, u"2019-01-01"_s,
-                                  u"--database"_s, u"shop.sqlite"_s});
+    const ErrandEnd before = run(
+        {u"--export"_s, u"activity"_s, u"away/activity.csv"_s, u"--to"_s, u"2019-01-01"_s, u"--database"_s, m_store});
     QVERIFY2(before.out.startsWith(u"Activity, 0 rows"_s), qPrintable(before.out));
 }
 
@@ -288,7 +293,7 @@ void ErrandsTest::wrongExportIsRefused_data()
 void ErrandsTest::wrongExportIsRefused()
 {
     QFETCH(const QStringList, given);
-    const ErrandEnd outcome = run(given + QStringList{u"--database"_s, u"shop.sqlite"_s});
+    const ErrandEnd outcome = run(given + QStringList{u"--database"_s, m_store});
     QCOMPARE(outcome.code, 2);
     QFETCH(const QString, said);
     QVERIFY2(outcome.errors.contains(said), qPrintable(outcome.errors));
@@ -297,9 +302,9 @@ void ErrandsTest::wrongExportIsRefused()
 
 void ErrandsTest::fullDiskKeepsTheOldList()
 {
-    const QStringList arguments = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, u"shop.sqlite"_s};
+    const QStringList arguments = {u"--export"_s, u"items"_s, u"away/items.csv"_s, u"--database"_s, m_store};
     QCOMPARE(run(arguments).code, 0);
-    runAll(path(u"shop.sqlite"_s),
+    runAll(m_place->address(),
            {u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) INSERT INTO "
             "StockList (StockID, StockName) SELECT i, 'A NAME' FROM n"_s});
     const ErrandEnd outcome = run(arguments, [] {
@@ -362,7 +367,7 @@ void ErrandsTest::fileIsNoServer()
 void ErrandsTest::fileIsImported()
 {
     write(u"list.csv"_s, "Artikelnummer;Bezeichnung;Preis\nTEA-0001;;3,50\nNEW;Tee;1,25\n");
-    const QStringList order = {u"--database"_s, u"shop.sqlite"_s, u"--import"_s, u"list.csv"_s};
+    const QStringList order = {u"--database"_s, m_store, u"--import"_s, u"list.csv"_s};
     const QString prices = u"SELECT StockID || ' ' || StockName || ' ' || StockCost FROM StockList ORDER BY 1"_s;
     const QString seen = u"list.csv: items, UTF-8, Semicolon ( ; ), decimal comma\n"
                          "StockID ← Artikelnummer\nStockName ← Bezeichnung\nStockCost ← Preis\n"
@@ -372,7 +377,7 @@ void ErrandsTest::fileIsImported()
         const ErrandEnd refused = run(order + options);
         QCOMPARE(refused.out, seen);
         QCOMPARE(refused.code, 7);
-        QCOMPARE(column(path(u"shop.sqlite"_s), prices), QStringList{u"TEA-0001 TEA 2.5"_s});
+        QCOMPARE(column(m_place->address(), prices), QStringList{u"TEA-0001 TEA 2.5"_s});
     }
     const ErrandEnd valid = run(order + QStringList{u"--valid-rows"_s});
     QVERIFY2(valid.out.startsWith(seen) && valid.out.contains(u"harrowby-before-import-"_s) &&
@@ -381,14 +386,14 @@ void ErrandsTest::fileIsImported()
     QCOMPARE(valid.code, 7);
     const ErrandEnd whole = run(order + QStringList{u"--capitals"_s, u"--kind"_s, u"Items"_s});
     QVERIFY2(whole.code == 0 && whole.out.endsWith(u"Imported: 1 new, 0 changed\n"_s), qPrintable(whole.out));
-    QCOMPARE(column(path(u"shop.sqlite"_s), prices), (QStringList{u"NEW TEE 1.25"_s, u"TEA-0001 TEA 3.5"_s}));
+    QCOMPARE(column(m_place->address(), prices), (QStringList{u"NEW TEE 1.25"_s, u"TEA-0001 TEA 3.5"_s}));
     QCOMPARE(run(order + QStringList{u"--capitals"_s, u"--dry-run"_s}).code, 0);
 }
 
 void ErrandsTest::columnsOfAnImportAreTold()
 {
     write(u"two.csv"_s, "StockID,Name,Unit Cost,Price\nTEA-0001,GREEN,0.80,1.50\n");
-    const QStringList order = {u"--database"_s, u"shop.sqlite"_s, u"--import"_s, u"two.csv"_s};
+    const QStringList order = {u"--database"_s, m_store, u"--import"_s, u"two.csv"_s};
     const ErrandEnd refused = run(order);
     QCOMPARE(refused.code, 6);
     QVERIFY2(refused.errors.contains(u"can be StockCost: \"Price\", \"Unit Cost\"."_s), qPrintable(refused.errors));
@@ -403,7 +408,7 @@ void ErrandsTest::columnsOfAnImportAreTold()
             "1 item gets another name: tills that are open show the old one until their pages are loaded again\n"_s),
         qPrintable(given.out));
     QCOMPARE(given.code, 0);
-    QCOMPARE(column(path(u"shop.sqlite"_s), u"SELECT StockCost FROM StockList"_s), QStringList{u"1.5"_s});
+    QCOMPARE(column(m_place->address(), u"SELECT StockCost FROM StockList"_s), QStringList{u"1.5"_s});
 }
 
 void ErrandsTest::wrongImportIsRefused_data()
@@ -430,7 +435,7 @@ void ErrandsTest::wrongImportIsRefused()
     write(u"bare.csv"_s, "TEA-0001,TEA,2.60\nNEW,CAKE,1\n");
     write(u"either.csv"_s, "StockID;Price\nTEA-0001;1,234\n");
     QCOMPARE(::mkfifo(qPrintable(path(u"pipe"_s)), 0600), 0);
-    const ErrandEnd refused = run(QStringList{u"--database"_s, u"shop.sqlite"_s, u"--import"_s} + options);
+    const ErrandEnd refused = run(QStringList{u"--database"_s, m_store, u"--import"_s} + options);
     QCOMPARE(refused.code, code);
     QVERIFY2(refused.errors.contains(said), qPrintable(refused.errors));
     QCOMPARE(refused.out, QString());

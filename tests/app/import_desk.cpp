@@ -62,7 +62,7 @@ bool goOn(const WorkStep &)
 ImportBench::ImportBench() : place(folder.filePath(u"shop.db"_s)), path(place.address())
 {
     if (isServer(path)) {
-        session = std::make_unique<harrowby::test::ServerSession>(path);
+        session = std::make_unique<harrowby::test::ServerSession>(ownersAddress(path));
         session->showNulls(u"(null)"_s);
         sql(firstCategory);
     } else {

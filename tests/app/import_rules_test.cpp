@@ -89,7 +89,7 @@ void ImportRulesTest::keyIsTheIdElseACodeNeverTheName()
     m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
     m_bench->addItem(u"036000291452"_s, u"SOAP"_s, u"3"_s);
     m_bench->sql(
-        u"create table HarrowbyCode (Code text not null primary key, StockID text not null, Units integer not null)"_s);
+        u"create table if not exists HarrowbyCode (Code text not null primary key, StockID text not null, Units integer not null)"_s);
     m_bench->sql(u"insert into HarrowbyCode values ('4006381333931', 'TEA-1', 1), ('96385074', 'GONE', 1)"_s);
     QCOMPARE(
         preview("ID,Barcode,Name,Price\n"

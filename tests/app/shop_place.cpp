@@ -38,7 +38,7 @@ ShopPlace::ShopPlace(const QString &file) : m_address(file)
     if (!harrowby::test::shopsAreOnAServer())
         return;
     m_shop = std::make_unique<harrowby::test::ServerShop>();
-    m_address = m_shop->path();
+    m_address = QString(m_shop->path()).replace(u"//postgres@"_s, u"//office@"_s);
 }
 
 OpenShop::OpenShop(const QString &address) : m_address(address)

@@ -17,7 +17,7 @@ class ServerStore;
 namespace harrowby::app::test {
 
 /// Where a test's store is: the file of that name or, where shops are on a server, a database with the tables and
-/// nothing in them.
+/// nothing in them, by the address that an office has.
 class ShopPlace
 {
 public:

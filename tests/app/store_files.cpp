@@ -34,7 +34,7 @@ std::optional<SqlError> fillStore(sqlite3 *database)
 
 void runOnServer(const QString &path, const QStringList &statements)
 {
-    harrowby::test::ServerSession session(path);
+    harrowby::test::ServerSession session(ownersAddress(path));
     for (const QString &statement : statements)
         QVERIFY2(session.run(statement), qPrintable(statement + u": "_s + session.message()));
 }
@@ -47,6 +47,11 @@ void copyIfThere(const QString &from, const QString &to)
 }
 
 } // namespace
+
+QString ownersAddress(QString address)
+{
+    return address.replace(u"//office@"_s, u"//postgres@"_s);
+}
 
 void makeStore(const QString &path)
 {
@@ -90,7 +95,7 @@ void makeBigStore(const QString &path)
 QStringList column(const QString &path, const QString &select)
 {
     if (harrowby::test::isOnServer(path)) {
-        harrowby::test::ServerSession session(path);
+        harrowby::test::ServerSession session(ownersAddress(path));
         const auto rows = session.rows(select, harrowby::test::ServerSession::Columns::First);
         return rows ? *rows : QStringList{session.message()};
     }

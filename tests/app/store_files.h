@@ -41,6 +41,9 @@ template <typename T, typename E>
     return result ? QString() : result.error();
 }
 
+/// The address of a server's store for the tests' own sessions, which may do everything.
+[[nodiscard]] QString ownersAddress(QString address);
+
 /// First column of every row.
 [[nodiscard]] QStringList column(const QString &path, const QString &select);
 

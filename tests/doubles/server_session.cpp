@@ -144,7 +144,10 @@ std::optional<QStringList> ServerSession::rows(const QString &select, Columns co
 
 QString inServersWords(const QString &statements)
 {
-    QStringList pieces = withServersTriggers(statements).split(u'\''); // every other one is of a literal
+    static const Rule ofOwnTable =
+        rule(u"(\\bfrom Harrowby\\w+\\b.*)\\browid\\b"_s, u"\\1ctid"_s); // which has no identities
+    QStringList pieces = withServersTriggers(QString(statements).replace(ofOwnTable.pattern, ofOwnTable.replacement))
+                             .split(u'\''); // every other one is of a literal
     for (qsizetype piece = 0; piece < pieces.size(); piece += 2)
         pieces[piece] = translated(pieces.at(piece));
     return pieces.join(u'\'');

@@ -25,6 +25,8 @@ CREATE FUNCTION sqlite.typeof(value text) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN CASE WHEN value IS NULL THEN 'null' ELSE 'text' END;
 CREATE FUNCTION sqlite.typeof(value float8) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN CASE WHEN value IS NULL THEN 'null' WHEN value = trunc(value) THEN 'integer' ELSE 'real' END;
+CREATE FUNCTION sqlite.datetime(moment text, change text) RETURNS text LANGUAGE sql IMMUTABLE
+    RETURN to_char(moment::timestamp + change::interval, 'YYYY-MM-DD HH24:MI:SS');
 CREATE FUNCTION sqlite.hex(value text) RETURNS text LANGUAGE sql IMMUTABLE
     RETURN upper(encode(convert_to(value, 'UTF8'), 'hex'));
 CREATE FUNCTION sqlite.hex(value bytea) RETURNS text LANGUAGE sql IMMUTABLE RETURN upper(encode(value, 'hex'));
@@ -57,6 +59,9 @@ BEGIN
     IF to_regrole('till') IS NULL THEN
         CREATE ROLE till LOGIN IN ROLE harrowby_till;
     END IF;
+    IF to_regrole('office') IS NULL THEN
+        CREATE ROLE office LOGIN IN ROLE harrowby_office;
+    END IF;
 END $$;
 ALTER DEFAULT PRIVILEGES IN SCHEMA harrowby GRANT ALL ON TABLES TO harrowby_till;
 )"_L1;
@@ -80,7 +85,7 @@ DECLARE own name;
 BEGIN
     FOR own IN SELECT relname FROM pg_class WHERE relnamespace = 'harrowby'::regnamespace AND relkind = 'r' AND
         starts_with(relname, 'harrowby') LOOP
-        EXECUTE format('DELETE FROM harrowby.%I', own);
+        EXECUTE format('TRUNCATE harrowby.%I', own);
     END LOOP;
 END $$;
 SELECT setval(pg_get_serial_sequence(name, 'rowid_'), 1, false)
