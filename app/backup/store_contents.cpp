@@ -61,7 +61,7 @@ Result<StoreContents, QString> lookIntoBackup(const QString &file)
         return Unexpected(u"This file cannot be restored. "_s + whatIsWrong(backup.error()));
     SqliteRecords records(backup->get());
     StoreContents contents = contentsOf(records);
-    contents.written = info.lastModified();
+    contents.written = QFileInfo(file).lastModified();
     return contents;
 }
 
