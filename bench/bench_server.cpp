@@ -25,12 +25,13 @@ const QStringList &shopsSettings()
 /// As harrowby-server makes it.
 void makeTables(test::PrivateCluster &cluster)
 {
-    const QDir schema(QStringLiteral(HARROWBY_SCHEMA_FOLDER));
-    for (const QString &name : schema.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
-        QFile file(schema.filePath(name));
+    const QDir texts(QStringLiteral(HARROWBY_SERVER_SQL));
+    for (const QString &name : texts.entryList({u"*.sql"_s}, QDir::Files, QDir::Name)) {
+        QFile file(texts.filePath(name));
         if (!file.open(QIODevice::ReadOnly))
             throw std::runtime_error(file.errorString().toStdString());
-        cluster.sql(QString::fromUtf8(file.readAll()));
+        cluster.sql(u"set search_path = harrowby, pg_catalog; "_s + QString::fromUtf8(file.readAll()) +
+                    u"; reset search_path"_s);
     }
 }
 

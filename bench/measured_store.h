@@ -8,10 +8,12 @@
 #include <memory>
 #include <optional>
 
-struct sqlite3;
-
 namespace harrowby {
 class DbConnection;
+}
+
+namespace harrowby::app {
+class Records;
 }
 
 namespace harrowby::bench {
@@ -27,6 +29,8 @@ public:
 
     /// A connection of a till's, as the store program makes it. Must not outlive the store.
     [[nodiscard]] virtual std::shared_ptr<DbConnection> connect() = 0;
+    /// The store program's own, over the session of the connection that was made last. Must not outlive the store.
+    [[nodiscard]] virtual std::unique_ptr<app::Records> records() = 0;
     /// Runs the statements one after the other through the engine's own interface. Their time; below 0 when one fails.
     [[nodiscard]] virtual double rawMs(const RawStatements &statements) = 0;
     /// The search that finds a text anywhere.
@@ -37,8 +41,6 @@ public:
     [[nodiscard]] virtual QString place() const { return {}; }
     /// Round trips to the server so far; empty when nobody counts them.
     [[nodiscard]] virtual std::optional<int> roundTrips() const { return {}; }
-    /// Null on a server.
-    [[nodiscard]] virtual sqlite3 *database() const { return nullptr; }
 };
 
 } // namespace harrowby::bench

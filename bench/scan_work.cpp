@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "bench/scan_work.h"
 
-#include "app/records/sqlite_records.h"
+#include "app/records/records.h"
 #include "app/till/till.h"
 #include "basic/item_key.h"
+#include "bench/measured_store.h"
 #include "bench/measuring.h"
 #include "bench/paint_watch.h"
 #include "bench/statement_lists.h"
 #include "bench/till.h"
-#include "engine/database.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
 
@@ -48,24 +48,29 @@ void press(QWindow *window, int key, const QString &text)
 class ScanDesk::Parts
 {
 public:
-    explicit Parts(sqlite3 *database) :
-        m_records(database), m_till(Counter::instance(), m_records, {longestGap, {}}, [] {})
+    explicit Parts(std::unique_ptr<app::Records> records) :
+        m_records(std::move(records)), m_till(Counter::instance(), *m_records, {longestGap, {}}, [] {})
     {
     }
 
+    [[nodiscard]] app::Records &records() { return *m_records; }
+
 private:
-    app::SqliteRecords m_records;
+    std::unique_ptr<app::Records> m_records;
     app::Till m_till;
 };
 
-ScanDesk::ScanDesk(sqlite3 *database, Till &till) : m_database(database), m_till(till)
+ScanDesk::ScanDesk(MeasuredStore &store, Till &till) : m_till(till)
 {
-    for (const QString &making : app::kept::code().making)
-        require(!runSql(database, making), u"the table of codes"_s);
-    require(!runSql(database, u"insert or ignore into HarrowbyCode select printf('%014d', rowid), StockID, 1 "
-                              "from StockList"_s),
-            u"codes for all items"_s);
-    m_parts = std::make_unique<Parts>(database);
+    auto records = store.records();
+    const QString row = records->dialect().rowId;
+    const auto made =
+        records->write(app::kept::code(), {u"insert into HarrowbyCode (Code, StockID, Units) select "
+                                           "substr(cast(100000000000000 + %1 as text), 2), StockID, 1 from StockList "
+                                           "where true on conflict do nothing"_s.arg(row),
+                                           {}});
+    require(made.has_value(), u"codes for all items"_s);
+    m_parts = std::make_unique<Parts>(std::move(records));
     QCoreApplication::processEvents(); // the banner is painted
 }
 
@@ -73,7 +78,11 @@ ScanDesk::~ScanDesk() = default;
 
 QString ScanDesk::codeOf(const QString &key) const
 {
-    return readText(m_database, u"select Code from HarrowbyCode where StockID = ?1"_s, {GetIDName(key, KeyPiece::Id)});
+    const auto codes =
+        m_parts->records().read(app::kept::code(), {u"select Code from HarrowbyCode where StockID = ? order by Code"_s,
+                                                    {GetIDName(key, KeyPiece::Id)}});
+    require(codes && !codes->isEmpty(), u"the item's code"_s);
+    return app::recordText(codes->constFirst().constFirst());
 }
 
 void ScanDesk::type(const QString &code)

@@ -8,18 +8,18 @@
 
 #include <memory>
 
-struct sqlite3;
-
 namespace harrowby::bench {
 
+class MeasuredStore;
 class Till;
 
 /// The store program at the counter of a till whose window is open; every item of the shop has one code.
 class ScanDesk
 {
 public:
-    /// Throws std::runtime_error when the codes cannot be made. Both must outlive it.
-    ScanDesk(sqlite3 *database, Till &till);
+    /// The till's connection must be the one that the store has made last. Throws std::runtime_error when the codes
+    /// cannot be made. Both must outlive it.
+    ScanDesk(MeasuredStore &store, Till &till);
     ~ScanDesk();
     ScanDesk(const ScanDesk &) = delete;
     ScanDesk &operator=(const ScanDesk &) = delete;
@@ -36,7 +36,6 @@ public:
 private:
     class Parts;
 
-    sqlite3 *m_database;
     Till &m_till;
     std::unique_ptr<Parts> m_parts;
 };

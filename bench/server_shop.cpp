@@ -3,6 +3,8 @@
 
 #include "bench/pq_handles.h"
 #include "bench/stopwatch.h"
+#include "plugins/server/postgres_records.h"
+#include "postgres/connection_parts.h"
 #include "postgres/dialect.h"
 #include "postgres/schema.h"
 #include "store/statement_texts.h"
@@ -76,11 +78,6 @@ bool isSelect(const QString &statement)
     return statement.startsWith("select"_L1, Qt::CaseInsensitive);
 }
 
-bool isChange(const QString &statement)
-{
-    return !isSelect(statement) && statement != "begin immediate"_L1 && statement != "commit"_L1;
-}
-
 } // namespace
 
 ServerShop::ServerShop(QString place, const QString &conninfo) :
@@ -104,7 +101,17 @@ std::shared_ptr<DbConnection> ServerShop::connect()
     connection->setFailureHandler([](const DbFailure &failure) {
         QTextStream(stderr) << failure.statement << ": " << failure.reason << Qt::endl;
     });
+    m_latest = connection;
     return connection;
+}
+
+std::unique_ptr<app::Records> ServerShop::records()
+{
+    const std::shared_ptr<PostgresConnection> connection = m_latest.lock();
+    if (!connection)
+        throw std::runtime_error("There is no connection for the records");
+    const auto parts = postgres::ConnectionParts::of(*connection);
+    return std::make_unique<server::PostgresRecords>(connection, parts.access, parts.writer);
 }
 
 std::optional<int> ServerShop::roundTrips() const
@@ -117,18 +124,32 @@ RawStatements ServerShop::search(const QString &text) const
     return {readRows(statements::searchStock(text.toUpper()), {"StockID", "StockName", "StockCategory"})};
 }
 
+QByteArray ServerShop::nextAction()
+{
+    return "select harrowby.act('" + m_writer.toByteArray(QUuid::WithoutBraces) + "', " +
+           QByteArray::number(++m_written) + ");";
+}
+
 QByteArray ServerShop::inServersWords(const RawStatement &statement)
 {
+    if (statement.sql == "begin immediate") {
+        m_isTogether = true;
+        return "begin;" + nextAction();
+    }
+    if (statement.sql == "commit") {
+        m_isTogether = false;
+        return statement.sql;
+    }
     QString text = QString::fromUtf8(statement.sql);
     text.replace("_rowid_"_L1, QLatin1StringView(postgres::identityColumn));
     QList<DbValue> values;
     for (const QByteArray &value : statement.values)
         values.append(QString::fromUtf8(value));
     text = sendable(postgres::withValues(text, values));
-    if (!isChange(text))
+    if (isSelect(text))
         return sendable(postgres::selectText(text, postgres::Search::Anywhere)).toUtf8();
-    return "select harrowby.act('" + m_writer.toByteArray(QUuid::WithoutBraces) + "', " +
-           QByteArray::number(++m_written) + ");" + sendable(postgres::changeText(text)).toUtf8();
+    const QByteArray change = sendable(postgres::changeText(text)).toUtf8();
+    return m_isTogether ? change : nextAction() + change;
 }
 
 double ServerShop::rawMs(const RawStatements &statements)

@@ -10,6 +10,10 @@
 
 struct pg_conn;
 
+namespace harrowby {
+class PostgresConnection;
+}
+
 namespace harrowby::bench {
 
 /// A store on a running server, which harrowby-server or BenchServer has made.
@@ -24,7 +28,9 @@ public:
     void setCounter(std::function<int()> counter) { m_counter = std::move(counter); }
 
     [[nodiscard]] std::shared_ptr<DbConnection> connect() override;
-    /// As a till must send them: in the server's words, and each write with its number of action.
+    [[nodiscard]] std::unique_ptr<app::Records> records() override;
+    /// As a till must send them: in the server's words, and each write, or what is written together, with its number
+    /// of action.
     [[nodiscard]] double rawMs(const RawStatements &statements) override;
     [[nodiscard]] RawStatements search(const QString &text) const override;
     [[nodiscard]] bool isServer() const override { return true; }
@@ -33,12 +39,15 @@ public:
 
 private:
     [[nodiscard]] QByteArray inServersWords(const RawStatement &statement);
+    [[nodiscard]] QByteArray nextAction();
 
     QString m_place;
     QString m_conninfo;
     QTemporaryDir m_state; ///< of the connections
     QUuid m_writer = QUuid::createUuid();
     qint64 m_written = 0;
+    bool m_isTogether = false; ///< the statement stands between a begin and its commit
+    std::weak_ptr<PostgresConnection> m_latest;
     pg_conn *m_raw = nullptr;
     std::function<int()> m_counter;
 };

@@ -3,6 +3,7 @@
 
 #include "bench/bench_server.h"
 #include "bench/counter_works.h"
+#include "bench/hold_works.h"
 #include "bench/report_work.h"
 #include "bench/resident.h"
 #include "bench/walk_work.h"
@@ -61,6 +62,7 @@ void ServerBench::measure(ServerShop &shop)
     add({measureWalk(shop, m_options)});
     add(measureWorks(shop, m_options));
     add(measureCounter(shop, m_options));
+    add(measureHold(shop, m_options));
 }
 
 void ServerBench::add(const std::vector<Line> &lines)

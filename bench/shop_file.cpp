@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/shop_file.h"
 
+#include "app/records/sqlite_records.h"
 #include "app/search/finding_connection.h"
 #include "app/search/search_statement.h"
 #include "app/shop/schema.h"
@@ -62,6 +63,11 @@ void ShopFile::fill(const CatalogueSize &size, const QDate &today) const
 std::shared_ptr<DbConnection> ShopFile::connect()
 {
     return std::make_shared<app::FindingConnection>(m_database, QString(), [] { return true; });
+}
+
+std::unique_ptr<app::Records> ShopFile::records()
+{
+    return std::make_unique<app::SqliteRecords>(m_database);
 }
 
 double ShopFile::rawMs(const RawStatements &statements)

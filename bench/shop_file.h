@@ -24,10 +24,11 @@ public:
     void fill(const CatalogueSize &size, const QDate &today) const;
 
     [[nodiscard]] std::shared_ptr<DbConnection> connect() override;
+    [[nodiscard]] std::unique_ptr<app::Records> records() override;
     [[nodiscard]] double rawMs(const RawStatements &statements) override;
     [[nodiscard]] RawStatements search(const QString &text) const override;
     [[nodiscard]] bool isServer() const override { return false; }
-    [[nodiscard]] sqlite3 *database() const override { return m_database; }
+    [[nodiscard]] sqlite3 *database() const { return m_database; }
 
 private:
     sqlite3 *m_database = nullptr;
