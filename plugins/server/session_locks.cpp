@@ -17,22 +17,36 @@ using Holder = app::ServerStore::Holder;
 
 SessionLocks::SessionLocks(Target target, PgWaits waits) : m_target(std::move(target)), m_waits(std::move(waits)) {}
 
-/// What was held is taken again at once: as long as it is not, this program counts as dead.
+/// What was held is taken again at once: as long as it is not, this program counts as dead. Where the store's session
+/// has gone to, the locks go, too.
 Result<void, PgError> SessionLocks::reach()
 {
-    if (!m_session.isLost() && !m_session.hasEnded())
-        return {};
     const auto target = m_target();
+    const bool isThere =
+        !m_session.isLost() && !m_session.hasEnded() && (!target || target->server == m_session.server());
+    if (isThere)
+        return takeMissing();
     if (!target)
         return Unexpected(PgError{PgError::Kind::CannotConnect, {}, u"There is no connection to the server"_s, false});
     if (auto connected = m_session.connect(*target, m_waits); !connected)
         return connected;
-    for (const std::int64_t number : std::as_const(m_held)) {
+    m_missing = m_held;
+    auto taken = takeMissing();
+    for (const std::int64_t number : std::as_const(m_missing))
+        qCWarning(lcStore) << "The lock" << number << "is somebody else's at present";
+    return taken;
+}
+
+/// The server may not know yet that the session is gone which had them.
+Result<void, PgError> SessionLocks::takeMissing()
+{
+    const QList<std::int64_t> missing = m_missing.values();
+    for (const std::int64_t number : missing) {
         const auto taken = tryLock(number);
         if (!taken)
             return Unexpected(taken.error());
-        if (!*taken)
-            qCWarning(lcStore) << "Another program has taken the lock" << number << "meanwhile";
+        if (*taken)
+            m_missing.remove(number);
     }
     return {};
 }
@@ -66,7 +80,8 @@ Result<void, QString> SessionLocks::take(std::int64_t number)
 
 void SessionLocks::release(std::int64_t number)
 {
-    if (m_held.remove(number) && !m_session.isLost())
+    const bool isMissing = m_missing.remove(number);
+    if (m_held.remove(number) && !isMissing && !m_session.isLost())
         (void)run("pg_advisory_unlock", number);
 }
 

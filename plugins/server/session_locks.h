@@ -27,11 +27,12 @@ public:
     [[nodiscard]] Result<void, QString> take(std::int64_t number);
     void release(std::int64_t number);
     [[nodiscard]] app::ServerStore::Holder holderOf(std::int64_t number);
-    /// Takes what is held again when the session has broken.
+    /// Takes what is held again when the session has broken; what somebody else has meanwhile as soon as it is free.
     void keep();
 
 private:
     [[nodiscard]] Result<void, PgError> reach();
+    [[nodiscard]] Result<void, PgError> takeMissing();
     [[nodiscard]] Result<bool, PgError> tryLock(std::int64_t number);
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &function, std::int64_t number);
 
@@ -39,6 +40,7 @@ private:
     PgWaits m_waits;
     PgSession m_session;
     QSet<std::int64_t> m_held;
+    QSet<std::int64_t> m_missing; ///< of these: not taken again yet
 };
 
 } // namespace harrowby::server

@@ -22,11 +22,14 @@ QString uriWithoutPassword(QString uri)
     while (uri.endsWith(u'?') || uri.endsWith(u'&'))
         uri.chop(1);
     const qsizetype begin = uri.indexOf("://"_L1) + 3;
-    qsizetype end = uri.indexOf(QRegularExpression(u"[/?]"_s), begin);
+    qsizetype end = uri.indexOf(u'/', begin);
     if (end < 0)
         end = uri.size();
-    const qsizetype at = uri.lastIndexOf(u'@', end - 1); // one in a password should be %40, and is not always
+    qsizetype at = uri.lastIndexOf(u'@', end - 1); // one in a password should be %40, and is not always
     const qsizetype colon = uri.indexOf(u':', begin);
+    static const QRegularExpression port(u"^:[0-9]*(?:[/?,]|$)"_s);
+    if (at < begin && colon >= 0 && uri.at(begin) != u'[' && !port.match(uri.sliced(colon)).hasMatch())
+        at = uri.lastIndexOf(u'@'); // likewise a slash
     if (at >= begin && colon >= 0 && colon < at)
         uri.remove(colon, at - colon);
     return uri;

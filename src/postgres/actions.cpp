@@ -17,6 +17,11 @@ using Phase = ActionServer::Phase;
 /// number that there is.
 constexpr std::int64_t retirement = std::numeric_limits<std::int64_t>::max() - 1;
 
+bool isGivenUp(const PgError &error)
+{
+    return error.kind == PgError::Kind::GivenUp;
+}
+
 } // namespace
 
 Actions::Actions(ActionServer &server, ActionJournal &journal, const QUuid &writer) :
@@ -71,12 +76,12 @@ Result<ActionNumber, PgError> Actions::take()
     return ActionNumber{m_writer, ++m_last};
 }
 
-/// The whole time that a write has: what is under way may still be waiting for a standby.
+/// It has the whole time of a write, unless a person has ended that: what is under way may wait for a standby.
 Actions::End Actions::find(const ActionNumber &action, const QString &what, const PgError &error)
 {
     m_error = error;
     m_server.drop();
-    Known known = claim(action, Phase::Resending);
+    Known known = isGivenUp(error) ? Known::Open : claim(action, Phase::Resending);
     if (known == Known::Open)
         known = claim(action);
     switch (known) {
@@ -101,7 +106,10 @@ Actions::Known Actions::send(const ActionNumber &action, const Write &write)
             return Known::NotDone;
         if (sending == Sending::Refused)
             break;
-        if (sending == Sending::Open && !std::exchange(isOpen, true))
+        const bool isFirst = sending == Sending::Open && !std::exchange(isOpen, true);
+        if (isFirst && isGivenUp(m_error))
+            break; // the time of another phase would begin anew
+        if (isFirst)
             m_server.enter(Phase::Resending);
     } while (!m_server.isOver());
     return isOpen ? claim(action) : Known::NotDone;
@@ -224,6 +232,8 @@ bool Actions::resolveLeft(const LeftWriter &left)
 
 void Actions::tell(const OpenAction &open, Known known) const
 {
+    if (known == Known::Later)
+        qCWarning(lcStore, "Nobody can find out any more whether this was done: %ls", qUtf16Printable(open.what));
     if (!m_handler)
         return;
     if (known == Known::Later)

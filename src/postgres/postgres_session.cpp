@@ -120,8 +120,11 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
         const milliseconds time = std::min(limit, milliseconds(lock.remainingTime()));
         const QByteArray text = limited(statements, time, postgres::lockLimit(m_waits.answer));
         Result<PgResults, PgError> results = m_link->exchange(text, budget.answer, what);
-        if (results && text.size() > statements.size())
+        if (results && text.size() > statements.size()) {
             results->erase(results->begin()); // of the limit
+            if (results->empty())
+                return Unexpected(m_link->noAnswer());
+        }
         if (results || !isAlone || isLost())
             return results;
         const bool isOver = !isPassing(results.error().kind) || lock.hasExpired();

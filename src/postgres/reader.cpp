@@ -134,7 +134,11 @@ std::shared_ptr<PgSession> Reader::sessionToWalk()
     if (m_access.session().isLost())
         return nullptr;
     std::shared_ptr<PgSession> session = m_walks.take();
-    if (!session || (!session->isLost() && !session->hasEnded()))
+    // A server that was replaced may live on, with the rows of then.
+    const auto isThere = [&] {
+        return !session->isLost() && !session->hasEnded() && session->server() == m_access.session().server();
+    };
+    if (!session || isThere())
         return session;
     return session->connect(m_access.targetBeside(), m_access.waits()) ? session : nullptr;
 }

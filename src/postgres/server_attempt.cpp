@@ -201,12 +201,13 @@ void ServerAttempt::takeAnswers()
             return;
         }
         const PgResult result(raw);
-        if (PQresultStatus(raw) == PGRES_TUPLES_OK)
+        const ExecStatusType status = PQresultStatus(raw);
+        if (status == PGRES_TUPLES_OK)
             takeAnswer(result);
-        else if (PQresultStatus(raw) != PGRES_COMMAND_OK && m_answers == 0)
-            failHere(connectError(raw));
-        else if (PQresultStatus(raw) == PGRES_FATAL_ERROR)
+        else if (status == PGRES_FATAL_ERROR && m_answers > 0 && errorOf(raw).kind != PgError::Kind::Lost)
             m_facts.schemaState = errorOf(raw).sqlState;
+        else if (status != PGRES_COMMAND_OK)
+            failHere(connectError(raw));
     }
 }
 

@@ -79,6 +79,8 @@ PgError connectError(const pg_result *result)
     PgError error = errorOf(result);
     error.kind = error.sqlState.isEmpty() ? Kind::CannotConnect : whileConnecting(kindOf(error.sqlState));
     error.mayBeDone = false;
+    if (error.text.isEmpty())
+        error.text = u"the server answers otherwise than it was asked"_s;
     return error;
 }
 

@@ -181,9 +181,17 @@ Result<PgResults, PgError> ServerLink::collect(std::chrono::milliseconds answer,
     }
     if (!error && m_isUnconfirmed)
         error = PgError{PgError::Kind::NotConfirmed, {}, u"No standby has confirmed it"_s, true};
+    if (!error && results.empty())
+        error = noAnswer();
     if (error)
         return Unexpected(*std::move(error));
     return results;
+}
+
+PgError ServerLink::noAnswer()
+{
+    close();
+    return {PgError::Kind::Lost, {}, u"The server has answered otherwise than it was asked"_s, true};
 }
 
 PgError ServerLink::failureOf(const pg_result *result)
@@ -201,10 +209,12 @@ void ServerLink::drain(std::chrono::milliseconds answer)
 {
     Waiter waiter(m_hook, PgWaiting::Answer);
     while (!await(answer, waiter)) {
-        pg_result *rest = take();
-        if (!rest)
+        pg_result *raw = take();
+        if (!raw)
             return;
-        PQclear(rest);
+        const PgResult rest(raw);
+        if (isCopy(PQresultStatus(raw)))
+            close(); // it would say so for ever
     }
 }
 

@@ -6,6 +6,7 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -32,6 +33,32 @@ void setOption(ConnectOptions &options, const QByteArray &key, const QByteArray 
 {
     options.removeIf([&key](const auto &option) { return option.first == key; });
     options.emplaceBack(key, value);
+}
+
+/// What libpq says about a text that it cannot read quotes a part of it, which may be that of a password.
+QString unreadable()
+{
+    return u"it cannot be read; in a name or a password, what is neither letter nor digit stands as %XX in an address, "
+           "and between quotes among keywords"_s;
+}
+
+bool isReadable(const QByteArray &conninfo)
+{
+    char *message = nullptr;
+    PQconninfoOption *options = PQconninfoParse(conninfo.constData(), &message);
+    const bool isRead = options != nullptr;
+    PQconninfoFree(options);
+    PQfreemem(message);
+    return isRead;
+}
+
+/// A password with a slash puts its beginning in the place of a port.
+bool hasPorts(const ConnectOptions &options)
+{
+    const QList<QByteArray> ports = valueOf(options, "port").split(',');
+    return std::all_of(ports.begin(), ports.end(), [](const QByteArray &port) {
+        return std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; });
+    });
 }
 
 ConnectOptions optionsOf(PGconn *connection)
@@ -97,8 +124,11 @@ Result<ConnectOptions, PgError> connectOptions(const QByteArray &conninfo)
                                                                   &PQfinish);
     const QByteArray message = PQerrorMessage(connection.get());
     if (!message.contains(stoppingValue))
-        return Unexpected(PgError{PgError::Kind::BadTarget, {}, oneLine(message)});
+        return Unexpected(
+            PgError{PgError::Kind::BadTarget, {}, isReadable(conninfo) ? oneLine(message) : unreadable()});
     ConnectOptions options = optionsOf(connection.get());
+    if (!hasPorts(options))
+        return Unexpected(PgError{PgError::Kind::BadTarget, {}, unreadable()});
     setOption(options, "target_session_attrs", "any");
     return options;
 }

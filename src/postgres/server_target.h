@@ -22,6 +22,8 @@ struct PgServer
     quint32 timeline = 0;    ///< grows by each promotion of a standby
     int version = 0;         ///< 150018
     bool isReadOnly = false; ///< takes no writes
+
+    bool operator==(const PgServer &) const = default;
 };
 
 /// Addresses of a machine's name, or why there are none. Called on a thread of its own; may block.

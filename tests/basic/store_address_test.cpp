@@ -39,6 +39,12 @@ void StoreAddressTest::whichIsAServer_data()
     target("password in a URI", u"postgresql://till_1:secret@a:5432/harrowby"_s,
            u"postgresql://till_1@a:5432/harrowby"_s);
     target("odd password in a URI", u"postgresql://till_1:se@cr:et@a/harrowby"_s, u"postgresql://till_1@a/harrowby"_s);
+    target("slash in a password", u"postgresql://till_1:se/cr@et@a:5432/harrowby"_s,
+           u"postgresql://till_1@a:5432/harrowby"_s);
+    target("question mark in a password", u"postgresql://till_1:se?cret@a/harrowby"_s,
+           u"postgresql://till_1@a/harrowby"_s);
+    target("hosts and a name with a sign", u"postgresql://a:5432,b/harrowby?application_name=x@y"_s);
+    target("host in numbers", u"postgresql://[::1]:5432/harrowby?application_name=x@y"_s);
     target("password alone in a URI", u"postgresql://:secret@a/harrowby"_s, u"postgresql://@a/harrowby"_s);
     target("URI of a host alone", u"postgresql://a:5432"_s);
     target("password of a host alone", u"postgresql://u:secret@a"_s, u"postgresql://u@a"_s);

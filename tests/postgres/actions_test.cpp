@@ -31,6 +31,7 @@ private Q_SLOTS:
     void startsAnewWhenItWasRetired();
     void findsATransaction_data();
     void findsATransaction();
+    void findsATransactionThatWasGivenUp();
     void takesNoNumberWhileAWriteIsUnknown();
     void goesOnWithoutADisk();
     void leavesTheJournal();
@@ -94,6 +95,8 @@ private:
         writers << action.writer;
         if (m_script.isEmpty())
             qFatal("Asked for more than the test has answers: %s", qPrintable(asked.join(u' ')));
+        if (takes(u"enough"_s)) // for the person who waits
+            return {Heard::Lost, 0, {PgError::Kind::GivenUp, {}, u"enough"_s, true}};
         const QStringList words = m_script.takeFirst().split(u':');
         static const QStringList kinds{u"done"_s,   u"refused"_s,  u"locked"_s,       u"collided"_s,
                                        u"before"_s, u"nottaken"_s, u"notconfirmed"_s, u"lost"_s};
@@ -193,6 +196,10 @@ void ActionsTest::settles_data()
         u"sending act1 drop resending claiming claim1 drop claim1"_s, u"done"_s);
     row("claim on a standby at first", u"lost over nottaken done:2"_s,
         u"sending act1 drop resending claiming claim1 drop claim1"_s, u"refused"_s, u"nottaken"_s);
+    row("ended by who waits for the first sending", u"enough done:2"_s, u"sending act1 drop claiming claim1"_s,
+        u"refused"_s, u"enough"_s);
+    row("ended by who waits for the confirmation", u"before enough done:1"_s,
+        u"sending act1 confirm1 drop claiming claim1"_s, u"done"_s);
     row("unknown: nobody there", u"lost over out out over"_s, u"sending act1 drop resending claiming"_s, u"unknown"_s,
         u"out"_s);
     row("unknown: claim lost", u"lost over lost over"_s, u"sending act1 drop resending claiming claim1 drop"_s,
@@ -310,6 +317,8 @@ void ActionsTest::resolvesWhatProgramsBeforeHaveLeft()
 
 void ActionsTest::tellsWhatNobodyCanFindOut()
 {
+    QTest::ignoreMessage(QtWarningMsg, "Nobody can find out any more whether this was done: an old sale");
+    QLoggingCategory::setFilterRules(u"harrowby.store=true"_s);
     ScriptedServer server(u"done:12"_s);
     ScriptedJournal journal;
     journal.left = {{before, OpenAction{{before, 7}, u"an old sale"_s}}};
@@ -371,6 +380,19 @@ void ActionsTest::findsATransaction()
     server.go(outcome == u"unknown" ? u"done:1 done"_s : u"done"_s);
     QCOMPARE(actions.write(sale).outcome, Outcome::Done);
     QVERIFY(server.takeAsked().endsWith(u"sending act3"_s)); // the claim has used the second one
+}
+
+/// The person who has ended the wait for the answer does not wait for it a second time.
+void ActionsTest::findsATransactionThatWasGivenUp()
+{
+    ScriptedServer server(u"done:2"_s);
+    ScriptedJournal journal;
+    Actions actions(server, journal, running);
+    const auto taken = actions.take();
+    QVERIFY(taken);
+    const PgError error{PgError::Kind::GivenUp, {}, u"enough"_s, true};
+    QCOMPARE(actions.find(*taken, u"several"_s, error).outcome, Outcome::Refused);
+    QCOMPARE(server.takeAsked(), u"drop claiming claim1"_s);
 }
 
 void ActionsTest::takesNoNumberWhileAWriteIsUnknown()

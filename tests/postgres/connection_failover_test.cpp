@@ -52,6 +52,7 @@ private Q_SLOTS:
     void nextStartResolves();
     void deadlock();
     void primaryKilled();
+    void listsFollowTheServer();
 
 private:
     [[nodiscard]] std::shared_ptr<PostgresConnection> connect(const QString &states,
@@ -232,6 +233,26 @@ void ConnectionFailoverTest::primaryKilled()
     QCOMPARE(failed.load(), 0);
     QCOMPARE(stockOf(*m_standby, u"1"_s), QString::number(1000 - total()));
     QVERIFY(m_resolved.empty());
+}
+
+/// A server that was replaced while it hung lives on, and a list that was walked there is free for the next one.
+void ConnectionFailoverTest::listsFollowTheServer()
+{
+    const auto till = connect(u"lists"_s);
+    QVERIFY(!till->open());
+    const auto stockInList = [&] {
+        DbRecordset walk;
+        walk.Open(statements::allStock(), till, Access::Walk);
+        return walk.RecordCount() == 2 ? walk.Field(u"StockAvailable"_s).text() : u"no list"_s;
+    };
+    QCOMPARE(stockInList(), u"1000"_s);
+    m_primary->stop();
+    m_standby->promote();
+    till->beginAction();
+    QVERIFY(Execute(till, statements::raiseStock(5, u"1"_s)));
+    m_primary->cont();
+    till->beginAction();
+    QCOMPARE(stockInList(), u"1005"_s);
 }
 
 HARROWBY_CORE_TEST(connection_failover_test, ConnectionFailoverTest)

@@ -81,6 +81,7 @@ private Q_SLOTS:
 
     void rowsThatAreChangedAreTold();
     void locksOfPrograms();
+    void lockThatAnotherHadMeanwhile();
     void protection();
 
 private:
@@ -564,6 +565,26 @@ void RecordsServerTest::locksOfPrograms()
     *lock = nullptr;
     QVERIFY(other->holderOf(17) == Holder::Nobody);
     QVERIFY(m_store->lock(17));
+}
+
+/// As the server's own memory of a session of which nobody has told it that it is gone.
+void RecordsServerTest::lockThatAnotherHadMeanwhile()
+{
+    using Holder = ServerStore::Holder;
+    auto other = open(m_server->cluster.tcpConninfo());
+    auto lock = m_store->lock(17);
+    QVERIFY(lock);
+    m_server->cluster.sql(u"select pg_terminate_backend(pid) from pg_locks where locktype = 'advisory'"_s);
+    m_server->cluster.await(u"select count(*) from pg_locks where locktype = 'advisory'"_s, u"0"_s);
+    auto between = other->lock(17);
+    QVERIFY(between);
+    QVERIFY(m_store->holderOf(17) == Holder::Somebody);
+    *between = nullptr;
+    QVERIFY(other->holderOf(17) == Holder::Nobody);
+    QVERIFY(!m_store->tryAgain());
+    QVERIFY(other->holderOf(17) == Holder::Somebody);
+    *lock = nullptr;
+    QVERIFY(other->holderOf(17) == Holder::Nobody);
 }
 
 void RecordsServerTest::protection()

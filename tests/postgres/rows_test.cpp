@@ -53,6 +53,7 @@ private Q_SLOTS:
     void rowsThatNobodyWantsAreCancelled();
     void aServerThatDoesNotCancelIsLeft();
     void aReadResultIsFinishedQuietly();
+    void aCopyBehindTheRowsEndsTheSession();
     void nothingElseRunsMeanwhile();
     void aClosedSessionTakesItsRowsAway();
 };
@@ -228,6 +229,20 @@ void RowsTest::aReadResultIsFinishedQuietly()
     }
     QVERIFY(session.run("update"));
     QCOMPARE(server.cancels(), 0);
+}
+
+void RowsTest::aCopyBehindTheRowsEndsTheSession()
+{
+    const QByteArray copy("G\0\0\0\x07\0\0\0", 8);
+    const ScriptedServer server({}, firstThenDone({{twoItems + ScriptedServer::done() + copy}}));
+    PgSession session = sessionAt(server);
+    {
+        Result<PgRows, PgError> rows = session.walk("select");
+        QVERIFY(rows);
+        while (rows->next() == Step::Row) {
+        }
+    }
+    QVERIFY(session.isLost());
 }
 
 void RowsTest::nothingElseRunsMeanwhile()

@@ -221,7 +221,7 @@ ScriptedServer::Answer ScriptedServer::answerTo(const QByteArray &statements)
         const std::lock_guard lock(m_mutex);
         if (statements.startsWith(questionsBegin)) {
             m_questions.append(statements);
-            return {{facts(statements.contains("schema_version"))}};
+            return {{facts(statements.contains("schema_version"))}, m_manners.lastWord ? Then::HangUp : Then::Wait};
         }
         number = static_cast<int>(m_statements.size());
         m_statements.append(statements);
@@ -237,6 +237,8 @@ QByteArray ScriptedServer::facts(bool withSchema) const
         done();
     if (!withSchema)
         return said + ready();
+    if (m_manners.lastWord)
+        return said + *m_manners.lastWord;
     if (m_manners.schemaVersion.isEmpty())
         return said + error("3F000", "schema \"harrowby\" does not exist") + ready();
     return said + rows({"v"}, {{m_manners.schemaVersion}}) + done() + rows({"i"}, {{m_manners.store}}) + done() +

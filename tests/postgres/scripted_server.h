@@ -8,6 +8,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -46,6 +47,7 @@ public:
         QByteArray encoding = "UTF8";
         QByteArray schemaVersion; ///< empty: there is no schema
         QByteArray store = "5f0c9a34-3e6a-4c3f-9a52-1f6b7d0e8a11";
+        std::optional<QByteArray> lastWord = {}; ///< in place of the schema; then it hangs up
     };
 
     explicit ScriptedServer(Manners manners, Script script = {});

@@ -28,8 +28,9 @@ Answer say(const QByteArray &bytes)
 struct Desk
 {
     explicit Desk(const Answer &first, PgWaitHook hook = {}) :
-        server(Manners(), [first](const QByteArray &, int number) {
-            return number == 0 ? first : Answer{{ScriptedServer::done("UPDATE 1") + ScriptedServer::ready()}};
+        server(Manners(), [first](const QByteArray &statements, int number) {
+            const QByteArray limit = statements.startsWith("set local") ? ScriptedServer::done("SET") : QByteArray();
+            return number == 0 ? first : Answer{{limit + ScriptedServer::done("UPDATE 1") + ScriptedServer::ready()}};
         })
     {
         PgWaits waits{60s, 60s, 60s, 60s, std::move(hook)};
@@ -72,6 +73,7 @@ private Q_SLOTS:
     void aTextThatFailsLeavesNoTransactionOpen();
     void aNulIsRefused();
     void aCopyIsNotSpoken();
+    void whatIsNoAnswerIsToldAsABreak();
     void aClosedSessionRunsNothing();
 };
 
@@ -149,7 +151,7 @@ void SessionTest::aSilentServerIsGivenUp()
 void SessionTest::whatComesBeginsTheTimeAnew()
 {
     const QByteArray rows = ScriptedServer::rows({"a"}, {{"1"}, {"2"}});
-    Answer slow{{rows.first(20), rows.sliced(20, 9), rows.sliced(29, 9), rows.sliced(38),
+    Answer slow{{ScriptedServer::done("SET") + rows.first(20), rows.sliced(20, 9), rows.sliced(29, 9), rows.sliced(38),
                  ScriptedServer::done() + ScriptedServer::ready()},
                 Then::Wait,
                 100}; // one result, in pieces
@@ -303,9 +305,22 @@ void SessionTest::aCopyIsNotSpoken()
     QVERIFY(desk.session.isLost());
 }
 
-void SessionTest::aClosedSessionRunsNothing()
+/// Of a server that has lost count, or is none.
+void SessionTest::whatIsNoAnswerIsToldAsABreak()
 {
     Desk desk(say(ScriptedServer::ready()));
+    const PgError error = errorOf(desk.session.run("update"));
+    QCOMPARE(error.kind, Kind::Lost);
+    QVERIFY(error.mayBeDone);
+    QVERIFY(desk.session.isLost());
+
+    Desk fewer(say(ScriptedServer::done("UPDATE 1") + ScriptedServer::ready())); // no word about the limit
+    QCOMPARE(errorOf(fewer.session.run("update", {60s, 0s})).kind, Kind::Lost);
+}
+
+void SessionTest::aClosedSessionRunsNothing()
+{
+    Desk desk(say(ScriptedServer::done("UPDATE 1") + ScriptedServer::ready()));
     desk.session.close();
     QVERIFY(desk.session.isLost());
     QVERIFY(desk.session.hasEnded());
