@@ -165,6 +165,13 @@ public:
     /// gap, is then refused as Mixed: it may be the end of a second reader's code, and another item's.
     void codeNotKnown();
 
+    // What a database that was gone has left
+    /// To be called when the database answers again: reads what the window shows without being asked (the figures, the
+    /// page of quick sales; settings and categories that it has not read yet), also while nobody is logged in. Nothing
+    /// that a person has chosen or typed changes. Done, Busy or NoWindow; or Failed when it ended early. What cannot be
+    /// read this time either is reported by the connection.
+    CounterAnswer readAgain();
+
     enum class CodeRefusal {
         BoxOpen, ///< a box is open; it was not answered
         Mixed,   ///< two readers at once, or what is left of a code

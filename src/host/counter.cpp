@@ -123,6 +123,11 @@ CounterAnswer Counter::putCart(const std::vector<CounterLine> &lines, std::vecto
     return atTheDesk(CounterAnswer::NoWindow, [&](const CounterDesk &desk) { return desk.putCart(lines, misfits); });
 }
 
+CounterAnswer Counter::readAgain()
+{
+    return atTheDesk(CounterAnswer::NoWindow, [](const CounterDesk &desk) { return desk.readAgain(); });
+}
+
 bool Counter::addButton(QWidget *button)
 {
     return button && atTheDesk(false, [button](const CounterDesk &desk) {

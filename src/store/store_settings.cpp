@@ -52,6 +52,7 @@ StoreSettings readStoreSettings(const std::shared_ptr<DbConnection> &connection,
     if (row.RecordCount() == 0)
         addDefaults(row);
     StoreSettings settings = std::move(before);
+    settings.areRead = settings.areRead || !row.HasFailed();
     readFlag(row, u"ShowDetails"_s, settings.ShowDetailsFlag);
     readEmailAddress(row, settings.ReportEmailAddress);
     readFlag(row, u"Promptreorder"_s, settings.PromptReorderFlag);

@@ -19,6 +19,7 @@ struct StoreSettings
     QString ReportEmailAddress;
     std::int16_t PromptReorderFlag = 0; ///< "Prompt on Load when Item(s) need to be Reordered"
     std::int16_t HideFinishedFlag = 0;  ///< "Don't List Finished Item(s)", column AutoPurchaseCart
+    bool areRead = false;               ///< the database has been asked, and has answered
 };
 
 /// Reads the first row; writes one with the defaults first where there is none. What cannot be read, and

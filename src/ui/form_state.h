@@ -36,6 +36,7 @@ struct FormState
     LastActions last;
     std::int16_t QuickSalesOffset = 0; ///< first row of the quick-sale page: a multiple of quickSaleButtons
     std::int16_t CartCount = 0;        ///< Intended: 0 at load and never changed by the cart; read when closing
+    bool areCategoriesRead = false;    ///< the lists of categories have been filled once
     QString MsgTitle;                  ///< caption of every message box; never assigned, so empty
 };
 

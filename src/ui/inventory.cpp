@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QScreen>
+#include <QSignalBlocker>
 
 using namespace Qt::StringLiterals;
 
@@ -110,11 +111,29 @@ void Inventory::loadForm()
     m_controls.Combo1->setEntryText(statements::allCategories);
     m_controls.Combo2->setEntryText(statements::allCategories);
     m_controls.Combo12->setEntryText(statements::allCategories);
+    readSettings();
+    leadTo(*m_controls.Text3);
+}
+
+void Inventory::readSettings()
+{
     m_state.settings = readStoreSettings(connection(), m_state.settings);
     m_state.settings.EmailReportFlag =
         savedEmailReportFlag(*m_platform.settings).value_or(m_state.settings.EmailReportFlag);
     showSettings(m_controls, m_state.settings, savedPrintReceipt(*m_platform.settings));
-    leadTo(*m_controls.Text3);
+}
+
+/// What the window shows without being asked, where a database that was gone has left it old or empty.
+void Inventory::readAgain()
+{
+    if (!m_state.settings.areRead)
+        readSettings();
+    if (!m_state.areCategoriesRead) {
+        const QSignalBlocker chosenByNobody(m_controls.Combo1);
+        LoadCategory();
+        LoadCategories();
+    }
+    RefreshDashboard();
 }
 
 void Inventory::closeEvent(QCloseEvent *event)

@@ -67,6 +67,8 @@ private:
 
     // inventory.cpp: life of the window
     void loadForm();
+    void readSettings();
+    void readAgain();
     bool confirmClose();
     void showHelp();
 

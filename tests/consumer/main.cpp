@@ -58,7 +58,8 @@ bool usesTheCounter(harrowby::Counter &counter)
     counter.finishReading();
     counter.takeCodes(harrowby::CodeReaderSettings());
     counter.takeCodes({});
-    return counter.isOpen() && !counter.isBusy() && !counter.user() && counter.cart().empty() && counter.total() == 0 &&
+    return counter.isOpen() && counter.readAgain() == CounterAnswer::Done && !counter.isBusy() && !counter.user() &&
+           counter.cart().empty() && counter.total() == 0 &&
            atTheGate([&] { return counter.sell(QStringLiteral("A1")); }) &&
            atTheGate([&] { return counter.purchase(); }) && atTheGate([&] { return counter.takeCart(lines); }) &&
            atTheGate([&] { return counter.putCart(lines, misfits); }) &&

@@ -6,6 +6,7 @@
 #include "ui/widgets/row_list.h"
 
 #include <QDialog>
+#include <QListWidget>
 #include <QPushButton>
 
 #include <functional>
@@ -48,6 +49,9 @@ private Q_SLOTS:
     void purchase_data();
     void purchase();
     void purchaseReprintsNothing();
+    void readsAgainWhatAnEngineThatWasGoneHasLeftEmpty();
+    void readsAgainThePageThatWasTurnedTo();
+    void readingAgainDisturbsNobody();
     void withoutAWindow();
 };
 
@@ -325,6 +329,77 @@ void CounterPressesTest::purchaseReprintsNothing()
     QCOMPARE(name(guestCounter().purchase()), "CartEmpty");
 }
 
+/// As a server that went away while the window was loading: nobody is logged in yet, and nothing is asked.
+void CounterPressesTest::readsAgainWhatAnEngineThatWasGoneHasLeftEmpty()
+{
+    test::Counter till;
+    till.file.addItem(u"A1"_s, u"TEA"_s, 2.5, 10);
+    till.file.sql(u"INSERT INTO InventoryCategory (CategoryName) VALUES ('DRINKS'); "
+                  "UPDATE StoreSettings SET EmailAddress = 'shop@example.com', AutoPurchaseCart = 1"_s);
+    const QStringList read{u"(ALL CATEGORY)"_s, u"DRINKS"_s, u"OTHER CATEGORY"_s};
+    till.connection->fails = [](const QString &) { return true; };
+    till.open();
+    QCOMPARE(till.text("Command1_0"), u"(empty)"_s);
+    QVERIFY(!till.entries("Combo1").contains(u"DRINKS"_s));
+    QCOMPARE(name(guestCounter().readAgain()), "Done"); // gone still
+    QCOMPARE(till.text("Command1_0"), u"(empty)"_s);
+
+    till.connection->fails = [](const QString &) { return false; };
+    QCOMPARE(name(guestCounter().readAgain()), "Done");
+    QCOMPARE(till.text("Command1_0"), u"A1\r\nTEA\r\n2.50"_s);
+    QCOMPARE(till.entries("Combo1"), read);
+    QCOMPARE(till.text("Combo1"), read.constFirst());
+    QCOMPARE(till.find<QListWidget>("List2")->count(), 1);
+    QCOMPARE(till.text("Text2"), u"shop@example.com"_s);
+    QCOMPARE(till.state().settings.HideFinishedFlag, std::int16_t{1});
+    QCOMPARE(till.text("Label6_8"), u"  10"_s);
+    till.logIn();
+    till.click("Command1_0");
+    QCOMPARE(till.cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+}
+
+void CounterPressesTest::readsAgainThePageThatWasTurnedTo()
+{
+    test::Counter till;
+    till.file.sql(u"INSERT INTO InventoryCategory (CategoryName) VALUES ('DRINKS')"_s);
+    for (int item = 0; item < 20; ++item)
+        till.file.addItem(u"A%1"_s.arg(item), u"TEA %1"_s.arg(QChar(u'A' + item)), 2.5, 10);
+    till.open();
+    till.logIn();
+    till.click("CmdNext");
+    const QString first = till.text("Command1_0");
+    till.connection->fails = [](const QString &statement) { return statement.startsWith(u"Select"_s); };
+    till.chooseTab("TabStrip1", WorkArea::CustomSales); // refreshes the page, too
+    QVERIFY(!till.find("CmdPrev")->isEnabled());
+    till.connection->fails = [](const QString &) { return false; };
+    till.file.sql(u"UPDATE StockList SET StockCost = 3"_s);
+    till.setText("Combo2", u"JAM"_s);
+    QCOMPARE(name(guestCounter().readAgain()), "Done");
+    QVERIFY(till.find("CmdNext")->isEnabled() && till.find("CmdPrev")->isEnabled());
+    QCOMPARE(till.text("Command1_0"), QString(first).replace(u"2.50"_s, u"3.00"_s));
+    QCOMPARE(till.selectedTab("TabStrip1"), WorkArea::CustomSales);
+    QCOMPARE(till.text("Combo2"), u"JAM"_s);
+}
+
+/// Settings that a person is changing, and what was chosen, are left alone; so is a box.
+void CounterPressesTest::readingAgainDisturbsNobody()
+{
+    test::Counter till;
+    openForGuests(till);
+    till.setText("Text2", u"being typed"_s);
+    const QString log = till.text("Text1");
+    till.connection->statements.clear();
+    QCOMPARE(name(guestCounter().readAgain()), "Done");
+    QCOMPARE(till.text("Text2"), u"being typed"_s);
+    QCOMPARE(till.text("Text1"), log);
+    QVERIFY(till.connection->statements.filter(u"StoreSettings"_s).isEmpty());
+    QVERIFY(till.connection->statements.filter(u"InventoryCategory"_s).isEmpty());
+    QCOMPARE(guestCounter().sell(u"A1"_s), CounterAnswer::Done);
+    till.boxes.expect(u"Clear Cart?"_s, box::Ask, Answer::No,
+                      [] { QCOMPARE(name(guestCounter().readAgain()), "Busy"); });
+    till.click("Command13");
+}
+
 void CounterPressesTest::withoutAWindow()
 {
     std::vector<CounterLine> lines{{}};
@@ -334,6 +409,7 @@ void CounterPressesTest::withoutAWindow()
     QCOMPARE(name(guestCounter().purchase()), "NoWindow");
     QCOMPARE(name(guestCounter().putCart(lines, misfits)), "NoWindow");
     QCOMPARE(name(guestCounter().takeCart(lines)), "NoWindow");
+    QCOMPARE(name(guestCounter().readAgain()), "NoWindow");
     QVERIFY(lines.empty() && misfits.empty());
     QPushButton button;
     QVERIFY(!guestCounter().addButton(&button));

@@ -29,6 +29,7 @@ public:
     CounterAnswer purchase() const;
     CounterAnswer takeCart(std::vector<CounterLine> &lines) const;
     CounterAnswer putCart(const std::vector<CounterLine> &lines, std::vector<CounterMisfit> &misfits) const;
+    CounterAnswer readAgain() const;
 
     void addButton(QWidget *button) const;
     void setBanner(QWidget *banner) const;

@@ -79,6 +79,18 @@ CounterAnswer CounterDesk::putCart(const std::vector<CounterLine> &lines, std::v
     });
 }
 
+CounterAnswer CounterDesk::readAgain() const
+{
+    if (isBusy())
+        return CounterAnswer::Busy;
+    CounterAnswer answer = CounterAnswer::Failed;
+    m_window.m_fence.run([&] {
+        m_window.readAgain();
+        answer = CounterAnswer::Done;
+    });
+    return answer;
+}
+
 void CounterDesk::putLines(const std::vector<CounterLine> &lines, std::vector<CounterMisfit> &misfits) const
 {
     RowList &list = *m_window.m_controls.LV3;

@@ -52,6 +52,7 @@ void Inventory::LoadCategory()
         for (PickList *list : lists)
             list->addEntry(statements::otherCategory);
     }
+    m_state.areCategoriesRead = m_state.areCategoriesRead || !categories.HasFailed();
     for (std::size_t i = 0; i < lists.size(); ++i) {
         if (lists.at(i)->entryText().isEmpty()) // else a user has chosen one meanwhile
             lists.at(i)->setEntryText(texts.at(i));
