@@ -3,19 +3,17 @@
 
 #include "app/backup/lost_store_box.h"
 #include "app/backup/restore_window.h"
-#include "app/first_server_user.h"
 #include "app/office/office.h"
 #include "app/office/office_store.h"
+#include "app/office_on_server.h"
 #include "app/records/deeds.h"
-#include "app/records/server_engine.h"
-#include "app/server/server_opening.h"
-#include "app/server/server_wait.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/store_guard.h"
 #include "app/shop/store_loss.h"
 #include "app/shop/store_opening.h"
 #include "app/shop/wait_sign.h"
+#include "app/start/command_line.h"
 #include "app/start/log_file.h"
 #include "app/start/start_message.h"
 #include "basic/store_address.h"
@@ -23,10 +21,7 @@
 #include <harrowby/file_failure.h>
 #include <harrowby/saved_settings.h>
 
-#include <QCoreApplication>
-
 #include <functional>
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -76,42 +71,17 @@ Result<OfficeLeaving, ExitCode> openFile(const QString &path, const QString &rea
     return keepFile(store, path, reason, wait, notice);
 }
 
-/// A write of which nobody knows whether it was done is told beside what the page says of it, and again when it is
-/// known.
-Result<OfficeLeaving, ExitCode> openOnServer(const QString &address, const QString &reason, FailureNotice &notice,
-                                             LogFile &log)
-{
-    ServerWait wait; // outlives the last wait
-    ServerOptions options;
-    options.location = QCoreApplication::applicationDirPath();
-    options.waitHook = [&wait](const DbWait &what) { return wait.goesOn(what); };
-    options.resolvedHandler = [&notice](const QString &what, bool isDone) { notice.settle(what, isDone); };
-    const auto opened = openServerStore(address, options);
-    if (!opened) {
-        tellProblem(opened.error());
-        return Unexpected(ExitCode::StoreRefused);
-    }
-    const std::shared_ptr<Records> records = (*opened)->records();
-    records->setFailureHandler([&notice](const DbFailure &failure) {
-        if (Records::isUnknown(failure))
-            notice.addDoubtful(failure);
-    });
-    log.probe();
-    if (const auto users = seeToFirstUser(*records, address); !users)
-        return Unexpected(users.error());
-    OfficeLeaving leaving = keepOffice({address, records}, reason, notice, {});
-    (*opened)->setWaitHook({});
-    return leaving;
-}
-
 } // namespace
 
-Result<int, ExitCode> runOfficeProgram(const QString &store, FailureNotice &notice, LogFile &log)
+Result<int, ExitCode> runOfficeProgram(const CommandLine &line, const QString &store, FailureNotice &notice,
+                                       LogFile &log)
 {
     QString reason;
+    const auto keepOnServer = [&](const OfficeStore &open) { return keepOffice(open, reason, notice, {}); };
     for (;;) {
-        const auto leaving =
-            isServer(store) ? openOnServer(store, reason, notice, log) : openFile(store, reason, notice, log);
+        const auto leaving = isServer(store)
+                                 ? keepOfficeOnServer(store, line.display.toLocal8Bit(), notice, log, keepOnServer)
+                                 : openFile(store, reason, notice, log);
         if (!leaving)
             return Unexpected(leaving.error());
         if (leaving->end != OfficeEnd::Restore)

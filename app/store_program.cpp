@@ -185,7 +185,7 @@ Started<int> openShop(const CommandLine &line, FailureNotice &notice, LogFile &l
     if (!path)
         return Unexpected(path.error());
     if (line.office)
-        return runOfficeProgram(*path, notice, log);
+        return runOfficeProgram(line, *path, notice, log);
     return runTillProgram(line, *path, notice, log);
 }
 

@@ -24,11 +24,11 @@ Words deniedWords(const ServerProblem &problem)
                 u"Check the name of the database. On the server, harrowby-server create makes one."_s};
     if (problem.state == "28000"_L1 && problem.reason.contains("no encryption"_L1))
         return {u"The server lets nobody in whose connection is not encrypted"_s,
-                u"Install on this machine what harrowby-server add-till has written, or add sslmode=verify-full to the "
-                "address."_s};
+                u"Install on this machine what harrowby-server add-till or add-office has written, or add "
+                "sslmode=verify-full to the address."_s};
     return {u"The server does not let this machine in"_s,
-            u"Check the user's name and the password. On the server, harrowby-server add-till NAME --new-password "
-            "writes a new one, to be installed on this machine."_s};
+            u"Check the user's name and the password. On the server, harrowby-server add-till NAME --new-password, or "
+            "add-office for an office, writes a new one, to be installed on this machine."_s};
 }
 
 Words wayWords(const ServerProblem &problem)
@@ -41,15 +41,15 @@ Words wayWords(const ServerProblem &problem)
     case Kind::BadTarget:
         return {u"The address of the store leads nowhere"_s,
                 u"Check what stands behind --database. A service is described in the file .pg_service.conf in your "
-                "home folder, which harrowby-server add-till writes."_s};
+                "home folder, which harrowby-server add-till and add-office write."_s};
     case Kind::NoServer:
         return {u"The server cannot be reached"_s,
                 u"See whether it is switched on, and whether this machine is on the shop's network; then start "
                 "again."_s};
     case Kind::NotTrusted:
         return {u"It is not certain that this is the shop's own server"_s,
-                u"Install on this machine what harrowby-server add-till has written on the server: the certificate of "
-                "the shop is part of it."_s};
+                u"Install on this machine what harrowby-server add-till or add-office has written on the server: the "
+                "certificate of the shop is part of it."_s};
     default:
         return deniedWords(problem);
     }

@@ -64,9 +64,10 @@ bool isTriedAgain(const DbFailure &failure)
 QString serverAdvice(const QString &state, const QString &again)
 {
     if (state == u"08001"_s || state == u"08006"_s || state == u"57014"_s)
-        return u"See whether the server is switched on, and this till on the shop's network, %1."_s.arg(again);
+        return u"See whether the server is switched on, and this machine on the shop's network, %1."_s.arg(again);
     if (state == u"08004"_s || state.startsWith(u"28"_s))
-        return u"The server does not let this till in any more. Install there what harrowby-server add-till writes."_s;
+        return u"The server does not let this machine in any more. Install here what harrowby-server add-till or "
+               "add-office writes."_s;
     if (state == u"25006"_s)
         return u"This server is a standby. If the shop's server has died, run harrowby-server promote, %1."_s.arg(
             again);
