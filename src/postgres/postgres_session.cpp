@@ -47,6 +47,7 @@ PgSession &PgSession::operator=(PgSession &&other) noexcept
     close();
     m_waits = std::move(other.m_waits);
     m_server = std::move(other.m_server);
+    m_lockWait = other.m_lockWait;
     m_link = std::move(other.m_link);
     return *this;
 }
@@ -113,6 +114,28 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
 {
     if (std::optional<PgError> error = refusal(statements))
         return Unexpected(*std::move(error));
+    m_hasMetLock = false;
+    QElapsedTimer took;
+    took.start();
+    auto results = runUntilFree(statements, budget);
+    if (m_hasMetLock)
+        m_lockWait += milliseconds(took.elapsed());
+    return results;
+}
+
+PgError PgSession::refuseAnswer()
+{
+    close();
+    return {Kind::Lost, {}, u"The server has answered otherwise than it was asked"_s, true};
+}
+
+milliseconds PgSession::takeLockWait()
+{
+    return std::exchange(m_lockWait, milliseconds::zero());
+}
+
+Result<PgResults, PgError> PgSession::runUntilFree(const QByteArray &statements, const PgBudget &budget)
+{
     const milliseconds limit = postgres::lockLimit(budget.answer);
     const bool isAlone = m_link->isIdle();
     const QDeadlineTimer lock(budget.lock);
@@ -120,11 +143,12 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
         const milliseconds time = std::min(limit, milliseconds(lock.remainingTime()));
         const QByteArray text = limited(statements, time, postgres::lockLimit(m_waits.answer));
         Result<PgResults, PgError> results = m_link->exchange(text, budget.answer, what);
-        if (results && text.size() > statements.size()) {
+        const bool isLimited = text.size() > statements.size();
+        if (results && results->size() < (isLimited ? 2 : 1))
+            return Unexpected(refuseAnswer());
+        if (results && isLimited)
             results->erase(results->begin()); // of the limit
-            if (results->empty())
-                return Unexpected(m_link->noAnswer());
-        }
+        m_hasMetLock = m_hasMetLock || (!results && results.error().kind == Kind::LockTimedOut);
         if (results || !isAlone || isLost())
             return results;
         const bool isOver = !isPassing(results.error().kind) || lock.hasExpired();

@@ -10,7 +10,9 @@
 
 #include <QByteArray>
 
+#include <chrono>
 #include <memory>
+#include <optional>
 
 namespace harrowby {
 
@@ -47,6 +49,10 @@ public:
     /// again until that time is over, when it began outside a transaction.
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements, const PgBudget &budget);
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements); ///< with the waits of connect()
+    /// Of an answer that does not fit what was run: the session is closed, and this is what to say.
+    [[nodiscard]] PgError refuseAnswer();
+    /// How long others' locks have been waited for since this was asked last, as far as the server has told of them.
+    [[nodiscard]] std::chrono::milliseconds takeLockWait();
 
     /// Starts a SELECT, or several statements with the last of its rows in mind, whose rows are fetched one by one. The
     /// columns are there when it returns.
@@ -55,10 +61,13 @@ public:
 
 private:
     [[nodiscard]] PgBudget usualBudget() const;
+    [[nodiscard]] Result<PgResults, PgError> runUntilFree(const QByteArray &statements, const PgBudget &budget);
     [[nodiscard]] std::optional<PgError> refusal(const QByteArray &statements);
 
     PgWaits m_waits;
     PgServer m_server;
+    std::chrono::milliseconds m_lockWait{0};
+    bool m_hasMetLock = false;                    ///< in the text that is run
     std::shared_ptr<postgres::ServerLink> m_link; ///< null: none. Shared with the rows that are being fetched
 };
 

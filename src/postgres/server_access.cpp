@@ -93,8 +93,6 @@ Result<PgResults, PgError> ServerAccess::read(const QByteArray &statements)
 /// Whether another try may do better, and the action has time for it. Waits a little then.
 bool ServerAccess::goesOnAfter(const PgError &error)
 {
-    if (error.kind == Kind::LockTimedOut)
-        m_time.spendLock(m_time.waited());
     if (error.kind == Kind::GivenUp)
         m_time.giveUp();
     if (!mayPass(error))

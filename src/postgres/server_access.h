@@ -36,12 +36,15 @@ public:
         m_time.beginStatement();
         for (;;) {
             auto result = tryOnce();
+            noteLocks();
             if (result || !goesOnAfter(result.error()))
                 return result;
         }
     }
 
     [[nodiscard]] PgSession &session() { return m_session; }
+    /// Counts what the session has waited for others' locks to the action.
+    void noteLocks() { m_time.spendLock(m_session.takeLockWait()); }
     /// Of the next statement.
     [[nodiscard]] PgBudget budget() const;
     /// For a further session on the same server.

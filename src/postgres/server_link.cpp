@@ -181,17 +181,9 @@ Result<PgResults, PgError> ServerLink::collect(std::chrono::milliseconds answer,
     }
     if (!error && m_isUnconfirmed)
         error = PgError{PgError::Kind::NotConfirmed, {}, u"No standby has confirmed it"_s, true};
-    if (!error && results.empty())
-        error = noAnswer();
     if (error)
         return Unexpected(*std::move(error));
     return results;
-}
-
-PgError ServerLink::noAnswer()
-{
-    close();
-    return {PgError::Kind::Lost, {}, u"The server has answered otherwise than it was asked"_s, true};
 }
 
 PgError ServerLink::failureOf(const pg_result *result)

@@ -56,8 +56,6 @@ public:
                                                       PgWaiting what);
     /// The error of a result that failed; the connection is closed when it has ended.
     [[nodiscard]] PgError failureOf(const pg_result *result);
-    /// Of an answer that does not fit what was asked; the connection is closed, as the next one would not fit either.
-    [[nodiscard]] PgError noAnswer();
     /// Takes what still comes of a text whose results nobody wants.
     void drain(std::chrono::milliseconds answer);
     /// Cancels what is under way, and drains it.

@@ -135,11 +135,13 @@ ActionAnswer SessionActions::run(const QByteArray &statements, bool endsTransact
     const Result<PgResults, PgError> results = m_session.run(statements, budget());
     if (!results)
         return failed(results.error());
+    const std::size_t behind = endsTransaction ? 2 : 1;
+    if (results->size() < behind)
+        return failed(m_session.refuseAnswer());
     ActionAnswer answer{Heard::Done, 0, {}};
-    if (!results->empty() && results->back().rowCount() > 0)
+    if (results->back().rowCount() > 0)
         answer.value = results->back().text(0, 0).toByteArray().toLongLong();
-    if (!results->empty())
-        answer.changed = results->at(results->size() - (endsTransaction ? 2 : 1)).affectedRows();
+    answer.changed = results->at(results->size() - behind).affectedRows();
     return answer;
 }
 

@@ -103,6 +103,8 @@ Result<PgResults, PgError> Transaction::beginOnce(const QByteArray &first)
             return Unexpected(std::move(reached).error());
         return access.session().run(text, access.budget());
     });
+    if (results && results->size() < static_cast<std::size_t>(before.size()))
+        return Unexpected(access.session().refuseAnswer());
     if (results)
         results->erase(results->begin(), results->begin() + before.size());
     else
@@ -147,7 +149,9 @@ Result<PgResults, PgError> Transaction::runOnce(const QByteArray &statements)
     if (!access.session().isInTransaction())
         return Unexpected(broken());
     access.time().beginStatement();
-    return access.session().run(statements, access.budget());
+    auto results = access.session().run(statements, access.budget());
+    access.noteLocks();
+    return results;
 }
 
 /// Whether the work can be run again, and another try may do better.
@@ -157,8 +161,6 @@ bool Transaction::goesOnAfter(const PgError &error)
         return false;
     if (mayPass(error))
         return !m_writer.access().time().isOver();
-    if (error.kind == Kind::LockTimedOut)
-        m_writer.access().time().spendLock(m_writer.access().time().waited());
     const bool hasCollided = error.kind == Kind::Deadlock || error.kind == Kind::LockTimedOut;
     return hasCollided && ++m_collisions <= mostCollisions && m_writer.access().budget().lock.count() > 0;
 }

@@ -127,13 +127,12 @@ Actions::End Writer::write(const Write &write)
 Actions::End Writer::ended(Actions::End end) const
 {
     ActionTime &time = m_access.time();
+    m_access.noteLocks();
     if (end.outcome != Outcome::Refused)
         time.noteWrite();
     if (end.outcome == Outcome::Done)
         return end;
-    if (end.error.kind == Kind::LockTimedOut)
-        time.spendLock(time.waited());
-    else if (isTrouble(end.error) || end.outcome == Outcome::Unknown)
+    if (isTrouble(end.error) || end.outcome == Outcome::Unknown)
         time.giveUp(); // its own time is used up, and the action's with it
     return end;
 }

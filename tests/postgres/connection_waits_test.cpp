@@ -32,6 +32,7 @@ private Q_SLOTS:
     void serverComesBack();
     void failsWhileItIsAway();
     void anothersLock();
+    void locksOfAnActionTogether();
     void stoppedServer();
     void givesUp();
     void actionEndsWithTheEventLoop();
@@ -118,6 +119,35 @@ void ConnectionWaitsTest::anothersLock()
     m_server->cluster.sql(u"rollback"_s);
     m_connection->beginAction();
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+}
+
+/// One time for all of them, also for those that were got in the end.
+void ConnectionWaitsTest::locksOfAnActionTogether()
+{
+    PostgresOptions options = m_server->options();
+    options.silence = 1'000ms;
+    options.lock = 5'000ms;
+    PostgresConnection till(m_server->cluster.conninfo(), options);
+    QVERIFY(!till.open());
+    const QString change = u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s;
+    m_server->cluster.sql(change);
+    QElapsedTimer took;
+    bool isHeld = true;
+    till.setWaitHook([&](const DbWait &) {
+        if (isHeld && took.elapsed() > 3'500)
+            m_server->cluster.sql(u"rollback"_s), isHeld = false;
+        return true;
+    });
+    till.beginAction();
+    took.start();
+    QVERIFY(till.Execute(statements::raiseStock(1, u"1"_s).sql()));
+    till.setWaitHook({});
+    m_server->cluster.sql(change);
+    took.restart();
+    QVERIFY(!till.Execute(statements::raiseStock(1, u"1"_s).sql()));
+    m_server->cluster.sql(u"rollback"_s);
+    QVERIFY2(took.elapsed() < 3'500, qPrintable(QString::number(took.elapsed()))); // 1,500 are left
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
 }
 

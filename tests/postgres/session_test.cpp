@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/postgres_session.h"
+#include "postgres/session_actions.h"
 #include "tests/postgres/scripted_server.h"
 #include "tests/program/test_program.h"
 
@@ -227,9 +228,11 @@ void SessionTest::aCommitThatNoStandbyConfirmedIsTold()
 void SessionTest::aLockIsAskedForAgain()
 {
     for (const QByteArray &state : {QByteArray("55P03"), QByteArray("40P01")}) {
-        Desk desk(say(ScriptedServer::error(state, "not now") + ScriptedServer::ready()));
+        Desk desk({{ScriptedServer::error(state, "not now") + ScriptedServer::ready()}, Then::Wait, 60});
         QVERIFY(desk.session.run("update"));
         QCOMPARE(desk.server.statements(), (QByteArrayList{"update", "update"}));
+        QCOMPARE(desk.session.takeLockWait() >= 60ms, state == "55P03"); // also when it was got in the end
+        QCOMPARE(desk.session.takeLockWait(), 0ms);
     }
 }
 
@@ -250,6 +253,7 @@ void SessionTest::aLockThatIsNeverFreeIsToldAsOne()
     QVERIFY(!session.isLost());
     QVERIFY(server.statements().size() > 1);
     QCOMPARE(waited.last(), PgWaiting::Lock);
+    QVERIFY(session.takeLockWait() >= 150ms);
 }
 
 void SessionTest::whatIsLeftForLocksIsTheServersLimit()
@@ -316,6 +320,12 @@ void SessionTest::whatIsNoAnswerIsToldAsABreak()
 
     Desk fewer(say(ScriptedServer::done("UPDATE 1") + ScriptedServer::ready())); // no word about the limit
     QCOMPARE(errorOf(fewer.session.run("update", {60s, 0s})).kind, Kind::Lost);
+
+    Desk held(say(ScriptedServer::done("BEGIN") + ScriptedServer::ready('T')));
+    QVERIFY(held.session.run("begin"));
+    postgres::SessionActions actions(held.session, [] { return Result<void, PgError>(); });
+    actions.setBudget({60s, 60s});
+    QCOMPARE(actions.act({}, {{}, "update", {}}).heard, postgres::Heard::Lost); // one answer to three statements
 }
 
 void SessionTest::aClosedSessionRunsNothing()
