@@ -98,12 +98,29 @@ bool isByDay(const QStringList &conditions)
                        [](const QString &one) { return one.startsWith(u"substr(purchaseddate,1,6)"); });
 }
 
+/// A file looks for what begins like this in an index that knows no capitals.
+bool isByBeginning(const QStringList &conditions)
+{
+    static const QRegularExpression like(u"^stockidlike\\?(escape\\?)?$"_s);
+    return conditions.size() == 1 && like.match(conditions.front()).hasMatch();
+}
+
+/// A file reads a single column from an index that holds it, when there is one, and never from the table.
+QString orderOfOneColumn(const SqlTokens &tokens, const Clauses &clauses)
+{
+    static const QStringList indexed{u"inventorycategory categoryname"_s, u"purchasecart purchaseid"_s,
+                                     u"stocklist stockid"_s};
+    const QString column = tokens.plain(1).toLower();
+    const bool isIndexed = clauses.from == 2 && indexed.contains(clauses.table + u' ' + column);
+    return isIndexed ? column + u" nulls first, "_s : QString();
+}
+
 /// What an unordered list of one table is ordered by before the order in which its rows were added; empty or ending
 /// with a comma. It follows the indexes of a store file (app/shop/schema.cpp).
 QString orderOfFile(const SqlTokens &tokens, const Clauses &clauses)
 {
     if (clauses.where == clauses.group)
-        return {};
+        return orderOfOneColumn(tokens, clauses);
     const Span all{clauses.where + 1, clauses.group};
     const QList<Span> alternatives = split(tokens, all, "or"_L1);
     if (alternatives.size() > 1)
@@ -111,6 +128,8 @@ QString orderOfFile(const SqlTokens &tokens, const Clauses &clauses)
     const QStringList conditions = shapes(tokens, split(tokens, all, "and"_L1));
     if (clauses.table == u"stocklist" && isByName(conditions))
         return u"StockName nulls first, "_s;
+    if (clauses.table == u"stocklist" && isByBeginning(conditions))
+        return u"lower(StockID) nulls first, "_s;
     if (const QString column = columnOfList(conditions); clauses.table == u"stocklist" && !column.isEmpty())
         return column + u" nulls first, "_s;
     if (clauses.table == u"purchasecart" && isByDay(conditions))

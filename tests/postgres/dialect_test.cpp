@@ -262,10 +262,14 @@ void TestDialect::orderOfTheFile_data()
     row("login", login(u"A"_s, u"B"_s).sql(), byId);
     row("settings", storeSettings().sql(), byId);
     row("categories", categories().sql(), byId);
+    row("names of categories", u"select CategoryName from InventoryCategory"_s,
+        u" order by categoryname nulls first, rowid_"_s);
     row("categories by name", categoriesByName().sql(), u" nulls first, rowid_"_s);
     row("stock by ID", stockById(u"A"_s).sql(), byId);
     row("all stock", allStock().sql(), byId);
     row("automatic ID", automaticIdCount(u"A"_s).sql(), {});
+    row("IDs that begin like this", u"Select StockID from StockList where StockID like 'A-%'"_s,
+        u" order by lower(StockID) nulls first, rowid_"_s);
     row("same stock", sameStock(u"A"_s, u"B"_s).sql(),
         u" order by case when StockID = 'A' then 0 when UPPER(StockName) = 'B' then 1 end, rowid_"_s);
     row("same name", sameStockName(u"A"_s).sql(), byId);

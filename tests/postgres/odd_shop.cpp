@@ -210,6 +210,19 @@ QStringList OddShop::officeSelects()
         u"select Dates, SystemUsage from SysUsage where Dates is not null"_s + page,
         u"select Dates, SystemUsage from SysUsage where Dates is null order by SystemUsage"_s,
         u"select 1 from Users where upper(Username) = 'MARY'"_s,
+        u"select Username from Users where Username <> ''"_s,
+        u"SELECT UPPER(Username), InventoryUse, InventoryReorder, UPPER(Password) FROM Users WHERE Type <> 'VIEWER'"_s,
+        u"SELECT UPPER(Username), InventoryUse FROM Users WHERE Type <> 'VIEWER' AND UPPER(Username) = 'MARY'"_s,
+        u"SELECT Username, Type FROM Users ORDER BY Username"_s,
+        u"select CategoryName from InventoryCategory"_s,
+        u"select StockID from StockList limit 1"_s,
+        u"select PurchaseID from PurchaseCart"_s,
+        u"select StockID from StockList where StockID like 'abc-%' escape '\\'"_s,
+        u"select StockID, StockName, StockUse from StockList where StockID = %1 or UPPER(StockName) = 'TEA'"_s.arg(id),
+        u"select PurchasedItems, PurchasedItemsCost, PurchasedDate, Users from PurchaseCart where PurchaseID = "_s + id,
+        u"select PurchaseID, PurchasedItemsCost, Users from PurchaseCart where substr(PurchasedDate, 1, 6) >= '261121' "
+        "and substr(PurchasedDate, 1, 6) <= '261130'"_s,
+        u"select max(PurchasedDate) from PurchaseCart where substr(PurchasedDate,1,6) = '261121'"_s,
         u"SELECT max(substr(PurchasedDate,1,6)) FROM PurchaseCart"_s};
 }
 
