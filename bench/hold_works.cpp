@@ -73,6 +73,7 @@ public:
 
 private:
     bool hold();
+    void chooseHeld();
     bool recall();
     void dropRaw();
 
@@ -83,6 +84,7 @@ private:
     app::HeldCarts m_carts{*m_records};
     app::CartHolder m_holder{harrowby::Counter::instance(), m_carts};
     QStringList m_keys;
+    QString m_chosen; ///< to be recalled
 };
 
 bool HoldBench::hold()
@@ -91,15 +93,20 @@ bool HoldBench::hold()
     return m_holder.hold(heldAs) == app::CartHolder::Held::Done && watch.wait() && m_till.cartLines() == 0;
 }
 
-bool HoldBench::recall()
+/// As the list shows it, from which it is chosen.
+void HoldBench::chooseHeld()
 {
     const auto carts = m_carts.list();
-    if (!carts || carts->isEmpty() || carts->constLast().word != heldAs)
-        return false;
+    require(carts && !carts->isEmpty() && carts->constLast().word == heldAs, u"the list of held carts"_s);
+    m_chosen = carts->constLast().id;
+}
+
+bool HoldBench::recall()
+{
     PaintWatch watch{m_till.window().controls().LV3->viewport(), m_till.window().controls().Label5};
     std::vector<CounterMisfit> misfits;
-    return m_holder.recall(carts->constLast().id, misfits) == app::HeldCarts::Taken::Done && watch.wait() &&
-           misfits.empty() && m_till.cartLines() == linesHeld;
+    return m_holder.recall(m_chosen, misfits) == app::HeldCarts::Taken::Done && watch.wait() && misfits.empty() &&
+           m_till.cartLines() == linesHeld;
 }
 
 /// What the statements by hand have held.
@@ -120,12 +127,16 @@ std::vector<Line> HoldBench::run()
         [this] { return timed([this] { return hold(); }); }, [this] { return holdStatements(m_keys); },
         [this] {
             dropRaw();
-            require(m_till.cartLines() > 0 || recall(), u"recall"_s);
+            if (m_till.cartLines() > 0)
+                return;
+            chooseHeld();
+            require(recall(), u"recall"_s);
         });
     const auto heldAgain = [this] {
         dropRaw();
         checked(m_store.rawMs(holdStatements(m_keys)), u"hold by hand"_s);
         require(m_till.cartLines() == 0 || hold(), u"hold"_s);
+        chooseHeld();
     };
     m_measuring.measure(
         u"recall it until cart and total are painted"_s, {{1.5, 2.0}},

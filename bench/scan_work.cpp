@@ -9,6 +9,7 @@
 #include "bench/paint_watch.h"
 #include "bench/statement_lists.h"
 #include "bench/till.h"
+#include "store/statement_texts.h"
 #include "ui/widgets/quick_sale_button.h"
 #include "ui/widgets/row_list.h"
 
@@ -109,7 +110,9 @@ RawStatements ScanDesk::statements(const QString &code, const QString &key, cons
                          {"select c.StockID, c.Units, s.StockName from HarrowbyCode c "
                           "left join StockList s on s.StockID = c.StockID where c.Code in (?)",
                           {"StockID", "Units", "StockName"},
-                          {code.toUtf8()}}} +
+                          {code.toUtf8()}},
+                         readRows(statements::stockById(GetIDName(key, KeyPiece::Id)),
+                                  {"StockID", "StockName", "StockUse", "StockAvailable", "StockCost"})} +
            pressStatements(key, now);
 }
 

@@ -30,7 +30,7 @@ public:
     void type(const QString &code);
     /// Enter, the last key of a scan; ends when cart and total are painted, false when that did not happen.
     bool end();
-    /// Finding the code, and the press of the item's button.
+    /// Finding the code, looking at its item, and the press of the item's button.
     [[nodiscard]] static RawStatements statements(const QString &code, const QString &key, const QDateTime &now);
 
 private:

@@ -20,6 +20,18 @@ bool isLimited(const QString &text)
     return text.contains(" limit "_L1, Qt::CaseInsensitive);
 }
 
+/// Whether nothing but reading its rows tells how many there are.
+bool isFiltered(const QString &text)
+{
+    return text.contains(" where "_L1, Qt::CaseInsensitive);
+}
+
+/// A text is looked for in every item, which takes far longer than to hold those that are found.
+bool isSearch(const QString &text)
+{
+    return text.contains("harrowby_finds("_L1) || text.contains(" like "_L1, Qt::CaseInsensitive);
+}
+
 /// What a counting SELECT has yielded.
 std::int64_t countIn(const PgResult &result)
 {
@@ -143,10 +155,21 @@ std::shared_ptr<PgSession> Reader::sessionToWalk()
     return session->connect(m_access.targetBeside(), m_access.waits()) ? session : nullptr;
 }
 
+/// One result, which is its own count.
+std::unique_ptr<DbCursor> Reader::shortList(const QString &select)
+{
+    auto cursor = whole(select);
+    if (cursor)
+        m_habits.noteList(select, cursor->rowCount().value_or(0));
+    return cursor;
+}
+
 std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
 {
     m_access.time().beginStatement();
     const std::optional<QString> text = serverText(select);
+    if (text && isCounted && isFiltered(*text) && (isSearch(*text) || m_habits.isShortList(select)))
+        return shortList(select);
     const ServerText counting = isCounted ? countText(select, search()) : ServerText(QString());
     std::shared_ptr<PgSession> session = text && counting ? sessionToWalk() : nullptr;
     if (!session)
@@ -158,6 +181,7 @@ std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
     std::optional<std::int64_t> found;
     if (isCounted && rows->next() == PgRows::Step::Row) {
         found = rows->text(0).toLongLong();
+        m_habits.noteList(select, *found);
         static_cast<void>(rows->next());
         static_cast<void>(rows->nextSelect());
     }

@@ -46,6 +46,7 @@ private:
     [[nodiscard]] Rows rows(const QString &select);
     [[nodiscard]] std::unique_ptr<DbCursor> firstAndCount(const QString &select, const QString &text);
     [[nodiscard]] std::shared_ptr<PgSession> sessionToWalk();
+    [[nodiscard]] std::unique_ptr<DbCursor> shortList(const QString &select);
     [[nodiscard]] std::unique_ptr<DbCursor> walkElsewhere(const QString &select, const PgError &error);
     void refuse(const QString &select, const QString &reason);
 

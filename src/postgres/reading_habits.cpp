@@ -24,27 +24,35 @@ QString ReadingHabits::shapeOf(const QString &select)
     return shape;
 }
 
-void ReadingHabits::learn(const QString &select)
+void ReadingHabits::learn(QSet<QString> &shapes, const QString &select)
 {
-    if (m_whole.size() >= mostShapes)
-        m_whole.clear();
-    m_whole.insert(shapeOf(select));
+    if (shapes.size() >= mostShapes)
+        shapes.clear();
+    shapes.insert(shapeOf(select));
 }
 
 void ReadingHabits::noteCount(const QString &select, std::int64_t rows)
 {
     if (rows <= firstRows)
-        learn(select);
+        learn(m_whole, select);
 }
 
 void ReadingHabits::noteAllWanted(const QString &select)
 {
-    learn(select);
+    learn(m_whole, select);
 }
 
 void ReadingHabits::noteRestUnwanted(const QString &select)
 {
     m_whole.remove(shapeOf(select));
+}
+
+void ReadingHabits::noteList(const QString &select, std::int64_t rows)
+{
+    if (rows <= shortListRows)
+        learn(m_shortLists, select);
+    else
+        m_shortLists.remove(shapeOf(select));
 }
 
 } // namespace harrowby::postgres

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void shortOnesAreReadWhole();
     void usedOnesAreReadWhole();
     void unusedOnesNoMore();
+    void shortListsAreReadAtOnce();
 
 private:
     std::chrono::milliseconds m_now{1'000'000};
@@ -132,6 +133,20 @@ void ActionTimeTest::unusedOnesNoMore()
     habits.noteCount(u"Select * from StockList where StockCategory = 'A'"_s, 3);
     habits.noteRestUnwanted(u"Select * from StockList where StockCategory = 'B'"_s);
     QVERIFY(!habits.isReadWhole(u"Select * from StockList where StockCategory = 'A'"_s));
+}
+
+/// What is counted by reading it is read once, as long as it was short the last time.
+void ActionTimeTest::shortListsAreReadAtOnce()
+{
+    const QString drinks = u"Select * from StockList where StockCategory = 'DRINKS'"_s;
+    const QString food = u"Select * from StockList where StockCategory = 'FOOD'"_s;
+    ReadingHabits habits;
+    QVERIFY(!habits.isShortList(drinks));
+    habits.noteList(drinks, ReadingHabits::shortListRows);
+    QVERIFY(habits.isShortList(food));
+    QVERIFY(!habits.isReadWhole(food));
+    habits.noteList(food, ReadingHabits::shortListRows + 1);
+    QVERIFY(!habits.isShortList(drinks));
 }
 
 HARROWBY_CORE_TEST(action_time_test, ActionTimeTest)

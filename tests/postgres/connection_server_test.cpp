@@ -37,6 +37,7 @@ private Q_SLOTS:
     void walksBesideOtherWork();
     void walksSeeOneMoment();
     void fourthListIsReadWhole();
+    void searchLooksOnce();
     void walkThatIsLeft();
     void reordersLoseNothing();
     void purchaseIdIsHeld();
@@ -254,6 +255,37 @@ void ConnectionServerTest::fourthListIsReadWhole()
     walks.clear();
     QVERIFY(m_connection->queryAs(u"Select * from StockList"_s, DbReading::Walk));
     QCOMPARE(sessions(), before + 3); // one of them again
+    QVERIFY(m_server->failures.empty());
+}
+
+/// It looks through every item, and does so once: on the till's own session, without counting before.
+void ConnectionServerTest::searchLooksOnce()
+{
+    m_server->refill(5'000);
+    PostgresOptions wanted = m_server->options();
+    wanted.findsAnywhere = [] { return true; };
+    m_connection = std::make_shared<PostgresConnection>(m_server->cluster.conninfo(), wanted);
+    QVERIFY(!m_connection->open());
+    const auto sessions = [&] {
+        return m_server->cluster.sql(
+            u"select count(*) from pg_stat_activity where application_name like 'harrowby%'"_s);
+    };
+    const QStringList before = sessions();
+    for (const auto &[text, count] : {std::pair(u"TEM 0049"_s, 100), std::pair(u"NONE"_s, 0)}) {
+        DbRecordset found;
+        found.Open(statements::searchStock(text), m_connection, Access::Walk);
+        QCOMPARE(found.RecordCount(), count);
+        QCOMPARE(sessions(), before);
+    }
+    const auto category = [&] {
+        DbRecordset items;
+        items.Open(statements::stockItems(false, u"DRINKS"_s), m_connection, Access::Walk);
+        return items.RecordCount();
+    };
+    QCOMPARE(category(), 5'000);
+    const QStringList walked = sessions(); // nothing was known of that list yet
+    QCOMPARE(category(), 5'000);
+    QCOMPARE(sessions(), walked);
     QVERIFY(m_server->failures.empty());
 }
 
