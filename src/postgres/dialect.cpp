@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -80,23 +81,35 @@ void putEscape(const SqlTokens &tokens, qsizetype like, Edits &edits)
     edits.replace(begin, tokens.at(like + 3).begin + tokens.at(like + 3).length - begin, {});
 }
 
-/// `UPPER(column) like '*TEXT*'`, from its first word on: the text may stand anywhere.
-void putSearch(const SqlTokens &tokens, qsizetype upper, Edits &edits)
+/// Tokens of `UPPER(column) like '*TEXT*'`.
+constexpr qsizetype sizeOfSearch = 6;
+
+/// TEXT of such a condition that begins at this token; nothing where none does.
+std::optional<QString> searchedText(const SqlTokens &tokens, qsizetype upper)
 {
-    constexpr qsizetype size = 6;
-    const qsizetype pattern = upper + size - 1;
+    const qsizetype pattern = upper + sizeOfSearch - 1;
     if (!tokens.is(upper, "upper"_L1) || !tokens.is(upper + 1, "("_L1) || !tokens.isName(upper + 2) ||
         !tokens.is(upper + 3, ")"_L1) || !tokens.is(upper + 4, "like"_L1) ||
         !tokens.isKind(pattern, TokenKind::Literal))
-        return;
+        return {};
     const QString text = tokens.plain(pattern);
     if (text.size() < 2 || !text.startsWith(u'*') || !text.endsWith(u'*'))
+        return {};
+    return text.sliced(1, text.size() - 2);
+}
+
+/// The text may stand anywhere.
+void putSearch(const SqlTokens &tokens, qsizetype upper, Edits &edits)
+{
+    const std::optional<QString> text = searchedText(tokens, upper);
+    if (!text)
         return;
+    const qsizetype pattern = upper + sizeOfSearch - 1;
     const QString column =
         tokens.isKind(upper + 2, TokenKind::Name) ? quotedName(tokens.plain(upper + 2)) : tokens.plain(upper + 2);
     const qsizetype begin = tokens.at(upper).begin;
     edits.replace(begin, tokens.at(pattern).begin + tokens.at(pattern).length - begin,
-                  u"harrowby_finds(%1, %2)"_s.arg(literal(text.sliced(1, text.size() - 2)), column));
+                  u"harrowby_finds(%1, %2)"_s.arg(literal(*text), column));
 }
 
 /// What every statement needs.
@@ -161,6 +174,18 @@ ServerText selectText(const QString &statement, Search search)
     orderRows(*tokens, Clauses(*tokens), edits);
     putSelect(*tokens, search, edits);
     return edits.appliedTo(tokens->statement());
+}
+
+bool searches(const QString &select)
+{
+    if (!select.contains("like"_L1, Qt::CaseInsensitive)) // hardly any has
+        return false;
+    const auto tokens = SqlTokens::of(select);
+    for (qsizetype token = 0; tokens && token < tokens->count(); ++token) {
+        if (searchedText(*tokens, token))
+            return true;
+    }
+    return false;
 }
 
 ServerText countText(const QString &select, Search search)

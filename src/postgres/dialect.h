@@ -27,6 +27,9 @@ using ServerText = Result<QString, QString>;
 /// the file's index. A `Select *` yields the row's identity (identityColumn) in its last column.
 [[nodiscard]] ServerText selectText(const QString &statement, Search search = Search::AsWritten);
 
+/// Whether the till's search is in this SELECT, so that Search makes a difference to it.
+[[nodiscard]] bool searches(const QString &select);
+
 /// The SELECT whose one value is the number of rows that this one yields; nothing is sorted for it.
 [[nodiscard]] ServerText countText(const QString &select, Search search = Search::AsWritten);
 

@@ -50,9 +50,11 @@ Reader::Reader(ServerAccess &access, Report report, std::function<bool()> findsA
 {
 }
 
-Search Reader::search() const
+/// To ask costs whoever answers a statement of his own.
+Search Reader::searchOf(const QString &select) const
 {
-    return m_findsAnywhere && m_findsAnywhere() ? Search::Anywhere : Search::AsWritten;
+    const bool isAnywhere = m_findsAnywhere && searches(select) && m_findsAnywhere();
+    return isAnywhere ? Search::Anywhere : Search::AsWritten;
 }
 
 void Reader::refuse(const QString &select, const QString &reason)
@@ -60,9 +62,9 @@ void Reader::refuse(const QString &select, const QString &reason)
     m_report(select, {PgError::Kind::Refused, {}, reason, false});
 }
 
-std::optional<QString> Reader::serverText(const QString &select)
+std::optional<QString> Reader::serverText(const QString &select, Search search)
 {
-    ServerText text = selectText(select, search());
+    ServerText text = selectText(select, search);
     if (text)
         return *std::move(text);
     refuse(select, text.error());
@@ -81,8 +83,13 @@ std::optional<PgResults> Reader::run(const QString &select, const QByteArray &st
 /// Null when it failed.
 Reader::Rows Reader::rows(const QString &select)
 {
-    const std::optional<QString> text = serverText(select);
-    auto results = text ? run(select, text->toUtf8()) : std::nullopt;
+    const std::optional<QString> text = serverText(select, searchOf(select));
+    return text ? rowsOf(select, *text) : nullptr;
+}
+
+Reader::Rows Reader::rowsOf(const QString &select, const QString &text)
+{
+    auto results = run(select, text.toUtf8());
     return results && !results->empty() ? shared(std::move(results->back())) : nullptr;
 }
 
@@ -98,11 +105,12 @@ std::unique_ptr<DbCursor> Reader::whole(const QString &select)
 std::unique_ptr<DbCursor> Reader::first(const QString &select)
 {
     m_latestFirst.clear();
-    const std::optional<QString> text = serverText(select);
+    const Search search = searchOf(select);
+    const std::optional<QString> text = serverText(select, search);
     if (!text)
         return nullptr;
     if (!isLimited(*text) && !m_habits.isReadWhole(select))
-        return firstAndCount(select, *text);
+        return firstAndCount(select, *text, search);
     auto results = run(select, text->toUtf8());
     if (!results || results->empty())
         return nullptr;
@@ -114,9 +122,9 @@ std::unique_ptr<DbCursor> Reader::first(const QString &select)
     });
 }
 
-std::unique_ptr<DbCursor> Reader::firstAndCount(const QString &select, const QString &text)
+std::unique_ptr<DbCursor> Reader::firstAndCount(const QString &select, const QString &text, Search search)
 {
-    const ServerText counting = countText(select, search());
+    const ServerText counting = countText(select, search);
     if (!counting)
         return refuse(select, counting.error()), nullptr;
     // One more than the first ones, as a cursor is asked for the row after them.
@@ -156,21 +164,24 @@ std::shared_ptr<PgSession> Reader::sessionToWalk()
 }
 
 /// One result, which is its own count.
-std::unique_ptr<DbCursor> Reader::shortList(const QString &select)
+std::unique_ptr<DbCursor> Reader::shortList(const QString &select, const QString &text)
 {
-    auto cursor = whole(select);
-    if (cursor)
-        m_habits.noteList(select, cursor->rowCount().value_or(0));
-    return cursor;
+    m_latestFirst.clear();
+    Rows found = rowsOf(select, text);
+    if (!found)
+        return nullptr;
+    m_habits.noteList(select, found->rowCount());
+    return std::make_unique<HeldRowsCursor>(std::move(found));
 }
 
 std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
 {
     m_access.time().beginStatement();
-    const std::optional<QString> text = serverText(select);
+    const Search search = searchOf(select);
+    const std::optional<QString> text = serverText(select, search);
     if (text && isCounted && isFiltered(*text) && (isSearch(*text) || m_habits.isShortList(select)))
-        return shortList(select);
-    const ServerText counting = isCounted ? countText(select, search()) : ServerText(QString());
+        return shortList(select, *text);
+    const ServerText counting = isCounted ? countText(select, search) : ServerText(QString());
     std::shared_ptr<PgSession> session = text && counting ? sessionToWalk() : nullptr;
     if (!session)
         return text ? whole(select) : nullptr;
@@ -206,7 +217,7 @@ std::unique_ptr<DbCursor> Reader::walkElsewhere(const QString &select, const PgE
 
 std::unique_ptr<DbCursor> Reader::held(HeldRead &held)
 {
-    const std::optional<QString> text = serverText(held.select);
+    const std::optional<QString> text = serverText(held.select, searchOf(held.select));
     auto results = text ? run(held.select, held.reading(*text)) : std::nullopt;
     if (results && !results->empty()) {
         held.rows = shared(std::move(results->back()));
@@ -220,7 +231,7 @@ std::unique_ptr<DbCursor> Reader::held(HeldRead &held)
 
 std::optional<std::int64_t> Reader::count(const QString &select)
 {
-    const ServerText text = countText(select, search());
+    const ServerText text = countText(select, searchOf(select));
     if (!text) {
         refuse(select, text.error());
         return {};
@@ -231,7 +242,7 @@ std::optional<std::int64_t> Reader::count(const QString &select)
 
 QString Reader::counting(const QString &select) const
 {
-    ServerText text = countText(select, search());
+    ServerText text = countText(select, searchOf(select));
     return text ? *std::move(text) : QString();
 }
 

@@ -40,13 +40,14 @@ public:
 private:
     using Rows = std::shared_ptr<const PgResult>;
 
-    [[nodiscard]] Search search() const;
-    [[nodiscard]] std::optional<QString> serverText(const QString &select);
+    [[nodiscard]] Search searchOf(const QString &select) const;
+    [[nodiscard]] std::optional<QString> serverText(const QString &select, Search search);
     [[nodiscard]] std::optional<PgResults> run(const QString &select, const QByteArray &statements);
     [[nodiscard]] Rows rows(const QString &select);
-    [[nodiscard]] std::unique_ptr<DbCursor> firstAndCount(const QString &select, const QString &text);
+    [[nodiscard]] Rows rowsOf(const QString &select, const QString &text);
+    [[nodiscard]] std::unique_ptr<DbCursor> firstAndCount(const QString &select, const QString &text, Search search);
     [[nodiscard]] std::shared_ptr<PgSession> sessionToWalk();
-    [[nodiscard]] std::unique_ptr<DbCursor> shortList(const QString &select);
+    [[nodiscard]] std::unique_ptr<DbCursor> shortList(const QString &select, const QString &text);
     [[nodiscard]] std::unique_ptr<DbCursor> walkElsewhere(const QString &select, const PgError &error);
     void refuse(const QString &select, const QString &reason);
 

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void refusesBeforeSending_data();
     void refusesBeforeSending();
     void oneRoundTripEach();
+    void choiceOfTheSearch();
     void countsWithoutReading();
     void walksBesideOtherWork();
     void walksSeeOneMoment();
@@ -169,6 +170,33 @@ void ConnectionServerTest::oneRoundTripEach()
     QCOMPARE(reorder, 2);
     QCOMPARE(m_server->stockOf(u"1"_s), u"16"_s);
     QVERIFY(m_server->failures.empty());
+}
+
+/// What it takes to ask is done for searches alone, and once for each.
+void ConnectionServerTest::choiceOfTheSearch()
+{
+    int asked = 0;
+    PostgresOptions options = m_server->options();
+    options.findsAnywhere = [&asked] { return ++asked > 0; };
+    const auto till = std::make_shared<PostgresConnection>(m_server->cluster.conninfo(), options);
+    QVERIFY(!till->open());
+    DbRecordset list;
+    for (const Access access : {Access::Read, Access::Edit, Access::Walk}) {
+        list.Open(statements::stockById(u"1"_s), till, access);
+        QCOMPARE(list.RecordCount(), 1);
+        list.Open(statements::allStock(), till, access);
+        QCOMPARE(list.RecordCount(), 3);
+    }
+    list.OpenHeld(statements::stockById(u"1"_s), till, Access::Edit);
+    list.Field(u"StockAvailable"_s).assign(7.0);
+    QCOMPARE(list.Update(), Outcome::Written);
+    QCOMPARE(asked, 0);
+    list.Open(statements::searchStock(u"TEM 000002"_s), till);
+    QCOMPARE(list.RecordCount(), 1);
+    QCOMPARE(asked, 1);
+    list.Open(statements::searchStock(u"TEM"_s), till, Access::Walk);
+    QCOMPARE(list.RecordCount(), 3);
+    QCOMPARE(asked, 2);
 }
 
 void ConnectionServerTest::countsWithoutReading()

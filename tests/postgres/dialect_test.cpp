@@ -25,6 +25,7 @@ private Q_SLOTS:
     void change_data();
     void change();
     void search();
+    void whatIsASearch();
     void values();
     void literalsStay();
     void refusal_data();
@@ -165,6 +166,17 @@ void TestDialect::search()
     QVERIFY(told(selectText(empty, Search::Anywhere)).contains(u"harrowby_finds('', StockID)"_s));
     const QString ids = statements::automaticIdCount(u"ABC"_s).sql();
     QCOMPARE(told(selectText(ids, Search::Anywhere)), ids);
+}
+
+void TestDialect::whatIsASearch()
+{
+    using namespace statements;
+    QVERIFY(searches(searchStock(u"A"_s).sql()));
+    QVERIFY(searches(searchStock({}).sql()));
+    QVERIFY(searches(u"Select 1 where upper([a]) like '*a*'"_s));
+    QVERIFY(!searches(stockById(u"upper(a) like '*a*'"_s).sql()));
+    QVERIFY(!searches(automaticIdCount(u"ABC"_s).sql()));
+    QVERIFY(!searches(u"Select 'like"_s));
 }
 
 void TestDialect::values()
