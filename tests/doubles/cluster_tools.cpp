@@ -76,15 +76,21 @@ QString missing()
     return {};
 }
 
+QString runFolder(const QString &ofBuild)
+{
+    return u"%1/%2"_s.arg(ofBuild).arg(::getppid());
+}
+
 QString parentFolder()
 {
-    return qEnvironmentVariable("HARROWBY_TEST_CLUSTERS", QDir::tempPath());
+    const QString ofRun = runFolder(qEnvironmentVariable("HARROWBY_TEST_CLUSTERS"));
+    return QFileInfo::exists(ofRun) ? ofRun : QDir::tempPath();
 }
 
 QString templateFolder()
 {
     const QString made = parentFolder() + u"/template"_s;
-    if (qEnvironmentVariableIsSet("HARROWBY_TEST_CLUSTERS") && QFileInfo::exists(made))
+    if (QFileInfo::exists(made))
         return made;
     static const QTemporaryDir own;
     if (!QFileInfo::exists(own.filePath(u"template"_s)))

@@ -16,10 +16,13 @@ namespace harrowby::test::cluster {
 /// Why the machine can have no private cluster; empty when it can.
 [[nodiscard]] QString missing();
 
-/// A folder that clusters are made in; the file system path of a socket in it is short enough.
+/// The folder of this test run's clusters below that of its build: named after the process that runs the tests, this
+/// one's parent, so that two runs at once have nothing in common.
+[[nodiscard]] QString runFolder(const QString &ofBuild);
+/// A folder that clusters are made in: the one of this run below the folder that the environment variable
+/// HARROWBY_TEST_CLUSTERS names, or the system's. The path of a socket in it is short enough.
 [[nodiscard]] QString parentFolder();
-/// A freshly initialised data folder to be copied: the one that the environment variable HARROWBY_TEST_CLUSTERS names,
-/// or one that this program makes once.
+/// A freshly initialised data folder to be copied: the one of this run, or one that this program makes once.
 [[nodiscard]] QString templateFolder();
 /// Makes it: FOLDER/template. Who runs servers must be able to pass through the folder.
 void makeTemplateIn(const QString &folder);

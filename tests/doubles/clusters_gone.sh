@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Ends what is left of the private clusters in FOLDER, and removes it. Fails when a server had outlived its test.
+# Ends what is left of this test run's private clusters below FOLDER, the build's, and removes their folder, which bears
+# the name of the process that runs the tests. Fails when a server had outlived its test.
 set -euo pipefail
-folder=$1
+folder=$1/$PPID
 
 left_processes() {
     for process in /proc/[0-9]*; do
@@ -22,4 +23,5 @@ for process in $left; do
     kill -KILL "$process" || true
 done
 rm -rf "$folder"
+rmdir "$1" 2>/dev/null || true # another run may be at work
 [ -z "$left" ]
