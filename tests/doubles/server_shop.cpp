@@ -73,11 +73,20 @@ SELECT md5(string_agg(concat_ws(' ', attrelid, attname, attnum, atttypid, attnot
 FROM pg_attribute WHERE attrelid >= 16384
 )"_L1;
 
-/// Everybody else leaves, within five seconds, and the tables are as they were made.
+/// Everybody else leaves, within five seconds, and the tables are as they were made. The server itself would look only
+/// every tenth of a second whether somebody has left.
 constexpr auto emptying = R"(
 ROLLBACK;
-SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity
+SELECT pg_terminate_backend(pid) FROM pg_stat_activity
 WHERE datname = current_database() AND pid <> pg_backend_pid() AND backend_type = 'client backend';
+DO $$
+BEGIN
+    FOR tries IN 1..5000 LOOP
+        EXIT WHEN NOT EXISTS (SELECT FROM pg_stat_activity WHERE datname = current_database() AND
+            pid <> pg_backend_pid() AND backend_type = 'client backend');
+        PERFORM pg_sleep(0.001), pg_stat_clear_snapshot();
+    END LOOP;
+END $$;
 DELETE FROM StockList; DELETE FROM InventoryCategory; DELETE FROM PurchaseCart; DELETE FROM StoreSettings;
 DELETE FROM Users; DELETE FROM SysUsage;
 DO $$
