@@ -103,6 +103,7 @@ write_invitation() {
     fi
     (umask 077 && tar -C "$folder" -cf "$file.new" "${files[@]}")
     mv "$file.new" "$file"
+    for_carrying "$file"
     rm -rf "$folder"
     say "Written: $file"
 }

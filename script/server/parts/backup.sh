@@ -34,7 +34,8 @@ do_backup() {
 make_places() {
     local place
     for place in "$1" "$1/base" "$1/log"; do
-        [ -d "$place" ] || as_owner_folder "$place"
+        [ -d "$place" ] || as_owner_folder "$place" 2>/dev/null ||
+            die "the server cannot be given the folder $place. It takes a disk that knows owners, such as one with ext4"
         as_owner test -w "$place" || die "the server cannot write into $place"
     done
     [ "$(stat -c %d "$1")" != "$(stat -c %d "$data")" ] ||

@@ -98,14 +98,13 @@ prepare() {
 
 # The server's programs: of the version that this machine's cluster has, else of the newest there is.
 find_server() {
-    local bin
+    local all=${HARROWBY_SERVER_PROGRAMS:-/usr/lib/postgresql} found
     if [ -z "${machine[version]:-}" ]; then
-        bin=$(find /usr/lib/postgresql -mindepth 1 -maxdepth 1 -name '[1-9][0-9]' 2>/dev/null | sort | tail -n 1)
-        machine[version]=${bin##*/}
+        found=$(compgen -G "$all/[1-9][0-9]" | sort | tail -n 1 || true) # none on a machine that is to become the server
+        machine[version]=${found##*/}
     fi
     version=${machine[version]}
-    bin=/usr/lib/postgresql/$version/bin
-    programs=$bin
+    programs=$all/$version/bin
     conf=$root/etc/postgresql/$version/$cluster
     data=$root/var/lib/postgresql/$version/$cluster
     server_log=$root/var/log/postgresql/postgresql-$version-$cluster.log
@@ -114,12 +113,29 @@ find_server() {
 need_server() {
     if [ -z "$version" ] || [ ! -x "$programs/postgres" ] || ! command -v openssl >/dev/null; then
         [ -z "$root" ] || die "the packages postgresql and openssl are missing"
-        say "Installing PostgreSQL ..."
-        DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends postgresql openssl </dev/null \
-            >/dev/null || die "the packages postgresql and openssl could not be installed"
+        install_postgresql
         find_server
     fi
-    [ "$version" -ge 15 ] || die "PostgreSQL $version is too old: it takes 15 or newer"
+    [ "${version:-0}" -ge 15 ] || die "PostgreSQL $version is too old: it takes 15 or newer"
+}
+
+# The package would make a cluster of its own, and give it the usual port.
+install_postgresql() {
+    local none=/etc/postgresql-common/createcluster.d/harrowby-server.conf
+    install -d -m 755 "${none%/*}"
+    echo 'create_main_cluster = false' >"$none"
+    install_packages postgresql openssl
+    rm -f "$none"
+}
+
+# The package lists may be missing or too old; they are fetched only when they do not serve.
+install_packages() {
+    say "Installing $* ..."
+    fetch_packages "$@" || { apt-get -qq update </dev/null >/dev/null && fetch_packages "$@"; } ||
+        die "these packages could not be installed: $*"
+}
+fetch_packages() {
+    DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "$@" </dev/null >/dev/null 2>&1
 }
 
 as_owner() {
@@ -146,11 +162,17 @@ put() {
     new=$(mktemp "$1.XXXXXX")
     cat >"$new"
     chmod "$2" "$new"
-    if [ "$(id -u)" -eq 0 ]; then
+    if [ "$(id -u)" -eq 0 ] && [ "$3" != root ]; then
         chown "$3:" "$new"
     fi
     sync_to_disk "$new"
     mv -f "$new" "$1"
+}
+
+# What goes to another machine belongs to whoever called sudo, who has to carry it. A stick may know no owners.
+for_carrying() {
+    [ "$(id -u)" -eq 0 ] && [ -n "${SUDO_UID:-}" ] || return 0
+    chown "$SUDO_UID:${SUDO_GID:-}" "$@" 2>/dev/null || true
 }
 
 load_machine() {

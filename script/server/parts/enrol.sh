@@ -18,6 +18,7 @@ add_login() {
     need_primary
     need_writable
     folder=$(absolute "${opt[to]:-$role}")
+    check_folder "$folder" "$role"
     if [ -z "$(sql -c "select 1 from pg_roles where rolname = '$role'")" ]; then
         check_room
         sql -c "create role \"$role\" login in role harrowby_$kind connection limit 8"
@@ -61,10 +62,20 @@ select string_agg($1::text, ',' order by name <> :'here', known_since) from harr
 SQL
 }
 
+# Nobody's way in is overwritten by another's.
+check_folder() {
+    local folder=$1 role=$2
+    [ ! -f "$folder/service" ] || grep -qx "user=$role" "$folder/service" ||
+        die "$folder is what $(sed -n 's/^user=//p' "$folder/service") needs; choose another folder with --to"
+}
+
 # Without a password the file on the till stays.
 write_login() {
     local folder=$1 role=$2 password=$3
-    install -d -m 700 "$folder"
+    [ -d "$folder" ] || {
+        install -d -m 700 "$folder"
+        for_carrying "$folder"
+    }
     put "$folder/service" 600 "$(id -un)" <<SERVICE
 host=$(hosts_as address)
 port=$(hosts_as port)
@@ -79,6 +90,8 @@ SERVICE
     fi
     put "$folder/ca.crt" 600 "$(id -un)" <"$etc/ca.crt"
     put "$folder/install" 700 "$(id -un)" <"$here/install-login"
+    for_carrying "$folder"/{service,ca.crt,install}
+    [ ! -f "$folder/password" ] || for_carrying "$folder/password"
 }
 
 remove_login() {

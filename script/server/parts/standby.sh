@@ -44,6 +44,7 @@ server_port=${machine[port]}
 VALUES
     (umask 077 && tar -C "$folder" -cf "$file.new" ca.crt ca.key password values)
     mv "$file.new" "$file"
+    for_carrying "$file"
     rm -rf "$folder"
     say "Written: $file. It holds the keys of the shop: carry it to $name yourself, and delete it afterwards."
     say "There: harrowby-server standby FILE"

@@ -166,9 +166,7 @@ need_programs() {
     [ -n "$root" ] || [ -d /run/systemd/system ] || die "this machine has no systemd, which keeps the voters running"
     ((${#missing[@]} > 0)) || return 0
     [ -z "$root" ] || die "packages are missing: ${missing[*]}"
-    say "Installing ${missing[*]} ..."
-    DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "${missing[@]}" </dev/null >/dev/null ||
-        die "these packages could not be installed: ${missing[*]}"
+    install_packages "${missing[@]}"
     for package in "${missing[@]}"; do
         # These packages start one of their own, which belongs to nobody.
         [[ $package != etcd-server && $package != patroni ]] || systemctl disable -q --now "${package%-server}" 2>/dev/null || true

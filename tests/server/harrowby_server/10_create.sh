@@ -5,6 +5,9 @@
     works "shellcheck" eval '(cd "${script%/*}" && shellcheck -x harrowby-server archive-log install-login &&
         shellcheck "$source_dir"/tests/server/harrowby_server_test.sh)'
 
+refuses "a machine without PostgreSQL" "packages postgresql and openssl are missing" \
+    env HARROWBY_SERVER_PROGRAMS="$work/none" HARROWBY_SERVER_ROOT="$work/bare" "$script" create --address 127.0.0.1 --network 127.0.0.0/8
+refuses "which has no server yet" "has no server yet" env HARROWBY_SERVER_PROGRAMS="$work/none" HARROWBY_SERVER_ROOT="$work/bare" "$script" status
 refuses "create without a network" "needs --network" on one create --address 127.0.0.1
 works "create" on one create --name one --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_one" --tills 2
 is "checksums" on admin one "show data_checksums"
@@ -18,7 +21,10 @@ is "the search path" "harrowby, pg_catalog, pg_temp" admin one "show search_path
 
 admin one "insert into StockList (StockID, StockName, StockAvailable) values ('MIL00001', 'MILK', 10)"
 works "create again" on one create
+admin one "drop function harrowby.protection(); drop table HarrowbySetting; revoke insert on SysUsage from harrowby_till"
 works "update" on one update
+is "what was not there yet is added" "single true true" admin one "select harrowby.protection() || ' ' || (to_regclass('harrowbysetting') is not null) || ' ' ||
+    has_table_privilege('harrowby_till', 'sysusage', 'insert')"
 is "nothing is overwritten" 1 admin one "select count(*) from StockList"
 refuses "another port afterwards" "has port" on one create --port 1234
 

@@ -88,6 +88,18 @@ refuses "a server of another name" "does not match host name" plain "host=wrong.
 refuses "a wrong name" "password authentication failed" plain "user=till_nobody passfile=$work/wrong"
 refuses "a wrong password" "password authentication failed" plain "passfile=$work/wrong"
 
+# Carried on a stick that knows no owners, by whoever called sudo, and nobody's taken for another's.
+mkdir "$work/stick-tools"
+printf '#!/bin/sh\nexit 1\n' >"$work/stick-tools/chown"
+chmod +x "$work/stick-tools/chown"
+works "add-till onto a stick" eval 'PATH=$work/stick-tools:$PATH on one add-till counter-1 --to "$work/till-stick"'
+works "all of it" test -f "$work/till-stick/install"
+if [ "$(id -u)" -eq 0 ]; then
+    works "add-till with sudo" eval 'SUDO_UID=65534 SUDO_GID=65534 on one add-till counter-1 --to "$work/till-sudo" --new-password'
+    is "it is the caller's" "65534 65534 65534 65534 65534 " eval 'stat --printf "%u " "$work/till-sudo" "$work/till-sudo"/*'
+    works "who settles in with it" settle_in counter-1 "$work/till-sudo"
+fi
+refuses "an office in a till's folder" "is what till_counter-1 needs" on one add-office desk --to "$work/till-stick"
 works "add-till again" on one add-till counter-1 --to "$work/till-1b"
 is "the password stays" 1 till counter-1 "select 1"
 works "add-till with a new password" on one add-till counter-1 --to "$work/till-1c" --new-password

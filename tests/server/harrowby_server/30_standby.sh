@@ -46,6 +46,9 @@ shop counter-1 --sell busy 12 >"$work/busy" 2>&1 &
 selling=$!
 sleep 2
 kill_machine one
+mv "$work/two/etc/harrowby-server/relied-on" "$work/relied-on"
+refuses "promote knows that it never caught up" "never caught up" on two promote --other-is-off
+mv "$work/relied-on" "$work/two/etc/harrowby-server/relied-on"
 refuses "promote insists" "--other-is-off" on two promote
 works "promote" on two promote --other-is-off
 works "the till goes on" wait "$selling"

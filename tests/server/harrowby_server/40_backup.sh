@@ -48,4 +48,13 @@ is "with all of it" "s1 s2 s3 s4 s5 s6 t1 t2 t3 t4 t5" sold one
 # A new machine with the shop's keys: tills know it.
 works "create with keys" on three create --name three --address 127.0.0.1 --network 127.0.0.0/8 --port "$(free_port)" --keys "$work/backup/keys.tar"
 works "the same authority" cmp "$work/one/etc/harrowby-server/ca.crt" "$work/three/etc/harrowby-server/ca.crt"
+
+# A disk that does not keep what was written.
+install -d -m 777 "$work/backup-three"
+admin three "insert into StockList (StockID) values ('MIL00001')"
+works "a sound store" on three backup --to "$work/backup-three"
+admin three checkpoint
+printf damaged | dd of="$(data_of three)/$(admin three "select pg_relation_filepath('stocklist')")" bs=1 seek=8100 conv=notrunc status=none
+refuses "a damaged one" "earlier ones are as they were" on three backup
+is "which they are" x eval 'find "$work/backup-three/base" -mindepth 1 -maxdepth 1 -printf x'
 says "status says when the server is stopped" "does not run" eval 'kill_machine three; on three status'
