@@ -6,7 +6,7 @@ works "the till's own part" settle_in counter-1 "$work/till-1"
 is "a till gets in, encrypted" t till counter-1 "select ssl from pg_stat_ssl where pid = pg_backend_pid()"
 is "the files are the user's alone" "600 600 700 " stat --printf '%a ' "$work/till-1/password" "$work/till-1/service" "$work/till-1/install"
 works "add-office" on one add-office desk --to "$work/office-1"
-works "the office's own part" settle_in desk "$work/office-1"
+says "the office's own part" "harrowby --office --database" settle_in desk "$work/office-1"
 
 is "and with its own connection" "MILK|10" shop counter-1 "Update StockList Set StockCost = 1" "select StockName, StockAvailable from StockList"
 (umask 077 && echo '*:*:*:*:wrong' >"$work/wrong")
