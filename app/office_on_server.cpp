@@ -58,6 +58,8 @@ Result<OfficeLeaving, ExitCode> keepOpen(const QString &address, ServerStore &st
     QObject::connect(&watch, &ServerWatch::answered, &actions, [&](bool isBack) {
         if (isBack || doubts.isOpen())
             (void)store.tryAgain(); // what fails now is tried again
+        if (isBack)
+            readOfficeAnew();
     });
     return keep({address, records});
 }

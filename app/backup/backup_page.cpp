@@ -8,6 +8,7 @@
 #include "app/backup/restore_dialog.h"
 #include "app/boxes/office_box.h"
 #include "app/copy/server_copy.h"
+#include "app/shop/failure_text.h"
 #include "app/shop/workshop.h"
 #include "basic/store_address.h"
 #include "theme/dialogs.h"
@@ -220,10 +221,20 @@ void BackupPage::noteGood(const BackupResult &result)
     (void)m_deeds.add(deed::backedUp, result.file);
 }
 
+void BackupPage::readAnew()
+{
+    if (!m_isLastRead)
+        showLast();
+}
+
 void BackupPage::showLast()
 {
+    const auto noted = readGoodBackups(m_deeds.records());
+    m_isLastRead = noted.has_value();
+    if (!noted)
+        return m_last->setText(u"\u26a0 "_s + failureWords(u"The last backup could not be read."_s, noted.error()));
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    const BackupState state = backupState(goodBackups(m_deeds.records()), now);
+    const BackupState state = backupState(*noted, now);
     m_last->setText((state.isOverdue ? u"\u26a0 "_s : u"\u2713 "_s) + backupStateText(state, now));
 }
 
@@ -249,7 +260,10 @@ void BackupPage::chooseRestore()
         return;
     if (const QString lost = loss(); !lost.isEmpty())
         return showOutcome(*m_outcome, u"\u26a0 "_s + lost);
-    const BackupState state = backupState(goodBackups(m_deeds.records()), QDateTime::currentDateTimeUtc());
+    const auto noted = readGoodBackups(m_deeds.records());
+    if (!noted)
+        return showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"The store could not be read."_s, noted.error()));
+    const BackupState state = backupState(*noted, QDateTime::currentDateTimeUtc());
     const bool isThere = state.last && state.sight == BackupSight::There;
     RestoreDialog dialog(m_store, contentsOf(m_deeds.records()), isThere ? state.last->file : QString(), this);
     if (isServer(m_store))

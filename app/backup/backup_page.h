@@ -27,6 +27,7 @@ public:
     BackupPage(const SignedDeeds &deeds, const QString &store, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
+    void readAnew() override;
     /// `loss` says what has happened to the store file once it is lost: no copy counts then.
     void watchStore(std::function<QString()> loss) { m_loss = std::move(loss); }
 
@@ -59,6 +60,7 @@ private:
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
     QLabel *m_last = nullptr;
+    bool m_isLastRead = true;
     QLabel *m_nightlyState = nullptr;
     BackupJob m_job; ///< last, so that it ends before the members that its signals reach are destroyed
 };

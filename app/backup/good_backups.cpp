@@ -99,9 +99,17 @@ std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, q
     return noteGoodBackup(records, {now.toUTC(), file, bytes, QSysInfo::machineHostName()});
 }
 
+Records::Answer<QList<GoodBackup>> readGoodBackups(Records &records)
+{
+    const auto notes = ShopSettings(records).read(settingName);
+    if (!notes)
+        return Unexpected(notes.error());
+    return readNotes(notes->value_or(QString()));
+}
+
 QList<GoodBackup> goodBackups(Records &records)
 {
-    return readNotes(ShopSettings(records).value(settingName));
+    return readGoodBackups(records).value_or(QList<GoodBackup>());
 }
 
 BackupSight sightOf(const GoodBackup &backup)

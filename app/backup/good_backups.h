@@ -24,7 +24,9 @@ struct GoodBackup
 std::optional<DbFailure> noteGoodBackup(Records &records, const GoodBackup &backup);
 /// The same of one that was made on this computer.
 std::optional<DbFailure> noteGoodBackup(Records &records, const QString &file, qint64 bytes, const QDateTime &now);
-/// The newest first; nothing where none is noted or the notes cannot be read.
+/// The newest first; nothing where none is noted.
+[[nodiscard]] Records::Answer<QList<GoodBackup>> readGoodBackups(Records &records);
+/// The same; nothing where the notes cannot be read, either.
 [[nodiscard]] QList<GoodBackup> goodBackups(Records &records);
 
 /// What of a noted backup can be seen from here.

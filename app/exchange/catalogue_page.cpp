@@ -16,7 +16,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QShowEvent>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -106,10 +105,9 @@ std::optional<LeavingQuestion> CataloguePage::leaving() const
     return {};
 }
 
-void CataloguePage::showEvent(QShowEvent *event)
+void CataloguePage::readAnew()
 {
-    QWidget::showEvent(event);
-    if (!event->spontaneous() && !m_job.isRunning())
+    if (!m_job.isRunning())
         m_start->read();
 }
 

@@ -29,10 +29,9 @@ public:
     ~CataloguePage() override;
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
+    void readAnew() override;
 
 protected:
-    /// Reads the imports so far each time it is turned to.
-    void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 

@@ -109,6 +109,9 @@ void StartPane::read()
     followChoice();
     if (!past)
         warn(u"The imports so far could not be read: %1"_s.arg(past.error().words));
+    else if (m_isUnread)
+        say({});
+    m_isUnread = !past;
 }
 
 void StartPane::say(const QString &outcome)

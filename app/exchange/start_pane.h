@@ -50,6 +50,7 @@ private:
     QPushButton *m_takeBack = nullptr;
     QPushButton *m_showLeft = nullptr;
     QLabel *m_outcome = nullptr;
+    bool m_isUnread = false; ///< when it was last tried
 };
 
 } // namespace harrowby::app

@@ -245,6 +245,8 @@ void LabelPicker::search()
                           : *count == 1         ? u"1 item."_s
                                                 : u"%1 items."_s.arg(all);
     showOutcome(*m_count, words);
+    if (std::exchange(m_hasFailed, false))
+        m_outcome->clear();
 }
 
 void LabelPicker::addCurrent()
@@ -282,6 +284,7 @@ void LabelPicker::add(const QList<LabelItem> &items)
 
 void LabelPicker::tellFailure(const DbFailure &failure)
 {
+    m_hasFailed = true;
     showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(notRead, failure));
 }
 

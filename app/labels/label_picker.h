@@ -66,6 +66,7 @@ private:
     QPushButton *m_addAll = nullptr;
     QPushButton *m_close = nullptr;
     QLabel *m_outcome = nullptr;
+    bool m_hasFailed = false; ///< the outcome is that of a failed reading
     WorkStrip *m_strip = nullptr;
     WorkJob m_job; ///< last: its end waits for the work
 };

@@ -103,10 +103,9 @@ QHBoxLayout *ActivityPage::makeEnd()
     return row;
 }
 
-void ActivityPage::showEvent(QShowEvent *event)
+void ActivityPage::readAnew()
 {
-    OfficePage::showEvent(event);
-    if (!event->spontaneous() && !m_job.isRunning())
+    if (!m_job.isRunning())
         search();
 }
 

@@ -42,10 +42,9 @@ public:
 
     /// Asks this instead of the person.
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
+    void readAnew() override;
 
 protected:
-    /// Looks again each time it is turned to.
-    void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

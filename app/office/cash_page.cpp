@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShowEvent>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -192,23 +191,29 @@ bool CashPage::saveDrawer(const QString &name)
     return true;
 }
 
-void CashPage::showChangedMeanwhile()
+void CashPage::showSaved()
 {
     m_saved = readCashChoices(m_deeds.records());
     m_savedDrawer = savedDrawerName(m_settings);
     m_ways->setText(waysText(m_saved.ways));
     m_notes->setText(notesText(m_saved.notes));
     m_drawer->setText(m_savedDrawer);
+}
+
+void CashPage::showChangedMeanwhile()
+{
+    showSaved();
     showOutcome(*m_outcome,
                 u"\u26a0 Somebody else has changed this meanwhile. What is saved now is shown; what you typed "
                 "was not saved."_s);
 }
 
-void CashPage::showEvent(QShowEvent *event)
+/// What is typed and not saved stays.
+void CashPage::readAnew()
 {
-    QWidget::showEvent(event);
-    if (!event->spontaneous())
-        countOpen();
+    if (!leaving())
+        showSaved();
+    countOpen();
 }
 
 void CashPage::chooseDrawer()

@@ -24,9 +24,7 @@ public:
     CashPage(const SignedDeeds &deeds, OfficeSettings settings, QWidget *parent = nullptr);
 
     [[nodiscard]] std::optional<LeavingQuestion> leaving() const override;
-
-protected:
-    void showEvent(QShowEvent *event) override;
+    void readAnew() override;
 
 private:
     void createEntries();
@@ -38,6 +36,7 @@ private:
     void save();
     [[nodiscard]] bool saveChoices(const CashChoices &choices);
     [[nodiscard]] bool saveDrawer(const QString &name);
+    void showSaved();
     void showChangedMeanwhile();
     void countOpen();
     void showOpen();

@@ -16,7 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShowEvent>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -120,13 +119,6 @@ QPushButton *CodesPage::addButton(const QString &caption, const QString &name, v
     button->setObjectName(name);
     connect(button, &QPushButton::clicked, this, act);
     return button;
-}
-
-void CodesPage::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    if (!event->spontaneous())
-        read();
 }
 
 /// Also tells what could not be read.

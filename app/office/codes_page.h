@@ -27,9 +27,7 @@ public:
     /// The deeds' records must outlive it.
     explicit CodesPage(const SignedDeeds &deeds, QWidget *parent = nullptr);
 
-protected:
-    /// Reads the codes each time it is turned to.
-    void showEvent(QShowEvent *event) override;
+    void readAnew() override { (void)read(); }
 
 private:
     QHBoxLayout *makeHead();

@@ -11,6 +11,8 @@
 #include "app/start/start_message.h"
 #include "basic/text.h"
 
+#include <QApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
@@ -83,6 +85,14 @@ OfficeLeaving runOffice(const OfficeStore &store, const OfficeSettings &settings
     if (window.askedRestore().isEmpty())
         return {};
     return {OfficeEnd::Restore, window.askedRestore(), login.user().name};
+}
+
+void readOfficeAnew()
+{
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (auto *office = qobject_cast<OfficeWindow *>(window))
+            office->readAnew();
+    }
 }
 
 } // namespace harrowby::app

@@ -30,4 +30,7 @@ struct OfficeLeaving
 [[nodiscard]] OfficeLeaving runOffice(const OfficeStore &store, const OfficeSettings &settings, const QString &reason,
                                       const std::function<QString()> &loss = {});
 
+/// A store that could not be reached is there again: what is shown of it is read anew.
+void readOfficeAnew();
+
 } // namespace harrowby::app

@@ -192,6 +192,12 @@ OfficePage *OfficeWindow::built(qsizetype page)
     return made;
 }
 
+void OfficeWindow::readAnew()
+{
+    if (OfficePage *page = m_current < 0 ? nullptr : m_pages.at(m_current).page)
+        page->readAnew();
+}
+
 void OfficeWindow::buildPages()
 {
     for (qsizetype i = 0; i < m_pages.size(); ++i)

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] QStringList pageTitles() const;
     /// A title that is not among them is ignored.
     void showPage(const QString &title);
+    /// The page that is shown reads the store again.
+    void readAnew();
     /// Builds the pages that have not been shown yet.
     void buildPages();
 

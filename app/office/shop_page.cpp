@@ -41,8 +41,17 @@ void ShopPage::readSearch()
 {
     const auto chosen = m_choice.read();
     m_search->setChecked(chosen.value_or(false));
+    m_isUnread = !chosen;
     if (!chosen)
         showOutcome(*m_outcome, u"\u26a0 "_s + failureWords(u"What was chosen could not be read."_s, chosen.error()));
+}
+
+void ShopPage::readAnew()
+{
+    if (!m_isUnread)
+        return;
+    showOutcome(*m_outcome, {});
+    readSearch();
 }
 
 void ShopPage::chooseSearch(bool findsAnywhere)

@@ -17,6 +17,8 @@ class ShopPage final : public OfficePage
 public:
     ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent = nullptr);
 
+    void readAnew() override;
+
 private:
     void readSearch();
     void chooseSearch(bool findsAnywhere);
@@ -25,6 +27,7 @@ private:
     SignedDeeds m_deeds;
     QCheckBox *m_search = nullptr;
     QLabel *m_outcome = nullptr;
+    bool m_isUnread = false; ///< when it was last tried
 };
 
 } // namespace harrowby::app

@@ -215,7 +215,9 @@ void UsersPage::fill()
     constexpr qint64 noRow = std::numeric_limits<qint64>::min();
     const qint64 chosen = before != nullptr ? before->row : noRow;
     const UsersTable::Listing listing = m_table.list();
-    m_users = listing.users;
+    m_isUnread = listing.problem.has_value();
+    if (!m_isUnread || !listing.users.isEmpty()) // else those that were read before stay
+        m_users = listing.users;
     {
         const QSignalBlocker quietly(m_list);
         m_list->clear();
@@ -230,6 +232,12 @@ void UsersPage::fill()
     showUser();
     if (listing.problem)
         showOutcome(*m_outcome, u"\u26a0 "_s + *listing.problem);
+}
+
+void UsersPage::readAnew()
+{
+    if (m_isUnread)
+        fill();
 }
 
 const StoreUser *UsersPage::current() const

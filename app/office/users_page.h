@@ -29,6 +29,8 @@ public:
     /// What the table works on must outlive it.
     explicit UsersPage(UsersTable table, QWidget *parent = nullptr);
 
+    void readAnew() override;
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -59,6 +61,7 @@ private:
     RoleButtons *m_roles = nullptr;
     QPushButton *m_password = nullptr;
     QLabel *m_outcome = nullptr;
+    bool m_isUnread = false; ///< when it was last tried
 };
 
 } // namespace harrowby::app

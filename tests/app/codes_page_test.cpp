@@ -181,7 +181,7 @@ void CodesPageTest::orphanIsGivenToAnItem()
 void CodesPageTest::failureIsToldAndNothingChanged()
 {
     choose(u"CASE"_s);
-    QVERIFY(!runSql(m_shop->file(), u"pragma query_only = 1"_s));
+    m_shop->refuseWritesTo(u"HarrowbyCode"_s);
     QTimer::singleShot(0, this, [this] {
         answerNextBox(QMessageBox::AcceptRole); // what is told, after the question
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());

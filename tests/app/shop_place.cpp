@@ -17,7 +17,7 @@ namespace {
 /// How long another program's lock is waited for, so that no test waits ten seconds for a refusal.
 constexpr std::chrono::milliseconds lockTime(300);
 
-std::unique_ptr<ServerStore> opened(const QString &address, const QString &state)
+std::unique_ptr<ServerStore> opened(const QString &address, const QString &state, std::chrono::milliseconds silence)
 {
     const auto engine = serverEngine();
     if (!engine)
@@ -25,6 +25,7 @@ std::unique_ptr<ServerStore> opened(const QString &address, const QString &state
     ServerOptions options;
     options.stateFolder = state;
     options.lock = lockTime;
+    options.silence = silence;
     auto store = (*engine)->open(address, options);
     if (!store)
         qFatal("%s", qPrintable(store.error().reason));
@@ -41,10 +42,10 @@ ShopPlace::ShopPlace(const QString &file) : m_address(file)
     m_address = QString(m_shop->path()).replace(u"//postgres@"_s, u"//office@"_s);
 }
 
-OpenShop::OpenShop(const QString &address) : m_address(address)
+OpenShop::OpenShop(const QString &address, std::chrono::milliseconds silence) : m_address(address)
 {
     if (isServer(address)) {
-        m_server = opened(address, m_state.path());
+        m_server = opened(address, m_state.path(), silence);
         m_records = m_server->records();
         return;
     }
@@ -63,6 +64,22 @@ void OpenShop::run(const QString &statement) const
         return runAll(m_address, {statement});
     const auto error = runSql(m_file.get(), statement);
     QVERIFY2(!error, qPrintable(statement + u": "_s + (error ? error->reason : QString())));
+}
+
+void OpenShop::beginAction() const
+{
+    if (m_server)
+        m_server->beginAction();
+}
+
+void OpenShop::refuseWritesTo(const QString &table) const
+{
+    if (m_file)
+        return run(u"PRAGMA query_only = ON"_s);
+    runAll(m_address,
+           {u"create function no() returns trigger language plpgsql as $$ begin raise exception "
+            "'no space left' using errcode = 'disk_full'; end $$"_s,
+            u"create trigger no before insert or update or delete on %1 execute function no()"_s.arg(table)});
 }
 
 QString OpenShop::read(const QString &select) const

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <memory>
 
 namespace harrowby::app {
@@ -33,16 +34,21 @@ private:
 class OpenShop
 {
 public:
-    explicit OpenShop(const QString &address);
+    /// `silence`: see ServerOptions.
+    explicit OpenShop(const QString &address, std::chrono::milliseconds silence = std::chrono::seconds(5));
     ~OpenShop();
     OpenShop(const OpenShop &) = delete;
     OpenShop &operator=(const OpenShop &) = delete;
 
+    /// The user's next action, where no event loop blocks in between.
+    void beginAction() const;
     /// Null on a server.
     [[nodiscard]] sqlite3 *file() const { return m_file.get(); }
     [[nodiscard]] const std::shared_ptr<Records> &records() const { return m_records; }
     /// Runs a statement of the test; fails it when that fails.
     void run(const QString &statement) const;
+    /// From now on this connection cannot change that table.
+    void refuseWritesTo(const QString &table) const;
     /// First column of the first row.
     [[nodiscard]] QString read(const QString &select) const;
 

@@ -116,6 +116,7 @@ public:
     ShopServer();
 
     [[nodiscard]] LentShop lend();
+    [[nodiscard]] PrivateCluster &cluster() { return m_cluster; }
     void takeBack(LentShop shop) { m_free.push_back(std::move(shop)); }
 
 private:
@@ -192,6 +193,11 @@ void setUpShop(PrivateCluster &cluster, const QString &database)
     cluster.sql(roles, database);
     QString rights = contentsOf(QStringLiteral(HARROWBY_RIGHTS));
     cluster.sql(rights.replace(u"on database harrowby "_s, u"on database %1 "_s.arg(database)), database);
+}
+
+PrivateCluster &serverOfShops()
+{
+    return shopServer().cluster();
 }
 
 ServerShop::ServerShop() : m_shop(shopServer().lend()) {}

@@ -75,6 +75,9 @@ private:
     LentShop m_shop;
 };
 
+/// The private server of this program's shops, which is started when it is asked for first.
+[[nodiscard]] PrivateCluster &serverOfShops();
+
 /// Makes the shop's tables, functions, indexes and rights in a database of a running server, as harrowby-server does,
 /// and the login "till" of a till. What a test adds to the schema is every till's.
 void setUpShop(PrivateCluster &cluster, const QString &database);
