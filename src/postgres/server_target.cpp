@@ -127,6 +127,9 @@ Result<ConnectOptions, PgError> connectOptions(const QByteArray &conninfo)
         return Unexpected(
             PgError{PgError::Kind::BadTarget, {}, isReadable(conninfo) ? oneLine(message) : unreadable()});
     ConnectOptions options = optionsOf(connection.get());
+    // libpq's own choice; to get a ticket it would ask the network, and block. A store's servers speak TLS.
+    if (valueOf(options, "gssencmode") == "prefer")
+        setOption(options, "gssencmode", "disable");
     if (!hasPorts(options))
         return Unexpected(PgError{PgError::Kind::BadTarget, {}, unreadable()});
     setOption(options, "target_session_attrs", "any");

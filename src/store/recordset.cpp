@@ -112,7 +112,8 @@ void DbRecordset::Private::assign(const QString &column, DbValue value)
         put(assigned, column, std::move(value));
 }
 
-/// Runs the change. Under a hold it has succeeded only when the commit has.
+/// Runs the change. Under a hold it has succeeded only when the commit has; where the engine could not hold after all,
+/// the change has stood alone.
 template <typename Change>
 DbRecordset::Outcome DbRecordset::Private::write(const QString &what, Change &&change) noexcept
 {
@@ -121,9 +122,7 @@ DbRecordset::Outcome DbRecordset::Private::write(const QString &what, Change &&c
     if (!hold || !hold->isHeld())
         return done ? Outcome::Written : outcomeOfFailure();
     const bool kept = hold->settle(done ? what : QString());
-    if (!done)
-        return Outcome::NotWritten; // only the commit would have kept it
-    return kept ? Outcome::Written : outcomeOfFailure();
+    return done && kept ? Outcome::Written : outcomeOfFailure();
 }
 
 DbRecordset::Outcome DbRecordset::Private::outcomeOfFailure() const noexcept

@@ -99,6 +99,7 @@ private Q_SLOTS:
     void laterSessionsGoToTheSameServer();
     void whatCannotBeReadIsTold_data();
     void whatCannotBeReadIsTold();
+    void noTicketIsFetched();
     void noPasswordIsTold_data();
     void noPasswordIsTold();
     void aServiceIsReadAsLibpqDoes();
@@ -487,6 +488,16 @@ void ConnectingTest::whatCannotBeReadIsTold()
     const PgError error = errorOf(session.connect({conninfo}, patient));
     QCOMPARE(error.kind, Kind::BadTarget);
     QVERIFY(!error.text.isEmpty());
+}
+
+/// That blocks; unless a person wants it so.
+void ConnectingTest::noTicketIsFetched()
+{
+    const auto plain = connectOptions("host=server1");
+    QVERIFY(plain && !plain->contains(std::pair(QByteArray("gssencmode"), QByteArray("prefer"))));
+    const std::pair wanted(QByteArray("gssencmode"), QByteArray("require"));
+    const auto chosen = connectOptions("host=server1 gssencmode=require");
+    QVERIFY(!chosen || chosen->contains(wanted)); // refused by a libpq without tickets
 }
 
 void ConnectingTest::noPasswordIsTold_data()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/doubles/proxy.h"
 #include "tests/postgres/server_fixture.h"
 #include "tests/program/test_program.h"
 
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void locksOfAnActionTogether();
     void stoppedServer();
     void givesUp();
+    void unknownAfterAHoldThatWasRefused();
     void actionEndsWithTheEventLoop();
 
 private:
@@ -199,6 +201,29 @@ void ConnectionWaitsTest::givesUp()
     QVERIFY(item.HasFailed());
     QVERIFY(mayGiveUp);
     QVERIFY2(waited >= 2'900 && waited < 8'000, qPrintable(QString::number(waited)));
+}
+
+/// The look-up that was to be held has failed, and its write stands alone: what nobody knows of it is told as such.
+void ConnectionWaitsTest::unknownAfterAHoldThatWasRefused()
+{
+    Proxy proxy(m_server->cluster.port());
+    PostgresOptions options = m_server->options();
+    options.rest = 300ms;
+    const auto till = std::make_shared<PostgresConnection>(
+        u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(proxy.port()), options);
+    QVERIFY(!till->open());
+    const Statement select = statements::purchase(u"HV1"_s);
+    m_server->cluster.sql(u"begin; select pg_advisory_xact_lock(hashtextextended('%1', 0))"_s.arg(
+        QString(select.sql()).replace(u"'"_s, u"''"_s)));
+    DbRecordset purchase;
+    purchase.OpenHeld(select, till, Access::Read);
+    QVERIFY(purchase.HasFailed());
+    m_server->cluster.sql(u"rollback"_s);
+    purchase.AddNew();
+    purchase.Field(u"PurchaseID"_s).assign(u"HV1"_s);
+    proxy.goSilentAtAnswerOf(1);
+    QCOMPARE(purchase.Update(), DbRecordset::Outcome::NotKnown);
+    QCOMPARE(m_server->cluster.sql(u"select PurchaseID from harrowby.PurchaseCart"_s), QStringList{u"HV1"_s});
 }
 
 /// What the outermost event loop waits for is the next action; what a box's loop waits for belongs to its own.
