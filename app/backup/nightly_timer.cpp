@@ -90,7 +90,9 @@ bool save(const QString &path, const QByteArray &content)
     if (content.isEmpty())
         return QFile::remove(path) || !QFile::exists(path);
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    // Its address may have the password to a server.
+    return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+           file.write(content) == content.size() && file.commit();
 }
 
 QString userName()

@@ -21,7 +21,7 @@ const auto timeForm = u"HH:mm"_s;
 
 QString description(const NightlyJob &job)
 {
-    const QString store = isServer(job.store) ? job.store : QFileInfo(job.store).fileName();
+    const QString store = isServer(job.store) ? storeWords(job.store) : QFileInfo(job.store).fileName();
     return u"Backup of the store %1"_s.arg(QString(store).replace(u'%', u"%%"_s));
 }
 

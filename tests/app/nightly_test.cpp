@@ -35,6 +35,7 @@ private Q_SLOTS:
     void wordsAreQuoted_data();
     void wordsAreQuoted();
     void planIsReadBack();
+    void passwordIsNobodysElse();
     void systemdTakesTheFiles();
     void timerIsSetUpAndChanged();
     void refusalLeavesWhatWasThere();
@@ -139,6 +140,18 @@ void NightlyTest::planIsReadBack()
     QVERIFY(!readNightlyTimer(u"[X-Harrowby]\nTime=25:00\nKeep=3\nFolder=/a\n"_s));
     QCOMPARE(nightlyCronLine({u"/p"_s, u"/my 100% shop's"_s}, {QTime(22, 5), u"/b"_s, 3}),
              u"5 22 * * * '/p' --database '/my 100\\% shop'\\''s' --backup '/b' --keep 3"_s);
+}
+
+/// What a unit is called stands in the machine's log; how it is called, in a file for its owner alone.
+void NightlyTest::passwordIsNobodysElse()
+{
+    const NightlyJob job = {u"/p"_s, u"postgresql://till:secret@a/shop"_s};
+    QVERIFY(
+        nightlyServiceText(job, plan()).contains(u"\nDescription=Backup of the store postgresql://till@a/shop\n"_s));
+    QVERIFY(!nightlyTimerText(job, plan()).contains(u"secret"_s));
+    QVERIFY(timer().setUp(plan(), [](const WorkStep &) { return true; }).problem.isEmpty());
+    const QFile::Permissions ofOthers = QFile::ReadGroup | QFile::ReadOther;
+    QVERIFY((QFile::permissions(timer().servicePath()) & ofOthers) == QFile::Permissions());
 }
 
 void NightlyTest::systemdTakesTheFiles()
