@@ -35,6 +35,7 @@ private Q_SLOTS:
     void anothersLock();
     void locksOfAnActionTogether();
     void stoppedServer();
+    void silentCable();
     void givesUp();
     void unknownAfterAHoldThatWasRefused();
     void actionEndsWithTheEventLoop();
@@ -178,6 +179,45 @@ void ConnectionWaitsTest::stoppedServer()
     m_connection->beginAction();
     item.Open(statements::stockById(u"1"_s), m_connection);
     QCOMPARE(item.RecordCount(), 1);
+}
+
+/// A cable that is pulled out: what is read has failed in time, and told so; a write on its way is not known, which is
+/// told too, and is found out as soon as the cable is back.
+void ConnectionWaitsTest::silentCable()
+{
+    Proxy cable(m_server->cluster.port());
+    PostgresOptions options = m_server->options();
+    options.rest = 2'000ms;
+    m_connection = std::make_shared<PostgresConnection>(
+        u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(cable.port()), options);
+    m_connection->setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
+    std::optional<bool> found;
+    m_connection->setResolvedHandler([&](const QString &, bool isDone) { found = isDone; });
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    m_connection->beginAction();
+    cable.goSilent();
+    QElapsedTimer took;
+    took.start();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QVERIFY(item.HasFailed());
+    QVERIFY2(took.elapsed() < 4'000, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(m_server->failures.size(), 1u);
+    cable.speak();
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    m_connection->beginAction();
+    cable.goSilent();
+    took.restart();
+    QVERIFY(!Execute(m_connection, statements::raiseStock(5, u"1"_s)));
+    QVERIFY2(took.elapsed() < 15'000, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(m_connection->lastWrite(), WriteOutcome::Unknown);
+    QCOMPARE(m_server->failures.size(), 2u);
+    cable.speak();
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QVERIFY(found.has_value());
+    QCOMPARE(m_server->stockOf(u"1"_s), *found ? u"18"_s : u"13"_s);
 }
 
 /// Once an action has written, its rest is waited for, until the person has had enough.
