@@ -145,7 +145,7 @@ std::optional<QStringList> ServerSession::rows(const QString &select, Columns co
 QString inServersWords(const QString &statements)
 {
     static const Rule ofOwnTable =
-        rule(u"(\\bfrom Harrowby\\w+\\b.*)\\browid\\b"_s, u"\\1ctid"_s); // which has no identities
+        rule(u"(\\bfrom Harrowby\\w+\\b[^;]*)\\browid\\b"_s, u"\\1ctid"_s); // which has no identities
     QStringList pieces = withServersTriggers(QString(statements).replace(ofOwnTable.pattern, ofOwnTable.replacement))
                              .split(u'\''); // every other one is of a literal
     for (qsizetype piece = 0; piece < pieces.size(); piece += 2)

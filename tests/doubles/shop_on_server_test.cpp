@@ -116,6 +116,8 @@ void ShopOnServerTest::words_data()
     QTest::newRow("pragma, last") << u"SELECT 1; pragma journal_mode = WAL"_s << u"SELECT 1; "_s;
     QTest::newRow("identity") << u"SELECT a.rowid FROM t AS a ORDER BY ROWID"_s
                               << u"SELECT a.rowid_ FROM t AS a ORDER BY rowid_"_s;
+    QTest::newRow("of an own table") << u"DELETE FROM HarrowbyRun WHERE rowid = 1; DELETE FROM t WHERE rowid = 1"_s
+                                     << u"DELETE FROM HarrowbyRun WHERE ctid = 1; DELETE FROM t WHERE rowid_ = 1"_s;
     QTest::newRow("in a literal") << u"SELECT 'rowid', 'it''s pragma x' WHERE rowid = 1"_s
                                   << u"SELECT 'rowid', 'it''s pragma x' WHERE rowid_ = 1"_s;
 }

@@ -88,6 +88,10 @@ refuses "a server of another name" "does not match host name" plain "host=wrong.
 refuses "a wrong name" "password authentication failed" plain "user=till_nobody passfile=$work/wrong"
 refuses "a wrong password" "password authentication failed" plain "passfile=$work/wrong"
 
+refuses "a statement that fails" "does not exist" till counter-1 "select 'typed by a cashier' from nowhere"
+is "the server's log keeps none" "1 0" eval 'log=$(echo "$work"/one/var/log/postgresql/*.log)
+    echo "$(grep -c "nowhere.* does not exist" "$log")" "$(grep -c "typed by a cashier" "$log")"'
+
 # Carried on a stick that knows no owners, by whoever called sudo, and nobody's taken for another's.
 mkdir "$work/stick-tools"
 printf '#!/bin/sh\nexit 1\n' >"$work/stick-tools/chown"
