@@ -10,6 +10,7 @@ do_create() {
     make_cluster
     rm -f "$etc/making"
     need_writable
+    save_machine
     if [ -n "${opt[keys]:-}" ]; then
         take_authority "$(absolute "${opt[keys]}")"
     fi

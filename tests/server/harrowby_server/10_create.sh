@@ -46,3 +46,6 @@ done
 wait_for "create after it was killed" 1 eval 'create_four >/dev/null && echo 1'
 is "whole" 6 admin four "select count(*) from pg_tables where schemaname = 'harrowby' and tableowner = 'harrowby_owner'
     and tablename in ('users', 'inventorycategory', 'stocklist', 'purchasecart', 'storesettings', 'sysusage')"
+works "create with another address" on four create --address localhost
+is "which is remembered" address=localhost grep '^address=' "$work/four/etc/harrowby-server/machine"
+is "by all" localhost admin four "select address from harrowby_server.host"
