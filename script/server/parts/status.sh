@@ -91,7 +91,7 @@ tell_standby() {
     say "The last change that it has is of $(sql -c "select coalesce(pg_last_xact_replay_timestamp()::timestamptz(0)::text, 'before its last start')")."
     say "It has the server's log up to position $(sql -c "select pg_wal_lsn_diff(greatest(pg_last_wal_receive_lsn(),
         pg_last_wal_replay_lsn()), '0/0')")."
-    [ -f "$etc/relied-on" ] || trouble "It has never caught up: harrowby-server standby FILE once more"
+    is_automatic || [ -f "$etc/relied-on" ] || trouble "It has never caught up: harrowby-server standby FILE once more"
 }
 
 tell_voters() {

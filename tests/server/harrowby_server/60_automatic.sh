@@ -70,6 +70,7 @@ wait_for "with the other one" "seven " eval 'on seven status | sed -n "s/.*have 
 is "alone, and says so" alone protection seven
 works "the dead one is switched on" on six automatic
 is "two machines" protected protection seven
+works "a server that has become a standby needs no look" on six status
 works "to and fro" on six promote
 works "it sells with the first one" sell_on
 is "which is the server" "f" admin six "select pg_is_in_recovery()"
