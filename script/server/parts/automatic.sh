@@ -343,5 +343,7 @@ leave_store() {
         say "It is a standby still, but follows nobody: on the server harrowby-server standby --for ${machine[name]} …, here standby FILE"
     elif [ -n "$names" ]; then
         sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
+    else
+        remark_alone
     fi
 }

@@ -77,9 +77,13 @@ do_alone() {
 # The setting first, as until then no write is confirmed, not even the remark.
 go_alone() {
     sql_in_postgres -c "alter system set synchronous_standby_names = ''" -c 'select pg_reload_conf()' >/dev/null
-    sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'chosen') on conflict (name) do nothing"
+    remark_alone
     say "The server goes on alone: what is sold from now on is on this machine only, and the tills say so."
     say "Do not promote the standby now. When it is back: harrowby-server alone --off"
+}
+
+remark_alone() {
+    sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'chosen') on conflict (name) do nothing"
 }
 
 rely_on_standbys() {
