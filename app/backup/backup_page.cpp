@@ -267,14 +267,17 @@ void BackupPage::chooseRestore()
     const bool isThere = state.last && state.sight == BackupSight::There;
     RestoreDialog dialog(m_store, contentsOf(m_deeds.records()), isThere ? state.last->file : QString(), this);
     if (isServer(m_store))
-        dialog.setUsersFinder([this] { return serverUsersText(); });
+        dialog.setObstacleFinder([this] { return serverObstacle(); });
     if (dialog.exec() == QDialog::Accepted)
         Q_EMIT restoreAsked(dialog.backup());
 }
 
-/// Who has the server's store open, but for who is logged in here. The restore itself looks more closely.
-QString BackupPage::serverUsersText() const
+/// This machine's rights, or who has the server's store open beside who is logged in here. The restore itself looks
+/// more closely.
+QString BackupPage::serverObstacle() const
 {
+    if (const auto refusal = unlessMayReplace(m_deeds.records()))
+        return u"Nothing was restored: %1."_s.arg(refusal->problem);
     const auto users = serverUsers(m_deeds.records(), OwnName::PassedOver);
     if (!users)
         return users.error().problem;

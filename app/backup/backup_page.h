@@ -45,7 +45,7 @@ private:
     [[nodiscard]] NightlyTimer nightly() const;
     void keepNightly();
     [[nodiscard]] QString loss() const;
-    [[nodiscard]] QString serverUsersText() const;
+    [[nodiscard]] QString serverObstacle() const;
 
     SignedDeeds m_deeds;
     QString m_store;

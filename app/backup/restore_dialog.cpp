@@ -52,7 +52,7 @@ QStringList figuresOf(const StoreContents &contents)
 } // namespace
 
 RestoreDialog::RestoreDialog(QString store, const StoreContents &now, const QString &file, QWidget *parent) :
-    QDialog(parent), m_store(std::move(store)), m_findUsers([this] {
+    QDialog(parent), m_store(std::move(store)), m_findObstacle([this] {
         const StoreUsers users = findStoreUsers(m_store);
         return users.isEmpty() ? QString() : storeInUse(users);
     }),
@@ -240,8 +240,8 @@ void RestoreDialog::accept()
 {
     if (m_job.isRunning() || m_backup.isEmpty())
         return;
-    if (const QString users = m_findUsers(); !users.isEmpty())
-        return showOutcome(*m_outcome, u"\u26a0 "_s + users);
+    if (const QString obstacle = m_findObstacle(); !obstacle.isEmpty())
+        return showOutcome(*m_outcome, u"\u26a0 "_s + obstacle);
     if (askInOffice(this, question(), u"&Restore It"_s))
         QDialog::accept();
 }

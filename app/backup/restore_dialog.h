@@ -30,8 +30,9 @@ public:
     /// The backup that is to be restored.
     [[nodiscard]] const QString &backup() const { return m_backup; }
 
-    /// How it finds out who has the store open, in words; empty when nobody has. By itself it looks at a store file.
-    void setUsersFinder(std::function<QString()> find) { m_findUsers = std::move(find); }
+    /// How it finds out why the store cannot be replaced now, such as who has it open, in words; empty when it can. By
+    /// itself it looks at a store file.
+    void setObstacleFinder(std::function<QString()> find) { m_findObstacle = std::move(find); }
 
     void accept() override;
 
@@ -46,7 +47,7 @@ private:
     [[nodiscard]] QString question() const;
 
     QString m_store;
-    std::function<QString()> m_findUsers;
+    std::function<QString()> m_findObstacle;
     StoreContents m_now;
     QString m_backup;       ///< what was looked into and can be restored; empty otherwise
     StoreContents m_inside; ///< of it

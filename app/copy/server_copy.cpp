@@ -20,6 +20,9 @@ CopyFailure failureOf(const DbFailure &failure)
     return {failure.reason, false, Records::isUnknown(failure)};
 }
 
+const auto mayNotReplace =
+    u"this machine may not replace a whole store: on the server, \"harrowby-server add-office NAME --owner\" lets it"_s;
+
 /// One of the functions that the server's store has for this.
 Failed call(Records &server, const QString &function)
 {
@@ -30,9 +33,7 @@ Failed call(Records &server, const QString &function)
     constexpr QLatin1StringView noFunction("42883");
     CopyFailure failure = failureOf(called.error());
     if (called.error().engineState == noRight)
-        failure.problem =
-            u"this machine may not replace a whole store: on the server, \"harrowby-server add-office NAME "
-            "--owner\" lets it"_s;
+        failure.problem = mayNotReplace;
     else if (called.error().engineState == noFunction)
         failure.problem = u"the server's store is older than this program: run \"harrowby-server update\" there"_s;
     return failure;
@@ -85,6 +86,16 @@ Result<Rows, CopyFailure> copyLocked(StoreCopy &copy, Records &server, const Ser
 }
 
 } // namespace
+
+std::optional<CopyFailure> unlessMayReplace(Records &server)
+{
+    const auto rows = server.read({u"select has_function_privilege('harrowby.empty_store()', 'execute')"_s, {}});
+    if (!rows)
+        return failureOf(rows.error());
+    if (rows->isEmpty() || recordNumber(rows->constFirst().constFirst()) == 0)
+        return CopyFailure{mayNotReplace};
+    return {};
+}
 
 Result<QStringList, CopyFailure> serverUsers(Records &server, OwnName own)
 {

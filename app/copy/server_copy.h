@@ -20,6 +20,9 @@ enum class OwnName {
 /// Who has it open, and what to do, for a person. `what` needs the store for itself: "a restore".
 [[nodiscard]] QString serverInUse(const QStringList &users, const QString &what);
 
+/// Why this machine may not replace the whole of a server's store, which takes the owner's leave; nothing when it may.
+[[nodiscard]] std::optional<CopyFailure> unlessMayReplace(Records &server);
+
 /// What becomes of the rows that a server's store holds.
 enum class ServerRows {
     MustBeNone, ///< else nothing is copied

@@ -156,8 +156,10 @@ void ActivityPage::take(Result<Found, QString> found)
     if (std::exchange(m_again, false))
         return search();
     const QString problem = found ? found->problem : found.error();
-    if (!problem.isEmpty())
-        return showOutcome(*m_outcome, u"\u26a0 What happened could not be read: %1."_s.arg(problem));
+    if (!problem.isEmpty()) {
+        const QString end = problem.endsWith(u'.') ? QString() : u"."_s;
+        return showOutcome(*m_outcome, u"\u26a0 What happened could not be read: "_s + problem + end);
+    }
     m_entries += found->entries;
     list();
     sayCount();

@@ -111,8 +111,7 @@ const RecordTable &import()
              "(ImportID bigint not null primary key, Kind text not null, State text not null, FileName text not null, "
              "FileHash text not null, Choices text not null, Owner text not null, StagedAt text not null, "
              "DoneAt text not null, DoneBy text not null, DoneUser text not null, TakenBackAt text not null, "
-             "TakenBackBy "
-             "text not null, "
+             "TakenBackBy text not null, "
              "NewRows bigint not null, ChangedRows bigint not null, UnchangedRows bigint not null, "
              "RefusedRows bigint not null)"_s},
         .figures = {u"NewCost"_s, u"NewLevel"_s, u"NewAvailable"_s, u"OldCost"_s, u"OldLevel"_s, u"OldAvailable"_s}};

@@ -17,8 +17,9 @@ using namespace harrowby::app;
 using namespace harrowby::app::test;
 using namespace std::chrono_literals;
 
-/// The server goes away while an office is open: each page says so, and works again as soon as the server is back.
-class OfficeGoneTest : public OfficeDesk
+/// What only an office on a server meets: the server goes away while it is open, each page says so, and works again as
+/// soon as the server is back; and a restore that the machine may not make.
+class OfficeOnServerTest : public OfficeDesk
 {
     Q_OBJECT
 
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void workSaysIt_data();
     void workSaysIt();
     void pagesThatWereBuiltMeanwhileAreRight();
+    void restoreSaysWhoMayMakeIt();
 
 private:
     using Cluster = harrowby::test::PrivateCluster;
@@ -66,7 +68,7 @@ QList<OutcomeOfPage> outcomes()
 
 } // namespace
 
-void OfficeGoneTest::init()
+void OfficeOnServerTest::init()
 {
     OfficeDesk::init();
     m_window.reset();
@@ -75,13 +77,13 @@ void OfficeGoneTest::init()
     m_window->show();
 }
 
-void OfficeGoneTest::cleanup()
+void OfficeOnServerTest::cleanup()
 {
     bringBack();
     OfficeDesk::cleanup();
 }
 
-void OfficeGoneTest::bringBack()
+void OfficeOnServerTest::bringBack()
 {
     if (server().isRunning())
         server().cont();
@@ -89,7 +91,7 @@ void OfficeGoneTest::bringBack()
         server().start();
 }
 
-void OfficeGoneTest::show(const QString &title)
+void OfficeOnServerTest::show(const QString &title)
 {
     m_shop->beginAction();
     QElapsedTimer held;
@@ -98,7 +100,7 @@ void OfficeGoneTest::show(const QString &title)
     QVERIFY2(held.elapsed() < longestHold, qPrintable(u"%1: %2 ms"_s.arg(title).arg(held.elapsed())));
 }
 
-void OfficeGoneTest::pressNow(const char *name)
+void OfficeOnServerTest::pressNow(const char *name)
 {
     m_shop->beginAction();
     QElapsedTimer held;
@@ -107,19 +109,19 @@ void OfficeGoneTest::pressNow(const char *name)
     QVERIFY2(held.elapsed() < longestHold, qPrintable(u"%1 ms"_s.arg(held.elapsed())));
 }
 
-void OfficeGoneTest::isSaid(const QString &words, const QString &what) const
+void OfficeOnServerTest::isSaid(const QString &words, const QString &what) const
 {
     QVERIFY2(words.contains(what) && words.contains(u"switched on"_s), qPrintable(words));
 }
 
-void OfficeGoneTest::pagesSayIt_data()
+void OfficeOnServerTest::pagesSayIt_data()
 {
     QTest::addColumn<bool>("hangs");
     QTest::newRow("killed") << false;
     QTest::newRow("hangs") << true;
 }
 
-void OfficeGoneTest::pagesSayIt()
+void OfficeOnServerTest::pagesSayIt()
 {
     QFETCH(const bool, hangs);
     showPage(u"Readers"_s);
@@ -140,7 +142,7 @@ void OfficeGoneTest::pagesSayIt()
 }
 
 /// In a box; what is stored stays, and is shown.
-void OfficeGoneTest::changesSayIt()
+void OfficeOnServerTest::changesSayIt()
 {
     choose(u"ANNA"_s);
     server().kill9();
@@ -158,7 +160,7 @@ void OfficeGoneTest::changesSayIt()
     QCOMPARE(read(u"select InventorySales from Users where Username = 'ANNA'"_s), u"-1"_s);
 }
 
-void OfficeGoneTest::workSaysIt_data()
+void OfficeOnServerTest::workSaysIt_data()
 {
     QTest::addColumn<QString>("page");
     QTest::addColumn<QString>("button");
@@ -174,7 +176,7 @@ void OfficeGoneTest::workSaysIt_data()
 }
 
 /// What works on a thread, over a connection of its own.
-void OfficeGoneTest::workSaysIt()
+void OfficeOnServerTest::workSaysIt()
 {
     QFETCH(const QString, page);
     QFETCH(const QString, button);
@@ -190,6 +192,8 @@ void OfficeGoneTest::workSaysIt()
     server().kill9();
     pressNow(button.toLatin1().constData());
     QTRY_VERIFY_WITH_TIMEOUT(said(label.constData()).contains(u'\u26a0'), 30000);
+    isSaid(said(label.constData()), QString());
+    QVERIFY2(!said(label.constData()).contains(u".."_s), qPrintable(said(label.constData())));
     QVERIFY(!QFile::exists(m_folder->filePath(u"items.csv"_s)) && !QFile::exists(m_folder->filePath(u"copy.db"_s)));
     bringBack();
     pressNow(button.toLatin1().constData());
@@ -199,7 +203,7 @@ void OfficeGoneTest::workSaysIt()
 }
 
 /// Nothing is shown as stored that could not be read.
-void OfficeGoneTest::pagesThatWereBuiltMeanwhileAreRight()
+void OfficeOnServerTest::pagesThatWereBuiltMeanwhileAreRight()
 {
     m_shop->run(u"insert into HarrowbySetting (Name, Value) values ('PaymentWays', 'Voucher')"_s);
     server().kill9();
@@ -221,5 +225,25 @@ void OfficeGoneTest::pagesThatWereBuiltMeanwhileAreRight()
     QCOMPARE(part<QLineEdit>("paymentWays")->text(), u"Voucher"_s);
 }
 
-HARROWBY_TEST(app_office_gone_test, OfficeGoneTest)
-#include "office_gone_test.moc"
+/// Only an office that acts for the owner may replace the store. It is said before the office closes for it.
+void OfficeOnServerTest::restoreSaysWhoMayMakeIt()
+{
+    show(u"Backup"_s);
+    part<QLineEdit>("backupPlace")->setText(m_folder->filePath(u"copy.db"_s));
+    pressNow("startBackup");
+    QTRY_VERIFY_WITH_TIMEOUT(said("backupOutcome").contains(u"made and checked"_s), 30000);
+    QString refusal;
+    inNextDialog([&](QDialog &dialog) {
+        auto *start = dialog.findChild<QPushButton *>(u"startRestore"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(start->isEnabled(), 30000);
+        start->click();
+        refusal = dialog.findChild<QLabel *>(u"restoreOutcome"_s)->text();
+        dialog.reject();
+    });
+    pressNow("restoreBackup");
+    QVERIFY2(refusal.contains(u"add-office NAME --owner"_s), qPrintable(refusal));
+    QVERIFY(m_window->isVisible());
+}
+
+HARROWBY_TEST(app_office_on_server_test, OfficeOnServerTest)
+#include "office_on_server_test.moc"
