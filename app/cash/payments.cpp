@@ -49,9 +49,20 @@ Payments::~Payments()
 
 void Payments::settleSoon()
 {
-    QTimer::singleShot(m_station.restMs, this, [this] {
-        Settlement(m_records, m_station.locks.get(), {m_run.number(), m_station.drawer}).settle(m_station.now());
-    });
+    QTimer::singleShot(m_station.restMs, this, &Payments::settle);
+}
+
+void Payments::settle()
+{
+    Settlement settlement(m_records, m_station.locks.get(), {m_run.number(), m_station.drawer});
+    settlement.settle(m_station.now());
+    m_isUndecided = settlement.isUndecided();
+}
+
+void Payments::settleAgain()
+{
+    if (m_isUndecided)
+        settle();
 }
 
 void Payments::noteRun()

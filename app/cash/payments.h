@@ -58,6 +58,10 @@ public:
     /// done, where the parts do not add up to sum().
     CounterAnswer pay(const QList<PaymentPart> &parts);
 
+    /// Where it cannot always be told at once which runs have died: to be called again and again while the store can be
+    /// reached. Does nothing once all is settled.
+    void settleAgain();
+
     [[nodiscard]] QString drawer() const { return m_station.drawer; }
 
 Q_SIGNALS:
@@ -72,6 +76,7 @@ Q_SIGNALS:
 
 private:
     void settleSoon();
+    void settle();
     void noteRun();
     void followClock();
     void advanceClock();
@@ -87,8 +92,9 @@ private:
     PaymentTable m_table;
     TillRun m_run;
     PaymentQueue m_queue;
-    QList<Payment> m_intents; ///< whose purchase the counter has not told of yet
-    bool m_inDoubt = false;   ///< something was left for the next start
+    QList<Payment> m_intents;   ///< whose purchase the counter has not told of yet
+    bool m_inDoubt = false;     ///< something was left for the next start
+    bool m_isUndecided = false; ///< whether runs that have not ended live
 };
 
 } // namespace harrowby::app

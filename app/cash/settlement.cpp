@@ -71,18 +71,21 @@ bool Settlement::settle(const QDateTime &now)
     return kept && *kept;
 }
 
-bool Settlement::isDead(const Run &run) const
+bool Settlement::isDead(const Run &run)
 {
     if (run.number == m_place.run)
         return false;
     if (!run.isLocked)
         return run.started.secsTo(m_now) > longestUnlockedRunSeconds;
-    return m_locks->holderOf(run.number) == RunLocks::Holder::Nobody;
+    const auto holder = m_locks->holderOf(run.number);
+    m_isUndecided = m_isUndecided || holder == RunLocks::Holder::NotKnown;
+    return holder == RunLocks::Holder::Nobody;
 }
 
-Records::Answer<QList<Run>> Settlement::deadRuns() const
+Records::Answer<QList<Run>> Settlement::deadRuns()
 {
     auto runs = openRuns(m_records);
+    m_isUndecided = !runs;
     if (runs)
         runs->removeIf([this](const Run &run) { return !isDead(run); });
     return runs;

@@ -41,6 +41,8 @@ public:
     /// Whether there were dead runs, and all of them are settled. What fails is told by the records, and left to the
     /// next start.
     bool settle(const QDateTime &now);
+    /// Whether another look may find more: of some run it could not be told, or not yet, whether it lives.
+    [[nodiscard]] bool isUndecided() const { return m_isUndecided; }
 
 private:
     struct Purchase
@@ -52,8 +54,8 @@ private:
         QString seller;
     };
 
-    [[nodiscard]] bool isDead(const Run &run) const;
-    [[nodiscard]] Records::Answer<QList<Run>> deadRuns() const;
+    [[nodiscard]] bool isDead(const Run &run);
+    [[nodiscard]] Records::Answer<QList<Run>> deadRuns();
     [[nodiscard]] bool settleRuns();
     [[nodiscard]] bool readIntents();
     [[nodiscard]] Records::Answer<QStringList> oddPurchases() const;
@@ -73,6 +75,7 @@ private:
     QDateTime m_now;
     QList<Run> m_dead;
     QString m_since;
+    bool m_isUndecided = false;
     QHash<QString, QList<Payment>> m_intents; ///< of dead runs, by what was sold
 };
 

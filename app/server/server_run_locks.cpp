@@ -7,7 +7,19 @@
 
 namespace harrowby::app {
 
-ServerRunLocks::ServerRunLocks(ServerStore &store) : m_store(&store) {}
+namespace {
+
+std::chrono::milliseconds steadyNow()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+} // namespace
+
+ServerRunLocks::ServerRunLocks(ServerStore &store, Clock clock) :
+    m_store(&store), m_clock(clock ? std::move(clock) : Clock(steadyNow))
+{
+}
 
 ServerRunLocks::~ServerRunLocks() = default;
 
@@ -24,12 +36,8 @@ Result<void, QString> ServerRunLocks::hold(std::int64_t run)
     return {};
 }
 
-RunLocks::Holder ServerRunLocks::holderOf(std::int64_t run) const
+RunLocks::Holder ServerRunLocks::look(std::int64_t run) const
 {
-    if (m_held.contains(run))
-        return Holder::Somebody;
-    if (m_store == nullptr)
-        return Holder::NotKnown;
     switch (m_store->holderOf(run)) {
     case ServerStore::Holder::Nobody:
         return Holder::Nobody;
@@ -40,17 +48,35 @@ RunLocks::Holder ServerRunLocks::holderOf(std::int64_t run) const
     }
 }
 
+RunLocks::Holder ServerRunLocks::holderOf(std::int64_t run) const
+{
+    if (m_held.contains(run))
+        return Holder::Somebody;
+    if (m_store == nullptr)
+        return Holder::NotKnown;
+    const Holder holder = look(run);
+    if (holder != Holder::Nobody) {
+        m_freeSince.erase(run);
+        return holder;
+    }
+    const Milliseconds now = m_clock();
+    const Milliseconds since = m_freeSince.try_emplace(run, now).first->second;
+    return now - since < grace ? Holder::NotKnown : Holder::Nobody;
+}
+
 void ServerRunLocks::renew()
 {
     if (m_store == nullptr)
         return;
     for (const auto &[run, lock] : m_held)
         (void)m_store->holderOf(run); // takes it again where it was lost
+    std::erase_if(m_freeSince, [this](const auto &free) { return look(free.first) != Holder::Nobody; });
 }
 
 void ServerRunLocks::close()
 {
     m_held.clear();
+    m_freeSince.clear();
     m_store = nullptr;
 }
 

@@ -33,15 +33,15 @@ PostgresOptions optionsOf(const app::ServerOptions &options)
 }
 
 /// Where the connection is, for a session that outlives no change of the server: it is connected anew then.
-SessionLocks::Target besides(const std::shared_ptr<PostgresConnection> &connection)
+SessionLocks::WhereNow besides(const std::shared_ptr<PostgresConnection> &connection)
 {
-    return [connection]() -> std::optional<PgTarget> {
+    return [connection]() -> std::optional<SessionLocks::Place> {
         postgres::ServerAccess &access = postgres::ConnectionParts::of(*connection).access;
         if (access.session().isLost())
             return {};
         PgTarget target = access.targetBeside();
         target.use = PgTarget::Use::Work;
-        return target;
+        return SessionLocks::Place{std::move(target), access.sessionsMade()};
     };
 }
 

@@ -13,53 +13,55 @@ namespace {
 
 using Holder = app::ServerStore::Holder;
 
-} // namespace
-
-SessionLocks::SessionLocks(Target target, PgWaits waits) : m_target(std::move(target)), m_waits(std::move(waits)) {}
-
-/// What was held is taken again at once: as long as it is not, this program counts as dead. Where the store's session
-/// has gone to, the locks go, too.
-Result<void, PgError> SessionLocks::reach()
+QByteArray keyOf(std::int64_t number)
 {
-    const auto target = m_target();
-    const bool isThere =
-        !m_session.isLost() && !m_session.hasEnded() && (!target || target->server == m_session.server());
-    if (isThere)
-        return takeMissing();
-    if (!target)
-        return Unexpected(PgError{PgError::Kind::CannotConnect, {}, u"There is no connection to the server"_s, false});
-    if (auto connected = m_session.connect(*target, m_waits); !connected)
-        return connected;
-    m_missing = m_held;
-    auto taken = takeMissing();
-    for (const std::int64_t number : std::as_const(m_missing))
-        qCWarning(lcStore) << "The lock" << number << "is somebody else's at present";
-    return taken;
+    return "hashtextextended('run " + QByteArray::number(static_cast<qlonglong>(number)) + "', 0)";
 }
 
-/// The server may not know yet that the session is gone which had them.
+} // namespace
+
+SessionLocks::SessionLocks(WhereNow whereNow, PgWaits waits) :
+    m_whereNow(std::move(whereNow)), m_waits(std::move(waits))
+{
+}
+
+/// A session that nothing is sent over does not notice for minutes that its server is gone; so it is made anew whenever
+/// the store's own was.
+Result<void, PgError> SessionLocks::reach()
+{
+    const auto place = m_whereNow();
+    const bool isGone = m_session.isLost() || m_session.hasEnded();
+    if (isGone && !place)
+        return Unexpected(PgError{PgError::Kind::CannotConnect, {}, u"There is no connection to the server"_s, false});
+    if (isGone || (place && place->session != m_beside)) {
+        m_taken.clear();
+        if (auto connected = m_session.connect(place->target, m_waits); !connected)
+            return connected;
+        m_beside = place->session;
+    }
+    return takeMissing();
+}
+
+/// As long as one is missing, this program counts as dead. It cannot be had while the server has not noticed yet that
+/// the session before this one is gone.
 Result<void, PgError> SessionLocks::takeMissing()
 {
-    const QList<std::int64_t> missing = m_missing.values();
+    const QSet<std::int64_t> missing = m_held - m_taken;
     for (const std::int64_t number : missing) {
         const auto taken = tryLock(number);
         if (!taken)
             return Unexpected(taken.error());
         if (*taken)
-            m_missing.remove(number);
+            m_taken << number;
+        else
+            qCDebug(lcStore) << "Another session has the lock" << number << "still";
     }
     return {};
 }
 
-Result<PgResults, PgError> SessionLocks::run(const QByteArray &function, std::int64_t number)
-{
-    return m_session.run("select " + function + "(hashtextextended('run " +
-                         QByteArray::number(static_cast<qlonglong>(number)) + "', 0))");
-}
-
 Result<bool, PgError> SessionLocks::tryLock(std::int64_t number)
 {
-    const auto results = run("pg_try_advisory_lock", number);
+    const auto results = m_session.run("select pg_try_advisory_lock(" + keyOf(number) + ")");
     if (!results)
         return Unexpected(results.error());
     return results->back().isTrue(0, 0);
@@ -75,30 +77,32 @@ Result<void, QString> SessionLocks::take(std::int64_t number)
     if (!*taken)
         return Unexpected(u"another program has it"_s);
     m_held << number;
+    m_taken << number;
     return {};
 }
 
 void SessionLocks::release(std::int64_t number)
 {
-    const bool isMissing = m_missing.remove(number);
-    if (m_held.remove(number) && !isMissing && !m_session.isLost())
-        (void)run("pg_advisory_unlock", number);
+    m_held.remove(number);
+    if (m_taken.remove(number) && !m_session.isLost())
+        (void)m_session.run("select pg_advisory_unlock(" + keyOf(number) + ")");
 }
 
-/// A lock that can be had is nobody's; a session can take its own once more.
+/// Looks, and takes nothing: who lives may be about to take it again.
 Holder SessionLocks::holderOf(std::int64_t number)
 {
     if (!reach())
         return Holder::NotKnown;
     if (m_held.contains(number))
         return Holder::Somebody;
-    const auto taken = tryLock(number);
-    if (!taken)
+    const auto results =
+        m_session.run("select exists (select 1 from pg_locks where locktype = 'advisory' and granted "
+                      "and database = (select oid from pg_database where datname = current_database()) "
+                      "and classid::bigint << 32 | objid::bigint = " +
+                      keyOf(number) + " and objsubid = 1)");
+    if (!results)
         return Holder::NotKnown;
-    if (!*taken)
-        return Holder::Somebody;
-    (void)run("pg_advisory_unlock", number);
-    return Holder::Nobody;
+    return results->back().isTrue(0, 0) ? Holder::Somebody : Holder::Nobody;
 }
 
 void SessionLocks::keep()

@@ -18,29 +18,35 @@ namespace harrowby::server {
 class SessionLocks
 {
 public:
-    /// Where the store's own session is connected to. Empty: nowhere.
-    using Target = std::function<std::optional<PgTarget>()>;
+    /// Where the store's own session is connected to.
+    struct Place
+    {
+        PgTarget target;
+        int session = 0; ///< another one each time that it was made anew
+    };
+    using WhereNow = std::function<std::optional<Place>()>; ///< empty: nowhere
 
-    SessionLocks(Target target, PgWaits waits);
+    SessionLocks(WhereNow whereNow, PgWaits waits);
 
     /// Takes it, or says why it cannot be had.
     [[nodiscard]] Result<void, QString> take(std::int64_t number);
     void release(std::int64_t number);
     [[nodiscard]] app::ServerStore::Holder holderOf(std::int64_t number);
-    /// Takes what is held again when the session has broken; what somebody else has meanwhile as soon as it is free.
+    /// Takes what is held again when the session has broken, or the store's own had to be made anew; what somebody else
+    /// has meanwhile, as soon as it is free.
     void keep();
 
 private:
     [[nodiscard]] Result<void, PgError> reach();
     [[nodiscard]] Result<void, PgError> takeMissing();
     [[nodiscard]] Result<bool, PgError> tryLock(std::int64_t number);
-    [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &function, std::int64_t number);
 
-    Target m_target;
+    WhereNow m_whereNow;
     PgWaits m_waits;
     PgSession m_session;
-    QSet<std::int64_t> m_held;
-    QSet<std::int64_t> m_missing; ///< of these: not taken again yet
+    int m_beside = 0;           ///< the store's own session that this one was made beside
+    QSet<std::int64_t> m_held;  ///< what is to be held
+    QSet<std::int64_t> m_taken; ///< of those, what this session has
 };
 
 } // namespace harrowby::server

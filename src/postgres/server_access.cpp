@@ -63,8 +63,10 @@ Result<void, PgError> ServerAccess::connect()
 {
     auto connected = m_session.connect(m_target, m_waits);
     m_trouble = connected ? std::nullopt : std::optional(connected.error());
-    if (connected)
-        m_target.leastTimeline = std::max(m_target.leastTimeline, m_session.server().timeline);
+    if (!connected)
+        return connected;
+    ++m_sessionsMade;
+    m_target.leastTimeline = std::max(m_target.leastTimeline, m_session.server().timeline);
     return connected;
 }
 

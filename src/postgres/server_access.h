@@ -45,6 +45,8 @@ public:
     [[nodiscard]] PgSession &session() { return m_session; }
     /// Counts what the session has waited for others' locks to the action.
     void noteLocks() { m_time.spendLock(m_session.takeLockWait()); }
+    /// How often the session has been made.
+    [[nodiscard]] int sessionsMade() const { return m_sessionsMade; }
     /// Of the next statement.
     [[nodiscard]] PgBudget budget() const;
     /// For a further session on the same server.
@@ -60,6 +62,7 @@ private:
     PgWaits m_waits;
     ActionTime &m_time;
     PgSession m_session;
+    int m_sessionsMade = 0;
     std::optional<PgError> m_trouble; ///< since the session was made, or could not be
 };
 

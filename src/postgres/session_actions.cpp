@@ -51,7 +51,7 @@ SessionActions::SessionActions(PgSession &session, Connect connect) : m_session(
 void SessionActions::enter(Phase phase)
 {
     m_phase = phase;
-    m_isGivenUp = false;
+    const bool wasGivenUp = std::exchange(m_isGivenUp, false);
     m_wasReached = false;
     switch (phase) {
     case Phase::Sending:
@@ -61,7 +61,7 @@ void SessionActions::enter(Phase phase)
         m_deadline = QDeadlineTimer(m_patience.resending);
         break;
     case Phase::Claiming:
-        m_deadline = QDeadlineTimer(m_patience.claiming);
+        m_deadline = QDeadlineTimer(wasGivenUp ? m_patience.lastTry : m_patience.claiming);
         break;
     }
 }

@@ -17,6 +17,7 @@ struct ActionPatience
     std::chrono::milliseconds sending{2000};    ///< nothing of it is under way: the server cannot be reached
     std::chrono::milliseconds resending{60000}; ///< it may be under way
     std::chrono::milliseconds claiming{7000};   ///< until it is told as unknown
+    std::chrono::milliseconds lastTry{1500};    ///< the same after a person has had enough: one more try
 };
 
 /// The server of Actions over a session, which others may use in between.

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void intentOfAnotherDayIsNotTaken();
     void clockThatWentBackHidesNothing();
     void livingRunIsLeftAlone();
+    void runThatMayLiveIsLookedAtAgain();
     void livingRunPutsItsOwnInPlaceOfTheCounted();
     void livingRunGivesAMatchedIntentBack();
     void runWithoutALockIsDeadADayLater();
@@ -224,6 +225,40 @@ void SettlementTest::clockThatWentBackHidesNothing()
     startRun();
     QCOMPARE(sums(), u"250 of 250"_s);
     QCOMPARE(payments().first().section(u'|', 2, 9), u"Cash|250|250|250|ADMINISTRATOR|Front|1|2"_s);
+}
+
+/// As on a server that has just come back: whose lock is free may be about to take it again.
+void SettlementTest::runThatMayLiveIsLookedAtAgain()
+{
+    class TurnedLocks final : public RunLocks
+    {
+    public:
+        Holder holder = Holder::NotKnown;
+        Result<void, QString> hold(std::int64_t) override { return {}; }
+        [[nodiscard]] Holder holderOf(std::int64_t) const override { return holder; }
+    };
+    endRun();
+    addRun(7);
+    addPurchase(u"HV1"_s, tea, u"2.5"_s, 40);
+    const auto locks = std::make_shared<TurnedLocks>();
+    Payments start(counter(), *m_records, CashStation{u"Front"_s, locks, [this] { return m_till->clock->now(); }, 0});
+    takeEvents();
+    QCOMPARE(payments(), QStringList());
+    locks->holder = RunLocks::Holder::Somebody;
+    start.settleAgain();
+    locks->holder = RunLocks::Holder::Nobody;
+    m_fuss->texts.clear();
+    start.settleAgain(); // all was settled: nothing is asked any more
+    QCOMPARE(m_fuss->texts, QStringList());
+    QCOMPARE(payments(), QStringList());
+
+    Payments next(counter(), *m_records, CashStation{u"Front"_s, locks, [this] { return m_till->clock->now(); }, 0});
+    locks->holder = RunLocks::Holder::NotKnown;
+    takeEvents();
+    locks->holder = RunLocks::Holder::Nobody;
+    next.settleAgain();
+    QCOMPARE(sums(), u"250 of 250"_s);
+    QVERIFY(!openRunNumbers().contains(u"7"_s));
 }
 
 void SettlementTest::livingRunIsLeftAlone()

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void rowsThatAreChangedAreTold();
     void locksOfPrograms();
     void lockThatAnotherHadMeanwhile();
+    void lockFollowsTheStoresSession();
     void protection();
 
 private:
@@ -585,6 +586,31 @@ void RecordsServerTest::lockThatAnotherHadMeanwhile()
     QVERIFY(other->holderOf(17) == Holder::Somebody);
     *lock = nullptr;
     QVERIFY(other->holderOf(17) == Holder::Nobody);
+}
+
+/// The till works on where it can be reached; the session of its locks hangs on a way that is silent, and nobody tells
+/// it. The server has its lock still, and gives it up minutes later.
+void RecordsServerTest::lockFollowsTheStoresSession()
+{
+    using Holder = ServerStore::Holder;
+    Proxy otherWay(m_server->cluster.port());
+    otherWay.refuse(true);
+    const auto till = open(u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(
+        QString::number(m_proxy->port()), QString::number(otherWay.port())));
+    const auto other = open(m_server->cluster.tcpConninfo());
+    const auto lock = till->lock(19);
+    QVERIFY(lock);
+    otherWay.refuse(false);
+    m_proxy->goSilent();
+    const auto isThere = [&] { return !till->tryAgain() && till->records()->read({u"select 1"_s, {}}).has_value(); };
+    QTRY_VERIFY(isThere());
+    QVERIFY(!till->tryAgain());
+    QVERIFY(other->holderOf(19) == Holder::Somebody);
+    m_server->cluster.sql(u"select pg_terminate_backend(pid, 5000) from pg_locks where locktype = 'advisory'"_s);
+    QVERIFY(!till->tryAgain());
+    QVERIFY(other->holderOf(19) == Holder::Somebody);
+    QCOMPARE(m_server->cluster.sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s).constFirst(),
+             u"1"_s); // who looks takes nothing
 }
 
 void RecordsServerTest::protection()
