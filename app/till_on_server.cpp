@@ -6,6 +6,7 @@
 #include "app/records/server_engine.h"
 #include "app/search/search_choice.h"
 #include "app/selling.h"
+#include "app/server/missed_reading.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
 #include "app/server/server_run_locks.h"
@@ -27,9 +28,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::app {
 
 namespace {
-
-/// Other tills that live have taken their locks again by then, should the server have just come back.
-constexpr int settlingRestMs = 30'000;
 
 void tellServer(Banner &banner, const ServerWatch::State &state)
 {
@@ -69,8 +67,10 @@ void followMissedStock(ServerStore &store, Till *till, FailureNotice &notice)
 class ServerAttendance
 {
 public:
-    ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks, const SaleFollower &follower) :
-        m_watch(address), m_store(store), m_locks(locks), m_follower(follower)
+    ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks, const SaleFollower &follower,
+                     MissedReading &missed) :
+        m_watch(address),
+        m_store(store), m_locks(locks), m_follower(follower), m_missed(missed)
     {
     }
 
@@ -79,7 +79,10 @@ public:
         Banner &banner = till.banner();
         QObject::connect(&m_watch, &ServerWatch::changed, &till,
                          [&banner](const ServerWatch::State &state) { tellServer(banner, state); });
-        QObject::connect(&m_watch, &ServerWatch::answered, &till, [this](bool isBack) { lookAgain(isBack); });
+        QObject::connect(&m_watch, &ServerWatch::answered, &till, [this, &till](bool isBack) {
+            lookAgain(isBack);
+            till.payments().settleAgain();
+        });
     }
 
 private:
@@ -89,30 +92,40 @@ private:
         if ((isBack || m_follower.isInDoubt()) && m_watch.state().protection != "waiting"_L1)
             (void)m_store.tryAgain(); // what fails now is tried again
         m_locks.renew();              // asks the server only where their session has ended
+        m_missed.serverAnswers(isBack);
     }
 
     ServerWatch m_watch;
     ServerStore &m_store;
     ServerRunLocks &m_locks;
     const SaleFollower &m_follower;
+    MissedReading &m_missed;
 };
+
+/// Not while a box is open, or the window loads; a window that comes later reads by itself.
+bool readAgain()
+{
+    return Counter::instance().readAgain() == CounterAnswer::Done;
+}
 
 int sellFromServer(const CommandLine &line, const QString &address, ServerStore &store, Records &records,
                    FailureNotice &notice)
 {
     const std::shared_ptr<DbConnection> connection = store.connection();
     SaleFollower follower(Counter::instance(), notice);
-    connection->setFailureHandler(
-        [&follower, raw = connection.get()](const DbFailure &failure) { follower.note(failure, raw->lastWrite()); });
+    MissedReading missed(readAgain);
+    connection->setFailureHandler([&follower, &missed, raw = connection.get()](const DbFailure &failure) {
+        follower.note(failure, raw->lastWrite());
+        missed.note(failure);
+    });
     records.setFailureHandler([&follower](const DbFailure &failure) {
         follower.note(failure, Records::isUnknown(failure) ? WriteOutcome::Unknown : WriteOutcome::Refused);
     });
     store.setResolvedHandler([&follower](const QString &what, bool isDone) { follower.settle(what, isDone); });
     const auto locks = std::make_shared<ServerRunLocks>(store);
-    ServerAttendance attendance(address, store, *locks, follower);
+    ServerAttendance attendance(address, store, *locks, follower, missed);
     TillStore open = {connection, records, {}, u"Check the server, then start the till again."_s};
     open.cash = {drawerName(line.drawer, {savedSetting, saveSetting}), locks};
-    open.cash.restMs = settlingRestMs;
     open.furnish = [&](Till &till) {
         followMissedStock(store, &till, notice);
         attendance.attend(till);
@@ -136,7 +149,7 @@ Result<int, ExitCode> runTillOnServer(const CommandLine &line, const QString &st
     options.location = QApplication::applicationDirPath();
     options.waitHook = [&wait](const DbWait &what) { return wait.goesOn(what); };
     options.findsAnywhere = [&records] { return records && SearchChoice(*records, true).findsAnywhere(); };
-    options.resolvedHandler = [&notice](const QString &what, bool isDone) { notice.settle(what, isDone); };
+    options.resolvedHandler = [&notice](const QString &what, bool isDone) { tellSettled(notice, what, isDone); };
     auto opened = openServerStore(store, options);
     if (!opened) {
         tellProblem(opened.error());

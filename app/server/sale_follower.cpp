@@ -58,16 +58,21 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
 void SaleFollower::settle(const QString &statement, bool isDone)
 {
     m_doubts = std::max(m_doubts - 1, 0); // those of an earlier program have not been counted
+    tellSettled(m_notice, statement, isDone);
+}
+
+void tellSettled(FailureNotice &notice, const QString &statement, bool isDone)
+{
     const auto line = missOf(statement);
     if (!line || line->kind != StockMiss::Kind::NotLowered)
-        return m_notice.settle(statement, isDone);
+        return notice.settle(statement, isDone);
     const QString work = isDone ? u"Known now: the stock of %1 was lowered."_s
                                 : u"Known now: %1 was sold, but its stock was not lowered."_s;
     const auto subject = u"settled line"_s;
-    m_notice.tellOver(subject); // each is told
-    m_notice.tell({subject, work.arg(lineWords(*line)), u"the server has been asked"_s,
-                   isDone ? u"Nothing is left to do."_s : u"Have the item counted."_s, true, true,
-                   Notice::Outcome::Settled});
+    notice.tellOver(subject); // each is told
+    notice.tell({subject, work.arg(lineWords(*line)), u"the server has been asked"_s,
+                 isDone ? u"Nothing is left to do."_s : u"Have the item counted."_s, true, true,
+                 Notice::Outcome::Settled});
 }
 
 void SaleFollower::follow(const CounterPurchase &purchase)

@@ -65,4 +65,7 @@ private:
     std::vector<Cart> m_back; ///< that are to come back
 };
 
+/// Tells of a write that was not known, perhaps of an earlier program's, what has become of it.
+void tellSettled(FailureNotice &notice, const QString &statement, bool isDone);
+
 } // namespace harrowby::app

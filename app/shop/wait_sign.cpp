@@ -126,6 +126,16 @@ QWidget *windowInFront()
     return largest;
 }
 
+/// Of a box that was answered right before the wait, the picture would stay there until the wait is over.
+void repaintWindows()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (canBear(window))
+            window->repaint();
+    }
+}
+
 } // namespace
 
 /// Paints itself completely, so that the window's style sheet does not matter.
@@ -262,7 +272,8 @@ void WaitSign::showIn(QWidget &window)
     m_sign->setFace({m_words, m_step});
     m_sign->show();
     m_sign->raise();
-    m_sign->repaint();
+    m_sign->repaint(); // first: the others take longer
+    repaintWindows();
     QMetaObject::invokeMethod(m_sign, &QWidget::hide, Qt::QueuedConnection); // also in the loop of a box
 }
 

@@ -21,6 +21,7 @@ struct WaitWords
 
 /// A small board that says what is waited for while the event loop does not run. Paints itself at once: as a child of
 /// the window in front, or, while there is none yet, as a window in the middle of the screen. Hidden by the next event.
+/// When it comes, the program's windows are painted once more.
 /// After how long it is shown: wait_times.h.
 class WaitSign
 {

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void adviceOfAServer_data();
     void adviceOfAServer();
     void waitIsShownInTime();
+    void windowsArePaintedOnceWhenASignComes();
     void waitsAreNotAddedUp();
     void signSaysWhatIsWaitedFor_data();
     void signSaysWhatIsWaitedFor();
@@ -188,6 +189,33 @@ struct Waiting
     ServerWait wait{{}, [this] { return now; }};
 };
 
+/// How often these windows paint themselves.
+class PaintCounter : public QObject
+{
+public:
+    explicit PaintCounter(const QList<QWidget *> &windows) : m_windows(windows)
+    {
+        for (QWidget *window : windows)
+            window->installEventFilter(this);
+        forget();
+    }
+
+    [[nodiscard]] const QList<int> &counts() const { return m_counts; }
+    void forget() { m_counts = QList<int>(m_windows.size(), 0); }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++m_counts[m_windows.indexOf(static_cast<QWidget *>(watched))];
+        return false;
+    }
+
+private:
+    QList<QWidget *> m_windows;
+    QList<int> m_counts;
+};
+
 } // namespace
 
 /// The hook is called every 50 ms at most, the first time 50 ms after the wait has begun; no 100 ms pass between two
@@ -204,6 +232,26 @@ void ServerTillTest::waitIsShownInTime()
     QVERIFY(till.picture() != first); // something moves
     QCoreApplication::processEvents();
     QVERIFY(till.sign() == nullptr);
+}
+
+/// So nothing stays of a box that was answered right before; and what is painted again and again is the sign alone.
+void ServerTillTest::windowsArePaintedOnceWhenASignComes()
+{
+    Waiting till;
+    QWidget customers;
+    customers.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&customers));
+    PaintCounter counter({&till.window, &customers});
+    QVERIFY(till.at(0ms));
+    QCOMPARE(counter.counts(), (QList<int>{0, 0}));
+    for (auto moment = 50ms; moment <= 500ms; moment += 50ms)
+        QVERIFY(till.at(moment));
+    QCOMPARE(counter.counts(), (QList<int>{1, 1}));
+    QCoreApplication::processEvents(); // the sign goes
+    counter.forget();
+    QVERIFY(till.at(1000ms));
+    QVERIFY(till.at(1050ms));
+    QCOMPARE(counter.counts(), (QList<int>{1, 1}));
 }
 
 /// Statements that wait a little each, with pauses between them, are no wait to be shown.
