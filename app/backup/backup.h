@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include "app/work/watch.h"
 
-#include <functional>
+#include <QString>
 
 struct sqlite3;
 
@@ -34,7 +34,7 @@ struct BackupResult
 
 /// Called with the progress; returning false stops the backup, and must go on returning false. During the check it is
 /// called on another thread.
-using BackupWatch = std::function<bool(const BackupProgress &)>;
+using BackupWatch = Watch<BackupProgress>;
 
 /// Copies a store, a file's or a server's, while tills sell from it. The copy is a store file and holds the store as it
 /// was at one moment, is checked, and gets its name only then: until it is done, and when it fails, nothing is at the

@@ -58,6 +58,14 @@ FileRunLocks::FileRunLocks(const QString &storePath)
     m_path = runLocksOf(m_storePath);
 }
 
+QList<RunLocks::Holder> RunLocks::holdersOf(const QList<std::int64_t> &runs) const
+{
+    QList<Holder> holders;
+    for (const std::int64_t run : runs)
+        holders << holderOf(run);
+    return holders;
+}
+
 FileRunLocks::~FileRunLocks()
 {
     struct flock all = byteOf(0);

@@ -3,6 +3,7 @@
 
 #include "basic/result.h"
 
+#include <QList>
 #include <QSet>
 #include <QString>
 
@@ -29,6 +30,8 @@ public:
     /// Takes the lock of this run, or says why it cannot be had. Held until this object goes.
     [[nodiscard]] virtual Result<void, QString> hold(std::int64_t run) = 0;
     [[nodiscard]] virtual Holder holderOf(std::int64_t run) const = 0;
+    /// Of all of them, in their order.
+    [[nodiscard]] virtual QList<Holder> holdersOf(const QList<std::int64_t> &runs) const;
 };
 
 /// Locks in an empty file beside the store, STORE-runs: for each run one byte, at the place of its number. They are

@@ -2,6 +2,7 @@
 #include "app/cash/runs.h"
 
 #include "app/records/record_tables.h"
+#include "app/records/statement_pieces.h"
 #include "basic/dates.h"
 #include "basic/logging.h"
 
@@ -25,11 +26,24 @@ Records::Answer<QList<Run>> openRuns(Records &records)
     return runs;
 }
 
-bool noteEnd(Records &records, std::int64_t run, const QDateTime &moment)
+bool noteEnd(Records &records, const QList<std::int64_t> &runs, const QDateTime &moment)
 {
-    return records
-        .write(kept::payment(), {u"update HarrowbyRun set EndedAt = ? where Run = ?"_s, {recordTime(moment), run}})
-        .has_value();
+    return writeOfRuns(records, u"update HarrowbyRun set EndedAt = ? where Run in (%1)"_s, {recordTime(moment)}, runs);
+}
+
+bool writeOfRuns(Records &records, const QString &text, const QList<RecordValue> &values,
+                 const QList<std::int64_t> &runs)
+{
+    constexpr qsizetype runsInOneWrite = 500;
+    for (qsizetype first = 0; first < runs.size(); first += runsInOneWrite) {
+        const auto some = runs.mid(first, runsInOneWrite);
+        RecordStatement statement = {text.arg(placesFor(some.size())), values};
+        for (const std::int64_t run : some)
+            statement.values << run;
+        if (!records.write(kept::payment(), statement))
+            return false;
+    }
+    return true;
 }
 
 TillRun::TillRun(Records &records, std::shared_ptr<RunLocks> locks, QString drawer) :
@@ -82,7 +96,7 @@ void TillRun::setSince(const QString &since)
 
 void TillRun::end(const QDateTime &now)
 {
-    if (isNoted() && noteEnd(m_records, m_run.number, now))
+    if (isNoted() && noteEnd(m_records, {m_run.number}, now))
         m_run.number = 0;
 }
 

@@ -25,7 +25,11 @@ struct Run
 /// The runs that have not ended themselves: they live, or died, or have left something to settle.
 [[nodiscard]] Records::Answer<QList<Run>> openRuns(Records &records);
 /// False when it could not be noted, which has been told.
-[[nodiscard]] bool noteEnd(Records &records, std::int64_t run, const QDateTime &moment);
+[[nodiscard]] bool noteEnd(Records &records, const QList<std::int64_t> &runs, const QDateTime &moment);
+/// Writes what is said of these runs: in the place of "%1" in the text stand their numbers, as the last values. All of
+/// them in a few statements, as a server answers each.
+[[nodiscard]] bool writeOfRuns(Records &records, const QString &text, const QList<RecordValue> &values,
+                               const QList<std::int64_t> &runs);
 
 /// The run of this process at the till.
 class TillRun

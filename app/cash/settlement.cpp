@@ -71,23 +71,34 @@ bool Settlement::settle(const QDateTime &now)
     return kept && *kept;
 }
 
-bool Settlement::isDead(const Run &run)
+/// Of these, the ones whose lock nobody holds; a run that could not hold it is not among them.
+QSet<std::int64_t> Settlement::withoutHolder(const QList<Run> &runs)
 {
-    if (run.number == m_place.run)
-        return false;
-    if (!run.isLocked)
-        return run.started.secsTo(m_now) > longestUnlockedRunSeconds;
-    const auto holder = m_locks->holderOf(run.number);
-    m_isUndecided = m_isUndecided || holder == RunLocks::Holder::NotKnown;
-    return holder == RunLocks::Holder::Nobody;
+    QList<std::int64_t> asked;
+    for (const Run &run : runs) {
+        if (run.isLocked && run.number != m_place.run)
+            asked << run.number;
+    }
+    const auto holders = m_locks->holdersOf(asked);
+    m_isUndecided = m_isUndecided || holders.contains(RunLocks::Holder::NotKnown);
+    QSet<std::int64_t> free;
+    for (qsizetype i = 0; i < asked.size(); ++i) {
+        if (holders.at(i) == RunLocks::Holder::Nobody)
+            free << asked.at(i);
+    }
+    return free;
 }
 
 Records::Answer<QList<Run>> Settlement::deadRuns()
 {
     auto runs = openRuns(m_records);
     m_isUndecided = !runs;
-    if (runs)
-        runs->removeIf([this](const Run &run) { return !isDead(run); });
+    if (!runs || runs->isEmpty())
+        return runs;
+    runs->removeIf([this, free = withoutHolder(*runs)](const Run &run) {
+        const bool isTooOld = run.number != m_place.run && run.started.secsTo(m_now) > longestUnlockedRunSeconds;
+        return run.isLocked ? !free.contains(run.number) : !isTooOld;
+    });
     return runs;
 }
 
@@ -255,15 +266,14 @@ bool Settlement::takeBackGone()
 
 bool Settlement::endRuns()
 {
-    for (const Run &run : std::as_const(m_dead)) {
-        const auto listed =
-            m_records.write(kept::payment(), {u"update HarrowbyPayment set State = 'UNMATCHED' "
-                                              "where PurchaseID = '' and State = 'INTENT' and Run = ?"_s,
-                                              {run.number}});
-        if (!listed || !noteEnd(m_records, run.number, m_now))
-            return false;
-    }
-    return true;
+    QList<std::int64_t> dead;
+    for (const Run &run : std::as_const(m_dead))
+        dead << run.number;
+    return writeOfRuns(m_records,
+                       u"update HarrowbyPayment set State = 'UNMATCHED' "
+                       "where PurchaseID = '' and State = 'INTENT' and Run in (%1)"_s,
+                       {}, dead) &&
+           noteEnd(m_records, dead, m_now);
 }
 
 } // namespace harrowby::app

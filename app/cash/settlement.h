@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 
 namespace harrowby::app {
@@ -54,7 +55,7 @@ private:
         QString seller;
     };
 
-    [[nodiscard]] bool isDead(const Run &run);
+    [[nodiscard]] QSet<std::int64_t> withoutHolder(const QList<Run> &runs);
     [[nodiscard]] Records::Answer<QList<Run>> deadRuns();
     [[nodiscard]] bool settleRuns();
     [[nodiscard]] bool readIntents();

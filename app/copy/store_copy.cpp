@@ -16,7 +16,6 @@ namespace {
 constexpr qsizetype rowsInOneWrite = 200;
 constexpr qsizetype mostUnfitListed = 100;
 constexpr std::int64_t rowsBetweenSteps = 500;
-constexpr std::int64_t rowsInOneRead = 10'000;
 
 using Failed = std::optional<CopyFailure>;
 
@@ -152,30 +151,7 @@ Failed StoreCopy::count()
     return {};
 }
 
-/// In pieces where rows have an identity: within a transaction a server sends all of a list at once.
 Failed StoreCopy::readTable(Records &store, const CopiedTable &table, const QString &words, const TakeRow &take)
-{
-    std::int64_t read = 0;
-    std::int64_t last = 0;
-    const auto takeNext = [&](const RecordRow &row) {
-        ++read;
-        last = recordNumber(row.constFirst());
-        return take(row);
-    };
-    if (!table.isShops())
-        return readRows(store, table, {}, words, take);
-    const QString &id = store.dialect().rowId;
-    const QString first = u" order by %1 limit %2"_s.arg(id).arg(rowsInOneRead);
-    auto failure = readRows(store, table, first, words, takeNext);
-    while (!failure && read == rowsInOneRead) {
-        read = 0;
-        failure = readRows(store, table, u" where %1 > %2"_s.arg(id).arg(last) + first, words, takeNext);
-    }
-    return failure;
-}
-
-Failed StoreCopy::readRows(Records &store, const CopiedTable &table, const QString &which, const QString &words,
-                           const TakeRow &take)
 {
     if (!goesOn(words))
         return CopyFailure{{}, true};
@@ -188,7 +164,7 @@ Failed StoreCopy::readRows(Records &store, const CopiedTable &table, const QStri
         isStopped = ++m_done % rowsBetweenSteps == 0 && !goesOn(words);
         return !isStopped && take(row);
     };
-    const QString text = u"select %1 from %2"_s.arg(columnsOf(store, table), table.name) + which;
+    const QString text = u"select %1 from %2"_s.arg(columnsOf(store, table), table.name);
     const auto read = store.readEach(ownTable(table), {text, {}}, takeCells);
     if (isStopped)
         return CopyFailure{{}, true};

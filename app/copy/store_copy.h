@@ -63,8 +63,6 @@ private:
     [[nodiscard]] std::optional<CopyFailure> count();
     [[nodiscard]] std::optional<CopyFailure> readTable(Records &store, const CopiedTable &table, const QString &words,
                                                        const TakeRow &take);
-    [[nodiscard]] std::optional<CopyFailure> readRows(Records &store, const CopiedTable &table, const QString &which,
-                                                      const QString &words, const TakeRow &take);
     [[nodiscard]] std::optional<CopyFailure> readKept(Records &to, const CopiedTable &table);
     [[nodiscard]] std::optional<CopyFailure> copyTable(Records &to, const CopiedTable &table);
     [[nodiscard]] std::optional<CopyFailure> compare(Records &to);

@@ -117,9 +117,10 @@ public:
         NotKnown,
     };
     /// Takes the lock of this number, or says why it cannot be had; waits for nobody. When the session that holds it
-    /// breaks, the server gives it up, and holderOf() takes it again if nobody else has.
+    /// breaks, the server gives it up, and holdersOf() takes it again if nobody else has.
     [[nodiscard]] virtual Result<std::unique_ptr<ServerLock>, QString> lock(std::int64_t number) = 0;
-    [[nodiscard]] virtual Holder holderOf(std::int64_t number) = 0;
+    /// Of all of these numbers, in their order; asked at once.
+    [[nodiscard]] virtual QList<Holder> holdersOf(const QList<std::int64_t> &numbers) = 0;
 };
 
 /// What the plugin's root object implements.

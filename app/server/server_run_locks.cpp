@@ -14,6 +14,18 @@ std::chrono::milliseconds steadyNow()
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
+RunLocks::Holder holderSeen(ServerStore::Holder seen)
+{
+    switch (seen) {
+    case ServerStore::Holder::Nobody:
+        return RunLocks::Holder::Nobody;
+    case ServerStore::Holder::Somebody:
+        return RunLocks::Holder::Somebody;
+    default:
+        return RunLocks::Holder::NotKnown;
+    }
+}
+
 } // namespace
 
 ServerRunLocks::ServerRunLocks(ServerStore &store, Clock clock) :
@@ -36,28 +48,35 @@ Result<void, QString> ServerRunLocks::hold(std::int64_t run)
     return {};
 }
 
-RunLocks::Holder ServerRunLocks::look(std::int64_t run) const
+RunLocks::Holder ServerRunLocks::holderOf(std::int64_t run) const
 {
-    switch (m_store->holderOf(run)) {
-    case ServerStore::Holder::Nobody:
-        return Holder::Nobody;
-    case ServerStore::Holder::Somebody:
-        return Holder::Somebody;
-    default:
-        return Holder::NotKnown;
-    }
+    return holdersOf({run}).constFirst();
 }
 
-RunLocks::Holder ServerRunLocks::holderOf(std::int64_t run) const
+/// The server is asked for all of them at once.
+QList<RunLocks::Holder> ServerRunLocks::holdersOf(const QList<std::int64_t> &runs) const
+{
+    if (m_store == nullptr) {
+        QList<Holder> holders;
+        for (const std::int64_t run : runs)
+            holders << (m_held.contains(run) ? Holder::Somebody : Holder::NotKnown);
+        return holders;
+    }
+    const auto seen = m_store->holdersOf(runs);
+    QList<Holder> holders;
+    for (qsizetype i = 0; i < runs.size(); ++i)
+        holders << noted(runs.at(i), holderSeen(seen.at(i)));
+    return holders;
+}
+
+/// What is to be thought of a lock that was looked at just now.
+RunLocks::Holder ServerRunLocks::noted(std::int64_t run, Holder seen) const
 {
     if (m_held.contains(run))
         return Holder::Somebody;
-    if (m_store == nullptr)
-        return Holder::NotKnown;
-    const Holder holder = look(run);
-    if (holder != Holder::Nobody) {
+    if (seen != Holder::Nobody) {
         m_freeSince.erase(run);
-        return holder;
+        return seen;
     }
     const Milliseconds now = m_clock();
     const Milliseconds since = m_freeSince.try_emplace(run, now).first->second;
@@ -68,9 +87,16 @@ void ServerRunLocks::renew()
 {
     if (m_store == nullptr)
         return;
-    for (const auto &[run, lock] : m_held)
-        (void)m_store->holderOf(run); // takes it again where it was lost
-    std::erase_if(m_freeSince, [this](const auto &free) { return look(free.first) != Holder::Nobody; });
+    QList<std::int64_t> looked;
+    for (const auto &[run, since] : m_freeSince)
+        looked << run;
+    if (looked.isEmpty() && m_held.empty())
+        return;
+    const auto seen = m_store->holdersOf(looked); // takes its own again where they were lost
+    for (qsizetype i = 0; i < looked.size(); ++i) {
+        if (seen.at(i) != ServerStore::Holder::Nobody)
+            m_freeSince.erase(looked.at(i));
+    }
 }
 
 void ServerRunLocks::close()

@@ -37,13 +37,14 @@ public:
     /// NotKnown of a lock that is free and has not been so for long enough: it is looked at from now on by renew(), and
     /// is to be asked for again.
     [[nodiscard]] Holder holderOf(std::int64_t run) const override;
+    [[nodiscard]] QList<Holder> holdersOf(const QList<std::int64_t> &runs) const override;
     /// To be called again and again while the server answers. Takes what this till holds where the server dropped it.
     void renew();
     /// The store goes; nothing is held from now on.
     void close();
 
 private:
-    [[nodiscard]] Holder look(std::int64_t run) const;
+    [[nodiscard]] Holder noted(std::int64_t run, Holder seen) const;
 
     ServerStore *m_store;
     Clock m_clock;

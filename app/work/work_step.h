@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include "app/work/watch.h"
 
-#include <functional>
+#include <QString>
 
 namespace harrowby::app {
 
@@ -20,7 +20,7 @@ struct WorkStep
 
 /// Called with each step, as often as is convenient, on the work's thread. False: the work is to stop soon, and leave
 /// nothing half done; it goes on returning false then.
-using WorkWatch = std::function<bool(const WorkStep &)>;
+using WorkWatch = Watch<WorkStep>;
 
 /// `part` of `whole` in percent, for WorkStep.
 [[nodiscard]] constexpr int percentOf(qint64 part, qint64 whole)

@@ -2,6 +2,7 @@
 #include "plugins/server/postgres_records.h"
 
 #include "plugins/server/record_texts.h"
+#include "plugins/server/row_cells.h"
 #include "postgres/dialect.h"
 #include "postgres/postgres_failure.h"
 #include "postgres/schema.h"
@@ -30,6 +31,9 @@ constexpr char longIdleTime[] = "set local idle_in_transaction_session_timeout =
 /// Sent as one statement.
 constexpr qsizetype rowsAtOnce = 200;
 
+/// Of a long list that is read in a transaction.
+constexpr int rowsInOnePiece = 10'000;
+
 DbFailure refused(Kind kind, const QString &text, const QString &reason)
 {
     return {kind, text, reason, 0};
@@ -53,53 +57,6 @@ ServerText textOf(const RecordStatement &statement, ServerText (*inDialect)(cons
 ServerText selectOf(const QString &statement)
 {
     return selectText(statement);
-}
-
-/// Without the identity that a "select *" brings.
-template <typename Rows>
-int columnsOf(const Rows &rows, const QString &statement)
-{
-    const int columns = rows.columnCount();
-    const bool isAll = statement.startsWith("select * "_L1, Qt::CaseInsensitive);
-    return isAll && columns > 0 && rows.columnName(columns - 1) == identityColumn ? columns - 1 : columns;
-}
-
-/// Of the row at which a walk is.
-class WalkedCells final : public app::RecordCells
-{
-public:
-    WalkedCells(const PgRows &rows, int columns) : m_rows(rows), m_columns(columns) {}
-    [[nodiscard]] int count() const override { return m_columns; }
-    [[nodiscard]] RecordValue value(int column) const override
-    {
-        return m_rows.isNull(column) ? RecordValue() : readValue(m_rows.text(column), m_rows.columnType(column));
-    }
-    [[nodiscard]] std::optional<QByteArrayView> utf8(int column) const override
-    {
-        if (m_rows.isNull(column) || !isText(m_rows.columnType(column)))
-            return {};
-        return m_rows.text(column);
-    }
-
-private:
-    const PgRows &m_rows;
-    int m_columns;
-};
-
-QList<RecordRow> rowsOf(const PgResult &result, const QString &statement)
-{
-    const int columns = columnsOf(result, statement);
-    QList<RecordRow> rows;
-    rows.reserve(result.rowCount());
-    for (int i = 0; i < result.rowCount(); ++i) {
-        RecordRow row;
-        row.reserve(columns);
-        for (int column = 0; column < columns; ++column)
-            row << (result.isNull(i, column) ? RecordValue()
-                                             : readValue(result.text(i, column), result.columnType(column)));
-        rows << row;
-    }
-    return rows;
 }
 
 PgError momentIsGone()
@@ -190,11 +147,11 @@ app::Records::Answer<QList<RecordRow>> PostgresRecords::select(const RecordState
 
 app::Records::Answer<bool> PostgresRecords::selectEach(const RecordStatement &statement, const RowTaker &take)
 {
-    if (m_writer.transaction() != nullptr)
-        return Records::selectEach(statement, take);
     const ServerText text = textOf(statement, &selectOf);
     if (!text)
         return Unexpected(refused(Kind::Read, statement.text, text.error()));
+    if (m_writer.transaction() != nullptr)
+        return selectInPieces(statement, text->toUtf8(), take);
     beforeAction();
     if (auto reached = m_holdsMoment ? Result<void, PgError>() : m_access.reach(); !reached)
         return Unexpected(failureOf(Kind::Read, statement.text, reached.error()));
@@ -203,7 +160,7 @@ app::Records::Answer<bool> PostgresRecords::selectEach(const RecordStatement &st
     auto rows = m_access.session().walk(text->toUtf8(), m_access.budget());
     if (!rows)
         return Unexpected(failureOf(Kind::Read, statement.text, rows.error()));
-    const WalkedCells cells(*rows, columnsOf(*rows, statement.text));
+    const WalkedCells cells(*rows, statement.text);
     while (rows->next() == PgRows::Step::Row) {
         if (!take(cells))
             return false;
@@ -211,6 +168,25 @@ app::Records::Answer<bool> PostgresRecords::selectEach(const RecordStatement &st
     if (rows->error())
         return Unexpected(failureOf(Kind::Read, statement.text, *rows->error()));
     return true;
+}
+
+/// By a cursor of the server's: read once, however many pieces it is, and a transaction that is run again reads the
+/// same pieces.
+app::Records::Answer<bool> PostgresRecords::selectInPieces(const RecordStatement &statement, const QByteArray &text,
+                                                           const RowTaker &take)
+{
+    Transaction &transaction = *m_writer.transaction();
+    const QByteArray name = "harrowby_list_" + QByteArray::number(++m_lists);
+    const QByteArray fetch = "fetch " + QByteArray::number(rowsInOnePiece) + " from " + name;
+    auto piece = transaction.run("declare " + name + " no scroll cursor for " + text + ';' + fetch);
+    bool goesOn = true;
+    while (piece && takeRows(piece->back(), statement.text, take, goesOn) == rowsInOnePiece && goesOn)
+        piece = transaction.run(fetch);
+    if (piece)
+        piece = transaction.run("close " + name);
+    if (!piece)
+        return Unexpected(failureOf(Kind::Read, statement.text, piece.error()));
+    return goesOn;
 }
 
 /// What makes a table does no harm when it is done twice.

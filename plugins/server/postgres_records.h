@@ -55,6 +55,8 @@ protected:
 
 private:
     [[nodiscard]] Result<PgResults, PgError> read(const QByteArray &text);
+    [[nodiscard]] Answer<bool> selectInPieces(const app::RecordStatement &statement, const QByteArray &text,
+                                              const RowTaker &take);
     [[nodiscard]] Answer<std::int64_t> make(const app::RecordStatement &statement);
     [[nodiscard]] Answer<std::int64_t> changeAlone(const QString &text, const QByteArray &serverText);
     [[nodiscard]] Answer<std::int64_t> changeOneByOne(const QString &text, const QList<QList<app::RecordValue>> &rows);
@@ -66,6 +68,7 @@ private:
     std::function<void()> m_beforeAction;
     std::unique_ptr<postgres::Transaction> m_transaction;
     QSet<QString> m_tables; ///< of the program's own that are there, in small letters
+    int m_lists = 0;        ///< that were read in pieces
     bool m_holdsMoment = false;
     bool m_writes = true;
     bool m_worksForLong = false;

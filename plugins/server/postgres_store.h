@@ -32,7 +32,10 @@ public:
     void setEmptyHandler(EmptyHandler handler) override;
     void beginAction() override { m_connection->beginAction(); }
     [[nodiscard]] Result<std::unique_ptr<app::ServerLock>, QString> lock(std::int64_t number) override;
-    [[nodiscard]] Holder holderOf(std::int64_t number) override { return m_locks->holderOf(number); }
+    [[nodiscard]] QList<Holder> holdersOf(const QList<std::int64_t> &numbers) override
+    {
+        return m_locks->holdersOf(numbers);
+    }
 
 private:
     std::shared_ptr<PostgresConnection> m_connection;

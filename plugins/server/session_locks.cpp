@@ -18,6 +18,21 @@ QByteArray keyOf(std::int64_t number)
     return "hashtextextended('run " + QByteArray::number(static_cast<qlonglong>(number)) + "', 0)";
 }
 
+/// For each number whether somebody holds its lock. The server's list has a lock's key in two halves.
+QByteArray lookText(const QList<std::int64_t> &numbers)
+{
+    QByteArrayList asked;
+    for (const std::int64_t number : numbers)
+        asked << QByteArray::number(static_cast<qlonglong>(number));
+    return "with held as materialized (select distinct (classid::bigint << 32) | objid::bigint as key from pg_locks "
+           "where locktype = 'advisory' and objsubid = 1 and granted "
+           "and database = (select oid from pg_database where datname = current_database())) "
+           "select held.key is not null from unnest('{" +
+           asked.join(',') +
+           "}'::bigint[]) with ordinality as asked (number, place) "
+           "left join held on held.key = hashtextextended('run ' || number, 0) order by place";
+}
+
 } // namespace
 
 SessionLocks::SessionLocks(WhereNow whereNow, PgWaits waits) :
@@ -88,21 +103,20 @@ void SessionLocks::release(std::int64_t number)
         (void)m_session.run("select pg_advisory_unlock(" + keyOf(number) + ")");
 }
 
-/// Looks, and takes nothing: who lives may be about to take it again.
-Holder SessionLocks::holderOf(std::int64_t number)
+/// Looks once, and takes nothing: who lives may be about to take it again.
+QList<Holder> SessionLocks::holdersOf(const QList<std::int64_t> &numbers)
 {
-    if (!reach())
-        return Holder::NotKnown;
-    if (m_held.contains(number))
-        return Holder::Somebody;
-    const auto results =
-        m_session.run("select exists (select 1 from pg_locks where locktype = 'advisory' and granted "
-                      "and database = (select oid from pg_database where datname = current_database()) "
-                      "and classid::bigint << 32 | objid::bigint = " +
-                      keyOf(number) + " and objsubid = 1)");
-    if (!results)
-        return Holder::NotKnown;
-    return results->back().isTrue(0, 0) ? Holder::Somebody : Holder::Nobody;
+    QList<Holder> holders(numbers.size(), Holder::NotKnown);
+    if (!reach() || numbers.isEmpty())
+        return holders;
+    const auto results = m_session.run(lookText(numbers));
+    if (!results || results->back().rowCount() != numbers.size())
+        return holders;
+    for (int row = 0; row < results->back().rowCount(); ++row) {
+        const bool isHeld = m_held.contains(numbers.at(row)) || results->back().isTrue(row, 0);
+        holders[row] = isHeld ? Holder::Somebody : Holder::Nobody;
+    }
+    return holders;
 }
 
 void SessionLocks::keep()

@@ -31,7 +31,7 @@ public:
     /// Takes it, or says why it cannot be had.
     [[nodiscard]] Result<void, QString> take(std::int64_t number);
     void release(std::int64_t number);
-    [[nodiscard]] app::ServerStore::Holder holderOf(std::int64_t number);
+    [[nodiscard]] QList<app::ServerStore::Holder> holdersOf(const QList<std::int64_t> &numbers);
     /// Takes what is held again when the session has broken, or the store's own had to be made anew; what somebody else
     /// has meanwhile, as soon as it is free.
     void keep();

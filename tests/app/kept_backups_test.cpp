@@ -47,6 +47,7 @@ private Q_SLOTS:
     void allStayWithoutANumber();
     void othersStay();
     void failureRemovesNothing();
+    void nobodyNeedsToWatch();
     void wrongClockLosesNothing();
     void twoAtOnceLeaveTheNewest();
 
@@ -147,6 +148,13 @@ void KeptBackupsTest::failureRemovesNothing()
 }
 
 /// One that seems older than those that are there is the newest all the same.
+void KeptBackupsTest::nobodyNeedsToWatch()
+{
+    QCOMPARE(made(keepBackup(path(u"shop.sqlite"_s), path(u"away"_s), 1, morning, {})).problem, QString());
+    QCOMPARE(backUpStore(path(u"shop.sqlite"_s), path(u"away/one.db"_s), false, {}).problem, QString());
+    QCOMPARE(away().size(), 2);
+}
+
 void KeptBackupsTest::wrongClockLosesNothing()
 {
     const QString future = made(keepAt(morning.addYears(10), 0)).file;

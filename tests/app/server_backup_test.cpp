@@ -58,6 +58,7 @@ private Q_SLOTS:
     void init() { m_desk->begin(); }
 
     void backupIsAStoreOfOneMoment();
+    void nobodyNeedsToWatch();
     void backupGoesIntoAFolderUnderItsName();
     void restoreReplacesEverythingButDeeds();
     void restoreThatIsRefusedChangesNothing_data();
@@ -106,6 +107,19 @@ void ServerBackupTest::backupIsAStoreOfOneMoment()
     QVERIFY(isSold);
     QCOMPARE(made.file, m_desk->path(u"copy.db"_s));
     QCOMPARE(everyRow(m_desk->path(u"copy.db"_s)), before);
+}
+
+void ServerBackupTest::nobodyNeedsToWatch()
+{
+    m_desk->fill();
+    const KeptBackup kept = keepBackup(m_desk->target(), m_desk->folder(), 1, QDateTime::currentDateTime(), {});
+    QCOMPARE(kept.result.problem, QString());
+    const RestoreOrder order = {kept.result.file, m_desk->target(), u"ANNA"_s, officePlace, m_desk->folder()};
+    QCOMPARE(restoreStore(order, {}).problem, QString());
+    QCOMPARE(copyServerToFile(m_desk->target(), m_desk->path(u"back.db"_s), {}).problem, QString());
+    m_desk->begin();
+    makeFullStore(m_desk->path(u"full.sqlite"_s));
+    QCOMPARE(copyFileToServer(m_desk->path(u"full.sqlite"_s), m_desk->target(), {}).problem, QString());
 }
 
 void ServerBackupTest::backupGoesIntoAFolderUnderItsName()

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void storeThatFailsIsLeftToTheNextStart();
     void sumsWithoutCentsAreLeftAlone();
     void drawerIsThatOfTheDeadRun();
+    void manyDeadRunsTakeFewStatements();
     void noStatementReadsAWholeTable();
     void personCountsAnIntent();
     void personRemovesAnIntent();
@@ -403,6 +404,22 @@ void SettlementTest::drawerIsThatOfTheDeadRun()
     addPurchase(u"HV1"_s, tea, u"2.5"_s);
     settle(u"Side"_s);
     QCOMPARE(payments().first().section(u'|', 7, 8), u"Side|8"_s);
+}
+
+/// A server answers each by itself.
+void SettlementTest::manyDeadRunsTakeFewStatements()
+{
+    file().sql(
+        u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1100) INSERT INTO HarrowbyRun "
+        "SELECT i, 'Front', '%1', '%2', '', 1 FROM n"_s.arg(m_till->clock->time.toString(u"yyMMddHHmmss"_s),
+                                                            recordTime(m_till->clock->time)));
+    addIntent(u"first"_s, 1);
+    addIntent(u"last"_s, 1100);
+    m_fuss->texts.clear();
+    settle();
+    QVERIFY2(m_fuss->texts.size() < 20, qPrintable(m_fuss->texts.join(u'\n')));
+    QCOMPARE(openRunNumbers(), QStringList());
+    QCOMPARE(file().rows(u"SELECT State FROM HarrowbyPayment"_s), QStringList(2, u"UNMATCHED"_s));
 }
 
 void SettlementTest::noStatementReadsAWholeTable()

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void endMayStartTheNext();
     void manyStepsAreFewEvents();
     void cancelStopsTheWork();
+    void emptyWatchGoesOn();
     void endOfTheObjectCancels();
     void percent();
     void quickWorkShowsNothing();
@@ -235,6 +236,14 @@ void WorkTest::cancelStopsTheWork()
     startGate(); // anew, and not cancelled
     QVERIFY(!m_job->isCancelled());
     QTRY_COMPARE(m_came, u"done"_s);
+}
+
+void WorkTest::emptyWatchGoesOn()
+{
+    const std::function<bool(const WorkStep &)> none;
+    for (const WorkWatch &watch : {WorkWatch(), WorkWatch(none)})
+        QVERIFY(watch({u"counting"_s}));
+    QVERIFY(!WorkWatch([](const WorkStep &) { return false; })({u"counting"_s}));
 }
 
 void WorkTest::endOfTheObjectCancels()

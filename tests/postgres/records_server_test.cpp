@@ -17,6 +17,7 @@ using namespace harrowby::test;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using server::PostgresStore;
+using Holder = ServerStore::Holder;
 
 namespace {
 
@@ -36,6 +37,11 @@ RecordStatement insertNote(const QString &name, const RecordValue &worth = {})
 
 const RecordStatement allNotes{u"select Name, Worth from HarrowbyNote order by Name"_s, {}};
 const RecordStatement raiseAll{u"update HarrowbyNote set Worth = Worth + 1"_s, {}};
+
+Holder holderOf(ServerStore &store, std::int64_t number)
+{
+    return store.holdersOf({number}).constFirst();
+}
 
 struct Resolved
 {
@@ -547,31 +553,29 @@ void RecordsServerTest::rowsThatAreChangedAreTold()
 
 void RecordsServerTest::locksOfPrograms()
 {
-    using Holder = ServerStore::Holder;
     auto other = open(m_server->cluster.tcpConninfo());
     auto lock = m_store->lock(17);
     QVERIFY(lock);
     QVERIFY(!other->lock(17));
-    QVERIFY(other->holderOf(17) == Holder::Somebody);
-    QVERIFY(other->holderOf(18) == Holder::Nobody);
-    QVERIFY(m_store->holderOf(17) == Holder::Somebody); // its own
+    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 18) == Holder::Nobody);
+    QVERIFY(holderOf(*m_store, 17) == Holder::Somebody); // its own
     m_proxy->cut();
     QVERIFY(!m_store->tryAgain()); // takes it again
-    QVERIFY(other->holderOf(17) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
     m_server->cluster.kill9();
     m_server->cluster.start();
     QVERIFY(!m_store->tryAgain());
     QVERIFY(!other->tryAgain());
-    QVERIFY(other->holderOf(17) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
     *lock = nullptr;
-    QVERIFY(other->holderOf(17) == Holder::Nobody);
+    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
     QVERIFY(m_store->lock(17));
 }
 
 /// As the server's own memory of a session of which nobody has told it that it is gone.
 void RecordsServerTest::lockThatAnotherHadMeanwhile()
 {
-    using Holder = ServerStore::Holder;
     auto other = open(m_server->cluster.tcpConninfo());
     auto lock = m_store->lock(17);
     QVERIFY(lock);
@@ -579,13 +583,13 @@ void RecordsServerTest::lockThatAnotherHadMeanwhile()
     m_server->cluster.await(u"select count(*) from pg_locks where locktype = 'advisory'"_s, u"0"_s);
     auto between = other->lock(17);
     QVERIFY(between);
-    QVERIFY(m_store->holderOf(17) == Holder::Somebody);
+    QVERIFY(holderOf(*m_store, 17) == Holder::Somebody);
     *between = nullptr;
-    QVERIFY(other->holderOf(17) == Holder::Nobody);
+    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
     QVERIFY(!m_store->tryAgain());
-    QVERIFY(other->holderOf(17) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
     *lock = nullptr;
-    QVERIFY(other->holderOf(17) == Holder::Nobody);
+    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
 }
 
 /// The till works on where it can be reached; the session of its locks hangs on a way that is silent, and nobody tells
