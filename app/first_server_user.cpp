@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/first_server_user.h"
 
+#include "app/records/server_words.h"
 #include "app/server/server_opening.h"
-#include "app/server/server_words.h"
 #include "app/shop/first_user_dialog.h"
 #include "app/start/display.h"
 #include "app/start/start_message.h"

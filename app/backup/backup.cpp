@@ -101,7 +101,7 @@ BackupResult makeCopy(const Source &source, const QString &file, const BackupWat
     if (end.stopped)
         return {Outcome::Stopped, {}, 0};
     if (end.error)
-        return failed(copyProblem(*end.error, end.side));
+        return failed(end.words.isEmpty() ? copyProblem(*end.error, end.side) : end.words);
     if (auto result = checkCopy(copy->get(), source, end.counts, watch); result.outcome != Outcome::Done)
         return result;
     return closeCopy(*copy);

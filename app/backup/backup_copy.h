@@ -29,6 +29,7 @@ struct CopyEnd
     std::optional<SqlError> error;
     BackupSide side = BackupSide::Store; ///< of the error
     RowCounts counts;                    ///< of the moment that was copied; empty where that is not known
+    QString words = {};                  ///< for a person, why it failed; empty where the error says it
 };
 
 /// Copies page by page into an empty database. Where the store keeps a log, the copy reads one moment of it and no till

@@ -276,8 +276,8 @@ void BackupPage::chooseRestore()
 /// more closely.
 QString BackupPage::serverObstacle() const
 {
-    if (const auto refusal = unlessMayReplace(m_deeds.records()))
-        return u"Nothing was restored: %1."_s.arg(refusal->problem);
+    if (const auto refusal = unlessAllowed(m_deeds.records(), ServerRows::Replace))
+        return u"Nothing was restored: %1.\n%2"_s.arg(refusal->problem, refusal->advice);
     const auto users = serverUsers(m_deeds.records(), OwnName::PassedOver);
     if (!users)
         return users.error().problem;

@@ -20,15 +20,17 @@ CopyEnd endOf(const CopyFailure &failure)
 {
     if (failure.stopped)
         return {true, {}, {}, {}};
-    return {false,
-            SqlError{failure.engineCode & 0xff, failure.problem},
-            failure.isOfCopy ? BackupSide::Place : BackupSide::Store,
-            {}};
+    const SqlError error = {failure.engineCode & 0xff, failure.problem};
+    if (failure.isOfCopy)
+        return {false, error, BackupSide::Place, {}};
+    const QString advice = failure.advice.isEmpty() ? QString() : u'\n' + failure.advice;
+    return {false, error, BackupSide::Store, {}, u"The backup could not be made (%1)."_s.arg(failure.problem) + advice};
 }
 
-CopyEnd readFailed(const QString &reason)
+/// Sentences, for a person.
+CopyEnd notOpened(const QString &why)
 {
-    return {false, SqlError{0, reason}, BackupSide::Store, {}};
+    return {false, SqlError{0, why}, BackupSide::Store, {}, u"The backup could not be made.\n"_s + why};
 }
 
 class Making
@@ -91,15 +93,15 @@ CopyEnd copyServerStore(const QString &store, sqlite3 *copy, const BackupWatch &
 {
     const auto engine = serverEngine();
     if (!engine)
-        return readFailed(engine.error());
+        return notOpened(engine.error());
     const auto opened = openStoreRecords(store, Access::Read);
     if (!opened)
-        return readFailed(opened.error());
+        return notOpened(opened.error());
     StoreRecords &server = **opened;
     Making making(server.records(), **engine, watch);
     server.setWatch([&making] { return making.goesOn(); });
     if (const auto failure = server.holdMoment())
-        return readFailed(failure->reason);
+        return endOf(copyFailureOf(*failure));
     CopyEnd end = making.run(copy);
     server.releaseMoment();
     server.setWatch({});

@@ -86,8 +86,10 @@ RestoreResult ServerRestore::failed(const CopyFailure &failure) const
         return stopped();
     if (failure.isUnknown)
         return failed(u"The server did not say whether the backup is in place (%1). Look at the store when the server "
-                      "is there again. What it held before is kept: %2"_s.arg(failure.problem, m_kept));
-    return failed(u"Nothing was restored (%1)."_s.arg(failure.problem) + asItWas);
+                      "is there again; to restore once more does no harm. What it held before is kept: %2"_s.arg(
+                          failure.problem, m_kept));
+    const QString advice = failure.advice.isEmpty() ? QString() : u'\n' + failure.advice;
+    return failed(u"Nothing was restored (%1)."_s.arg(failure.problem) + asItWas + advice);
 }
 
 End ServerRestore::open()
@@ -129,6 +131,8 @@ End ServerRestore::reach()
     m_rules = std::make_unique<ColumnRules>(**engine);
     m_from = std::make_unique<SqliteRecords>(m_backup.get());
     m_copy = std::make_unique<StoreCopy>(*m_from, *m_rules, m_watch);
+    if (const auto failure = unlessAllowed(server(), ServerRows::Replace))
+        return failed(*failure);
     const auto users = serverUsersWhoStay(server());
     if (!users)
         return failed(users.error());

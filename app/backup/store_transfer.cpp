@@ -39,9 +39,11 @@ TransferEnd ended(const CopyFailure &failure)
     if (failure.stopped)
         return {.outcome = How::Stopped};
     if (failure.isUnknown)
-        return ended(How::Failed, u"The server did not say whether the store was copied (%1). Look whether it is empty "
-                                  "when the server is there again."_s.arg(failure.problem));
-    return ended(How::Failed, u"Nothing was copied. %1"_s.arg(failure.problem));
+        return ended(How::Failed, u"The server did not say whether the store was copied (%1). Do the same once more "
+                                  "when the server is there again: if it was, this says which rows the server has, "
+                                  "and nothing is copied twice."_s.arg(failure.problem));
+    const QString advice = failure.advice.isEmpty() ? QString() : u'\n' + failure.advice;
+    return ended(How::Failed, u"Nothing was copied. %1"_s.arg(failure.problem) + advice);
 }
 
 /// For this program alone.
@@ -74,6 +76,10 @@ Result<Server, TransferEnd> openServer(const QString &target, Access access)
     auto opened = openStoreRecords(target, access);
     if (!opened)
         return Unexpected(ended(How::NotOpened, opened.error()));
+    if (access == Access::Write) {
+        if (const auto failure = unlessAllowed((*opened)->records(), ServerRows::MustBeNone))
+            return Unexpected(ended(*failure));
+    }
     const auto users = serverUsersWhoStay((*opened)->records());
     if (!users)
         return Unexpected(ended(users.error()));

@@ -15,28 +15,37 @@ using namespace std::chrono_literals;
 using Rows = QHash<QString, std::int64_t>;
 using Failed = std::optional<CopyFailure>;
 
-CopyFailure failureOf(const DbFailure &failure)
+const auto locking = u"harrowby.lock_store()"_s;
+const auto emptying = u"harrowby.empty_store()"_s;
+const auto following = u"harrowby.follow_identities()"_s;
+
+/// The answer to a select with one of the functions that the server's store has for this.
+Result<QList<RecordRow>, CopyFailure> ask(Records &server, const QString &select)
 {
-    return {failure.reason, false, Records::isUnknown(failure)};
+    const auto rows = server.read({select, {}});
+    if (rows)
+        return *rows;
+    constexpr QLatin1StringView noFunction("42883");
+    CopyFailure failure = copyFailureOf(rows.error());
+    if (rows.error().engineState == noFunction)
+        failure = {.problem = u"the server's store is older than this program"_s,
+                   .advice = u"On the server, run harrowby-server update."_s};
+    return Unexpected(failure);
 }
 
-const auto mayNotReplace =
-    u"this machine may not replace a whole store: on the server, \"harrowby-server add-office NAME --owner\" lets it"_s;
-
-/// One of the functions that the server's store has for this.
 Failed call(Records &server, const QString &function)
 {
-    const auto called = server.read({u"select %1()"_s.arg(function), {}});
-    if (called)
-        return {};
-    constexpr QLatin1StringView noRight("42501");
-    constexpr QLatin1StringView noFunction("42883");
-    CopyFailure failure = failureOf(called.error());
-    if (called.error().engineState == noRight)
-        failure.problem = mayNotReplace;
-    else if (called.error().engineState == noFunction)
-        failure.problem = u"the server's store is older than this program: run \"harrowby-server update\" there"_s;
-    return failure;
+    const auto called = ask(server, u"select "_s + function);
+    return called ? Failed() : called.error();
+}
+
+CopyFailure notAllowed(ServerRows before)
+{
+    if (before == ServerRows::Replace)
+        return {.problem = u"this machine may not replace a whole store"_s,
+                .advice = u"On the server, harrowby-server add-office NAME --owner lets it."_s};
+    return {.problem = u"This machine may not copy a store to the server."_s,
+            .advice = u"Use one that is enrolled as an office (on the server: harrowby-server add-office NAME)."_s};
 }
 
 Failed unlessEmpty(Records &server)
@@ -45,15 +54,17 @@ Failed unlessEmpty(Records &server)
     for (const CopiedTable &table : copiedTables()) {
         const auto rows = server.read(table.records(), {u"select count(*) from "_s + table.name, {}});
         if (!rows)
-            return failureOf(rows.error());
+            return copyFailureOf(rows.error());
         if (const auto count = rows->isEmpty() ? 0 : recordNumber(rows->constFirst().constFirst()); count > 0)
             full << u"%1 (%2)"_s.arg(table.name, QString::number(count));
     }
     if (full.isEmpty())
         return {};
     return CopyFailure{
-        u"The server's store is not empty; a store is copied into an empty one only. It has rows in: %1."_s.arg(
-            full.join(u", "_s))};
+        .problem =
+            u"The server's store is not empty; a store is copied into an empty one only. It has rows in: %1."_s.arg(
+                full.join(u", "_s)),
+        .advice = u"To put a file in the place of what it holds, restore the file there (--restore)."_s};
 }
 
 Failed unlessAlone(Records &server, const QString &what)
@@ -67,11 +78,11 @@ Failed unlessAlone(Records &server, const QString &what)
 /// All within the transaction.
 Result<Rows, CopyFailure> copyLocked(StoreCopy &copy, Records &server, const ServerCopy &how)
 {
-    auto failure = call(server, u"harrowby.lock_store"_s);
+    auto failure = call(server, locking);
     if (!failure)
         failure = unlessAlone(server, how.what);
     if (!failure)
-        failure = how.before == ServerRows::MustBeNone ? unlessEmpty(server) : call(server, u"harrowby.empty_store"_s);
+        failure = how.before == ServerRows::MustBeNone ? unlessEmpty(server) : call(server, emptying);
     if (failure)
         return Unexpected(*std::move(failure));
     auto rows = copy.copyInto(server);
@@ -79,7 +90,7 @@ Result<Rows, CopyFailure> copyLocked(StoreCopy &copy, Records &server, const Ser
         return rows;
     failure = how.more ? how.more(server) : Failed();
     if (!failure)
-        failure = call(server, u"harrowby.follow_identities"_s);
+        failure = call(server, following);
     if (failure)
         return Unexpected(*std::move(failure));
     return rows;
@@ -87,14 +98,16 @@ Result<Rows, CopyFailure> copyLocked(StoreCopy &copy, Records &server, const Ser
 
 } // namespace
 
-std::optional<CopyFailure> unlessMayReplace(Records &server)
+std::optional<CopyFailure> unlessAllowed(Records &server, ServerRows before)
 {
-    const auto rows = server.read({u"select has_function_privilege('harrowby.empty_store()', 'execute')"_s, {}});
+    QString select = u"select has_function_privilege('%1', 'execute')"_s.arg(locking);
+    if (before == ServerRows::Replace)
+        select += u" and has_function_privilege('%1', 'execute')"_s.arg(emptying);
+    const auto rows = ask(server, select);
     if (!rows)
-        return failureOf(rows.error());
-    if (rows->isEmpty() || recordNumber(rows->constFirst().constFirst()) == 0)
-        return CopyFailure{mayNotReplace};
-    return {};
+        return rows.error();
+    const bool isAllowed = !rows->isEmpty() && recordNumber(rows->constFirst().constFirst()) != 0;
+    return isAllowed ? Failed() : notAllowed(before);
 }
 
 Result<QStringList, CopyFailure> serverUsers(Records &server, OwnName own)
@@ -106,7 +119,7 @@ Result<QStringList, CopyFailure> serverUsers(Records &server, OwnName own)
              others + u"group by usename order by usename"_s,
          {}});
     if (!rows)
-        return Unexpected(failureOf(rows.error()));
+        return Unexpected(copyFailureOf(rows.error()));
     QStringList users;
     for (const RecordRow &row : *rows)
         users << recordText(row.constFirst());
@@ -140,7 +153,7 @@ Result<Rows, CopyFailure> copyIntoServer(StoreCopy &copy, Records &server, const
         return copied.has_value();
     });
     if (!kept)
-        return Unexpected(failureOf(kept.error()));
+        return Unexpected(copyFailureOf(kept.error()));
     return copied;
 }
 

@@ -17,17 +17,17 @@ enum class OwnName {
 /// The same, until nobody is left or a second is over: a program that has just closed the store is seen for a moment.
 [[nodiscard]] Result<QStringList, CopyFailure> serverUsersWhoStay(Records &server);
 
-/// Who has it open, and what to do, for a person. `what` needs the store for itself: "a restore".
-[[nodiscard]] QString serverInUse(const QStringList &users, const QString &what);
-
-/// Why this machine may not replace the whole of a server's store, which takes the owner's leave; nothing when it may.
-[[nodiscard]] std::optional<CopyFailure> unlessMayReplace(Records &server);
-
 /// What becomes of the rows that a server's store holds.
 enum class ServerRows {
     MustBeNone, ///< else nothing is copied
     Replace,    ///< they go, but for those of tables that are only ever added to
 };
+
+/// Whether this program has logged in as one who may do that to the server's store; else why not.
+[[nodiscard]] std::optional<CopyFailure> unlessAllowed(Records &server, ServerRows before);
+
+/// Who has it open, and what to do, for a person. `what` needs the store for itself: "a restore".
+[[nodiscard]] QString serverInUse(const QStringList &users, const QString &what);
 
 struct ServerCopy
 {

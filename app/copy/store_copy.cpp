@@ -3,6 +3,7 @@
 
 #include "app/records/record_dialect.h"
 #include "app/records/statement_pieces.h"
+#include "app/shop/failure_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -33,8 +34,7 @@ QString columnsOf(const Records &store, const CopiedTable &table)
 
 Failed failureOf(const DbFailure &failure, const CopiedTable &table)
 {
-    return CopyFailure{u"%1: %2"_s.arg(table.name, failure.reason), false, Records::isUnknown(failure), false,
-                       failure.engineCode};
+    return copyFailureOf(failure, table.name);
 }
 
 Failed ofCopy(Failed failure)
@@ -123,6 +123,13 @@ Failed writeRows(Records &to, const CopiedTable &table, const QList<RecordRow> &
 }
 
 } // namespace
+
+CopyFailure copyFailureOf(const DbFailure &failure, const QString &where)
+{
+    const QString problem = where.isEmpty() ? failure.reason : u"%1: %2"_s.arg(where, failure.reason);
+    const QString advice = failure.engineState.isEmpty() ? QString() : failureAdvice(failure);
+    return {problem, false, Records::isUnknown(failure), false, failure.engineCode, advice};
+}
 
 StoreCopy::StoreCopy(Records &from, const ColumnRules &rules, const WorkWatch &watch) :
     m_from(from), m_rules(rules), m_watch(watch)

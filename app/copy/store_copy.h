@@ -21,7 +21,11 @@ struct CopyFailure
     bool isUnknown = false; ///< nobody can say whether it was made after all
     bool isOfCopy = false;  ///< the store that is written has failed, not the one that is read
     int engineCode = 0;     ///< see DbFailure
+    QString advice = {};    ///< what to do about it, a sentence; may be empty
 };
+
+/// Of a store's failure. `where` stands before the reason: the table, for example.
+[[nodiscard]] CopyFailure copyFailureOf(const DbFailure &failure, const QString &where = {});
 
 /// What a step that compares is called.
 inline constexpr QStringView comparingWords = u"The copy is being compared \u2026";

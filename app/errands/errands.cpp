@@ -81,6 +81,18 @@ ExitCode onOpenStore(const QString &store, const Errand &errand)
     return isServer(store) ? onServer(store, errand) : onOpenFile(store, errand);
 }
 
+/// A restore has a server's store to itself, so this connection ends before.
+ExitCode restoreInto(const QString &store, const QString &backup)
+{
+    if (isServer(store)) {
+        if (const auto there = openStoreRecords(store, Access::Read); !there) {
+            tellOfErrand(there.error());
+            return ExitCode::StoreRefused;
+        }
+    }
+    return restoreWithoutWindow(store, backup);
+}
+
 /// A server's is looked for when it is opened.
 template <typename Work>
 ExitCode onExistingStore(const CommandLine &line, Work work)
@@ -104,7 +116,7 @@ ExitCode runErrand(const CommandLine &line)
         return copyStoreWithoutWindow(line.errand);
     if (line.errand.name == errand::restore)
         return onExistingStore(
-            line, [&](const QString &path) { return restoreWithoutWindow(path, line.errand.values.constFirst()); });
+            line, [&](const QString &store) { return restoreInto(store, line.errand.values.constFirst()); });
     const auto errand = readErrand(line.errand);
     if (!errand) {
         tellOfErrand(u"%1\nTry \"harrowby --help\"."_s.arg(errand.error()));

@@ -3,6 +3,7 @@
 
 #include "app/records/file_records.h"
 #include "app/records/server_engine.h"
+#include "app/records/server_words.h"
 #include "basic/store_address.h"
 
 #include <utility>
@@ -19,8 +20,11 @@ Result<std::unique_ptr<StoreRecords>, QString> openStoreRecords(const QString &s
     }
     const auto engine = serverEngine();
     if (!engine)
-        return Unexpected(engine.error());
-    return (*engine)->openRecords(store, access);
+        return Unexpected(problemWords({ServerProblem::Kind::NoPackage, engine.error(), {}}, store));
+    auto records = (*engine)->openRecords(store, access);
+    if (!records)
+        return Unexpected(problemWords(records.error(), store));
+    return *std::move(records);
 }
 
 } // namespace harrowby::app

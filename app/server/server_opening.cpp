@@ -2,7 +2,7 @@
 #include "app/server/server_opening.h"
 
 #include "app/records/record_tables.h"
-#include "app/server/server_words.h"
+#include "app/records/server_words.h"
 #include "app/shop/opening_window.h"
 #include "app/shop/password_rules.h"
 #include "basic/administrator.h"

@@ -24,7 +24,8 @@ public:
         return std::unique_ptr<app::ServerStore>(std::move(store));
     }
 
-    Result<std::unique_ptr<app::StoreRecords>, QString> openRecords(const QString &target, app::Access access) override
+    Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> openRecords(const QString &target,
+                                                                               app::Access access) override
     {
         return ServerRecords::open(target, access);
     }

@@ -71,18 +71,6 @@ struct OwnSession
     postgres::Writer writer;
 };
 
-namespace {
-
-QString refusalOf(const PgError &error)
-{
-    const QString words = u"The store on the server could not be opened once more (%1)."_s.arg(error.text);
-    if (problemOf(error).kind != app::ServerProblem::Kind::NoServer)
-        return words;
-    return words + u" See whether the server is switched on, and this machine on the shop's network."_s;
-}
-
-} // namespace
-
 ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access access) :
     m_session(std::move(session)), m_records(m_session, m_session->access, m_session->writer)
 {
@@ -98,12 +86,13 @@ ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access ac
 
 ServerRecords::~ServerRecords() = default;
 
-Result<std::unique_ptr<app::StoreRecords>, QString> ServerRecords::open(const QString &target, app::Access access)
+Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> ServerRecords::open(const QString &target,
+                                                                                   app::Access access)
 {
     const auto use = access == app::Access::Read ? PgTarget::Use::Walk : PgTarget::Use::Work;
     auto session = std::make_shared<OwnSession>(target, use);
     if (const auto reached = session->access.reach(); !reached)
-        return Unexpected(refusalOf(reached.error()));
+        return Unexpected(problemOf(reached.error()));
     return std::unique_ptr<app::StoreRecords>(new ServerRecords(std::move(session), access));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/server_engine.h"
 #include "app/records/store_records.h"
 #include "plugins/server/postgres_records.h"
 
@@ -14,8 +15,8 @@ struct OwnSession;
 class ServerRecords final : public app::StoreRecords
 {
 public:
-    [[nodiscard]] static Result<std::unique_ptr<app::StoreRecords>, QString> open(const QString &target,
-                                                                                  app::Access access);
+    [[nodiscard]] static Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> open(const QString &target,
+                                                                                             app::Access access);
     ~ServerRecords() override;
 
     [[nodiscard]] app::Records &records() override { return m_records; }

@@ -54,10 +54,10 @@ public:
     void setEmptyHandler(EmptyHandler) override {}
     void beginAction() override {}
     Result<std::unique_ptr<ServerLock>, QString> lock(std::int64_t) override { return std::make_unique<ServerLock>(); }
-    Holder holderOf(std::int64_t number) override
+    QList<Holder> holdersOf(const QList<std::int64_t> &numbers) override
     {
-        asked << number;
-        return holder;
+        asked << numbers;
+        return QList<Holder>(numbers.size(), holder);
     }
 };
 

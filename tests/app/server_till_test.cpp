@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "app/records/server_words.h"
 #include "app/server/input_dam.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_wait.h"
-#include "app/server/server_words.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/failure_text.h"
 #include "tests/program/test_program.h"

@@ -609,10 +609,10 @@ void RecordsServerTest::lockFollowsTheStoresSession()
     const auto isThere = [&] { return !till->tryAgain() && till->records()->read({u"select 1"_s, {}}).has_value(); };
     QTRY_VERIFY(isThere());
     QVERIFY(!till->tryAgain());
-    QVERIFY(other->holderOf(19) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 19) == Holder::Somebody);
     m_server->cluster.sql(u"select pg_terminate_backend(pid, 5000) from pg_locks where locktype = 'advisory'"_s);
     QVERIFY(!till->tryAgain());
-    QVERIFY(other->holderOf(19) == Holder::Somebody);
+    QVERIFY(holderOf(*other, 19) == Holder::Somebody);
     QCOMPARE(m_server->cluster.sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s).constFirst(),
              u"1"_s); // who looks takes nothing
 }

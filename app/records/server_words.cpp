@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/server/server_words.h"
+#include "app/records/server_words.h"
 
 #include "basic/store_address.h"
 
@@ -9,7 +9,7 @@ namespace harrowby::app {
 
 namespace {
 
-using Kind = ServerProblem::Kind;
+using Trouble = ServerProblem::Kind;
 
 struct Words
 {
@@ -34,19 +34,19 @@ Words deniedWords(const ServerProblem &problem)
 Words wayWords(const ServerProblem &problem)
 {
     switch (problem.kind) {
-    case Kind::NoPackage:
+    case Trouble::NoPackage:
         return {u"What connects to a server cannot be used"_s,
                 u"Install the package %1 in the version of this program, then start again."_s.arg(
                     QLatin1StringView(serverPackage))};
-    case Kind::BadTarget:
+    case Trouble::BadTarget:
         return {u"The address of the store leads nowhere"_s,
-                u"Check what stands behind --database. A service is described in the file .pg_service.conf in your "
-                "home folder, which harrowby-server add-till and add-office write."_s};
-    case Kind::NoServer:
+                u"Check the address. A service is described in the file .pg_service.conf in your home folder, which "
+                "harrowby-server add-till and add-office write."_s};
+    case Trouble::NoServer:
         return {u"The server cannot be reached"_s,
                 u"See whether it is switched on, and whether this machine is on the shop's network; then start "
                 "again."_s};
-    case Kind::NotTrusted:
+    case Trouble::NotTrusted:
         return {u"It is not certain that this is the shop's own server"_s,
                 u"Install on this machine what harrowby-server add-till or add-office has written on the server: the "
                 "certificate of the shop is part of it."_s};
@@ -55,27 +55,27 @@ Words wayWords(const ServerProblem &problem)
     }
 }
 
-Words stateWords(Kind kind)
+Words stateWords(Trouble kind)
 {
     switch (kind) {
-    case Kind::NotAStore:
+    case Trouble::NotAStore:
         return {u"There is no store in that database"_s,
                 u"Check its name. On the server, harrowby-server create sets a store up."_s};
-    case Kind::SchemaTooOld:
+    case Trouble::SchemaTooOld:
         return {u"The store on the server is older than this program"_s,
                 u"On the server, run harrowby-server update, then start again."_s};
-    case Kind::SchemaTooNew:
+    case Trouble::SchemaTooNew:
         return {u"This program is older than the store on the server"_s,
                 u"Bring the program on this machine up to date, then start again."_s};
-    case Kind::Crowded:
+    case Trouble::Crowded:
         return {u"The server has no room for one more till or office"_s,
                 u"Close one of them; or make room on the server, with harrowby-server update --tills NUMBER."_s};
-    case Kind::Starting:
+    case Trouble::Starting:
         return {u"The server is just starting, or ending"_s, u"Wait a minute, then start again."_s};
-    case Kind::ReadOnly:
+    case Trouble::ReadOnly:
         return {u"Each server that can be reached is a standby, which takes no sales"_s,
                 u"If the shop's server has died, run harrowby-server promote on the standby, then start again."_s};
-    case Kind::GivenUp:
+    case Trouble::GivenUp:
         return {u"The server was not waited for any longer"_s, u"Start again when it is there."_s};
     default:
         return {u"The store on the server cannot be used"_s,
@@ -86,11 +86,11 @@ Words stateWords(Kind kind)
 Words wordsOf(const ServerProblem &problem)
 {
     switch (problem.kind) {
-    case Kind::NoPackage:
-    case Kind::BadTarget:
-    case Kind::NoServer:
-    case Kind::NotTrusted:
-    case Kind::Denied:
+    case Trouble::NoPackage:
+    case Trouble::BadTarget:
+    case Trouble::NoServer:
+    case Trouble::NotTrusted:
+    case Trouble::Denied:
         return wayWords(problem);
     default:
         return stateWords(problem.kind);
