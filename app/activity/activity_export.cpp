@@ -2,6 +2,7 @@
 #include "app/activity/activity_export.h"
 
 #include "app/csv/csv_writer.h"
+#include "app/shop/failure_text.h"
 #include "basic/numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -11,6 +12,13 @@ namespace harrowby::app {
 namespace {
 
 constexpr int entriesAtOnce = 2000;
+
+QString notRead(const DbFailure &failure)
+{
+    const bool isOfServer = !failure.engineState.isEmpty();
+    return u"What happened could not be read: %1."_s.arg(failure.reason) +
+           (isOfServer ? u'\n' + failureAdvice(failure) : QString());
+}
 
 std::optional<ExportStop> writeActivity(Records &records, CsvWriter &out, const ActivityFilter &filter,
                                         const WorkWatch &watch)
@@ -25,7 +33,7 @@ std::optional<ExportStop> writeActivity(Records &records, CsvWriter &out, const 
     while (!search.isAtEnd() && goesOn) {
         const auto entries = search.next(records, entriesAtOnce, watchAll);
         if (!entries)
-            return ExportStop{false, u"What happened could not be read: %1."_s.arg(entries.error().reason)};
+            return ExportStop{false, notRead(entries.error())};
         for (const ActivityEntry &entry : *entries)
             out.row({entry.when, titleOf(entry.kind), entry.who, entry.place, entry.what});
         goesOn = goesOn && watch({u"The list is being written \u2026"_s, WorkStep::unknown});

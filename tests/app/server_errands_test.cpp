@@ -283,6 +283,7 @@ void ServerErrandsTest::whoMayNotIsTold_data()
     QTest::newRow("a till copies from the server")
         << QStringList{u"--copy-store"_s, u"service=till_one"_s, u"b"_s} << office;
     QTest::newRow("a till backs up") << till + QStringList{u"--backup"_s, u"."_s} << office;
+    QTest::newRow("a till exports what happened") << till + QStringList{u"--export"_s, u"activity"_s, u"b"_s} << office;
     QTest::newRow("a till imports") << till + QStringList{u"--import"_s, u"list.csv"_s} << office;
     QTest::newRow("a till restores") << till + QStringList{u"--restore"_s, u"shop.sqlite"_s}
                                      << u"harrowby-server add-office NAME --owner"_s;
