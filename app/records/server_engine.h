@@ -95,10 +95,6 @@ public:
     [[nodiscard]] virtual bool isOpen() const = 0;
     /// Tries to connect when it is not, and to resolve what is unknown. Nothing when all is well.
     [[nodiscard]] virtual std::optional<ServerProblem> tryAgain() = 0;
-    /// 'single' (there is no standby), 'protected' (each write is on two machines), 'waiting' (none can be, so nothing
-    /// is confirmed) or 'alone' (it goes on without the standby, by the shop's own choice). Empty when the server
-    /// cannot be asked; its failure is not told.
-    [[nodiscard]] virtual std::optional<QString> protection() = 0;
 
     /// See PostgresConnection::setResolvedHandler(); also of writes of records().
     virtual void setResolvedHandler(ResolvedHandler handler) = 0;

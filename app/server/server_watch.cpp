@@ -83,16 +83,25 @@ ServerWatch::State ServerWatch::ask()
     m_patience.setRemainingTime(longestAnswer);
     const auto select = m_tellsProtection ? u"select harrowby.protection()"_s : u"select 'single'"_s;
     const auto answer = m_records->records().read({select, {}});
-    if (answer && !answer->isEmpty())
-        return {true, recordText(answer->constFirst().constFirst())};
+    if (answer && !answer->isEmpty()) {
+        const QString protection = recordText(answer->constFirst().constFirst());
+        if (protection == "waiting"_L1 || protection == "alone"_L1)
+            forget(); // a server that was replaced, and lives on, says so, too: the store's is looked for anew
+        return {true, protection};
+    }
     constexpr auto noSuchFunction = "42883"_L1;
     if (!answer && answer.error().engineState == noSuchFunction) { // a server that was not set up by the script
         m_tellsProtection = false;
         return {true, u"single"_s};
     }
+    forget();
+    return {false, m_last.protection};
+}
+
+void ServerWatch::forget()
+{
     const std::lock_guard lock(m_mutex);
     m_records.reset();
-    return {false, m_last.protection};
 }
 
 } // namespace harrowby::app

@@ -25,7 +25,9 @@ public:
     struct State
     {
         bool isReached = true;
-        /// 'single', 'protected', 'waiting' or 'alone', as the server last said it; empty before.
+        /// As the server last said it; empty before: 'single' (there is no standby), 'protected' (each write is on two
+        /// machines), 'waiting' (none can be, so nothing is confirmed) or 'alone' (it goes on without the standby, by
+        /// the shop's own choice).
         QString protection;
         bool operator==(const State &) const = default;
     };
@@ -47,6 +49,7 @@ private:
     void run();
     [[nodiscard]] State ask();
     [[nodiscard]] bool reach();
+    void forget();
     /// False when the watch ends.
     [[nodiscard]] bool pause();
     void take(const State &state);

@@ -4,7 +4,6 @@
 #include "plugins/server/postgres_records.h"
 #include "plugins/server/server_problems.h"
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -12,12 +11,6 @@ using namespace Qt::StringLiterals;
 namespace harrowby::server {
 
 namespace {
-
-using namespace std::chrono_literals;
-
-/// For the sign of how safe a write is: the server answers at once, or the till has more to tell than this.
-constexpr auto shortAnswer = 1000ms;
-constexpr char noSuchFunction[] = "42883";
 
 PostgresOptions optionsOf(const app::ServerOptions &options)
 {
@@ -81,21 +74,6 @@ std::optional<app::ServerProblem> PostgresStore::tryAgain()
         return problemOf(*error);
     m_locks->keep();
     return {};
-}
-
-std::optional<QString> PostgresStore::protection()
-{
-    PgSession &session = m_parts.access.session();
-    if (session.isLost() || session.hasEnded() || session.isInTransaction())
-        return {};
-    m_locks->keep();
-    PgBudget budget = m_parts.access.budget();
-    budget.answer = std::min<std::chrono::milliseconds>(budget.answer, shortAnswer);
-    const auto results = session.run("select harrowby.protection()", budget);
-    if (results && results->back().rowCount() == 1)
-        return QString::fromUtf8(results->back().text(0, 0));
-    // A server that nobody has set up with a standby in mind.
-    return !results && results.error().sqlState == noSuchFunction ? std::optional(u"single"_s) : std::nullopt;
 }
 
 void PostgresStore::setResolvedHandler(ResolvedHandler handler)

@@ -47,7 +47,6 @@ public:
     std::unique_ptr<Records> records() override { return {}; }
     [[nodiscard]] bool isOpen() const override { return true; }
     std::optional<ServerProblem> tryAgain() override { return {}; }
-    std::optional<QString> protection() override { return {}; }
     void setResolvedHandler(ResolvedHandler) override {}
     void setWaitHook(DbConnection::WaitHook) override {}
     void setChangeHandler(ChangeHandler) override {}

@@ -89,7 +89,6 @@ private Q_SLOTS:
     void locksOfPrograms();
     void lockThatAnotherHadMeanwhile();
     void lockFollowsTheStoresSession();
-    void protection();
 
 private:
     [[nodiscard]] std::unique_ptr<PostgresStore> open(const QString &target);
@@ -615,18 +614,6 @@ void RecordsServerTest::lockFollowsTheStoresSession()
     QVERIFY(holderOf(*other, 19) == Holder::Somebody);
     QCOMPARE(m_server->cluster.sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s).constFirst(),
              u"1"_s); // who looks takes nothing
-}
-
-void RecordsServerTest::protection()
-{
-    QCOMPARE(m_store->protection(), std::optional(u"single"_s)); // nobody has set this server up with a standby in mind
-    m_server->cluster.sql(u"create function harrowby.protection() returns text language sql as $$select 'alone'$$"_s);
-    QCOMPARE(m_store->protection(), std::optional(u"alone"_s));
-    m_server->cluster.sql(u"drop function harrowby.protection()"_s);
-    m_proxy->goSilent();
-    QCOMPARE(m_store->protection(), std::optional<QString>());
-    m_proxy->speak();
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s)));
 }
 
 HARROWBY_CORE_TEST(records_server_test, RecordsServerTest)

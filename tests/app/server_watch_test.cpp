@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "app/server/server_watch.h"
+
+#include "tests/doubles/private_cluster.h"
+#include "tests/doubles/server_shop.h"
+#include "tests/program/test_program.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace harrowby::app;
+using namespace std::chrono_literals;
+using harrowby::test::PrivateCluster;
+
+/// What a till that nobody touches learns of its servers.
+class ServerWatchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void tellsHowSafeTheShopIs();
+    void followsTheStore();
+
+private:
+    /// What the server says of itself from now on: an expression.
+    static void say(PrivateCluster &cluster, const QString &protection);
+};
+
+namespace {
+
+constexpr int patience = 20'000;
+
+} // namespace
+
+void ServerWatchTest::initTestCase()
+{
+    if (const QString missing = PrivateCluster::missing(); !missing.isEmpty())
+        QSKIP(qPrintable(missing));
+}
+
+void ServerWatchTest::say(PrivateCluster &cluster, const QString &protection)
+{
+    cluster.sql(u"create or replace function harrowby.protection() returns text language sql as $$select %1$$"_s.arg(
+        protection));
+}
+
+void ServerWatchTest::tellsHowSafeTheShopIs()
+{
+    PrivateCluster cluster;
+    cluster.start();
+    harrowby::test::setUpShop(cluster, u"shop"_s);
+    {
+        const ServerWatch unprepared(cluster.conninfo(), 10ms); // nobody has set this server up with a standby in mind
+        QTRY_COMPARE_WITH_TIMEOUT(unprepared.state().protection, u"single"_s, patience);
+    }
+    say(cluster, u"'protected'"_s);
+    const ServerWatch watch(cluster.conninfo(), 10ms);
+    for (const QString &how : {u"protected"_s, u"waiting"_s, u"alone"_s, u"single"_s}) {
+        say(cluster, u'\'' + how + u'\'');
+        QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, how, patience);
+        QVERIFY(watch.state().isReached);
+    }
+    cluster.kill9();
+    QTRY_VERIFY_WITH_TIMEOUT(!watch.state().isReached, patience);
+    QCOMPARE(watch.state().protection, u"single"_s);
+    cluster.start();
+    QTRY_VERIFY_WITH_TIMEOUT(watch.state().isReached, patience);
+}
+
+/// A primary that was replaced lives on, and waits for a standby that it has no more.
+void ServerWatchTest::followsTheStore()
+{
+    PrivateCluster primary;
+    primary.start();
+    harrowby::test::setUpShop(primary, u"shop"_s);
+    say(primary, u"case when current_setting('port') = '%1' then 'waiting' else 'single' end"_s.arg(primary.port()));
+    const auto standby = primary.standby();
+    const ServerWatch watch(
+        u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(primary.port())
+            .arg(standby->port()),
+        10ms);
+    QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"waiting"_s, patience);
+    standby->promote();
+    QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"single"_s, patience);
+}
+
+HARROWBY_TEST(app_server_watch_test, ServerWatchTest)
+#include "server_watch_test.moc"
