@@ -83,9 +83,11 @@ void SaleFollower::follow(const CounterPurchase &purchase)
     const bool isNothingDone = purchase.row == CounterPurchase::Row::NotWritten && !purchase.lines.empty() &&
                                misses.size() == static_cast<qsizetype>(purchase.lines.size()) &&
                                std::all_of(misses.cbegin(), misses.cend(), isRefused);
-    if (!isNothingDone && row)
-        m_notice.add(*row);
     if (!isNothingDone) {
+        if (row) // no step that could be done again: the cart is empty
+            m_notice.tell({u"row "_s + purchase.id,
+                           u"The purchase %1 over %2 was not recorded."_s.arg(purchase.id, formatMoney(purchase.total)),
+                           failureReason(*row), u"Write it down: the reports do not have it."_s});
         for (const Miss &miss : misses)
             tell(miss, purchase.id);
         return;

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void cartOfWhichNothingWasWrittenComesBack();
     void cartOfALogoutComesBackWithTheNextLogin();
     void linesThatWereNotWrittenAreTold();
+    void purchaseThatIsMissingIsTold();
     void whatIsNotKnownIsToldAndSettled();
 
 private:
@@ -417,6 +418,18 @@ void ServerTillTest::linesThatWereNotWrittenAreTold()
     QVERIFY2(told("failureWork").startsWith(u"1 x JAM (A2) sold, but the stock was not lowered (purchase HV"_s),
              qPrintable(told("failureWork")));
     QVERIFY(told("failureHeading").contains(u"Not saved"_s));
+}
+
+/// Its lines are sold: there is nothing to do again.
+void ServerTillTest::purchaseThatIsMissingIsTold()
+{
+    openTill();
+    sell([](const QString &text) { return text == u"insert PurchaseCart"_s; });
+    QVERIFY(m_till->cart().isEmpty());
+    QVERIFY2(told("failureWork").startsWith(u"The purchase HV"_s) &&
+                 told("failureWork").endsWith(u" over 6.50 was not recorded."_s),
+             qPrintable(told("failureWork")));
+    QCOMPARE(told("failureAdvice"), u"Write it down: the reports do not have it."_s);
 }
 
 void ServerTillTest::whatIsNotKnownIsToldAndSettled()
