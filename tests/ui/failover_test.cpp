@@ -10,9 +10,11 @@
 #include <harrowby/postgres_connection.h>
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
+#include <QTimer>
 
 #include <chrono>
 
@@ -67,6 +69,14 @@ int sell(const QString &path, const QString &name)
     return 0;
 }
 
+/// A person's next action begins when the event loop has waited for it, and has its full time.
+void awaitNextAction()
+{
+    QEventLoop loop;
+    QTimer::singleShot(1, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 /// A process with the real window, which sells one unit of its first button's item after the other.
 int sellAtTheTill(const QString &path)
 {
@@ -78,7 +88,7 @@ int sellAtTheTill(const QString &path)
     say(u"ready"_s);
     while (!isToldToStop()) {
         till.sellOne(0);
-        QCoreApplication::processEvents();
+        awaitNextAction();
     }
     return 0;
 }
@@ -100,6 +110,7 @@ public:
     /// How many writes have been done.
     [[nodiscard]] qsizetype done() const { return m_output.count("\nD ") + m_output.count("\nA1 "); }
     [[nodiscard]] const QByteArray &output() const { return m_output; }
+    [[nodiscard]] QString latest() const { return QString::fromUtf8(m_output.last(qMin(m_output.size(), 3'000))); }
     /// What was told with this outcome.
     [[nodiscard]] QStringList told(char outcome) const
     {
@@ -184,19 +195,25 @@ void FailoverTest::awaitSales()
 {
     for (const auto &seller : m_sellers) {
         const qsizetype before = seller->done();
-        QTRY_VERIFY_WITH_TIMEOUT(seller->done() >= before + salesBetween, hangMs);
+        const auto hasSold = [&] { return seller->done() >= before + salesBetween; };
+        QVERIFY2(QTest::qWaitFor(hasSold, hangMs),
+                 qPrintable(seller->name() + u" sells no more:\n"_s + seller->latest()));
     }
 }
 
 void FailoverTest::failOver()
 {
     awaitSales();
+    if (QTest::currentTestFailed())
+        return;
     PrivateCluster &dead = primary();
     m_primary = 1 - m_primary;
     dead.kill9();
     primary().promote();
     const qint64 promoted = nowMs();
     awaitSales();
+    if (QTest::currentTestFailed())
+        return;
     qint64 first = std::numeric_limits<qint64>::max();
     for (const auto &seller : m_sellers) {
         if (const qint64 done = seller->firstDoneAfter(promoted); done >= 0)
