@@ -205,6 +205,12 @@ void PrivateCluster::awaitStandby(const PrivateCluster &standby)
             standby.port()),
         u"1"_s);
     demandStandby(true);
+    // What was written until now has waited for nobody, and may still be here alone.
+    const QString written = sql(u"SELECT pg_current_wal_flush_lsn()"_s).value(0);
+    await(u"SELECT count(*) FROM pg_stat_replication WHERE application_name = 'server_%1' AND flush_lsn >= '%2'"_s
+              .arg(standby.port())
+              .arg(written),
+          u"1"_s);
 }
 
 void PrivateCluster::demandStandby(bool demanded)
