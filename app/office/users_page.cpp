@@ -2,13 +2,13 @@
 #include "app/office/users_page.h"
 
 #include "app/boxes/office_box.h"
+#include "app/office/right_boxes.h"
 #include "app/office/role_buttons.h"
 #include "app/office/user_dialog.h"
 #include "app/office/user_rules.h"
 #include "app/shop/password_rules.h"
 #include "theme/dialogs.h"
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -33,7 +33,6 @@ constexpr int listWidth = 300;
 constexpr int smallListWidth = 250; ///< in a window for a small screen
 constexpr int smallWindow = 900;
 constexpr int besideRight = 72; ///< a right's box, its paddings, and what scrolls the rights
-constexpr int fewestPixels = 260;
 constexpr int rowHeight = 56;
 
 QString secondLine(const StoreUser &user)
@@ -50,37 +49,6 @@ QListWidgetItem *makeRow(const StoreUser &user)
     row->setSizeHint({0, rowHeight});
     row->setToolTip(row->text().toHtmlEscaped());
     return row;
-}
-
-/// The text on as many lines as the width takes, broken between words.
-QString wrapped(const QString &text, const QFontMetrics &metrics, int width)
-{
-    QString lines;
-    QString line;
-    for (const QString &word : text.split(u' ')) {
-        const QString longer = line.isEmpty() ? word : line + u' ' + word;
-        if (!line.isEmpty() && metrics.horizontalAdvance(longer) > width) {
-            lines += line + u'\n';
-            line = word;
-        } else {
-            line = longer;
-        }
-    }
-    return lines + line;
-}
-
-QString rightText(const Right &right)
-{
-    return right.title + u": "_s + right.words;
-}
-
-/// Locked check boxes keep the normal text colour, as they are to be read.
-void showLockedAsText(QCheckBox &box)
-{
-    QPalette palette = box.palette();
-    for (const auto role : {QPalette::WindowText, QPalette::Text})
-        palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
-    box.setPalette(palette);
 }
 
 } // namespace
@@ -154,16 +122,9 @@ QVBoxLayout *UsersPage::makeDetails()
     m_roles = new RoleButtons(this);
     connect(m_roles, &RoleButtons::pressed, this, [this](qsizetype role) { takeRole(userRoles().at(role)); });
     rows->addWidget(m_roles);
-    for (const Right &right : userRights()) {
-        auto *box = new QCheckBox(rightText(right), this);
-        box->setAccessibleName(rightText(right));
-        box->setMinimumWidth(fewestPixels); // its text wraps
-        box->setObjectName(right.column);
-        showLockedAsText(*box);
-        connect(box, &QCheckBox::clicked, this, [this, column = right.column](bool on) { switchRight(column, on); });
-        m_rights << box;
-        rows->addWidget(box);
-    }
+    m_rights = new RightBoxes(this);
+    connect(m_rights, &RightBoxes::switched, this, &UsersPage::switchRight);
+    rows->addWidget(m_rights);
     rows->addStretch(1);
     return rows;
 }
@@ -199,14 +160,7 @@ void UsersPage::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     m_list->setFixedWidth(width() < smallWindow ? smallListWidth : listWidth);
-    wrapRights();
-}
-
-void UsersPage::wrapRights()
-{
-    const int room = layout()->contentsRect().width() - m_list->width() - layout()->spacing() - besideRight;
-    for (qsizetype i = 0; i < m_rights.size(); ++i)
-        m_rights.at(i)->setText(wrapped(rightText(userRights().at(i)), m_rights.at(i)->fontMetrics(), room));
+    m_rights->wrap(layout()->contentsRect().width() - m_list->width() - layout()->spacing() - besideRight);
 }
 
 void UsersPage::fill()
@@ -253,10 +207,7 @@ void UsersPage::showUser()
     m_name->setText(user == nullptr ? QString()
                     : locked        ? user->name + u" (has every right and keeps it)"_s
                                     : user->name);
-    for (qsizetype i = 0; i < m_rights.size(); ++i) {
-        m_rights.at(i)->setChecked(user != nullptr && user->rights.contains(userRights().at(i).column));
-        m_rights.at(i)->setEnabled(!locked);
-    }
+    m_rights->showRights(user != nullptr ? user->rights : QStringList(), locked);
     m_roles->mark(user != nullptr && !locked ? roleWith(user->rights) : nullptr);
     m_roles->setDisabled(locked);
     m_password->setEnabled(user != nullptr);

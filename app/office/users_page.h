@@ -8,7 +8,6 @@
 
 #include <functional>
 
-class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLayout;
@@ -18,6 +17,7 @@ class QVBoxLayout;
 
 namespace harrowby::app {
 
+class RightBoxes;
 class RoleButtons;
 
 /// The store's users: each right is a switch that is stored at once, and a role is seven of them.
@@ -39,7 +39,6 @@ private:
     QVBoxLayout *makeList();
     QVBoxLayout *makeDetails();
     QWidget *makeScroller(QLayout *details);
-    void wrapRights();
     void fill();
     void showUser();
     void showType(const StoreUser &user);
@@ -57,8 +56,8 @@ private:
     QListWidget *m_list = nullptr;
     QLabel *m_name = nullptr;
     QComboBox *m_type = nullptr;
-    QList<QCheckBox *> m_rights; ///< in the order of userRights()
     RoleButtons *m_roles = nullptr;
+    RightBoxes *m_rights = nullptr;
     QPushButton *m_password = nullptr;
     QLabel *m_outcome = nullptr;
     bool m_isUnread = false; ///< when it was last tried
