@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <harrowby/postgres_connection.h>
 
+#include "postgres/action_loop.h"
 #include "postgres/connection_parts.h"
 #include "postgres/dialect.h"
 #include "postgres/postgres_failure.h"
@@ -9,10 +10,6 @@
 #include "postgres/shop_memory.h"
 #include "postgres/storable.h"
 #include "postgres/writer.h"
-
-#include <QAbstractEventDispatcher>
-#include <QObject>
-#include <QThread>
 
 #include <utility>
 
@@ -81,11 +78,10 @@ struct PostgresConnection::Private
     ConnectionWatch watch;
     std::optional<Held> held;
     WriteOutcome lastWrite = WriteOutcome::Done;
-    QObject context; ///< of the event loop's signal
+    ActionLoop loop;
 
     [[nodiscard]] PgWaits waits();
     [[nodiscard]] bool goesOn(PgWaiting what);
-    void followEventLoop();
     [[nodiscard]] std::unique_ptr<DbCursor> readHeld();
     [[nodiscard]] std::unique_ptr<DbCursor> read(const QString &select, DbReading how);
     bool write(Write &&write);
@@ -103,13 +99,12 @@ PostgresConnection::Private::Private(const PostgresConnection &connection, const
     reader(
         access, [this](const QString &select, const PgError &error) { report(DbFailure::Kind::Read, select, error); },
         options.findsAnywhere),
-    writer(access, options.stateFolder, options.rest)
+    writer(access, options.stateFolder, options.rest), loop(time)
 {
     writer.setResolvedHandler([this](const QString &what, Actions::Outcome outcome) {
         if (resolvedHandler && outcome != Actions::Outcome::Unknown)
             resolvedHandler(what, outcome == Actions::Outcome::Done);
     });
-    followEventLoop();
 }
 
 PgWaits PostgresConnection::Private::waits()
@@ -132,20 +127,6 @@ bool PostgresConnection::Private::goesOn(PgWaiting what)
         return true;
     time.giveUp();
     return false;
-}
-
-/// An action of the user ends where the outermost event loop waits for the next one; a box belongs to the action that
-/// shows it.
-void PostgresConnection::Private::followEventLoop()
-{
-    auto *dispatcher = QAbstractEventDispatcher::instance();
-    if (!dispatcher)
-        return;
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context, [this] {
-        constexpr int outermost = 1;
-        if (QThread::currentThread()->loopLevel() <= outermost)
-            time.begin();
-    });
 }
 
 void PostgresConnection::Private::report(DbFailure::Kind kind, const QString &what, const PgError &error) const
