@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/doubles/proxy.h"
-#include "tests/postgres/server_fixture.h"
+#include "tests/postgres/connected_till.h"
 #include "tests/program/test_program.h"
 
 #include "store/recordset.h"
@@ -21,15 +20,11 @@ using namespace std::chrono_literals;
 using Access = DbRecordset::Access;
 
 /// Servers that are away, stopped or locked: every wait ends, is painted, and the till goes on afterwards.
-class ConnectionWaitsTest : public QObject
+class ConnectionWaitsTest : public ConnectedTill
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup() { m_connection.reset(); }
-
     void serverComesBack();
     void failsWhileItIsAway();
     void anothersLock();
@@ -39,24 +34,7 @@ private Q_SLOTS:
     void givesUp();
     void unknownAfterAHoldThatWasRefused();
     void actionEndsWithTheEventLoop();
-
-private:
-    std::unique_ptr<ServerFixture> m_server;
-    std::shared_ptr<PostgresConnection> m_connection;
 };
-
-void ConnectionWaitsTest::initTestCase()
-{
-    if (const QString missing = PrivateCluster::missing(); !missing.isEmpty())
-        QSKIP(qPrintable(missing));
-    m_server = std::make_unique<ServerFixture>();
-}
-
-void ConnectionWaitsTest::init()
-{
-    m_server->refill();
-    m_connection = m_server->connect();
-}
 
 void ConnectionWaitsTest::serverComesBack()
 {
@@ -188,8 +166,7 @@ void ConnectionWaitsTest::silentCable()
     Proxy cable(m_server->cluster.port());
     PostgresOptions options = m_server->options();
     options.rest = 2'000ms;
-    m_connection = std::make_shared<PostgresConnection>(
-        u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(cable.port()), options);
+    m_connection = std::make_shared<PostgresConnection>(through(cable), options);
     m_connection->setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
     std::optional<bool> found;
     m_connection->setResolvedHandler([&](const QString &, bool isDone) { found = isDone; });
@@ -249,8 +226,7 @@ void ConnectionWaitsTest::unknownAfterAHoldThatWasRefused()
     Proxy proxy(m_server->cluster.port());
     PostgresOptions options = m_server->options();
     options.rest = 300ms;
-    const auto till = std::make_shared<PostgresConnection>(
-        u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(proxy.port()), options);
+    const auto till = std::make_shared<PostgresConnection>(through(proxy), options);
     QVERIFY(!till->open());
     const Statement select = statements::purchase(u"HV1"_s);
     m_server->cluster.sql(u"begin; select pg_advisory_xact_lock(hashtextextended('%1', 0))"_s.arg(

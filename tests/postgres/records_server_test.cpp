@@ -1,66 +1,20 @@
 // SPDX-License-Identifier: MIT
-#include "app/records/server_engine.h"
-#include "plugins/server/postgres_store.h"
-#include "tests/doubles/proxy.h"
-#include "tests/postgres/server_fixture.h"
+#include "tests/postgres/records_desk.h"
 #include "tests/program/test_program.h"
 
 #include <QTest>
-
-#include <atomic>
-#include <limits>
-#include <thread>
 
 using namespace harrowby;
 using namespace harrowby::app;
 using namespace harrowby::test;
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-using server::PostgresStore;
-using Holder = ServerStore::Holder;
-
-namespace {
-
-const RecordTable &notes()
-{
-    static const RecordTable table = {
-        u"HarrowbyNote"_s,
-        {u"create table if not exists HarrowbyNote (Name text not null primary key, Worth double precision)"_s,
-         u"create index if not exists harrowby_note_worth on HarrowbyNote (Worth)"_s}};
-    return table;
-}
-
-RecordStatement insertNote(const QString &name, const RecordValue &worth = {})
-{
-    return {u"insert into HarrowbyNote (Name, Worth) values (?, ?)"_s, {name, worth}};
-}
-
-const RecordStatement allNotes{u"select Name, Worth from HarrowbyNote order by Name"_s, {}};
-const RecordStatement raiseAll{u"update HarrowbyNote set Worth = Worth + 1"_s, {}};
-
-Holder holderOf(ServerStore &store, std::int64_t number)
-{
-    return store.holdersOf({number}).constFirst();
-}
-
-struct Resolved
-{
-    QString what;
-    bool isDone = false;
-};
-
-} // namespace
 
 /// The program's records on a server, over the session of a till.
-class RecordsServerTest : public QObject
+class RecordsServerTest : public RecordsDesk
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void tableIsMadeBeforeItsFirstWrite();
     void valuesComeBackAsTheyWere();
     void writeTellsHowManyRowsItChanged();
@@ -77,98 +31,8 @@ private Q_SLOTS:
     void rowsAreReadOneByOne();
     void rowIdentityHasAName();
     void recordsAndComponentShareASession();
-
-    void lostAnswersOfWrites();
-    void lostAnswersOfWritesTogether();
-    void brokenInTheMiddle();
-    void brokenAndChangedMeanwhile();
-    void serverKilledInTheMiddle();
-    void unknownIsToldLater();
-
     void rowsThatAreChangedAreTold();
-    void locksOfPrograms();
-    void lockThatAnotherHadMeanwhile();
-    void lockFollowsTheStoresSession();
-
-private:
-    [[nodiscard]] std::unique_ptr<PostgresStore> open(const QString &target);
-    [[nodiscard]] QString throughProxy() const;
-    [[nodiscard]] QString notesOnServer();
-    [[nodiscard]] QStringList names();
-
-    std::unique_ptr<ServerFixture> m_server;
-    std::unique_ptr<Proxy> m_proxy;
-    std::unique_ptr<PostgresStore> m_store;
-    std::unique_ptr<Records> m_records;
-    QList<DbFailure> m_told;
-    QList<Resolved> m_resolved;
 };
-
-void RecordsServerTest::initTestCase()
-{
-    if (const QString missing = PrivateCluster::missing(); !missing.isEmpty())
-        QSKIP(qPrintable(missing));
-    m_server = std::make_unique<ServerFixture>();
-    m_proxy = std::make_unique<Proxy>(m_server->cluster.port());
-}
-
-std::unique_ptr<PostgresStore> RecordsServerTest::open(const QString &target)
-{
-    const PostgresOptions shortTimes = m_server->options();
-    ServerOptions options;
-    options.stateFolder = shortTimes.stateFolder;
-    options.connecting = shortTimes.connecting;
-    options.silence = shortTimes.silence;
-    options.lock = shortTimes.lock;
-    options.rest = shortTimes.rest;
-    options.resolvedHandler = [this](const QString &what, bool isDone) { m_resolved << Resolved{what, isDone}; };
-    auto store = std::make_unique<PostgresStore>(target, options);
-    if (const auto problem = store->open())
-        qWarning("not opened: %ls", qUtf16Printable(problem->reason));
-    return store;
-}
-
-QString RecordsServerTest::throughProxy() const
-{
-    return u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(m_proxy->port());
-}
-
-void RecordsServerTest::init()
-{
-    m_server->cluster.sql(u"drop table if exists harrowby.HarrowbyNote"_s);
-    m_server->refill();
-    m_told.clear();
-    m_resolved.clear();
-    m_store = open(throughProxy());
-    m_records = m_store->records();
-    m_records->setFailureHandler([this](const DbFailure &failure) { m_told << failure; });
-}
-
-void RecordsServerTest::cleanup()
-{
-    m_proxy->speak();
-    m_proxy->setTarget(m_server->cluster.port());
-    m_records.reset();
-    m_store.reset();
-}
-
-/// "a=1 b=2"
-QString RecordsServerTest::notesOnServer()
-{
-    return m_server->cluster
-        .sql(
-            u"select string_agg(Name || '=' || coalesce(Worth::text, ''), ' ' order by Name) from harrowby.HarrowbyNote"_s)
-        .join(u'|');
-}
-
-QStringList RecordsServerTest::names()
-{
-    QStringList all;
-    const auto rows = m_records->read(notes(), allNotes);
-    for (const RecordRow &row : rows.value_or(QList<RecordRow>()))
-        all << recordText(row.at(0));
-    return all;
-}
 
 void RecordsServerTest::tableIsMadeBeforeItsFirstWrite()
 {
@@ -412,124 +276,6 @@ void RecordsServerTest::recordsAndComponentShareASession()
     QVERIFY(m_records->write(notes(), insertNote(u"c"_s)));
 }
 
-/// Whichever answer gets lost: done once, and known how often.
-void RecordsServerTest::lostAnswersOfWrites()
-{
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
-    for (int answer = 1; answer <= 3; ++answer) {
-        m_store->beginAction();
-        m_proxy->loseAnswerOf(answer);
-        QCOMPARE(m_records->write(notes(), raiseAll).value_or(-1), 1);
-        QCOMPARE(notesOnServer(), u"a=%1"_s.arg(answer));
-        m_proxy->loseAnswerOf(1);
-        QCOMPARE(m_records->write(notes(), insertNote(u"n%1"_s.arg(answer))).value_or(-1), 1);
-        QCOMPARE(m_records->write(notes(), {u"delete from HarrowbyNote where Name = ?"_s, {u"n%1"_s.arg(answer)}})
-                     .value_or(-1),
-                 1);
-        m_proxy->loseAnswerOf(1000);
-    }
-    QVERIFY(m_told.isEmpty());
-}
-
-void RecordsServerTest::lostAnswersOfWritesTogether()
-{
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
-    for (int answer = 1; answer <= 5; ++answer) {
-        m_store->beginAction();
-        m_proxy->loseAnswerOf(answer);
-        int runs = 0;
-        const auto kept = m_records->together(notes(), [&] {
-            ++runs;
-            const auto before = m_records->read(notes(), allNotes);
-            return before && m_records->write(notes(), raiseAll).value_or(-1) == 1 &&
-                   m_records->write(notes(), raiseAll).value_or(-1) == 1;
-        });
-        QVERIFY2(kept && *kept, QByteArray::number(answer));
-        QCOMPARE(runs, 1);
-        QCOMPARE(notesOnServer(), u"a=%1"_s.arg(2 * answer));
-        m_proxy->loseAnswerOf(1000);
-    }
-    QVERIFY(m_told.isEmpty());
-}
-
-void RecordsServerTest::brokenInTheMiddle()
-{
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
-    const auto kept = m_records->together(notes(), [&] {
-        const bool first = m_records->write(notes(), raiseAll).value_or(-1) == 1;
-        m_proxy->cut();
-        return first && m_records->write(notes(), raiseAll).value_or(-1) == 1;
-    });
-    QVERIFY(kept && *kept);
-    QCOMPARE(notesOnServer(), u"a=2"_s);
-    QVERIFY(m_told.isEmpty());
-}
-
-/// What was read is not true any more, so what was computed from it is not written.
-void RecordsServerTest::brokenAndChangedMeanwhile()
-{
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
-    const auto kept = m_records->together(notes(), [&] {
-        const auto before = m_records->read(notes(), allNotes);
-        m_proxy->cut();
-        m_server->cluster.sql(u"update harrowby.HarrowbyNote set Worth = 7"_s);
-        return before && m_records->write(notes(), raiseAll);
-    });
-    QVERIFY(kept && !*kept);
-    QCOMPARE(m_told.size(), 1);
-    QVERIFY(m_told.constFirst().reason.contains(u"changed"_s));
-    QCOMPARE(notesOnServer(), u"a=7"_s);
-    QVERIFY(m_records->write(notes(), raiseAll));
-    QCOMPARE(notesOnServer(), u"a=8"_s);
-}
-
-void RecordsServerTest::serverKilledInTheMiddle()
-{
-    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
-    const auto kept = m_records->together(notes(), [&] {
-        const bool first = m_records->write(notes(), raiseAll).value_or(-1) == 1;
-        m_server->cluster.kill9();
-        m_server->cluster.start();
-        return first && m_records->write(notes(), raiseAll).value_or(-1) == 1;
-    });
-    QVERIFY(kept && *kept);
-    QCOMPARE(notesOnServer(), u"a=2"_s);
-}
-
-void RecordsServerTest::unknownIsToldLater()
-{
-    m_records.reset();
-    m_store.reset();
-    const PostgresOptions shortTimes = m_server->options();
-    ServerOptions options;
-    options.stateFolder = shortTimes.stateFolder;
-    options.connecting = 200ms;
-    options.silence = 200ms;
-    options.rest = 300ms;
-    PostgresStore store(throughProxy(), options);
-    QVERIFY(!store.open());
-    const auto records = store.records();
-    QVERIFY(records->write(notes(), insertNote(u"a"_s, 0.0)));
-    std::optional<DbFailure> failure;
-    records->setFailureHandler([&](const DbFailure &told) { failure = told; });
-    store.setResolvedHandler([this](const QString &what, bool isDone) { m_resolved << Resolved{what, isDone}; });
-    const auto unknown = records->together(notes(), [&] {
-        const bool isWritten = records->write(notes(), raiseAll).has_value();
-        m_proxy->goSilentAtAnswerOf(1); // of the commit
-        return isWritten;
-    });
-    QVERIFY(!unknown);
-    QVERIFY(failure && Records::isUnknown(*failure));
-    QCOMPARE(notesOnServer(), u"a=1"_s);
-    m_proxy->speak();
-    QTRY_VERIFY(!store.tryAgain());
-    QCOMPARE(m_resolved.size(), 1);
-    QVERIFY(m_resolved.constFirst().isDone);
-    QCOMPARE(m_resolved.constFirst().what, u"UPDATE HarrowbyNote"_s);
-    QVERIFY(records->write(notes(), raiseAll));
-    QCOMPARE(notesOnServer(), u"a=2"_s);
-}
-
 void RecordsServerTest::rowsThatAreChangedAreTold()
 {
     QStringList changes;
@@ -548,72 +294,6 @@ void RecordsServerTest::rowsThatAreChangedAreTold()
     QVERIFY(till->query(item(u"1"_s)));
     QVERIFY(till->queryAs(item(u"none"_s), DbReading::First));
     QCOMPARE(empty, QStringList{item(u"none"_s)});
-}
-
-void RecordsServerTest::locksOfPrograms()
-{
-    auto other = open(m_server->cluster.tcpConninfo());
-    auto lock = m_store->lock(17);
-    QVERIFY(lock);
-    QVERIFY(!other->lock(17));
-    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
-    QVERIFY(holderOf(*other, 18) == Holder::Nobody);
-    QVERIFY(holderOf(*m_store, 17) == Holder::Somebody); // its own
-    m_proxy->cut();
-    QVERIFY(!m_store->tryAgain()); // takes it again
-    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
-    m_server->cluster.kill9();
-    m_server->cluster.start();
-    QVERIFY(!m_store->tryAgain());
-    QVERIFY(!other->tryAgain());
-    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
-    *lock = nullptr;
-    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
-    QVERIFY(m_store->lock(17));
-}
-
-/// As the server's own memory of a session of which nobody has told it that it is gone.
-void RecordsServerTest::lockThatAnotherHadMeanwhile()
-{
-    auto other = open(m_server->cluster.tcpConninfo());
-    auto lock = m_store->lock(17);
-    QVERIFY(lock);
-    m_server->cluster.sql(u"select pg_terminate_backend(pid) from pg_locks where locktype = 'advisory'"_s);
-    m_server->cluster.await(u"select count(*) from pg_locks where locktype = 'advisory'"_s, u"0"_s);
-    auto between = other->lock(17);
-    QVERIFY(between);
-    QVERIFY(holderOf(*m_store, 17) == Holder::Somebody);
-    *between = nullptr;
-    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
-    QVERIFY(!m_store->tryAgain());
-    QVERIFY(holderOf(*other, 17) == Holder::Somebody);
-    *lock = nullptr;
-    QVERIFY(holderOf(*other, 17) == Holder::Nobody);
-}
-
-/// The till works on where it can be reached; the session of its locks hangs on a way that is silent, and nobody tells
-/// it. The server has its lock still, and gives it up minutes later.
-void RecordsServerTest::lockFollowsTheStoresSession()
-{
-    using Holder = ServerStore::Holder;
-    Proxy otherWay(m_server->cluster.port());
-    otherWay.refuse(true);
-    const auto till = open(u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(
-        QString::number(m_proxy->port()), QString::number(otherWay.port())));
-    const auto other = open(m_server->cluster.tcpConninfo());
-    const auto lock = till->lock(19);
-    QVERIFY(lock);
-    otherWay.refuse(false);
-    m_proxy->goSilent();
-    const auto isThere = [&] { return !till->tryAgain() && till->records()->read({u"select 1"_s, {}}).has_value(); };
-    QTRY_VERIFY(isThere());
-    QVERIFY(!till->tryAgain());
-    QVERIFY(holderOf(*other, 19) == Holder::Somebody);
-    m_server->cluster.sql(u"select pg_terminate_backend(pid, 5000) from pg_locks where locktype = 'advisory'"_s);
-    QVERIFY(!till->tryAgain());
-    QVERIFY(holderOf(*other, 19) == Holder::Somebody);
-    QCOMPARE(m_server->cluster.sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s).constFirst(),
-             u"1"_s); // who looks takes nothing
 }
 
 HARROWBY_CORE_TEST(records_server_test, RecordsServerTest)
