@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/file_records.h"
-#include "app/records/shop_settings.h"
 #include "app/records/sqlite_records.h"
 #include "engine/lost_files.h"
 #include "tests/app/store_files.h"
@@ -79,9 +78,6 @@ private Q_SLOTS:
     void readersAreAskedToEndBeforeAWrite();
     void times();
     void conversions();
-    void settings();
-    void settingsOfOnePrefix();
-    void settingThatCannotBeSavedStays();
 
 private:
     [[nodiscard]] QString read(const QString &select) const { return readText(m_database.get(), select); }
@@ -479,41 +475,6 @@ void RecordsTest::conversions()
     QCOMPARE(recordNumber({}), 0);
     QCOMPARE(recordReal(std::int64_t{3}), 3.0);
     QCOMPARE(recordReal(u"1.25"_s), 1.25);
-}
-
-void RecordsTest::settings()
-{
-    ShopSettings shop(*m_records);
-    QCOMPARE(shop.value(u"Search"_s, u"off"_s), u"off"_s);
-    QVERIFY(!shop.save(u"Search"_s, u"on"_s));
-    QVERIFY(!shop.save(u"Search"_s, u"it's on"_s));
-    QCOMPARE(shop.value(u"Search"_s, u"off"_s), u"it's on"_s);
-    QCOMPARE(read(u"select count(*) from HarrowbySetting"_s), u"1"_s);
-    QVERIFY(!shop.remove(u"Search"_s));
-    QCOMPARE(shop.value(u"Search"_s, u"off"_s), u"off"_s);
-}
-
-void RecordsTest::settingsOfOnePrefix()
-{
-    ShopSettings shop(*m_records);
-    for (const auto &[name, value] : {std::pair(u"Rule.21"_s, u"b"_s), {u"Rule.02"_s, u"a"_s}, {u"Rul"_s, u"c"_s}})
-        QVERIFY(!shop.save(name, value));
-    const auto rules = shop.startingWith(u"Rule."_s);
-    QVERIFY(rules);
-    QCOMPARE(*rules, (QList<std::pair<QString, QString>>{{u"02"_s, u"a"_s}, {u"21"_s, u"b"_s}}));
-}
-
-void RecordsTest::settingThatCannotBeSavedStays()
-{
-    ShopSettings shop(*m_records);
-    QVERIFY(!shop.save(u"Search"_s, u"on"_s));
-    QVERIFY(!runSql(m_database.get(), u"create trigger refuse before insert on HarrowbySetting "
-                                      "begin select raise(abort, 'never'); end"_s));
-    const auto failure = shop.save(u"Search"_s, u"off"_s);
-    QVERIFY(failure);
-    QCOMPARE(failure->reason, u"never"_s);
-    QCOMPARE(shop.value(u"Search"_s), u"on"_s);
-    QCOMPARE(m_told.size(), 1);
 }
 
 HARROWBY_CORE_TEST(app_records_test, RecordsTest)

@@ -6,8 +6,6 @@
 #include "tests/app/cash_till.h"
 #include "tests/program/test_program.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -24,7 +22,6 @@ class SettlementTest : public CashTill
     Q_OBJECT
 
 private Q_SLOTS:
-    void locksTellWhoLives();
     void nothingIsWrittenWithoutDeadRuns();
     void intentFindsItsPurchase();
     void purchaseWithoutIntentIsCounted();
@@ -101,42 +98,6 @@ void SettlementTest::settle(const QString &drawer)
 {
     const FileRunLocks locks(locksPath());
     Settlement(*m_records, &locks, {0, drawer}).settle(m_till->clock->now());
-}
-
-void SettlementTest::locksTellWhoLives()
-{
-    using Holder = RunLocks::Holder;
-    const QString store = file().path() + u".other"_s;
-    QVERIFY(QFile(store).open(QIODevice::WriteOnly));
-    QVERIFY(QFile::setPermissions(store, QFile::ReadOwner | QFile::WriteOwner));
-    const QString link = file().path() + u".link"_s;
-    QVERIFY(QFile::link(store, link));
-    const FileRunLocks looking(link);
-    QCOMPARE(looking.path(), store + u"-runs"_s);
-    QCOMPARE(looking.holderOf(5), Holder::Nobody);
-    QVERIFY(!QFile::exists(looking.path())); // a look makes nothing
-    auto one = std::make_unique<FileRunLocks>(store);
-    QVERIFY(one->hold(5));
-    QCOMPARE(QFile::permissions(one->path()) & ~QFile::Permissions(QFile::ReadUser | QFile::WriteUser),
-             QFile::ReadOwner | QFile::WriteOwner);
-    QCOMPARE(QFileInfo(one->path()).size(), 0);
-    auto other = std::make_unique<FileRunLocks>(link);
-    QVERIFY(!other->hold(5));
-    QVERIFY(other->hold(6));
-    for (const RunLocks *locks : std::initializer_list<const RunLocks *>{&looking, one.get(), other.get()}) {
-        QCOMPARE(locks->holderOf(5), Holder::Somebody);
-        QCOMPARE(locks->holderOf(6), Holder::Somebody);
-        QCOMPARE(locks->holderOf(4), Holder::Nobody);
-    }
-    one.reset();
-    QCOMPARE(looking.holderOf(5), Holder::Nobody);
-    QCOMPARE(looking.holderOf(6), Holder::Somebody);
-    other.reset();
-    QVERIFY(!QFile::exists(looking.path())); // the last one has tidied up
-    one = std::make_unique<FileRunLocks>(store);
-    QVERIFY(one->hold(7));
-    QCOMPARE(looking.holderOf(7), Holder::Somebody); // in another file now
-    QCOMPARE(looking.holderOf(6), Holder::Nobody);
 }
 
 void SettlementTest::nothingIsWrittenWithoutDeadRuns()
