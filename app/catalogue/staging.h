@@ -50,7 +50,7 @@ private:
     ImportShelf m_shelf;
     const ImportFile &m_file;
     const ImportChoices &m_choices;
-    const WorkWatch &m_watch;
+    WorkWatch m_watch;
     StagedImport m_staged;
 };
 

@@ -74,7 +74,7 @@ private:
 
     Records &m_from;
     const ColumnRules &m_rules;
-    const WorkWatch &m_watch;
+    WorkWatch m_watch;
     std::int64_t m_all = -1;  ///< rows
     std::int64_t m_done = 0;  ///< of this step
     RowSums m_sums;           ///< of what the other store is to hold
