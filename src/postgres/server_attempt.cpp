@@ -47,7 +47,9 @@ constexpr char factsQuery[] =
     "select pg_is_in_recovery() or current_setting('default_transaction_read_only') = 'on',"
     " case when pg_is_in_recovery() then (select lpad(to_hex(timeline_id), 8, '0') from pg_control_checkpoint())"
     " else left(pg_walfile_name(pg_current_wal_lsn()), 8) end,"
-    " datname, datcollate, datctype, pg_encoding_to_char(encoding)"
+    " datname, case when datlocprovider = 'c' then datcollate"
+    " else datcollate || ' of the provider ' || datlocprovider::text end," // which does not heed its collation
+    " datctype, pg_encoding_to_char(encoding)"
     " from pg_database where datname = current_database();"
     "commit;";
 

@@ -159,6 +159,12 @@ void SessionServerTest::aDatabaseOfAnotherLocaleIsRefused()
     const PgError error = errorOf(session.connect({m_cluster->conninfo(u"postgres"_s, u"other"_s).toUtf8()}, shop));
     QCOMPARE(error.kind, Kind::Unfit);
     QVERIFY(error.text.contains("C.UTF-8"_L1));
+    m_cluster->sql(u"drop database if exists other"_s);
+    m_cluster->sql(u"create database other template template0 locale_provider icu icu_locale 'en' lc_collate 'C' "
+                   "lc_ctype 'C'"_s);
+    const PgError ofIcu = errorOf(session.connect({m_cluster->conninfo(u"postgres"_s, u"other"_s).toUtf8()}, shop));
+    QCOMPARE(ofIcu.kind, Kind::Unfit);
+    QVERIFY(ofIcu.text.contains("C of the provider i"_L1));
     QCOMPARE(errorOf(session.connect({m_cluster->conninfo(u"postgres"_s, u"none"_s).toUtf8()}, shop)).kind,
              Kind::Denied);
     PgTarget store = target(*m_cluster);
