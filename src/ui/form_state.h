@@ -36,7 +36,8 @@ struct FormState
     LastActions last;
     std::int16_t QuickSalesOffset = 0; ///< first row of the quick-sale page: a multiple of quickSaleButtons
     std::int16_t CartCount = 0;        ///< Intended: 0 at load and never changed by the cart; read when closing
-    bool areCategoriesRead = false;    ///< the lists of categories have been filled once
+    bool areCategoriesRead = false;    ///< what categories can be chosen from has been filled once
+    bool areCategoriesListed = false;  ///< so has the list of them in the settings
     QString MsgTitle;                  ///< caption of every message box; never assigned, so empty
 };
 

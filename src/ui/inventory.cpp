@@ -128,7 +128,7 @@ void Inventory::readAgain()
 {
     if (!m_state.settings.areRead)
         readSettings();
-    if (!m_state.areCategoriesRead) {
+    if (!m_state.areCategoriesRead || !m_state.areCategoriesListed) {
         const QSignalBlocker chosenByNobody(m_controls.Combo1);
         LoadCategory();
         LoadCategories();

@@ -50,6 +50,8 @@ private Q_SLOTS:
     void purchase();
     void purchaseReprintsNothing();
     void readsAgainWhatAnEngineThatWasGoneHasLeftEmpty();
+    void readsAgainTheOneListThatIsEmpty();
+    void savedSettingsAreNotReadOver();
     void readsAgainThePageThatWasTurnedTo();
     void readingAgainDisturbsNobody();
     void withoutAWindow();
@@ -356,6 +358,43 @@ void CounterPressesTest::readsAgainWhatAnEngineThatWasGoneHasLeftEmpty()
     till.logIn();
     till.click("Command1_0");
     QCOMPARE(till.cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+}
+
+void CounterPressesTest::readsAgainTheOneListThatIsEmpty()
+{
+    test::Counter till;
+    till.file.sql(u"INSERT INTO InventoryCategory (CategoryName) VALUES ('DRINKS')"_s);
+    int lists = 0;
+    till.connection->fails = [&lists](const QString &text) {
+        return text.contains(u"InventoryCategory"_s) && ++lists == 2;
+    };
+    till.open();
+    QVERIFY(till.entries("Combo1").contains(u"DRINKS"_s));
+    QCOMPARE(till.find<QListWidget>("List2")->count(), 0);
+    QCOMPARE(name(guestCounter().readAgain()), "Done");
+    QCOMPARE(till.find<QListWidget>("List2")->count(), 1);
+    QVERIFY(till.entries("Combo1").contains(u"DRINKS"_s));
+}
+
+/// The window runs with what was saved in it, even when the table could not take it.
+void CounterPressesTest::savedSettingsAreNotReadOver()
+{
+    test::Counter till;
+    till.open();
+    till.logIn();
+    till.chooseTab("TabStrip1", WorkArea::Settings);
+    till.setText("Text2", u"new@example.com"_s);
+    till.connection->fails = [](const QString &text) {
+        return text.startsWith(u"Update StoreSettings"_s, Qt::CaseInsensitive);
+    };
+    till.boxes.answerTheRest([](const QString &) { return Answer::Yes; });
+    till.click("Command18");
+    QCOMPARE(till.state().settings.ReportEmailAddress, u"new@example.com"_s);
+    till.setText("Text2", u"being typed"_s);
+    till.connection->fails = [](const QString &) { return false; };
+    QCOMPARE(name(guestCounter().readAgain()), "Done");
+    QCOMPARE(till.state().settings.ReportEmailAddress, u"new@example.com"_s);
+    QCOMPARE(till.text("Text2"), u"being typed"_s);
 }
 
 void CounterPressesTest::readsAgainThePageThatWasTurnedTo()

@@ -60,6 +60,7 @@ void Inventory::saveSettings()
             m_platform.printers->setCurrent(printer);
     }
     m_state.settings = entered;
+    m_state.settings.areRead = true; // what a person has saved is not read over
     LogActivity(u"Setting Saved!"_s, box::Information, false, true);
 }
 

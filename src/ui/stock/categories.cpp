@@ -69,6 +69,7 @@ void Inventory::LoadCategories()
             m_controls.List2->addItem(*name);
         m_breather.breathe();
     });
+    m_state.areCategoriesListed = m_state.areCategoriesListed || !categories.HasFailed();
 }
 
 void Inventory::addCategory()
