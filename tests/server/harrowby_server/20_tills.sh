@@ -10,10 +10,12 @@ says "the office's own part" "harrowby --office --database" settle_in desk "$wor
 
 is "and with its own connection" "MILK|10" shop counter-1 "Update StockList Set StockCost = 1" "select StockName, StockAvailable from StockList"
 (umask 077 && echo '*:*:*:*:wrong' >"$work/wrong")
+works "an authority that is not the shop's" openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes \
+    -subj /CN=other -days 2 -keyout "$work/other.key" -out "$work/other.crt"
 options=sslmode=disable refuses "without TLS it is told" "no encryption" shop counter-1 "select 1"
 options="passfile=$work/wrong" refuses "with a wrong password, too" "password authentication failed" shop counter-1 "select 1"
 options="user=till_nobody passfile=$work/wrong" refuses "under a wrong name" "password authentication failed" shop counter-1 "select 1"
-options="sslrootcert=/etc/ssl/certs/ca-certificates.crt" refuses "it trusts no other server" "certificate verify failed" shop counter-1 "select 1"
+options="sslrootcert=$work/other.crt" refuses "it trusts no other server" "certificate verify failed" shop counter-1 "select 1"
 options="host=wrong.example hostaddr=127.0.0.1" refuses "nor another machine" "does not match host name" shop counter-1 "select 1"
 
 # What the statements of a till do.
@@ -83,7 +85,7 @@ admin one "create role stranger login password 'stranger'"
 refuses "whoever was not let in" "permission denied for database" env PGPASSWORD=stranger PGSERVICE=harrowby HOME="$work/home-counter-1" \
     "$programs/psql" -XqAt -c 'select 1' "user=stranger passfile=/dev/null"
 refuses "another database" "no pg_hba.conf entry" plain dbname=postgres
-refuses "a server that is not the shop's" "certificate verify failed" plain "sslrootcert=/etc/ssl/certs/ca-certificates.crt"
+refuses "a server that is not the shop's" "certificate verify failed" plain "sslrootcert=$work/other.crt"
 refuses "a server of another name" "does not match host name" plain "host=wrong.example hostaddr=127.0.0.1"
 refuses "a wrong name" "password authentication failed" plain "user=till_nobody passfile=$work/wrong"
 refuses "a wrong password" "password authentication failed" plain "passfile=$work/wrong"
