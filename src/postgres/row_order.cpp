@@ -72,7 +72,9 @@ QString orderOfAlternatives(const SqlTokens &tokens, const QList<Span> &alternat
     for (const Span alternative : alternatives) {
         if (!indexed.contains(shape(tokens, alternative)))
             return {};
-        order += u" when %1 then %2"_s.arg(tokens.between(alternative.begin, alternative.end)).arg(rank++);
+        // Put together, as a text of the statement may hold what arg() replaces.
+        order +=
+            u" when "_s + tokens.between(alternative.begin, alternative.end) + u" then "_s + QString::number(rank++);
     }
     return alternatives.size() > 1 ? order + u" end, "_s : QString();
 }

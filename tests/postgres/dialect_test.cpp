@@ -196,12 +196,12 @@ void TestDialect::values()
 /// Whatever the words are, and wherever they stand.
 void TestDialect::literalsStay()
 {
-    const QStringList words{u"select"_s,  u"*"_s,      u"from"_s,  u"StockList"_s, u"where"_s,   u"("_s,
-                            u")"_s,       u"limit"_s,  u"9"_s,     u","_s,         u"offset"_s,  u"order"_s,
-                            u"by"_s,      u"group"_s,  u"desc"_s,  u"upper"_s,     u"like"_s,    u"escape"_s,
-                            u"'\\'"_s,    u"'*a*'"_s,  u"\"x\""_s, u"and"_s,       u"or"_s,      u"="_s,
-                            u"between"_s, u"-"_s,      u"?"_s,     u"update"_s,    u"set"_s,     u"insert"_s,
-                            u"into"_s,    u"values"_s, u"count"_s, u"nulls"_s,     u"/* ' */"_s, u"'it''s'"_s};
+    const QStringList words{u"select"_s,  u"*"_s,      u"from"_s, u"StockList"_s, u"where"_s, u"("_s,     u")"_s,
+                            u"limit"_s,   u"9"_s,      u","_s,    u"offset"_s,    u"order"_s, u"by"_s,    u"group"_s,
+                            u"desc"_s,    u"upper"_s,  u"like"_s, u"escape"_s,    u"'\\'"_s,  u"'*a*'"_s, u"\"x\""_s,
+                            u"and"_s,     u"or"_s,     u"="_s,    u"between"_s,   u"-"_s,     u"?"_s,     u"update"_s,
+                            u"set"_s,     u"insert"_s, u"into"_s, u"values"_s,    u"count"_s, u"nulls"_s, u"/* ' */"_s,
+                            u"'it''s'"_s, u"'%1 %2'"_s};
     QRandomGenerator random(3);
     const QStringList heads{u"select"_s, u"update StockList set"_s, u"insert into StockList ("_s};
     for (int i = 0; i < 20'000; ++i) {
@@ -284,6 +284,8 @@ void TestDialect::orderOfTheFile_data()
         u" order by lower(StockID) nulls first, rowid_"_s);
     row("same stock", sameStock(u"A"_s, u"B"_s).sql(),
         u" order by case when StockID = 'A' then 0 when UPPER(StockName) = 'B' then 1 end, rowid_"_s);
+    row("same stock with percent signs", sameStock(u"5%1"_s, u"A %2 B"_s).sql(),
+        u" order by case when StockID = '5%1' then 0 when UPPER(StockName) = 'A %2 B' then 1 end, rowid_"_s);
     row("same name", sameStockName(u"A"_s).sql(), byId);
     row("items", stockItems(false, all).sql(), byName);
     row("items left", stockItems(true, all).sql(), byName);

@@ -15,17 +15,18 @@ namespace {
 // Some differ in capitals alone, as ASCII has them or not.
 const QStringList &ids()
 {
-    static const QStringList texts{u"A"_s,        u"a"_s,    u"ABC-0001"_s, u"ABC-*"_s, u"abc-*"_s, u"ABC-%"_s,
-                                   u"ABC_0001"_s, u"a\\b"_s, u"É1"_s,       u"é1"_s,    u" A"_s,    u"A "_s,
-                                   u""_s,         u"ß"_s,    u"*TEA*"_s,    u"𝒳"_s,     u"10"_s,    u"9"_s};
+    static const QStringList texts{u"A"_s,     u"a"_s,        u"ABC-0001"_s, u"ABC-*"_s, u"abc-*"_s,
+                                   u"ABC-%"_s, u"ABC_0001"_s, u"a\\b"_s,     u"É1"_s,    u"é1"_s,
+                                   u" A"_s,    u"A "_s,       u""_s,         u"ß"_s,     u"*TEA*"_s,
+                                   u"𝒳"_s,     u"10"_s,       u"9"_s,        u"5%1"_s,   u"%L2"_s};
     return texts;
 }
 
 const QStringList &names()
 {
-    static const QStringList texts{u"Tea"_s,     u"TEA"_s,   u"tea"_s, u"*tea*"_s, u"Zoë"_s, u"Zoe"_s,
-                                   u"\tTea"_s,   u"Té\na"_s, u""_s,    u"Ünder"_s, u"%"_s,   u"_"_s,
-                                   u"Te\\a\\"_s, u"茶"_s,    u"~"_s,   u"🍵"_s,     u"�"_s,   u"İ"_s};
+    static const QStringList texts{u"Tea"_s,   u"TEA"_s, u"tea"_s,   u"*tea*"_s, u"Zoë"_s,   u"Zoe"_s,     u"\tTea"_s,
+                                   u"Té\na"_s, u""_s,    u"Ünder"_s, u"%"_s,     u"_"_s,     u"Te\\a\\"_s, u"茶"_s,
+                                   u"~"_s,     u"🍵"_s,   u"�"_s,     u"İ"_s,     u"40%1L"_s, u"A %2"_s};
     return texts;
 }
 
@@ -160,6 +161,7 @@ QStringList OddShop::stockSelects()
                       automaticIdCount(u"%\\"_s).sql(),
                       sameStock(id(), name()).sql(),
                       sameStock(u"A"_s, u"TEA"_s).sql(),
+                      sameStock(u"5%1"_s, u"A %2"_s).sql(),
                       sameStockName(u"TEA"_s).sql(),
                       searchStock(u"TEA"_s).sql(),
                       searchStock(name()).sql(),
