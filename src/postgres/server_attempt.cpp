@@ -147,7 +147,9 @@ void ServerAttempt::takeAddresses()
         fail({PgError::Kind::CannotConnect, {}, u"%1 is not found: %2"_s.arg(m_host.label(), addresses.failure)});
         return;
     }
-    m_host.address = addresses.numeric.join(',');
+    for (const QByteArray &address : addresses.numeric)
+        m_otherAddresses.append({m_host.name, address, m_host.port});
+    m_host = m_otherAddresses.takeFirst();
     begin();
 }
 

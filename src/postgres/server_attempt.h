@@ -7,14 +7,16 @@
 #include "postgres/server_target.h"
 
 #include <QByteArray>
+#include <QList>
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace harrowby::postgres {
 
-/// One host's way to a usable connection: its addresses, the connection, and what the server says about itself. Goes on
-/// in steps that never block.
+/// One machine's way to a usable connection: its address, the connection, and what the server says about itself. Goes
+/// on in steps that never block.
 class ServerAttempt
 {
 public:
@@ -31,6 +33,8 @@ public:
     void expire();
 
     [[nodiscard]] const Host &host() const { return m_host; }
+    /// Where else the name leads to; told once. Each address is a way of its own: libpq would not leave a silent one.
+    [[nodiscard]] QList<Host> takeOtherAddresses() { return std::exchange(m_otherAddresses, {}); }
     /// Once it isKnown().
     [[nodiscard]] const ServerFacts &facts() const { return m_facts; }
     [[nodiscard]] std::unique_ptr<ServerLink> takeLink() { return std::move(m_link); }
@@ -52,6 +56,7 @@ private:
 
     ConnectOptions m_options;
     Host m_host;
+    QList<Host> m_otherAddresses;
     PgTarget m_target;
     PgWaitHook m_hook;
     std::chrono::milliseconds m_lockLimit;

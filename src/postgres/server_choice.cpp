@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -80,20 +81,27 @@ std::optional<PgError> unfitness(const ServerFacts &facts, int wanted)
         u"The store in the database \"%1\" is older than this program and has to be updated"_s.arg(database)};
 }
 
-PgError nothingChosen(const QList<PgError> &failures)
+PgError nothingChosen(const QList<HostFailure> &failures)
 {
-    PgError most{Kind::CannotConnect, {}, u"No server was named"_s};
-    QStringList texts;
-    int highest = -1;
-    for (const PgError &failure : failures) {
-        texts.append(failure.text);
-        if (weight(failure.kind) <= highest)
-            continue;
-        highest = weight(failure.kind);
-        most = failure;
+    const auto saysLess = [](const HostFailure &one, const HostFailure &other) {
+        return weight(one.error.kind) < weight(other.error.kind);
+    };
+    QList<HostFailure> hosts;
+    for (const HostFailure &failure : failures) {
+        const auto same = std::find_if(hosts.begin(), hosts.end(),
+                                       [&failure](const HostFailure &host) { return host.label == failure.label; });
+        if (same == hosts.end())
+            hosts.append(failure);
+        else if (saysLess(*same, failure))
+            *same = failure;
     }
-    if (!texts.isEmpty())
-        most.text = texts.join(u"; "_s);
+    if (hosts.isEmpty())
+        return {Kind::CannotConnect, {}, u"No server was named"_s};
+    PgError most = std::max_element(hosts.cbegin(), hosts.cend(), saysLess)->error;
+    QStringList texts;
+    for (const HostFailure &host : std::as_const(hosts))
+        texts.append(host.error.text);
+    most.text = texts.join(u"; "_s);
     return most;
 }
 

@@ -35,8 +35,15 @@ struct ServerFacts
 /// Why no store can be there; empty when it can.
 [[nodiscard]] std::optional<PgError> unfitness(const ServerFacts &facts, int wanted);
 
-/// Why nothing was chosen: what each of the hosts came to, in one line, and the kind that says most.
-[[nodiscard]] PgError nothingChosen(const QList<PgError> &failures);
+/// What one address of a host came to.
+struct HostFailure
+{
+    QString label; ///< Host::label()
+    PgError error;
+};
+/// Why nothing was chosen: what each of the hosts came to, in one line, and the kind that says most. Of a host's
+/// several addresses that which says most.
+[[nodiscard]] PgError nothingChosen(const QList<HostFailure> &failures);
 /// Of one that has answered and was not chosen.
 [[nodiscard]] PgError notChosen(const ServerFacts &facts, const QString &label);
 

@@ -19,13 +19,12 @@ class ServerSearch
 {
 public:
     ServerSearch(const PgTarget &target, const PgWaits &waits, const ConnectOptions &options) :
-        m_target(target), m_waits(waits)
+        m_target(target), m_waits(waits), m_options(options)
     {
         const QList<Host> hosts = target.server
                                       ? QList{Host{target.server->host, target.server->address, target.server->port}}
                                       : hostsOf(options);
-        for (const Host &host : hosts)
-            m_attempts.push_back(std::make_unique<ServerAttempt>(options, host, target, waits));
+        add(hosts);
     }
 
     [[nodiscard]] Result<FoundServer, PgError> run()
@@ -40,6 +39,12 @@ public:
     }
 
 private:
+    void add(const QList<Host> &hosts)
+    {
+        for (const Host &host : hosts)
+            m_attempts.push_back(std::make_unique<ServerAttempt>(m_options, host, m_target, m_waits));
+    }
+
     [[nodiscard]] QList<ServerFacts> known() const
     {
         QList<ServerFacts> all;
@@ -87,8 +92,10 @@ private:
             if (end != Waiter::End::Ready)
                 return end == Waiter::End::TimedOut;
             for (std::size_t i = 0; i < open.size(); ++i) {
-                if (sockets[i].revents != 0)
-                    open[i]->advance();
+                if (sockets[i].revents == 0)
+                    continue;
+                open[i]->advance();
+                add(open[i]->takeOtherAddresses());
             }
             if (!hasOne && chosenServer(known(), leastTimeline())) {
                 hasOne = true;
@@ -117,16 +124,19 @@ private:
         return FoundServer{all[*chosen].server, whose[*chosen]->takeLink()};
     }
 
-    [[nodiscard]] QList<PgError> failures() const
+    [[nodiscard]] QList<HostFailure> failures() const
     {
-        QList<PgError> all;
-        for (const auto &attempt : m_attempts)
-            all.append(attempt->isKnown() ? notChosen(attempt->facts(), attempt->host().label()) : attempt->error());
+        QList<HostFailure> all;
+        for (const auto &attempt : m_attempts) {
+            const QString label = attempt->host().label();
+            all.append({label, attempt->isKnown() ? notChosen(attempt->facts(), label) : attempt->error()});
+        }
         return all;
     }
 
     const PgTarget &m_target;
     const PgWaits &m_waits;
+    const ConnectOptions &m_options;
     std::vector<std::unique_ptr<ServerAttempt>> m_attempts;
 };
 

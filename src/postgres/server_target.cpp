@@ -149,8 +149,7 @@ QList<Host> hostsOf(const ConnectOptions &options)
 
 ConnectOptions optionsFor(ConnectOptions options, const Host &host)
 {
-    const qsizetype count = host.address.count(',') + 1; // libpq wants as many names and ports as addresses
-    setOption(options, "host", QByteArrayList(count, host.name).join(','));
+    setOption(options, "host", host.name);
     setOption(options, "hostaddr", host.address);
     setOption(options, "port", host.port);
     return options;

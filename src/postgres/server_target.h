@@ -17,7 +17,7 @@ namespace harrowby {
 struct PgServer
 {
     QByteArray host;         ///< as it was given; a folder for a socket; may be empty
-    QByteArray address;      ///< numeric, several separated by commas; empty for a socket
+    QByteArray address;      ///< numeric; empty for a socket, or where the host was given so
     QByteArray port;         ///< may be empty: libpq's own
     quint32 timeline = 0;    ///< grows by each promotion of a standby
     int version = 0;         ///< 150018
@@ -61,8 +61,8 @@ using ConnectOptions = QList<std::pair<QByteArray, QByteArray>>;
 /// One machine to be tried.
 struct Host
 {
-    QByteArray name; ///< as PgServer::host
-    QByteArray address;
+    QByteArray name;    ///< as PgServer::host
+    QByteArray address; ///< as PgServer::address
     QByteArray port;
 
     [[nodiscard]] bool needsLookup() const;

@@ -88,7 +88,8 @@ ScriptedServer::ScriptedServer(Manners manners, Script script) :
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_addr.s_addr = ::inet_addr(m_manners.address.constData());
+    address.sin_port = htons(m_manners.port);
     socklen_t size = sizeof address;
     auto *any = reinterpret_cast<sockaddr *>(&address);
     if (::bind(m_listening, any, size) != 0 || ::listen(m_listening, 16) != 0 ||

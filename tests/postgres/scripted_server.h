@@ -14,8 +14,8 @@
 
 namespace harrowby::test {
 
-/// A server that speaks PostgreSQL's protocol and says what the test has written down, on a free port of 127.0.0.1. So
-/// each silence, each break and each error can be had without a real one.
+/// A server that speaks PostgreSQL's protocol and says what the test has written down, on a free port of this machine.
+/// So each silence, each break and each error can be had without a real one.
 class ScriptedServer
 {
 public:
@@ -37,6 +37,8 @@ public:
     struct Manners
     {
         QByteArray loginError; ///< what logging in is answered with, in place of being let in
+        QByteArray address = "127.0.0.1";
+        quint16 port = 0;      ///< 0: a free one
         bool isSilent = false; ///< takes connections and never says a word
         QByteArray version = "15.4";
         // What it says about itself.
