@@ -56,8 +56,7 @@ Result<OfficeLeaving, ExitCode> keepOpen(const QString &address, ServerStore &st
     const InputActions actions([&store] { store.beginAction(); });
     const ServerWatch watch(address);
     QObject::connect(&watch, &ServerWatch::answered, &actions, [&](bool isBack) {
-        if (isBack || doubts.isOpen())
-            (void)store.tryAgain(); // what fails now is tried again
+        serverAnswers(store, isBack, isBack || doubts.isOpen());
         if (isBack)
             readOfficeAnew();
     });

@@ -89,9 +89,9 @@ private:
     /// Without a standby that the server waits for, nothing can be found out.
     void lookAgain(bool isBack)
     {
-        if ((isBack || m_follower.isInDoubt()) && m_watch.state().protection != "waiting"_L1)
-            (void)m_store.tryAgain(); // what fails now is tried again
-        m_locks.renew();              // asks the server only where their session has ended
+        const bool canFindOut = m_watch.state().protection != "waiting"_L1;
+        serverAnswers(m_store, isBack, canFindOut && (isBack || m_follower.isInDoubt()));
+        m_locks.renew(); // asks the server only where their session has ended
         m_missed.serverAnswers(isBack);
     }
 

@@ -95,6 +95,10 @@ public:
     [[nodiscard]] virtual bool isOpen() const = 0;
     /// Tries to connect when it is not, and to resolve what is unknown. Nothing when all is well.
     [[nodiscard]] virtual std::optional<ServerProblem> tryAgain() = 0;
+    /// For when the server was gone: connects anew, also where the session does not know that it is dead; nobody tells
+    /// it of a server that hangs or has lost its power. A transaction that is under way stays on its session. Takes the
+    /// locks along. Nothing when all is well.
+    [[nodiscard]] virtual std::optional<ServerProblem> reachAnew() = 0;
 
     /// See PostgresConnection::setResolvedHandler(); also of writes of records().
     virtual void setResolvedHandler(ResolvedHandler handler) = 0;

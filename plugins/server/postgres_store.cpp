@@ -76,6 +76,15 @@ std::optional<app::ServerProblem> PostgresStore::tryAgain()
     return {};
 }
 
+std::optional<app::ServerProblem> PostgresStore::reachAnew()
+{
+    m_connection->beginAction();
+    if (auto reached = m_parts.access.reachAnew(); !reached)
+        return problemOf(reached.error());
+    m_locks->keep();
+    return {};
+}
+
 void PostgresStore::setResolvedHandler(ResolvedHandler handler)
 {
     m_connection->setResolvedHandler(std::move(handler));

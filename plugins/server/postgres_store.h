@@ -25,6 +25,7 @@ public:
     [[nodiscard]] std::unique_ptr<app::Records> records() override;
     [[nodiscard]] bool isOpen() const override { return m_connection->isOpen(); }
     [[nodiscard]] std::optional<app::ServerProblem> tryAgain() override;
+    [[nodiscard]] std::optional<app::ServerProblem> reachAnew() override;
     void setResolvedHandler(ResolvedHandler handler) override;
     void setWaitHook(DbConnection::WaitHook hook) override;
     void setChangeHandler(ChangeHandler handler) override;

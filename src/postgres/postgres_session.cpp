@@ -86,6 +86,11 @@ const PgServer &PgSession::server() const
     return m_server;
 }
 
+bool PgSession::isIdle() const
+{
+    return m_link && m_link->isIdle();
+}
+
 bool PgSession::isInTransaction() const
 {
     return m_link && m_link->isInTransaction();

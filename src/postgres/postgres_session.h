@@ -40,6 +40,8 @@ public:
     /// Looks, without waiting, whether the server has ended the connection meanwhile.
     [[nodiscard]] bool hasEnded();
     [[nodiscard]] const PgServer &server() const;
+    /// Connected, outside a transaction, and nothing of a statement is still to come.
+    [[nodiscard]] bool isIdle() const;
     /// Within BEGIN and COMMIT, or failed and to be rolled back.
     [[nodiscard]] bool isInTransaction() const;
 

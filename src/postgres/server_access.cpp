@@ -59,6 +59,13 @@ Result<void, PgError> ServerAccess::reach()
     return connect();
 }
 
+Result<void, PgError> ServerAccess::reachAnew()
+{
+    if (m_session.isIdle())
+        m_session.close();
+    return reach();
+}
+
 Result<void, PgError> ServerAccess::connect()
 {
     auto connected = m_session.connect(m_target, m_waits);

@@ -24,6 +24,8 @@ public:
     [[nodiscard]] Result<void, PgError> connect();
     /// The same where there is no usable session and the action has time for it.
     [[nodiscard]] Result<void, PgError> reach();
+    /// The same, with a new session also in the place of an idle one.
+    [[nodiscard]] Result<void, PgError> reachAnew();
     /// What to say when it has not: what has cost the action its time.
     [[nodiscard]] PgError noTimeLeft() const;
     /// Runs statements that change nothing, and again on a new session when one breaks, until the action has no time

@@ -47,6 +47,7 @@ public:
     std::unique_ptr<Records> records() override { return {}; }
     [[nodiscard]] bool isOpen() const override { return true; }
     std::optional<ServerProblem> tryAgain() override { return {}; }
+    std::optional<ServerProblem> reachAnew() override { return {}; }
     void setResolvedHandler(ResolvedHandler) override {}
     void setWaitHook(DbConnection::WaitHook) override {}
     void setChangeHandler(ChangeHandler) override {}

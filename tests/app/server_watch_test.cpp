@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/server/server_watch.h"
 
+#include "app/server/server_opening.h"
 #include "tests/doubles/private_cluster.h"
 #include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 
+#include <QElapsedTimer>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +24,7 @@ private Q_SLOTS:
     void initTestCase();
     void tellsHowSafeTheShopIs();
     void followsTheStore();
+    void storeFollowsAServerThatFellSilent();
 
 private:
     /// What the server says of itself from now on: an expression.
@@ -83,6 +87,46 @@ void ServerWatchTest::followsTheStore()
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"waiting"_s, patience);
     standby->promote();
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"single"_s, patience);
+}
+
+/// Nobody tells the session of a primary that hangs. The first look-up after its standby has taken over is served at
+/// once, and the run's lock is where the other tills look.
+void ServerWatchTest::storeFollowsAServerThatFellSilent()
+{
+    PrivateCluster primary;
+    primary.start();
+    harrowby::test::setUpShop(primary, u"shop"_s);
+    const auto standby = primary.standby();
+    const QString address =
+        u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(primary.port())
+            .arg(standby->port());
+    const QTemporaryDir states;
+    ServerOptions options;
+    options.stateFolder = states.path();
+    const auto opened = openServerStore(address, options);
+    QVERIFY2(opened, qPrintable(opened ? QString() : opened.error()));
+    ServerStore &store = **opened;
+    const auto records = store.records();
+    const RecordStatement look = {u"select count(*) from StockList"_s, {}};
+    const auto lock = store.lock(17);
+    QVERIFY(lock && records->read(look));
+    bool isBack = false;
+    const ServerWatch watch(address, 10ms);
+    connect(&watch, &ServerWatch::answered, this, [&](bool isBackNow) {
+        serverAnswers(store, isBackNow, isBackNow);
+        isBack = isBack || isBackNow;
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(!watch.state().protection.isEmpty(), patience);
+    primary.stop();
+    standby->promote();
+    QTRY_VERIFY_WITH_TIMEOUT(isBack, patience);
+    QElapsedTimer took;
+    took.start();
+    const auto rows = records->read(look);
+    QVERIFY2(rows, qPrintable(rows ? QString() : rows.error().reason));
+    QVERIFY2(took.elapsed() < 1'000, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(standby->sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s), QStringList{u"1"_s});
+    primary.cont();
 }
 
 HARROWBY_TEST(app_server_watch_test, ServerWatchTest)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "store/recordset.h"
+#include "store/statement_texts.h"
 #include "tests/postgres/records_desk.h"
 #include "tests/program/test_program.h"
 
@@ -28,6 +30,7 @@ private Q_SLOTS:
     void locksOfPrograms();
     void lockThatAnotherHadMeanwhile();
     void lockFollowsTheStoresSession();
+    void idleSessionAloneIsMadeAnew();
 };
 
 void SessionLocksTest::locksOfPrograms()
@@ -93,6 +96,30 @@ void SessionLocksTest::lockFollowsTheStoresSession()
     QVERIFY(holderOf(*other, 19) == Holder::Somebody);
     QCOMPARE(m_server->cluster.sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s).constFirst(),
              u"1"_s); // who looks takes nothing
+}
+
+/// What is held is not cut off, as its write is still to come.
+void SessionLocksTest::idleSessionAloneIsMadeAnew()
+{
+    const auto session = [this] {
+        return m_server->cluster
+            .sql(u"select pid, state from pg_stat_activity where query ilike '%from stocklist%' and "
+                 "pid <> pg_backend_pid()"_s)
+            .join(u' ');
+    };
+    const RecordStatement look = {u"select StockID from StockList"_s, {}};
+    QVERIFY(m_records->read(look));
+    const QString first = session();
+    QVERIFY(!first.isEmpty());
+    QVERIFY(!m_store->reachAnew());
+    QVERIFY(m_records->read(look));
+    QVERIFY(session() != first);
+    DbRecordset stock;
+    stock.OpenHeld(statements::stockById(u"1"_s), m_store->connection(), DbRecordset::Access::Edit);
+    const QString held = session();
+    QVERIFY2(held.endsWith(u"|idle in transaction"_s), qPrintable(held));
+    QVERIFY(!m_store->reachAnew());
+    QCOMPARE(session(), held);
 }
 
 HARROWBY_CORE_TEST(session_locks_test, SessionLocksTest)
