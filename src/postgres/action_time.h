@@ -31,7 +31,7 @@ public:
     void begin();
     /// A statement is about to be run.
     void beginStatement();
-    /// The first write of the action is about to be sent.
+    /// The first write of the action has been done, or may be there.
     void noteWrite() { m_hasWritten = true; }
     /// The server did not answer, or could not be reached.
     void noteTrouble();

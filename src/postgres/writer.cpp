@@ -27,10 +27,10 @@ bool isTrouble(const PgError &error)
 
 } // namespace
 
-Writer::Engine::Engine(ServerAccess &access, const QString &folder) :
-    journal(folder), server(access.session(), [&access] { return access.connect(); }), actions(server, journal)
+Writer::Engine::Engine(Writer &writer, const QString &folder) :
+    journal(folder), server(writer.m_access.session(), [&writer] { return writer.connect(); }), actions(server, journal)
 {
-    server.setHook(access.waits().hook);
+    server.setHook(writer.m_access.waits().hook);
 }
 
 Writer::Writer(ServerAccess &access, const QString &stateFolder, std::chrono::milliseconds rest) :
@@ -56,12 +56,23 @@ std::optional<PgError> Writer::prepare()
     const QUuid store = QUuid::fromString(QLatin1StringView(identity));
     if (store.isNull())
         return PgError{Kind::Unfit, {}, u"the store on the server has no identity"_s, false};
-    m_engine = std::make_unique<Engine>(m_access, folderOf(store, m_stateFolder));
+    m_engine = std::make_unique<Engine>(*this, folderOf(store, m_stateFolder));
     m_engine->actions.setResolvedHandler([this](const OpenAction &open, Outcome outcome) {
         if (m_handler)
             m_handler(open.what, outcome);
     });
     return {};
+}
+
+/// In the middle of a write. What that waits for is of the time that the action's rest has.
+Result<void, PgError> Writer::connect()
+{
+    ActionTime &time = m_access.time();
+    if (m_engine->server.phase() == Phase::Resending)
+        time.noteWrite(); // it may be there
+    time.noteTrouble();
+    setTimes();
+    return m_access.connect();
 }
 
 void Writer::setTimes()

@@ -51,7 +51,7 @@ public:
 private:
     struct Engine
     {
-        Engine(ServerAccess &access, const QString &folder);
+        Engine(Writer &writer, const QString &folder);
 
         ActionFolder journal;
         SessionActions server;
@@ -59,6 +59,7 @@ private:
     };
 
     [[nodiscard]] std::optional<PgError> prepare();
+    [[nodiscard]] Result<void, PgError> connect();
     void setTimes();
 
     ServerAccess &m_access;
