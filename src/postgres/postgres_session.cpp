@@ -47,6 +47,7 @@ PgSession &PgSession::operator=(PgSession &&other) noexcept
     close();
     m_waits = std::move(other.m_waits);
     m_server = std::move(other.m_server);
+    m_store = other.m_store;
     m_lockWait = other.m_lockWait;
     m_link = std::move(other.m_link);
     return *this;
@@ -61,6 +62,7 @@ Result<void, PgError> PgSession::connect(const PgTarget &target, const PgWaits &
         return Unexpected(found.error());
     m_link = std::move(found->link);
     m_server = found->server;
+    m_store = found->store;
     return {};
 }
 

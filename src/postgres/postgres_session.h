@@ -42,6 +42,8 @@ public:
     [[nodiscard]] const PgServer &server() const;
     /// Connected, outside a transaction, and nothing of a statement is still to come.
     [[nodiscard]] bool isIdle() const;
+    /// The identity of the store that is there; null when it was not told.
+    [[nodiscard]] const QUuid &store() const { return m_store; }
     /// Within BEGIN and COMMIT, or failed and to be rolled back.
     [[nodiscard]] bool isInTransaction() const;
 
@@ -68,6 +70,7 @@ private:
 
     PgWaits m_waits;
     PgServer m_server;
+    QUuid m_store;
     std::chrono::milliseconds m_lockWait{0};
     bool m_hasMetLock = false;                    ///< in the text that is run
     std::shared_ptr<postgres::ServerLink> m_link; ///< null: none. Shared with the rows that are being fetched

@@ -73,6 +73,7 @@ Result<void, PgError> ServerAccess::connect()
     if (!connected)
         return connected;
     ++m_sessionsMade;
+    m_target.store = m_session.store();
     m_target.leastTimeline = std::max(m_target.leastTimeline, m_session.server().timeline);
     return connected;
 }

@@ -20,7 +20,8 @@ public:
     /// The time must outlive it. `waits.hook` is called in every wait.
     ServerAccess(PgTarget target, PgWaits waits, ActionTime &time);
 
-    /// Makes the session; tried once. An older server than the last one is not taken.
+    /// Makes the session; tried once. An older server than the last one is not taken, and from the first one on none
+    /// with another store.
     [[nodiscard]] Result<void, PgError> connect();
     /// The same where there is no usable session and the action has time for it.
     [[nodiscard]] Result<void, PgError> reach();
@@ -49,6 +50,8 @@ public:
     void noteLocks() { m_time.spendLock(m_session.takeLockWait()); }
     /// How often the session has been made.
     [[nodiscard]] int sessionsMade() const { return m_sessionsMade; }
+    /// The store that all of its sessions are on; null before the first one.
+    [[nodiscard]] const QUuid &store() const { return m_target.store; }
     /// Of the next statement.
     [[nodiscard]] PgBudget budget() const;
     /// For a further session on the same server.

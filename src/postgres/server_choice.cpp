@@ -38,13 +38,25 @@ int weight(Kind kind)
 
 } // namespace
 
-std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, quint32 leastTimeline)
+QUuid firstStore(const QList<ServerFacts> &servers)
+{
+    for (const ServerFacts &facts : servers) {
+        if (!facts.server.isReadOnly && !facts.store.isNull())
+            return facts.store;
+    }
+    return {};
+}
+
+std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, const QUuid &store, quint32 leastTimeline)
 {
     quint32 newest = leastTimeline;
-    for (const ServerFacts &facts : servers)
-        newest = std::max(newest, facts.server.timeline);
+    for (const ServerFacts &facts : servers) {
+        if (facts.store == store)
+            newest = std::max(newest, facts.server.timeline);
+    }
     for (qsizetype i = 0; i < servers.size(); ++i) {
-        if (!servers[i].server.isReadOnly && servers[i].server.timeline == newest)
+        const PgServer &server = servers[i].server;
+        if (servers[i].store == store && !server.isReadOnly && server.timeline == newest)
             return i;
     }
     return {};
@@ -105,8 +117,11 @@ PgError nothingChosen(const QList<HostFailure> &failures)
     return most;
 }
 
-PgError notChosen(const ServerFacts &facts, const QString &label)
+PgError notChosen(const ServerFacts &facts, const QString &label, const QUuid &store, int wanted)
 {
+    if (!store.isNull() && facts.store != store)
+        return unfitness(facts, wanted)
+            .value_or(unfit(u"The database \"%1\" is another store's"_s.arg(QString::fromUtf8(facts.database))));
     const QString why = facts.server.isReadOnly ? u"%1 takes no writes"_s : u"%1 has been replaced by another server"_s;
     return {Kind::ReadOnly, {}, why.arg(label)};
 }

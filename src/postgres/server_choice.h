@@ -25,10 +25,14 @@ struct ServerFacts
     QByteArray schemaState; ///< the server's five characters when it did not tell the version
 };
 
-/// Index of the one to work on: it takes writes, and no other one has been promoted after it. A primary that has been
-/// replaced still takes writes, but is on an older timeline than its successor, and than a standby of that. Empty when
-/// there is none.
-[[nodiscard]] std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, quint32 leastTimeline);
+/// The store to work on where none was before: that of the first server that takes writes. Null when none tells its
+/// own.
+[[nodiscard]] QUuid firstStore(const QList<ServerFacts> &servers);
+/// Index of the server to work on: it has this store and takes writes, and no other one with it has been promoted after
+/// it. A primary that has been replaced still takes writes, but is on an older timeline than its successor, and than a
+/// standby of that. Empty when there is none.
+[[nodiscard]] std::optional<qsizetype> chosenServer(const QList<ServerFacts> &servers, const QUuid &store,
+                                                    quint32 leastTimeline);
 
 /// Why a server of that version cannot be asked any further; empty when it can.
 [[nodiscard]] std::optional<PgError> tooOld(const ServerFacts &facts);
@@ -44,7 +48,7 @@ struct HostFailure
 /// Why nothing was chosen: what each of the hosts came to, in one line, and the kind that says most. Of a host's
 /// several addresses that which says most.
 [[nodiscard]] PgError nothingChosen(const QList<HostFailure> &failures);
-/// Of one that has answered and was not chosen.
-[[nodiscard]] PgError notChosen(const ServerFacts &facts, const QString &label);
+/// Of one that has answered and was not chosen, while a server with this store was looked for.
+[[nodiscard]] PgError notChosen(const ServerFacts &facts, const QString &label, const QUuid &store, int wanted);
 
 } // namespace harrowby::postgres

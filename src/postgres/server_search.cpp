@@ -55,20 +55,24 @@ private:
         return all;
     }
 
-    [[nodiscard]] bool remembers(const ServerFacts &facts) const
+    [[nodiscard]] QUuid wantedStore(const QList<ServerFacts> &all) const
     {
-        return !m_target.stateFolder.isEmpty() && !facts.store.isNull();
+        return m_target.store.isNull() ? firstStore(all) : m_target.store;
     }
 
-    /// Also of what an earlier program has worked on.
-    [[nodiscard]] quint32 leastTimeline() const
+    [[nodiscard]] bool remembers(const QUuid &store) const
     {
+        return !m_target.stateFolder.isEmpty() && !store.isNull();
+    }
+
+    /// Also what an earlier program has worked on counts.
+    [[nodiscard]] std::optional<qsizetype> chosen(const QList<ServerFacts> &all) const
+    {
+        const QUuid store = wantedStore(all);
         quint32 least = m_target.leastTimeline;
-        for (const auto &attempt : m_attempts) {
-            if (attempt->isKnown() && remembers(attempt->facts()))
-                least = std::max(least, highestTimeline(attempt->facts().store, m_target.stateFolder));
-        }
-        return least;
+        if (remembers(store))
+            least = std::max(least, highestTimeline(store, m_target.stateFolder));
+        return chosenServer(all, store, least);
     }
 
     /// Until each has answered, or time is over. False when it was given up.
@@ -97,7 +101,7 @@ private:
                 open[i]->advance();
                 add(open[i]->takeOtherAddresses());
             }
-            if (!hasOne && chosenServer(known(), leastTimeline())) {
+            if (!hasOne && chosen(known())) {
                 hasOne = true;
                 deadline = std::min(deadline, QDeadlineTimer(m_waits.otherHosts));
             }
@@ -106,30 +110,32 @@ private:
 
     [[nodiscard]] Result<FoundServer, PgError> choose()
     {
-        QList<ServerFacts> all;
-        QList<ServerAttempt *> whose;
-        for (const auto &attempt : m_attempts) {
-            if (!attempt->isKnown())
-                continue;
-            all.append(attempt->facts());
-            whose.append(attempt.get());
-        }
-        const std::optional<qsizetype> chosen = chosenServer(all, leastTimeline());
-        if (!chosen)
-            return Unexpected(nothingChosen(failures()));
-        if (std::optional<PgError> error = unfitness(all[*chosen], m_target.schemaVersion))
+        const QList<ServerFacts> all = known();
+        const std::optional<qsizetype> index = chosen(all);
+        if (!index)
+            return Unexpected(nothingChosen(failures(wantedStore(all))));
+        const ServerFacts &facts = all[*index];
+        if (std::optional<PgError> error = unfitness(facts, m_target.schemaVersion))
             return Unexpected(*std::move(error));
-        if (remembers(all[*chosen]))
-            noteTimeline(all[*chosen].store, all[*chosen].server.timeline, m_target.stateFolder);
-        return FoundServer{all[*chosen].server, whose[*chosen]->takeLink()};
+        if (remembers(facts.store))
+            noteTimeline(facts.store, facts.server.timeline, m_target.stateFolder);
+        return FoundServer{facts.server, facts.store, linkOf(*index)};
     }
 
-    [[nodiscard]] QList<HostFailure> failures() const
+    /// Of the one that is known().at(index).
+    [[nodiscard]] std::unique_ptr<ServerLink> linkOf(qsizetype index)
+    {
+        const auto isIt = [&index](const auto &attempt) { return attempt->isKnown() && index-- == 0; };
+        return (*std::find_if(m_attempts.begin(), m_attempts.end(), isIt))->takeLink();
+    }
+
+    [[nodiscard]] QList<HostFailure> failures(const QUuid &store) const
     {
         QList<HostFailure> all;
         for (const auto &attempt : m_attempts) {
             const QString label = attempt->host().label();
-            all.append({label, attempt->isKnown() ? notChosen(attempt->facts(), label) : attempt->error()});
+            all.append({label, attempt->isKnown() ? notChosen(attempt->facts(), label, store, m_target.schemaVersion)
+                                                  : attempt->error()});
         }
         return all;
     }

@@ -6,6 +6,8 @@
 #include "postgres/server_target.h"
 #include "postgres/server_waits.h"
 
+#include <QUuid>
+
 #include <memory>
 
 namespace harrowby::postgres {
@@ -13,6 +15,7 @@ namespace harrowby::postgres {
 struct FoundServer
 {
     PgServer server;
+    QUuid store; ///< null: it did not tell, or was not asked
     std::shared_ptr<ServerLink> link;
 };
 

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QUuid>
 
 #include <functional>
 #include <optional>
@@ -48,6 +49,7 @@ struct PgTarget
     Use use = Use::Work;
     int schemaVersion = 0;               ///< of the store's schema at least; 0: there need be none
     std::optional<PgServer> server = {}; ///< that one alone, as PgSession::server() has told it
+    QUuid store = {};                    ///< that one alone; null: whichever is there
     quint32 leastTimeline = 0;           ///< on an older one is a server that has been replaced
     QString stateFolder = {};            ///< PostgresOptions::stateFolder, for what leastTimeline was; empty: none
     QByteArray programName = "harrowby"; ///< as the server's lists name this connection

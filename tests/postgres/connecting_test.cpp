@@ -120,7 +120,7 @@ void ConnectingTest::theNewestServerThatTakesWritesIsChosen()
 {
     QFETCH(QList<ServerFacts>, servers);
     QFETCH(quint32, least);
-    QTEST(static_cast<int>(chosenServer(servers, least).value_or(-1)), "chosen");
+    QTEST(static_cast<int>(chosenServer(servers, QUuid(), least).value_or(-1)), "chosen");
 }
 
 void ConnectingTest::aServerIsAskedAndSetUp()

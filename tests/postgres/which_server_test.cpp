@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/postgres_session.h"
+#include "postgres/server_access.h"
 #include "tests/postgres/scripted_server.h"
 #include "tests/program/test_program.h"
 
@@ -16,7 +17,7 @@ using harrowby::test::ScriptedServer;
 using Kind = PgError::Kind;
 using Manners = ScriptedServer::Manners;
 
-/// One name that leads to several machines.
+/// One name that leads to several machines, and machines with several stores.
 class WhichServerTest : public QObject
 {
     Q_OBJECT
@@ -25,6 +26,9 @@ private Q_SLOTS:
     void aSilentAddressHoldsUpNobody();
     void thePrimaryIsFoundAmongTheAddresses();
     void aHostIsToldOnce();
+    void timelinesOfAnotherStoreDoNotCount();
+    void anotherStoreIsNotWorkedOn();
+    void theFirstStoreIsThatOfTheFirstServer();
 };
 
 namespace {
@@ -73,6 +77,18 @@ Manners standby()
     return manners;
 }
 
+constexpr auto ours = "5f0c9a34-3e6a-4c3f-9a52-1f6b7d0e8a11";
+constexpr auto theirs = "00000000-0000-4000-8000-000000000001";
+
+Manners storeOf(const char *identity, const QByteArray &timeline)
+{
+    Manners manners;
+    manners.schemaVersion = "1";
+    manners.store = identity;
+    manners.timeline = timeline;
+    return manners;
+}
+
 } // namespace
 
 void WhichServerTest::aSilentAddressHoldsUpNobody()
@@ -110,6 +126,57 @@ void WhichServerTest::aHostIsToldOnce()
     QCOMPARE(textOf(dead), u"shop:%1 does not answer"_s.arg(dead.servers.front()->port()));
     const Machines standbyOnly({silent(), standby(), silent()});
     QCOMPARE(textOf(standbyOnly), u"shop:%1 takes no writes"_s.arg(standbyOnly.servers.front()->port()));
+}
+
+void WhichServerTest::timelinesOfAnotherStoreDoNotCount()
+{
+    const Machines machines({storeOf(theirs, "00000009"), storeOf(ours, "00000001")});
+    PgTarget shop = machines.target();
+    shop.schemaVersion = 1;
+    shop.store = QUuid::fromString(QLatin1StringView(ours));
+    PgSession session;
+    QVERIFY(session.connect(shop, waits));
+    QCOMPARE(session.server().address, "127.0.0.2");
+    QCOMPARE(session.store(), shop.store);
+}
+
+/// A till that stays open goes on in its own store or not at all.
+void WhichServerTest::anotherStoreIsNotWorkedOn()
+{
+    const Machines machines({storeOf(ours, "00000001"), storeOf(theirs, "00000002"), Manners()});
+    PgTarget shop = machines.target();
+    shop.schemaVersion = 1;
+    auto now = std::make_shared<QByteArray>("127.0.0.1");
+    shop.resolver = [now](const QByteArray &) { return PgAddresses{{*now}, {}}; };
+    postgres::ActionTime time{postgres::ActionLimits()};
+    postgres::ServerAccess access(shop, waits, time);
+    QVERIFY(access.connect());
+    QCOMPARE(access.store().toByteArray(QUuid::WithoutBraces), ours);
+    QCOMPARE(access.targetBeside().store, access.store());
+
+    const auto troubleAt = [&](const char *address) {
+        *now = address;
+        const auto connected = access.connect();
+        return connected ? PgError() : connected.error();
+    };
+    const PgError another = troubleAt("127.0.0.2");
+    QCOMPARE(another.kind, Kind::Unfit);
+    QCOMPARE(another.text, u"The database \"shop\" is another store's"_s);
+    QVERIFY(access.session().isLost());
+    QCOMPARE(troubleAt("127.0.0.3").text, u"There is no store in the database \"shop\""_s);
+    *now = "127.0.0.1";
+    QVERIFY(access.connect());
+}
+
+/// Not that of the highest timeline: what another store's server is on says nothing.
+void WhichServerTest::theFirstStoreIsThatOfTheFirstServer()
+{
+    const Machines machines({storeOf(ours, "00000001"), storeOf(theirs, "00000002")});
+    PgTarget shop = machines.target();
+    shop.schemaVersion = 1;
+    PgSession session;
+    QVERIFY(session.connect(shop, PgWaits{60s, 60s, 60s, 60s, {}}));
+    QCOMPARE(session.server().address, "127.0.0.1");
 }
 
 HARROWBY_CORE_TEST(which_server_test, WhichServerTest)
