@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QInputEvent>
 #include <QMouseEvent>
+#include <QTimerEvent>
 
 namespace harrowby::app {
 
@@ -16,11 +17,19 @@ std::chrono::milliseconds InputDam::now()
 
 void InputDam::hold(std::chrono::milliseconds begin, std::chrono::milliseconds end)
 {
-    m_begin = begin;
+    if (!m_untilIdle.isActive())
+        m_begin = begin;
     m_end = end;
+    m_untilIdle.start(0, this); // comes after all that lies in the queue
     // Each time: the filter that was installed last is asked first.
     QCoreApplication::instance()->removeEventFilter(this);
     QCoreApplication::instance()->installEventFilter(this);
+}
+
+void InputDam::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == m_untilIdle.timerId())
+        m_untilIdle.stop();
 }
 
 /// X servers count in 32 bits.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QBasicTimer>
 #include <QObject>
 
 #include <chrono>
@@ -18,17 +19,20 @@ class InputDam final : public QObject
 public:
     explicit InputDam(QObject *parent = nullptr);
 
-    /// From `begin` until `end`, in milliseconds of the steady clock; a later period takes the place of one before it.
+    /// From `begin` until `end`, in milliseconds of the steady clock. Takes the place of an earlier period, or goes on
+    /// with it where the event loop has not yet come to all that was pressed within that.
     void hold(std::chrono::milliseconds begin, std::chrono::milliseconds end);
 
     [[nodiscard]] static std::chrono::milliseconds now();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
 
 private:
     [[nodiscard]] bool isWithin(quint64 time) const;
 
+    QBasicTimer m_untilIdle; ///< runs while something of the period may still lie in the queue
     std::chrono::milliseconds m_begin{0};
     std::chrono::milliseconds m_end{0};
     Qt::MouseButtons m_kept; ///< pressed within it, and not released yet

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void signSaysWhatIsWaitedFor();
     void whatIsPressedDuringAWaitIsLost();
     void whatIsTypedDuringAWaitIsLost();
+    void waitsOfOneHandlerAreOnePeriod();
     void cartOfWhichNothingWasWrittenComesBack();
     void cartOfALogoutComesBackWithTheNextLogin();
     void linesThatWereNotWrittenAreTold();
@@ -331,6 +332,32 @@ void ServerTillTest::whatIsTypedDuringAWaitIsLost()
     type(u"c"_s, 501);
     type(u"d"_s, 0xfffffe00 - 1000);
     QCOMPARE(entry.text(), u"cd"_s);
+}
+
+/// A purchase whose first line has waited for a new server waits for a list once more, before what was pressed first
+/// has come out of the queue.
+void ServerTillTest::waitsOfOneHandlerAreOnePeriod()
+{
+    Waiting till;
+    QLineEdit entry;
+    const auto type = [&entry](const QString &text, std::chrono::milliseconds moment) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, text);
+        event.setTimestamp(static_cast<quint64>((1h + moment).count()));
+        QCoreApplication::sendEvent(&entry, &event);
+    };
+    for (const auto moment : {0ms, 50ms, 100ms, 1000ms, 1050ms})
+        QVERIFY(till.at(moment));
+    type(u"a"_s, 60ms);
+    type(u"b"_s, 500ms);
+    type(u"c"_s, 1010ms);
+    QCOMPARE(entry.text(), QString());
+    QTest::qWait(50); // the event loop has come to all of it
+    for (const auto moment : {3000ms, 3050ms})
+        QVERIFY(till.at(moment));
+    type(u"d"_s, 2000ms); // before this wait
+    type(u"e"_s, 3010ms);
+    type(u"f"_s, 4000ms);
+    QCOMPARE(entry.text(), u"df"_s);
 }
 
 static bool isOfTheSale(const QString &statement)
