@@ -92,9 +92,10 @@ ServerAttempt::ServerAttempt(ConnectOptions options, Host host, const PgTarget &
     m_options(std::move(options)), m_host(std::move(host)), m_target(target), m_hook(waits.hook),
     m_lockLimit(lockLimit(waits.answer))
 {
-    m_options.removeIf([](const auto &option) { return option.first == "client_encoding"; });
+    m_options.removeIf(
+        [](const auto &option) { return option.first == "client_encoding" || option.first == "application_name"; });
     m_options.emplaceBack("client_encoding", "UTF8");
-    addUnlessGiven(m_options, "application_name", m_target.programName);
+    m_options.emplaceBack("application_name", m_target.programName); // whoever needs the store for itself looks for it
     addUnlessGiven(m_options, "keepalives_idle", "60");
     addUnlessGiven(m_options, "keepalives_interval", "10");
     addUnlessGiven(m_options, "keepalives_count", "3");

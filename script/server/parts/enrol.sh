@@ -81,7 +81,6 @@ host=$(hosts_as address)
 port=$(hosts_as port)
 dbname=$database
 user=$role
-application_name=$role
 sslmode=verify-full
 connect_timeout=2
 SERVICE

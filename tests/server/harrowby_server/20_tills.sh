@@ -9,6 +9,9 @@ works "add-office" on one add-office desk --to "$work/office-1"
 says "the office's own part" "harrowby --office --database" settle_in desk "$work/office-1"
 
 is "and with its own connection" "MILK|10" shop counter-1 "Update StockList Set StockCost = 1" "select StockName, StockAvailable from StockList"
+# What needs the store for itself finds it by this name (app_server_errands_test).
+is "the server knows it as the program" harrowby shop counter-1 "select application_name from pg_stat_activity where pid = pg_backend_pid()"
+is "and nothing else is said of it" 0 grep -c application_name "$work/till-1/service"
 (umask 077 && echo '*:*:*:*:wrong' >"$work/wrong")
 works "an authority that is not the shop's" openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes \
     -subj /CN=other -days 2 -keyout "$work/other.key" -out "$work/other.crt"
