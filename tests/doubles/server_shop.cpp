@@ -74,7 +74,7 @@ FROM pg_attribute WHERE attrelid >= 16384
 )"_L1;
 
 /// Everybody else leaves, within five seconds, and the tables are as they were made. The server itself would look only
-/// every tenth of a second whether somebody has left.
+/// every tenth of a second whether somebody has left. To truncate takes twenty times as long as to delete a few rows.
 constexpr auto emptying = R"(
 ROLLBACK;
 SELECT pg_terminate_backend(pid) FROM pg_stat_activity
@@ -87,14 +87,16 @@ BEGIN
         PERFORM pg_sleep(0.001), pg_stat_clear_snapshot();
     END LOOP;
 END $$;
-DELETE FROM StockList; DELETE FROM InventoryCategory; DELETE FROM PurchaseCart; DELETE FROM StoreSettings;
-DELETE FROM Users; DELETE FROM SysUsage;
 DO $$
-DECLARE own name;
+DECLARE held regclass;
 BEGIN
-    FOR own IN SELECT relname FROM pg_class WHERE relnamespace = 'harrowby'::regnamespace AND relkind = 'r' AND
-        starts_with(relname, 'harrowby') LOOP
-        EXECUTE format('TRUNCATE harrowby.%I', own);
+    FOR held IN SELECT oid FROM pg_class WHERE relnamespace = 'harrowby'::regnamespace AND relkind = 'r' AND
+        relname NOT IN ('store_mark', 'writer_action') LOOP
+        IF pg_relation_size(held) > 1048576 THEN
+            EXECUTE format('TRUNCATE %s', held);
+        ELSE
+            EXECUTE format('DELETE FROM %s', held);
+        END IF;
     END LOOP;
 END $$;
 SELECT setval(pg_get_serial_sequence(name, 'rowid_'), 1, false)
