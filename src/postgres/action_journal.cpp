@@ -149,13 +149,13 @@ QString ActionFolder::fileOf(const QUuid &writer) const
 
 Result<void, QString> ActionFolder::enter(const QUuid &writer)
 {
+    m_writer = writer;
     if (const auto made = makePrivateFolder(m_folder); !made)
         return made;
     auto descriptor = makeLocked(fileOf(writer));
     if (!descriptor)
         return Unexpected(std::move(descriptor).error());
     m_descriptors[writer] = *descriptor;
-    m_writer = writer;
     return syncFolder(m_folder);
 }
 
@@ -178,10 +178,12 @@ std::vector<LeftWriter> ActionFolder::leftBehind()
 
 Result<void, QString> ActionFolder::keep(const OpenAction &open)
 {
-    const auto own = m_descriptors.find(m_writer);
-    if (own == m_descriptors.end())
-        return Unexpected(u"this program has no file for it"_s);
-    return writeRecord(own->second, record(open));
+    // Once it is needed there may be room for what could not be made at the start.
+    if (!m_descriptors.contains(m_writer)) {
+        if (auto entered = enter(m_writer); !entered)
+            return entered;
+    }
+    return writeRecord(m_descriptors.at(m_writer), record(open));
 }
 
 void ActionFolder::resolved()

@@ -37,7 +37,7 @@ public:
     [[nodiscard]] virtual Result<void, QString> enter(const QUuid &writer) = 0;
     /// Those that were noted and run no longer, each handed out to one running program alone.
     [[nodiscard]] virtual std::vector<LeftWriter> leftBehind() = 0;
-    /// On the disk when it returns. For the writer that was entered.
+    /// On the disk when it returns. For the writer that was entered, which is tried again when it had failed.
     [[nodiscard]] virtual Result<void, QString> keep(const OpenAction &open) = 0;
     /// The entered writer's open write has been resolved.
     virtual void resolved() = 0;

@@ -194,9 +194,14 @@ bool Actions::reach()
 Actions::End Actions::unknown(const ActionNumber &action, const QString &what)
 {
     m_open = OpenAction{action, what};
-    if (const auto kept = m_journal.keep(*m_open); !kept)
+    End end{Outcome::Unknown, m_error};
+    if (const auto kept = m_journal.keep(*m_open); !kept) {
         qCWarning(lcStore, "The unknown write could not be noted here: %ls", qUtf16Printable(kept.error()));
-    return {Outcome::Unknown, m_error};
+        // In front, as a long reason is cut short where it is shown.
+        end.error.text = u"The next start will not know of this, as it could not be noted here ("_s + kept.error() +
+                         u"). "_s + m_error.text;
+    }
+    return end;
 }
 
 bool Actions::resolve()

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void keepsItsSize();
     void isForItsOwnerAlone();
     void saysWhyItCannot();
+    void makesUpForAFileThatCouldNotBeMade();
     void passesOverWhatIsNotItsOwn();
 
 private:
@@ -181,6 +182,24 @@ void ActionJournalTest::saysWhyItCannot()
     journal.resolved();
     journal.leave(writer);
     QVERIFY(journal.leftBehind().empty());
+}
+
+/// A disk that was full when the program started.
+void ActionJournalTest::makesUpForAFileThatCouldNotBeMade()
+{
+    QFile inTheWay(m_home->filePath(u"state"_s));
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    {
+        ActionFolder journal(folder());
+        QVERIFY(!journal.enter(writer));
+        QVERIFY(inTheWay.remove());
+        QVERIFY(journal.keep(openWrite()));
+        QVERIFY(ActionFolder(folder()).leftBehind().empty());
+    }
+    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    QCOMPARE(left.size(), std::size_t(1));
+    QVERIFY(left[0].open);
+    QCOMPARE(left[0].open->action, openWrite().action);
 }
 
 void ActionJournalTest::passesOverWhatIsNotItsOwn()

@@ -420,7 +420,9 @@ void ActionsTest::goesOnWithoutADisk()
     ScriptedJournal journal;
     journal.isFull = true;
     Actions actions(server, journal, running);
-    QCOMPARE(actions.write(sale).outcome, Outcome::Unknown);
+    const Actions::End end = actions.write(sale);
+    QCOMPARE(end.outcome, Outcome::Unknown);
+    QCOMPARE(end.error.text, u"The next start will not know of this, as it could not be noted here (no room). out"_s);
     QVERIFY(actions.hasOpen());
 }
 
