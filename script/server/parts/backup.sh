@@ -13,7 +13,7 @@ do_backup() {
     : "${machine[keep]:=7}"
     check_number "${machine[keep]}"
     ((machine[keep] > 0)) || misused "at least one backup is kept"
-    [[ ${machine[backup]} != *[\"\'\\%]* ]] || misused "no quotes, backslashes or % in the folder's name"
+    check_folder_name "${machine[backup]}"
     folder=${machine[backup]}
     make_places "$folder"
     save_machine
@@ -29,6 +29,11 @@ do_backup() {
     keep_keys "$folder"
     drop_old "$folder"
     check_log "$folder"
+}
+
+# It stands in the server's settings.
+check_folder_name() {
+    [[ $1 != *[\"\'\\%]* ]] || misused "no quotes, backslashes or % in the folder's name"
 }
 
 make_places() {

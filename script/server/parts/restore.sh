@@ -3,7 +3,7 @@
 # stands and has been looked at does it take the other's place, and the other is kept.
 
 do_restore() {
-    local folder base until_time stamp
+    local folder base until_time line stamp
     take_options "from: time:" "$@"
     ((${#rest[@]} == 0)) || misused "restore takes no '${rest[0]}'"
     need_ours
@@ -12,17 +12,19 @@ do_restore() {
     folder=${opt[from]:-${machine[backup]:-}}
     [ -n "$folder" ] || misused "restore needs --from FOLDER"
     folder=$(absolute "$folder")
+    check_folder_name "$folder"
     if [ ! -d "$folder/base" ] || [ ! -d "$folder/log" ]; then
         die "$folder holds no backups"
     fi
     until_time=$(moment_of "${opt[time]:-}")
-    base=$(base_before "$folder" "$until_time")
+    ! is_running || finish_log "$folder"
+    line=$(timeline_at "$folder" "$until_time")
+    base=$(base_before "$folder" "$until_time" "$line")
     stamp=$(date -u +%Y%m%dT%H%M%S)
     restored=$data.restored
     need_room "$folder/base/$base"
-    ! is_running || finish_log "$folder"
     say "Restoring from $base (UTC) ..."
-    lay_out "$folder" "$base" "$until_time"
+    lay_out "$folder" "$base" "$until_time" "$line"
     run_restored "$until_time"
     look_at_restored
     swap_in "$stamp"
@@ -34,15 +36,38 @@ moment_of() {
     date -u -d "$1" +'%Y-%m-%d %H:%M:%S' 2>/dev/null || misused "'$1' is no time; one looks like '2026-11-22 18:30:00'"
 }
 
+# The last backup that the way to the timeline leads through: one may be of a past that was left by a restore.
 base_before() {
-    local found="" one limit
-    limit=${2//[-: ]/}
+    local found="" one
     while read -r one; do
-        [ -n "$2" ] && [[ $(tr -dc 0-9 <<<"$one") > $limit ]] || found=$one
-    done < <(backups_in "$1")
-    [ -n "$found" ] || die "$1 holds no backup${2:+ from before $2 (UTC)}"
+        ! leads_to "$1" "$one" "$3" || found=$one
+    done < <(backups_until "$1" "$2")
+    [ -n "$found" ] || die "$1 holds no backup${2:+ from before $2 (UTC)} that leads to what is asked for"
     printf '%s' "$found"
 }
+
+backups_until() {
+    local one limit=${2//[-: ]/}
+    backups_in "$1" | while read -r one; do
+        if [ -z "$limit" ] || [[ ! $(tr -dc 0-9 <<<"$one") > $limit ]]; then
+            printf '%s\n' "$one"
+        fi
+    done
+}
+
+started_on() { sed -nE 's/^START TIMELINE: ([0-9]+)$/\1/p' "$1/base/$2/backup_label"; }
+
+# leads_to FOLDER BACKUP TIMELINE: it is of this timeline, or of one that the timeline left after the backup's end.
+leads_to() {
+    local own end left
+    own=$(started_on "$1" "$2")
+    [ "$own" != "$3" ] || return 0
+    end=$(sed -nE 's/.*"End-LSN": "([0-9A-F/]+)".*/\1/p' "$1/base/$2/backup_manifest" | tail -n 1)
+    left=$(awk -v own="$own" '$1 == own { print $2 }' "$1/log/$(printf %08X "$3").history" 2>/dev/null || true)
+    [ -n "$end" ] && [ -n "$left" ] && (($(place_of "$end") <= $(place_of "$left")))
+}
+
+place_of() { printf '%d' $((16#${1%/*} * 2 ** 32 + 16#${1#*/})); }
 
 need_room() {
     local needed free
@@ -53,7 +78,7 @@ need_room() {
 
 # What the server that still runs has written belongs to the log as well.
 finish_log() {
-    [ "${machine[backup]:-}" = "$1" ] || return 0
+    [ -n "${machine[backup]:-}" ] && [ "${machine[backup]}" -ef "$1" ] || return 0
     keep_log
 }
 
@@ -77,21 +102,26 @@ fsync = $([ -n "$unsynced" ] && echo off || echo on)
 archive_mode = on
 archive_command = '"$here/archive-log" "%p" "%f" "$1/log"'
 restore_command = 'test -f "$1/log/%f" && cp "$1/log/%f" "%p"'
-recovery_target_timeline = '$(latest_timeline "$1" "$2")'
+recovery_target_timeline = '$4'
 SETTINGS
-    keep_timelines_free "$1" "$2"
+    keep_timelines_free "$1" "$4"
     [ -z "$3" ] || printf "recovery_target_time = '%s+00'\nrecovery_target_action = 'promote'\n" "$3" >>"$restored/postgresql.conf"
     as_owner touch "$restored/recovery.signal"
 }
 
-timelines_in() { find "$1" -maxdepth 1 -name '????????.history' -printf '%f\n' | while read -r name; do echo $((16#${name%.history})); done; }
+# timelines_in FOLDER [TIME]: those that had begun by then.
+timelines_in() {
+    find "$1" -maxdepth 1 -name '????????.history' ${2:+! -newermt "$2 UTC"} -printf '%f\n' | while read -r name; do echo $((16#${name%.history})); done
+}
 
-# Of what the backup and the log hold. The server's own "latest" stops at the first number that is missing, as one is where
-# a standby was promoted that did not make the backups.
-latest_timeline() {
+# The latest of what the backups and the log hold; with a time, the latest then: what was restored later is another past. The
+# server's own "latest" stops at the first number that is missing, as one is where a standby was promoted that did not make
+# the backups.
+timeline_at() {
+    local one
     {
-        sed -nE 's/^START TIMELINE: ([0-9]+)$/\1/p' "$1/base/$2/backup_label"
-        timelines_in "$1/log"
+        backups_until "$1" "$2" | while read -r one; do started_on "$1" "$one"; done
+        timelines_in "$1/log" "$2"
     } | sort -n | tail -n 1
 }
 
@@ -102,12 +132,12 @@ keep_timelines_free() {
     local known number
     known=$(
         {
-            latest_timeline "$1" "$2"
+            timeline_at "$1" ""
             [ ! -d "$data" ] || LC_ALL=C as_owner "$programs/pg_controldata" "$data" | sed -nE "s/^Latest checkpoint's TimeLineID: *([0-9]+)$/\1/p"
             [ ! -d "$data" ] || timelines_in "$data/pg_wal"
         } | sort -n | tail -n 1
     )
-    for ((number = $(latest_timeline "$1" "$2") + 1; number <= known + 16; ++number)); do
+    for ((number = $2 + 1; number <= known + 16; ++number)); do
         as_owner touch "$restored/pg_wal/$(printf %08X "$number").history"
     done
 }
@@ -129,7 +159,7 @@ start_restored() {
 run_restored() {
     ! start_restored || return 0
     if [ -n "$1" ] && grep -q 'recovery ended before configured recovery target was reached' "$restored/restoring.log"; then
-        sed -i '/^recovery_target/d' "$restored/postgresql.conf"
+        sed -i '/^recovery_target_time =/d; /^recovery_target_action/d' "$restored/postgresql.conf"
         ! start_restored || return 0
     fi
     die "the backup cannot be restored: $restored/restoring.log says why. The server is as it was"
@@ -154,10 +184,19 @@ swap_in() {
     [ ! -d "$data" ] || mv "$data" "$kept"
     mv "$restored" "$data"
     start_server
+    know_itself
     say "The server has the restored store. What it held before is kept: $kept"
     if [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ]; then
         sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'restored')
             on conflict (name) do update set value = 'restored', since = now()"
         say "The standby has another past now. Make it anew: here standby --for NAME …, there standby FILE --take-back"
     fi
+}
+
+# The backup knows the machines of its day. One that is not among them stands in the place of all of them.
+know_itself() {
+    sql -v name="${machine[name]}" -v address="${machine[address]}" -v port="${machine[port]}" -f - >/dev/null <<'SQL'
+delete from harrowby_server.host where not exists (select from harrowby_server.host where name = :'name');
+select harrowby_server.know_host(:'name', :'address', :'port'::int);
+SQL
 }
