@@ -195,7 +195,7 @@ void KeysRunTest::enterAQuantity(RunningProgram &program)
 
 void KeysRunTest::turnTheWheelOverTheTabs(RunningProgram &program)
 {
-    m_screen->moveTo(program.place(u"TabStrip1"_s));
+    m_screen->moveTo(program.awaitPlace(u"TabStrip1"_s));
     m_screen->turnWheel(true);
     m_screen->turnWheel(false);
     m_screen->turnWheel(false);

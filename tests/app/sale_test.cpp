@@ -269,8 +269,7 @@ void SaleTest::waitForALockIsSaid()
     logIn(program, u"administrator"_s, u"pass1"_s);
     QVERIFY(!program.has(u"openingText"_s));
 
-    QVERIFY(program.awaitKeysOf(u"Command1_0"_s));
-    const QPoint card = program.place(u"Command1_0"_s);
+    const QPoint card = program.awaitPlace(u"Command1_0"_s);
     const auto seen = [&] { return m_screen.count(accent, place); };
     QTRY_VERIFY_WITH_TIMEOUT(seen() >= 0 && seen() < most / 4, 30000);
     QVERIFY(!runSql(other.get(), u"BEGIN IMMEDIATE"_s));

@@ -20,6 +20,7 @@ namespace harrowby::app::test {
 namespace {
 
 constexpr int patience = 30000; // milliseconds; a loaded machine under the sanitizers is slow
+constexpr QPoint nowhere(-1, -1);
 
 void end(QProcess &process)
 {
@@ -34,7 +35,7 @@ void end(QProcess &process)
 QPoint pointOf(const QString &place)
 {
     return place.contains(u' ') ? QPoint(place.section(u' ', 0, 0).toInt(), place.section(u' ', 1, 1).toInt())
-                                : QPoint(-1, -1);
+                                : nowhere;
 }
 
 } // namespace
@@ -91,6 +92,7 @@ void Screen::letKeysRepeat(bool repeat) const
 
 void Screen::press(const QPoint &place) const
 {
+    QVERIFY2(place != nowhere, "what is to be pressed is not there");
     input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y()), u"click"_s, u"1"_s});
 }
 
@@ -141,6 +143,7 @@ void Screen::keyUp(const QString &name) const
 
 void Screen::moveTo(const QPoint &place) const
 {
+    QVERIFY2(place != nowhere, "there is nothing to move to");
     input({u"mousemove"_s, QString::number(place.x()), QString::number(place.y())});
 }
 
@@ -230,22 +233,28 @@ QString RunningProgram::answer()
     return u"?"_s;
 }
 
-bool RunningProgram::press(const QString &name)
+QPoint RunningProgram::awaitPlace(const QString &name)
 {
     QElapsedTimer time;
     time.start();
-    QPoint before(-1, -1);
+    QPoint before = nowhere;
     while (time.elapsed() < patience && m_process.state() == QProcess::Running) {
         // Twice at the same place, as the window manager may still move a new window.
         const QPoint now = pointOf(ask(u"target "_s + name));
-        if (now != QPoint(-1, -1) && now == before)
-            return press(now);
+        if (now != nowhere && now == before)
+            return now;
         before = now;
         QTest::qWait(100);
     }
     qWarning("\"%s\" does not come. The focus: %s; a box: %s", qPrintable(name), qPrintable(focus()),
              qPrintable(box()));
-    return false;
+    return nowhere;
+}
+
+bool RunningProgram::press(const QString &name)
+{
+    const QPoint place = awaitPlace(name);
+    return place != nowhere && press(place);
 }
 
 bool RunningProgram::press(const QPoint &place)

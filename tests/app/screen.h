@@ -80,8 +80,10 @@ public:
     /// Waits until the control is there and its window has the keys: a window manager gives them to it a while after
     /// the window before it has closed.
     [[nodiscard]] bool awaitKeysOf(const QString &name);
-    /// The middle of the control on the screen; (-1, -1) while it is not there.
+    /// The middle of the control on the screen; (-1, -1) while it is not there. A box has its text before it is.
     [[nodiscard]] QPoint place(const QString &name);
+    /// The same once a press would meet it; (-1, -1) when it does not come.
+    [[nodiscard]] QPoint awaitPlace(const QString &name);
     [[nodiscard]] QString text(const QString &name) { return ask(QStringLiteral("text ") + name); }
     /// Text of the message box in front, its line breaks as tabs; "-" when there is none.
     [[nodiscard]] QString box() { return ask(QStringLiteral("box ")); }
