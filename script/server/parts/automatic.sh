@@ -178,7 +178,7 @@ take_store_part() {
     machine[address]=${where%,*}
     machine[network]=${told[network]}
     machine[tills]=${told[tills]}
-    if [ ! -d "$conf" ]; then
+    if [ ! -d "$conf" ] || is_half_made; then
         machine[version]=${told[version]}
         machine[port]=${told[server_port]}
         find_server
@@ -211,6 +211,7 @@ go_on() {
     start_own_voter
     patiently "Waiting for more voters: on the other machines, harrowby-server automatic FILE ..." has_joined
     if ! has_store "${auto[name]}"; then
+    ! is_half_made || die "this machine's part was broken off: harrowby-server automatic FILE once more"
         say "This machine is a voter."
     elif is_automatic || is_standby || ! has_data; then
         go_on_as_standby

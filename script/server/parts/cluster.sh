@@ -74,9 +74,12 @@ use_settings() {
 # Connections that so many tills and offices can have at once: up to six each, and some for whoever keeps the server.
 room_for() { printf '%s' $((30 + 6 * $1)); }
 
-# While $etc/making is there, a cluster holds nothing yet: one that was interrupted is made anew.
+# Interrupted before anything was in it: it is made anew. The mark alone may be older than what is there now; a database
+# of a shop's has a number above those that every cluster begins with.
+is_half_made() { [ -f "$etc/making" ] && ! compgen -G "$data/base/[1-9]????*" >/dev/null; }
+
 make_cluster() {
-    if [ -f "$etc/making" ]; then
+    if is_half_made; then
         [ ! -d "$conf" ] || stop_server
         rm -rf "${conf:?}" "${data:?}"
     elif is_ours && [ -d "$data" ]; then

@@ -159,7 +159,7 @@ make_standby() {
     set_aside_old
     take_keys
     save_machine
-    [ -d "$conf" ] && [ ! -f "$etc/making" ] || make_cluster
+    [ -d "$conf" ] && ! is_half_made || make_cluster
     follow_room
     save_machine
     make_certificate
@@ -192,7 +192,7 @@ as_owner_folder() {
 
 # A machine that has sold itself before, or a standby that cannot follow any more: its data is kept.
 set_aside_old() {
-    if [ ! -d "$conf" ] || [ -f "$etc/making" ]; then
+    if [ ! -d "$conf" ] || is_half_made; then
         return 0
     fi
     is_ours || die "there is a cluster '$cluster' that was not made here ($conf); it is not touched"
@@ -206,7 +206,7 @@ set_aside_old() {
 keep_aside() {
     local kept
     [ -d "$1" ] || return 0
-    if [ -f "$etc/making" ]; then
+    if is_half_made; then
         rm -rf "${1:?}"
         return 0
     fi

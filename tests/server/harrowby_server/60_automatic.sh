@@ -99,6 +99,8 @@ works "another sale" sells_soon w2
 is "on both" "w1 w2" sold seven
 
 works "by hand again" eval 'on seven automatic --off && on six automatic --off && on till automatic --off'
+install -d "$work/seven/etc/harrowby-server" "$work/seven/etc/postgresql/$version/harrowby"
+touch "$work/seven/etc/harrowby-server/making" # broken off
 says "the server says since when it is alone" "It sells alone since 20" on six status
 works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar"'
 is "as before" protected protection six
