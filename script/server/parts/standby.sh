@@ -2,7 +2,7 @@
 # standby: on the server it writes what a second machine needs, on the second machine it makes the standby of it.
 
 do_standby() {
-    take_options "for: address: to: port: take-back" "$@"
+    take_options "for: address: to: new-password port: take-back" "$@"
     ! is_automatic || die "the machines copy from each other by themselves. A new machine in place of one: automatic --anew NAME"
     if [ -n "${opt[for]:-}" ]; then
         ((${#rest[@]} == 0)) || misused "either standby --for NAME or standby FILE"
@@ -16,7 +16,7 @@ do_standby() {
 # ---- on the server
 
 invite_standby() {
-    local name=${opt[for]} file role password folder
+    local name=${opt[for]} file role folder
     check_name "$name"
     [ -n "${opt[address]:-}" ] || misused "standby --for NAME needs --address: the second machine's address"
     check_address "${opt[address]}"
@@ -27,12 +27,11 @@ invite_standby() {
     role=standby_$name
     [ -n "$(sql -c "select 1 from pg_roles where rolname = '$role'")" ] ||
         sql -c "create role \"$role\" login replication in role harrowby_standby"
-    password=$(random_word)
-    set_password "$role" "$password"
+    set_standby_password "$role"
     folder=$(mktemp -d)
     chmod 700 "$folder"
     cp "$etc/ca.crt" "$etc/ca.key" "$folder"
-    printf '%s' "$password" >"$folder/password"
+    cp "$etc/$role" "$folder/password"
     cat >"$folder/values" <<VALUES
 name=$name
 address=${opt[address]}
@@ -48,6 +47,17 @@ VALUES
     rm -rf "$folder"
     say "Written: $file. It holds the keys of the shop: carry it to $name yourself, and delete it afterwards."
     say "There: harrowby-server standby FILE"
+}
+
+# A standby that follows goes on with the word that it has: one that is new to it is refused at its next login.
+set_standby_password() {
+    local role=$1
+    if [ ! -f "$etc/$role" ] || [ -n "${opt[new-password]:-}" ]; then
+        [ -z "$(sql -c "select 1 from pg_stat_activity where usename = '$role' and backend_type = 'walsender'")" ] ||
+            warn "the standby ${opt[for]} gets a new password: without this file it cannot log in again, and nothing is sold then"
+        random_word | put "$etc/$role" 600 "$(id -un)"
+    fi
+    set_password "$role" "$(cat "$etc/$role")"
 }
 
 # ---- on the second machine
@@ -71,6 +81,11 @@ become_standby() {
 
 read_invitation() {
     local key value
+    server=$(sed -n 's/^server=//p' "$invitation/values")
+    server_port=$(sed -n 's/^server_port=//p' "$invitation/values")
+    [ "$server:$server_port" != "${machine[address]:-}:${machine[port]:-}" ] ||
+        grep -qx "name=${machine[name]}" "$invitation/values" ||
+        die "this machine is the server itself: what it has written is for $(sed -n 's/^name=//p' "$invitation/values")"
     [ ! -f "$etc/ca.crt" ] || [ ! -d "$conf" ] || cmp -s "$etc/ca.crt" "$invitation/ca.crt" || [ -n "${opt[take-back]:-}" ] ||
         die "this machine belongs to another server's shop"
     while IFS='=' read -r key value; do
@@ -80,8 +95,6 @@ read_invitation() {
                 [ -d "$conf" ] || machine[version]=$value
                 [ "${machine[version]}" = "$value" ] || die "the server is PostgreSQL $value, this machine ${machine[version]}"
                 ;;
-            server) server=$value ;;
-            server_port) server_port=$value ;;
         esac
     done <"$invitation/values"
     check_name "${machine[name]}"

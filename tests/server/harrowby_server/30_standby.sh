@@ -8,11 +8,25 @@ is "each sale on two machines" protected protection one
 is "which the standby has" 1 admin two "select count(*) from StockList"
 works "standby again" on two standby "$work/two.tar"
 is "still on two machines" protected protection one
+follower() { admin one "select pid from pg_stat_replication where sync_state = 'sync'"; }
+follows_anew() { [ -n "$(follower)" ] && [ "$(follower)" != "$1" ] && echo yes; }
+before=$(follower)
+works "standby --for again" on one standby --for two --address 127.0.0.1 --to "$work/two-again.tar"
+admin one "select pg_terminate_backend($before)" >/dev/null
+wait_for "the one that follows gets in as before" yes follows_anew "$before"
+works "the second file is as good" on two standby "$work/two-again.tar"
+says "a new password is told" "gets a new password" on one standby --for two --address 127.0.0.1 --to "$work/two-again.tar" --new-password
+works "which the standby takes" on two standby "$work/two-again.tar"
 says "status of a standby" "It is the standby of 127.0.0.1, streaming" on two status
 is "which needs no look" 0 eval 'on two status >"$work/status"; echo $?'
 is "how much it has" 1 grep -cE 'position [0-9]{7,}\.$' "$work/status"
 refuses "tills are let in on the server" "this machine is the standby" on two add-till counter-9
-refuses "a server is no standby by mistake" "with --take-back" on one standby "$work/two.tar"
+refuses "the server is not its own standby" "is the server itself" on one standby "$work/two-again.tar" --take-back
+is "and goes on" protected protection one
+touch "$work/one/etc/harrowby-server/making"
+works "create where a mark of its beginning was left" on one create
+touch "$work/one/etc/harrowby-server/making"
+is "nothing is deleted" 1 admin one "select count(*) from StockList"
 works "the till learns of it" on one add-till counter-1 --to "$work/till-1d"
 works "the till's own part" settle_in counter-1 "$work/till-1d"
 is "two hosts" 2 grep -o 127.0.0.1 -c <(tr , '\n' <"$work/till-1d/service")
@@ -58,6 +72,7 @@ works "another till" sell counter-1 s5
 is "nothing is lost" "s1 s2 s3 s4 s5" sold two
 is "the sign on the new one" alone protection two
 works "promote again" on two promote --other-is-off
+works "a mark of its beginning was left" test -f "$work/one/etc/harrowby-server/making"
 works "standby --for the old one" on two standby --for one --address 127.0.0.1 --to "$work/one.tar"
 refuses "its data is not overwritten by mistake" "with --take-back" on one standby "$work/one.tar"
 works "the old one taken back" on one standby "$work/one.tar" --take-back
