@@ -22,7 +22,7 @@ do_promote() {
         on conflict (name) do update set value = 'promoted', since = now()"
     say "This machine is the server now, and goes on alone; the tills find it by themselves."
     say "When the other one is repaired: here 'harrowby-server standby --for NAME --address ADDRESS', there"
-    say "'harrowby-server standby FILE --take-back'. It must not come back to the network before that."
+    say "'harrowby-server standby FILE --take-back'. Before it gets its network back, on it: pg_ctlcluster $version $cluster stop"
 }
 
 refuse_while_other_answers() {
@@ -36,12 +36,39 @@ refuse_while_other_answers() {
 
 value_of() { sed -E "s/.*(^| )$1=([^ ]+).*/\2/" <<<"$2"; }
 
+# ask_store ADDRESS PORT SQL: another machine that has the store, with this standby's login.
+ask_store() {
+    as_owner "$programs/psql" -X -q -A -t "host=$1 port=$2 dbname=$database user=standby_${machine[name]}
+        passfile=$conf/standby.pgpass sslmode=verify-full sslrootcert=$conf/server-ca.crt connect_timeout=5" -c "$3" 2>/dev/null
+}
+
+# Of several standbys the server relied on one only, and which one is not known to the others.
+other_standbys_have() {
+    local where name address port ours theirs
+    local has="pg_wal_lsn_diff(greatest(pg_last_wal_receive_lsn(), pg_last_wal_replay_lsn()), '0/0')"
+    where=$(sql_in_postgres -c 'show primary_conninfo')
+    ours=$(sql -c "select $has")
+    while IFS='|' read -r name address port; do
+        [ "$address $port" != "$(value_of host "$where") $(value_of port "$where")" ] || continue
+        theirs=$(ask_store "$address" "$port" "select case when pg_is_in_recovery() then $has else -1 end") || theirs=
+        if [ -z "$theirs" ]; then
+            printf '%s\n' "$name does not answer, and may have more than this machine."
+        elif ((theirs < 0)); then
+            die "$name is the server: it sells"
+        elif ((theirs > ours)); then
+            printf '%s\n' "$name has more than this machine: promote it instead."
+        fi
+    done < <(sql -v own="${machine[name]}" -f - <<<"select name, address, port from harrowby_server.host where name <> :'own' order by 1")
+}
+
 # What this standby is known to lack stops it; what it cannot know is told.
 tell_what_is_here() {
-    local alone lacks=()
+    local alone others lacks=()
     alone=$(sql -c "select to_char(since, 'YYYY-MM-DD HH24:MI:SS') from harrowby_server.remark where name = 'alone'")
     [ -z "$alone" ] || lacks+=("The server has gone on alone since $alone; what it has sold from then on may not be here.")
     [ -f "$etc/relied-on" ] || lacks+=("This machine has never caught up with the server.")
+    others=$(other_standbys_have)
+    [ -z "$others" ] || lacks+=("$others")
     say "The last change that this machine has is of $(sql -c "select coalesce(to_char(pg_last_xact_replay_timestamp(),
         'YYYY-MM-DD HH24:MI:SS'), 'before its last start')")."
     say "If the server was told to go on alone after that, what it sold then is not here."

@@ -153,6 +153,7 @@ take_keys() {
 refresh_standby() {
     local slot=standby_${machine[name]//-/_}
     reach_server
+    rm -f "$etc/relied-on" # it may be another server's
     on_server -v slot="$slot" -f - >/dev/null <<'SQL'
 select pg_create_physical_replication_slot(:'slot', true)
     where not exists (select from pg_replication_slots where slot_name = :'slot');
@@ -170,6 +171,7 @@ make_standby() {
     local slot=standby_${machine[name]//-/_} make_slot=(-C) copy=$data.copying
     reach_server
     set_aside_old
+    rm -f "$etc/relied-on" # that was the copy before
     take_keys
     save_machine
     [ -d "$conf" ] && ! is_half_made || make_cluster

@@ -15,9 +15,7 @@ do_status() {
     say "Machine ${machine[name]}, ${machine[address]} port ${machine[port]}, PostgreSQL $version"
     if ! is_running; then
         trouble "The server does not run; its log: $server_log"
-        exit 1
-    fi
-    if is_standby; then
+    elif is_standby; then
         tell_standby
     else
         tell_server
@@ -34,7 +32,7 @@ trouble() {
 }
 
 tell_server() {
-    local protection
+    local protection name
     protection=$(sql -c 'select harrowby.protection()')
     case $protection in
         single) say "It sells, without a standby: when this machine dies, what counts is the last backup." ;;
@@ -56,6 +54,10 @@ select format('Tills and offices: %s let in, %s connected', count(distinct r.oid
     join pg_roles r on r.oid = m.member left join pg_stat_activity a on a.usename = r.rolname;
 select format('Connections: %s of %s', count(*), current_setting('max_connections')) from pg_stat_activity where backend_type = 'client backend';
 SQL
+    while read -r name; do
+        trouble "The standby $name does not follow"
+    done < <(sql -v own="${machine[name]}" -f - <<<"select name from harrowby_server.host
+        where name <> :'own' and name not in (select application_name from pg_stat_replication) order by 1")
     tell_backup
 }
 
