@@ -4,6 +4,7 @@
 #include "app/first_server_user.h"
 #include "app/records/server_engine.h"
 #include "app/server/input_actions.h"
+#include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
 #include "app/server/server_wait.h"
 #include "app/server/server_watch.h"
@@ -36,7 +37,7 @@ public:
     void settle(const QString &what, bool isDone)
     {
         m_isOpen = false;
-        m_notice.settle(what, isDone);
+        tellSettled(m_notice, what, isDone);
     }
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
 

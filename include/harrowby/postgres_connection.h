@@ -76,6 +76,7 @@ public:
 
     /// A write that had been told as unknown has been resolved: `what` is its text, `isDone` whether it is in the
     /// database. Called in the middle of a statement; must not throw, enter an event loop or use this connection.
+    /// Set before open() it is also told of those of an earlier program; they wait for one that has a handler.
     void setResolvedHandler(std::function<void(const QString &what, bool isDone)> handler);
 
     bool Execute(const QString &statement) override;

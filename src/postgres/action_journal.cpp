@@ -159,7 +159,7 @@ Result<void, QString> ActionFolder::enter(const QUuid &writer)
     return syncFolder(m_folder);
 }
 
-std::vector<LeftWriter> ActionFolder::leftBehind()
+std::vector<LeftWriter> ActionFolder::leftBehind(Left which)
 {
     std::vector<LeftWriter> left;
     const QDir folder(m_folder);
@@ -170,8 +170,15 @@ std::vector<LeftWriter> ActionFolder::leftBehind()
         const std::optional<int> descriptor = lockLeft(folder.filePath(name));
         if (!descriptor)
             continue;
+        auto open = readRecord(writer, *descriptor);
+        if (open && which == Left::WithoutOpen) {
+            qCWarning(lcStore, "Left for the till or the office, which can tell what became of it: %ls",
+                      qUtf16Printable(open->what));
+            ::close(*descriptor);
+            continue;
+        }
         m_descriptors[writer] = *descriptor;
-        left.push_back({writer, readRecord(writer, *descriptor)});
+        left.push_back({writer, std::move(open)});
     }
     return left;
 }

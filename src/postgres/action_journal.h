@@ -27,6 +27,12 @@ struct LeftWriter
     std::optional<OpenAction> open; ///< the write that it has told as unknown, if any
 };
 
+/// Which of those that were left behind.
+enum class Left {
+    WithoutOpen, ///< the others keep: their writes are told by a program that has somebody to tell
+    All,
+};
+
 /// What must outlive the program: which writers run, and the open write of each. No function throws.
 class ActionJournal
 {
@@ -36,7 +42,7 @@ public:
     /// Notes that this writer runs. Before its first write.
     [[nodiscard]] virtual Result<void, QString> enter(const QUuid &writer) = 0;
     /// Those that were noted and run no longer, each handed out to one running program alone.
-    [[nodiscard]] virtual std::vector<LeftWriter> leftBehind() = 0;
+    [[nodiscard]] virtual std::vector<LeftWriter> leftBehind(Left which) = 0;
     /// On the disk when it returns. For the writer that was entered, which is tried again when it had failed.
     [[nodiscard]] virtual Result<void, QString> keep(const OpenAction &open) = 0;
     /// The entered writer's open write has been resolved.
@@ -58,7 +64,7 @@ public:
     ActionFolder &operator=(const ActionFolder &) = delete;
 
     [[nodiscard]] Result<void, QString> enter(const QUuid &writer) override;
-    [[nodiscard]] std::vector<LeftWriter> leftBehind() override;
+    [[nodiscard]] std::vector<LeftWriter> leftBehind(Left which) override;
     [[nodiscard]] Result<void, QString> keep(const OpenAction &open) override;
     void resolved() override;
     void leave(const QUuid &writer) override;

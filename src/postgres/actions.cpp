@@ -25,7 +25,7 @@ bool isGivenUp(const PgError &error)
 } // namespace
 
 Actions::Actions(ActionServer &server, ActionJournal &journal, const QUuid &writer) :
-    m_server(server), m_journal(journal), m_left(journal.leftBehind())
+    m_server(server), m_journal(journal), m_left(journal.leftBehind(Left::WithoutOpen))
 {
     enter(writer);
 }
@@ -34,6 +34,15 @@ Actions::~Actions()
 {
     if (!m_open)
         m_journal.leave(m_writer);
+}
+
+void Actions::setResolvedHandler(ResolvedHandler handler)
+{
+    m_handler = std::move(handler);
+    if (!m_handler)
+        return;
+    for (LeftWriter &left : m_journal.leftBehind(Left::All))
+        m_left.push_back(std::move(left));
 }
 
 /// Begins as a new writer. Its identity is on the disk before the first number is sent.
@@ -239,6 +248,9 @@ void Actions::tell(const OpenAction &open, Known known) const
 {
     if (known == Known::Later)
         qCWarning(lcStore, "Nobody can find out any more whether this was done: %ls", qUtf16Printable(open.what));
+    else if (!m_handler)
+        qCWarning(lcStore, "Known now, with nobody to tell: %s: %ls", known == Known::Done ? "done" : "not done",
+                  qUtf16Printable(open.what));
     if (!m_handler)
         return;
     if (known == Known::Later)

@@ -47,7 +47,9 @@ public:
     Actions(const Actions &) = delete;
     Actions &operator=(const Actions &) = delete;
 
-    void setResolvedHandler(ResolvedHandler handler) { m_handler = std::move(handler); }
+    /// From then on what programs before have left unknown is resolved here, too; without a handler it stays for one
+    /// that has somebody to tell.
+    void setResolvedHandler(ResolvedHandler handler);
 
     /// Refused, and not sent, while an earlier write cannot be resolved.
     [[nodiscard]] End write(const Write &write);

@@ -74,7 +74,6 @@ struct PostgresConnection::Private
     ServerAccess access;
     Reader reader;
     Writer writer;
-    std::function<void(const QString &, bool)> resolvedHandler;
     ConnectionWatch watch;
     std::optional<Held> held;
     WriteOutcome lastWrite = WriteOutcome::Done;
@@ -101,10 +100,6 @@ PostgresConnection::Private::Private(const PostgresConnection &connection, const
         options.findsAnywhere),
     writer(access, options.stateFolder, options.rest), loop(time)
 {
-    writer.setResolvedHandler([this](const QString &what, Actions::Outcome outcome) {
-        if (resolvedHandler && outcome != Actions::Outcome::Unknown)
-            resolvedHandler(what, outcome == Actions::Outcome::Done);
-    });
 }
 
 PgWaits PostgresConnection::Private::waits()
@@ -220,7 +215,12 @@ void PostgresConnection::beginAction()
 
 void PostgresConnection::setResolvedHandler(std::function<void(const QString &what, bool isDone)> handler)
 {
-    d->resolvedHandler = std::move(handler);
+    if (!handler)
+        return d->writer.setResolvedHandler({});
+    d->writer.setResolvedHandler([handler = std::move(handler)](const QString &what, Actions::Outcome outcome) {
+        if (outcome != Actions::Outcome::Unknown)
+            handler(what, outcome == Actions::Outcome::Done);
+    });
 }
 
 bool PostgresConnection::Execute(const QString &statement)

@@ -41,6 +41,16 @@ Writer::Writer(ServerAccess &access, const QString &stateFolder, std::chrono::mi
 void Writer::setResolvedHandler(ResolvedHandler handler)
 {
     m_handler = std::move(handler);
+    if (m_engine)
+        passOnHandler();
+}
+
+void Writer::passOnHandler()
+{
+    if (!m_handler)
+        return m_engine->actions.setResolvedHandler({});
+    m_engine->actions.setResolvedHandler(
+        [this](const OpenAction &open, Outcome outcome) { m_handler(open.what, outcome); });
 }
 
 /// The journal belongs to one store, and only the server can say which this is.
@@ -57,10 +67,7 @@ std::optional<PgError> Writer::prepare()
     if (store.isNull())
         return PgError{Kind::Unfit, {}, u"the store on the server has no identity"_s, false};
     m_engine = std::make_unique<Engine>(*this, folderOf(store, m_stateFolder));
-    m_engine->actions.setResolvedHandler([this](const OpenAction &open, Outcome outcome) {
-        if (m_handler)
-            m_handler(open.what, outcome);
-    });
+    passOnHandler();
     return {};
 }
 

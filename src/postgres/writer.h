@@ -26,6 +26,7 @@ public:
     /// `rest` is the time for a write that may be under way.
     Writer(ServerAccess &access, const QString &stateFolder, std::chrono::milliseconds rest);
 
+    /// Who has none leaves the open writes of earlier programs to one that has.
     void setResolvedHandler(ResolvedHandler handler);
 
     /// Sees to what earlier programs and this one have left open; the reason when the server cannot be asked.
@@ -61,6 +62,7 @@ private:
     [[nodiscard]] std::optional<PgError> prepare();
     [[nodiscard]] Result<void, PgError> connect();
     void setTimes();
+    void passOnHandler();
 
     ServerAccess &m_access;
     QString m_stateFolder;

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void keepsAnOpenWriteForTheNextStart();
     void letsRunningProgramsBe();
     void handsEachWriterToOneProgram();
+    void leavesOpenWritesToThoseThatTell();
     void forgetsWhatIsResolved();
     void takesAHalfWrittenRecordForNone();
     void cutsLongWords();
@@ -67,7 +68,7 @@ void ActionJournalTest::keepsAnOpenWriteForTheNextStart()
 {
     runAndDie(folder(), openWrite());
     ActionFolder next(folder());
-    const std::vector<LeftWriter> left = next.leftBehind();
+    const std::vector<LeftWriter> left = next.leftBehind(Left::All);
     QCOMPARE(left.size(), std::size_t(1));
     QCOMPARE(left[0].writer, writer);
     QVERIFY(left[0].open);
@@ -82,12 +83,12 @@ void ActionJournalTest::letsRunningProgramsBe()
 {
     ActionFolder till(folder());
     QVERIFY(till.enter(writer));
-    QVERIFY(till.leftBehind().empty());
+    QVERIFY(till.leftBehind(Left::All).empty());
     ActionFolder office(folder());
     QVERIFY(office.enter(QUuid::createUuid()));
-    QVERIFY(office.leftBehind().empty());
+    QVERIFY(office.leftBehind(Left::All).empty());
     QVERIFY(till.keep(openWrite()));
-    QVERIFY(office.leftBehind().empty());
+    QVERIFY(office.leftBehind(Left::All).empty());
     till.leave(writer);
     QCOMPARE(files().size(), 1);
 }
@@ -96,11 +97,24 @@ void ActionJournalTest::handsEachWriterToOneProgram()
 {
     runAndDie(folder(), openWrite());
     auto first = std::make_unique<ActionFolder>(folder());
-    QCOMPARE(first->leftBehind().size(), std::size_t(1));
+    QCOMPARE(first->leftBehind(Left::All).size(), std::size_t(1));
     ActionFolder second(folder());
-    QVERIFY(second.leftBehind().empty());
+    QVERIFY(second.leftBehind(Left::All).empty());
     first.reset(); // killed before it resolved anything
-    QCOMPARE(second.leftBehind().size(), std::size_t(1));
+    QCOMPARE(second.leftBehind(Left::All).size(), std::size_t(1));
+}
+
+/// Nor does a program without anybody to tell keep others from them.
+void ActionJournalTest::leavesOpenWritesToThoseThatTell()
+{
+    runAndDie(folder(), openWrite());
+    ActionFolder nightJob(folder());
+    QVERIFY(nightJob.leftBehind(Left::WithoutOpen).empty());
+    ActionFolder till(folder());
+    QCOMPARE(till.leftBehind(Left::All).size(), std::size_t(1));
+    till.leave(writer);
+    runAndDie(folder(), {});
+    QCOMPARE(nightJob.leftBehind(Left::WithoutOpen).size(), std::size_t(1));
 }
 
 void ActionJournalTest::forgetsWhatIsResolved()
@@ -111,7 +125,7 @@ void ActionJournalTest::forgetsWhatIsResolved()
         QVERIFY(journal.keep(openWrite()));
         journal.resolved();
     }
-    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind(Left::All);
     QCOMPARE(left.size(), std::size_t(1));
     QVERIFY(!left[0].open);
 }
@@ -124,11 +138,11 @@ void ActionJournalTest::takesAHalfWrittenRecordForNone()
     half.seek(20);
     half.write("x");
     half.close();
-    std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind(Left::All);
     QCOMPARE(left.size(), std::size_t(1));
     QVERIFY(!left[0].open);
     QVERIFY(half.resize(100));
-    left = ActionFolder(folder()).leftBehind();
+    left = ActionFolder(folder()).leftBehind(Left::All);
     QCOMPARE(left.size(), std::size_t(1));
     QVERIFY(!left[0].open);
 }
@@ -139,14 +153,14 @@ void ActionJournalTest::cutsLongWords()
         const QString words = QString::fromUcs4(&letter, 1).repeated(1000);
         runAndDie(folder(), openWrite(words));
         ActionFolder next(folder());
-        const std::vector<LeftWriter> left = next.leftBehind();
+        const std::vector<LeftWriter> left = next.leftBehind(Left::All);
         QVERIFY(left.at(0).open);
         QVERIFY(words.startsWith(left[0].open->what));
         QVERIFY(left[0].open->what.toUtf8().size() > 400);
         next.leave(writer);
     }
     runAndDie(folder(), openWrite(u"  two\nlines "_s));
-    QCOMPARE(ActionFolder(folder()).leftBehind().at(0).open->what, u"two lines"_s);
+    QCOMPARE(ActionFolder(folder()).leftBehind(Left::All).at(0).open->what, u"two lines"_s);
 }
 
 void ActionJournalTest::keepsItsSize()
@@ -181,7 +195,7 @@ void ActionJournalTest::saysWhyItCannot()
     QVERIFY(!journal.keep(openWrite()));
     journal.resolved();
     journal.leave(writer);
-    QVERIFY(journal.leftBehind().empty());
+    QVERIFY(journal.leftBehind(Left::All).empty());
 }
 
 /// A disk that was full when the program started.
@@ -194,9 +208,9 @@ void ActionJournalTest::makesUpForAFileThatCouldNotBeMade()
         QVERIFY(!journal.enter(writer));
         QVERIFY(inTheWay.remove());
         QVERIFY(journal.keep(openWrite()));
-        QVERIFY(ActionFolder(folder()).leftBehind().empty());
+        QVERIFY(ActionFolder(folder()).leftBehind(Left::All).empty());
     }
-    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind();
+    const std::vector<LeftWriter> left = ActionFolder(folder()).leftBehind(Left::All);
     QCOMPARE(left.size(), std::size_t(1));
     QVERIFY(left[0].open);
     QCOMPARE(left[0].open->action, openWrite().action);
@@ -208,7 +222,7 @@ void ActionJournalTest::passesOverWhatIsNotItsOwn()
     QVERIFY(QFile::link(u"/etc/passwd"_s, folder() + u"/00000000-0000-0000-0000-000000000002.writer"_s));
     QFile other(folder() + u"/notes.writer"_s);
     QVERIFY(other.open(QIODevice::WriteOnly));
-    QVERIFY(ActionFolder(folder()).leftBehind().empty());
+    QVERIFY(ActionFolder(folder()).leftBehind(Left::All).empty());
 }
 
 HARROWBY_CORE_TEST(action_journal_test, ActionJournalTest)

@@ -41,7 +41,15 @@ public:
         m_left.push_back({writer, {}});
         return {};
     }
-    std::vector<LeftWriter> leftBehind() override { return m_left; }
+    std::vector<LeftWriter> leftBehind(Left which) override
+    {
+        std::vector<LeftWriter> given;
+        for (const LeftWriter &left : m_left) {
+            if (which == Left::All && left.writer != m_running) // each program here has somebody to tell
+                given.push_back(left);
+        }
+        return given;
+    }
     Result<void, QString> keep(const OpenAction &open) override
     {
         killHere();

@@ -6,6 +6,7 @@
 #include <QLoggingCategory>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void sendsNothingWhileAWriteIsUnknown();
     void tellsWhatWasUnknown();
     void resolvesWhatProgramsBeforeHaveLeft();
+    void leavesUntoldWhatItCannotTell();
     void tellsWhatNobodyCanFindOut();
     void startsAnewWhenItWasRetired();
     void findsATransaction_data();
@@ -121,7 +123,16 @@ public:
         said << (writer == running ? u"enter"_s : u"enter another"_s);
         return result();
     }
-    std::vector<LeftWriter> leftBehind() override { return left; }
+    std::vector<LeftWriter> leftBehind(Left which) override
+    {
+        std::vector<LeftWriter> given;
+        const auto stays = std::stable_partition(left.begin(), left.end(), [which](const LeftWriter &writer) {
+            return writer.open && which == Left::WithoutOpen;
+        });
+        given.assign(stays, left.end());
+        left.erase(stays, left.end());
+        return given;
+    }
     Result<void, QString> keep(const OpenAction &open) override
     {
         said << u"keep %1 %2"_s.arg(open.action.number).arg(open.what);
@@ -313,6 +324,23 @@ void ActionsTest::resolvesWhatProgramsBeforeHaveLeft()
     QCOMPARE(server.writers.first(), before);
     QCOMPARE(told, QStringList(u"an old sale refused"_s));
     QCOMPARE(journal.said.join(u", "), u"enter, leave another, leave another"_s);
+}
+
+/// Known here, it would be known to nobody.
+void ActionsTest::leavesUntoldWhatItCannotTell()
+{
+    ScriptedServer server(u"done:9223372036854775807 done done:8"_s);
+    ScriptedJournal journal;
+    journal.left = {{QUuid::createUuid(), {}}, {before, OpenAction{{before, 7}, u"an old sale"_s}}};
+    Actions actions(server, journal, running);
+    QCOMPARE(actions.write(sale).outcome, Outcome::Done);
+    QCOMPARE(server.takeAsked(), u"claiming claim9223372036854775806 sending act1"_s);
+    QCOMPARE(journal.left.size(), std::size_t(1));
+    QStringList told;
+    actions.setResolvedHandler(
+        [&told](const OpenAction &open, Outcome known) { told << open.what + u' ' + nameOf(known); });
+    QVERIFY(actions.resolve());
+    QCOMPARE(told, QStringList(u"an old sale refused"_s));
 }
 
 void ActionsTest::tellsWhatNobodyCanFindOut()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/server_engine.h"
+#include "tests/doubles/proxy.h"
 #include "tests/postgres/server_fixture.h"
 #include "tests/program/test_program.h"
 
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void ownRecordsReadOneMoment();
     void ownRecordsWrite();
     void ownRecordsThatReadDoNotWrite();
+    void ownRecordsLeaveWhatTheyCannotTell();
     void aWatchEndsAStatement();
     void anotherThreadEndsAStatement();
     void ownRecordsOfNoServer();
@@ -185,6 +187,34 @@ void ServerEngineTest::ownRecordsThatReadDoNotWrite()
     const auto own = ownRecords(Access::Read);
     QVERIFY(!own->records().write(kept::setting(), {u"update StockList set StockCost = 1"_s, {}}));
     QCOMPARE(own->records().read(names).value_or(QList<RecordRow>()).size(), 3);
+}
+
+/// A night job between a till's end and its next start has nobody to tell what became of the till's write.
+void ServerEngineTest::ownRecordsLeaveWhatTheyCannotTell()
+{
+    Proxy proxy(m_server->cluster.port());
+    const QString target = u"host=127.0.0.1 port=%1 user=postgres dbname=shop sslmode=disable"_s.arg(proxy.port());
+    ServerOptions options;
+    options.connecting = 200ms;
+    options.silence = 200ms;
+    options.rest = 300ms;
+    {
+        const auto till = m_engine->open(target, options);
+        QVERIFY(till);
+        const auto connection = (*till)->connection();
+        QVERIFY(connection->Execute(u"Update StockList set StockAvailable = 3 where StockID = '1'"_s));
+        proxy.goSilentAtAnswerOf(1);
+        QVERIFY(!connection->Execute(u"Update StockList set StockAvailable = 4 where StockID = '1'"_s));
+        QCOMPARE(connection->lastWrite(), WriteOutcome::Unknown);
+    }
+    proxy.speak();
+    const auto nightJob = ownRecords(Access::Write);
+    QVERIFY(nightJob);
+    QVERIFY(nightJob->records().write(kept::import(), {u"update StockList set StockCost = 1"_s, {}}));
+    QStringList told;
+    options.resolvedHandler = [&told](const QString &what, bool isDone) { told << (isDone ? what : u"not done"_s); };
+    QVERIFY(m_engine->open(target, options));
+    QCOMPARE(told, QStringList(u"Update StockList set StockAvailable = 4 where StockID = '1'"_s));
 }
 
 void ServerEngineTest::aWatchEndsAStatement()
