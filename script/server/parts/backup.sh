@@ -15,20 +15,31 @@ do_backup() {
     ((machine[keep] > 0)) || misused "at least one backup is kept"
     check_folder_name "${machine[backup]}"
     folder=${machine[backup]}
-    make_places "$folder"
+    if [ -n "${opt[to]:-}" ]; then
+        make_places "$folder"
+    else
+        need_places "$folder"
+    fi
     save_machine
     [ -z "${opt[timer]:-}" ] || set_timer "${opt[timer]}"
+    write_settings
+    control reload
     if is_standby; then
-        write_settings
-        control reload
         say "This machine is the standby; the one that the tills sell with makes the backups. It will when it is that one."
         exit 3
     fi
+    lock_backups
+    exec 9>&- # from here on a folder that hangs keeps nobody from promoting or going on alone
     keep_log
     copy_cluster "$folder"
     keep_keys "$folder"
-    drop_old "$folder"
+    drop_old "$folder" "$made"
     check_log "$folder"
+}
+
+lock_backups() {
+    exec 8>"$etc/backup-lock"
+    flock -n 8 || die "a backup is being made on this machine"
 }
 
 # It stands in the server's settings.
@@ -41,18 +52,26 @@ make_places() {
     for place in "$1" "$1/base" "$1/log"; do
         [ -d "$place" ] || as_owner_folder "$place" 2>/dev/null ||
             die "the server cannot be given the folder $place. It takes a disk that knows owners, such as one with ext4"
+    done
+    need_places "$1"
+    ! on_the_same_disk "$1" || warn "$1 is on the same disk as the store: when that dies, both are gone"
+}
+
+# Made once only: where a disk belongs that is not plugged in, they would be made on the disk of the store.
+need_places() {
+    local place
+    for place in "$1/base" "$1/log"; do
+        [ -d "$place" ] || die "there is no $place any more. Is the disk plugged in? For another place: backup --to FOLDER"
         as_owner test -w "$place" || die "the server cannot write into $place"
     done
-    [ "$(stat -c %d "$1")" != "$(stat -c %d "$data")" ] ||
-        warn "$1 is on the same disk as the store: when that dies, both are gone"
 }
+
+on_the_same_disk() { [ "$(stat -c %d "$1")" = "$(stat -c %d "$data")" ]; }
 
 # The log first: with a copy alone, only the copy's moment could be restored.
 keep_log() {
     local last second
-    write_settings
-    control reload
-    sleep 0.3
+    sleep 0.3 # for settings that were just written
     keep_histories
     # Something must have been written for a switch to finish a piece.
     last=$(sql_in_postgres -c "select pg_logical_emit_message(false, 'harrowby-server', 'backup')" \
@@ -74,7 +93,7 @@ keep_histories() {
 }
 
 copy_cluster() {
-    local making=$1/base/.making done_at
+    local making=$1/base/.making
     rm -rf "$making" # what an earlier try has left
     as_owner_folder "$making"
     say "Copying ..."
@@ -82,10 +101,10 @@ copy_cluster() {
         --manifest-checksums=SHA256 ${unsynced:+"$unsynced"} || die "the copy failed; earlier ones are as they were"
     as_owner "$programs/pg_verifybackup" -q "$making" ||
         die "the copy in $making is not what was read: the disk of the store or of the backup is at fault"
-    done_at=$(date -u +%Y%m%dT%H%M%SZ)
-    mv -T "$making" "$1/base/$done_at"
+    made=$(date -u +%Y%m%dT%H%M%SZ)
+    mv -T "$making" "$1/base/$made"
     [ -n "$unsynced" ] || sync -f "$1" # the whole file system that it is on
-    say "Backed up and checked: $1/base/$done_at"
+    say "Backed up and checked: $1/base/$made"
 }
 
 # With the shop's keys a new machine can take this one's place without a visit at each till.
@@ -96,26 +115,37 @@ keep_keys() {
 
 backups_in() { find "$1/base" -mindepth 1 -maxdepth 1 -type d -name '[0-9]*T[0-9]*Z' -printf '%f\n' | sort; }
 
-# The log is kept from the start of the oldest backup on.
+# Those that are older by their names: after a clock that was wrong the new one stays. The log is kept from the start of the
+# oldest on.
 drop_old() {
-    local all oldest start
+    local all one start
     mapfile -t all < <(backups_in "$1")
-    while ((${#all[@]} > machine[keep])); do
+    while ((${#all[@]} > machine[keep])) && [[ ${all[0]} < $2 ]]; do
         rm -rf "${1:?}/base/${all[0]:?}"
         all=("${all[@]:1}")
     done
-    oldest=${all[0]}
-    start=$(sed -nE 's/^START WAL LOCATION: .* \(file ([0-9A-F]{24})\)$/\1/p' "$1/base/$oldest/backup_label")
+    start=$(for one in "${all[@]}"; do
+        sed -nE 's/^START WAL LOCATION: .* \(file ([0-9A-F]{24})\)$/\1/p' "$1/base/$one/backup_label"
+    done | sort -k 1.9 | sed -n 1p)
     [ -z "$start" ] || as_owner "$programs/pg_archivecleanup" "$1/log" "$start"
 }
 
-# Its pieces are numbered through, whatever the timeline (the first 8 digits of 24).
 check_log() {
+    local after
+    after=$(gap_in "$1")
+    [ -z "$after" ] ||
+        die "the log in $1/log has a gap before $after: no moment between the backups before and after it can be restored"
+}
+
+# The piece before which one is missing. They are numbered through, whatever the timeline (the first 8 digits of 24).
+gap_in() {
     local name number last=
     while read -r name; do
         number=$((16#${name:8:8} * 256 + 16#${name:16:8}))
-        [ -z "$last" ] || ((number <= last + 1)) ||
-            die "the log in $1/log has a gap before $name: no moment between the backups before and after it can be restored"
+        [ -z "$last" ] || ((number <= last + 1)) || {
+            printf '%s' "$name"
+            return 0
+        }
         last=$number
     done < <(find "$1/log" -type f -printf '%f\n' | grep -xE '[0-9A-F]{24}' | sort -k 1.9)
 }
@@ -130,7 +160,7 @@ Description=Backup of the shop's server
 
 [Service]
 Type=oneshot
-ExecStart=$(readlink -f "$0") backup
+ExecStart=$program backup
 # On a standby there is nothing to do.
 SuccessExitStatus=3
 UNIT
@@ -149,7 +179,7 @@ UNIT
         systemctl daemon-reload
         systemctl enable -q --now harrowby-server-backup.timer
     elif [ -z "$root" ]; then
-        warn "systemd does not run here, so its timer does nothing; have cron call: $(readlink -f "$0") backup"
+        warn "systemd does not run here, so its timer does nothing; have cron call: $program backup"
     fi
     say "Every day at $1, into ${machine[backup]}, the last ${machine[keep]} are kept."
 }

@@ -30,7 +30,7 @@ need_writable() {
 control() {
     local skip=()
     [ -z "$root" ] || skip=(--skip-systemctl-redirect)
-    pg_ctlcluster "${skip[@]}" "$version" "$cluster" "$@" 9>&- # the server does not hold our lock
+    pg_ctlcluster "${skip[@]}" "$version" "$cluster" "$@" 9>&- 8>&- # the server does not hold our locks
 }
 
 # With a line a minute, as making up for a crash can take its time.

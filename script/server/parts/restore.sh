@@ -17,6 +17,7 @@ do_restore() {
         die "$folder holds no backups"
     fi
     until_time=$(moment_of "${opt[time]:-}")
+    lock_backups
     ! is_running || finish_log "$folder"
     line=$(timeline_at "$folder" "$until_time")
     base=$(base_before "$folder" "$until_time" "$line")
@@ -146,7 +147,7 @@ keep_timelines_free() {
 start_restored() {
     local second
     as_owner "$programs/pg_ctl" -s -w -t 600 -D "$restored" -l "$restored/restoring.log" \
-        -o "-c synchronous_standby_names=''" start >/dev/null 2>&1 9>&- || true
+        -o "-c synchronous_standby_names=''" start >/dev/null 2>&1 9>&- 8>&- || true
     for ((second = 1; ; ++second)); do
         [ "$(sql_restored -c 'select pg_is_in_recovery()' 2>/dev/null)" != f ] || return 0
         as_owner "$programs/pg_ctl" -D "$restored" status >/dev/null || return 1

@@ -62,12 +62,16 @@ SQL
 }
 
 tell_backup() {
-    local last age failed
+    local last age failed gap
     if [ -z "${machine[backup]:-}" ]; then
         trouble "There are no backups: harrowby-server backup --to FOLDER --timer 02:30"
         return 0
     fi
-    last=$(backups_in "${machine[backup]}" 2>/dev/null | tail -n 1)
+    if [ ! -d "${machine[backup]}/base" ] || [ ! -d "${machine[backup]}/log" ]; then
+        trouble "${machine[backup]} is not there, or no place of backups any more. Until it is, the server keeps its log to itself"
+        return 0
+    fi
+    last=$(backups_in "${machine[backup]}" | tail -n 1)
     if [ -z "$last" ]; then
         trouble "No backup is left in ${machine[backup]}"
         return 0
@@ -78,6 +82,9 @@ tell_backup() {
     else
         say "Last backup: ${machine[backup]}/base/$last, $age hours old"
     fi
+    ! on_the_same_disk "${machine[backup]}" || say "The backups are on the disk of the store: when that dies, both are gone."
+    gap=$(gap_in "${machine[backup]}")
+    [ -z "$gap" ] || trouble "The log in ${machine[backup]}/log has a gap before $gap: harrowby-server backup, and soon"
     failed=$(sql_in_postgres -c "select last_failed_time from pg_stat_archiver where last_failed_time > coalesce(last_archived_time, '-infinity')")
     [ -z "$failed" ] || trouble "The log does not get into ${machine[backup]}/log since $failed; the server's own log says why: $server_log"
 }

@@ -9,16 +9,30 @@ works "backup" on one backup --to "$work/backup" --keep 2 --timer 02:30
 is "a timer" "OnCalendar=02:30" grep OnCalendar "$work/one/etc/systemd/system/harrowby-server-backup.timer"
 says "the standby makes none" "is the standby" on two backup --to "$work/backup"
 works "status is content" on one status
+mv "$work/backup" "$work/unplugged"
+mkdir "$work/backup"
+refuses "a disk that is not plugged in" "plugged in" on one backup
+is "nothing is put into its place" "" ls "$work/backup"
+says "status says so" "is not there" on one status
+rmdir "$work/backup"
+says "without the place, too" "is not there" on one status
+mv "$work/unplugged" "$work/backup"
 works "a sale" sell counter-1 t1
 works "another" sell counter-1 t2
-works "a second backup" on one backup
+works "a second backup" eval '(cd "${script%/*}" && HARROWBY_SERVER_ROOT=$work/one "./${script##*/}" backup --timer 03:30)'
+is "the timer's line holds anywhere" "ExecStart=$(readlink -f "$script") backup" grep ExecStart "$work/one/etc/systemd/system/harrowby-server-backup.service"
 sleep 1
-works "a third" on one backup
+on one backup >"$work/third" 2>&1 &
+third=$!
+wait_for "a third" 1 eval '[ ! -d "$work/backup/base/.making" ] || echo 1'
+works "which is in nobody's way" on one update
+works "it is made" wait "$third"
 is "of which two are kept" xx bases
 
 piece=$(find "$work/backup/log" -name '000000??????????????????' | sort | tail -n 1)
 mv "$piece" "$work/piece"
 refuses "a gap in the log" "has a gap" on one backup --keep 9
+says "which status tells, too" "has a gap" on one status
 mv "$work/piece" "$piece"
 works "none any more" on one backup
 
@@ -66,9 +80,17 @@ works "create with keys" on three create --name three --address 127.0.0.1 --netw
 works "the same authority" cmp "$work/one/etc/harrowby-server/ca.crt" "$work/three/etc/harrowby-server/ca.crt"
 
 # A disk that does not keep what was written.
-install -d -m 777 "$work/backup-three"
+if [ "$(id -u)" -eq 0 ]; then # a disk that was just made and mounted is root's
+    install -d -m 755 "$work/backup-three"
+else
+    mkdir "$work/backup-three"
+fi
 admin three "insert into StockList (StockID) values ('MIL00001')"
 works "a sound store" on three backup --to "$work/backup-three"
+mv "$work/backup-three/base"/2* "$work/backup-three/base/29990101T000000Z"
+works "after a clock that was wrong" on three backup --keep 1
+is "the new one stays" 1 find "$work/backup-three/base" -maxdepth 1 -name '20*' -printf 1
+rm -rf "$work/backup-three/base/2999"*
 admin three checkpoint
 printf damaged | dd of="$(data_of three)/$(admin three "select pg_relation_filepath('stocklist')")" bs=1 seek=8100 conv=notrunc status=none
 refuses "a damaged one" "earlier ones are as they were" on three backup
