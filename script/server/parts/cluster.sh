@@ -102,8 +102,22 @@ make_cluster() {
     save_machine
 }
 
+# The server starts whether the machine has its address yet or not: it may come late from the router after a power cut, and
+# Debian's service does not try again.
+need_no_address() {
+    local settings=$root/etc/sysctl.d/60-harrowby-server.conf
+    install -d -m 755 "${settings%/*}"
+    put "$settings" 644 "$(id -un)" <<KERNEL
+# Written by harrowby-server: a server may listen at an address that this machine does not have yet.
+net.ipv4.ip_nonlocal_bind = 1
+-net.ipv6.ip_nonlocal_bind = 1
+KERNEL
+    [ -n "$root" ] || ! command -v sysctl >/dev/null || sysctl -q -p "$settings" >/dev/null 2>&1 || true # at the next start, then
+}
+
 write_settings() {
     local archive=/bin/true
+    need_no_address
     # %p and %f are the server's. Without a place for them yet, the log's files are not kept.
     [ -z "${machine[backup]:-}" ] || archive="\"$here/archive-log\" \"%p\" \"%f\" \"${machine[backup]}/log\""
     put "$conf/conf.d/harrowby.conf" 644 "$owner" <<SETTINGS

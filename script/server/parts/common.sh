@@ -68,7 +68,9 @@ check_address() {
     [[ $1 =~ ^[A-Za-z0-9.:-]{1,253}$ ]] || misused "'$1' is no address"
 }
 check_network() {
-    [[ $1 =~ ^[0-9a-fA-F.:]+/[0-9]{1,3}$ ]] || misused "'$1' is no network; one looks like 192.168.1.0/24"
+    local byte='(25[0-5]|2[0-4][0-9]|1?[0-9]?[0-9])'
+    [[ $1 =~ ^($byte\.){3}$byte/([0-9]|[12][0-9]|3[0-2])$ || $1 =~ ^[0-9a-fA-F]*:[0-9a-fA-F.:]*/([0-9]|[1-9][0-9]|1[01][0-9]|12[0-8])$ ]] ||
+        misused "'$1' is no network; one looks like 192.168.1.0/24"
 }
 
 # ---- who works

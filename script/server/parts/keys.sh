@@ -22,11 +22,16 @@ make_authority() {
 # From another machine of the shop, or from a backup: a file with ca.crt and ca.key.
 take_authority() {
     local folder
-    [ ! -f "$etc/ca.key" ] || return 0
     folder=$(mktemp -d)
     tar -C "$folder" -xf "$1" --no-same-owner ca.crt ca.key || die "$1 holds no keys"
-    install -m 644 "$folder/ca.crt" "$etc/ca.crt"
-    install -m 600 "$folder/ca.key" "$etc/ca.key"
+    if [ ! -f "$etc/ca.key" ]; then
+        install -m 644 "$folder/ca.crt" "$etc/ca.crt"
+        install -m 600 "$folder/ca.key" "$etc/ca.key"
+    elif ! cmp -s "$folder/ca.crt" "$etc/ca.crt"; then
+        rm -rf "$folder"
+        die "this server has keys of its own, and the tills that know others do not trust it. If none was let in with its own
+    keys yet: rm $etc/ca.key, then this once more"
+    fi
     rm -rf "$folder"
 }
 

@@ -33,8 +33,8 @@ remember_choices() {
     local key
     for key in name address network port tills; do
         [ -z "${opt[$key]:-}" ] || {
-            [ "$key" != port ] || [ -z "${machine[port]:-}" ] || [ "${machine[port]}" = "${opt[port]}" ] ||
-                die "the server has port ${machine[port]} already"
+            [[ $key != @(name|port) ]] || [ -z "${machine[$key]:-}" ] || [ "${machine[$key]}" = "${opt[$key]}" ] ||
+                die "the server has $key ${machine[$key]} already"
             machine["$key"]=${opt[$key]}
         }
     done

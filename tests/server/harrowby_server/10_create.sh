@@ -9,6 +9,9 @@ refuses "a machine without PostgreSQL" "packages postgresql and openssl are miss
     env HARROWBY_SERVER_PROGRAMS="$work/none" HARROWBY_SERVER_ROOT="$work/bare" "$script" create --address 127.0.0.1 --network 127.0.0.0/8
 refuses "which has no server yet" "has no server yet" env HARROWBY_SERVER_PROGRAMS="$work/none" HARROWBY_SERVER_ROOT="$work/bare" "$script" status
 refuses "create without a network" "needs --network" on one create --address 127.0.0.1
+for network in 192.168.1/24 192.168.1.0/240 192.168.1.300/24 192.168.1.0/33 192.168.1.0; do
+    refuses "no network: $network" "is no network" on one create --address 127.0.0.1 --network "$network"
+done
 works "create" on one create --name one --address 127.0.0.1 --network 127.0.0.0/8 --port "$port_one" --tills 2
 is "checksums" on admin one "show data_checksums"
 is "C locale" "C C UTF8" admin one "select datcollate || ' ' || datctype || ' ' || pg_encoding_to_char(encoding) from pg_database where datname = 'harrowby'"
@@ -27,6 +30,8 @@ is "what was not there yet is added" "single true true" admin one "select harrow
     has_table_privilege('harrowby_till', 'sysusage', 'insert')"
 is "nothing is overwritten" 1 admin one "select count(*) from StockList"
 refuses "another port afterwards" "has port" on one create --port 1234
+refuses "another name afterwards" "has name one already" on one create --name other
+is "it starts before it has its address" 2 grep -cE '^-?net.ipv[46].ip_nonlocal_bind = 1$' "$work/one/etc/sysctl.d/60-harrowby-server.conf"
 
 mkdir -p "$work/foreign/var/lib/postgresql/$version/harrowby"
 echo precious >"$(data_of foreign)/something"

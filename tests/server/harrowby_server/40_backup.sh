@@ -77,6 +77,12 @@ is "with all of it" "s1 s2 s3 s4 s5 s6 t1 t2 t3 t4 t5 t6 t7" sold one
 
 # A new machine with the shop's keys: tills know it.
 works "create with keys" on three create --name three --address 127.0.0.1 --network 127.0.0.0/8 --port "$(free_port)" --keys "$work/backup/keys.tar"
+works "with the same once more" on three create --keys "$work/backup/keys.tar"
+mkdir "$work/another-shop"
+cp "$work/other.crt" "$work/another-shop/ca.crt"
+cp "$work/other.key" "$work/another-shop/ca.key"
+tar -C "$work/another-shop" -cf "$work/another-shop.tar" ca.crt ca.key
+refuses "another shop's keys afterwards" "has keys of its own" on three create --keys "$work/another-shop.tar"
 works "the same authority" cmp "$work/one/etc/harrowby-server/ca.crt" "$work/three/etc/harrowby-server/ca.crt"
 
 # A disk that does not keep what was written.
