@@ -219,11 +219,13 @@ void PrivateCluster::demandStandby(bool demanded)
     sql(u"CHECKPOINT"_s); // by the process that tells the others whether to wait: it has read the setting then
 }
 
-void PrivateCluster::promote()
+std::chrono::steady_clock::time_point PrivateCluster::promote()
 {
     sql(u"SELECT pg_promote(false)"_s);
     await(u"SELECT pg_is_in_recovery()"_s, u"f"_s);
+    const auto promoted = std::chrono::steady_clock::now(); // before what takes a while below, and holds up nobody
     demandStandby(false);
+    return promoted;
 }
 
 void PrivateCluster::follow(PrivateCluster &primary)

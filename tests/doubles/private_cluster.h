@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <memory>
 
 class QProcess;
@@ -50,8 +51,8 @@ public:
     [[nodiscard]] std::unique_ptr<PrivateCluster> standby();
     /// Whether each write waits for a standby's confirmation.
     void demandStandby(bool demanded);
-    /// Makes this standby a primary and returns when it takes writes. It waits for no standby of its own.
-    void promote();
+    /// Makes this standby a primary, which waits for no standby of its own. Since when it takes writes.
+    std::chrono::steady_clock::time_point promote();
     /// Takes this one, which has ended in whatever way, back as the standby of `primary`; as after standby(), its
     /// writes wait for it.
     void follow(PrivateCluster &primary);

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void letsInWhomItIsTold();
     void writesWaitForTheStandby();
     void standbyTakesOver();
+    void standbyHasAllThatWasWrittenBeforeIt();
     void leavesNothingBehind_data();
     void leavesNothingBehind();
 };
@@ -174,6 +175,22 @@ void PrivateClusterTest::standbyTakesOver()
     first.promote();
     first.sql(u"INSERT INTO t VALUES (4)"_s);
     QCOMPARE(first.sql(u"SELECT substr(pg_walfile_name(pg_current_wal_lsn()), 1, 8)"_s), QStringList{u"00000003"_s});
+}
+
+/// Also what no write has waited for that came after it: the primary may go as soon as the standby is there.
+void PrivateClusterTest::standbyHasAllThatWasWrittenBeforeIt()
+{
+    PrivateCluster first;
+    first.start();
+    first.sql(u"CREATE TABLE t (a int)"_s);
+    const std::unique_ptr<PrivateCluster> second = first.standby();
+    first.kill9();
+    second->promote();
+    second->sql(u"INSERT INTO t SELECT generate_series(1, 200000)"_s); // confirmed by nobody
+    first.follow(*second);
+    second->kill9();
+    first.promote();
+    QCOMPARE(first.sql(u"SELECT count(*) FROM t"_s), QStringList{u"200000"_s});
 }
 
 void PrivateClusterTest::leavesNothingBehind_data()

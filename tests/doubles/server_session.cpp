@@ -18,8 +18,8 @@ constexpr Oid floatType = 701;
 constexpr Oid numericType = 1700;
 constexpr double firstInexact = 9007199254740992.0;
 
-/// Longest a lock is waited for: SQLite refuses it at once.
-constexpr auto sessionSettings = "SET search_path = harrowby, pg_catalog, sqlite; SET lock_timeout = '20ms'; "
+/// Longest a lock is waited for: SQLite refuses it at once, but a session that is left ends here a while later.
+constexpr auto sessionSettings = "SET search_path = harrowby, pg_catalog, sqlite; SET lock_timeout = '200ms'; "
                                  "SET client_min_messages = error";
 
 constexpr auto shopTables = "InventoryCategory, PurchaseCart, StockList, StoreSettings, SysUsage, Users"_L1;
@@ -136,10 +136,18 @@ std::optional<QStringList> ServerSession::rows(const QString &select, Columns co
     if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
         all = rowsOf(result, columns == Columns::First ? 1 : PQnfields(result), m_null);
     m_message = QString::fromUtf8(PQerrorMessage(handle)).simplified();
+    m_state = QByteArray(PQresultErrorField(result, PG_DIAG_SQLSTATE));
     PQclear(result);
     if (wasIdle && PQtransactionStatus(handle) == PQTRANS_INERROR)
         PQclear(PQexec(handle, "ROLLBACK")); // a transaction that was refused has not begun
     return all;
+}
+
+bool ServerSession::hasRefusedAValue() const
+{
+    constexpr auto otherKind = "42804";
+    constexpr auto tooLongForAnIndex = "54000";
+    return m_state.startsWith("22") || m_state == otherKind || m_state == tooLongForAnIndex;
 }
 
 QString inServersWords(const QString &statements)

@@ -125,7 +125,7 @@ private:
     [[nodiscard]] LentShop made();
     [[nodiscard]] bool isEmptied(ServerSession &session) const;
 
-    PrivateCluster m_cluster{{u"max_connections = 60"_s}};
+    PrivateCluster m_cluster{{u"max_connections = 60"_s, u"autovacuum = off"_s}}; // whose locks are no till's
     std::vector<LentShop> m_free;
     QStringList m_fingerprint;
     int m_made = 0;

@@ -43,11 +43,14 @@ public:
     void showNulls(const QString &text) { m_null = text; }
     /// Why the last call failed.
     [[nodiscard]] const QString &message() const { return m_message; }
+    /// Whether it failed as a column takes no such value: of another kind, out of range, too long.
+    [[nodiscard]] bool hasRefusedAValue() const;
 
 private:
     struct Connection;
     std::unique_ptr<Connection> m_connection;
     QString m_message;
+    QByteArray m_state; ///< SQLSTATE of the last call that failed
     QString m_null;
 };
 

@@ -40,6 +40,8 @@ public:
     void sql(const QString &statements) const;
     /// Runs statements; false when one failed.
     [[nodiscard]] bool trySql(const QString &statements) const;
+    /// Whether it was a server that takes no such value in that column.
+    [[nodiscard]] bool hasRefusedAValue() const { return m_shop && m_shop->session().hasRefusedAValue(); }
     /// Whether a transaction is open on the connections over the handle, or to the server; whether a result is.
     [[nodiscard]] bool isInTransaction() const;
     [[nodiscard]] bool isBeingRead() const;

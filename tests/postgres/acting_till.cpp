@@ -22,9 +22,24 @@ ActingTill::Times ActingTill::shortTimes()
     return times;
 }
 
+ActingTill::Times ActingTill::insistentTimes()
+{
+    Times times = shortTimes();
+    times.patience = {10s, 30s, 10s};
+    return times;
+}
+
+ActingTill::Times ActingTill::patientTimes()
+{
+    Times times;
+    times.waits.connecting = 20s;
+    times.waits.answer = 20s;
+    times.patience = {20s, 30s, 20s};
+    return times;
+}
+
 ActingTill::ActingTill(const QList<quint16> &ports, const QString &journalFolder, const Times &times) :
-    m_times(times), m_server(m_session, [this] { return connect(); }), m_journal(journalFolder),
-    m_actions(m_server, m_journal)
+    m_server(m_session, [this] { return connect(); }), m_journal(journalFolder), m_actions(m_server, m_journal)
 {
     QStringList hosts;
     QStringList numbers;
@@ -34,6 +49,14 @@ ActingTill::ActingTill(const QList<quint16> &ports, const QString &journalFolder
     }
     m_target.conninfo =
         u"host=%1 port=%2 user=postgres dbname=shop"_s.arg(hosts.join(u','), numbers.join(u',')).toUtf8();
+    setTimes(times);
+    m_actions.setResolvedHandler(
+        [this](const OpenAction &open, Actions::Outcome outcome) { m_told[open.what.toLongLong()] = outcome; });
+}
+
+void ActingTill::setTimes(const Times &times)
+{
+    m_times = times;
     m_times.waits.hook = [this](PgWaiting) {
         if (m_waiting)
             m_waiting();
@@ -42,8 +65,6 @@ ActingTill::ActingTill(const QList<quint16> &ports, const QString &journalFolder
     m_server.setPatience(times.patience);
     m_server.setBudget({times.waits.answer, times.waits.lock});
     m_server.setHook(m_times.waits.hook);
-    m_actions.setResolvedHandler(
-        [this](const OpenAction &open, Actions::Outcome outcome) { m_told[open.what.toLongLong()] = outcome; });
 }
 
 Result<void, PgError> ActingTill::connect()

@@ -23,12 +23,18 @@ public:
         PgWaits waits;
         postgres::ActionPatience patience;
     };
-    /// Short ones, for what is to fail soon.
+    /// For what is to be given up soon, and for that alone: a busy machine may need longer for anything.
     [[nodiscard]] static Times shortTimes();
+    /// Each answer is given up soon, and asked for again for long.
+    [[nodiscard]] static Times insistentTimes();
+    /// For what is to be done in the end.
+    [[nodiscard]] static Times patientTimes();
 
     /// `ports` of 127.0.0.1: the servers, or what stands before them.
     ActingTill(const QList<quint16> &ports, const QString &journalFolder, const Times &times = {});
 
+    /// For the writes to come, and for connecting.
+    void setTimes(const Times &times);
     /// Called again and again while the till waits.
     void setWaiting(std::function<void()> waiting) { m_waiting = std::move(waiting); }
 

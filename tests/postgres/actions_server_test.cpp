@@ -15,7 +15,6 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
 
 using namespace harrowby;
 using namespace harrowby::postgres;
@@ -61,8 +60,10 @@ private:
     }
     [[nodiscard]] std::unique_ptr<ActingTill> till(quint16 port) const
     {
-        return std::make_unique<ActingTill>(QList<quint16>{port}, journal(), ActingTill::shortTimes());
+        return std::make_unique<ActingTill>(QList<quint16>{port}, journal(), ActingTill::patientTimes());
     }
+    /// Until nothing of a sending is under way any more: each session ends on the server behind its last statement.
+    void awaitQuiet(ActingTill &last);
     /// A sale that the server gets when the till has long given up: it stays in the network.
     void sellIntoTheNetwork(ActingTill &till, Proxy &proxy, qint64 sale);
 
@@ -145,6 +146,14 @@ void ActionsServerTest::holdsWhatWasRead()
     QCOMPARE(timesSold(1), 1);
 }
 
+void ActionsServerTest::awaitQuiet(ActingTill &last)
+{
+    last.session().close();
+    m_cluster->await(u"select count(*) from pg_stat_activity "
+                     "where backend_type = 'client backend' and pid <> pg_backend_pid()"_s,
+                     u"0"_s);
+}
+
 // ---- the network
 
 void ActionsServerTest::needsOneRoundTrip()
@@ -179,6 +188,7 @@ void ActionsServerTest::sellsOnceOverASilentCable()
     Proxy proxy(m_cluster->port());
     const auto program = till(proxy.port());
     QCOMPARE(program->sell(1), Outcome::Done);
+    program->setTimes(ActingTill::insistentTimes());
     int waits = 0;
     program->setWaiting([&] {
         if (++waits == 12) // longer than one answer is waited for
@@ -197,9 +207,11 @@ void ActionsServerTest::sellIntoTheNetwork(ActingTill &till, Proxy &proxy, qint6
 {
     QCOMPARE(till.sell(0), Outcome::Done);
     proxy.goSilent();
+    till.setTimes(ActingTill::shortTimes());
     QCOMPARE(till.sell(sale), Outcome::Unknown);
     QVERIFY(till.actions().hasOpen());
     QCOMPARE(till.sell(99), Outcome::Refused); // nothing while it is not known
+    till.setTimes(ActingTill::patientTimes());
     QCOMPARE(timesSold(sale), 0);
 }
 
@@ -213,7 +225,7 @@ void ActionsServerTest::tellsUnknownAndThenTheTruth()
     QVERIFY(!program->actions().hasOpen());
     const Outcome told = program->told().at(1);
     QVERIFY(told == Outcome::Done || told == Outcome::Refused);
-    QTest::qWait(200); // whatever is still under way
+    awaitQuiet(*program);
     QCOMPARE(timesSold(1), told == Outcome::Done ? 1 : 0);
     QCOMPARE(timesSold(2), 1);
     QCOMPARE(timesSold(99), 0);
@@ -231,7 +243,7 @@ void ActionsServerTest::nextStartTellsTheTruth()
     QCOMPARE(program->sell(2), Outcome::Done);
     QCOMPARE(program->told().at(1), Outcome::Refused);
     proxy.speak();
-    QTest::qWait(200);
+    awaitQuiet(*program);
     QCOMPARE(timesSold(1), 0);
     QCOMPARE(timesSold(2), 1);
 }
@@ -240,15 +252,14 @@ void ActionsServerTest::sellsOnceByAnotherWay()
 {
     // As over a second line to the same server: the first sending is still in the network.
     Proxy proxy(m_cluster->port());
-    auto times = ActingTill::shortTimes();
-    ActingTill program({proxy.port(), m_cluster->port()}, journal(), times);
+    ActingTill program({proxy.port(), m_cluster->port()}, journal(), ActingTill::insistentTimes());
     QCOMPARE(program.sell(0), Outcome::Done);
     proxy.goSilent();
     const Outcome outcome = program.sell(1);
     QVERIFY(outcome == Outcome::Done);
     QCOMPARE(timesSold(1), 1);
     proxy.speak();
-    QTest::qWait(200);
+    awaitQuiet(program);
     QCOMPARE(timesSold(1), 1);
 }
 
@@ -258,6 +269,7 @@ void ActionsServerTest::goesOnAfterAServerThatHung()
 {
     const auto program = till(m_cluster->port());
     QCOMPARE(program->sell(1), Outcome::Done);
+    program->setTimes(ActingTill::insistentTimes());
     int waits = 0;
     program->setWaiting([&] {
         if (++waits == 12)
@@ -268,11 +280,13 @@ void ActionsServerTest::goesOnAfterAServerThatHung()
     QCOMPARE(timesSold(2), 1);
 
     program->setWaiting({});
+    program->setTimes(ActingTill::shortTimes());
     m_cluster->stop();
     QCOMPARE(program->sell(3), Outcome::Unknown);
     m_cluster->cont();
+    program->setTimes(ActingTill::patientTimes());
     QCOMPARE(program->sell(4), Outcome::Done);
-    QTest::qWait(200);
+    awaitQuiet(*program);
     QCOMPARE(timesSold(3), program->told().at(3) == Outcome::Done ? 1 : 0);
 }
 
@@ -281,10 +295,12 @@ void ActionsServerTest::refusesWhenNobodyIsThere()
     const auto program = till(m_cluster->port());
     QCOMPARE(program->sell(1), Outcome::Done);
     m_cluster->shutDown();
+    program->setTimes(ActingTill::shortTimes());
     const Actions::End end = program->write(ActingTill::saleOf(2));
     QCOMPARE(end.outcome, Outcome::Refused);
     QVERIFY(!program->actions().hasOpen());
     m_cluster->start();
+    program->setTimes(ActingTill::patientTimes());
     QCOMPARE(program->sell(3), Outcome::Done);
     QCOMPARE(timesSold(2), 0);
 }
@@ -292,6 +308,9 @@ void ActionsServerTest::refusesWhenNobodyIsThere()
 void ActionsServerTest::refusesWhatAnotherHolds()
 {
     const auto program = till(m_cluster->port());
+    auto times = ActingTill::patientTimes();
+    times.waits.lock = ActingTill::shortTimes().waits.lock;
+    program->setTimes(times);
     m_cluster->sql(u"begin; update harrowby.stock set pieces = pieces where item = 1"_s);
     const Actions::End end = program->write(ActingTill::saleOf(1));
     m_cluster->sql(u"rollback"_s);
@@ -313,8 +332,11 @@ void ActionsServerTest::sendsADeadlocksVictimAgain()
     m_cluster->sql(u"begin; "_s + take.arg(2));
     bool isTaken = false;
     program.setWaiting([&] {
-        if (!std::exchange(isTaken, true))
-            m_cluster->sql(take.arg(1) + u"; commit"_s); // returns when the till has given way
+        // Once the till has its first row, and waits for the second; not already while it connects.
+        if (isTaken || value(u"select count(*) from pg_locks where not granted"_s) == u"0"_s)
+            return;
+        isTaken = true;
+        m_cluster->sql(take.arg(1) + u"; commit"_s); // returns when the till has given way
     });
     Write write = ActingTill::saleOf(1);
     write.condition = (take.arg(1) + u';' + take.arg(2) + u';').toUtf8();
@@ -404,7 +426,7 @@ void ActionsServerTest::letsNothingOfAKilledProgramArriveLater()
     const int sold = value(u"select count(*) from harrowby.sold"_s).toInt() - 1;
     QVERIFY(sold == told || sold == told + 1);
     proxy.speak();
-    QTest::qWait(200);
+    awaitQuiet(*next);
     QCOMPARE(value(u"select count(*) from harrowby.sold"_s).toInt() - 1, sold);
 }
 

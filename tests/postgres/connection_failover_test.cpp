@@ -162,16 +162,22 @@ void ConnectionFailoverTest::nextStartResolves()
 /// Two writes that wait for each other's rows: the one that the server gives up is sent again.
 void ConnectionFailoverTest::deadlock()
 {
-    const auto till = connect(u"deadlock"_s);
+    PostgresOptions options;
+    options.stateFolder = m_folder.filePath(u"deadlock"_s);
+    options.silence = 30s; // so that no lock is given up before the server has found the deadlock
+    options.lock = 30s;
+    const auto till = std::make_shared<PostgresConnection>(m_primary->conninfo(), options);
     QVERIFY(!till->open());
+    // Each goes on once both have their first row, also when it is sent again.
     m_primary->sql(
-        u"create function collide() returns trigger language plpgsql as $$ begin perform pg_sleep(0.2); update "
-        "harrowby.StockList set StockCost = 1 where StockID <> new.StockID; return new; end $$; create trigger "
+        u"create function collide() returns trigger language plpgsql as $$ begin perform pg_advisory_lock_shared(7); "
+        "while (select count(*) from pg_locks where locktype = 'advisory' and mode = 'ShareLock') < 2 loop perform "
+        "pg_sleep(0.01); end loop; update harrowby.StockList set StockCost = 1 where StockID <> new.StockID; return "
+        "new; end $$; create trigger "
         "collide after update on harrowby.StockList for each row when (pg_trigger_depth() = 0) execute function "
         "collide()"_s);
     std::atomic<bool> isDone = false;
-    std::jthread other([&] {
-        PostgresOptions options;
+    std::jthread other([&, options]() mutable {
         options.stateFolder = m_folder.filePath(u"deadlock2"_s);
         const auto second = std::make_shared<PostgresConnection>(m_primary->conninfo(), options);
         isDone = Execute(second, statements::raiseStock(5, u"2"_s));
@@ -179,6 +185,7 @@ void ConnectionFailoverTest::deadlock()
     QVERIFY(Execute(till, statements::raiseStock(5, u"1"_s)));
     other.join();
     QVERIFY(isDone);
+    QVERIFY(m_primary->log().contains(u"deadlock detected"));
     QCOMPARE(stockOf(*m_primary, u"1"_s), u"1005"_s);
     QCOMPARE(stockOf(*m_primary, u"2"_s), u"1005"_s);
 }

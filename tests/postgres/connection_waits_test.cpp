@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/postgres/connected_till.h"
+#include "tests/postgres/painted_gaps.h"
 #include "tests/program/test_program.h"
 
 #include "store/recordset.h"
@@ -66,14 +67,14 @@ void ConnectionWaitsTest::failsWhileItIsAway()
     DbRecordset item;
     item.Open(statements::stockById(u"1"_s), m_connection);
     QVERIFY(item.HasFailed());
-    QVERIFY(took.elapsed() < 4'000);
+    QVERIFY(took.elapsed() < 10'000);
     took.restart();
     for (int i = 0; i < 10; ++i) { // of the same action: not waited for again
         item.Open(statements::stockById(u"1"_s), m_connection);
         QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
         QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
     }
-    QVERIFY(took.elapsed() < 500);
+    QVERIFY(took.elapsed() < 2'000);
     QCOMPARE(m_server->failures.size(), 21u);
     QVERIFY(std::all_of(m_server->failures.begin(), m_server->failures.end(),
                         [](const DbFailure &failure) { return failure.engineState.startsWith(u"08"_s); }));
@@ -88,15 +89,19 @@ void ConnectionWaitsTest::failsWhileItIsAway()
 void ConnectionWaitsTest::anothersLock()
 {
     QVERIFY(!m_connection->open());
-    int calls = 0;
-    m_connection->setWaitHook([&](const DbWait &) { return ++calls > 0; });
+    PaintedGaps gaps;
+    m_connection->setWaitHook([&](const DbWait &) {
+        gaps.paint();
+        return true;
+    });
     m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
     m_connection->beginAction();
+    gaps.begin();
     QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
     QCOMPARE(m_server->failures.size(), 1u);
     QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
-    QVERIFY(calls > 0);
+    QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
     m_server->cluster.sql(u"rollback"_s);
     m_connection->beginAction();
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
@@ -128,7 +133,8 @@ void ConnectionWaitsTest::locksOfAnActionTogether()
     took.restart();
     QVERIFY(!till.Execute(statements::raiseStock(1, u"1"_s).sql()));
     m_server->cluster.sql(u"rollback"_s);
-    QVERIFY2(took.elapsed() < 3'500, qPrintable(QString::number(took.elapsed()))); // 1,500 are left
+    // 1,500 are left, where a time of its own would have 5,000.
+    QVERIFY2(took.elapsed() < 4'500, qPrintable(QString::number(took.elapsed())));
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
 }
 
@@ -137,23 +143,21 @@ void ConnectionWaitsTest::stoppedServer()
 {
     QVERIFY(!m_connection->open());
     m_connection->beginAction();
-    QElapsedTimer painted;
-    painted.start();
-    qint64 longest = 0;
+    PaintedGaps gaps;
     m_connection->setWaitHook([&](const DbWait &wait) {
-        longest = std::max(longest, painted.restart());
+        gaps.paint();
         return !wait.mayGiveUp;
     });
     m_server->cluster.stop();
     QElapsedTimer took;
     took.start();
-    painted.restart();
+    gaps.begin();
     DbRecordset item;
     item.Open(statements::stockById(u"1"_s), m_connection);
     m_server->cluster.cont();
     QVERIFY(item.HasFailed());
-    QVERIFY2(took.elapsed() < 4'000, qPrintable(QString::number(took.elapsed())));
-    QVERIFY2(longest <= 200, qPrintable(QString::number(longest))); // 50 ms, and what a busy machine adds
+    QVERIFY2(took.elapsed() < 10'000, qPrintable(QString::number(took.elapsed())));
+    QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
     m_connection->beginAction();
     item.Open(statements::stockById(u"1"_s), m_connection);
     QCOMPARE(item.RecordCount(), 1);
@@ -178,7 +182,7 @@ void ConnectionWaitsTest::silentCable()
     DbRecordset item;
     item.Open(statements::stockById(u"1"_s), m_connection);
     QVERIFY(item.HasFailed());
-    QVERIFY2(took.elapsed() < 4'000, qPrintable(QString::number(took.elapsed())));
+    QVERIFY2(took.elapsed() < 10'000, qPrintable(QString::number(took.elapsed())));
     QCOMPARE(m_server->failures.size(), 1u);
     cable.speak();
     m_connection->beginAction();

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void initTestCase();
     void init();
 
+    void usualTimes();
     void opensAStore();
     void whyItCannotBeOpened_data();
     void whyItCannotBeOpened();
@@ -72,6 +73,21 @@ void ServerEngineTest::initTestCase()
 void ServerEngineTest::init()
 {
     m_server->refill();
+}
+
+/// How long a shop waits for its server where nobody says otherwise.
+void ServerEngineTest::usualTimes()
+{
+    const PostgresOptions ofAHost;
+    QCOMPARE(ofAHost.connecting, 2s);
+    QCOMPARE(ofAHost.silence, 5s);
+    QCOMPARE(ofAHost.lock, 10s);
+    QCOMPARE(ofAHost.rest, 60s);
+    const ServerOptions ofTheProgram;
+    QCOMPARE(ofTheProgram.connecting, 2s);
+    QCOMPARE(ofTheProgram.silence, 5s);
+    QCOMPARE(ofTheProgram.lock, 10s);
+    QCOMPARE(ofTheProgram.rest, 60s);
 }
 
 ServerOptions ServerEngineTest::options()

@@ -29,8 +29,8 @@ PostgresOptions ServerFixture::options()
     PostgresOptions options;
     options.stateFolder = m_folder.filePath(QString::number(++m_folders));
     options.location = u"/opt/shop"_s;
-    options.connecting = 1000ms;
-    options.silence = 1000ms;
+    options.connecting = 2'000ms;
+    options.silence = 2'000ms;
     options.lock = 400ms;
     options.rest = 20'000ms;
     return options;

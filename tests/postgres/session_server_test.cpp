@@ -21,7 +21,10 @@ using Step = PgRows::Step;
 namespace {
 
 const PgWaits patient{60s, 60s, 60s, 60s, {}};
-const PgWaits shop{2s, 500ms, 400ms, 10s, {}};
+/// A silent server is given up soon.
+const PgWaits shop{20s, 500ms, 400ms, 10s, {}};
+/// For what is to be answered in such a session.
+const PgBudget patience{60s, 60s};
 
 PgTarget target(const PrivateCluster &cluster)
 {
@@ -60,7 +63,7 @@ PgError errorOf(const Result<void, PgError> &result)
 
 QByteArray one(PgSession &session, const QByteArray &select)
 {
-    const Result<PgResults, PgError> results = session.run(select);
+    const Result<PgResults, PgError> results = session.run(select, patience);
     return results ? results->back().text(0, 0).toByteArray() : results.error().text.toUtf8();
 }
 
@@ -261,7 +264,7 @@ void SessionServerTest::anotherTillsLockIsWaitedFor()
     QCOMPARE(one(session, "begin; select units from stock where id = 1 for update"), "100");
     QCOMPARE(locks, 3);
     QVERIFY(session.isInTransaction());
-    QVERIFY(session.run("update stock set units = units - 1 where id = 1; commit"));
+    QVERIFY(session.run("update stock set units = units - 1 where id = 1; commit", patience));
 
     QVERIFY(holder.run("begin; select units from stock where id = 1 for update"));
     const PgError error = errorOf(session.run("update stock set units = 0 where id = 1", {400ms, 700ms}));
@@ -276,7 +279,10 @@ void SessionServerTest::aDeadlockIsResolved()
 {
     PgSession first = connected(target(*m_cluster), patient);
     PgSession second = connected(target(*m_cluster), patient);
-    const QByteArray text("update stock set units = units - 1 where id = %1; select pg_sleep(0.3);"
+    // Each goes on once both have their first row, also when it is sent again.
+    const QByteArray text("update stock set units = units - 1 where id = %1; select pg_advisory_lock_shared(7);"
+                          "do $$ begin while (select count(*) from pg_locks where locktype = 'advisory') < 2 loop "
+                          "perform pg_sleep(0.01); end loop; end $$;"
                           "update stock set units = units - 1 where id = %2");
     bool isOtherDone = false;
     std::thread other(
@@ -285,6 +291,7 @@ void SessionServerTest::aDeadlockIsResolved()
     other.join();
     QVERIFY(results);
     QVERIFY(isOtherDone);
+    QVERIFY(m_cluster->log().contains(u"deadlock detected"));
     QCOMPARE(m_cluster->sql(u"select units from harrowby.stock order by id"_s), (QStringList{u"98"_s, u"98"_s}));
 }
 
@@ -359,7 +366,7 @@ void SessionServerTest::aStandbyIsAskedForConfirmation()
     const std::unique_ptr<PrivateCluster> standby = m_cluster->standby();
     PgSession session = connected(target({standby.get(), m_cluster.get()}), shop);
     QCOMPARE(session.server().port, QByteArray::number(m_cluster->port()));
-    QVERIFY(session.run("update stock set units = 99 where id = 1"));
+    QVERIFY(session.run("update stock set units = 99 where id = 1", patience));
     standby->stop();
     const PgError silent = errorOf(session.run("update stock set units = 98 where id = 1"));
     QCOMPARE(silent.kind, Kind::TimedOut); // and goes on waiting on the server, where nobody has ended it
@@ -367,7 +374,7 @@ void SessionServerTest::aStandbyIsAskedForConfirmation()
 
     // An administrator who ends such a wait makes a success of it, with a warning.
     PgWaits waits = patient;
-    bool isAsked = false;
+    bool isAsked = true; // from the write on
     waits.hook = [this, &isAsked](PgWaiting) {
         if (!std::exchange(isAsked, true))
             m_cluster->await(u"select count(pg_cancel_backend(pid)) from pg_stat_activity "
@@ -378,6 +385,7 @@ void SessionServerTest::aStandbyIsAskedForConfirmation()
     PgTarget second = target(*m_cluster);
     second.programName = "second";
     QVERIFY(session.connect(second, waits));
+    isAsked = false;
     const PgError error = errorOf(session.run("update stock set units = 50 where id = 2"));
     QCOMPARE(error.kind, Kind::NotConfirmed);
     QVERIFY(error.mayBeDone);

@@ -155,9 +155,9 @@ void SessionTest::whatComesBeginsTheTimeAnew()
     Answer slow{{ScriptedServer::done("SET") + rows.first(20), rows.sliced(20, 9), rows.sliced(29, 9), rows.sliced(38),
                  ScriptedServer::done() + ScriptedServer::ready()},
                 Then::Wait,
-                100}; // one result, in pieces
+                300}; // one result, in pieces
     Desk desk(slow);
-    QVERIFY(desk.session.run("select", {400ms, 60s})); // of 500 in all
+    QVERIFY(desk.session.run("select", {1'200ms, 60s})); // of 1,500 in all
 }
 
 void SessionTest::whoWaitsMayGiveUp()

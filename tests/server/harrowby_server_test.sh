@@ -98,20 +98,21 @@ settle_in() {
     mkdir -p "$work/home-$1"
     HOME=$work/home-$1 XDG_CONFIG_HOME='' sh "$2/install"
 }
+# Each port is given once: from a start of this run's own it is counted up, as a port that is free may be another's soon.
+printf '%d' $((20000 + RANDOM % 10000)) >"$work/ports"
 free_port() {
     local port
-    while :; do
-        port=$((20000 + RANDOM % 10000))
-        (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null || break
-    done
+    port=$(<"$work/ports")
+    while (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null; do port=$((port + 1)); done
+    printf '%d' $((port + 1)) >"$work/ports"
     printf '%s' "$port"
 }
-# The first of three.
+# The first of three in a row.
 free_ports() {
-    local first
+    local first second third
     while :; do
-        first=$(free_port)
-        (exec 3<>"/dev/tcp/127.0.0.1/$((first + 1))") 2>/dev/null || (exec 3<>"/dev/tcp/127.0.0.1/$((first + 2))") 2>/dev/null || break
+        first=$(free_port) second=$(free_port) third=$(free_port)
+        [ $((third - first)) -ne 2 ] || break
     done
     printf '%s' "$first"
 }
