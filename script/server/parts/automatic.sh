@@ -34,10 +34,11 @@ member() {
     printf '%s=%s,%s' "$name" "$address" "$port"
 }
 
+# Again before the server is handed over, it writes the files once more.
 name_members() {
-    local one name
+    local one name begun_with=${auto[members]:-}
     need_primary
-    ! is_voter || die "this server is automatic already. A machine in place of another one: automatic --anew NAME"
+    ! is_automatic || die "this server is automatic already. A machine in place of another one: automatic --anew NAME"
     (($# >= 2 && $# % 2 == 0)) || die "it takes three voters (or five): name two other machines, of which one may be a till.
     Of two, neither can know whether the other one is dead or only the cable between them"
     auto[name]=${machine[name]}
@@ -51,10 +52,12 @@ name_members() {
         auto[members]+=" $one"
         ! is_followed_by "$name" || auto[stores]+=" $name"
     done
+    [ -z "$begun_with" ] || [ "$begun_with" = "${auto[members]}" ] ||
+        die "this was begun with $begun_with. With other machines: first harrowby-server automatic --off"
     [ "${auto[stores]}" != "${machine[name]}" ] || die "none of these is a standby that is up to date: harrowby-server standby comes first"
     [ "$(sql -c 'select harrowby.protection()')" = protected ] || die "the standby has to be relied on first: harrowby-server status"
     need_choice
-    auto[token]=$(random_word)
+    : "${auto[token]:=$(random_word)}"
     auto[born]=new
     need_programs store
     save_automatic
@@ -112,20 +115,21 @@ port_of() { sql -v name="$1" -f - <<<"select coalesce((select port from harrowby
 
 # In place of a machine that will not come back, or of what it has lost.
 invite_anew() {
-    local name=${1%%=*} number
+    local name=${1%%=*} number was
     need_primary
     is_automatic || die "this server is not automatic"
     [ -n "$(where_is "$name")" ] || die "there is no machine $name among: $(member_names | paste -sd ' ')"
     [ "$name" != "${auto[name]}" ] || misused "$name is this machine"
     ! voter_answers "$name" || die "$name answers: it is there. Switch it off first, if another one is to take its place"
     voters_agree || die "the voters do not agree: more than half of them have to be there"
+    was=$(url "$name" 1) # by which the voters know one that was never there
     if [[ $1 == *=* ]]; then
         auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$(member "$1")/" | paste -sd ' ')
         ! has_store "$name" || sql -v name="$name" -v address="$(where_is "$name" | cut -d , -f 1)" -f - >/dev/null <<'SQL'
 update harrowby_server.host set address = :'address' where name = :'name';
 SQL
     fi
-    number=$(vote member list | awk -F ', ' -v name="$name" -v url="$(url "$name" 1)" '$3 == name || $4 == url { print $1 }')
+    number=$(vote member list | awk -F ', ' -v name="$name" -v was="$was" '$3 == name || $4 == was { print $1 }')
     [ -z "$number" ] || vote member remove "$number" >/dev/null || die "the voters do not let $name go"
     vote member add "$name" --peer-urls "$(url "$name" 1)" >/dev/null || die "the voters do not take $name"
     save_automatic
@@ -207,11 +211,11 @@ has_data() { [ -f "$data/PG_VERSION" ]; }
 # ---- on each
 
 go_on() {
+    ! is_half_made || die "this machine's part was broken off: harrowby-server automatic FILE once more"
     load_automatic
     start_own_voter
     patiently "Waiting for more voters: on the other machines, harrowby-server automatic FILE ..." has_joined
     if ! has_store "${auto[name]}"; then
-    ! is_half_made || die "this machine's part was broken off: harrowby-server automatic FILE once more"
         say "This machine is a voter."
     elif is_automatic || is_standby || ! has_data; then
         go_on_as_standby
@@ -326,25 +330,36 @@ leave_automatic() {
     say "This machine is not automatic any more."
 }
 
+# A second try finds it stopped: that it was the server, and who followed it, is written down first.
 leave_store() {
     local names=''
-    is_standby || names=$(sql -c "select string_agg(format('\"%s\"', application_name), ',' order by application_name)
-        from pg_stat_replication where state = 'streaming' and application_name in (select name from harrowby_server.host)")
+    [ -f "$etc/leaving" ] || is_standby || ! is_running || { has_leader && ! is_leader; } ||
+        sql -c "select string_agg(format('\"%s\"', application_name), ',' order by application_name)
+        from pg_stat_replication where state = 'streaming' and application_name in (select name from harrowby_server.host)" |
+        put "$etc/leaving" 644 "$(id -un)"
     no_longer harrowby-patroni
     stop_server
     [ ! -f "$conf/postgresql.base.conf" ] || mv "$conf/postgresql.base.conf" "$conf/postgresql.conf"
     put "$conf/start.conf" 644 "$owner" <<<auto
-    rm -f "$etc/patroni.yml" "$conf/keeper.pgpass" "$conf/conf.d/handing-over.conf"
+    rm -f "$conf/keeper.pgpass" "$conf/conf.d/handing-over.conf"
+    # It was stopped when it came to this: another one may have been the server since, so a person has to promote it.
+    is_standby || [ -f "$etc/leaving" ] || ! has_data || as_owner touch "$data/standby.signal"
     write_settings
-    start_server
-    is_standby || sql_in_postgres -c "select pg_drop_replication_slot(slot_name) from pg_replication_slots
-        where not active and slot_name not like 'standby\_%'" >/dev/null # they would keep the log for nobody
     if is_standby; then
+        (start_server) || warn "it is no standby as long as it does not start"
         rm -f "$etc/relied-on" # what the server does from now on, it lacks
         say "It is a standby still, but follows nobody: on the server harrowby-server standby --for ${machine[name]} …, here standby FILE"
-    elif [ -n "$names" ]; then
-        sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
-    else
-        remark_alone
+        say "Where no other one is left that has sold since: harrowby-server promote --without-what-it-lacks"
+    elif has_data; then
+        start_server
+        sql_in_postgres -c "select pg_drop_replication_slot(slot_name) from pg_replication_slots
+            where not active and slot_name not like 'standby\_%'" >/dev/null # they would keep the log for nobody
+        names=$(cat "$etc/leaving")
+        if [ -n "$names" ]; then
+            sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
+        else
+            remark_alone
+        fi
     fi
+    rm -f "$etc/patroni.yml" "$etc/leaving" # last: until then it is gone on with
 }

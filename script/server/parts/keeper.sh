@@ -96,6 +96,7 @@ bracketed() { if [[ $1 == *:* ]]; then printf '[%s]' "$1"; else printf '%s' "$1"
 
 # From now on it is Patroni that starts the server.
 start_keeper() {
+    rm -f "$etc/leaving" # it was thought better of
     write_keeper_settings
     [ ! -f "$conf/start.conf" ] || put "$conf/start.conf" 644 "$owner" <<<manual
     keep_running harrowby-patroni "$owner" "Keeper of the shop's server" "$(command -v patroni)" "$etc/patroni.yml"

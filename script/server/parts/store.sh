@@ -6,6 +6,8 @@ do_create() {
     ((${#rest[@]} == 0)) || misused "create takes no '${rest[0]}'"
     ! is_standby || die "this machine is the standby of another one"
     need_server
+    ! is_voter || ! is_ours || [ "${opt[address]:-${machine[address]}}" = "${machine[address]}" ] ||
+        die "the machines know each other by their addresses. For another one first, on each: harrowby-server automatic --off"
     remember_choices
     make_cluster
     rm -f "$etc/making"

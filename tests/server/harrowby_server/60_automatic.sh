@@ -16,6 +16,9 @@ name_the_others() {
     on six automatic "seven=127.0.0.1,${votes[seven]}" "till=127.0.0.1,${votes[till]}" --port "${votes[six]}" --to "$work" "$@"
 }
 refuses "it has to be chosen" "--go-on-alone" name_the_others
+refuses "files that cannot be written" "No such file" name_the_others --go-on-alone --to "$work/none"
+refuses "other machines afterwards" "this was begun with six=" on six automatic "seven=127.0.0.1,${votes[seven]}" till=127.0.0.9 \
+    --port "${votes[six]}" --to "$work" --go-on-alone
 name_the_others --go-on-alone >"$work/out-six" 2>&1 &
 on_six=$!
 wait_for "the files for the others" 2 eval 'ls "$work"/automatic-*.tar | wc -l'
@@ -31,6 +34,7 @@ says "of the standby" "It is the standby of 127.0.0.1, streaming" on seven statu
 works "of the voter" on till status
 works "automatic again" on six automatic
 refuses "no standby by hand" "by themselves" on six standby --for eight --address 127.0.0.1
+refuses "nor another address" "automatic --off" on six create --address 127.0.0.2
 refuses "nor a restored store" "automatic --off" on six restore --from "$work"
 
 works "a till" eval 'on six add-till counter-6 --to "$work/till-6" && settle_in counter-6 "$work/till-6"'
@@ -79,7 +83,8 @@ works "one voter gone: it sells on" sell_on
 refuses "which is told" "The voter till does not answer" on six status
 refuses "it is there" "seven answers" on six automatic --anew seven
 rm -rf "${work:?}/till"
-works "a new machine in its place" eval 'on six automatic --anew till --to "$work" && on till automatic "$work/automatic-till.tar"'
+works "an address by mistake" on six automatic --anew till=127.0.0.3 --to "$work"
+works "a new machine in its place" eval 'on six automatic --anew "till=127.0.0.1,${votes[till]}" --to "$work" && on till automatic "$work/automatic-till.tar"'
 works "all voters" on till status
 kill "$selling" # which ends its sale
 works "none was refused" wait "$selling"
@@ -92,17 +97,35 @@ wait_for "nothing is confirmed" waiting protection six
 works "alone" on six alone
 wait_for "alone" alone protection six
 works "a sale" sells_soon w1
+says "the voters are told of where no server runs" "have made six the server" on seven status
 rm -rf "${work:?}/seven"
+install -d "$work/seven/etc/harrowby-server" "$work/seven/etc/postgresql/$version/harrowby"
+touch "$work/seven/etc/harrowby-server/making" # broken off
 works "a new machine with the store" eval 'on six automatic --anew seven --to "$work" && on seven automatic "$work/automatic-seven.tar"'
 wait_for "two machines again" protected protection six
 works "another sale" sells_soon w2
 is "on both" "w1 w2" sold seven
 
-works "by hand again" eval 'on seven automatic --off && on six automatic --off && on till automatic --off'
-install -d "$work/seven/etc/harrowby-server" "$work/seven/etc/postgresql/$version/harrowby"
-touch "$work/seven/etc/harrowby-server/making" # broken off
+# By hand again; one that was the server until another one took over is none.
+works "the other one is the server" on seven promote
+wait_for "two machines" protected protection seven
+works "and the voters know" on six automatic
+kill_machine seven
+works "a sale after it died" sells_soon w3
+works "it is switched on, and no more automatic" on seven automatic --off
+says "it does not sell" "is the standby" on seven add-till counter-7
+refuses "nor does it by mistake" "never caught up" on seven promote --other-is-off
+works "the third one" on till automatic --off
+HARROWBY_SERVER_ROOT=$work/six "$script" automatic --off >/dev/null 2>&1 &
+leaving=$!
+while kill -0 $leaving 2>/dev/null && [ -f "$(data_of six)/postmaster.pid" ]; do sleep 0.02; done
+kill -KILL $leaving
+wait $leaving 2>/dev/null
+works "it was broken off" test -f "$work/six/etc/harrowby-server/patroni.yml"
+[ ! -f "$(data_of six)/postmaster.pid" ] || kill_machine six
+works "the server, the last" on six automatic --off
 says "the server says since when it is alone" "It sells alone since 20" on six status
-works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar"'
+works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar" --take-back'
 is "as before" protected protection six
-works "a sale by hand" sells_soon w3
-is "on both again" "w1 w2 w3" sold seven
+works "a sale by hand" sells_soon w4
+is "on both again" "w1 w2 w3 w4" sold seven
