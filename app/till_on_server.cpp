@@ -109,7 +109,7 @@ bool readAgain()
 }
 
 int sellFromServer(const CommandLine &line, const QString &address, ServerStore &store, Records &records,
-                   FailureNotice &notice)
+                   const ServerWait &wait, FailureNotice &notice)
 {
     const std::shared_ptr<DbConnection> connection = store.connection();
     SaleFollower follower(Counter::instance(), notice);
@@ -129,6 +129,7 @@ int sellFromServer(const CommandLine &line, const QString &address, ServerStore 
     open.furnish = [&](Till &till) {
         followMissedStock(store, &till, notice);
         attendance.attend(till);
+        till.refuseCodesWhere([&wait](ServerWait::Milliseconds moment) { return wait.wentOnAt(moment); });
     };
     const int code = sellFrom(open, line, notice);
     followMissedStock(store, nullptr, notice);
@@ -161,7 +162,7 @@ Result<int, ExitCode> runTillOnServer(const CommandLine &line, const QString &st
     log.probe();
     if (const auto users = seeToFirstUser(*records, store); !users)
         return Unexpected(users.error());
-    const int code = sellFromServer(line, store, server, *records, notice);
+    const int code = sellFromServer(line, store, server, *records, wait, notice);
     server.setWaitHook({});
     return code;
 }

@@ -40,8 +40,12 @@ void CodeReaders::listen(const ReaderDevice &device)
             [this, path] { Q_EMIT readerFound(path, u"The code reader \"%1\" is there again."_s.arg(nameOf(path))); });
 }
 
-void CodeReaders::take(const QString &code)
+void CodeReaders::take(const QString &code, std::chrono::milliseconds at)
 {
+    if (m_wasWaiting && m_wasWaiting(at)) {
+        Q_EMIT codeRefused(Refusal::Waiting);
+        return;
+    }
     if (QApplication::activeModalWidget() != nullptr) {
         Q_EMIT codeRefused(Refusal::BoxOpen);
         return;

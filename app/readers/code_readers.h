@@ -5,7 +5,9 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <functional>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -17,10 +19,16 @@ class CodeReaders final : public QObject
     Q_OBJECT
 
 public:
-    enum class Refusal { BoxOpen, TooLong };
+    enum class Refusal { BoxOpen, TooLong, Waiting };
     Q_ENUM(Refusal)
 
+    /// Whether the window took no input at this moment of the steady clock.
+    using WasWaiting = std::function<bool(std::chrono::milliseconds)>;
+
     explicit CodeReaders(const QList<ReaderDevice> &devices, QObject *parent = nullptr);
+
+    /// What is scanned while the window waits is refused, as it would be sold when nobody expects it any more.
+    void refuseWhere(WasWaiting wasWaiting) { m_wasWaiting = std::move(wasWaiting); }
 
 Q_SIGNALS:
     void codeRead(const QString &code);
@@ -31,7 +39,9 @@ Q_SIGNALS:
 
 private:
     void listen(const ReaderDevice &device);
-    void take(const QString &code);
+    void take(const QString &code, std::chrono::milliseconds at);
+
+    WasWaiting m_wasWaiting;
 };
 
 } // namespace harrowby::app

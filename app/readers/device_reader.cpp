@@ -95,6 +95,11 @@ DeviceReader::Hold holderOf(const ReaderDevice &device)
     return [baud = device.baud](int descriptor) { return holdSerial(descriptor, baud); };
 }
 
+std::chrono::milliseconds steadyNow()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
 QString wordsOf(int error)
 {
     if (error == EBUSY || error == EWOULDBLOCK)
@@ -198,7 +203,7 @@ private:
             if (outcome.tooLong)
                 Q_EMIT m_reader.tooLong();
             else
-                Q_EMIT m_reader.codeRead(outcome.code);
+                Q_EMIT m_reader.codeRead(outcome.code, steadyNow());
         });
     }
 

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -34,7 +35,8 @@ public:
     [[nodiscard]] const ReaderDevice &device() const { return m_device; }
 
 Q_SIGNALS:
-    void codeRead(const QString &code);
+    /// `at`: when it was complete, on the steady clock.
+    void codeRead(const QString &code, std::chrono::milliseconds at);
     void tooLong();
     /// Once, until it is found again; also when it is not there from the start.
     void lost(const QString &why);

@@ -8,6 +8,15 @@
 
 namespace harrowby::app {
 
+namespace {
+
+std::chrono::milliseconds timeOf(const QInputEvent &event)
+{
+    return std::chrono::milliseconds(static_cast<qint64>(event.timestamp()));
+}
+
+} // namespace
+
 InputDam::InputDam(QObject *parent) : QObject(parent) {}
 
 std::chrono::milliseconds InputDam::now()
@@ -33,11 +42,11 @@ void InputDam::timerEvent(QTimerEvent *event)
 }
 
 /// X servers count in 32 bits.
-bool InputDam::isWithin(quint64 time) const
+bool InputDam::isWithin(std::chrono::milliseconds time) const
 {
     const auto begin = static_cast<quint32>(m_begin.count());
     const auto end = static_cast<quint32>(m_end.count());
-    return time != 0 && static_cast<quint32>(time) - begin <= end - begin;
+    return time.count() != 0 && static_cast<quint32>(time.count()) - begin <= end - begin;
 }
 
 bool InputDam::eventFilter(QObject *watched, QEvent *event)
@@ -46,7 +55,7 @@ bool InputDam::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: {
         const auto *press = static_cast<QMouseEvent *>(event);
-        m_kept.setFlag(press->button(), isWithin(press->timestamp()));
+        m_kept.setFlag(press->button(), isWithin(timeOf(*press)));
         return m_kept.testFlag(press->button());
     }
     case QEvent::MouseButtonRelease: {
@@ -58,7 +67,7 @@ bool InputDam::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Wheel:
     case QEvent::TouchBegin:
     case QEvent::TabletPress:
-        if (!isWithin(static_cast<QInputEvent *>(event)->timestamp()))
+        if (!isWithin(timeOf(*static_cast<QInputEvent *>(event))))
             break;
         event->accept(); // of a ShortcutOverride: no shortcut either
         return true;

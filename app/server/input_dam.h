@@ -23,6 +23,9 @@ public:
     /// with it where the event loop has not yet come to all that was pressed within that.
     void hold(std::chrono::milliseconds begin, std::chrono::milliseconds end);
 
+    /// Whether this moment lies within the period.
+    [[nodiscard]] bool isWithin(std::chrono::milliseconds time) const;
+
     [[nodiscard]] static std::chrono::milliseconds now();
 
 protected:
@@ -30,8 +33,6 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    [[nodiscard]] bool isWithin(quint64 time) const;
-
     QBasicTimer m_untilIdle; ///< runs while something of the period may still lie in the queue
     std::chrono::milliseconds m_begin{0};
     std::chrono::milliseconds m_end{0};

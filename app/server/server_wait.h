@@ -34,6 +34,8 @@ public:
 
     /// The hook: false when the person has given up.
     [[nodiscard]] bool goesOn(const DbWait &wait);
+    /// At this moment of the steady clock, in the latest wait that was shown.
+    [[nodiscard]] bool wentOnAt(Milliseconds moment) const { return m_dam.isWithin(moment); }
 
 private:
     [[nodiscard]] WaitWords wordsOf(const DbWait &wait) const;

@@ -157,8 +157,14 @@ void CodeSeller::tellRefusal(Counter::CodeRefusal why)
 
 void CodeSeller::tellDeviceRefusal(CodeReaders::Refusal why)
 {
-    const bool isLong = why == CodeReaders::Refusal::TooLong;
-    refuse(isLong ? tooLong() : boxIsOpen());
+    switch (why) {
+    case CodeReaders::Refusal::BoxOpen:
+        return refuse(boxIsOpen());
+    case CodeReaders::Refusal::TooLong:
+        return refuse(tooLong());
+    case CodeReaders::Refusal::Waiting:
+        return refuse(u"A code was not taken, as the server was being waited for. Scan it again."_s);
+    }
 }
 
 void CodeSeller::refuse(const QString &text)

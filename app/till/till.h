@@ -18,6 +18,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace harrowby::app {
 
@@ -38,6 +39,8 @@ public:
     [[nodiscard]] Payments &payments() { return m_payments; }
     [[nodiscard]] DrawerDesk &drawer() { return m_drawer; }
     [[nodiscard]] MissedStock &missedStock() { return m_missedStock; }
+    /// See CodeReaders::refuseWhere().
+    void refuseCodesWhere(CodeReaders::WasWaiting wasWaiting) { m_readers->refuseWhere(std::move(wasWaiting)); }
 
 private:
     void takeCodes(const OfficeSettings &settings);

@@ -11,10 +11,12 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <linux/input.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 
@@ -96,7 +98,7 @@ public:
     Heard(const DeviceReader *reader, void (DeviceReader::*signal)(Arguments...))
     {
         QObject::connect(reader, signal, &m_here,
-                         [this](const Arguments &...arguments) { m_texts << QString((QString() + ... + arguments)); });
+                         [this](const Arguments &...arguments) { m_texts << textOf(arguments...); });
     }
 
     [[nodiscard]] const QStringList &all() const { return m_texts; }
@@ -105,9 +107,21 @@ public:
     void clear() { m_texts.clear(); }
 
 private:
+    [[nodiscard]] static QString textOf() { return {}; }
+    template <typename... Others>
+    [[nodiscard]] static QString textOf(const QString &text, const Others &...)
+    {
+        return text;
+    }
+
     QStringList m_texts;
     QObject m_here;
 };
+
+std::chrono::milliseconds steadyNow()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
 
 QStringList texts(const Heard &heard)
 {
@@ -153,6 +167,7 @@ private Q_SLOTS:
     void inputDeviceOfAnother();
     void missingFromTheStart();
     void whereCodesGo();
+    void codesOfAWaitAreRefused();
 
 private:
     QTemporaryDir m_folder;
@@ -399,6 +414,26 @@ void ReadersTest::whereCodesGo()
     QVERIFY(box.isVisible());
     QCOMPARE(read.size(), 1);
     QCOMPARE(entered.size(), 0);
+}
+
+/// They come out of the queue when the wait is over.
+void ReadersTest::codesOfAWaitAreRefused()
+{
+    const QString path = m_folder.filePath(u"waiting"_s);
+    const SerialReader line(path);
+    CodeReaders readers({{ReaderKind::Serial, path}});
+    QSignalSpy read(&readers, &CodeReaders::codeRead);
+    QList<CodeReaders::Refusal> refused;
+    connect(&readers, &CodeReaders::codeRefused, this, [&](CodeReaders::Refusal why) { refused << why; });
+    begin(line, read);
+    const auto begun = steadyNow();
+    QVERIFY(line.send("4006\r"));
+    QThread::msleep(300); // the window waits, its reader does not
+    const auto over = steadyNow();
+    readers.refuseWhere([&](std::chrono::milliseconds at) { return at >= begun && at < over; });
+    QVERIFY(line.send("5901\r"));
+    QTRY_COMPARE_WITH_TIMEOUT(texts(read), QStringList{u"5901"_s}, patience);
+    QCOMPARE(refused, QList{CodeReaders::Refusal::Waiting});
 }
 
 HARROWBY_TEST(app_readers_test, ReadersTest)

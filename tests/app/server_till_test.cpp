@@ -351,6 +351,8 @@ void ServerTillTest::waitsOfOneHandlerAreOnePeriod()
     type(u"b"_s, 500ms);
     type(u"c"_s, 1010ms);
     QCOMPARE(entry.text(), QString());
+    QVERIFY(till.wait.wentOnAt(1h + 500ms)); // so that a named reader's code is refused, too
+    QVERIFY(!till.wait.wentOnAt(1h + 1500ms));
     QTest::qWait(50); // the event loop has come to all of it
     for (const auto moment : {3000ms, 3050ms})
         QVERIFY(till.at(moment));
