@@ -71,6 +71,11 @@ bool InputDam::eventFilter(QObject *watched, QEvent *event)
             break;
         event->accept(); // of a ShortcutOverride: no shortcut either
         return true;
+    case QEvent::Close: // says no time
+        if (!event->spontaneous() || !m_untilIdle.isActive())
+            break;
+        event->ignore();
+        return true;
     default:
         break;
     }

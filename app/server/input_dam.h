@@ -9,7 +9,8 @@
 namespace harrowby::app {
 
 /// Keeps out what was pressed and typed while the program was waiting: it lies in the queue when the event loop runs
-/// again, and would hit what has come up meanwhile. The release of a button or key that was pressed before passes.
+/// again, and would hit what has come up meanwhile; so would a window's being closed. The release of a button or key
+/// that was pressed before passes.
 ///
 /// The times of input events are the X server's or the compositor's, which on one machine are the steady clock's.
 class InputDam final : public QObject

@@ -10,6 +10,7 @@
 
 #include <harrowby/counter.h>
 
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,6 +18,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QtTest/qtestspontaneevent.h>
 
 #include <memory>
 
@@ -45,6 +47,7 @@ private Q_SLOTS:
     void whatIsPressedDuringAWaitIsLost();
     void whatIsTypedDuringAWaitIsLost();
     void waitsOfOneHandlerAreOnePeriod();
+    void windowIsNotClosedByWhatWasPressedDuringAWait();
     void cartOfWhichNothingWasWrittenComesBack();
     void cartOfALogoutComesBackWithTheNextLogin();
     void linesThatWereNotWrittenAreTold();
@@ -360,6 +363,25 @@ void ServerTillTest::waitsOfOneHandlerAreOnePeriod()
     type(u"e"_s, 3010ms);
     type(u"f"_s, 4000ms);
     QCOMPARE(entry.text(), u"df"_s);
+}
+
+void ServerTillTest::windowIsNotClosedByWhatWasPressedDuringAWait()
+{
+    QWidget window;
+    window.show();
+    const auto close = [&window](bool byTheWindowManager) {
+        QCloseEvent event;
+        if (byTheWindowManager)
+            QSpontaneKeyEvent::setSpontaneous(&event);
+        QCoreApplication::instance()->notify(&window, &event); // sendEvent() makes it the program's own
+        return event.isAccepted();
+    };
+    InputDam dam;
+    dam.hold(1000ms, 2000ms);
+    QVERIFY(!close(true));
+    QVERIFY(close(false)); // by the program itself
+    QTest::qWait(50);      // the event loop has come to what lay in its queue
+    QVERIFY(close(true));
 }
 
 static bool isOfTheSale(const QString &statement)
