@@ -56,12 +56,15 @@ Result<void, QString> makePrivateFolder(const QString &path)
     const QString folder = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
     if (QFileInfo(folder).isDir())
         return {};
-    if (const QString parent = QFileInfo(folder).path(); parent != folder) {
+    const QString parent = QFileInfo(folder).path();
+    if (parent != folder) {
         if (const auto made = makePrivateFolder(parent); !made)
             return made;
     }
-    if (::mkdir(QFile::encodeName(folder).constData(), privateFolderMode) == 0)
+    if (::mkdir(QFile::encodeName(folder).constData(), privateFolderMode) == 0) {
+        static_cast<void>(syncFolder(parent)); // a folder that cannot be read cannot be synced either
         return {};
+    }
     const int error = errno;
     if (QFileInfo(folder).isDir())
         return {}; // another program has created it meanwhile
@@ -116,6 +119,16 @@ Result<void, QString> writeToDisk(int descriptor, QByteArrayView bytes)
     if (::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)
         return {};
     return systemReason();
+}
+
+Result<void, QString> syncFolder(const QString &path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return systemReason();
+    auto synced = writeToDisk(descriptor, {});
+    ::close(descriptor);
+    return synced;
 }
 
 Result<void, QString> writePrivateFile(const QString &path, const QByteArray &bytes)

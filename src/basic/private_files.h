@@ -15,7 +15,8 @@ namespace harrowby {
 inline constexpr unsigned privateFileMode = 0600;
 inline constexpr unsigned privateFolderMode = 0700;
 
-/// Creates the folder and its missing parents with privateFolderMode; existing folders keep their mode.
+/// Creates the folder and its missing parents with privateFolderMode; existing folders keep their mode. What it
+/// creates lasts, where the parents can be read.
 [[nodiscard]] Result<void, QString> makePrivateFolder(const QString &path);
 
 /// Creates an empty file with privateFileMode. An existing one is not even opened: close() would drop the POSIX locks
@@ -30,6 +31,9 @@ inline constexpr unsigned privateFolderMode = 0700;
 [[nodiscard]] Result<void, QString> writeAll(int descriptor, QByteArrayView bytes);
 /// The same, then fsync().
 [[nodiscard]] Result<void, QString> writeToDisk(int descriptor, QByteArrayView bytes);
+
+/// Makes what was created, renamed or removed in a folder last.
+[[nodiscard]] Result<void, QString> syncFolder(const QString &path);
 
 /// Creates or replaces a file atomically (temporary file, fsync, rename), with its missing folders. A new file gets
 /// privateFileMode; an existing one keeps its mode.

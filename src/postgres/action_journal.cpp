@@ -85,17 +85,6 @@ Result<void, QString> writeRecord(int descriptor, const QByteArray &bytes)
     return writeToDisk(descriptor, bytes);
 }
 
-/// Makes what was created, renamed or removed in a folder last.
-Result<void, QString> syncFolder(const QString &folder)
-{
-    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return systemReason();
-    auto synced = writeToDisk(descriptor, {});
-    ::close(descriptor);
-    return synced;
-}
-
 /// A file that is locked before others can see it under its name.
 Result<int, QString> makeLocked(const QString &path)
 {

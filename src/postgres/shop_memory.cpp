@@ -40,12 +40,7 @@ Result<void, QString> makeNote(const QString &folder, quint32 timeline)
     if (note < 0)
         return Unexpected(qt_error_string(errno));
     ::close(note);
-    const int entries = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (entries < 0)
-        return Unexpected(qt_error_string(errno));
-    auto synced = writeToDisk(entries, {});
-    ::close(entries);
-    return synced;
+    return syncFolder(folder);
 }
 
 } // namespace

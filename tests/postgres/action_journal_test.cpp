@@ -2,17 +2,21 @@
 #include "postgres/action_journal.h"
 
 #include "tests/program/test_program.h"
+#include "tests/support/failing_disk.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
+#include <functional>
 #include <memory>
 
 using namespace harrowby;
 using namespace harrowby::postgres;
 using namespace Qt::StringLiterals;
+namespace FailingDisk = harrowby::test::FailingDisk;
 
 /// Each ActionFolder stands for one program: its locks are its own.
 class ActionJournalTest : public QObject
@@ -30,11 +34,14 @@ private Q_SLOTS:
     void keepsItsSize();
     void isForItsOwnerAlone();
     void saysWhyItCannot();
+    void outlastsThisMachine();
     void makesUpForAFileThatCouldNotBeMade();
     void passesOverWhatIsNotItsOwn();
 
 private:
     [[nodiscard]] QString folder() const { return m_home->filePath(u"state/actions"_s); }
+    using Act = std::function<Result<void, QString>(ActionFolder &)>;
+    [[nodiscard]] QStringList stepsOnDisk(bool hasEntered, const Act &act);
     [[nodiscard]] QStringList files() const { return QDir(folder()).entryList(QDir::Files); }
     [[nodiscard]] QString file() const { return folder() + u'/' + files().value(0); }
 
@@ -196,6 +203,41 @@ void ActionJournalTest::saysWhyItCannot()
     journal.resolved();
     journal.leave(writer);
     QVERIFY(journal.leftBehind(Left::All).empty());
+}
+
+/// What it does on the disk, in its order: each step in turn is the one that fails.
+QStringList ActionJournalTest::stepsOnDisk(bool hasEntered, const Act &act)
+{
+    QStringList steps;
+    bool hasFailed = true;
+    for (int step = 1; hasFailed; ++step) {
+        init();
+        FailingDisk::mount(QFileInfo(m_home->path()).path());
+        ActionFolder journal(folder());
+        if (hasEntered && !journal.enter(writer))
+            return {};
+        FailingDisk::failAt(step, FailingDisk::Mode::Once, EIO);
+        const bool isTold = !act(journal);
+        hasFailed = FailingDisk::failures() > 0;
+        if (hasFailed)
+            steps << FailingDisk::firstFailure().replace(m_home->path(), u"HOME"_s) + (isTold ? u""_s : u" untold"_s);
+    }
+    FailingDisk::failAt(0, FailingDisk::Mode::Once, 0);
+    return steps;
+}
+
+/// A file has its bytes before it has its name, and each folder above it its entry.
+void ActionJournalTest::outlastsThisMachine()
+{
+    const QString name = u"HOME/state/actions/%1.writer"_s.arg(writer.toString(QUuid::WithoutBraces));
+    const QStringList entered{
+        u"mkdir HOME/state"_s,         u"open HOME untold"_s,          u"sync HOME untold"_s,
+        u"mkdir HOME/state/actions"_s, u"open HOME/state untold"_s,    u"sync HOME/state untold"_s,
+        u"open "_s + name + u".new"_s, u"write "_s + name + u".new"_s, u"sync "_s + name + u".new"_s,
+        u"rename "_s + name,           u"open HOME/state/actions"_s,   u"sync HOME/state/actions"_s};
+    QCOMPARE(stepsOnDisk(false, [](ActionFolder &journal) { return journal.enter(writer); }), entered);
+    const QStringList kept{u"write "_s + name, u"sync "_s + name};
+    QCOMPARE(stepsOnDisk(true, [](ActionFolder &journal) { return journal.keep(openWrite()); }), kept);
 }
 
 /// A disk that was full when the program started.
