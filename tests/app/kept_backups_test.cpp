@@ -147,7 +147,6 @@ void KeptBackupsTest::failureRemovesNothing()
     QCOMPARE(away(), before);
 }
 
-/// One that seems older than those that are there is the newest all the same.
 void KeptBackupsTest::nobodyNeedsToWatch()
 {
     QCOMPARE(made(keepBackup(path(u"shop.sqlite"_s), path(u"away"_s), 1, morning, {})).problem, QString());
@@ -155,6 +154,7 @@ void KeptBackupsTest::nobodyNeedsToWatch()
     QCOMPARE(away().size(), 2);
 }
 
+/// One that seems older than those that are there is the newest all the same.
 void KeptBackupsTest::wrongClockLosesNothing()
 {
     const QString future = made(keepAt(morning.addYears(10), 0)).file;
