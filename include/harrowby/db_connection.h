@@ -44,7 +44,8 @@ enum class WriteOutcome {
     Unknown, ///< it failed in a way that leaves open whether it is
 };
 
-/// How the rows of a SELECT are going to be read. No rows, columns or orders depend on it.
+/// How the rows of a SELECT are going to be read. No rows, columns or orders depend on it; but behind the tenth row,
+/// those of First may be of a later moment than its count and the rows before.
 enum class DbReading {
     Whole, ///< all of them, at once
     First, ///< perhaps only the first ten, and DbCursor::rowCount(); perhaps all
