@@ -87,9 +87,10 @@ admin() {
 }
 # till NAME SQL: as a till that was let in, through the service file of its home.
 till() {
-    (cd / && HOME=$work/home-$1 PGSERVICE=harrowby PGTARGETSESSIONATTRS=read-write PGOPTIONS='-c statement_timeout=20s' \
+    (cd / && HOME=$work/home-$1 PGSERVICE=${service:-harrowby} PGTARGETSESSIONATTRS=read-write PGOPTIONS='-c statement_timeout=20s' \
         timeout 30 "$programs/psql" -XqAt -v ON_ERROR_STOP=1 -c "$2")
 }
+office() { service=harrowby-office till "$@"; }
 # shop NAME ARGUMENT…: with the connection that a till has.
 shop() {
     (cd / && HOME=$work/home-$1 timeout 100 "$shop_till" "service=harrowby ${options:-}" "$work/state-$1" "${@:2}")

@@ -32,10 +32,11 @@ add_login() {
     write_login "$folder" "$role" "$password"
     say "Written to $folder. Carry it to the $kind on a stick, run there, as the user who ${kind_work[$kind]}:"
     say "    sh ./install"
-    say "then 'harrowby ${kind_call[$kind]}--database service=harrowby'. Delete the folder on the stick afterwards."
+    say "then 'harrowby ${kind_call[$kind]}'. Delete the folder on the stick afterwards."
     [ -n "$password" ] || say "The password stays as it was; --new-password makes a new one."
 }
-declare -A kind_work=([till]="sells" [office]="works in the office") kind_call=([till]="" [office]="--office ")
+declare -A kind_work=([till]="sells" [office]="works in the office") kind_call=([till]="--database service=harrowby"
+    [office]="--office --database service=harrowby-office")
 
 # The word goes neither into a command line nor into the server's log.
 set_password() {

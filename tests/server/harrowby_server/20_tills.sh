@@ -6,8 +6,11 @@ works "the till's own part" settle_in counter-1 "$work/till-1"
 is "a till gets in, encrypted" t till counter-1 "select ssl from pg_stat_ssl where pid = pg_backend_pid()"
 is "the files are the user's alone" "600 600 700 " stat --printf '%a ' "$work/till-1/password" "$work/till-1/service" "$work/till-1/install"
 works "add-office" on one add-office desk --to "$work/office-1"
-says "the office's own part" "harrowby --office --database" settle_in desk "$work/office-1"
+says "the office's own part" "harrowby --office --database service=harrowby-office" settle_in desk "$work/office-1"
 
+works "beside a till of the same user" settle_in counter-1 "$work/office-1"
+is "the till is the till" till_counter-1 till counter-1 "select current_user"
+is "and the office the office" office_desk office counter-1 "select current_user"
 is "and with its own connection" "MILK|10" shop counter-1 "Update StockList Set StockCost = 1" "select StockName, StockAvailable from StockList"
 # What needs the store for itself finds it by this name (app_server_errands_test).
 is "the server knows it as the program" harrowby shop counter-1 "select application_name from pg_stat_activity where pid = pg_backend_pid()"
@@ -73,12 +76,12 @@ for statement in \
     "update harrowby.writer_action set last = 0" "select harrowby_server.know_host('a', 'b', 1)"; do
     refuses "a till: $statement" ERROR till counter-1 "$statement"
 done
-works "an office: users" till desk "insert into Users (Username) values ('NEW')"
-works "an office: an import" till desk "delete from HarrowbyImport"
-refuses "an office: what is only added to" "permission denied" till desk "delete from HarrowbyActivity"
-works "an office: the log" till desk "select * from SysUsage"
-refuses "an office: deleting of the log" "permission denied" till desk "delete from SysUsage"
-refuses "an office: the tables" "must be owner" till desk "drop table StockList"
+works "an office: users" office desk "insert into Users (Username) values ('NEW')"
+works "an office: an import" office desk "delete from HarrowbyImport"
+refuses "an office: what is only added to" "permission denied" office desk "delete from HarrowbyActivity"
+works "an office: the log" office desk "select * from SysUsage"
+refuses "an office: deleting of the log" "permission denied" office desk "delete from SysUsage"
+refuses "an office: the tables" "must be owner" office desk "drop table StockList"
 
 # Who does not get in.
 plain() { HOME=$work/home-counter-1 PGSERVICE=harrowby timeout 20 "$programs/psql" -XqAt -c 'select 1' "$1"; }
