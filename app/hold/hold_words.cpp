@@ -33,6 +33,11 @@ QString reasonWords(const CounterMisfit &misfit)
     return u"not checked: the store could not be read"_s;
 }
 
+QString wasWords(const CounterMisfit &misfit)
+{
+    return u"%1 for %2"_s.arg(plainText(misfit.line.quantity), formatMoney(misfit.line.cost));
+}
+
 QString nowWords(const CounterMisfit &misfit)
 {
     if (misfit.quantity == 0)
@@ -74,10 +79,17 @@ tables::Table misfitTable(const std::vector<CounterMisfit> &misfits)
                      {u"Now"_s, Kind::Text, false},
                      {u"Why"_s, Kind::Text, false, lettersOfReason}};
     for (const CounterMisfit &misfit : misfits)
-        table.rows.push_back({misfit.line.name,
-                              u"%1 for %2"_s.arg(plainText(misfit.line.quantity), formatMoney(misfit.line.cost)),
-                              nowWords(misfit), reasonWords(misfit)});
+        table.rows.push_back({misfit.line.name, wasWords(misfit), nowWords(misfit), reasonWords(misfit)});
     return table;
+}
+
+QStringList misfitLines(const std::vector<CounterMisfit> &misfits)
+{
+    QStringList lines;
+    for (const CounterMisfit &misfit : misfits)
+        lines << u"%1: was %2, now %3 (%4)"_s.arg(misfit.line.name, wasWords(misfit), nowWords(misfit),
+                                                  reasonWords(misfit));
+    return lines;
 }
 
 } // namespace harrowby::app

@@ -5,6 +5,7 @@
 #include "tables/table.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -17,5 +18,8 @@ namespace harrowby::app {
 [[nodiscard]] tables::Table heldTable(const QList<HeldCart> &carts);
 /// What of a recalled cart is not as it was; one row a line.
 [[nodiscard]] tables::Table misfitTable(const std::vector<CounterMisfit> &misfits);
+
+/// The same in a line each.
+[[nodiscard]] QStringList misfitLines(const std::vector<CounterMisfit> &misfits);
 
 } // namespace harrowby::app

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/server/sale_follower.h"
 
+#include "app/hold/hold_words.h"
 #include "app/shop/failure_notice.h"
 #include "app/shop/failure_text.h"
 #include "basic/logging.h"
 #include "basic/numbers.h"
 
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <algorithm>
@@ -19,9 +21,27 @@ namespace {
 
 constexpr int retryMs = 300; ///< while a box is open
 
+/// No step could be done again: the cart is empty.
+QString lostPurchaseAdvice()
+{
+    return u"Write it down: the reports do not have it."_s;
+}
+
+/// The same of a purchase that was not known; its ID and sum as the connection has noted them.
+QString settledPurchaseWords(const QString &statement)
+{
+    static const QRegularExpression noted(u"^INSERT PurchaseCart (.+) (\\S+)$"_s,
+                                          QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = noted.match(statement);
+    if (!match.hasMatch())
+        return settledWork(statement, false);
+    return u"Known now: the purchase %1 over %2 was not recorded."_s.arg(match.captured(1),
+                                                                         formatMoney(match.captured(2).toDouble()));
+}
+
 bool isOfPurchase(const QString &statement)
 {
-    return statement.compare("INSERT PurchaseCart"_L1, Qt::CaseInsensitive) == 0;
+    return statement.startsWith("INSERT PurchaseCart"_L1, Qt::CaseInsensitive);
 }
 
 QString lineWords(const StockMiss &line)
@@ -64,6 +84,8 @@ void SaleFollower::settle(const QString &statement, bool isDone)
 void tellSettled(FailureNotice &notice, const QString &statement, bool isDone)
 {
     const auto line = missOf(statement);
+    if (!isDone && isOfPurchase(statement))
+        return notice.settle(statement, settledPurchaseWords(statement), lostPurchaseAdvice());
     if (!line || line->kind != StockMiss::Kind::NotLowered)
         return notice.settle(statement, isDone);
     const QString work = isDone ? u"Known now: the stock of %1 was lowered."_s
@@ -84,10 +106,10 @@ void SaleFollower::follow(const CounterPurchase &purchase)
                                misses.size() == static_cast<qsizetype>(purchase.lines.size()) &&
                                std::all_of(misses.cbegin(), misses.cend(), isRefused);
     if (!isNothingDone) {
-        if (row) // no step that could be done again: the cart is empty
+        if (row)
             m_notice.tell({u"row "_s + purchase.id,
                            u"The purchase %1 over %2 was not recorded."_s.arg(purchase.id, formatMoney(purchase.total)),
-                           failureReason(*row), u"Write it down: the reports do not have it."_s});
+                           failureReason(*row), lostPurchaseAdvice()});
         for (const Miss &miss : misses)
             tell(miss, purchase.id);
         return;
@@ -128,6 +150,12 @@ void SaleFollower::bringBack()
         }
         const Cart back = std::move(m_back.front());
         m_back.erase(m_back.begin());
+        if (!misfits.empty()) // its money may have been taken
+            m_notice.tell({u"misfits "_s + back.purchaseId,
+                           u"Not all of the purchase %1 is as it was:\n"_s.arg(back.purchaseId) +
+                               misfitLines(misfits).join(u'\n'),
+                           u"the store has changed meanwhile, or could not be read"_s,
+                           u"Look at the cart before it is sold again."_s, false, false});
         Q_EMIT cartIsBack(back.purchaseId);
     }
 }

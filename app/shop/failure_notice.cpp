@@ -120,18 +120,20 @@ try {
 
 void FailureNotice::settle(const QString &statement, bool isDone) noexcept
 try {
+    settle(statement, settledWork(statement, isDone),
+           isDone ? u"Nothing is left to do."_s : u"Do the step again, if it is still wanted."_s);
+} catch (const std::exception &error) {
+    qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
+}
+
+void FailureNotice::settle(const QString &statement, const QString &work, const QString &advice) noexcept
+try {
     const QString doubtful = doubtfulWork({DbFailure::Kind::Write, statement, {}});
     const auto same = [&](const Line &line) { return line.notice.work == doubtful; };
     if (const auto line = std::find_if(m_lines.begin(), m_lines.end(), same);
         line != m_lines.end() && --line->count == 0)
         m_lines.erase(line);
-    present({{},
-             settledWork(statement, isDone),
-             u"the server has been asked"_s,
-             isDone ? u"Nothing is left to do."_s : u"Do the step again, if it is still wanted."_s,
-             true,
-             true,
-             Notice::Outcome::Settled});
+    present({{}, work, u"the server has been asked"_s, advice, true, true, Notice::Outcome::Settled});
 } catch (const std::exception &error) {
     qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
 }

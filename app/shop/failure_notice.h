@@ -52,6 +52,8 @@ public:
     void addDoubtful(const DbFailure &failure) noexcept;
     /// What became of it in the end: takes the place of what was shown, and is shown also when that was dismissed.
     void settle(const QString &statement, bool isDone) noexcept;
+    /// The same in other words.
+    void settle(const QString &statement, const QString &work, const QString &advice) noexcept;
 
     /// Shows a notice, once for each subject and reason: after it was dismissed, the same one is shown again only after
     /// tellOver() of its subject.

@@ -55,7 +55,7 @@ struct PostgresOptions
 ///
 /// DbFailure::engineState is the server's SQLSTATE; without an answer of the server it is 08001 (cannot be reached),
 /// 08004 (does not let the till in), 08006 (the connection broke), 08007 (not known whether it was done), 57014 (waited
-/// for in vain, or given up).
+/// for in vain, or given up), 22000 (cannot be stored, so it was not sent).
 ///
 /// Used on one thread. Needs no QCoreApplication; without one, beginAction() is the caller's.
 class HARROWBY_POSTGRES_EXPORT PostgresConnection final : public DbConnection
@@ -74,9 +74,10 @@ public:
     /// A new action of the user begins: its waits have their full time again.
     void beginAction();
 
-    /// A write that had been told as unknown has been resolved: `what` is its text, `isDone` whether it is in the
-    /// database. Called in the middle of a statement; must not throw, enter an event loop or use this connection.
-    /// Set before open() it is also told of those of an earlier program; they wait for one that has a handler.
+    /// A write that had been told as unknown has been resolved: `what` is its text (of a purchase's row with its ID and
+    /// sum: "INSERT PurchaseCart HV1 6.5"), `isDone` whether it is in the database. Called in the middle of a
+    /// statement; must not throw, enter an event loop or use this connection. Set before open() it is also told of
+    /// those of an earlier program, which wait for one that has a handler.
     void setResolvedHandler(std::function<void(const QString &what, bool isDone)> handler);
 
     bool Execute(const QString &statement) override;

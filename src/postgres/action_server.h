@@ -30,6 +30,7 @@ struct Write
                           ///< (harrowby.require()) when what was read before has changed. Empty: none
     QByteArray statement; ///< one UPDATE, INSERT or DELETE, in the server's dialect, without a ";"
     QString what;         ///< the write in words for a person, without what is secret; kept on this machine's disk
+    QString note = {};    ///< kept there in its place, with what tells the row from others; may be empty
 };
 
 /// What came back for one sending.

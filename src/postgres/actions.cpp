@@ -71,7 +71,7 @@ Actions::End Actions::write(const Write &write)
     case Known::Open:
         break;
     }
-    return unknown(action, write.what);
+    return unknown(action, write.note.isEmpty() ? write.what : write.note);
 }
 
 Result<ActionNumber, PgError> Actions::take()

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "basic/values.h"
 #include "postgres/schema.h"
 #include "postgres/storable.h"
 
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -116,6 +118,21 @@ QString literal(const DbValue &value)
     if (const auto *bytes = std::get_if<QByteArray>(&value))
         return u"'\\x%1'::bytea"_s.arg(QString::fromLatin1(bytes->toHex()));
     return u"null"_s;
+}
+
+QString noteOfInsert(const QString &what, const DbAssignments &values)
+{
+    const auto valueOf = [&values](QLatin1StringView name) {
+        const auto value = std::find_if(values.cbegin(), values.cend(), [name](const auto &assigned) {
+            return assigned.first.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        return value == values.cend() ? DbValue() : value->second;
+    };
+    const DbValue id = valueOf("PurchaseID"_L1);
+    const DbValue sum = valueOf("PurchasedItemsCost"_L1);
+    if (!std::holds_alternative<QString>(id) || std::holds_alternative<std::monostate>(sum))
+        return {};
+    return u"%1 %2 %3"_s.arg(what, std::get<QString>(id), QString::number(valueNumber(sum), 'g', 10));
 }
 
 QString insertText(const QString &table, const DbAssignments &values)

@@ -264,7 +264,7 @@ bool PostgresConnection::insertRow(const QString &table, const DbAssignments &va
     QByteArray condition;
     if (d->held && d->held->hasBegun)
         condition = d->held->read.conditionOfInsert(d->reader.counting(d->held->read.select));
-    return d->write({condition, insertText(table, values).toUtf8(), what});
+    return d->write({condition, insertText(table, values).toUtf8(), what, noteOfInsert(what, values)});
 }
 
 bool PostgresConnection::updateRow(const QString &table, DbRowId row, const DbAssignments &values)

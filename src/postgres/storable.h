@@ -44,6 +44,9 @@ using TypeId = unsigned int;
 
 /// Statements for rows that are written by column. Precondition: the values are storable.
 [[nodiscard]] QString insertText(const QString &table, const DbAssignments &values);
+/// Write::note of an insert: a purchase that proves not recorded can be written down by it. Of other rows nothing is
+/// kept on this machine.
+[[nodiscard]] QString noteOfInsert(const QString &what, const DbAssignments &values);
 [[nodiscard]] QString updateText(const QString &table, std::int64_t row, const DbAssignments &values);
 
 } // namespace harrowby::postgres
