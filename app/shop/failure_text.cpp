@@ -79,6 +79,8 @@ QString serverAdvice(const QString &state, const QString &again)
         return u"Another till or the office keeps it locked. Wait until that is done, %1."_s.arg(again);
     if (state == u"42501"_s)
         return u"This machine may not do that on the server. Use one that is enrolled as an office."_s;
+    if (state.startsWith(u"22"_s))
+        return u"The server cannot store that. Change the entry."_s;
     if (state.startsWith(u"23"_s))
         return u"The store has a rule against it. Change the entry, or the rule."_s;
     return u"On the server, harrowby-server status says how it is. Then do the step again."_s;

@@ -41,8 +41,8 @@ QString stateOf(const PgError &error)
         return u"55P03"_s;
     case PgError::Kind::Deadlock:
         return u"40P01"_s;
-    case PgError::Kind::Refused:
-        break;
+    case PgError::Kind::Refused: // before it was sent
+        return u"22000"_s;
     }
     return {};
 }

@@ -50,16 +50,16 @@ private Q_SLOTS:
     void windowIsNotClosedByWhatWasPressedDuringAWait();
     void cartOfWhichNothingWasWrittenComesBack();
     void cartOfALogoutComesBackWithTheNextLogin();
+    void whatIsNotAsItWasIsTold();
     void linesThatWereNotWrittenAreTold();
     void purchaseThatIsMissingIsTold();
     void whatIsNotKnownIsToldAndSettled();
 
 private:
-    using Row = CounterPurchase::Row;
-
     /// A shop with two items, both in the cart, and what follows its sales.
     void openTill();
-    void sell(const std::function<bool(const QString &)> &fails, WriteOutcome outcome = WriteOutcome::Refused);
+    void sell(const std::function<bool(const QString &)> &fails, WriteOutcome outcome = WriteOutcome::Refused,
+              const char *button = "Command14");
     [[nodiscard]] QString told(const char *label) const
     {
         return m_notice->isHidden() ? QString() : m_notice->findChild<QLabel *>(QLatin1StringView(label))->text();
@@ -145,6 +145,7 @@ void ServerTillTest::adviceOfAServer_data()
     expect(u"disk is full"_s, {u"53100"_s});
     expect(u"Too many"_s, {u"53300"_s});
     expect(u"enrolled as an office"_s, {u"42501"_s});
+    expect(u"Change the entry"_s, {u"22000"_s, u"22003"_s});
     expect(u"rule"_s, {u"23505"_s});
     expect(u"harrowby-server status"_s, {u"XX000"_s});
 }
@@ -409,13 +410,13 @@ void ServerTillTest::openTill()
     QCOMPARE(m_till->cart(), (QStringList{u"A2  |  JAM|1|4.00"_s, u"A1  |  TEA|1|2.50"_s}));
 }
 
-void ServerTillTest::sell(const std::function<bool(const QString &)> &fails, WriteOutcome outcome)
+void ServerTillTest::sell(const std::function<bool(const QString &)> &fails, WriteOutcome outcome, const char *button)
 {
     m_outcome = outcome;
     m_till->connection->fails = fails;
     m_till->connection->mayHave = outcome == WriteOutcome::Unknown;
     m_till->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
-    m_till->click("Command14");
+    m_till->click(button);
     m_till->connection->fails = [](const QString &) { return false; };
     QCoreApplication::processEvents();
 }
@@ -446,18 +447,25 @@ void ServerTillTest::cartOfALogoutComesBackWithTheNextLogin()
 {
     openTill();
     const QStringList cart = m_till->cart();
-    m_till->connection->fails = isOfTheSale;
-    m_till->connection->mayHave = false;
-    m_till->boxes.answerTheRest([](const QString &) { return Answer::Yes; });
-    m_till->click("Command27"); // logs out, with a purchase of the cart
-    QCoreApplication::processEvents();
-    m_till->connection->fails = [](const QString &) { return false; };
+    sell(isOfTheSale, WriteOutcome::Refused, "Command27"); // logs out, with a purchase of the cart
     QVERIFY(m_till->cart().isEmpty());
     QVERIFY(told("failureWork").contains(u"its cart is kept"_s));
     m_till->logIn();
     QCoreApplication::processEvents();
     QCOMPARE(m_till->cart(), cart);
     QCOMPARE(m_back.size(), 1);
+}
+
+void ServerTillTest::whatIsNotAsItWasIsTold()
+{
+    openTill();
+    sell(isOfTheSale, WriteOutcome::Refused, "Command27"); // logs out, with a purchase of the cart
+    m_till->file.sql(u"update StockList set StockUse = 'Disabled' where StockID = 'A2'"_s);
+    m_till->logIn();
+    QCoreApplication::processEvents();
+    QCOMPARE(m_till->cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+    const auto words = u"Not all of the purchase %1 is as it was:\nJAM: was 1 for 4.00, now \u2013 (no longer"_s;
+    QVERIFY2(told("failureWork").contains(words.arg(m_back.value(0))), qPrintable(told("failureWork")));
 }
 
 void ServerTillTest::linesThatWereNotWrittenAreTold()
@@ -504,6 +512,12 @@ void ServerTillTest::whatIsNotKnownIsToldAndSettled()
         false);
     QCOMPARE(told("failureWork"), u"Known now: 1 x JAM (A2) was sold, but its stock was not lowered."_s);
     QVERIFY(told("failureHeading").startsWith(u"Known now"_s));
+    for (const auto &[noted, named] : {std::pair(u" HV1 6.5"_s, u" HV1 over 6.50"_s), {QString(), QString()}}) {
+        m_notice->dismiss();
+        m_follower->settle(u"INSERT PurchaseCart"_s + noted, false);
+        QCOMPARE(told("failureWork"), u"Known now: the purchase%1 was not recorded."_s.arg(named));
+        QVERIFY(told("failureAdvice").startsWith(u"Write it down"_s));
+    }
 }
 
 HARROWBY_TEST(app_server_till_test, ServerTillTest)

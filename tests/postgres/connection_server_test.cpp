@@ -93,7 +93,7 @@ void ConnectionServerTest::refusesBeforeSending()
     row.Field(column).assign(value);
     QCOMPARE(row.Update(), Outcome::NotWritten);
     QCOMPARE(m_server->failures.size(), 1u);
-    QVERIFY(m_server->failures.front().engineState.isEmpty());
+    QCOMPARE(m_server->failures.front().engineState, u"22000"_s);
     QCOMPARE(m_server->failures.front().statement, u"UPDATE StockList"_s);
     QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
     QVERIFY(!m_connection->mayHaveWritten());
