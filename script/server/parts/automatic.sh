@@ -215,6 +215,8 @@ go_on() {
     load_automatic
     start_own_voter
     patiently "Waiting for more voters: on the other machines, harrowby-server automatic FILE ..." has_joined
+    learn_addresses
+    save_automatic
     if ! has_store "${auto[name]}"; then
         say "This machine is a voter."
     elif is_automatic || is_standby || ! has_data; then

@@ -105,6 +105,7 @@ tell_standby() {
 
 tell_voters() {
     local name missing=0
+    learn_addresses
     while read -r name; do
         voter_answers "$name" || {
             trouble "The voter $name does not answer"

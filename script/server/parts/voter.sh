@@ -219,6 +219,14 @@ all_voters_answer() {
     done
 }
 voter_answers() { endpoints=$(url "$1" 0) vote endpoint status >/dev/null; }
+# The voters know of an address that has changed since this machine took part.
+learn_addresses() {
+    local name address port
+    while read -r name address port; do
+        [ -z "$(where_is "$name")" ] ||
+            auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$name=$address,$((port - 1))/" | paste -sd ' ')
+    done < <(vote member list | sed -nE 's|^[^,]*, started, ([a-z0-9-]+), https://\[?([^],]+)\]?:([0-9]+),.*|\1 \2 \3|p')
+}
 kept() { vote get --print-value-only "/service/harrowby/$1"; }
 leader() { kept leader; }
 

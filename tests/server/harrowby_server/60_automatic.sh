@@ -84,8 +84,10 @@ refuses "which is told" "The voter till does not answer" on six status
 refuses "it is there" "seven answers" on six automatic --anew seven
 rm -rf "${work:?}/till"
 works "an address by mistake" on six automatic --anew till=127.0.0.3 --to "$work"
+votes[till]=$(free_ports)
 works "a new machine in its place" eval 'on six automatic --anew "till=127.0.0.1,${votes[till]}" --to "$work" && on till automatic "$work/automatic-till.tar"'
 works "all voters" on till status
+works "of which the others know where they are" on seven status
 kill "$selling" # which ends its sale
 works "none was refused" wait "$selling"
 sold_is_told "after all of it" six
