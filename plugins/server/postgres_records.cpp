@@ -310,9 +310,8 @@ std::optional<DbFailure> PostgresRecords::holdMoment()
 
 void PostgresRecords::releaseMoment()
 {
-    PgSession &session = m_access.session();
-    if (std::exchange(m_holdsMoment, false) && session.isInTransaction() && !session.run("rollback", m_access.budget()))
-        session.close();
+    if (std::exchange(m_holdsMoment, false))
+        m_access.session().rollBack(m_access.budget());
 }
 
 } // namespace harrowby::server

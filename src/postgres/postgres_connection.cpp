@@ -183,9 +183,7 @@ std::unique_ptr<DbCursor> PostgresConnection::Private::read(const QString &selec
 
 void PostgresConnection::Private::rollBack()
 {
-    PgSession &session = access.session();
-    if (session.isInTransaction() && !session.run("rollback", access.budget()))
-        session.close();
+    access.session().rollBack(access.budget());
 }
 
 PostgresConnection::PostgresConnection(const QString &target, PostgresOptions options) :

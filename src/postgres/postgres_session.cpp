@@ -130,6 +130,12 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
     return results;
 }
 
+void PgSession::rollBack(const PgBudget &budget)
+{
+    if (isInTransaction() && !run("rollback", budget))
+        close();
+}
+
 PgError PgSession::refuseAnswer()
 {
     close();

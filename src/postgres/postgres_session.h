@@ -53,6 +53,8 @@ public:
     /// again until that time is over, when it began outside a transaction.
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements, const PgBudget &budget);
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements); ///< with the waits of connect()
+    /// Ends the transaction, if there is one, with nothing of it done. A session on which that fails is closed.
+    void rollBack(const PgBudget &budget);
     /// Of an answer that does not fit what was run: the session is closed, and this is what to say.
     [[nodiscard]] PgError refuseAnswer();
     /// How long others' locks have been waited for since this was asked last, as far as the server has told of them.

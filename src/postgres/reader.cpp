@@ -90,7 +90,7 @@ Reader::Rows Reader::rows(const QString &select)
 Reader::Rows Reader::rowsOf(const QString &select, const QString &text)
 {
     auto results = run(select, text.toUtf8());
-    return results && !results->empty() ? shared(std::move(results->back())) : nullptr;
+    return results ? shared(std::move(results->back())) : nullptr;
 }
 
 std::unique_ptr<DbCursor> Reader::whole(const QString &select)
@@ -112,7 +112,7 @@ std::unique_ptr<DbCursor> Reader::first(const QString &select)
     if (!isLimited(*text) && !m_habits.isReadWhole(select))
         return firstAndCount(select, *text, search);
     auto results = run(select, text->toUtf8());
-    if (!results || results->empty())
+    if (!results)
         return nullptr;
     Rows found = shared(std::move(results->back()));
     const std::int64_t count = found->rowCount();
@@ -219,13 +219,11 @@ std::unique_ptr<DbCursor> Reader::held(HeldRead &held)
 {
     const std::optional<QString> text = serverText(held.select, searchOf(held.select));
     auto results = text ? run(held.select, held.reading(*text)) : std::nullopt;
-    if (results && !results->empty()) {
+    if (results) {
         held.rows = shared(std::move(results->back()));
         return std::make_unique<HeldRowsCursor>(held.rows);
     }
-    PgSession &session = m_access.session();
-    if (session.isInTransaction() && !session.run("rollback", m_access.budget()))
-        session.close();
+    m_access.session().rollBack(m_access.budget());
     return nullptr;
 }
 
@@ -237,7 +235,7 @@ std::optional<std::int64_t> Reader::count(const QString &select)
         return {};
     }
     const auto results = run(select, text->toUtf8());
-    return results && !results->empty() ? std::optional(countIn(results->back())) : std::nullopt;
+    return results ? std::optional(countIn(results->back())) : std::nullopt;
 }
 
 QString Reader::counting(const QString &select) const

@@ -112,8 +112,7 @@ ActionAnswer SessionActions::claim(const ActionNumber &action)
 
 void SessionActions::endTransaction()
 {
-    if (m_session.isInTransaction() && !m_session.run("rollback", budget()))
-        m_session.close();
+    m_session.rollBack(budget());
 }
 
 /// A lock that is waited for may be that of the first sending, which waits for its standby: no longer than is left. A

@@ -231,9 +231,7 @@ void Transaction::rollBack()
 
 void Transaction::takeBack()
 {
-    PgSession &session = m_writer.access().session();
-    if (session.isInTransaction() && !session.run("rollback", m_writer.access().budget()))
-        session.close();
+    m_writer.access().session().rollBack(m_writer.access().budget());
 }
 
 } // namespace harrowby::postgres

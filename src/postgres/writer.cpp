@@ -61,8 +61,7 @@ std::optional<PgError> Writer::prepare()
     const auto results = m_access.read("select harrowby.store_identity()");
     if (!results)
         return results.error();
-    const QByteArrayView identity =
-        !results->empty() && results->front().rowCount() == 1 ? results->front().text(0, 0) : QByteArrayView();
+    const QByteArrayView identity = results->front().rowCount() == 1 ? results->front().text(0, 0) : QByteArrayView();
     const QUuid store = QUuid::fromString(QLatin1StringView(identity));
     if (store.isNull())
         return PgError{Kind::Unfit, {}, u"the store on the server has no identity"_s, false};
