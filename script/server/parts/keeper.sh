@@ -124,3 +124,51 @@ is_leader() { [ "$(leader)" = "${auto[name]}" ]; }
 has_leader() { [ -n "$(leader)" ]; }
 is_relied_on() { kept sync | grep -q '"sync_standby": *"[^"]'; }
 follows() { is_running && is_standby && [ -n "$(sql_in_postgres -c "select 1 from pg_stat_wal_receiver where status = 'streaming'")" ]; }
+
+# Each machine by itself, the standbys first. The server goes on as it was made: by hand.
+leave_automatic() {
+    is_voter || die "this machine is not automatic"
+    if is_automatic; then
+        # Where they do not agree any more, none takes over.
+        ! voters_agree || is_paused || keeper pause harrowby --wait || die "the machines cannot be told to stay as they are"
+        leave_store
+    fi
+    no_longer harrowby-voter
+    rm -f "$etc/automatic" "$etc/voter.yml" "$etc/voter.crt" "$etc/voter.key" "$etc/patroni.key" "$etc/keeper" "$etc/go-on-alone"
+    [ ! -d "$voter_data" ] || mv "$voter_data" "$voter_data.kept-$(date -u +%Y%m%dT%H%M%S)"
+    say "This machine is not automatic any more."
+}
+
+# A second try finds it stopped: that it was the server, and who followed it, is written down first.
+leave_store() {
+    local names=''
+    [ -f "$etc/leaving" ] || is_standby || ! is_running || { has_leader && ! is_leader; } ||
+        sql -c "select string_agg(format('\"%s\"', application_name), ',' order by application_name)
+        from pg_stat_replication where state = 'streaming' and application_name in (select name from harrowby_server.host)" |
+        put "$etc/leaving" 644 "$(id -un)"
+    no_longer harrowby-patroni
+    stop_server
+    [ ! -f "$conf/postgresql.base.conf" ] || mv "$conf/postgresql.base.conf" "$conf/postgresql.conf"
+    put "$conf/start.conf" 644 "$owner" <<<auto
+    rm -f "$conf/keeper.pgpass" "$conf/conf.d/handing-over.conf"
+    # It was stopped when it came to this: another one may have been the server since, so a person has to promote it.
+    is_standby || [ -f "$etc/leaving" ] || ! has_data || as_owner touch "$data/standby.signal"
+    write_settings
+    if is_standby; then
+        (start_server) || warn "it is no standby as long as it does not start"
+        rm -f "$etc/relied-on" # what the server does from now on, it lacks
+        say "It is a standby still, but follows nobody: on the server harrowby-server standby --for ${machine[name]} …, here standby FILE"
+        say "Where no other one is left that has sold since: harrowby-server promote --without-what-it-lacks"
+    elif has_data; then
+        start_server
+        sql_in_postgres -c "select pg_drop_replication_slot(slot_name) from pg_replication_slots
+            where not active and slot_name not like 'standby\_%'" >/dev/null # they would keep the log for nobody
+        names=$(cat "$etc/leaving")
+        if [ -n "$names" ]; then
+            sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
+        else
+            remark_alone
+        fi
+    fi
+    rm -f "$etc/patroni.yml" "$etc/leaving" # last: until then it is gone on with
+}
