@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/activity/activity_search.h"
 
-#include "app/records/store_records.h"
+#include "app/work/watched_store.h"
 
 #include <utility>
 
@@ -97,12 +97,13 @@ Records::Answer<QStringList> usersOfActivity(Records &records)
     return names;
 }
 
-Result<void, QString> withOwnRecords(const QString &store, const std::function<void(Records &)> &work)
+Result<void, QString> withOwnRecords(const QString &store, const WorkWatch &watch,
+                                     const std::function<void(Records &, const WorkWatch &)> &work)
 {
-    const auto own = openStoreRecords(store, Access::Read);
+    const auto own = WatchedStore::open(store, Access::Read, watch);
     if (!own)
-        return Unexpected(own.error());
-    work((*own)->records());
+        return Unexpected(own.error().words);
+    work((*own)->records(), (*own)->watch());
     return {};
 }
 

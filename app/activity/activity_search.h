@@ -48,7 +48,9 @@ private:
 /// The users that the store has, and those that deeds name, by name.
 [[nodiscard]] Records::Answer<QStringList> usersOfActivity(Records &records);
 
-/// Runs `work` with records over a connection of its own to that store, on any thread. Why it could not be opened.
-[[nodiscard]] Result<void, QString> withOwnRecords(const QString &store, const std::function<void(Records &)> &work);
+/// Runs `work` with records over a connection of its own to that store, on any thread; their statements hear the watch,
+/// too. Why it could not be opened.
+[[nodiscard]] Result<void, QString> withOwnRecords(const QString &store, const WorkWatch &watch,
+                                                   const std::function<void(Records &, const WorkWatch &)> &work);
 
 } // namespace harrowby::app

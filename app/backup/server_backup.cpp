@@ -4,9 +4,9 @@
 #include "app/copy/store_copy.h"
 #include "app/records/server_engine.h"
 #include "app/records/sqlite_records.h"
-#include "app/records/store_records.h"
 #include "app/shop/schema.h"
 #include "app/shop/store_create.h"
+#include "app/work/watched_store.h"
 
 #include <algorithm>
 
@@ -16,10 +16,15 @@ namespace harrowby::app {
 
 namespace {
 
+CopyEnd stopped()
+{
+    return {true, {}, {}, {}};
+}
+
 CopyEnd endOf(const CopyFailure &failure)
 {
     if (failure.stopped)
-        return {true, {}, {}, {}};
+        return stopped();
     const SqlError error = {failure.engineCode & 0xff, failure.problem};
     if (failure.isOfCopy)
         return {false, error, BackupSide::Place, {}};
@@ -33,17 +38,21 @@ CopyEnd notOpened(const QString &why)
     return {false, SqlError{0, why}, BackupSide::Store, {}, u"The backup could not be made.\n"_s + why};
 }
 
+/// How far the copying is, as a backup tells it.
+BackupProgress progressOf(const WorkStep &step)
+{
+    using Stage = BackupProgress::Stage;
+    const bool isCompared = step.words == comparingWords;
+    return {isCompared ? Stage::Checking : Stage::Copying, isCompared ? 100 : std::max(step.percent, 0)};
+}
+
 class Making
 {
 public:
-    Making(Records &server, const ServerEngine &engine, const BackupWatch &watch) :
-        m_rules(engine), m_backupWatch(watch), m_watch([this](const WorkStep &step) { return tell(step); }),
-        m_copy(server, m_rules, m_watch)
+    Making(WatchedStore &server, const ServerEngine &engine) :
+        m_server(server), m_rules(engine), m_copy(server.records(), m_rules, server.watch())
     {
     }
-
-    /// Asked in the middle of a statement.
-    [[nodiscard]] bool goesOn() const { return m_backupWatch(m_progress); }
 
     CopyEnd run(sqlite3 *copy)
     {
@@ -54,23 +63,13 @@ public:
     }
 
 private:
-    using Stage = BackupProgress::Stage;
-
-    /// How far the copying is, as a backup tells it.
-    bool tell(const WorkStep &step)
-    {
-        const bool isCompared = step.words == comparingWords;
-        m_progress = {isCompared ? Stage::Checking : Stage::Copying, isCompared ? 100 : std::max(step.percent, 0)};
-        return goesOn();
-    }
-
     std::optional<SqlError> fill(sqlite3 *store)
     {
         SqliteRecords records(store);
         const auto rows = m_copy.copyInto(records);
         if (!rows) {
             m_failure = rows.error();
-            m_failure->stopped = m_failure->stopped || !goesOn(); // then a statement was ended in the middle
+            m_failure->stopped = m_failure->stopped || m_server.wasStopped();
             return SqlError{m_failure->engineCode & 0xff, m_failure->problem};
         }
         for (const StoreTable &table : storeTables())
@@ -78,10 +77,8 @@ private:
         return {};
     }
 
+    WatchedStore &m_server;
     ColumnRules m_rules;
-    const BackupWatch &m_backupWatch;
-    BackupProgress m_progress;
-    WorkWatch m_watch;
     StoreCopy m_copy;
     RowCounts m_counts;
     std::optional<CopyFailure> m_failure;
@@ -94,17 +91,15 @@ CopyEnd copyServerStore(const QString &store, sqlite3 *copy, const BackupWatch &
     const auto engine = serverEngine();
     if (!engine)
         return notOpened(engine.error());
-    const auto opened = openStoreRecords(store, Access::Read);
+    const auto opened =
+        WatchedStore::open(store, Access::Read, [&watch](const WorkStep &step) { return watch(progressOf(step)); });
     if (!opened)
-        return notOpened(opened.error());
-    StoreRecords &server = **opened;
-    Making making(server.records(), **engine, watch);
-    server.setWatch([&making] { return making.goesOn(); });
-    if (const auto failure = server.holdMoment())
-        return endOf(copyFailureOf(*failure));
-    CopyEnd end = making.run(copy);
-    server.releaseMoment();
-    server.setWatch({});
+        return opened.error().wasStopped ? stopped() : notOpened(opened.error().words);
+    WatchedStore &server = **opened;
+    if (const auto failure = server.store().holdMoment())
+        return server.wasStopped() ? stopped() : endOf(copyFailureOf(*failure));
+    CopyEnd end = Making(server, **engine).run(copy);
+    server.store().releaseMoment();
     return end;
 }
 

@@ -10,9 +10,9 @@
 #include "app/records/deeds.h"
 #include "app/records/server_engine.h"
 #include "app/records/sqlite_records.h"
-#include "app/records/store_records.h"
 #include "app/shop/busy_wait.h"
 #include "app/shop/store_judge.h"
+#include "app/work/watched_store.h"
 #include "basic/logging.h"
 #include "basic/store_address.h"
 
@@ -74,7 +74,7 @@ private:
     BusyWait m_wait;
     SqliteDatabase m_backup;
     std::unique_ptr<SqliteRecords> m_from;
-    std::unique_ptr<StoreRecords> m_server;
+    std::unique_ptr<WatchedStore> m_server;
     std::unique_ptr<ColumnRules> m_rules;
     std::unique_ptr<StoreCopy> m_copy;
     QString m_kept;
@@ -82,7 +82,7 @@ private:
 
 RestoreResult ServerRestore::failed(const CopyFailure &failure) const
 {
-    if (failure.stopped)
+    if (failure.stopped || (!failure.isUnknown && m_server && m_server->wasStopped()))
         return stopped();
     if (failure.isUnknown)
         return failed(u"The server did not say whether the backup is in place (%1). Look at the store when the server "
@@ -124,13 +124,13 @@ End ServerRestore::reach()
     const auto engine = serverEngine();
     if (!engine)
         return failed(engine.error());
-    auto opened = openStoreRecords(m_order.store, Access::Write);
+    auto opened = WatchedStore::open(m_order.store, Access::Write, m_watch);
     if (!opened)
-        return failed(opened.error());
+        return opened.error().wasStopped ? stopped() : failed(opened.error().words);
     m_server = *std::move(opened);
     m_rules = std::make_unique<ColumnRules>(**engine);
     m_from = std::make_unique<SqliteRecords>(m_backup.get());
-    m_copy = std::make_unique<StoreCopy>(*m_from, *m_rules, m_watch);
+    m_copy = std::make_unique<StoreCopy>(*m_from, *m_rules, m_server->watch());
     if (const auto failure = unlessAllowed(server(), ServerRows::Replace))
         return failed(*failure);
     const auto users = serverUsersWhoStay(server());

@@ -177,7 +177,9 @@ void CataloguePage::takeBack(qint64 id)
     m_start->say({});
     m_job.start<Imported<ImportOutcome>>(
         [desk = m_desk, id](const WorkWatch &watch) {
-            return withImport<ImportOutcome>(desk, [&](CatalogueImport &import) { return import.takeBack(id, watch); });
+            return withImport<ImportOutcome>(desk, watch, [&](CatalogueImport &import, const WorkWatch &heard) {
+                return import.takeBack(id, heard);
+            });
         },
         [this, id](const Result<Imported<ImportOutcome>, QString> &outcome) { finishTakingBack(id, flat(outcome)); });
 }

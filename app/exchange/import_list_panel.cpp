@@ -152,8 +152,9 @@ void ImportListPanel::saveTo(const QString &path)
     m_words->clear();
     m_job.start<Imported<qint64>>(
         [desk = m_desk, id = m_id, shown = filter(), path, form = savedListForm(m_records)](const WorkWatch &watch) {
-            return withImport<qint64>(
-                desk, [&](CatalogueImport &import) { return import.saveList(id, shown, path, form, watch); });
+            return withImport<qint64>(desk, watch, [&](CatalogueImport &import, const WorkWatch &heard) {
+                return import.saveList(id, shown, path, form, heard);
+            });
         },
         [this, path](const Result<Imported<qint64>, QString> &outcome) {
             const auto saved = flat(outcome);

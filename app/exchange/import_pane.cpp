@@ -232,8 +232,9 @@ void ImportPane::preview()
 {
     m_job.start<Imported<StagedImport>>(
         [desk = m_desk, file = m_draft.file, choices = m_draft.choices](const WorkWatch &watch) {
-            return withImport<StagedImport>(
-                desk, [&](CatalogueImport &import) { return import.stage(file, choices, watch); });
+            return withImport<StagedImport>(desk, watch, [&](CatalogueImport &import, const WorkWatch &heard) {
+                return import.stage(file, choices, heard);
+            });
         },
         [this](const Result<Imported<StagedImport>, QString> &outcome) {
             const Imported<StagedImport> staged = flat(outcome);
@@ -327,11 +328,12 @@ void ImportPane::clean()
         return;
     m_cleaner.start<Imported<bool>>(
         [desk = m_desk, ids = std::exchange(m_cleaning, {})](const WorkWatch &watch) {
-            return withImport<bool>(desk, [&](CatalogueImport &import) -> Imported<bool> {
-                for (const std::int64_t id : ids)
-                    import.discard(id, watch);
-                return true;
-            });
+            return withImport<bool>(desk, watch,
+                                    [&](CatalogueImport &import, const WorkWatch &heard) -> Imported<bool> {
+                                        for (const std::int64_t id : ids)
+                                            import.discard(id, heard);
+                                        return true;
+                                    });
         },
         [this](const Result<Imported<bool>, QString> &) { clean(); });
 }

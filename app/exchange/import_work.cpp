@@ -54,8 +54,9 @@ Imported<SettledList> settleList(const ImportDesk &desk, const ImportFile &file,
         return Unexpected(stopped());
     SettledList settled;
     settled.decimal = guessDecimalSign(file.bytes, choices.form, choices.kind, choices.columns);
-    const auto may =
-        withImport<bool>(desk, [&](CatalogueImport &import) { return import.mayImportAsStored(file, choices); });
+    const auto may = withImport<bool>(desk, watch, [&](CatalogueImport &import, const WorkWatch &) {
+        return import.mayImportAsStored(file, choices);
+    });
     if (!may)
         return Unexpected(may.error());
     settled.mayBeAsStored = *may;
@@ -72,8 +73,9 @@ Imported<ImportOutcome> applyList(const ImportDesk &desk, std::int64_t id, bool 
             return Unexpected(failure(read.error()));
         now = *std::move(read);
     }
-    return withImport<ImportOutcome>(
-        desk, [&](CatalogueImport &import) { return import.apply(id, validRows, now ? &*now : nullptr, watch); });
+    return withImport<ImportOutcome>(desk, watch, [&](CatalogueImport &import, const WorkWatch &heard) {
+        return import.apply(id, validRows, now ? &*now : nullptr, heard);
+    });
 }
 
 } // namespace harrowby::app

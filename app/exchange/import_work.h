@@ -3,7 +3,7 @@
 
 #include "app/catalogue/catalogue_import.h"
 #include "app/csv/csv_guess.h"
-#include "app/records/store_records.h"
+#include "app/work/watched_store.h"
 
 #include <functional>
 #include <utility>
@@ -45,15 +45,21 @@ struct SettledList
 [[nodiscard]] Imported<ImportOutcome> applyList(const ImportDesk &desk, std::int64_t id, bool validRows,
                                                 const QString &path, const WorkWatch &watch);
 
-/// Runs it over a connection of its own.
+/// Runs it over a connection of its own. What fails because of the watch is a stop.
 template <typename T>
-[[nodiscard]] Imported<T> withImport(const ImportDesk &desk, const std::function<Imported<T>(CatalogueImport &)> &work)
+[[nodiscard]] Imported<T> withImport(const ImportDesk &desk, const WorkWatch &watch,
+                                     const std::function<Imported<T>(CatalogueImport &, const WorkWatch &)> &work)
 {
-    auto own = openStoreRecords(desk.store, Access::Write);
+    using Kind = ImportEnd::Kind;
+    const auto own = WatchedStore::open(desk.store, Access::Write, watch);
     if (!own)
-        return Unexpected(ImportEnd{ImportEnd::Kind::Failed, own.error()});
+        return Unexpected(ImportEnd{own.error().wasStopped ? Kind::Cancelled : Kind::Failed,
+                                    own.error().wasStopped ? QString() : own.error().words});
     CatalogueImport import((*own)->records(), desk);
-    return work(import);
+    auto outcome = work(import, (*own)->watch());
+    if (!outcome && outcome.error().kind == Kind::Failed && (*own)->wasStopped())
+        return Unexpected(ImportEnd{Kind::Cancelled, {}});
+    return outcome;
 }
 
 } // namespace harrowby::app

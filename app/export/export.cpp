@@ -4,6 +4,7 @@
 #include "app/csv/stored_cell.h"
 #include "app/export/export_file.h"
 #include "app/records/record_tables.h"
+#include "app/work/watched_store.h"
 #include "basic/logging.h"
 
 #include <sqlite3.h>
@@ -31,25 +32,6 @@ QString readProblem(const DbFailure &failure)
         return u"The list could not be read from the store (%1)."_s.arg(failure.reason);
     }
 }
-
-/// Ends with a watch of the records' statements.
-class Interruption
-{
-public:
-    Interruption(StoreRecords &store, const WorkWatch &watch) : m_store(store)
-    {
-        m_store.setWatch([this, &watch] { return watch({u"The list is being read …"_s, m_percent}); });
-    }
-    ~Interruption() { m_store.setWatch({}); }
-    Interruption(const Interruption &) = delete;
-    Interruption &operator=(const Interruption &) = delete;
-
-    void setPercent(int percent) { m_percent = percent; }
-
-private:
-    StoreRecords &m_store;
-    int m_percent = WorkStep::unknown;
-};
 
 /// The rows of a table, and which of them.
 struct List
@@ -130,7 +112,8 @@ Records::Answer<qint64> countOf(Records &records, const List &list)
 std::optional<ExportStop> writeList(StoreRecords &store, const List &list, CsvWriter &out, const WorkWatch &watch)
 {
     out.row(exportHeadings(list.columns));
-    Interruption interruption(store, watch);
+    if (!watch({u"The list is being read …"_s, WorkStep::unknown}))
+        return ExportStop{true, {}};
     const auto all = countOf(store.records(), list);
     if (!all)
         return exportStop(store, all.error());
@@ -140,7 +123,6 @@ std::optional<ExportStop> writeList(StoreRecords &store, const List &list, CsvWr
         writeRow(cells, list.columns, row);
         if (done++ % rowsBetweenLooks != 0)
             return true;
-        interruption.setPercent(percentOf(done - 1, *all));
         return watch({u"The list is being read …"_s, percentOf(done - 1, *all)});
     };
     const auto whole = store.records().readEach(list.own, {selectOf(list), list.values}, take);
@@ -164,12 +146,15 @@ ExportEnd ended(const ExportStop &stop)
 /// Fills the writer with what is there at one moment; why it did not come to its end.
 std::optional<ExportStop> read(const QString &store, CsvWriter &out, const ExportRows &rows, const WorkWatch &watch)
 {
-    const auto source = openStoreRecords(store, Access::Read);
+    const auto source = WatchedStore::open(store, Access::Read, watch);
+    if (!source && source.error().wasStopped)
+        return ExportStop{true, {}};
     if (!source)
-        return ExportStop{false, u"The list could not be read from the store.\n"_s + source.error()};
-    if (const auto failure = (*source)->holdMoment())
-        return exportStop(**source, *failure);
-    return rows(**source, out, watch);
+        return ExportStop{false, u"The list could not be read from the store.\n"_s + source.error().words};
+    WatchedStore &watched = **source;
+    const auto failure = watched.store().holdMoment();
+    const auto stop = failure ? exportStop(watched.store(), *failure) : rows(watched.store(), out, watched.watch());
+    return stop && watched.wasStopped() ? ExportStop{true, {}} : stop;
 }
 
 } // namespace

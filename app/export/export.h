@@ -66,7 +66,7 @@ struct ExportStop
 /// Why it stops after a failure of these records.
 [[nodiscard]] ExportStop exportStop(const StoreRecords &store, const DbFailure &failure);
 /// Writes any list, its headings as the first row. The records only read, and all they read is of one moment; their
-/// statements may be watched.
+/// statements hear the watch, too.
 using ExportRows =
     std::function<std::optional<ExportStop>(StoreRecords &store, CsvWriter &out, const WorkWatch &watch)>;
 

@@ -4,8 +4,8 @@
 #include "app/boxes/office_box.h"
 #include "app/codes/code_text.h"
 #include "app/labels/step_entry.h"
-#include "app/records/store_records.h"
 #include "app/shop/failure_text.h"
+#include "app/work/watched_store.h"
 #include "app/work/work_strip.h"
 #include "basic/numbers.h"
 #include "input/touch_target.h"
@@ -41,9 +41,9 @@ constexpr int mostListed = 200; // nobody reads more
 ItemsRead readAll(const QString &store, const LabelQuery &query, const WorkWatch &watch)
 {
     (void)watch({u"The items are being read \u2026"_s, WorkStep::unknown});
-    const auto own = openStoreRecords(store, Access::Read);
+    const auto own = WatchedStore::open(store, Access::Read, watch);
     if (!own)
-        return Unexpected(own.error());
+        return Unexpected(own.error().words);
     const auto items = LabelItems((*own)->records()).find(query);
     if (!items)
         return Unexpected(failureWords(notRead, items.error()));

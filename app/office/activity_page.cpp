@@ -133,13 +133,13 @@ void ActivityPage::look(bool withUsers)
 {
     const auto work = [store = m_store, search = m_search, withUsers](const WorkWatch &watch) {
         Found found;
-        const auto opened = withOwnRecords(store, [&](Records &records) {
-            auto entries = search->next(records, entriesOfAPage, watch);
+        const auto opened = withOwnRecords(store, watch, [&](Records &records, const WorkWatch &heard) {
+            auto entries = search->next(records, entriesOfAPage, heard);
             if (entries)
                 found.entries = *std::move(entries);
             else
                 found.problem = entries.error().reason;
-            if (withUsers)
+            if (withUsers && found.problem.isEmpty()) // else a silent server would be waited for twice
                 found.users = usersOfActivity(records).value_or(QStringList());
         });
         if (!opened)

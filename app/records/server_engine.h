@@ -133,8 +133,8 @@ public:
     [[nodiscard]] virtual Result<std::unique_ptr<ServerStore>, ServerProblem> open(const QString &target,
                                                                                    const ServerOptions &options) = 0;
     /// See openStoreRecords().
-    [[nodiscard]] virtual Result<std::unique_ptr<StoreRecords>, ServerProblem> openRecords(const QString &target,
-                                                                                           Access access) = 0;
+    [[nodiscard]] virtual Result<std::unique_ptr<StoreRecords>, ServerProblem>
+    openRecords(const QString &target, Access access, std::function<bool()> goesOn) = 0;
 
     /// Why a server's table cannot hold these values (English, one line, begins with a small letter); nothing when it
     /// can.

@@ -45,7 +45,9 @@ public:
 };
 
 /// Opens a store that has been judged before, by its address (basic/store_address.h): a file's through SQLite, a
-/// server's through serverEngine(). Nothing is made. The reason why not, in words for a person.
-[[nodiscard]] Result<std::unique_ptr<StoreRecords>, QString> openStoreRecords(const QString &store, Access access);
+/// server's through serverEngine(). Nothing is made. The reason why not, in words for a person. `goesOn` is the first
+/// watch, which a server is asked about already while it is waited for here.
+[[nodiscard]] Result<std::unique_ptr<StoreRecords>, QString> openStoreRecords(const QString &store, Access access,
+                                                                              std::function<bool()> goesOn = {});
 
 } // namespace harrowby::app

@@ -44,7 +44,7 @@ void WorkJob::cancel()
 void WorkJob::report(const WorkStep &step)
 {
     const std::lock_guard lock(m_mutex);
-    if (step == m_last)
+    if (step == m_last || step.words.isEmpty())
         return;
     m_last = step;
     const bool isOnItsWay = m_new.has_value();

@@ -38,7 +38,7 @@ public:
 
 Q_SIGNALS:
     void started();
-    /// Not each step: what is new when the event loop comes to it.
+    /// Not each step, and none without words: what is new when the event loop comes to it.
     void progressed(const harrowby::app::WorkStep &step);
     void cancelled();
     /// Right before `end` is called; isRunning() is false.

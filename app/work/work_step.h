@@ -12,7 +12,9 @@ struct WorkStep
 {
     static constexpr int unknown = -1;
 
-    QString words;         ///< what is being done: "The rows are being compared …"
+    /// What is being done: "The rows are being compared …". Empty where nothing is told, and only asked whether it goes
+    /// on.
+    QString words;
     int percent = unknown; ///< of the whole work or of this step, 0 to 100
 
     friend bool operator==(const WorkStep &, const WorkStep &) = default;

@@ -287,7 +287,11 @@ std::optional<DbFailure> PostgresRecords::commit()
     const auto transaction = std::exchange(m_transaction, nullptr);
     if (!transaction)
         return refused(Kind::Write, u"commit"_s, u"nothing was begun"_s);
+    if (m_aroundCommit)
+        m_aroundCommit(true);
     const Actions::End end = transaction->commit();
+    if (m_aroundCommit)
+        m_aroundCommit(false);
     return end.outcome == Outcome::Done ? std::nullopt : std::optional(failureOfEnd(u"commit"_s, end));
 }
 

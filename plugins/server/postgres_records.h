@@ -34,6 +34,9 @@ public:
     /// Called before each statement that stands alone, and before each transaction.
     void setBeforeAction(std::function<void()> prepare) { m_beforeAction = std::move(prepare); }
 
+    /// Called when a transaction is about to be committed, and when that has ended.
+    void setAroundCommit(std::function<void(bool begins)> tell) { m_aroundCommit = std::move(tell); }
+
     /// See StoreRecords.
     [[nodiscard]] std::optional<DbFailure> holdMoment();
     void releaseMoment();
@@ -66,6 +69,7 @@ private:
     postgres::ServerAccess &m_access;
     postgres::Writer &m_writer;
     std::function<void()> m_beforeAction;
+    std::function<void(bool)> m_aroundCommit;
     std::unique_ptr<postgres::Transaction> m_transaction;
     QSet<QString> m_tables; ///< of the program's own that are there, in small letters
     int m_lists = 0;        ///< that were read in pieces

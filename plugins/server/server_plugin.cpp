@@ -6,6 +6,8 @@
 
 #include <QObject>
 
+#include <utility>
+
 namespace harrowby::server {
 
 class ServerPlugin : public QObject, public app::ServerEngine
@@ -24,10 +26,10 @@ public:
         return std::unique_ptr<app::ServerStore>(std::move(store));
     }
 
-    Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> openRecords(const QString &target,
-                                                                               app::Access access) override
+    Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
+    openRecords(const QString &target, app::Access access, std::function<bool()> goesOn) override
     {
-        return ServerRecords::open(target, access);
+        return ServerRecords::open(target, access, std::move(goesOn));
     }
 
     [[nodiscard]] std::optional<QString> unstorable(const QString &table, const DbAssignments &values) const override

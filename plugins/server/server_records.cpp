@@ -6,6 +6,8 @@
 #include "postgres/schema.h"
 #include "postgres/shop_memory.h"
 
+#include <QDeadlineTimer>
+
 #include <atomic>
 #include <exception>
 #include <utility>
@@ -15,6 +17,8 @@ using namespace Qt::StringLiterals;
 namespace harrowby::server {
 
 using namespace std::chrono_literals;
+
+constexpr auto longestCommit = 5s;
 
 /// What works for minutes, beside the tills.
 struct OwnSession
@@ -54,6 +58,8 @@ struct OwnSession
     /// Called in the middle of a wait.
     [[nodiscard]] bool goesOn()
     {
+        if (!commit.hasExpired())
+            return true;
         try {
             hasEnded = isInterrupted.exchange(false) || (watch && !watch());
         } catch (const std::exception &error) {
@@ -66,6 +72,7 @@ struct OwnSession
     std::atomic<bool> isInterrupted = false;
     bool hasEnded = false; ///< the latest statement, by whoever waits for it
     std::function<bool()> watch;
+    QDeadlineTimer commit; ///< until then one that was sent is waited for, whatever the watch says
     postgres::ActionTime time;
     postgres::ServerAccess access;
     postgres::Writer writer;
@@ -82,15 +89,19 @@ ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access ac
         session->isInterrupted = false;
         session->hasEnded = false;
     });
+    m_records.setAroundCommit([session = m_session.get()](bool begins) {
+        session->commit = begins ? QDeadlineTimer(longestCommit) : QDeadlineTimer();
+    });
 }
 
 ServerRecords::~ServerRecords() = default;
 
-Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> ServerRecords::open(const QString &target,
-                                                                                   app::Access access)
+Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
+ServerRecords::open(const QString &target, app::Access access, std::function<bool()> goesOn)
 {
     const auto use = access == app::Access::Read ? PgTarget::Use::Walk : PgTarget::Use::Work;
     auto session = std::make_shared<OwnSession>(target, use);
+    session->watch = std::move(goesOn);
     if (const auto reached = session->access.reach(); !reached)
         return Unexpected(problemOf(reached.error()));
     return std::unique_ptr<app::StoreRecords>(new ServerRecords(std::move(session), access));

@@ -5,18 +5,20 @@
 #include "app/records/store_records.h"
 #include "plugins/server/postgres_records.h"
 
+#include <functional>
 #include <memory>
 
 namespace harrowby::server {
 
 struct OwnSession;
 
-/// See app::StoreRecords: over a session of its own. A statement may take minutes; it ends when the watch says so.
+/// See app::StoreRecords: over a session of its own. A statement may take minutes; it ends when the watch says so; a
+/// commit has a moment longer, so that nobody who cancels is left with what nobody knows.
 class ServerRecords final : public app::StoreRecords
 {
 public:
-    [[nodiscard]] static Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem> open(const QString &target,
-                                                                                             app::Access access);
+    [[nodiscard]] static Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
+    open(const QString &target, app::Access access, std::function<bool()> goesOn);
     ~ServerRecords() override;
 
     [[nodiscard]] app::Records &records() override { return m_records; }

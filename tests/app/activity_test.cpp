@@ -328,7 +328,7 @@ void ActivityTest::ownConnectionReads()
 {
     log(u"here"_s, u"2026-03-05 08:00:00"_s);
     QStringList all;
-    const auto done = withOwnRecords(m_path, [&](Records &records) {
+    const auto done = withOwnRecords(m_path, goOn, [&](Records &records, const WorkWatch &) {
         ActivitySearch search({});
         const auto entries = search.next(records, 10, goOn).value_or(QList<ActivityEntry>());
         for (const ActivityEntry &entry : entries)
@@ -336,7 +336,8 @@ void ActivityTest::ownConnectionReads()
     });
     QCOMPARE(reasonOf(done), QString());
     QCOMPARE(all, QStringList{u"here"_s});
-    const auto none = withOwnRecords(m_folder.filePath(u"none/none.db"_s), [](Records &) { QFAIL("no such file"); });
+    const auto none = withOwnRecords(m_folder.filePath(u"none/none.db"_s), goOn,
+                                     [](Records &, const WorkWatch &) { QFAIL("no such file"); });
     QVERIFY(!none);
 }
 
