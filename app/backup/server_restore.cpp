@@ -78,6 +78,7 @@ private:
     std::unique_ptr<ColumnRules> m_rules;
     std::unique_ptr<StoreCopy> m_copy;
     QString m_kept;
+    StoreTrace m_trace; ///< from before it was kept
 };
 
 RestoreResult ServerRestore::failed(const CopyFailure &failure) const
@@ -152,6 +153,10 @@ End ServerRestore::lookAtRows()
 
 End ServerRestore::keep()
 {
+    const auto trace = traceOf(server());
+    if (!trace)
+        return failed(trace.error());
+    m_trace = *trace;
     const BackupWatch watch = [this](const BackupProgress &step) {
         const bool isChecked = step.stage == BackupProgress::Stage::Checking;
         return m_watch({u"The present store is being kept \u2026"_s, isChecked ? WorkStep::unknown : step.percent});
@@ -175,12 +180,13 @@ std::optional<CopyFailure> ServerRestore::noteDeed(Records &server) const
     return CopyFailure{u"it cannot be noted who restores: "_s + failure->reason, false, Records::isUnknown(*failure)};
 }
 
-/// What the store knows of its backups stays, too.
+/// What the store knows of its backups stays, too. A sale that came after the keeping would be in neither store.
 End ServerRestore::replace()
 {
     const QList<GoodBackup> noted = goodBackups(server());
     const auto rows = copyIntoServer(
-        *m_copy, server(), {ServerRows::Replace, aRestore, [this](Records &records) { return noteDeed(records); }});
+        *m_copy, server(),
+        {ServerRows::Replace, aRestore, m_trace, [this](Records &records) { return noteDeed(records); }});
     if (!rows)
         return failed(rows.error());
     for (auto backup = noted.crbegin(); backup != noted.crend(); ++backup)

@@ -65,6 +65,7 @@ struct Server
 {
     std::unique_ptr<StoreRecords> records;
     const ServerEngine *engine = nullptr;
+    StoreTrace trace; ///< from when it was opened
 };
 
 /// Nobody else has it open.
@@ -85,17 +86,23 @@ Result<Server, TransferEnd> openServer(const QString &target, Access access)
         return Unexpected(ended(users.error()));
     if (!users->isEmpty())
         return Unexpected(ended(How::Failed, serverInUse(*users, theCopying)));
-    return Server{*std::move(opened), *engine};
+    const auto trace = traceOf((*opened)->records());
+    if (!trace)
+        return Unexpected(ended(trace.error()));
+    return Server{*std::move(opened), *engine, *trace};
 }
 
-/// Sales of a till that came meanwhile would be missing in the file.
+/// Sales of a till that came meanwhile, or has come and gone, would be missing in the file.
 TransferEnd unlessSomebodyCame(const Server &server, const BackupResult &made)
 {
     const auto users = serverUsersWhoStay(server.records->records());
-    if (users && users->isEmpty())
+    const auto written = unlessUnwritten(server.records->records(), server.trace);
+    if (users && users->isEmpty() && !written)
         return {.outcome = How::Done};
     QFile::remove(made.file);
-    return users ? ended(How::Failed, serverInUse(*users, theCopying)) : ended(users.error());
+    if (!users)
+        return ended(users.error());
+    return users->isEmpty() ? ended(*written) : ended(How::Failed, serverInUse(*users, theCopying));
 }
 
 QHash<QString, std::int64_t> rowsOf(const QString &file)

@@ -81,6 +81,8 @@ Result<Rows, CopyFailure> copyLocked(StoreCopy &copy, Records &server, const Ser
     auto failure = call(server, locking);
     if (!failure)
         failure = unlessAlone(server, how.what);
+    if (!failure && how.kept)
+        failure = unlessUnwritten(server, *how.kept);
     if (!failure)
         failure = how.before == ServerRows::MustBeNone ? unlessEmpty(server) : call(server, emptying);
     if (failure)
@@ -108,6 +110,36 @@ std::optional<CopyFailure> unlessAllowed(Records &server, ServerRows before)
         return rows.error();
     const bool isAllowed = !rows->isEmpty() && recordNumber(rows->constFirst().constFirst()) != 0;
     return isAllowed ? Failed() : notAllowed(before);
+}
+
+Result<StoreTrace, CopyFailure> traceOf(Records &server)
+{
+    StoreTrace trace;
+    for (const CopiedTable &table : copiedTables()) {
+        const QString highest = table.isShops() ? u"max(%1)"_s.arg(server.dialect().rowId) : u"0"_s;
+        const auto rows = server.read(table.records(), {u"select count(*), %1 from %2"_s.arg(highest, table.name), {}});
+        if (!rows)
+            return Unexpected(copyFailureOf(rows.error(), table.name));
+        for (const RecordRow &row : *rows)
+            trace.insert(table.name, {recordText(row.at(0)), recordText(row.at(1))});
+    }
+    return trace;
+}
+
+Failed unlessUnwritten(Records &server, const StoreTrace &trace)
+{
+    const auto now = traceOf(server);
+    if (!now)
+        return now.error();
+    QStringList written;
+    for (const CopiedTable &table : copiedTables()) {
+        if (now->value(table.name) != trace.value(table.name))
+            written << table.name;
+    }
+    if (written.isEmpty())
+        return {};
+    return CopyFailure{.problem = u"Another program has written into the store meanwhile: "_s + written.join(u", "_s),
+                       .advice = u"Close the tills and offices, then do it once more."_s};
 }
 
 Result<QStringList, CopyFailure> serverUsers(Records &server, OwnName own)

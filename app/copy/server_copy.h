@@ -3,6 +3,9 @@
 
 #include "app/copy/store_copy.h"
 
+#include <QHash>
+#include <QStringList>
+
 #include <functional>
 #include <optional>
 
@@ -26,6 +29,12 @@ enum class ServerRows {
 /// Whether this program has logged in as one who may do that to the server's store; else why not.
 [[nodiscard]] std::optional<CopyFailure> unlessAllowed(Records &server, ServerRows before);
 
+/// How many rows a server's tables have, and the highest identity of each: a sale adds some. By table.
+using StoreTrace = QHash<QString, QStringList>;
+[[nodiscard]] Result<StoreTrace, CopyFailure> traceOf(Records &server);
+/// Nothing when the server's store still has this trace; else what has been written to meanwhile, for a person.
+[[nodiscard]] std::optional<CopyFailure> unlessUnwritten(Records &server, const StoreTrace &trace);
+
 /// Who has it open, and what to do, for a person. `what` needs the store for itself: "a restore".
 [[nodiscard]] QString serverInUse(const QStringList &users, const QString &what);
 
@@ -33,6 +42,8 @@ struct ServerCopy
 {
     ServerRows before = ServerRows::MustBeNone;
     QString what; ///< needs the store for itself: "a restore"
+    /// Of the store as it was kept: once nobody else can write it is looked whether it is the same still.
+    std::optional<StoreTrace> kept = {};
     /// Run when all is written and compared, to write what belongs to it; why it cannot be. May be empty.
     std::function<std::optional<CopyFailure>(Records &server)> more = {};
 };

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void restoreReplacesEverythingButDeeds();
     void restoreThatIsRefusedChangesNothing_data();
     void restoreThatIsRefusedChangesNothing();
+    void restoreLosesNoSaleThatCameMeanwhile();
     void rightsSufficeForWhoMay();
     void contentsAreThoseOfTheServer();
     void pageBacksUpAndAsksForARestore();
@@ -96,7 +97,7 @@ void ServerBackupTest::backupIsAStoreOfOneMoment()
     bool isSold = false;
     const BackupResult made =
         backUpStore(m_desk->target(), m_desk->path(u"copy.db"_s), false, [&](const BackupProgress &progress) {
-            if (!std::exchange(isSold, true))
+            if (progress.percent > 0 && !std::exchange(isSold, true)) // before, the moment may not have begun
                 m_desk->cluster.sql(
                     u"insert into harrowby.SysUsage (Times) values ('late'); update harrowby.StockList set "
                     "StockAvailable = 1000; insert into harrowby.HarrowbySetting values ('late', 'x')"_s,
@@ -201,6 +202,27 @@ void ServerBackupTest::restoreThatIsRefusedChangesNothing()
     QVERIFY2(restored.problem.contains(reason), qPrintable(restored.problem));
     QVERIFY2(restored.problem.contains(u"The store is as it was."_s), qPrintable(restored.problem));
     QCOMPARE(m_desk->everyRow(), before);
+}
+
+/// Of a till that has come and gone between the keeping of the present store and its replacement.
+void ServerBackupTest::restoreLosesNoSaleThatCameMeanwhile()
+{
+    m_desk->fill();
+    bool isSold = false;
+    const RestoreOrder order = {m_desk->path(u"full.sqlite"_s), m_desk->target(), u"ANNA"_s, officePlace,
+                                m_desk->folder()};
+    const RestoreResult restored = restoreStore(order, [&](const WorkStep &step) {
+        const bool isKept = step.words.startsWith(u"The present store"_s) && step.percent == WorkStep::unknown;
+        if (isKept && !std::exchange(isSold, true))
+            m_desk->sql(u"insert into harrowby.PurchaseCart (PurchaseID) values ('LATE')"_s);
+        return true;
+    });
+    QVERIFY(isSold);
+    QCOMPARE(restored.outcome, RestoreResult::Outcome::Failed);
+    QCOMPARE(restored.problem,
+             u"Nothing was restored (Another program has written into the store meanwhile: PurchaseCart). The store is "
+             "as it was.\nClose the tills and offices, then do it once more."_s);
+    QCOMPARE(m_desk->countOf(u"PurchaseCart where PurchaseID = 'LATE'"_s), u"1"_s);
 }
 
 /// The rights are those that the set-up gives.

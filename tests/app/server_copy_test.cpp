@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -54,6 +55,7 @@ private Q_SLOTS:
     void fileThatIsThereIsRefused();
     void fileThatIsOpenIsRefused();
     void serverThatIsOpenIsRefused();
+    void serverThatIsWrittenMeanwhileIsRefused();
     void rowsThatDoNotFitAreToldBeforeAnythingIsWritten();
     void missingStoresAreTold();
     void copyThatBreaksOffLeavesAnEmptyServer();
@@ -165,6 +167,25 @@ void ServerCopyTest::serverThatIsOpenIsRefused()
     }
     QVERIFY(!QFile::exists(m_desk->path(u"back.sqlite"_s)));
     QCOMPARE(m_desk->countOf(u"StockList"_s), u"0"_s);
+}
+
+/// By a till that has come and gone.
+void ServerCopyTest::serverThatIsWrittenMeanwhileIsRefused()
+{
+    m_desk->fill();
+    bool isSold = false;
+    const QString file = m_desk->path(u"back.sqlite"_s);
+    const TransferEnd end = copyServerToFile(m_desk->target(), file, [&](const WorkStep &step) {
+        if (step.words == comparingWords && !std::exchange(isSold, true))
+            m_desk->sql(u"insert into harrowby.SysUsage (Times) values ('late')"_s);
+        return true;
+    });
+    QVERIFY(isSold);
+    QCOMPARE(end.outcome, How::Failed);
+    QCOMPARE(end.problem,
+             u"Nothing was copied. Another program has written into the store meanwhile: SysUsage\nClose the "
+             "tills and offices, then do it once more."_s);
+    QVERIFY(!QFile::exists(file));
 }
 
 void ServerCopyTest::rowsThatDoNotFitAreToldBeforeAnythingIsWritten()
@@ -328,7 +349,7 @@ void ServerCopyTest::copyWhoseEndIsUnknownIsToldAndFoundOut()
         cable.goSilentAtAnswerOf(answer);
         return std::optional<CopyFailure>();
     };
-    const auto rows = copyIntoServer(copy, *records, {ServerRows::MustBeNone, u"the copying"_s, silence});
+    const auto rows = copyIntoServer(copy, *records, {ServerRows::MustBeNone, u"the copying"_s, {}, silence});
     QVERIFY(!rows);
     QCOMPARE(rows.error().isUnknown, isCopied);
     QVERIFY(!rows.error().problem.isEmpty());
