@@ -30,15 +30,20 @@ namespace {
 constexpr int sellers = 4;
 constexpr int startingStock = 1'000'000;
 constexpr int usualRounds = 5;
-constexpr int salesBetween = 40; ///< of each seller, before the next kill
-constexpr qint64 mostMsToAWrite = 1'000;
+constexpr int salesBetween = 40;              ///< of each seller, before the next kill
+constexpr qint64 mostMsToAWrite = 1'000;      ///< of the quickest
+constexpr qint64 mostMsToEachsWrite = 10'000; ///< of every one, the till among them
 constexpr int hangMs = 120'000;
 const QString tillsUser = u"JACK"_s;
 
+qint64 msOf(std::chrono::steady_clock::time_point moment)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(moment.time_since_epoch()).count();
+}
+
 qint64 nowMs()
 {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
+    return msOf(std::chrono::steady_clock::now());
 }
 
 /// Whether the test has ended this process's input.
@@ -88,6 +93,7 @@ int sellAtTheTill(const QString &path)
     say(u"ready"_s);
     while (!isToldToStop()) {
         till.sellOne(0);
+        say(u"T "_s + QString::number(nowMs()));
         awaitNextAction();
     }
     return 0;
@@ -121,11 +127,11 @@ public:
         }
         return all;
     }
-    /// When the first write was done from then on; negative when none was.
+    /// When the first write was done from then on, or the first sale of the till; negative when none was.
     [[nodiscard]] qint64 firstDoneAfter(qint64 moment) const
     {
         for (const QByteArray &line : m_output.split('\n')) {
-            if (line.startsWith("D ") && line.split(' ').at(1).toLongLong() >= moment)
+            if ((line.startsWith("D ") || line.startsWith("T ")) && line.split(' ').at(1).toLongLong() >= moment)
                 return line.split(' ').at(1).toLongLong();
         }
         return -1;
@@ -209,15 +215,15 @@ void FailoverTest::failOver()
     PrivateCluster &dead = primary();
     m_primary = 1 - m_primary;
     dead.kill9();
-    primary().promote();
-    const qint64 promoted = nowMs();
+    const qint64 promoted = msOf(primary().promote());
     awaitSales();
     if (QTest::currentTestFailed())
         return;
     qint64 first = std::numeric_limits<qint64>::max();
     for (const auto &seller : m_sellers) {
-        if (const qint64 done = seller->firstDoneAfter(promoted); done >= 0)
-            first = qMin(first, done);
+        const qint64 done = seller->firstDoneAfter(promoted);
+        QVERIFY2(done >= 0 && done - promoted <= mostMsToEachsWrite, qPrintable(seller->name()));
+        first = qMin(first, done);
     }
     m_longest = qMax(m_longest, first - promoted);
     QVERIFY(first - promoted <= mostMsToAWrite);
