@@ -148,7 +148,7 @@ void OfficeOnServerTest::changesSayIt()
     server().kill9();
     answerNextBox(QMessageBox::AcceptRole);
     pressNow("InventorySales");
-    isSaid(m_boxText, u"not"_s);
+    isSaid(m_boxText, u"The user was not changed."_s);
     isSaid(said("usersOutcome"), u"The users could not be read."_s);
     QCOMPARE(part<QListWidget>("users")->count(), 3);
     bringBack();

@@ -97,7 +97,9 @@ QStringList column(const QString &path, const QString &select)
     if (harrowby::test::isOnServer(path)) {
         harrowby::test::ServerSession session(ownersAddress(path));
         const auto rows = session.rows(select, harrowby::test::ServerSession::Columns::First);
-        return rows ? *rows : QStringList{session.message()};
+        if (!rows) // a message would be equal to the same one
+            qFatal("%s: %s", qPrintable(select), qPrintable(session.message()));
+        return *rows;
     }
     SqliteDatabase database;
     if (into(database, openDatabase(path, OpenMode::Write)))
