@@ -55,7 +55,7 @@ Result<OfficeLeaving, ExitCode> keepOpen(const QString &address, ServerStore &st
     if (const auto users = seeToFirstUser(*records, address); !users)
         return Unexpected(users.error());
     const InputActions actions([&store] { store.beginAction(); });
-    const ServerWatch watch(address);
+    const ServerWatch watch(address, store.identity());
     QObject::connect(&watch, &ServerWatch::answered, &actions, [&](bool isBack) {
         serverAnswers(store, isBack, isBack || doubts.isOpen());
         if (isBack)

@@ -33,7 +33,7 @@ void tellServer(Banner &banner, const ServerWatch::State &state)
 {
     const auto topic = BannerTopic::Server;
     if (!state.isReached)
-        banner.say(topic, u"The server cannot be reached. The cart stays."_s, BannerTone::Refused);
+        banner.say(topic, state.why + u". The cart stays."_s, BannerTone::Refused);
     else if (state.protection == "waiting"_L1)
         banner.say(topic, u"The standby is gone: nothing can be sold."_s, BannerTone::Refused);
     else if (state.protection == "alone"_L1)
@@ -69,7 +69,7 @@ class ServerAttendance
 public:
     ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks, const SaleFollower &follower,
                      MissedReading &missed) :
-        m_watch(address),
+        m_watch(address, store.identity()),
         m_store(store), m_locks(locks), m_follower(follower), m_missed(missed)
     {
     }

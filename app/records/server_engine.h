@@ -8,6 +8,7 @@
 #include <harrowby/db_connection.h>
 
 #include <QString>
+#include <QUuid>
 #include <QtPlugin>
 
 #include <chrono>
@@ -29,7 +30,7 @@ struct ServerProblem
         NoServer,     ///< nobody answers in time, or the machine refuses the connection
         Denied,       ///< name, password or database are not let in, or not without TLS
         NotTrusted,   ///< TLS was not agreed upon: no certificate, a foreign one, or another machine's
-        NotAStore,    ///< no server or no database that a store can be in
+        NotAStore,    ///< no server or no database that a store can be in, or another store
         SchemaTooOld, ///< a store, and older than this program
         SchemaTooNew, ///< a store, and this program is too old for it
         Crowded,      ///< as many are connected as the server takes
@@ -91,6 +92,8 @@ public:
     /// They keep the connection alive.
     [[nodiscard]] virtual std::unique_ptr<Records> records() = 0;
 
+    /// Of the shop's store, the same on each of its servers.
+    [[nodiscard]] virtual QUuid identity() const = 0;
     /// Whether the session was there when it was used last.
     [[nodiscard]] virtual bool isOpen() const = 0;
     /// Tries to connect when it is not, and to resolve what is unknown. Nothing when all is well.
@@ -132,9 +135,9 @@ public:
     /// Connects and looks whether the database is one of a shop. `target` as libpq takes it.
     [[nodiscard]] virtual Result<std::unique_ptr<ServerStore>, ServerProblem> open(const QString &target,
                                                                                    const ServerOptions &options) = 0;
-    /// See openStoreRecords().
+    /// See openStoreRecords(). Of the store of that identity alone, where one is given.
     [[nodiscard]] virtual Result<std::unique_ptr<StoreRecords>, ServerProblem>
-    openRecords(const QString &target, Access access, std::function<bool()> goesOn) = 0;
+    openRecords(const QString &target, Access access, std::function<bool()> goesOn, const QUuid &store) = 0;
 
     /// Why a server's table cannot hold these values (English, one line, begins with a small letter); nothing when it
     /// can.

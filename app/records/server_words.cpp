@@ -106,6 +106,12 @@ QString problemWords(const ServerProblem &problem, const QString &store)
     return u"The store \"%1\" cannot be opened. %2%3.\n%4"_s.arg(storeWords(store), words.what, reason, words.whatToDo);
 }
 
+QString goneWords(const ServerProblem &problem)
+{
+    // Which is what is wrong with it: it was a store when it was opened.
+    return problem.kind == Trouble::NotAStore ? problem.reason : wordsOf(problem).what;
+}
+
 QString nobodyYetWords(const QString &store)
 {
     return u"The store \"%1\" has no user yet, and a till may not add one.\n"

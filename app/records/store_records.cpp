@@ -23,7 +23,7 @@ Result<std::unique_ptr<StoreRecords>, QString> openStoreRecords(const QString &s
     const auto engine = serverEngine();
     if (!engine)
         return Unexpected(problemWords({ServerProblem::Kind::NoPackage, engine.error(), {}}, store));
-    auto records = (*engine)->openRecords(store, access, std::move(goesOn));
+    auto records = (*engine)->openRecords(store, access, std::move(goesOn), {});
     if (!records)
         return Unexpected(problemWords(records.error(), store));
     return *std::move(records);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/server/server_watch.h"
 
+#include "app/records/server_words.h"
 #include "app/records/store_records.h"
 #include "basic/logging.h"
 
@@ -18,8 +19,8 @@ constexpr std::chrono::seconds longestAnswer{3};
 
 } // namespace
 
-ServerWatch::ServerWatch(QString store, std::chrono::milliseconds every, QObject *parent) :
-    QObject(parent), m_store(std::move(store)), m_every(every)
+ServerWatch::ServerWatch(QString store, const QUuid &identity, std::chrono::milliseconds every, QObject *parent) :
+    QObject(parent), m_store(std::move(store)), m_identity(identity), m_every(every)
 {
     m_thread = std::jthread([this] { run(); });
 }
@@ -63,23 +64,28 @@ bool ServerWatch::pause()
     return !m_wake.wait_for(lock, m_every, [this] { return m_ends; });
 }
 
-bool ServerWatch::reach()
+std::optional<ServerProblem> ServerWatch::reach()
 {
     if (m_records)
-        return true;
-    auto opened = openStoreRecords(m_store, Access::Read);
+        return {};
+    const auto engine = serverEngine();
+    if (!engine)
+        return ServerProblem{ServerProblem::Kind::NoPackage, engine.error(), {}};
+    auto opened = (*engine)->openRecords(m_store, Access::Read, {}, m_identity);
+    if (!opened)
+        return opened.error();
     const std::lock_guard lock(m_mutex);
-    if (!opened || m_ends)
-        return false;
+    if (m_ends)
+        return ServerProblem{ServerProblem::Kind::GivenUp, {}, {}};
     m_records = *std::move(opened);
     m_records->setWatch([this] { return !m_patience.hasExpired(); });
-    return true;
+    return {};
 }
 
 ServerWatch::State ServerWatch::ask()
 {
-    if (!reach())
-        return {false, m_last.protection};
+    if (const auto problem = reach())
+        return {false, goneWords(*problem), m_last.protection};
     m_patience.setRemainingTime(longestAnswer);
     const auto select = m_tellsProtection ? u"select harrowby.protection()"_s : u"select 'single'"_s;
     const auto answer = m_records->records().read({select, {}});
@@ -87,15 +93,15 @@ ServerWatch::State ServerWatch::ask()
         const QString protection = recordText(answer->constFirst().constFirst());
         if (protection == "waiting"_L1 || protection == "alone"_L1)
             forget(); // a server that was replaced, and lives on, says so, too: the store's is looked for anew
-        return {true, protection};
+        return {true, {}, protection};
     }
     constexpr auto noSuchFunction = "42883"_L1;
     if (!answer && answer.error().engineState == noSuchFunction) { // a server that was not set up by the script
         m_tellsProtection = false;
-        return {true, u"single"_s};
+        return {true, {}, u"single"_s};
     }
     forget();
-    return {false, m_last.protection};
+    return {false, goneWords({ServerProblem::Kind::NoServer, {}, {}}), m_last.protection}; // the next one knows more
 }
 
 void ServerWatch::forget()

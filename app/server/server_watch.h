@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/server_engine.h"
+
 #include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
+#include <QUuid>
 
 #include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace harrowby::app {
-
-class StoreRecords;
 
 /// Asks the server again and again, on a thread and over a session of its own, how it is: a till that nobody touches
 /// learns of it, too, and no press waits for it.
@@ -25,6 +27,7 @@ public:
     struct State
     {
         bool isReached = true;
+        QString why; ///< it is not: one line without a full stop
         /// As the server last said it; empty before: 'single' (there is no standby), 'protected' (each write is on two
         /// machines), 'waiting' (none can be, so nothing is confirmed) or 'alone' (it goes on without the standby, by
         /// the shop's own choice).
@@ -32,9 +35,10 @@ public:
         bool operator==(const State &) const = default;
     };
 
-    /// Begins with the first state; `every` is the pause between two questions.
-    explicit ServerWatch(QString store, std::chrono::milliseconds every = std::chrono::seconds(3),
-                         QObject *parent = nullptr);
+    /// Begins with the first state. `store` is the address, `identity` which store counts as reached there, and `every`
+    /// the pause between two questions.
+    ServerWatch(QString store, const QUuid &identity, std::chrono::milliseconds every = std::chrono::seconds(3),
+                QObject *parent = nullptr);
     /// Waits until what is being asked is broken off.
     ~ServerWatch() override;
 
@@ -48,13 +52,14 @@ Q_SIGNALS:
 private:
     void run();
     [[nodiscard]] State ask();
-    [[nodiscard]] bool reach();
+    [[nodiscard]] std::optional<ServerProblem> reach();
     void forget();
     /// False when the watch ends.
     [[nodiscard]] bool pause();
     void take(const State &state);
 
     const QString m_store;
+    const QUuid m_identity;
     const std::chrono::milliseconds m_every;
     State m_state;
 

@@ -23,6 +23,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<DbConnection> connection() override { return m_connection; }
     [[nodiscard]] std::unique_ptr<app::Records> records() override;
+    [[nodiscard]] QUuid identity() const override { return m_parts.access.store(); }
     [[nodiscard]] bool isOpen() const override { return m_connection->isOpen(); }
     [[nodiscard]] std::optional<app::ServerProblem> tryAgain() override;
     [[nodiscard]] std::optional<app::ServerProblem> reachAnew() override;

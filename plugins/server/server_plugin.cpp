@@ -27,9 +27,9 @@ public:
     }
 
     Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
-    openRecords(const QString &target, app::Access access, std::function<bool()> goesOn) override
+    openRecords(const QString &target, app::Access access, std::function<bool()> goesOn, const QUuid &store) override
     {
-        return ServerRecords::open(target, access, std::move(goesOn));
+        return ServerRecords::open(target, access, std::move(goesOn), store);
     }
 
     [[nodiscard]] std::optional<QString> unstorable(const QString &table, const DbAssignments &values) const override

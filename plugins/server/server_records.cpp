@@ -23,8 +23,8 @@ constexpr auto longestCommit = 5s;
 /// What works for minutes, beside the tills.
 struct OwnSession
 {
-    OwnSession(const QString &target, PgTarget::Use use) :
-        time(limits()), access(targetOf(target, use), waits(), time), writer(access, {}, limits().rest)
+    OwnSession(const QString &target, PgTarget::Use use, const QUuid &store) :
+        time(limits()), access(targetOf(target, use, store), waits(), time), writer(access, {}, limits().rest)
     {
     }
 
@@ -35,11 +35,12 @@ struct OwnSession
         return limits;
     }
 
-    static PgTarget targetOf(const QString &target, PgTarget::Use use)
+    static PgTarget targetOf(const QString &target, PgTarget::Use use, const QUuid &store)
     {
         PgTarget made;
         made.conninfo = target.toUtf8();
         made.use = use;
+        made.store = store;
         made.schemaVersion = postgres::schemaVersion;
         made.stateFolder = postgres::stateFolder({});
         made.programName = "harrowby work";
@@ -97,10 +98,10 @@ ServerRecords::ServerRecords(std::shared_ptr<OwnSession> session, app::Access ac
 ServerRecords::~ServerRecords() = default;
 
 Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
-ServerRecords::open(const QString &target, app::Access access, std::function<bool()> goesOn)
+ServerRecords::open(const QString &target, app::Access access, std::function<bool()> goesOn, const QUuid &store)
 {
     const auto use = access == app::Access::Read ? PgTarget::Use::Walk : PgTarget::Use::Work;
-    auto session = std::make_shared<OwnSession>(target, use);
+    auto session = std::make_shared<OwnSession>(target, use, store);
     session->watch = std::move(goesOn);
     if (const auto reached = session->access.reach(); !reached)
         return Unexpected(problemOf(reached.error()));

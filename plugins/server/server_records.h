@@ -18,7 +18,7 @@ class ServerRecords final : public app::StoreRecords
 {
 public:
     [[nodiscard]] static Result<std::unique_ptr<app::StoreRecords>, app::ServerProblem>
-    open(const QString &target, app::Access access, std::function<bool()> goesOn);
+    open(const QString &target, app::Access access, std::function<bool()> goesOn, const QUuid &store);
     ~ServerRecords() override;
 
     [[nodiscard]] app::Records &records() override { return m_records; }

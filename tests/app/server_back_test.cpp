@@ -45,6 +45,7 @@ public:
 
     std::shared_ptr<DbConnection> connection() override { return {}; }
     std::unique_ptr<Records> records() override { return {}; }
+    [[nodiscard]] QUuid identity() const override { return {}; }
     [[nodiscard]] bool isOpen() const override { return true; }
     std::optional<ServerProblem> tryAgain() override { return {}; }
     std::optional<ServerProblem> reachAnew() override { return {}; }

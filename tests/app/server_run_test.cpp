@@ -38,6 +38,7 @@ private Q_SLOTS:
     void waitCanBeGivenUp();
     void whatIsNotKnownIsToldByTheNextStart();
     void unprotectedShopHasItsSign();
+    void anotherStoreIsNotSoldFrom();
     void ends();
 
 private:
@@ -373,6 +374,25 @@ void ServerRunTest::unprotectedShopHasItsSign()
     QTRY_VERIFY_WITH_TIMEOUT(m_program->text(u"hostBannerText"_s).contains(u"nothing can be sold"_s), 30000);
     protect(u"protected"_s);
     QTRY_VERIFY_WITH_TIMEOUT(!m_program->text(u"hostBannerText"_s).contains(u"nothing can be sold"_s), 30000);
+}
+
+/// As where a server is set up anew at the same address: the till keeps its cart, and goes on in its own store.
+void ServerRunTest::anotherStoreIsNotSoldFrom()
+{
+    const QString own = value(u"select identity from harrowby.store_mark"_s);
+    const auto becomes = [this](const QString &identity) {
+        m_cluster->sql(u"update harrowby.store_mark set identity = %1"_s.arg(identity));
+        m_cluster->sql(u"select pg_terminate_backend(pid) from pg_stat_activity where usename = 'till'"_s);
+    };
+    becomes(u"gen_random_uuid()"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_program->text(u"hostBannerText"_s).contains(u"is another store's"_s), 30000);
+    becomes(u'\'' + own + u'\'');
+    QTRY_VERIFY_WITH_TIMEOUT(!m_program->text(u"hostBannerText"_s).contains(u"another store"_s), 30000);
+    const int before = stock().toInt();
+    fillCart();
+    commit();
+    answerSummary();
+    QTRY_COMPARE_WITH_TIMEOUT(stock().toInt(), before - 1, 30000);
 }
 
 void ServerRunTest::ends()

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app;
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void initTestCase();
     void tellsHowSafeTheShopIs();
     void followsTheStore();
+    void saysWhyTheServerCannotBeUsed();
     void storeFollowsAServerThatFellSilent();
 
 private:
@@ -55,11 +57,12 @@ void ServerWatchTest::tellsHowSafeTheShopIs()
     cluster.start();
     harrowby::test::setUpShop(cluster, u"shop"_s);
     {
-        const ServerWatch unprepared(cluster.conninfo(), 10ms); // nobody has set this server up with a standby in mind
+        const ServerWatch unprepared(cluster.conninfo(), {},
+                                     10ms); // nobody has set this server up with a standby in mind
         QTRY_COMPARE_WITH_TIMEOUT(unprepared.state().protection, u"single"_s, patience);
     }
     say(cluster, u"'protected'"_s);
-    const ServerWatch watch(cluster.conninfo(), 10ms);
+    const ServerWatch watch(cluster.conninfo(), {}, 10ms);
     for (const QString &how : {u"protected"_s, u"waiting"_s, u"alone"_s, u"single"_s}) {
         say(cluster, u'\'' + how + u'\'');
         QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, how, patience);
@@ -83,7 +86,7 @@ void ServerWatchTest::followsTheStore()
     const ServerWatch watch(
         u"host=127.0.0.1,127.0.0.1 port=%1,%2 user=postgres dbname=shop sslmode=disable"_s.arg(primary.port())
             .arg(standby->port()),
-        10ms);
+        {}, 10ms);
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"waiting"_s, patience);
     standby->promote();
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"single"_s, patience);
@@ -111,7 +114,7 @@ void ServerWatchTest::storeFollowsAServerThatFellSilent()
     const auto lock = store.lock(17);
     QVERIFY(lock && records->read(look));
     bool isBack = false;
-    const ServerWatch watch(address, 10ms);
+    const ServerWatch watch(address, {}, 10ms);
     connect(&watch, &ServerWatch::answered, this, [&](bool isBackNow) {
         serverAnswers(store, isBackNow, isBackNow);
         isBack = isBack || isBackNow;
@@ -127,6 +130,36 @@ void ServerWatchTest::storeFollowsAServerThatFellSilent()
     QVERIFY2(took.elapsed() < 1'000, qPrintable(QString::number(took.elapsed())));
     QCOMPARE(standby->sql(u"select count(*) from pg_locks where locktype = 'advisory'"_s), QStringList{u"1"_s});
     primary.cont();
+}
+
+/// Each is told again for as long as it is so, and the server counts as back when it is over.
+void ServerWatchTest::saysWhyTheServerCannotBeUsed()
+{
+    PrivateCluster cluster;
+    cluster.start();
+    harrowby::test::setUpShop(cluster, u"shop"_s);
+    const auto identity = QUuid::fromString(cluster.sql(u"select harrowby.store_identity()"_s).value(0));
+    QVERIFY(!identity.isNull());
+    const ServerWatch watch(cluster.conninfo(u"till"_s), identity, 10ms);
+    QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"single"_s, patience);
+    const auto breaks = [&](const QString &how, const QString &mended, const QString &why) {
+        cluster.sql(how);
+        cluster.sql(u"select pg_terminate_backend(pid) from pg_stat_activity where usename = 'till'"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(watch.state().why, why, patience);
+        QVERIFY(!watch.state().isReached);
+        cluster.sql(mended);
+        QTRY_VERIFY_WITH_TIMEOUT(watch.state().isReached, patience);
+        QCOMPARE(watch.state().why, QString());
+    };
+    breaks(u"alter role till nologin"_s, u"alter role till login"_s, u"The server does not let this machine in"_s);
+    breaks(u"alter role till connection limit 0"_s, u"alter role till connection limit -1"_s,
+           u"The server has no room for one more till or office"_s);
+    breaks(u"alter role till set default_transaction_read_only = on"_s,
+           u"alter role till reset default_transaction_read_only"_s,
+           u"Each server that can be reached is a standby, which takes no sales"_s);
+    breaks(u"update harrowby.store_mark set identity = gen_random_uuid()"_s,
+           u"update harrowby.store_mark set identity = '%1'"_s.arg(identity.toString(QUuid::WithoutBraces)),
+           u"The database \"shop\" is another store's"_s);
 }
 
 HARROWBY_TEST(app_server_watch_test, ServerWatchTest)
