@@ -84,7 +84,8 @@ OfficePageEntry shopEntry()
             u"What holds for all tills"_s,
             {{u"search part of a name"_s, u"searchAnywhere"_s}},
             [](const Context &c, QWidget *parent) {
-                return new ShopPage(SearchChoice(*c.store.records, c.store.isOwn), c.deeds(), parent);
+                return new ShopPage(SearchChoice(*c.store.records, c.store.isOwn), c.deeds(), c.store.file == nullptr,
+                                    parent);
             }};
 }
 

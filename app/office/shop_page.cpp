@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
-ShopPage::ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent) :
+ShopPage::ShopPage(SearchChoice search, SignedDeeds deeds, bool isOnServer, QWidget *parent) :
     OfficePage(parent), m_choice(search), m_deeds(std::move(deeds))
 {
     m_search = new QCheckBox(u"Search &finds a text anywhere"_s, this);
@@ -28,10 +28,12 @@ ShopPage::ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent) :
     rows->setSpacing(12);
     rows->addWidget(makeOfficeText(this, u"What is chosen here counts for every till of this shop."_s));
     rows->addWidget(m_search);
-    rows->addWidget(makeOfficeText(this,
-                                   u"Switched on, \"milk\" finds \"WHOLE MILK 1 L\", in capitals or not. Switched "
-                                   "off, it finds only an item whose whole name or ID is \"*MILK*\", which "
-                                   "another program with this store file may rely on."_s));
+    QLabel *hint = makeOfficeText(
+        this, u"Switched on, \"milk\" finds \"WHOLE MILK 1 L\", in capitals or not. Switched "
+              "off, it finds only an item whose whole name or ID is \"*MILK*\", which "
+              "another program with this %1 may rely on."_s.arg(isOnServer ? u"store"_s : u"store file"_s));
+    hint->setObjectName(u"searchHint"_s);
+    rows->addWidget(hint);
     rows->addWidget(m_outcome);
     rows->addStretch(1);
     readSearch();

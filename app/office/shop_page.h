@@ -15,7 +15,7 @@ class ShopPage final : public OfficePage
     Q_OBJECT
 
 public:
-    ShopPage(SearchChoice search, SignedDeeds deeds, QWidget *parent = nullptr);
+    ShopPage(SearchChoice search, SignedDeeds deeds, bool isOnServer, QWidget *parent = nullptr);
 
     void readAnew() override;
 

@@ -219,6 +219,7 @@ void OfficeOnServerTest::pagesThatWereBuiltMeanwhileAreRight()
     QCOMPARE(said("usersOutcome") + said("shopOutcome"), QString());
     QCOMPARE(part<QListWidget>("users")->count(), 3);
     QVERIFY(part<QCheckBox>("searchAnywhere")->isChecked());
+    QVERIFY(said("searchHint").contains(u"with this store may rely on"_s)); // there is no file
     show(u"Backup"_s);
     QCOMPARE(said("lastBackup"), u"\u26a0 No backup of this store is known yet."_s);
     show(u"Cash"_s);

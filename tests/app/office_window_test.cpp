@@ -251,6 +251,7 @@ void OfficeWindowTest::searchIsSwitched()
     };
     auto *search = part<QCheckBox>("searchAnywhere");
     QVERIFY(search->isChecked()); // the store program has made this store
+    QVERIFY(part<QLabel>("searchHint")->text().contains(u"with this store file may rely on"_s));
     search->click();
     QCOMPARE(saved(), QStringList{u"no"_s});
     QVERIFY(part<QLabel>("shopOutcome")->text().startsWith(u"Saved."_s));
