@@ -126,3 +126,36 @@ SQL
     sql -c "delete from harrowby_server.remark where name = 'alone'"
     say "Each sale is on two machines again."
 }
+
+# One that is gone for good: nobody waits for it, keeps the log for it, or tells of it any more.
+do_remove_standby() {
+    local name role left others
+    take_options "" "$@"
+    ((${#rest[@]} == 1)) || misused "remove-standby takes one name"
+    name=${rest[0]}
+    role=standby_$name
+    check_name "$name"
+    ! is_automatic || die "the machines copy from each other by themselves. A new machine in place of one: automatic --anew NAME"
+    need_primary
+    [ "$name" != "${machine[name]}" ] || misused "$name is this machine"
+    [ -n "$(sql -v name="$name" -f - <<<"select 1 from harrowby_server.host where name = :'name'")" ] || die "there is no standby $name"
+    [ -z "$(sql -c "select 1 from pg_stat_activity where usename = '$role' and backend_type = 'walsender'")" ] ||
+        die "the standby $name follows. Switch it off first; it must not be promoted afterwards"
+    left=$(sql -v name="$name" -f - <<<"select string_agg(format('\"%s\"', name), ',' order by name) from harrowby_server.host
+        where name <> :'name' and strpos(current_setting('synchronous_standby_names'), format('\"%s\"', name)) > 0")
+    others=$(sql -v name="$name" -v own="${machine[name]}" -f - <<<"select count(*) from harrowby_server.host where name not in (:'name', :'own')")
+    # The setting first, as until then no write may be confirmed.
+    sql_in_postgres -c "alter system set synchronous_standby_names = '${left:+FIRST 1 ($left)}'" -c 'select pg_reload_conf()' >/dev/null
+    sql -v name="$name" -v role="$role" -v slot="${role//-/_}" -f - >/dev/null <<'SQL'
+select pg_drop_replication_slot(slot_name) from pg_replication_slots where slot_name = :'slot' and not active;
+delete from harrowby_server.host where name = :'name';
+drop role if exists :"role";
+SQL
+    rm -f "$etc/$role"
+    if ((others == 0)); then
+        sql -c "delete from harrowby_server.remark where name = 'alone'"
+    elif [ -z "$left" ]; then
+        remark_alone
+    fi
+    say "The standby $name is not waited for any more. Its data must not be promoted: what is sold from now on is not there."
+}

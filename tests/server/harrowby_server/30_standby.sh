@@ -88,3 +88,15 @@ kill_machine two
 refuses "promote says what would be lost" "may not be here" on one promote --other-is-off
 works "unless it is told to" on one promote --other-is-off --without-what-it-lacks
 works "two taken back" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two2.tar" && on two standby "$work/two2.tar" --take-back'
+
+# A machine that is gone for good.
+refuses "one that follows is not removed" "Switch it off first" on one remove-standby two
+refuses "nor one that there is not" "no standby three" on one remove-standby three
+kill_machine two
+works "the standby is given up" on one remove-standby two
+is "nothing is waited for" single protection one
+works "a sale without it" sell counter-1 s7
+is "nobody tells of it" 0 eval 'on one status | grep -c "does not follow\|alone"'
+is "no log is kept for it" 0 admin one "select count(*) from pg_replication_slots"
+works "and made anew, as a standby is" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two3.tar" && on two standby "$work/two3.tar" --take-back'
+is "two machines once more" protected protection one
