@@ -14,6 +14,7 @@
 
 #include <array>
 #include <atomic>
+#include <latch>
 #include <thread>
 
 using namespace harrowby;
@@ -178,13 +179,17 @@ void ConnectionFailoverTest::deadlock()
         "collide after update on harrowby.StockList for each row when (pg_trigger_depth() = 0) execute function "
         "collide()"_s);
     std::atomic<bool> isDone = false;
+    std::latch bothDone(2); // until then both sessions hold their lock, which the one that is sent again counts
     std::jthread other([&, options]() mutable {
         options.stateFolder = m_folder.filePath(u"deadlock2"_s);
         const auto second = std::make_shared<PostgresConnection>(m_primary->conninfo(), options);
         isDone = Execute(second, statements::raiseStock(5, u"2"_s));
+        bothDone.arrive_and_wait();
     });
-    QVERIFY(Execute(till, statements::raiseStock(5, u"1"_s)));
+    const bool isFirstDone = Execute(till, statements::raiseStock(5, u"1"_s));
+    bothDone.arrive_and_wait();
     other.join();
+    QVERIFY(isFirstDone);
     QVERIFY(isDone);
     QVERIFY(m_primary->log().contains(u"deadlock detected"));
     QCOMPARE(stockOf(*m_primary, u"1"_s), u"1005"_s);
