@@ -100,6 +100,7 @@ purchases=$(grep -c '^A1 INSERT INTO PurchaseCart' "$work/sold-JACK")
 is "the till: each purchase is there, once" "$purchases" admin "$server" "select count(*) from PurchaseCart where Users = 'JACK'"
 is "the till: no sale is cut in two" "$purchases" grep -c '^A1 Update Stocklist Set StockAvailable' "$work/sold-JACK"
 stock_is A $((starting_stock - purchases))
+works "no takeover took longer than the rest of a sale waits" test "$longest" -lt 60000
 refused=$(cat "$work"/sold-* | grep -cE '^(R|A0) ')
 printf '%d kills, %d switchovers, %d voters gone, %d writes, %d refused before a sale had begun, all sold again at most %d ms after a kill\n' \
     "${done_so_far[kill]}" "${done_so_far[switchover]}" "${done_so_far[voter]}" "$writes" "$refused" "$longest"
