@@ -41,4 +41,9 @@ std::optional<QStringList> ServerSession::rows(const QString &, Columns)
     return {};
 }
 
+bool ServerSession::hasRefusedAValue() const
+{
+    return false;
+}
+
 } // namespace harrowby::test
