@@ -32,16 +32,20 @@ ActivitySearch::ActivitySearch(ActivityFilter filter) : m_filter(std::move(filte
 Records::Answer<QList<ActivityEntry>> ActivitySearch::next(Records &records, int most, const WorkWatch &watch)
 {
     QList<ActivityEntry> found;
+    QString day;
+    const auto goesOn = [&] { return watch({u"Looking back \u2026 "_s + day, WorkStep::unknown}); };
     for (int looked = 0; found.size() < most; ++looked) {
         const auto source = newest(records);
+        if (!source && !goesOn())
+            break; // that is what has ended the statement
         if (!source)
             return Unexpected(source.error());
         m_isAtEnd = *source == nullptr;
         if (m_isAtEnd)
             break;
         const ActivityEntry &entry = **(*source)->head(records);
-        if (looked % rowsBetweenSteps == rowsBetweenSteps - 1 &&
-            !watch({u"Looking back \u2026 %1"_s.arg(entry.when.left(lettersOfDay)), WorkStep::unknown}))
+        day = entry.when.left(lettersOfDay);
+        if (looked % rowsBetweenSteps == rowsBetweenSteps - 1 && !goesOn())
             break;
         if (fits(entry))
             found << entry;
@@ -101,6 +105,8 @@ Result<void, QString> withOwnRecords(const QString &store, const WorkWatch &watc
                                      const std::function<void(Records &, const WorkWatch &)> &work)
 {
     const auto own = WatchedStore::open(store, Access::Read, watch);
+    if (!own && own.error().wasStopped)
+        return {};
     if (!own)
         return Unexpected(own.error().words);
     work((*own)->records(), (*own)->watch());

@@ -49,7 +49,7 @@ private:
 [[nodiscard]] Records::Answer<QStringList> usersOfActivity(Records &records);
 
 /// Runs `work` with records over a connection of its own to that store, on any thread; their statements hear the watch,
-/// too. Why it could not be opened.
+/// too. Not where the watch has ended the opening. Why else it could not be opened.
 [[nodiscard]] Result<void, QString> withOwnRecords(const QString &store, const WorkWatch &watch,
                                                    const std::function<void(Records &, const WorkWatch &)> &work);
 

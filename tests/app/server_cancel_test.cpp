@@ -109,12 +109,13 @@ Work ServerCancelTest::preview() const
 Work ServerCancelTest::search() const
 {
     return [store = m_desk->target()](const WorkWatch &watch) {
+        ActivitySearch search({});
         bool hasFailed = false;
         const auto opened = withOwnRecords(store, watch, [&](Records &records, const WorkWatch &heard) {
             (void)heard({u"Looking back \u2026"_s});
-            hasFailed = !ActivitySearch({}).next(records, std::numeric_limits<int>::max(), heard);
+            hasFailed = !search.next(records, std::numeric_limits<int>::max(), heard);
         });
-        return wordOf(!opened || hasFailed);
+        return wordOf(opened && !hasFailed && !search.isAtEnd());
     };
 }
 
