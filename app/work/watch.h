@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <concepts>
 #include <functional>
 #include <type_traits>
 #include <utility>
@@ -15,7 +14,7 @@ class Watch
 public:
     Watch() = default;
     template <typename Function>
-    requires(!std::same_as<std::remove_cvref_t<Function>, Watch> &&
+    requires(!std::is_same_v<std::remove_cvref_t<Function>, Watch> &&
              std::is_invocable_r_v<bool, Function &, const Step &>) Watch(Function &&function) :
         m_function(std::forward<Function>(function))
     {
