@@ -50,8 +50,7 @@ std::vector<Line> measureActivity(const ShopFile &shop, qint64 entries, int runs
             u"filling the activity log"_s);
     app::SqliteRecords records(shop.database());
     const auto measured = [&](const QString &work, const QString &text, const RawStatements &byHand) {
-        std::vector<double> samples;
-        std::vector<double> rawSamples;
+        BesideRaw times;
         for (int run = -1; run < runs; ++run) { // the first one does not count
             app::ActivityFilter filter;
             filter.text = text;
@@ -63,13 +62,10 @@ std::vector<Line> measureActivity(const ShopFile &shop, qint64 entries, int runs
                                       }),
                                       work);
             const double rawMs = checked(timed([&] { return runRaw(shop.database(), byHand); }), work + u" (raw)"_s);
-            if (run >= 0) {
-                samples.push_back(ms);
-                rawSamples.push_back(rawMs);
-            }
+            if (run >= 0)
+                times.add(ms, rawMs);
         }
-        const double raw = median(rawSamples);
-        return Line{work, entries, median(samples), raw, median(samples) / raw, {}, {}};
+        return times.line(work, entries);
     };
     std::vector<Line> lines = {measured(u"activity: the first page"_s, {}, pageByHand()),
                                measured(u"activity: a text that is nowhere"_s, u"no such text"_s, searchByHand())};

@@ -144,23 +144,16 @@ double ExchangeBench::longestWait(const QByteArray &text)
 Line ExchangeBench::measured(const QString &work, double limit, const std::function<bool(int)> &ours,
                              const std::function<bool(int)> &byHand)
 {
-    std::vector<double> samples;
-    std::vector<double> rawSamples;
+    BesideRaw times;
     for (int turn = -1; turn < m_runs; ++turn) { // the first one does not count
         const double ms = checked(timed([&] { return ours(2 * turn); }), work);
         require(forgetImports(own()), u"emptying the tables of imports"_s);
         const double rawMs = checked(timed([&] { return byHand(2 * turn + 1); }), work + u" by hand"_s);
         require(forgetImports(own()), u"emptying the tables of imports"_s);
-        if (turn >= 0) {
-            samples.push_back(ms);
-            rawSamples.push_back(rawMs);
-        }
+        if (turn >= 0)
+            times.add(ms, rawMs);
     }
-    const double raw = median(rawSamples);
-    Line line{work, m_items, median(samples), raw, median(samples) / raw, {}, {}};
-    if (m_items == limitedItems)
-        line.limit = limit;
-    return line;
+    return times.line(work, m_items, {limit, 0.0});
 }
 
 std::vector<Line> ExchangeBench::run()

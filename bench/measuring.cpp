@@ -20,6 +20,27 @@ void require(bool done, const QString &what)
         throw std::runtime_error(("Failed: "_L1 + what).toStdString());
 }
 
+void BesideRaw::add(double ms, double rawMs)
+{
+    m_samples.push_back(ms);
+    m_rawSamples.push_back(rawMs);
+}
+
+Line BesideRaw::line(const QString &work, qint64 items) const
+{
+    const double ms = median(m_samples);
+    const double raw = median(m_rawSamples);
+    return {work, items, ms, raw, raw > 0.0 ? ms / raw : 0.0, {}, {}};
+}
+
+Line BesideRaw::line(const QString &work, qint64 items, const Limit &limit) const
+{
+    Line line = this->line(work, items);
+    if (items == limitedItems)
+        line.limit = limit.ratio + limit.plusMs / *line.rawMs;
+    return line;
+}
+
 double timed(const std::function<bool()> &work)
 {
     const Stopwatch watch;
@@ -39,8 +60,7 @@ void Measuring::measure(const QString &name, const Limits &limits, const Work &w
             prepare();
         m_till.repaint();
     };
-    std::vector<double> samples;
-    std::vector<double> rawSamples;
+    BesideRaw times;
     int mostTrips = 0;
     std::size_t statements = 0;
     for (int i = -warmUpRuns; i < m_options.runs; ++i) {
@@ -53,18 +73,12 @@ void Measuring::measure(const QString &name, const Limits &limits, const Work &w
         const RawStatements plainWork = raw();
         const double plainMs = rawMs(plainWork, name);
         if (i >= 0) {
-            samples.push_back(workMs);
-            rawSamples.push_back(plainMs);
+            times.add(workMs, plainMs);
             mostTrips = std::max(mostTrips, trips);
             statements = plainWork.size();
         }
     }
-    const double plain = median(rawSamples);
-    const Limit &limit = m_store.isServer() ? limits.onServer : limits.onFile;
-    Line line{name, m_options.items, median(samples), plain, plain > 0.0 ? median(samples) / plain : 0.0, {}, {}};
-    if (isLimited())
-        line.limit = limit.ratio + limit.plusMs / plain;
-    m_lines.push_back(line);
+    m_lines.push_back(times.line(name, m_options.items, m_store.isServer() ? limits.onServer : limits.onFile));
     if (m_store.roundTrips())
         addRoundTrips(mostTrips, statements);
 }

@@ -43,6 +43,20 @@ inline constexpr Limit walkOnServer{2.0, 0.0};
 /// Does the work once and returns its time; below 0 when it failed.
 using Work = std::function<double()>;
 
+/// A work's times, and those of the same statements by hand.
+class BesideRaw
+{
+public:
+    void add(double ms, double rawMs);
+    [[nodiscard]] Line line(const QString &work, qint64 items) const;
+    /// With the limit, where `items` are limitedItems.
+    [[nodiscard]] Line line(const QString &work, qint64 items, const Limit &limit) const;
+
+private:
+    std::vector<double> m_samples;
+    std::vector<double> m_rawSamples;
+};
+
 /// The time; throws std::runtime_error when the work failed.
 double checked(double milliseconds, const QString &work);
 /// Throws std::runtime_error when something did not do what it should.

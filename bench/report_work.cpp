@@ -122,8 +122,7 @@ Line measureGrouping(MeasuredStore &store, const WorksOptions &options, const Sp
                      const Limits &limits, const QString &name)
 {
     const auto connection = std::make_shared<Recorder>(store.connect());
-    std::vector<double> samples;
-    std::vector<double> rawSamples;
+    BesideRaw times;
     for (int i = -1; i < std::min(options.runs, mostRuns); ++i) {
         int rows = 0;
         const double ms = timed([&] {
@@ -133,16 +132,10 @@ Line measureGrouping(MeasuredStore &store, const WorksOptions &options, const Sp
         require(ms >= 0.0 && (grouping != 0 || rows == span.days), name);
         const double raw = checked(store.rawMs(rawOf(connection->selects)), name);
         if (i >= 0) {
-            samples.push_back(ms);
-            rawSamples.push_back(raw);
+            times.add(ms, raw);
         }
     }
-    const double plain = median(rawSamples);
-    Line line{name, options.items, median(samples), plain, plain > 0.0 ? median(samples) / plain : 0.0, {}, {}};
-    const Limit &limit = store.isServer() ? limits.onServer : limits.onFile;
-    if (options.items == limitedItems)
-        line.limit = limit.ratio + limit.plusMs / plain;
-    return line;
+    return times.line(name, options.items, store.isServer() ? limits.onServer : limits.onFile);
 }
 
 } // namespace

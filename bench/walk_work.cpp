@@ -14,8 +14,6 @@ namespace harrowby::bench {
 
 namespace {
 
-constexpr double walkLimit = 2.0;
-
 bool isNamed(const RawStatement &select, const QString &column)
 {
     return std::any_of(select.columns.cbegin(), select.columns.cend(), [&column](const QByteArray &name) {
@@ -51,21 +49,15 @@ Line measureWalk(MeasuredStore &store, const WorksOptions &options)
     const QString name = u"walk all items through the connection"_s;
     const RawStatements list = stockListStatements();
     const auto connection = store.connect();
-    std::vector<double> samples;
-    std::vector<double> rawSamples;
+    BesideRaw times;
     for (int i = -warmUpRuns; i < options.runs; ++i) {
         const double ms = timed([&] { return walk(*connection, list.front()) == options.items; });
         const double raw = checked(store.rawMs(list), name);
         if (i >= 0) {
-            samples.push_back(checked(ms, name));
-            rawSamples.push_back(raw);
+            times.add(checked(ms, name), raw);
         }
     }
-    const double plain = median(rawSamples);
-    Line line{name, options.items, median(samples), plain, median(samples) / plain, {}, {}};
-    if (options.items == limitedItems)
-        line.limit = walkLimit;
-    return line;
+    return times.line(name, options.items, walkOnServer);
 }
 
 } // namespace harrowby::bench
