@@ -3,6 +3,7 @@
 
 #include "app/readers/code_line.h"
 #include "app/readers/reader_keys.h"
+#include "basic/steady_clock.h"
 
 #include <QFile>
 #include <QStringDecoder>
@@ -93,11 +94,6 @@ DeviceReader::Hold holderOf(const ReaderDevice &device)
     if (device.kind == ReaderDevice::Kind::Keyboard)
         return holdKeyboard;
     return [baud = device.baud](int descriptor) { return holdSerial(descriptor, baud); };
-}
-
-std::chrono::milliseconds steadyNow()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
 QString wordsOf(int error)

@@ -19,11 +19,6 @@ std::chrono::milliseconds timeOf(const QInputEvent &event)
 
 InputDam::InputDam(QObject *parent) : QObject(parent) {}
 
-std::chrono::milliseconds InputDam::now()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
 void InputDam::hold(std::chrono::milliseconds begin, std::chrono::milliseconds end)
 {
     if (!m_untilIdle.isActive())

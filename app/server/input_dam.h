@@ -27,8 +27,6 @@ public:
     /// Whether this moment lies within the period.
     [[nodiscard]] bool isWithin(std::chrono::milliseconds time) const;
 
-    [[nodiscard]] static std::chrono::milliseconds now();
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void timerEvent(QTimerEvent *event) override;

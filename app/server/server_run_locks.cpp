@@ -2,17 +2,13 @@
 #include "app/server/server_run_locks.h"
 
 #include "app/records/server_engine.h"
+#include "basic/steady_clock.h"
 
 #include <utility>
 
 namespace harrowby::app {
 
 namespace {
-
-std::chrono::milliseconds steadyNow()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
 
 RunLocks::Holder holderSeen(ServerStore::Holder seen)
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/server/server_wait.h"
 
+#include "basic/steady_clock.h"
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -19,7 +21,7 @@ constexpr auto unheard = 50ms;
 } // namespace
 
 ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) :
-    QObject(parent), m_clock(clock ? std::move(clock) : Clock(InputDam::now)), m_sign(WaitWords{}), m_giveUp(display)
+    QObject(parent), m_clock(clock ? std::move(clock) : Clock(steadyNow)), m_sign(WaitWords{}), m_giveUp(display)
 {
 }
 

@@ -5,6 +5,7 @@
 #include "postgres/server_error.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QUuid>
 
@@ -22,6 +23,12 @@ struct ActionNumber
 
     bool operator==(const ActionNumber &) const = default;
 };
+
+/// "harrowby.NAME('WRITER', NUMBER)"
+[[nodiscard]] QByteArray actionCall(const QByteArray &name, const ActionNumber &action);
+
+/// The server's word for a number that it has had.
+inline constexpr QByteArrayView arrivedBefore("HB001");
 
 /// One change of the store.
 struct Write

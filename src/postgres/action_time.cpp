@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/action_time.h"
 
+#include "basic/steady_clock.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace harrowby::postgres {
-
-namespace {
-
-ActionTime::Milliseconds steadyNow()
-{
-    return std::chrono::duration_cast<ActionTime::Milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
-} // namespace
 
 ActionTime::ActionTime(ActionLimits limits, Clock clock) :
     m_limits(limits), m_clock(clock ? std::move(clock) : Clock(steadyNow)), m_lockLeft(limits.lock)

@@ -11,11 +11,8 @@ namespace harrowby::postgres {
 
 namespace {
 
-using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 using Kind = PgError::Kind;
-
-constexpr auto pauseBetweenTries = 100ms;
 
 } // namespace
 
@@ -112,17 +109,9 @@ bool ServerAccess::goesOnAfter(const PgError &error)
         m_time.giveUp(); // further statements of this action are not waited for in their turn
         return false;
     }
-    pause();
-    return true;
-}
-
-/// Between two tries; a person may give up meanwhile.
-void ServerAccess::pause() const
-{
-    std::vector<pollfd> nothing;
-    if (Waiter(m_waits.hook, PgWaiting::Connection).wait(nothing, QDeadlineTimer(pauseBetweenTries)) ==
-        Waiter::End::GivenUp)
+    if (!pauseBeforeNextTry(m_waits.hook))
         m_time.giveUp();
+    return true;
 }
 
 } // namespace harrowby::postgres

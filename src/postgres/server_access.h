@@ -61,7 +61,6 @@ public:
 
 private:
     [[nodiscard]] bool goesOnAfter(const PgError &error);
-    void pause() const;
 
     PgTarget m_target;
     PgWaits m_waits;

@@ -9,6 +9,8 @@ namespace {
 
 /// The hook is called this often, so that with what it paints no 100 ms pass between two pictures.
 constexpr std::chrono::milliseconds hookEvery{40};
+/// Between two tries.
+constexpr std::chrono::milliseconds pauseTime{100};
 
 } // namespace
 
@@ -49,6 +51,12 @@ bool Waiter::goesOn()
     const bool goesOn = !m_hook || m_hook(m_what);
     m_sinceHook.restart();
     return goesOn;
+}
+
+bool pauseBeforeNextTry(const PgWaitHook &hook)
+{
+    std::vector<pollfd> nothing;
+    return Waiter(hook, PgWaiting::Connection).wait(nothing, QDeadlineTimer(pauseTime)) != Waiter::End::GivenUp;
 }
 
 } // namespace harrowby::postgres

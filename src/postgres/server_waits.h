@@ -66,5 +66,9 @@ private:
     QElapsedTimer m_sinceHook;
 };
 
+/// Between two tries to reach a server: short against a failover, long against what a try costs the server. Whether to
+/// try again; a person may have had enough meanwhile.
+[[nodiscard]] bool pauseBeforeNextTry(const PgWaitHook &hook);
+
 } // namespace postgres
 } // namespace harrowby

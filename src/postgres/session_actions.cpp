@@ -9,23 +9,12 @@ namespace harrowby::postgres {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Between two attempts. Short against a failover, long against what an attempt costs the server.
-constexpr auto pauseTime = 100ms;
 /// For an answer, however little of a phase is left.
-constexpr std::chrono::milliseconds leastTime = 100ms;
-
-/// "harrowby.NAME('WRITER', NUMBER)"
-QByteArray call(const QByteArray &name, const ActionNumber &action)
-{
-    return "harrowby." + name + "('" + action.writer.toByteArray(QUuid::WithoutBraces) + "', " +
-           QByteArray::number(static_cast<qlonglong>(action.number)) + ')';
-}
+constexpr std::chrono::milliseconds leastTime{100};
 
 Heard answerOf(const PgError &error)
 {
-    if (error.sqlState == "HB001")
+    if (error.sqlState == arrivedBefore)
         return Heard::ArrivedBefore;
     switch (error.kind) {
     case PgError::Kind::Refused:
@@ -73,8 +62,8 @@ bool SessionActions::isOver()
 
 Result<void, PgError> SessionActions::reach()
 {
-    if (std::exchange(m_wasReached, true))
-        pause();
+    if (std::exchange(m_wasReached, true) && !pauseBeforeNextTry(m_hook))
+        m_isGivenUp = true;
     if (!m_session.isLost() && !m_session.hasEnded())
         return {};
     auto connected = m_connect();
@@ -90,7 +79,7 @@ void SessionActions::drop()
 
 ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
 {
-    const QByteArray text = "select " + call("act", action) + ';' + write.condition + write.statement;
+    const QByteArray text = "select " + actionCall("act", action) + ';' + write.condition + write.statement;
     if (!m_session.isInTransaction())
         return run(text);
     ActionAnswer answer = run(text + ";commit", true);
@@ -101,13 +90,13 @@ ActionAnswer SessionActions::act(const ActionNumber &action, const Write &write)
 ActionAnswer SessionActions::confirm(const ActionNumber &action)
 {
     endTransaction();
-    return run("select " + call("confirm_action", action) + "::int");
+    return run("select " + actionCall("confirm_action", action) + "::int");
 }
 
 ActionAnswer SessionActions::claim(const ActionNumber &action)
 {
     endTransaction(); // a claim that is taken back with a held read would be none
-    return run("select " + call("claim_action", action));
+    return run("select " + actionCall("claim_action", action));
 }
 
 void SessionActions::endTransaction()
@@ -148,13 +137,6 @@ ActionAnswer SessionActions::failed(const PgError &error)
 {
     m_isGivenUp = m_isGivenUp || error.kind == PgError::Kind::GivenUp;
     return {answerOf(error), 0, error};
-}
-
-void SessionActions::pause()
-{
-    std::vector<pollfd> none;
-    if (Waiter(m_hook, PgWaiting::Connection).wait(none, QDeadlineTimer(pauseTime)) == Waiter::End::GivenUp)
-        m_isGivenUp = true;
 }
 
 } // namespace harrowby::postgres

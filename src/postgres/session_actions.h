@@ -50,7 +50,6 @@ private:
     void endTransaction();
     [[nodiscard]] ActionAnswer run(const QByteArray &statements, bool endsTransaction = false);
     [[nodiscard]] ActionAnswer failed(const PgError &error);
-    void pause();
 
     PgSession &m_session;
     Connect m_connect;

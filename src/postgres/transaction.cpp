@@ -24,9 +24,6 @@ constexpr int mostTries = 20;
 constexpr char endsWhenAlone[] = "set local client_connection_check_interval = 1000";
 constexpr char commitText[] = "set local client_connection_check_interval = 0; commit";
 
-/// The server's word for a number that it has had.
-constexpr char arrivedBefore[] = "HB001";
-
 QByteArray digestOf(const PgResults &results)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -92,8 +89,7 @@ Result<PgResults, PgError> Transaction::beginOnce(const QByteArray &first)
     if (!taken)
         return Unexpected(taken.error());
     m_action = *taken;
-    QList<QByteArray> before = {"begin", "select harrowby.act('" + m_action.writer.toByteArray(QUuid::WithoutBraces) +
-                                             "', " + QByteArray::number(static_cast<qlonglong>(m_action.number)) + ')'};
+    QList<QByteArray> before = {"begin", "select " + actionCall("act", m_action)};
     before << endsWhenAlone;
     before += m_locks;
     const QByteArray text = before.join(';') + ';' + first;

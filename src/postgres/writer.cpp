@@ -101,15 +101,23 @@ std::optional<PgError> Writer::resolve()
     return {};
 }
 
-Result<ActionNumber, PgError> Writer::take()
+/// Why no write can begin.
+std::optional<PgError> Writer::beginWrite()
 {
     if (auto error = prepare())
-        return Unexpected(*std::move(error));
+        return error;
     ActionTime &time = m_access.time();
     time.beginStatement();
     if (time.isOver() && m_access.session().isLost())
-        return Unexpected(m_access.noTimeLeft());
+        return m_access.noTimeLeft();
     setTimes();
+    return {};
+}
+
+Result<ActionNumber, PgError> Writer::take()
+{
+    if (auto error = beginWrite())
+        return Unexpected(*std::move(error));
     return m_engine->actions.take();
 }
 
@@ -128,13 +136,8 @@ Actions::End Writer::write(const Write &write)
         return results ? Actions::End{Outcome::Done, {}, results->back().affectedRows()}
                        : Actions::End{Outcome::Refused, results.error()};
     }
-    if (auto error = prepare())
+    if (auto error = beginWrite())
         return {Outcome::Refused, *std::move(error)};
-    ActionTime &time = m_access.time();
-    time.beginStatement();
-    if (time.isOver() && m_access.session().isLost())
-        return {Outcome::Refused, m_access.noTimeLeft()};
-    setTimes();
     m_isWriting = true;
     const auto end = qScopeGuard([this] { m_isWriting = false; });
     return ended(m_engine->actions.write(write));

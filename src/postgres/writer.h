@@ -60,6 +60,7 @@ private:
     };
 
     [[nodiscard]] std::optional<PgError> prepare();
+    [[nodiscard]] std::optional<PgError> beginWrite();
     [[nodiscard]] Result<void, PgError> connect();
     void setTimes();
     void passOnHandler();
