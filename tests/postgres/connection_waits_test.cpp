@@ -26,7 +26,10 @@ class ConnectionWaitsTest : public ConnectedTill
     Q_OBJECT
 
 private Q_SLOTS:
+    void serverComesBack_data();
     void serverComesBack();
+    void restartsInTheMiddleOfAnAction();
+    void turnsReadOnly();
     void failsWhileItIsAway();
     void anothersLock();
     void locksOfAnActionTogether();
@@ -37,24 +40,83 @@ private Q_SLOTS:
     void actionEndsWithTheEventLoop();
 };
 
+/// One that ends in order tells its connections, and what it said is read with the next statement.
+void ConnectionWaitsTest::serverComesBack_data()
+{
+    QTest::addColumn<bool>("isKilled");
+    QTest::newRow("killed") << true;
+    QTest::newRow("ended in order") << false;
+}
+
 void ConnectionWaitsTest::serverComesBack()
 {
+    QFETCH(const bool, isKilled);
+    const auto restart = [&] {
+        if (isKilled)
+            m_server->cluster.kill9();
+        else
+            m_server->cluster.shutDown();
+        m_server->cluster.start();
+    };
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
-    m_server->cluster.kill9();
-    m_server->cluster.start();
+    restart();
     DbRecordset item;
     item.Open(statements::stockById(u"1"_s), m_connection);
     QCOMPARE(item.RecordCount(), 1);
-    m_server->cluster.kill9();
-    m_server->cluster.start();
+    restart();
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     QCOMPARE(m_server->stockOf(u"1"_s), u"12"_s);
-    m_server->cluster.kill9();
-    m_server->cluster.start();
+    restart();
     DbRecordset walk;
     walk.Open(statements::allStock(), m_connection, Access::Walk);
     QCOMPARE(walk.RecordCount(), 3);
     QVERIFY(m_server->failures.empty());
+}
+
+/// The rest of an action waits for a server that is ended in order and started again: a restart cuts no sale in two.
+void ConnectionWaitsTest::restartsInTheMiddleOfAnAction()
+{
+    QVERIFY(!m_connection->open());
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    m_server->cluster.shutDown();
+    int waits = 0;
+    m_connection->setWaitHook([&](const DbWait &) {
+        if (++waits == 5)
+            m_server->cluster.start();
+        return true;
+    });
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QCOMPARE(item.RecordCount(), 1);
+    QVERIFY(waits >= 5);
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"12"_s);
+    QVERIFY(m_server->failures.empty());
+}
+
+/// A server that takes no writes any more, under a connection that is open: it is told in its time, nothing is done,
+/// and what is read is read. The same connection writes as soon as the server lets it.
+void ConnectionWaitsTest::turnsReadOnly()
+{
+    QVERIFY(!m_connection->open());
+    m_server->cluster.set(u"default_transaction_read_only"_s, u"on"_s);
+    m_connection->beginAction();
+    DbRecordset item;
+    item.Open(statements::stockById(u"1"_s), m_connection);
+    QCOMPARE(item.RecordCount(), 1);
+    QElapsedTimer took;
+    took.start();
+    QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QVERIFY2(took.elapsed() < 8'000, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
+    QCOMPARE(m_server->failures.size(), 1u);
+    QCOMPARE(m_server->failures.front().engineState, u"25006"_s);
+    m_server->cluster.set(u"default_transaction_read_only"_s, u"off"_s);
+    m_connection->beginAction();
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+    QCOMPARE(m_server->failures.size(), 1u);
 }
 
 void ConnectionWaitsTest::failsWhileItIsAway()
