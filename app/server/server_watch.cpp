@@ -17,6 +17,12 @@ namespace {
 /// Of a question that costs the server nothing.
 constexpr std::chrono::seconds longestAnswer{3};
 
+/// What a server says that has lost its standby, perhaps because that has taken its place.
+bool isOfOneLeftAlone(const QString &protection)
+{
+    return protection == "waiting"_L1 || protection == "alone"_L1;
+}
+
 } // namespace
 
 ServerWatch::ServerWatch(QString store, const QUuid &identity, std::chrono::milliseconds every, QObject *parent) :
@@ -54,8 +60,9 @@ void ServerWatch::take(const State &state)
     const State before = std::exchange(m_state, state);
     if (before != state)
         Q_EMIT changed(state);
+    const bool mayBeAnother = isOfOneLeftAlone(before.protection) && before.protection != state.protection;
     if (state.isReached)
-        Q_EMIT answered(!before.isReached);
+        Q_EMIT answered(!before.isReached || mayBeAnother);
 }
 
 bool ServerWatch::pause()
@@ -91,7 +98,7 @@ ServerWatch::State ServerWatch::ask()
     const auto answer = m_records->records().read({select, {}});
     if (answer && !answer->isEmpty()) {
         const QString protection = recordText(answer->constFirst().constFirst());
-        if (protection == "waiting"_L1 || protection == "alone"_L1)
+        if (isOfOneLeftAlone(protection))
             forget(); // a server that was replaced, and lives on, says so, too: the store's is looked for anew
         return {true, {}, protection};
     }

@@ -46,7 +46,8 @@ public:
 
 Q_SIGNALS:
     void changed(const harrowby::app::ServerWatch::State &state);
-    /// The server answers, each time that it does. `isBack`: after it had not.
+    /// The server answers, each time that it does. `isBack`: after it had not, or when it may be another one,
+    /// as the one before had been left alone.
     void answered(bool isBack);
 
 private:

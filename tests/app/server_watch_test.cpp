@@ -88,8 +88,11 @@ void ServerWatchTest::followsTheStore()
             .arg(standby->port()),
         {}, 10ms);
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"waiting"_s, patience);
+    bool isBack = false; // for sessions that are with the primary still
+    connect(&watch, &ServerWatch::answered, this, [&](bool isBackNow) { isBack = isBack || isBackNow; });
     standby->promote();
     QTRY_COMPARE_WITH_TIMEOUT(watch.state().protection, u"single"_s, patience);
+    QVERIFY(isBack);
 }
 
 /// Nobody tells the session of a primary that hangs. The first look-up after its standby has taken over is served at
