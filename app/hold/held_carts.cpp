@@ -63,14 +63,16 @@ Result<QString, HeldCarts::NotHeld> HeldCarts::hold(const CartToHold &cart)
 bool HeldCarts::add(const QString &id, const CartToHold &cart)
 {
     std::int64_t position = 0;
+    QList<QList<RecordValue>> lines;
     for (const CounterLine &line : cart.lines) {
         const std::int64_t byHand = line.costByHand ? 1 : 0;
-        if (!m_records.write(kept::held(),
-                             {u"insert into HarrowbyHeldLine (HeldID, Position, StockID, StockName, Quantity, Cost, "
-                              "CostByHand) values (?, ?, ?, ?, ?, ?, ?)"_s,
-                              {id, ++position, line.stockId, line.name, line.quantity, line.cost, byHand}}))
-            return false;
+        lines.append({id, ++position, line.stockId, line.name, line.quantity, line.cost, byHand});
     }
+    if (!m_records.writeEach(kept::held(),
+                             u"insert into HarrowbyHeldLine (HeldID, Position, StockID, StockName, Quantity, Cost, "
+                             "CostByHand) values (?, ?, ?, ?, ?, ?, ?)"_s,
+                             lines))
+        return false;
     return m_records
         .write(
             kept::held(),
