@@ -3,6 +3,7 @@
 
 #include "app/first_server_user.h"
 #include "app/records/server_engine.h"
+#include "app/server/finding_out.h"
 #include "app/server/input_actions.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
@@ -55,9 +56,10 @@ Result<OfficeLeaving, ExitCode> keepOpen(const QString &address, ServerStore &st
     if (const auto users = seeToFirstUser(*records, address); !users)
         return Unexpected(users.error());
     const InputActions actions([&store] { store.beginAction(); });
+    FindingOut findingOut;
     const ServerWatch watch(address, store.identity());
     QObject::connect(&watch, &ServerWatch::answered, &actions, [&](bool isBack) {
-        serverAnswers(store, isBack, isBack || doubts.isOpen());
+        serverAnswers(store, isBack, findingOut.isDue(watch.state(), isBack, doubts.isOpen()));
         if (isBack)
             readOfficeAnew();
     });

@@ -6,6 +6,7 @@
 #include "app/records/server_engine.h"
 #include "app/search/search_choice.h"
 #include "app/selling.h"
+#include "app/server/finding_out.h"
 #include "app/server/missed_reading.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
@@ -86,16 +87,15 @@ public:
     }
 
 private:
-    /// Without a standby that the server waits for, nothing can be found out.
     void lookAgain(bool isBack)
     {
-        const bool canFindOut = m_watch.state().protection != "waiting"_L1;
-        serverAnswers(m_store, isBack, canFindOut && (isBack || m_follower.isInDoubt()));
+        serverAnswers(m_store, isBack, m_findingOut.isDue(m_watch.state(), isBack, m_follower.isInDoubt()));
         m_locks.renew(); // asks the server only where their session has ended
         m_missed.serverAnswers(isBack);
     }
 
     ServerWatch m_watch;
+    FindingOut m_findingOut;
     ServerStore &m_store;
     ServerRunLocks &m_locks;
     const SaleFollower &m_follower;

@@ -68,6 +68,8 @@ QString serverAdvice(const QString &state, const QString &again)
     if (state == u"08004"_s || state.startsWith(u"28"_s))
         return u"The server does not let this machine in any more. Install here what harrowby-server add-till or "
                "add-office writes."_s;
+    if (state == u"08007"_s)
+        return u"Do not do it again: as soon as the server answers, this program finds out and says so."_s;
     if (state == u"25006"_s)
         return u"This server is a standby. If the shop's server has died, run harrowby-server promote, %1."_s.arg(
             again);
@@ -87,10 +89,9 @@ QString serverAdvice(const QString &state, const QString &again)
 }
 
 /// "The purchase was not recorded." as "The purchase was recorded."
-QString doneWork(const DbFailure &failure)
+QString doneWork(QString work)
 {
     static const QRegularExpression denial(u"\\b(was|were) not "_s);
-    QString work = failedWork(failure);
     if (const auto match = denial.match(work); match.hasMatch())
         work.replace(match.capturedStart(), match.capturedLength(), match.captured(1) + u' ');
     return work;
@@ -99,6 +100,12 @@ QString doneWork(const DbFailure &failure)
 QString withinSentence(const QString &sentence)
 {
     return sentence.left(1).toLower() + sentence.mid(1);
+}
+
+/// `work` says that it was not done.
+QString doubtfulWords(const QString &work)
+{
+    return u"It is not known whether "_s + withinSentence(doneWork(work));
 }
 
 } // namespace
@@ -171,18 +178,20 @@ QString failureAdvice(const DbFailure &failure)
 
 QString doubtfulWork(const DbFailure &failure)
 {
-    return u"It is not known whether "_s + withinSentence(doneWork(failure));
+    return doubtfulWords(failedWork(failure));
 }
 
 QString settledWork(const QString &statement, bool isDone)
 {
     const DbFailure write = {DbFailure::Kind::Write, statement, {}};
-    return u"Known now: "_s + withinSentence(isDone ? doneWork(write) : failedWork(write));
+    return u"Known now: "_s + withinSentence(isDone ? doneWork(failedWork(write)) : failedWork(write));
 }
 
 QString failureWords(const QString &work, const DbFailure &failure)
 {
-    return work + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
+    const auto nobodyKnows = "08007"_L1;
+    const bool isDoubtful = failure.engineState == nobodyKnows;
+    return (isDoubtful ? doubtfulWords(work) : work) + u'\n' + failureReason(failure) + u'\n' + failureAdvice(failure);
 }
 
 QString failedWork(const FileFailure &failure)

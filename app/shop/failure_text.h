@@ -20,7 +20,7 @@ namespace harrowby::app {
 [[nodiscard]] QString failureReason(const DbFailure &failure);
 /// What to do about it.
 [[nodiscard]] QString failureAdvice(const DbFailure &failure);
-/// What has not been done, why, and what to do, in a line each.
+/// What has not been done, or of which nobody can say, why, and what to do, in a line each. `work` as failedWork().
 [[nodiscard]] QString failureWords(const QString &work, const DbFailure &failure);
 
 /// The same of a step outside the database.

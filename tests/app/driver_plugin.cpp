@@ -41,6 +41,8 @@ bool answersTo(const QWidget &widget, const QString &name)
 QWidget *find(const QString &name)
 {
     QWidget *front = QApplication::activeModalWidget();
+    if (front != nullptr && front->windowModality() == Qt::WindowModal && front->parentWidget() == nullptr)
+        front = nullptr; // other windows can be used beside it
     for (QWidget *widget : QApplication::allWidgets()) {
         const bool reachable = front == nullptr || widget->window() == front;
         if (reachable && widget->isVisible() && answersTo(*widget, name))

@@ -129,6 +129,12 @@ int Screen::count(QRgb colour, const QRect &part) const
         std::ranges::count_if(pixels, [colour](quint32 pixel) { return (pixel & RGB_MASK) == (colour & RGB_MASK); }));
 }
 
+bool Screen::isOfTheSign(const QRect &part) const
+{
+    constexpr QRgb accent = qRgb(0, 98, 86);
+    return count(accent, part) > part.width() * part.height() * 9 / 10;
+}
+
 void Screen::keyDown(const QString &name) const
 {
     letKeysRepeat(true);

@@ -33,6 +33,8 @@ public:
     void key(const QString &name) const;
     /// How many pixels of that part of the screen have this colour now; -1 when it cannot be read.
     [[nodiscard]] int count(QRgb colour, const QRect &part) const;
+    /// Whether the part is covered by the sign of a wait, in the light look.
+    [[nodiscard]] bool isOfTheSign(const QRect &part) const;
     /// Holds a key down until keyUp(); meanwhile it repeats. Else keys do not, as a server that stands still for a
     /// while would repeat one that is released already.
     void keyDown(const QString &name) const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/server_engine.h"
+#include "app/server/finding_out.h"
 #include "app/server/missed_reading.h"
 #include "app/server/server_run_locks.h"
 #include "tests/program/test_program.h"
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void whatWasRefusedIsNotReadAgain();
     void lockThatIsFreeIsNobodysAfterAWhile();
     void lockThatIsTakenAgainWasNobodysNever();
+    void whatIsNotKnownIsLookedForNowAndThen();
 };
 
 namespace {
@@ -169,6 +171,23 @@ void ServerBackTest::lockThatIsTakenAgainWasNobodysNever()
         locks.renew();
         QCOMPARE(store.asked, QList<std::int64_t>{7}); // no more than what it waits for
     }
+}
+
+/// Each try may hold the window up for seconds.
+void ServerBackTest::whatIsNotKnownIsLookedForNowAndThen()
+{
+    std::chrono::milliseconds now = 1h;
+    FindingOut finding([&now] { return now; });
+    const ServerWatch::State alone{true, {}, u"single"_s};
+    const ServerWatch::State waiting{true, {}, u"waiting"_s};
+    QVERIFY(!finding.isDue(alone, false, false));
+    QVERIFY(!finding.isDue(waiting, true, true));
+    QVERIFY(finding.isDue(alone, true, false)); // of an earlier run
+    QVERIFY(!finding.isDue(alone, false, true));
+    now += FindingOut::rest;
+    QVERIFY(finding.isDue(alone, false, true));
+    QVERIFY(!finding.isDue(alone, false, true));
+    QVERIFY(finding.isDue(alone, true, true));
 }
 
 HARROWBY_TEST(app_server_back_test, ServerBackTest)

@@ -17,7 +17,8 @@ using namespace harrowby::app::test;
 using harrowby::test::PrivateCluster;
 
 /// The real office, on a real X server, in the role that harrowby-server add-office gives it: each page, changes beside
-/// a till of the same machine, and a server that goes away and comes back.
+/// a till of the same machine, a server that goes away and comes back, and for both one that hangs while its standby
+/// takes over.
 class ServerOfficeRunTest : public QObject
 {
     Q_OBJECT
@@ -30,12 +31,16 @@ private Q_SLOTS:
     void priceIsChangedBesideATill();
     void tillEnds();
     void dialogGoesOnWithTheServer();
+    void whatIsNotKnownIsToldAndSettled();
     void ends();
+    void standbyTakesOverInSilence();
 
 private:
+    /// On the server, and its standby once there is one.
     [[nodiscard]] QString storeOf(const QString &role) const
     {
-        return u"postgresql://%1@127.0.0.1:%2/shop"_s.arg(role).arg(m_cluster->port());
+        const QString second = m_standby ? u",127.0.0.1:%1"_s.arg(m_standby->port()) : QString();
+        return u"postgresql://%1@127.0.0.1:%2%3/shop"_s.arg(role, QString::number(m_cluster->port()), second);
     }
     [[nodiscard]] QString value(const QString &select) const { return m_cluster->sql(select).value(0); }
     /// Each running program's, with the number of its last write.
@@ -44,6 +49,11 @@ private:
         return m_cluster->sql(u"select writer || ' ' || last from harrowby.writer_action order by writer"_s);
     }
     void enter(RunningProgram &program, const QString &entry, const QString &text);
+    void openOffice();
+    /// What the server says of itself.
+    void protect(const QString &how);
+    /// Up to the dialog's "Return".
+    void describeUser(const QString &name);
     void openTill();
     void sell(const QString &total);
     void import();
@@ -51,6 +61,7 @@ private:
     QTemporaryDir m_home; ///< of the one machine
     Screen m_screen;
     std::unique_ptr<PrivateCluster> m_cluster;
+    std::unique_ptr<PrivateCluster> m_standby;
     std::unique_ptr<RunningProgram> m_office;
     std::unique_ptr<RunningProgram> m_till;
 };
@@ -70,6 +81,12 @@ void ServerOfficeRunTest::initTestCase()
         "-1, -1)"_s);
     m_cluster->sql(u"insert into harrowby.stocklist (StockID, StockName, StockCategory, StockCost, StockReorderLevel, "
                    "StockAvailable, StockUse) values ('TEA-0001', 'TEA', 'DRINKS', '2.50', 5, 20, 'Enabled')"_s);
+    protect(u"single"_s);
+    openOffice();
+}
+
+void ServerOfficeRunTest::openOffice()
+{
     m_office = std::make_unique<RunningProgram>(m_screen, m_home.path());
     QVERIFY(m_office->start({u"--office"_s, u"--database"_s, storeOf(u"office"_s)}));
     enter(*m_office, u"officePassword"_s, u"secret"_s);
@@ -82,6 +99,12 @@ void ServerOfficeRunTest::enter(RunningProgram &program, const QString &entry, c
     QVERIFY2(program.press(entry), qPrintable(entry + program.errors()));
     m_screen.type(text);
     QTRY_COMPARE_WITH_TIMEOUT(program.text(entry).toUpper(), text.toUpper(), 30000);
+}
+
+void ServerOfficeRunTest::protect(const QString &how)
+{
+    m_cluster->sql(
+        u"create or replace function harrowby.protection() returns text language sql as $$ select '%1' $$"_s.arg(how));
 }
 
 void ServerOfficeRunTest::eachPageOpens_data()
@@ -119,12 +142,19 @@ void ServerOfficeRunTest::eachPageOpens()
     QVERIFY2(!errors.contains(u"Failed:"_s), qPrintable(errors));
 }
 
-void ServerOfficeRunTest::userIsAdded()
+void ServerOfficeRunTest::describeUser(const QString &name)
 {
+    m_office->bringToFront(u"Store"_s);
+    m_screen.key(u"alt+u"_s);
     QVERIFY(m_office->press(u"addUser"_s));
-    enter(*m_office, u"userName"_s, u"clara"_s);
+    enter(*m_office, u"userName"_s, name);
     enter(*m_office, u"userPassword"_s, u"key1"_s);
     enter(*m_office, u"userPasswordAgain"_s, u"key1"_s);
+}
+
+void ServerOfficeRunTest::userIsAdded()
+{
+    describeUser(u"clara"_s);
     m_screen.key(u"Return"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m_office->text(u"chosenUser"_s), u"CLARA"_s, 30000);
     QCOMPARE(value(u"select Password from harrowby.users where Username = 'CLARA'"_s), u"KEY1"_s);
@@ -202,12 +232,7 @@ void ServerOfficeRunTest::tillEnds()
 /// A dialog stays open over many actions: after one that was in vain the next one finds the server again.
 void ServerOfficeRunTest::dialogGoesOnWithTheServer()
 {
-    m_office->bringToFront(u"Store"_s);
-    m_screen.key(u"alt+u"_s);
-    QVERIFY(m_office->press(u"addUser"_s));
-    enter(*m_office, u"userName"_s, u"dora"_s);
-    enter(*m_office, u"userPassword"_s, u"key2"_s);
-    enter(*m_office, u"userPasswordAgain"_s, u"key2"_s);
+    describeUser(u"dora"_s);
     m_cluster->kill9();
     QElapsedTimer waited;
     waited.start();
@@ -222,11 +247,69 @@ void ServerOfficeRunTest::dialogGoesOnWithTheServer()
     QCOMPARE(value(u"select count(*) from harrowby.users where Username = 'DORA'"_s), u"1"_s);
 }
 
+/// The standby that a write waits for is gone, and a person has had enough.
+void ServerOfficeRunTest::whatIsNotKnownIsToldAndSettled()
+{
+    describeUser(u"emil"_s);
+    const QPoint password = m_office->awaitPlace(u"userPassword"_s);
+    protect(u"waiting"_s);
+    m_cluster->demandStandby(true);
+    m_screen.key(u"Return"_s);
+    // The sign grows by its button, over the dialog's first entries, once the server has been silent for 5 s.
+    const QRect besideTheButton(password - QPoint(255, 72), QSize(30, 8));
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.isOfTheSign(besideTheButton), 20000);
+    m_screen.key(u"Escape"_s);
+    const auto doubt = u"It is not known whether "_s;
+    QTRY_VERIFY2_WITH_TIMEOUT(m_office->text(u"problem"_s).contains(doubt + u"the user was added."_s),
+                              qPrintable(m_office->text(u"problem"_s)), 30000);
+    QVERIFY(m_office->press(u"Cancel"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(m_office->text(u"failureWork"_s), doubt + u"a change was saved."_s, 30000);
+    m_cluster->demandStandby(false);
+    protect(u"single"_s);
+    QTRY_VERIFY2_WITH_TIMEOUT(m_office->text(u"failureWork"_s).contains(u"Known now: "_s),
+                              qPrintable(m_office->text(u"failureWork"_s)), 60000);
+    QCOMPARE(m_office->text(u"failureWork"_s).contains(u" not "_s),
+             value(u"select count(*) from harrowby.users where Username = 'EMIL'"_s) == u"0"_s);
+}
+
 void ServerOfficeRunTest::ends()
 {
+    m_office->bringToFront(u"Store"_s);
     QVERIFY(m_office->press(u"closeOffice"_s));
     const int code = m_office->waitForEnd();
     QVERIFY2(code == 0, qPrintable(m_office->errors()));
+}
+
+/// A primary that hangs tells nobody. Office and till are with its standby as soon as that has taken over, the till's
+/// lock too, before anybody touches them.
+void ServerOfficeRunTest::standbyTakesOverInSilence()
+{
+    m_standby = m_cluster->standby();
+    openOffice();
+    openTill();
+    const auto sessions = u"select count(*) from pg_stat_activity where application_name like 'harrowby%' and usename "
+                          "= '%1'"_s;
+    const auto locks = u"select count(*) from pg_locks where locktype = 'advisory'"_s;
+    QTRY_COMPARE_WITH_TIMEOUT(value(locks), u"1"_s, 30000);
+    const QString ofTheTill = value(sessions.arg(u"till"_s));
+    const QString ofTheOffice = value(sessions.arg(u"office"_s));
+    m_cluster->stop();
+    m_standby->promote();
+    const auto found = [this](const QString &select) { return m_standby->sql(select).value(0); };
+    QTRY_COMPARE_WITH_TIMEOUT(found(locks), u"1"_s, 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(found(sessions.arg(u"till"_s)), ofTheTill, 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(found(sessions.arg(u"office"_s)), ofTheOffice, 60000);
+    sell(u"Total: 3.75"_s);
+    QVERIFY(!m_till->has(u"failureNotice"_s));
+    QCOMPARE(found(u"select StockAvailable from harrowby.stocklist"_s), u"17"_s);
+    describeUser(u"finn"_s);
+    m_screen.key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_office->text(u"chosenUser"_s), u"FINN"_s, 30000);
+    QCOMPARE(found(u"select count(*) from harrowby.users where Username = 'FINN'"_s), u"1"_s);
+    QVERIFY(!m_office->has(u"failureNotice"_s));
+    m_till.reset();
+    m_office.reset();
+    m_cluster->cont();
 }
 
 HARROWBY_TEST(app_server_office_run_test, ServerOfficeRunTest)

@@ -13,8 +13,6 @@ using namespace Qt::StringLiterals;
 using namespace harrowby::app::test;
 using harrowby::test::PrivateCluster;
 
-static constexpr QRgb accent = qRgb(0, 98, 86); ///< of the light look
-
 /// The real program, on a real X server, with its store on a private server: from the start to sales while that dies,
 /// hangs and comes back.
 class ServerRunTest : public QObject
@@ -53,11 +51,6 @@ private:
                        const QString &program = {});
     [[nodiscard]] QString value(const QString &select) const { return m_cluster->sql(select).value(0); }
     void protect(const QString &how);
-    /// Whether this part of the screen is covered by the sign of a wait.
-    [[nodiscard]] bool isOfTheSign(const QRect &part) const
-    {
-        return m_screen.count(accent, part) > part.width() * part.height() * 9 / 10;
-    }
     void logIn();
     void fillCart();
     [[nodiscard]] QString stock() const { return value(u"select StockAvailable from harrowby.stocklist"_s); }
@@ -304,7 +297,7 @@ void ServerRunTest::waitIsShownAndTakesNoInput()
     const QPoint item = m_program->awaitPlace(u"Command1_0"_s);
     m_cluster->stop();
     m_screen.press(item);
-    QTRY_VERIFY_WITH_TIMEOUT(isOfTheSign({430, 50, 80, 6}), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.isOfTheSign({430, 50, 80, 6}), 20000);
     m_screen.press(item);
     m_screen.press(item);
     m_cluster->cont();
@@ -329,10 +322,10 @@ void ServerRunTest::waitCanBeGivenUp()
     QTRY_COMPARE_WITH_TIMEOUT(white(), withBox, 30000);
     m_cluster->stop();
     m_screen.press(yes);
-    QTRY_VERIFY_WITH_TIMEOUT(isOfTheSign({430, 50, 80, 6}), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.isOfTheSign({430, 50, 80, 6}), 20000);
     QTRY_VERIFY_WITH_TIMEOUT(white() != withBox, 20000); // nothing stays of the box that was answered
     // The sign grows by its button once the server has been silent for 5 s.
-    QTRY_VERIFY_WITH_TIMEOUT(isOfTheSign({430, 168, 80, 6}), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.isOfTheSign({430, 168, 80, 6}), 20000);
     m_screen.key(u"Escape"_s);
     answerSummary();
     QTRY_VERIFY_WITH_TIMEOUT(m_program->text(u"failureWork"_s).contains(u"it is not known whether"_s), 30000);
@@ -352,7 +345,7 @@ void ServerRunTest::whatIsNotKnownIsToldByTheNextStart()
     const QString before = stock();
     m_cluster->stop();
     m_screen.press(yes);
-    QTRY_VERIFY_WITH_TIMEOUT(isOfTheSign({430, 168, 80, 6}), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_screen.isOfTheSign({430, 168, 80, 6}), 20000);
     m_screen.key(u"Escape"_s);
     answerSummary();
     QTRY_VERIFY_WITH_TIMEOUT(m_program->text(u"failureWork"_s).contains(u"it is not known whether"_s), 30000);

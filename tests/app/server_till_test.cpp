@@ -121,6 +121,7 @@ void ServerTillTest::adviceOfAServer_data()
             QTest::newRow(qPrintable(state)) << state << word;
     };
     expect(u"switched on"_s, {u"08001"_s, u"08006"_s, u"57014"_s});
+    expect(u"Do not do it again"_s, {u"08007"_s});
     expect(u"add-till"_s, {u"08004"_s, u"28P01"_s});
     expect(u"Another till"_s, {u"55P03"_s, u"40P01"_s});
     expect(u"promote"_s, {u"25006"_s});
@@ -140,6 +141,11 @@ void ServerTillTest::adviceOfAServer()
     failure.engineState = state;
     const QString found = failureAdvice(failure);
     QVERIFY2(found.contains(word), qPrintable(found));
+    const QStringList words = failureWords(u"The user was not added."_s, failure).split(u'\n');
+    const bool isKnown = state != "08007"_L1;
+    QCOMPARE(words,
+             (QStringList{isKnown ? u"The user was not added."_s : u"It is not known whether the user was added."_s,
+                          u"reason"_s, found}));
 }
 
 static bool isOfTheSale(const QString &statement)
