@@ -97,6 +97,7 @@ std::shared_ptr<DbConnection> ServerShop::connect()
     options.stateFolder = m_state.path();
     options.findsAnywhere = [] { return true; };
     options.silence = std::chrono::minutes(1); // a busy machine is slow, not dead
+    options.lock = options.silence; // shorter ones would be set with each statement, which they are not in a shop
     auto connection = std::make_shared<PostgresConnection>(m_conninfo, options);
     connection->setFailureHandler([](const DbFailure &failure) {
         QTextStream(stderr) << failure.statement << ": " << failure.reason << Qt::endl;
