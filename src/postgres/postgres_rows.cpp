@@ -9,6 +9,13 @@
 
 namespace harrowby {
 
+namespace {
+
+/// Of a SELECT; what comes after them is fetched ahead. A list that is shorter is not worth a thread.
+constexpr int rowsWithoutThread = 256;
+
+} // namespace
+
 PgRows::PgRows(std::shared_ptr<postgres::ServerLink> link, std::chrono::milliseconds answer, bool beganIdle) :
     m_link(std::move(link)), m_answer(answer), m_beganIdle(beganIdle)
 {
@@ -56,6 +63,8 @@ bool PgRows::nextSelect()
 /// To the next result that has columns, which is a row or the end of a SELECT; or to the end of the text.
 void PgRows::fetch()
 {
+    if (isInBatch() && !m_link->isLost() && ++m_at < m_batch.rowCount()) // closing takes all of them away
+        return;
     for (;;) {
         if (!m_link->hasResult()) { // most rows are there
             postgres::Waiter waiter(m_link->hook(), PgWaiting::Answer);
@@ -63,6 +72,10 @@ void PgRows::fetch()
                 fail(*std::move(error));
                 return;
             }
+        }
+        if (m_link->takeRows(m_batch)) {
+            m_at = 0;
+            return;
         }
         pg_result *raw = m_link->take();
         if (!raw) {
@@ -75,6 +88,9 @@ void PgRows::fetch()
         const ExecStatusType status = PQresultStatus(raw);
         if (status == PGRES_SINGLE_TUPLE || status == PGRES_TUPLES_OK) {
             m_row = std::move(result);
+            m_fetched = status == PGRES_SINGLE_TUPLE ? m_fetched + 1 : 0;
+            if (m_fetched == rowsWithoutThread)
+                m_link->fetchAhead();
             return;
         }
         if (status != PGRES_COMMAND_OK && status != PGRES_EMPTY_QUERY) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "postgres/row_batch.h"
 #include "postgres/server_error.h"
 #include "postgres/server_result.h"
 #include "postgres/server_waits.h"
@@ -43,9 +44,15 @@ public:
     [[nodiscard]] Step next();
     /// After Done: to the rows of the next SELECT of the text, if there is one; what gives no rows is passed over.
     [[nodiscard]] bool nextSelect();
-    [[nodiscard]] bool isNull(int column) const { return m_row.isNull(0, column); }
+    [[nodiscard]] bool isNull(int column) const
+    {
+        return isInBatch() ? m_batch.isNull(m_at, column) : m_row.isNull(0, column);
+    }
     /// Of the current row, good until the next step; empty for null.
-    [[nodiscard]] QByteArrayView text(int column) const { return m_row.text(0, column); }
+    [[nodiscard]] QByteArrayView text(int column) const
+    {
+        return isInBatch() ? m_batch.text(m_at, column) : m_row.text(0, column);
+    }
     /// Set once a step has failed.
     [[nodiscard]] const std::optional<PgError> &error() const { return m_error; }
 
@@ -53,6 +60,7 @@ private:
     friend class PgSession;
     PgRows(std::shared_ptr<postgres::ServerLink> link, std::chrono::milliseconds answer, bool beganIdle);
 
+    [[nodiscard]] bool isInBatch() const { return m_at < m_batch.rowCount(); }
     void fetch();
     void fail(const PgError &error);
     void finishText();
@@ -60,9 +68,12 @@ private:
     std::shared_ptr<postgres::ServerLink> m_link; ///< null once there is nothing left to fetch
     std::chrono::milliseconds m_answer;
     bool m_beganIdle;
-    PgResult m_row;         ///< one row, or the end of a SELECT, which has its columns
-    bool m_isAhead = false; ///< m_row is what next() is to step to
-    bool m_isDone = false;  ///< with this SELECT
+    PgResult m_row;             ///< one row, or the end of a SELECT, which has its columns
+    postgres::RowBatch m_batch; ///< rows that were fetched ahead; the current one is in it when it is not read through
+    std::size_t m_at = 0;       ///< in m_batch
+    bool m_isAhead = false;     ///< m_row is what next() is to step to
+    bool m_isDone = false;      ///< with this SELECT
+    int m_fetched = 0;          ///< rows of this SELECT
     std::optional<PgError> m_error;
 };
 

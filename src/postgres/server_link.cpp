@@ -69,23 +69,26 @@ ServerLink::~ServerLink() = default;
 
 bool ServerLink::isLost() const
 {
-    return PQstatus(raw()) != CONNECTION_OK;
+    return !m_ahead && PQstatus(raw()) != CONNECTION_OK;
 }
 
 void ServerLink::close()
 {
+    m_ahead.reset();
     m_connection.reset();
 }
 
 bool ServerLink::isInTransaction() const
 {
+    if (m_ahead)
+        return false;
     const PGTransactionStatusType status = PQtransactionStatus(raw());
     return status == PQTRANS_INTRANS || status == PQTRANS_INERROR;
 }
 
 bool ServerLink::isIdle() const
 {
-    return PQtransactionStatus(raw()) == PQTRANS_IDLE;
+    return !m_ahead && PQtransactionStatus(raw()) == PQTRANS_IDLE;
 }
 
 bool ServerLink::send(const QByteArray &statements, bool rowByRow)
@@ -101,11 +104,17 @@ bool ServerLink::send(const QByteArray &statements, bool rowByRow)
 
 pollfd ServerLink::wanted() const
 {
+    if (m_ahead)
+        return {m_ahead->descriptor(), POLLIN, 0};
     return {PQsocket(raw()), static_cast<short>(m_hasUnsent ? POLLIN | POLLOUT : POLLIN), 0};
 }
 
 void ServerLink::pump()
 {
+    if (m_ahead) {
+        m_ahead->clear();
+        return;
+    }
     // What fails here is the next result.
     PQconsumeInput(raw());
     if (m_hasUnsent)
@@ -114,20 +123,41 @@ void ServerLink::pump()
 
 bool ServerLink::hasResult() const
 {
+    if (m_ahead)
+        return m_ahead->hasResult();
     return PQisBusy(raw()) == 0 || isLost(); // of a connection that has broken, its error
 }
 
 pg_result *ServerLink::take()
 {
-    return PQgetResult(raw());
+    if (!m_ahead)
+        return PQgetResult(raw());
+    std::optional<PgResult> last = m_ahead->takeLast();
+    m_ahead.reset();
+    if (!last)
+        close();
+    return last ? last->release() : nullptr;
+}
+
+bool ServerLink::takeRows(RowBatch &rows)
+{
+    return m_ahead && m_ahead->take(rows);
 }
 
 bool ServerLink::hasEnded()
 {
+    if (m_ahead)
+        return false;
     // The server's last words come before the end, which is readable for ever.
     for (pollfd socket{PQsocket(raw()), POLLIN, 0}; !isLost() && ::poll(&socket, 1, 0) > 0;)
         PQconsumeInput(raw());
     return isLost();
+}
+
+void ServerLink::fetchAhead()
+{
+    if (!m_ahead && !isLost())
+        m_ahead = RowPump::start(raw());
 }
 
 std::optional<PgError> ServerLink::await(std::chrono::milliseconds answer, Waiter &waiter)
@@ -212,6 +242,7 @@ void ServerLink::drain(std::chrono::milliseconds answer)
 
 void ServerLink::cancel()
 {
+    m_ahead.reset();
     const CancelAside sent(raw());
     Waiter waiter(m_hook, PgWaiting::Answer);
     const QDeadlineTimer deadline(cancelTime);

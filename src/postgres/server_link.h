@@ -2,6 +2,7 @@
 #pragma once
 
 #include "basic/result.h"
+#include "postgres/row_pump.h"
 #include "postgres/server_error.h"
 #include "postgres/server_result.h"
 #include "postgres/server_waits.h"
@@ -25,6 +26,7 @@ public:
     ServerLink(const ServerLink &) = delete;
     ServerLink &operator=(const ServerLink &) = delete;
 
+    /// Not while rows are fetched ahead.
     [[nodiscard]] pg_conn *raw() const { return m_connection.get(); }
     [[nodiscard]] const PgWaitHook &hook() const { return m_hook; }
     [[nodiscard]] bool isLost() const;
@@ -42,10 +44,15 @@ public:
     void pump();
     /// Whether take() has something at once.
     [[nodiscard]] bool hasResult() const;
+    /// The rows that were fetched ahead, in place of those in `rows`; false when take() is to be asked.
+    [[nodiscard]] bool takeRows(RowBatch &rows);
     /// The next result; null after the last one.
     [[nodiscard]] pg_result *take();
     /// Whether the server has closed the connection meanwhile. Only while nothing is under way.
     [[nodiscard]] bool hasEnded();
+    /// Has a thread fetch the rows that still come of a SELECT, for takeRows(). The connection is taken for a good one
+    /// meanwhile, with a statement under way.
+    void fetchAhead();
 
     // With waiting; the session is closed when it was in vain.
 
@@ -75,6 +82,7 @@ private:
     [[nodiscard]] Result<PgResults, PgError> collect(std::chrono::milliseconds answer, PgWaiting what);
 
     std::unique_ptr<pg_conn, Finish> m_connection;
+    std::unique_ptr<RowPump> m_ahead; ///< null: nothing is fetched ahead. It uses m_connection, and calls notice()
     PgWaitHook m_hook;
     bool m_hasUnsent = false;
     bool m_isUnconfirmed = false;

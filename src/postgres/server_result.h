@@ -19,6 +19,9 @@ public:
     PgResult() = default;
     explicit PgResult(pg_result *result) : m_result(result) {}
 
+    [[nodiscard]] pg_result *raw() const { return m_result.get(); }
+    [[nodiscard]] pg_result *release() { return m_result.release(); }
+
     [[nodiscard]] int rowCount() const;
     [[nodiscard]] int columnCount() const;
     [[nodiscard]] QByteArray columnName(int column) const;

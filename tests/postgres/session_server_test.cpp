@@ -88,6 +88,7 @@ private Q_SLOTS:
     void anotherTillsLockIsWaitedFor();
     void aDeadlockIsResolved();
     void aHundredThousandRowsAreWalked();
+    void rowsThatNobodyReadsStayOnTheServer();
     void rowsThatNobodyWantsEnd();
     void aWalkThatIsLeftEndsOnTheServer();
     void aKilledServerIsLostAndFoundAgain();
@@ -320,6 +321,35 @@ void SessionServerTest::aHundredThousandRowsAreWalked()
     QCOMPARE(count, 100000);
     QVERIFY(!rows->nextSelect());
     QVERIFY(!walking.isInTransaction());
+    QCOMPARE(one(walking, "select 1"), "1");
+}
+
+/// They are fetched ahead, though not all of them.
+void SessionServerTest::rowsThatNobodyReadsStayOnTheServer()
+{
+    constexpr int all = 50'000;
+    PgTarget walk = target(*m_cluster);
+    walk.use = PgTarget::Use::Walk;
+    walk.programName = "reader";
+    PgSession walking = connected(walk, patient);
+    Result<PgRows, PgError> rows =
+        walking.walk("select repeat('x', 1000), g from generate_series(1, " + QByteArray::number(all) + ") g");
+    QVERIFY(rows);
+    int count = 0;
+    while (count < 400 && rows->next() == Step::Row)
+        ++count;
+    const auto waits = [this] {
+        return m_cluster->sql(u"select wait_event from pg_stat_activity where application_name = 'reader'"_s);
+    };
+    QTRY_COMPARE(waits(), QStringList{u"ClientWrite"_s});
+    QTest::qWait(300);
+    QCOMPARE(waits(), QStringList{u"ClientWrite"_s});
+    while (rows->next() == Step::Row) {
+        ++count;
+        QCOMPARE(rows->text(1).toInt(), count);
+    }
+    QCOMPARE(count, all);
+    QVERIFY(!rows->nextSelect());
     QCOMPARE(one(walking, "select 1"), "1");
 }
 
