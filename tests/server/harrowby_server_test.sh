@@ -8,11 +8,15 @@
 set -uo pipefail
 source_dir=$1
 shop_till=$2
-script=$source_dir/script/server/harrowby-server
 export HARROWBY_SERVER_SQL=${HARROWBY_SERVER_SQL:-$source_dir/src/postgres/schema}
 export HARROWBY_SERVER_UNSYNCED=1
 work=$(mktemp -d "${TMPDIR:-/tmp}/hs.XXXXXX") # short: a socket's path has 107 bytes
 chmod 755 "$work"
+# The servers run a part of it, as a user who may not get to where the source lies.
+mkdir "$work/program"
+cp -r "$source_dir/script/server/." "$work/program"
+chmod -R a+rX "$work/program"
+script=$work/program/harrowby-server
 version=$(find /usr/lib/postgresql -mindepth 1 -maxdepth 1 -name '[1-9][0-9]' | sort | tail -n 1)
 programs=$version/bin
 version=${version##*/}
