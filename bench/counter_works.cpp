@@ -185,7 +185,8 @@ void Counter::addLongestWait(double milliseconds)
 void Counter::measureDeletion()
 {
     require(m_till.loadPurchaseIds(), u"the settings"_s);
-    QStringList ids = m_till.purchaseIds(oldPurchases, 2 * (m_measuring.options().runs + warmUpRuns));
+    const int runs = m_measuring.options().runs;
+    QStringList ids = m_till.purchaseIds(oldPurchases, 2 * (runs + warmUps(runs)));
     QString id;
     QStringList keys;
     m_measuring.measure(

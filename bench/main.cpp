@@ -54,7 +54,7 @@ Plan quickPlan()
     Plan plan;
     plan.tenth = {200, 100};
     plan.sizes = {{1'000, 10'000}, {2'000, 10'000}};
-    plan.runs = 3;
+    plan.runs = 1;
     plan.comparedAt = 2'000;
     plan.frame = CatalogueSize{2'000, 100};
     plan.office = {2'000, 10};

@@ -63,7 +63,7 @@ void Measuring::measure(const QString &name, const Limits &limits, const Work &w
     BesideRaw times;
     int mostTrips = 0;
     std::size_t statements = 0;
-    for (int i = -warmUpRuns; i < m_options.runs; ++i) {
+    for (int i = -warmUps(m_options.runs); i < m_options.runs; ++i) {
         m_till.nextSecond();
         makeReady();
         const int tripsBefore = m_store.roundTrips().value_or(0);
@@ -99,7 +99,7 @@ Line measureGrowth(const QString &name, const WorksOptions &options, Till &small
 {
     Till *const tills[] = {&small, &big};
     std::vector<double> samples[2];
-    for (int i = -warmUpRuns; i < options.runs; ++i) {
+    for (int i = -warmUps(options.runs); i < options.runs; ++i) {
         for (std::size_t which : {0U, 1U}) {
             Till &till = *tills[which];
             till.use();

@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <functional>
 
 namespace harrowby::bench {
@@ -15,7 +16,10 @@ namespace harrowby::bench {
 /// The limits hold at this size; other sizes show how the cost grows.
 inline constexpr qint64 limitedItems = 100'000;
 /// First runs that do not count.
-inline constexpr int warmUpRuns = 3;
+[[nodiscard]] constexpr int warmUps(int runs)
+{
+    return std::min(runs, 3);
+}
 
 struct WorksOptions
 {

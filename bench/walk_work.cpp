@@ -50,7 +50,7 @@ Line measureWalk(MeasuredStore &store, const WorksOptions &options)
     const RawStatements list = stockListStatements();
     const auto connection = store.connect();
     BesideRaw times;
-    for (int i = -warmUpRuns; i < options.runs; ++i) {
+    for (int i = -warmUps(options.runs); i < options.runs; ++i) {
         const double ms = timed([&] { return walk(*connection, list.front()) == options.items; });
         const double raw = checked(store.rawMs(list), name);
         if (i >= 0) {

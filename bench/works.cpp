@@ -82,7 +82,7 @@ void Bench::measureLoading()
     require(m_till.open(), u"load"_s);
     const PlainWindow plain(m_till.window());
     std::vector<double> plainSamples;
-    for (int i = -warmUpRuns; i < m_measuring.options().runs; ++i) {
+    for (int i = -warmUps(m_measuring.options().runs); i < m_measuring.options().runs; ++i) {
         const double ms = checked(plain.show(), u"plain window"_s);
         if (i >= 0)
             plainSamples.push_back(ms);

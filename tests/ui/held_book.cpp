@@ -53,6 +53,15 @@ app::Records::Answer<std::int64_t> WatchedRecords::change(const app::RecordState
     return changed;
 }
 
+app::Records::Answer<std::int64_t> WatchedRecords::changeEach(const QString &text,
+                                                              const QList<QList<app::RecordValue>> &rows)
+{
+    auto changed = SqliteRecords::changeEach(text, rows);
+    for (const QList<app::RecordValue> &values : changed ? rows : QList<QList<app::RecordValue>>())
+        note({text, values});
+    return changed;
+}
+
 void WatchedRecords::note(const app::RecordStatement &statement)
 {
     const QString id = statement.values.isEmpty() ? QString() : recordText(statement.values.at(0));

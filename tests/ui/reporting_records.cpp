@@ -51,6 +51,23 @@ app::Records::Answer<std::int64_t> ReportingRecords::change(const app::RecordSta
     return changed;
 }
 
+app::Records::Answer<std::int64_t> ReportingRecords::changeEach(const QString &text,
+                                                                const QList<QList<app::RecordValue>> &rows)
+{
+    QStringList texts;
+    for (const QList<app::RecordValue> &values : rows)
+        texts << runnable({text, values});
+    const QString all = texts.join(u"; "_s);
+    if (!m_isTogether)
+        say(u"B "_s + all);
+    auto changed = SqliteRecords::changeEach(text, rows);
+    if (!m_isTogether)
+        sayDone(all, changed.has_value());
+    else if (changed)
+        m_texts << texts;
+    return changed;
+}
+
 bool ReportingRecords::takesPart(const QString &done)
 {
     if (m_isTogether && !done.isEmpty())

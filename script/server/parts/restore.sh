@@ -31,10 +31,12 @@ do_restore() {
     swap_in "$stamp"
 }
 
-# As the server understands it, in UTC and to the second; empty for the latest there is.
+# A time of the shop's clock as the server understands it, in UTC and to the second; empty for the latest there is.
 moment_of() {
+    local second
     [ -n "$1" ] || return 0
-    date -u -d "$1" +'%Y-%m-%d %H:%M:%S' 2>/dev/null || misused "'$1' is no time; one looks like '2026-11-22 18:30:00'"
+    second=$(date -d "$1" +%s 2>/dev/null) || misused "'$1' is no time; one looks like '2026-11-22 18:30:00'"
+    date -u -d "@$second" +'%Y-%m-%d %H:%M:%S'
 }
 
 # The last backup that the way to the timeline leads through: one may be of a past that was left by a restore.

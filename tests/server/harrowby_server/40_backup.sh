@@ -39,6 +39,7 @@ works "none any more" on one backup
 refuses "a time before all backups" "no backup" on one restore --time '2020-01-01 00:00:00'
 refuses "no time" "is no time" on one restore --time yesterdayish
 works "a sale" sell counter-1 t3
+export TZ=SHOP-9 # a time is one of the shop's clock
 sleep 1.1
 moment=$(date +'%Y-%m-%d %H:%M:%S')
 sleep 1.1
@@ -65,6 +66,7 @@ moment=$(date +'%Y-%m-%d %H:%M:%S')
 sleep 1.1
 works "a backup" on one backup
 works "restore to before it" on one restore --time "$moment"
+export TZ=UTC
 works "a sale" sell counter-1 t6
 works "restore without a backup since" on one restore --from "$work/backup/"
 is "nor is the last minute missing" "s1 s2 s3 s4 s5 s6 s7 t1 t2 t3 t4 t5 t6" sold one
