@@ -4,6 +4,8 @@
 #include "tests/app/wedge.h"
 #include "tests/program/test_program.h"
 
+#include <harrowby/code_reader_settings.h>
+
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -13,6 +15,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace harrowby::app::test;
+using harrowby::CodeReaderSettings;
 
 /// A code reader that types, at the real window on a real display.
 class CodesRunTest : public QObject
@@ -34,7 +37,9 @@ private Q_SLOTS:
     void manyScans();
 
 private:
-    void start(int gap = 50);
+    /// Allows a reader `gap` ms. XTEST's keys bear the time at which the server comes to type them, and on a busy
+    /// machine that is tens of milliseconds late now and then: what is not about the gap itself allows for it.
+    void start(int gap = 250);
     void logIn();
     [[nodiscard]] QStringList told() const;
     [[nodiscard]] bool sellsTwo(int gap, int longest);
@@ -84,7 +89,8 @@ void CodesRunTest::start(int gap)
 void CodesRunTest::logIn()
 {
     QTRY_COMPARE_WITH_TIMEOUT(program().focus(), u"Text3"_s, 30000);
-    QVERIFY(m_reader->type(u"ADMINISTRATOR\r"_s, m_gap + 70)); // as a person does
+    QVERIFY(m_reader->type(u"ADMINISTRATOR"_s, 5));
+    QVERIFY(m_reader->type(u"\r"_s, 0, m_gap + 70)); // as a person does
     QTRY_COMPARE_WITH_TIMEOUT(program().focus(), u"Text4"_s, 30000);
     QVERIFY(m_reader->type(u"secret\r"_s, 5)); // nobody looks at what is hidden
     QTRY_COMPARE_WITH_TIMEOUT(program().text(u"StatusBar1_1"_s), u"User: ADMINISTRATOR"_s, 30000);
@@ -102,7 +108,7 @@ void CodesRunTest::gaps_data()
     QTest::addColumn<int>("allowed");
     QTest::addColumn<int>("gap");
     for (const int gap : {1, 5, 20, 45})
-        QTest::addRow("%d", gap) << 50 << gap;
+        QTest::addRow("%d", gap) << CodeReaderSettings::UsualGapMs << gap;
     QTest::newRow("99, set wider") << 120 << 99;
 }
 
@@ -120,9 +126,10 @@ void CodesRunTest::gaps()
 {
     QFETCH(const int, allowed);
     QFETCH(const int, gap);
-    // On a busy machine the server is late by milliseconds now and then. Where no more are left, that is no burst.
+    // What the server types late is no burst, and cannot be told from here: another try. The nearer to the gap, the
+    // more.
     const bool isClose = allowed - gap < 10;
-    int triesLeft = isClose ? 8 : 1;
+    int triesLeft = isClose ? 8 : 3;
     bool sold = false;
     while (!sold && triesLeft-- > 0) {
         m_program.reset();
@@ -132,7 +139,7 @@ void CodesRunTest::gaps()
         logIn();
         if (QTest::currentTestFailed())
             return;
-        sold = sellsTwo(gap, isClose ? 8000 : 30000);
+        sold = sellsTwo(gap, isClose || triesLeft > 0 ? 8000 : 30000);
     }
     QVERIFY(sold);
     QCOMPARE(told(), (QStringList{u"TEA-0001 0"_s, u"zy-10055 0"_s}));
@@ -186,6 +193,7 @@ void CodesRunTest::hiddenEntryAndLogin()
     QVERIFY(m_reader->type(u"40063813\r"_s, 5));
     QTRY_COMPARE_WITH_TIMEOUT(program().box(), u"You must Login in First!"_s, 30000);
     QTRY_VERIFY_WITH_TIMEOUT(program().place(u"OK"_s).x() > 0, 30000);
+    QTest::qWait(m_gap); // an Enter before would be the reader's second one
     m_screen->key(u"Return"_s);
     QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList{u"40063813 1"_s}, 30000);
     QCOMPARE(program().text(u"Text3"_s), QString());
@@ -236,7 +244,7 @@ void CodesRunTest::otherLayout()
 /// At 120 ms a key: tabs by their digits, a text, a figure, Enter, and a letter for a box.
 void CodesRunTest::typing()
 {
-    start();
+    start(CodeReaderSettings::UsualGapMs);
     if (QTest::currentTestFailed())
         return;
     logIn();
@@ -273,7 +281,7 @@ void CodesRunTest::whileAListFills()
     logIn();
     QVERIFY(program().press(u"TabStrip1"_s));
     QVERIFY(m_reader->begin(u"3"_s, 0, 100));
-    QVERIFY(m_reader->begin(u"40063813\rzy-10055\rTEA-0001\r40063813\rzy-10055\rTEA-0001\r"_s, 20, 120));
+    QVERIFY(m_reader->begin(u"40063813\rzy-10055\rTEA-0001\r40063813\rzy-10055\rTEA-0001\r"_s, 20, m_gap + 70));
     m_reader->finish();
     QTRY_COMPARE_WITH_TIMEOUT(told().size(), 6, 60000);
     QCOMPARE(told().mid(0, 3), (QStringList{u"40063813 0"_s, u"zy-10055 0"_s, u"TEA-0001 0"_s}));
