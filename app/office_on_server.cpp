@@ -3,8 +3,8 @@
 
 #include "app/first_server_user.h"
 #include "app/records/server_engine.h"
-#include "app/server/finding_out.h"
 #include "app/server/input_actions.h"
+#include "app/server/return_to_server.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
 #include "app/server/server_wait.h"
@@ -56,11 +56,10 @@ Result<OfficeLeaving, ExitCode> keepOpen(const QString &address, ServerStore &st
     if (const auto users = seeToFirstUser(*records, address); !users)
         return Unexpected(users.error());
     const InputActions actions([&store] { store.beginAction(); });
-    FindingOut findingOut;
+    ReturnToServer returning(store);
     const ServerWatch watch(address, store.identity());
     QObject::connect(&watch, &ServerWatch::answered, &actions, [&](bool isBack) {
-        serverAnswers(store, isBack, findingOut.isDue(watch.state(), isBack, doubts.isOpen()));
-        if (isBack)
+        if (returning.serverAnswers(watch.state(), isBack, doubts.isOpen()).value_or(false))
             readOfficeAnew();
     });
     return keep({address, records});

@@ -6,8 +6,8 @@
 #include "app/records/server_engine.h"
 #include "app/search/search_choice.h"
 #include "app/selling.h"
-#include "app/server/finding_out.h"
 #include "app/server/missed_reading.h"
+#include "app/server/return_to_server.h"
 #include "app/server/sale_follower.h"
 #include "app/server/server_opening.h"
 #include "app/server/server_run_locks.h"
@@ -71,7 +71,7 @@ public:
     ServerAttendance(const QString &address, ServerStore &store, ServerRunLocks &locks, const SaleFollower &follower,
                      MissedReading &missed) :
         m_watch(address, store.identity()),
-        m_store(store), m_locks(locks), m_follower(follower), m_missed(missed)
+        m_return(store), m_locks(locks), m_follower(follower), m_missed(missed)
     {
     }
 
@@ -80,23 +80,23 @@ public:
         Banner &banner = till.banner();
         QObject::connect(&m_watch, &ServerWatch::changed, &till,
                          [&banner](const ServerWatch::State &state) { tellServer(banner, state); });
-        QObject::connect(&m_watch, &ServerWatch::answered, &till, [this, &till](bool isBack) {
-            lookAgain(isBack);
-            till.payments().settleAgain();
-        });
+        QObject::connect(&m_watch, &ServerWatch::answered, &till,
+                         [this, &till](bool isBack) { lookAgain(till, isBack); });
     }
 
 private:
-    void lookAgain(bool isBack)
+    void lookAgain(Till &till, bool isBack)
     {
-        serverAnswers(m_store, isBack, m_findingOut.isDue(m_watch.state(), isBack, m_follower.isInDoubt()));
+        const auto isBackNow = m_return.serverAnswers(m_watch.state(), isBack, m_follower.isInDoubt());
         m_locks.renew(); // asks the server only where their session has ended
-        m_missed.serverAnswers(isBack);
+        if (!isBackNow)
+            return; // all else would be of the time of the action that is under way
+        m_missed.serverAnswers(*isBackNow);
+        till.payments().settleAgain();
     }
 
     ServerWatch m_watch;
-    FindingOut m_findingOut;
-    ServerStore &m_store;
+    ReturnToServer m_return;
     ServerRunLocks &m_locks;
     const SaleFollower &m_follower;
     MissedReading &m_missed;

@@ -102,6 +102,9 @@ public:
     /// it of a server that hangs or has lost its power. A transaction that is under way stays on its session. Takes the
     /// locks along. Nothing when all is well.
     [[nodiscard]] virtual std::optional<ServerProblem> reachAnew() = 0;
+    /// Whether an action that has written is under way and has time left: its rest belongs to it. tryAgain() and
+    /// reachAnew() are part of it then; otherwise they begin one.
+    [[nodiscard]] virtual bool isInAction() const = 0;
 
     /// See PostgresConnection::setResolvedHandler(); also of writes of records().
     virtual void setResolvedHandler(ResolvedHandler handler) = 0;

@@ -13,11 +13,13 @@ FindingOut::FindingOut(Clock clock) : m_clock(clock ? std::move(clock) : Clock(s
 
 bool FindingOut::isDue(const ServerWatch::State &state, bool isBack, bool isInDoubt)
 {
+    m_isBack = m_isBack || isBack;
     if (state.protection == "waiting"_L1)
         return false;
     const auto now = m_clock();
-    if (!isBack && (!isInDoubt || now < m_next))
+    if (!m_isBack && (!isInDoubt || now < m_next))
         return false;
+    m_isBack = false;
     m_next = now + rest;
     return true;
 }

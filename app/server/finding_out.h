@@ -20,11 +20,13 @@ public:
 
     explicit FindingOut(Clock clock = {});
 
-    /// Asked each time that the server answers (ServerWatch::answered), and counts as tried when it says so.
+    /// Asked each time that the server answers (ServerWatch::answered) and was reached, and counts as tried when it
+    /// says so. That it is back is kept until then.
     [[nodiscard]] bool isDue(const ServerWatch::State &state, bool isBack, bool isInDoubt);
 
 private:
     Clock m_clock;
+    bool m_isBack = false; ///< and nothing was tried since
     std::chrono::milliseconds m_next{0};
 };
 

@@ -69,14 +69,6 @@ Result<std::unique_ptr<ServerStore>, QString> openServerStore(const QString &sto
     return *std::move(opened);
 }
 
-void serverAnswers(ServerStore &store, bool isBack, bool mayFindOut)
-{
-    if (isBack && store.reachAnew())
-        return;
-    if (mayFindOut)
-        (void)store.tryAgain();
-}
-
 ServerUsers usersOf(Records &records)
 {
     const auto none = isEmpty(records.read(countUsers()));

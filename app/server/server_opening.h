@@ -15,10 +15,6 @@ namespace harrowby::app {
 [[nodiscard]] Result<std::unique_ptr<ServerStore>, QString> openServerStore(const QString &store,
                                                                             ServerOptions options);
 
-/// To be called when the server answers; `isBack`: after it had not. What fails now is tried again. `mayFindOut`:
-/// whether what is unknown can be resolved.
-void serverAnswers(ServerStore &store, bool isBack, bool mayFindOut);
-
 /// Who may be logged in at this store.
 enum class ServerUsers {
     There,

@@ -65,9 +65,16 @@ std::unique_ptr<app::Records> PostgresStore::records()
     return std::make_unique<PostgresRecords>(m_connection, m_parts.access, m_parts.writer);
 }
 
+/// What looks for the server in the middle of an action does so in that one's time.
+void PostgresStore::beginActionUnlessInOne()
+{
+    if (!isInAction())
+        beginAction();
+}
+
 std::optional<app::ServerProblem> PostgresStore::tryAgain()
 {
-    m_connection->beginAction();
+    beginActionUnlessInOne();
     if (auto reached = m_parts.access.reach(); !reached)
         return problemOf(reached.error());
     if (const auto error = m_parts.writer.resolve())
@@ -78,7 +85,7 @@ std::optional<app::ServerProblem> PostgresStore::tryAgain()
 
 std::optional<app::ServerProblem> PostgresStore::reachAnew()
 {
-    m_connection->beginAction();
+    beginActionUnlessInOne();
     if (auto reached = m_parts.access.reachAnew(); !reached)
         return problemOf(reached.error());
     m_locks->keep();

@@ -32,6 +32,7 @@ public:
     void setChangeHandler(ChangeHandler handler) override;
     void setEmptyHandler(EmptyHandler handler) override;
     void beginAction() override { m_connection->beginAction(); }
+    [[nodiscard]] bool isInAction() const override { return m_parts.access.time().isUnderWay(); }
     [[nodiscard]] Result<std::unique_ptr<app::ServerLock>, QString> lock(std::int64_t number) override;
     [[nodiscard]] QList<Holder> holdersOf(const QList<std::int64_t> &numbers) override
     {
@@ -39,6 +40,8 @@ public:
     }
 
 private:
+    void beginActionUnlessInOne();
+
     std::shared_ptr<PostgresConnection> m_connection;
     postgres::ConnectionParts m_parts;
     std::shared_ptr<SessionLocks> m_locks; ///< goes with the last lock

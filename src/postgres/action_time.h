@@ -40,6 +40,8 @@ public:
     void spendLock(Milliseconds time);
 
     [[nodiscard]] bool hasWritten() const { return m_hasWritten; }
+    /// It has written, and its rest still has time, which would be lost with a begin().
+    [[nodiscard]] bool isUnderWay() const { return m_hasWritten && !isOver(); }
     /// How long the statement may still be tried; 0 when no more.
     [[nodiscard]] Milliseconds left() const;
     [[nodiscard]] bool isOver() const { return left() == Milliseconds::zero(); }

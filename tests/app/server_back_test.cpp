@@ -2,6 +2,7 @@
 #include "app/records/server_engine.h"
 #include "app/server/finding_out.h"
 #include "app/server/missed_reading.h"
+#include "app/server/return_to_server.h"
 #include "app/server/server_run_locks.h"
 #include "tests/program/test_program.h"
 #include "tests/support/counter.h"
@@ -9,6 +10,9 @@
 #include <harrowby/counter.h>
 
 #include <QTest>
+
+#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -27,6 +31,8 @@ private Q_SLOTS:
     void lockThatIsFreeIsNobodysAfterAWhile();
     void lockThatIsTakenAgainWasNobodysNever();
     void whatIsNotKnownIsLookedForNowAndThen();
+    void serverThatIsBackIsReachedForUntilItIs();
+    void actionThatIsUnderWayComesFirst();
 };
 
 namespace {
@@ -38,19 +44,23 @@ DbFailure missedRead(const QString &state)
     return failure;
 }
 
-/// A server whose locks a test turns.
+/// A server that a test turns.
 class FalseStore final : public ServerStore
 {
 public:
     Holder holder = Holder::Somebody;
     QList<std::int64_t> asked;
+    bool isReached = true;
+    bool isUnderWay = false;
+    QStringList tried;
 
     std::shared_ptr<DbConnection> connection() override { return {}; }
     std::unique_ptr<Records> records() override { return {}; }
     [[nodiscard]] QUuid identity() const override { return {}; }
     [[nodiscard]] bool isOpen() const override { return true; }
-    std::optional<ServerProblem> tryAgain() override { return {}; }
-    std::optional<ServerProblem> reachAnew() override { return {}; }
+    std::optional<ServerProblem> tryAgain() override { return given(u"again"_s); }
+    std::optional<ServerProblem> reachAnew() override { return given(u"anew"_s); }
+    [[nodiscard]] bool isInAction() const override { return isUnderWay; }
     void setResolvedHandler(ResolvedHandler) override {}
     void setWaitHook(DbConnection::WaitHook) override {}
     void setChangeHandler(ChangeHandler) override {}
@@ -61,6 +71,13 @@ public:
     {
         asked << numbers;
         return QList<Holder>(numbers.size(), holder);
+    }
+
+private:
+    std::optional<ServerProblem> given(const QString &what)
+    {
+        tried << what;
+        return isReached ? std::nullopt : std::optional(ServerProblem());
     }
 };
 
@@ -188,6 +205,44 @@ void ServerBackTest::whatIsNotKnownIsLookedForNowAndThen()
     QVERIFY(finding.isDue(alone, false, true));
     QVERIFY(!finding.isDue(alone, false, true));
     QVERIFY(finding.isDue(alone, true, true));
+    QVERIFY(!finding.isDue(waiting, true, false));
+    QVERIFY(finding.isDue(alone, false, false));
+}
+
+/// Nothing counts as done that was kept from it.
+void ServerBackTest::serverThatIsBackIsReachedForUntilItIs()
+{
+    FalseStore store;
+    std::chrono::milliseconds now = 1h;
+    ReturnToServer returning(store, [&now] { return now; });
+    const ServerWatch::State single{true, {}, u"single"_s};
+    store.isReached = false; // it takes no more of them just now
+    QCOMPARE(returning.serverAnswers(single, true, true), false);
+    QCOMPARE(std::exchange(store.tried, {}), QStringList{u"anew"_s});
+    store.isReached = true;
+    now += 3s;
+    QCOMPARE(returning.serverAnswers(single, false, true), false);
+    QCOMPARE(store.tried, QStringList()); // each try may hold the window up
+    now += FindingOut::rest;
+    QCOMPARE(returning.serverAnswers(single, false, true), true);
+    QCOMPARE(std::exchange(store.tried, {}), (QStringList{u"anew"_s, u"again"_s}));
+    QCOMPARE(returning.serverAnswers(single, false, true), false);
+    QCOMPARE(store.tried, QStringList());
+}
+
+/// The list of an undo that breathes between two of its lines.
+void ServerBackTest::actionThatIsUnderWayComesFirst()
+{
+    FalseStore store;
+    ReturnToServer returning(store, [] { return 1h; });
+    const ServerWatch::State single{true, {}, u"single"_s};
+    store.isUnderWay = true;
+    QCOMPARE(returning.serverAnswers(single, true, true), std::nullopt);
+    QCOMPARE(returning.serverAnswers(single, false, true), std::nullopt);
+    QCOMPARE(std::exchange(store.tried, {}), QStringList{u"anew"_s}); // of its own time, and once
+    store.isUnderWay = false;
+    QCOMPARE(returning.serverAnswers(single, false, false), true);
+    QCOMPARE(store.tried, QStringList{u"again"_s});
 }
 
 HARROWBY_TEST(app_server_back_test, ServerBackTest)

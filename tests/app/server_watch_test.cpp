@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/server/server_watch.h"
 
+#include "app/server/return_to_server.h"
 #include "app/server/server_opening.h"
 #include "tests/doubles/private_cluster.h"
 #include "tests/doubles/server_shop.h"
@@ -117,10 +118,10 @@ void ServerWatchTest::storeFollowsAServerThatFellSilent()
     const auto lock = store.lock(17);
     QVERIFY(lock && records->read(look));
     bool isBack = false;
+    ReturnToServer returning(store);
     const ServerWatch watch(address, {}, 10ms);
     connect(&watch, &ServerWatch::answered, this, [&](bool isBackNow) {
-        serverAnswers(store, isBackNow, isBackNow);
-        isBack = isBack || isBackNow;
+        isBack = returning.serverAnswers(watch.state(), isBackNow, false).value_or(false) || isBack;
     });
     QTRY_VERIFY_WITH_TIMEOUT(!watch.state().protection.isEmpty(), patience);
     primary.stop();

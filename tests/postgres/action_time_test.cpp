@@ -159,8 +159,10 @@ void ActionTimeTest::afterIt()
 void ActionTimeTest::givenUp()
 {
     m_time->noteWrite();
+    QVERIFY(m_time->isUnderWay());
     m_time->giveUp();
     QVERIFY(m_time->isOver());
+    QVERIFY(!m_time->isUnderWay());
     m_time->beginStatement();
     QVERIFY(m_time->isOver());
 }

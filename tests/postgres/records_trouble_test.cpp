@@ -2,6 +2,8 @@
 #include "tests/postgres/records_desk.h"
 #include "tests/program/test_program.h"
 
+#include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace harrowby;
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void brokenInTheMiddle();
     void brokenAndChangedMeanwhile();
     void serverKilledInTheMiddle();
+    void actionThatTheServersReturnMeets();
     void unknownIsToldLater();
 };
 
@@ -108,6 +111,37 @@ void RecordsTroubleTest::serverKilledInTheMiddle()
     });
     QVERIFY(kept && *kept);
     QCOMPARE(notesOnServer(), u"a=2"_s);
+}
+
+/// The server is looked for in the middle of an action. Its rest keeps its time: what follows waits for a server that
+/// is away for longer than a first write would wait.
+void RecordsTroubleTest::actionThatTheServersReturnMeets()
+{
+    QVERIFY(!m_store->isInAction());
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
+    QVERIFY(m_store->isInAction());
+    QVERIFY(!m_store->reachAnew());
+    QVERIFY(!m_store->tryAgain());
+    m_server->cluster.kill9();
+    QElapsedTimer away;
+    away.start();
+    const auto afterwards = qScopeGuard([&] {
+        m_store->setWaitHook({});
+        if (away.isValid())
+            m_server->cluster.start();
+    });
+    m_store->setWaitHook([&](const DbWait &) {
+        if (away.isValid() && away.hasExpired(5'000)) {
+            away.invalidate();
+            m_server->cluster.start();
+        }
+        return true;
+    });
+    QCOMPARE(m_records->write(notes(), raiseAll).value_or(-1), 1);
+    QCOMPARE(notesOnServer(), u"a=1"_s);
+    QVERIFY(m_told.isEmpty());
+    m_store->beginAction();
+    QVERIFY(!m_store->isInAction());
 }
 
 void RecordsTroubleTest::unknownIsToldLater()
