@@ -22,6 +22,16 @@ bool isGivenUp(const PgError &error)
     return error.kind == PgError::Kind::GivenUp;
 }
 
+/// The reason for a write that was not done. What was heard may be of a sending, or of another write, that might have
+/// been.
+PgError ofOneNotDone(PgError heard)
+{
+    if (heard.kind == PgError::Kind::NotConfirmed)
+        heard.kind = PgError::Kind::Lost;
+    heard.mayBeDone = false;
+    return heard;
+}
+
 } // namespace
 
 Actions::Actions(ActionServer &server, ActionJournal &journal, const QUuid &writer) :
@@ -66,7 +76,7 @@ Actions::End Actions::write(const Write &write)
     case Known::Done:
         return {Outcome::Done, {}, m_changed};
     case Known::NotDone:
-        return {Outcome::Refused, m_error};
+        return {Outcome::Refused, ofOneNotDone(m_error)};
     case Known::Later:
     case Known::Open:
         break;
@@ -77,7 +87,7 @@ Actions::End Actions::write(const Write &write)
 Result<ActionNumber, PgError> Actions::take()
 {
     if (!resolve())
-        return Unexpected(m_error);
+        return Unexpected(ofOneNotDone(m_error));
     if (m_isRetired) {
         m_journal.leave(m_writer);
         enter(QUuid::createUuid());
@@ -97,7 +107,7 @@ Actions::End Actions::find(const ActionNumber &action, const QString &what, cons
     case Known::Done:
         return {Outcome::Done, {}};
     case Known::NotDone:
-        return {Outcome::Refused, error};
+        return {Outcome::Refused, ofOneNotDone(error)};
     default:
         return unknown(action, what);
     }
