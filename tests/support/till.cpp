@@ -4,6 +4,8 @@
 #include "store/inv_basic.h"
 #include "tests/doubles/server_shop.h"
 #include "ui/widgets/pick_list.h"
+#include "ui/widgets/row_list.h"
+#include "ui/widgets/text_table_model.h"
 
 #include <harrowby/sqlite_connection.h>
 
@@ -61,6 +63,7 @@ Till::Till(sqlite3 *database)
 
 void Till::open(const std::shared_ptr<DbConnection> &store, Pace pace)
 {
+    m_store = store;
     m_connection = std::make_shared<RecordingConnection>(store);
     std::shared_ptr<Boxes> boxes = std::make_shared<Consent>();
     if (pace == Pace::Shop) {
@@ -88,10 +91,18 @@ void Till::reportStatements(const std::function<bool(const QString &)> &isLeft)
         if (!isLeft || !isLeft({}))
             say(u"B "_s + statement);
     };
-    m_connection->afterWrite = [isLeft](const QString &statement, bool done) {
-        if (!isLeft || !done || !isLeft(statement))
-            say((done ? u"A1 "_s : u"A0 "_s) + statement);
+    m_connection->afterWrite = [isLeft, store = m_store](const QString &statement, bool done) {
+        if (isLeft && done && isLeft(statement))
+            return;
+        const QString failed = store->lastWrite() == WriteOutcome::Unknown ? u"AU "_s : u"A0 "_s;
+        say((done ? u"A1 "_s : failed) + statement);
     };
+}
+
+void Till::followFailures(const std::function<void(const DbFailure &, WriteOutcome)> &follow)
+{
+    m_store->setFailureHandler(
+        [follow, store = m_store.get()](const DbFailure &failure) { follow(failure, store->lastWrite()); });
 }
 
 void Till::logIn(const QString &name, const QString &password)
@@ -110,13 +121,22 @@ void Till::sell(QRandomGenerator &random)
 
 void Till::purchase()
 {
-    click(u"Command14"_s);
+    purchaseAtOnce();
     m_clock->time = m_clock->time.addSecs(1);
 }
 
-void Till::sellOne(int button) const
+void Till::choose(int button) const
 {
     click(u"Command1_%1"_s.arg(button));
+}
+
+bool Till::hasCart() const
+{
+    return m_window->controls().LV3->rows().rowCount() > 0;
+}
+
+void Till::purchaseAtOnce() const
+{
     click(u"Command14"_s);
 }
 
@@ -172,7 +192,7 @@ void TillReport::read(const QByteArray &lines)
         const QString line = QString::fromUtf8(bytes);
         if (line.startsWith(u"B "_s)) {
             underWay = line.sliced(2);
-        } else if (line.startsWith(u"A1 "_s) || line.startsWith(u"A0 "_s)) {
+        } else if (line.startsWith(u"A1 "_s) || line.startsWith(u"A0 "_s) || line.startsWith(u"AU "_s)) {
             (line.at(1) == u'1' ? done : failed) << line.sliced(3);
             underWay.clear();
         } else if (!line.isEmpty()) {

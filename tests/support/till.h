@@ -32,17 +32,22 @@ public:
     Till(const Till &) = delete;
     Till &operator=(const Till &) = delete;
 
-    /// Prints each writing statement: "B" and the statement before it is begun, "A1" (done) or "A0" (failed) and the
-    /// statement after it. Those of which `isLeft` says so are left to another one's report: it is asked before with an
-    /// empty text and afterwards with what was done.
+    /// Prints each writing statement: "B" and the statement before it is begun, "A1" (done), "A0" (refused) or
+    /// "AU" (not known) and the statement after it. Those of which `isLeft` says so are left to another one's report:
+    /// it is asked before with an empty text and afterwards with what was done.
     void reportStatements(const std::function<bool(const QString &done)> &isLeft = {});
+    /// Gets each statement that fails, and what became of it if it was a write.
+    void followFailures(const std::function<void(const DbFailure &failure, WriteOutcome outcome)> &follow);
     void logIn(const QString &name, const QString &password);
     /// Puts one to six units of items of the first page into the cart, commits it, and lets a second pass.
     void sell(QRandomGenerator &random);
     /// Commits the cart, and lets a second pass.
     void purchase();
-    /// Sells one unit of the item of a button, as a purchase of its own, in the same second as the one before.
-    void sellOne(int button) const;
+    /// Puts one unit of the item of a button into the cart.
+    void choose(int button) const;
+    [[nodiscard]] bool hasCart() const;
+    /// Commits the cart, in the same second as the one before.
+    void purchaseAtOnce() const;
     /// Adds units to an item, and takes them back.
     void reorder(const QString &key, int units) const;
     void undoReorder() const { click(QStringLiteral("Command23")); }
@@ -60,6 +65,7 @@ private:
     void click(const QString &name) const;
 
     std::unique_ptr<Database> m_database;
+    std::shared_ptr<DbConnection> m_store;
     std::shared_ptr<RecordingConnection> m_connection;
     std::unique_ptr<BoxQueue> m_answers; ///< of the real boxes, where there are any
     std::shared_ptr<FrozenClock> m_clock = std::make_shared<FrozenClock>();
@@ -73,7 +79,7 @@ void say(const QString &line);
 struct TillReport
 {
     QStringList done;     ///< statements that had been done, in order
-    QStringList failed;   ///< statements that had failed
+    QStringList failed;   ///< statements that had failed, or are not known
     QString underWay;     ///< begun, without a line after it
     QStringList messages; ///< the other lines
 
