@@ -84,7 +84,7 @@ private:
     app::HeldCarts m_carts{*m_records};
     app::CartHolder m_holder{harrowby::Counter::instance(), m_carts};
     QStringList m_keys;
-    QString m_chosen; ///< to be recalled
+    app::HeldCart m_chosen; ///< to be recalled
 };
 
 bool HoldBench::hold()
@@ -98,7 +98,7 @@ void HoldBench::chooseHeld()
 {
     const auto carts = m_carts.list();
     require(carts && !carts->isEmpty() && carts->constLast().word == heldAs, u"the list of held carts"_s);
-    m_chosen = carts->constLast().id;
+    m_chosen = carts->constLast();
 }
 
 bool HoldBench::recall()

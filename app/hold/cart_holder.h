@@ -15,7 +15,8 @@ namespace harrowby::app {
 /// 2. Recall deletes the held cart and puts its lines into the counter's cart within one transaction, which is
 ///    committed last. A kill before that undoes the deletion: the cart is held as before. After it, the cart is the
 ///    counter's.
-/// Where the last step fails without a kill, the cart is in both places, and the outcome says so.
+/// Where the last step fails without a kill, the cart is in both places, and the outcome says so. Where nobody can say
+/// whether a commit was done, the counter's cart stays: it may be held, too.
 class CartHolder
 {
 public:
@@ -26,6 +27,7 @@ public:
         WordTaken,
         NotHeld,   ///< the cart is the counter's as before
         Both,      ///< held, and still in the counter's cart
+        NotKnown,  ///< still in the counter's cart, and nobody can say yet whether it is held, too
         Elsewhere, ///< still in the counter's cart, and another till has recalled it already
     };
 
@@ -36,7 +38,7 @@ public:
     Held hold(const QString &word);
     /// Adds the held cart to what is in the counter's; `misfits` gets the lines that are not as they were. Somebody
     /// must be logged in. No box, no event loop.
-    HeldCarts::Taken recall(const QString &id, std::vector<CounterMisfit> &misfits);
+    HeldCarts::Taken recall(const HeldCart &cart, std::vector<CounterMisfit> &misfits);
 
 private:
     Counter &m_counter;

@@ -25,6 +25,24 @@ HeldCart cartOf(const RecordRow &row)
             recordReal(row.at(5))};
 }
 
+/// What one is told by of which nobody knows what became (failure_text.cpp: `heldChange`).
+QString holding(const QString &word)
+{
+    return u"INSERT HarrowbyHeld "_s + word;
+}
+
+QString dropping(const QString &word)
+{
+    return u"DELETE HarrowbyHeld "_s + word;
+}
+
+HeldCarts::Taken endOf(const Records::Answer<bool> &committed, HeldCarts::Taken uncommitted)
+{
+    if (committed && *committed)
+        return HeldCarts::Taken::Done;
+    return !committed && Records::isUnknown(committed.error()) ? HeldCarts::Taken::NotKnown : uncommitted;
+}
+
 CounterLine lineOf(const RecordRow &row)
 {
     return {recordText(row.at(0)), recordText(row.at(1)), recordReal(row.at(2)), recordReal(row.at(3)),
@@ -46,68 +64,91 @@ Records::Answer<QList<HeldCart>> HeldCarts::list() const
     return carts;
 }
 
-Result<QString, HeldCarts::NotHeld> HeldCarts::hold(const CartToHold &cart)
+Result<HeldCart, HeldCarts::NotHeld> HeldCarts::hold(const CartToHold &cart)
 {
-    const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    const HeldCart toHold = {QUuid::createUuid().toString(QUuid::WithoutBraces),
+                             cart.word,
+                             QDateTime::currentDateTime(),
+                             cart.user,
+                             static_cast<int>(cart.lines.size()),
+                             cart.total};
     bool isWordTaken = false;
-    const auto held = m_records.together(kept::held(), [&] {
-        const auto carts = list();
-        isWordTaken = carts && isTaken(*carts, cart.word);
-        return carts && !isWordTaken && add(id, cart);
-    });
+    const auto held = m_records.together(
+        kept::held(),
+        [&] {
+            const auto carts = list();
+            isWordTaken = carts && isTaken(*carts, cart.word);
+            return carts && !isWordTaken && add(toHold, cart.lines);
+        },
+        holding(cart.word));
     if (held && *held)
-        return id;
+        return toHold;
+    if (!held && Records::isUnknown(held.error()))
+        return Unexpected(NotHeld::NotKnown);
     return Unexpected(isWordTaken ? NotHeld::WordTaken : NotHeld::Failed);
 }
 
-bool HeldCarts::add(const QString &id, const CartToHold &cart)
+bool HeldCarts::add(const HeldCart &held, const std::vector<CounterLine> &lines)
 {
     std::int64_t position = 0;
-    QList<QList<RecordValue>> lines;
-    for (const CounterLine &line : cart.lines) {
+    QList<QList<RecordValue>> rows;
+    for (const CounterLine &line : lines) {
         const std::int64_t byHand = line.costByHand ? 1 : 0;
-        lines.append({id, ++position, line.stockId, line.name, line.quantity, line.cost, byHand});
+        rows.append({held.id, ++position, line.stockId, line.name, line.quantity, line.cost, byHand});
     }
     if (!m_records.writeEach(kept::held(),
                              u"insert into HarrowbyHeldLine (HeldID, Position, StockID, StockName, Quantity, Cost, "
                              "CostByHand) values (?, ?, ?, ?, ?, ?, ?)"_s,
-                             lines))
+                             rows))
         return false;
     return m_records
         .write(
             kept::held(),
             {u"insert into HarrowbyHeld (HeldID, Word, HeldAt, HeldBy, HeldLines, Total) values (?, ?, ?, ?, ?, ?)"_s,
-             {id, cart.word, recordTime(QDateTime::currentDateTimeUtc()), cart.user, position, cart.total}})
+             {held.id, held.word, recordTime(held.since), held.user, position, held.total}})
         .has_value();
 }
 
-HeldCarts::Taken HeldCarts::take(const QString &id, const std::function<bool(const std::vector<CounterLine> &)> &put)
+HeldCarts::Taken HeldCarts::take(const HeldCart &cart, const std::function<bool(const std::vector<CounterLine> &)> &put)
 {
     auto uncommitted = Taken::Failed; // what it is unless the writes are committed
-    const auto committed = m_records.together(kept::held(), [&] {
-        const auto removed = m_records.write(kept::held(), {u"delete from HarrowbyHeld where HeldID = ?"_s, {id}});
+    const auto work = [&] {
+        const auto removed = removeHead(cart.id);
         if (removed && *removed == 0)
             uncommitted = Taken::Gone;
         if (!removed || *removed == 0)
             return false;
-        const auto lines = linesOf(id);
-        if (!lines || !m_records.write(kept::held(), {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}))
+        const auto lines = linesOf(cart.id);
+        if (!lines || !removeLines(cart.id))
             return false;
         const bool isPut = put(*lines);
         uncommitted = isPut ? Taken::StillListed : Taken::NotPut;
         return isPut;
-    });
-    return committed && *committed ? Taken::Done : uncommitted;
+    };
+    const auto committed = m_records.together(kept::held(), work, dropping(cart.word));
+    return endOf(committed, uncommitted);
 }
 
-HeldCarts::Taken HeldCarts::drop(const QString &id)
+HeldCarts::Taken HeldCarts::drop(const HeldCart &cart)
 {
-    const auto removed =
-        m_records.writeTogether(kept::held(), {{u"delete from HarrowbyHeld where HeldID = ?"_s, {id}},
-                                               {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}});
-    if (!removed)
-        return Taken::Failed;
-    return removed->constFirst() == 0 ? Taken::Gone : Taken::Done;
+    bool wasThere = false;
+    const auto work = [&] {
+        const auto removed = removeHead(cart.id);
+        wasThere = removed && *removed > 0;
+        return removed && removeLines(cart.id);
+    };
+    const Taken taken = endOf(m_records.together(kept::held(), work, dropping(cart.word)), Taken::Failed);
+    return taken == Taken::Done && !wasThere ? Taken::Gone : taken;
+}
+
+Records::Answer<std::int64_t> HeldCarts::removeHead(const QString &id)
+{
+    return m_records.write(kept::held(), {u"delete from HarrowbyHeld where HeldID = ?"_s, {id}});
+}
+
+bool HeldCarts::removeLines(const QString &id)
+{
+    return m_records.write(kept::held(), {u"delete from HarrowbyHeldLine where HeldID = ?"_s, {id}}).has_value();
 }
 
 Records::Answer<std::vector<CounterLine>> HeldCarts::linesOf(const QString &id) const

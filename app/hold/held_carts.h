@@ -9,6 +9,7 @@
 #include <QList>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -41,14 +42,16 @@ public:
     enum class NotHeld {
         WordTaken, ///< another cart is held under it
         Failed,
+        NotKnown, ///< nobody can say yet whether it is held
     };
     /// What came of taking a cart off the list.
     enum class Taken {
         Done,
-        Gone,       ///< somebody else has taken it
-        NotPut,     ///< `put` said no; the cart is still held
-        Failed,     ///< still held
-        StillListed ///< `put` has put it, but the cart could not be taken off the list: it is in both places
+        Gone,        ///< somebody else has taken it
+        NotPut,      ///< `put` said no; the cart is still held
+        Failed,      ///< still held
+        StillListed, ///< `put` has put it, but the cart could not be taken off the list: it is in both places
+        NotKnown,    ///< `put` has put it, and nobody can say yet whether the cart was taken off the list
     };
 
     /// The records must outlive it.
@@ -56,18 +59,20 @@ public:
 
     /// Those held longest first.
     [[nodiscard]] Records::Answer<QList<HeldCart>> list() const;
-    /// Holds the cart, all of it or nothing. Its ID.
-    [[nodiscard]] Result<QString, NotHeld> hold(const CartToHold &cart);
+    /// Holds the cart, all of it or nothing. As it is held.
+    [[nodiscard]] Result<HeldCart, NotHeld> hold(const CartToHold &cart);
     /// Takes the cart off the list and hands its lines to `put`, as one transaction that is committed when `put`
     /// returns true. Of several tills that try, one gets it: the one whose DELETE has removed the row. The write lock
     /// is taken before that (Records::together()), so that the others find no row.
-    [[nodiscard]] Taken take(const QString &id, const std::function<bool(const std::vector<CounterLine> &)> &put);
-    /// Takes it off the list, without its lines: Done, Gone or Failed.
-    [[nodiscard]] Taken drop(const QString &id);
+    [[nodiscard]] Taken take(const HeldCart &cart, const std::function<bool(const std::vector<CounterLine> &)> &put);
+    /// Takes it off the list, without its lines: Done, Gone, Failed or NotKnown.
+    [[nodiscard]] Taken drop(const HeldCart &cart);
 
 private:
     [[nodiscard]] Records::Answer<std::vector<CounterLine>> linesOf(const QString &id) const;
-    [[nodiscard]] bool add(const QString &id, const CartToHold &cart);
+    [[nodiscard]] Records::Answer<std::int64_t> removeHead(const QString &id);
+    [[nodiscard]] bool removeLines(const QString &id);
+    [[nodiscard]] bool add(const HeldCart &held, const std::vector<CounterLine> &lines);
 
     Records &m_records;
 };

@@ -122,6 +122,11 @@ void HoldDesk::tellHeld(Held held, const QString &word)
     case Held::Both:
         return tellInOffice(salesWindow(), u"The cart is held as \"%1\", but it could not be taken off the counter. "
                                            "Do not sell it here: clear it."_s.arg(word));
+    case Held::NotKnown:
+        return tellInOffice(salesWindow(),
+                            u"It is not known whether the cart is held as \"%1\". It is still here. As soon as the "
+                            "server answers, a notice says how it was: until then, sell it neither from here nor from "
+                            "the list of held carts."_s.arg(word));
     case Held::Elsewhere:
         return tellInOffice(salesWindow(),
                             u"The cart was held as \"%1\" and has been recalled at another till, but it "
@@ -166,7 +171,7 @@ bool HoldDesk::recallOne(const HeldCart &cart)
     if (!mayAdd(cart.word))
         return true;
     std::vector<CounterMisfit> misfits;
-    switch (m_holder.recall(cart.id, misfits)) {
+    switch (m_holder.recall(cart, misfits)) {
     case Taken::Gone:
         tellInOffice(salesWindow(), u"\"%1\" has just been recalled at another till."_s.arg(cart.word));
         return false;
@@ -177,6 +182,11 @@ bool HoldDesk::recallOne(const HeldCart &cart)
     case Taken::StillListed:
         tellInOffice(salesWindow(), u"\"%1\" is in the cart, but it could not be taken off the list of held carts. Do "
                                     "not recall it again."_s.arg(cart.word));
+        break;
+    case Taken::NotKnown:
+        tellInOffice(salesWindow(),
+                     u"\"%1\" is in the cart, but it is not known whether it was taken off the list of held carts. As "
+                     "soon as the server answers, a notice says how it was. Do not recall it again."_s.arg(cart.word));
         break;
     case Taken::Done:
         m_say(u"\"%1\" is back in the cart."_s.arg(cart.word), false);

@@ -172,13 +172,15 @@ std::optional<DbFailure> Records::prepare(const RecordTable &table)
     return failure ? std::optional(told(*std::move(failure))) : std::nullopt;
 }
 
-Records::Answer<bool> Records::together(const RecordTable &table, const std::function<bool()> &work)
+Records::Answer<bool> Records::together(const RecordTable &table, const std::function<bool()> &work,
+                                        const QString &name)
 {
     const QString what = u"UPDATE "_s + table.name;
+    const QString noted = name.isEmpty() ? what : name;
     // Made outside: to roll the making of a table back would stop every list that is being filled.
     auto failure = make(table, what);
     if (!failure)
-        failure = begin(table);
+        failure = begin(table, noted);
     if (failure) {
         failure->statement = what;
         return Unexpected(told(*std::move(failure)));
@@ -194,7 +196,7 @@ Records::Answer<bool> Records::together(const RecordTable &table, const std::fun
     if (!keep || failure)
         rollBack();
     if (failure) {
-        failure->statement = what;
+        failure->statement = isUnknown(*failure) ? noted : what;
         return Unexpected(told(*std::move(failure)));
     }
     return keep;

@@ -95,8 +95,10 @@ public:
 
     /// Runs reads and writes with no other program's write between them. They are kept when `work` returns true, and
     /// undone when it returns false or when keeping them fails; whether they were kept. A failure in `work` has been
-    /// told already when it returns. Not within another one.
-    [[nodiscard]] Answer<bool> together(const RecordTable &table, const std::function<bool()> &work);
+    /// told already when it returns. Not within another one. `name` is what it is told by where nobody knows whether it
+    /// was kept (isUnknown()): a verb, the table, and what it concerns; empty for "UPDATE" and the table.
+    [[nodiscard]] Answer<bool> together(const RecordTable &table, const std::function<bool()> &work,
+                                        const QString &name = {});
 
     /// Makes the table where it is not there, before `together` begins with another one. The failure, which is told.
     [[nodiscard]] std::optional<DbFailure> prepare(const RecordTable &table);
@@ -133,8 +135,8 @@ protected:
     virtual Answer<bool> selectEach(const RecordStatement &statement, const RowTaker &take);
     virtual Answer<std::int64_t> change(const RecordStatement &statement) = 0;
     virtual Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) = 0;
-    /// Takes the write lock for work that begins with this table.
-    virtual std::optional<DbFailure> begin(const RecordTable &table) = 0;
+    /// Takes the write lock for work that begins with this table. `name` as together() is told it, never empty.
+    virtual std::optional<DbFailure> begin(const RecordTable &table, const QString &name) = 0;
     virtual std::optional<DbFailure> commit() = 0;
     virtual void rollBack() = 0;
 

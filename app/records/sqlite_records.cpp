@@ -148,7 +148,7 @@ Records::Answer<std::int64_t> SqliteRecords::changeEach(const QString &text, con
     return changed;
 }
 
-std::optional<DbFailure> SqliteRecords::begin(const RecordTable &)
+std::optional<DbFailure> SqliteRecords::begin(const RecordTable &, const QString &)
 {
     return run(u"begin immediate"_s);
 }

@@ -22,7 +22,7 @@ protected:
     Answer<bool> selectEach(const RecordStatement &statement, const RowTaker &take) override;
     Answer<std::int64_t> change(const RecordStatement &statement) override;
     Answer<std::int64_t> changeEach(const QString &text, const QList<QList<RecordValue>> &rows) override;
-    std::optional<DbFailure> begin(const RecordTable &table) override;
+    std::optional<DbFailure> begin(const RecordTable &table, const QString &name) override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;
 

@@ -120,8 +120,7 @@ try {
 
 void FailureNotice::settle(const QString &statement, bool isDone) noexcept
 try {
-    settle(statement, settledWork(statement, isDone),
-           isDone ? u"Nothing is left to do."_s : u"Do the step again, if it is still wanted."_s);
+    settle(statement, settledWork(statement, isDone), settledAdvice(statement, isDone));
 } catch (const std::exception &error) {
     qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
 }

@@ -5,11 +5,19 @@
 
 #include <sqlite3.h>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace harrowby::app {
 
 namespace {
+
+struct HeldChange
+{
+    bool isHolding = false; ///< otherwise it was to be taken off the list
+    QString word;
+};
 
 struct Target
 {
@@ -97,15 +105,41 @@ QString doneWork(QString work)
     return work;
 }
 
+/// Of a cart that was put aside or brought back, as the statement names it by its word; of others nothing.
+std::optional<HeldChange> heldChange(const QString &statement)
+{
+    static const QRegularExpression named(u"^(INSERT|DELETE) HarrowbyHeld (.+)$"_s);
+    const QRegularExpressionMatch match = named.match(statement);
+    if (!match.hasMatch())
+        return {};
+    return HeldChange{match.captured(1) == u"INSERT"_s, match.captured(2)};
+}
+
+/// What was done of it, or not.
+QString heldWork(const HeldChange &change, bool isDone)
+{
+    if (change.isHolding)
+        return (isDone ? u"The cart \"%1\" was held."_s : u"The cart \"%1\" was not held."_s).arg(change.word);
+    return (isDone ? u"The cart \"%1\" was taken off the list of held carts."_s
+                   : u"The cart \"%1\" was not taken off the list of held carts."_s)
+        .arg(change.word);
+}
+
 QString withinSentence(const QString &sentence)
 {
     return sentence.left(1).toLower() + sentence.mid(1);
 }
 
+/// `work` says that it was done.
+QString notKnownWhether(const QString &work)
+{
+    return u"It is not known whether "_s + withinSentence(work);
+}
+
 /// `work` says that it was not done.
 QString doubtfulWords(const QString &work)
 {
-    return u"It is not known whether "_s + withinSentence(doneWork(work));
+    return notKnownWhether(doneWork(work));
 }
 
 } // namespace
@@ -178,13 +212,28 @@ QString failureAdvice(const DbFailure &failure)
 
 QString doubtfulWork(const DbFailure &failure)
 {
-    return doubtfulWords(failedWork(failure));
+    const auto held = heldChange(failure.statement);
+    return held ? notKnownWhether(heldWork(*held, true)) : doubtfulWords(failedWork(failure));
 }
 
 QString settledWork(const QString &statement, bool isDone)
 {
     const DbFailure write = {DbFailure::Kind::Write, statement, {}};
-    return u"Known now: "_s + withinSentence(isDone ? doneWork(failedWork(write)) : failedWork(write));
+    const auto held = heldChange(statement);
+    const QString work = held ? heldWork(*held, isDone) : isDone ? doneWork(failedWork(write)) : failedWork(write);
+    return u"Known now: "_s + withinSentence(work);
+}
+
+/// The cart of a till stays at its counter until this is known.
+QString settledAdvice(const QString &statement, bool isDone)
+{
+    const auto held = heldChange(statement);
+    if (!held)
+        return isDone ? u"Nothing is left to do."_s : u"Do the step again, if it is still wanted."_s;
+    if (held->isHolding == isDone)
+        return u"It is on the list of held carts. If it is still at the counter, take it out there; if it was sold or "
+               "held again meanwhile, recall it and clear it: it is one cart."_s;
+    return u"The one at the counter is the only one. If the till was started anew since, ring it up again."_s;
 }
 
 QString failureWords(const QString &work, const DbFailure &failure)

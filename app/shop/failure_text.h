@@ -16,6 +16,8 @@ namespace harrowby::app {
 [[nodiscard]] QString doubtfulWork(const DbFailure &failure);
 /// And once somebody can. `statement` as in DbFailure.
 [[nodiscard]] QString settledWork(const QString &statement, bool isDone);
+/// What to do then.
+[[nodiscard]] QString settledAdvice(const QString &statement, bool isDone);
 /// Why, in one short line.
 [[nodiscard]] QString failureReason(const DbFailure &failure);
 /// What to do about it.

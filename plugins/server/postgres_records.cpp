@@ -266,18 +266,17 @@ app::Records::Answer<std::int64_t> PostgresRecords::changeOneByOne(const QString
     return changed;
 }
 
-std::optional<DbFailure> PostgresRecords::begin(const RecordTable &table)
+std::optional<DbFailure> PostgresRecords::begin(const RecordTable &table, const QString &name)
 {
-    const QString what = u"UPDATE "_s + table.name;
     if (m_writer.transaction() != nullptr || m_holdsMoment || !m_writes)
-        return refused(Kind::Write, what, u"something else that belongs together is not done yet"_s);
+        return refused(Kind::Write, name, u"something else that belongs together is not done yet"_s);
     beforeAction();
     QList<QByteArray> locks = locksFor(table);
     if (m_worksForLong)
         locks.prepend(longIdleTime);
-    auto transaction = std::make_unique<Transaction>(m_writer, std::move(locks), what);
+    auto transaction = std::make_unique<Transaction>(m_writer, std::move(locks), name);
     if (const auto begun = transaction->begin(); !begun)
-        return failureOf(Kind::Write, what, begun.error());
+        return failureOf(Kind::Write, name, begun.error());
     m_transaction = std::move(transaction);
     return {};
 }

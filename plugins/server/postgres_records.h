@@ -52,7 +52,7 @@ protected:
     Answer<bool> selectEach(const app::RecordStatement &statement, const RowTaker &take) override;
     Answer<std::int64_t> change(const app::RecordStatement &statement) override;
     Answer<std::int64_t> changeEach(const QString &text, const QList<QList<app::RecordValue>> &rows) override;
-    std::optional<DbFailure> begin(const app::RecordTable &table) override;
+    std::optional<DbFailure> begin(const app::RecordTable &table, const QString &name) override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;
 

@@ -20,16 +20,18 @@ class Fuss
 public:
     QStringList texts;
     int failAt = -1; ///< the statement of that number, counted from 0, begin and commit among them
+    QString failOn;  ///< each statement of that text
     bool failAll = false;
+    QString state;                     ///< of the server, of which it fails; none on a file
     std::function<void()> afterCommit; ///< called once, behind the next commit
     bool countsLooks = false;          ///< the looks for a table are statements, too
 
     std::optional<DbFailure> fails(const QString &text, DbFailure::Kind kind = DbFailure::Kind::Write)
     {
         texts << text;
-        if (texts.size() - 1 != failAt && !failAll)
+        if (texts.size() - 1 != failAt && text != failOn && !failAll)
             return {};
-        return DbFailure{kind, text, QStringLiteral("the disk is gone"), 10};
+        return DbFailure{kind, text, QStringLiteral("the disk is gone"), 10, state};
     }
 };
 
@@ -74,10 +76,10 @@ protected:
             return Unexpected(*failure);
         return Engine::changeEach(text, rows);
     }
-    std::optional<DbFailure> begin(const RecordTable &table) override
+    std::optional<DbFailure> begin(const RecordTable &table, const QString &name) override
     {
         auto failure = fails(QStringLiteral("begin"));
-        return failure ? failure : Engine::begin(table);
+        return failure ? failure : Engine::begin(table, name);
     }
     std::optional<DbFailure> commit() override
     {

@@ -35,10 +35,10 @@ void sayCart()
 /// A cart of three lines at the counter, or held as "1".
 enum class Begin { InTheCart, Held };
 
-QString idOf(HeldCarts &carts)
+HeldCart onlyOneOf(HeldCarts &carts)
 {
     const auto list = carts.list();
-    return list && list->size() == 1 ? list->constFirst().id : QString();
+    return list && list->size() == 1 ? list->constFirst() : HeldCart();
 }
 
 /// A till at the file, with somebody logged in.
@@ -79,9 +79,9 @@ int work(const QString &path, Begin begin, int killAt)
         steps.watch(open.database.handle());
         done = open.holder.hold(u"1"_s) == CartHolder::Held::Done;
     } else {
-        const QString id = idOf(open.carts);
+        const HeldCart held = onlyOneOf(open.carts);
         steps.watch(open.database.handle());
-        done = open.holder.recall(id, open.misfits) == HeldCarts::Taken::Done && open.misfits.empty();
+        done = open.holder.recall(held, open.misfits) == HeldCarts::Taken::Done && open.misfits.empty();
     }
     steps.step();
     return done ? 0 : 1;
@@ -102,7 +102,7 @@ int takeAll(const QString &path)
             return 0;
         for (const HeldCart &cart : *all) {
             const auto taken =
-                carts.take(cart.id, [](const std::vector<CounterLine> &lines) { return lines.size() == cartLines; });
+                carts.take(cart, [](const std::vector<CounterLine> &lines) { return lines.size() == cartLines; });
             if (taken == HeldCarts::Taken::Done) {
                 say(u"GOT "_s + cart.word);
                 ::usleep(1000); // so that the other one gets some, too
@@ -178,10 +178,10 @@ int HoldKillTest::heldLines() const
     test::Database database(path());
     SqliteRecords records(database.handle());
     HeldCarts carts(records);
-    const QString id = idOf(carts);
+    const HeldCart held = onlyOneOf(carts);
     int count = 0;
-    if (!id.isEmpty())
-        (void)carts.take(id, [&](const std::vector<CounterLine> &lines) {
+    if (!held.id.isEmpty())
+        (void)carts.take(held, [&](const std::vector<CounterLine> &lines) {
             count = lines.size() == cartLines ? cartLines : -1;
             return false;
         });

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void failedHoldLeavesTheCart();
     void cartThatStaysAtTheCounterIsTold_data();
     void cartThatStaysAtTheCounterIsTold();
+    void holdThatNobodyKnowsIsTold();
     void everythingIsLargeEnoughAndNamed();
     void wordsAndReasonsAreNotCut();
     void nextWindowGetsTheButtons();
@@ -105,7 +106,7 @@ void HoldTest::cartComesBackAsItWas()
     QVERIFY(timeOfRecord(m_till->file.cell(u"SELECT HeldAt FROM HarrowbyHeld"_s)).isValid());
 
     CartHolder holder(counter(), *m_carts);
-    QCOMPARE(holder.recall(idOf(u"Mary"_s), misfits), HeldCarts::Taken::Done);
+    QCOMPARE(holder.recall(heldCart(u"Mary"_s), misfits), HeldCarts::Taken::Done);
     QVERIFY(misfits.empty());
     QCOMPARE(cart(), before);
     QCOMPARE(m_till->text("Label5"), total);
@@ -136,10 +137,10 @@ void HoldTest::statementsAreThese()
                           u"insert into HarrowbyHeld (HeldID, Word, HeldAt, HeldBy, HeldLines, Total) "
                           "values (?, ?, ?, ?, ?, ?)"_s,
                           u"commit"_s}));
-    const QString id = idOf(u"1"_s);
+    const HeldCart held = heldCart(u"1"_s);
     m_fuss->texts.clear();
     std::vector<CounterMisfit> misfits;
-    QCOMPARE(CartHolder(counter(), *m_carts).recall(id, misfits), HeldCarts::Taken::Done);
+    QCOMPARE(CartHolder(counter(), *m_carts).recall(held, misfits), HeldCarts::Taken::Done);
     QCOMPARE(m_fuss->texts, (QStringList{u"begin"_s, u"delete from HarrowbyHeld where HeldID = ?"_s,
                                          u"select StockID, StockName, Quantity, Cost, CostByHand from HarrowbyHeldLine "
                                          "where HeldID = ? order by Position"_s,
@@ -230,7 +231,7 @@ void HoldTest::nobodyLoggedInIsTheGatesRefusal()
     std::vector<CounterMisfit> misfits;
     CartHolder holder(counter(), *m_carts);
     QCOMPARE(holder.hold(u"2"_s), CartHolder::Held::NobodyThere);
-    QCOMPARE(holder.recall(idOf(u"1"_s), misfits), HeldCarts::Taken::NotPut); // without a box
+    QCOMPARE(holder.recall(heldCart(u"1"_s), misfits), HeldCarts::Taken::NotPut); // without a box
     QCOMPARE(heldWords(), QStringList{u"1"_s});
 }
 
@@ -271,23 +272,28 @@ void HoldTest::cartThatStaysAtTheCounterIsTold_data()
 {
     QTest::addColumn<QString>("meanwhile");
     QTest::addColumn<int>("failAt");
+    QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("box");
     QTest::addColumn<QStringList>("held");
-    QTest::newRow("taken back") << QString() << -1 << QString() << QStringList();
+    QTest::newRow("taken back") << QString() << -1 << QString() << QString() << QStringList();
     QTest::newRow("recalled at another till")
-        << u"DELETE FROM HarrowbyHeldLine; DELETE FROM HarrowbyHeld"_s << -1
+        << u"DELETE FROM HarrowbyHeldLine; DELETE FROM HarrowbyHeld"_s << -1 << QString()
         << u"The cart was held as \"1\" and has been recalled at another till, but it could not be taken off the "
            "counter."_s
         << QStringList();
-    QTest::newRow("not taken back") << QString() << 0
+    QTest::newRow("not taken back") << QString() << 0 << QString()
                                     << u"The cart is held as \"1\", but it could not be taken off the counter."_s
                                     << QStringList{u"1"_s};
+    QTest::newRow("nobody knows") << QString() << 3 << u"08007"_s // the commit, behind begin and two deletes
+                                  << u"It is not known whether the cart is held as \"1\". It is still here."_s
+                                  << QStringList{u"1"_s};
 }
 
 void HoldTest::cartThatStaysAtTheCounterIsTold()
 {
     QFETCH(const QString, meanwhile);
     QFETCH(const int, failAt);
+    QFETCH(const QString, state);
     QFETCH(const QString, box);
     QFETCH(const QStringList, held);
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
@@ -301,6 +307,7 @@ void HoldTest::cartThatStaysAtTheCounterIsTold()
                 m_till->file.sql(meanwhile);
             m_fuss->texts.clear();
             m_fuss->failAt = failAt;
+            m_fuss->state = state;
         };
         dialog.findChild<QPushButton *>(u"holdUnder"_s)->click();
     });
@@ -313,6 +320,33 @@ void HoldTest::cartThatStaysAtTheCounterIsTold()
     QCOMPARE(m_said, box.isEmpty() ? QStringList{u"! The cart was not held: it is here as before."_s} : QStringList());
     QCOMPARE(cart(), before);
     QCOMPARE(heldWords(), held);
+}
+
+/// Of a server: the cart may be on its list, too.
+void HoldTest::holdThatNobodyKnowsIsTold()
+{
+    QStringList failed;
+    m_records->setFailureHandler([&failed](const DbFailure &failure) { failed << failure.statement; });
+    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
+    holdAs(u"1"_s); // the tables are there
+    QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
+    const QStringList before = cart();
+    inNextDialog([this](QDialog &dialog) {
+        m_fuss->failOn = u"commit"_s;
+        m_fuss->state = u"08007"_s;
+        dialog.findChild<QLineEdit *>(u"heldWord"_s)->setText(u"Mary"_s);
+        dialog.findChild<QPushButton *>(u"holdUnder"_s)->click();
+    });
+    answerNextBox(u"It is not known whether the cart is held as \"Mary\". It is still here."_s, u"OK"_s);
+    press(u"holdCart"_s);
+    QCOMPARE(m_dialogs, 2);
+    QCOMPARE(m_said, QStringList());
+    QCOMPARE(cart(), before);
+    QCOMPARE(failed, QStringList{u"INSERT HarrowbyHeld Mary"_s});
+    m_fuss->state.clear(); // as on a file
+    CartHolder holder(counter(), *m_carts);
+    QCOMPARE(holder.hold(u"Mary"_s), CartHolder::Held::NotHeld);
+    QCOMPARE(failed.constLast(), u"UPDATE HarrowbyHeld"_s);
 }
 
 void HoldTest::everythingIsLargeEnoughAndNamed()

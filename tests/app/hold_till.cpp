@@ -83,8 +83,7 @@ void HoldTill::answerNextBox(const QString &begin, const QString &button)
         auto *box = qobject_cast<QMessageBox *>(&dialog);
         if (box == nullptr)
             return dialog.reject();
-        if (!box->text().startsWith(begin))
-            qCritical("An unexpected box: %s", qPrintable(box->text()));
+        QVERIFY2(box->text().startsWith(begin), qPrintable(box->text()));
         for (QAbstractButton *one : box->buttons()) {
             if (one->text().remove(u'&') == button)
                 return one->click();
@@ -110,11 +109,11 @@ void HoldTill::holdAs(const QString &word)
     QCOMPARE(holder.hold(word), CartHolder::Held::Done);
 }
 
-QString HoldTill::idOf(const QString &word)
+HeldCart HoldTill::heldCart(const QString &word)
 {
     for (const HeldCart &cart : m_carts->list().value_or(QList<HeldCart>())) {
         if (cart.word == word)
-            return cart.id;
+            return cart;
     }
     return {};
 }

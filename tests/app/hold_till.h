@@ -39,7 +39,7 @@ protected:
     void answerRecall(const QString &word, const QString &button);
     /// Holds what is in the cart under a word, without the dialog.
     void holdAs(const QString &word);
-    [[nodiscard]] QString idOf(const QString &word);
+    [[nodiscard]] HeldCart heldCart(const QString &word);
     [[nodiscard]] QStringList heldWords();
     [[nodiscard]] QStringList heldLines() const;
 

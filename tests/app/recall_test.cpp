@@ -26,6 +26,7 @@ private Q_SLOTS:
     void misfitsAreToldInOneList();
     void failedRecallLeavesTheCartHeld();
     void cartInBothPlacesIsTold();
+    void recallThatNobodyKnowsIsTold();
 };
 
 void RecallTest::heldCartsAreListed()
@@ -92,7 +93,7 @@ void RecallTest::onlyOneTillGetsACart()
 {
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     holdAs(u"1"_s);
-    const QString id = idOf(u"1"_s);
+    const HeldCart held = heldCart(u"1"_s);
     const auto records = otherTillsRecords(m_till->file);
     HeldCarts other(*records);
     int got = 0;
@@ -101,12 +102,12 @@ void RecallTest::onlyOneTillGetsACart()
         return true;
     };
     // The other till tries while this one is at it, and after that.
-    QCOMPARE(m_carts->take(id,
+    QCOMPARE(m_carts->take(held,
                            [&](const std::vector<CounterLine> &lines) {
-                               return other.take(id, take) == HeldCarts::Taken::Failed && take(lines);
+                               return other.take(held, take) == HeldCarts::Taken::Failed && take(lines);
                            }),
              HeldCarts::Taken::Done);
-    QCOMPARE(other.take(id, take), HeldCarts::Taken::Gone);
+    QCOMPARE(other.take(held, take), HeldCarts::Taken::Gone);
     QCOMPARE(got, 1);
 }
 
@@ -117,7 +118,7 @@ void RecallTest::cartThatIsGoneIsTold()
     QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
     holdAs(u"2"_s);
     inNextDialog([this](QDialog &dialog) { // another till recalls it while this one looks at the list
-        QCOMPARE(m_carts->drop(idOf(u"1"_s)), HeldCarts::Taken::Done);
+        QCOMPARE(m_carts->drop(heldCart(u"1"_s)), HeldCarts::Taken::Done);
         answerNextBox(u"\"1\" has just been recalled at another till."_s, u"OK"_s);
         answerRecall(u"2"_s, u"listAction"_s);
         dialog.findChild<QPushButton *>(u"listAction"_s)->click();
@@ -164,14 +165,14 @@ void RecallTest::failedRecallLeavesTheCartHeld()
     QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
     QCOMPARE(counter().sell(u"b2"_s), CounterAnswer::Done);
     holdAs(u"1"_s);
-    const QString id = idOf(u"1"_s);
+    const HeldCart held = heldCart(u"1"_s);
     const QStringList lines = heldLines();
     std::vector<CounterMisfit> misfits;
     CartHolder holder(counter(), *m_carts);
     for (int at = 0; at < 4; ++at) { // begin, delete, read, delete
         m_fuss->texts.clear();
         m_fuss->failAt = at;
-        QCOMPARE(holder.recall(id, misfits), HeldCarts::Taken::Failed);
+        QCOMPARE(holder.recall(held, misfits), HeldCarts::Taken::Failed);
         m_fuss->failAt = -1;
         QCOMPARE(cart(), QStringList());
         QCOMPARE(heldWords(), QStringList{u"1"_s});
@@ -192,6 +193,26 @@ void RecallTest::cartInBothPlacesIsTold()
     QCOMPARE(m_dialogs, 2);
     QCOMPARE(cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
     QCOMPARE(heldWords(), QStringList{u"1"_s});
+}
+
+/// Of a server: the cart may have been taken off its list.
+void RecallTest::recallThatNobodyKnowsIsTold()
+{
+    QStringList failed;
+    m_records->setFailureHandler([&failed](const DbFailure &failure) { failed << failure.statement; });
+    QCOMPARE(counter().sell(u"A1"_s), CounterAnswer::Done);
+    holdAs(u"Mary"_s);
+    answerRecall(u"Mary"_s, u"listAction"_s);
+    answerNextBox(u"\"Mary\" is in the cart, but it is not known whether it was taken off the list of held carts."_s,
+                  u"OK"_s);
+    m_fuss->texts.clear();
+    m_fuss->failAt = 5; // list, begin, delete, read, delete, and the commit
+    m_fuss->state = u"08007"_s;
+    press(u"recallCart"_s);
+    QCOMPARE(m_dialogs, 2);
+    QCOMPARE(m_said, QStringList());
+    QCOMPARE(cart(), QStringList{u"A1  |  TEA|1|2.50"_s});
+    QCOMPARE(failed, QStringList{u"DELETE HarrowbyHeld Mary"_s});
 }
 
 HARROWBY_TEST(app_recall_test, RecallTest)

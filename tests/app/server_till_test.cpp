@@ -36,6 +36,8 @@ private Q_SLOTS:
     void linesThatWereNotWrittenAreTold();
     void purchaseThatIsMissingIsTold();
     void whatIsNotKnownIsToldAndSettled();
+    void heldCartsAreNamed_data();
+    void heldCartsAreNamed();
 
 private:
     /// A shop with two items, both in the cart, and what follows its sales.
@@ -281,6 +283,42 @@ void ServerTillTest::whatIsNotKnownIsToldAndSettled()
         QCOMPARE(told("failureWork"), u"Known now: the purchase%1 was not recorded."_s.arg(named));
         QVERIFY(told("failureAdvice").startsWith(u"Write it down"_s));
     }
+}
+
+void ServerTillTest::heldCartsAreNamed_data()
+{
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<bool>("isDone");
+    QTest::addColumn<QString>("doubt");
+    QTest::addColumn<QString>("known");
+    QTest::addColumn<QString>("advice");
+    const QString hold = u"INSERT HarrowbyHeld was not here"_s; // the word stays as it is
+    const QString recall = u"DELETE HarrowbyHeld Mary"_s;
+    const auto isItHeld = u"It is not known whether the cart \"was not here\" was held."_s;
+    const auto isItOff = u"It is not known whether the cart \"Mary\" was taken off the list of held carts."_s;
+    const auto listed = u"It is on the list of held carts."_s;
+    const auto here = u"The one at the counter is the only one."_s;
+    QTest::newRow("held") << hold << true << isItHeld << u"the cart \"was not here\" was held."_s << listed;
+    QTest::newRow("not held") << hold << false << isItHeld << u"the cart \"was not here\" was not held."_s << here;
+    QTest::newRow("recalled") << recall << true << isItOff
+                              << u"the cart \"Mary\" was taken off the list of held carts."_s << here;
+    QTest::newRow("not recalled") << recall << false << isItOff
+                                  << u"the cart \"Mary\" was not taken off the list of held carts."_s << listed;
+}
+
+void ServerTillTest::heldCartsAreNamed()
+{
+    QFETCH(const QString, statement);
+    QFETCH(const bool, isDone);
+    QFETCH(const QString, doubt);
+    QFETCH(const QString, known);
+    QFETCH(const QString, advice);
+    m_notice = std::make_unique<FailureNotice>();
+    m_notice->addDoubtful({DbFailure::Kind::Write, statement, u"reason"_s});
+    QCOMPARE(told("failureWork"), doubt);
+    tellSettled(*m_notice, statement, isDone);
+    QCOMPARE(told("failureWork"), u"Known now: "_s + known);
+    QVERIFY2(told("failureAdvice").startsWith(advice), qPrintable(told("failureAdvice")));
 }
 
 HARROWBY_TEST(app_server_till_test, ServerTillTest)

@@ -76,12 +76,12 @@ void WatchedRecords::note(const app::RecordStatement &statement)
     }
 }
 
-std::optional<DbFailure> WatchedRecords::begin(const app::RecordTable &table)
+std::optional<DbFailure> WatchedRecords::begin(const app::RecordTable &table, const QString &name)
 {
     rollBack();
     if (m_place == Place::AtTheCounter)
         m_cartBefore = harrowby::Counter::instance().cart();
-    return SqliteRecords::begin(table);
+    return SqliteRecords::begin(table, name);
 }
 
 void WatchedRecords::rollBack()

@@ -38,7 +38,7 @@ public:
 protected:
     Answer<std::int64_t> change(const app::RecordStatement &statement) override;
     Answer<std::int64_t> changeEach(const QString &text, const QList<QList<app::RecordValue>> &rows) override;
-    std::optional<DbFailure> begin(const app::RecordTable &table) override;
+    std::optional<DbFailure> begin(const app::RecordTable &table, const QString &name) override;
     std::optional<DbFailure> commit() override;
     void rollBack() override;
 

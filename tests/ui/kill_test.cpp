@@ -70,7 +70,7 @@ void holdAndRecall(Till &till, Beside &beside, QRandomGenerator &random)
     const auto held = beside.carts.list();
     std::vector<CounterMisfit> misfits;
     if (!held || held->size() <= mostHeld ||
-        beside.holder.recall(held->constFirst().id, misfits) != app::HeldCarts::Taken::Done)
+        beside.holder.recall(held->constFirst(), misfits) != app::HeldCarts::Taken::Done)
         return;
     till.purchase();
 }

@@ -227,7 +227,7 @@ void RandomHost::useAnotherTill(QRandomGenerator &random)
         (void)carts.hold(
             {word.isEmpty() ? u"X"_s : word, u"JANE"_s, {line, {u"A1"_s, u"ITEM 11"_s, 1, 1.5, false}}, 6});
     } else {
-        (void)carts.take(oneOf(*all, random).id, [&](const std::vector<CounterLine> &) { return chance(random, 80); });
+        (void)carts.take(oneOf(*all, random), [&](const std::vector<CounterLine> &) { return chance(random, 80); });
     }
 }
 

@@ -75,10 +75,10 @@ bool ReportingRecords::takesPart(const QString &done)
     return m_isTogether;
 }
 
-std::optional<DbFailure> ReportingRecords::begin(const app::RecordTable &table)
+std::optional<DbFailure> ReportingRecords::begin(const app::RecordTable &table, const QString &name)
 {
     m_isTogether = true;
-    return SqliteRecords::begin(table);
+    return SqliteRecords::begin(table, name);
 }
 
 std::optional<DbFailure> ReportingRecords::commit()
