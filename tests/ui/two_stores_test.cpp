@@ -36,8 +36,10 @@ void sellCarts(Till &till, const QString &seed)
 
 void sellOnes(Till &till)
 {
-    for (int sale = 0; sale < salesAndReorders; ++sale)
-        till.sellOne(0);
+    for (int sale = 0; sale < salesAndReorders; ++sale) {
+        till.choose(0);
+        till.purchaseAtOnce(); // all in one second
+    }
 }
 
 /// Every fourth reorder is undone and made again.
