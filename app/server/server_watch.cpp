@@ -17,6 +17,9 @@ namespace {
 /// Of a question that costs the server nothing.
 constexpr std::chrono::seconds longestAnswer{3};
 
+/// What a server is that nobody has told of a standby: an expression.
+constexpr auto unprepared = "'single'"_L1;
+
 /// What a server says that has lost its standby, perhaps because that has taken its place.
 bool isOfOneLeftAlone(const QString &protection)
 {
@@ -60,9 +63,9 @@ void ServerWatch::take(const State &state)
     const State before = std::exchange(m_state, state);
     if (before != state)
         Q_EMIT changed(state);
-    const bool mayBeAnother = isOfOneLeftAlone(before.protection) && before.protection != state.protection;
+    const bool isAnother = !before.timeline.isEmpty() && before.timeline != state.timeline;
     if (state.isReached)
-        Q_EMIT answered(!before.isReached || mayBeAnother);
+        Q_EMIT answered(!before.isReached || isAnother);
 }
 
 bool ServerWatch::pause()
@@ -92,23 +95,35 @@ std::optional<ServerProblem> ServerWatch::reach()
 ServerWatch::State ServerWatch::ask()
 {
     if (const auto problem = reach())
-        return {false, goneWords(*problem), m_last.protection};
+        return gone(*problem);
     m_patience.setRemainingTime(longestAnswer);
-    const auto select = m_tellsProtection ? u"select harrowby.protection()"_s : u"select 'single'"_s;
-    const auto answer = m_records->records().read({select, {}});
-    if (answer && !answer->isEmpty()) {
-        const QString protection = recordText(answer->constFirst().constFirst());
-        if (isOfOneLeftAlone(protection))
-            forget(); // a server that was replaced, and lives on, says so, too: the store's is looked for anew
-        return {true, {}, protection};
-    }
+    auto answer = read(m_tellsProtection ? "harrowby.protection()"_L1 : unprepared);
     constexpr auto noSuchFunction = "42883"_L1;
     if (!answer && answer.error().engineState == noSuchFunction) { // a server that was not set up by the script
         m_tellsProtection = false;
-        return {true, {}, u"single"_s};
+        answer = read(unprepared);
     }
-    forget();
-    return {false, goneWords({ServerProblem::Kind::NoServer, {}, {}}), m_last.protection}; // the next one knows more
+    if (!answer || answer->isEmpty()) {
+        forget();
+        return gone({ServerProblem::Kind::NoServer, {}, {}}); // the next one knows more
+    }
+    const RecordRow &row = answer->constFirst();
+    const State state{true, {}, recordText(row.constFirst()), recordText(row.constLast())};
+    if (isOfOneLeftAlone(state.protection))
+        forget(); // a server that was replaced, and lives on, says so, too: the store's is looked for anew
+    return state;
+}
+
+/// Of a server that takes writes: its timeline is in the name of the file that it writes.
+Records::Answer<QList<RecordRow>> ServerWatch::read(QLatin1StringView protection)
+{
+    return m_records->records().read(
+        {u"select %1, left(pg_walfile_name(pg_current_wal_lsn()), 8)"_s.arg(protection), {}});
+}
+
+ServerWatch::State ServerWatch::gone(const ServerProblem &problem) const
+{
+    return {false, goneWords(problem), m_last.protection, m_last.timeline};
 }
 
 void ServerWatch::forget()

@@ -32,6 +32,7 @@ public:
         /// machines), 'waiting' (none can be, so nothing is confirmed) or 'alone' (it goes on without the standby, by
         /// the shop's own choice).
         QString protection;
+        QString timeline = {}; ///< of that server: a standby that takes its place begins another one
         bool operator==(const State &) const = default;
     };
 
@@ -46,13 +47,14 @@ public:
 
 Q_SIGNALS:
     void changed(const harrowby::app::ServerWatch::State &state);
-    /// The server answers, each time that it does. `isBack`: after it had not, or when it may be another one,
-    /// as the one before had been left alone.
+    /// The server answers, each time that it does. `isBack`: after it had not, or when it is another one than before.
     void answered(bool isBack);
 
 private:
     void run();
     [[nodiscard]] State ask();
+    [[nodiscard]] Records::Answer<QList<RecordRow>> read(QLatin1StringView protection);
+    [[nodiscard]] State gone(const ServerProblem &problem) const;
     [[nodiscard]] std::optional<ServerProblem> reach();
     void forget();
     /// False when the watch ends.
