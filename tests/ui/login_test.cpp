@@ -26,6 +26,7 @@ private Q_SLOTS:
     void eachRightFromItsColumn_data();
     void eachRightFromItsColumn();
     void unreadableFlagIsFalse();
+    void numbersAreFlags();
     void passwordsIgnoreCase();
     void nameIsUpperCasedWhileTyped();
     void enterMovesOnAndLogsIn();
@@ -198,6 +199,17 @@ void LoginTest::unreadableFlagIsFalse()
 {
     Counter counter;
     counter.file.sql(u"INSERT INTO Users VALUES ('ANN','PW','STAFF','True','perhaps',X'01',NULL,1,'2','True')"_s);
+    counter.open();
+    counter.logIn(u"ANN"_s, u"PW"_s);
+    const FormState &state = counter.state();
+    QVERIFY(!state.login.rights.CanSell && !state.login.rights.CanReport && !state.login.rights.CanUndo);
+    QVERIFY(state.login.rights.CanDelete && state.login.rights.CanSettings && state.login.rights.CanReorder);
+}
+
+void LoginTest::numbersAreFlags()
+{
+    Counter counter;
+    counter.file.sql(u"INSERT INTO Users VALUES ('ANN','PW','STAFF',-1,0,0.0,NULL,1,2,0.5)"_s);
     counter.open();
     counter.logIn(u"ANN"_s, u"PW"_s);
     const FormState &state = counter.state();

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void editOfTheFirstOfTwo();
     void editOfAnItemThatIsGone();
     void editOfMissingValues();
+    void editOfACostInWords();
     void editWhenTheQueryFails();
     void removeWithoutSelection();
     void remove();
@@ -188,11 +189,20 @@ void StockChoiceTest::editOfMissingValues()
 {
     Counter counter;
     openStock(counter);
-    counter.file.sql(u"UPDATE StockList SET StockCategory = NULL, StockCost = 'free', StockReorderLevel = NULL"_s);
+    counter.file.sql(u"UPDATE StockList SET StockCategory = NULL, StockReorderLevel = NULL"_s);
     clickRow(counter, 0);
     QCOMPARE(counter.text("Combo5"), QString());
-    QCOMPARE(counter.text("Combo8"), u"0.00"_s);
     QCOMPARE(counter.text("Combo13"), QString());
+    QCOMPARE(counter.text("Combo14"), u"6.5"_s);
+}
+
+void StockChoiceTest::editOfACostInWords()
+{
+    Counter counter;
+    openStock(counter);
+    counter.file.sql(u"UPDATE StockList SET StockCost = 'free'"_s);
+    clickRow(counter, 0);
+    QCOMPARE(counter.text("Combo8"), u"0.00"_s);
     QCOMPARE(counter.text("Combo14"), u"6.5"_s);
 }
 

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void settingsAreRead_data();
     void settingsAreRead();
     void settingsThatCannotBeRead();
+    void settingsOutOfRange();
     void emailAddress_data();
     void emailAddress();
     void emailAddressThatCannotBeRead_data();
@@ -138,10 +139,18 @@ void WindowTest::settingsAreRead()
 void WindowTest::settingsThatCannotBeRead()
 {
     Counter counter;
-    counter.file.sql(
-        u"UPDATE StoreSettings SET ShowDetails = 'often', Promptreorder = 70000, AutoPurchaseCart = X'41'"_s);
+    counter.file.sql(u"UPDATE StoreSettings SET ShowDetails = 'often', AutoPurchaseCart = X'41'"_s);
     counter.open();
     QCOMPARE(counter.state().settings.ShowDetailsFlag, std::int16_t{0});
+    QCOMPARE(counter.state().settings.HideFinishedFlag, std::int16_t{0});
+}
+
+void WindowTest::settingsOutOfRange()
+{
+    Counter counter;
+    counter.file.sql(u"UPDATE StoreSettings SET ShowDetails = -1, Promptreorder = 70000, AutoPurchaseCart = NULL"_s);
+    counter.open();
+    QCOMPARE(counter.state().settings.ShowDetailsFlag, std::int16_t{-1});
     QCOMPARE(counter.state().settings.PromptReorderFlag, std::int16_t{0});
     QCOMPARE(counter.state().settings.HideFinishedFlag, std::int16_t{0});
 }
