@@ -29,6 +29,7 @@ private Q_SLOTS:
 
     void emptiedFiguresOfAnExport();
     void otherEditsOfAnExport();
+    void nameWithNulMayBeReplaced();
     void columnsOfAnExportMatchedOtherwise();
     void bytesInAnEditedRowAreTold();
     void shortRowsEndWithEmptyCells();
@@ -87,6 +88,11 @@ void ImportEditedTest::otherEditsOfAnExport()
                           u"3 changed COLA StockCost >3.00"_s,
                           u"4 new NEW StockName >NEW StockCategory >DRINKS StockCost >1.00 StockReorderLevel >2 "
                           "StockAvailable >3 StockUse >Enabled"_s}));
+}
+
+void ImportEditedTest::nameWithNulMayBeReplaced()
+{
+    m_bench->addItem(u"TEA-1"_s, u"TEA"_s, u"1.5"_s);
     m_bench->sql(u"update StockList set StockName = 'A' || char(0) || 'B' where StockID = 'TEA-1'"_s);
     const QByteArray named = itemsHead + "TEA-1,BLACK TEA,DRINKS,1.5,2,10,Enabled" + editors + "StockName:escaped\n";
     QCOMPARE(m_bench->stage(named).counts, (ImportCounts{0, 1, 0, 0}));

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void fileOfCodes();
     void fileOfCategories();
     void listIsSaved();
+    void listNeverReplacesTheStore();
     void exportedAndImportedAgain();
     void storeIsEqualInAnEmptyOne();
     void onlyTheLatestAreKept();
@@ -346,6 +347,11 @@ void ImportWritingTest::listIsSaved()
              "2,changed,TEA-1,TEE,\"StockName\nStockCost\",\"TEA\n1.5\",\"TEE\n2.00\",\r\n"
              "3,refused,X,small,Name,,,It is not in capitals.\r\n"_s);
     QVERIFY(!m_bench->import().saveList(staged.id, RowFilter::All, u"/proc/none/list.csv"_s, {}, goOn));
+}
+
+void ImportWritingTest::listNeverReplacesTheStore()
+{
+    const StagedImport staged = m_bench->stage("StockID,Name,Price\nTEA-1,TEE,2\n");
     const auto intoStore = m_bench->import().saveList(staged.id, RowFilter::All, m_bench->path, {}, goOn);
     QVERIFY(!intoStore);
     QCOMPARE(intoStore.error().words,

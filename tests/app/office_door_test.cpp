@@ -6,6 +6,7 @@
 #include "app/records/sqlite_records.h"
 #include "tests/app/shop_place.h"
 #include "tests/app/store_files.h"
+#include "tests/doubles/server_shop.h"
 #include "tests/program/test_program.h"
 
 #include <QDateTime>
@@ -80,9 +81,9 @@ void OfficeDoorTest::loginIsComparedAsAtTheTill()
     makeStore(path);
     runAll(path, {u"INSERT INTO Users (Username, Password, Type, InventoryUse, InventoryReorder) VALUES "
                   "('BOB', 'MINE', 'ADMINISTRATOR', 0, 0), ('Anna', 'a', 'STAFF', -1, -1), "
-                  "('CLARA', 'C', 'STAFF', 'True', 2), ('DORA', 'D', 'STAFF', -1, 0), ('EVE', 'E', 'STAFF', 0, -1), "
+                  "('CLARA', 'C', 'STAFF', %1, 2), ('DORA', 'D', 'STAFF', -1, 0), ('EVE', 'E', 'STAFF', 0, -1), "
                   "('FRED', 'F', 'STAFF', 1, -1), ('GINA', 'G', 'VIEWER', -1, -1), ('HUGH', 'H', 'STAFF', -1, 0), "
-                  "('HUGH', 'H', 'STAFF', -1, -1)"_s});
+                  "('HUGH', 'H', 'STAFF', -1, -1)"_s.arg(harrowby::test::shopsAreOnAServer() ? u"-1"_s : u"'True'"_s)});
     const OpenShop shop(path);
     Records &records = *shop.records();
     const DoorAnswer found = askAtDoor(records, name, password);
