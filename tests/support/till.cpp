@@ -125,12 +125,6 @@ void Till::purchase()
     m_clock->time = m_clock->time.addSecs(1);
 }
 
-void Till::sellOne(int button) const
-{
-    choose(button);
-    purchaseAtOnce();
-}
-
 void Till::choose(int button) const
 {
     click(u"Command1_%1"_s.arg(button));

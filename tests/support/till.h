@@ -43,8 +43,6 @@ public:
     void sell(QRandomGenerator &random);
     /// Commits the cart, and lets a second pass.
     void purchase();
-    /// Sells one unit of the item of a button, as a purchase of its own, in the same second as the one before.
-    void sellOne(int button) const;
     /// Puts one unit of the item of a button into the cart.
     void choose(int button) const;
     [[nodiscard]] bool hasCart() const;
