@@ -108,23 +108,19 @@ Result<PgResults, PgError> Transaction::beginOnce(const QByteArray &first)
     return results;
 }
 
-/// Of the same work, once more.
-Result<void, PgError> Transaction::beginAnew(const PgError &why)
+/// Of the same work, once more. When it is in vain nothing of it is left in the session.
+Result<void, PgError> Transaction::beginAnew(PgError why)
 {
-    PgSession &session = m_writer.access().session();
-    if (mayPass(why))
-        session.close(); // a server that takes no more writes would be asked again
-    else
-        takeBack();
-    PgError latest = why;
-    while (goesOnAfter(latest)) {
+    for (;;) {
+        leave(why);
+        if (!goesOnAfter(why))
+            return Unexpected(why);
         const auto begun = beginOnce();
-        const auto again = begun ? replay() : Result<void, PgError>(Unexpected(begun.error()));
+        auto again = begun ? replay() : Result<void, PgError>(Unexpected(begun.error()));
         if (again)
             return again;
-        latest = again.error();
+        why = std::move(again).error();
     }
-    return Unexpected(latest);
 }
 
 Result<void, PgError> Transaction::replay()
@@ -183,7 +179,6 @@ Result<PgResults, PgError> Transaction::run(const QByteArray &statements)
         }
         if (const auto begun = beginAnew(results.error()); !begun) {
             m_isOver = true; // what else is to be part of it still is, and is refused
-            takeBack();
             return Unexpected(begun.error());
         }
     }
@@ -222,6 +217,15 @@ void Transaction::rollBack()
     if (m_writer.transaction() == this)
         m_writer.setTransaction(nullptr);
     if (!std::exchange(m_isOver, true))
+        takeBack();
+}
+
+/// After what has failed.
+void Transaction::leave(const PgError &why)
+{
+    if (mayPass(why))
+        m_writer.access().session().close(); // a server that takes no more writes would be asked again
+    else
         takeBack();
 }
 

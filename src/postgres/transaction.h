@@ -43,11 +43,12 @@ private:
     };
 
     [[nodiscard]] Result<PgResults, PgError> beginOnce(const QByteArray &first = {});
-    [[nodiscard]] Result<void, PgError> beginAnew(const PgError &why);
+    [[nodiscard]] Result<void, PgError> beginAnew(PgError why);
     [[nodiscard]] Result<void, PgError> replay();
     [[nodiscard]] Result<PgResults, PgError> runOnce(const QByteArray &statements);
     Actions::End finished(const Actions::End &end);
     void takeBack();
+    void leave(const PgError &why);
     [[nodiscard]] bool goesOnAfter(const PgError &error);
     void note(const QByteArray &statements, const PgResults &results);
 

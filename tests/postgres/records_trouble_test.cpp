@@ -24,8 +24,10 @@ private Q_SLOTS:
     void lostAnswersOfWritesTogether();
     void brokenInTheMiddle();
     void brokenAndChangedMeanwhile();
+    void brokenAtTheEndAndChangedMeanwhile();
     void serverKilledInTheMiddle();
     void actionThatTheServersReturnMeets();
+    void meetsALockAfterADeadlock();
     void unknownIsToldLater();
 };
 
@@ -100,6 +102,23 @@ void RecordsTroubleTest::brokenAndChangedMeanwhile()
     QCOMPARE(notesOnServer(), u"a=8"_s);
 }
 
+/// What was run again before that was noticed is not done with the next write, either.
+void RecordsTroubleTest::brokenAtTheEndAndChangedMeanwhile()
+{
+    QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
+    const auto kept = m_records->together(notes(), [&] {
+        const bool isRead = m_records->write(notes(), raiseAll) && m_records->read(notes(), allNotes);
+        m_proxy->cut();
+        m_server->cluster.sql(u"update harrowby.HarrowbyNote set Worth = 7"_s);
+        return isRead;
+    });
+    QVERIFY(!kept || !*kept);
+    QCOMPARE(m_told.size(), 1);
+    QVERIFY(m_told.constFirst().reason.contains(u"changed"_s));
+    QVERIFY(m_records->write(notes(), insertNote(u"b"_s, 1.0)));
+    QCOMPARE(notesOnServer(), u"a=7 b=1"_s);
+}
+
 void RecordsTroubleTest::serverKilledInTheMiddle()
 {
     QVERIFY(m_records->write(notes(), insertNote(u"a"_s, 0.0)));
@@ -142,6 +161,52 @@ void RecordsTroubleTest::actionThatTheServersReturnMeets()
     QVERIFY(m_told.isEmpty());
     m_store->beginAction();
     QVERIFY(!m_store->isInAction());
+}
+
+/// The till has one row and wants the other, a second program the other way round. The till gives way, and what it runs
+/// again meets the other's lock, for longer than the server waits for one.
+void RecordsTroubleTest::meetsALockAfterADeadlock()
+{
+    PrivateCluster &cluster = m_server->cluster;
+    cluster.set(u"deadlock_timeout"_s, u"300ms"_s);
+    cluster.sql(u"set deadlock_timeout = '1h'"_s);
+    m_records.reset();
+    m_store.reset();
+    const qsizetype before = cluster.log().size();
+    const auto hasTold = [&](QLatin1StringView what) { return cluster.log().mid(before).contains(what); };
+    enum { Has, Wants, Done } other = Done;
+    ServerOptions options;
+    options.stateFolder = m_server->options().stateFolder;
+    options.silence = 1250ms; // a lock is waited for as long as 1 s at a time
+    options.waitHook = [&](const DbWait &) {
+        if (other == Has && cluster.sql(u"select count(*) from pg_locks where not granted"_s).constFirst() != u"0"_s) {
+            other = Wants;
+            // Returns when the till has given way.
+            cluster.sql(u"update harrowby.HarrowbyNote set Worth = Worth where Name = 'a'"_s);
+        } else if (other == Wants && hasTold("due to lock timeout"_L1)) {
+            other = Done;
+            cluster.sql(u"commit"_s);
+        }
+        return true;
+    };
+    PostgresStore store(throughProxy(), options);
+    QVERIFY(!store.open());
+    const auto records = store.records();
+    records->setFailureHandler([this](const DbFailure &failure) { m_told << failure; });
+    QVERIFY(records->write(notes(), insertNote(u"a"_s, 0.0)));
+    QVERIFY(records->write(notes(), insertNote(u"b"_s, 0.0)));
+    const auto raise = [&](const QString &name) {
+        return records->write(notes(), {u"update HarrowbyNote set Worth = Worth + 1 where Name = ?"_s, {name}});
+    };
+    cluster.sql(u"begin; update harrowby.HarrowbyNote set Worth = Worth where Name = 'b'"_s);
+    other = Has;
+    const auto kept = records->together(notes(), [&] { return raise(u"a"_s) && raise(u"b"_s); });
+    cluster.sql(u"rollback; reset deadlock_timeout"_s);
+    QVERIFY2(m_told.isEmpty(), qPrintable(m_told.isEmpty() ? QString() : m_told.constFirst().reason));
+    QVERIFY(kept && *kept);
+    QVERIFY(hasTold("deadlock detected"_L1));
+    QCOMPARE(other, Done);
+    QCOMPARE(notesOnServer(), u"a=1 b=1"_s);
 }
 
 void RecordsTroubleTest::unknownIsToldLater()
