@@ -39,14 +39,6 @@ DbFailure refused(Kind kind, const QString &text, const QString &reason)
     return {kind, text, reason, 0};
 }
 
-DbFailure failureOfEnd(const QString &text, const Actions::End &end)
-{
-    DbFailure failure = failureOf(Kind::Write, text, end.error);
-    if (end.outcome == Outcome::Unknown)
-        failure.engineState = u"08007"_s;
-    return failure;
-}
-
 /// The statement with its values, in the server's dialect.
 ServerText textOf(const RecordStatement &statement, ServerText (*inDialect)(const QString &))
 {
@@ -223,7 +215,7 @@ app::Records::Answer<std::int64_t> PostgresRecords::changeAlone(const QString &t
     if (addsOneRow(text)) {
         const QByteArray condition = locks.isEmpty() ? QByteArray() : locks.join(';') + ';';
         const Actions::End end = m_writer.write({condition, serverText, text});
-        return end.outcome == Outcome::Done ? Answer<std::int64_t>(1) : Unexpected(failureOfEnd(text, end));
+        return end.outcome == Outcome::Done ? Answer<std::int64_t>(1) : Unexpected(failureOf(text, end));
     }
     Transaction transaction(m_writer, locks, text);
     const auto results = transaction.begin(serverText);
@@ -231,7 +223,7 @@ app::Records::Answer<std::int64_t> PostgresRecords::changeAlone(const QString &t
         return Unexpected(failureOf(Kind::Write, text, results.error()));
     const std::int64_t changed = results->back().affectedRows();
     const Actions::End end = transaction.commit();
-    return end.outcome == Outcome::Done ? Answer<std::int64_t>(changed) : Unexpected(failureOfEnd(text, end));
+    return end.outcome == Outcome::Done ? Answer<std::int64_t>(changed) : Unexpected(failureOf(text, end));
 }
 
 app::Records::Answer<std::int64_t> PostgresRecords::changeEach(const QString &text,
@@ -291,7 +283,7 @@ std::optional<DbFailure> PostgresRecords::commit()
     const Actions::End end = transaction->commit();
     if (m_aroundCommit)
         m_aroundCommit(false);
-    return end.outcome == Outcome::Done ? std::nullopt : std::optional(failureOfEnd(u"commit"_s, end));
+    return end.outcome == Outcome::Done ? std::nullopt : std::optional(failureOf(u"commit"_s, end));
 }
 
 void PostgresRecords::rollBack()

@@ -153,7 +153,7 @@ bool PostgresConnection::Private::send(const Write &write)
     const Actions::End end = writer.write(write);
     lastWrite = outcomeOf(end.outcome);
     if (end.outcome != Actions::Outcome::Done)
-        report(DbFailure::Kind::Write, write.what, end.error);
+        owner.reportFailure(failureOf(write.what, end));
     else if (end.changed >= 0 && watch.changed)
         watch.changed(write.what, end.changed);
     return end.outcome == Actions::Outcome::Done;

@@ -52,4 +52,12 @@ DbFailure failureOf(DbFailure::Kind kind, const QString &statement, const PgErro
     return {kind, statement, error.text, 0, stateOf(error)};
 }
 
+DbFailure failureOf(const QString &statement, const Actions::End &end)
+{
+    DbFailure failure = failureOf(DbFailure::Kind::Write, statement, end.error);
+    if (end.outcome == Actions::Outcome::Unknown)
+        failure.engineState = u"08007"_s; // whatever was heard last
+    return failure;
+}
+
 } // namespace harrowby::postgres

@@ -152,7 +152,7 @@ Result<PgResults, PgError> PgSession::runUntilFree(const QByteArray &statements,
     const milliseconds limit = postgres::lockLimit(budget.answer);
     const bool isAlone = m_link->isIdle();
     const QDeadlineTimer lock(budget.lock);
-    for (PgWaiting what = PgWaiting::Answer;; what = PgWaiting::Lock) {
+    for (PgWaiting what = PgWaiting::Answer;; what = budget.lockIs) {
         const milliseconds time = std::min(limit, milliseconds(lock.remainingTime()));
         const QByteArray text = limited(statements, time, postgres::lockLimit(m_waits.answer));
         Result<PgResults, PgError> results = m_link->exchange(text, budget.answer, what);

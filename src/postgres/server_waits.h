@@ -42,6 +42,8 @@ struct PgBudget
     std::chrono::milliseconds answer{5000};
     /// Another's lock. What is left of an action's time for it.
     std::chrono::milliseconds lock{10000};
+    /// What is waited for then, as far as a person can tell: one's own write before may hold it.
+    PgWaiting lockIs = PgWaiting::Lock;
 };
 
 namespace postgres {

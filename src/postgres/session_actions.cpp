@@ -9,6 +9,8 @@ namespace harrowby::postgres {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 /// For an answer, however little of a phase is left.
 constexpr std::chrono::milliseconds leastTime{100};
 
@@ -29,6 +31,12 @@ Heard answerOf(const PgError &error)
     default:
         return error.mayBeDone ? Heard::Lost : Heard::NotTaken;
     }
+}
+
+/// What a lock means to a further sending or a claim: the first sending holds it.
+PgError notConfirmedYet()
+{
+    return {PgError::Kind::NotConfirmed, "55000", u"The server has not confirmed yet what was sent before"_s, true};
 }
 
 } // namespace
@@ -110,8 +118,10 @@ PgBudget SessionActions::budget() const
 {
     PgBudget budget = m_budget;
     const std::chrono::milliseconds left = std::max(leastTime, std::chrono::milliseconds(m_deadline.remainingTime()));
-    if (m_phase != Phase::Sending)
+    if (m_phase != Phase::Sending) {
         budget.lock = std::min(budget.lock, left);
+        budget.lockIs = PgWaiting::Answer;
+    }
     if (m_phase == Phase::Claiming)
         budget.answer = std::min(budget.answer, left);
     return budget;
@@ -136,7 +146,8 @@ ActionAnswer SessionActions::run(const QByteArray &statements, bool endsTransact
 ActionAnswer SessionActions::failed(const PgError &error)
 {
     m_isGivenUp = m_isGivenUp || error.kind == PgError::Kind::GivenUp;
-    return {answerOf(error), 0, error};
+    const bool isOwnLock = error.kind == PgError::Kind::LockTimedOut && m_phase != Phase::Sending;
+    return {answerOf(error), 0, isOwnLock ? notConfirmedYet() : error};
 }
 
 } // namespace harrowby::postgres

@@ -64,6 +64,7 @@ private:
     std::unique_ptr<PrivateCluster> m_primary;
     std::unique_ptr<PrivateCluster> m_standby;
     std::vector<Resolved> m_resolved;
+    std::vector<DbFailure> m_failures;
 };
 
 void ConnectionFailoverTest::initTestCase()
@@ -75,6 +76,7 @@ void ConnectionFailoverTest::initTestCase()
 void ConnectionFailoverTest::init()
 {
     m_resolved.clear();
+    m_failures.clear();
     m_primary = std::make_unique<PrivateCluster>();
     m_primary->start();
     for (const QString &text : schemaFiles())
@@ -106,6 +108,7 @@ std::shared_ptr<PostgresConnection> ConnectionFailoverTest::connect(const QStrin
     options.rest = rest;
     auto connection = std::make_shared<PostgresConnection>(bothHosts(), options);
     connection->setResolvedHandler([this](const QString &what, bool isDone) { m_resolved.push_back({what, isDone}); });
+    connection->setFailureHandler([this](const DbFailure &failure) { m_failures.push_back(failure); });
     return connection;
 }
 
@@ -118,15 +121,23 @@ void ConnectionFailoverTest::standbyGone()
     m_standby->stop();
     till->beginAction();
     int calls = 0;
-    till->setWaitHook([&](const DbWait &) { return ++calls > 0; });
+    bool blamesOthers = false;
+    till->setWaitHook([&](const DbWait &wait) {
+        blamesOthers = blamesOthers || wait.what == DbWait::For::Lock;
+        return ++calls > 0;
+    });
     QVERIFY(!Execute(till, statements::raiseStock(5, u"1"_s)));
     QCOMPARE(till->lastWrite(), WriteOutcome::Unknown);
     QVERIFY(till->mayHaveWritten());
     QVERIFY(calls > 10);
+    QCOMPARE(m_failures.back().engineState, u"08007"_s);
     till->beginAction();
     QVERIFY(!Execute(till, statements::raiseStock(7, u"2"_s)));
     QCOMPARE(till->lastWrite(), WriteOutcome::Refused);
+    QCOMPARE(m_failures.back().engineState, u"55000"_s); // no fault of another till, and nothing to be found out
+    QCOMPARE(m_failures.back().reason, u"The server has not confirmed yet what was sent before"_s);
     QVERIFY(m_resolved.empty());
+    QVERIFY(!blamesOthers); // it is the till's own write that keeps the lock
     m_standby->cont();
     till->beginAction();
     QVERIFY(Execute(till, statements::raiseStock(9, u"2"_s)));
