@@ -87,7 +87,7 @@ Actions::End Actions::write(const Write &write)
 Result<ActionNumber, PgError> Actions::take()
 {
     if (!resolve())
-        return Unexpected(ofOneNotDone(m_error));
+        return Unexpected(whyOpen());
     if (m_isRetired) {
         m_journal.leave(m_writer);
         enter(QUuid::createUuid());
@@ -221,6 +221,11 @@ Actions::End Actions::unknown(const ActionNumber &action, const QString &what)
                          u"). "_s + m_error.text;
     }
     return end;
+}
+
+PgError Actions::whyOpen() const
+{
+    return ofOneNotDone(m_error);
 }
 
 bool Actions::resolve()

@@ -68,6 +68,8 @@ public:
     bool resolve();
     /// Whether something keeps further writes away.
     [[nodiscard]] bool hasOpen() const { return m_open || !m_left.empty(); }
+    /// Why that is still open, as the reason of a write that is not sent for it.
+    [[nodiscard]] PgError whyOpen() const;
 
 private:
     /// What is known of a write.
@@ -105,8 +107,8 @@ private:
     bool m_isRetired = false; ///< the server takes none of this writer's numbers any more
     std::optional<OpenAction> m_open;
     std::vector<LeftWriter> m_left; ///< of programs before, not yet resolved
-    PgError m_error;                ///< the last one that was heard
-    std::int64_t m_changed = -1;    ///< by the latest sending
+    PgError m_error = {PgError::Kind::Lost, {}, QStringLiteral("the server has not been asked yet")}; ///< the last one
+    std::int64_t m_changed = -1; ///< by the latest sending
     ResolvedHandler m_handler;
 };
 

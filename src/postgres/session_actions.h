@@ -33,6 +33,8 @@ public:
     void setPatience(const ActionPatience &patience) { m_patience = patience; }
     void setBudget(const PgBudget &budget) { m_budget = budget; }
     void setHook(PgWaitHook hook) { m_hook = std::move(hook); }
+    /// A person has had enough of a write that was not sent by this.
+    void giveUp() { m_isGivenUp = true; }
     /// What is waited for at present. In Phase::Claiming nothing is left to be given up.
     [[nodiscard]] Phase phase() const { return m_phase; }
 

@@ -110,6 +110,8 @@ std::optional<PgError> Writer::beginWrite()
     time.beginStatement();
     if (time.isOver() && m_access.session().isLost())
         return m_access.noTimeLeft();
+    if (time.isOver() && m_engine->actions.hasOpen())
+        return m_engine->actions.whyOpen(); // it has been asked for in this action
     setTimes();
     return {};
 }
@@ -118,12 +120,17 @@ Result<ActionNumber, PgError> Writer::take()
 {
     if (auto error = beginWrite())
         return Unexpected(*std::move(error));
-    return m_engine->actions.take();
+    auto taken = m_engine->actions.take();
+    if (!taken)
+        m_access.time().giveUp();
+    return taken;
 }
 
 Actions::End Writer::find(const ActionNumber &action, const QString &what, const PgError &error)
 {
     setTimes();
+    if (error.kind == Kind::GivenUp)
+        m_engine->server.giveUp();
     m_isWriting = true;
     const auto end = qScopeGuard([this] { m_isWriting = false; });
     return m_engine->actions.find(action, what, error);
@@ -152,7 +159,7 @@ Actions::End Writer::ended(Actions::End end) const
         time.noteWrite();
     if (end.outcome == Outcome::Done)
         return end;
-    if (isTrouble(end.error) || end.outcome == Outcome::Unknown)
+    if (isTrouble(end.error) || m_engine->actions.hasOpen())
         time.giveUp(); // its own time is used up, and the action's with it
     return end;
 }

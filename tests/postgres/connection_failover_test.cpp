@@ -3,6 +3,8 @@
 #include "tests/postgres/server_store.h"
 #include "tests/program/test_program.h"
 
+#include "postgres/connection_parts.h"
+#include "postgres/transaction.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 
@@ -50,6 +52,7 @@ private Q_SLOTS:
     void cleanup();
 
     void standbyGone();
+    void givesUpWithTheRest();
     void nextStartResolves();
     void deadlock();
     void primaryKilled();
@@ -58,6 +61,8 @@ private Q_SLOTS:
 private:
     [[nodiscard]] std::shared_ptr<PostgresConnection> connect(const QString &states,
                                                               std::chrono::milliseconds rest = 60s);
+    /// Further writes of an action whose write before them is not known: refused on a session that lives.
+    void expectRestIsRefused(const std::shared_ptr<PostgresConnection> &till);
     [[nodiscard]] QString bothHosts() const;
 
     QTemporaryDir m_folder;
@@ -112,6 +117,20 @@ std::shared_ptr<PostgresConnection> ConnectionFailoverTest::connect(const QStrin
     return connection;
 }
 
+void ConnectionFailoverTest::expectRestIsRefused(const std::shared_ptr<PostgresConnection> &till)
+{
+    QElapsedTimer took;
+    took.start();
+    QVERIFY(till->isOpen());
+    for (int line = 0; line < 5; ++line) {
+        QVERIFY(!Execute(till, statements::raiseStock(3, u"2"_s)));
+        QCOMPARE(till->lastWrite(), WriteOutcome::Refused);
+        QCOMPARE(m_failures.back().engineState, u"55000"_s); // no fault of another till, and nothing to be found out
+        QCOMPARE(m_failures.back().reason, u"The server has not confirmed yet what was sent before"_s);
+    }
+    QVERIFY2(took.elapsed() < 5000, qPrintable(QString::number(took.elapsed()))); // against 7 s for each
+}
+
 /// A write that nobody has confirmed is neither done nor refused; nothing else is written before that is known.
 void ConnectionFailoverTest::standbyGone()
 {
@@ -131,11 +150,14 @@ void ConnectionFailoverTest::standbyGone()
     QVERIFY(till->mayHaveWritten());
     QVERIFY(calls > 10);
     QCOMPARE(m_failures.back().engineState, u"08007"_s);
+    expectRestIsRefused(till);
     till->beginAction();
-    QVERIFY(!Execute(till, statements::raiseStock(7, u"2"_s)));
-    QCOMPARE(till->lastWrite(), WriteOutcome::Refused);
-    QCOMPARE(m_failures.back().engineState, u"55000"_s); // no fault of another till, and nothing to be found out
-    QCOMPARE(m_failures.back().reason, u"The server has not confirmed yet what was sent before"_s);
+    QElapsedTimer took;
+    took.start();
+    postgres::Transaction several(postgres::ConnectionParts::of(*till).writer, {}, u"several"_s);
+    QVERIFY(!several.begin());
+    QVERIFY2(took.elapsed() < 14'000, qPrintable(QString::number(took.elapsed()))); // the claim's 7 s, once
+    expectRestIsRefused(till);
     QVERIFY(m_resolved.empty());
     QVERIFY(!blamesOthers); // it is the till's own write that keeps the lock
     m_standby->cont();
@@ -145,6 +167,40 @@ void ConnectionFailoverTest::standbyGone()
     QVERIFY(m_resolved.front().what.contains(u"+ 5"_s));
     QCOMPARE(stockOf(*m_primary, u"1"_s), m_resolved.front().isDone ? u"1006"_s : u"1001"_s);
     QCOMPARE(stockOf(*m_primary, u"2"_s), u"1009"_s);
+}
+
+/// A person who has had enough of one write has had enough of those behind it.
+void ConnectionFailoverTest::givesUpWithTheRest()
+{
+    const auto till = connect(u"enough"_s);
+    QVERIFY(!till->open());
+    for (const bool isTogether : {false, true}) {
+        till->beginAction();
+        QVERIFY(Execute(till, statements::raiseStock(1, u"1"_s)));
+        const int before = stockOf(*m_primary, u"1"_s).toInt();
+        postgres::Transaction several(postgres::ConnectionParts::of(*till).writer, {}, u"several"_s);
+        if (isTogether)
+            QVERIFY(several.begin("update StockList set StockAvailable = StockAvailable + 5 where StockID = '1'"));
+        m_standby->stop();
+        till->setWaitHook([](const DbWait &wait) { return !wait.mayGiveUp; });
+        QElapsedTimer took;
+        took.start();
+        if (isTogether)
+            QCOMPARE(several.commit().outcome, postgres::Actions::Outcome::Unknown);
+        else
+            QVERIFY(!Execute(till, statements::raiseStock(5, u"1"_s)) && till->mayHaveWritten());
+        QVERIFY2(took.elapsed() < 5000, qPrintable(QString::number(took.elapsed()))); // one more try, of 1.5 s
+        expectRestIsRefused(till);
+        QVERIFY(m_resolved.empty());
+        m_standby->cont();
+        till->setWaitHook({});
+        till->beginAction();
+        QVERIFY(Execute(till, statements::raiseStock(9, u"2"_s)));
+        QCOMPARE(m_resolved.size(), 1u);
+        QCOMPARE(stockOf(*m_primary, u"1"_s).toInt(), before + (m_resolved.front().isDone ? 5 : 0));
+        QCOMPARE(stockOf(*m_primary, u"2"_s), isTogether ? u"1018"_s : u"1009"_s); // nothing of the rest
+        m_resolved.clear();
+    }
 }
 
 void ConnectionFailoverTest::nextStartResolves()
