@@ -34,8 +34,6 @@ private Q_SLOTS:
     void anothersLock();
     void locksOfAnActionTogether();
     void stoppedServer();
-    void shortWaitsInARow();
-    void shortWaitsOfManyEvents();
     void silentCable();
     void givesUp();
     void unknownAfterAHoldThatWasRefused();
@@ -225,41 +223,6 @@ void ConnectionWaitsTest::stoppedServer()
     m_connection->beginAction();
     item.Open(statements::stockById(u"1"_s), m_connection);
     QCOMPARE(item.RecordCount(), 1);
-}
-
-/// A long line: each answer comes soon, but the window stands still for as long as all of them together take.
-void ConnectionWaitsTest::shortWaitsInARow()
-{
-    Proxy line(m_server->cluster.port());
-    m_connection = m_server->connect(through(line));
-    QVERIFY(!m_connection->open());
-    line.setLatency(10ms);
-    PaintedGaps gaps;
-    m_connection->setWaitHook([&gaps](const DbWait &) {
-        gaps.paint();
-        return true;
-    });
-    QCoreApplication::processEvents();
-    gaps.begin();
-    for (int i = 0; i < 60; ++i)
-        QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
-    QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
-}
-
-/// Between them the window paints itself.
-void ConnectionWaitsTest::shortWaitsOfManyEvents()
-{
-    Proxy line(m_server->cluster.port());
-    m_connection = m_server->connect(through(line));
-    QVERIFY(!m_connection->open());
-    line.setLatency(10ms);
-    int calls = 0;
-    m_connection->setWaitHook([&calls](const DbWait &) { return ++calls > 0; });
-    for (int i = 0; i < 60; ++i) {
-        QCoreApplication::processEvents();
-        QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
-    }
-    QVERIFY2(calls < 8, qPrintable(QString::number(calls))); // of 15 in a row; a busy machine makes some waits long
 }
 
 /// A cable that is pulled out: what is read has failed in time, and told so; a write on its way is not known, which is
