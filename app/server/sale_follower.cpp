@@ -78,7 +78,38 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
 void SaleFollower::settle(const QString &statement, bool isDone)
 {
     m_doubts = std::max(m_doubts - 1, 0); // those of an earlier program have not been counted
+    if (const auto line = missOf(statement); line && line->kind == StockMiss::Kind::NotLowered) {
+        if (settleMiss(lineWords(*line), isDone))
+            return;
+        forgetDoubt(lineWords(*line));
+    }
     tellSettled(m_notice, statement, isDone);
+}
+
+/// Of a purchase that has not been told yet, as while its summary stands there: it is told as what it is.
+bool SaleFollower::settleMiss(const QString &line, bool isDone)
+{
+    const auto isIt = [&](const Miss &miss) {
+        return miss.outcome == WriteOutcome::Unknown && lineWords(miss.line) == line;
+    };
+    const auto miss = std::find_if(m_misses.begin(), m_misses.end(), isIt);
+    if (miss == m_misses.end())
+        return false;
+    if (isDone)
+        m_misses.erase(miss);
+    else
+        miss->outcome = WriteOutcome::Refused;
+    return true;
+}
+
+void SaleFollower::forgetDoubt(const QString &line)
+{
+    const auto isIt = [&](const Doubt &doubt) { return doubt.line == line; };
+    const auto doubt = std::find_if(m_toldDoubts.cbegin(), m_toldDoubts.cend(), isIt);
+    if (doubt == m_toldDoubts.cend())
+        return;
+    m_notice.forget(doubt->told);
+    m_toldDoubts.erase(doubt);
 }
 
 void tellSettled(FailureNotice &notice, const QString &statement, bool isDone)
@@ -127,8 +158,10 @@ void SaleFollower::tell(const Miss &miss, const QString &purchaseId)
     const bool isKnown = miss.outcome == WriteOutcome::Refused;
     const QString work = isKnown ? u"%1 sold, but the stock was not lowered (purchase %2)."_s
                                  : u"%1 sold; it is not known whether the stock was lowered (purchase %2)."_s;
-    m_notice.tell({u"line "_s + purchaseId + miss.line.stockId, work.arg(lineWords(miss.line), purchaseId),
-                   failureReason(miss.failure),
+    const QString line = lineWords(miss.line);
+    if (!isKnown)
+        m_toldDoubts.append({line, work.arg(line, purchaseId)});
+    m_notice.tell({u"line "_s + purchaseId + miss.line.stockId, work.arg(line, purchaseId), failureReason(miss.failure),
                    isKnown ? u"Have the item counted."_s
                            : u"As soon as the server answers, the till finds out and says so here."_s,
                    false, true, isKnown ? Notice::Outcome::NotDone : Notice::Outcome::NotKnown});

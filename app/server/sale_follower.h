@@ -53,6 +53,15 @@ private:
         std::vector<CounterLine> lines;
     };
 
+    /// A line of which nobody knew when its purchase was told.
+    struct Doubt
+    {
+        QString line;
+        QString told; ///< the notice's sentence
+    };
+
+    [[nodiscard]] bool settleMiss(const QString &line, bool isDone);
+    void forgetDoubt(const QString &line);
     void follow(const CounterPurchase &purchase);
     void tell(const Miss &miss, const QString &purchaseId);
     void bringBack();
@@ -61,6 +70,7 @@ private:
     FailureNotice &m_notice;
     QList<Miss> m_misses;           ///< of a purchase that has not been told yet
     std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
+    QList<Doubt> m_toldDoubts;
     int m_doubts = 0;
     std::vector<Cart> m_back; ///< that are to come back
 };

@@ -127,14 +127,18 @@ try {
 
 void FailureNotice::settle(const QString &statement, const QString &work, const QString &advice) noexcept
 try {
-    const QString doubtful = doubtfulWork({DbFailure::Kind::Write, statement, {}});
-    const auto same = [&](const Line &line) { return line.notice.work == doubtful; };
-    if (const auto line = std::find_if(m_lines.begin(), m_lines.end(), same);
-        line != m_lines.end() && --line->count == 0)
-        m_lines.erase(line);
+    forget(doubtfulWork({DbFailure::Kind::Write, statement, {}}));
     present({{}, work, u"the server has been asked"_s, advice, true, true, Notice::Outcome::Settled});
 } catch (const std::exception &error) {
     qCWarning(lcWindow) << "A notice could not be shown:" << error.what();
+}
+
+void FailureNotice::forget(const QString &work) noexcept
+{
+    const auto same = [&](const Line &line) { return line.notice.work == work; };
+    if (const auto line = std::find_if(m_lines.begin(), m_lines.end(), same);
+        line != m_lines.end() && --line->count == 0)
+        m_lines.erase(line);
 }
 
 void FailureNotice::tell(const Notice &notice) noexcept

@@ -54,6 +54,8 @@ public:
     void settle(const QString &statement, bool isDone) noexcept;
     /// The same in other words.
     void settle(const QString &statement, const QString &work, const QString &advice) noexcept;
+    /// What is shown by these words is so no more, once. The window shows it until something else is shown.
+    void forget(const QString &work) noexcept;
 
     /// Shows a notice, once for each subject and reason: after it was dismissed, the same one is shown again only after
     /// tellOver() of its subject.

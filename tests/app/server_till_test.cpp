@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace harrowby;
@@ -36,6 +37,9 @@ private Q_SLOTS:
     void linesThatWereNotWrittenAreTold();
     void purchaseThatIsMissingIsTold();
     void whatIsNotKnownIsToldAndSettled();
+    void whatIsKnownByTheEndIsToldAsItIs_data();
+    void whatIsKnownByTheEndIsToldAsItIs();
+    void whatWasNotKnownIsForgotten();
     void heldCartsAreNamed_data();
     void heldCartsAreNamed();
 
@@ -283,6 +287,62 @@ void ServerTillTest::whatIsNotKnownIsToldAndSettled()
         QCOMPARE(told("failureWork"), u"Known now: the purchase%1 was not recorded."_s.arg(named));
         QVERIFY(told("failureAdvice").startsWith(u"Write it down"_s));
     }
+}
+
+static bool isLowering(const QString &statement)
+{
+    return statement.startsWith(u"Update"_s) && statement.contains(u"StockAvailable - "_s);
+}
+
+static QString lowering(const QString &id, const QString &name)
+{
+    return u"Update Stocklist Set StockAvailable = StockAvailable - 1 where StockID = '%1' and UPPER(StockName) = '%2'"_s
+        .arg(id, name);
+}
+
+void ServerTillTest::whatIsKnownByTheEndIsToldAsItIs_data()
+{
+    QTest::addColumn<bool>("isDone");
+    QTest::newRow("lowered") << true;
+    QTest::newRow("not lowered") << false;
+}
+
+/// The server is back before the commit has ended, as while its summary stands there: it is known what came of one
+/// line, and not yet of the other.
+void ServerTillTest::whatIsKnownByTheEndIsToldAsItIs()
+{
+    QFETCH(const bool, isDone);
+    openTill();
+    int lines = 0;
+    const auto fails = [&](const QString &text) {
+        if (isLowering(text))
+            return ++lines > 0;
+        if (std::exchange(lines, 0) == 2)
+            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), isDone);
+        return false;
+    };
+    sell(fails, WriteOutcome::Unknown);
+    QCOMPARE(lines, 0);
+    QVERIFY(told("failureWork").contains(u"1 x TEA (A1) sold; it is not known whether the stock was lowered"_s));
+    QVERIFY(!told("failureWork").contains(u"1 x JAM (A2) sold; it is not known"_s));
+    QCOMPARE(told("failureWork").contains(u"1 x JAM (A2) sold, but the stock was not lowered"_s), !isDone);
+    QVERIFY(m_follower->isInDoubt());
+}
+
+/// Of two lines one is known now: what was said of it goes, what was said of the other stays.
+void ServerTillTest::whatWasNotKnownIsForgotten()
+{
+    openTill();
+    sell(isLowering, WriteOutcome::Unknown);
+    m_follower->settle(lowering(u"A2"_s, u"JAM"_s), true);
+    QVERIFY(told("failureHeading").contains(u"Not known"_s));
+    QVERIFY(!told("failureWork").contains(u"1 x JAM (A2) sold; it is not known"_s));
+    QVERIFY(told("failureWork").contains(u"Known now: the stock of 1 x JAM (A2) was lowered."_s));
+    QVERIFY(told("failureWork").contains(u"1 x TEA (A1) sold; it is not known"_s));
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    QVERIFY(!told("failureWork").contains(u"it is not known"_s));
+    QVERIFY2(told("failureHeading").contains(u"Known now"_s), qPrintable(told("failureHeading")));
+    QVERIFY(!m_follower->isInDoubt());
 }
 
 void ServerTillTest::heldCartsAreNamed_data()
