@@ -161,7 +161,7 @@ void SaleFollower::tell(const Miss &miss, const QString &purchaseId)
     const QString line = lineWords(miss.line);
     if (!isKnown)
         m_toldDoubts.append({line, work.arg(line, purchaseId)});
-    m_notice.tell({u"line "_s + purchaseId + miss.line.stockId, work.arg(line, purchaseId), failureReason(miss.failure),
+    m_notice.tell({u"line "_s + purchaseId + line, work.arg(line, purchaseId), failureReason(miss.failure),
                    isKnown ? u"Have the item counted."_s
                            : u"As soon as the server answers, the till finds out and says so here."_s,
                    false, true, isKnown ? Notice::Outcome::NotDone : Notice::Outcome::NotKnown});

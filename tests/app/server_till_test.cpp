@@ -40,6 +40,7 @@ private Q_SLOTS:
     void whatIsKnownByTheEndIsToldAsItIs_data();
     void whatIsKnownByTheEndIsToldAsItIs();
     void whatWasNotKnownIsForgotten();
+    void itemsOfOneIdAreToldEach();
     void heldCartsAreNamed_data();
     void heldCartsAreNamed();
 
@@ -343,6 +344,19 @@ void ServerTillTest::whatWasNotKnownIsForgotten()
     QVERIFY(!told("failureWork").contains(u"it is not known"_s));
     QVERIFY2(told("failureHeading").contains(u"Known now"_s), qPrintable(told("failureHeading")));
     QVERIFY(!m_follower->isInDoubt());
+}
+
+/// Two items may have one ID; it is the name that tells them apart.
+void ServerTillTest::itemsOfOneIdAreToldEach()
+{
+    openTill();
+    m_till->file.addItem(u"A1"_s, u"RUM"_s, 2.5, 30);
+    QCOMPARE(harrowby::Counter::instance().readAgain(), CounterAnswer::Done);
+    m_till->click("Command1_1");
+    QCOMPARE(m_till->cart().value(2), u"A1  |  RUM|1|2.50"_s);
+    sell(isLowering);
+    QVERIFY(told("failureWork").contains(u"1 x TEA (A1) sold"_s));
+    QVERIFY2(told("failureWork").contains(u"1 x RUM (A1) sold"_s), qPrintable(told("failureWork")));
 }
 
 void ServerTillTest::heldCartsAreNamed_data()
