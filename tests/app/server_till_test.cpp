@@ -40,6 +40,9 @@ private Q_SLOTS:
     void whatIsKnownByTheEndIsToldAsItIs_data();
     void whatIsKnownByTheEndIsToldAsItIs();
     void whatWasNotKnownIsForgotten();
+    void doubtsOfTwoPurchasesAreTwo();
+    void cartComesBackOnceAllIsKnownAsNotDone_data();
+    void cartComesBackOnceAllIsKnownAsNotDone();
     void itemsOfOneIdAreToldEach();
     void heldCartsAreNamed_data();
     void heldCartsAreNamed();
@@ -343,6 +346,50 @@ void ServerTillTest::whatWasNotKnownIsForgotten()
     m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
     QVERIFY(!told("failureWork").contains(u"it is not known"_s));
     QVERIFY2(told("failureHeading").contains(u"Known now"_s), qPrintable(told("failureHeading")));
+    QVERIFY(!m_follower->isInDoubt());
+}
+
+/// The same line in two purchases: each answer is about one of them.
+void ServerTillTest::doubtsOfTwoPurchasesAreTwo()
+{
+    const auto doubts = [this] { return told("failureWork").count(u"1 x TEA (A1) sold; it is not known"_s); };
+    openTill();
+    sell(isLowering, WriteOutcome::Unknown);
+    m_till->click("Command1_1");
+    m_till->clock->time = m_till->clock->time.addSecs(60);
+    sell(isLowering, WriteOutcome::Unknown);
+    QCOMPARE(doubts(), 2);
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    QCOMPARE(doubts(), 1);
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    QCOMPARE(doubts(), 0);
+}
+
+void ServerTillTest::cartComesBackOnceAllIsKnownAsNotDone_data()
+{
+    whatIsKnownByTheEndIsToldAsItIs_data();
+}
+
+/// One line is not known, so everything after it is refused; before the purchase is told, the server is asked.
+void ServerTillTest::cartComesBackOnceAllIsKnownAsNotDone()
+{
+    QFETCH(const bool, isDone);
+    openTill();
+    const QStringList cart = m_till->cart();
+    const auto fails = [&](const QString &text) {
+        m_outcome = text.contains(u"'A2'"_s) ? WriteOutcome::Unknown : WriteOutcome::Refused;
+        m_till->connection->mayHave = m_outcome == WriteOutcome::Unknown;
+        if (text == u"insert PurchaseCart"_s)
+            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), isDone);
+        return isOfTheSale(text);
+    };
+    sell(fails, WriteOutcome::Refused);
+    QCOMPARE(m_back.size(), isDone ? 0 : 1);
+    QCOMPARE(m_till->cart(), isDone ? QStringList() : cart);
+    const QStringList works = told("failureWork").split(u'\n');
+    QCOMPARE(works.size(), isDone ? 2 : 1);
+    QCOMPARE(works.first().startsWith(u"Nothing of the purchase"_s), !isDone);
+    QCOMPARE(works.last().startsWith(u"1 x TEA (A1) sold, but the stock was not lowered"_s), isDone);
     QVERIFY(!m_follower->isInDoubt());
 }
 
