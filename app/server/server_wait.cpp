@@ -29,16 +29,19 @@ bool ServerWait::goesOn(const DbWait &wait)
 {
     const Milliseconds now = m_clock();
     if (now - m_last > longestGap)
-        m_began = now - unheard;
+        m_began = m_takesNoInput = now - unheard;
+    if (wait.isManyShortOnes)
+        m_takesNoInput = now;
     m_last = now;
     if (now - m_began < quiet)
         return true;
-    m_dam.hold(m_began, now + unheard);
+    if (!wait.isManyShortOnes)
+        m_dam.hold(m_takesNoInput, now + unheard);
     m_sign.keepShowing(wordsOf(wait));
     m_giveUp.offer(m_sign.button());
     if (!std::exchange(m_isShown, true))
         QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
-    return !(m_giveUp.wasPressed() && wait.mayGiveUp);
+    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !wait.isManyShortOnes);
 }
 
 void ServerWait::end()
@@ -61,9 +64,10 @@ WaitWords ServerWait::wordsOf(const DbWait &wait) const
         words.text = u"Another till or the office keeps what is needed locked%1."_s.arg(time);
         break;
     default:
-        words.text = u"The server has not answered yet%1."_s.arg(time);
+        words.text = wait.isManyShortOnes ? u"The server answers slowly%1."_s.arg(time)
+                                          : u"The server has not answered yet%1."_s.arg(time);
     }
-    if (wait.mayGiveUp && m_giveUp.canBeOffered())
+    if (wait.mayGiveUp && !wait.isManyShortOnes && m_giveUp.canBeOffered())
         words.button = u"Give up (Esc)"_s;
     return words;
 }

@@ -16,7 +16,8 @@
 namespace harrowby::app {
 
 /// What a person sees of a statement that waits for the server (DbConnection::setWaitHook()): the sign, with "Give up"
-/// where the wait may end. Nothing that is pressed or typed meanwhile has an effect afterwards.
+/// where the wait may end. Nothing that is pressed or typed meanwhile has an effect afterwards. Where many short
+/// answers add up, as over a long line, the sign alone is shown: a shop's every list would swallow keys there.
 class ServerWait final : public QObject
 {
     Q_OBJECT
@@ -45,8 +46,9 @@ private:
     WaitSign m_sign;
     GiveUpButton m_giveUp;
     InputDam m_dam;
-    Milliseconds m_began{0}; ///< of the wait that goes on
-    Milliseconds m_last{0};  ///< when the hook was called last
+    Milliseconds m_began{0};        ///< of the wait that goes on
+    Milliseconds m_takesNoInput{0}; ///< since then; but not while answers are short
+    Milliseconds m_last{0};         ///< when the hook was called last
     bool m_isShown = false;
 };
 

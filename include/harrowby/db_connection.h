@@ -71,6 +71,7 @@ struct DbWait
     For what = For::Answer;
     std::chrono::milliseconds since{0}; ///< how long this statement has waited
     bool mayGiveUp = false;             ///< whether the statement ends when the hook returns false
+    bool isManyShortOnes = false;       ///< answers that came soon, with none of which the hook would have been called
 };
 
 /// Identifies one stored row within its table (SQLite's rowid).

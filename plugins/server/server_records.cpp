@@ -52,7 +52,7 @@ struct OwnSession
         PgWaits waits;
         waits.answer = limits().silence;
         waits.lock = limits().lock;
-        waits.hook = [this](PgWaiting) { return goesOn(); };
+        waits.hook = [this](const PgWait &) { return goesOn(); };
         return waits;
     }
 

@@ -80,7 +80,7 @@ struct PostgresConnection::Private
     ActionLoop loop;
 
     [[nodiscard]] PgWaits waits();
-    [[nodiscard]] bool goesOn(PgWaiting what);
+    [[nodiscard]] bool goesOn(const PgWait &part);
     [[nodiscard]] std::unique_ptr<DbCursor> readHeld();
     [[nodiscard]] std::unique_ptr<DbCursor> read(const QString &select, DbReading how);
     bool write(Write &&write);
@@ -108,16 +108,16 @@ PgWaits PostgresConnection::Private::waits()
     waits.connecting = options.connecting;
     waits.answer = options.silence;
     waits.lock = options.lock;
-    waits.hook = [this](PgWaiting what) { return goesOn(what); };
+    waits.hook = [this](const PgWait &part) { return goesOn(part); };
     return waits;
 }
 
 /// Called in the middle of a wait.
-bool PostgresConnection::Private::goesOn(PgWaiting what)
+bool PostgresConnection::Private::goesOn(const PgWait &part)
 {
     if (!hook)
         return true;
-    const DbWait wait{reasonOf(what), time.waited(), writer.mayGiveUp()};
+    const DbWait wait{reasonOf(part.what), time.waited(), writer.mayGiveUp(), part.isManyShortOnes};
     if (hook(wait) || !wait.mayGiveUp)
         return true;
     time.giveUp();

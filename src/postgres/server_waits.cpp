@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/server_waits.h"
 
+#include <QAbstractEventDispatcher>
+#include <QObject>
+#include <QPointer>
+
 #include <algorithm>
 
 namespace harrowby::postgres {
@@ -12,11 +16,53 @@ constexpr std::chrono::milliseconds hookEvery{40};
 /// Between two tries.
 constexpr std::chrono::milliseconds pauseTime{100};
 
+/// What this thread has waited since its event loop ran, or the hook was called: many short waits in a row leave a
+/// window as still as a long one does.
+class StillTime
+{
+public:
+    static StillTime &ofThisThread()
+    {
+        thread_local StillTime time;
+        time.followLoop();
+        return time;
+    }
+
+    std::chrono::nanoseconds waited{0};
+
+private:
+    void followLoop()
+    {
+        auto *dispatcher = QAbstractEventDispatcher::instance();
+        if (dispatcher == m_followed)
+            return;
+        m_followed = dispatcher;
+        waited = {};
+        if (dispatcher)
+            QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &m_context, [this] { waited = {}; });
+    }
+
+    QPointer<QAbstractEventDispatcher> m_followed;
+    QObject m_context; ///< of the loop's signal
+};
+
 } // namespace
 
 Waiter::Waiter(const PgWaitHook &hook, PgWaiting what) : m_hook(hook), m_what(what)
 {
-    m_sinceHook.start();
+    m_began.start();
+    m_before = StillTime::ofThisThread().waited;
+}
+
+Waiter::~Waiter()
+{
+    StillTime::ofThisThread().waited = still();
+}
+
+/// Since the hook was called.
+std::chrono::nanoseconds Waiter::still() const
+{
+    return m_before + std::chrono::nanoseconds(m_began.nsecsElapsed());
 }
 
 Waiter::End Waiter::wait(std::vector<pollfd> &sockets, const QDeadlineTimer &deadline)
@@ -32,7 +78,8 @@ Waiter::End Waiter::wait(pollfd &socket, const QDeadlineTimer &deadline)
 Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline)
 {
     for (;;) {
-        const auto left = std::clamp<qint64>(hookEvery.count() - m_sinceHook.elapsed(), 0, hookEvery.count());
+        const qint64 left =
+            std::max<qint64>(std::chrono::ceil<std::chrono::milliseconds>(hookEvery - still()).count(), 0);
         const qint64 slice = deadline.isForever() ? left : std::min(left, deadline.remainingTime());
         const int ready = ::poll(sockets, count, static_cast<int>(slice));
         if (!goesOn())
@@ -46,10 +93,12 @@ Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTime
 
 bool Waiter::goesOn()
 {
-    if (m_sinceHook.elapsed() < hookEvery.count())
+    if (still() < hookEvery)
         return true;
-    const bool goesOn = !m_hook || m_hook(m_what);
-    m_sinceHook.restart();
+    const bool isShort = m_what == PgWaiting::Answer && std::chrono::nanoseconds(m_began.nsecsElapsed()) < hookEvery;
+    const bool goesOn = !m_hook || m_hook({m_what, isShort});
+    m_before = {};
+    m_began.start();
     return goesOn;
 }
 

@@ -19,10 +19,16 @@ enum class PgWaiting {
     Lock, ///< the server has said that another connection holds what is wanted
 };
 
+struct PgWait
+{
+    PgWaiting what = PgWaiting::Answer;
+    bool isManyShortOnes = false; ///< answers, none of which would have called the hook by itself
+};
+
 /// Called on the waiting thread again and again, at most 50 ms apart, for as long as a wait lasts: it paints, takes no
-/// input but "Give up", and returns whether to go on waiting. It must not use the session. Statements that are answered
-/// at once never call it.
-using PgWaitHook = std::function<bool(PgWaiting)>;
+/// input but "Give up", and returns whether to go on waiting. It must not use the session. Waits between which the
+/// thread's event loop has not run count together; one that stands alone and is short never calls it.
+using PgWaitHook = std::function<bool(const PgWait &)>;
 
 /// How long a session waits, each time.
 struct PgWaits
@@ -55,6 +61,10 @@ public:
     enum class End { Ready, TimedOut, GivenUp };
 
     Waiter(const PgWaitHook &hook, PgWaiting what);
+    ~Waiter();
+    Waiter(const Waiter &) = delete;
+    Waiter &operator=(const Waiter &) = delete;
+
     /// Until one of `sockets` is ready; each has then its `revents`. None may be given.
     [[nodiscard]] End wait(std::vector<pollfd> &sockets, const QDeadlineTimer &deadline);
     [[nodiscard]] End wait(pollfd &socket, const QDeadlineTimer &deadline);
@@ -62,10 +72,12 @@ public:
 private:
     [[nodiscard]] End wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline);
     [[nodiscard]] bool goesOn();
+    [[nodiscard]] std::chrono::nanoseconds still() const;
 
     const PgWaitHook &m_hook;
     PgWaiting m_what;
-    QElapsedTimer m_sinceHook;
+    QElapsedTimer m_began;                ///< or since the hook was called
+    std::chrono::nanoseconds m_before{0}; ///< waited for other answers, without the hook
 };
 
 /// Between two tries to reach a server: short against a failover, long against what a try costs the server. Whether to

@@ -35,6 +35,12 @@ struct Waiting
         now = 1h + moment;
         return wait.goesOn({what, {}, false});
     }
+    /// The same, where answers have come meanwhile.
+    bool amongShortOnesAt(std::chrono::milliseconds moment)
+    {
+        now = 1h + moment;
+        return wait.goesOn({DbWait::For::Answer, {}, true, true});
+    }
 
     [[nodiscard]] const QWidget *sign() const
     {
@@ -90,6 +96,7 @@ private Q_SLOTS:
     void waitIsShownInTime();
     void windowsArePaintedOnceWhenASignComes();
     void waitsAreNotAddedUp();
+    void manyShortWaitsAreShownButTakeNothing();
     void signSaysWhatIsWaitedFor_data();
     void signSaysWhatIsWaitedFor();
     void whatIsPressedDuringAWaitIsLost();
@@ -141,6 +148,31 @@ void ServerWaitTest::waitsAreNotAddedUp()
     for (const auto moment : {0ms, 200ms, 400ms, 600ms})
         QVERIFY(till.at(moment));
     QVERIFY(till.sign() == nullptr);
+}
+
+/// A list of many statements over a long line: what is typed ahead reaches the window, as it does on a file. Once one
+/// of them is not answered in time, what is typed then is lost as in any wait.
+void ServerWaitTest::manyShortWaitsAreShownButTakeNothing()
+{
+    Waiting till;
+    QLineEdit entry;
+    const auto type = [&entry](const QString &text, std::chrono::milliseconds moment) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, text);
+        event.setTimestamp(static_cast<quint64>((1h + moment).count()));
+        QCoreApplication::sendEvent(&entry, &event);
+    };
+    for (const auto moment : {0ms, 50ms, 100ms, 150ms})
+        QVERIFY(till.amongShortOnesAt(moment));
+    QVERIFY(till.sign() != nullptr);
+    QCOMPARE(till.sign()->accessibleDescription(), u"The server answers slowly."_s);
+    for (const auto moment : {200ms, 250ms})
+        QVERIFY(till.at(moment));
+    QVERIFY(till.amongShortOnesAt(300ms));
+    type(u"a"_s, 60ms);
+    type(u"b"_s, 140ms);
+    type(u"c"_s, 220ms);
+    type(u"d"_s, 310ms);
+    QCOMPARE(entry.text(), u"abd"_s);
 }
 
 void ServerWaitTest::signSaysWhatIsWaitedFor_data()

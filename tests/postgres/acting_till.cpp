@@ -57,7 +57,7 @@ ActingTill::ActingTill(const QList<quint16> &ports, const QString &journalFolder
 void ActingTill::setTimes(const Times &times)
 {
     m_times = times;
-    m_times.waits.hook = [this](PgWaiting) {
+    m_times.waits.hook = [this](const PgWait &) {
         if (m_waiting)
             m_waiting();
         return true;

@@ -249,8 +249,8 @@ void ConnectingTest::aSilentServerIsGivenUp()
     QList<PgWaiting> waited;
     PaintedGaps gaps;
     PgWaits waits = soon;
-    waits.hook = [&](PgWaiting what) {
-        waited.append(what);
+    waits.hook = [&](const PgWait &wait) {
+        waited.append(wait.what);
         gaps.paint();
         return true;
     };
@@ -275,7 +275,7 @@ void ConnectingTest::aSilentNameServiceIsGivenUp()
     PgSession session;
     PaintedGaps gaps;
     PgWaits waits = soon;
-    waits.hook = [&gaps](PgWaiting) {
+    waits.hook = [&gaps](const PgWait &) {
         gaps.paint();
         return true;
     };
@@ -315,7 +315,7 @@ void ConnectingTest::whoWaitsMayGiveUpConnecting()
     silent.isSilent = true;
     const ScriptedServer server(silent);
     PgWaits waits = patient;
-    waits.hook = [](PgWaiting) { return false; };
+    waits.hook = [](const PgWait &) { return false; };
     PgSession session;
     QCOMPARE(errorOf(session.connect(target({&server}), waits)).kind, Kind::GivenUp);
 }

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void anothersLock();
     void locksOfAnActionTogether();
     void stoppedServer();
+    void shortWaitsInARow();
+    void shortWaitsOfManyEvents();
     void silentCable();
     void givesUp();
     void unknownAfterAHoldThatWasRefused();
@@ -223,6 +225,44 @@ void ConnectionWaitsTest::stoppedServer()
     m_connection->beginAction();
     item.Open(statements::stockById(u"1"_s), m_connection);
     QCOMPARE(item.RecordCount(), 1);
+}
+
+/// A long line: each answer comes soon, but the window stands still for as long as all of them together take.
+void ConnectionWaitsTest::shortWaitsInARow()
+{
+    Proxy line(m_server->cluster.port());
+    m_connection = m_server->connect(through(line));
+    QVERIFY(!m_connection->open());
+    line.setLatency(10ms);
+    PaintedGaps gaps;
+    int shortOnes = 0;
+    m_connection->setWaitHook([&gaps, &shortOnes](const DbWait &wait) {
+        gaps.paint();
+        shortOnes += wait.isManyShortOnes ? 1 : 0;
+        return true;
+    });
+    QCoreApplication::processEvents();
+    gaps.begin();
+    for (int i = 0; i < 60; ++i)
+        QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
+    QVERIFY2(shortOnes > 5, qPrintable(QString::number(shortOnes))); // of 15; a busy machine makes some waits long
+    QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
+}
+
+/// Between them the window paints itself.
+void ConnectionWaitsTest::shortWaitsOfManyEvents()
+{
+    Proxy line(m_server->cluster.port());
+    m_connection = m_server->connect(through(line));
+    QVERIFY(!m_connection->open());
+    line.setLatency(10ms);
+    int calls = 0;
+    m_connection->setWaitHook([&calls](const DbWait &) { return ++calls > 0; });
+    for (int i = 0; i < 60; ++i) {
+        QCoreApplication::processEvents();
+        QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
+    }
+    QVERIFY2(calls < 8, qPrintable(QString::number(calls))); // of 15 in a row; a busy machine makes some waits long
 }
 
 /// A cable that is pulled out: what is read has failed in time, and told so; a write on its way is not known, which is

@@ -199,7 +199,7 @@ void LongWalkTest::aSilenceIsTold()
 {
     const ScriptedServer server({}, first({{numbers(1000)}, Then::FallSilent}));
     int asked = 0;
-    PgSession session = sessionAt(server, [&asked](PgWaiting) { return ++asked > 0; });
+    PgSession session = sessionAt(server, [&asked](const PgWait &) { return ++asked > 0; });
     asked = 0;
     Result<PgRows, PgError> rows = session.walk("select", {400ms, 60s});
     QVERIFY(rows);
@@ -236,7 +236,7 @@ void LongWalkTest::whateverComesRenewsTheTime()
 void LongWalkTest::givingUpEndsTheWait()
 {
     const ScriptedServer server({}, first({{numbers(1000)}, Then::FallSilent}));
-    PgSession session = sessionAt(server, [](PgWaiting what) { return what == PgWaiting::Connection; });
+    PgSession session = sessionAt(server, [](const PgWait &wait) { return wait.what == PgWaiting::Connection; });
     Result<PgRows, PgError> rows = session.walk("select");
     QVERIFY(rows);
     QCOMPARE(walked(*rows), 1000);

@@ -134,8 +134,8 @@ void SessionTest::anErrorLateInTheTextIsItsError()
 void SessionTest::aSilentServerIsGivenUp()
 {
     QList<PgWaiting> waited;
-    Desk desk({{}, Then::FallSilent}, [&waited](PgWaiting what) {
-        waited.append(what);
+    Desk desk({{}, Then::FallSilent}, [&waited](const PgWait &wait) {
+        waited.append(wait.what);
         return true;
     });
     const PgError error = errorOf(desk.session.run("update", soon));
@@ -162,7 +162,7 @@ void SessionTest::whatComesBeginsTheTimeAnew()
 
 void SessionTest::whoWaitsMayGiveUp()
 {
-    Desk desk({{}, Then::FallSilent}, [](PgWaiting what) { return what != PgWaiting::Answer; });
+    Desk desk({{}, Then::FallSilent}, [](const PgWait &wait) { return wait.what != PgWaiting::Answer; });
     const PgError error = errorOf(desk.session.run("update"));
     QCOMPARE(error.kind, Kind::GivenUp);
     QVERIFY(error.mayBeDone);
@@ -243,8 +243,8 @@ void SessionTest::aLockThatIsNeverFreeIsToldAsOne()
     });
     PgSession session;
     QList<PgWaiting> waited;
-    QVERIFY(session.connect({server.conninfo()}, {60s, 60s, 60s, 60s, [&waited](PgWaiting what) {
-                                                      waited.append(what);
+    QVERIFY(session.connect({server.conninfo()}, {60s, 60s, 60s, 60s, [&waited](const PgWait &wait) {
+                                                      waited.append(wait.what);
                                                       return true;
                                                   }}));
     const PgError error = errorOf(session.run("update", {60s, 150ms}));
