@@ -28,12 +28,13 @@ ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) 
 bool ServerWait::goesOn(const DbWait &wait)
 {
     const Milliseconds now = m_clock();
-    if (now - m_last > longestGap)
-        m_began = m_takesNoInput = now - unheard;
-    if (wait.isManyShortOnes)
-        m_takesNoInput = now;
+    const bool isAnother = now - m_last > longestGap;
+    if (isAnother)
+        m_began = now - unheard;
+    if (isAnother || wait.isManyShortOnes) // the latest of which may prove to be a long one
+        m_takesNoInput = now - unheard;
     m_last = now;
-    if (now - m_began < quiet)
+    if (now - m_began < (wait.isManyShortOnes && !m_isShown ? quietWhileItAnswers : quiet))
         return true;
     if (!wait.isManyShortOnes)
         m_dam.hold(m_takesNoInput, now + unheard);

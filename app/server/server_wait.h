@@ -29,6 +29,8 @@ public:
 
     /// A wait is shown once it has lasted this long: then, and from then on, no 100 ms pass between two pictures.
     static constexpr Milliseconds quiet{70};
+    /// Many short answers together: a purchase or a list takes that long now and then, and a sign would only flash.
+    static constexpr Milliseconds quietWhileItAnswers{220};
 
     /// `display` as Qt's option -display has it. `clock` replaces the time in tests.
     explicit ServerWait(const QByteArray &display = {}, Clock clock = {}, QObject *parent = nullptr);

@@ -85,7 +85,7 @@ PGconn *startConnection(const ConnectOptions &options)
 
 std::chrono::milliseconds lockLimit(std::chrono::milliseconds answer)
 {
-    return std::max(answer * 4 / 5, std::chrono::milliseconds(1)); // 0 would be none
+    return std::max(answer * 9 / 20, std::chrono::milliseconds(1)); // 0 would be none
 }
 
 ServerAttempt::ServerAttempt(ConnectOptions options, Host host, const PgTarget &target, const PgWaits &waits) :

@@ -69,7 +69,8 @@ private:
     PgError m_error;
 };
 
-/// The server's own limit for a lock that goes with a time for an answer: the server speaks first.
+/// The server's own limit for a lock that goes with a time for an answer: the server speaks first. It waits for a row
+/// twice where somebody else waits for it already, for that one's turn and then for its end, each time for so long.
 [[nodiscard]] std::chrono::milliseconds lockLimit(std::chrono::milliseconds answer);
 
 } // namespace harrowby::postgres

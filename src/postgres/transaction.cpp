@@ -16,7 +16,7 @@ using Outcome = Actions::Outcome;
 // What is longer is not run again: it would keep everybody waiting, and its texts in memory.
 constexpr std::size_t mostSteps = 500;
 constexpr qsizetype mostText = 4'000'000;
-constexpr int mostCollisions = 3;
+constexpr int mostCollisions = 4; // of locks, as long as a single statement waits for one
 constexpr int mostTries = 20;
 
 // A statement whose program has gone ends, so that nobody waits for what it has locked. Not so the end of the

@@ -161,17 +161,20 @@ void ServerWaitTest::manyShortWaitsAreShownButTakeNothing()
         event.setTimestamp(static_cast<quint64>((1h + moment).count()));
         QCoreApplication::sendEvent(&entry, &event);
     };
-    for (const auto moment : {0ms, 50ms, 100ms, 150ms})
+    for (const auto moment : {0ms, 50ms, 100ms, 150ms}) {
         QVERIFY(till.amongShortOnesAt(moment));
+        QVERIFY(till.sign() == nullptr);
+    }
+    QVERIFY(till.amongShortOnesAt(180ms));
     QVERIFY(till.sign() != nullptr);
     QCOMPARE(till.sign()->accessibleDescription(), u"The server answers slowly."_s);
-    for (const auto moment : {200ms, 250ms})
+    for (const auto moment : {230ms, 280ms})
         QVERIFY(till.at(moment));
-    QVERIFY(till.amongShortOnesAt(300ms));
+    QVERIFY(till.amongShortOnesAt(330ms));
     type(u"a"_s, 60ms);
-    type(u"b"_s, 140ms);
-    type(u"c"_s, 220ms);
-    type(u"d"_s, 310ms);
+    type(u"b"_s, 120ms);
+    type(u"c"_s, 250ms);
+    type(u"d"_s, 340ms);
     QCOMPARE(entry.text(), u"abd"_s);
 }
 

@@ -13,6 +13,9 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <memory>
+
+#include <libpq-fe.h>
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -33,6 +36,7 @@ private Q_SLOTS:
     void failsWhileItIsAway();
     void anothersLock();
     void locksOfAnActionTogether();
+    void thirdForARow();
     void stoppedServer();
     void shortWaitsInARow();
     void shortWaitsOfManyEvents();
@@ -199,6 +203,46 @@ void ConnectionWaitsTest::locksOfAnActionTogether()
     m_server->cluster.sql(u"rollback"_s);
     // 1,500 are left, where a time of its own would have 5,000.
     QVERIFY2(took.elapsed() < 4'500, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+}
+
+/// Somebody else waits for the row already: the server waits for that one's turn first and then for its end, which
+/// together are longer than a silent server is borne with. It is another's lock all the same.
+void ConnectionWaitsTest::thirdForARow()
+{
+    PostgresOptions options = m_server->options();
+    options.silence = 1'000ms;
+    options.lock = 10'000ms;
+    PostgresConnection till(m_server->cluster.conninfo(), options);
+    QVERIFY(!till.open());
+    m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    const std::unique_ptr<PGconn, decltype(&PQfinish)> second(
+        PQconnectdb(m_server->cluster.conninfo().toUtf8().constData()), PQfinish);
+    QVERIFY(PQsendQuery(second.get(), "begin; update harrowby.StockList set StockCost = 2 where StockID = '1'") == 1);
+    m_server->cluster.await(u"select count(*) from pg_stat_activity where wait_event_type = 'Lock'"_s, u"1"_s);
+    const auto endSecond = [&second] {
+        while (PGresult *result = PQgetResult(second.get()))
+            PQclear(result);
+        (void)PQsendQuery(second.get(), "rollback");
+    };
+    QElapsedTimer took;
+    int turn = 0;
+    QList<DbWait::For> waited;
+    till.setWaitHook([&](const DbWait &wait) {
+        if (turn == 0 && took.elapsed() > 700 && ++turn)
+            m_server->cluster.sql(u"rollback"_s);
+        if (turn == 1 && took.elapsed() > 2'500 && ++turn)
+            endSecond();
+        waited.append(wait.what);
+        return true;
+    });
+    till.beginAction();
+    took.start();
+    QVERIFY(till.Execute(statements::raiseStock(1, u"1"_s).sql()));
+    till.setWaitHook({});
+    QVERIFY2(took.elapsed() > 2'500, qPrintable(QString::number(took.elapsed())));
+    QVERIFY(!waited.contains(DbWait::For::Connection));
+    QVERIFY(m_server->failures.empty());
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
 }
 
