@@ -28,26 +28,30 @@ ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) 
 bool ServerWait::goesOn(const DbWait &wait)
 {
     const Milliseconds now = m_clock();
-    const bool isAnother = now - m_last > longestGap;
-    if (isAnother)
+    if (now - m_last > longestGap) {
         m_began = now - unheard;
-    if (isAnother || wait.isManyShortOnes) // the latest of which may prove to be a long one
-        m_takesNoInput = now - unheard;
+        m_answers = m_answers || !m_isShown;
+    }
     m_last = now;
-    if (now - m_began < (wait.isManyShortOnes && !m_isShown ? quietWhileItAnswers : quiet))
+    if (m_answers) {
+        m_takesNoInput = now - unheard; // the latest answer may prove to be a late one
+        m_answers = wait.isManyShortOnes;
+    }
+    if (now - m_began < (m_answers && !m_isShown ? quietWhileItAnswers : quiet))
         return true;
-    if (!wait.isManyShortOnes)
+    if (!m_answers)
         m_dam.hold(m_takesNoInput, now + unheard);
     m_sign.keepShowing(wordsOf(wait));
     m_giveUp.offer(m_sign.button());
     if (!std::exchange(m_isShown, true))
         QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
-    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !wait.isManyShortOnes);
+    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !m_answers);
 }
 
 void ServerWait::end()
 {
     m_isShown = false;
+    m_answers = true;
     m_giveUp.offer({});
     m_sign.hide();
 }
@@ -57,6 +61,10 @@ WaitWords ServerWait::wordsOf(const DbWait &wait) const
     WaitWords words{u"Waiting for the server"_s, {}};
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_last - m_began).count();
     const QString time = seconds > 0 ? u" (%1 s)"_s.arg(seconds) : QString();
+    if (m_answers) {
+        words.text = u"The server answers slowly%1."_s.arg(time);
+        return words;
+    }
     switch (wait.what) {
     case DbWait::For::Connection:
         words.text = u"The server cannot be reached. Trying again%1 \u2026"_s.arg(time);
@@ -65,10 +73,9 @@ WaitWords ServerWait::wordsOf(const DbWait &wait) const
         words.text = u"Another till or the office keeps what is needed locked%1."_s.arg(time);
         break;
     default:
-        words.text = wait.isManyShortOnes ? u"The server answers slowly%1."_s.arg(time)
-                                          : u"The server has not answered yet%1."_s.arg(time);
+        words.text = u"The server has not answered yet%1."_s.arg(time);
     }
-    if (wait.mayGiveUp && !wait.isManyShortOnes && m_giveUp.canBeOffered())
+    if (wait.mayGiveUp && m_giveUp.canBeOffered())
         words.button = u"Give up (Esc)"_s;
     return words;
 }

@@ -49,8 +49,9 @@ private:
     GiveUpButton m_giveUp;
     InputDam m_dam;
     Milliseconds m_began{0};        ///< of the wait that goes on
-    Milliseconds m_takesNoInput{0}; ///< since then; but not while answers are short
+    Milliseconds m_takesNoInput{0}; ///< since then
     Milliseconds m_last{0};         ///< when the hook was called last
+    bool m_answers = true;          ///< each answer has come soon so far
     bool m_isShown = false;
 };
 

@@ -50,7 +50,8 @@ private:
 
 Waiter::Waiter(const PgWaitHook &hook, PgWaiting what) : m_hook(hook), m_what(what)
 {
-    m_began.start();
+    m_own.start();
+    m_sinceHook.start();
     m_before = StillTime::ofThisThread().waited;
 }
 
@@ -62,7 +63,16 @@ Waiter::~Waiter()
 /// Since the hook was called.
 std::chrono::nanoseconds Waiter::still() const
 {
-    return m_before + std::chrono::nanoseconds(m_began.nsecsElapsed());
+    return m_before + std::chrono::nanoseconds(m_sinceHook.nsecsElapsed());
+}
+
+/// Until the hook is called next: with what was waited before, and once it is a long wait by itself.
+std::chrono::nanoseconds Waiter::untilHook() const
+{
+    const std::chrono::nanoseconds next = hookEvery - still();
+    if (m_isToldLong)
+        return next;
+    return std::min(next, hookEvery - std::chrono::nanoseconds(m_own.nsecsElapsed()));
 }
 
 Waiter::End Waiter::wait(std::vector<pollfd> &sockets, const QDeadlineTimer &deadline)
@@ -78,8 +88,7 @@ Waiter::End Waiter::wait(pollfd &socket, const QDeadlineTimer &deadline)
 Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline)
 {
     for (;;) {
-        const qint64 left =
-            std::max<qint64>(std::chrono::ceil<std::chrono::milliseconds>(hookEvery - still()).count(), 0);
+        const qint64 left = std::max<qint64>(std::chrono::ceil<std::chrono::milliseconds>(untilHook()).count(), 0);
         const qint64 slice = deadline.isForever() ? left : std::min(left, deadline.remainingTime());
         const int ready = ::poll(sockets, count, static_cast<int>(slice));
         if (!goesOn())
@@ -93,12 +102,13 @@ Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTime
 
 bool Waiter::goesOn()
 {
-    if (still() < hookEvery)
+    if (untilHook() > std::chrono::nanoseconds::zero())
         return true;
-    const bool isShort = m_what == PgWaiting::Answer && std::chrono::nanoseconds(m_began.nsecsElapsed()) < hookEvery;
+    m_isToldLong = std::chrono::nanoseconds(m_own.nsecsElapsed()) >= hookEvery;
+    const bool isShort = m_what != PgWaiting::Lock && !m_isToldLong;
     const bool goesOn = !m_hook || m_hook({m_what, isShort});
     m_before = {};
-    m_began.start();
+    m_sinceHook.start();
     return goesOn;
 }
 

@@ -22,7 +22,7 @@ enum class PgWaiting {
 struct PgWait
 {
     PgWaiting what = PgWaiting::Answer;
-    bool isManyShortOnes = false; ///< answers, none of which would have called the hook by itself
+    bool isManyShortOnes = false; ///< none of them has called the hook by itself
 };
 
 /// Called on the waiting thread again and again, at most 50 ms apart, for as long as a wait lasts: it paints, takes no
@@ -73,11 +73,14 @@ private:
     [[nodiscard]] End wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline);
     [[nodiscard]] bool goesOn();
     [[nodiscard]] std::chrono::nanoseconds still() const;
+    [[nodiscard]] std::chrono::nanoseconds untilHook() const;
 
     const PgWaitHook &m_hook;
     PgWaiting m_what;
-    QElapsedTimer m_began;                ///< or since the hook was called
+    QElapsedTimer m_own;                  ///< since this wait began
+    QElapsedTimer m_sinceHook;            ///< or since it began
     std::chrono::nanoseconds m_before{0}; ///< waited for other answers, without the hook
+    bool m_isToldLong = false;            ///< the hook knows that it is no short one
 };
 
 /// Between two tries to reach a server: short against a failover, long against what a try costs the server. Whether to

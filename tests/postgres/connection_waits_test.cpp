@@ -39,6 +39,7 @@ private Q_SLOTS:
     void thirdForARow();
     void stoppedServer();
     void shortWaitsInARow();
+    void longWaitsInARow();
     void shortWaitsOfManyEvents();
     void silentCable();
     void givesUp();
@@ -291,6 +292,25 @@ void ConnectionWaitsTest::shortWaitsInARow()
         QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
     QVERIFY2(shortOnes > 5, qPrintable(QString::number(shortOnes))); // of 15; a busy machine makes some waits long
     QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
+}
+
+/// Each is one by itself, however much of the time before the hook's call belongs to the one before it.
+void ConnectionWaitsTest::longWaitsInARow()
+{
+    Proxy line(m_server->cluster.port());
+    m_connection = m_server->connect(through(line));
+    QVERIFY(!m_connection->open());
+    QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
+    line.setLatency(55ms);
+    int longOnes = 0;
+    m_connection->setWaitHook([&longOnes](const DbWait &wait) {
+        longOnes += wait.isManyShortOnes ? 0 : 1;
+        return true;
+    });
+    constexpr int statements = 12;
+    for (int i = 0; i < statements; ++i)
+        QVERIFY(m_connection->query(u"Select * from StockList where StockID = '1'"_s));
+    QVERIFY2(longOnes >= statements - 2, qPrintable(QString::number(longOnes)));
 }
 
 /// Between them the window paints itself.

@@ -259,7 +259,7 @@ void SessionTest::aLockThatIsNeverFreeIsToldAsOne()
 void SessionTest::whatIsLeftForLocksIsTheServersLimit()
 {
     Desk desk(say(ScriptedServer::done("SET") + ScriptedServer::done("UPDATE 7") + ScriptedServer::ready()));
-    QVERIFY(desk.server.questions().first().contains("set lock_timeout = 48000;")); // less than an answer's minute
+    QVERIFY(desk.server.questions().first().contains("set lock_timeout = 27000;")); // less than an answer's minute
     const Result<PgResults, PgError> results = desk.session.run("update", {60s, 0s});
     QVERIFY(results);
     QCOMPARE(results->size(), 1U);
@@ -267,7 +267,7 @@ void SessionTest::whatIsLeftForLocksIsTheServersLimit()
     QVERIFY(desk.session.run("update", {10ms + 60s, 60s}));
     QVERIFY(desk.session.run("update", {1s, 60s}));
     QCOMPARE(desk.server.statements(),
-             (QByteArrayList{"set local lock_timeout = 1;update", "update", "set local lock_timeout = 800;update"}));
+             (QByteArrayList{"set local lock_timeout = 1;update", "update", "set local lock_timeout = 450;update"}));
 }
 
 void SessionTest::withinATransactionNothingIsSentAgain()
