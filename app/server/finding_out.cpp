@@ -13,8 +13,9 @@ FindingOut::FindingOut(Clock clock) : m_clock(clock ? std::move(clock) : Clock(s
 
 bool FindingOut::isDue(const ServerWatch::State &state, bool isBack, bool isInDoubt)
 {
-    m_isBack = m_isBack || isBack;
-    if (state.protection == "waiting"_L1)
+    const bool isWaiting = state.protection == "waiting"_L1;
+    m_isBack = m_isBack || isBack || (isWaiting && isInDoubt);
+    if (isWaiting)
         return false;
     const auto now = m_clock();
     if (!m_isBack && (!isInDoubt || now < m_next))

@@ -9,8 +9,8 @@
 namespace harrowby::app {
 
 /// When what nobody knows yet is looked for, beside what a person does. A try may wait for seconds, in which no input
-/// is taken: so none is made while the server waits for its standby, as nothing could be confirmed, nor soon after one
-/// in vain.
+/// is taken: so none is made while the server waits for its standby, as nothing could be confirmed, but as soon as that
+/// is there; nor soon after one in vain.
 class FindingOut
 {
 public:
@@ -26,7 +26,7 @@ public:
 
 private:
     Clock m_clock;
-    bool m_isBack = false; ///< and nothing was tried since
+    bool m_isBack = false; ///< the server, or the standby that a doubt waits for, and nothing was tried since
     std::chrono::milliseconds m_next{0};
 };
 

@@ -205,6 +205,9 @@ void ServerBackTest::whatIsNotKnownIsLookedForNowAndThen()
     QVERIFY(finding.isDue(alone, false, true));
     QVERIFY(!finding.isDue(alone, false, true));
     QVERIFY(finding.isDue(alone, true, true));
+    QVERIFY(!finding.isDue(waiting, false, true));
+    QVERIFY(finding.isDue(alone, false, true)); // the standby is there, which it has waited for
+    QVERIFY(!finding.isDue(alone, false, true));
     QVERIFY(!finding.isDue(waiting, true, false));
     QVERIFY(finding.isDue(alone, false, false));
 }
