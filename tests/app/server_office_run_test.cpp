@@ -241,9 +241,13 @@ void ServerOfficeRunTest::dialogGoesOnWithTheServer()
     QVERIFY2(waited.elapsed() < 20000, qPrintable(QString::number(waited.elapsed())));
     m_cluster->start();
     QVERIFY(m_office->press(u"userPasswordAgain"_s));
-    m_screen.key(u"Return"_s);
-    QTRY_VERIFY2_WITH_TIMEOUT(m_office->text(u"chosenUser"_s) == u"DORA"_s, qPrintable(m_office->text(u"problem"_s)),
-                              30000);
+    // At this very moment the office may reach the server again by itself, under the sign that takes no input.
+    const auto isAdded = [this] { return m_office->text(u"chosenUser"_s) == u"DORA"_s; };
+    for (int presses = 0; presses < 2 && !isAdded(); ++presses) {
+        m_screen.key(u"Return"_s);
+        (void)QTest::qWaitFor(isAdded, 15000);
+    }
+    QVERIFY2(isAdded(), qPrintable(m_office->text(u"problem"_s)));
     QCOMPARE(value(u"select count(*) from harrowby.users where Username = 'DORA'"_s), u"1"_s);
 }
 
