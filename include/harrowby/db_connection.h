@@ -51,6 +51,7 @@ enum class DbReading {
     First, ///< perhaps only the first ten, and DbCursor::rowCount(); perhaps all
     Walk,  ///< a long result, row by row from front to back, while the window handles events and other statements run
     CountedWalk, ///< the same, with DbCursor::rowCount() before the first row
+    Count, ///< DbCursor::rowCount(), where the engine can tell it without the rows; these only when next() is called
 };
 
 /// The write that a hold is for: see DbConnection::holdFor().

@@ -176,6 +176,8 @@ std::unique_ptr<DbCursor> PostgresConnection::Private::read(const QString &selec
     case DbReading::Walk:
     case DbReading::CountedWalk:
         return reader.walk(select, how == DbReading::CountedWalk);
+    case DbReading::Count:
+        return reader.counted(select);
     default:
         return reader.whole(select);
     }

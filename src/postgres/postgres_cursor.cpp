@@ -95,6 +95,28 @@ std::optional<DbRowId> HeldRowsCursor::rowId() const
     return identityOf(m_rows->text(m_row, m_columns.identity()));
 }
 
+CountCursor::CountCursor(std::int64_t count, Rows rows) : m_count(count), m_rows(std::move(rows)) {}
+
+/// Null when they could not be fetched.
+DbCursor *CountCursor::fetched() const
+{
+    if (m_rows)
+        m_cursor = std::exchange(m_rows, {})();
+    return m_cursor.get();
+}
+
+QStringList CountCursor::columnNames() const
+{
+    const DbCursor *cursor = fetched();
+    return cursor != nullptr ? cursor->columnNames() : QStringList();
+}
+
+DbCursor::Step CountCursor::next()
+{
+    DbCursor *cursor = fetched();
+    return cursor != nullptr ? cursor->next() : Step::Failed;
+}
+
 WalkCursor::WalkCursor(std::shared_ptr<void> lease, PgRows rows, std::optional<std::int64_t> count, Report report) :
     m_lease(std::move(lease)), m_rows(std::move(rows)), m_columns(*m_rows), m_count(count), m_report(std::move(report))
 {

@@ -74,6 +74,30 @@ private:
     bool m_hasFailed = false;
 };
 
+/// A result of which only the number of rows is here. They are fetched when they are asked for, as they are then.
+class CountCursor final : public DbCursor
+{
+public:
+    /// Fetches the result, or reports why it cannot and gives null.
+    using Rows = std::function<std::unique_ptr<DbCursor>()>;
+
+    CountCursor(std::int64_t count, Rows rows);
+
+    [[nodiscard]] QStringList columnNames() const override;
+    [[nodiscard]] Step next() override;
+    [[nodiscard]] DbValue value(int column) const override { return m_cursor->value(column); }
+    [[nodiscard]] std::optional<QByteArrayView> text(int column) const override { return m_cursor->text(column); }
+    [[nodiscard]] std::optional<DbRowId> rowId() const override { return m_cursor->rowId(); }
+    [[nodiscard]] std::optional<std::int64_t> rowCount() const override { return m_count; }
+
+private:
+    [[nodiscard]] DbCursor *fetched() const;
+
+    std::int64_t m_count;
+    mutable Rows m_rows; ///< until they are fetched
+    mutable std::unique_ptr<DbCursor> m_cursor;
+};
+
 /// A result that comes row by row over a session of its own.
 class WalkCursor final : public DbCursor
 {

@@ -202,6 +202,13 @@ std::unique_ptr<DbCursor> Reader::walk(const QString &select, bool isCounted)
                                         [this, select](const PgError &error) { m_report(select, error); });
 }
 
+std::unique_ptr<DbCursor> Reader::counted(const QString &select)
+{
+    m_latestFirst.clear();
+    const std::optional<std::int64_t> rows = count(select);
+    return rows ? std::make_unique<CountCursor>(*rows, [this, select] { return whole(select); }) : nullptr;
+}
+
 /// The till's own session may be better off than the one that has broken; a server that says nothing says nothing
 /// there.
 std::unique_ptr<DbCursor> Reader::walkElsewhere(const QString &select, const PgError &error)

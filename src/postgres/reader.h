@@ -29,6 +29,7 @@ public:
     [[nodiscard]] std::unique_ptr<DbCursor> whole(const QString &select);
     [[nodiscard]] std::unique_ptr<DbCursor> first(const QString &select);
     [[nodiscard]] std::unique_ptr<DbCursor> walk(const QString &select, bool isCounted);
+    [[nodiscard]] std::unique_ptr<DbCursor> counted(const QString &select);
     /// Begins the held read's transaction and gives it its rows. It ends here when the SELECT fails.
     [[nodiscard]] std::unique_ptr<DbCursor> held(HeldRead &held);
 

@@ -79,6 +79,8 @@ void DbRecordset::Private::run(const Statement &select) noexcept
         rows.beginWalk();
     else if (access == Access::Read)
         rows.readFirst();
+    else if (access == Access::Count)
+        rows.readCount();
     else
         rows.readForEditing();
 }

@@ -50,10 +50,11 @@ class DbRecordset
 {
 public:
     enum class Access {
-        Read, ///< rows are only looked at
-        Edit, ///< a row may be written back: its identity is read together with it
-        Walk, ///< a long result, read once from front to back while the window handles events: each row is fetched by
-              ///< MoveNext(); finishWalks() reads the remaining ones at once and closes the statement
+        Read,  ///< rows are only looked at
+        Edit,  ///< a row may be written back: its identity is read together with it
+        Walk,  ///< a long result, read once from front to back while the window handles events: each row is fetched by
+               ///< MoveNext(); finishWalks() reads the remaining ones at once and closes the statement
+        Count, ///< only RecordCount() is wanted: an engine that can tell it without the rows sends none
     };
 
     DbRecordset();

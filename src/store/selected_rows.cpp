@@ -13,7 +13,11 @@ namespace harrowby {
 namespace {
 
 constexpr qsizetype firstRows = 10;
-constexpr qsizetype allRows = std::numeric_limits<qsizetype>::max();
+
+qsizetype limitOf(DbReading how)
+{
+    return how == DbReading::Whole ? std::numeric_limits<qsizetype>::max() : firstRows;
+}
 
 std::int32_t asCount(std::int64_t rows)
 {
@@ -35,31 +39,42 @@ SelectedRows::~SelectedRows()
 
 void SelectedRows::readFirst() noexcept
 {
-    read(firstRows, false);
+    read(DbReading::First, false);
+}
+
+void SelectedRows::readCount() noexcept
+{
+    read(DbReading::Count, false);
 }
 
 void SelectedRows::readForEditing() noexcept
 {
     // Values computed from these rows are written back, so they must not come from a walk's older snapshot.
     finishWalksInTheWay(m_connection);
-    read(allRows, true);
+    read(DbReading::Whole, true);
 }
 
 /// Replaces the rows. What fails leaves none.
-void SelectedRows::read(qsizetype limit, bool withIds) noexcept
+void SelectedRows::read(DbReading how, bool withIds) noexcept
 {
     forget();
     m_hasFailed = true;
-    if (!runReported(m_connection, DbFailure::Kind::Read, m_select, [&] { fill(limit, withIds); }))
+    if (!runReported(m_connection, DbFailure::Kind::Read, m_select, [&] { fill(how, withIds); }))
         forget();
 }
 
-void SelectedRows::fill(qsizetype limit, bool withIds)
+void SelectedRows::fill(DbReading how, bool withIds)
 {
-    std::unique_ptr<DbCursor> cursor =
-        m_connection->queryAs(m_select, limit == allRows ? DbReading::Whole : DbReading::First);
+    const qsizetype limit = limitOf(how);
+    std::unique_ptr<DbCursor> cursor = m_connection->queryAs(m_select, how);
     if (!cursor)
         return;
+    if (const auto rows = how == DbReading::Count ? cursor->rowCount() : std::nullopt) {
+        m_hasFailed = false;
+        m_count = asCount(*rows);
+        m_isWhole = *rows == 0;
+        return;
+    }
     DbCursor::Step step = cursor->next();
     m_rows.reset(cursor->columnNames());
     const bool idsCome = withIds && step == DbCursor::Step::Row && cursor->rowId();
@@ -210,7 +225,7 @@ bool SelectedRows::hasRow() noexcept
     if (!m_isWhole && m_rest)
         readRest();
     else if (!m_isWhole && !m_walk)
-        read(allRows, false);
+        read(DbReading::Whole, false);
     return !atEnd();
 }
 

@@ -25,6 +25,8 @@ public:
     // One of these is called once, and runs the SELECT.
     /// Reads the first rows, which most results do not exceed; count() and hasRow() read the others when asked.
     void readFirst() noexcept;
+    /// The same, where perhaps none is wanted: reads no rows when the engine can tell how many there are.
+    void readCount() noexcept;
     /// Reads all rows with their identities. Finishes open walks first, whose snapshot may be older.
     void readForEditing() noexcept;
     /// Leaves the statement open; moveNext() fetches each row. Registered with the connection until its end.
@@ -36,7 +38,7 @@ public:
     [[nodiscard]] bool hasFailed() const noexcept { return m_hasFailed; }
     [[nodiscard]] std::int32_t count() noexcept;
 
-    [[nodiscard]] bool atEnd() const noexcept { return !m_walk && m_rows.atEnd(); }
+    [[nodiscard]] bool atEnd() const noexcept { return !m_walk && m_isWhole && m_rows.atEnd(); }
     /// Whether there is a current row. Reads the whole result first, so that all its rows come from one snapshot.
     [[nodiscard]] bool hasRow() noexcept;
     void moveNext() noexcept;
@@ -54,8 +56,8 @@ private:
     friend void finishWalks(const std::shared_ptr<DbConnection> &connection) noexcept;
     friend void finishWalksInTheWay(const std::shared_ptr<DbConnection> &connection) noexcept;
 
-    void read(qsizetype limit, bool withIds) noexcept;
-    void fill(qsizetype limit, bool withIds);
+    void read(DbReading how, bool withIds) noexcept;
+    void fill(DbReading how, bool withIds);
     void keepRest(std::unique_ptr<DbCursor> cursor);
     void readRest() noexcept;
     [[nodiscard]] bool appendRest(DbCursor &cursor) noexcept;

@@ -36,7 +36,7 @@ bool mayUseTheTool(DbRecordset &user, const QString &name)
 void runReorderNotice(const std::shared_ptr<DbConnection> &connection)
 {
     DbRecordset low;
-    low.Open(statements::lowStock(), connection);
+    low.Open(statements::lowStock(), connection, DbRecordset::Access::Count);
     static_cast<void>(low.RecordCount());
 }
 

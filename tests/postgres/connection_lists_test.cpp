@@ -23,6 +23,7 @@ private Q_SLOTS:
     void countsWithoutReading();
     void walksBesideOtherWork();
     void walksSeeOneMoment();
+    void countsWithoutTheRows();
     void fourthListIsReadWhole();
     void searchLooksOnce();
     void walkThatIsLeft();
@@ -109,6 +110,23 @@ void ConnectionListsTest::walksSeeOneMoment()
         QVERIFY(cursor->rowId());
     QCOMPARE(rows, 3);
     QCOMPARE(cursor->next(), DbCursor::Step::Done);
+}
+
+void ConnectionListsTest::countsWithoutTheRows()
+{
+    QVERIFY(!m_connection->open());
+    const auto cursor = m_connection->queryAs(u"Select * from StockList"_s, DbReading::Count);
+    QVERIFY(cursor);
+    QCOMPARE(cursor->rowCount(), std::optional<std::int64_t>(3));
+    QVERIFY(m_connection->Execute(u"Delete from StockList where StockID = '3'"_s));
+    QVERIFY(cursor->columnNames().contains(u"StockID"_s, Qt::CaseInsensitive));
+    int rows = 0;
+    for (; cursor->next() == DbCursor::Step::Row; ++rows)
+        QVERIFY(cursor->rowId());
+    QCOMPARE(rows, 2); // as they were when they were asked for
+    QVERIFY(m_server->failures.empty());
+    QVERIFY(!m_connection->queryAs(u"Select * from Nothing"_s, DbReading::Count));
+    QCOMPARE(m_server->failures.size(), std::size_t{1});
 }
 
 void ConnectionListsTest::fourthListIsReadWhole()

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void takesIdentitiesWithTheRows_data();
     void takesIdentitiesWithTheRows();
     void takesTheCountWithTheRows();
+    void readsNoRowToCount();
     void asksForNothingTwice_data();
     void asksForNothingTwice();
     void dropsAFailingRest();
@@ -87,7 +88,9 @@ void TestOtherEngine::tellsHowItReads()
     QVERIFY(rows.Field(u"name"_s).value()); // beyond the first ten: all are read
     rows.Open(everything, m_connection, Access::Edit);
     rows.Open(everything, m_connection, Access::Walk);
-    const std::vector expected{DbReading::First, DbReading::Whole, DbReading::Whole, DbReading::CountedWalk};
+    rows.Open(everything, m_connection, Access::Count);
+    const std::vector expected{DbReading::First, DbReading::Whole, DbReading::Whole, DbReading::CountedWalk,
+                               DbReading::Count};
     QVERIFY(m_connection->readings == expected);
 }
 
@@ -113,13 +116,29 @@ void TestOtherEngine::takesTheCountWithTheRows()
     m_connection->fill(50);
     m_connection->countComesWithRows = true;
     DbRecordset rows;
-    for (const Access access : {Access::Read, Access::Walk}) {
+    for (const Access access : {Access::Read, Access::Count, Access::Walk}) {
         rows.Open(everything, m_connection, access);
         QCOMPARE(rows.RecordCount(), 50);
         QCOMPARE(rest(rows), namesFrom(0, 50));
         QCOMPARE(rows.RecordCount(), 50);
     }
     QCOMPARE(m_connection->calls.value(u"countRows"_s), 0);
+}
+
+void TestOtherEngine::readsNoRowToCount()
+{
+    m_connection->fill(50);
+    m_connection->countComesWithRows = true;
+    DbRecordset rows;
+    rows.Open(everything, m_connection, Access::Count);
+    QCOMPARE(rows.RecordCount(), 50);
+    QCOMPARE(m_connection->calls.value(u"next"_s), 0);
+    QCOMPARE(rest(rows), namesFrom(0, 50));
+    m_connection->rows.clear();
+    rows.Open(everything, m_connection, Access::Count);
+    QVERIFY(rows.IsEof());
+    QCOMPARE(rows.RecordCount(), 0);
+    QCOMPARE(m_connection->readings.back(), DbReading::Count);
 }
 
 void TestOtherEngine::asksForNothingTwice_data()

@@ -46,7 +46,7 @@ struct Figures
 std::optional<int> toReorder(const std::shared_ptr<DbConnection> &connection)
 {
     DbRecordset low;
-    low.Open(statements::lowStock(), connection);
+    low.Open(statements::lowStock(), connection, DbRecordset::Access::Count);
     const int count = low.RecordCount();
     return low.HasFailed() ? std::nullopt : std::optional(count);
 }

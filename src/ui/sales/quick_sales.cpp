@@ -56,7 +56,7 @@ bool moreQuickSales(const std::shared_ptr<DbConnection> &connection, bool hideFi
                     int offset)
 {
     DbRecordset items;
-    items.Open(statements::quickSalesCount(hideFinished, category), connection);
+    items.Open(statements::quickSalesCount(hideFinished, category), connection, DbRecordset::Access::Count);
     return items.RecordCount() != offset + quickSaleButtons;
 }
 
