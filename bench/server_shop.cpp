@@ -102,6 +102,7 @@ std::shared_ptr<DbConnection> ServerShop::connect()
     connection->setFailureHandler([](const DbFailure &failure) {
         QTextStream(stderr) << failure.statement << ": " << failure.reason << Qt::endl;
     });
+    connection->setWaitHook([wait = m_wait](const DbWait &part) { return wait->goesOn(part); });
     m_latest = connection;
     return connection;
 }

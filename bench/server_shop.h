@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/server/server_wait.h"
 #include "bench/measured_store.h"
 
 #include <QTemporaryDir>
@@ -44,6 +45,7 @@ private:
     QString m_place;
     QString m_conninfo;
     QTemporaryDir m_state; ///< of the connections
+    std::shared_ptr<app::ServerWait> m_wait = std::make_shared<app::ServerWait>();
     QUuid m_writer = QUuid::createUuid();
     qint64 m_written = 0;
     bool m_isTogether = false; ///< the statement stands between a begin and its commit
