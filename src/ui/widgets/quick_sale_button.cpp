@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -29,10 +30,44 @@ constexpr double smallestName = 0.80; ///< of the window's font
 const QString blank = u"(empty)"_s;
 constexpr QChar cutOff = u'\u2026'; ///< more of the text follows
 
+QRectF cardWithin(const QRect &whole)
+{
+    return QRectF(whole).adjusted(1.5, 1.5, -1.5, -1.5);
+}
+
 /// The pixels that suit a card of this height: a part of it, between bounds that follow the window's font.
 double fitting(double part, double smallest, double largest)
 {
     return std::clamp(part, smallest, largest);
+}
+
+QPixmap drawnCard(const QRect &whole, double ratio, const QPen &edge, const QColor &ground)
+{
+    QPixmap card(whole.size() * ratio);
+    card.setDevicePixelRatio(ratio);
+    card.fill(Qt::transparent);
+    QPainter painter(&card);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(edge);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(cardWithin(whole), cardRadius, cardRadius);
+    painter.end();
+    return card;
+}
+
+/// Nine cards look alike again and again, and their round edges take as long as their texts.
+QPixmap keptCard(const QRect &whole, double ratio, const QPen &edge, const QColor &ground)
+{
+    const QString key = u"quick sale %1 %2 %3 %4 %5 %6 %7"_s.arg(
+        QString::number(whole.width()), QString::number(whole.height()), QString::number(ratio),
+        QString::number(edge.color().rgba()), QString::number(edge.widthF()),
+        QString::number(static_cast<int>(edge.style())), QString::number(ground.rgba()));
+    QPixmap card;
+    if (!QPixmapCache::find(key, &card)) {
+        card = drawnCard(whole, ratio, edge, ground);
+        QPixmapCache::insert(key, card);
+    }
+    return card;
 }
 
 /// A text that goes on after its first line: cut off after a word if there is room for the ellipsis.
@@ -113,8 +148,7 @@ void QuickSaleButton::paintEvent(QPaintEvent *)
     const Colours &colours = Colours::current();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF card = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5);
-    paintCard(painter, card, colours);
+    paintCard(painter, colours);
     if (isBlank()) {
         paintBlank(painter, rect(), colours);
         return;
@@ -122,7 +156,7 @@ void QuickSaleButton::paintEvent(QPaintEvent *)
 
     const Face face = this->face();
     if (m_outOfStock)
-        paintBand(painter, card, face, colours);
+        paintBand(painter, cardWithin(rect()), face, colours);
     const QRect all = inside(face);
     painter.setPen(colours.muted);
     painter.setFont(sized(face.idPixels, false));
@@ -187,7 +221,7 @@ QFont QuickSaleButton::sized(double pixels, bool bold) const
     return result;
 }
 
-void QuickSaleButton::paintCard(QPainter &painter, const QRectF &card, const Colours &colours) const
+void QuickSaleButton::paintCard(QPainter &painter, const Colours &colours) const
 {
     const bool hovered = underMouse() && isEnabled();
     QPen edge(hovered ? colours.accent : m_outOfStock ? colours.danger : colours.fieldBorder, 1.0);
@@ -198,9 +232,7 @@ void QuickSaleButton::paintCard(QPainter &painter, const QRectF &card, const Col
         edge.setStyle(Qt::DashLine);
     if (hasFocus())
         edge = QPen(colours.accent, 3.0);
-    painter.setPen(edge);
-    painter.setBrush(ground);
-    painter.drawRoundedRect(card, cardRadius, cardRadius);
+    painter.drawPixmap(0, 0, keptCard(rect(), devicePixelRatioF(), edge, ground));
 }
 
 void QuickSaleButton::paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const

@@ -49,7 +49,7 @@ private:
     [[nodiscard]] QStringList nameLines(const Face &face, const QFont &font) const;
     [[nodiscard]] bool isBlank() const;
     [[nodiscard]] QFont sized(double pixels, bool bold) const;
-    void paintCard(QPainter &painter, const QRectF &card, const Colours &colours) const;
+    void paintCard(QPainter &painter, const Colours &colours) const;
     void paintBlank(QPainter &painter, const QRect &inside, const Colours &colours) const;
     void paintBand(QPainter &painter, const QRectF &card, const Face &face, const Colours &colours) const;
     void paintName(QPainter &painter, const Face &face) const;
