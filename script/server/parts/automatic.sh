@@ -5,6 +5,7 @@
 do_automatic() {
     take_options "port: to: anew: go-on-alone stand-still off" "$@"
     if [ -n "${opt[off]:-}" ]; then
+        takes_nothing_else "automatic --off"
         leave_automatic
     elif [ -n "${opt[anew]:-}" ]; then
         invite_anew "${opt[anew]}"
@@ -115,7 +116,7 @@ port_of() { sql -v name="$1" -f - <<<"select coalesce((select port from harrowby
 
 # In place of a machine that will not come back, or of what it has lost.
 invite_anew() {
-    local name=${1%%=*} number was
+    local name=${1%%=*} number was as_member=
     need_primary
     is_automatic || die "this server is not automatic"
     [ -n "$(where_is "$name")" ] || die "there is no machine $name among: $(member_names | paste -sd ' ')"
@@ -123,8 +124,9 @@ invite_anew() {
     ! voter_answers "$name" || die "$name answers: it is there. Switch it off first, if another one is to take its place"
     voters_agree || die "the voters do not agree: more than half of them have to be there"
     was=$(url "$name" 1) # by which the voters know one that was never there
-    if [[ $1 == *=* ]]; then
-        auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$(member "$1")/" | paste -sd ' ')
+    [[ $1 != *=* ]] || as_member=$(member "$1")
+    if [ -n "$as_member" ]; then
+        auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$as_member/" | paste -sd ' ')
         ! has_store "$name" || sql -v name="$name" -v address="$(where_is "$name" | cut -d , -f 1)" -f - >/dev/null <<'SQL'
 update harrowby_server.host set address = :'address' where name = :'name';
 SQL

@@ -5,7 +5,7 @@
 do_backup() {
     local folder
     take_options "to: keep: timer:" "$@"
-    ((${#rest[@]} == 0)) || misused "backup takes no '${rest[0]}'"
+    takes_nothing_else backup
     need_running
     [ -z "${opt[to]:-}" ] || machine[backup]=$(absolute "${opt[to]}")
     [ -z "${opt[keep]:-}" ] || machine[keep]=${opt[keep]}

@@ -22,6 +22,11 @@ misused() {
     exit 2
 }
 
+# After take_options, of a command that takes options alone.
+takes_nothing_else() {
+    ((${#rest[@]} == 0)) || misused "$1 takes no '${rest[0]}'"
+}
+
 # take_options "NAME: FLAG …" ARGUMENT…: a name with a colon takes a value.
 take_options() {
     local known=" $1 " name

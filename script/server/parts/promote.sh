@@ -3,6 +3,7 @@
 
 do_promote() {
     take_options "other-is-off without-what-it-lacks" "$@"
+    takes_nothing_else promote
     need_running
     if is_automatic; then
         promote_automatically
@@ -88,6 +89,7 @@ insist_other_is_off() {
 
 do_alone() {
     take_options "off" "$@"
+    takes_nothing_else alone
     if is_automatic; then
         go_alone_automatically
         return 0

@@ -5,7 +5,7 @@
 do_restore() {
     local folder base until_time line stamp
     take_options "from: time:" "$@"
-    ((${#rest[@]} == 0)) || misused "restore takes no '${rest[0]}'"
+    takes_nothing_else restore
     need_ours
     ! is_automatic || die "first, on each machine, the server last: harrowby-server automatic --off"
     ! is_standby || die "this machine is the standby: restore on the server, then make the standby anew"

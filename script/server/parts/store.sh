@@ -3,7 +3,7 @@
 
 do_create() {
     take_options "name: address: network: port: tills: keys:" "$@"
-    ((${#rest[@]} == 0)) || misused "create takes no '${rest[0]}'"
+    takes_nothing_else create
     ! is_standby || die "this machine is the standby of another one"
     need_server
     ! is_voter || ! is_ours || [ "${opt[address]:-${machine[address]}}" = "${machine[address]}" ] ||
@@ -97,6 +97,7 @@ make_store() {
 
 do_update() {
     take_options "tills:" "$@"
+    takes_nothing_else update
     need_running
     need_writable
     if [ -n "${opt[tills]:-}" ]; then

@@ -30,6 +30,8 @@ is "what was not there yet is added" "single true true" admin one "select harrow
     has_table_privilege('harrowby_till', 'sysusage', 'insert')"
 is "nothing is overwritten" 1 admin one "select count(*) from StockList"
 refuses "another port afterwards" "has port" on one create --port 1234
+refuses "a word that update does not take" "update takes no 'tills'" on one update tills 30
+refuses "one that could be meant as an option" "alone takes no 'off'" on one alone off
 refuses "another name afterwards" "has name one already" on one create --name other
 is "it starts before it has its address" 2 grep -cE '^-?net.ipv[46].ip_nonlocal_bind = 1$' "$work/one/etc/sysctl.d/60-harrowby-server.conf"
 
