@@ -125,16 +125,16 @@ invite_anew() {
     voters_agree || die "the voters do not agree: more than half of them have to be there"
     was=$(url "$name" 1) # by which the voters know one that was never there
     [[ $1 != *=* ]] || as_member=$(member "$1")
-    if [ -n "$as_member" ]; then
+    [ -z "$as_member" ] ||
         auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$as_member/" | paste -sd ' ')
-        ! has_store "$name" || sql -v name="$name" -v address="$(where_is "$name" | cut -d , -f 1)" -f - >/dev/null <<'SQL'
-update harrowby_server.host set address = :'address' where name = :'name';
-SQL
-    fi
     number=$(vote member list | awk -F ', ' -v name="$name" -v was="$was" '$3 == name || $4 == was { print $1 }')
     [ -z "$number" ] || vote member remove "$number" >/dev/null || die "the voters do not let $name go"
     vote member add "$name" --peer-urls "$(url "$name" 1)" >/dev/null || die "the voters do not take $name"
     save_automatic
+    [ -z "$as_member" ] || ! has_store "$name" ||
+        sql -v name="$name" -v address="$(where_is "$name" | cut -d , -f 1)" -f - >/dev/null <<'SQL'
+update harrowby_server.host set address = :'address' where name = :'name';
+SQL
     auto[born]=existing # for the other machine; what this one was born as, stays
     write_invitation "$name"
     say "There: harrowby-server automatic FILE. Delete the file afterwards."
@@ -143,13 +143,15 @@ SQL
 # ---- on the other machines
 
 take_part() {
-    local file=$1 key value
+    local file=$1 key value own=${machine[name]:-${auto[name]:-}} for_whom
     [ -f "$file" ] || die "there is no file $file"
     invitation=$(mktemp -d)
     chmod 700 "$invitation"
     trap 'rm -rf "$invitation"' EXIT
     tar -C "$invitation" -xf "$file" --no-same-owner 2>/dev/null && [ -f "$invitation/voter.key" ] ||
         die "$file is not what automatic writes on the server"
+    for_whom=$(sed -n 's/^name=//p' "$invitation/values")
+    [ -z "$own" ] || [ "$own" = "$for_whom" ] || die "this machine is $own, and the file is for $for_whom"
     [ ! -f "$etc/ca.crt" ] || cmp -s "$etc/ca.crt" "$invitation/ca.crt" || die "this machine belongs to another server's shop"
     while IFS='=' read -r key value; do
         case $key in
@@ -277,6 +279,7 @@ go_on_as_standby() {
     fi
     patiently "Waiting for the server to hand over: there, harrowby-server automatic ..." has_leader
     if is_leader; then
+        decide_again
         patiently "Waiting for the server to start; its log: $server_log ..." is_running
         [ ! -f "$conf/conf.d/handing-over.conf" ] || finish_server
         say "This machine is the server. harrowby-server status tells more."
@@ -285,6 +288,7 @@ go_on_as_standby() {
     write_settings
     rm -f "$conf/conf.d/standby.conf" "$conf/standby.pgpass"
     [ -n "$took_part" ] || start_keeper
+    decide_again
     patiently "Waiting for the copy of the server's store; the log: $server_log ..." follows
     patiently "Waiting until the server relies on this machine ..." is_relied_on
     date -u +%Y-%m-%dT%H:%M:%SZ | put "$etc/relied-on" 644 "$(id -un)"

@@ -4,9 +4,13 @@
 
 do_backup() {
     local folder
-    take_options "to: keep: timer:" "$@"
+    take_options "to: keep: timer: off" "$@"
     takes_nothing_else backup
     need_running
+    if [ -n "${opt[off]:-}" ]; then
+        leave_backups
+        return 0
+    fi
     [ -z "${opt[to]:-}" ] || machine[backup]=$(absolute "${opt[to]}")
     [ -z "${opt[keep]:-}" ] || machine[keep]=${opt[keep]}
     [ -n "${machine[backup]:-}" ] || misused "backup needs --to FOLDER the first time: on another disk, or another machine's"
@@ -15,6 +19,7 @@ do_backup() {
     ((machine[keep] > 0)) || misused "at least one backup is kept"
     check_folder_name "${machine[backup]}"
     folder=${machine[backup]}
+    answers "$folder" || die "$folder does not answer: is the machine that it is on switched on?"
     if [ -n "${opt[to]:-}" ]; then
         make_places "$folder"
     else
@@ -35,6 +40,33 @@ do_backup() {
     keep_keys "$folder"
     drop_old "$folder" "$made"
     check_log "$folder"
+}
+
+# What was kept stays where it is.
+leave_backups() {
+    local units=$root/etc/systemd/system folder=${machine[backup]:-}
+    if [ -f "$units/harrowby-server-backup.timer" ]; then
+        [ -n "$root" ] || [ ! -d /run/systemd/system ] || systemctl disable -q --now harrowby-server-backup.timer
+        rm -f "$units"/harrowby-server-backup.{timer,service}
+        [ -n "$root" ] || [ ! -d /run/systemd/system ] || systemctl daemon-reload
+    fi
+    machine[backup]=
+    save_machine
+    write_settings
+    control reload
+    say "No backups are made any more.${folder:+ What $folder holds stays there.}"
+}
+
+# answers FOLDER: one on another machine may hang, and then nobody can end who looks into it.
+answers() {
+    local looking tenth
+    ls "$1" >/dev/null 2>&1 9>&- 8>&- &
+    looking=$!
+    for ((tenth = 0; tenth < 100; ++tenth)); do
+        kill -0 "$looking" 2>/dev/null || return 0
+        sleep 0.1
+    done
+    return 1
 }
 
 lock_backups() {

@@ -69,11 +69,13 @@ check_name() {
 check_number() {
     [[ $1 =~ ^[0-9]{1,5}$ ]] || misused "'$1' is no whole number"
 }
+byte='(25[0-5]|2[0-4][0-9]|1?[0-9]?[0-9])'
+is_number_address() { [[ $1 =~ ^($byte\.){3}$byte$ || $1 =~ ^[0-9a-fA-F]*:[0-9a-fA-F.]*:[0-9a-fA-F.:]*$ ]]; }
 check_address() {
-    [[ $1 =~ ^[A-Za-z0-9.:-]{1,253}$ ]] || misused "'$1' is no address"
+    is_number_address "$1" || [[ $1 =~ ^[A-Za-z0-9]([A-Za-z0-9.-]{0,251}[A-Za-z0-9])?$ && ! $1 =~ ^[0-9.]+$ ]] ||
+        misused "'$1' is no address; one looks like 192.168.1.12"
 }
 check_network() {
-    local byte='(25[0-5]|2[0-4][0-9]|1?[0-9]?[0-9])'
     [[ $1 =~ ^($byte\.){3}$byte/([0-9]|[12][0-9]|3[0-2])$ || $1 =~ ^[0-9a-fA-F]*:[0-9a-fA-F.:]*/([0-9]|[1-9][0-9]|1[01][0-9]|12[0-8])$ ]] ||
         misused "'$1' is no network; one looks like 192.168.1.0/24"
 }

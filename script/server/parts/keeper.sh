@@ -31,6 +31,8 @@ change_agreed() {
     keeper edit-config harrowby "${settings[@]}" --force -q || die "the voters do not answer"
 }
 is_paused() { kept config | grep -q '"pause": *true'; }
+# After one that has left or was to leave. Until then a new machine gets no copy either.
+decide_again() { ! is_paused || keeper resume harrowby || die "the machines cannot be told to take over again"; }
 
 # The login with which the machines copy from each other, and wind an old server's store back to where the others are.
 make_keeper_login() {
@@ -129,14 +131,15 @@ follows() { is_running && is_standby && [ -n "$(sql_in_postgres -c "select 1 fro
 leave_automatic() {
     is_voter || die "this machine is not automatic"
     if is_automatic; then
-        # Where they do not agree any more, none takes over.
+        # As the voters go one by one, the server would step back. Where they do not agree any more, none takes over.
         ! voters_agree || is_paused || keeper pause harrowby --wait || die "the machines cannot be told to stay as they are"
         leave_store
     fi
     no_longer harrowby-voter
     rm -f "$etc/automatic" "$etc/voter.yml" "$etc/voter.crt" "$etc/voter.key" "$etc/patroni.key" "$etc/keeper" "$etc/go-on-alone"
     [ ! -d "$voter_data" ] || mv "$voter_data" "$voter_data.kept-$(date -u +%Y%m%dT%H%M%S)"
-    say "This machine is not automatic any more."
+    say "This machine is not automatic any more. Those that still are stay as they are, and none takes over: leave there, too, or"
+    say "harrowby-server automatic on one that has the store."
 }
 
 # A second try finds it stopped: that it was the server, and who followed it, is written down first.

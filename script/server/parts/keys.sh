@@ -44,8 +44,6 @@ certificate_fits() {
         openssl verify -CAfile "$etc/ca.crt" "$conf/server.crt" >/dev/null 2>&1
 }
 
-is_number_address() { [[ $1 =~ ^[0-9.]+$ || $1 == *:* ]]; }
-
 # Made anew when it has less than a year left, or the machine's address has changed.
 make_certificate() {
     local folder names="DNS:${machine[name]}"

@@ -27,11 +27,22 @@ do_promote() {
 }
 
 refuse_while_other_answers() {
-    local where status=0
+    local where address port
     where=$(sql_in_postgres -c 'show primary_conninfo')
-    [ -n "$where" ] || return 0 # it follows nobody
-    "$programs/pg_isready" -q -t 3 -h "$(value_of host "$where")" -p "$(value_of port "$where")" || status=$?
-    ((status == 2)) || die "the server at $(value_of host "$where") still answers. Switch that machine off first:
+    if [ -n "$where" ]; then
+        refuse_while_answers "$(value_of host "$where")" "$(value_of port "$where")"
+        return 0
+    fi
+    # It follows nobody and cannot ask any more which of the others is the server.
+    while IFS='|' read -r address port; do
+        refuse_while_answers "$address" "$port"
+    done < <(sql -v own="${machine[name]}" -f - <<<"select address, port from harrowby_server.host where name <> :'own' order by name")
+}
+
+refuse_while_answers() {
+    local status=0
+    "$programs/pg_isready" -q -t 3 -h "$1" -p "$2" || status=$?
+    ((status == 2)) || die "the server at $1 still answers. Switch that machine off first:
     two that sell at once are two different stores"
 }
 
@@ -131,7 +142,7 @@ SQL
 
 # One that is gone for good: nobody waits for it, keeps the log for it, or tells of it any more.
 do_remove_standby() {
-    local name role left others
+    local name role left others known
     take_options "" "$@"
     ((${#rest[@]} == 1)) || misused "remove-standby takes one name"
     name=${rest[0]}
@@ -140,7 +151,13 @@ do_remove_standby() {
     ! is_automatic || die "the machines copy from each other by themselves. A new machine in place of one: automatic --anew NAME"
     need_primary
     [ "$name" != "${machine[name]}" ] || misused "$name is this machine"
-    [ -n "$(sql -v name="$name" -f - <<<"select 1 from harrowby_server.host where name = :'name'")" ] || die "there is no standby $name"
+    # One that was invited and never finished has a login, and perhaps a place in the log.
+    known=$(sql -v name="$name" -v role="$role" -v slot="${role//-/_}" -f - <<'SQL'
+select 1 from harrowby_server.host where name = :'name' union select 1 from pg_roles where rolname = :'role'
+    union select 1 from pg_replication_slots where slot_name = :'slot';
+SQL
+    )
+    [ -n "$known" ] || die "there is no standby $name"
     [ -z "$(sql -c "select 1 from pg_stat_activity where usename = '$role' and backend_type = 'walsender'")" ] ||
         die "the standby $name follows. Switch it off first; it must not be promoted afterwards"
     left=$(sql -v name="$name" -f - <<<"select string_agg(format('\"%s\"', name), ',' order by name) from harrowby_server.host

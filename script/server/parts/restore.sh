@@ -13,9 +13,14 @@ do_restore() {
     [ -n "$folder" ] || misused "restore needs --from FOLDER"
     folder=$(absolute "$folder")
     check_folder_name "$folder"
+    answers "$folder" || die "$folder does not answer: is the machine that it is on switched on?"
     if [ ! -d "$folder/base" ] || [ ! -d "$folder/log" ]; then
         die "$folder holds no backups"
     fi
+    { as_owner test -r "$folder/log" && as_owner test -x "$folder/log"; } ||
+        die "the server cannot read $folder: it belongs to a user of another machine. chown -R $owner: $folder, then this once more"
+    [ -z "$(who_sells)" ] || die "these are connected: $(who_sells). Close the programs first, as what they write now would not be in
+    the store that is restored. Where one is not there any more: pg_ctlcluster $version $cluster restart"
     until_time=$(moment_of "${opt[time]:-}")
     lock_backups
     ! is_running || finish_log "$folder"
@@ -88,7 +93,9 @@ finish_log() {
 lay_out() {
     rm -rf "$restored" # what an earlier try has left
     as_owner_folder "$restored"
-    cp -a "$1/base/$2/." "$restored/"
+    # Its owner may have been a user of another machine.
+    cp -a --no-preserve=ownership "$1/base/$2/." "$restored/"
+    [ "$(id -u)" -ne 0 ] || chown -R "$owner:" "$restored"
     as_owner_folder "$restored.socket"
     put "$restored/pg_hba.conf" 600 "$owner" <<<"local all $owner peer"
     : | put "$restored/pg_ident.conf" 600 "$owner"
@@ -181,13 +188,71 @@ look_at_restored() {
     rm -rf "$restored.socket" "$restored/postgresql.conf" "$restored/pg_hba.conf" "$restored/pg_ident.conf" "$restored/postmaster.opts"
 }
 
+# Tills and offices that are connected, by their logins.
+who_sells() {
+    ! is_running || sql -c "select string_agg(distinct a.usename, ' ' order by a.usename) from pg_stat_activity a
+        join pg_roles m on m.rolname = a.usename join pg_auth_members b on b.member = m.oid join pg_roles g on g.oid = b.roleid
+        where g.rolname in ('harrowby_till', 'harrowby_office')"
+}
+# A program that was not closed comes back by itself when it can.
+wait_until_closed() {
+    local who second
+    for ((second = 0; second < ${HARROWBY_SERVER_PATIENCE:-3600}; ++second)); do
+        who=$(who_sells)
+        [ -n "$who" ] || return 0
+        ((second % 60)) || say "Waiting until these are closed: $who"
+        sleep 1
+    done
+    die "not restored: $who is still connected. The server is as it was"
+}
+
+# Who was let in or shut out since the backup stays so. Only for a store with the same past: a new machine takes the logins of
+# the one whose place it takes. The passwords are as the server keeps them, not as they are typed.
+write_logins() {
+    sql -f - <<'SQL'
+select 'do $do$ declare role text; begin
+    for role in select rolname from pg_roles where rolname ~ ''^(till|office|standby)_'' and not rolname = any (' ||
+    quote_literal(coalesce(array_agg(rolname), '{}')) || ') loop
+        execute format(''alter role %I nologin password null'', role);
+        begin
+            execute format(''drop role %I'', role);
+        exception when dependent_objects_still_exist then null;
+        end;
+    end loop;
+end $do$;' from pg_roles where rolname ~ '^(till|office|standby)_';
+select format('select %L where not exists (select from pg_roles where rolname = %L) \gexec', format('create role %I', rolname), rolname) ||
+    format(E'\nalter role %I %s %s connection limit %s password %L;', rolname,
+        case when rolcanlogin then 'login' else 'nologin' end, case when rolreplication then 'replication' else 'noreplication' end,
+        rolconnlimit, rolpassword) ||
+    format(E'\nrevoke harrowby_till, harrowby_office, harrowby_standby, harrowby_owner from %I;', rolname) ||
+    coalesce((select string_agg(format(E'\ngrant %I to %I;', g.rolname, a.rolname), '') from pg_auth_members m
+        join pg_roles g on g.oid = m.roleid where m.member = a.oid), '')
+    from pg_authid a where rolname ~ '^(till|office|standby)_' order by rolname;
+SQL
+}
+past() { LC_ALL=C as_owner "$programs/pg_controldata" "$1" | sed -n 's/^Database system identifier: *//p'; }
+
 swap_in() {
-    local kept=$data.kept-$1
+    local kept=$data.kept-$1 logins='' many
+    if is_running; then
+        wait_until_closed
+        [ "$(past "$data")" != "$(past "$restored")" ] || logins=$(write_logins)
+        # The standby must not be promoted any more, as what is sold from now on is not there. It may be gone, too.
+        many=$(sql -c 'select count(*) from harrowby_server.host')
+        ((many < 2)) || sql -c 'set synchronous_commit = local' -c "insert into harrowby_server.remark (name, value)
+            values ('alone', 'restored') on conflict (name) do update set value = 'restored', since = now()"
+    fi
     stop_server
     [ ! -d "$data" ] || mv "$data" "$kept"
     mv "$restored" "$data"
     start_server
     know_itself
+    if [ -n "$logins" ]; then
+        sql -f - <<<"set log_min_error_statement = 'panic'; set client_min_messages = error;
+$logins" >/dev/null
+    else
+        say "Let in are those that were when the backup was made: harrowby-server remove-till, where one was shut out since."
+    fi
     say "The server has the restored store. What it held before is kept: $kept"
     if [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ]; then
         sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'restored')

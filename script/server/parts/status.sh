@@ -58,13 +58,33 @@ SQL
         trouble "The standby $name does not follow"
     done < <(sql -v own="${machine[name]}" -f - <<<"select name from harrowby_server.host
         where name <> :'own' and name not in (select application_name from pg_stat_replication) order by 1")
+    is_automatic || tell_standbys_by_hand
     tell_backup
+}
+
+# Patroni relies on one at a time, and keeps no place in the log for one that is not there.
+tell_standbys_by_hand() {
+    local name
+    while read -r name; do
+        trouble "The standby $name follows, and no sale waits for it: harrowby-server alone --off"
+    done < <(sql -f - <<<"select r.application_name from pg_stat_replication r join harrowby_server.host h on h.name = r.application_name
+        where r.state = 'streaming' and r.sync_state = 'async' and current_setting('synchronous_standby_names') <> '' order by 1")
+    while read -r name; do
+        trouble "The log is kept for ${name#standby_}, which was never finished: there harrowby-server standby FILE, or here remove-standby ${name#standby_}"
+    done < <(sql -f - <<<"select coalesce(r.rolname, s.slot_name) from pg_replication_slots s
+        left join pg_roles r on replace(r.rolname, '-', '_') = s.slot_name
+        where not s.active and s.slot_name like 'standby\_%' and not exists (select from harrowby_server.host
+            where 'standby_' || replace(name, '-', '_') = s.slot_name) order by 1")
 }
 
 tell_backup() {
     local last age failed gap
     if [ -z "${machine[backup]:-}" ]; then
         trouble "There are no backups: harrowby-server backup --to FOLDER --timer 02:30"
+        return 0
+    fi
+    if ! answers "${machine[backup]}"; then
+        trouble "${machine[backup]} does not answer. Until it does, the server keeps its log to itself"
         return 0
     fi
     if [ ! -d "${machine[backup]}/base" ] || [ ! -d "${machine[backup]}/log" ]; then
@@ -115,6 +135,7 @@ tell_voters() {
     if voters_agree; then
         say "The voters have made $(leader) the server."
         ((missing == 0)) || say "When one more of them goes, no machine takes over, and none sells."
+        ! is_paused || trouble "They were told to stay as they are: no machine takes over. harrowby-server automatic, on one that has the store"
     else
         trouble "The voters do not agree: more than half of them have to be there. Until then nothing is sold"
     fi

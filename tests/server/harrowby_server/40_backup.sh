@@ -21,6 +21,11 @@ works "a sale" sell counter-1 t1
 works "another" sell counter-1 t2
 works "a second backup" eval '(cd "${script%/*}" && HARROWBY_SERVER_ROOT=$work/one "./${script##*/}" backup --timer 03:30)'
 is "the timer's line holds anywhere" "ExecStart=$(readlink -f "$script") backup" grep ExecStart "$work/one/etc/systemd/system/harrowby-server-backup.service"
+install -d "$work/hanging"
+printf '#!/bin/sh\ncase $1 in */backup) exec sleep 15 ;; esac\nexec /bin/ls "$@"\n' >"$work/hanging/ls"
+chmod +x "$work/hanging/ls"
+PATH=$work/hanging:$PATH refuses "a folder that hangs" "does not answer" on one backup
+PATH=$work/hanging:$PATH says "which status tells, too" "does not answer" on one status
 sleep 1
 on one backup >"$work/third" 2>&1 &
 third=$!
@@ -39,6 +44,8 @@ works "none any more" on one backup
 refuses "a time before all backups" "no backup" on one restore --time '2020-01-01 00:00:00'
 refuses "no time" "is no time" on one restore --time yesterdayish
 works "a sale" sell counter-1 t3
+works "a till of which somebody will think again" eval 'on one add-till short --to "$work/till-short" && settle_in short "$work/till-short"'
+works "it gets in" till short "select 1"
 export TZ=SHOP-9 # a time is one of the shop's clock
 sleep 1.1
 moment=$(date +'%Y-%m-%d %H:%M:%S')
@@ -50,7 +57,31 @@ sleep 1.1
 works "a mistake" till counter-1 "delete from PurchaseCart"
 timeline() { admin one "select timeline_id from pg_control_checkpoint()"; }
 before=$(timeline)
-works "restore to a time" on one restore --time "$moment"
+works "it is shut out" on one remove-till short
+works "another till" eval 'on one add-till late --to "$work/till-late" && settle_in late "$work/till-late"'
+works "a new password" eval 'on one add-till counter-1 --new-password --to "$work/till-1n" && settle_in counter-1 "$work/till-1n"'
+connected() { admin one "select count(*) from pg_stat_activity where usename = 'till_counter-1'"; }
+till counter-1 "select pg_sleep(15)" >"$work/connected" 2>&1 &
+connected=$!
+wait_for "a till is connected" 1 connected
+refuses "it is not to sell while the store is replaced" "these are connected: till_counter-1" on one restore --time "$moment"
+kill "$connected"
+wait_for "it is closed" 0 connected
+mkfifo "$work/typed"
+(cd / && HOME=$work/home-counter-1 PGSERVICE=harrowby PGTARGETSESSIONATTRS=read-write "$programs/psql" -X <"$work/typed") >/dev/null 2>&1 &
+on one restore --time "$moment" >"$work/restoring" 2>&1 &
+restoring=$!
+wait_for "it is being restored" here eval '[ ! -d "$(data_of one).restored" ] || echo here'
+exec 7>"$work/typed" # from here on a till is connected, until this is closed
+wait_for "which is waited for" "Waiting until these are closed: till_counter-1" grep Waiting "$work/restoring"
+exec 7>&-
+works "restore to a time" wait "$restoring"
+is "the standby knows that it has another past" restored admin two "select value from harrowby_server.remark where name = 'alone'"
+refuses "who was shut out since stays out" "authentication failed" till short "select 1"
+works "who was let in since gets in" till late "select 1"
+is "a till is no more than one" "harrowby_till 8" admin one "select concat_ws(' ', string_agg(g.rolname, ' '), r.rolconnlimit)
+    from pg_roles r join pg_auth_members m on m.member = r.oid join pg_roles g on g.oid = m.roleid
+    where r.rolname = 'till_late' group by r.rolconnlimit"
 is "as it was" "s1 s2 s3 s4 s5 s6 s7 t1 t2 t3" sold one
 works "its timeline is above all that a till may have seen" test "$(timeline)" -gt $((before + 16))
 works "a till takes it" shop counter-1 "select 1"
@@ -107,7 +138,18 @@ says "status says when the server is stopped" "does not run" eval 'kill_machine 
 
 # It takes the place of the machines that are gone.
 works "what the shop has left" cp -a "$work/backup" "$work/backup-left"
+if [ "$(id -u)" -eq 0 ]; then # that machine's user has another number
+    chown -R 4242:4242 "$work/backup-left"
+    refuses "what the server cannot read" "chown -R $server_user: $work/backup-left" on three restore --from "$work/backup-left"
+    chown -R "$server_user:" "$work/backup-left"
+    chown -R 4242:4242 "$work/backup-left/base"
+fi
 works "restore on the new machine" on three restore --from "$work/backup-left"
+works "tills get in as before" eval 'admin three "select rolpassword from pg_authid where rolname = '"'till_counter-1'"'" | grep SCRAM'
 is "with all of it" "$(sold one)" sold three
 is "which knows itself alone" three admin three "select string_agg(name, ' ') from harrowby_server.host"
 is "so that tills show no sign" single protection three
+works "no backups any more" on three backup --off
+is "the timer is gone, too" "" find "$work/three/etc/systemd" -name 'harrowby-server-backup*'
+says "which status tells" "There are no backups" on three status
+works "what is there stays" test -d "$work/backup-three/base"

@@ -9,6 +9,20 @@ works "one standby" wait $!
 works "which has then" test -f "$work/two/etc/harrowby-server/relied-on"
 works "a second one" eval 'on one standby --for five --address 127.0.0.1 --to "$work/five.tar" && on five standby "$work/five.tar" --port "$port_five"'
 is "both are relied on" 2 admin one "select count(*) from pg_stat_replication where sync_state in ('sync', 'potential')"
+says "all is well" "Standby five" on one status
+admin one "alter system set synchronous_standby_names = 'FIRST 1 (\"two\")'" >/dev/null
+admin one "select pg_reload_conf()" >/dev/null
+says "one that no sale waits for is told" "! The standby five follows, and no sale waits for it" on one status
+works "as told" on one alone --off
+is "both are relied on again" 2 admin one "select count(*) from pg_stat_replication where sync_state in ('sync', 'potential')"
+on one standby --for a-third --address 127.0.0.9 --to "$work/third.tar" >/dev/null
+is "one that is only invited is no trouble" 0 eval 'on one status | grep -c third'
+admin one "select pg_create_physical_replication_slot('standby_a_third', true)" >/dev/null
+says "one that was broken off is told" "! The log is kept for a-third" on one status
+works "and given up" on one remove-standby a-third
+is "nothing is kept for it" "0 0" admin one "select concat_ws(' ', (select count(*) from pg_replication_slots where slot_name like '%third'),
+    (select count(*) from pg_roles where rolname like '%third'))"
+is "both are relied on as before" 2 admin one "select count(*) from pg_stat_replication where sync_state in ('sync', 'potential')"
 works "the till learns of them" on one add-till counter-1 --to "$work/till-1e"
 works "the till's own part" settle_in counter-1 "$work/till-1e"
 start_machine() { env PG_CLUSTER_CONF_ROOT="$work/$1/etc/postgresql" pg_ctlcluster --skip-systemctl-redirect "$version" harrowby start >/dev/null 2>&1; }

@@ -10,6 +10,8 @@ refuses "a standby comes first" "none of these is a standby" on six automatic se
 works "a standby" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven.tar" &&
     on seven standby "$work/seven.tar" --port "$(free_port)"'
 refuses "an address in numbers" "in numbers" on six automatic seven=127.0.0.2 till=kiosk
+refuses "without a port of the server's" "in numbers" on six automatic seven=127.0.0.2:5432 till=127.0.0.3
+refuses "a whole one" "in numbers" on six automatic seven=127.2 till=127.0.0.3
 refuses "not the same twice" "two machines have the address" on six automatic seven=127.0.0.1 till=127.0.0.1
 
 name_the_others() {
@@ -29,6 +31,7 @@ works "the third voter" on till automatic "$work/automatic-till.tar"
 works "the server hands over" wait $on_six
 works "the standby takes part" wait $on_seven
 is "protected" protected protection six
+refuses "another machine's file" "this machine is seven, and the file is for till" on seven automatic "$work/automatic-till.tar"
 says "status of the server" "have made six the server" on six status
 says "of the standby" "It is the standby of 127.0.0.1, streaming" on seven status
 works "of the voter" on till status
@@ -82,6 +85,8 @@ kill_voter till
 works "one voter gone: it sells on" sell_on
 refuses "which is told" "The voter till does not answer" on six status
 refuses "it is there" "seven answers" on six automatic --anew seven
+refuses "an address that is none" "in numbers" on six automatic --anew till=kiosk
+says "leaves the voter a member" "The voter till does not answer" on six status
 rm -rf "${work:?}/till"
 works "an address by mistake" on six automatic --anew till=127.0.0.3 --to "$work"
 votes[till]=$(free_ports)
@@ -108,6 +113,17 @@ wait_for "two machines again" protected protection six
 works "another sale" sells_soon w2
 is "on both" "w1 w2" sold seven
 
+# One that leaves and comes back: nobody takes over until all leave or one takes part again.
+stays() { on "$1" status | grep -c "! They were told to stay as they are"; }
+works "a standby leaves" on seven automatic --off
+is "the others stay as they are, and tell" 1 stays six
+works "the server takes part again" on six automatic
+is "they decide again" 0 stays six
+works "told to stay once more" patronictl -c "$work/six/etc/harrowby-server/patroni.yml" pause harrowby --wait
+works "the standby comes back" eval 'on six automatic --anew seven --to "$work" && on seven automatic "$work/automatic-seven.tar"'
+is "they decide again with it" 0 stays seven
+wait_for "two machines as before" protected protection six
+
 # By hand again; one that was the server until another one took over is none.
 works "the other one is the server" on seven promote
 wait_for "two machines" protected protection seven
@@ -116,7 +132,7 @@ kill_machine seven
 works "a sale after it died" sells_soon w3
 works "it is switched on, and no more automatic" on seven automatic --off
 says "it does not sell" "is the standby" on seven add-till counter-7
-refuses "nor does it by mistake" "never caught up" on seven promote --other-is-off
+refuses "nor does it by mistake" "still answers" on seven promote --other-is-off
 works "the third one" on till automatic --off
 HARROWBY_SERVER_ROOT=$work/six "$script" automatic --off >/dev/null 2>&1 &
 leaving=$!
@@ -125,6 +141,7 @@ kill -KILL $leaving
 wait $leaving 2>/dev/null
 works "it was broken off" test -f "$work/six/etc/harrowby-server/patroni.yml"
 [ ! -f "$(data_of six)/postmaster.pid" ] || kill_machine six
+refuses "what it never had is told" "never caught up" on seven promote --other-is-off
 works "the server, the last" on six automatic --off
 says "the server says since when it is alone" "It sells alone since 20" on six status
 works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar" --take-back'
