@@ -10,7 +10,8 @@ namespace harrowby::app {
 
 /// Keeps out what was pressed and typed while the program was waiting: it lies in the queue when the event loop runs
 /// again, and would hit what has come up meanwhile; so would a window's being closed. The release of a button or key
-/// that was pressed before passes.
+/// that was pressed before passes, and so does the window that whoever has waited closes itself, in the same handler or
+/// in that of a later press.
 ///
 /// The times of input events are the X server's or the compositor's, which on one machine are the steady clock's.
 class InputDam final : public QObject
@@ -32,10 +33,13 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    void noteLater(std::chrono::milliseconds time);
+
     QBasicTimer m_untilIdle; ///< runs while something of the period may still lie in the queue
     std::chrono::milliseconds m_begin{0};
     std::chrono::milliseconds m_end{0};
-    Qt::MouseButtons m_kept; ///< pressed within it, and not released yet
+    bool m_hasLoopTurned = true; ///< since the period was last told: whoever has waited has come back
+    Qt::MouseButtons m_kept;     ///< pressed within it, and not released yet
 };
 
 } // namespace harrowby::app

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <future>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void priceIsChangedBesideATill();
     void tillEnds();
     void dialogGoesOnWithTheServer();
+    void dialogGoesAfterItHasWaited();
     void whatIsNotKnownIsToldAndSettled();
     void ends();
     void standbyTakesOverInSilence();
@@ -251,6 +253,21 @@ void ServerOfficeRunTest::dialogGoesOnWithTheServer()
     }
     QVERIFY2(isAdded(), qPrintable(told.join(u" | "_s)));
     QCOMPARE(value(u"select count(*) from harrowby.users where Username = 'DORA'"_s), u"1"_s);
+}
+
+/// The sign keeps a window manager's closing out, and not the dialog's own.
+void ServerOfficeRunTest::dialogGoesAfterItHasWaited()
+{
+    describeUser(u"fred"_s);
+    auto another = std::async(std::launch::async, [this] {
+        return m_cluster->trySql(u"begin; lock table harrowby.users; select pg_sleep(1.5); commit"_s);
+    });
+    const auto isLocked = u"select count(*) from pg_locks where relation = 'harrowby.users'::regclass and mode = "
+                          "'AccessExclusiveLock' and granted"_s;
+    QTRY_COMPARE(value(isLocked), u"1"_s);
+    m_screen.key(u"Return"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_office->text(u"chosenUser"_s), u"FRED"_s, 15000);
+    QVERIFY(another.get());
 }
 
 /// The standby that a write waits for is gone, and a person has had enough.
