@@ -30,7 +30,7 @@ begin
             ('InventoryCategory', 'select, insert, update, delete', 'select, insert, update, delete'),
             ('StockList', 'select, insert, update, delete', 'select, insert, update, delete'),
             ('PurchaseCart', 'select, insert, delete', 'select, insert, update, delete'),
-            ('StoreSettings', 'select, update', 'select, insert, update'),
+            ('StoreSettings', 'select, insert, update', 'select, insert, update'), -- its one row is added with the first save,
             ('SysUsage', 'insert', 'select, insert'),
             ('HarrowbyActivity', 'insert', 'select, insert'),
             ('HarrowbyCode', 'select, update', 'select, insert, update, delete'),

@@ -313,7 +313,8 @@ void DamagedRestoreTest::openDamagedStoreIsRefused()
     }
     ::kill(till, SIGKILL);
     QCOMPARE(::waitpid(till, nullptr, 0), till);
-    verifyRestored(restore(), bytesOf(store()));
+    const Bytes before = bytesOf(store());
+    verifyRestored(restore(), before);
 }
 
 void DamagedRestoreTest::fullDiskStopsItBeforeAnything()

@@ -3,13 +3,16 @@
 #include "app/server/server_wait.h"
 #include "tests/program/test_program.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 #include <QtTest/qtestspontaneevent.h>
 
 using namespace Qt::StringLiterals;
@@ -96,6 +99,7 @@ private Q_SLOTS:
     void waitIsShownInTime();
     void windowsArePaintedOnceWhenASignComes();
     void waitsAreNotAddedUp();
+    void waitsOfSeveralTurnsAreNotAddedUp();
     void manyShortWaitsAreShownButTakeNothing();
     void signSaysWhatIsWaitedFor_data();
     void signSaysWhatIsWaitedFor();
@@ -103,6 +107,7 @@ private Q_SLOTS:
     void whatIsTypedDuringAWaitIsLost();
     void waitsOfOneHandlerAreOnePeriod();
     void windowIsNotClosedByWhatWasPressedDuringAWait();
+    void windowThatTheProgramClosesGoes();
 };
 
 /// The hook is called every 50 ms at most, the first time 50 ms after the wait has begun; no 100 ms pass between two
@@ -150,6 +155,27 @@ void ServerWaitTest::waitsAreNotAddedUp()
     QVERIFY(till.sign() == nullptr);
 }
 
+/// An undo lets the event loop run after each line.
+void ServerWaitTest::waitsOfSeveralTurnsAreNotAddedUp()
+{
+    Waiting till;
+    for (auto moment = 0ms; moment <= 600ms; moment += 60ms) {
+        QVERIFY(till.amongShortOnesAt(moment));
+        QVERIFY2(till.sign() == nullptr, qPrintable(QString::number(moment.count())));
+        QCoreApplication::processEvents();
+    }
+    QLineEdit entry;
+    QVERIFY(till.at(1000ms));
+    QCoreApplication::processEvents();
+    QVERIFY(till.at(1120ms));
+    QVERIFY(till.at(1160ms));
+    QVERIFY(till.sign() != nullptr);
+    QKeyEvent between(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, u"a"_s);
+    between.setTimestamp(static_cast<quint64>((1h + 1060ms).count()));
+    QCoreApplication::sendEvent(&entry, &between);
+    QCOMPARE(entry.text(), u"a"_s);
+}
+
 /// A list of many statements over a long line: what is typed ahead reaches the window, as it does on a file. Once one
 /// of them is not answered in time, what is typed from then on is lost as in any wait.
 void ServerWaitTest::manyShortWaitsAreShownButTakeNothing()
@@ -171,8 +197,8 @@ void ServerWaitTest::manyShortWaitsAreShownButTakeNothing()
     for (const auto moment : {230ms, 280ms})
         QVERIFY(till.at(moment));
     QCOMPARE(till.sign()->accessibleDescription(), u"The server has not answered yet."_s);
-    QVERIFY(till.amongShortOnesAt(330ms));
-    QCOMPARE(till.sign()->accessibleDescription(), u"The server has not answered yet."_s);
+    QVERIFY(till.amongShortOnesAt(330ms)); // it does again, and input stays out
+    QCOMPARE(till.sign()->accessibleDescription(), u"The server answers slowly."_s);
     type(u"a"_s, 60ms);
     type(u"b"_s, 120ms);
     type(u"c"_s, 250ms);
@@ -288,12 +314,49 @@ void ServerWaitTest::windowIsNotClosedByWhatWasPressedDuringAWait()
         QCoreApplication::instance()->notify(&window, &event); // sendEvent() makes it the program's own
         return event.isAccepted();
     };
+    const auto turnLoop = [] { QAbstractEventDispatcher::instance()->awake(); };
+    const auto press = [&window](quint64 time) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, u"a"_s);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(&window, &event);
+    };
     InputDam dam;
     dam.hold(1000ms, 2000ms);
+    turnLoop();
     QVERIFY(!close(true));
-    QVERIFY(close(false)); // by the program itself
-    QTest::qWait(50);      // the event loop has come to what lay in its queue
+    QVERIFY(close(false)); // by the program itself, to a widget that is no window of the screen
+    press(1500);
+    QVERIFY(!close(true));
+    press(2001); // so all of the period has come
     QVERIFY(close(true));
+    dam.hold(3000ms, 4000ms);
+    turnLoop();
+    QVERIFY(!close(true));
+    QTest::qWait(50); // the event loop has come to what lay in its queue
+    QVERIFY(close(true));
+}
+
+/// Qt asks a program's own closing of a window as it asks the window manager's.
+void ServerWaitTest::windowThatTheProgramClosesGoes()
+{
+    InputDam dam;
+    QDialog saved;
+    QTimer press;
+    connect(&press, &QTimer::timeout, &saved, [&dam, &saved] {
+        dam.hold(1000ms, 2000ms); // its write was waited for
+        saved.accept();
+    });
+    press.setSingleShot(true);
+    press.start(0);
+    QTimer::singleShot(5000, &saved, [&saved] { saved.done(-1); });
+    QCOMPARE(saved.exec(), static_cast<int>(QDialog::Accepted));
+    QVERIFY(!saved.isVisible());
+
+    QWidget window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    dam.hold(3000ms, 4000ms);
+    QVERIFY(window.close());
 }
 
 HARROWBY_TEST(app_server_wait_test, ServerWaitTest)

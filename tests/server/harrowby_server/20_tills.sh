@@ -36,6 +36,7 @@ for statement in \
     "INSERT INTO SysUsage (SystemUsage,Times,Dates) Values ('a','b','c')" \
     "insert into PurchaseCart (PurchaseID) values ('p')" \
     "Delete from PurchaseCart where PurchaseID = 'p'" \
+    "insert into StoreSettings (Email) values (0)" \
     "Update StoreSettings SET Email = 0" \
     "insert into HarrowbyActivity (DeedID, DoneAt, Kind, Who, Place, What) values ('1', '', '', '', '', '')" \
     "select Value from HarrowbySetting where Name = 'PaymentWays'" \
@@ -57,13 +58,13 @@ harrowbysetting: SELECT
 inventorycategory: DELETE INSERT SELECT UPDATE
 purchasecart: DELETE INSERT SELECT
 stocklist: DELETE INSERT SELECT UPDATE
-storesettings: SELECT UPDATE
+storesettings: INSERT SELECT UPDATE
 sysusage: INSERT
 users: SELECT" admin one "select table_name || ': ' || string_agg(privilege_type, ' ' order by privilege_type)
     from information_schema.role_table_grants where grantee = 'harrowby_till' group by table_name order by table_name"
 for statement in \
     "delete from SysUsage" "select * from SysUsage" "update SysUsage set Times = ''" "truncate StockList" \
-    "insert into StoreSettings (Email) values (0)" "insert into Users (Username) values ('ME')" "update Users set Type = 'ADMIN'" "delete from Users" \
+    "insert into Users (Username) values ('ME')" "update Users set Type = 'ADMIN'" "delete from Users" \
     "create table harrowby.mine (a int)" "create table public.mine (a int)" "create temporary table mine (a int)" \
     "create schema mine" "create function harrowby.f() returns int language sql return 1" \
     "alter table StockList add column a int" "drop table StockList" "create index on StockList (StockCost)" \
