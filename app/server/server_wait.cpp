@@ -28,6 +28,8 @@ ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) 
 bool ServerWait::goesOn(const DbWait &wait)
 {
     const Milliseconds now = m_clock();
+    if (!std::exchange(m_isOfThisTurn, true))
+        QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
     if (now - m_last > longestGap) {
         m_began = now - unheard;
         m_answers = m_answers || !m_isShown;
@@ -43,15 +45,16 @@ bool ServerWait::goesOn(const DbWait &wait)
         m_dam.hold(m_takesNoInput, now + unheard);
     m_sign.keepShowing(wordsOf(wait));
     m_giveUp.offer(m_sign.button());
-    if (!std::exchange(m_isShown, true))
-        QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
-    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !m_answers);
+    m_isShown = true;
+    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !wait.isManyShortOnes);
 }
 
 void ServerWait::end()
 {
+    m_isOfThisTurn = false;
     m_isShown = false;
     m_answers = true;
+    m_last = {}; // the window has gone on: what comes is another wait
     m_giveUp.offer({});
     m_sign.hide();
 }
@@ -61,7 +64,7 @@ WaitWords ServerWait::wordsOf(const DbWait &wait) const
     WaitWords words{u"Waiting for the server"_s, {}};
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_last - m_began).count();
     const QString time = seconds > 0 ? u" (%1 s)"_s.arg(seconds) : QString();
-    if (m_answers) {
+    if (wait.isManyShortOnes) {
         words.text = u"The server answers slowly%1."_s.arg(time);
         return words;
     }

@@ -52,6 +52,7 @@ private:
     Milliseconds m_takesNoInput{0}; ///< since then
     Milliseconds m_last{0};         ///< when the hook was called last
     bool m_answers = true;          ///< each answer has come soon so far
+    bool m_isOfThisTurn = false;    ///< the event loop has not run since the hook was called last
     bool m_isShown = false;
 };
 

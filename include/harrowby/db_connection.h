@@ -45,7 +45,7 @@ enum class WriteOutcome {
 };
 
 /// How the rows of a SELECT are going to be read. No rows, columns or orders depend on it; but behind the tenth row,
-/// those of First may be of a later moment than its count and the rows before.
+/// those of First may be of a later moment than its count and the rows before, and so may all rows of Count.
 enum class DbReading {
     Whole, ///< all of them, at once
     First, ///< perhaps only the first ten, and DbCursor::rowCount(); perhaps all
@@ -220,7 +220,8 @@ public:
     virtual bool holdFor(const QString &select, HeldWrite write);
 
     /// Sets the one hook, for an engine whose answers may take long: it is called at least every 50 milliseconds while
-    /// a statement waits, in the middle of the component's step, and paints what is waited for. It may handle no events
+    /// a statement waits, in the middle of the component's step, and paints what is waited for; also when none waits
+    /// long and many do so without the event loop running between them. It may handle no events
     /// but its own sign's, must not throw, and runs no statement. Returning false ends the wait where
     /// DbWait::mayGiveUp says so; the statement fails then. An empty hook switches it off. In this default it is never
     /// called: SQLite waits in the host's own busy handler.

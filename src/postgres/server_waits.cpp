@@ -91,10 +91,11 @@ Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTime
         const qint64 left = std::max<qint64>(std::chrono::ceil<std::chrono::milliseconds>(untilHook()).count(), 0);
         const qint64 slice = deadline.isForever() ? left : std::min(left, deadline.remainingTime());
         const int ready = ::poll(sockets, count, static_cast<int>(slice));
-        if (!goesOn())
-            return End::GivenUp;
-        if (ready > 0)
+        const bool isGivenUp = !goesOn();
+        if (ready > 0) // an answer that is there counts
             return End::Ready;
+        if (isGivenUp)
+            return End::GivenUp;
         if (deadline.hasExpired())
             return End::TimedOut;
     }
