@@ -22,10 +22,10 @@ bool isPassing(Kind kind)
     return kind == Kind::LockTimedOut || kind == Kind::Deadlock;
 }
 
-/// With the server's limit for locks when the usual one would be too long.
+/// With the server's limit for locks where it is not the session's.
 QByteArray limited(const QByteArray &statements, milliseconds limit, milliseconds usual)
 {
-    if (limit >= usual)
+    if (limit == usual)
         return statements;
     return "set local lock_timeout = " + QByteArray::number(qint64{std::max<milliseconds::rep>(limit.count(), 1)}) +
            ';' + statements;
@@ -48,6 +48,7 @@ PgSession &PgSession::operator=(PgSession &&other) noexcept
     m_waits = std::move(other.m_waits);
     m_server = std::move(other.m_server);
     m_store = other.m_store;
+    m_lockLimit = other.m_lockLimit;
     m_lockWait = other.m_lockWait;
     m_link = std::move(other.m_link);
     return *this;
@@ -63,6 +64,7 @@ Result<void, PgError> PgSession::connect(const PgTarget &target, const PgWaits &
     m_link = std::move(found->link);
     m_server = found->server;
     m_store = found->store;
+    m_lockLimit = postgres::usualLockLimit(target.use, waits.answer);
     return {};
 }
 
@@ -132,7 +134,8 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
 
 void PgSession::rollBack(const PgBudget &budget)
 {
-    if (isInTransaction() && !run("rollback", budget))
+    // Bare: one that has failed takes nothing else, no limit for locks either.
+    if (isInTransaction() && !m_link->exchange("rollback", budget.answer, PgWaiting::Answer))
         close();
 }
 
@@ -149,12 +152,13 @@ milliseconds PgSession::takeLockWait()
 
 Result<PgResults, PgError> PgSession::runUntilFree(const QByteArray &statements, const PgBudget &budget)
 {
-    const milliseconds limit = postgres::lockLimit(budget.answer);
+    const milliseconds longest = postgres::lockLimit(budget.answer);
     const bool isAlone = m_link->isIdle();
     const QDeadlineTimer lock(budget.lock);
-    for (PgWaiting what = PgWaiting::Answer;; what = budget.lockIs) {
+    milliseconds limit = isAlone ? std::min(m_lockLimit, longest) : longest;
+    for (PgWaiting what = PgWaiting::Answer;; what = budget.lockIs, limit = longest) {
         const milliseconds time = std::min(limit, milliseconds(lock.remainingTime()));
-        const QByteArray text = limited(statements, time, postgres::lockLimit(m_waits.answer));
+        const QByteArray text = limited(statements, time, m_lockLimit);
         Result<PgResults, PgError> results = m_link->exchange(text, budget.answer, what);
         const bool isLimited = text.size() > statements.size();
         if (results && results->size() < (isLimited ? 2 : 1))

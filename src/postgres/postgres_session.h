@@ -50,7 +50,8 @@ public:
     /// Runs statements, sent together in one round trip: outside a transaction all or none of them is done. The time
     /// for others' locks is given by the server's own limit, in pieces shorter than the time for an answer: so a lock
     /// is never taken for a server that says nothing. What was refused for a lock or as a deadlock's victim is sent
-    /// again until that time is over, when it began outside a transaction.
+    /// again until that time is over, when it began outside a transaction; the first piece is a short one, so that also
+    /// a short wait is known for what it is.
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements, const PgBudget &budget);
     [[nodiscard]] Result<PgResults, PgError> run(const QByteArray &statements); ///< with the waits of connect()
     /// Ends the transaction, if there is one, with nothing of it done. A session on which that fails is closed.
@@ -73,6 +74,7 @@ private:
     PgWaits m_waits;
     PgServer m_server;
     QUuid m_store;
+    std::chrono::milliseconds m_lockLimit{0}; ///< the server's own, unless a text says otherwise
     std::chrono::milliseconds m_lockWait{0};
     bool m_hasMetLock = false;                    ///< in the text that is run
     std::shared_ptr<postgres::ServerLink> m_link; ///< null: none. Shared with the rows that are being fetched

@@ -88,9 +88,13 @@ std::chrono::milliseconds lockLimit(std::chrono::milliseconds answer)
     return std::max(answer * 9 / 20, std::chrono::milliseconds(1)); // 0 would be none
 }
 
+std::chrono::milliseconds usualLockLimit(PgTarget::Use use, std::chrono::milliseconds answer)
+{
+    return use == PgTarget::Use::Walk ? lockLimit(answer) : std::max(answer / 20, std::chrono::milliseconds(1));
+}
+
 ServerAttempt::ServerAttempt(ConnectOptions options, Host host, const PgTarget &target, const PgWaits &waits) :
-    m_options(std::move(options)), m_host(std::move(host)), m_target(target), m_hook(waits.hook),
-    m_lockLimit(lockLimit(waits.answer))
+    m_options(std::move(options)), m_host(std::move(host)), m_target(target), m_hook(waits.hook), m_answer(waits.answer)
 {
     m_options.removeIf(
         [](const auto &option) { return option.first == "client_encoding" || option.first == "application_name"; });
@@ -186,7 +190,7 @@ void ServerAttempt::connectOn()
 
 void ServerAttempt::ask()
 {
-    QByteArray questions = sessionSettings(m_target.use, m_lockLimit) + factsQuery;
+    QByteArray questions = sessionSettings(m_target.use, usualLockLimit(m_target.use, m_answer)) + factsQuery;
     if (m_target.schemaVersion > 0)
         questions += versionQuery;
     m_state = State::Asking;

@@ -59,7 +59,7 @@ private:
     QList<Host> m_otherAddresses;
     PgTarget m_target;
     PgWaitHook m_hook;
-    std::chrono::milliseconds m_lockLimit;
+    std::chrono::milliseconds m_answer;
     State m_state = State::Connecting;
     std::optional<Aside<PgAddresses>> m_lookup;
     std::unique_ptr<ServerLink> m_link;
@@ -72,5 +72,8 @@ private:
 /// The server's own limit for a lock that goes with a time for an answer: the server speaks first. It waits for a row
 /// twice where somebody else waits for it already, for that one's turn and then for its end, each time for so long.
 [[nodiscard]] std::chrono::milliseconds lockLimit(std::chrono::milliseconds answer);
+/// The one that a session has by itself. Of one for statements that may meet a lock it is short: the server tells of
+/// no wait that ended well, and what is sent again is one from its beginning.
+[[nodiscard]] std::chrono::milliseconds usualLockLimit(PgTarget::Use use, std::chrono::milliseconds answer);
 
 } // namespace harrowby::postgres

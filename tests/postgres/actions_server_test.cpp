@@ -327,7 +327,7 @@ void ActionsServerTest::sendsADeadlocksVictimAgain()
     m_cluster->set(u"deadlock_timeout"_s, u"300ms"_s);
     m_cluster->sql(u"set deadlock_timeout = '1h'"_s);
     m_cluster->sql(u"insert into harrowby.stock values (2, 0)"_s);
-    ActingTill program({m_cluster->port()}, journal());
+    ActingTill program({m_cluster->port()}, journal(), ActingTill::patientTimes()); // the deadlock comes first
     const QString take = u"update harrowby.stock set pieces = pieces where item = %1"_s;
     m_cluster->sql(u"begin; "_s + take.arg(2));
     bool isTaken = false;

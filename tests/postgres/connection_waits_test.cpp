@@ -36,6 +36,7 @@ private Q_SLOTS:
     void failsWhileItIsAway();
     void anothersLock();
     void locksOfAnActionTogether();
+    void shortLocksOfAnAction();
     void thirdForARow();
     void stoppedServer();
     void shortWaitsInARow();
@@ -204,6 +205,37 @@ void ConnectionWaitsTest::locksOfAnActionTogether()
     m_server->cluster.sql(u"rollback"_s);
     // 1,500 are left, where a time of its own would have 5,000.
     QVERIFY2(took.elapsed() < 4'500, qPrintable(QString::number(took.elapsed())));
+    QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
+}
+
+/// Each is free again long before the server would tell of it: they are of the action's time all the same.
+void ConnectionWaitsTest::shortLocksOfAnAction()
+{
+    PostgresOptions options = m_server->options();
+    options.silence = 4'000ms;
+    options.lock = 2'000ms;
+    PostgresConnection till(m_server->cluster.conninfo(), options);
+    till.setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
+    QVERIFY(!till.open());
+    QElapsedTimer took;
+    bool isHeld = false;
+    till.setWaitHook([&](const DbWait &) {
+        if (isHeld && took.elapsed() > 1'300)
+            m_server->cluster.sql(u"rollback"_s), isHeld = false;
+        return true;
+    });
+    const auto sellLocked = [&] {
+        m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+        isHeld = true;
+        took.start();
+        return till.Execute(statements::raiseStock(1, u"1"_s).sql());
+    };
+    till.beginAction();
+    QVERIFY(sellLocked());
+    QVERIFY(!sellLocked());
+    m_server->cluster.sql(u"rollback"_s);
+    QCOMPARE(m_server->failures.size(), 1u);
+    QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
 }
 

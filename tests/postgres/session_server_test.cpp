@@ -122,7 +122,7 @@ void SessionServerTest::aSessionIsAsAStoreNeedsIt_data()
     QTest::newRow("dates") << QByteArray("datestyle") << QByteArray("ISO, YMD");
     QTest::newRow("backslashes") << QByteArray("standard_conforming_strings") << QByteArray("on");
     QTest::newRow("ours first") << QByteArray("search_path") << QByteArray("harrowby, pg_catalog, pg_temp");
-    QTest::newRow("locks") << QByteArray("lock_timeout") << QByteArray("180ms");
+    QTest::newRow("locks") << QByteArray("lock_timeout") << QByteArray("20ms");
     QTest::newRow("no time limit") << QByteArray("statement_timeout") << QByteArray("0");
     QTest::newRow("isolation") << QByteArray("transaction_isolation") << QByteArray("read committed");
     QTest::newRow("the server's business") << QByteArray("synchronous_commit") << QByteArray("remote_apply");

@@ -230,7 +230,7 @@ void SessionTest::aLockIsAskedForAgain()
     for (const QByteArray &state : {QByteArray("55P03"), QByteArray("40P01")}) {
         Desk desk({{ScriptedServer::error(state, "not now") + ScriptedServer::ready()}, Then::Wait, 60});
         QVERIFY(desk.session.run("update"));
-        QCOMPARE(desk.server.statements(), (QByteArrayList{"update", "update"}));
+        QCOMPARE(desk.server.statements(), (QByteArrayList{"update", "set local lock_timeout = 27000;update"}));
         QCOMPARE(desk.session.takeLockWait() >= 60ms, state == "55P03"); // also when it was got in the end
         QCOMPARE(desk.session.takeLockWait(), 0ms);
     }
@@ -259,7 +259,7 @@ void SessionTest::aLockThatIsNeverFreeIsToldAsOne()
 void SessionTest::whatIsLeftForLocksIsTheServersLimit()
 {
     Desk desk(say(ScriptedServer::done("SET") + ScriptedServer::done("UPDATE 7") + ScriptedServer::ready()));
-    QVERIFY(desk.server.questions().first().contains("set lock_timeout = 27000;")); // less than an answer's minute
+    QVERIFY(desk.server.questions().first().contains("set lock_timeout = 3000;")); // so that a short wait is known, too
     const Result<PgResults, PgError> results = desk.session.run("update", {60s, 0s});
     QVERIFY(results);
     QCOMPARE(results->size(), 1U);
@@ -268,6 +268,13 @@ void SessionTest::whatIsLeftForLocksIsTheServersLimit()
     QVERIFY(desk.session.run("update", {1s, 60s}));
     QCOMPARE(desk.server.statements(),
              (QByteArrayList{"set local lock_timeout = 1;update", "update", "set local lock_timeout = 450;update"}));
+
+    const ScriptedServer server;
+    PgSession walking;
+    PgTarget target{server.conninfo()};
+    target.use = PgTarget::Use::Walk;
+    QVERIFY(walking.connect(target, {60s, 60s, 60s, 60s}));
+    QVERIFY(server.questions().first().contains("set lock_timeout = 27000;")); // less than an answer's minute
 }
 
 void SessionTest::withinATransactionNothingIsSentAgain()
@@ -283,7 +290,9 @@ void SessionTest::withinATransactionNothingIsSentAgain()
     QVERIFY(session.isInTransaction());
     QCOMPARE(errorOf(session.run("select for update")).kind, Kind::LockTimedOut);
     QVERIFY(session.isInTransaction());
-    QCOMPARE(server.statements(), (QByteArrayList{"begin", "select for update"}));
+    session.rollBack({5s, 0s});
+    QCOMPARE(server.statements(),
+             (QByteArrayList{"begin", "set local lock_timeout = 2250;select for update", "rollback"}));
 }
 
 void SessionTest::aTextThatFailsLeavesNoTransactionOpen()
