@@ -31,6 +31,13 @@ QByteArray limited(const QByteArray &statements, milliseconds limit, millisecond
            ';' + statements;
 }
 
+/// As it is without the statement in front of the text.
+PgError withoutLimit(PgError error)
+{
+    --error.behind;
+    return error;
+}
+
 } // namespace
 
 PgSession::PgSession() = default;
@@ -123,13 +130,7 @@ Result<PgResults, PgError> PgSession::run(const QByteArray &statements, const Pg
 {
     if (std::optional<PgError> error = refusal(statements))
         return Unexpected(*std::move(error));
-    m_hasMetLock = false;
-    QElapsedTimer took;
-    took.start();
-    auto results = runUntilFree(statements, budget);
-    if (m_hasMetLock)
-        m_lockWait += milliseconds(took.elapsed());
-    return results;
+    return runUntilFree(statements, budget);
 }
 
 void PgSession::rollBack(const PgBudget &budget)
@@ -156,16 +157,23 @@ Result<PgResults, PgError> PgSession::runUntilFree(const QByteArray &statements,
     const bool isAlone = m_link->isIdle();
     const QDeadlineTimer lock(budget.lock);
     milliseconds limit = isAlone ? std::min(m_lockLimit, longest) : longest;
-    for (PgWaiting what = PgWaiting::Answer;; what = budget.lockIs, limit = longest) {
+    for (PgWaiting what = PgWaiting::Answer;; limit = longest) {
         const milliseconds time = std::min(limit, milliseconds(lock.remainingTime()));
         const QByteArray text = limited(statements, time, m_lockLimit);
+        QElapsedTimer took;
+        took.start();
         Result<PgResults, PgError> results = m_link->exchange(text, budget.answer, what);
         const bool isLimited = text.size() > statements.size();
+        if (!results && isLimited)
+            results = Unexpected(withoutLimit(results.error()));
+        if (!results && isPassing(results.error().kind))
+            what = results.error().behind > 0 ? PgWaiting::Lock : budget.lockIs;
+        if (what == PgWaiting::Lock)
+            m_lockWait += milliseconds(took.elapsed());
         if (results && results->size() < (isLimited ? 2 : 1))
             return Unexpected(refuseAnswer());
         if (results && isLimited)
             results->erase(results->begin()); // of the limit
-        m_hasMetLock = m_hasMetLock || (!results && results.error().kind == Kind::LockTimedOut);
         if (results || !isAlone || isLost())
             return results;
         const bool isOver = !isPassing(results.error().kind) || lock.hasExpired();

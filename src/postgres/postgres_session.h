@@ -76,7 +76,6 @@ private:
     QUuid m_store;
     std::chrono::milliseconds m_lockLimit{0}; ///< the server's own, unless a text says otherwise
     std::chrono::milliseconds m_lockWait{0};
-    bool m_hasMetLock = false;                    ///< in the text that is run
     std::shared_ptr<postgres::ServerLink> m_link; ///< null: none. Shared with the rows that are being fetched
 };
 

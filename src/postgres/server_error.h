@@ -41,6 +41,7 @@ struct PgError
     QByteArray sqlState = {}; ///< five characters when the server has said it, else empty
     QString text = {};        ///< one line to show: the server's message, or what happened
     bool mayBeDone = false;   ///< whether what was sent may have been carried out, now or later
+    int behind = 0;           ///< of so many statements of the same text that had passed, and were taken back with it
 };
 
 namespace postgres {

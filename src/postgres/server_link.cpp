@@ -206,8 +206,10 @@ Result<PgResults, PgError> ServerLink::collect(std::chrono::milliseconds answer,
         if (!raw)
             break;
         results.emplace_back(raw);
-        if (!error && !isGood(PQresultStatus(raw)))
+        if (!error && !isGood(PQresultStatus(raw))) {
             error = failureOf(raw);
+            error->behind = static_cast<int>(results.size()) - 1;
+        }
     }
     if (!error && m_isUnconfirmed)
         error = PgError{PgError::Kind::NotConfirmed, {}, u"No standby has confirmed it"_s, true};

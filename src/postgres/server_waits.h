@@ -48,7 +48,7 @@ struct PgBudget
     std::chrono::milliseconds answer{5000};
     /// Another's lock. What is left of an action's time for it.
     std::chrono::milliseconds lock{10000};
-    /// What is waited for then, as far as a person can tell: one's own write before may hold it.
+    /// What the text's first statement waits for then, as far as a person can tell: one's own write before may hold it.
     PgWaiting lockIs = PgWaiting::Lock;
 };
 

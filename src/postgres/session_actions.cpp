@@ -33,7 +33,6 @@ Heard answerOf(const PgError &error)
     }
 }
 
-/// What a lock means to a further sending or a claim: the first sending holds it.
 PgError notConfirmedYet()
 {
     return {PgError::Kind::NotConfirmed, "55000", u"The server has not confirmed yet what was sent before"_s, true};
@@ -146,8 +145,12 @@ ActionAnswer SessionActions::run(const QByteArray &statements, bool endsTransact
 ActionAnswer SessionActions::failed(const PgError &error)
 {
     m_isGivenUp = m_isGivenUp || error.kind == PgError::Kind::GivenUp;
-    const bool isOwnLock = error.kind == PgError::Kind::LockTimedOut && m_phase != Phase::Sending;
-    return {answerOf(error), 0, isOwnLock ? notConfirmedYet() : error};
+    if (error.kind != PgError::Kind::LockTimedOut || m_phase == Phase::Sending)
+        return {answerOf(error), 0, error};
+    if (error.behind == 0) // that of the number: the first sending holds it
+        return {Heard::Locked, 0, notConfirmedYet()};
+    m_deadline = QDeadlineTimer(0); // another's, for all the time that the action had for it
+    return {Heard::Locked, 0, error};
 }
 
 } // namespace harrowby::postgres

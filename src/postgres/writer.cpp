@@ -84,6 +84,7 @@ Result<void, PgError> Writer::connect()
 void Writer::setTimes()
 {
     ActionTime &time = m_access.time();
+    m_access.noteLocks(); // of a sending before
     ActionPatience patience;
     patience.sending = time.hasWritten() ? time.left() : m_access.waits().connecting;
     patience.resending = time.hasWritten() ? time.left() : m_rest;
