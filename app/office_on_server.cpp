@@ -35,10 +35,10 @@ public:
         m_isOpen = true;
         m_notice.addDoubtful(failure);
     }
-    void settle(const QString &what, bool isDone)
+    void settle(const QString &what, WriteOutcome known)
     {
         m_isOpen = false;
-        tellSettled(m_notice, what, isDone);
+        tellSettled(m_notice, what, known);
     }
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
 
@@ -76,7 +76,7 @@ Result<OfficeLeaving, ExitCode> keepOfficeOnServer(const QString &address, const
     ServerOptions options;
     options.location = QCoreApplication::applicationDirPath();
     options.waitHook = [&wait](const DbWait &what) { return wait.goesOn(what); };
-    options.resolvedHandler = [&doubts](const QString &what, bool isDone) { doubts.settle(what, isDone); };
+    options.resolvedHandler = [&doubts](const QString &what, WriteOutcome known) { doubts.settle(what, known); };
     const auto opened = openServerStore(address, options);
     if (!opened) {
         tellProblem(opened.error());

@@ -121,7 +121,7 @@ int sellFromServer(const CommandLine &line, const QString &address, ServerStore 
     records.setFailureHandler([&follower](const DbFailure &failure) {
         follower.note(failure, Records::isUnknown(failure) ? WriteOutcome::Unknown : WriteOutcome::Refused);
     });
-    store.setResolvedHandler([&follower](const QString &what, bool isDone) { follower.settle(what, isDone); });
+    store.setResolvedHandler([&follower](const QString &what, WriteOutcome known) { follower.settle(what, known); });
     const auto locks = std::make_shared<ServerRunLocks>(store);
     ServerAttendance attendance(address, store, *locks, follower, missed);
     TillStore open = {connection, records, {}, u"Check the server, then start the till again."_s};
@@ -150,7 +150,7 @@ Result<int, ExitCode> runTillOnServer(const CommandLine &line, const QString &st
     options.location = QApplication::applicationDirPath();
     options.waitHook = [&wait](const DbWait &what) { return wait.goesOn(what); };
     options.findsAnywhere = [&records] { return records && SearchChoice(*records, true).findsAnywhere(); };
-    options.resolvedHandler = [&notice](const QString &what, bool isDone) { tellSettled(notice, what, isDone); };
+    options.resolvedHandler = [&notice](const QString &what, WriteOutcome known) { tellSettled(notice, what, known); };
     auto opened = openServerStore(store, options);
     if (!opened) {
         tellProblem(opened.error());

@@ -58,7 +58,7 @@ struct ServerOptions
     /// See DbConnection::setWaitHook(); called already while the store is being opened.
     DbConnection::WaitHook waitHook = {};
     /// See ServerStore::setResolvedHandler(); called already while the store is being opened.
-    std::function<void(const QString &what, bool isDone)> resolvedHandler = {};
+    std::function<void(const QString &what, WriteOutcome known)> resolvedHandler = {};
 };
 
 /// Held until this object goes, or its program does.
@@ -75,7 +75,7 @@ public:
 class ServerStore
 {
 public:
-    using ResolvedHandler = std::function<void(const QString &what, bool isDone)>;
+    using ResolvedHandler = std::function<void(const QString &what, WriteOutcome known)>;
     /// An UPDATE, INSERT or DELETE of the component's that was done, and how many rows it has changed.
     using ChangeHandler = std::function<void(const QString &statement, std::int64_t rows)>;
     /// A SELECT of the component's that was read and has no row.

@@ -49,6 +49,22 @@ QString lineWords(const StockMiss &line)
     return u"%1 x %2 (%3)"_s.arg(plainText(line.units), line.name, line.stockId);
 }
 
+void tellNeverKnown(FailureNotice &notice, const QString &statement)
+{
+    const auto line = missOf(statement);
+    const bool isLine = line && line->kind == StockMiss::Kind::NotLowered;
+    const auto subject = u"never known"_s;
+    notice.tellOver(subject); // each is told
+    notice.forget(doubtfulWork({DbFailure::Kind::Write, statement, {}}));
+    notice.tell({subject,
+                 isLine
+                     ? u"It cannot be found out any more whether the stock of %1 was lowered."_s.arg(lineWords(*line))
+                     : neverKnownWork(statement),
+                 u"another program has ended the numbers of this till's writes"_s,
+                 isLine ? u"Have the item counted."_s : u"Look whether it is there before you do it again."_s, true,
+                 true, Notice::Outcome::NotKnown});
+}
+
 } // namespace
 
 SaleFollower::SaleFollower(Counter &counter, FailureNotice &notice, QObject *parent) :
@@ -75,15 +91,15 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
         m_notice.add(failure);
 }
 
-void SaleFollower::settle(const QString &statement, bool isDone)
+void SaleFollower::settle(const QString &statement, WriteOutcome known)
 {
     m_doubts = std::max(m_doubts - 1, 0); // those of an earlier program have not been counted
     if (const auto line = missOf(statement); line && line->kind == StockMiss::Kind::NotLowered) {
-        if (settleMiss(lineWords(*line), isDone))
+        if (known != WriteOutcome::Unknown && settleMiss(lineWords(*line), known == WriteOutcome::Done))
             return;
         forgetDoubt(lineWords(*line));
     }
-    tellSettled(m_notice, statement, isDone);
+    tellSettled(m_notice, statement, known);
 }
 
 /// Of a purchase that has not been told yet, as while its summary stands there: it is told as what it is.
@@ -112,8 +128,11 @@ void SaleFollower::forgetDoubt(const QString &line)
     m_toldDoubts.erase(doubt);
 }
 
-void tellSettled(FailureNotice &notice, const QString &statement, bool isDone)
+void tellSettled(FailureNotice &notice, const QString &statement, WriteOutcome known)
 {
+    if (known == WriteOutcome::Unknown)
+        return tellNeverKnown(notice, statement);
+    const bool isDone = known == WriteOutcome::Done;
     const auto line = missOf(statement);
     if (!isDone && isOfPurchase(statement))
         return notice.settle(statement, settledPurchaseWords(statement), lostPurchaseAdvice());

@@ -31,8 +31,8 @@ public:
     /// A write of the component's, or of the program's own, has failed. To be called in the middle of the till's work.
     void note(const DbFailure &failure, WriteOutcome outcome);
 
-    /// Of a write that was not known, it is known now. Likewise.
-    void settle(const QString &statement, bool isDone);
+    /// Of a write that was not known, it is known now, or never will be (Unknown). Likewise.
+    void settle(const QString &statement, WriteOutcome known);
     /// Whether there are writes that are not known yet.
     [[nodiscard]] bool isInDoubt() const { return m_doubts > 0; }
 
@@ -75,7 +75,8 @@ private:
     std::vector<Cart> m_back; ///< that are to come back
 };
 
-/// Tells of a write that was not known, perhaps of an earlier program's, what has become of it.
-void tellSettled(FailureNotice &notice, const QString &statement, bool isDone);
+/// Tells of a write that was not known, perhaps of an earlier program's, what has become of it, or that nobody can find
+/// out any more (Unknown).
+void tellSettled(FailureNotice &notice, const QString &statement, WriteOutcome known);
 
 } // namespace harrowby::app

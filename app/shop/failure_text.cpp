@@ -130,10 +130,12 @@ QString withinSentence(const QString &sentence)
     return sentence.left(1).toLower() + sentence.mid(1);
 }
 
+constexpr auto notKnown = "It is not known"_L1;
+
 /// `work` says that it was done.
 QString notKnownWhether(const QString &work)
 {
-    return u"It is not known whether "_s + withinSentence(work);
+    return notKnown + u" whether "_s + withinSentence(work);
 }
 
 /// `work` says that it was not done.
@@ -214,6 +216,12 @@ QString doubtfulWork(const DbFailure &failure)
 {
     const auto held = heldChange(failure.statement);
     return held ? notKnownWhether(heldWork(*held, true)) : doubtfulWords(failedWork(failure));
+}
+
+QString neverKnownWork(const QString &statement)
+{
+    return u"It cannot be found out any more"_s +
+           doubtfulWork({DbFailure::Kind::Write, statement, {}}).sliced(notKnown.size());
 }
 
 QString settledWork(const QString &statement, bool isDone)

@@ -16,7 +16,9 @@ namespace harrowby::app {
 [[nodiscard]] QString doubtfulWork(const DbFailure &failure);
 /// And once somebody can. `statement` as in DbFailure.
 [[nodiscard]] QString settledWork(const QString &statement, bool isDone);
-/// What to do then.
+/// And once it is certain that nobody ever can.
+[[nodiscard]] QString neverKnownWork(const QString &statement);
+/// What to do once somebody can.
 [[nodiscard]] QString settledAdvice(const QString &statement, bool isDone);
 /// Why, in one short line.
 [[nodiscard]] QString failureReason(const DbFailure &failure);

@@ -75,10 +75,11 @@ public:
     void beginAction();
 
     /// A write that had been told as unknown has been resolved: `what` is its text (of a purchase's row with its ID and
-    /// sum: "INSERT PurchaseCart HV1 6.5"), `isDone` whether it is in the database. Called in the middle of a
-    /// statement; must not throw, enter an event loop or use this connection. Set before open() it is also told of
-    /// those of an earlier program, which wait for one that has a handler.
-    void setResolvedHandler(std::function<void(const QString &what, bool isDone)> handler);
+    /// sum: "INSERT PurchaseCart HV1 6.5"), `known` what has become of it; WriteOutcome::Unknown when nobody can find
+    /// out any more, as another program has taken this one for dead. Called in the middle of a statement; must not
+    /// throw, enter an event loop or use this connection. Set before open() it is also told of those of an earlier
+    /// program, which wait for one that has a handler.
+    void setResolvedHandler(std::function<void(const QString &what, WriteOutcome known)> handler);
 
     bool Execute(const QString &statement) override;
     [[nodiscard]] std::unique_ptr<DbCursor> query(const QString &select) override;

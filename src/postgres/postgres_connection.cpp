@@ -213,13 +213,12 @@ void PostgresConnection::beginAction()
     d->time.begin();
 }
 
-void PostgresConnection::setResolvedHandler(std::function<void(const QString &what, bool isDone)> handler)
+void PostgresConnection::setResolvedHandler(std::function<void(const QString &what, WriteOutcome known)> handler)
 {
     if (!handler)
         return d->writer.setResolvedHandler({});
     d->writer.setResolvedHandler([handler = std::move(handler)](const QString &what, Actions::Outcome outcome) {
-        if (outcome != Actions::Outcome::Unknown)
-            handler(what, outcome == Actions::Outcome::Done);
+        handler(what, outcomeOf(outcome));
     });
 }
 

@@ -101,7 +101,7 @@ void HoldLostTest::openStore()
     options.connecting = 200ms;
     options.silence = options.rest = 500ms;
     options.waitHook = [this](const DbWait &) { return !m_isLost; };
-    options.resolvedHandler = [this](const QString &what, bool isDone) { tellSettled(*m_notice, what, isDone); };
+    options.resolvedHandler = [this](const QString &what, WriteOutcome known) { tellSettled(*m_notice, what, known); };
     const QString address = m_till->file.path().replace(u":%1/"_s.arg(harrowby::test::serverOfShops().port()),
                                                         u":%1/"_s.arg(m_cable->port()));
     m_store = std::make_unique<server::PostgresStore>(address + u"?sslmode=disable"_s, options);
@@ -111,7 +111,7 @@ void HoldLostTest::openStore()
     m_tillsRecords->setFailureHandler([this](const DbFailure &failure) {
         m_follower->note(failure, Records::isUnknown(failure) ? WriteOutcome::Unknown : WriteOutcome::Refused);
     });
-    m_store->setResolvedHandler([this](const QString &what, bool isDone) { m_follower->settle(what, isDone); });
+    m_store->setResolvedHandler([this](const QString &what, WriteOutcome known) { m_follower->settle(what, known); });
     m_tillsDesk = std::make_unique<HoldDesk>(counter(), *m_tillsRecords, [this](const QString &text, bool isRefusal) {
         m_said << (isRefusal ? u"! "_s : QString()) + text;
     });

@@ -333,7 +333,7 @@ void ServerCopyTest::copyWhoseEndIsUnknownIsToldAndFoundOut()
     options.stateFolder = state.path();
     options.connecting = 300ms;
     options.silence = options.rest = 2s;
-    options.resolvedHandler = [&](const QString &, bool isDone) { resolved << isDone; };
+    options.resolvedHandler = [&](const QString &, WriteOutcome known) { resolved << (known == WriteOutcome::Done); };
     const auto engine = serverEngine();
     auto opened = (*engine)->open(throughCable(cable), options);
     QVERIFY2(opened, opened ? "" : qPrintable(opened.error().reason));

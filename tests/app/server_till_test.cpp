@@ -19,6 +19,11 @@ using namespace harrowby;
 using namespace harrowby::app;
 using namespace std::chrono_literals;
 
+static WriteOutcome outcomeOf(bool isDone)
+{
+    return isDone ? WriteOutcome::Done : WriteOutcome::Refused;
+}
+
 /// What a till on a server says and keeps, without a server: refusals, sales that fail.
 class ServerTillTest : public QObject
 {
@@ -40,6 +45,7 @@ private Q_SLOTS:
     void whatIsKnownByTheEndIsToldAsItIs_data();
     void whatIsKnownByTheEndIsToldAsItIs();
     void whatWasNotKnownIsForgotten();
+    void whatNobodyCanFindOutIsTold();
     void doubtsOfTwoPurchasesAreTwo();
     void cartComesBackOnceAllIsKnownAsNotDone_data();
     void cartComesBackOnceAllIsKnownAsNotDone();
@@ -276,18 +282,18 @@ void ServerTillTest::whatIsNotKnownIsToldAndSettled()
     QVERIFY(told("failureWork").contains(u"1 x JAM (A2) sold; it is not known whether the stock was lowered"_s));
     QVERIFY(told("failureAdvice").contains(u"the till finds out"_s));
 
-    m_follower->settle(u"INSERT PurchaseCart"_s, true);
+    m_follower->settle(u"INSERT PurchaseCart"_s, WriteOutcome::Done);
     QVERIFY(!told("failureWork").contains(u"not known whether the purchase"_s));
     QVERIFY(told("failureWork").contains(u"Known now: the purchase was recorded."_s));
     m_notice->dismiss();
     m_follower->settle(
         u"Update Stocklist Set StockAvailable = StockAvailable - 1 where StockID = 'A2' and UPPER(StockName) = 'JAM'"_s,
-        false);
+        WriteOutcome::Refused);
     QCOMPARE(told("failureWork"), u"Known now: 1 x JAM (A2) was sold, but its stock was not lowered."_s);
     QVERIFY(told("failureHeading").startsWith(u"Known now"_s));
     for (const auto &[noted, named] : {std::pair(u" HV1 6.5"_s, u" HV1 over 6.50"_s), {QString(), QString()}}) {
         m_notice->dismiss();
-        m_follower->settle(u"INSERT PurchaseCart"_s + noted, false);
+        m_follower->settle(u"INSERT PurchaseCart"_s + noted, WriteOutcome::Refused);
         QCOMPARE(told("failureWork"), u"Known now: the purchase%1 was not recorded."_s.arg(named));
         QVERIFY(told("failureAdvice").startsWith(u"Write it down"_s));
     }
@@ -322,7 +328,7 @@ void ServerTillTest::whatIsKnownByTheEndIsToldAsItIs()
         if (isLowering(text))
             return ++lines > 0;
         if (std::exchange(lines, 0) == 2)
-            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), isDone);
+            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), outcomeOf(isDone));
         return false;
     };
     sell(fails, WriteOutcome::Unknown);
@@ -338,15 +344,31 @@ void ServerTillTest::whatWasNotKnownIsForgotten()
 {
     openTill();
     sell(isLowering, WriteOutcome::Unknown);
-    m_follower->settle(lowering(u"A2"_s, u"JAM"_s), true);
+    m_follower->settle(lowering(u"A2"_s, u"JAM"_s), WriteOutcome::Done);
     QVERIFY(told("failureHeading").contains(u"Not known"_s));
     QVERIFY(!told("failureWork").contains(u"1 x JAM (A2) sold; it is not known"_s));
     QVERIFY(told("failureWork").contains(u"Known now: the stock of 1 x JAM (A2) was lowered."_s));
     QVERIFY(told("failureWork").contains(u"1 x TEA (A1) sold; it is not known"_s));
-    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), WriteOutcome::Done);
     QVERIFY(!told("failureWork").contains(u"it is not known"_s));
     QVERIFY2(told("failureHeading").contains(u"Known now"_s), qPrintable(told("failureHeading")));
     QVERIFY(!m_follower->isInDoubt());
+}
+
+/// Nobody looks for it any longer, and whoever waits for what becomes of it is told.
+void ServerTillTest::whatNobodyCanFindOutIsTold()
+{
+    openTill();
+    sell([](const QString &text) { return text.contains(u"'A2'"_s) || text == u"insert PurchaseCart"_s; },
+         WriteOutcome::Unknown);
+    m_follower->settle(u"INSERT PurchaseCart"_s, WriteOutcome::Unknown);
+    m_follower->settle(lowering(u"A2"_s, u"JAM"_s), WriteOutcome::Unknown);
+    QVERIFY(!m_follower->isInDoubt());
+    QCOMPARE(told("failureWork"), u"It cannot be found out any more whether the purchase was recorded.\n"
+                                  "It cannot be found out any more whether the stock of 1 x JAM (A2) was lowered."_s);
+    QVERIFY(told("failureHeading").contains(u"Not known whether it was saved"_s));
+    QVERIFY(!told("failureAdvice").contains(u"finds out"_s));
+    QVERIFY(told("failureAdvice").contains(u"Have the item counted."_s));
 }
 
 /// The same line in two purchases: each answer is about one of them.
@@ -359,9 +381,9 @@ void ServerTillTest::doubtsOfTwoPurchasesAreTwo()
     m_till->clock->time = m_till->clock->time.addSecs(60);
     sell(isLowering, WriteOutcome::Unknown);
     QCOMPARE(doubts(), 2);
-    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), WriteOutcome::Done);
     QCOMPARE(doubts(), 1);
-    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), true);
+    m_follower->settle(lowering(u"A1"_s, u"TEA"_s), WriteOutcome::Done);
     QCOMPARE(doubts(), 0);
 }
 
@@ -380,7 +402,7 @@ void ServerTillTest::cartComesBackOnceAllIsKnownAsNotDone()
         m_outcome = text.contains(u"'A2'"_s) ? WriteOutcome::Unknown : WriteOutcome::Refused;
         m_till->connection->mayHave = m_outcome == WriteOutcome::Unknown;
         if (text == u"insert PurchaseCart"_s)
-            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), isDone);
+            m_follower->settle(lowering(u"A2"_s, u"JAM"_s), outcomeOf(isDone));
         return isOfTheSale(text);
     };
     sell(fails, WriteOutcome::Refused);
@@ -437,7 +459,7 @@ void ServerTillTest::heldCartsAreNamed()
     m_notice = std::make_unique<FailureNotice>();
     m_notice->addDoubtful({DbFailure::Kind::Write, statement, u"reason"_s});
     QCOMPARE(told("failureWork"), doubt);
-    tellSettled(*m_notice, statement, isDone);
+    tellSettled(*m_notice, statement, outcomeOf(isDone));
     QCOMPARE(told("failureWork"), u"Known now: "_s + known);
     QVERIFY2(told("failureAdvice").startsWith(advice), qPrintable(told("failureAdvice")));
 }

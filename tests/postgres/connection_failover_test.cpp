@@ -112,7 +112,9 @@ std::shared_ptr<PostgresConnection> ConnectionFailoverTest::connect(const QStrin
     options.lock = rest == 1s ? 500ms : 10s;
     options.rest = rest;
     auto connection = std::make_shared<PostgresConnection>(bothHosts(), options);
-    connection->setResolvedHandler([this](const QString &what, bool isDone) { m_resolved.push_back({what, isDone}); });
+    connection->setResolvedHandler([this](const QString &what, WriteOutcome known) {
+        m_resolved.push_back({what, known == WriteOutcome::Done});
+    });
     connection->setFailureHandler([this](const DbFailure &failure) { m_failures.push_back(failure); });
     return connection;
 }

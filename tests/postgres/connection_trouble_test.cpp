@@ -177,7 +177,8 @@ void ConnectionTroubleTest::fullDiskOfTheLog()
     m_connection = std::make_shared<PostgresConnection>(till(), options);
     m_connection->setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
     int resolvedDone = 0;
-    m_connection->setResolvedHandler([&](const QString &, bool isDone) { resolvedDone += isDone ? 1 : 0; });
+    m_connection->setResolvedHandler(
+        [&](const QString &, WriteOutcome known) { resolvedDone += known == WriteOutcome::Done ? 1 : 0; });
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     int done = 1;
     {

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void longWaitsInARow();
     void shortWaitsOfManyEvents();
     void silentCable();
+    void nobodyCanFindOut();
     void givesUp();
     void unknownAfterAHoldThatWasRefused();
     void actionEndsWithTheEventLoop();
@@ -242,7 +243,7 @@ void ConnectionWaitsTest::silentCable()
     m_connection = std::make_shared<PostgresConnection>(through(cable), options);
     m_connection->setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
     std::optional<bool> found;
-    m_connection->setResolvedHandler([&](const QString &, bool isDone) { found = isDone; });
+    m_connection->setResolvedHandler([&](const QString &, WriteOutcome known) { found = known == WriteOutcome::Done; });
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     m_connection->beginAction();
     cable.goSilent();
@@ -268,6 +269,27 @@ void ConnectionWaitsTest::silentCable()
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     QVERIFY(found.has_value());
     QCOMPARE(m_server->stockOf(u"1"_s), *found ? u"18"_s : u"13"_s);
+}
+
+/// A program that took this one for dead has ended its numbers, also that of the write that was not known.
+void ConnectionWaitsTest::nobodyCanFindOut()
+{
+    Proxy cable(m_server->cluster.port());
+    PostgresOptions options = m_server->options();
+    options.rest = 300ms;
+    m_connection = std::make_shared<PostgresConnection>(through(cable), options);
+    std::vector<WriteOutcome> told;
+    m_connection->setResolvedHandler([&told](const QString &, WriteOutcome known) { told.push_back(known); });
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
+    m_connection->beginAction();
+    cable.goSilent();
+    QVERIFY(!Execute(m_connection, statements::raiseStock(5, u"1"_s)));
+    QCOMPARE(m_connection->lastWrite(), WriteOutcome::Unknown);
+    m_server->cluster.sql(u"update harrowby.writer_action set last = last + 100"_s);
+    cable.speak();
+    m_connection->beginAction();
+    (void)Execute(m_connection, statements::raiseStock(1, u"1"_s));
+    QCOMPARE(told, (std::vector<WriteOutcome>{WriteOutcome::Unknown}));
 }
 
 /// Once an action has written, its rest is waited for, until the person has had enough.

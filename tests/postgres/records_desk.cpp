@@ -59,7 +59,9 @@ std::unique_ptr<PostgresStore> RecordsDesk::open(const QString &target)
     options.silence = shortTimes.silence;
     options.lock = shortTimes.lock;
     options.rest = shortTimes.rest;
-    options.resolvedHandler = [this](const QString &what, bool isDone) { m_resolved << Resolved{what, isDone}; };
+    options.resolvedHandler = [this](const QString &what, WriteOutcome known) {
+        m_resolved << Resolved{what, known == WriteOutcome::Done};
+    };
     auto store = std::make_unique<PostgresStore>(target, options);
     if (const auto problem = store->open())
         qWarning("not opened: %ls", qUtf16Printable(problem->reason));

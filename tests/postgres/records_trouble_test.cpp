@@ -225,7 +225,9 @@ void RecordsTroubleTest::unknownIsToldLater()
     QVERIFY(records->write(notes(), insertNote(u"a"_s, 0.0)));
     std::optional<DbFailure> failure;
     records->setFailureHandler([&](const DbFailure &told) { failure = told; });
-    store.setResolvedHandler([this](const QString &what, bool isDone) { m_resolved << Resolved{what, isDone}; });
+    store.setResolvedHandler([this](const QString &what, WriteOutcome known) {
+        m_resolved << Resolved{what, known == WriteOutcome::Done};
+    });
     const auto unknown = records->together(notes(), [&] {
         const bool isWritten = records->write(notes(), raiseAll).has_value();
         m_proxy->goSilentAtAnswerOf(1); // of the commit

@@ -228,7 +228,9 @@ void ServerEngineTest::ownRecordsLeaveWhatTheyCannotTell()
     QVERIFY(nightJob);
     QVERIFY(nightJob->records().write(kept::import(), {u"update StockList set StockCost = 1"_s, {}}));
     QStringList told;
-    options.resolvedHandler = [&told](const QString &what, bool isDone) { told << (isDone ? what : u"not done"_s); };
+    options.resolvedHandler = [&told](const QString &what, WriteOutcome known) {
+        told << (known == WriteOutcome::Done ? what : u"not done"_s);
+    };
     QVERIFY(m_engine->open(target, options));
     QCOMPARE(told, QStringList(u"Update StockList set StockAvailable = 4 where StockID = '1'"_s));
 }
