@@ -80,6 +80,8 @@ void SaleFollower::note(const DbFailure &failure, WriteOutcome outcome)
         return;
     if (outcome == WriteOutcome::Unknown)
         ++m_doubts;
+    if (outcome == WriteOutcome::Unknown && isOfPurchase(failure.statement))
+        m_doubtfulRow = failure;
     const auto line = missOf(failure.statement);
     if (line && line->kind == StockMiss::Kind::NotLowered)
         m_misses << Miss{failure, outcome, *line}; // told with its purchase
@@ -99,7 +101,20 @@ void SaleFollower::settle(const QString &statement, WriteOutcome known)
             return;
         forgetDoubt(lineWords(*line));
     }
+    if (isOfPurchase(statement) && settleRow(known))
+        return;
     tellSettled(m_notice, statement, known);
+}
+
+/// The row of a purchase that has not been told yet: it is told with it, or the cart comes back.
+bool SaleFollower::settleRow(WriteOutcome known)
+{
+    const auto row = std::exchange(m_doubtfulRow, std::nullopt);
+    if (!row || known != WriteOutcome::Refused)
+        return false;
+    m_notice.forget(doubtfulWork(*row));
+    m_row = row;
+    return true;
 }
 
 /// Of a purchase that has not been told yet, as while its summary stands there: it is told as what it is.
@@ -151,8 +166,9 @@ void SaleFollower::follow(const CounterPurchase &purchase)
 {
     const QList<Miss> misses = std::exchange(m_misses, {});
     const auto row = std::exchange(m_row, std::nullopt);
+    m_doubtfulRow.reset();
     const auto isRefused = [](const Miss &miss) { return miss.outcome == WriteOutcome::Refused; };
-    const bool isNothingDone = purchase.row == CounterPurchase::Row::NotWritten && !purchase.lines.empty() &&
+    const bool isNothingDone = (row || purchase.row == CounterPurchase::Row::NotWritten) && !purchase.lines.empty() &&
                                misses.size() == static_cast<qsizetype>(purchase.lines.size()) &&
                                std::all_of(misses.cbegin(), misses.cend(), isRefused);
     if (!isNothingDone) {

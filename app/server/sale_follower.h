@@ -60,6 +60,7 @@ private:
         QString told; ///< the notice's sentence
     };
 
+    [[nodiscard]] bool settleRow(WriteOutcome known);
     [[nodiscard]] bool settleMiss(const QString &line, bool isDone);
     void forgetDoubt(const QString &line);
     void follow(const CounterPurchase &purchase);
@@ -68,8 +69,9 @@ private:
 
     Counter &m_counter;
     FailureNotice &m_notice;
-    QList<Miss> m_misses;           ///< of a purchase that has not been told yet
-    std::optional<DbFailure> m_row; ///< the purchase itself, likewise; for certain not written
+    QList<Miss> m_misses;                   ///< of a purchase that has not been told yet
+    std::optional<DbFailure> m_row;         ///< the purchase itself, likewise; for certain not written
+    std::optional<DbFailure> m_doubtfulRow; ///< the same while it is not known
     QList<Doubt> m_toldDoubts;
     int m_doubts = 0;
     std::vector<Cart> m_back; ///< that are to come back

@@ -49,6 +49,8 @@ private Q_SLOTS:
     void doubtsOfTwoPurchasesAreTwo();
     void cartComesBackOnceAllIsKnownAsNotDone_data();
     void cartComesBackOnceAllIsKnownAsNotDone();
+    void cartComesBackOnceItsRowIsKnownAsNotDone_data();
+    void cartComesBackOnceItsRowIsKnownAsNotDone();
     void itemsOfOneIdAreToldEach();
     void heldCartsAreNamed_data();
     void heldCartsAreNamed();
@@ -413,6 +415,36 @@ void ServerTillTest::cartComesBackOnceAllIsKnownAsNotDone()
     QCOMPARE(works.first().startsWith(u"Nothing of the purchase"_s), !isDone);
     QCOMPARE(works.last().startsWith(u"1 x TEA (A1) sold, but the stock was not lowered"_s), isDone);
     QVERIFY(!m_follower->isInDoubt());
+}
+
+void ServerTillTest::cartComesBackOnceItsRowIsKnownAsNotDone_data()
+{
+    whatIsKnownByTheEndIsToldAsItIs_data();
+}
+
+/// Every line was refused, and the purchase itself is not known until its summary stands there.
+void ServerTillTest::cartComesBackOnceItsRowIsKnownAsNotDone()
+{
+    QFETCH(const bool, isDone);
+    openTill();
+    const QStringList cart = m_till->cart();
+    m_till->connection->setFailureHandler([&](const DbFailure &failure) {
+        m_follower->note(failure, m_outcome);
+        if (m_outcome == WriteOutcome::Unknown)
+            m_follower->settle(u"INSERT PurchaseCart HV1 6.5"_s, outcomeOf(isDone));
+    });
+    const auto fails = [&](const QString &text) {
+        m_outcome = text == u"insert PurchaseCart"_s ? WriteOutcome::Unknown : WriteOutcome::Refused;
+        m_till->connection->mayHave = m_outcome == WriteOutcome::Unknown;
+        return isOfTheSale(text);
+    };
+    sell(fails);
+    QVERIFY(!m_follower->isInDoubt());
+    QCOMPARE(m_back.size(), isDone ? 0 : 1);
+    QCOMPARE(m_till->cart(), isDone ? QStringList() : cart);
+    QVERIFY(!told("failureWork").contains(u"It is not known"_s));
+    QCOMPARE(told("failureWork").startsWith(u"Nothing of the purchase"_s), !isDone);
+    QCOMPARE(told("failureWork").contains(u"Known now: the purchase was recorded"_s), isDone);
 }
 
 /// Two items may have one ID; it is the name that tells them apart.
