@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "postgres/action_journal.h"
+#include "postgres/shop_memory.h"
 
 #include "tests/program/test_program.h"
 #include "tests/support/failing_disk.h"
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void isForItsOwnerAlone();
     void saysWhyItCannot();
     void outlastsThisMachine();
+    void aTimelineOutlastsThisMachine();
     void makesUpForAFileThatCouldNotBeMade();
     void passesOverWhatIsNotItsOwn();
 
@@ -238,6 +240,32 @@ void ActionJournalTest::outlastsThisMachine()
     QCOMPARE(stepsOnDisk(false, [](ActionFolder &journal) { return journal.enter(writer); }), entered);
     const QStringList kept{u"write "_s + name, u"sync "_s + name};
     QCOMPARE(stepsOnDisk(true, [](ActionFolder &journal) { return journal.keep(openWrite()); }), kept);
+}
+
+/// The new note is on the disk before the old one goes: whenever the machine dies, one of them is there.
+void ActionJournalTest::aTimelineOutlastsThisMachine()
+{
+    const QUuid store = QUuid::createUuid();
+    QStringList steps;
+    QStringList notes;
+    for (int step = 1; notes.isEmpty(); ++step) {
+        init();
+        FailingDisk::mount(QFileInfo(m_home->path()).path());
+        const QString state = m_home->filePath(u"state"_s);
+        noteTimeline(store, 3, state);
+        FailingDisk::failAt(step, FailingDisk::Mode::Once, EIO);
+        noteTimeline(store, 5, state);
+        const QDir folder(folderOf(store, state));
+        if (FailingDisk::failures() == 0) {
+            notes = folder.entryList(QDir::Files);
+            continue;
+        }
+        QVERIFY(folder.exists(u"timeline-3"_s));
+        steps << FailingDisk::firstFailure().replace(folder.path(), u"STORE"_s);
+    }
+    FailingDisk::failAt(0, FailingDisk::Mode::Once, 0);
+    QCOMPARE(steps, (QStringList{u"open STORE/timeline-5"_s, u"open STORE"_s, u"sync STORE"_s}));
+    QCOMPARE(notes, QStringList{u"timeline-5"_s});
 }
 
 /// A disk that was full when the program started.
