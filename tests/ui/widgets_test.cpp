@@ -17,6 +17,7 @@
 #include <QAccessible>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextDocumentFragment>
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void cardKeepsItsCaption();
     void cardIsReadOut();
     void cardShowsThatItIsOutOfStock();
+    void cardLooksAsIfNothingWereKept();
     void labelElides();
     void labelOfALevelShowsThatItIsLow();
     void entryShowsItsStart();
@@ -270,6 +272,31 @@ void WidgetsTest::cardShowsThatItIsOutOfStock()
     QCOMPARE(card.grab().toImage().pixelColor(inBand), danger);
     card.setOutOfStock(false);
     QVERIFY(card.grab().toImage().pixelColor(inBand) != danger);
+}
+
+/// What is kept of one card's picture is another one's only where both look alike.
+void WidgetsTest::cardLooksAsIfNothingWereKept()
+{
+    const auto pictures = [](bool isKept) {
+        QList<QImage> all;
+        for (const QSize size : {QSize(200, 150), QSize(420, 150), QSize(200, 300)})
+            for (const bool isBlank : {false, true})
+                for (const bool isDown : {false, true}) {
+                    if (!isKept)
+                        QPixmapCache::clear();
+                    QuickSaleButton card;
+                    card.resize(size);
+                    if (!isBlank)
+                        card.setText(u"12\r\nMILK\r\n1.50"_s);
+                    card.setDown(isDown);
+                    all << card.grab().toImage();
+                }
+        return all;
+    };
+    const QList<QImage> fresh = pictures(false);
+    QCOMPARE(pictures(true), fresh);
+    for (qsizetype i = 0; i < fresh.size(); ++i)
+        QCOMPARE(fresh.indexOf(fresh[i]), i); // each looks different
 }
 
 void WidgetsTest::labelElides()
