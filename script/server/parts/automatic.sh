@@ -8,6 +8,7 @@ do_automatic() {
         takes_nothing_else "automatic --off"
         leave_automatic
     elif [ -n "${opt[anew]:-}" ]; then
+        takes_nothing_else "automatic --anew NAME"
         invite_anew "${opt[anew]}"
     elif ((${#rest[@]} == 0)); then
         is_voter || misused "automatic takes the other machines: NAME=ADDRESS NAME=ADDRESS, or the file that the server has written"
@@ -116,7 +117,7 @@ port_of() { sql -v name="$1" -f - <<<"select coalesce((select port from harrowby
 
 # In place of a machine that will not come back, or of what it has lost.
 invite_anew() {
-    local name=${1%%=*} number was as_member=
+    local name=${1%%=*} number was new as_member=
     need_primary
     is_automatic || die "this server is not automatic"
     [ -n "$(where_is "$name")" ] || die "there is no machine $name among: $(member_names | paste -sd ' ')"
@@ -127,12 +128,16 @@ invite_anew() {
     [[ $1 != *=* ]] || as_member=$(member "$1")
     [ -z "$as_member" ] ||
         auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$as_member/" | paste -sd ' ')
-    number=$(vote member list | awk -F ', ' -v name="$name" -v was="$was" '$3 == name || $4 == was { print $1 }')
-    [ -z "$number" ] || vote member remove "$number" >/dev/null || die "the voters do not let $name go"
-    vote member add "$name" --peer-urls "$(url "$name" 1)" >/dev/null || die "the voters do not take $name"
+    new=$(url "$name" 1) # by which they know one that an earlier try has added
+    vote member list | awk -F ', ' -v name="$name" -v was="$was" -v new="$new" '$3 == name || $4 == was || $4 == new { print $1 }' |
+        while read -r number; do
+            vote member remove "$number" </dev/null >/dev/null || die "the voters do not let $name go"
+        done
+    vote member add "$name" --peer-urls "$new" >/dev/null || die "the voters do not take $name"
     save_automatic
     [ -z "$as_member" ] || ! has_store "$name" ||
         sql -v name="$name" -v address="$(where_is "$name" | cut -d , -f 1)" -f - >/dev/null <<'SQL'
+set synchronous_commit = local; -- the standby may be the very machine that is gone
 update harrowby_server.host set address = :'address' where name = :'name';
 SQL
     auto[born]=existing # for the other machine; what this one was born as, stays
@@ -151,7 +156,9 @@ take_part() {
     tar -C "$invitation" -xf "$file" --no-same-owner 2>/dev/null && [ -f "$invitation/voter.key" ] ||
         die "$file is not what automatic writes on the server"
     for_whom=$(sed -n 's/^name=//p' "$invitation/values")
-    [ -z "$own" ] || [ "$own" = "$for_whom" ] || die "this machine is $own, and the file is for $for_whom"
+    # One that was something else before may get the place; one of this shop's has its own.
+    [ -z "$own" ] || [ "$own" = "$for_whom" ] || ! grep -q "^members=\(.* \)\?$own=" "$invitation/values" ||
+        die "this machine is $own, and the file is for $for_whom"
     [ ! -f "$etc/ca.crt" ] || cmp -s "$etc/ca.crt" "$invitation/ca.crt" || die "this machine belongs to another server's shop"
     while IFS='=' read -r key value; do
         case $key in
@@ -276,6 +283,8 @@ go_on_as_standby() {
     if is_automatic; then
         took_part=yes
         start_keeper # it may have been the server, and nobody is before it is there
+        # While the machines stay as they are, one that has stopped is not started. A standby may have to stay one.
+        is_standby || ! has_data || decide_again
     fi
     patiently "Waiting for the server to hand over: there, harrowby-server automatic ..." has_leader
     if is_leader; then

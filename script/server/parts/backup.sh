@@ -6,11 +6,13 @@ do_backup() {
     local folder
     take_options "to: keep: timer: off" "$@"
     takes_nothing_else backup
-    need_running
     if [ -n "${opt[off]:-}" ]; then
+        [ -z "${opt[to]:-}${opt[keep]:-}${opt[timer]:-}" ] || misused "backup --off takes nothing else"
+        need_ours
         leave_backups
         return 0
     fi
+    need_running
     [ -z "${opt[to]:-}" ] || machine[backup]=$(absolute "${opt[to]}")
     [ -z "${opt[keep]:-}" ] || machine[keep]=${opt[keep]}
     [ -n "${machine[backup]:-}" ] || misused "backup needs --to FOLDER the first time: on another disk, or another machine's"
@@ -53,7 +55,7 @@ leave_backups() {
     machine[backup]=
     save_machine
     write_settings
-    control reload
+    ! is_running || control reload # the log that could not be kept may have filled its disk
     say "No backups are made any more.${folder:+ What $folder holds stays there.}"
 }
 

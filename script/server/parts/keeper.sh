@@ -42,7 +42,8 @@ make_keeper_login() {
         printf '%s' "$password" | put "$etc/keeper" 600 "$(id -un)"
     fi
     [ -n "$(sql_in_postgres -c "select 1 from pg_roles where rolname = 'harrowby_keeper'")" ] ||
-        sql_in_postgres -c 'create role harrowby_keeper login replication'
+        sql_in_postgres -c 'create role harrowby_keeper replication'
+    sql_in_postgres -c 'alter role harrowby_keeper login' # it may have been automatic before
     set_password harrowby_keeper "$(cat "$etc/keeper")"
     sql_in_postgres -f - <<'SQL'
 grant execute on function pg_ls_dir(text, boolean, boolean), pg_stat_file(text, boolean), pg_read_binary_file(text),
@@ -129,8 +130,10 @@ follows() { is_running && is_standby && [ -n "$(sql_in_postgres -c "select 1 fro
 
 # Each machine by itself, the standbys first. The server goes on as it was made: by hand.
 leave_automatic() {
+    local had_store=
     is_voter || die "this machine is not automatic"
     if is_automatic; then
+        had_store=yes
         # As the voters go one by one, the server would step back. Where they do not agree any more, none takes over.
         ! voters_agree || is_paused || keeper pause harrowby --wait || die "the machines cannot be told to stay as they are"
         leave_store
@@ -138,17 +141,23 @@ leave_automatic() {
     no_longer harrowby-voter
     rm -f "$etc/automatic" "$etc/voter.yml" "$etc/voter.crt" "$etc/voter.key" "$etc/patroni.key" "$etc/keeper" "$etc/go-on-alone"
     [ ! -d "$voter_data" ] || mv "$voter_data" "$voter_data.kept-$(date -u +%Y%m%dT%H%M%S)"
-    say "This machine is not automatic any more. Those that still are stay as they are, and none takes over: leave there, too, or"
-    say "harrowby-server automatic on one that has the store."
+    say "This machine is not automatic any more. Leave on the others, too."
+    if [ -n "$had_store" ]; then
+        say "Until then those that still are stay as they are: none takes over, and a server that stops is not started again. Or, on one of them"
+        say "that has the store: harrowby-server automatic"
+    else
+        say "Until then they have one vote fewer: when another one goes, nothing is sold."
+    fi
 }
 
 # A second try finds it stopped: that it was the server, and who followed it, is written down first.
 leave_store() {
     local names=''
-    [ -f "$etc/leaving" ] || is_standby || ! is_running || { has_leader && ! is_leader; } ||
-        sql -c "select string_agg(format('\"%s\"', application_name), ',' order by application_name)
-        from pg_stat_replication where state = 'streaming' and application_name in (select name from harrowby_server.host)" |
-        put "$etc/leaving" 644 "$(id -un)"
+    [ -f "$etc/leaving" ] || is_standby || ! is_running || { has_leader && ! is_leader; } || {
+        names=$(sql -c "select string_agg(format('\"%s\"', application_name), ',' order by application_name)
+        from pg_stat_replication where state = 'streaming' and application_name in (select name from harrowby_server.host)")
+        put "$etc/leaving" 644 "$(id -un)" <<<"$names"
+    }
     no_longer harrowby-patroni
     stop_server
     [ ! -f "$conf/postgresql.base.conf" ] || mv "$conf/postgresql.base.conf" "$conf/postgresql.conf"
@@ -171,6 +180,7 @@ leave_store() {
             sql_in_postgres -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null
         else
             remark_alone
+            sql_in_postgres -c 'alter role harrowby_keeper nologin' # its word was on each of the machines
         fi
     fi
     rm -f "$etc/patroni.yml" "$etc/leaving" # last: until then it is gone on with

@@ -3,7 +3,7 @@
 # stands and has been looked at does it take the other's place, and the other is kept.
 
 do_restore() {
-    local folder base until_time line stamp
+    local folder base until_time line stamp written
     take_options "from: time:" "$@"
     takes_nothing_else restore
     need_ours
@@ -18,9 +18,10 @@ do_restore() {
         die "$folder holds no backups"
     fi
     { as_owner test -r "$folder/log" && as_owner test -x "$folder/log"; } ||
-        die "the server cannot read $folder: it belongs to a user of another machine. chown -R $owner: $folder, then this once more"
+        die "the server cannot read $folder: it belongs to a user of another machine. chown -R $owner: $folder/base $folder/log, then this once more"
     [ -z "$(who_sells)" ] || die "these are connected: $(who_sells). Close the programs first, as what they write now would not be in
     the store that is restored. Where one is not there any more: pg_ctlcluster $version $cluster restart"
+    written=$(written_so_far)
     until_time=$(moment_of "${opt[time]:-}")
     lock_backups
     ! is_running || finish_log "$folder"
@@ -34,6 +35,7 @@ do_restore() {
     run_restored "$until_time"
     look_at_restored
     swap_in "$stamp"
+    keep_restored_log
 }
 
 # A time of the shop's clock as the server understands it, in UTC and to the second; empty for the latest there is.
@@ -96,10 +98,13 @@ lay_out() {
     # Its owner may have been a user of another machine.
     cp -a --no-preserve=ownership "$1/base/$2/." "$restored/"
     [ "$(id -u)" -ne 0 ] || chown -R "$owner:" "$restored"
+    rm -rf "$restored.log"
+    as_owner_folder "$restored.log"
     as_owner_folder "$restored.socket"
     put "$restored/pg_hba.conf" 600 "$owner" <<<"local all $owner peer"
     : | put "$restored/pg_ident.conf" 600 "$owner"
-    # On its way it takes no connection but ours, and its log goes on where the shop's log is kept.
+    # On its way it takes no connection but ours. Its log stays beside it: in the shop's, its timeline would be the one that
+    # is restored from then on, also where it never becomes the server.
     put "$restored/postgresql.conf" 600 "$owner" <<SETTINGS
 listen_addresses = ''
 unix_socket_directories = '$restored.socket'
@@ -110,7 +115,7 @@ hot_standby = off
 wal_level = replica
 fsync = $([ -n "$unsynced" ] && echo off || echo on)
 archive_mode = on
-archive_command = '"$here/archive-log" "%p" "%f" "$1/log"'
+archive_command = '"$here/archive-log" "%p" "%f" "$restored.log"'
 restore_command = 'test -f "$1/log/%f" && cp "$1/log/%f" "%p"'
 recovery_target_timeline = '$4'
 SETTINGS
@@ -206,6 +211,12 @@ wait_until_closed() {
     die "not restored: $who is still connected. The server is as it was"
 }
 
+# How much was ever written into the shop's tables. Who only logged in and looked has written nothing that would be missed.
+written_so_far() {
+    ! is_running || sql -c "select coalesce(sum(n_tup_ins + n_tup_upd + n_tup_del), 0) from pg_stat_user_tables
+        where schemaname = 'harrowby' and relname not in ('sysusage', 'harrowbyactivity', 'harrowbyrun', 'writer_action')"
+}
+
 # Who was let in or shut out since the backup stays so. Only for a store with the same past: a new machine takes the logins of
 # the one whose place it takes. The passwords are as the server keeps them, not as they are typed.
 write_logins() {
@@ -230,35 +241,64 @@ select format('select %L where not exists (select from pg_roles where rolname = 
     from pg_authid a where rolname ~ '^(till|office|standby)_' order by rolname;
 SQL
 }
+# keep_logins KEPT: on the disk, as the server that knows them goes now. Where an earlier try was broken off after that one had
+# gone, the server that runs is a restored one, and does not know them.
+keep_logins() {
+    local left logins
+    left=$(sed -n '1s/^-- //p' "$etc/logins" 2>/dev/null || true)
+    [ -z "$left" ] || [ ! -d "$left" ] || return 0
+    logins=$(write_logins)
+    printf -- '-- %s\n%s\n' "$1" "$logins" | put "$etc/logins" 600 "$(id -un)"
+}
 past() { LC_ALL=C as_owner "$programs/pg_controldata" "$1" | sed -n 's/^Database system identifier: *//p'; }
 
 swap_in() {
-    local kept=$data.kept-$1 logins='' many
+    local kept=$data.kept-$1 many same=
+    [ ! -d "$data" ] || [ "$(past "$data")" != "$(past "$restored")" ] || same=yes
     if is_running; then
         wait_until_closed
-        [ "$(past "$data")" != "$(past "$restored")" ] || logins=$(write_logins)
+        [ -z "$written" ] || [ "$(written_so_far)" = "$written" ] ||
+            die "not restored: something was sold or changed while the store was being restored, and would be missing from it.
+    The server is as it was; this once more, with all programs closed"
+        [ -z "$same" ] || keep_logins "$kept"
         # The standby must not be promoted any more, as what is sold from now on is not there. It may be gone, too.
         many=$(sql -c 'select count(*) from harrowby_server.host')
         ((many < 2)) || sql -c 'set synchronous_commit = local' -c "insert into harrowby_server.remark (name, value)
             values ('alone', 'restored') on conflict (name) do update set value = 'restored', since = now()"
     fi
     stop_server
-    [ ! -d "$data" ] || mv "$data" "$kept"
+    [ ! -d "$data" ] || {
+        mv "$data" "$kept"
+        say "What the server held before is kept: $kept"
+    }
     mv "$restored" "$data"
     start_server
     know_itself
-    if [ -n "$logins" ]; then
-        sql -f - <<<"set log_min_error_statement = 'panic'; set client_min_messages = error;
-$logins" >/dev/null
+    if [ -n "$same" ] && [ -f "$etc/logins" ]; then
+        {
+            printf "set log_min_error_statement = 'panic'; set client_min_messages = error;\n"
+            cat "$etc/logins"
+        } | sql -f - >/dev/null
     else
         say "Let in are those that were when the backup was made: harrowby-server remove-till, where one was shut out since."
     fi
-    say "The server has the restored store. What it held before is kept: $kept"
+    rm -f "$etc/logins"
+    say "The server has the restored store."
     if [ "$(sql -c 'select count(*) from harrowby_server.host')" -gt 1 ]; then
         sql -c "insert into harrowby_server.remark (name, value) values ('alone', 'restored')
             on conflict (name) do update set value = 'restored', since = now()"
         say "The standby has another past now. Make it anew: here standby --for NAME …, there standby FILE --take-back"
     fi
+}
+
+# From here on it is the shop's. A backup made before this has come to its end makes up for it.
+keep_restored_log() {
+    local piece
+    [ -z "${machine[backup]:-}" ] || find "$restored.log" -type f ! -name '*.part' -printf '%f\n' | sort -r | while read -r piece; do
+        as_owner "$here/archive-log" "$restored.log/$piece" "$piece" "${machine[backup]}/log" ||
+            warn "$piece of its log does not get into ${machine[backup]}/log: harrowby-server backup, and soon"
+    done
+    rm -rf "$restored.log"
 }
 
 # The backup knows the machines of its day. One that is not among them stands in the place of all of them.

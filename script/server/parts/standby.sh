@@ -243,7 +243,8 @@ SQL
         ((second % 60)) || say "Still catching up ..."
         sleep 1
     done
-    [ "$state" = ready ] || die "this machine does not catch up with the server; its log: $server_log"
+    [ "$state" = ready ] || die "this machine does not catch up with the server; its log: $server_log
+    Was it the server before? Then with --take-back"
     names=$(on_server -c 'show synchronous_standby_names' | grep -o '"[^"]*"' || true)
     names=$(printf '%s\n' "$names" "\"${machine[name]}\"" | grep . | sort -u | paste -sd,)
     on_server -c "alter system set synchronous_standby_names = 'FIRST 1 ($names)'" -c 'select pg_reload_conf()' >/dev/null

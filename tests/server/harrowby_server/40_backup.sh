@@ -98,7 +98,12 @@ sleep 1.1
 works "a backup" on one backup
 works "restore to before it" on one restore --time "$moment"
 export TZ=UTC
-works "a sale" sell counter-1 t6
+on one restore >"$work/restoring" 2>&1 &
+restoring=$!
+wait_for "it is being restored" here eval '[ ! -d "$(data_of one).restored" ] || echo here'
+works "a sale of a till that was opened meanwhile" sell counter-1 t6
+works "then it is not restored" eval '! wait "$restoring"'
+works "and that is said" grep "something was sold or changed" "$work/restoring"
 works "restore without a backup since" on one restore --from "$work/backup/"
 is "nor is the last minute missing" "s1 s2 s3 s4 s5 s6 s7 t1 t2 t3 t4 t5 t6" sold one
 works "the standby anew" eval 'on one standby --for two --address 127.0.0.1 --to "$work/two3.tar" && on two standby "$work/two3.tar" --take-back'
@@ -140,9 +145,8 @@ says "status says when the server is stopped" "does not run" eval 'kill_machine 
 works "what the shop has left" cp -a "$work/backup" "$work/backup-left"
 if [ "$(id -u)" -eq 0 ]; then # that machine's user has another number
     chown -R 4242:4242 "$work/backup-left"
-    refuses "what the server cannot read" "chown -R $server_user: $work/backup-left" on three restore --from "$work/backup-left"
-    chown -R "$server_user:" "$work/backup-left"
-    chown -R 4242:4242 "$work/backup-left/base"
+    refuses "what the server cannot read" "chown -R $server_user: $work/backup-left/base $work/backup-left/log" on three restore --from "$work/backup-left"
+    chown -R "$server_user:" "$work/backup-left/log"
 fi
 works "restore on the new machine" on three restore --from "$work/backup-left"
 works "tills get in as before" eval 'admin three "select rolpassword from pg_authid where rolname = '"'till_counter-1'"'" | grep SCRAM'
@@ -153,3 +157,10 @@ works "no backups any more" on three backup --off
 is "the timer is gone, too" "" find "$work/three/etc/systemd" -name 'harrowby-server-backup*'
 says "which status tells" "There are no backups" on three status
 works "what is there stays" test -d "$work/backup-three/base"
+works "a look at the backups, on that machine" on three restore --from "$work/backup"
+works "a sale on the server" sell counter-1 t8
+works "which is restored all the same" on one restore
+is "with all of it" "s1 s2 s3 s4 s5 s6 s7 t1 t2 t3 t4 t5 t6 t7 t8" sold one
+kill_machine three
+works "no backups with a server that does not run" on three backup --off
+refuses "nothing else with it" "takes nothing else" on three backup --off --to "$work/backup-three"

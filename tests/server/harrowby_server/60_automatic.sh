@@ -101,6 +101,9 @@ sold_is_told "after all of it" six
 works "no sale that is on one machine only" on six alone --off
 kill_machine seven
 wait_for "nothing is confirmed" waiting protection six
+works "a place for a new one does not wait for that either" eval 'HARROWBY_SERVER_ROOT=$work/six timeout 90 "$script" automatic \
+    --anew "seven=127.0.0.1,${votes[seven]}" --to "$work"'
+refuses "an address after a blank" "takes no" on six automatic --anew seven 127.0.0.1
 works "alone" on six alone
 wait_for "alone" alone protection six
 works "a sale" sells_soon w1
@@ -117,7 +120,9 @@ is "on both" "w1 w2" sold seven
 stays() { on "$1" status | grep -c "! They were told to stay as they are"; }
 works "a standby leaves" on seven automatic --off
 is "the others stay as they are, and tell" 1 stays six
-works "the server takes part again" on six automatic
+kill_machine six
+works "the server takes part again, after a power cut, too" on six automatic
+works "and sells" sells_soon w2b
 is "they decide again" 0 stays six
 works "told to stay once more" patronictl -c "$work/six/etc/harrowby-server/patroni.yml" pause harrowby --wait
 works "the standby comes back" eval 'on six automatic --anew seven --to "$work" && on seven automatic "$work/automatic-seven.tar"'
@@ -147,4 +152,4 @@ says "the server says since when it is alone" "It sells alone since 20" on six s
 works "the standby follows" eval 'on six standby --for seven --address 127.0.0.1 --to "$work/seven2.tar" && on seven standby "$work/seven2.tar" --take-back'
 is "as before" protected protection six
 works "a sale by hand" sells_soon w4
-is "on both again" "w1 w2 w3 w4" sold seven
+is "on both again" "w1 w2 w2b w3 w4" sold seven
