@@ -28,6 +28,9 @@ ServerWait::ServerWait(const QByteArray &display, Clock clock, QObject *parent) 
 bool ServerWait::goesOn(const DbWait &wait)
 {
     const Milliseconds now = m_clock();
+    const bool isPressed = m_giveUp.wasPressed();                           // of the button that stands there still
+    const bool isShort = wait.isManyShortOnes && (m_answers || m_wasShort); // a single one among long ones is none
+    m_wasShort = wait.isManyShortOnes;
     if (!std::exchange(m_isOfThisTurn, true))
         QMetaObject::invokeMethod(this, &ServerWait::end, Qt::QueuedConnection); // also in the loop of a box
     if (now - m_last > longestGap) {
@@ -37,16 +40,16 @@ bool ServerWait::goesOn(const DbWait &wait)
     m_last = now;
     if (m_answers) {
         m_takesNoInput = now - unheard; // the latest answer may prove to be a late one
-        m_answers = wait.isManyShortOnes;
+        m_answers = isShort;
     }
     if (now - m_began < (m_answers && !m_isShown ? quietWhileItAnswers : quiet))
         return true;
     if (!m_answers)
         m_dam.hold(m_takesNoInput, now + unheard);
-    m_sign.keepShowing(wordsOf(wait));
+    m_sign.keepShowing(wordsOf(wait, isShort));
     m_giveUp.offer(m_sign.button());
     m_isShown = true;
-    return !(m_giveUp.wasPressed() && wait.mayGiveUp && !wait.isManyShortOnes);
+    return !(isPressed && wait.mayGiveUp);
 }
 
 void ServerWait::end()
@@ -54,17 +57,18 @@ void ServerWait::end()
     m_isOfThisTurn = false;
     m_isShown = false;
     m_answers = true;
+    m_wasShort = false;
     m_last = {}; // the window has gone on: what comes is another wait
     m_giveUp.offer({});
     m_sign.hide();
 }
 
-WaitWords ServerWait::wordsOf(const DbWait &wait) const
+WaitWords ServerWait::wordsOf(const DbWait &wait, bool isShort) const
 {
     WaitWords words{u"Waiting for the server"_s, {}};
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_last - m_began).count();
     const QString time = seconds > 0 ? u" (%1 s)"_s.arg(seconds) : QString();
-    if (wait.isManyShortOnes) {
+    if (isShort) {
         words.text = u"The server answers slowly%1."_s.arg(time);
         return words;
     }

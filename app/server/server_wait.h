@@ -17,7 +17,8 @@ namespace harrowby::app {
 
 /// What a person sees of a statement that waits for the server (DbConnection::setWaitHook()): the sign, with "Give up"
 /// where the wait may end. Nothing that is pressed or typed meanwhile has an effect afterwards. Where many short
-/// answers add up, as over a long line, the sign alone is shown: a shop's every list would swallow keys there.
+/// answers add up, as over a long line, the sign alone is shown, without a button: a shop's every list would swallow
+/// keys there.
 class ServerWait final : public QObject
 {
     Q_OBJECT
@@ -41,7 +42,7 @@ public:
     [[nodiscard]] bool wentOnAt(Milliseconds moment) const { return m_dam.isWithin(moment); }
 
 private:
-    [[nodiscard]] WaitWords wordsOf(const DbWait &wait) const;
+    [[nodiscard]] WaitWords wordsOf(const DbWait &wait, bool isShort) const;
     void end();
 
     Clock m_clock;
@@ -52,6 +53,7 @@ private:
     Milliseconds m_takesNoInput{0}; ///< since then
     Milliseconds m_last{0};         ///< when the hook was called last
     bool m_answers = true;          ///< each answer has come soon so far
+    bool m_wasShort = false;        ///< the hook's latest call was one for many short answers
     bool m_isOfThisTurn = false;    ///< the event loop has not run since the hook was called last
     bool m_isShown = false;
 };

@@ -72,7 +72,7 @@ struct DbWait
     For what = For::Answer;
     std::chrono::milliseconds since{0}; ///< how long this statement has waited
     bool mayGiveUp = false;             ///< whether the statement ends when the hook returns false
-    bool isManyShortOnes = false;       ///< answers that came soon, with none of which the hook would have been called
+    bool isManyShortOnes = false;       ///< answers that came soon; the hook is called for their sum
 };
 
 /// Identifies one stored row within its table (SQLite's rowid).
@@ -223,8 +223,8 @@ public:
     /// a statement waits, in the middle of the component's step, and paints what is waited for; also when none waits
     /// long and many do so without the event loop running between them. It may handle no events
     /// but its own sign's, must not throw, and runs no statement. Returning false ends the wait where
-    /// DbWait::mayGiveUp says so; the statement fails then. An empty hook switches it off. In this default it is never
-    /// called: SQLite waits in the host's own busy handler.
+    /// DbWait::mayGiveUp says so; the statement fails then, unless its answer is there. An empty hook switches it off.
+    /// In this default it is never called: SQLite waits in the host's own busy handler.
     virtual void setWaitHook(WaitHook hook);
 
 private:

@@ -243,6 +243,7 @@ bool Actions::resolveOwn()
     if (known == Known::Open)
         return false;
     const OpenAction open = *std::exchange(m_open, {});
+    m_isRetired = m_isRetired || known == Known::Later; // the server is ahead of this writer's numbers
     tell(open, known);
     m_journal.resolved();
     return true;

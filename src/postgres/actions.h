@@ -28,7 +28,7 @@ public:
     enum class Outcome {
         Done,
         Refused, ///< not done, and it never will be
-        Unknown, ///< told once; later the handler tells Done or Refused
+        Unknown, ///< told once; later the handler tells what became of it
     };
 
     struct End

@@ -121,6 +121,7 @@ bool PostgresConnection::Private::goesOn(const PgWait &part)
     if (hook(wait) || !wait.mayGiveUp)
         return true;
     time.giveUp();
+    writer.giveUp(); // where an answer has come at this very moment, the wait itself does not tell
     return false;
 }
 

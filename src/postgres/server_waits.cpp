@@ -48,7 +48,7 @@ private:
 
 } // namespace
 
-Waiter::Waiter(const PgWaitHook &hook, PgWaiting what) : m_hook(hook), m_what(what)
+Waiter::Waiter(const PgWaitHook &hook, PgWaiting what, bool isLong) : m_hook(hook), m_what(what), m_isToldLong(isLong)
 {
     m_own.start();
     m_sinceHook.start();
@@ -87,25 +87,24 @@ Waiter::End Waiter::wait(pollfd &socket, const QDeadlineTimer &deadline)
 
 Waiter::End Waiter::wait(pollfd *sockets, std::size_t count, const QDeadlineTimer &deadline)
 {
-    for (;;) {
+    while (!m_isGivenUp) {
         const qint64 left = std::max<qint64>(std::chrono::ceil<std::chrono::milliseconds>(untilHook()).count(), 0);
         const qint64 slice = deadline.isForever() ? left : std::min(left, deadline.remainingTime());
         const int ready = ::poll(sockets, count, static_cast<int>(slice));
-        const bool isGivenUp = !goesOn();
-        if (ready > 0) // an answer that is there counts
+        m_isGivenUp = !goesOn();
+        if (ready > 0) // an answer that is there counts, and the next one is not waited for
             return End::Ready;
-        if (isGivenUp)
-            return End::GivenUp;
-        if (deadline.hasExpired())
+        if (!m_isGivenUp && deadline.hasExpired())
             return End::TimedOut;
     }
+    return End::GivenUp;
 }
 
 bool Waiter::goesOn()
 {
     if (untilHook() > std::chrono::nanoseconds::zero())
         return true;
-    m_isToldLong = std::chrono::nanoseconds(m_own.nsecsElapsed()) >= hookEvery;
+    m_isToldLong = m_isToldLong || std::chrono::nanoseconds(m_own.nsecsElapsed()) >= hookEvery;
     const bool isShort = m_what != PgWaiting::Lock && !m_isToldLong;
     const bool goesOn = !m_hook || m_hook({m_what, isShort});
     m_before = {};
@@ -116,7 +115,7 @@ bool Waiter::goesOn()
 bool pauseBeforeNextTry(const PgWaitHook &hook)
 {
     std::vector<pollfd> nothing;
-    return Waiter(hook, PgWaiting::Connection).wait(nothing, QDeadlineTimer(pauseTime)) != Waiter::End::GivenUp;
+    return Waiter(hook, PgWaiting::Connection, true).wait(nothing, QDeadlineTimer(pauseTime)) != Waiter::End::GivenUp;
 }
 
 } // namespace harrowby::postgres

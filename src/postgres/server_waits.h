@@ -60,12 +60,14 @@ class Waiter
 public:
     enum class End { Ready, TimedOut, GivenUp };
 
-    Waiter(const PgWaitHook &hook, PgWaiting what);
+    /// `isLong`: it will be, so that the hook never takes it for one of many short ones.
+    Waiter(const PgWaitHook &hook, PgWaiting what, bool isLong = false);
     ~Waiter();
     Waiter(const Waiter &) = delete;
     Waiter &operator=(const Waiter &) = delete;
 
-    /// Until one of `sockets` is ready; each has then its `revents`. None may be given.
+    /// Until one of `sockets` is ready; each has then its `revents`. None may be given. Once the hook has given up,
+    /// the next wait ends at once.
     [[nodiscard]] End wait(std::vector<pollfd> &sockets, const QDeadlineTimer &deadline);
     [[nodiscard]] End wait(pollfd &socket, const QDeadlineTimer &deadline);
 
@@ -80,7 +82,8 @@ private:
     QElapsedTimer m_own;                  ///< since this wait began
     QElapsedTimer m_sinceHook;            ///< or since it began
     std::chrono::nanoseconds m_before{0}; ///< waited for other answers, without the hook
-    bool m_isToldLong = false;            ///< the hook knows that it is no short one
+    bool m_isToldLong;                    ///< the hook knows that it is no short one
+    bool m_isGivenUp = false;
 };
 
 /// Between two tries to reach a server: short against a failover, long against what a try costs the server. Whether to

@@ -149,7 +149,7 @@ ActionAnswer SessionActions::failed(const PgError &error)
         return {answerOf(error), 0, error};
     if (error.behind == 0) // that of the number: the first sending holds it
         return {Heard::Locked, 0, notConfirmedYet()};
-    m_deadline = QDeadlineTimer(0); // another's, for all the time that the action had for it
+    m_deadline = QDeadlineTimer(0); // another's, for all the time that was left for it
     return {Heard::Locked, 0, error};
 }
 

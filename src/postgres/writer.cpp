@@ -165,6 +165,12 @@ Actions::End Writer::ended(Actions::End end) const
     return end;
 }
 
+void Writer::giveUp()
+{
+    if (m_isWriting)
+        m_engine->server.giveUp();
+}
+
 bool Writer::mayGiveUp() const
 {
     if (!m_isWriting || m_engine->server.phase() == Phase::Sending)

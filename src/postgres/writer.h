@@ -48,6 +48,8 @@ public:
 
     /// Whether the wait that goes on now may be ended by a person.
     [[nodiscard]] bool mayGiveUp() const;
+    /// A person has ended it.
+    void giveUp();
 
 private:
     struct Engine

@@ -197,6 +197,8 @@ void ServerWaitTest::manyShortWaitsAreShownButTakeNothing()
     for (const auto moment : {230ms, 280ms})
         QVERIFY(till.at(moment));
     QCOMPARE(till.sign()->accessibleDescription(), u"The server has not answered yet."_s);
+    QVERIFY(till.amongShortOnesAt(310ms)); // one is none
+    QCOMPARE(till.sign()->accessibleDescription(), u"The server has not answered yet."_s);
     QVERIFY(till.amongShortOnesAt(330ms)); // it does again, and input stays out
     QCOMPARE(till.sign()->accessibleDescription(), u"The server answers slowly."_s);
     type(u"a"_s, 60ms);

@@ -7,6 +7,7 @@
 #include "store/statement_texts.h"
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QTest>
 
 #include <memory>
@@ -129,11 +130,11 @@ void ConnectionLocksTest::anothersLockAfterABreak()
     QVERIFY(!till.open());
     m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
     bool isCut = false;
-    DbWait::For last = DbWait::For::Answer;
+    QHash<DbWait::For, int> told;
     till.setWaitHook([&](const DbWait &wait) {
         if (!std::exchange(isCut, true))
             line.cut();
-        last = wait.what;
+        ++told[wait.what];
         return true;
     });
     till.beginAction();
@@ -145,7 +146,7 @@ void ConnectionLocksTest::anothersLockAfterABreak()
     QCOMPARE(till.lastWrite(), WriteOutcome::Refused);
     QCOMPARE(m_server->failures.size(), 1u);
     QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
-    QCOMPARE(last, DbWait::For::Lock);
+    QVERIFY(told[DbWait::For::Lock] > told[DbWait::For::Answer]);
     till.beginAction();
     QVERIFY(till.Execute(statements::raiseStock(1, u"1"_s).sql()));
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);

@@ -3,6 +3,7 @@
 #include "tests/postgres/painted_gaps.h"
 #include "tests/program/test_program.h"
 
+#include "postgres/server_waits.h"
 #include "store/recordset.h"
 #include "store/statement_texts.h"
 
@@ -13,7 +14,10 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <array>
 #include <memory>
+
+#include <unistd.h>
 
 using namespace harrowby;
 using namespace harrowby::test;
@@ -36,6 +40,8 @@ private Q_SLOTS:
     void shortWaitsInARow();
     void longWaitsInARow();
     void shortWaitsOfManyEvents();
+    void pausesAreNoShortOnes();
+    void answerThatIsThereCounts();
     void silentCable();
     void nobodyCanFindOut();
     void givesUp();
@@ -288,7 +294,7 @@ void ConnectionWaitsTest::nobodyCanFindOut()
     m_server->cluster.sql(u"update harrowby.writer_action set last = last + 100"_s);
     cable.speak();
     m_connection->beginAction();
-    (void)Execute(m_connection, statements::raiseStock(1, u"1"_s));
+    QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s))); // with numbers of its own
     QCOMPARE(told, (std::vector<WriteOutcome>{WriteOutcome::Unknown}));
 }
 
@@ -335,6 +341,40 @@ void ConnectionWaitsTest::unknownAfterAHoldThatWasRefused()
     proxy.goSilentAtAnswerOf(1);
     QCOMPARE(purchase.Update(), DbRecordset::Outcome::NotKnown);
     QCOMPARE(m_server->cluster.sql(u"select PurchaseID from harrowby.PurchaseCart"_s), QStringList{u"HV1"_s});
+}
+
+/// A server that refuses at once is tried again and again: each pause is seen, and none is one of many short answers.
+void ConnectionWaitsTest::pausesAreNoShortOnes()
+{
+    int calls = 0;
+    int shortOnes = 0;
+    const PgWaitHook hook = [&](const PgWait &wait) {
+        ++calls;
+        shortOnes += wait.isManyShortOnes ? 1 : 0;
+        return true;
+    };
+    for (int i = 0; i < 6; ++i)
+        QVERIFY(postgres::pauseBeforeNextTry(hook));
+    QVERIFY2(calls >= 6, qPrintable(QString::number(calls)));
+    QCOMPARE(shortOnes, 0);
+}
+
+/// A person gives up at the moment of the answer: it is taken, and what comes behind it is not waited for.
+void ConnectionWaitsTest::answerThatIsThereCounts()
+{
+    std::array<int, 2> line{};
+    QCOMPARE(::pipe(line.data()), 0);
+    QCOMPARE(::write(line[1], "x", 1), 1);
+    pollfd end{line[0], POLLIN, 0};
+    int calls = 0;
+    const PgWaitHook hook = [&calls](const PgWait &) { return ++calls > 1; };
+    postgres::Waiter waiter(hook, PgWaiting::Answer);
+    QTest::qSleep(60);
+    QCOMPARE(waiter.wait(end, QDeadlineTimer(10s)), postgres::Waiter::End::Ready);
+    QCOMPARE(calls, 1);
+    QCOMPARE(waiter.wait(end, QDeadlineTimer(10s)), postgres::Waiter::End::GivenUp);
+    ::close(line[0]);
+    ::close(line[1]);
 }
 
 /// What the outermost event loop waits for is the next action; what a box's loop waits for belongs to its own.
