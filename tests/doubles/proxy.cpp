@@ -56,6 +56,7 @@ public:
     Loss m_loss = Loss::None;
     int m_requestsLeft = 0; ///< until the loss; 0 when none is asked for
     int m_roundTrips = 0;
+    int m_breaks = 0;
     std::list<Link> m_links;
 
 private:
@@ -209,6 +210,7 @@ void Proxy::Worker::answer(Link &link)
 
 void Proxy::Worker::breakAll()
 {
+    ++m_breaks;
     for (Link &link : m_links) {
         link.client.breakOff();
         link.server.breakOff();
@@ -279,6 +281,13 @@ int Proxy::roundTrips() const
     int trips = 0;
     m_worker->ask([&] { trips = m_worker->m_roundTrips; });
     return trips;
+}
+
+int Proxy::breaks() const
+{
+    int breaks = 0;
+    m_worker->ask([&] { breaks = m_worker->m_breaks; });
+    return breaks;
 }
 
 int Proxy::connections() const

@@ -41,6 +41,7 @@ public:
     /// Round trips so far: how often a client has sent something after it had been answered.
     [[nodiscard]] int roundTrips() const;
     [[nodiscard]] int connections() const; ///< that are open now
+    [[nodiscard]] int breaks() const;      ///< how often all were broken: by cut(), or by an answer that was lost
 
 private:
     class Worker;

@@ -106,6 +106,7 @@ void UndoCutTest::eachAnswerLost()
         if (lost == 0)
             trips = m_proxy->roundTrips() - before;
         const QByteArray where = "round trip " + QByteArray::number(lost) + " of " + QByteArray::number(trips);
+        QVERIFY2(m_proxy->breaks() == (lost > 0 ? 1 : 0), where);
         QVERIFY2(m_failures.isEmpty(), where + ": " + m_failures.join(u", "_s).toUtf8());
         QVERIFY2(stock(counter) == untouched, where + ": " + stock(counter).join(u", "_s).toUtf8());
         QVERIFY2(purchases(counter).isEmpty(), where);
