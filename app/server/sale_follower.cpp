@@ -27,16 +27,29 @@ QString lostPurchaseAdvice()
     return u"Write it down: the reports do not have it."_s;
 }
 
-/// The same of a purchase that was not known; its ID and sum as the connection has noted them.
-QString settledPurchaseWords(const QString &statement)
+struct NotedPurchase
+{
+    QString id;
+    QString sum;
+};
+
+/// As the connection has noted it.
+std::optional<NotedPurchase> purchaseOf(const QString &statement)
 {
     static const QRegularExpression noted(u"^INSERT PurchaseCart (.+) (\\S+)$"_s,
                                           QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch match = noted.match(statement);
     if (!match.hasMatch())
-        return settledWork(statement, false);
-    return u"Known now: the purchase %1 over %2 was not recorded."_s.arg(match.captured(1),
-                                                                         formatMoney(match.captured(2).toDouble()));
+        return {};
+    return NotedPurchase{match.captured(1), formatMoney(match.captured(2).toDouble())};
+}
+
+/// What became of a purchase that was not known, and was not done.
+QString settledPurchaseWords(const QString &statement)
+{
+    const auto purchase = purchaseOf(statement);
+    return purchase ? u"Known now: the purchase %1 over %2 was not recorded."_s.arg(purchase->id, purchase->sum)
+                    : settledWork(statement, false);
 }
 
 bool isOfPurchase(const QString &statement)
@@ -53,14 +66,17 @@ void tellNeverKnown(FailureNotice &notice, const QString &statement)
 {
     const auto line = missOf(statement);
     const bool isLine = line && line->kind == StockMiss::Kind::NotLowered;
+    const auto purchase = purchaseOf(statement);
     const auto subject = u"never known"_s;
     notice.tellOver(subject); // each is told
-    notice.forget(doubtfulWork({DbFailure::Kind::Write, statement, {}}));
+    if (!isLine)              // of a line the doubt was told in words of its own
+        notice.forget(doubtfulWork({DbFailure::Kind::Write, statement, {}}));
+    const QString work = isLine     ? u"the stock of %1 was lowered."_s.arg(lineWords(*line))
+                         : purchase ? u"the purchase %1 over %2 was recorded."_s.arg(purchase->id, purchase->sum)
+                                    : QString();
     notice.tell({subject,
-                 isLine
-                     ? u"It cannot be found out any more whether the stock of %1 was lowered."_s.arg(lineWords(*line))
-                     : neverKnownWork(statement),
-                 u"another program has ended the numbers of this till's writes"_s,
+                 work.isEmpty() ? neverKnownWork(statement) : u"It cannot be found out any more whether "_s + work,
+                 u"the numbers of this machine's writes have gone on without it"_s,
                  isLine ? u"Have the item counted."_s : u"Look whether it is there before you do it again."_s, true,
                  true, Notice::Outcome::NotKnown});
 }
@@ -97,19 +113,24 @@ void SaleFollower::settle(const QString &statement, WriteOutcome known)
 {
     m_doubts = std::max(m_doubts - 1, 0); // those of an earlier program have not been counted
     if (const auto line = missOf(statement); line && line->kind == StockMiss::Kind::NotLowered) {
-        if (known != WriteOutcome::Unknown && settleMiss(lineWords(*line), known == WriteOutcome::Done))
+        if (settleMiss(lineWords(*line), known))
             return;
         forgetDoubt(lineWords(*line));
     }
-    if (isOfPurchase(statement) && settleRow(known))
+    if (isOfPurchase(statement) && settleRow(statement, known))
         return;
     tellSettled(m_notice, statement, known);
 }
 
-/// The row of a purchase that has not been told yet: it is told with it, or the cart comes back.
-bool SaleFollower::settleRow(WriteOutcome known)
+/// The row of a purchase that has not been told yet: it is told with it, or the cart comes back. What else follows the
+/// sale, as its payment, goes by what is known, too.
+bool SaleFollower::settleRow(const QString &statement, WriteOutcome known)
 {
     const auto row = std::exchange(m_doubtfulRow, std::nullopt);
+    const auto purchase = purchaseOf(statement);
+    if (row && purchase && known != WriteOutcome::Unknown)
+        m_counter.setKnownRow(purchase->id, known == WriteOutcome::Done ? CounterPurchase::Row::Written
+                                                                        : CounterPurchase::Row::NotWritten);
     if (!row || known != WriteOutcome::Refused)
         return false;
     m_notice.forget(doubtfulWork(*row));
@@ -117,8 +138,9 @@ bool SaleFollower::settleRow(WriteOutcome known)
     return true;
 }
 
-/// Of a purchase that has not been told yet, as while its summary stands there: it is told as what it is.
-bool SaleFollower::settleMiss(const QString &line, bool isDone)
+/// Of a purchase that has not been told yet, as while its summary stands there: it is told with it as what it is, but
+/// for one that can never be known.
+bool SaleFollower::settleMiss(const QString &line, WriteOutcome known)
 {
     const auto isIt = [&](const Miss &miss) {
         return miss.outcome == WriteOutcome::Unknown && lineWords(miss.line) == line;
@@ -126,11 +148,11 @@ bool SaleFollower::settleMiss(const QString &line, bool isDone)
     const auto miss = std::find_if(m_misses.begin(), m_misses.end(), isIt);
     if (miss == m_misses.end())
         return false;
-    if (isDone)
-        m_misses.erase(miss);
+    if (known == WriteOutcome::Refused)
+        miss->outcome = known;
     else
-        miss->outcome = WriteOutcome::Refused;
-    return true;
+        m_misses.erase(miss);
+    return known != WriteOutcome::Unknown;
 }
 
 void SaleFollower::forgetDoubt(const QString &line)

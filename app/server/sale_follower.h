@@ -60,8 +60,8 @@ private:
         QString told; ///< the notice's sentence
     };
 
-    [[nodiscard]] bool settleRow(WriteOutcome known);
-    [[nodiscard]] bool settleMiss(const QString &line, bool isDone);
+    [[nodiscard]] bool settleRow(const QString &statement, WriteOutcome known);
+    [[nodiscard]] bool settleMiss(const QString &line, WriteOutcome known);
     void forgetDoubt(const QString &line);
     void follow(const CounterPurchase &purchase);
     void tell(const Miss &miss, const QString &purchaseId);

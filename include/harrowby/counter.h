@@ -127,6 +127,10 @@ public:
     /// fill. SQLite refuses a write (SQLITE_BUSY_SNAPSHOT) while they still read and another program has written since.
     void finishReading() noexcept;
 
+    /// For a host that is told what became of a write (DbConnection): until purchased() has told of this purchase, its
+    /// row is told as `row` where it would have been NotKnown. Of no account afterwards.
+    void setKnownRow(const QString &purchaseId, CounterPurchase::Row row);
+
     // What a person could press
     /// As a quick-sale button of that item, with `units` (1 to 32,767) in place of one. Also while a list fills.
     CounterAnswer sell(const QString &stockId, int units = 1);

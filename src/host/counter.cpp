@@ -12,6 +12,8 @@ namespace harrowby {
 
 namespace {
 
+using Row = CounterPurchase::Row;
+
 /// Emits the signal of an event.
 struct Teller
 {
@@ -23,7 +25,14 @@ struct Teller
     void operator()(const event::LoggedOut &told) const { Q_EMIT counter.loggedOut(told.name); }
     void operator()(const event::LoginRefused &told) const { Q_EMIT counter.loginRefused(told.name); }
     void operator()(const event::CartChanged &) const { Q_EMIT counter.cartChanged(); }
-    void operator()(const event::Purchased &told) const { Q_EMIT counter.purchased(told.purchase); }
+    void operator()(const event::Purchased &told) const
+    {
+        CounterPurchase purchase = told.purchase;
+        const std::optional<Row> known = HostLink::instance().takeKnownRow(purchase.id);
+        if (purchase.row == Row::NotKnown)
+            purchase.row = known.value_or(Row::NotKnown);
+        Q_EMIT counter.purchased(purchase);
+    }
     void operator()(const event::PurchaseUndone &told) const { Q_EMIT counter.purchaseUndone(told.id); }
     void operator()(const event::PurchaseDeleted &told) const { Q_EMIT counter.purchaseDeleted(told.id); }
     void operator()(const event::StockSaved &told) const { Q_EMIT counter.stockSaved(told.oldId, told.newId); }
@@ -99,6 +108,11 @@ bool Counter::isBusy() const
 void Counter::finishReading() noexcept
 {
     finishWalks(InvBasic::connection());
+}
+
+void Counter::setKnownRow(const QString &purchaseId, Row row)
+{
+    HostLink::instance().setKnownRow(purchaseId, row);
 }
 
 CounterAnswer Counter::sell(const QString &stockId, int units)

@@ -9,6 +9,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QAbstractItemModel;
@@ -52,6 +53,14 @@ public:
     [[nodiscard]] bool isLastCodeGood() const { return m_lastCodeGood; }
     void judgeLastCode(bool good) { m_lastCodeGood = good; }
 
+    /// Of a purchase that may not have been told yet: see Counter::setKnownRow().
+    void setKnownRow(const QString &purchaseId, CounterPurchase::Row row) { m_knownRow = {purchaseId, row}; }
+    [[nodiscard]] std::optional<CounterPurchase::Row> takeKnownRow(const QString &purchaseId)
+    {
+        const auto known = std::exchange(m_knownRow, std::nullopt);
+        return known && known->first == purchaseId ? std::optional(known->second) : std::nullopt;
+    }
+
 private:
     HostLink() = default;
     void followCart(const QAbstractItemModel *cart);
@@ -66,6 +75,7 @@ private:
     std::deque<CounterEvent> m_told; ///< one posted call of tellNext() for each
     QPointer<CodeTaker> m_codes;     ///< of the application, since the host has taken codes
     bool m_lastCodeGood = true;
+    std::optional<std::pair<QString, CounterPurchase::Row>> m_knownRow;
 };
 
 } // namespace harrowby
