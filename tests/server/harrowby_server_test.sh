@@ -131,9 +131,12 @@ stop_service() {
 kill_voter() { stop_service "$1" harrowby-voter; }
 # The power fails: all its processes at once.
 kill_machine() {
-    local main
     stop_service "$1" harrowby-patroni # first, or it starts another server
     kill_voter "$1"
+    kill_server "$1"
+}
+kill_server() {
+    local main
     main=$(head -n 1 "$(data_of "$1")/postmaster.pid")
     kill -STOP "$main"
     pkill -KILL -P "$main"

@@ -120,7 +120,9 @@ is "on both" "w1 w2" sold seven
 stays() { on "$1" status | grep -c "! They were told to stay as they are"; }
 works "a standby leaves" on seven automatic --off
 is "the others stay as they are, and tell" 1 stays six
-kill_machine six
+stop_service six harrowby-patroni
+kill_server six
+wait_for "nobody is the server any more" 1 eval 'on six status | grep -c "! The voters have no server at the moment"'
 works "the server takes part again, after a power cut, too" on six automatic
 works "and sells" sells_soon w2b
 is "they decide again" 0 stays six
