@@ -31,6 +31,18 @@ private Q_SLOTS:
     void shortLocksOfAnAction();
     void anothersLockAfterABreak();
     void thirdForARow();
+
+private:
+    /// As another till that is in the middle of something.
+    void lockItem()
+    {
+        m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    }
+    void freeItem() { m_server->cluster.sql(u"rollback"_s); }
+    [[nodiscard]] bool isToldAsLocked() const
+    {
+        return m_server->failures.size() == 1 && m_server->failures.front().engineState == u"55P03"_s;
+    }
 };
 
 void ConnectionLocksTest::anothersLock()
@@ -41,15 +53,14 @@ void ConnectionLocksTest::anothersLock()
         gaps.paint();
         return true;
     });
-    m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    lockItem();
     m_connection->beginAction();
     gaps.begin();
     QVERIFY(!Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     QCOMPARE(m_connection->lastWrite(), WriteOutcome::Refused);
-    QCOMPARE(m_server->failures.size(), 1u);
-    QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
+    QVERIFY(isToldAsLocked());
     QVERIFY2(gaps.median() <= 100, qPrintable(QString::number(gaps.median())));
-    m_server->cluster.sql(u"rollback"_s);
+    freeItem();
     m_connection->beginAction();
     QVERIFY(Execute(m_connection, statements::raiseStock(1, u"1"_s)));
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
@@ -63,23 +74,22 @@ void ConnectionLocksTest::locksOfAnActionTogether()
     options.lock = 5'000ms;
     PostgresConnection till(m_server->cluster.conninfo(), options);
     QVERIFY(!till.open());
-    const QString change = u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s;
-    m_server->cluster.sql(change);
+    lockItem();
     QElapsedTimer took;
     bool isHeld = true;
     till.setWaitHook([&](const DbWait &) {
         if (isHeld && took.elapsed() > 3'500)
-            m_server->cluster.sql(u"rollback"_s), isHeld = false;
+            freeItem(), isHeld = false;
         return true;
     });
     till.beginAction();
     took.start();
     QVERIFY(till.Execute(statements::raiseStock(1, u"1"_s).sql()));
     till.setWaitHook({});
-    m_server->cluster.sql(change);
+    lockItem();
     took.restart();
     QVERIFY(!till.Execute(statements::raiseStock(1, u"1"_s).sql()));
-    m_server->cluster.sql(u"rollback"_s);
+    freeItem();
     // 1,500 are left, where a time of its own would have 5,000.
     QVERIFY2(took.elapsed() < 4'500, qPrintable(QString::number(took.elapsed())));
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
@@ -98,11 +108,11 @@ void ConnectionLocksTest::shortLocksOfAnAction()
     bool isHeld = false;
     till.setWaitHook([&](const DbWait &) {
         if (isHeld && took.elapsed() > 1'300)
-            m_server->cluster.sql(u"rollback"_s), isHeld = false;
+            freeItem(), isHeld = false;
         return true;
     });
     const auto sellLocked = [&] {
-        m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+        lockItem();
         isHeld = true;
         took.start();
         return till.Execute(statements::raiseStock(1, u"1"_s).sql());
@@ -110,9 +120,8 @@ void ConnectionLocksTest::shortLocksOfAnAction()
     till.beginAction();
     QVERIFY(sellLocked());
     QVERIFY(!sellLocked());
-    m_server->cluster.sql(u"rollback"_s);
-    QCOMPARE(m_server->failures.size(), 1u);
-    QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
+    freeItem();
+    QVERIFY(isToldAsLocked());
     QCOMPARE(m_server->stockOf(u"1"_s), u"11"_s);
 }
 
@@ -128,7 +137,7 @@ void ConnectionLocksTest::anothersLockAfterABreak()
     PostgresConnection till(through(line), options);
     till.setFailureHandler([this](const DbFailure &failure) { m_server->failures.push_back(failure); });
     QVERIFY(!till.open());
-    m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    lockItem();
     bool isCut = false;
     QHash<DbWait::For, int> told;
     till.setWaitHook([&](const DbWait &wait) {
@@ -142,10 +151,9 @@ void ConnectionLocksTest::anothersLockAfterABreak()
     took.start();
     QVERIFY(!till.Execute(statements::raiseStock(1, u"1"_s).sql()));
     QVERIFY2(took.elapsed() < 20'000, qPrintable(QString::number(took.elapsed())));
-    m_server->cluster.sql(u"rollback"_s);
+    freeItem();
     QCOMPARE(till.lastWrite(), WriteOutcome::Refused);
-    QCOMPARE(m_server->failures.size(), 1u);
-    QCOMPARE(m_server->failures.front().engineState, u"55P03"_s);
+    QVERIFY(isToldAsLocked());
     QVERIFY(told[DbWait::For::Lock] > told[DbWait::For::Answer]);
     till.beginAction();
     QVERIFY(till.Execute(statements::raiseStock(1, u"1"_s).sql()));
@@ -161,7 +169,7 @@ void ConnectionLocksTest::thirdForARow()
     options.lock = 10'000ms;
     PostgresConnection till(m_server->cluster.conninfo(), options);
     QVERIFY(!till.open());
-    m_server->cluster.sql(u"begin; update harrowby.StockList set StockCost = 1 where StockID = '1'"_s);
+    lockItem();
     const std::unique_ptr<PGconn, decltype(&PQfinish)> second(
         PQconnectdb(m_server->cluster.conninfo().toUtf8().constData()), PQfinish);
     QVERIFY(PQsendQuery(second.get(), "begin; update harrowby.StockList set StockCost = 2 where StockID = '1'") == 1);
@@ -176,7 +184,7 @@ void ConnectionLocksTest::thirdForARow()
     QList<DbWait::For> waited;
     till.setWaitHook([&](const DbWait &wait) {
         if (turn == 0 && took.elapsed() > 700 && ++turn)
-            m_server->cluster.sql(u"rollback"_s);
+            freeItem();
         if (turn == 1 && took.elapsed() > 2'500 && ++turn)
             endSecond();
         waited.append(wait.what);
