@@ -1,7 +1,8 @@
 # Compiles the headers that most files include once: Qt's core for targets without a window, and with windows for those
 # that link Qt6::Widgets. So a room without a window cannot come to see one. Only what many files take is in the lists: each
 # header more makes every single compilation slower (an empty file took twice the time with all of QtWidgets). What is
-# compiled with other options, as the tests may be, needs headers that were precompiled with them.
+# compiled with other options, as the tests and the rooms without a window may be, needs headers that were precompiled with
+# them.
 set(harrowby_core_headers
     <QByteArray> <QCoreApplication> <QDateTime> <QDir> <QElapsedTimer> <QFile> <QFileInfo> <QHash> <QList> <QLocale>
     <QLoggingCategory> <QPointer> <QRegularExpression> <QStandardPaths> <QString> <QStringList> <QTimer> <QVariant>
@@ -12,21 +13,23 @@ set(harrowby_window_headers
     <QLabel> <QLineEdit> <QListWidget> <QMainWindow> <QMessageBox> <QPainter> <QPushButton> <QScreen> <QScrollArea>
     <QScrollBar> <QStyle> <QTabBar> <QTreeView> <QWidget>)
 
-function(harrowby_precompile prefix)
+# harrowby_precompile(PREFIX OPTIONS CORE_OPTIONS)
+function(harrowby_precompile prefix options core_options)
+    set(window_options)
     foreach(kind core window)
         add_library(${prefix}_${kind}_pch OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
         set_target_properties(${prefix}_${kind}_pch PROPERTIES AUTOMOC OFF)
-        target_compile_options(${prefix}_${kind}_pch PRIVATE ${ARGN})
+        target_compile_options(${prefix}_${kind}_pch PRIVATE ${options} ${${kind}_options})
         target_precompile_headers(${prefix}_${kind}_pch PRIVATE ${harrowby_core_headers})
     endforeach()
     target_link_libraries(${prefix}_core_pch PRIVATE harrowby_build Qt6::Core)
     target_link_libraries(${prefix}_window_pch PRIVATE harrowby_build Qt6::Widgets)
     target_precompile_headers(${prefix}_window_pch PRIVATE ${harrowby_window_headers})
 endfunction()
-harrowby_precompile(harrowby)
+harrowby_precompile(harrowby "" "${HARROWBY_CORE_OPTIONS}")
 if(HARROWBY_BUILD_TESTS AND HARROWBY_TEST_OPTIONS)
     set(WITHIN_HARROWBY_OF_TESTS ON)
-    harrowby_precompile(harrowby_tests ${HARROWBY_TEST_OPTIONS})
+    harrowby_precompile(harrowby_tests "${HARROWBY_TEST_OPTIONS}" "")
     unset(WITHIN_HARROWBY_OF_TESTS)
 endif()
 
@@ -70,6 +73,9 @@ function(harrowby_reuse_precompiled directory prefix)
             target_precompile_headers(${target} REUSE_FROM ${prefix}_window_pch)
         else()
             target_precompile_headers(${target} REUSE_FROM ${prefix}_core_pch)
+            if(prefix STREQUAL harrowby)
+                target_compile_options(${target} PRIVATE ${HARROWBY_CORE_OPTIONS})
+            endif()
         endif()
     endforeach()
     get_property(subdirectories DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
