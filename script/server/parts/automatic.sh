@@ -126,10 +126,13 @@ invite_anew() {
     voters_agree || die "the voters do not agree: more than half of them have to be there"
     was=$(url "$name" 1) # by which the voters know one that was never there
     [[ $1 != *=* ]] || as_member=$(member "$1")
+    [ -z "$as_member" ] || [[ " $(tr ' ' '\n' <<<"${auto[members]}" | grep -v "^$name=" | paste -sd ' ') " != *"=${as_member#*=} "* ]] ||
+        misused "two machines have the address ${as_member#*=}"
     [ -z "$as_member" ] ||
         auto[members]=$(tr ' ' '\n' <<<"${auto[members]}" | sed "s/^$name=.*/$as_member/" | paste -sd ' ')
-    new=$(url "$name" 1) # by which they know one that an earlier try has added
-    vote member list | awk -F ', ' -v name="$name" -v was="$was" -v new="$new" '$3 == name || $4 == was || $4 == new { print $1 }' |
+    new=$(url "$name" 1) # by which they know one that an earlier try has added, and that never began
+    vote member list | awk -F ', ' -v name="$name" -v was="$was" -v new="$new" '
+        $3 == name || $4 == was || ($4 == new && $3 == "") { print $1 }' |
         while read -r number; do
             vote member remove "$number" </dev/null >/dev/null || die "the voters do not let $name go"
         done

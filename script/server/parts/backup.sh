@@ -37,6 +37,7 @@ do_backup() {
     fi
     lock_backups
     exec 9>&- # from here on a folder that hangs keeps nobody from promoting or going on alone
+    keep_left_log
     keep_log
     copy_cluster "$folder"
     keep_keys "$folder"

@@ -25,6 +25,7 @@ add_login() {
         opt[new-password]=yes
     fi
     [ -z "${opt[owner]:-}" ] || sql -c "grant harrowby_owner to \"$role\""
+    forget_logins
     if [ -n "${opt[new-password]:-}" ]; then
         password=$(random_word)
         set_password "$role" "$password"
@@ -38,6 +39,9 @@ add_login() {
 declare -A kind_work=([till]="sells" [office]="works in the office") kind_call=([till]="--database service=harrowby"
     [office]="--office --database service=harrowby-office")
 
+# Those that a restore kept and did not come to give back are no longer what is true.
+forget_logins() { rm -f "$etc/logins"; }
+
 # The word goes neither into a command line nor into the server's log.
 set_password() {
     sql -f - <<SQL
@@ -45,6 +49,7 @@ set log_statement = 'none';
 set log_min_error_statement = 'panic';
 alter role "$1" password '$2';
 SQL
+    forget_logins
 }
 
 check_room() {
@@ -108,5 +113,6 @@ alter role "$role" nologin;
 select pg_terminate_backend(pid) from pg_stat_activity where usename = '$role' \g /dev/null
 drop role "$role";
 SQL
+    forget_logins
     say "The $kind ${rest[0]} does not get in any more."
 }

@@ -171,6 +171,7 @@ delete from harrowby_server.host where name = :'name';
 drop role if exists :"role";
 SQL
     rm -f "$etc/$role"
+    forget_logins
     if ((others == 0)); then
         sql -c "delete from harrowby_server.remark where name = 'alone'"
     elif [ -z "$left" ]; then

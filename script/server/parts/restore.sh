@@ -18,12 +18,14 @@ do_restore() {
         die "$folder holds no backups"
     fi
     { as_owner test -r "$folder/log" && as_owner test -x "$folder/log"; } ||
-        die "the server cannot read $folder: it belongs to a user of another machine. chown -R $owner: $folder/base $folder/log, then this once more"
+        die "the server cannot read $folder: it belongs to a user of another machine.
+    chown $owner: $folder && chown -R $owner: $folder/base $folder/log, then this once more"
     [ -z "$(who_sells)" ] || die "these are connected: $(who_sells). Close the programs first, as what they write now would not be in
     the store that is restored. Where one is not there any more: pg_ctlcluster $version $cluster restart"
     written=$(written_so_far)
     until_time=$(moment_of "${opt[time]:-}")
     lock_backups
+    keep_left_log
     ! is_running || finish_log "$folder"
     line=$(timeline_at "$folder" "$until_time")
     base=$(base_before "$folder" "$until_time" "$line")
@@ -245,16 +247,18 @@ SQL
 # gone, the server that runs is a restored one, and does not know them.
 keep_logins() {
     local left logins
-    left=$(sed -n '1s/^-- //p' "$etc/logins" 2>/dev/null || true)
+    left=$(told_of_logins)
     [ -z "$left" ] || [ ! -d "$left" ] || return 0
     logins=$(write_logins)
     printf -- '-- %s\n%s\n' "$1" "$logins" | put "$etc/logins" 600 "$(id -un)"
 }
+told_of_logins() { sed -n '1s/^-- //p' "$etc/logins" 2>/dev/null || true; }
 past() { LC_ALL=C as_owner "$programs/pg_controldata" "$1" | sed -n 's/^Database system identifier: *//p'; }
 
 swap_in() {
-    local kept=$data.kept-$1 many same=
-    [ ! -d "$data" ] || [ "$(past "$data")" != "$(past "$restored")" ] || same=yes
+    local kept=$data.kept-$1 many same= before=$data
+    [ -d "$before" ] || before=$(told_of_logins) # where an earlier try ended just before the restored one came
+    [ ! -d "$before" ] || [ "$(past "$before")" != "$(past "$restored")" ] || same=yes
     if is_running; then
         wait_until_closed
         [ -z "$written" ] || [ "$(written_so_far)" = "$written" ] ||
@@ -294,11 +298,20 @@ swap_in() {
 # From here on it is the shop's. A backup made before this has come to its end makes up for it.
 keep_restored_log() {
     local piece
+    [ -z "${machine[backup]:-}" ] || answers "${machine[backup]}" || {
+        warn "${machine[backup]} does not answer, so that the restored store's log is not there: harrowby-server backup, and soon"
+        return 0
+    }
     [ -z "${machine[backup]:-}" ] || find "$restored.log" -type f ! -name '*.part' -printf '%f\n' | sort -r | while read -r piece; do
         as_owner "$here/archive-log" "$restored.log/$piece" "$piece" "${machine[backup]}/log" ||
             warn "$piece of its log does not get into ${machine[backup]}/log: harrowby-server backup, and soon"
     done
     rm -rf "$restored.log"
+}
+# That of a restore that was broken off when it had become the server already.
+keep_left_log() {
+    restored=$data.restored
+    [ ! -d "$restored.log" ] || [ -d "$restored" ] || keep_restored_log
 }
 
 # The backup knows the machines of its day. One that is not among them stands in the place of all of them.

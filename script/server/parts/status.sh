@@ -133,7 +133,7 @@ tell_voters() {
         }
     done < <(member_names)
     if voters_agree; then
-        name=$(leader)
+        name=$(leader) || name=
         if [ -n "$name" ]; then say "The voters have made $name the server."; else trouble "The voters have no server at the moment"; fi
         ((missing == 0)) || say "When one more of them goes, no machine takes over, and none sells."
         ! is_paused || trouble "They were told to stay as they are: no machine takes over. harrowby-server automatic, on one that has the store"

@@ -88,6 +88,7 @@ refuses "it is there" "seven answers" on six automatic --anew seven
 refuses "an address that is none" "in numbers" on six automatic --anew till=kiosk
 says "leaves the voter a member" "The voter till does not answer" on six status
 rm -rf "${work:?}/till"
+refuses "an address that another one has" "two machines have the address" on six automatic --anew "till=127.0.0.1,${votes[seven]}"
 works "an address by mistake" on six automatic --anew till=127.0.0.3 --to "$work"
 votes[till]=$(free_ports)
 works "a new machine in its place" eval 'on six automatic --anew "till=127.0.0.1,${votes[till]}" --to "$work" && on till automatic "$work/automatic-till.tar"'
