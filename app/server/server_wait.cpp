@@ -43,7 +43,7 @@ bool ServerWait::goesOn(const DbWait &wait)
         m_answers = isShort;
     }
     if (now - m_began < (m_answers && !m_isShown ? quietWhileItAnswers : quiet))
-        return true;
+        return !(isPressed && m_isShown && wait.mayGiveUp); // it was taken from the button now
     if (!m_answers)
         m_dam.hold(m_takesNoInput, now + unheard);
     m_sign.keepShowing(wordsOf(wait, isShort));
