@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/program/test_program.h"
+#include "tests/ui/paint_count.h"
 #include "tests/ui/widget_use.h"
 
 #include "theme/colours.h"
@@ -20,6 +21,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextDocumentFragment>
@@ -42,6 +44,7 @@ private Q_SLOTS:
     void rowListSelectsTheNextRowAfterARemoval();
     void rowListOpensRows();
     void rowListNeverScrollsSideways();
+    void rowListIsPaintedAnewWhereItIsSeen();
     void rowListShowsToolTipsAsPlainText();
     void nameListShowsToolTipsAsPlainText();
     void itemKeyIsPaintedNameOverId();
@@ -273,6 +276,56 @@ void RowListTest::longTextTakesTwoLines()
     QVERIFY(inkOf(130, 4, 16) > 0);
     QVERIFY(inkOf(130, 24, 16) > 0);
     QVERIFY(inkOf(400, 0, 10) == 0);
+}
+
+void RowListTest::rowListIsPaintedAnewWhereItIsSeen()
+{
+    RowList list({u"Item"_s, u"Qty"_s});
+    TextTableModel &rows = list.rows();
+    rows.appendRow({u"TEA"_s, u"1"_s});
+    list.resize(200, 150);
+    list.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&list));
+    const int rowHeight = list.visualRect(rows.index(0, 0)).height();
+    list.resize(200, list.height() - list.viewport()->height() + 3 * rowHeight);
+    PaintCount painted(list.viewport());
+    PaintCount headed(list.header()->viewport());
+    const auto paintedWith = [&](int count) {
+        painted.take();
+        headed.take();
+        for (int row = 0; row < count; ++row)
+            rows.queueRow({u"MILK"_s, u"2"_s});
+        rows.publishRows();
+        const int times = painted.take();
+        return times > 0 ? times : headed.take();
+    };
+    QCOMPARE(paintedWith(1), 1);
+    QCOMPARE(paintedWith(1), 1); // the last one that has room
+    QVERIFY(!list.verticalScrollBar()->isVisible());
+    QVERIFY(paintedWith(1) > 0); // whose scroll bar takes room
+    QVERIFY(list.verticalScrollBar()->isVisible());
+    QCOMPARE(paintedWith(20), 0);
+    const int most = list.verticalScrollBar()->maximum();
+    QCOMPARE(paintedWith(20), 0);
+    QVERIFY(list.verticalScrollBar()->maximum() > most);
+    list.scrollToBottom();
+    QCOMPARE(painted.take(), 1);
+    QCOMPARE(paintedWith(1), 0);
+    QCOMPARE(list.indexAt({1, 1}).row(), 41);
+
+    // With another change before the rows are laid out.
+    rows.removeRowAt(rows.rowCount() - 2);
+    rows.appendRow({u"JAM"_s});
+    QVERIFY(painted.take() > 0);
+    rows.appendRow({u"JAM"_s});
+    rows.removeRowAt(rows.rowCount() - 3);
+    QVERIFY(painted.take() > 0);
+    rows.appendRow({u"JAM"_s});
+    list.setFont(QFont(list.font().family(), 20));
+    QVERIFY(painted.take() > 0);
+    rows.clear();
+    rows.appendRow({u"JAM"_s});
+    QVERIFY(painted.take() > 0);
 }
 
 void RowListTest::rowListShowsToolTipsAsPlainText()

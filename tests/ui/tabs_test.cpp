@@ -2,7 +2,9 @@
 #include "tests/support/counter.h"
 
 #include "tests/program/test_program.h"
+#include "tests/ui/paint_count.h"
 #include "tests/ui/tabs_desk.h"
+#include "ui/widgets/row_list.h"
 #include "ui/widgets/tab_strip.h"
 
 using namespace Qt::StringLiterals;
@@ -40,6 +42,7 @@ private Q_SLOTS:
     void sameTabAgainRunsItsHandler();
     void raisedPanels_data();
     void raisedPanels();
+    void panelBehindIsNotPainted();
     void stockIsReadWhenItsPanelWasHidden_data();
     void stockIsReadWhenItsPanelWasHidden();
     void buttonsOfTheStockList();
@@ -252,6 +255,23 @@ void TabsTest::raisedPanels()
     for (const QObject *child : counter.find("Frame1")->parent()->children())
         stack << child->objectName();
     QCOMPARE(stack.mid(stack.size() - 2), raised);
+}
+
+/// The stock list covers the cart, which stays as it was behind it.
+void TabsTest::panelBehindIsNotPainted()
+{
+    Counter counter;
+    counter.open();
+    counter.logIn();
+    counter.chooseTab("TabStrip1", WorkArea::EditStock);
+    auto *behind = counter.find<QWidget>("Frame2");
+    QVERIFY(behind->isVisible());
+    PaintCount painted(behind);
+    painted.take();
+    counter.find<RowList>("LV")->viewport()->update();
+    QCOMPARE(painted.take(), 0);
+    counter.find<QWidget>("Frame10")->hide();
+    QVERIFY(painted.take() > 0);
 }
 
 void TabsTest::stockIsReadWhenItsPanelWasHidden_data()

@@ -122,7 +122,16 @@ void TextTableTest::queuedRowsAreThereAtOnce()
     QCOMPARE(table.lastRow(), 1);
     QCOMPARE(table.text(1, 1), u"JAM"_s);
     QCOMPARE(table.findRow(u"a2"_s), 1);
+    QVERIFY(table.hasManyQueued());
     table.publishRows();
+    QVERIFY(!table.hasManyQueued());
+    table.queueRow(QStringList{u"A3"_s});
+    QVERIFY(!table.hasManyQueued());
+    table.queueRow(QStringList{u"A4"_s});
+    QVERIFY(table.hasManyQueued()); // twice as many as the views know of
+    table.publishRows();
+    table.removeRowAt(3);
+    table.removeRowAt(2);
     QCOMPARE(table.rowCount(), 2);
     QCOMPARE(table.index(1, 1).data().toString(), u"JAM"_s);
 }

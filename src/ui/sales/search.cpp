@@ -52,7 +52,10 @@ void Inventory::SearchLoad(const QString &text)
         if (texts.read())
             results.queueRow({QString::number(results.lastRow() + 2) + u'.', texts[0].toString(), texts[1].toString(),
                               texts[2].toString()});
-        m_breather.breathe([&] { results.publishRows(); });
+        m_breather.breathe([&] {
+            if (results.hasManyQueued())
+                results.publishRows();
+        });
         return fill.isLatest(); // else a later search fills the list
     });
     if (fill.isLatest() && found.HasFailed())

@@ -91,7 +91,10 @@ void Inventory::LoadStock(bool keepRows)
             placed = placeRow(list, reader);
         if (reader.hasName())
             newNames.append(reader.name());
-        m_breather.breathe(showRows);
+        m_breather.breathe([&] {
+            if (list.hasManyQueued())
+                showRows();
+        });
         return fill.isLatest(); // else a later refresh fills the list
     });
     if (fill.isLatest() && stock.HasFailed() && !keepRows) {

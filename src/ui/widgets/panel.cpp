@@ -80,6 +80,7 @@ Panel::Panel(Kind kind, QWidget *parent) :
     QFrame(parent), m_kind(kind), m_gutter(measuresOf(Density::Usual).gutter),
     m_padding(measuresOf(Density::Usual).padding)
 {
+    setAttribute(Qt::WA_OpaquePaintEvent, kind != Kind::Floating); // what is behind it need not be painted with it
 }
 
 void Panel::setDensity(Density density)

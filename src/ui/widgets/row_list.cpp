@@ -110,6 +110,52 @@ QSize RowList::sizeHint() const
     return {320, 200};
 }
 
+/// A list that fills grows many times below what is seen of it: that is not painted anew each time.
+void RowList::doItemsLayout()
+{
+    if (std::exchange(m_change, Change::None) != Change::GrownOutOfSight)
+        return QTreeView::doItemsLayout();
+    const QSize size = viewport()->size();
+    for (QWidget *seen : {viewport(), header()->viewport()})
+        seen->setAttribute(Qt::WA_UpdatesDisabled);
+    QTreeView::doItemsLayout();
+    for (QWidget *seen : {viewport(), header()->viewport()})
+        seen->setAttribute(Qt::WA_UpdatesDisabled, false);
+    if (viewport()->size() != size) { // the scroll bar has come
+        viewport()->update();
+        header()->viewport()->update();
+    }
+}
+
+void RowList::reset()
+{
+    m_change = Change::Other;
+    QTreeView::reset();
+}
+
+void RowList::rowsInserted(const QModelIndex &parent, int start, int end)
+{
+    if (m_change == Change::None && end == m_rows->rowCount() - 1) {
+        const int seen = start > 0 ? visualRect(m_rows->index(start - 1, 0)).bottom() : -1;
+        m_change = seen >= viewport()->rect().bottom() ? Change::GrownOutOfSight : Change::Other;
+    } else if (m_change != Change::GrownOutOfSight || end != m_rows->rowCount() - 1) {
+        m_change = Change::Other;
+    }
+    QTreeView::rowsInserted(parent, start, end);
+}
+
+void RowList::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end)
+{
+    m_change = Change::Other;
+    QTreeView::rowsAboutToBeRemoved(parent, start, end);
+}
+
+void RowList::changeEvent(QEvent *event)
+{
+    m_change = Change::Other;
+    QTreeView::changeEvent(event);
+}
+
 void RowList::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {

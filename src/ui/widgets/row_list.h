@@ -43,6 +43,9 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] QSize sizeHint() const override;
 
+    void doItemsLayout() override;
+    void reset() override;
+
 Q_SIGNALS:
     /// A row was double-clicked, or Enter was pressed on it.
     void rowOpened(int row);
@@ -51,6 +54,9 @@ Q_SIGNALS:
     void rowChosen(int row);
 
 protected:
+    void rowsInserted(const QModelIndex &parent, int start, int end) override;
+    void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
@@ -59,12 +65,16 @@ protected:
     bool viewportEvent(QEvent *event) override;
 
 private:
+    /// What has happened to the rows since they were laid out.
+    enum class Change { None, GrownOutOfSight, Other };
+
     void shareWidth();
     [[nodiscard]] int neededWidth(int column) const;
 
     TextTableModel *m_rows;
     std::vector<int> m_shares;
     QStringList m_samples;
+    Change m_change = Change::Other;
 };
 
 } // namespace harrowby

@@ -43,6 +43,9 @@ public:
     void queueRow(const QStringList &texts);
     void queueRow(PackedRow row);
     void publishRows();
+    /// Whether as many rows are queued as the views know of. They look through all of theirs when more come: with each
+    /// breath of a long loop that would take as long as the rows themselves.
+    [[nodiscard]] bool hasManyQueued() const { return static_cast<int>(m_rows.size()) >= 2 * m_published; }
     /// Rows that there are, queued ones too.
     [[nodiscard]] int lastRow() const { return static_cast<int>(m_rows.size()) - 1; }
 
