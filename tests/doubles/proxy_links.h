@@ -45,6 +45,8 @@ public:
     void give(const Socket &to);
 
     [[nodiscard]] bool mayTake() const { return !m_hasEnded && m_size < mostBytes; }
+    /// More than one packet is under way.
+    [[nodiscard]] bool isCrowded() const { return m_chunks.size() > 1; }
     [[nodiscard]] bool isOver() const { return m_hasEnded && m_chunks.empty(); }
     /// What poll() is to wait for at its end, and when the next bytes are there.
     [[nodiscard]] short awaited(Moment now) const;
